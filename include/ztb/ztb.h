@@ -1,0 +1,459 @@
+/* The exported interface of libztbcclib64.so: every name that the library exports, usable from
+ * C99 and C++.
+ *
+ * Families
+ *   creation names   make and free a database; zero-terminated strings
+ *   c__              one name for each operation; zero-terminated strings
+ *   d__              the same operations for clients whose strings carry a length byte
+ *   n__              operations with arrays of strings, for clients with flat char arrays
+ *
+ * Conventions
+ *   Results     1 for success, 0 for failure; c__ztbgetlasterror then tells the reason. A success
+ *               does not clear the text of an earlier failure. Names that end in "py" return the
+ *               handle they make (null on failure) and store the 1 or 0 in their last argument.
+ *   Handles     sym is a symbol handle, owned by the database, valid until the database is freed.
+ *               rec is a record handle, owned by the caller: each one handed out is ended by
+ *               c__ztbfreesymboliterator. A database handle is never tested for null.
+ *   Text out    a buffer of at least ZTB_TEXT_BUFFER_SIZE chars.
+ *   keys        one label for each index position of the symbol (const char*[dim]), or one label
+ *               number for each (int[dim], numbers count from 1).
+ *   values      five doubles: level, marginal, lower, upper, scale.
+ *   Short string (d__)        256 bytes: a length byte, then the chars, no terminator.
+ *   Short-string array (d__)  20 short strings, one behind the other, 256 bytes apart.
+ *   Flat string array (n__)   20 zero-terminated strings, 256 bytes apart.
+ *   Threads     a database is used by one thread at a time, for reading too.
+ */
+#ifndef ZTB_ZTB_H_
+#define ZTB_ZTB_H_
+
+#include <ztb/types.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* ---- creation ----------------------------------------------------------------------------------
+ */
+
+/* Makes a database. On failure *ztb is null, msg holds "Error while creating object" cut to
+ * msgLen, and the result is 0. A missing exchange-file library does not fail the creation:
+ * c__ztbgetlasterror then holds "RXF create did not succeed: " and the reason. */
+int ztbcreate(ztbRec** ztb, char* msg, int msgLen);
+
+/* The same; the libraries that the database opens are looked for in folder sysDir. *ztb is not
+ * cleared first, and only a null ztb is reported as a failure. */
+int ztbcreated(ztbRec** ztb, const char* sysDir, char* msg, int msgLen);
+
+/* Frees the database and sets *ztb to null; 1 also when *ztb was null already. */
+int ztbfree(ztbRec** ztb);
+
+/* ztbcreate without a message; *ztb is left as it was when no object could be made. */
+void xcreate(ztbRec** ztb);
+
+/* ztbcreated without a message. */
+void xcreated(ztbRec** ztb, const char* sysDir);
+
+/* Frees the database, if *ztb is not null, and sets *ztb to null. */
+void xfree(ztbRec** ztb);
+
+/* The same entry point as xcreate. */
+void ztbxcreate(ztbRec** ztb);
+
+/* The same entry point as xcreated. */
+void ztbxcreated(ztbRec** ztb, const char* sysDir);
+
+/* The same entry point as xfree. */
+void ztbxfree(ztbRec** ztb);
+
+/* ---- version and signature checks --------------------------------------------------------------
+ */
+
+/* Compares a client's interface version with the library's (5). *compatibility: 1 the same, 2
+ * the client is older and compatible (2 to 4), 3 the client is newer, 0 the client is too old
+ * (below 2; result 0). msg says so in words. */
+int c__xapiversion(int api, char* msg, int* compatibility);
+
+/* Whether the operation name (mixed case, such as "ztbFindSymbol") has the signature codes[0]
+ * (result) and codes[1] to codes[argCount] (arguments behind the handle). msg is empty, or one
+ * of "ztbcclib: NAME cannot be found in library.", "... has wrong number of arguments." and
+ * "... has wrong argument types.". */
+int c__xcheck(const char* name, int argCount, const int* codes, char* msg);
+
+/* ---- the database ------------------------------------------------------------------------------
+ */
+
+/* Copies the text of the latest failure, at most 255 chars. 1 if there is one. */
+int c__ztbgetlasterror(ztbRec* ztb, char* msg);
+
+/* Trace level of the whole process: above 0 every operation prints its name to standard
+ * output; 2 adds the progress of loading. */
+int c__ztbsetdebug(ztbRec* ztb, int level);
+
+/* Prints a line to the host's log, or to standard output when there is none. */
+int c__ztbprintlog(ztbRec* ztb, const char* msg);
+
+/* Answers a ZTB_INFO_ key in *ival. Any other key: "infoKey needs to be between 0 and 5, saw
+ * KEY". */
+int c__ztbinfo(ztbRec* ztb, int infoKey, int* ival, double* dval, char* sval);
+
+/* ---- labels ------------------------------------------------------------------------------------
+ */
+
+/* Number of a label, added if it is new. Labels are at most 63 chars after trailing blanks are
+ * cut, compared with ASCII case folded, and hold at most one kind of quote. */
+int c__ztbmergeuel(ztbRec* ztb, const char* label, int* uelNr);
+
+/* Number of a label, or -1 if the database does not have it. */
+int c__ztbfinduel(ztbRec* ztb, const char* label, int* uelNr);
+
+/* Label of a number from 1 to the count of labels. Otherwise "Uel index N out of range
+ * [1,COUNT]". */
+int c__ztbgetuelbyindex(ztbRec* ztb, int uelNr, char* label);
+
+/* ---- exchange files ----------------------------------------------------------------------------
+ */
+
+/* Makes a new database the mirror of an RXF file: labels, texts, symbols and domains are read
+ * now, the records of each symbol when they are first touched. The file stays open. On failure
+ * the database can only be freed. */
+int c__ztbinitfromrxf(ztbRec* ztb, const char* fileName);
+
+/* Closes the file of c__ztbinitfromrxf. With loadRemain not 0 all symbols not yet read are
+ * read first; with 0 their records are lost to this database. */
+int c__ztbcloserxf(ztbRec* ztb, int loadRemain);
+
+/* Writes the whole database to an RXF file, which may be the one it was opened from. With
+ * noDomainCheck 0, records of symbols whose domains are sets are checked against them. On
+ * failure the old file stays. */
+int c__ztbwriterxf(ztbRec* ztb, const char* fileName, int noDomainCheck);
+
+/* ---- special values ----------------------------------------------------------------------------
+ */
+
+/* Sets the caller's spelling of the five special values, used in both directions from now on.
+ * *mode (may be null): 0 no mapping is needed, 1 epsilon alone, 2 all five. */
+int c__ztbsetspecialvaluesx(ztbRec* ztb, const double* values, int* mode);
+
+/* The same without mode. */
+int c__ztbsetspecialvalues(ztbRec* ztb, const double* values);
+
+/* The library's own five values: 1e300, NaN (0x7FF8000000000000), plus infinity, minus
+ * infinity, smallest denormal. Never what the caller has set. */
+int c__ztbgetspecialvalues(ztbRec* ztb, double* values);
+
+/* The five values as the caller has set them. */
+int c__ztbgetuserspecialvalues(ztbRec* ztb, double* values);
+
+/* ---- symbols -----------------------------------------------------------------------------------
+ */
+
+/* Adds a symbol of dimension 0 to 20 (a set from 1) over the universe. Names have 1 to 63
+ * chars, a letter first, then letters, digits and underscores; texts at most 255 chars.
+ * userInfo is the subtype of a variable (0 to 9) or equation (0 to 6), the number of the set
+ * that an alias stands for, and the caller's own word otherwise. */
+int c__ztbaddsymbol(ztbRec* ztb, const char* name, int dim, int type, int userInfo,
+                    const char* text, void** symPtr);
+
+void* c__ztbaddsymbolpy(ztbRec* ztb, const char* name, int dim, int type, int userInfo,
+                        const char* text, int* status);
+
+/* The same with domains: for each position a one-dimensional set or alias of this database, or
+ * null and a name ("*" or " " for the universe). Returns 1 also when no symbol could be made:
+ * look at *symPtr. */
+int c__ztbaddsymbolx(ztbRec* ztb, const char* name, int dim, int type, int userInfo,
+                     const char* text, void** domains, const char** domainNames, void** symPtr);
+
+void* c__ztbaddsymbolxpy(ztbRec* ztb, const char* name, int dim, int type, int userInfo,
+                         const char* text, void** domains, const char** domainNames, int* status);
+
+/* Finds a symbol by name, case folded; "*" is the universe. An alias is resolved to its set. */
+int c__ztbfindsymbol(ztbRec* ztb, const char* name, void** symPtr);
+
+void* c__ztbfindsymbolpy(ztbRec* ztb, const char* name, int* status);
+
+/* The same; an alias stays the alias. */
+int c__ztbfindsymbolwithalias(ztbRec* ztb, const char* name, void** symPtr);
+
+void* c__ztbfindsymbolwithaliaspy(ztbRec* ztb, const char* name, int* status);
+
+/* Symbol by position among the symbols that are no aliases, from 0; -1 is the universe. */
+int c__ztbgetsymbolbyindex(ztbRec* ztb, int index, void** symPtr);
+
+void* c__ztbgetsymbolbyindexpy(ztbRec* ztb, int index, int* status);
+
+/* Symbol by position among all symbols, aliases included, from 0; -1 is the universe. */
+int c__ztbgetsymbolbynumber(ztbRec* ztb, int number, void** symPtr);
+
+void* c__ztbgetsymbolbynumberpy(ztbRec* ztb, int number, int* status);
+
+/* Removes all records of a symbol. */
+int c__ztbclearsymbol(ztbRec* ztb, void* sym);
+
+/* Changes the user information of a symbol. */
+int c__ztbsetuserinfo(ztbRec* ztb, void* sym, int userInfo);
+
+/* Domain set (an alias resolved to its set; null when known by name only) and domain name of
+ * each position. dim is not used: the arrays hold as many places as the symbol has positions. */
+int c__ztbgetdomain(ztbRec* ztb, void* sym, int dim, void** domains, char** domainNames);
+
+/* Dimension of a symbol. */
+int c__ztbsymboldim(ztbRec* ztb, void* sym, int* dim);
+
+/* Type of a symbol. */
+int c__ztbsymboltype(ztbRec* ztb, void* sym, int* type);
+
+/* Answers a ZTB_SYMBOL_INFO_ key in *ival or sval. Any other key: "No valid infoKey, saw KEY". */
+int c__ztbsymbolinfo(ztbRec* ztb, void* sym, int infoKey, int* ival, double* dval, char* sval);
+
+/* ---- finding and walking records ---------------------------------------------------------------
+ */
+
+/* The record with these labels. No label is added. */
+int c__ztbfindrecord(ztbRec* ztb, void* sym, const char** keys, void** recPtr);
+
+void* c__ztbfindrecordpy(ztbRec* ztb, void* sym, const char** keys, int* status);
+
+/* First record of a symbol; records are ordered by label numbers, first position first. */
+int c__ztbfindfirstrecord(ztbRec* ztb, void* sym, void** recPtr);
+
+void* c__ztbfindfirstrecordpy(ztbRec* ztb, void* sym, int* status);
+
+/* First record of a slice: keys[d] is a label, or a single blank for any label. */
+int c__ztbfindfirstrecordslice(ztbRec* ztb, void* sym, const char** keys, void** recPtr);
+
+void* c__ztbfindfirstrecordslicepy(ztbRec* ztb, void* sym, const char** keys, int* status);
+
+/* Last record of a symbol; records are ordered by label numbers, first position first. */
+int c__ztbfindlastrecord(ztbRec* ztb, void* sym, void** recPtr);
+
+void* c__ztbfindlastrecordpy(ztbRec* ztb, void* sym, int* status);
+
+/* Last record of a slice: keys[d] is a label, or a single blank for any label. */
+int c__ztbfindlastrecordslice(ztbRec* ztb, void* sym, const char** keys, void** recPtr);
+
+void* c__ztbfindlastrecordslicepy(ztbRec* ztb, void* sym, const char** keys, int* status);
+
+/* Steps to the next record of the symbol, slice or universe. 0 past the last one; the handle
+ * then still stands on the last. */
+int c__ztbrecordmovenext(ztbRec* ztb, void* rec);
+
+/* Whether there is a next record. */
+int c__ztbrecordhasnext(ztbRec* ztb, void* rec);
+
+/* Steps to the previous record. 0, with no text, before the first one. */
+int c__ztbrecordmoveprev(ztbRec* ztb, void* rec);
+
+/* Whether there is a previous record. */
+int c__ztbrecordhasprev(ztbRec* ztb, void* rec);
+
+/* Whether two handles stand on the same record. */
+int c__ztbsamerecord(ztbRec* ztb, void* rec1, void* rec2);
+
+/* A new handle on the same record; a copy of a slice handle walks the whole symbol. */
+int c__ztbcopysymboliterator(ztbRec* ztb, void* rec, void** recPtr);
+
+void* c__ztbcopysymboliteratorpy(ztbRec* ztb, void* rec, int* status);
+
+/* Ends a record handle. */
+int c__ztbfreesymboliterator(ztbRec* ztb, void* rec);
+
+/* ---- reading records ---------------------------------------------------------------------------
+ */
+
+/* Level of a record, for a parameter its value. */
+int c__ztbgetlevel(ztbRec* ztb, void* rec, double* value);
+
+/* Marginal. Variables and equations only, as the three that follow. */
+int c__ztbgetmarginal(ztbRec* ztb, void* rec, double* value);
+
+/* Lower bound. */
+int c__ztbgetlower(ztbRec* ztb, void* rec, double* value);
+
+/* Upper bound. */
+int c__ztbgetupper(ztbRec* ztb, void* rec, double* value);
+
+/* Scale. */
+int c__ztbgetscale(ztbRec* ztb, void* rec, double* value);
+
+/* Explanatory text of a set record; empty when it has none. */
+int c__ztbgetelemtext(ztbRec* ztb, void* rec, char* text);
+
+/* Labels of the first dim positions. */
+int c__ztbgetkeys(ztbRec* ztb, void* rec, int dim, char** keys);
+
+/* Label of one position, from 0. */
+int c__ztbgetkey(ztbRec* ztb, void* rec, int index, char* key);
+
+/* Label numbers and values of a record: one value for sets and parameters, five for variables
+ * and equations. dim is not used. */
+int c__ztbgetrecordraw(ztbRec* ztb, void* rec, int dim, int* keys, double* values);
+
+/* ---- changing records --------------------------------------------------------------------------
+ */
+
+/* Adds a record with default values, and its labels where they are new. Fails when the record
+ * exists. */
+int c__ztbaddrecord(ztbRec* ztb, void* sym, const char** keys, void** recPtr);
+
+void* c__ztbaddrecordpy(ztbRec* ztb, void* sym, const char** keys, int* status);
+
+/* The same, but a record that exists is found, with its values. */
+int c__ztbmergerecord(ztbRec* ztb, void* sym, const char** keys, void** recPtr);
+
+void* c__ztbmergerecordpy(ztbRec* ztb, void* sym, const char** keys, int* status);
+
+/* Adds a record by label numbers, or overwrites it when haveValues is not 0. checkUEL 1 tests
+ * the numbers. A handle is made only with returnSymPtr 1. values holds five doubles whatever
+ * the type. Not for sets with values. */
+int c__ztbmergerecordint(ztbRec* ztb, void* sym, const int* keys, int checkUEL, int returnSymPtr,
+                         void** recPtr, int haveValues, const double* values);
+
+void* c__ztbmergerecordintpy(ztbRec* ztb, void* sym, const int* keys, int checkUEL,
+                             int returnSymPtr, int haveValues, const double* values, int* status);
+
+/* The same for a set, with an explanatory text (null for none). */
+int c__ztbmergesetrecordint(ztbRec* ztb, void* sym, const int* keys, int checkUEL, int returnSymPtr,
+                            void** recPtr, const char* text);
+
+void* c__ztbmergesetrecordintpy(ztbRec* ztb, void* sym, const int* keys, int checkUEL,
+                                int returnSymPtr, const char* text, int* status);
+
+/* Adds or overwrites a record by label numbers: text for a set, values for any other symbol. */
+int c__ztbaddrecordraw(ztbRec* ztb, void* sym, const int* keys, const double* values,
+                       const char* text);
+
+/* Removes the record under the handle, which then stands on the record behind it. */
+int c__ztbdeleterecord(ztbRec* ztb, void* rec);
+
+/* Writes the level of a record, for a parameter its value. */
+int c__ztbsetlevel(ztbRec* ztb, void* rec, double value);
+
+/* Writes the marginal of a record. */
+int c__ztbsetmarginal(ztbRec* ztb, void* rec, double value);
+
+/* Writes the lower of a record. */
+int c__ztbsetlower(ztbRec* ztb, void* rec, double value);
+
+/* Writes the upper of a record. */
+int c__ztbsetupper(ztbRec* ztb, void* rec, double value);
+
+/* Writes the scale of a record. */
+int c__ztbsetscale(ztbRec* ztb, void* rec, double value);
+
+/* Writes the explanatory text of a set record, at most 255 chars; an empty one takes it away. */
+int c__ztbsetelemtext(ztbRec* ztb, void* rec, const char* text);
+
+/* ---- length-prefixed strings -------------------------------------------------------------------
+ */
+
+/* As the c__ names, with short strings and short-string arrays in the places of strings and
+ * arrays of strings. */
+
+int d__xapiversion(int api, char* msg, int* compatibility);
+
+/* The same entry point as d__xapiversion. */
+int d__ztbxapiversion(int api, char* msg, int* compatibility);
+
+int d__xcheck(const char* name, int argCount, const int* codes, char* msg);
+
+/* The same entry point as d__xcheck. */
+int d__ztbxcheck(const char* name, int argCount, const int* codes, char* msg);
+
+void d__xcreated(ztbRec** ztb, const char* sysDir);
+
+/* The same entry point as d__xcreated. */
+void d__ztbxcreated(ztbRec** ztb, const char* sysDir);
+
+/* msg is a zero-terminated string here, too. */
+int d__ztbcreated(ztbRec** ztb, const char* sysDir, char* msg, int msgLen);
+
+int d__ztbgetlasterror(ztbRec* ztb, char* msg);
+
+int d__ztbprintlog(ztbRec* ztb, const char* msg);
+
+int d__ztbinfo(ztbRec* ztb, int infoKey, int* ival, double* dval, char* sval);
+
+int d__ztbmergeuel(ztbRec* ztb, const char* label, int* uelNr);
+
+int d__ztbfinduel(ztbRec* ztb, const char* label, int* uelNr);
+
+int d__ztbgetuelbyindex(ztbRec* ztb, int uelNr, char* label);
+
+int d__ztbinitfromrxf(ztbRec* ztb, const char* fileName);
+
+int d__ztbwriterxf(ztbRec* ztb, const char* fileName, int noDomainCheck);
+
+int d__ztbaddsymbol(ztbRec* ztb, const char* name, int dim, int type, int userInfo,
+                    const char* text, void** symPtr);
+
+void* d__ztbaddsymbolpy(ztbRec* ztb, const char* name, int dim, int type, int userInfo,
+                        const char* text, int* status);
+
+int d__ztbaddsymbolx(ztbRec* ztb, const char* name, int dim, int type, int userInfo,
+                     const char* text, void** domains, const char* domainNames, void** symPtr);
+
+void* d__ztbaddsymbolxpy(ztbRec* ztb, const char* name, int dim, int type, int userInfo,
+                         const char* text, void** domains, const char* domainNames, int* status);
+
+int d__ztbfindsymbol(ztbRec* ztb, const char* name, void** symPtr);
+
+void* d__ztbfindsymbolpy(ztbRec* ztb, const char* name, int* status);
+
+int d__ztbfindsymbolwithalias(ztbRec* ztb, const char* name, void** symPtr);
+
+void* d__ztbfindsymbolwithaliaspy(ztbRec* ztb, const char* name, int* status);
+
+/* The first dim names are filled. */
+int d__ztbgetdomain(ztbRec* ztb, void* sym, int dim, void** domains, char* domainNames);
+
+int d__ztbsymbolinfo(ztbRec* ztb, void* sym, int infoKey, int* ival, double* dval, char* sval);
+
+int d__ztbfindrecord(ztbRec* ztb, void* sym, const char* keys, void** recPtr);
+
+void* d__ztbfindrecordpy(ztbRec* ztb, void* sym, const char* keys, int* status);
+
+int d__ztbfindfirstrecordslice(ztbRec* ztb, void* sym, const char* keys, void** recPtr);
+
+void* d__ztbfindfirstrecordslicepy(ztbRec* ztb, void* sym, const char* keys, int* status);
+
+int d__ztbfindlastrecordslice(ztbRec* ztb, void* sym, const char* keys, void** recPtr);
+
+void* d__ztbfindlastrecordslicepy(ztbRec* ztb, void* sym, const char* keys, int* status);
+
+int d__ztbaddrecord(ztbRec* ztb, void* sym, const char* keys, void** recPtr);
+
+void* d__ztbaddrecordpy(ztbRec* ztb, void* sym, const char* keys, int* status);
+
+int d__ztbmergerecord(ztbRec* ztb, void* sym, const char* keys, void** recPtr);
+
+void* d__ztbmergerecordpy(ztbRec* ztb, void* sym, const char* keys, int* status);
+
+int d__ztbaddrecordraw(ztbRec* ztb, void* sym, const int* keys, const double* values,
+                       const char* text);
+
+int d__ztbmergesetrecordint(ztbRec* ztb, void* sym, const int* keys, int checkUEL, int returnSymPtr,
+                            void** recPtr, const char* text);
+
+void* d__ztbmergesetrecordintpy(ztbRec* ztb, void* sym, const int* keys, int checkUEL,
+                                int returnSymPtr, const char* text, int* status);
+
+int d__ztbgetelemtext(ztbRec* ztb, void* rec, char* text);
+
+int d__ztbsetelemtext(ztbRec* ztb, void* rec, const char* text);
+
+int d__ztbgetkey(ztbRec* ztb, void* rec, int index, char* key);
+
+int d__ztbgetkeys(ztbRec* ztb, void* rec, int dim, char* keys);
+
+/* ---- flat string blocks ------------------------------------------------------------------------
+ */
+
+int n__ztbgetkeys(ztbRec* ztb, void* rec, int dim, char* keys);
+
+int n__ztbgetdomain(ztbRec* ztb, void* sym, int dim, void** domains, char* domainNames);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif /* ZTB_ZTB_H_ */
