@@ -1,0 +1,29 @@
+#include "peers/nmt_family.h"
+
+namespace ztb::peers {
+namespace {
+
+constexpr FamilyTable familyTable{.libraryBaseName = "nmtmdclib",
+                                  .apiVersion = 2,
+                                  .symbolNaming = SymbolNaming::prefixTexts,
+                                  .createName = "nmtXCreate",
+                                  .createInDirectoryName = "CnmtXCreateD",
+                                  .freeName = "nmtXFree",
+                                  .checkName = "CnmtXCheck",
+                                  .versionName = "CnmtXAPIVersion",
+                                  .setLoadPathName = nullptr,
+                                  .getLoadPathName = nullptr};
+
+}  // namespace
+
+constinit PeerFamily nmtFamily{familyTable};
+
+bool nmtGetReady(char* msg, int msgSize) {
+  return nmtFamily.makeReady(nullptr, msg, msgSize);
+}
+
+bool nmtGetReadyD(const char* directory, char* msg, int msgSize) {
+  return nmtFamily.makeReady(directory, msg, msgSize);
+}
+
+}  // namespace ztb::peers

@@ -1,0 +1,29 @@
+#include "peers/pbi_family.h"
+
+namespace ztb::peers {
+namespace {
+
+constexpr FamilyTable familyTable{.libraryBaseName = "lomudclib",
+                                  .apiVersion = 26,
+                                  .symbolNaming = SymbolNaming::prefixTexts,
+                                  .createName = "pbiXCreate",
+                                  .createInDirectoryName = "CpbiXCreateD",
+                                  .freeName = "pbiXFree",
+                                  .checkName = "CpbiXCheck",
+                                  .versionName = "CpbiXAPIVersion",
+                                  .setLoadPathName = nullptr,
+                                  .getLoadPathName = nullptr};
+
+}  // namespace
+
+constinit PeerFamily pbiFamily{familyTable};
+
+bool pbiGetReady(char* msg, int msgSize) {
+  return pbiFamily.makeReady(nullptr, msg, msgSize);
+}
+
+bool pbiGetReadyD(const char* directory, char* msg, int msgSize) {
+  return pbiFamily.makeReady(directory, msg, msgSize);
+}
+
+}  // namespace ztb::peers

@@ -1,0 +1,33 @@
+#include "peers/rgy_family.h"
+
+namespace ztb::peers {
+namespace {
+
+constexpr FamilyTable familyTable{.libraryBaseName = "lomudclib",
+                                  .apiVersion = 4,
+                                  .symbolNaming = SymbolNaming::prefixTexts,
+                                  .createName = "rgyXCreate",
+                                  .createInDirectoryName = nullptr,
+                                  .freeName = "rgyXFree",
+                                  .checkName = "CrgyXCheck",
+                                  .versionName = "CrgyXAPIVersion",
+                                  .setLoadPathName = nullptr,
+                                  .getLoadPathName = nullptr};
+
+}  // namespace
+
+constinit PeerFamily rgyFamily{familyTable};
+
+bool rgyCreate(void** handleOut, char* msg, int msgSize) {
+  return rgyFamily.createObject(handleOut, nullptr, msg, msgSize);
+}
+
+bool rgyCreateD(void** handleOut, const char* directory, char* msg, int msgSize) {
+  return rgyFamily.createObject(handleOut, directory, msg, msgSize);
+}
+
+int rgyFree(void** handleRef) {
+  return rgyFamily.freeObject(handleRef);
+}
+
+}  // namespace ztb::peers

@@ -1,0 +1,33 @@
+#include "peers/rxf_family.h"
+
+namespace ztb::peers {
+namespace {
+
+constexpr FamilyTable familyTable{.libraryBaseName = "rxfcclib",
+                                  .apiVersion = 9,
+                                  .symbolNaming = SymbolNaming::prefixAll,
+                                  .createName = "XCreate",
+                                  .createInDirectoryName = "XCreateD",
+                                  .freeName = "XFree",
+                                  .checkName = "C__XCheck",
+                                  .versionName = "C__XAPIVersion",
+                                  .setLoadPathName = "C__rxfSetLoadPath",
+                                  .getLoadPathName = "C__rxfGetLoadPath"};
+
+}  // namespace
+
+constinit PeerFamily rxfFamily{familyTable};
+
+bool rxfCreate(void** handleOut, char* msg, int msgSize) {
+  return rxfFamily.createObject(handleOut, nullptr, msg, msgSize);
+}
+
+bool rxfCreateD(void** handleOut, const char* directory, char* msg, int msgSize) {
+  return rxfFamily.createObject(handleOut, directory, msg, msgSize);
+}
+
+int rxfFree(void** handleRef) {
+  return rxfFamily.freeObject(handleRef);
+}
+
+}  // namespace ztb::peers

@@ -1,0 +1,29 @@
+#include "peers/snv_family.h"
+
+namespace ztb::peers {
+namespace {
+
+constexpr FamilyTable familyTable{.libraryBaseName = "lomudclib",
+                                  .apiVersion = 7,
+                                  .symbolNaming = SymbolNaming::prefixTexts,
+                                  .createName = "snvXCreate",
+                                  .createInDirectoryName = "CsnvXCreateD",
+                                  .freeName = "snvXFree",
+                                  .checkName = "CsnvXCheck",
+                                  .versionName = "CsnvXAPIVersion",
+                                  .setLoadPathName = nullptr,
+                                  .getLoadPathName = nullptr};
+
+}  // namespace
+
+constinit PeerFamily snvFamily{familyTable};
+
+bool snvGetReady(char* msg, int msgSize) {
+  return snvFamily.makeReady(nullptr, msg, msgSize);
+}
+
+bool snvGetReadyD(const char* directory, char* msg, int msgSize) {
+  return snvFamily.makeReady(directory, msg, msgSize);
+}
+
+}  // namespace ztb::peers
