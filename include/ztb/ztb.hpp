@@ -1,0 +1,273 @@
+// C++20 wrapper of libztbcclib64.so: header only, on the exported c__ names alone.
+//
+//   ztb::Database diet = ztb::Database::open("diet.rxf");
+//   ztb::Symbol price = diet.symbol("price");
+//   for (ztb::Record& record : price.records()) {
+//     std::cout << record.key(0) << ' ' << record.level() << '\n';
+//   }
+//   price.merge("Milk").setLevel(11);
+//   diet.write("diet.rxf");
+//
+// A failed operation throws ztb::Error with the library's text; "not found" is an empty optional.
+// Nothing is cached and nothing allocated per record: a member costs its calls of the library.
+// A Symbol is a plain value that refers to its Database, a Record owns its handle; both end before
+// the Database does. A database is used by one thread at a time, for reading too.
+#ifndef ZTB_ZTB_HPP_
+#define ZTB_ZTB_HPP_
+
+#include <ztb/ztb.h>
+
+#include <array>
+#include <cstddef>
+#include <initializer_list>
+#include <optional>
+#include <span>
+#include <string>
+#include <utility>
+#include <vector>
+#include <ztb/error.hpp>
+#include <ztb/record.hpp>
+#include <ztb/symbol.hpp>
+#include <ztb/text.hpp>
+
+namespace ztb::inline client {
+
+// Five doubles, at the places ZTB_UNDEFINED to ZTB_EPSILON.
+using SpecialValues = std::array<double, ZTB_SPECIAL_VALUE_COUNT>;
+
+// The domain of a position of a new symbol: a one-dimensional set or alias of the same database,
+// or a name ("*" for the universe) that is kept as such.
+class DomainArgument {
+ public:
+  DomainArgument(const Symbol& set) noexcept : handle_(set.handle()) {}
+  DomainArgument(ZString name) noexcept : name_(name.c_str()) {}
+  DomainArgument(const char* name) noexcept : name_(name) {}
+  DomainArgument(const std::string& name) noexcept : name_(name.c_str()) {}
+
+  [[nodiscard]] void* handle() const noexcept { return handle_; }
+  [[nodiscard]] const char* name() const noexcept { return name_; }
+
+ private:
+  void* handle_ = nullptr;
+  const char* name_ = "*";
+};
+
+using DomainArguments = std::span<const DomainArgument>;
+
+// Owns a database. Movable; its symbols and records stay valid when it is moved.
+class Database {
+ public:
+  // An empty database. The exchange-file library is looked for beside libztbcclib64.so and on the
+  // loader's path, or in folder systemDirectory. A database without it is made all the same:
+  // lastError() then says why, and only files cannot be opened or written.
+  Database() {
+    std::array<char, ZTB_TEXT_BUFFER_SIZE> message{};
+    if (ztbcreate(&handle_, message.data(), static_cast<int>(message.size())) == 0) {
+      throw Error("ztbCreate", message.data());
+    }
+  }
+  explicit Database(ZString systemDirectory) {
+    std::array<char, ZTB_TEXT_BUFFER_SIZE> message{};
+    ztbcreated(&handle_, systemDirectory.c_str(), message.data(), static_cast<int>(message.size()));
+    if (handle_ == nullptr) {
+      throw Error("ztbCreateD", "Error while creating object");
+    }
+  }
+  Database(Database&& other) noexcept : handle_(std::exchange(other.handle_, nullptr)) {}
+  Database& operator=(Database&& other) noexcept {
+    std::swap(handle_, other.handle_);
+    return *this;
+  }
+  Database(const Database&) = delete;
+  Database& operator=(const Database&) = delete;
+  ~Database() { ztbfree(&handle_); }
+
+  // The mirror of an RXF file: labels, texts, symbols and domains are read now, the records of each
+  // symbol when they are first touched. The file stays open.
+  [[nodiscard]] static Database open(ZString fileName) {
+    Database database;
+    database.openFile(fileName);
+    return database;
+  }
+  // The same for a database that was just made; after a failure it can only be ended.
+  void openFile(ZString fileName) {
+    if (const Text text = lastError(); text.view().starts_with("RXF create did not succeed")) {
+      throw Error("ztbInitFromRXF", text.str());
+    }
+    detail::require(c__ztbinitfromrxf(handle_, fileName.c_str()), handle_, "ztbInitFromRXF");
+  }
+  // Closes the file; with loadRemaining, what was not read yet is read first, else it is lost.
+  void closeFile(bool loadRemaining) {
+    detail::require(c__ztbcloserxf(handle_, loadRemaining ? 1 : 0), handle_, "ztbCloseRXF");
+  }
+  // Writes the whole database to an RXF file, which may be the one that it was opened from. With
+  // checkDomains, records of symbols whose domains are sets are checked against them. On failure
+  // the old file stays.
+  void write(ZString fileName, bool checkDomains = false) {
+    detail::require(c__ztbwriterxf(handle_, fileName.c_str(), checkDomains ? 0 : 1), handle_,
+                    "ztbWriteRXF");
+  }
+  // Whether unread symbols come from a source.
+  [[nodiscard]] bool fileBacked() const { return info(ZTB_INFO_FILE_BACKED) != 0; }
+
+  // Labels are numbered from 1 to labelCount(), in the order in which they came.
+  [[nodiscard]] int labelCount() const { return info(ZTB_INFO_UEL_COUNT); }
+  // Number of a label, added if it is new. A label of blanks alone gets 0, which is no label.
+  int mergeLabel(ZString label) {
+    int number = 0;
+    if (c__ztbmergeuel(handle_, label.c_str(), &number) == 0) {
+      detail::failLabel(handle_, "ztbMergeUel", label.c_str());
+    }
+    return number;
+  }
+  [[nodiscard]] std::optional<int> findLabel(ZString label) const {
+    int number = 0;
+    if (c__ztbfinduel(handle_, label.c_str(), &number) == 0) {
+      detail::failLabel(handle_, "ztbFindUel", label.c_str());
+    }
+    return number < 0 ? std::nullopt : std::optional<int>(number);
+  }
+  [[nodiscard]] Text label(int number) const {
+    Text text;
+    detail::require(c__ztbgetuelbyindex(handle_, number, text.buffer()), handle_,
+                    "ztbGetUelByIndex");
+    return text;
+  }
+
+  // All symbols, aliases included, count from 0 in the order in which they were made.
+  [[nodiscard]] int symbolCount() const { return info(ZTB_INFO_SYMBOL_COUNT_WITH_ALIAS); }
+  [[nodiscard]] Symbol symbolAt(int position) const {
+    void* handle = nullptr;
+    detail::require(c__ztbgetsymbolbynumber(handle_, position, &handle), handle_,
+                    "ztbGetSymbolByNumber");
+    return {handle_, handle};
+  }
+  [[nodiscard]] Symbol universe() const { return symbolAt(-1); }
+  // A symbol by name, case folded; "*" is the universe. An alias is resolved to its set. Throws if
+  // there is none.
+  [[nodiscard]] Symbol symbol(ZString name) const {
+    void* handle = nullptr;
+    detail::require(c__ztbfindsymbol(handle_, name.c_str(), &handle), handle_, "ztbFindSymbol");
+    return {handle_, handle};
+  }
+  // The same, but nothing if there is none.
+  [[nodiscard]] std::optional<Symbol> findSymbol(ZString name) const {
+    return find(c__ztbfindsymbol, name, "ztbFindSymbol");
+  }
+  // The same; an alias stays the alias.
+  [[nodiscard]] std::optional<Symbol> findSymbolOrAlias(ZString name) const {
+    return find(c__ztbfindsymbolwithalias, name, "ztbFindSymbolWithAlias");
+  }
+
+  // Adds a symbol with a domain for each position; userInfo is the subtype of a variable (0 to 9)
+  // or equation (0 to 6). Names have 1 to 63 chars, a letter first, then letters, digits,
+  // underscores.
+  Symbol addSymbol(ZString name, Type type, DomainArguments domains, ZString text = "",
+                   int userInfo = 0);
+  Symbol addSet(ZString name, std::initializer_list<DomainArgument> domains, ZString text = "") {
+    return addSymbol(name, Type::set, domains, text);
+  }
+  Symbol addParameter(ZString name, std::initializer_list<DomainArgument> domains,
+                      ZString text = "") {
+    return addSymbol(name, Type::parameter, domains, text);
+  }
+  Symbol addVariable(ZString name, int subtype, std::initializer_list<DomainArgument> domains,
+                     ZString text = "") {
+    return addSymbol(name, Type::variable, domains, text, subtype);
+  }
+  Symbol addEquation(ZString name, int subtype, std::initializer_list<DomainArgument> domains,
+                     ZString text = "") {
+    return addSymbol(name, Type::equation, domains, text, subtype);
+  }
+  // Adds a second name for a set or for the universe.
+  Symbol addAlias(ZString name, const Symbol& target, ZString text = "");
+
+  // The caller's spelling of the five special values, used in both directions from now on.
+  void setSpecialValues(const SpecialValues& values) {
+    c__ztbsetspecialvalues(handle_, values.data());
+  }
+  [[nodiscard]] SpecialValues userSpecialValues() const {
+    SpecialValues values{};
+    c__ztbgetuserspecialvalues(handle_, values.data());
+    return values;
+  }
+  // The library's own five values.
+  [[nodiscard]] SpecialValues specialValues() const {
+    SpecialValues values{};
+    c__ztbgetspecialvalues(handle_, values.data());
+    return values;
+  }
+
+  // Text of the latest failure; a success does not clear it.
+  [[nodiscard]] Text lastError() const {
+    Text text;
+    c__ztbgetlasterror(handle_, text.buffer());
+    return text;
+  }
+
+  // The handle of the C interface; stays owned by this object.
+  [[nodiscard]] ztbRec* handle() const noexcept { return handle_; }
+
+ private:
+  using Finder = int (*)(ztbRec*, const char*, void**);
+
+  [[nodiscard]] int info(int key) const {
+    int value = 0;
+    detail::require(c__ztbinfo(handle_, key, &value, nullptr, nullptr), handle_, "ztbInfo");
+    return value;
+  }
+  [[nodiscard]] std::optional<Symbol> find(Finder finder, ZString name,
+                                           const char* operation) const {
+    void* handle = nullptr;
+    if (finder(handle_, name.c_str(), &handle) == 0) {
+      if (!detail::nothingFound(handle_)) {
+        detail::fail(handle_, operation);
+      }
+      return std::nullopt;
+    }
+    return Symbol(handle_, handle);
+  }
+
+  ztbRec* handle_ = nullptr;
+};
+
+inline Symbol Database::addSymbol(ZString name, Type type, DomainArguments domains, ZString text,
+                                  int userInfo) {
+  const int dimension = static_cast<int>(domains.size());
+  void* handle = nullptr;
+  if (dimension == 0 || dimension > ZTB_MAX_DIMENSION) {
+    detail::require(c__ztbaddsymbol(handle_, name.c_str(), dimension, static_cast<int>(type),
+                                    userInfo, text.c_str(), &handle),
+                    handle_, "ztbAddSymbol");
+    return {handle_, handle};
+  }
+  std::array<void*, ZTB_MAX_DIMENSION> handles{};
+  std::array<const char*, ZTB_MAX_DIMENSION> names{};
+  for (std::size_t position = 0; position < domains.size(); ++position) {
+    handles[position] = domains[position].handle();
+    names[position] = domains[position].name();
+  }
+  const int result =
+      c__ztbaddsymbolx(handle_, name.c_str(), dimension, static_cast<int>(type), userInfo,
+                       text.c_str(), handles.data(), names.data(), &handle);
+  detail::require(result != 0 && handle != nullptr ? 1 : 0, handle_, "ztbAddSymbolX");
+  return {handle_, handle};
+}
+
+inline Symbol Database::addAlias(ZString name, const Symbol& target, ZString text) {
+  // The library wants the position of the target, which its number does not tell when it came from
+  // a file. Any position that is not a set's stands for the universe.
+  int position = symbolCount() - 1;
+  while (position >= 0 && !(symbolAt(position) == target)) {
+    --position;
+  }
+  void* handle = nullptr;
+  detail::require(c__ztbaddsymbol(handle_, name.c_str(), target.dimension(), ZTB_ALIAS, position,
+                                  text.c_str(), &handle),
+                  handle_, "ztbAddSymbol");
+  return {handle_, handle};
+}
+
+}  // namespace ztb::inline client
+
+#endif  // ZTB_ZTB_HPP_
