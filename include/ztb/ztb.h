@@ -32,6 +32,10 @@
 extern "C" {
 #endif
 
+#if defined(__GNUC__) && !defined(_WIN32)
+#pragma GCC visibility push(default)
+#endif
+
 /* ---- creation ----------------------------------------------------------------------------------
  */
 
@@ -451,6 +455,10 @@ int d__ztbgetkeys(ztbRec* ztb, void* rec, int dim, char* keys);
 int n__ztbgetkeys(ztbRec* ztb, void* rec, int dim, char* keys);
 
 int n__ztbgetdomain(ztbRec* ztb, void* sym, int dim, void** domains, char* domainNames);
+
+#if defined(__GNUC__) && !defined(_WIN32)
+#pragma GCC visibility pop
+#endif
 
 #ifdef __cplusplus
 }

@@ -1,0 +1,17 @@
+#include "core/handles.h"
+
+namespace ztb {
+
+std::string recordText(const char* const* keys, int dim) {
+  std::string text = "(\"";
+  for (int d = 0; d < dim; ++d) {
+    if (d > 0) {
+      text += ",\"";
+    }
+    text += keys[d];
+    text += '"';
+  }
+  return text + ')';
+}
+
+}  // namespace ztb

@@ -1,0 +1,56 @@
+// From the untyped handles of the boundary to objects, and the checks that operations share.
+#ifndef ZTB_CORE_HANDLES_H_
+#define ZTB_CORE_HANDLES_H_
+
+#include <array>
+#include <stdexcept>
+#include <string>
+
+#include "core/ztb.h"
+#include "store/abstract_symbol.h"
+
+namespace ztb {
+
+inline AbstractZTBSymbol* symbolOf(void* handle) {
+  return static_cast<AbstractZTBSymbol*>(handle);
+}
+inline AbstractZTBSymbolIterator* recordOf(void* handle) {
+  return static_cast<AbstractZTBSymbolIterator*>(handle);
+}
+
+inline bool isUniverse(const ZTB& db, const AbstractZTBSymbol* symbol) {
+  return symbol == db.universe.get();
+}
+
+inline int failNoSymbol(ZTB& db) {
+  return db.fail("No symbol handle specified");
+}
+inline int failNoRecord(ZTB& db) {
+  return db.fail("No symbol record handle specified");
+}
+
+// Sets the mark of write recording while recording is on.
+inline void markWritten(const ZTB& db, AbstractZTBSymbol& symbol) {
+  if (db.writeRecording) {
+    symbol.writeRecorded = true;
+  }
+}
+
+// Room for the label numbers of one record, all zero at first.
+using KeyBuffer = std::array<int, dmap::maxDimension>;
+
+// Throws std::logic_error unless a key of the symbol has room in a KeyBuffer: only a symbol made
+// with given domains can have more positions, or fewer than none.
+inline void requireKeyRoom(const AbstractZTBSymbol& symbol) {
+  if (symbol.dim < 0 || symbol.dim > dmap::maxDimension) {
+    throw std::logic_error("dimension " + std::to_string(symbol.dim) + " of symbol " + symbol.name +
+                           " is outside [0," + std::to_string(dmap::maxDimension) + "]");
+  }
+}
+
+// A record's labels for messages, as ("a","b"); of dimension 0 as (").
+std::string recordText(const char* const* keys, int dim);
+
+}  // namespace ztb
+
+#endif  // ZTB_CORE_HANDLES_H_

@@ -1,0 +1,129 @@
+// Reading values, texts and keys of records.
+
+#include <cmath>
+#include <stdexcept>
+#include <string>
+
+#include "core/frame.h"
+#include "core/handles.h"
+#include "core/operations.h"
+#include "core/record_values.h"
+#include "core/text.h"
+
+namespace ztb {
+namespace {
+
+int readSlot(ztbRec* handle, const char* name, void* rec, int slot, double* value) {
+  return operation(handle, name, [&](const ZTB& db) {
+    *value = db.mapOut(valueSlot(*recordOf(rec), slot));
+    return success;
+  });
+}
+
+// The explanatory text that a level names; empty when it names none.
+const char* textOfLevel(const ZTB& db, double level) {
+  const bool namesText = level >= 1.0 && level < db.textPool.size();
+  return namesText ? db.textPool.at(static_cast<int>(level)) : "";
+}
+
+void requirePosition(const AbstractZTBSymbol& symbol, int position) {
+  if (position < 0 || position >= symbol.dim) {
+    throw std::logic_error("symbol " + symbol.name + " has no index position " +
+                           std::to_string(position + 1));
+  }
+}
+
+}  // namespace
+
+int ztbGetLevel(ztbRec* handle, void* rec, double* value) {
+  return readSlot(handle, "ztbGetLevel", rec, ZTB_LEVEL, value);
+}
+
+int ztbGetMarginal(ztbRec* handle, void* rec, double* value) {
+  return readSlot(handle, "ztbGetMarginal", rec, ZTB_MARGINAL, value);
+}
+
+int ztbGetLower(ztbRec* handle, void* rec, double* value) {
+  return readSlot(handle, "ztbGetLower", rec, ZTB_LOWER, value);
+}
+
+int ztbGetUpper(ztbRec* handle, void* rec, double* value) {
+  return readSlot(handle, "ztbGetUpper", rec, ZTB_UPPER, value);
+}
+
+int ztbGetScale(ztbRec* handle, void* rec, double* value) {
+  return readSlot(handle, "ztbGetScale", rec, ZTB_SCALE, value);
+}
+
+int ztbGetElemText(ztbRec* handle, void* rec, char* text) {
+  return operation(handle, "ztbGetElemText", [&](ZTB& db) {
+    AbstractZTBSymbolIterator& record = *recordOf(rec);
+    if (isUniverse(db, record.symbol())) {
+      return db.fail("Cannot get explanatory text for records of the Universe");
+    }
+    copyText(text, textOfLevel(db, valueSlot(record, ZTB_LEVEL)));
+    return success;
+  });
+}
+
+int ztbGetKeys(ztbRec* handle, void* rec, int dim, char** keys) {
+  return operation(handle, "ztbGetKeys", [&](ZTB& db) {
+    AbstractZTBSymbolIterator* record = recordOf(rec);
+    if (record == nullptr) {
+      return failNoRecord(db);
+    }
+    if (record->onUniverse()) {
+      copyText(keys[0], db.uels.labelOf(record->universePosition()));
+      return success;
+    }
+    if (dim > 0) {
+      requirePosition(*record->symbol(), dim - 1);
+    }
+    const int* numbers = record->keys();
+    for (int d = 0; d < dim; ++d) {
+      copyText(keys[d], db.uels.labelOf(numbers[d]));
+    }
+    return success;
+  });
+}
+
+int ztbGetKey(ztbRec* handle, void* rec, int index, char* key) {
+  return operation(handle, "ztbGetKey", [&](ZTB& db) {
+    AbstractZTBSymbolIterator* record = recordOf(rec);
+    if (record == nullptr) {
+      return failNoRecord(db);
+    }
+    if (record->onUniverse()) {
+      copyText(key, db.uels.labelOf(record->universePosition()));
+      return success;
+    }
+    if (index >= record->dimension()) {
+      return db.fail("Index too large");
+    }
+    requirePosition(*record->symbol(), index);
+    copyText(key, db.uels.labelOf(record->keys()[index]));
+    return success;
+  });
+}
+
+int ztbGetRecordRaw(ztbRec* handle, void* rec, int /*dim*/, int* keys, double* values) {
+  return operation(handle, {"ztbGetRecordRaw", "ztbGetKeys", "ztbGetRecordRaw"}, [&](ZTB& db) {
+    AbstractZTBSymbolIterator* record = recordOf(rec);
+    if (record == nullptr) {
+      return failNoRecord(db);
+    }
+    if (record->onUniverse()) {
+      keys[0] = record->universePosition();
+      return success;
+    }
+    record->copyRecord(keys, values);
+    const int type = record->symbol()->type;
+    const int copied = type == ZTB_VARIABLE || type == ZTB_EQUATION ? dmap::maxSlots : 1;
+    for (int slot = 0; slot < copied; ++slot) {
+      values[slot] = db.mapOut(values[slot]);
+    }
+    return success;
+  });
+}
+
+}  // namespace ztb

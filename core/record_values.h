@@ -1,0 +1,25 @@
+// The value slots of a record, guarded against slots that it does not have.
+#ifndef ZTB_CORE_RECORD_VALUES_H_
+#define ZTB_CORE_RECORD_VALUES_H_
+
+#include <stdexcept>
+#include <string>
+
+#include "store/abstract_symbol.h"
+
+namespace ztb {
+
+// One slot of the record under a handle. Throws std::logic_error when the handle stands on no
+// record or its symbol's records have no such slot.
+inline double& valueSlot(AbstractZTBSymbolIterator& record, int slot) {
+  const AbstractZTBSymbol& symbol = *record.symbol();
+  if (slot >= dmap::slotCount(symbol.type)) {
+    throw std::logic_error("records of symbol " + symbol.name + " have no value slot " +
+                           std::to_string(slot) + ", only a level");
+  }
+  return record.values()[slot];
+}
+
+}  // namespace ztb
+
+#endif  // ZTB_CORE_RECORD_VALUES_H_

@@ -1,0 +1,90 @@
+#include "core/uel_list.h"
+
+#include <cctype>
+#include <cstdio>
+#include <cstring>
+#include <stdexcept>
+#include <string>
+
+namespace ztb::uellist {
+
+UELList::UELList(char* message, std::size_t messageSize)
+    : message_(message), messageSize_(messageSize) {
+  labels_.store(" ", 1, 0);
+}
+
+bool UELList::normalise(const char* label, WorkingCopy& copy) {
+  if (label == nullptr) {
+    return false;
+  }
+  char quote = '\0';
+  const char* end = label;
+  for (; *end != '\0'; ++end) {
+    if (static_cast<unsigned char>(*end) < 32) {
+      return false;
+    }
+    if (*end == '\'' || *end == '"') {
+      if (quote != '\0' && quote != *end) {
+        std::snprintf(message_, messageSize_, "Label with single and double quote not allowed >%s<",
+                      label);
+        return false;
+      }
+      quote = *end;
+    }
+  }
+  const char* last = end;
+  while (last != label && std::isspace(static_cast<unsigned char>(last[-1])) != 0) {
+    --last;
+  }
+  std::size_t length = static_cast<std::size_t>(last - label);
+  if (length > maxLabelLength) {
+    std::snprintf(message_, messageSize_, "Label exceeds maximum size of %d: >%s<",
+                  static_cast<int>(maxLabelLength), label);
+    return false;
+  }
+  if (length == 0 && end != label) {
+    length = 1;
+  }
+  std::memcpy(copy.chars, label, length);
+  copy.chars[length] = '\0';
+  copy.length = length;
+  return true;
+}
+
+bool UELList::find(const char* label, int* number) {
+  WorkingCopy copy;
+  if (!normalise(label, copy)) {
+    return false;
+  }
+  *number = labels_.indexOf(copy.chars);
+  return true;
+}
+
+bool UELList::merge(const char* label, int* number) {
+  WorkingCopy copy;
+  if (!normalise(label, copy)) {
+    return false;
+  }
+  *number = labels_.store(copy.chars, copy.length, 0);
+  return true;
+}
+
+const char* UELList::labelOf(int number) const {
+  if (number < 0 || number >= size()) {
+    throw std::logic_error("label number " + std::to_string(number) + " is outside [0," +
+                           std::to_string(size() - 1) + "]");
+  }
+  return at(number);
+}
+
+void UELList::assign(const UELList& other) {
+  if (this == &other) {
+    return;
+  }
+  for (int number = 0; number < other.size(); ++number) {
+    const char* label = other.at(number);
+    labels_.store(label, std::strlen(label), 0);
+  }
+}
+
+}  // namespace ztb::uellist

@@ -1,0 +1,90 @@
+#include "core/ztb.h"
+
+#include <cstdarg>
+#include <cstdio>
+#include <cstring>
+
+#include "peers/rgy_family.h"
+#include "peers/rxf_family.h"
+#include "store/symbol_factory.h"
+
+namespace ztb {
+
+std::int32_t debugLevel = 0;
+
+ZTB::ZTB() : ZTB(nullptr) {}
+
+ZTB::ZTB(const char* systemDirectory) : sysDir(systemDirectory == nullptr ? "" : systemDirectory) {
+  SymbolDescription description;
+  description.name = "*";
+  description.dim = 1;
+  description.type = dmap::typeSet;
+  description.number = -1;
+  description.text = "universe";
+  universe = makeSymbol(recordStorage, this, std::move(description));
+
+  const bool made = systemDirectory == nullptr
+                        ? peers::rxfCreate(&rxf, peerMessage, sizeof peerMessage)
+                        : peers::rxfCreateD(&rxf, sysDir.c_str(), peerMessage, sizeof peerMessage);
+  if (!made) {
+    rxf = nullptr;
+    fail("RXF create did not succeed: %s", peerMessage);
+  }
+}
+
+ZTB::~ZTB() {
+  if (solverNumber > 0 && solverLoaded && solverAlg != nullptr) {
+    peers::rgyAlgFree(rgy, solverNumber, &solverAlg);
+  }
+  if (rgy != nullptr) {
+    peers::rgyFree(&rgy);
+  }
+  if (initFrom == Source::rxf) {
+    CloseRXF(false);
+  }
+  if (rxf != nullptr) {
+    peers::rxfFree(&rxf);
+  }
+}
+
+int ZTB::fail(const char* format, ...) {
+  std::va_list arguments;
+  va_start(arguments, format);
+  std::vsnprintf(lastError, sizeof lastError, format, arguments);
+  va_end(arguments);
+  return failure;
+}
+
+int ZTB::failOutOfMemory(const char* operation) {
+  fail("Out of memory in %s", operation);
+  std::puts(lastError);
+  return failure;
+}
+
+AbstractZTBSymbol* ZTB::lookUp(const char* name) {
+  if (std::strcmp(name, "*") == 0) {
+    return universe.get();
+  }
+  return symbols.contains(name) ? symbols.atName(name) : nullptr;
+}
+
+int ZTB::textNumber(const char* text) {
+  if (!textPool.contains(text)) {
+    textPool.add(text, textPool.size());
+  }
+  return textPool.value(text);
+}
+
+bool ZTB::ensureLoaded(AbstractZTBSymbol& symbol) {
+  if (symbol.loaded) {
+    return true;
+  }
+  symbol.loaded = true;
+  if (initFrom == Source::rxf) {
+    return readSymbolFromRXF(symbol, nullptr);
+  }
+  return fail("Symbol %s not initialized from RXF or PBI: %d", symbol.name.c_str(),
+              static_cast<int>(initFrom)) == success;
+}
+
+}  // namespace ztb

@@ -1,0 +1,64 @@
+// Exchange-file objects of the peer, as the core uses them.
+#ifndef ZTB_EXCHANGE_RXF_PEER_H_
+#define ZTB_EXCHANGE_RXF_PEER_H_
+
+#include <algorithm>
+
+#include "exchange/special_values.h"
+#include "peers/rxf_family.h"
+#include "store/idmap.h"
+
+namespace ztb {
+
+// Places in the peer's table of special values, of which the core sets the first five.
+inline constexpr int peerSpecialValueCount = 16;
+
+// An exchange file counts the subtypes of equations from here.
+inline constexpr int equationSubtypeBase = 53;
+
+// Room for a text of the peer.
+inline constexpr int peerTextSize = 256;
+
+// Tells the peer through `set` (reading or writing) that the core's values are in internal coding;
+// the peer's further entries stay. The result is the peer's: 0 for a refusal.
+template <class SetOperation>
+int setInternalSpecialValues(void* rxf, const SetOperation& set) {
+  double values[peerSpecialValueCount] = {};
+  peers::rxfGetSpecialValues(rxf, values);
+  std::copy(internalSpecialValues.begin(), internalSpecialValues.end(), values);
+  return set(rxf, values);
+}
+
+// Ends a read of records when the scope that reads them is left, by whatever way: the peer has one
+// record stream, and an open one would refuse the next.
+class RecordStream {
+ public:
+  explicit RecordStream(void* rxf) : rxf_(rxf) {}
+  RecordStream(const RecordStream&) = delete;
+  RecordStream& operator=(const RecordStream&) = delete;
+  ~RecordStream() { peers::rxfDataReadDone(rxf_); }
+
+ private:
+  void* rxf_;
+};
+
+// The records of one symbol of an open file: calls `deliver(keys, values)` for each of them.
+template <class Deliver>
+void readRecords(void* rxf, const char* symbolName, Deliver&& deliver) {
+  int number = 0;
+  int count = 0;
+  int firstChanged = 0;
+  int keys[dmap::maxDimension] = {};
+  double values[dmap::maxSlots] = {};
+  peers::rxfFindSymbol(rxf, symbolName, &number);
+  peers::rxfDataReadRawStart(rxf, number, &count);
+  const RecordStream stream(rxf);
+  for (int record = 0; record < count; ++record) {
+    peers::rxfDataReadRaw(rxf, keys, values, &firstChanged);
+    deliver(keys, values);
+  }
+}
+
+}  // namespace ztb
+
+#endif  // ZTB_EXCHANGE_RXF_PEER_H_

@@ -1,0 +1,214 @@
+#include "exchange/rxf_writer.h"
+
+#include <algorithm>
+#include <stdexcept>
+
+#include "core/string_hash_list.h"
+#include "exchange/rxf_peer.h"
+
+namespace ztb {
+namespace {
+
+constexpr const char* universeName = "*";
+
+// Domain lists have one entry a position; a symbol moved to another store has none.
+AbstractZTBSymbol* domainAt(const AbstractZTBSymbol& symbol, std::size_t position) {
+  return position < symbol.domainSymbols.size() ? symbol.domainSymbols[position] : nullptr;
+}
+
+// Positions of a symbol. Throws std::logic_error for more than the peer has room for.
+std::size_t positionsOf(const AbstractZTBSymbol& symbol) {
+  if (symbol.dim < 0 || symbol.dim > dmap::maxDimension) {
+    throw std::logic_error("dimension " + std::to_string(symbol.dim) + " of symbol " + symbol.name +
+                           " is outside [0," + std::to_string(dmap::maxDimension) + "]");
+  }
+  return static_cast<std::size_t>(symbol.dim);
+}
+
+}  // namespace
+
+RxfWriter::~RxfWriter() {
+  if (target_ != nullptr) {
+    peers::rxfFree(&target_);
+  }
+}
+
+int RxfWriter::create() {
+  char message[ZTB::peerMessageSize] = {};
+  const bool made = db_.sysDir.empty()
+                        ? peers::rxfCreate(&target_, message, sizeof message)
+                        : peers::rxfCreateD(&target_, db_.sysDir.c_str(), message, sizeof message);
+  return made ? success : db_.fail("RXF create did not succeed: %s", message);
+}
+
+int RxfWriter::open(const std::string& fileName) {
+  int error = 0;
+  peers::rxfOpenWrite(target_, fileName.c_str(), "", &error);
+  if (error != 0) {
+    char text[peerTextSize] = {};
+    peers::rxfErrorStr(target_, error, text);
+    return db_.fail("%s: %s", text, fileName.c_str());
+  }
+  peers::rxfStoreDomainSetsSet(target_, 0);
+  return success;
+}
+
+int RxfWriter::mapSpecialValues() {
+  if (setInternalSpecialValues(target_, peers::rxfSetSpecialValues) == 0) {
+    return db_.fail("Error setting special values");
+  }
+  return success;
+}
+
+void RxfWriter::writeLabels() {
+  peers::rxfUELRegisterRawStart(target_);
+  for (int number = 1; number < db_.uels.size(); ++number) {
+    peers::rxfUELRegisterRaw(target_, db_.uels.at(number));
+  }
+  peers::rxfUELRegisterDone(target_);
+}
+
+int RxfWriter::writeSymbols() {
+  for (int position = 0; position < db_.symbols.size(); ++position) {
+    if (writeSymbol(*db_.symbols.atNumber(position), position) != success) {
+      return failure;
+    }
+  }
+  return success;
+}
+
+int RxfWriter::writeAlias(const AbstractZTBSymbol& alias) {
+  const char* name = alias.name.c_str();
+  const char* targetName = alias.aliasTarget->name.c_str();
+  if (peers::rxfAddAlias(target_, name, targetName) == 0) {
+    return db_.fail("Error writing alias %s of set %s to RXF", name, targetName);
+  }
+  return success;
+}
+
+int RxfWriter::writeSymbol(AbstractZTBSymbol& symbol, int position) {
+  if (symbol.type == dmap::typeAlias) {
+    return writeAlias(symbol);
+  }
+  const int userInfo =
+      symbol.type == dmap::typeEquation ? symbol.userInfo + equationSubtypeBase : symbol.userInfo;
+  if (peers::rxfDataWriteRawStart(target_, symbol.name.c_str(), symbol.text.c_str(), symbol.dim,
+                                  symbol.type, userInfo) == 0) {
+    return db_.fail("Error writing symbol %s to RXF", symbol.name.c_str());
+  }
+  const bool strict = checkDomains_ && setStrictDomain(symbol);
+  writeRecords(symbol);
+  peers::rxfDataWriteDone(target_);
+  if (!strict) {
+    recordDomainNames(symbol, position);
+  }
+  return success;
+}
+
+bool RxfWriter::setStrictDomain(const AbstractZTBSymbol& symbol) {
+  Names names = {};
+  bool allKnown = true;
+  bool allUniverse = true;
+  for (std::size_t d = 0; d < positionsOf(symbol); ++d) {
+    const AbstractZTBSymbol* domain = domainAt(symbol, d);
+    names[d] = universeName;
+    if (domain == nullptr) {
+      allKnown = false;
+    } else if (domain != db_.universe.get()) {
+      names[d] = domain->name.c_str();
+      allUniverse = false;
+    }
+  }
+  if (!allKnown || allUniverse) {
+    return false;
+  }
+  const int errorsBefore = peers::rxfErrorCount(target_);
+  if (peers::rxfSymbolSetDomain(target_, names.data()) != 0) {
+    return true;
+  }
+  const int refused = peers::rxfErrorCount(target_) - errorsBefore;
+  ignoredErrors_ += refused;
+  for (int error = 0; error < refused; ++error) {
+    peers::rxfGetLastError(target_);
+  }
+  return false;
+}
+
+void RxfWriter::recordDomainNames(const AbstractZTBSymbol& symbol, int position) {
+  Names names = {};
+  bool anyNamed = false;
+  for (std::size_t d = 0; d < positionsOf(symbol); ++d) {
+    const AbstractZTBSymbol* domain = domainAt(symbol, d);
+    if (domain != nullptr) {
+      names[d] = domain->name.c_str();
+    } else {
+      names[d] = d < symbol.domainNames.size() ? symbol.domainNames[d].c_str() : universeName;
+    }
+    anyNamed = anyNamed || names[d][0] != '*';
+  }
+  if (anyNamed) {
+    peers::rxfSymbolSetDomainX(target_, position + 1, names.data());
+  }
+}
+
+void RxfWriter::writeRecords(AbstractZTBSymbol& symbol) {
+  if (symbol.loaded) {
+    std::array<int, dmap::maxDimension> keysForPeer = {};
+    const std::size_t dim = positionsOf(symbol);
+    symbol.forEachRecord([&](const int* keys, const double* values) {
+      std::copy_n(keys, dim, keysForPeer.data());
+      peers::rxfDataWriteRaw(target_, keysForPeer.data(), values);
+    });
+  } else if (db_.initFrom == Source::rxf) {
+    db_.readSymbolFromRXF(symbol, target_);
+  }
+}
+
+void RxfWriter::writeTexts() {
+  for (int entry = 1; entry < db_.textPool.size(); ++entry) {
+    int number = 0;
+    peers::rxfAddSetText(target_, db_.textPool.at(entry), &number);
+  }
+}
+
+int RxfWriter::finish() {
+  const int result = peers::rxfErrorCount(target_) > ignoredErrors_ ? failPeerErrors() : success;
+  peers::rxfClose(target_);
+  return result;
+}
+
+int RxfWriter::failPeerErrors() {
+  int code = peers::rxfGetLastError(target_);
+  int count = 1;
+  for (int next = peers::rxfGetLastError(target_); next != 0;
+       next = peers::rxfGetLastError(target_)) {
+    ++count;
+    code = next;
+  }
+  char text[peerTextSize] = {};
+  peers::rxfErrorStr(target_, code, text);
+  return db_.fail("%d RXF Error(s). First Error: %s", count, text);
+}
+
+int ZTB::WriteRXF(const std::string& fileName, int noDomainCheck) {
+  RxfWriter writer(*this, noDomainCheck == 0);
+  if (writer.create() != success) {
+    return failure;
+  }
+  const bool overSource = initFrom == Source::rxf && rxf::collections::strhash::equalFolded(
+                                                         fileName.c_str(), rxfFileName.c_str());
+  if (overSource) {
+    CloseRXF(true);
+  }
+  if (writer.open(fileName) != success || writer.mapSpecialValues() != success) {
+    return failure;
+  }
+  writer.writeLabels();
+  if (writer.writeSymbols() != success) {
+    return failure;
+  }
+  writer.writeTexts();
+  return writer.finish();
+}
+
+}  // namespace ztb

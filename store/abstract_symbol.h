@@ -1,0 +1,118 @@
+// One named table of a database: a set, parameter, variable, equation or alias.
+//
+// The rest of the system holds pointers to this class only; `ZTBSymbol` implements it over each
+// record store. The records may be missing until the database loads them: every user of records
+// applies the database's rule of lazy loading first, and the class has no hook beyond `loaded`.
+#ifndef ZTB_STORE_ABSTRACT_SYMBOL_H_
+#define ZTB_STORE_ABSTRACT_SYMBOL_H_
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "store/abstract_symbol_iterator.h"
+#include "store/idmap.h"
+
+namespace ztb {
+
+class ZTB;
+
+// What a symbol is made from. `number` is its place in the symbol table; -1 for the universe.
+struct SymbolDescription {
+  std::string name;
+  int dim = 0;
+  int type = dmap::typeSet;
+  int number = 0;
+  int userInfo = 0;
+  std::string text;
+};
+
+class AbstractZTBSymbol {
+ public:
+  using RecordHandle = std::unique_ptr<AbstractZTBSymbolIterator>;
+
+  AbstractZTBSymbol(const AbstractZTBSymbol&) = delete;
+  AbstractZTBSymbol& operator=(const AbstractZTBSymbol&) = delete;
+  virtual ~AbstractZTBSymbol() = default;
+
+  virtual void clearRecords() = 0;
+  [[nodiscard]] virtual bool isEndPosition(const dmap::IDMapIterator& position) = 0;
+  [[nodiscard]] virtual bool isEnd(AbstractZTBSymbolIterator& record) = 0;
+  [[nodiscard]] virtual bool isBegin(const dmap::IDMapIterator& position) = 0;
+  [[nodiscard]] virtual bool isEmpty() const = 0;
+  [[nodiscard]] virtual int recordCount() const = 0;
+
+  // Adds a record that must be new: null when the store's lower bound of the keys does not lie
+  // above them. A variable takes `variableValues`, an equation `equationValues` (five doubles
+  // each), any other symbol a zero.
+  virtual RecordHandle addRecord(const int* keys, const double* variableValues,
+                                 const double* equationValues) = 0;
+  virtual void insertRecord(const int* keys, const double* values) = 0;
+  // Adds a record that sorts after all others; how files are loaded.
+  virtual void appendRecord(const int* keys, const double* values) = 0;
+
+  // Walks in the store's order. The pointers are good for the call only.
+  virtual void forEachKey(const std::function<void(const int*)>& visit) = 0;
+  virtual void forEachRecord(const std::function<void(const int*, double*)>& visit) = 0;
+  // Stops at the first false and returns it.
+  virtual bool forEachRecordWhile(const std::function<bool(const int*, double*)>& visit) = 0;
+  virtual void forEachValue(const std::function<void(double*)>& visit) = 0;
+
+  // The record with these keys, or null.
+  virtual RecordHandle findRecord(const int* keys) = 0;
+  // REQUIRES: the symbol is not empty. The same holds for `lastRecord`.
+  virtual RecordHandle firstRecord() = 0;
+  // First record that agrees with the mask (`dim` elements, 0 is free), or null; the handle then
+  // walks the slice.
+  virtual RecordHandle firstRecordInSlice(const int* mask) = 0;
+  // Finds the record or adds it with the values of `addRecord`. True and the record's slots; false
+  // and null when the store gave nothing. `record`, if not null, receives a handle.
+  virtual std::pair<bool, double*> mergeRecord(const int* keys, const double* variableValues,
+                                               const double* equationValues,
+                                               RecordHandle* record) = 0;
+  // Adds a record; one that exists is overwritten with `overwrite`, and kept without. Null when
+  // the store gave nothing.
+  virtual RecordHandle storeRecord(const int* keys, const double* values, bool overwrite) = 0;
+  virtual void insertRecordAtPosition(const int* keys, const double* values) = 0;
+  virtual RecordHandle lastRecord() = 0;
+  virtual RecordHandle lastRecordInSlice(const int* mask) = 0;
+  [[nodiscard]] virtual dmap::StorageKind storageKind() const = 0;
+  // The first record for which `accept` is false, with false; else a handle on the end, with true.
+  virtual std::pair<bool, RecordHandle> firstRejected(
+      const std::function<bool(const int*, double*)>& accept) = 0;
+  // Moves the handle on to the next record that breaks a domain; false at the end.
+  virtual bool toNextDomainViolation(AbstractZTBSymbolIterator& record) = 0;
+  // Removes the record; the handle then stands on the one behind it. Throws std::logic_error when
+  // the handle stands on no record.
+  virtual void eraseRecord(AbstractZTBSymbolIterator& record) = 0;
+  // Appends all records of another symbol; those that are here stay.
+  virtual void assignRecords(AbstractZTBSymbol& other) = 0;
+
+  // Whether a record breaks a domain: some position's domain set has a membership table that holds
+  // 0 for the record's label.
+  [[nodiscard]] bool violatesDomain(const int* keys) const;
+
+  int dim;
+  int type;
+  int userInfo;
+  int symbolNumber;
+  bool loaded = true;          // the records are in the store
+  bool usedAsDomain = false;   // another symbol names this set as a domain
+  bool writeRecorded = false;  // written to while write recording was on
+  std::string name;
+  std::string text;
+  int* domainMembership = nullptr;  // by label number, not 0 for a member; only during checks
+  ZTB* database;
+  AbstractZTBSymbol* aliasTarget;  // the symbol that answers for this one; itself if no alias
+  std::vector<AbstractZTBSymbol*> domainSymbols;  // null: known by name only
+  std::vector<std::string> domainNames;
+
+ protected:
+  AbstractZTBSymbol(ZTB* owner, SymbolDescription description);
+};
+
+}  // namespace ztb
+
+#endif  // ZTB_STORE_ABSTRACT_SYMBOL_H_

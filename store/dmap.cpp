@@ -1,0 +1,171 @@
+#include "store/dmap.h"
+
+#include <algorithm>
+
+#include "store/map_family.h"
+
+namespace ztb::dmap {
+
+DMap::DMap(int dim, int type) : dim_(dim), type_(type) {
+  if (inMapFamily(dim_)) {
+    map_ = visitMapFamily(dim_, type_,
+                          [](auto member) -> void* { return new typename decltype(member)::Map; });
+  }
+}
+
+DMap::~DMap() {
+  if (map_ != nullptr) {
+    visitMapFamily(dim_, type_, [this](auto member) { delete &member.map(map_); });
+  }
+}
+
+DMapIterator DMap::setScalar(const double* values) {
+  std::copy_n(values, slotCount(type_), scalarValues_);
+  scalarSet_ = true;
+  return at(scalarValues_);
+}
+
+DMapIterator DMap::append(const int* keys, const double* values) {
+  return insertHint(keys, values, end());
+}
+
+DMapIterator DMap::insert(const int* keys, const double* values) {
+  if (dim_ == 0) {
+    return setScalar(values);
+  }
+  if (map_ == nullptr) {
+    return {};
+  }
+  return at(visitMapFamily(dim_, type_, [&](auto member) {
+    return member.untyped(member.map(map_).emplace(member.key(keys), member.values(values)).first);
+  }));
+}
+
+DMapIterator DMap::insertHint(const int* keys, const double* values, const DMapIterator& hint) {
+  if (dim_ == 0) {
+    return setScalar(values);
+  }
+  if (map_ == nullptr) {
+    return {};
+  }
+  return at(visitMapFamily(dim_, type_, [&](auto member) {
+    return member.untyped(member.map(map_).emplace_hint(member.position(hint.position()),
+                                                        member.key(keys), member.values(values)));
+  }));
+}
+
+DMapIterator DMap::insertOrAssign(const DMapIterator& hint, const int* keys, const double* values) {
+  if (dim_ == 0) {
+    return setScalar(values);
+  }
+  if (map_ == nullptr) {
+    return {};
+  }
+  return at(visitMapFamily(dim_, type_, [&](auto member) {
+    return member.untyped(member.map(map_).insert_or_assign(
+        member.position(hint.position()), member.key(keys), member.values(values)));
+  }));
+}
+
+void DMap::erase(const DMapIterator& position) {
+  if (dim_ == 0) {
+    scalarSet_ = false;
+  } else if (map_ != nullptr) {
+    visitMapFamily(dim_, type_, [&](auto member) {
+      member.map(map_).erase(member.position(position.position()));
+    });
+  }
+}
+
+int DMap::size() const {
+  if (dim_ == 0) {
+    return scalarSet_ ? 1 : 0;
+  }
+  if (map_ == nullptr) {
+    return 0;
+  }
+  return visitMapFamily(dim_, type_,
+                        [this](auto member) { return static_cast<int>(member.map(map_).size()); });
+}
+
+bool DMap::empty() const {
+  return size() == 0;
+}
+
+DMapIterator DMap::lowerBound(const int* keys) {
+  if (dim_ == 0) {
+    return scalarSet_ ? DMapIterator() : end();
+  }
+  if (map_ == nullptr) {
+    return {};
+  }
+  return at(visitMapFamily(dim_, type_, [&](auto member) {
+    return member.untyped(member.map(map_).lower_bound(member.key(keys)));
+  }));
+}
+
+DMapIterator DMap::find(const int* keys) {
+  if (dim_ == 0) {
+    return scalarSet_ ? at(scalarValues_) : end();
+  }
+  if (map_ == nullptr) {
+    return {};
+  }
+  return at(visitMapFamily(dim_, type_, [&](auto member) {
+    return member.untyped(member.map(map_).find(member.key(keys)));
+  }));
+}
+
+DMapIterator DMap::begin() {
+  if (dim_ == 0) {
+    return scalarSet_ ? at(scalarValues_) : end();
+  }
+  if (map_ == nullptr) {
+    return {};
+  }
+  return at(visitMapFamily(
+      dim_, type_, [this](auto member) { return member.untyped(member.map(map_).begin()); }));
+}
+
+DMapIterator DMap::end() {
+  if (dim_ == 0) {
+    return at(scalarValues_ + 1);
+  }
+  if (map_ == nullptr) {
+    return {};
+  }
+  return at(visitMapFamily(dim_, type_,
+                           [this](auto member) { return member.untyped(member.map(map_).end()); }));
+}
+
+void DMap::clear() {
+  if (dim_ == 0) {
+    scalarSet_ = false;
+  } else if (map_ != nullptr) {
+    visitMapFamily(dim_, type_, [this](auto member) { member.map(map_).clear(); });
+  }
+}
+
+int DMap::indexOf(const DMapIterator& position) {
+  const DMapIterator last = end();
+  int index = 0;
+  for (DMapIterator it = begin(); it.notEquals(last); it.next(), ++index) {
+    if (it.equals(position)) {
+      return index;
+    }
+  }
+  return -1;
+}
+
+DMapIterator DMap::iteratorAt(int index) {
+  const DMapIterator last = end();
+  DMapIterator it = begin();
+  for (int step = 0; step < index && it.notEquals(last); ++step) {
+    it.next();
+  }
+  return it;
+}
+
+void DMap::reserve(int /*records*/) {}
+
+}  // namespace ztb::dmap

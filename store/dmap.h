@@ -1,0 +1,58 @@
+// The default store: a standard ordered map whose nodes hold key and value slots by value, so that
+// a record costs one allocation. Correct for any order of insertion; lookup is logarithmic. A
+// scalar's one record stands inline. An iterator stays good across insertions and the erasure of
+// other records. A dimension outside 0 to 20 gives a store that holds nothing: its operations
+// return the null iterator.
+#ifndef ZTB_STORE_DMAP_H_
+#define ZTB_STORE_DMAP_H_
+
+#include "store/dmap_iterator.h"
+#include "store/idmap.h"
+
+namespace ztb::dmap {
+
+class DMap final : public IDMap<DMapIterator> {
+ public:
+  DMap(int dim, int type);
+  ~DMap() override;
+  DMap(const DMap&) = delete;
+  DMap& operator=(const DMap&) = delete;
+
+  // On a scalar, all four ways in overwrite an earlier record. On a keyed store, `append`, `insert`
+  // and `insertHint` keep a record that exists and return it; `insertOrAssign` overwrites all its
+  // slots. The hint only steers the search.
+  DMapIterator append(const int* keys, const double* values) override;
+  DMapIterator insert(const int* keys, const double* values) override;
+  DMapIterator insertHint(const int* keys, const double* values, const DMapIterator& hint) override;
+  DMapIterator insertOrAssign(const DMapIterator& hint, const int* keys,
+                              const double* values) override;
+  void erase(const DMapIterator& position) override;
+  [[nodiscard]] int size() const override;
+  [[nodiscard]] bool empty() const override;
+  // Exact. On a scalar with no record `end`, on one with a record the null iterator.
+  DMapIterator lowerBound(const int* keys) override;
+  DMapIterator find(const int* keys) override;
+  DMapIterator begin() override;
+  DMapIterator end() override;
+  void clear() override;
+  int indexOf(const DMapIterator& position) override;
+  DMapIterator iteratorAt(int index) override;
+  // Does nothing.
+  void reserve(int records) override;
+
+  [[nodiscard]] StorageKind kind() const { return StorageKind::dMap; }
+
+ private:
+  DMapIterator at(void* position) const { return {dim_, type_, position}; }
+  DMapIterator setScalar(const double* values);
+
+  int dim_;
+  int type_;
+  void* map_ = nullptr;
+  double scalarValues_[maxSlots] = {};
+  bool scalarSet_ = false;
+};
+
+}  // namespace ztb::dmap
+
+#endif  // ZTB_STORE_DMAP_H_

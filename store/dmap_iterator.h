@@ -1,0 +1,36 @@
+// Iterator of `DMap`: a node of the map, or for a scalar a pointer into the inline values.
+#ifndef ZTB_STORE_DMAP_ITERATOR_H_
+#define ZTB_STORE_DMAP_ITERATOR_H_
+
+#include "store/idmap.h"
+
+namespace ztb::dmap {
+
+class DMapIterator final : public BaseDMapIterator {
+ public:
+  // The null iterator.
+  DMapIterator() : BaseDMapIterator(0, 0, StorageKind::dMap) {}
+  DMapIterator(int dim, int type, void* position)
+      : BaseDMapIterator(dim, type, StorageKind::dMap), position_(position) {}
+
+  // In-order successor; on a scalar one double onward.
+  // REQUIRES: the iterator is not null and, but for a scalar, not at the end.
+  void next() override;
+  // In-order predecessor, from the end the last record; on a scalar one double back.
+  // REQUIRES: the iterator is not null and, but for a scalar, not at the beginning.
+  void prev() override;
+  // On a scalar `keys` and `values` are both the position.
+  // REQUIRES: the iterator stands on a record.
+  [[nodiscard]] RecordView get() const override;
+  [[nodiscard]] bool equals(const IDMapIterator& other) const override;
+  [[nodiscard]] bool isNull() const override { return position_ == nullptr; }
+
+  [[nodiscard]] void* position() const { return position_; }
+
+ private:
+  void* position_ = nullptr;
+};
+
+}  // namespace ztb::dmap
+
+#endif  // ZTB_STORE_DMAP_ITERATOR_H_

@@ -1,0 +1,229 @@
+// A symbol over one record store, which it holds by value beside an iterator that follows the last
+// positioned write: a load in key order finds its place without a search.
+#ifndef ZTB_STORE_SYMBOL_H_
+#define ZTB_STORE_SYMBOL_H_
+
+#include <algorithm>
+#include <functional>
+#include <memory>
+#include <stdexcept>
+#include <utility>
+
+#include "store/abstract_symbol.h"
+#include "store/symbol_iterator.h"
+
+namespace ztb {
+
+template <class Store, class Iterator>
+class ZTBSymbol final : public AbstractZTBSymbol {
+ public:
+  ZTBSymbol(ZTB* owner, SymbolDescription description)
+      : AbstractZTBSymbol(owner, std::move(description)),
+        store_(dim, type),
+        lastPosition_(store_.end()) {}
+
+  void clearRecords() override {
+    store_.clear();
+    lastPosition_ = store_.end();
+  }
+
+  bool isEndPosition(const dmap::IDMapIterator& position) override {
+    return store_.end().equals(position);
+  }
+  bool isEnd(AbstractZTBSymbolIterator& record) override {
+    return isEndPosition(record.storeIterator());
+  }
+  bool isBegin(const dmap::IDMapIterator& position) override {
+    return store_.begin().equals(position);
+  }
+  [[nodiscard]] bool isEmpty() const override { return store_.empty(); }
+  [[nodiscard]] int recordCount() const override { return store_.size(); }
+
+  RecordHandle addRecord(const int* keys, const double* variableValues,
+                         const double* equationValues) override {
+    const Iterator bound = store_.lowerBound(keys);
+    if (bound.notEquals(store_.end())) {
+      const int* present = bound.get().keys;
+      if (!std::lexicographical_compare(keys, keys + dim, present, present + dim)) {
+        return nullptr;
+      }
+    }
+    const Iterator position =
+        store_.insertHint(keys, newValues(variableValues, equationValues), bound);
+    return position.isNull() ? nullptr : handleOn(position);
+  }
+
+  void insertRecord(const int* keys, const double* values) override { store_.insert(keys, values); }
+  void appendRecord(const int* keys, const double* values) override { store_.append(keys, values); }
+
+  void forEachKey(const std::function<void(const int*)>& visit) override {
+    walk([&](const dmap::RecordView& record) {
+      visit(record.keys);
+      return true;
+    });
+  }
+  void forEachRecord(const std::function<void(const int*, double*)>& visit) override {
+    walk([&](const dmap::RecordView& record) {
+      visit(record.keys, record.values);
+      return true;
+    });
+  }
+  bool forEachRecordWhile(const std::function<bool(const int*, double*)>& visit) override {
+    return walk([&](const dmap::RecordView& record) { return visit(record.keys, record.values); })
+        .first;
+  }
+  void forEachValue(const std::function<void(double*)>& visit) override {
+    walk([&](const dmap::RecordView& record) {
+      visit(record.values);
+      return true;
+    });
+  }
+
+  RecordHandle findRecord(const int* keys) override {
+    const Iterator position = store_.find(keys);
+    return isEndPosition(position) ? nullptr : handleOn(position);
+  }
+
+  RecordHandle firstRecord() override { return handleOn(store_.begin()); }
+
+  RecordHandle lastRecord() override {
+    Iterator position = store_.end();
+    position.prev();
+    return handleOn(position);
+  }
+
+  RecordHandle firstRecordInSlice(const int* mask) override {
+    const auto [passed, position] =
+        walk([&](const dmap::RecordView& record) { return !matchesMask(mask, record.keys, dim); });
+    return passed ? nullptr : handleOn(position, mask);
+  }
+
+  RecordHandle lastRecordInSlice(const int* mask) override {
+    if (store_.empty()) {
+      return nullptr;
+    }
+    const Iterator first = store_.begin();
+    Iterator position = store_.end();
+    do {
+      position.prev();
+      if (matchesMask(mask, position.get().keys, dim)) {
+        return handleOn(position, mask);
+      }
+    } while (position.notEquals(first));
+    return nullptr;
+  }
+
+  std::pair<bool, double*> mergeRecord(const int* keys, const double* variableValues,
+                                       const double* equationValues,
+                                       RecordHandle* record) override {
+    insertRecordAtPosition(keys, newValues(variableValues, equationValues));
+    if (lastPosition_.isNull()) {
+      return {false, nullptr};
+    }
+    if (record != nullptr) {
+      *record = handleOn(lastPosition_);
+    }
+    return {true, lastPosition_.get().values};
+  }
+
+  RecordHandle storeRecord(const int* keys, const double* values, bool overwrite) override {
+    if (overwrite) {
+      lastPosition_ = store_.insertOrAssign(lastPosition_, keys, values);
+    } else {
+      insertRecordAtPosition(keys, values);
+    }
+    return lastPosition_.isNull() ? nullptr : handleOn(lastPosition_);
+  }
+
+  void insertRecordAtPosition(const int* keys, const double* values) override {
+    lastPosition_ = store_.insertHint(keys, values, lastPosition_);
+  }
+
+  [[nodiscard]] dmap::StorageKind storageKind() const override { return store_.kind(); }
+
+  std::pair<bool, RecordHandle> firstRejected(
+      const std::function<bool(const int*, double*)>& accept) override {
+    const auto [passed, position] =
+        walk([&](const dmap::RecordView& record) { return accept(record.keys, record.values); });
+    return {passed, handleOn(position)};
+  }
+
+  bool toNextDomainViolation(AbstractZTBSymbolIterator& record) override {
+    auto& position = static_cast<Iterator&>(record.storeIterator());
+    requireRecord(position);
+    for (position.next(); !isEndPosition(position); position.next()) {
+      if (violatesDomain(position.get().keys)) {
+        return true;
+      }
+    }
+    return false;
+  }
+
+  void eraseRecord(AbstractZTBSymbolIterator& record) override {
+    auto& position = static_cast<Iterator&>(record.storeIterator());
+    requireRecord(position);
+    Iterator behind = position;
+    behind.next();
+    if (lastPosition_.equals(position) && position.notEquals(behind)) {
+      lastPosition_ = behind;
+    }
+    store_.erase(position);
+    if (position.notEquals(behind)) {
+      position = behind;
+    }
+  }
+
+  void assignRecords(AbstractZTBSymbol& other) override {
+    other.forEachRecord(
+        [this](const int* keys, const double* values) { appendRecord(keys, values); });
+  }
+
+ private:
+  [[nodiscard]] const double* newValues(const double* variableValues,
+                                        const double* equationValues) const {
+    static constexpr double zeros[dmap::maxSlots] = {};
+    switch (type) {
+      case dmap::typeVariable:
+        return variableValues;
+      case dmap::typeEquation:
+        return equationValues;
+      default:
+        return zeros;
+    }
+  }
+
+  RecordHandle handleOn(const Iterator& position) {
+    return std::make_unique<ZTBSymbolIterator<Iterator>>(this, position);
+  }
+  RecordHandle handleOn(const Iterator& position, const int* mask) {
+    return std::make_unique<ZTBSymbolIterator<Iterator>>(this, position, mask);
+  }
+
+  void requireRecord(const Iterator& position) {
+    if (position.isNull() || isEndPosition(position)) {
+      throw std::logic_error("the record handle stands on no record");
+    }
+  }
+
+  // Visits the records in order until `visit` gives false. True and the end when all were visited,
+  // else false and the record that stopped the walk.
+  template <class Visit>
+  std::pair<bool, Iterator> walk(Visit&& visit) {
+    const Iterator last = store_.end();
+    if (!store_.empty()) {
+      for (Iterator position = store_.begin(); position.notEquals(last); position.next()) {
+        if (!visit(position.get())) {
+          return {false, position};
+        }
+      }
+    }
+    return {true, last};
+  }
+
+  Store store_;
+  Iterator lastPosition_;
+};
+
+}  // namespace ztb
+
+#endif  // ZTB_STORE_SYMBOL_H_

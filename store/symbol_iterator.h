@@ -1,0 +1,202 @@
+// The record handle over one kind of store iterator.
+#ifndef ZTB_STORE_SYMBOL_ITERATOR_H_
+#define ZTB_STORE_SYMBOL_ITERATOR_H_
+
+#include <algorithm>
+#include <memory>
+#include <stdexcept>
+
+#include "store/abstract_symbol.h"
+#include "store/abstract_symbol_iterator.h"
+#include "store/idmap.h"
+
+namespace ztb {
+
+template <class Iterator>
+class ZTBSymbolIterator final : public AbstractZTBSymbolIterator {
+ public:
+  // Walks all records of the symbol.
+  ZTBSymbolIterator(AbstractZTBSymbol* symbol, const Iterator& position)
+      : AbstractZTBSymbolIterator(symbol), position_(position) {}
+
+  // Walks the slice of the mask, `dim` elements, which is copied.
+  ZTBSymbolIterator(AbstractZTBSymbol* symbol, const Iterator& position, const int* mask)
+      : AbstractZTBSymbolIterator(symbol), position_(position) {
+    mode_ = IterationMode::slice;
+    maskLength_ = static_cast<std::uint8_t>(symbol->dim);
+    sliceMask_ = std::make_unique<int[]>(maskLength_);
+    std::copy_n(mask, maskLength_, sliceMask_.get());
+  }
+
+  // Walks the labels of the universe.
+  ZTBSymbolIterator(AbstractZTBSymbol* universe, int label) : AbstractZTBSymbolIterator(universe) {
+    mode_ = IterationMode::universe;
+    universePosition_ = label;
+  }
+
+  dmap::IDMapIterator& storeIterator() override { return position_; }
+
+  double* values() override { return current().values; }
+  const int* keys() override { return current().keys; }
+
+  bool moveNext(int lastLabel) override {
+    switch (mode_) {
+      case IterationMode::universe:
+        if (universePosition_ + 1 > lastLabel) {
+          return failMove("Last record reached in Universe", "");
+        }
+        ++universePosition_;
+        return true;
+      case IterationMode::slice:
+        return stepInSlice() || failMove("Last record reached in slice of symbol ", symbolName());
+      case IterationMode::symbol:
+        break;
+    }
+    stepFromRecord();
+    if (!atEnd()) {
+      return true;
+    }
+    standOnLast();
+    return failMove("Last record reached in symbol ", symbolName());
+  }
+
+  bool movePrev() override {
+    if (mode_ == IterationMode::universe) {
+      if (universePosition_ - 1 > 0) {
+        --universePosition_;
+        return true;
+      }
+      universePosition_ = 1;
+      return failMove("First record reached in Universe", "");
+    }
+    if (atBegin()) {
+      return failMove("First record reached in symbol ", symbolName());
+    }
+    if (mode_ == IterationMode::slice) {
+      return stepBackInSlice() ||
+             failMove("First record reached in slice of symbol ", symbolName());
+    }
+    position_.prev();
+    return true;
+  }
+
+  bool hasNext(int lastLabel) override {
+    if (mode_ == IterationMode::universe) {
+      return lastLabel > universePosition_;
+    }
+    const Iterator here = position_;
+    bool found = false;
+    if (mode_ == IterationMode::slice) {
+      found = stepInSlice();
+    } else {
+      stepFromRecord();
+      found = !atEnd();
+    }
+    position_ = here;
+    return found;
+  }
+
+  bool hasPrev() override {
+    if (mode_ == IterationMode::universe) {
+      return universePosition_ > 1;
+    }
+    if (atBegin()) {
+      return false;
+    }
+    if (mode_ == IterationMode::symbol) {
+      return true;
+    }
+    const Iterator here = position_;
+    const bool found = stepBackInSlice();
+    position_ = here;
+    return found;
+  }
+
+  bool sameValues(AbstractZTBSymbolIterator& other) override {
+    if (dimension() != other.dimension()) {
+      return false;
+    }
+    const int slots =
+        std::min(dmap::slotCount(symbol_->type), dmap::slotCount(other.symbol()->type));
+    if (dimension() > slots) {
+      throw std::logic_error("records with fewer values than dimensions cannot be compared");
+    }
+    return dimension() == 0 || std::equal(values(), values() + dimension(), other.values());
+  }
+
+  [[nodiscard]] int dimension() const override { return symbol_->dim; }
+
+  void copyRecord(int* keys, double* values) override {
+    const dmap::RecordView record = current();
+    std::copy_n(record.keys, dimension(), keys);
+    const bool fiveSlots =
+        symbol_->type == dmap::typeVariable || symbol_->type == dmap::typeEquation;
+    std::copy_n(record.values, fiveSlots ? dmap::maxSlots : 1, values);
+  }
+
+  void assignPosition(const AbstractZTBSymbolIterator& other) override {
+    position_ = static_cast<const ZTBSymbolIterator&>(other).position_;
+  }
+
+ private:
+  [[nodiscard]] const char* symbolName() const { return symbol_->name.c_str(); }
+  [[nodiscard]] bool atEnd() const { return symbol_->isEndPosition(position_); }
+  [[nodiscard]] bool atBegin() const { return symbol_->isBegin(position_); }
+
+  dmap::RecordView current() const {
+    if (position_.isNull() || atEnd()) {
+      throw std::logic_error("the record handle stands on no record");
+    }
+    return position_.get();
+  }
+
+  [[nodiscard]] bool inSlice() const {
+    return maskLength_ == 0 || matchesMask(sliceMask_.get(), position_.get().keys, maskLength_);
+  }
+
+  // A handle stands at the end only after the symbol's last record was deleted through it; there
+  // is nowhere to step from there.
+  void stepFromRecord() {
+    if (!atEnd()) {
+      position_.next();
+    }
+  }
+
+  void standOnLast() {
+    if (!symbol_->isEmpty()) {
+      position_.prev();
+    }
+  }
+
+  // Steps on to the next record of the slice; without one the position stays.
+  bool stepInSlice() {
+    const Iterator here = position_;
+    for (stepFromRecord(); !atEnd(); position_.next()) {
+      if (inSlice()) {
+        return true;
+      }
+    }
+    position_ = here;
+    return false;
+  }
+
+  // Steps back to the previous record of the slice; without one the position stays.
+  // REQUIRES: not at the beginning.
+  bool stepBackInSlice() {
+    const Iterator here = position_;
+    do {
+      position_.prev();
+      if (inSlice()) {
+        return true;
+      }
+    } while (!atBegin());
+    position_ = here;
+    return false;
+  }
+
+  Iterator position_;
+};
+
+}  // namespace ztb
+
+#endif  // ZTB_STORE_SYMBOL_ITERATOR_H_
