@@ -18,6 +18,14 @@ inline AbstractZTBSymbolIterator* recordOf(void* handle) {
   return static_cast<AbstractZTBSymbolIterator*>(handle);
 }
 
+// The record of a handle for operations that do not test it; throws std::logic_error for null.
+inline AbstractZTBSymbolIterator& requireRecord(void* handle) {
+  if (handle == nullptr) {
+    throw std::logic_error("the record handle is null");
+  }
+  return *recordOf(handle);
+}
+
 inline bool isUniverse(const ZTB& db, const AbstractZTBSymbol* symbol) {
   return symbol == db.universe.get();
 }

@@ -59,17 +59,20 @@ int mergeRecord(ZTB& db, void* sym, const char** keys, void** recPtr) {
   }
   const double* defaults = defaultRecord(*symbol);
   AbstractZTBSymbol::RecordHandle record;
-  if (!symbol->mergeRecord(numbers.data(), defaults, defaults, &record).first) {
+  AbstractZTBSymbol::RecordHandle* wanted = recPtr == nullptr ? nullptr : &record;
+  if (!symbol->mergeRecord(numbers.data(), defaults, defaults, wanted).first) {
     return failure;
   }
-  *recPtr = record.release();
+  if (recPtr != nullptr) {
+    *recPtr = record.release();
+  }
   markWritten(db, *symbol);
   return success;
 }
 
 int writeSlot(ztbRec* handle, const char* name, void* rec, int slot, double value) {
   return operation(handle, name, [&](const ZTB& db) {
-    AbstractZTBSymbolIterator& record = *recordOf(rec);
+    AbstractZTBSymbolIterator& record = requireRecord(rec);
     markWritten(db, *record.symbol());
     valueSlot(record, slot) = db.mapIn(value);
     return success;
@@ -137,7 +140,7 @@ int ztbSetScale(ztbRec* handle, void* rec, double value) {
 
 int ztbSetElemText(ztbRec* handle, void* rec, const char* text) {
   return operation(handle, "ztbSetElemText", [&](ZTB& db) {
-    AbstractZTBSymbolIterator& record = *recordOf(rec);
+    AbstractZTBSymbolIterator& record = requireRecord(rec);
     if (isUniverse(db, record.symbol())) {
       return db.fail("Cannot set explanatory text for records of the Universe");
     }

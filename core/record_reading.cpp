@@ -15,7 +15,7 @@ namespace {
 
 int readSlot(ztbRec* handle, const char* name, void* rec, int slot, double* value) {
   return operation(handle, name, [&](const ZTB& db) {
-    *value = db.mapOut(valueSlot(*recordOf(rec), slot));
+    *value = db.mapOut(valueSlot(requireRecord(rec), slot));
     return success;
   });
 }
@@ -57,7 +57,7 @@ int ztbGetScale(ztbRec* handle, void* rec, double* value) {
 
 int ztbGetElemText(ztbRec* handle, void* rec, char* text) {
   return operation(handle, "ztbGetElemText", [&](ZTB& db) {
-    AbstractZTBSymbolIterator& record = *recordOf(rec);
+    AbstractZTBSymbolIterator& record = requireRecord(rec);
     if (isUniverse(db, record.symbol())) {
       return db.fail("Cannot get explanatory text for records of the Universe");
     }

@@ -52,11 +52,12 @@ class ZTBSymbolIterator final : public AbstractZTBSymbolIterator {
       case IterationMode::symbol:
         break;
     }
+    const Iterator here = position_;
     stepFromRecord();
     if (!atEnd()) {
       return true;
     }
-    standOnLast();
+    position_ = here;
     return failMove("Last record reached in symbol ", symbolName());
   }
 
@@ -159,12 +160,6 @@ class ZTBSymbolIterator final : public AbstractZTBSymbolIterator {
   void stepFromRecord() {
     if (!atEnd()) {
       position_.next();
-    }
-  }
-
-  void standOnLast() {
-    if (!symbol_->isEmpty()) {
-      position_.prev();
     }
   }
 
