@@ -84,7 +84,7 @@ int ztbPrintLog(ztbRec* handle, const char* msg) {
     }
     char shortString[ZTB_TEXT_BUFFER_SIZE] = {};
     const std::size_t length = std::min<std::size_t>(std::strlen(msg), sizeof shortString - 1);
-    std::memcpy(shortString + 1, msg, length);
+    std::copy_n(msg, length, shortString + 1);
     shortString[0] = static_cast<char>(length);
     db.logCallback(shortString, db.hvexUserMem);
     return success;

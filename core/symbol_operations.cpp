@@ -1,5 +1,6 @@
 // Making symbols and asking about them.
 
+#include <algorithm>
 #include <cctype>
 #include <cstring>
 #include <vector>
@@ -126,6 +127,7 @@ int ztbAddSymbolX(ztbRec* handle, const char* name, int dim, int type, int userI
     }
     *symPtr = nullptr;
     std::vector<AbstractZTBSymbol*> domainSymbols;
+    domainSymbols.reserve(static_cast<std::size_t>(std::max(dim, 0)));
     for (int d = 0; d < dim; ++d) {
       domainSymbols.push_back(domains == nullptr ? nullptr : symbolOf(domains[d]));
     }

@@ -36,7 +36,7 @@ bool UELList::normalise(const char* label, WorkingCopy& copy) {
   while (last != label && std::isspace(static_cast<unsigned char>(last[-1])) != 0) {
     --last;
   }
-  std::size_t length = static_cast<std::size_t>(last - label);
+  auto length = static_cast<std::size_t>(last - label);
   if (length > maxLabelLength) {
     std::snprintf(message_, messageSize_, "Label exceeds maximum size of %d: >%s<",
                   static_cast<int>(maxLabelLength), label);

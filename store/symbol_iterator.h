@@ -144,7 +144,7 @@ class ZTBSymbolIterator final : public AbstractZTBSymbolIterator {
   [[nodiscard]] bool atEnd() const { return symbol_->isEndPosition(position_); }
   [[nodiscard]] bool atBegin() const { return symbol_->isBegin(position_); }
 
-  dmap::RecordView current() const {
+  [[nodiscard]] dmap::RecordView current() const {
     if (position_.isNull() || atEnd()) {
       throw std::logic_error("the record handle stands on no record");
     }

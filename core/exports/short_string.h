@@ -40,7 +40,7 @@ inline void toShortString(const TextBuffer& text, char* shortString) {
 class ShortStringIn {
  public:
   explicit ShortStringIn(const char* shortString) : isNull_(shortString == nullptr) {
-    if (!isNull_) {
+    if (shortString != nullptr) {
       fromShortString(shortString, text_);
     }
   }
