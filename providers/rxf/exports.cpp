@@ -1,0 +1,243 @@
+// The exported functions: each calls the member of RxfObject of its meaning. No exception passes.
+
+#include <array>
+#include <cstdio>
+#include <cstring>
+#include <new>
+
+#include "providers/rxf/operation_table.h"
+#include "providers/rxf/rxf_object.h"
+#include "providers/rxf/system_calls.h"
+
+#define RXF_EXPORT extern "C" [[gnu::visibility("default")]]
+
+namespace {
+
+using rxffile::RxfObject;
+
+// The directory of the last rxfSetLoadPath or XCreateD; longer ones than callers' buffers can take
+// back are not kept.
+std::array<char, 256> loadPath{};
+
+void keepLoadPath(const char* directory) {
+  const std::size_t length = directory == nullptr ? 0 : std::strlen(directory);
+  loadPath[0] = '\0';
+  if (length > 0 && length < loadPath.size()) {
+    std::memcpy(loadPath.data(), directory, length + 1);
+  }
+}
+
+// Runs an operation of the object; what it throws goes into the object's log, and the result is 0.
+template <typename Body>
+int guarded(void* rxf, const Body& body) noexcept {
+  if (rxf == nullptr) return 0;
+  auto& object = *static_cast<RxfObject*>(rxf);
+  try {
+    return static_cast<int>(body(object));
+  } catch (...) {
+    object.takeException();
+    return 0;
+  }
+}
+
+void create(void** object) noexcept {
+  if (object == nullptr) return;
+  *object = new (std::nothrow) RxfObject(rxffile::operatingSystem());
+}
+
+}  // namespace
+
+RXF_EXPORT void XCreate(void** object) {
+  create(object);
+}
+
+RXF_EXPORT void XCreateD(void** object, const char* directory) {
+  keepLoadPath(directory);
+  create(object);
+}
+
+RXF_EXPORT void XFree(void** object) {
+  if (object == nullptr) return;
+  delete static_cast<RxfObject*>(*object);
+  *object = nullptr;
+}
+
+RXF_EXPORT int C__XCheck(const char* operation, int argCount, const int* codes, char* msg) {
+  return rxffile::offersOperation(operation, argCount, codes, msg) ? 1 : 0;
+}
+
+RXF_EXPORT int C__XAPIVersion(int api, char* msg, int* compatibility) {
+  if (compatibility != nullptr) *compatibility = rxffile::kApiVersion;
+  if (msg != nullptr) msg[0] = '\0';
+  if (api == rxffile::kApiVersion) return 1;
+  if (msg != nullptr) {
+    std::snprintf(msg, 128, "The RXF library offers API version %d, version %d was asked for",
+                  rxffile::kApiVersion, api);
+  }
+  return 0;
+}
+
+RXF_EXPORT void C__rxfSetLoadPath(const char* directory) {
+  keepLoadPath(directory);
+}
+
+RXF_EXPORT void C__rxfGetLoadPath(char* directory) {
+  if (directory != nullptr) std::strcpy(directory, loadPath.data());
+}
+
+RXF_EXPORT int C__rxfOpenRead(void* rxf, const char* fileName, int* errorNumber) {
+  int error = static_cast<int>(rxffile::ErrorNumber::internalError);
+  guarded(rxf, [&](RxfObject& o) { return error = o.openRead(fileName); });
+  if (errorNumber != nullptr) *errorNumber = error;
+  return error == 0 ? 1 : 0;
+}
+
+RXF_EXPORT int C__rxfOpenWrite(void* rxf, const char* fileName, const char* producer,
+                               int* errorNumber) {
+  int error = static_cast<int>(rxffile::ErrorNumber::internalError);
+  guarded(rxf, [&](RxfObject& o) { return error = o.openWrite(fileName, producer); });
+  if (errorNumber != nullptr) *errorNumber = error;
+  return error == 0 ? 1 : 0;
+}
+
+RXF_EXPORT int C__rxfClose(void* rxf) {
+  return guarded(rxf, [](RxfObject& o) { return o.close(); });
+}
+
+RXF_EXPORT int C__rxfErrorStr(void* rxf, int errorNumber, char* text) {
+  if (text == nullptr) return 0;
+  text[0] = '\0';
+  return guarded(rxf, [&](RxfObject& o) {
+    o.errorText(errorNumber, text);
+    return 1;
+  });
+}
+
+RXF_EXPORT int C__rxfErrorCount(void* rxf) {
+  return guarded(rxf, [](RxfObject& o) { return o.errorCount(); });
+}
+
+RXF_EXPORT int C__rxfGetLastError(void* rxf) {
+  return guarded(rxf, [](RxfObject& o) { return o.takeLastError(); });
+}
+
+RXF_EXPORT int C__rxfGetSpecialValues(void* rxf, double* values) {
+  if (values == nullptr) return 0;
+  return guarded(rxf, [&](RxfObject& o) {
+    o.specialValues(values);
+    return 1;
+  });
+}
+
+RXF_EXPORT int C__rxfSetSpecialValues(void* rxf, const double* values) {
+  return guarded(rxf, [&](RxfObject& o) { return o.setSpecialValues(values); });
+}
+
+RXF_EXPORT int C__rxfSetReadSpecialValues(void* rxf, const double* values) {
+  return guarded(rxf, [&](RxfObject& o) { return o.setReadSpecialValues(values); });
+}
+
+RXF_EXPORT int C__rxfSystemInfo(void* rxf, int* symbolCount, int* labelCount) {
+  return guarded(rxf, [&](RxfObject& o) { return o.systemInfo(symbolCount, labelCount); });
+}
+
+RXF_EXPORT int C__rxfSymbolInfo(void* rxf, int number, char* name, int* dim, int* type) {
+  return guarded(rxf, [&](RxfObject& o) { return o.symbolInfo(number, name, dim, type); });
+}
+
+RXF_EXPORT int C__rxfSymbolInfoX(void* rxf, int number, int* recordCount, int* userInfo,
+                                 char* text) {
+  return guarded(rxf,
+                 [&](RxfObject& o) { return o.symbolInfoX(number, recordCount, userInfo, text); });
+}
+
+RXF_EXPORT int C__rxfSymbolGetDomainX(void* rxf, int number, char** names) {
+  return guarded(rxf, [&](RxfObject& o) { return o.symbolDomain(number, names); });
+}
+
+RXF_EXPORT int C__rxfFindSymbol(void* rxf, const char* name, int* number) {
+  const int found = guarded(rxf, [&](RxfObject& o) { return o.findSymbol(name); });
+  if (number != nullptr) *number = found;
+  return found != 0 ? 1 : 0;
+}
+
+RXF_EXPORT int C__rxfGetElemText(void* rxf, int number, char* text, int* node) {
+  if (node != nullptr) *node = 0;
+  return guarded(rxf, [&](RxfObject& o) { return o.elementText(number, text); });
+}
+
+RXF_EXPORT int C__rxfUMUelInfo(void* rxf, int* labelCount, int* highMap) {
+  const int count = guarded(rxf, [](RxfObject& o) { return o.labelCount(); });
+  if (labelCount != nullptr) *labelCount = count;
+  if (highMap != nullptr) *highMap = 0;
+  return 1;
+}
+
+RXF_EXPORT int C__rxfUMUelGet(void* rxf, int number, char* label, int* map) {
+  if (map != nullptr) *map = 0;
+  return guarded(rxf, [&](RxfObject& o) { return o.label(number, label); });
+}
+
+RXF_EXPORT int C__rxfDataReadRawStart(void* rxf, int symbolNumber, int* recordCount) {
+  bool started = false;
+  const int count =
+      guarded(rxf, [&](RxfObject& o) { return o.startReading(symbolNumber, started); });
+  if (recordCount != nullptr) *recordCount = count;
+  return started ? 1 : 0;
+}
+
+RXF_EXPORT int C__rxfDataReadRaw(void* rxf, int* keys, double* values, int* firstChanged) {
+  return guarded(rxf, [&](RxfObject& o) { return o.read(keys, values, firstChanged); });
+}
+
+RXF_EXPORT int C__rxfDataReadDone(void* rxf) {
+  return guarded(rxf, [](RxfObject& o) { return o.finishReading(); });
+}
+
+RXF_EXPORT void C__rxfStoreDomainSetsSet(void* /*rxf*/, int /*on*/) {
+  // A file never holds sets that the caller did not write, so the switch has nothing to turn off.
+}
+
+RXF_EXPORT int C__rxfUELRegisterRawStart(void* rxf) {
+  return guarded(rxf, [](RxfObject& o) { return o.startLabels(); });
+}
+
+RXF_EXPORT int C__rxfUELRegisterRaw(void* rxf, const char* label) {
+  return guarded(rxf, [&](RxfObject& o) { return o.addLabel(label); });
+}
+
+RXF_EXPORT int C__rxfUELRegisterDone(void* rxf) {
+  return guarded(rxf, [](RxfObject& o) { return o.finishLabels(); });
+}
+
+RXF_EXPORT int C__rxfAddAlias(void* rxf, const char* aliasName, const char* targetName) {
+  return guarded(rxf, [&](RxfObject& o) { return o.addAlias(aliasName, targetName); });
+}
+
+RXF_EXPORT int C__rxfAddSetText(void* rxf, const char* text, int* number) {
+  const int added = guarded(rxf, [&](RxfObject& o) { return o.addText(text); });
+  if (number != nullptr) *number = added;
+  return added != 0 ? 1 : 0;
+}
+
+RXF_EXPORT int C__rxfDataWriteRawStart(void* rxf, const char* name, const char* text, int dim,
+                                       int type, int userInfo) {
+  return guarded(rxf,
+                 [&](RxfObject& o) { return o.startWriting(name, text, dim, type, userInfo); });
+}
+
+RXF_EXPORT int C__rxfDataWriteRaw(void* rxf, const int* keys, const double* values) {
+  return guarded(rxf, [&](RxfObject& o) { return o.write(keys, values); });
+}
+
+RXF_EXPORT int C__rxfDataWriteDone(void* rxf) {
+  return guarded(rxf, [](RxfObject& o) { return o.finishWriting(); });
+}
+
+RXF_EXPORT int C__rxfSymbolSetDomain(void* rxf, const char** names) {
+  return guarded(rxf, [&](RxfObject& o) { return o.setDomain(names); });
+}
+
+RXF_EXPORT int C__rxfSymbolSetDomainX(void* rxf, int number, const char** names) {
+  return guarded(rxf, [&](RxfObject& o) { return o.setDomainNames(number, names); });
+}

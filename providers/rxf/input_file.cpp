@@ -1,0 +1,81 @@
+#include "providers/rxf/input_file.h"
+
+#include <fcntl.h>
+
+#include <cerrno>
+#include <cstring>
+
+#include "providers/rxf/failure.h"
+
+namespace rxffile {
+
+namespace {
+
+Failure openFailure(int error, const std::string& path) {
+  switch (error) {
+    case ENOENT:
+    case ENOTDIR:
+      return {ErrorNumber::noSuchFile, DetailText("%s", path.c_str())};
+    case EACCES:
+    case EPERM:
+      return {ErrorNumber::noPermission, DetailText("%s cannot be read", path.c_str())};
+    case EISDIR:
+      return {ErrorNumber::isFolder, DetailText("%s", path.c_str())};
+    default:
+      return {ErrorNumber::cannotOpen, DetailText("%s: %s", path.c_str(), std::strerror(error))};
+  }
+}
+
+}  // namespace
+
+InputFile::InputFile(SystemCalls& calls, const std::string& path)
+    // A pipe without a writer must not hold the caller.
+    : calls_(calls),
+      path_(path),
+      fd_(calls.open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK, 0)) {
+  if (fd_ < 0) throw openFailure(errno, path_);
+  struct stat status {};
+  if (calls_.fstat(fd_, &status) != 0) {
+    const int error = errno;
+    calls_.close(fd_);
+    throw openFailure(error, path_);
+  }
+  if (!S_ISREG(status.st_mode)) {
+    calls_.close(fd_);
+    throw Failure(S_ISDIR(status.st_mode) ? ErrorNumber::isFolder : ErrorNumber::notRegularFile,
+                  DetailText("%s", path_.c_str()));
+  }
+  size_ = static_cast<std::uint64_t>(status.st_size);
+}
+
+InputFile::~InputFile() {
+  calls_.close(fd_);
+}
+
+std::string InputFile::shownName() const {
+  constexpr std::size_t longest = 80;
+  if (path_.size() <= longest) return path_;
+  return "..." + path_.substr(path_.size() - longest);
+}
+
+void InputFile::read(std::uint64_t offset, void* data, std::size_t size) const {
+  auto* to = static_cast<char*>(data);
+  while (size > 0) {
+    const ssize_t got = calls_.pread(fd_, to, size, static_cast<off_t>(offset));
+    if (got < 0) {
+      if (errno == EINTR) continue;
+      throw Failure(ErrorNumber::readFailed,
+                    DetailText("%s: %s", path_.c_str(), std::strerror(errno)));
+    }
+    if (got == 0) {
+      throw Failure(ErrorNumber::cutShort,
+                    DetailText("%s ends at byte %llu, expected more", path_.c_str(),
+                               static_cast<unsigned long long>(offset)));
+    }
+    to += got;
+    offset += static_cast<std::uint64_t>(got);
+    size -= static_cast<std::size_t>(got);
+  }
+}
+
+}  // namespace rxffile

@@ -1,0 +1,88 @@
+// The keys of a block, by columns.
+//
+// The first record's keys stand as they are. For every further record and every column there is one
+// number, never negative: in a column left of the first changed one it is 0; in the first changed
+// one it is the growth against the record before; right of it, where keys start anew, it is the key
+// less the column's base. So a number other than 0 opens the changed part, and ascending order is
+// kept by whatever is decoded, as long as no record has zeros alone.
+#ifndef ZTB_PROVIDERS_RXF_KEY_CODEC_H_
+#define ZTB_PROVIDERS_RXF_KEY_CODEC_H_
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "providers/rxf/arena.h"
+#include "providers/rxf/bytes.h"
+#include "providers/rxf/limits.h"
+#include "providers/rxf/record_block.h"
+#include "providers/rxf/zstd_codec.h"
+
+namespace rxffile {
+
+// Records are decoded in pieces of this many, which stay in the nearest cache.
+inline constexpr std::size_t kPieceRecords = 1024;
+
+class KeyEncoder {
+ public:
+  // Appends the keys of a block that is not empty.
+  void encode(const RecordBlock& block, Compressor& compressor, Bytes& out);
+
+ private:
+  void encodeColumn(const RecordBlock& block, int j, Compressor& compressor, Bytes& out);
+
+  std::vector<std::uint32_t> numbers_;
+  Bytes plane_;
+};
+
+class KeyDecoder {
+ public:
+  // Takes the keys of `count` (at least 1) records from `in` and verifies them: afterwards every
+  // key is in 1..labelCount and the records ascend. Throws Malformed. `arena` and the input are to
+  // stay as long as the decoder is used.
+  void parse(ByteReader& in, std::uint32_t count, int dim, std::uint32_t labelCount,
+             Decompressor& decompressor, Arena& arena);
+
+  // Back to the first record.
+  void rewind();
+
+  // Decodes the next `count` records, at most kPieceRecords and at most what is left: `rows` gets
+  // dim keys a record, `changed` the first position that differs from the record before (0 for the
+  // first record of the block). REQUIRES: parse() and rewind() before.
+  void next(std::size_t count, std::int32_t* rows, std::uint8_t* changed);
+
+  // Keys of the first record. REQUIRES: parse().
+  [[nodiscard]] const std::uint32_t* firstKeys() const { return first_.data(); }
+
+  // Keys of the record that was decoded last; of the last one after parse().
+  [[nodiscard]] const std::uint32_t* lastKeys() const { return previous_.data(); }
+
+ private:
+  struct Column {
+    std::uint32_t base = 0;
+    std::uint32_t constant = 0;
+    unsigned width = 0;
+    std::array<const std::uint8_t*, 4> planes{};
+  };
+  using Numbers = std::array<std::uint32_t, kPieceRecords>;
+
+  void parseColumn(ByteReader& in, int j, std::uint32_t labelCount, Decompressor& decompressor,
+                   Arena& arena);
+  void verify(std::uint32_t labelCount);
+  void decode(std::size_t count, std::int32_t* rows, std::uint8_t* changed);
+  template <int kDim>
+  void decodeFixed(std::size_t count, std::int32_t* rows, std::uint8_t* changed);
+
+  int dim_ = 0;
+  std::uint32_t count_ = 0;
+  std::uint32_t at_ = 0;
+  std::array<Column, kMaxDimension> columns_;
+  std::array<std::uint32_t, kMaxDimension> first_{};
+  std::array<std::uint32_t, kMaxDimension> previous_{};
+  std::vector<Numbers> numbers_;
+};
+
+}  // namespace rxffile
+
+#endif  // ZTB_PROVIDERS_RXF_KEY_CODEC_H_

@@ -1,0 +1,231 @@
+#include "providers/rxf/output_file.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <climits>
+#include <cstdio>
+#include <cstring>
+
+#include "providers/rxf/checksum.h"
+#include "providers/rxf/failure.h"
+
+namespace rxffile {
+
+namespace {
+
+constexpr std::size_t kPendingBytes = std::size_t{1} << 18U;
+constexpr int kMaxLinks = 40;
+constexpr int kMaxTemporaries = 1000;
+constexpr std::size_t kMaxPlainBase = 200;
+
+bool isDiskFull(int error) {
+  return error == ENOSPC || error == EDQUOT;
+}
+
+Failure makeFailure(int error, const char* what) {
+  switch (error) {
+    case ENOENT:
+    case ENOTDIR:
+      return {ErrorNumber::noSuchFile, DetailText("the folder does not exist")};
+    case EACCES:
+    case EPERM:
+    case EROFS:
+      return {ErrorNumber::noPermission, DetailText("%s", what)};
+    case EISDIR:
+      return {ErrorNumber::isFolder, DetailText()};
+    default:
+      return {isDiskFull(error) ? ErrorNumber::diskFull : ErrorNumber::cannotOpen,
+              DetailText("%s", std::strerror(error))};
+  }
+}
+
+// The folder part of a path with its final separator, empty for a bare name.
+std::string folderOf(const std::string& path) {
+  return path.substr(0, path.rfind('/') + 1);
+}
+
+}  // namespace
+
+OutputFile::OutputFile(SystemCalls& calls, const std::string& path)
+    : calls_(calls), path_(path), target_(path) {
+  pending_.reserve(kPendingBytes);
+  resolveTarget();
+  checkTarget();
+  makeTemporary();
+  if (targetExists_ && calls_.fchmod(fd_, targetMode_ & 07777U) != 0) {
+    const int error = errno;
+    calls_.unlink(temporary_.c_str());
+    calls_.close(fd_);
+    throw makeFailure(error, "the permission bits of the file cannot be kept");
+  }
+}
+
+OutputFile::~OutputFile() {
+  if (!published_) calls_.unlink(temporary_.c_str());
+  calls_.close(fd_);
+}
+
+void OutputFile::resolveTarget() {
+  std::array<char, PATH_MAX> link;
+  for (int links = 0; links < kMaxLinks; ++links) {
+    const ssize_t length = calls_.readlink(target_.c_str(), link.data(), link.size());
+    if (length < 0) return;
+    const std::string next(link.data(), static_cast<std::size_t>(length));
+    target_ = next.front() == '/' ? next : folderOf(target_) + next;
+  }
+  throw makeFailure(ELOOP, "");
+}
+
+void OutputFile::checkTarget() {
+  folder_ = folderOf(target_);
+  if (folder_.size() == target_.size()) throw Failure(ErrorNumber::isFolder, DetailText());
+  struct stat status {};
+  if (calls_.stat(target_.c_str(), &status) != 0) {
+    if (errno == ENOENT) return;
+    throw makeFailure(errno, "the folder cannot be entered");
+  }
+  if (!S_ISREG(status.st_mode)) {
+    throw Failure(S_ISDIR(status.st_mode) ? ErrorNumber::isFolder : ErrorNumber::notRegularFile,
+                  DetailText());
+  }
+  if (calls_.access(target_.c_str(), W_OK) != 0) {
+    throw makeFailure(errno, "the file cannot be written");
+  }
+  targetExists_ = true;
+  targetMode_ = status.st_mode;
+}
+
+void OutputFile::makeTemporary() {
+  std::string base = target_.substr(folder_.size());
+  if (base.size() > kMaxPlainBase) {
+    std::array<char, 24> hash;
+    std::snprintf(hash.data(), hash.size(), "~%016llx",
+                  static_cast<unsigned long long>(checksum(base.data(), base.size())));
+    base = base.substr(0, kMaxPlainBase) + hash.data();
+  }
+  for (int number = 0; number < kMaxTemporaries; ++number) {
+    // Two tries: the first may remove what a killed writer left under this name.
+    const std::string name = folder_ + "." + base + "." + std::to_string(number) + ".rxftmp";
+    if (tryTemporary(name) || tryTemporary(name)) return;
+  }
+  throw Failure(ErrorNumber::cannotOpen, DetailText("too many writers of the file"));
+}
+
+bool OutputFile::tryTemporary(const std::string& name) {
+  temporary_ = name;
+  const int made =
+      calls_.open(name.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0666);
+  if (made < 0) {
+    if (errno != EEXIST) throw makeFailure(errno, "the folder cannot be written");
+    removeIfLeft(name);
+    return false;
+  }
+  // Where a file system has no locks the writer goes on without one. Another writer that looks for
+  // left files may hold the new file for a moment, and remove it.
+  while (calls_.flock(made, LOCK_EX) != 0 && errno == EINTR) {
+  }
+  struct stat status {};
+  if (calls_.fstat(made, &status) == 0 && status.st_nlink > 0) {
+    fd_ = made;
+    return true;
+  }
+  calls_.unlink(name.c_str());
+  calls_.close(made);
+  return false;
+}
+
+void OutputFile::removeIfLeft(const std::string& name) {
+  const int left = calls_.open(name.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0);
+  if (left < 0) return;
+  // Only who holds the lock may remove the file, so the name still leads to it after the test.
+  struct stat opened {};
+  struct stat named {};
+  if (calls_.flock(left, LOCK_EX | LOCK_NB) == 0 && calls_.fstat(left, &opened) == 0 &&
+      calls_.stat(name.c_str(), &named) == 0 && opened.st_dev == named.st_dev &&
+      opened.st_ino == named.st_ino) {
+    calls_.unlink(name.c_str());
+  }
+  calls_.close(left);
+}
+
+void OutputFile::append(const void* data, std::size_t size) {
+  if (pending_.size() + size > kPendingBytes) flush();
+  if (size >= kPendingBytes) {
+    writeAll(flushed_, data, size);
+    flushed_ += size;
+    return;
+  }
+  const auto* from = static_cast<const std::uint8_t*>(data);
+  pending_.insert(pending_.end(), from, from + size);
+}
+
+void OutputFile::overwrite(std::uint64_t offset, const void* data, std::size_t size) {
+  flush();
+  writeAll(offset, data, size);
+}
+
+void OutputFile::rewindTo(std::uint64_t length) {
+  flush();
+  while (calls_.ftruncate(fd_, static_cast<off_t>(length)) != 0) {
+    if (errno != EINTR) failWriting(errno);
+  }
+  flushed_ = length;
+}
+
+void OutputFile::sync() {
+  flush();
+  while (calls_.fsync(fd_) != 0) {
+    if (errno != EINTR) failWriting(errno);
+  }
+}
+
+void OutputFile::publish() {
+  if (calls_.rename(temporary_.c_str(), target_.c_str()) != 0) failWriting(errno);
+  published_ = true;
+  const char* folder = folder_.empty() ? "." : folder_.c_str();
+  const int fd = calls_.open(folder, O_RDONLY | O_CLOEXEC | O_DIRECTORY, 0);
+  if (fd < 0) {
+    // A folder that may be written but not read cannot be synced; the file stands all the same.
+    if (errno == EACCES) return;
+    failWriting(errno);
+  }
+  const int result = calls_.fsync(fd);
+  const int error = errno;
+  calls_.close(fd);
+  // Some file systems have no sync of folders.
+  if (result != 0 && error != EINVAL && error != ENOTSUP) failWriting(error);
+}
+
+void OutputFile::flush() {
+  if (pending_.empty()) return;
+  writeAll(flushed_, pending_.data(), pending_.size());
+  flushed_ += pending_.size();
+  pending_.clear();
+}
+
+void OutputFile::writeAll(std::uint64_t offset, const void* data, std::size_t size) {
+  const auto* from = static_cast<const char*>(data);
+  while (size > 0) {
+    const ssize_t written = calls_.pwrite(fd_, from, size, static_cast<off_t>(offset));
+    if (written < 0) {
+      if (errno == EINTR) continue;
+      failWriting(errno);
+    }
+    if (written == 0) failWriting(ENOSPC);
+    from += written;
+    offset += static_cast<std::uint64_t>(written);
+    size -= static_cast<std::size_t>(written);
+  }
+}
+
+void OutputFile::failWriting(int error) const {
+  if (isDiskFull(error)) throw Failure(ErrorNumber::diskFull, DetailText("%s", path_.c_str()));
+  throw Failure(ErrorNumber::writeFailed,
+                DetailText("%s: %s", path_.c_str(), std::strerror(error)));
+}
+
+}  // namespace rxffile

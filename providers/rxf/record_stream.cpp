@@ -1,0 +1,186 @@
+#include "providers/rxf/record_stream.h"
+
+#include <algorithm>
+
+#include "providers/rxf/failure.h"
+#include "providers/rxf/frame.h"
+
+namespace rxffile {
+
+namespace {
+
+// Memory for verified blocks that wait for delivery.
+constexpr std::size_t kKeptBytes = std::size_t{16} << 20U;
+
+}  // namespace
+
+RecordStream::RecordStream(const InputFile& file, Decompressor& decompressor, ErrorLog& log)
+    : file_(file), decompressor_(decompressor), log_(log) {}
+
+std::uint32_t RecordStream::start(const SymbolEntry& entry, std::uint32_t number,
+                                  std::string_view name, std::uint32_t labelCount,
+                                  const SpecialTable& specials) {
+  stop();
+  number_ = number;
+  name_ = name;
+  labelCount_ = labelCount;
+  specials_ = specials;
+  dim_ = static_cast<std::size_t>(entry.dim);
+  slots_ = static_cast<std::size_t>(slotsOfType(entry.type));
+  rows_.resize(std::max(rows_.size(), kPieceRecords * dim_));
+  entry_ = &entry;
+  return verifyBlocks();
+}
+
+void RecordStream::stop() {
+  entry_ = nullptr;
+  kept_ = 0;
+  damaged_.clear();
+  walkable_ = 0;
+  current_ = nullptr;
+  deliveredKept_ = 0;
+  nextIndex_ = 0;
+  nextDamaged_ = 0;
+  nextOffset_ = 0;
+  first_ = true;
+  at_ = 0;
+  ready_ = 0;
+}
+
+std::uint32_t RecordStream::verifyBlocks() {
+  const std::uint32_t blocks = entry_->blockCount();
+  std::uint64_t offset = entry_->dataOffset;
+  std::uint32_t records = 0;
+  std::size_t held = 0;
+  bool keeping = true;
+  std::array<std::uint32_t, kMaxDimension> last{};
+  nextOffset_ = offset;
+  for (walkable_ = 0; walkable_ < blocks; ++walkable_) {
+    const std::uint64_t before = offset;
+    DecodedBlock& block = blockToKeep();
+    try {
+      loadBlock(walkable_, offset, block);
+      const std::uint32_t* first = block.keys().firstKeys();
+      if (records != 0 &&
+          !std::lexicographical_compare(last.begin(), last.begin() + dim_, first, first + dim_)) {
+        throw Malformed(DetailText("its records do not ascend from the block before"));
+      }
+    } catch (const Malformed& malformed) {
+      const bool lost = offset == before;
+      recordDamage(walkable_, malformed.what(),
+                   lost ? "it and all behind it are left out" : "its records are left out");
+      if (lost) break;
+      damaged_.push_back(walkable_);
+      continue;
+    } catch (const Failure& failure) {
+      log_.record(failure.number(), failure.detail());
+      break;
+    }
+    std::copy_n(block.keys().lastKeys(), dim_, last.begin());
+    records += block.count();
+    if (!keeping) continue;
+    held += block.held();
+    ++kept_;
+    nextIndex_ = walkable_ + 1;
+    nextOffset_ = offset;
+    keeping = held < kKeptBytes;
+  }
+  return records;
+}
+
+// The first block that is not in use.
+DecodedBlock& RecordStream::blockToKeep() {
+  if (kept_ == blocks_.size()) blocks_.push_back(std::make_unique<DecodedBlock>());
+  return *blocks_[kept_];
+}
+
+// Reads and verifies block `index` at `offset`, which moves behind the block as soon as its head is
+// known to be right. Throws Malformed, Failure.
+void RecordStream::loadBlock(std::uint32_t index, std::uint64_t& offset, DecodedBlock& block) {
+  const std::uint64_t end = entry_->dataOffset + entry_->dataLength;
+  if (end - offset < kFrameHeadBytes) throw Malformed(DetailText("no room for its head"));
+  FrameHead::Encoded bytes;
+  file_.read(offset, bytes.data(), bytes.size());
+  const FrameHead head = FrameHead::decode(bytes, kRecordKind, number_, index);
+  const std::uint64_t bodyAt = offset + kFrameHeadBytes;
+  if (head.bodyLength > kMaxBlockBytes || head.bodyLength > end - bodyAt) {
+    throw Malformed(DetailText("%u bytes go beyond the symbol's data", head.bodyLength));
+  }
+  offset = bodyAt + head.bodyLength;
+  const std::uint32_t expected =
+      std::min(kBlockRecords, entry_->recordCount - index * kBlockRecords);
+  if (head.count != expected) {
+    throw Malformed(DetailText("%u records, expected %u", head.count, expected));
+  }
+  std::uint8_t* body = block.body(head.bodyLength);
+  file_.read(bodyAt, body, head.bodyLength);
+  head.verifyBody(body);
+  block.parse(head.count, entry_->dim, slotsOfType(entry_->type), labelCount_, decompressor_);
+}
+
+bool RecordStream::decodePiece() {
+  at_ = 0;
+  ready_ = 0;
+  if (entry_ == nullptr) return false;
+  std::array<double*, kMaxSlots> values{};
+  for (std::size_t s = 0; s < kMaxSlots; ++s) values[s] = columns_[s].data();
+  std::size_t count = 0;
+  while (current_ == nullptr ||
+         (count = current_->next(specials_, rows_.data(), changed_.data(), values)) == 0) {
+    if (!nextBlock()) return false;
+  }
+  joinToPrevious(count);
+  ready_ = count;
+  return true;
+}
+
+// The first record of a block does not know the record before it.
+void RecordStream::joinToPrevious(std::size_t count) {
+  if (!first_) {
+    const auto [mine, theirs] = std::mismatch(
+        rows_.begin(), rows_.begin() + static_cast<std::ptrdiff_t>(dim_), last_.begin());
+    changed_[0] = static_cast<std::uint8_t>(mine - rows_.begin());
+  }
+  first_ = false;
+  std::copy_n(rows_.begin() + static_cast<std::ptrdiff_t>((count - 1) * dim_), dim_, last_.begin());
+}
+
+bool RecordStream::nextBlock() {
+  if (deliveredKept_ < kept_) {
+    current_ = blocks_[deliveredKept_++].get();
+    current_->rewind();
+    return true;
+  }
+  current_ = nullptr;
+  while (nextIndex_ < walkable_) {
+    const std::uint32_t index = nextIndex_++;
+    while (nextDamaged_ < damaged_.size() && damaged_[nextDamaged_] < index) ++nextDamaged_;
+    const bool damaged = nextDamaged_ < damaged_.size() && damaged_[nextDamaged_] == index;
+    DecodedBlock& block = blockToKeep();
+    try {
+      loadBlock(index, nextOffset_, block);
+    } catch (const Malformed& malformed) {
+      if (damaged) continue;
+      recordDamage(index, malformed.what(), "it was changed while it was read");
+      nextIndex_ = walkable_;
+      return false;
+    } catch (const Failure& failure) {
+      log_.record(failure.number(), failure.detail());
+      nextIndex_ = walkable_;
+      return false;
+    }
+    if (damaged) continue;
+    current_ = &block;
+    current_->rewind();
+    return true;
+  }
+  return false;
+}
+
+void RecordStream::recordDamage(std::uint32_t index, const char* reason, const char* consequence) {
+  log_.record(ErrorNumber::damaged, DetailText("block %u of %u of symbol %s in %s: %s; %s",
+                                               index + 1, entry_->blockCount(), name_.c_str(),
+                                               file_.shownName().c_str(), reason, consequence));
+}
+
+}  // namespace rxffile

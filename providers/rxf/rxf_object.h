@@ -1,0 +1,102 @@
+// One exchange-file object as callers hold it: closed, reading a file, or writing one.
+//
+// Every operation of the interface is a member here; the exported functions only call them. What
+// goes wrong is recorded in the object's log. A member may throw: the caller then gives the
+// exception to takeException(), which leaves the object usable.
+#ifndef ZTB_PROVIDERS_RXF_RXF_OBJECT_H_
+#define ZTB_PROVIDERS_RXF_RXF_OBJECT_H_
+
+#include <array>
+#include <cstdint>
+#include <memory>
+
+#include "providers/rxf/error_log.h"
+#include "providers/rxf/rxf_reader.h"
+#include "providers/rxf/rxf_writer.h"
+#include "providers/rxf/special_table.h"
+#include "providers/rxf/system_calls.h"
+
+namespace rxffile {
+
+class RxfObject {
+ public:
+  explicit RxfObject(SystemCalls& calls) : calls_(calls) {}
+
+  // Opening clears the log. 0, or the number of the error, which is also in the log.
+  int openRead(const char* fileName);
+  int openWrite(const char* fileName, const char* producer);
+
+  // 0, or the number of the error that kept the file from being published. Without an open file 0.
+  int close();
+
+  void errorText(int number, char* text) const { log_.compose(number, text); }
+  // Errors since the file was opened. While a file is written, and no symbol or label list is open,
+  // the file is first brought to the disk, so that a full disk is counted here.
+  int errorCount();
+  int takeLastError() { return log_.takeLatest(); }
+
+  // The five values in force: for reading while a file is read, for writing otherwise.
+  void specialValues(double* values) const;
+  bool setSpecialValues(const double* values);
+  bool setReadSpecialValues(const double* values);
+
+  // Questions about the file that is read.
+  bool systemInfo(int* symbolCount, int* labelCount);
+  bool symbolInfo(int number, char* name, int* dim, int* type);
+  bool symbolInfoX(int number, int* recordCount, int* userInfo, char* text);
+  int symbolDomain(int number, char** names);
+  int findSymbol(const char* name);
+  bool elementText(int number, char* text);
+  int labelCount();
+  bool label(int number, char* label);
+
+  // Begins with a symbol and returns how many records read() will deliver.
+  int startReading(int number, bool& started);
+  bool read(int* keys, double* values, int* firstChanged) {
+    if (reader_ == nullptr || !reader_->stream().open()) [[unlikely]] {
+      return recordOrder("reading a record");
+    }
+    return reader_->stream().next(keys, values, firstChanged);
+  }
+  bool finishReading();
+
+  // The file that is written.
+  bool startLabels() { return writing("start of labels") && writer_->startLabels(); }
+  bool addLabel(const char* label);
+  bool finishLabels() { return writing("end of labels") && writer_->finishLabels(); }
+  bool addAlias(const char* alias, const char* target);
+  int addText(const char* text);
+  bool startWriting(const char* name, const char* text, int dim, int type, int userInfo);
+  bool write(const int* keys, const double* values) {
+    if (writer_ == nullptr) [[unlikely]]
+      return recordOrder("writing a record");
+    return writer_->write(keys, values);
+  }
+  bool finishWriting() { return writing("end of a symbol") && writer_->finishSymbol(); }
+  bool setDomain(const char* const* names);
+  bool setDomainNames(int number, const char* const* names);
+
+  // To be called in a handler: records the exception under way. A file that is written is not
+  // published any more; a stream that is read is ended.
+  void takeException() noexcept;
+
+ private:
+  bool reading(const char* what);
+  bool writing(const char* what);
+  bool recordOrder(const char* what);
+  bool holdsSymbol(int number);
+  int recordOpening(ErrorNumber number, const DetailText& detail);
+  template <typename Open>
+  int openGuarded(const char* fileName, const Open& open);
+
+  SystemCalls& calls_;
+  ErrorLog log_;
+  SpecialTable writeSpecials_;
+  SpecialTable readSpecials_;
+  std::unique_ptr<RxfReader> reader_;
+  std::unique_ptr<RxfWriter> writer_;
+};
+
+}  // namespace rxffile
+
+#endif  // ZTB_PROVIDERS_RXF_RXF_OBJECT_H_

@@ -1,0 +1,44 @@
+#include "providers/rxf/rxf_reader.h"
+
+#include "providers/rxf/failure.h"
+#include "providers/rxf/frame.h"
+#include "providers/rxf/names.h"
+#include "providers/rxf/table_reader.h"
+
+namespace rxffile {
+
+namespace {
+
+// A text of a table as callers can take it: without a zero inside.
+std::string_view takeText(ByteReader& in) {
+  const std::string_view text = in.text();
+  if (text.find('\0') != std::string_view::npos) throw Malformed(DetailText("text with a zero"));
+  return text;
+}
+
+}  // namespace
+
+RxfReader::RxfReader(SystemCalls& calls, const std::string& path, ErrorLog& log)
+    : file_(calls, path), header_(FileHeader::read(file_)), stream_(file_, decompressor_, log) {
+  readTables();
+}
+
+void RxfReader::readTables() {
+  TableReader info(file_, decompressor_, kInfoKind, "information");
+  info.read(header_.info, 1, [&](ByteReader& in) { producer_ = takeText(in); });
+  TableReader labels(file_, decompressor_, kLabelKind, "label");
+  labels.read(header_.labels, header_.labelCount, [&](ByteReader& in) {
+    const std::string_view label = in.text();
+    if (trimmedLabel(label) != label || labelRefusal(label) != nullptr) {
+      throw Malformed(DetailText("label is not acceptable"));
+    }
+    if (labels_.add(label) == 0) throw Malformed(DetailText("label stands twice"));
+  });
+  TableReader texts(file_, decompressor_, kTextKind, "text");
+  texts.read(header_.texts, header_.textCount, [&](ByteReader& in) { texts_.add(takeText(in)); });
+  TableReader symbols(file_, decompressor_, kSymbolKind, "symbol");
+  symbols.read(header_.symbols, header_.symbolCount,
+               [&](ByteReader& in) { symbols_.decodeNext(in, header_); });
+}
+
+}  // namespace rxffile

@@ -1,0 +1,156 @@
+// An exchange file while it is written.
+//
+// What is wrong with a single record, domain, alias or symbol is recorded in the log and left out;
+// the rest is written. A label or a set text that is refused would shift the numbers of those
+// behind it, so a file with one is never published; nor is one whose writing failed. Order of
+// calls: labels between startLabels and finishLabels; a symbol's records between startSymbol and
+// finishSymbol. Numbers of labels, texts and symbols count from 1 as they come.
+#ifndef ZTB_PROVIDERS_RXF_RXF_WRITER_H_
+#define ZTB_PROVIDERS_RXF_RXF_WRITER_H_
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+
+#include "providers/rxf/block_encoder.h"
+#include "providers/rxf/error_log.h"
+#include "providers/rxf/label_set.h"
+#include "providers/rxf/name_list.h"
+#include "providers/rxf/output_file.h"
+#include "providers/rxf/record_block.h"
+#include "providers/rxf/special_table.h"
+#include "providers/rxf/strict_domain.h"
+#include "providers/rxf/string_table.h"
+#include "providers/rxf/symbol_directory.h"
+#include "providers/rxf/zstd_codec.h"
+
+namespace rxffile {
+
+class RxfWriter {
+ public:
+  // Failures: those of OutputFile, textTooLong for the producer.
+  RxfWriter(SystemCalls& calls, const std::string& path, std::string_view producer, ErrorLog& log);
+
+  // Each of the following gives false, with the error in the log, for what is refused. Each throws
+  // Failure or std::bad_alloc when the file can no longer be completed; call abandon() then.
+
+  bool startLabels();
+  bool addLabel(std::string_view label);
+  bool finishLabels();
+
+  // Number of the new text, 0 when it is refused.
+  std::uint32_t addText(std::string_view text);
+
+  // `target` is a set or an alias written before, or "*".
+  bool addAlias(std::string_view alias, std::string_view target);
+
+  // `specials` holds for the records of this symbol; sets have no special values.
+  bool startSymbol(std::string_view name, std::string_view text, int dim, int type, int userInfo,
+                   const SpecialTable& specials);
+
+  // Sets the domain of the open symbol, before its records. `names` are dim names: "*", or a
+  // one-dimensional set or alias written before. When one is not, the symbol has no domain.
+  bool setDomain(const char* const* names);
+
+  // Adds a record to the open symbol: `keys` are dim label numbers, `values` 1 or 5 doubles.
+  bool write(const int* keys, const double* values) {
+    if (stage_ != Stage::symbol) [[unlikely]]
+      return refuseOrder("a record without a symbol");
+    const int dim = block_.dim();
+    int first = 0;
+    if (recordCount_ != 0) {
+      while (first < dim && keys[first] == previous_[static_cast<unsigned>(first)]) ++first;
+    }
+    if (!fits(keys, first)) [[unlikely]]
+      return false;
+    block_.add(keys, values, first);
+    for (int j = first; j < dim; ++j) previous_[static_cast<unsigned>(j)] = keys[j];
+    ++recordCount_;
+    if (block_.full()) [[unlikely]]
+      writeBlock();
+    return true;
+  }
+
+  bool finishSymbol();
+
+  // Records the names of a symbol's domains; no record is held against them.
+  bool setDomainNames(int number, const char* const* names);
+
+  // Brings the whole file, tables and header included, to the disk, so that publishing only has to
+  // rename it. Does nothing while a symbol or the labels are open, or when nothing has changed.
+  void seal();
+
+  // Seals and publishes. False, with the error in the log, when the file may not be published.
+  bool close();
+
+  // From now on every call is ignored and nothing will be published.
+  void abandon() noexcept { stage_ = Stage::abandoned; }
+
+  [[nodiscard]] const std::string& path() const { return file_.path(); }
+
+ private:
+  enum class Stage { between, labels, symbol, abandoned };
+
+  // True when the record may follow the records written so far, from which it differs at `first`;
+  // otherwise the error is recorded.
+  bool fits(const int* keys, int first) {
+    const int dim = block_.dim();
+    bool inLabels = true;
+    for (int j = first; j < dim; ++j) {
+      inLabels &= static_cast<std::uint32_t>(keys[j]) - 1U < labels_.size();
+    }
+    const bool ascends =
+        recordCount_ == 0 || (first < dim && keys[first] > previous_[static_cast<unsigned>(first)]);
+    if (!inLabels || !ascends || recordCount_ == kMaxCount) [[unlikely]] {
+      return refuseRecord(keys, first);
+    }
+    if (domain_.active()) {
+      const int outside = domain_.firstOutside(keys, first, dim);
+      if (outside != dim) [[unlikely]]
+        return refuseOutside(keys, outside);
+    }
+    return true;
+  }
+
+  bool expect(Stage stage, const char* what);
+  bool refuse(ErrorNumber number, const DetailText& detail);
+  bool refuseOrder(const char* what);
+  bool refuseRecord(const int* keys, int first);
+  bool refuseOutside(const int* keys, int position);
+  bool refuseSymbol(std::string_view name, std::string_view text, int dim, int type);
+  bool findDomain(const char* name, int position, std::shared_ptr<const LabelBits>& members);
+  void change();
+  void writeBlock();
+
+  ErrorLog& log_;
+  OutputFile file_;
+  std::string producer_;
+  Stage stage_ = Stage::between;
+  bool withheld_ = false;
+  bool sealed_ = false;
+  std::uint64_t dataEnd_ = 0;
+
+  NameList labels_;
+  StringTable texts_;
+  SymbolDirectory symbols_;
+  std::unordered_map<std::uint32_t, LabelSet> members_;
+
+  // The open symbol.
+  std::uint32_t recordCount_ = 0;
+  std::array<int, kMaxDimension> previous_{};
+  RecordBlock block_;
+  StrictDomain domain_;
+  std::uint32_t number_ = 0;
+  std::uint32_t blockIndex_ = 0;
+  SpecialTable specials_;
+
+  Compressor compressor_;
+  BlockEncoder encoder_;
+};
+
+}  // namespace rxffile
+
+#endif  // ZTB_PROVIDERS_RXF_RXF_WRITER_H_

@@ -1,0 +1,72 @@
+#include "providers/rxf/system_calls.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <cstdio>
+
+namespace rxffile {
+
+int SystemCalls::open(const char* path, int flags, mode_t mode) {
+  return ::open(path, flags, mode);
+}
+
+int SystemCalls::close(int fd) {
+  return ::close(fd);
+}
+
+int SystemCalls::fstat(int fd, struct stat* status) {
+  return ::fstat(fd, status);
+}
+
+int SystemCalls::stat(const char* path, struct stat* status) {
+  return ::stat(path, status);
+}
+
+ssize_t SystemCalls::pread(int fd, void* data, std::size_t size, off_t offset) {
+  return ::pread(fd, data, size, offset);
+}
+
+ssize_t SystemCalls::pwrite(int fd, const void* data, std::size_t size, off_t offset) {
+  return ::pwrite(fd, data, size, offset);
+}
+
+int SystemCalls::ftruncate(int fd, off_t length) {
+  return ::ftruncate(fd, length);
+}
+
+int SystemCalls::fsync(int fd) {
+  return ::fsync(fd);
+}
+
+int SystemCalls::flock(int fd, int operation) {
+  return ::flock(fd, operation);
+}
+
+int SystemCalls::fchmod(int fd, mode_t mode) {
+  return ::fchmod(fd, mode);
+}
+
+int SystemCalls::access(const char* path, int mode) {
+  return ::faccessat(AT_FDCWD, path, mode, AT_EACCESS);
+}
+
+ssize_t SystemCalls::readlink(const char* path, char* target, std::size_t size) {
+  return ::readlink(path, target, size);
+}
+
+int SystemCalls::rename(const char* from, const char* to) {
+  return ::rename(from, to);
+}
+
+int SystemCalls::unlink(const char* path) {
+  return ::unlink(path);
+}
+
+SystemCalls& operatingSystem() {
+  static SystemCalls calls;
+  return calls;
+}
+
+}  // namespace rxffile

@@ -1,0 +1,43 @@
+// The calls of the operating system that files are read and written with, behind an interface, so
+// that tests can make each of them fail or end the process there.
+//
+// Every call has the meaning, the result and the errno of the POSIX call of its name.
+#ifndef ZTB_PROVIDERS_RXF_SYSTEM_CALLS_H_
+#define ZTB_PROVIDERS_RXF_SYSTEM_CALLS_H_
+
+#include <sys/stat.h>
+#include <sys/types.h>
+
+#include <cstddef>
+
+namespace rxffile {
+
+class SystemCalls {
+ public:
+  SystemCalls() = default;
+  SystemCalls(const SystemCalls&) = delete;
+  SystemCalls& operator=(const SystemCalls&) = delete;
+  virtual ~SystemCalls() = default;
+
+  virtual int open(const char* path, int flags, mode_t mode);
+  virtual int close(int fd);
+  virtual int fstat(int fd, struct stat* status);
+  virtual int stat(const char* path, struct stat* status);
+  virtual ssize_t pread(int fd, void* data, std::size_t size, off_t offset);
+  virtual ssize_t pwrite(int fd, const void* data, std::size_t size, off_t offset);
+  virtual int ftruncate(int fd, off_t length);
+  virtual int fsync(int fd);
+  virtual int flock(int fd, int operation);
+  virtual int fchmod(int fd, mode_t mode);
+  virtual int access(const char* path, int mode);
+  virtual ssize_t readlink(const char* path, char* target, std::size_t size);
+  virtual int rename(const char* from, const char* to);
+  virtual int unlink(const char* path);
+};
+
+// The real calls.
+SystemCalls& operatingSystem();
+
+}  // namespace rxffile
+
+#endif  // ZTB_PROVIDERS_RXF_SYSTEM_CALLS_H_
