@@ -1,0 +1,38 @@
+# What `cmake --install` puts in place: a tree of lib/, bin/ and include/ that works wherever it is
+# moved to, with a CMake package and a pkg-config file that find everything by relative paths.
+#
+#   find_package(ztb)   gives ztb::ztbcclib64, the library for C, and ztb::ztb, the C++ wrapper
+#   pkg-config ztb      the same for other build systems
+
+include(CMakePackageConfigHelpers)
+
+# The C++ wrapper is headers alone.
+add_library(ztb_wrapper INTERFACE)
+target_compile_features(ztb_wrapper INTERFACE cxx_std_20)
+target_link_libraries(ztb_wrapper INTERFACE ztbcclib64)
+set_target_properties(ztb_wrapper PROPERTIES EXPORT_NAME ztb)
+add_library(ztb::ztb ALIAS ztb_wrapper)
+add_library(ztb::ztbcclib64 ALIAS ztbcclib64)
+
+install(TARGETS ztbcclib64 ztb_wrapper EXPORT ztb-targets LIBRARY DESTINATION lib)
+# The library opens the exchange-file library at run time; it is found in the same folder.
+install(TARGETS rxfcclib64 LIBRARY DESTINATION lib)
+if(TARGET ztb)
+  install(TARGETS ztb RUNTIME DESTINATION bin)
+endif()
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/ztb DESTINATION include
+  FILES_MATCHING PATTERN "*.h" PATTERN "*.hpp")
+
+set(ZTB_PACKAGE_FOLDER lib/cmake/ztb)
+install(EXPORT ztb-targets NAMESPACE ztb:: DESTINATION ${ZTB_PACKAGE_FOLDER})
+configure_package_config_file(
+  ${PROJECT_SOURCE_DIR}/cmake/ztb-config.cmake.in ${CMAKE_CURRENT_BINARY_DIR}/ztb-config.cmake
+  INSTALL_DESTINATION ${ZTB_PACKAGE_FOLDER})
+write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/ztb-config-version.cmake
+  COMPATIBILITY SameMajorVersion)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/ztb-config.cmake
+              ${CMAKE_CURRENT_BINARY_DIR}/ztb-config-version.cmake
+        DESTINATION ${ZTB_PACKAGE_FOLDER})
+
+configure_file(${PROJECT_SOURCE_DIR}/cmake/ztb.pc.in ${CMAKE_CURRENT_BINARY_DIR}/ztb.pc @ONLY)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/ztb.pc DESTINATION lib/pkgconfig)
