@@ -1,0 +1,115 @@
+#include "tools/check_command.h"
+
+#include <fmt/format.h>
+
+#include <cstdio>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tools/data_file.h"
+#include "tools/failure.h"
+#include "tools/output.h"
+#include "tools/progress.h"
+#include "tools/words.h"
+
+namespace tool {
+
+namespace {
+
+// Reads every symbol through the exchange-file library and through the database.
+class FileCheck {
+ public:
+  explicit FileCheck(const std::string& path) : file_(path) {}
+
+  void run(Progress& progress) {
+    std::size_t position = 0;
+    for (const RxfSymbol& symbol : file_.file().symbols()) {
+      progress.step(fmt::format("checking {}", symbol.name));
+      checkSymbol(symbol, static_cast<int>(position++));
+    }
+    const int symbols = file_.database().symbolCount();
+    if (static_cast<std::size_t>(symbols) != position) {
+      problem("", fmt::format("the database has {}, the file {}",
+                              counted(static_cast<std::size_t>(symbols), "symbol"), position));
+    }
+    symbols_ = position;
+  }
+
+  [[nodiscard]] const std::vector<std::string>& problems() const { return problems_; }
+  [[nodiscard]] std::string summary() const {
+    return fmt::format("{}: fine: {}, {}, {}\n", file_.path(), counted(symbols_, "symbol"),
+                       counted(static_cast<std::size_t>(file_.labelCount()), "label"),
+                       counted(records_, "record"));
+  }
+
+ private:
+  void checkSymbol(const RxfSymbol& symbol, int position) {
+    const std::vector<std::string> errors = file_.file().readRecords(symbol);
+    for (const std::string& error : errors) {
+      problem(symbol.name, error);
+    }
+    records_ += static_cast<std::size_t>(symbol.recordCount);
+    if (errors.empty() && symbol.type != ZTB_ALIAS) {
+      checkDatabase(symbol, position);
+    }
+  }
+
+  void checkDatabase(const RxfSymbol& symbol, int position) {
+    try {
+      ztb::Symbol mirrored = file_.database().symbolAt(position);
+      const int count = mirrored.recordCount();
+      if (count != symbol.recordCount) {
+        problem(symbol.name, fmt::format("{} reach the database, expected {}",
+                                         counted(static_cast<std::size_t>(count), "record"),
+                                         symbol.recordCount));
+      }
+      mirrored.clear();
+    } catch (const ztb::Error& error) {
+      problem(symbol.name, error.what());
+    }
+  }
+
+  void problem(const std::string& symbol, const std::string& text) {
+    problems_.push_back(
+        fmt::format("{}: {}{}{}", file_.path(), symbol, symbol.empty() ? "" : ": ", text));
+  }
+
+  DataFile file_;
+  std::vector<std::string> problems_;
+  std::size_t symbols_ = 0;
+  std::size_t records_ = 0;
+};
+
+void runCheck(const std::string& path) {
+  std::optional<Progress> progress(std::in_place);
+  progress->step("opening " + path);
+  FileCheck check(path);
+  check.run(*progress);
+  progress.reset();
+  for (const std::string& problem : check.problems()) {
+    std::fputs((problem + "\n").c_str(), stderr);
+  }
+  if (!check.problems().empty()) {
+    throw Failure(fmt::format("{}: {} found", path, counted(check.problems().size(), "problem")));
+  }
+  print(check.summary());
+}
+
+}  // namespace
+
+void addCheckCommand(CLI::App& app) {
+  CLI::App* command = app.add_subcommand("check", "Check that a file is intact");
+  auto path = std::make_shared<std::string>();
+  command->add_option("FILE", *path, "RXF file")->required();
+  command->footer(
+      "Opens everything, reads every record and verifies all checksums. What is wrong is told "
+      "with\n"
+      "the symbol and the place in the file, and the exit code is 1 then.\n\n"
+      "Example:\n"
+      "  ztb check diet.rxf");
+  command->callback([path] { runCheck(*path); });
+}
+
+}  // namespace tool

@@ -1,0 +1,108 @@
+#include "tools/csv_writer.h"
+
+#include <fmt/format.h>
+
+#include <cerrno>
+#include <cstring>
+#include <utility>
+
+#include "tools/failure.h"
+
+namespace tool {
+
+namespace {
+
+constexpr std::size_t pendingLimit = std::size_t{1} << 16U;
+
+bool needsQuotes(std::string_view text) {
+  return text.find_first_of(",\"\r\n") != std::string_view::npos || text.front() == ' ' ||
+         text.back() == ' ';
+}
+
+[[noreturn]] void failWrite(const std::string& name) {
+  throw Failure(fmt::format("{}: cannot be written: {}", name, std::strerror(errno)));
+}
+
+}  // namespace
+
+CsvWriter::CsvWriter(const std::string& path)
+    : name_(path), file_(std::fopen(path.c_str(), "wb")), owned_(true) {
+  if (file_ == nullptr) {
+    failWrite(name_);
+  }
+}
+
+CsvWriter::CsvWriter(std::FILE* stream, std::string name)
+    : name_(std::move(name)), file_(stream), owned_(false) {}
+
+CsvWriter::~CsvWriter() {
+  if (owned_ && file_ != nullptr) {
+    std::fclose(file_);
+  }
+}
+
+void CsvWriter::separate() {
+  if (!recordEmpty_) {
+    pending_ += ',';
+  }
+  recordEmpty_ = false;
+}
+
+void CsvWriter::quoted(std::string_view text) {
+  pending_ += '"';
+  for (const char c : text) {
+    if (c == '"') {
+      pending_ += '"';
+    }
+    pending_ += c;
+  }
+  pending_ += '"';
+}
+
+void CsvWriter::field(std::string_view text) {
+  separate();
+  if (!text.empty() && needsQuotes(text)) {
+    quoted(text);
+  } else {
+    pending_ += text;
+  }
+}
+
+void CsvWriter::label(std::string_view text) {
+  if (text.empty()) {
+    separate();
+    quoted(text);
+  } else {
+    field(text);
+  }
+}
+
+void CsvWriter::endRecord() {
+  pending_ += '\n';
+  recordEmpty_ = true;
+  if (pending_.size() >= pendingLimit) {
+    flush();
+  }
+}
+
+void CsvWriter::flush() {
+  if (std::fwrite(pending_.data(), 1, pending_.size(), file_) != pending_.size()) {
+    failWrite(name_);
+  }
+  pending_.clear();
+}
+
+void CsvWriter::close() {
+  flush();
+  if (std::fflush(file_) != 0) {
+    failWrite(name_);
+  }
+  if (owned_) {
+    std::FILE* file = std::exchange(file_, nullptr);
+    if (std::fclose(file) != 0) {
+      failWrite(name_);
+    }
+  }
+}
+
+}  // namespace tool

@@ -1,0 +1,168 @@
+#include "tools/export_command.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <system_error>
+#include <vector>
+
+#include "tools/csv_writer.h"
+#include "tools/data_file.h"
+#include "tools/failure.h"
+#include "tools/manifest.h"
+#include "tools/number_text.h"
+#include "tools/output.h"
+#include "tools/progress.h"
+#include "tools/symbol_columns.h"
+#include "tools/words.h"
+
+namespace tool {
+
+namespace {
+
+struct ExportOptions {
+  std::string file;
+  std::vector<std::string> symbols;
+  bool all = false;
+  std::string folder;
+};
+
+// The chosen symbols in the order of the file. An alias needs the set that it stands for.
+std::vector<ztb::Symbol> chosenSymbols(const DataFile& file, const ExportOptions& options) {
+  std::vector<ztb::Symbol> symbols = file.symbols();
+  if (options.all) {
+    return symbols;
+  }
+  std::vector<ztb::Symbol> chosen;
+  for (const std::string& name : options.symbols) {
+    if (name == "*") {
+      throw UsageError("*: the universe is no symbol to export; every export has all labels");
+    }
+    chosen.push_back(file.symbol(name));
+  }
+  const auto isChosen = [&](const ztb::Symbol& symbol) {
+    return std::ranges::find(chosen, symbol) != chosen.end();
+  };
+  for (const ztb::Symbol& symbol : chosen) {
+    const ztb::Symbol target = file.resolved(symbol);
+    if (target.name() != "*" && !isChosen(target)) {
+      throw UsageError(fmt::format("{} is an alias of {}: export {} too", symbol.name().view(),
+                                   target.name().view(), target.name().view()));
+    }
+  }
+  std::erase_if(symbols, [&](const ztb::Symbol& symbol) { return !isChosen(symbol); });
+  return symbols;
+}
+
+// Makes the folder, and takes the table of symbols of an older export away: it is there again only
+// when everything is.
+void prepareFolder(const std::filesystem::path& folder) {
+  std::error_code error;
+  std::filesystem::create_directories(folder, error);
+  if (!error) {
+    std::filesystem::remove(manifestPath(folder), error);
+  }
+  if (error) {
+    throw Failure(fmt::format("{}: cannot be written: {}", folder.string(), error.message()));
+  }
+}
+
+void writeLabels(const std::filesystem::path& folder, const DataFile& file) {
+  CsvWriter csv(labelsPath(folder).string());
+  csv.field("label");
+  csv.endRecord();
+  for (int number = 1; number <= file.labelCount(); ++number) {
+    csv.label(file.label(number));
+    csv.endRecord();
+  }
+  csv.close();
+}
+
+std::size_t writeRecords(const std::filesystem::path& folder, const DataFile& file,
+                         const ztb::Symbol& symbol, Progress& progress) {
+  const std::string name = symbol.name().str();
+  progress.step("reading " + name);
+  file.requireIntact(symbol);
+  CsvWriter csv(recordsPath(folder, name).string());
+  for (const std::string& column : keyColumns(domainNames(symbol), symbol.type())) {
+    csv.field(column);
+  }
+  for (const std::string& column : contentColumns(symbol.type())) {
+    csv.field(column);
+  }
+  csv.endRecord();
+  std::size_t records = 0;
+  ztb::Rows rows = symbol.rows();
+  progress.step("writing " + recordsPath(folder, name).string());
+  for (auto at = rows.begin(); at != rows.end(); ++at) {
+    const ztb::Row row = *at;
+    for (const int key : row.keys) {
+      csv.label(file.label(key));
+    }
+    if (symbol.type() == ztb::Type::set) {
+      csv.field(at.record().text());
+    } else {
+      for (const double value : row.values) {
+        csv.field(NumberText(value).view());
+      }
+    }
+    csv.endRecord();
+    progress.count(++records);
+  }
+  csv.close();
+  return records;
+}
+
+void runExport(const ExportOptions& options) {
+  if (options.all == !options.symbols.empty()) {
+    throw UsageError("give the names of symbols, or --all");
+  }
+  Progress progress;
+  progress.step("opening " + options.file);
+  const DataFile file(options.file);
+  const std::vector<ztb::Symbol> symbols = chosenSymbols(file, options);
+  const std::filesystem::path folder = options.folder;
+  prepareFolder(folder);
+  writeLabels(folder, file);
+  std::vector<ManifestEntry> entries;
+  std::size_t records = 0;
+  for (ztb::Symbol symbol : symbols) {
+    entries.push_back(describe(file, symbol));
+    if (symbol.type() != ztb::Type::alias) {
+      records += writeRecords(folder, file, symbol, progress);
+      // What was written need not stay in memory.
+      symbol.clear();
+    }
+  }
+  writeManifest(folder, entries);
+  print(fmt::format("{}: {}, {}, {}\n", options.folder, counted(symbols.size(), "symbol"),
+                    counted(static_cast<std::size_t>(file.labelCount()), "label"),
+                    counted(records, "record")));
+}
+
+}  // namespace
+
+void addExportCommand(CLI::App& app) {
+  CLI::App* command = app.add_subcommand("export", "Write symbols out as CSV");
+  auto options = std::make_shared<ExportOptions>();
+  command->add_option("FILE", options->file, "RXF file")->required();
+  command->add_option("SYMBOL", options->symbols, "Symbols to export");
+  command->add_flag("--all", options->all, "Export all symbols");
+  command->add_option("--csv", options->folder, "Folder to write to, made if it is not there")
+      ->type_name("DIR")
+      ->required();
+  command->footer(
+      "Writes NAME.csv for each symbol, _labels.csv with all labels in the order of their "
+      "numbers,\n"
+      "and _symbols.csv. ztb import --dir reads the folder back, every value bit for bit.\n\n"
+      "Examples:\n"
+      "  ztb export diet.rxf --all --csv exported\n"
+      "  ztb export diet.rxf food price --csv exported\n"
+      "  ztb import copy.rxf --dir exported");
+  command->callback([options] { runExport(*options); });
+}
+
+}  // namespace tool

@@ -1,0 +1,172 @@
+#include "tools/import_command.h"
+
+#include <fmt/format.h>
+
+#include <cstdio>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tools/failure.h"
+#include "tools/folder_import.h"
+#include "tools/output.h"
+#include "tools/problem_list.h"
+#include "tools/progress.h"
+#include "tools/record_import.h"
+#include "tools/symbol_spec.h"
+#include "tools/table_import.h"
+#include "tools/words.h"
+
+namespace tool {
+
+namespace {
+
+struct ImportOptions {
+  std::string out;
+  std::optional<std::string> folder;
+  std::vector<TableSource> sources;
+  std::string separator = ",";
+  bool checkDomains = false;
+  bool skipEmpty = false;
+  std::size_t maxErrors = 20;
+};
+
+char separatorOf(const std::string& text) {
+  if (text == "tab" || text == "\\t") {
+    return '\t';
+  }
+  if (text.size() != 1 || text == "\"" || text == "\n" || text == "\r") {
+    throw UsageError(fmt::format("--separator {}: expected one char, or the word tab", text));
+  }
+  return text.front();
+}
+
+void checkUsage(const ImportOptions& options) {
+  if (options.folder && !options.sources.empty()) {
+    throw UsageError("--dir and --from exclude each other");
+  }
+  if (!options.folder && options.sources.empty()) {
+    throw UsageError("nothing to import: give --from FILE with --set or --parameter, or --dir DIR");
+  }
+  for (const TableSource& source : options.sources) {
+    if (source.symbols.empty()) {
+      throw UsageError(
+          fmt::format("--from {}: no --set or --parameter behind it reads from it", source.path));
+    }
+  }
+}
+
+void runImport(const ImportOptions& options) {
+  checkUsage(options);
+  const TableImportOptions tables{.separator = separatorOf(options.separator),
+                                  .skipEmpty = options.skipEmpty};
+  std::optional<Progress> progress(std::in_place);
+  ProblemList problems(options.maxErrors);
+  ProblemList warnings(options.maxErrors);
+  ztb::Database database;
+  RecordImport records(database, problems, warnings, *progress);
+  if (options.checkDomains) {
+    records.checkDomains();
+  }
+  if (options.folder) {
+    importFolder(database, *options.folder, records, problems);
+  } else {
+    importTables(database, options.sources, tables, records, problems);
+  }
+  if (problems.empty()) {
+    progress->step("writing " + options.out);
+    try {
+      database.write(options.out, options.checkDomains);
+    } catch (const ztb::Error& error) {
+      const std::string text = error.what();
+      throw Failure(text.find(options.out) == std::string::npos ? options.out + ": " + text : text);
+    }
+  }
+  progress.reset();
+  std::fputs(warnings.report().c_str(), stderr);
+  if (!problems.empty()) {
+    std::fputs(problems.report().c_str(), stderr);
+    throw Failure(fmt::format("{}: not written: {} in the input", options.out,
+                              counted(problems.count(), "problem")));
+  }
+  print(fmt::format("{}: {}, {}, {}\n", options.out,
+                    counted(static_cast<std::size_t>(database.symbolCount()), "symbol"),
+                    counted(static_cast<std::size_t>(database.labelCount()), "label"),
+                    counted(records.recordCount(), "record")));
+}
+
+// Adds an option that makes a symbol from the file that the --from before it names.
+void addSymbolOption(CLI::App* command, const std::shared_ptr<ImportOptions>& options,
+                     SpecKind kind, const char* help) {
+  command
+      ->add_option_function<std::string>(
+          optionOf(kind),
+          [options, kind](const std::string& argument) {
+            if (options->sources.empty()) {
+              throw UsageError(fmt::format("{} {}: a --from FILE must stand before it",
+                                           optionOf(kind), argument));
+            }
+            options->sources.back().symbols.push_back(parseSymbolSpec(kind, argument));
+          },
+          help)
+      ->type_name("SPEC")
+      ->trigger_on_parse();
+}
+
+}  // namespace
+
+void addImportCommand(CLI::App& app) {
+  CLI::App* command = app.add_subcommand("import", "Make a file from CSV");
+  auto options = std::make_shared<ImportOptions>();
+  command->add_option("OUT", options->out, "RXF file to write")->required();
+  command
+      ->add_option_function<std::string>(
+          "--from",
+          [options](const std::string& path) {
+            options->sources.push_back({.path = path, .symbols = {}});
+          },
+          "CSV file, - for standard input; the options that follow read from it")
+      ->type_name("FILE")
+      ->trigger_on_parse();
+  addSymbolOption(command, options, SpecKind::set,
+                  "Make a set: NAME(KEY, ...) : TEXTCOLUMN \"text\"");
+  addSymbolOption(command, options, SpecKind::distinctSet,
+                  "The same; an element that stands in many rows is taken once");
+  addSymbolOption(command, options, SpecKind::parameter,
+                  "Make a parameter: NAME(KEY, ...) = VALUECOLUMN \"text\"");
+  command->add_option("--dir", options->folder, "Folder that ztb export --csv left")
+      ->type_name("DIR");
+  command->add_flag("--check-domains", options->checkDomains,
+                    "Each label must be in the set that is its domain");
+  command->add_flag("--skip-empty", options->skipEmpty, "Leave out values that are empty");
+  command
+      ->add_option("--separator", options->separator,
+                   "Char between the fields of FILE, or the word tab")
+      ->type_name("CHAR");
+  command->add_option("--max-errors", options->maxErrors, "Problems to print, the rest is counted")
+      ->type_name("N")
+      ->capture_default_str();
+  command->footer(
+      "KEY is the name of a column, whose fields are the labels of that position; KEY in SET "
+      "names\n"
+      "its domain. Without it the domain is the one-dimensional set of the column's name, if it\n"
+      "was made before. --set NAME is short for --set NAME(NAME). A scalar is NAME() = COLUMN.\n"
+      "Names and texts with one of ( ) , : = in them stand in quotes.\n"
+      "Numbers may be the words undef, na, inf, -inf, eps. Nothing is written if a file has a\n"
+      "problem: each is shown with file, line and column.\n\n"
+      "Examples:\n"
+      "  ztb import diet.rxf \\\n"
+      "    --from foods.csv        --set 'food : unit \"Foods and the unit they are sold in\"' \\\n"
+      "                            --parameter 'price(food) = price_cents_1939 \"Cents a unit\"' "
+      "\\\n"
+      "    --from requirements.csv --set nutrient \\\n"
+      "                            --parameter 'requirement(nutrient) = daily_allowance' \\\n"
+      "    --from nutrition.csv    --parameter 'nutrition(food, nutrient) = per_dollar' \\\n"
+      "    --check-domains\n"
+      "  ztb import routes.rxf --from routes.csv --parameter 'stops(airline, from, to)'\n"
+      "  ztb import copy.rxf --dir exported");
+  command->callback([options] { runImport(*options); });
+}
+
+}  // namespace tool

@@ -1,0 +1,138 @@
+#include "tools/info_command.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <array>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "tools/data_file.h"
+#include "tools/json_text.h"
+#include "tools/output.h"
+#include "tools/table_printer.h"
+#include "tools/words.h"
+
+namespace tool {
+
+namespace {
+
+struct InfoOptions {
+  std::string file;
+  bool json = false;
+};
+
+struct Totals {
+  std::array<std::size_t, 5> ofType{};
+  std::size_t symbols = 0;
+  std::size_t records = 0;
+};
+
+Totals totalsOf(const DataFile& file, const std::vector<ztb::Symbol>& symbols) {
+  Totals totals;
+  for (const ztb::Symbol& symbol : symbols) {
+    ++totals.ofType.at(static_cast<std::size_t>(symbol.type()));
+    ++totals.symbols;
+    totals.records += static_cast<std::size_t>(file.recordCount(symbol));
+  }
+  return totals;
+}
+
+void printJson(const DataFile& file, const std::vector<ztb::Symbol>& symbols) {
+  const Totals totals = totalsOf(file, symbols);
+  Json json;
+  json["file"] = file.path();
+  json["symbol_count"] = totals.symbols;
+  json["label_count"] = file.labelCount();
+  json["record_count"] = totals.records;
+  json["symbols"] = Json::array();
+  for (const ztb::Symbol& symbol : symbols) {
+    Json entry = jsonSymbol(file, symbol);
+    if (symbol.type() != ztb::Type::alias) {
+      entry["records"] = file.recordCount(symbol);
+    }
+    json["symbols"].push_back(std::move(entry));
+  }
+  print(jsonText(json, 2) + "\n");
+}
+
+std::array<std::string, 6> cellsOf(const DataFile& file, const ztb::Symbol& symbol) {
+  const bool alias = symbol.type() == ztb::Type::alias;
+  return {symbol.name().str(),
+          std::string(typeWord(symbol.type())),
+          std::to_string(symbol.dimension()),
+          alias ? fmt::format("= {}", file.resolved(symbol).name().view())
+                : fmt::format("{}", fmt::join(domainNames(symbol), ", ")),
+          alias ? std::string() : std::to_string(file.recordCount(symbol)),
+          symbol.text().str()};
+}
+
+void printTable(const DataFile& file, const std::vector<ztb::Symbol>& symbols) {
+  using Align = TablePrinter::Align;
+  TablePrinter table;
+  table.addColumn("Symbol", Align::left);
+  table.addColumn("Type", Align::left);
+  table.addColumn("Dim", Align::right);
+  table.addColumn("Domains", Align::left);
+  table.addColumn("Records", Align::right);
+  table.addColumn("Text", Align::left);
+  std::vector<std::array<std::string, 6>> rows;
+  for (const ztb::Symbol& symbol : symbols) {
+    rows.push_back(cellsOf(file, symbol));
+    const std::array<std::string, 6>& row = rows.back();
+    table.measure(std::vector<std::string_view>(row.begin(), row.end()));
+  }
+  table.printHeader(stdout);
+  for (const std::array<std::string, 6>& row : rows) {
+    table.printRow(stdout, std::vector<std::string_view>(row.begin(), row.end()));
+  }
+}
+
+void printTotals(const DataFile& file, const Totals& totals) {
+  std::vector<std::string> kinds;
+  for (std::size_t type = 0; type < totals.ofType.size(); ++type) {
+    const std::size_t count = totals.ofType[type];
+    if (count > 0 && static_cast<ztb::Type>(type) == ztb::Type::alias) {
+      kinds.push_back(fmt::format("{} alias{}", count, count == 1 ? "" : "es"));
+    } else if (count > 0) {
+      kinds.push_back(counted(count, typeWord(static_cast<ztb::Type>(type))));
+    }
+  }
+  const std::string ofKinds = kinds.empty() ? "" : fmt::format(" ({})", fmt::join(kinds, ", "));
+  print(fmt::format("{}: {}{}, {}, {}\n", file.path(), counted(totals.symbols, "symbol"), ofKinds,
+                    counted(static_cast<std::size_t>(file.labelCount()), "label"),
+                    counted(totals.records, "record")));
+}
+
+void runInfo(const InfoOptions& options) {
+  const DataFile file(options.file);
+  const std::vector<ztb::Symbol> symbols = file.symbols();
+  if (options.json) {
+    printJson(file, symbols);
+    return;
+  }
+  if (!symbols.empty()) {
+    printTable(file, symbols);
+    print("\n");
+  }
+  printTotals(file, totalsOf(file, symbols));
+}
+
+}  // namespace
+
+void addInfoCommand(CLI::App& app) {
+  CLI::App* command = app.add_subcommand("info", "Show what is in a file");
+  auto options = std::make_shared<InfoOptions>();
+  command->add_option("FILE", options->file, "RXF file")->required();
+  command->add_flag("--json", options->json, "Print JSON");
+  command->footer(
+      "Lists the symbols with type, dimension, domains, record count and text, then the totals.\n"
+      "Records are counted, not read.\n\n"
+      "Examples:\n"
+      "  ztb info diet.rxf\n"
+      "  ztb info diet.rxf --json");
+  command->callback([options] { runInfo(*options); });
+}
+
+}  // namespace tool

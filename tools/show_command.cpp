@@ -1,0 +1,278 @@
+#include "tools/show_command.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <functional>
+#include <limits>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tools/csv_writer.h"
+#include "tools/data_file.h"
+#include "tools/failure.h"
+#include "tools/json_text.h"
+#include "tools/number_text.h"
+#include "tools/output.h"
+#include "tools/progress.h"
+#include "tools/slice_filter.h"
+#include "tools/symbol_columns.h"
+#include "tools/table_printer.h"
+#include "tools/words.h"
+
+namespace tool {
+
+namespace {
+
+struct ShowOptions {
+  std::string file;
+  std::string symbol;
+  std::optional<std::string> slice;
+  std::optional<std::string> fields;
+  std::size_t head = std::numeric_limits<std::size_t>::max();
+  bool csv = false;
+  bool json = false;
+};
+
+// The records of one symbol as cells: labels first, then text or values.
+class ShownRecords {
+ public:
+  explicit ShownRecords(const ShowOptions& options)
+      : file_(options.file),
+        symbol_(file_.resolved(file_.symbol(options.symbol))),
+        universe_(symbol_ == file_.database().universe()),
+        head_(options.head),
+        keyColumns_(tool::keyColumns(domainNames(symbol_), symbol_.type())) {
+    chooseContent(options.fields);
+    if (options.slice) {
+      filter_ = SliceFilter(*options.slice, file_, symbol_);
+    }
+    file_.requireIntact(symbol_);
+  }
+
+  [[nodiscard]] const DataFile& file() const { return file_; }
+  [[nodiscard]] const ztb::Symbol& symbol() const { return symbol_; }
+  [[nodiscard]] const std::vector<std::string>& keyColumns() const { return keyColumns_; }
+  [[nodiscard]] const std::vector<std::string>& contentColumns() const { return contentColumns_; }
+  [[nodiscard]] bool hasTexts() const { return symbol_.type() == ztb::Type::set && !universe_; }
+  // Places of contentColumns() among the values of a record.
+  [[nodiscard]] const std::vector<std::size_t>& fields() const { return fields_; }
+
+  // Visits the records that are to be shown; gives how many there were, and whether others follow.
+  struct Walked {
+    std::size_t records = 0;
+    bool more = false;
+  };
+  Walked walk(const std::function<void(const ztb::Row&, const ztb::Record&)>& visit) const {
+    Walked walked;
+    ztb::Rows rows = symbol_.rows();
+    for (auto at = rows.begin(); at != rows.end(); ++at) {
+      const ztb::Row row = *at;
+      if (!filter_.matches(row.keys)) {
+        continue;
+      }
+      if (walked.records == head_) {
+        walked.more = true;
+        break;
+      }
+      ++walked.records;
+      visit(row, at.record());
+    }
+    return walked;
+  }
+
+ private:
+  void chooseContent(const std::optional<std::string>& chosen) {
+    if (!chosen) {
+      contentColumns_ =
+          universe_ ? std::vector<std::string>{} : tool::contentColumns(symbol_.type());
+      for (std::size_t field = 0; field < contentColumns_.size(); ++field) {
+        fields_.push_back(field);
+      }
+      return;
+    }
+    if (symbol_.valueCount() != ztb::fieldCount) {
+      throw UsageError(
+          fmt::format("--field {}: {} is a {}; only variables and equations have fields", *chosen,
+                      signature(symbol_), typeWord(symbol_.type())));
+    }
+    for (const std::string& word : CLI::detail::split(*chosen, ',')) {
+      const auto* found = std::ranges::find_if(
+          fieldWords, [&](std::string_view field) { return sameFolded(field, word); });
+      if (found == fieldWords.end()) {
+        throw UsageError(fmt::format(
+            "--field {}: '{}' is no field, expected level, marginal, lower, upper or scale",
+            *chosen, word));
+      }
+      contentColumns_.emplace_back(*found);
+      fields_.push_back(static_cast<std::size_t>(found - fieldWords.begin()));
+    }
+  }
+
+  DataFile file_;
+  ztb::Symbol symbol_;
+  bool universe_;
+  std::size_t head_;
+  std::vector<std::string> keyColumns_;
+  std::vector<std::string> contentColumns_;
+  std::vector<std::size_t> fields_;
+  SliceFilter filter_;
+};
+
+void printCsv(const ShownRecords& shown) {
+  CsvWriter csv(stdout, "standard output");
+  for (const std::string& column : shown.keyColumns()) {
+    csv.field(column);
+  }
+  for (const std::string& column : shown.contentColumns()) {
+    csv.field(column);
+  }
+  csv.endRecord();
+  shown.walk([&](const ztb::Row& row, const ztb::Record& record) {
+    for (const int key : row.keys) {
+      csv.label(shown.file().label(key));
+    }
+    if (shown.hasTexts()) {
+      csv.field(record.text());
+    } else {
+      for (const std::size_t field : shown.fields()) {
+        csv.field(NumberText(row.values[field]).view());
+      }
+    }
+    csv.endRecord();
+  });
+  csv.close();
+}
+
+void printJson(const ShownRecords& shown) {
+  std::string head = jsonText(jsonSymbol(shown.file(), shown.symbol()));
+  head.back() = ',';
+  print(head + "\"records\":[");
+  const char* separator = "\n";
+  shown.walk([&](const ztb::Row& row, const ztb::Record& record) {
+    Json json;
+    json["keys"] = Json::array();
+    for (const int key : row.keys) {
+      json["keys"].push_back(shown.file().label(key));
+    }
+    if (shown.hasTexts()) {
+      json["text"] = record.text().view();
+    } else {
+      for (std::size_t index = 0; index < shown.fields().size(); ++index) {
+        json[shown.contentColumns()[index]] = jsonNumber(row.values[shown.fields()[index]]);
+      }
+    }
+    print(separator + jsonText(json));
+    separator = ",\n";
+  });
+  print("\n]}\n");
+}
+
+// Calls use with the cells of each record; the texts of a set are left out without withTexts.
+ShownRecords::Walked walkCells(const ShownRecords& shown, bool withTexts,
+                               const std::function<void(std::span<const std::string_view>)>& use) {
+  std::vector<std::string_view> cells;
+  std::vector<NumberText> numbers;
+  numbers.reserve(shown.fields().size());
+  return shown.walk([&](const ztb::Row& row, const ztb::Record& record) {
+    cells.clear();
+    for (const int key : row.keys) {
+      cells.push_back(shown.file().label(key));
+    }
+    numbers.clear();
+    ztb::Text text;
+    if (!shown.hasTexts()) {
+      for (const std::size_t field : shown.fields()) {
+        cells.push_back(numbers.emplace_back(row.values[field]).view());
+      }
+    } else if (withTexts) {
+      text = record.text();
+      cells.push_back(text.view());
+    }
+    use(cells);
+  });
+}
+
+void printTable(const ShownRecords& shown) {
+  using Align = TablePrinter::Align;
+  bool withTexts = false;
+  if (shown.hasTexts()) {
+    shown.walk([&](const ztb::Row&, const ztb::Record& record) {
+      withTexts = withTexts || !record.text().empty();
+    });
+  }
+  TablePrinter table;
+  for (const std::string& column : shown.keyColumns()) {
+    table.addColumn(column, Align::left);
+  }
+  for (const std::string& column : shown.contentColumns()) {
+    if (!shown.hasTexts()) {
+      table.addColumn(column, Align::right);
+    } else if (withTexts) {
+      table.addColumn(column, Align::left);
+    }
+  }
+  walkCells(shown, withTexts,
+            [&](std::span<const std::string_view> cells) { table.measure(cells); });
+
+  const ztb::Text text = shown.symbol().text();
+  print(fmt::format("{} {}{}{}\n\n", typeWord(shown.symbol().type()), signature(shown.symbol()),
+                    text.empty() ? "" : ": ", printable(text)));
+  table.printHeader(stdout);
+  const ShownRecords::Walked walked =
+      walkCells(shown, withTexts,
+                [&](std::span<const std::string_view> cells) { table.printRow(stdout, cells); });
+  print(fmt::format("\n{}{}\n", counted(walked.records, "record"),
+                    walked.more ? " shown, others follow" : ""));
+}
+
+void runShow(const ShowOptions& options) {
+  std::optional<Progress> progress(std::in_place);
+  progress->step("reading " + options.file);
+  const ShownRecords shown(options);
+  // Records are read at the first count.
+  static_cast<void>(shown.symbol().recordCount());
+  progress.reset();
+  if (options.csv) {
+    printCsv(shown);
+  } else if (options.json) {
+    printJson(shown);
+  } else {
+    printTable(shown);
+  }
+}
+
+}  // namespace
+
+void addShowCommand(CLI::App& app) {
+  CLI::App* command = app.add_subcommand("show", "Show the records of a symbol");
+  auto options = std::make_shared<ShowOptions>();
+  command->add_option("FILE", options->file, "RXF file")->required();
+  command->add_option("SYMBOL", options->symbol, "Name of a symbol, or \"*\" for all labels")
+      ->required();
+  command->add_option("--slice", options->slice, "A pattern for each position")
+      ->type_name("PATTERNS");
+  command
+      ->add_option("--field", options->fields,
+                   "Fields of a variable or equation: level, marginal, lower, upper, scale")
+      ->type_name("FIELD,...");
+  command->add_option("--head", options->head, "Show the first N records only")->type_name("N");
+  CLI::Option* csv = command->add_flag("--csv", options->csv, "Print CSV");
+  command->add_flag("--json", options->json, "Print JSON")->excludes(csv);
+  command->footer(
+      "A slice has a pattern for each position, with commas between: a label, * for any label, or\n"
+      "part of a label with * for the rest. The case of letters does not matter. A label with a\n"
+      "comma or star in it goes in double quotes.\n"
+      "Special values are the words undef, na, inf, -inf, eps.\n\n"
+      "Examples:\n"
+      "  ztb show diet.rxf price\n"
+      "  ztb show diet.rxf nutrition --slice 'wheat*,*' --head 20\n"
+      "  ztb show diet.rxf nutrition --slice '\"Ham, smoked\",iron_mg'\n"
+      "  ztb show plan.rxf buy --field level,marginal --csv\n"
+      "  ztb show diet.rxf '*'");
+  command->callback([options] { runShow(*options); });
+}
+
+}  // namespace tool

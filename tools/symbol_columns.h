@@ -1,0 +1,22 @@
+// The columns under which the records of a symbol are shown, exported and read back.
+#ifndef ZTB_TOOLS_SYMBOL_COLUMNS_H_
+#define ZTB_TOOLS_SYMBOL_COLUMNS_H_
+
+#include <string>
+#include <string_view>
+#include <vector>
+#include <ztb/ztb.hpp>
+
+namespace tool {
+
+// Names of the columns behind the keys: "text" for a set, "value" for a parameter, the five field
+// words for a variable or equation, none for the universe.
+std::vector<std::string> contentColumns(ztb::Type type);
+
+// A name for the column of each position: that of its domain, or key1, key2, ... over the universe.
+// All differ from each other and from contentColumns(type) under case folding.
+std::vector<std::string> keyColumns(const std::vector<std::string>& domains, ztb::Type type);
+
+}  // namespace tool
+
+#endif  // ZTB_TOOLS_SYMBOL_COLUMNS_H_

@@ -1,0 +1,90 @@
+#include "tools/table_printer.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+namespace tool {
+
+namespace {
+
+bool isControl(char c) {
+  return static_cast<unsigned char>(c) < ' ' || c == '\x7F';
+}
+
+}  // namespace
+
+std::size_t displayWidth(std::string_view text) {
+  return static_cast<std::size_t>(std::ranges::count_if(
+      text, [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U; }));
+}
+
+std::string printable(std::string_view text) {
+  std::string result;
+  for (const char c : text) {
+    if (!isControl(c)) {
+      result += c;
+    } else if (c == '\n') {
+      result += "\\n";
+    } else if (c == '\t') {
+      result += "\\t";
+    } else {
+      result += fmt::format("\\x{:02x}", static_cast<unsigned char>(c));
+    }
+  }
+  return result;
+}
+
+void TablePrinter::addColumn(std::string_view header, Align align) {
+  columns_.push_back({.header = printable(header), .align = align, .width = 0});
+  columns_.back().width = displayWidth(columns_.back().header);
+}
+
+void TablePrinter::measure(std::span<const std::string_view> cells) {
+  for (std::size_t index = 0; index < cells.size(); ++index) {
+    const std::string_view text = cells[index];
+    const std::size_t width =
+        std::ranges::any_of(text, isControl) ? displayWidth(printable(text)) : displayWidth(text);
+    columns_[index].width = std::max(columns_[index].width, width);
+  }
+}
+
+void TablePrinter::printHeader(std::FILE* out) {
+  line_.clear();
+  std::string rule;
+  for (const Column& column : columns_) {
+    const bool last = &column == &columns_.back();
+    appendCell(column, column.header, last);
+    rule += std::string(column.width, '-');
+    rule += last ? "" : "  ";
+  }
+  line_ += '\n' + rule + '\n';
+  std::fwrite(line_.data(), 1, line_.size(), out);
+}
+
+void TablePrinter::printRow(std::FILE* out, std::span<const std::string_view> cells) {
+  line_.clear();
+  for (std::size_t index = 0; index < cells.size(); ++index) {
+    const bool last = index + 1 == cells.size();
+    if (std::ranges::any_of(cells[index], isControl)) {
+      appendCell(columns_[index], printable(cells[index]), last);
+    } else {
+      appendCell(columns_[index], cells[index], last);
+    }
+  }
+  line_ += '\n';
+  std::fwrite(line_.data(), 1, line_.size(), out);
+}
+
+void TablePrinter::appendCell(const Column& column, std::string_view text, bool last) {
+  const std::size_t padding = column.width - displayWidth(text);
+  if (column.align == Align::right) {
+    line_.append(padding, ' ');
+  }
+  line_ += text;
+  if (!last) {
+    line_.append(column.align == Align::left ? padding + 2 : 2, ' ');
+  }
+}
+
+}  // namespace tool

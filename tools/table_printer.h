@@ -1,0 +1,49 @@
+// Prints aligned tables for people.
+#ifndef ZTB_TOOLS_TABLE_PRINTER_H_
+#define ZTB_TOOLS_TABLE_PRINTER_H_
+
+#include <cstddef>
+#include <cstdio>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tool {
+
+// Places that text takes on a terminal, each UTF-8 sequence counted as one.
+std::size_t displayWidth(std::string_view text);
+
+// text with control chars spelled as escapes, so that data cannot steer the terminal.
+std::string printable(std::string_view text);
+
+// A table whose rows are shown twice, first to measure and then to print, so that it takes no
+// memory for rows. Cells are separated by two blanks; the last one of a row is not filled up.
+class TablePrinter {
+ public:
+  enum class Align { left, right };
+
+  void addColumn(std::string_view header, Align align);
+
+  // Widens the columns for a row, which has a cell for each column.
+  void measure(std::span<const std::string_view> cells);
+
+  void printHeader(std::FILE* out);
+  void printRow(std::FILE* out, std::span<const std::string_view> cells);
+
+ private:
+  struct Column {
+    std::string header;
+    Align align;
+    std::size_t width;
+  };
+
+  void appendCell(const Column& column, std::string_view text, bool last);
+
+  std::vector<Column> columns_;
+  std::string line_;
+};
+
+}  // namespace tool
+
+#endif  // ZTB_TOOLS_TABLE_PRINTER_H_

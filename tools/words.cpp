@@ -1,0 +1,48 @@
+#include "tools/words.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+namespace tool {
+
+namespace {
+
+constexpr std::array<std::string_view, 5> typeWords{"set", "parameter", "variable", "equation",
+                                                    "alias"};
+
+}  // namespace
+
+std::string folded(std::string_view text) {
+  std::string result(text);
+  std::ranges::transform(result, result.begin(), foldChar);
+  return result;
+}
+
+bool sameFolded(std::string_view left, std::string_view right) {
+  return std::ranges::equal(left, right, {}, foldChar, foldChar);
+}
+
+bool startsFolded(std::string_view text, std::string_view prefix) {
+  return text.size() >= prefix.size() && sameFolded(text.substr(0, prefix.size()), prefix);
+}
+
+std::string_view typeWord(ztb::Type type) {
+  const auto index = static_cast<std::size_t>(type);
+  return index < typeWords.size() ? typeWords[index] : "unknown";
+}
+
+std::optional<ztb::Type> typeOfWord(std::string_view word) {
+  for (std::size_t index = 0; index < typeWords.size(); ++index) {
+    if (sameFolded(word, typeWords[index])) {
+      return static_cast<ztb::Type>(index);
+    }
+  }
+  return std::nullopt;
+}
+
+std::string counted(std::size_t count, std::string_view noun) {
+  return fmt::format("{} {}{}", count, noun, count == 1 ? "" : "s");
+}
+
+}  // namespace tool

@@ -1,0 +1,39 @@
+// Words of the ZTB vocabulary, and the way in which names and labels are compared: with the case of
+// ASCII letters folded, any other byte as it is.
+#ifndef ZTB_TOOLS_WORDS_H_
+#define ZTB_TOOLS_WORDS_H_
+
+#include <array>
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <ztb/ztb.hpp>
+
+namespace tool {
+
+// A char with a capital ASCII letter made small.
+constexpr char foldChar(char c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+// A text with the capital ASCII letters made small.
+std::string folded(std::string_view text);
+
+bool sameFolded(std::string_view left, std::string_view right);
+bool startsFolded(std::string_view text, std::string_view prefix);
+
+// "set", "parameter", "variable", "equation", "alias".
+std::string_view typeWord(ztb::Type type);
+std::optional<ztb::Type> typeOfWord(std::string_view word);
+
+// "level", "marginal", "lower", "upper", "scale", at the place of the field.
+inline constexpr std::array<std::string_view, ztb::fieldCount> fieldWords{
+    "level", "marginal", "lower", "upper", "scale"};
+
+// "1 record", "2 records".
+std::string counted(std::size_t count, std::string_view noun);
+
+}  // namespace tool
+
+#endif  // ZTB_TOOLS_WORDS_H_
