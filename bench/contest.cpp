@@ -1,0 +1,32 @@
+#include "bench/contest.h"
+
+#include <malloc.h>
+
+namespace bench {
+
+void registerContest(const Contest& contest, std::size_t records) {
+  constexpr int repetitions = 3;
+  constexpr double secondsOfRepetition = 0.1;
+  for (const Contestant& contestant : contest.contestants) {
+    const std::string name =
+        contest.operation + "/" + contestant.name + "/" + std::to_string(records);
+    benchmark::internal::Benchmark* registered = benchmark::RegisterBenchmark(
+        name.c_str(),
+        [run = contestant.run, records](benchmark::State& state) { run(state, dataOf(records)); });
+    registered->Repetitions(repetitions)->MinTime(secondsOfRepetition);
+    if (contest.clock == Clock::wall) {
+      registered->UseRealTime();
+    }
+  }
+}
+
+std::size_t heapInUse() {
+  const struct mallinfo2 info = mallinfo2();
+  return info.uordblks + info.hblkhd;
+}
+
+void countRecords(benchmark::State& state, std::size_t records) {
+  state.counters[recordsCounter] = static_cast<double>(records);
+}
+
+}  // namespace bench

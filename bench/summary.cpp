@@ -1,0 +1,91 @@
+#include "bench/summary.h"
+
+#include <algorithm>
+#include <cstdio>
+
+#include "bench/contest.h"
+
+namespace bench {
+namespace {
+
+void lower(double& figure, double candidate) {
+  if (figure < 0 || candidate < figure) {
+    figure = candidate;
+  }
+}
+
+}  // namespace
+
+bool SummaryReporter::ReportContext(const Context& context) {
+  PrintBasicContext(&GetErrorStream(), context);
+  return true;
+}
+
+SummaryReporter::Figures& SummaryReporter::figuresOf(const std::string& benchmarkName) {
+  const std::size_t afterOperation = benchmarkName.find('/');
+  const std::size_t afterContestant = benchmarkName.find('/', afterOperation + 1);
+  const std::string operation = benchmarkName.substr(0, afterOperation);
+  const std::string contestant =
+      benchmarkName.substr(afterOperation + 1, afterContestant - afterOperation - 1);
+  const std::string records = benchmarkName.substr(afterContestant + 1);
+  auto row = std::ranges::find_if(rows_, [&](const Row& candidate) {
+    return candidate.operation == operation && candidate.records == records;
+  });
+  if (row == rows_.end()) {
+    row = rows_.insert(row, {operation, records, {}});
+  }
+  auto figures = std::ranges::find(row->contestants, contestant, &Figures::contestant);
+  if (figures == row->contestants.end()) {
+    figures = row->contestants.insert(figures, {.contestant = contestant});
+  }
+  return *figures;
+}
+
+void SummaryReporter::ReportRuns(const std::vector<Run>& runs) {
+  for (const Run& run : runs) {
+    if (run.run_type != Run::RT_Iteration) {
+      continue;
+    }
+    std::fprintf(stderr, "%s\n", run.benchmark_name().c_str());
+    Figures& figures = figuresOf(run.run_name.function_name);
+    const double records = run.counters.at(recordsCounter);
+    const bool wall = run.run_name.time_type == "real_time";
+    lower(figures.nanoseconds,
+          (wall ? run.GetAdjustedRealTime() : run.GetAdjustedCPUTime()) / records);
+    if (const auto heap = run.counters.find(heapCounter); heap != run.counters.end()) {
+      lower(figures.heapBytes, heap->second / records);
+    }
+    if (const auto file = run.counters.find(fileCounter); file != run.counters.end()) {
+      lower(figures.fileBytes, file->second / records);
+    }
+  }
+}
+
+void SummaryReporter::printRow(const Row& row, const char* what, double Figures::*figure) {
+  const double reference = row.contestants.front().*figure;
+  if (reference < 0) {
+    return;
+  }
+  std::printf("%-24s %9s  %-12s %10.2f", row.operation.c_str(), row.records.c_str(), what,
+              reference);
+  for (std::size_t i = 1; i < row.contestants.size(); ++i) {
+    const Figures& rival = row.contestants[i];
+    if (rival.*figure >= 0) {
+      std::printf("  %15s %10.2f %7.2f", rival.contestant.c_str(), rival.*figure,
+                  rival.*figure / reference);
+    }
+  }
+  std::printf("\n");
+}
+
+void SummaryReporter::Finalize() {
+  std::printf("%-24s %9s  %-12s %10s  %s\n", "operation", "records", "per record", ours,
+              "each rival: its figure, and its figure divided by ours");
+  for (const Row& row : rows_) {
+    printRow(row, "ns", &Figures::nanoseconds);
+    printRow(row, "memory bytes", &Figures::heapBytes);
+    printRow(row, "file bytes", &Figures::fileBytes);
+  }
+}
+
+}  // namespace bench

@@ -1,0 +1,43 @@
+// Turns the measurements into one table: operation, records, our time of a record, each rival's and
+// its ratio to ours; the same for memory and file bytes of a record.
+#ifndef ZTB_BENCH_SUMMARY_H_
+#define ZTB_BENCH_SUMMARY_H_
+
+#include <benchmark/benchmark.h>
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace bench {
+
+// Takes the best of a benchmark's repetitions: the machine can only add to the time of the work.
+class SummaryReporter final : public benchmark::BenchmarkReporter {
+ public:
+  bool ReportContext(const Context& context) override;
+  void ReportRuns(const std::vector<Run>& runs) override;
+  void Finalize() override;
+
+ private:
+  // What was measured of one contestant, per record; a negative figure is none.
+  struct Figures {
+    std::string contestant;
+    double nanoseconds = -1;
+    double heapBytes = -1;
+    double fileBytes = -1;
+  };
+  struct Row {
+    std::string operation;
+    std::string records;
+    std::vector<Figures> contestants;
+  };
+
+  Figures& figuresOf(const std::string& benchmarkName);
+  void printRow(const Row& row, const char* what, double Figures::*figure);
+
+  std::vector<Row> rows_;
+};
+
+}  // namespace bench
+
+#endif  // ZTB_BENCH_SUMMARY_H_
