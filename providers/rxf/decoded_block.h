@@ -5,10 +5,10 @@
 #ifndef ZTB_PROVIDERS_RXF_DECODED_BLOCK_H_
 #define ZTB_PROVIDERS_RXF_DECODED_BLOCK_H_
 
-#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 
 #include "providers/rxf/arena.h"
 #include "providers/rxf/bytes.h"
@@ -19,36 +19,42 @@
 
 namespace rxffile {
 
+using ValuePiece = std::array<double, kPieceRecords>;
+
 class DecodedBlock {
  public:
   // Room for a body of `length` bytes, to be filled before parse().
   std::uint8_t* body(std::size_t length) {
-    body_.resize(std::max(body_.size(), length));
+    if (length > room_) {
+      body_ = std::make_unique_for_overwrite<std::uint8_t[]>(length);
+      room_ = length;
+    }
     length_ = length;
-    return body_.data();
+    return body_.get();
   }
 
-  // Verifies the body of a block of `count` records of this shape. Throws Malformed.
+  // Verifies the body of a block of `count` records of this shape. Throws Malformed. `scratch` is
+  // overwritten.
   void parse(std::uint32_t count, int dim, int slots, std::uint32_t labelCount,
-             Decompressor& decompressor);
+             Decompressor& decompressor, KeyPiece& scratch);
 
   // Back to the first record.
   void rewind();
 
-  // Decodes the next records, as many as are left but at most kPieceRecords, and returns how many.
-  // `rows` gets dim keys a record, `changed` the first changed position (see KeyDecoder), values[s]
-  // the values of slot s. REQUIRES: parse() and rewind() before.
-  std::size_t next(const SpecialTable& specials, std::int32_t* rows, std::uint8_t* changed,
-                   const std::array<double*, kMaxSlots>& values);
+  // Decodes the next records, as many as are left but at most kPieceRecords, and returns how many;
+  // values[s] gets the values of slot s. REQUIRES: parse() and rewind() before.
+  std::size_t next(const SpecialTable& specials, KeyPiece& keys,
+                   std::array<ValuePiece, kMaxSlots>& values);
 
   [[nodiscard]] std::uint32_t count() const { return count_; }
   [[nodiscard]] const KeyDecoder& keys() const { return keys_; }
 
   // Bytes of memory held.
-  [[nodiscard]] std::size_t held() const { return body_.capacity() + arena_.held(); }
+  [[nodiscard]] std::size_t held() const { return room_ + arena_.held(); }
 
  private:
-  Bytes body_;
+  std::unique_ptr<std::uint8_t[]> body_;
+  std::size_t room_ = 0;
   std::size_t length_ = 0;
   Arena arena_;
   std::uint32_t count_ = 0;

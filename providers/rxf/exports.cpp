@@ -187,6 +187,7 @@ RXF_EXPORT int C__rxfDataReadRawStart(void* rxf, int symbolNumber, int* recordCo
 }
 
 RXF_EXPORT int C__rxfDataReadRaw(void* rxf, int* keys, double* values, int* firstChanged) {
+  if (keys == nullptr || values == nullptr || firstChanged == nullptr) return 0;
   return guarded(rxf, [&](RxfObject& o) { return o.read(keys, values, firstChanged); });
 }
 

@@ -7,6 +7,13 @@
 
 namespace rxffile {
 
+namespace {
+
+// Records that are looked at together to see whether only the last position moves.
+constexpr std::size_t kGroup = 8;
+
+}  // namespace
+
 void KeyEncoder::encode(const RecordBlock& block, Compressor& compressor, Bytes& out) {
   numbers_.resize(std::max<std::size_t>(numbers_.size(), block.count()));
   plane_.resize(numbers_.size());
@@ -44,143 +51,154 @@ void KeyEncoder::encodeColumn(const RecordBlock& block, int j, Compressor& compr
 }
 
 void KeyDecoder::parse(ByteReader& in, std::uint32_t count, int dim, std::uint32_t labelCount,
-                       Decompressor& decompressor, Arena& arena) {
+                       Decompressor& decompressor, Arena& arena, KeyPiece& scratch) {
   count_ = count;
-  dim_ = dim;
-  if (numbers_.size() < static_cast<std::size_t>(dim)) {
-    numbers_.resize(static_cast<std::size_t>(dim));
-  }
-  for (int j = 0; j < dim; ++j) parseColumn(in, j, labelCount, decompressor, arena);
-  verify(labelCount);
+  dim_ = static_cast<std::size_t>(dim);
+  if (numbers_.size() < dim_) numbers_.resize(dim_);
+  for (std::size_t j = 0; j < dim_; ++j) parseColumn(in, j, labelCount, decompressor, arena);
+  verify(labelCount, scratch);
 }
 
-void KeyDecoder::parseColumn(ByteReader& in, int j, std::uint32_t labelCount,
+void KeyDecoder::parseColumn(ByteReader& in, std::size_t j, std::uint32_t labelCount,
                              Decompressor& decompressor, Arena& arena) {
-  Column& column = columns_[static_cast<unsigned>(j)];
-  const auto first = in.number<std::uint32_t>();
-  first_[static_cast<unsigned>(j)] = first;
+  Column& column = columns_[j];
+  first_[j] = in.number<std::uint32_t>();
   column.base = in.number<std::uint32_t>();
   column.width = in.number<std::uint8_t>();
   column.constant = 0;
-  if (first == 0 || first > labelCount || column.base > labelCount || column.width > 4) {
+  if (first_[j] - 1 >= labelCount || column.base > labelCount ||
+      column.width > sizeof(std::uint32_t)) {
     throw Malformed(
-        DetailText("key column %d begins at %u with base %u and width %u, labels go "
+        DetailText("key column %zu has first key %u, base %u and width %u, labels go "
                    "to %u",
-                   j + 1, first, column.base, column.width, labelCount));
+                   j + 1, first_[j], column.base, column.width, labelCount));
   }
   if (column.width == 0) {
     column.constant = in.number<std::uint32_t>();
     if (column.constant > labelCount) {
-      throw Malformed(DetailText("key column %d grows by %u, labels go to %u", j + 1,
+      throw Malformed(DetailText("key column %zu grows by %u, labels go to %u", j + 1,
                                  column.constant, labelCount));
     }
   }
   for (unsigned byte = 0; byte < column.width; ++byte) {
-    column.planes[byte] = decodePlane(in, count_ - 1, decompressor, arena);
+    column.planes.at(byte) = decodePlane(in, count_ - 1, decompressor, arena);
   }
 }
 
-// Numbers within the labels cannot overflow a sum, so a key in range is also an ascending one.
-void KeyDecoder::verify(std::uint32_t labelCount) {
+void KeyDecoder::verify(std::uint32_t labelCount, KeyPiece& scratch) {
   if (dim_ == 0) {
     if (count_ != 1) throw Malformed(DetailText("scalar with %u records", count_));
     return;
   }
-  std::vector<std::int32_t> rows(kPieceRecords * static_cast<std::size_t>(dim_));
-  std::array<std::uint8_t, kPieceRecords> changed;
   rewind();
   while (at_ < count_) {
-    const std::uint32_t from = at_;
     const std::size_t count = std::min<std::size_t>(kPieceRecords, count_ - at_);
-    next(count, rows.data(), changed.data());
-    bool tooLarge = false;
-    for (std::size_t j = 0; j < static_cast<std::size_t>(dim_); ++j) {
-      if (columns_[j].width < 4) continue;
-      for (const std::uint32_t number : numbers_[j]) tooLarge |= number > labelCount;
-    }
-    const std::size_t keys = count * static_cast<std::size_t>(dim_);
-    for (std::size_t i = 0; i < keys; ++i) {
-      tooLarge |= static_cast<std::uint32_t>(rows[i]) - 1 >= labelCount;
-    }
-    if (tooLarge) {
-      throw Malformed(
-          DetailText("a key behind record %u is outside the labels 1 to %u", from, labelCount));
-    }
-    bool standing = false;
-    for (std::size_t i = 0; i < count; ++i) standing |= changed[i] == dim_;
-    if (standing) throw Malformed(DetailText("a record behind record %u stands twice", from));
+    next(count, scratch);
+    verifyPiece(count, labelCount, scratch);
   }
 }
 
-void KeyDecoder::rewind() {
-  at_ = 0;
+// Numbers within the labels cannot overflow a sum, so a key in range is also an ascending one.
+void KeyDecoder::verifyPiece(std::size_t count, std::uint32_t labelCount,
+                             const KeyPiece& piece) const {
+  // The first record of a block has no numbers.
+  const std::size_t numbers = at_ == count ? count - 1 : count;
+  std::uint32_t outside = 0;
+  for (std::size_t j = 0; j < dim_; ++j) {
+    const std::uint32_t* keys = piece.columns[j].data();
+    for (std::size_t i = 0; i < count; ++i) outside |= keys[i] - 1 >= labelCount ? 1U : 0U;
+    if (columns_[j].width < sizeof(std::uint32_t)) continue;
+    for (std::size_t i = 0; i < numbers; ++i) outside |= numbers_[j][i] > labelCount ? 1U : 0U;
+  }
+  if (outside != 0) {
+    throw Malformed(DetailText("a key in records %zu to %u is outside the labels 1 to %u",
+                               at_ - count + 1, at_, labelCount));
+  }
+  const std::uint32_t* last = numbers_[dim_ - 1].data();
+  std::uint32_t standing = 0;
+  for (std::size_t i = 0; i < numbers; ++i) standing |= (upper_[i] | last[i]) == 0 ? 1U : 0U;
+  if (standing != 0) {
+    throw Malformed(DetailText("one of the records %zu to %u stands twice", at_ - count + 1, at_));
+  }
 }
 
-void KeyDecoder::next(std::size_t count, std::int32_t* rows, std::uint8_t* changed) {
+void KeyDecoder::next(std::size_t count, KeyPiece& piece) {
+  std::size_t at = 0;
   if (at_ == 0) {
     previous_ = first_;
-    std::copy_n(first_.begin(), dim_, rows);
-    changed[0] = 0;
-    rows += dim_;
-    ++changed;
-    --count;
-    ++at_;
+    for (std::size_t j = 0; j < dim_; ++j) piece.columns[j][0] = first_[j];
+    piece.firstChanged[0] = 0;
+    at = 1;
   }
-  for (std::size_t j = 0; j < static_cast<std::size_t>(dim_); ++j) {
+  const std::size_t numbers = count - at;
+  readNumbers(numbers);
+  std::size_t i = 0;
+  while (i < numbers) {
+    // In long rows only the last position moves.
+    std::uint32_t upper = 1;
+    if (i + kGroup <= numbers) {
+      upper = 0;
+      for (std::size_t g = 0; g < kGroup; ++g) upper |= upper_[i + g];
+    }
+    if (upper == 0) {
+      decodeLastOnly(i, at + i, piece);
+      i += kGroup;
+    } else {
+      const std::size_t end = std::min(i + kGroup, numbers);
+      for (; i < end; ++i) decodeOne(i, at + i, piece);
+    }
+  }
+  at_ += static_cast<std::uint32_t>(count);
+}
+
+void KeyDecoder::readNumbers(std::size_t count) {
+  if (dim_ == 0) return;
+  for (std::size_t j = 0; j < dim_; ++j) {
     const Column& column = columns_[j];
     if (column.width == 0) {
       std::fill_n(numbers_[j].begin(), count, column.constant);
     } else {
-      joinPlanes(column.planes.data(), column.width, at_ - 1, count, numbers_[j].data());
+      joinPlanes(column.planes.data(), column.width, at_ == 0 ? 0 : at_ - 1, count,
+                 numbers_[j].data());
     }
-    std::fill(numbers_[j].begin() + static_cast<std::ptrdiff_t>(count), numbers_[j].end(), 0U);
   }
-  decode(count, rows, changed);
-  at_ += static_cast<std::uint32_t>(count);
-}
-
-void KeyDecoder::decode(std::size_t count, std::int32_t* rows, std::uint8_t* changed) {
-  switch (dim_) {
-    case 1:
-      return decodeFixed<1>(count, rows, changed);
-    case 2:
-      return decodeFixed<2>(count, rows, changed);
-    case 3:
-      return decodeFixed<3>(count, rows, changed);
-    case 4:
-      return decodeFixed<4>(count, rows, changed);
-    default:
-      return decodeFixed<0>(count, rows, changed);
+  std::fill_n(upper_.begin(), count, 0U);
+  for (std::size_t j = 0; j + 1 < dim_; ++j) {
+    const std::uint32_t* numbers = numbers_[j].data();
+    for (std::size_t i = 0; i < count; ++i) upper_[i] |= numbers[i];
   }
 }
 
-// With kDim 0 the dimension is only known at run time.
-template <int kDim>
-void KeyDecoder::decodeFixed(std::size_t count, std::int32_t* rows, std::uint8_t* changed) {
-  constexpr std::size_t room = kDim == 0 ? kMaxDimension : kDim;
-  const std::size_t dim = kDim == 0 ? static_cast<std::size_t>(dim_) : kDim;
-  std::array<std::uint32_t, room> previous;
-  std::array<std::uint32_t, room> base;
-  std::array<const std::uint32_t*, room> numbers;
-  for (std::size_t j = 0; j < dim; ++j) {
-    previous[j] = previous_[j];
-    base[j] = columns_[j].base;
-    numbers[j] = numbers_[j].data();
+void KeyDecoder::decodeOne(std::size_t number, std::size_t at, KeyPiece& piece) {
+  std::uint32_t open = 0;  // all ones right of the first changed position
+  unsigned first = 0;
+  for (std::size_t j = 0; j < dim_; ++j) {
+    const std::uint32_t add = numbers_[j][number];
+    const std::uint32_t key = (previous_[j] & ~open) + (columns_[j].base & open) + add;
+    previous_[j] = key;
+    piece.columns[j][at] = key;
+    open |= add != 0 ? ~0U : 0U;
+    first += 1 + open;
   }
-  for (std::size_t i = 0; i < count; ++i) {
-    std::uint32_t open = 0;  // all ones right of the first changed position
-    unsigned first = 0;
-    for (std::size_t j = 0; j < dim; ++j) {
-      const std::uint32_t number = numbers[j][i];
-      previous[j] = (previous[j] & ~open) + (base[j] & open) + number;
-      rows[j] = static_cast<std::int32_t>(previous[j]);
-      open |= number != 0 ? ~0U : 0U;
-      first += 1 + open;
-    }
-    changed[i] = static_cast<std::uint8_t>(first);
-    rows += dim;
+  piece.firstChanged[at] = static_cast<std::uint8_t>(first);
+}
+
+// A whole group of records that differ from one another in the last position alone.
+void KeyDecoder::decodeLastOnly(std::size_t number, std::size_t at, KeyPiece& piece) {
+  const std::size_t last = dim_ - 1;
+  for (std::size_t j = 0; j < last; ++j) {
+    std::fill_n(piece.columns[j].begin() + static_cast<std::ptrdiff_t>(at), kGroup, previous_[j]);
   }
-  std::copy_n(previous.begin(), dim, previous_.begin());
+  std::uint32_t key = previous_[last];
+  const std::uint32_t* numbers = numbers_[last].data() + number;
+  std::uint32_t* keys = piece.columns[last].data() + at;
+  for (std::size_t g = 0; g < kGroup; ++g) {
+    key += numbers[g];
+    keys[g] = key;
+  }
+  previous_[last] = key;
+  std::fill_n(piece.firstChanged.begin() + static_cast<std::ptrdiff_t>(at), kGroup,
+              static_cast<std::uint8_t>(last));
 }
 
 }  // namespace rxffile

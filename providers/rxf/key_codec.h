@@ -24,6 +24,16 @@ namespace rxffile {
 // Records are decoded in pieces of this many, which stay in the nearest cache.
 inline constexpr std::size_t kPieceRecords = 1024;
 
+// The keys of a piece by columns, and of every record the first position, from 0, that differs from
+// the record before.
+struct KeyPiece {
+  // Columns a power of two apart would compete for the same lines of the processor's cache.
+  static constexpr std::size_t kStride = kPieceRecords + 16;
+
+  std::array<std::array<std::uint32_t, kStride>, kMaxDimension> columns;
+  std::array<std::uint8_t, kPieceRecords> firstChanged;
+};
+
 class KeyEncoder {
  public:
   // Appends the keys of a block that is not empty.
@@ -40,17 +50,17 @@ class KeyDecoder {
  public:
   // Takes the keys of `count` (at least 1) records from `in` and verifies them: afterwards every
   // key is in 1..labelCount and the records ascend. Throws Malformed. `arena` and the input are to
-  // stay as long as the decoder is used.
+  // stay as long as the decoder is used; `scratch` is overwritten.
   void parse(ByteReader& in, std::uint32_t count, int dim, std::uint32_t labelCount,
-             Decompressor& decompressor, Arena& arena);
+             Decompressor& decompressor, Arena& arena, KeyPiece& scratch);
 
   // Back to the first record.
-  void rewind();
+  void rewind() { at_ = 0; }
 
-  // Decodes the next `count` records, at most kPieceRecords and at most what is left: `rows` gets
-  // dim keys a record, `changed` the first position that differs from the record before (0 for the
-  // first record of the block). REQUIRES: parse() and rewind() before.
-  void next(std::size_t count, std::int32_t* rows, std::uint8_t* changed);
+  // Decodes the next `count` records, at least 1, at most kPieceRecords and at most what is left.
+  // The first record of the block counts as changed at position 0. REQUIRES: parse() and rewind()
+  // before.
+  void next(std::size_t count, KeyPiece& piece);
 
   // Keys of the first record. REQUIRES: parse().
   [[nodiscard]] const std::uint32_t* firstKeys() const { return first_.data(); }
@@ -67,20 +77,23 @@ class KeyDecoder {
   };
   using Numbers = std::array<std::uint32_t, kPieceRecords>;
 
-  void parseColumn(ByteReader& in, int j, std::uint32_t labelCount, Decompressor& decompressor,
-                   Arena& arena);
-  void verify(std::uint32_t labelCount);
-  void decode(std::size_t count, std::int32_t* rows, std::uint8_t* changed);
-  template <int kDim>
-  void decodeFixed(std::size_t count, std::int32_t* rows, std::uint8_t* changed);
+  void parseColumn(ByteReader& in, std::size_t j, std::uint32_t labelCount,
+                   Decompressor& decompressor, Arena& arena);
+  void verify(std::uint32_t labelCount, KeyPiece& scratch);
+  void verifyPiece(std::size_t count, std::uint32_t labelCount, const KeyPiece& piece) const;
+  void readNumbers(std::size_t count);
+  void decodeOne(std::size_t number, std::size_t at, KeyPiece& piece);
+  void decodeLastOnly(std::size_t number, std::size_t at, KeyPiece& piece);
 
-  int dim_ = 0;
+  std::size_t dim_ = 0;
   std::uint32_t count_ = 0;
   std::uint32_t at_ = 0;
   std::array<Column, kMaxDimension> columns_;
   std::array<std::uint32_t, kMaxDimension> first_{};
   std::array<std::uint32_t, kMaxDimension> previous_{};
+  // Numbers of the piece under way, by columns, and all but the last column's put together.
   std::vector<Numbers> numbers_;
+  Numbers upper_{};
 };
 
 }  // namespace rxffile

@@ -26,8 +26,7 @@ std::uint32_t RecordStream::start(const SymbolEntry& entry, std::uint32_t number
   labelCount_ = labelCount;
   specials_ = specials;
   dim_ = static_cast<std::size_t>(entry.dim);
-  slots_ = static_cast<std::size_t>(slotsOfType(entry.type));
-  rows_.resize(std::max(rows_.size(), kPieceRecords * dim_));
+  piece_.shape(dim_, static_cast<std::size_t>(slotsOfType(entry.type)));
   entry_ = &entry;
   return verifyBlocks();
 }
@@ -43,8 +42,7 @@ void RecordStream::stop() {
   nextDamaged_ = 0;
   nextOffset_ = 0;
   first_ = true;
-  at_ = 0;
-  ready_ = 0;
+  piece_.fill(0);
 }
 
 std::uint32_t RecordStream::verifyBlocks() {
@@ -115,34 +113,33 @@ void RecordStream::loadBlock(std::uint32_t index, std::uint64_t& offset, Decoded
   std::uint8_t* body = block.body(head.bodyLength);
   file_.read(bodyAt, body, head.bodyLength);
   head.verifyBody(body);
-  block.parse(head.count, entry_->dim, slotsOfType(entry_->type), labelCount_, decompressor_);
+  block.parse(head.count, entry_->dim, slotsOfType(entry_->type), labelCount_, decompressor_,
+              piece_.keys());
 }
 
-bool RecordStream::decodePiece() {
-  at_ = 0;
-  ready_ = 0;
+bool RecordStream::refill() {
+  piece_.fill(0);
   if (entry_ == nullptr) return false;
-  std::array<double*, kMaxSlots> values{};
-  for (std::size_t s = 0; s < kMaxSlots; ++s) values[s] = columns_[s].data();
   std::size_t count = 0;
   while (current_ == nullptr ||
-         (count = current_->next(specials_, rows_.data(), changed_.data(), values)) == 0) {
+         (count = current_->next(specials_, piece_.keys(), piece_.values())) == 0) {
     if (!nextBlock()) return false;
   }
   joinToPrevious(count);
-  ready_ = count;
+  piece_.fill(count);
   return true;
 }
 
 // The first record of a block does not know the record before it.
 void RecordStream::joinToPrevious(std::size_t count) {
+  KeyPiece& keys = piece_.keys();
   if (!first_) {
-    const auto [mine, theirs] = std::mismatch(
-        rows_.begin(), rows_.begin() + static_cast<std::ptrdiff_t>(dim_), last_.begin());
-    changed_[0] = static_cast<std::uint8_t>(mine - rows_.begin());
+    std::size_t changed = 0;
+    while (changed < dim_ && keys.columns[changed][0] == last_[changed]) ++changed;
+    keys.firstChanged[0] = static_cast<std::uint8_t>(changed);
   }
   first_ = false;
-  std::copy_n(rows_.begin() + static_cast<std::ptrdiff_t>((count - 1) * dim_), dim_, last_.begin());
+  for (std::size_t j = 0; j < dim_; ++j) last_[j] = keys.columns[j][count - 1];
 }
 
 bool RecordStream::nextBlock() {

@@ -9,7 +9,6 @@
 
 #include <array>
 #include <cstdint>
-#include <cstring>
 #include <memory>
 #include <string>
 #include <vector>
@@ -17,6 +16,7 @@
 #include "providers/rxf/decoded_block.h"
 #include "providers/rxf/error_log.h"
 #include "providers/rxf/input_file.h"
+#include "providers/rxf/record_piece.h"
 #include "providers/rxf/special_table.h"
 #include "providers/rxf/symbol_entry.h"
 #include "providers/rxf/zstd_codec.h"
@@ -32,22 +32,10 @@ class RecordStream {
   std::uint32_t start(const SymbolEntry& entry, std::uint32_t number, std::string_view name,
                       std::uint32_t labelCount, const SpecialTable& specials);
 
-  // Delivers the next record: dim keys, 1 or 5 values and the first position, from 1, that differs
-  // from the record before (1 for the first record, 0 for a scalar). False, with nothing written,
-  // when there is none. Null arguments are left out.
-  bool next(int* keys, double* values, int* firstChanged) {
-    if (at_ == ready_) [[unlikely]] {
-      if (!decodePiece()) return false;
-    }
-    if (keys != nullptr) copyKeys(keys);
-    if (values != nullptr) {
-      values[0] = columns_[0][at_];
-      for (std::size_t s = 1; s < slots_; ++s) values[s] = columns_[s][at_];
-    }
-    if (firstChanged != nullptr) *firstChanged = changed_[at_] + (dim_ != 0 ? 1 : 0);
-    ++at_;
-    return true;
-  }
+  // The records that wait for delivery. When they are used up, refill() brings the next ones; false
+  // when there are none.
+  RecordPiece& piece() { return piece_; }
+  bool refill();
 
   // Ends delivery.
   void stop();
@@ -55,29 +43,6 @@ class RecordStream {
   [[nodiscard]] bool open() const { return entry_ != nullptr; }
 
  private:
-  using Piece = std::array<double, kPieceRecords>;
-
-  void copyKeys(int* keys) const {
-    const std::int32_t* row = rows_.data() + at_ * dim_;
-    switch (dim_) {
-      case 1:
-        keys[0] = row[0];
-        break;
-      case 2:
-        std::memcpy(keys, row, 2 * sizeof(int));
-        break;
-      case 3:
-        std::memcpy(keys, row, 3 * sizeof(int));
-        break;
-      case 4:
-        std::memcpy(keys, row, 4 * sizeof(int));
-        break;
-      default:
-        std::memcpy(keys, row, dim_ * sizeof(int));
-    }
-  }
-
-  bool decodePiece();
   bool nextBlock();
   std::uint32_t verifyBlocks();
   void loadBlock(std::uint32_t index, std::uint64_t& offset, DecodedBlock& block);
@@ -95,7 +60,6 @@ class RecordStream {
   std::uint32_t labelCount_ = 0;
   SpecialTable specials_;
   std::size_t dim_ = 0;
-  std::size_t slots_ = 1;
 
   // Blocks verified and kept: the first kept_ whole ones.
   std::vector<std::unique_ptr<DecodedBlock>> blocks_;
@@ -110,14 +74,9 @@ class RecordStream {
   std::size_t nextDamaged_ = 0;
   std::uint64_t nextOffset_ = 0;
   bool first_ = true;
-  std::array<std::int32_t, kMaxDimension> last_{};
+  std::array<std::uint32_t, kMaxDimension> last_{};
 
-  // The piece that is decoded.
-  std::size_t at_ = 0;
-  std::size_t ready_ = 0;
-  std::vector<std::int32_t> rows_;
-  std::array<std::uint8_t, kPieceRecords> changed_{};
-  std::array<Piece, kMaxSlots> columns_;
+  RecordPiece piece_;
 };
 
 }  // namespace rxffile

@@ -62,8 +62,10 @@ int RxfObject::openGuarded(const char* fileName, const Open& open) {
 }
 
 int RxfObject::openRead(const char* fileName) {
-  return openGuarded(fileName,
-                     [&] { reader_ = std::make_unique<RxfReader>(calls_, fileName, log_); });
+  return openGuarded(fileName, [&] {
+    reader_ = std::make_unique<RxfReader>(calls_, fileName, log_);
+    piece_ = &reader_->stream().piece();
+  });
 }
 
 int RxfObject::openWrite(const char* fileName, const char* producer) {
@@ -78,6 +80,7 @@ int RxfObject::recordOpening(ErrorNumber number, const DetailText& detail) {
 }
 
 int RxfObject::close() {
+  piece_ = nullptr;
   reader_.reset();
   if (writer_ == nullptr) return 0;
   const std::unique_ptr<RxfWriter> writer = std::move(writer_);
@@ -219,6 +222,12 @@ int RxfObject::startReading(int number, bool& started) {
       stream.start(entry, index, name, reader_->labels().size(), readSpecials_);
   started = true;
   return static_cast<int>(count);
+}
+
+bool RxfObject::readOn(int* keys, double* values, int* firstChanged) {
+  if (!reading("reading a record")) return false;
+  if (!reader_->stream().open()) return recordOrder("reading a record without a start");
+  return reader_->stream().refill() && piece_->take(keys, values, firstChanged);
 }
 
 bool RxfObject::finishReading() {

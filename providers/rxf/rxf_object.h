@@ -52,11 +52,12 @@ class RxfObject {
 
   // Begins with a symbol and returns how many records read() will deliver.
   int startReading(int number, bool& started);
+  // Delivers the next record (see RecordPiece). False, with nothing written, when there is none.
+  // REQUIRES: no argument is null.
   bool read(int* keys, double* values, int* firstChanged) {
-    if (reader_ == nullptr || !reader_->stream().open()) [[unlikely]] {
-      return recordOrder("reading a record");
-    }
-    return reader_->stream().next(keys, values, firstChanged);
+    if (piece_ != nullptr && piece_->take(keys, values, firstChanged)) [[likely]]
+      return true;
+    return readOn(keys, values, firstChanged);
   }
   bool finishReading();
 
@@ -81,6 +82,7 @@ class RxfObject {
   void takeException() noexcept;
 
  private:
+  bool readOn(int* keys, double* values, int* firstChanged);
   bool reading(const char* what);
   bool writing(const char* what);
   bool recordOrder(const char* what);
@@ -89,6 +91,8 @@ class RxfObject {
   template <typename Open>
   int openGuarded(const char* fileName, const Open& open);
 
+  // The records that wait in the reader's stream; null without a reader.
+  RecordPiece* piece_ = nullptr;
   SystemCalls& calls_;
   ErrorLog log_;
   SpecialTable writeSpecials_;
