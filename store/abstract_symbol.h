@@ -87,6 +87,8 @@ class AbstractZTBSymbol {
   // Removes the record; the handle then stands on the one behind it. Throws std::logic_error when
   // the handle stands on no record.
   virtual void eraseRecord(AbstractZTBSymbolIterator& record) = 0;
+  // Inserts all records of a symbol on another store into this one, which is new.
+  virtual void takeRecords(AbstractZTBSymbol& source) = 0;
   // Appends all records of another symbol; those that are here stay.
   virtual void assignRecords(AbstractZTBSymbol& other) = 0;
 

@@ -7,9 +7,14 @@
 namespace ztb::dmap {
 
 DMap::DMap(int dim, int type) : dim_(dim), type_(type) {
-  if (inMapFamily(dim_)) {
-    map_ = visitMapFamily(dim_, type_,
-                          [](auto member) -> void* { return new typename decltype(member)::Map; });
+  if (dim_ == 0) {
+    end_ = scalarValues_ + 1;
+  } else if (inMapFamily(dim_)) {
+    visitMapFamily(dim_, type_, [this](auto member) {
+      auto* map = new typename decltype(member)::Map;
+      map_ = map;
+      end_ = member.untyped(map->end());
+    });
   }
 }
 
@@ -125,17 +130,6 @@ DMapIterator DMap::begin() {
   }
   return at(visitMapFamily(
       dim_, type_, [this](auto member) { return member.untyped(member.map(map_).begin()); }));
-}
-
-DMapIterator DMap::end() {
-  if (dim_ == 0) {
-    return at(scalarValues_ + 1);
-  }
-  if (map_ == nullptr) {
-    return {};
-  }
-  return at(visitMapFamily(dim_, type_,
-                           [this](auto member) { return member.untyped(member.map(map_).end()); }));
 }
 
 void DMap::clear() {

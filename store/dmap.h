@@ -33,7 +33,7 @@ class DMap final : public IDMap<DMapIterator> {
   DMapIterator lowerBound(const int* keys) override;
   DMapIterator find(const int* keys) override;
   DMapIterator begin() override;
-  DMapIterator end() override;
+  DMapIterator end() override { return end_ == nullptr ? DMapIterator() : at(end_); }
   void clear() override;
   int indexOf(const DMapIterator& position) override;
   DMapIterator iteratorAt(int index) override;
@@ -41,6 +41,11 @@ class DMap final : public IDMap<DMapIterator> {
   void reserve(int records) override;
 
   [[nodiscard]] StorageKind kind() const { return StorageKind::dMap; }
+  [[nodiscard]] bool isEnd(const DMapIterator& position) { return end().equals(position); }
+  // Whether a key whose lower bound this is sorts behind all records.
+  [[nodiscard]] bool isEndBound(const DMapIterator& bound, const int* /*keys*/) {
+    return isEnd(bound);
+  }
 
  private:
   DMapIterator at(void* position) const { return {dim_, type_, position}; }
@@ -49,6 +54,7 @@ class DMap final : public IDMap<DMapIterator> {
   int dim_;
   int type_;
   void* map_ = nullptr;
+  void* end_ = nullptr;  // a map's end never moves; null where there is no map and no scalar
   double scalarValues_[maxSlots] = {};
   bool scalarSet_ = false;
 };

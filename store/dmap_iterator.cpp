@@ -36,9 +36,4 @@ RecordView DMapIterator::get() const {
   });
 }
 
-bool DMapIterator::equals(const IDMapIterator& other) const {
-  const auto& right = static_cast<const DMapIterator&>(other);
-  return dim() == right.dim() && type() == right.type() && position_ == right.position_;
-}
-
 }  // namespace ztb::dmap

@@ -22,7 +22,10 @@ class DMapIterator final : public BaseDMapIterator {
   // On a scalar `keys` and `values` are both the position.
   // REQUIRES: the iterator stands on a record.
   [[nodiscard]] RecordView get() const override;
-  [[nodiscard]] bool equals(const IDMapIterator& other) const override;
+  [[nodiscard]] bool equals(const IDMapIterator& other) const override {
+    const auto& right = static_cast<const DMapIterator&>(other);
+    return dim() == right.dim() && type() == right.type() && position_ == right.position_;
+  }
   [[nodiscard]] bool isNull() const override { return position_ == nullptr; }
 
   [[nodiscard]] void* position() const { return position_; }

@@ -27,11 +27,12 @@ constexpr int slotCount(int type) {
 }
 
 // Which store; also the code by which a caller chooses one. Callers may give any integer.
-enum class StorageKind : std::int32_t { dMap = 0 };
+enum class StorageKind : std::int32_t { dMap = 0, dMapVector = 1, dMapGTree = 2 };
 
-// A record as an iterator sees it. `keys` is not to be read when `dim` is 0. Both pointers are
-// borrowed from the store: a view does not outlive the next change to it. Writing through `values`
-// changes the record.
+// A record as an iterator sees it. `keys` is not to be read when `dim` is 0; `values` is null when
+// the iterator stands on no record and its store can tell. Both pointers are borrowed from the
+// store: a view does not outlive the next change to it. Writing through `values` changes the
+// record.
 struct RecordView {
   const int* keys = nullptr;
   double* values = nullptr;

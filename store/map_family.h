@@ -8,7 +8,6 @@
 #include <cstddef>
 #include <cstring>
 #include <map>
-#include <utility>
 
 #include "store/idmap.h"
 
@@ -54,21 +53,60 @@ constexpr bool inMapFamily(int dim) {
   return dim >= 1 && dim <= maxDimension;
 }
 
-// Calls `visitor(MapMember<dim, slots>{})` and hands its result on.
+template <std::size_t slots, class Visitor>
+decltype(auto) visitDimension(int dim, Visitor& visitor) {
+  switch (dim) {
+    case 1:
+      return visitor(MapMember<1, slots>{});
+    case 2:
+      return visitor(MapMember<2, slots>{});
+    case 3:
+      return visitor(MapMember<3, slots>{});
+    case 4:
+      return visitor(MapMember<4, slots>{});
+    case 5:
+      return visitor(MapMember<5, slots>{});
+    case 6:
+      return visitor(MapMember<6, slots>{});
+    case 7:
+      return visitor(MapMember<7, slots>{});
+    case 8:
+      return visitor(MapMember<8, slots>{});
+    case 9:
+      return visitor(MapMember<9, slots>{});
+    case 10:
+      return visitor(MapMember<10, slots>{});
+    case 11:
+      return visitor(MapMember<11, slots>{});
+    case 12:
+      return visitor(MapMember<12, slots>{});
+    case 13:
+      return visitor(MapMember<13, slots>{});
+    case 14:
+      return visitor(MapMember<14, slots>{});
+    case 15:
+      return visitor(MapMember<15, slots>{});
+    case 16:
+      return visitor(MapMember<16, slots>{});
+    case 17:
+      return visitor(MapMember<17, slots>{});
+    case 18:
+      return visitor(MapMember<18, slots>{});
+    case 19:
+      return visitor(MapMember<19, slots>{});
+    default:
+      return visitor(MapMember<maxDimension, slots>{});
+  }
+}
+
+// Calls `visitor(MapMember<dim, slots>{})` and hands its result on. A switch, not a table of
+// functions: the compiler sees through it, and where the members' code doesn't differ, as in a step
+// from node to node, no choice is left at run time.
 // REQUIRES: inMapFamily(dim).
 template <class Visitor>
 decltype(auto) visitMapFamily(int dim, int type, Visitor&& visitor) {
-  using Result = decltype(visitor(MapMember<1, 1>{}));
-  using Call = Result (*)(Visitor&);
-  static constexpr auto calls = []<std::size_t... i>(std::index_sequence<i...>) {
-    return std::array<Call, sizeof...(i)>{[](Visitor& v) -> Result {
-      return v(MapMember < i / 2 + 1, i % 2 == 0 ? 1 : maxSlots > {});
-    }...};
-  }
-  (std::make_index_sequence<std::size_t{2} * maxDimension>{});
-  const std::size_t index =
-      (static_cast<std::size_t>(dim) - 1) * 2 + (slotCount(type) == 1 ? 0 : 1);
-  return calls[index](visitor);
+  return slotCount(type) == 1 ? visitDimension<1>(dim, visitor)
+                              : visitDimension<maxSlots>(dim, visitor);
 }
 
 }  // namespace ztb::dmap

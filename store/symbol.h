@@ -28,7 +28,7 @@ class ZTBSymbol final : public AbstractZTBSymbol {
   }
 
   bool isEndPosition(const dmap::IDMapIterator& position) override {
-    return store_.end().equals(position);
+    return store_.isEnd(static_cast<const Iterator&>(position));
   }
   bool isEnd(AbstractZTBSymbolIterator& record) override {
     return isEndPosition(record.storeIterator());
@@ -42,8 +42,8 @@ class ZTBSymbol final : public AbstractZTBSymbol {
   RecordHandle addRecord(const int* keys, const double* variableValues,
                          const double* equationValues) override {
     const Iterator bound = store_.lowerBound(keys);
-    if (bound.notEquals(store_.end())) {
-      const int* present = bound.get().keys;
+    if (!store_.isEndBound(bound, keys)) {
+      const int* present = dim == 0 ? nullptr : recordAt(bound).keys;
       if (!std::lexicographical_compare(keys, keys + dim, present, present + dim)) {
         return nullptr;
       }
@@ -106,7 +106,7 @@ class ZTBSymbol final : public AbstractZTBSymbol {
     Iterator position = store_.end();
     do {
       position.prev();
-      if (matchesMask(mask, position.get().keys, dim)) {
+      if (matchesMask(mask, recordAt(position).keys, dim)) {
         return handleOn(position, mask);
       }
     } while (position.notEquals(first));
@@ -152,7 +152,7 @@ class ZTBSymbol final : public AbstractZTBSymbol {
     auto& position = static_cast<Iterator&>(record.storeIterator());
     requireRecord(position);
     for (position.next(); !isEndPosition(position); position.next()) {
-      if (violatesDomain(position.get().keys)) {
+      if (violatesDomain(recordAt(position).keys)) {
         return true;
       }
     }
@@ -171,6 +171,12 @@ class ZTBSymbol final : public AbstractZTBSymbol {
     if (position.notEquals(behind)) {
       position = behind;
     }
+  }
+
+  void takeRecords(AbstractZTBSymbol& source) override {
+    source.forEachRecord(
+        [this](const int* keys, const double* values) { insertRecord(keys, values); });
+    lastPosition_ = store_.end();
   }
 
   void assignRecords(AbstractZTBSymbol& other) override {
@@ -199,6 +205,15 @@ class ZTBSymbol final : public AbstractZTBSymbol {
     return std::make_unique<ZTBSymbolIterator<Iterator>>(this, position, mask);
   }
 
+  // The record at a position; throws std::logic_error where the store has none.
+  dmap::RecordView recordAt(const Iterator& position) const {
+    const dmap::RecordView record = position.get();
+    if (record.values == nullptr) {
+      throw std::logic_error("the position stands on no record");
+    }
+    return record;
+  }
+
   void requireRecord(const Iterator& position) {
     if (position.isNull() || isEndPosition(position)) {
       throw std::logic_error("the record handle stands on no record");
@@ -212,7 +227,7 @@ class ZTBSymbol final : public AbstractZTBSymbol {
     const Iterator last = store_.end();
     if (!store_.empty()) {
       for (Iterator position = store_.begin(); position.notEquals(last); position.next()) {
-        if (!visit(position.get())) {
+        if (!visit(recordAt(position))) {
           return {false, position};
         }
       }

@@ -13,13 +13,19 @@ namespace ztb {
 std::unique_ptr<AbstractZTBSymbol> makeSymbol(dmap::StorageKind kind, ZTB* owner,
                                               SymbolDescription description);
 
+// The symbol rebuilt on another store, with all records in their order; the source stays as it is.
+// Its domains are not taken over and it stands for itself. Null for a kind that no store has, and
+// for the kind that the source has already.
+std::unique_ptr<AbstractZTBSymbol> convertSymbol(dmap::StorageKind kind, AbstractZTBSymbol& source);
+
 // A handle on a label of the universe; null for a kind that no store has.
 std::unique_ptr<AbstractZTBSymbolIterator> makeUniverseRecord(dmap::StorageKind kind,
                                                               AbstractZTBSymbol* universe,
                                                               int label);
 
 // A handle that walks the whole symbol from the place where `record` stands, or the universe from
-// its label. The kind must be that of the symbol's store; null for a kind that no store has.
+// its label. Null for a kind that no store has; throws std::logic_error when the symbol's store is
+// of another kind.
 std::unique_ptr<AbstractZTBSymbolIterator> copyRecordHandle(dmap::StorageKind kind,
                                                             AbstractZTBSymbolIterator& record);
 

@@ -77,7 +77,7 @@ class ZTBSymbolIterator final : public AbstractZTBSymbolIterator {
       return stepBackInSlice() ||
              failMove("First record reached in slice of symbol ", symbolName());
     }
-    position_.prev();
+    stepBack();
     return true;
   }
 
@@ -142,17 +142,30 @@ class ZTBSymbolIterator final : public AbstractZTBSymbolIterator {
  private:
   [[nodiscard]] const char* symbolName() const { return symbol_->name.c_str(); }
   [[nodiscard]] bool atEnd() const { return symbol_->isEndPosition(position_); }
-  [[nodiscard]] bool atBegin() const { return symbol_->isBegin(position_); }
+  [[nodiscard]] bool atBegin() const { return symbol_->isBegin(position_) || symbol_->isEmpty(); }
 
   [[nodiscard]] dmap::RecordView current() const {
-    if (position_.isNull() || atEnd()) {
-      throw std::logic_error("the record handle stands on no record");
+    if (mode_ == IterationMode::universe || position_.isNull() || atEnd()) {
+      throwNoRecord();
     }
-    return position_.get();
+    return recordHere();
+  }
+
+  // The record at the position, which is not at the end.
+  [[nodiscard]] dmap::RecordView recordHere() const {
+    const dmap::RecordView record = position_.get();
+    if (record.values == nullptr) {
+      throwNoRecord();
+    }
+    return record;
+  }
+
+  [[noreturn]] static void throwNoRecord() {
+    throw std::logic_error("the record handle stands on no record");
   }
 
   [[nodiscard]] bool inSlice() const {
-    return maskLength_ == 0 || matchesMask(sliceMask_.get(), position_.get().keys, maskLength_);
+    return maskLength_ == 0 || matchesMask(sliceMask_.get(), recordHere().keys, maskLength_);
   }
 
   // A handle stands at the end only after the symbol's last record was deleted through it; there
@@ -161,6 +174,13 @@ class ZTBSymbolIterator final : public AbstractZTBSymbolIterator {
     if (!atEnd()) {
       position_.next();
     }
+  }
+
+  // A store of rows can leave a handle more than one row behind its last record.
+  void stepBack() {
+    do {
+      position_.prev();
+    } while (atEnd());
   }
 
   // Steps on to the next record of the slice; without one the position stays.
@@ -180,7 +200,7 @@ class ZTBSymbolIterator final : public AbstractZTBSymbolIterator {
   bool stepBackInSlice() {
     const Iterator here = position_;
     do {
-      position_.prev();
+      stepBack();
       if (inSlice()) {
         return true;
       }

@@ -1,0 +1,139 @@
+#include "store/dmap_gtree.h"
+
+#include <algorithm>
+#include <iterator>
+#include <stdexcept>
+
+namespace ztb::dmap {
+
+DMapGTree::DMapGTree(int dim, int type) : dim_(dim), type_(type) {
+  if (dim_ >= 1 && dim_ <= maxDimension) {
+    tree_ = std::make_unique<gtree::GTree>(dim_, slotCount(type_));
+    end_ = at(gtree::endPath);
+  } else {
+    end_ = TreeIterator(scalarValues_ + 1);
+  }
+}
+
+TreeIterator DMapGTree::setScalar(const double* values) {
+  if (dim_ != 0) {
+    return TreeIterator(static_cast<double*>(nullptr));
+  }
+  std::copy_n(values, slotCount(type_), scalarValues_);
+  scalarSet_ = true;
+  return TreeIterator(scalarValues_);
+}
+
+TreeIterator DMapGTree::append(const int* keys, const double* values) {
+  if (tree_ == nullptr) {
+    return setScalar(values);
+  }
+  return at(tree_->insertSequential(keys, values));
+}
+
+TreeIterator DMapGTree::insert(const int* keys, const double* values) {
+  if (tree_ == nullptr) {
+    return setScalar(values);
+  }
+  return at(tree_->insertAnywhere(keys, values, nullptr));
+}
+
+TreeIterator DMapGTree::insertHint(const int* keys, const double* values,
+                                   const TreeIterator& /*hint*/) {
+  return insert(keys, values);
+}
+
+TreeIterator DMapGTree::insertOrAssign(const TreeIterator& /*hint*/, const int* keys,
+                                       const double* values) {
+  if (tree_ == nullptr) {
+    return insert(keys, values);
+  }
+  const TreeIterator bound = lowerBound(keys);
+  if (bound.equals(end_)) {
+    // A tree whose records were all erased keeps nodes but no last record to attach behind.
+    return tree_->hasNodes() && empty() ? insert(keys, values) : append(keys, values);
+  }
+  const RecordView present = bound.get();
+  if (present.values == nullptr) {
+    throw std::logic_error("the lower bound stands on no record");
+  }
+  std::copy_n(values, slotCount(type_), present.values);
+  return bound;
+}
+
+void DMapGTree::erase(const TreeIterator& position) {
+  if (tree_ == nullptr) {
+    scalarSet_ = false;
+    std::fill(std::begin(scalarValues_), std::end(scalarValues_), 0.0);
+  } else {
+    tree_->erase(position.path());
+  }
+}
+
+int DMapGTree::size() const {
+  if (tree_ == nullptr) {
+    return scalarSet_ ? 1 : 0;
+  }
+  return tree_->count();
+}
+
+bool DMapGTree::empty() const {
+  return size() == 0;
+}
+
+bool DMapGTree::isEnd(const TreeIterator& position) const {
+  return end_.equals(position);
+}
+
+bool DMapGTree::isEndBound(const TreeIterator& bound, const int* /*keys*/) const {
+  return bound.isDefault() || isEnd(bound);
+}
+
+TreeIterator DMapGTree::lowerBound(const int* keys) {
+  if (tree_ == nullptr || empty()) {
+    return end();
+  }
+  const auto [found, path] = tree_->lowerBoundPath(keys);
+  return found ? at(path) : TreeIterator();
+}
+
+TreeIterator DMapGTree::find(const int* keys) {
+  if (tree_ == nullptr) {
+    return scalarSet_ ? TreeIterator(scalarValues_) : end();
+  }
+  const auto [found, path] = tree_->findPath(keys, nullptr);
+  return found ? at(path) : end();
+}
+
+TreeIterator DMapGTree::begin() {
+  return tree_ == nullptr ? TreeIterator(scalarValues_) : at(tree_->begin());
+}
+
+TreeIterator DMapGTree::end() {
+  return end_;
+}
+
+void DMapGTree::clear() {
+  if (tree_ == nullptr) {
+    std::fill(std::begin(scalarValues_), std::end(scalarValues_), 0.0);
+  } else {
+    tree_->clear();
+  }
+}
+
+int DMapGTree::indexOf(const TreeIterator& position) {
+  return tree_ == nullptr ? static_cast<int>(position.scalar() - scalarValues_)
+                          : tree_->pathIndex(position.path());
+}
+
+TreeIterator DMapGTree::iteratorAt(int index) {
+  return tree_ == nullptr ? TreeIterator(scalarValues_ + index) : at(tree_->pathAt(index));
+}
+
+void DMapGTree::reserve(int records) {
+  if (tree_ != nullptr) {
+    tree_->setBlockCapacity(records);
+  }
+}
+
+}  // namespace ztb::dmap

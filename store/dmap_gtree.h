@@ -1,0 +1,68 @@
+// The trie as a record store, with the scalar record that the trie cannot hold beside it. Made for
+// sorted loading; random access walks sibling lists. The two ways in, `append` and `insert`, are
+// not to be mixed on a fresh store of two dimensions or more. A dimension outside 0 to 20 gives a
+// store that holds nothing: its ways in return the null iterator.
+#ifndef ZTB_STORE_DMAP_GTREE_H_
+#define ZTB_STORE_DMAP_GTREE_H_
+
+#include <memory>
+
+#include "store/gtree.h"
+#include "store/idmap.h"
+#include "store/tree_iterator.h"
+
+namespace ztb::dmap {
+
+class DMapGTree final : public IDMap<TreeIterator> {
+ public:
+  DMapGTree(int dim, int type);
+  ~DMapGTree() override = default;
+  DMapGTree(const DMapGTree&) = delete;
+  DMapGTree& operator=(const DMapGTree&) = delete;
+
+  // The last record's key again overwrites it; another key that is present keeps its record.
+  TreeIterator append(const int* keys, const double* values) override;
+  TreeIterator insert(const int* keys, const double* values) override;
+  // The hint is not used, here and in `insertOrAssign`.
+  TreeIterator insertHint(const int* keys, const double* values, const TreeIterator& hint) override;
+  // Overwrites the record where the lower bound stands, whatever its key. Throws
+  // std::bad_variant_access when there is no bound.
+  TreeIterator insertOrAssign(const TreeIterator& hint, const int* keys,
+                              const double* values) override;
+  void erase(const TreeIterator& position) override;
+  [[nodiscard]] int size() const override;
+  [[nodiscard]] bool empty() const override;
+  // A bound level by level; the default iterator where there is none, `end` of an empty store.
+  TreeIterator lowerBound(const int* keys) override;
+  TreeIterator find(const int* keys) override;
+  // On a scalar the inline values, whether there is a record or not. Of an empty tree of two
+  // dimensions or more not equal to `end`.
+  TreeIterator begin() override;
+  TreeIterator end() override;
+  // On a scalar zeroes the values and keeps the record; else forgets the nodes, see GTree::clear.
+  void clear() override;
+  // The record count for `end`.
+  int indexOf(const TreeIterator& position) override;
+  TreeIterator iteratorAt(int index) override;
+  void reserve(int records) override;
+
+  [[nodiscard]] StorageKind kind() const { return StorageKind::dMapGTree; }
+  [[nodiscard]] bool isEnd(const TreeIterator& position) const;
+  // Whether a key whose lower bound this is sorts behind all records of its branch.
+  [[nodiscard]] bool isEndBound(const TreeIterator& bound, const int* keys) const;
+
+ private:
+  TreeIterator at(const gtree::Path& path) { return {dim_, type_, tree_.get(), path}; }
+  TreeIterator setScalar(const double* values);
+
+  int dim_;
+  int type_;
+  std::unique_ptr<gtree::GTree> tree_;  // null without dimensions
+  double scalarValues_[maxSlots] = {};
+  bool scalarSet_ = false;
+  TreeIterator end_;
+};
+
+}  // namespace ztb::dmap
+
+#endif  // ZTB_STORE_DMAP_GTREE_H_

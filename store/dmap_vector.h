@@ -1,0 +1,86 @@
+// A store of two flat arrays, one of keys and one of value slots, with nothing else per record: for
+// data that arrives in key order.
+//
+// The store never sorts. Rows stand as they arrived; `insert` and `insertHint` place a key behind
+// the last row, before the first, or between a hint's row and the one before it, and throw
+// std::logic_error for a key that would have to go anywhere else. In every comparison a 0 on either
+// side matches anything.
+#ifndef ZTB_STORE_DMAP_VECTOR_H_
+#define ZTB_STORE_DMAP_VECTOR_H_
+
+#include <cstddef>
+#include <vector>
+
+#include "store/idmap.h"
+#include "store/vector_iterator.h"
+
+namespace ztb::dmap {
+
+class DMapVector final : public IDMap<VectorIterator> {
+ public:
+  DMapVector(int dim, int type);
+  ~DMapVector() override = default;
+  DMapVector(const DMapVector&) = delete;
+  DMapVector& operator=(const DMapVector&) = delete;
+
+  // A new last row, without any check. On a scalar, overwrites.
+  VectorIterator append(const int* keys, const double* values) override;
+  // For a key equal to the last row, or to the row where the lower bound stands: prints
+  // "Warning: Keys already in record map. Skipping." and keeps the row.
+  VectorIterator insert(const int* keys, const double* values) override;
+  // In front of the hint's row if the key lies between it and the row before it, a duplicate of
+  // either included; else `insert`, and `append` for a hint on no row.
+  VectorIterator insertHint(const int* keys, const double* values,
+                            const VectorIterator& hint) override;
+  // Overwrites the row where the lower bound stands, whatever its key; appends when that is `end`.
+  VectorIterator insertOrAssign(const VectorIterator& hint, const int* keys,
+                                const double* values) override;
+  // Later rows move down by one.
+  void erase(const VectorIterator& position) override;
+  [[nodiscard]] int size() const override;
+  [[nodiscard]] bool empty() const override;
+  // A binary search of a shape of its own: exact for a key that is present, for one below every
+  // row (row 0) and for one above all of two rows or more (`end`). Any other key gives `end` or the
+  // row just below it, and a single row is given whatever the key.
+  VectorIterator lowerBound(const int* keys) override;
+  // Always `end` on a scalar.
+  VectorIterator find(const int* keys) override;
+  VectorIterator begin() override;
+  VectorIterator end() override;
+  // Keeps the memory of the arrays.
+  void clear() override;
+  int indexOf(const VectorIterator& position) override;
+  // Unchecked.
+  VectorIterator iteratorAt(int index) override;
+  // Drops the content of both arrays and sizes them for that many rows; for an empty store only.
+  void reserve(int records) override;
+
+  [[nodiscard]] StorageKind kind() const { return StorageKind::dMapVector; }
+  [[nodiscard]] bool isEnd(const VectorIterator& position) const;
+  // Whether a key whose lower bound this is sorts behind all records; a single row is the bound of
+  // such keys too.
+  [[nodiscard]] bool isEndBound(const VectorIterator& bound, const int* keys) const;
+
+ private:
+  VectorIterator at(int row) { return {dim_, type_, row, &keyArray_, &valueArray_}; }
+  [[nodiscard]] const int* keysAt(int row) const;
+  void makeRoomForRow();
+  void write(int row, const int* keys, const double* values);
+  VectorIterator setScalar(const double* values);
+  VectorIterator keepPresent(int row);
+  [[nodiscard]] bool fitsBefore(int row, const int* keys) const;
+  VectorIterator placeBefore(int row, const int* keys, const double* values);
+
+  int dim_;
+  int type_;
+  std::size_t width_;  // keys of a row
+  std::size_t slots_;  // values of a row
+  std::vector<int> keyArray_;
+  std::vector<double> valueArray_;
+  int rowCapacity_ = 0;  // rows for which both arrays are sized
+  int rowCount_ = 0;     // rows in use; not maintained on a scalar
+};
+
+}  // namespace ztb::dmap
+
+#endif  // ZTB_STORE_DMAP_VECTOR_H_

@@ -1,0 +1,151 @@
+// A trie over key positions: level i holds the element at position i of the key.
+//
+// Each level of each branch is a singly linked list of nodes in ascending order; a record is a path
+// of one node a level, and its values hang from the last. Records that share a prefix share nodes.
+// The tree remembers the path of the last record, `lastPath`, and attaches a key above it at the
+// right end without a search. Nodes and value slots come from two pools, which give nothing back
+// before the tree is destroyed. What `erase` and `clear` leave behind is told at them.
+//
+// A read through a null node throws std::logic_error; reading a node's content as what it is not
+// throws std::bad_variant_access ("bad variant access").
+#ifndef ZTB_STORE_GTREE_H_
+#define ZTB_STORE_GTREE_H_
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <utility>
+
+#include "store/gtree_pool.h"
+
+namespace gtree {
+
+inline constexpr int maxDepth = 20;
+
+// One key element. Its content is the first node of the next level or the record's value slots.
+class Node {
+ public:
+  explicit Node(int keyElement) : key(keyElement) {}
+
+  // The first node of the next level, null if there is none. Throws on a record's last node.
+  [[nodiscard]] Node* child() const;
+  // The same; null on a record's last node.
+  [[nodiscard]] Node* childOrNull() const { return tag_ == Tag::child ? content_.child : nullptr; }
+  // The record's value slots. Throws on any other node.
+  [[nodiscard]] double* values() const;
+  void setChild(Node* child);
+  void setValues(double* values);
+
+  Node* next = nullptr;
+
+ private:
+  enum class Tag : std::uint8_t { child = 0, values = 1 };
+  union {
+    Node* child;
+    double* values;
+  } content_ = {nullptr};
+  Tag tag_ = Tag::child;
+
+ public:
+  int key;
+};
+
+// A position in a tree: a node for each level in use.
+struct Path {
+  Path() = default;
+  explicit Path(int depthInUse) : depth(static_cast<std::uint8_t>(depthInUse)) {
+    node[0] = nullptr;
+  }
+  Path(const Path& other) { *this = other; }
+  Path& operator=(const Path& other) {
+    depth = other.depth;
+    std::copy_n(other.node.begin(), depth, node.begin());
+    return *this;
+  }
+  ~Path() = default;
+
+  bool operator==(const Path& other) const {
+    return depth == other.depth &&
+           std::equal(node.begin(), node.begin() + depth, other.node.begin());
+  }
+
+  std::uint8_t depth = 0;
+  std::array<Node*, maxDepth> node;
+};
+
+// Past the end of any tree: depth 1 and a null node.
+extern const Path endPath;
+
+class GTree {
+ public:
+  GTree(int dim, int slotCount);
+  GTree(const GTree&) = delete;
+  GTree& operator=(const GTree&) = delete;
+  virtual ~GTree() = default;
+
+  // The way in for ascending keys: a key above the last record is linked behind it without a
+  // search, the last key again overwrites its values, a key below goes to `insertAnywhere`.
+  // Throws std::logic_error when the tree has nodes but remembers no last record.
+  Path insertSequential(const int* keys, const double* values);
+  // The way in for any key. The last record's key overwrites its values; any other key that is
+  // present keeps them. On a tree without nodes the result is `lastPath` as it stands, which for
+  // two levels or more does not move to the new record.
+  Path insertAnywhere(const int* keys, const double* values, const Path* startHint);
+  // Whether the tree holds the keys, and where.
+  [[nodiscard]] std::pair<bool, Path> findPath(const int* keys, const Path* startHint) const;
+  // A bound at each level by itself: the first node not below that level's element. Not found when
+  // a list runs out; found, with the levels above it filled, when a list is empty.
+  [[nodiscard]] std::pair<bool, Path> lowerBoundPath(const int* keys) const;
+  // The record before these keys; not found when the tree does not hold them. The first record's
+  // predecessor comes out as the greatest record under the first node.
+  [[nodiscard]] std::pair<bool, Path> predecessorPath(const int* keys) const;
+  [[nodiscard]] Path begin() const;
+  void next(Path& path) const;
+  [[nodiscard]] Path nextPath(Path path) const;
+  // From `endPath` the greatest record. Otherwise the predecessor, or the path itself without one.
+  [[nodiscard]] Path prev(const Path& path) const;
+  // Unlinks the record. Of a list that becomes empty, only one directly below the first level has
+  // its parent unlinked, and the first node of the first level never is: with siblings behind it,
+  // their list is then closed into a ring.
+  void erase(const Path& path);
+  [[nodiscard]] Path pathAt(int index) const;
+  [[nodiscard]] int pathIndex(const Path& path) const;
+  // Makes blocks still to come large enough for that many nodes and records' slots.
+  void setBlockCapacity(int records);
+  // Forgets all nodes; `lastPath` and the pools stay as they are.
+  void clear();
+
+  [[nodiscard]] int count() const { return count_; }
+  // Whether anything was ever added since the last `clear`.
+  [[nodiscard]] bool hasNodes() const { return root_ != nullptr; }
+
+ private:
+  enum class Order { below, same, above };
+
+  Node* newNode(int key);
+  double* newValues(const double* values);
+  std::pair<Order, int> compareWithLast(const int* keys) const;
+  Path insertFirst(const int* keys, const double* values);
+  Path insertFirstAsLast(const int* keys, const double* values);
+  Path overwriteLast(const double* values);
+  Path attachBehindLast(int level, const int* keys, const double* values);
+  void makeBranch(Path& path, int level, const int* keys, const double* values);
+  void requireDepth(const Path& path) const;
+  [[nodiscard]] Path greatest() const;
+  void fillGreatest(Path& path, int level) const;
+  [[nodiscard]] Node* listHead(const Path& path, int level) const;
+  void moveLastPathBack();
+  void copyKeys(const Path& path, int* keys) const;
+
+  Pool nodes_;
+  Pool values_;
+  int dim_;
+  int slotCount_;
+  int count_ = 0;
+  Node* root_ = nullptr;
+  Path lastPath_;
+};
+
+}  // namespace gtree
+
+#endif  // ZTB_STORE_GTREE_H_

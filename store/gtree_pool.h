@@ -1,0 +1,41 @@
+// A bump allocator: hands out memory from blocks and takes nothing back before its own end.
+#ifndef ZTB_STORE_GTREE_POOL_H_
+#define ZTB_STORE_GTREE_POOL_H_
+
+#include <cstddef>
+#include <memory>
+
+namespace gtree {
+
+class Pool {
+ public:
+  static constexpr std::size_t initialBlockSize = 1024;
+
+  Pool() = default;
+  Pool(const Pool&) = delete;
+  Pool& operator=(const Pool&) = delete;
+  ~Pool();
+
+  // Memory for `size` bytes, aligned for pointers and doubles.
+  // REQUIRES: size is a multiple of 8 and at most the block size.
+  std::byte* allocate(std::size_t size);
+
+  // Size of blocks still to come. It never falls below what one allocation needs.
+  void setBlockSize(std::size_t size) { blockSize_ = size; }
+
+ private:
+  struct Block {
+    Block* next = nullptr;
+    std::unique_ptr<std::byte[]> bytes;
+    std::size_t size = 0;
+  };
+
+  Block* firstBlock_ = nullptr;
+  Block* lastBlock_ = nullptr;
+  std::size_t used_ = 0;
+  std::size_t blockSize_ = initialBlockSize;
+};
+
+}  // namespace gtree
+
+#endif  // ZTB_STORE_GTREE_POOL_H_

@@ -1,0 +1,72 @@
+#include "store/tree_iterator.h"
+
+#include <array>
+#include <cstddef>
+
+namespace ztb::dmap {
+namespace {
+
+std::array<int, maxDimension> keyBuffer;
+
+}  // namespace
+
+const gtree::Path& TreeIterator::path() const {
+  const auto* path = std::get_if<gtree::Path>(&position_);
+  if (path == nullptr) {
+    throw std::bad_variant_access();
+  }
+  return *path;
+}
+
+double* TreeIterator::scalar() const {
+  double* const* position = std::get_if<double*>(&position_);
+  if (position == nullptr) {
+    throw std::bad_variant_access();
+  }
+  return *position;
+}
+
+void TreeIterator::next() {
+  if (dim() == 0) {
+    position_ = scalar() + 1;
+  } else {
+    tree_->next(std::get<gtree::Path>(position_));
+  }
+}
+
+void TreeIterator::prev() {
+  if (dim() == 0) {
+    position_ = scalar() - 1;
+  } else {
+    position_ = tree_->prev(path());
+  }
+}
+
+RecordView TreeIterator::get() const {
+  if (dim() == 0) {
+    return {nullptr, scalar()};
+  }
+  const gtree::Path& here = path();
+  for (std::size_t level = 0; level < here.depth; ++level) {
+    if (here.node[level] == nullptr) {
+      return {};
+    }
+    keyBuffer[level] = here.node[level]->key;
+  }
+  return {keyBuffer.data(), here.node[here.depth - 1U]->values()};
+}
+
+bool TreeIterator::equals(const IDMapIterator& other) const {
+  const auto& right = static_cast<const TreeIterator&>(other);
+  if (dim() == 0) {
+    double* here = scalar();
+    return right.dim() == 0 && type() == right.type() && here == right.scalar();
+  }
+  return dim() == right.dim() && type() == right.type() && path() == right.path();
+}
+
+bool TreeIterator::isNull() const {
+  return dim() == 0 && scalar() == nullptr;
+}
+
+}  // namespace ztb::dmap

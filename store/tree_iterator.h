@@ -1,0 +1,48 @@
+// Iterator of `DMapGTree`: a path in the tree, or for a scalar a pointer into the inline values.
+// Using one as the other throws std::bad_variant_access. The key pointer of every view is one
+// process-wide buffer, overwritten by the next `get` of any tree iterator.
+#ifndef ZTB_STORE_TREE_ITERATOR_H_
+#define ZTB_STORE_TREE_ITERATOR_H_
+
+#include <variant>
+
+#include "store/gtree.h"
+#include "store/idmap.h"
+
+namespace ztb::dmap {
+
+class TreeIterator final : public BaseDMapIterator {
+ public:
+  // The iterator that a lower bound gives for no result: dimension 0, and yet a path.
+  TreeIterator() : BaseDMapIterator(0, 0, StorageKind::dMap), position_(gtree::endPath) {}
+  TreeIterator(int dim, int type, gtree::GTree* tree, const gtree::Path& path)
+      : BaseDMapIterator(dim, type, StorageKind::dMapGTree), tree_(tree), position_(path) {}
+  // On a scalar.
+  explicit TreeIterator(double* position)
+      : BaseDMapIterator(0, 0, StorageKind::dMapGTree), position_(position) {}
+  virtual ~TreeIterator() = default;
+  TreeIterator(const TreeIterator&) = default;
+  TreeIterator& operator=(const TreeIterator&) = default;
+
+  void next() override;
+  void prev() override;
+  // Null and null when a node of the path is missing.
+  [[nodiscard]] RecordView get() const override;
+  [[nodiscard]] bool equals(const IDMapIterator& other) const override;
+  [[nodiscard]] bool isNull() const override;
+
+  [[nodiscard]] const gtree::Path& path() const;
+  [[nodiscard]] double* scalar() const;
+  // Whether this is the default iterator.
+  [[nodiscard]] bool isDefault() const { return dim() == 0 && holdsPath(); }
+
+ private:
+  [[nodiscard]] bool holdsPath() const { return std::holds_alternative<gtree::Path>(position_); }
+
+  gtree::GTree* tree_ = nullptr;
+  std::variant<gtree::Path, double*> position_;
+};
+
+}  // namespace ztb::dmap
+
+#endif  // ZTB_STORE_TREE_ITERATOR_H_

@@ -1,0 +1,40 @@
+// Iterator of `DMapVector`: a row number over the store's two array objects. It survives the growth
+// of the arrays, but names a place, not a record: rows that shift pass under it.
+#ifndef ZTB_STORE_VECTOR_ITERATOR_H_
+#define ZTB_STORE_VECTOR_ITERATOR_H_
+
+#include <vector>
+
+#include "store/idmap.h"
+
+namespace ztb::dmap {
+
+class VectorIterator final : public BaseDMapIterator {
+ public:
+  // The null iterator.
+  VectorIterator() : BaseDMapIterator(0, 0, StorageKind::dMap) {}
+  VectorIterator(int dim, int type, int row, std::vector<int>* keys, std::vector<double>* values)
+      : BaseDMapIterator(dim, type, StorageKind::dMapVector),
+        row_(row),
+        keys_(keys),
+        values_(values) {}
+
+  void next() override { ++row_; }
+  void prev() override { --row_; }
+  // On a scalar null `keys`; both null on a row that the arrays do not have. The pointers are good
+  // until the arrays next grow.
+  [[nodiscard]] RecordView get() const override;
+  [[nodiscard]] bool equals(const IDMapIterator& other) const override;
+  [[nodiscard]] bool isNull() const override { return keys_ == nullptr || values_ == nullptr; }
+
+  [[nodiscard]] int row() const { return row_; }
+
+ private:
+  int row_ = -1;
+  std::vector<int>* keys_ = nullptr;
+  std::vector<double>* values_ = nullptr;
+};
+
+}  // namespace ztb::dmap
+
+#endif  // ZTB_STORE_VECTOR_ITERATOR_H_
