@@ -121,7 +121,6 @@ bool RxfWriter::startSymbol(std::string_view name, std::string_view text, int di
   block_.shape(dim, slotsOfType(type));
   specials_ = specials;
   domain_.clear();
-  recordCount_ = 0;
   blockIndex_ = 0;
   number_ = symbols_.add(name, std::move(entry));
   stage_ = Stage::symbol;
@@ -131,7 +130,7 @@ bool RxfWriter::startSymbol(std::string_view name, std::string_view text, int di
 bool RxfWriter::setDomain(const char* const* names) {
   if (!expect(Stage::symbol, "domain without a symbol")) return false;
   SymbolEntry& entry = symbols_.at(number_);
-  if (recordCount_ != 0) {
+  if (recordCount() != 0) {
     return refuseOrder("domain behind the records of a symbol");
   }
   std::array<std::shared_ptr<const LabelBits>, kMaxDimension> members;
@@ -174,9 +173,9 @@ bool RxfWriter::findDomain(const char* name, int position,
 
 bool RxfWriter::finishSymbol() {
   if (!expect(Stage::symbol, "end of a symbol")) return false;
-  if (block_.count() != 0) writeBlock();
   SymbolEntry& entry = symbols_.at(number_);
-  entry.recordCount = recordCount_;
+  entry.recordCount = recordCount();
+  if (block_.count() != 0) writeBlock();
   entry.dataLength = file_.position() - entry.dataOffset;
   stage_ = Stage::between;
   return true;
@@ -286,44 +285,46 @@ bool RxfWriter::refuseOrder(const char* what) {
   return refuse(ErrorNumber::callsOutOfOrder, DetailText("%s", what));
 }
 
-bool RxfWriter::refuseRecord(const int* keys, int first) {
-  const int dim = block_.dim();
+bool RxfWriter::refuseRecord(const int* keys, const RecordBlock::Comparison& comparison) {
   const std::string_view symbol = symbols_.name(number_);
-  for (int j = first; j < dim; ++j) {
-    if (static_cast<std::uint32_t>(keys[j]) - 1U < labels_.size()) continue;
+  if (!comparison.inLabels) {
     log_.recordLazily(ErrorNumber::keyOutsideLabels, [&] {
+      int j = 0;
+      while (static_cast<std::uint32_t>(keys[j]) - 1U < labels_.size()) ++j;
       return DetailText("%.*s, key %d at position %d, expected 1 to %u", shownLength(symbol),
                         symbol.data(), keys[j], j + 1, labels_.size());
     });
-    return false;
-  }
-  if (recordCount_ == kMaxCount) {
+  } else if (recordCount() == kMaxCount) {
     log_.recordLazily(ErrorNumber::limitExceeded, [&] {
       return DetailText("more than %u records in %.*s", kMaxCount, shownLength(symbol),
                         symbol.data());
     });
-  } else if (first == dim) {
+  } else if (comparison.firstChanged == block_.dim()) {
     log_.recordLazily(ErrorNumber::recordTwice, [&] {
-      return DetailText("%.*s, record behind record %u", shownLength(symbol), symbol.data(),
-                        recordCount_);
+      return DetailText("%.*s, behind record %u", shownLength(symbol), symbol.data(),
+                        recordCount());
     });
   } else {
     log_.recordLazily(ErrorNumber::keysNotAscending, [&] {
-      return DetailText("%.*s, key %d at position %d behind key %d, record behind record %u",
-                        shownLength(symbol), symbol.data(), keys[first], first + 1,
-                        previous_[static_cast<unsigned>(first)], recordCount_);
+      const int j = comparison.firstChanged;
+      return DetailText("%.*s, key %d at position %d, behind key %d of record %u",
+                        shownLength(symbol), symbol.data(), keys[j], j + 1, block_.keyBefore(j),
+                        recordCount());
     });
   }
   return false;
 }
 
-bool RxfWriter::refuseOutside(const int* keys, int position) {
+// False, with the error recorded, when a label from position `from` on is not in its domain.
+bool RxfWriter::insideDomain(const int* keys, int from) {
+  const int outside = domain_.firstOutside(keys, from, block_.dim());
+  if (outside == block_.dim()) return true;
   log_.recordLazily(ErrorNumber::outsideDomain, [&] {
     const std::string_view symbol = symbols_.name(number_);
-    const std::string_view label = labels_.at(static_cast<std::uint32_t>(keys[position]));
+    const std::string_view label = labels_.at(static_cast<std::uint32_t>(keys[outside]));
     return DetailText("%.*s, label >%.*s< at position %d is not in %s", shownLength(symbol),
-                      symbol.data(), shownLength(label), label.data(), position + 1,
-                      symbols_.at(number_).domains[static_cast<unsigned>(position)].c_str());
+                      symbol.data(), shownLength(label), label.data(), outside + 1,
+                      symbols_.at(number_).domains[static_cast<unsigned>(outside)].c_str());
   });
   return false;
 }

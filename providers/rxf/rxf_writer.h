@@ -59,16 +59,13 @@ class RxfWriter {
   bool write(const int* keys, const double* values) {
     if (stage_ != Stage::symbol) [[unlikely]]
       return refuseOrder("a record without a symbol");
-    const int dim = block_.dim();
-    int first = 0;
-    if (recordCount_ != 0) {
-      while (first < dim && keys[first] == previous_[static_cast<unsigned>(first)]) ++first;
+    const RecordBlock::Comparison comparison = block_.stage(keys, labels_.size());
+    if (!comparison.inLabels || !comparison.ascends || recordCount() == kMaxCount) [[unlikely]] {
+      if (!isFirstScalar()) return refuseRecord(keys, comparison);
     }
-    if (!fits(keys, first)) [[unlikely]]
+    if (domain_.active() && !insideDomain(keys, comparison.firstChanged)) [[unlikely]]
       return false;
-    block_.add(keys, values, first);
-    for (int j = first; j < dim; ++j) previous_[static_cast<unsigned>(j)] = keys[j];
-    ++recordCount_;
+    block_.add(values, comparison.firstChanged);
     if (block_.full()) [[unlikely]]
       writeBlock();
     return true;
@@ -94,32 +91,17 @@ class RxfWriter {
  private:
   enum class Stage { between, labels, symbol, abandoned };
 
-  // True when the record may follow the records written so far, from which it differs at `first`;
-  // otherwise the error is recorded.
-  bool fits(const int* keys, int first) {
-    const int dim = block_.dim();
-    bool inLabels = true;
-    for (int j = first; j < dim; ++j) {
-      inLabels &= static_cast<std::uint32_t>(keys[j]) - 1U < labels_.size();
-    }
-    const bool ascends =
-        recordCount_ == 0 || (first < dim && keys[first] > previous_[static_cast<unsigned>(first)]);
-    if (!inLabels || !ascends || recordCount_ == kMaxCount) [[unlikely]] {
-      return refuseRecord(keys, first);
-    }
-    if (domain_.active()) {
-      const int outside = domain_.firstOutside(keys, first, dim);
-      if (outside != dim) [[unlikely]]
-        return refuseOutside(keys, outside);
-    }
-    return true;
+  // The one record of a scalar has no keys that could ascend.
+  [[nodiscard]] bool isFirstScalar() const { return block_.dim() == 0 && recordCount() == 0; }
+  [[nodiscard]] std::uint32_t recordCount() const {
+    return blockIndex_ * kBlockRecords + block_.count();
   }
 
   bool expect(Stage stage, const char* what);
   bool refuse(ErrorNumber number, const DetailText& detail);
   bool refuseOrder(const char* what);
-  bool refuseRecord(const int* keys, int first);
-  bool refuseOutside(const int* keys, int position);
+  bool refuseRecord(const int* keys, const RecordBlock::Comparison& comparison);
+  bool insideDomain(const int* keys, int from);
   bool refuseSymbol(std::string_view name, std::string_view text, int dim, int type);
   bool findDomain(const char* name, int position, std::shared_ptr<const LabelBits>& members);
   void change();
@@ -139,8 +121,6 @@ class RxfWriter {
   std::unordered_map<std::uint32_t, LabelSet> members_;
 
   // The open symbol.
-  std::uint32_t recordCount_ = 0;
-  std::array<int, kMaxDimension> previous_{};
   RecordBlock block_;
   StrictDomain domain_;
   std::uint32_t number_ = 0;
