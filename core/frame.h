@@ -16,7 +16,8 @@
 
 namespace ztb {
 
-// The words by which an operation traces itself and names itself in the texts of its guard.
+// The words by which an operation traces itself and names itself in the texts of its guard. Without
+// a name for running out of memory, that is an exception like any other.
 struct OperationName {
   constexpr OperationName(const char* name) : OperationName(name, name) {}
   constexpr OperationName(const char* traceName, const char* guardName)
@@ -50,9 +51,10 @@ int operation(ztbRec* handle, OperationName name, Body&& body) {
   ZTB& db = databaseOf(handle);
   try {
     return std::forward<Body>(body)(db);
-  } catch (const std::bad_alloc&) {
-    return db.failOutOfMemory(name.outOfMemory);
   } catch (const std::exception& e) {
+    if (name.outOfMemory != nullptr && dynamic_cast<const std::bad_alloc*>(&e) != nullptr) {
+      return db.failOutOfMemory(name.outOfMemory);
+    }
     return db.fail("Unexpected exception in %s: %s", name.exception, e.what());
   }
 }

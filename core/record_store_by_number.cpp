@@ -110,7 +110,7 @@ void* ztbMergeRecordIntPy(ztbRec* handle, void* sym, const int* keys, int checkU
 
 int ztbMergeSetRecordInt(ztbRec* handle, void* sym, const int* keys, int checkUEL, int returnSymPtr,
                          void** recPtr, const char* text) {
-  return operation(handle, "ztbMergeSetRecordInt", [&](ZTB& db) {
+  return operation(handle, {"ztbMergeSetRecordInt", "ztbMergeRecordInt"}, [&](ZTB& db) {
     AbstractZTBSymbol* symbol = symbolOf(sym);
     if (!isStorable(db, symbol)) {
       return failNotStorable(db, symbol);

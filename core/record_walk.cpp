@@ -55,7 +55,7 @@ int ztbRecordHasPrev(ztbRec* handle, void* rec) {
 }
 
 int ztbSameRecord(ztbRec* handle, void* rec1, void* rec2) {
-  return operation(handle, "ztbSameRecord", [&](const ZTB&) {
+  return operation(handle, {"ztbSameRecord", nullptr, "ztbSameRecord"}, [&](const ZTB&) {
     if (rec1 == rec2) {
       return success;
     }
