@@ -127,8 +127,9 @@ int c__ztbinitfromrxf(ztbRec* ztb, const char* fileName);
 int c__ztbcloserxf(ztbRec* ztb, int loadRemain);
 
 /* Writes the whole database to an RXF file, which may be the one it was opened from. With
- * noDomainCheck 0, records of symbols whose domains are sets are checked against them. On
- * failure the old file stays. */
+ * noDomainCheck 0, records of symbols whose domains are sets are checked against them. Records
+ * that the file refuses fail the operation with their count, and the file is written without
+ * them; on any other failure the old file stays. */
 int c__ztbwriterxf(ztbRec* ztb, const char* fileName, int noDomainCheck);
 
 /* ---- special values ----------------------------------------------------------------------------
