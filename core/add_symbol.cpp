@@ -18,6 +18,11 @@ AbstractZTBSymbol* ZTB::addSymbol(const SymbolDescription& description,
   SymbolDescription numbered = description;
   numbered.number = symbols.size();
   std::unique_ptr<AbstractZTBSymbol> symbol = makeSymbol(recordStorage, this, std::move(numbered));
+  if (symbol == nullptr) {
+    fail("Cannot make symbol %s on the unknown record storage %d", description.name.c_str(),
+         static_cast<int>(recordStorage));
+    return nullptr;
+  }
   if (!setDomains(*symbol, domains, domainNames)) {
     return nullptr;
   }
@@ -30,9 +35,10 @@ AbstractZTBSymbol* ZTB::addSymbol(const SymbolDescription& description,
 
 void ZTB::markAliasTarget(AbstractZTBSymbol& alias) {
   const int number = alias.userInfo;
-  const bool namesSet =
-      number >= 0 && number < symbols.size() && symbols.atNumber(number)->type == dmap::typeSet;
-  alias.aliasTarget = namesSet ? symbols.atNumber(number) : universe.get();
+  AbstractZTBSymbol* named =
+      number >= 0 && number < symbols.size() ? symbols.atNumber(number) : nullptr;
+  const bool namesSet = named != nullptr && named->type == dmap::typeSet;
+  alias.aliasTarget = namesSet ? named : universe.get();
 }
 
 bool ZTB::setDomains(AbstractZTBSymbol& symbol, AbstractZTBSymbol* const* domains,

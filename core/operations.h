@@ -107,6 +107,9 @@ int ztbSetUpper(ztbRec* handle, void* rec, double value);
 int ztbSetScale(ztbRec* handle, void* rec, double value);
 int ztbSetElemText(ztbRec* handle, void* rec, const char* text);
 
+int ztbSelectRecordStorage(ztbRec* handle, void** symPtr, int code);
+void* ztbSelectRecordStoragePy(ztbRec* handle, void* sym, int code, int* status);
+
 }  // namespace ztb
 
 #endif  // ZTB_CORE_OPERATIONS_H_

@@ -21,7 +21,7 @@ int findLabel(ZTB& db, const char* label, void** recPtr) {
     return db.fail("Cannot find element %s in Universe", label);
   }
   *recPtr = makeUniverseRecord(db.recordStorage, db.universe.get(), number).release();
-  return success;
+  return *recPtr == nullptr ? failure : success;
 }
 
 int findRecord(ZTB& db, void* sym, const char** keys, void** recPtr) {
@@ -75,7 +75,7 @@ int findEndRecord(ZTB& db, void* sym, End end, void** recPtr) {
     }
     *recPtr =
         makeUniverseRecord(db.recordStorage, symbol, end == End::first ? 1 : lastLabel).release();
-    return success;
+    return *recPtr == nullptr ? failure : success;
   }
   if (!db.ensureLoaded(*symbol)) {
     return failure;

@@ -25,6 +25,9 @@ AbstractZTBSymbol* TSymbolTable::add(const std::string& name,
   if (contains(name)) {
     throw std::logic_error("symbol " + name + " stands in the symbol table already");
   }
+  if (symbol == nullptr) {
+    throw std::logic_error("there is no record store for symbol " + name);
+  }
   const bool isAlias = symbol->type == dmap::typeAlias;
   if (!isAlias) {
     ordered_.push_back(symbol.get());
@@ -41,13 +44,15 @@ AbstractZTBSymbol* TSymbolTable::add(const std::string& name,
 }
 
 void TSymbolTable::replace(AbstractZTBSymbol* oldSymbol, AbstractZTBSymbol* newSymbol) {
+  AbstractZTBSymbol*& place = atName(oldSymbol->name);
   std::ranges::replace(ordered_, oldSymbol, newSymbol);
-  atName(oldSymbol->name) = newSymbol;
+  place = newSymbol;
 }
 
 bool TSymbolTable::forEachNamed(const NamedVisitor& visit) {
   for (int number = 0; number < size(); ++number) {
-    if (!visit(byName_.textByNumber(number), atNumber(number))) {
+    AbstractZTBSymbol* symbol = atNumber(number);
+    if (symbol != nullptr && !visit(byName_.textByNumber(number), symbol)) {
       return false;
     }
   }
@@ -56,7 +61,8 @@ bool TSymbolTable::forEachNamed(const NamedVisitor& visit) {
 
 bool TSymbolTable::forEach(const Visitor& visit) {
   for (int number = 0; number < size(); ++number) {
-    if (!visit(atNumber(number))) {
+    AbstractZTBSymbol* symbol = atNumber(number);
+    if (symbol != nullptr && !visit(symbol)) {
       return false;
     }
   }

@@ -26,10 +26,12 @@ class ISymbolTable {
 
   // Clears the records of every symbol, aliases included, and marks it as not loaded.
   virtual void clearAll() = 0;
-  // Takes a symbol in. Throws std::logic_error when the name is not new.
+  // Takes a symbol in. Throws std::logic_error when the name is not new or
+  // there is no symbol.
   virtual AbstractZTBSymbol* add(const std::string& name,
                                  std::unique_ptr<AbstractZTBSymbol> symbol) = 0;
-  // Puts a symbol in the place of another in both sequences; the caller then owns the old one.
+  // Puts a symbol in the place of another in both sequences; the caller then owns the old one. The
+  // new one may be null: the place then holds no symbol, and walks pass it by.
   virtual void replace(AbstractZTBSymbol* oldSymbol, AbstractZTBSymbol* newSymbol) = 0;
   // Visits all symbols in order of creation, aliases included, until a visitor gives false.
   // Returns whether none did.

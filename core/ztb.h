@@ -11,7 +11,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
-#include <string_view>
+#include <vector>
 
 #include "core/string_pool.h"
 #include "core/symbol_table.h"
@@ -126,6 +126,9 @@ class ZTB {
   SpecialValues hvexSpecialValues = {};
   SpecialValueMode specialValueMode = SpecialValueMode::none;
   symtable::TSymbolTable symbols;
+  // Symbols that another took the place of, without their records. Domains and aliases of other
+  // symbols still point to them.
+  std::vector<std::unique_ptr<AbstractZTBSymbol>> retiredSymbols;
   bool writeRecording = false;
   char peerMessage[peerMessageSize] = {};
   char lastError[messageSize] = {};

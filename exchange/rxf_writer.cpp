@@ -70,7 +70,11 @@ void RxfWriter::writeLabels() {
 
 int RxfWriter::writeSymbols() {
   for (int position = 0; position < db_.symbols.size(); ++position) {
-    if (writeSymbol(*db_.symbols.atNumber(position), position) != success) {
+    AbstractZTBSymbol* symbol = db_.symbols.atNumber(position);
+    if (symbol == nullptr) {
+      return db_.fail("Symbol number %d has no record storage, cannot write it to RXF", position);
+    }
+    if (writeSymbol(*symbol, position) != success) {
       return failure;
     }
   }
