@@ -73,7 +73,7 @@ class FileCheck {
 
   void problem(const std::string& symbol, const std::string& text) {
     problems_.push_back(
-        fmt::format("{}: {}{}{}", file_.path(), symbol, symbol.empty() ? "" : ": ", text));
+        withFile(file_.path(), symbol.empty() ? text : fmt::format("{}: {}", symbol, text)));
   }
 
   DataFile file_;

@@ -16,7 +16,7 @@ ztb::Database openDatabase(const std::string& path) {
   try {
     return ztb::Database::open(path);
   } catch (const ztb::Error& error) {
-    throw Failure(fmt::format("{}: {}", path, error.what()));
+    throw Failure(withFile(path, error.what()));
   }
 }
 
@@ -43,7 +43,7 @@ std::vector<ztb::Symbol> DataFile::symbols() const {
 ztb::Symbol DataFile::symbol(const std::string& name) const {
   const std::optional<ztb::Symbol> found = database_.findSymbolOrAlias(name);
   if (!found) {
-    throw Failure(fmt::format("{}: {}", path_, database_.lastError().view()));
+    throw Failure(withFile(path_, database_.lastError().str()));
   }
   return *found;
 }
@@ -59,7 +59,7 @@ int DataFile::recordCount(const ztb::Symbol& symbol) const {
 void DataFile::requireIntact(const ztb::Symbol& symbol) const {
   const std::vector<std::string> errors = file_.readRecords(symbol.name().str());
   if (!errors.empty()) {
-    throw Failure(fmt::format("{}: {}: {}", path_, symbol.name().view(), errors.front()));
+    throw Failure(withFile(path_, errors.front()));
   }
 }
 
@@ -76,7 +76,7 @@ std::vector<std::string> domainNames(const ztb::Symbol& symbol) {
 
 std::string signature(const ztb::Symbol& symbol) {
   const std::string name = symbol.name().str();
-  if (symbol.dimension() == 0) {
+  if (symbol.dimension() == 0 || name == "*") {
     return name;
   }
   return fmt::format("{}({})", name, fmt::join(domainNames(symbol), ", "));

@@ -52,7 +52,7 @@ class DataFile {
   std::vector<std::string> labels_;
 };
 
-// "price(food)", "nutrition(food, nutrient)", "pi" for a scalar.
+// "price(food)", "nutrition(food, nutrient)", "pi" for a scalar, "*" for the universe.
 std::string signature(const ztb::Symbol& symbol);
 
 // Names of the domains of a symbol, one for each position; "*" stands for the universe, and for any

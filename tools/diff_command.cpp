@@ -18,6 +18,7 @@
 #include "tools/progress.h"
 #include "tools/symbol_columns.h"
 #include "tools/table_printer.h"
+#include "tools/whole_number.h"
 #include "tools/words.h"
 
 namespace tool {
@@ -204,6 +205,7 @@ void addDiffCommand(CLI::App& app, int& status) {
       ->type_name("X");
   command->add_option("--head", arguments->head, "Differing records to print for each symbol")
       ->type_name("N")
+      ->check(wholeNumber())
       ->capture_default_str();
   command->add_flag("--json", arguments->json, "Print JSON");
   command->footer(

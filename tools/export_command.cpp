@@ -87,7 +87,7 @@ std::size_t writeRecords(const std::filesystem::path& folder, const DataFile& fi
   progress.step("reading " + name);
   file.requireIntact(symbol);
   CsvWriter csv(recordsPath(folder, name).string());
-  for (const std::string& column : keyColumns(domainNames(symbol), symbol.type())) {
+  for (const std::string& column : keyColumns(name, symbol.type(), domainNames(symbol))) {
     csv.field(column);
   }
   for (const std::string& column : contentColumns(symbol.type())) {

@@ -3,6 +3,7 @@
 #define ZTB_TOOLS_FAILURE_H_
 
 #include <stdexcept>
+#include <string>
 
 namespace tool {
 
@@ -20,6 +21,11 @@ class UsageError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
+
+// text with "FILE: " in front, unless it names the file already.
+inline std::string withFile(const std::string& file, const std::string& text) {
+  return text.find(file) == std::string::npos ? file + ": " + text : text;
+}
 
 }  // namespace tool
 

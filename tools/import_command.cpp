@@ -16,6 +16,7 @@
 #include "tools/record_import.h"
 #include "tools/symbol_spec.h"
 #include "tools/table_import.h"
+#include "tools/whole_number.h"
 #include "tools/words.h"
 
 namespace tool {
@@ -79,8 +80,7 @@ void runImport(const ImportOptions& options) {
     try {
       database.write(options.out, options.checkDomains);
     } catch (const ztb::Error& error) {
-      const std::string text = error.what();
-      throw Failure(text.find(options.out) == std::string::npos ? options.out + ": " + text : text);
+      throw Failure(withFile(options.out, error.what()));
     }
   }
   progress.reset();
@@ -146,6 +146,7 @@ void addImportCommand(CLI::App& app) {
       ->type_name("CHAR");
   command->add_option("--max-errors", options->maxErrors, "Problems to print, the rest is counted")
       ->type_name("N")
+      ->check(wholeNumber())
       ->capture_default_str();
   command->footer(
       "KEY is the name of a column, whose fields are the labels of that position; KEY in SET "

@@ -3,6 +3,8 @@
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <exception>
+#include <string>
+#include <vector>
 
 #include "tools/check_command.h"
 #include "tools/diff_command.h"
@@ -15,6 +17,17 @@
 
 namespace {
 
+// What is wrong with the command line, and where to find help.
+std::string usageText(const CLI::App& app, const CLI::ParseError& error) {
+  const std::vector<CLI::App*> commands = app.get_subcommands();
+  const std::vector<std::string> others = app.remaining();
+  if (commands.empty() && !others.empty()) {
+    return "no command '" + others.front() + "'; ztb --help lists the commands";
+  }
+  const std::string command = commands.empty() ? "" : commands.front()->get_name() + " ";
+  return std::string(error.what()) + "; see ztb " + command + "--help";
+}
+
 int run(int argc, char** argv) {
   int status = tool::exitFine;
   CLI::App app(
@@ -23,7 +36,6 @@ int run(int argc, char** argv) {
   app.name("ztb");
   app.set_version_flag("--version", "ztb " ZTB_VERSION);
   app.require_subcommand(1);
-  app.failure_message(CLI::FailureMessage::simple);
   app.footer(
       "ztb COMMAND --help tells more about a command, with examples.\n"
       "Exit codes: 0 fine, 1 failed (or diff found differences), 2 wrong usage.");
@@ -36,7 +48,10 @@ int run(int argc, char** argv) {
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? tool::exitFine : tool::exitUsage;
+    if (error.get_exit_code() == 0) {
+      return app.exit(error);
+    }
+    throw tool::UsageError(usageText(app, error));
   }
   tool::flushOutput();
   return status;

@@ -218,16 +218,24 @@ std::string RecordImport::recordText(const RecordTable& table, std::size_t recor
   return "(" + text + ")";
 }
 
+// The set that is the domain of a position, as far as its records were read. One that was added
+// after the symbol is known to it by name only.
+const RecordImport::Member* RecordImport::memberOf(const ztb::Domain& domain) const {
+  const std::optional<ztb::Symbol> set =
+      domain.set ? domain.set : database_.findSymbol(domain.name);
+  const auto found = set ? members_.find(set->handle()) : members_.end();
+  return found == members_.end() ? nullptr : &found->second;
+}
+
 void RecordImport::checkRecords(const CsvReader& reader, const ImportTarget& target,
                                 const RecordTable& table) {
   const std::vector<ztb::Domain> domains = target.symbol.domains();
   for (std::size_t position = 0; position < domains.size(); ++position) {
-    const auto found =
-        domains[position].set ? members_.find(domains[position].set->handle()) : members_.end();
-    if (found == members_.end()) {
+    const Member* member = memberOf(domains[position]);
+    if (member == nullptr) {
       continue;
     }
-    const std::vector<bool>& labels = found->second.labels;
+    const std::vector<bool>& labels = member->labels;
     for (std::size_t record = 0; record < table.size(); ++record) {
       const auto number = static_cast<std::size_t>(table.keys(record)[position]);
       if (number >= labels.size() || !labels[number]) {

@@ -64,6 +64,7 @@ class RecordImport {
   void store(const CsvReader& reader, const ImportTarget& target, const RecordTable& table);
   void reportDuplicate(const CsvReader& reader, const ImportTarget& target,
                        const RecordTable& table, std::size_t first, std::size_t second);
+  [[nodiscard]] const Member* memberOf(const ztb::Domain& domain) const;
   void checkRecords(const CsvReader& reader, const ImportTarget& target, const RecordTable& table);
   void remember(const ImportTarget& target, const RecordTable& table);
   [[nodiscard]] std::string recordText(const RecordTable& table, std::size_t record) const;

@@ -119,7 +119,7 @@ RxfFile::RxfFile(const std::string& path) : object_(std::make_unique<Object>()) 
   if (error != 0) {
     TextBuffer text{};
     library().errorStr(object_->handle(), error, text.data());
-    throw Failure(fmt::format("{}: {}", path, text.data()));
+    throw Failure(withFile(path, text.data()));
   }
 }
 

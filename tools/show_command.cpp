@@ -20,6 +20,7 @@
 #include "tools/slice_filter.h"
 #include "tools/symbol_columns.h"
 #include "tools/table_printer.h"
+#include "tools/whole_number.h"
 #include "tools/words.h"
 
 namespace tool {
@@ -44,7 +45,7 @@ class ShownRecords {
         symbol_(file_.resolved(file_.symbol(options.symbol))),
         universe_(symbol_ == file_.database().universe()),
         head_(options.head),
-        keyColumns_(tool::keyColumns(domainNames(symbol_), symbol_.type())) {
+        keyColumns_(tool::keyColumns(symbol_.name().str(), symbol_.type(), domainNames(symbol_))) {
     chooseContent(options.fields);
     if (options.slice) {
       filter_ = SliceFilter(*options.slice, file_, symbol_);
@@ -258,7 +259,9 @@ void addShowCommand(CLI::App& app) {
       ->add_option("--field", options->fields,
                    "Fields of a variable or equation: level, marginal, lower, upper, scale")
       ->type_name("FIELD,...");
-  command->add_option("--head", options->head, "Show the first N records only")->type_name("N");
+  command->add_option("--head", options->head, "Show the first N records only")
+      ->type_name("N")
+      ->check(wholeNumber());
   CLI::Option* csv = command->add_flag("--csv", options->csv, "Print CSV");
   command->add_flag("--json", options->json, "Print JSON")->excludes(csv);
   command->footer(

@@ -20,12 +20,18 @@ std::vector<std::string> contentColumns(ztb::Type type) {
   }
 }
 
-std::vector<std::string> keyColumns(const std::vector<std::string>& domains, ztb::Type type) {
+std::vector<std::string> keyColumns(const std::string& symbol, ztb::Type type,
+                                    const std::vector<std::string>& domains) {
+  const bool plainSet = type == ztb::Type::set && domains.size() == 1;
   std::vector<std::string> taken = contentColumns(type);
   std::vector<std::string> result;
   for (std::size_t position = 0; position < domains.size(); ++position) {
-    const std::string base =
-        domains[position] == "*" ? fmt::format("key{}", position + 1) : domains[position];
+    std::string base = domains[position];
+    if (symbol == "*") {
+      base = "label";
+    } else if (base == "*") {
+      base = plainSet ? symbol : fmt::format("key{}", position + 1);
+    }
     std::string name = base;
     for (int suffix = 2; std::ranges::any_of(
              taken, [&](const std::string& other) { return sameFolded(other, name); });

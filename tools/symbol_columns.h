@@ -13,9 +13,11 @@ namespace tool {
 // words for a variable or equation, none for the universe.
 std::vector<std::string> contentColumns(ztb::Type type);
 
-// A name for the column of each position: that of its domain, or key1, key2, ... over the universe.
-// All differ from each other and from contentColumns(type) under case folding.
-std::vector<std::string> keyColumns(const std::vector<std::string>& domains, ztb::Type type);
+// A name for the column of each position of a symbol: that of its domain; over the universe, the
+// symbol's own name for a one-dimensional set and key1, key2, ... otherwise. All differ from each
+// other and from contentColumns(type) under case folding. The universe, "*", has a label.
+std::vector<std::string> keyColumns(const std::string& symbol, ztb::Type type,
+                                    const std::vector<std::string>& domains);
 
 }  // namespace tool
 

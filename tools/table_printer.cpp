@@ -72,6 +72,7 @@ void TablePrinter::printRow(std::FILE* out, std::span<const std::string_view> ce
       appendCell(columns_[index], cells[index], last);
     }
   }
+  line_.erase(line_.find_last_not_of(' ') + 1);
   line_ += '\n';
   std::fwrite(line_.data(), 1, line_.size(), out);
 }

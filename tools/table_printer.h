@@ -18,7 +18,7 @@ std::size_t displayWidth(std::string_view text);
 std::string printable(std::string_view text);
 
 // A table whose rows are shown twice, first to measure and then to print, so that it takes no
-// memory for rows. Cells are separated by two blanks; the last one of a row is not filled up.
+// memory for rows. Cells are separated by two blanks; a line does not end in blanks.
 class TablePrinter {
  public:
   enum class Align { left, right };

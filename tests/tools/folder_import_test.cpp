@@ -1,0 +1,105 @@
+// Folders that somebody wrote or changed by hand.
+
+#include <filesystem>
+#include <ztb/ztb.hpp>
+
+#include "tests/tools/program.h"
+
+namespace {
+
+using tooltest::ProgramTest;
+
+constexpr const char* header = "symbol,type,dimension,domains,user_info,alias_of,text\n";
+
+class FolderImportTest : public ProgramTest {
+ protected:
+  void SetUp() override { std::filesystem::create_directory(path("in")); }
+
+  void expectProblems(const std::string& problems, const std::string& count) const {
+    expectFails(1, problems + "ztb: out.rxf: not written: " + count + " in the input\n",
+                {"import", "out.rxf", "--dir", "in"});
+    EXPECT_FALSE(exists("out.rxf"));
+  }
+};
+
+TEST_F(FolderImportTest, NumbersLabelsAsTheyComeWithoutAFileOfLabels) {
+  write("in/_symbols.csv", std::string(header) + "p,parameter,1,s,0,,\ns,set,1,*,0,,\n");
+  write("in/p.csv", "s,value\nx,1\n");
+  write("in/s.csv", "s,text\ny,\nx,\n");
+  ztbFine({"import", "out.rxf", "--dir", "in"});
+  const ztb::Database database = ztb::Database::open(path("out.rxf"));
+  EXPECT_EQ(database.label(1), "y");
+  EXPECT_EQ(database.symbolAt(0).name(), "p");
+}
+
+TEST_F(FolderImportTest, ReportsBadRowsOfTheTableOfSymbols) {
+  write("in/_symbols.csv", std::string(header) +
+                               "a,thing,1,*,0,,\n"
+                               "b,set,2,*,0,,\n"
+                               "c,set,1,*,x,,\n"
+                               "1d,set,1,*,0,,\n"
+                               "e,alias,1,*,0,nosuch,\n"
+                               "f,set,1\n");
+  expectProblems(
+      "in/_symbols.csv:2:3: type: 'thing' is no type, expected set, parameter, variable, equation "
+      "or alias\n"
+      "in/_symbols.csv:3:7: dimension: '2' is not the number of domains, which is 1\n"
+      "in/_symbols.csv:4:11: user_info: 'x' is no whole number\n"
+      "in/_symbols.csv:7:1: has 3 fields, the header has 7\n"
+      "in/_symbols.csv:5:1: '1d' is not a valid name for a VELT symbol\n"
+      "in/_symbols.csv:6:1: Cannot find symbol nosuch\n",
+      "6 problems");
+}
+
+TEST_F(FolderImportTest, ReportsAnotherHeader) {
+  write("in/_symbols.csv", "name,type\n");
+  expectProblems(
+      "in/_symbols.csv:1:1: the header is not "
+      "symbol,type,dimension,domains,user_info,alias_of,text\n",
+      "1 problem");
+}
+
+TEST_F(FolderImportTest, ReportsLabelsThatCannotBe) {
+  write("in/_symbols.csv", header);
+  write("in/_labels.csv", "label\nx\nX\n\"\"\n  \na,b\n");
+  expectProblems(
+      "in/_labels.csv:3:1: label: label 'X' stands twice\n"
+      "in/_labels.csv:5:1: label: a label cannot be blanks alone\n"
+      "in/_labels.csv:6:1: has 2 fields, expected one label\n",
+      "3 problems");
+}
+
+TEST_F(FolderImportTest, ReportsRecordsOfAnotherShape) {
+  write("in/_symbols.csv", std::string(header) + "p,parameter,1,*,0,,\n");
+  write("in/p.csv", "a,b,value\nx,y,1\n");
+  expectProblems("in/p.csv:1:1: has 3 fields, expected 2 for parameter p with 1 position\n",
+                 "1 problem");
+  write("in/p.csv", "a,value\nx,one\nx,1\nx,2\n");
+  expectProblems(
+      "in/p.csv:2:3: value: 'one' is not a number\n"
+      "in/p.csv:4:1: record (\"x\") of p stands in line 3 already\n",
+      "2 problems");
+}
+
+TEST_F(FolderImportTest, ChecksDomainsAlsoOfSetsThatComeLater) {
+  write("in/_symbols.csv",
+        std::string(header) + "p,parameter,1,s,0,,\ns,set,1,*,0,,\nt,set,1,s,0,,\n");
+  write("in/p.csv", "s,value\nx,1\n");
+  write("in/s.csv", "s,text\ny,\n");
+  write("in/t.csv", "s,text\nz,\n");
+  expectFails(1,
+              "in/t.csv:2:1: label 'z' (position 1 of t) is not in set s\n"
+              "in/p.csv:2:1: label 'x' (position 1 of p) is not in set s\n"
+              "ztb: out.rxf: not written: 2 problems in the input\n",
+              {"import", "out.rxf", "--dir", "in", "--check-domains"});
+}
+
+TEST_F(FolderImportTest, NamesAFileThatIsMissing) {
+  expectFails(1, "ztb: in/_symbols.csv: cannot be read: No such file or directory\n",
+              {"import", "out.rxf", "--dir", "in"});
+  write("in/_symbols.csv", std::string(header) + "p,parameter,1,*,0,,\n");
+  expectFails(1, "ztb: in/p.csv: cannot be read: No such file or directory\n",
+              {"import", "out.rxf", "--dir", "in"});
+}
+
+}  // namespace

@@ -1,0 +1,179 @@
+#include <cmath>
+#include <limits>
+#include <string>
+#include <ztb/ztb.hpp>
+
+#include "tests/tools/program.h"
+
+namespace {
+
+using tooltest::Outcome;
+using tooltest::ProgramTest;
+
+class ImportTest : public ProgramTest {
+ protected:
+  ztb::Database open() const { return ztb::Database::open(path("out.rxf")); }
+};
+
+TEST_F(ImportTest, MakesSetsAndParametersFromOneFile) {
+  write("foods.csv",
+        "food,unit,price,weight\n"
+        "Milk,1 qt.,11,2.1\n"
+        "\"Ham, smoked\",1 lb.,27.4,1\n");
+  EXPECT_EQ(ztbFine({"import", "out.rxf", "--from", "foods.csv", "--set",
+                     "food(food) : unit \"Things to eat\"", "--parameter",
+                     "cost(food) = price 'Cents'", "--parameter", "weight(food)"}),
+            "out.rxf: 3 symbols, 2 labels, 6 records\n");
+  const ztb::Database database = open();
+  const ztb::Symbol food = database.symbol("food");
+  EXPECT_EQ(food.type(), ztb::Type::set);
+  EXPECT_EQ(food.text(), "Things to eat");
+  EXPECT_EQ(food.domains()[0].name, "*");
+  EXPECT_EQ(food.find("Milk")->text(), "1 qt.");
+  const ztb::Symbol cost = database.symbol("cost");
+  EXPECT_EQ(cost.text(), "Cents");
+  EXPECT_EQ(cost.domains()[0].name, "food");
+  EXPECT_EQ(cost.recordCount(), 2);
+  EXPECT_EQ(cost.find("Ham, smoked")->level(), 27.4);
+  EXPECT_EQ(database.symbol("weight").find("milk")->level(), 2.1);
+}
+
+TEST_F(ImportTest, ReadsSeveralFilesInTheirOrder) {
+  write("a.csv", "i\nx\ny\n");
+  write("b.csv", "j,i,v\nq,y,1\n");
+  ztbFine({"import", "out.rxf", "--from", "a.csv", "--set", "i", "--from", "b.csv", "--set", "j",
+           "--parameter", "p(i, j) = v"});
+  const ztb::Database database = open();
+  EXPECT_EQ(database.label(1), "x");
+  EXPECT_EQ(database.label(2), "y");
+  EXPECT_EQ(database.label(3), "q");
+  EXPECT_EQ(database.symbol("p").domains()[0].name, "i");
+  EXPECT_EQ(database.symbol("p").domains()[1].name, "j");
+  EXPECT_EQ(database.symbol("p").find("y", "q")->level(), 1);
+}
+
+TEST_F(ImportTest, TakesDomainsThatAreNamed) {
+  write("n.csv", "node\na\nb\n");
+  write("arcs.csv", "from,to,cost,node\na,b,5,z\n");
+  ztbFine({"import", "out.rxf", "--from", "n.csv", "--set", "node", "--from", "arcs.csv",
+           "--parameter", "cost(from in node, to in NODE)", "--parameter",
+           "other(node in *) = cost"});
+  const ztb::Database database = open();
+  EXPECT_EQ(database.symbol("cost").domains()[0].name, "node");
+  EXPECT_EQ(database.symbol("cost").domains()[1].name, "node");
+  EXPECT_EQ(database.symbol("other").domains()[0].name, "*");
+}
+
+TEST_F(ImportTest, ReadsAScalar) {
+  write("a.csv", "name,value\npi,3.25\n");
+  ztbFine({"import", "out.rxf", "--from", "a.csv", "--parameter", "pi() = value"});
+  EXPECT_EQ(open().symbol("pi").find()->level(), 3.25);
+}
+
+TEST_F(ImportTest, TakesEachElementOnceWhenAsked) {
+  write("a.csv", "i,t\nx,first\ny,\nX,second\n");
+  EXPECT_EQ(ztbFine({"import", "out.rxf", "--from", "a.csv", "--distinct-set", "i : t"}),
+            "out.rxf: 1 symbol, 2 labels, 2 records\n");
+  EXPECT_EQ(open().symbol("i").find("x")->text(), "first");
+}
+
+TEST_F(ImportTest, LeavesEmptyValuesOutWhenAsked) {
+  write("a.csv", "i,v,w\nx,1,\ny, ,2\n");
+  ztbFine({"import", "out.rxf", "--skip-empty", "--from", "a.csv", "--parameter", "v(i)",
+           "--parameter", "w(i)"});
+  const ztb::Database database = open();
+  EXPECT_EQ(database.symbol("v").recordCount(), 1);
+  EXPECT_EQ(database.symbol("w").find("y")->level(), 2);
+}
+
+TEST_F(ImportTest, ReadsOtherSeparators) {
+  write("a.csv", "i;v\nx,y;1\n");
+  ztbFine({"import", "out.rxf", "--separator", ";", "--from", "a.csv", "--parameter", "v(i)"});
+  EXPECT_EQ(open().symbol("v").find("x,y")->level(), 1);
+  write("b.tsv", "i\tv\nx\t2\n");
+  ztbFine({"import", "out.rxf", "--separator", "tab", "--from", "b.tsv", "--parameter", "v(i)"});
+  EXPECT_EQ(open().symbol("v").find("x")->level(), 2);
+}
+
+TEST_F(ImportTest, ReadsStandardInput) {
+  const Outcome outcome =
+      ztb({"import", "out.rxf", "--from", "-", "--parameter", "v(i)"}, "i,v\nx,4\n");
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(open().symbol("v").find("x")->level(), 4);
+}
+
+TEST_F(ImportTest, ReadsWhatSpreadsheetsWrite) {
+  write("a.csv", "\xEF\xBB\xBFi,v\r\n\"x \"\"y\"\"\",+1.5\r\n  lead,INF\r\n\xE9t\xE9,-0");
+  ztbFine({"import", "out.rxf", "--from", "a.csv", "--parameter", "v(I)"});
+  const ztb::Database database = open();
+  EXPECT_EQ(database.symbol("v").find("x \"y\"")->level(), 1.5);
+  EXPECT_EQ(database.symbol("v").find("  lead")->level(), std::numeric_limits<double>::infinity());
+  EXPECT_TRUE(std::signbit(database.symbol("v").find("\xE9t\xE9")->level()));
+}
+
+TEST_F(ImportTest, TakesAQuotedEmptyLabelAndCutsTrailingBlanks) {
+  write("a.csv", "i,v\n\"\",1\nx  ,2\n");
+  ztbFine({"import", "out.rxf", "--from", "a.csv", "--parameter", "v(i)"});
+  const ztb::Database database = open();
+  EXPECT_EQ(database.label(1), "");
+  EXPECT_EQ(database.label(2), "x");
+  EXPECT_EQ(database.symbol("v").find("")->level(), 1);
+}
+
+TEST_F(ImportTest, TakesALabelOf63CharsAndATextOf255) {
+  const std::string label(63, 'l');
+  const std::string text(255, 't');
+  write("a.csv", "i,t\n" + label + "," + text + "\n");
+  ztbFine({"import", "out.rxf", "--from", "a.csv", "--set", "i : t"});
+  EXPECT_EQ(open().symbol("i").find(label)->text(), text);
+}
+
+TEST_F(ImportTest, WarnsOfATextThatDiffersInCaseOnly) {
+  write("a.csv", "i,t\nx,Kilo\ny,kilo\n");
+  const Outcome outcome = ztb({"import", "out.rxf", "--from", "a.csv", "--set", "i : t"});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.errors,
+            "a.csv:3:3: warning: text 'kilo' is kept as 'Kilo', its first spelling\n");
+  EXPECT_EQ(open().symbol("i").find("y")->text(), "Kilo");
+}
+
+TEST_F(ImportTest, ReplacesAnOlderFile) {
+  write("a.csv", "i\nx\n");
+  ztbFine({"import", "out.rxf", "--from", "a.csv", "--set", "i"});
+  ztbFine({"import", "out.rxf", "--from", "a.csv", "--set", "j(i)"});
+  EXPECT_FALSE(open().findSymbol("i"));
+  EXPECT_TRUE(open().findSymbol("j"));
+}
+
+TEST_F(ImportTest, ChecksDomainsWhenAsked) {
+  write("i.csv", "i\nx\ny\n");
+  write("p.csv", "i,v\ny,1\nx,2\n");
+  ztbFine({"import", "out.rxf", "--check-domains", "--from", "i.csv", "--set", "i", "--from",
+           "p.csv", "--parameter", "v(i)"});
+  EXPECT_EQ(open().symbol("v").recordCount(), 2);
+}
+
+// Rows that come in no order, 200,000 of them, end up as the records that they are.
+TEST_F(ImportTest, ReadsTwoHundredThousandRows) {
+  std::string csv = "a,b,v\n";
+  for (int row = 0; row < 200000; ++row) {
+    const int shuffled = static_cast<int>(row * 7919LL % 200000);
+    csv += 'a' + std::to_string(shuffled / 400) + ",b" + std::to_string(shuffled % 400) + ',' +
+           std::to_string(shuffled) + ".5\n";
+  }
+  write("big.csv", csv);
+  EXPECT_EQ(ztbFine({"import", "out.rxf", "--from", "big.csv", "--parameter", "v(a, b)"}),
+            "out.rxf: 1 symbol, 900 labels, 200000 records\n");
+  const ztb::Database database = open();
+  const ztb::Symbol v = database.symbol("v");
+  EXPECT_EQ(v.recordCount(), 200000);
+  EXPECT_EQ(v.find("a0", "b0")->level(), 0.5);
+  EXPECT_EQ(v.find("a499", "b399")->level(), 199999.5);
+  double sum = 0;
+  for (const auto [keys, values] : v.rows()) {
+    sum += values[0];
+  }
+  EXPECT_EQ(sum, 20000000000.0);
+}
+
+}  // namespace

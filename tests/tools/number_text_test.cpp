@@ -1,0 +1,118 @@
+#include "tools/number_text.h"
+
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <cstdint>
+#include <limits>
+#include <string>
+
+namespace {
+
+using tool::NumberText;
+using tool::parseNumber;
+
+std::string textOf(double value) {
+  return std::string(NumberText(value).view());
+}
+
+double ofBits(std::uint64_t bits) {
+  return std::bit_cast<double>(bits);
+}
+
+std::uint64_t parsedBits(const std::string& text) {
+  std::string problem;
+  const double value = parseNumber(text, problem);
+  EXPECT_EQ(problem, "") << text;
+  return std::bit_cast<std::uint64_t>(value);
+}
+
+std::string problemOf(const std::string& text) {
+  std::string problem;
+  parseNumber(text, problem);
+  return problem;
+}
+
+TEST(NumberText, WritesSpecialValuesAsWords) {
+  EXPECT_EQ(textOf(1e300), "undef");
+  EXPECT_EQ(textOf(ofBits(0x7FF8000000000000)), "na");
+  EXPECT_EQ(textOf(std::numeric_limits<double>::infinity()), "inf");
+  EXPECT_EQ(textOf(-std::numeric_limits<double>::infinity()), "-inf");
+  EXPECT_EQ(textOf(ofBits(1)), "eps");
+}
+
+TEST(NumberText, WritesAnyOtherNanAsItsPattern) {
+  EXPECT_EQ(textOf(ofBits(0x7FF8000000000001)), "nan:0x7ff8000000000001");
+  EXPECT_EQ(textOf(ofBits(0xFFF8000000000000)), "nan:0xfff8000000000000");
+  EXPECT_EQ(textOf(ofBits(0x7FF0000000000001)), "nan:0x7ff0000000000001");
+}
+
+TEST(NumberText, WritesTheFewestDigitsThatReadBack) {
+  EXPECT_EQ(textOf(0.1), "0.1");
+  EXPECT_EQ(textOf(36), "36");
+  EXPECT_EQ(textOf(0.1 + 0.2), "0.30000000000000004");
+  EXPECT_EQ(textOf(0.0), "0");
+  EXPECT_EQ(textOf(-0.0), "-0");
+  EXPECT_EQ(textOf(1e-7), "1e-07");
+}
+
+TEST(NumberText, ReadsBackTheSameBits) {
+  for (const std::uint64_t bits :
+       {0x0000000000000000ULL, 0x8000000000000000ULL, 0x0000000000000001ULL, 0x8000000000000001ULL,
+        0x0000000000000002ULL, 0x000FFFFFFFFFFFFFULL, 0x0010000000000000ULL, 0x3FB999999999999AULL,
+        0x7FEFFFFFFFFFFFFFULL, 0xFFEFFFFFFFFFFFFFULL, 0x7FF0000000000000ULL, 0xFFF0000000000000ULL,
+        0x7FF8000000000000ULL, 0x7FF8000000000001ULL, 0x7FF0000000000001ULL, 0xFFFFFFFFFFFFFFFFULL,
+        0x7E37E43C8800759CULL, 0x7E37E43C8800759DULL}) {
+    EXPECT_EQ(parsedBits(textOf(ofBits(bits))), bits) << std::hex << bits;
+  }
+}
+
+TEST(ParseNumber, TakesWordsInEitherCase) {
+  EXPECT_EQ(parsedBits("UNDEF"), 0x7E37E43C8800759CU);
+  EXPECT_EQ(parsedBits("Na"), 0x7FF8000000000000U);
+  EXPECT_EQ(parsedBits("NaN"), 0x7FF8000000000000U);
+  EXPECT_EQ(parsedBits("INF"), 0x7FF0000000000000U);
+  EXPECT_EQ(parsedBits("+inf"), 0x7FF0000000000000U);
+  EXPECT_EQ(parsedBits("-Inf"), 0xFFF0000000000000U);
+  EXPECT_EQ(parsedBits("Eps"), 1U);
+  EXPECT_EQ(parsedBits("NAN:0x7FF8000000000001"), 0x7FF8000000000001U);
+}
+
+TEST(ParseNumber, TakesBlanksAroundAndAPlusInFront) {
+  EXPECT_EQ(parsedBits("  36 "), std::bit_cast<std::uint64_t>(36.0));
+  EXPECT_EQ(parsedBits("+2.5e3"), std::bit_cast<std::uint64_t>(2500.0));
+}
+
+TEST(ParseNumber, RefusesWhatIsNoNumber) {
+  EXPECT_EQ(problemOf("abc"), "'abc' is not a number");
+  EXPECT_EQ(problemOf("1,5"), "'1,5' is not a number");
+  EXPECT_EQ(problemOf("12 kg"), "'12 kg' is not a number");
+  EXPECT_EQ(problemOf("+-1"), "'+-1' is not a number");
+  EXPECT_EQ(problemOf("infinity"), "'infinity' is not a number");
+  EXPECT_EQ(problemOf(""), "is empty, expected a number");
+  EXPECT_EQ(problemOf("   "), "is empty, expected a number");
+}
+
+TEST(ParseNumber, RefusesWhatNoDoubleHolds) {
+  EXPECT_EQ(problemOf("1e999"), "'1e999' is outside the range of a double");
+  EXPECT_EQ(problemOf("-1e400"), "'-1e400' is outside the range of a double");
+}
+
+TEST(ParseNumber, RefusesAPatternThatIsNoNan) {
+  EXPECT_EQ(problemOf("nan:0x3ff0000000000000"),
+            "'nan:0x3ff0000000000000' is not the bit pattern of a NaN");
+  EXPECT_EQ(problemOf("nan:0x"), "'nan:0x' is not the bit pattern of a NaN");
+  EXPECT_EQ(problemOf("nan:0x7ff8000000000001z"),
+            "'nan:0x7ff8000000000001z' is not the bit pattern of a NaN");
+}
+
+TEST(IsSpecial, TellsSpecialValuesFromNumbers) {
+  EXPECT_TRUE(tool::isSpecial(1e300));
+  EXPECT_TRUE(tool::isSpecial(ofBits(1)));
+  EXPECT_TRUE(tool::isSpecial(ofBits(0x7FF8000000000001)));
+  EXPECT_FALSE(tool::isSpecial(0.0));
+  EXPECT_FALSE(tool::isSpecial(ofBits(2)));
+  EXPECT_FALSE(tool::isSpecial(1.0000000000000002e300));
+}
+
+}  // namespace

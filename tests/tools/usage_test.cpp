@@ -1,0 +1,58 @@
+#include <string>
+#include <vector>
+
+#include "tests/tools/program.h"
+
+namespace {
+
+using tooltest::Outcome;
+using tooltest::ProgramTest;
+
+class UsageTest : public ProgramTest {};
+
+TEST_F(UsageTest, HelpOfEveryCommandHasAnExample) {
+  for (const char* command : {"info", "show", "import", "export", "diff", "check"}) {
+    const Outcome outcome = ztb({command, "--help"});
+    EXPECT_EQ(outcome.status, 0) << command;
+    EXPECT_EQ(outcome.errors, "") << command;
+    const std::size_t examples = outcome.output.find("\nExample");
+    ASSERT_NE(examples, std::string::npos) << command;
+    EXPECT_NE(outcome.output.find(std::string("\n  ztb ") + command, examples), std::string::npos)
+        << command;
+    EXPECT_NE(ztbFine({"--help"}).find(std::string("\n  ") + command), std::string::npos);
+  }
+}
+
+TEST_F(UsageTest, VersionIsPrinted) {
+  EXPECT_EQ(ztbFine({"--version"}), "ztb 5.0.0\n");
+}
+
+TEST_F(UsageTest, WrongUsageEndsWithTwo) {
+  expectFails(2, "ztb: A subcommand is required; see ztb --help\n", {});
+  expectFails(2, "ztb: no command 'bogus'; ztb --help lists the commands\n", {"bogus", "x"});
+  expectFails(2, "ztb: FILE is required; see ztb info --help\n", {"info"});
+  expectFails(2, "ztb: SYMBOL is required; see ztb show --help\n", {"show", "a.rxf"});
+  expectFails(2, "ztb: --csv is required; see ztb export --help\n", {"export", "a.rxf", "--all"});
+  expectFails(2, "ztb: --head: '-1' is no whole number of at least 0; see ztb show --help\n",
+              {"show", "a.rxf", "s", "--head=-1"});
+  EXPECT_EQ(ztb({"show", "a.rxf", "s", "--bogus"}).status, 2);
+  EXPECT_EQ(ztb({"show", "a.rxf", "s", "--csv", "--json"}).status, 2);
+}
+
+TEST_F(UsageTest, ImportSaysWhatIsMissing) {
+  expectFails(2,
+              "ztb: nothing to import: give --from FILE with --set or --parameter, or --dir DIR\n",
+              {"import", "o.rxf"});
+  expectFails(2, "ztb: --set x: a --from FILE must stand before it\n",
+              {"import", "o.rxf", "--set", "x"});
+  expectFails(2, "ztb: --from a.csv: no --set or --parameter behind it reads from it\n",
+              {"import", "o.rxf", "--from", "a.csv"});
+  expectFails(2, "ztb: --dir and --from exclude each other\n",
+              {"import", "o.rxf", "--dir", "d", "--from", "a.csv", "--set", "x"});
+  expectFails(2, "ztb: --separator ::: expected one char, or the word tab\n",
+              {"import", "o.rxf", "--separator", "::", "--from", "a.csv", "--set", "x"});
+  expectFails(2, "ztb: --set x(y: ',' or ')' is expected at char 4\n",
+              {"import", "o.rxf", "--from", "a.csv", "--set", "x(y"});
+}
+
+}  // namespace
