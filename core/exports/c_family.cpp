@@ -315,3 +315,11 @@ int c__ztbsetscale(ztbRec* handle, void* rec, double value) {
 int c__ztbsetelemtext(ztbRec* handle, void* rec, const char* text) {
   return ztb::ztbSetElemText(handle, rec, text);
 }
+
+int c__ztbselectrecordstorage(ztbRec* handle, void** sym, int storage) {
+  return ztb::ztbSelectRecordStorage(handle, sym, storage);
+}
+
+void* c__ztbselectrecordstoragepy(ztbRec* handle, void* sym, int storage, int* status) {
+  return ztb::ztbSelectRecordStoragePy(handle, sym, storage, status);
+}

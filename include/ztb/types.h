@@ -33,6 +33,9 @@ enum {
   ZTB_SPECIAL_VALUE_COUNT = 5
 };
 
+/* Record stores. */
+enum { ZTB_STORAGE_TREE_MAP = 0, ZTB_STORAGE_VECTOR = 1, ZTB_STORAGE_TRIE = 2 };
+
 /* Keys of c__ztbinfo. */
 enum {
   ZTB_INFO_SYMBOL_COUNT = 0,            /* symbols without aliases and without the universe */

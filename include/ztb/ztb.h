@@ -348,6 +348,19 @@ int c__ztbsetscale(ztbRec* ztb, void* rec, double value);
 /* Writes the explanatory text of a set record, at most 255 chars; an empty one takes it away. */
 int c__ztbsetelemtext(ztbRec* ztb, void* rec, const char* text);
 
+/* ---- record storage ------------------------------------------------------------------------ */
+
+/* Chooses the record store, ZTB_STORAGE_TREE_MAP, ZTB_STORAGE_VECTOR or ZTB_STORAGE_TRIE: with a
+ * null sym that of symbols made from now on, else that of *sym, which is rebuilt with all records;
+ * *sym is then a new handle. Other copies of the old handle, record handles on the symbol, and the
+ * domains and aliases that name it still lead to the old one, which is empty. The symbol's own
+ * domains are not kept. The code is not checked: an unknown one leaves no symbol (*sym null), or no
+ * store for later symbols. Always 1 but for running out of memory. */
+int c__ztbselectrecordstorage(ztbRec* ztb, void** sym, int storage);
+
+/* The same; the symbol's present handle is returned. */
+void* c__ztbselectrecordstoragepy(ztbRec* ztb, void* sym, int storage, int* status);
+
 /* ---- length-prefixed strings -------------------------------------------------------------------
  */
 

@@ -74,6 +74,8 @@
   NAME(c__ztbrecordmovenext) \
   NAME(c__ztbrecordmoveprev) \
   NAME(c__ztbsamerecord) \
+  NAME(c__ztbselectrecordstorage) \
+  NAME(c__ztbselectrecordstoragepy) \
   NAME(c__ztbsetdebug) \
   NAME(c__ztbsetelemtext) \
   NAME(c__ztbsetlevel) \
