@@ -120,6 +120,10 @@ double scriptedSpecialValue(int index) {
   return scripted::specialValues.at(static_cast<std::size_t>(index));
 }
 
+double scriptedTableEntry(int index) {
+  return script().latestTable.at(static_cast<std::size_t>(index));
+}
+
 const char* scriptedDump(const char* fileName) {
   static std::string result;
   const auto found = script().files.find(fileName);

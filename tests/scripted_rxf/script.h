@@ -4,6 +4,7 @@
 #ifndef ZTB_TESTS_SCRIPTED_RXF_SCRIPT_H_
 #define ZTB_TESTS_SCRIPTED_RXF_SCRIPT_H_
 
+#include <array>
 #include <map>
 #include <optional>
 #include <string>
@@ -42,6 +43,7 @@ struct Script {
   std::map<std::string, std::string> lacking;  // reason by operation
   std::optional<std::string> versionRefusal;
   std::map<int, std::string> errorTexts;
+  std::array<double, tableSize> latestTable{};  // of special values, as it was set
   std::map<std::string, File> files;
   std::string currentFile;
   int objectsMade = 0;

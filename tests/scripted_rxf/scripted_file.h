@@ -4,6 +4,7 @@
 #define ZTB_TESTS_SCRIPTED_RXF_SCRIPTED_FILE_H_
 
 #include <array>
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -17,6 +18,8 @@ inline constexpr int aliasType = 4;
 // Codes of the five special values in a file; no test data has them by chance.
 inline constexpr std::array<double, 5> specialValues{8.25e290, 8.50e290, 8.75e290, -8.75e290,
                                                      8.125e-290};
+// Entries of a table of special values; the file's own further values stand behind the five.
+inline constexpr std::size_t tableSize = 16;
 
 struct Record {
   std::vector<int> keys;

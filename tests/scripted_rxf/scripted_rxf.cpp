@@ -168,6 +168,9 @@ SCRIPTED_EXPORT int C__rxfGetSpecialValues(void* rxf, double* values) {
   const Call call(rxf, "rxfGetSpecialValues");
   if (call.failure()) return *call.failure();
   std::ranges::copy(specialValues, values);
+  for (std::size_t i = specialValues.size(); i < tableSize; ++i) {
+    values[i] = 1000 + static_cast<double>(i);
+  }
   return 1;
 }
 
@@ -175,6 +178,7 @@ SCRIPTED_EXPORT int C__rxfSetSpecialValues(void* rxf, const double* values) {
   Call call(rxf, "rxfSetSpecialValues");
   if (call.failure()) return *call.failure();
   call.object().writeSpecialValues.assign(values, values + specialValues.size());
+  std::copy_n(values, tableSize, script().latestTable.begin());
   return 1;
 }
 
@@ -182,6 +186,7 @@ SCRIPTED_EXPORT int C__rxfSetReadSpecialValues(void* rxf, const double* values) 
   Call call(rxf, "rxfSetReadSpecialValues");
   if (call.failure()) return *call.failure();
   call.object().readSpecialValues.assign(values, values + specialValues.size());
+  std::copy_n(values, tableSize, script().latestTable.begin());
   return 1;
 }
 

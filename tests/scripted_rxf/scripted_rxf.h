@@ -86,6 +86,10 @@ SCRIPTED_EXPORT void scriptedSetDomain(const char** names);
 /* How a file codes special value `index`, 0 to 4. rxfGetSpecialValues gives the same. */
 SCRIPTED_EXPORT double scriptedSpecialValue(int index);
 
+/* Entry `index`, 0 to 15, of the table that rxfSetSpecialValues or rxfSetReadSpecialValues was
+ * given last. Behind the five, rxfGetSpecialValues gives 1000 + index. */
+SCRIPTED_EXPORT double scriptedTableEntry(int index);
+
 /* The file in lines, or null if there is none. First a line for every text and every label, then
  * for each symbol a line `symbol NUMBER "NAME" DIM TYPE USERINFO "TEXT"`, a line `domain ("A" "B")`
  * or `relaxed ("A" "B")`, by the way in which the domain was set, if it has one, and a line `record

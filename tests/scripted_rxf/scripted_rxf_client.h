@@ -80,6 +80,7 @@ class Client {
   Control<decltype(scriptedAddRecord)> addRecord{library_, "scriptedAddRecord"};
   Control<decltype(scriptedSetDomain)> setDomain{library_, "scriptedSetDomain"};
   Control<decltype(scriptedSpecialValue)> specialValue{library_, "scriptedSpecialValue"};
+  Control<decltype(scriptedTableEntry)> tableEntry{library_, "scriptedTableEntry"};
   Control<decltype(scriptedDump)> dump{library_, "scriptedDump"};
 };
 
