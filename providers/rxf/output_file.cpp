@@ -55,16 +55,23 @@ OutputFile::OutputFile(SystemCalls& calls, const std::string& path)
   pending_.reserve(kPendingBytes);
   resolveTarget();
   checkTarget();
-  makeTemporary();
-  if (targetExists_ && calls_.fchmod(fd_, targetMode_ & 07777U) != 0) {
-    const int error = errno;
-    calls_.unlink(temporary_.c_str());
-    calls_.close(fd_);
-    throw makeFailure(error, "the permission bits of the file cannot be kept");
+  try {
+    makeTemporary();
+    if (targetExists_ && calls_.fchmod(fd_, targetMode_ & 07777U) != 0) {
+      throw makeFailure(errno, "the permission bits of the file cannot be kept");
+    }
+  } catch (...) {
+    discard();
+    throw;
   }
 }
 
 OutputFile::~OutputFile() {
+  discard();
+}
+
+void OutputFile::discard() {
+  if (fd_ < 0) return;
   if (!published_) calls_.unlink(temporary_.c_str());
   calls_.close(fd_);
 }
@@ -107,12 +114,18 @@ void OutputFile::makeTemporary() {
                   static_cast<unsigned long long>(checksum(base.data(), base.size())));
     base = base.substr(0, kMaxPlainBase) + hash.data();
   }
-  for (int number = 0; number < kMaxTemporaries; ++number) {
-    // Two tries: the first may remove what a killed writer left under this name.
-    const std::string name = folder_ + "." + base + "." + std::to_string(number) + ".rxftmp";
-    if (tryTemporary(name) || tryTemporary(name)) return;
+  const auto nameOf = [&](int number) {
+    return folder_ + "." + base + "." + std::to_string(number) + ".rxftmp";
+  };
+  int number = 0;
+  // Two tries: the first may remove what a killed writer left under this name.
+  while (!tryTemporary(nameOf(number)) && !tryTemporary(nameOf(number))) {
+    if (++number == kMaxTemporaries) {
+      throw Failure(ErrorNumber::cannotOpen, DetailText("too many writers of the file"));
+    }
   }
-  throw Failure(ErrorNumber::cannotOpen, DetailText("too many writers of the file"));
+  while (number < kMaxTemporaries && removeIfLeft(nameOf(++number))) {
+  }
 }
 
 bool OutputFile::tryTemporary(const std::string& name) {
@@ -138,9 +151,10 @@ bool OutputFile::tryTemporary(const std::string& name) {
   return false;
 }
 
-void OutputFile::removeIfLeft(const std::string& name) {
+// Removes a temporary file whose writer is gone. False when there is no such file.
+bool OutputFile::removeIfLeft(const std::string& name) {
   const int left = calls_.open(name.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0);
-  if (left < 0) return;
+  if (left < 0) return errno != ENOENT;
   // Only who holds the lock may remove the file, so the name still leads to it after the test.
   struct stat opened {};
   struct stat named {};
@@ -150,6 +164,7 @@ void OutputFile::removeIfLeft(const std::string& name) {
     calls_.unlink(name.c_str());
   }
   calls_.close(left);
+  return true;
 }
 
 void OutputFile::append(const void* data, std::size_t size) {

@@ -55,7 +55,8 @@ class OutputFile {
   void checkTarget();
   void makeTemporary();
   bool tryTemporary(const std::string& name);
-  void removeIfLeft(const std::string& name);
+  bool removeIfLeft(const std::string& name);
+  void discard();
   void flush();
   void writeAll(std::uint64_t offset, const void* data, std::size_t size);
   [[noreturn]] void failWriting(int error) const;

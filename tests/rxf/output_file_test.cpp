@@ -1,0 +1,172 @@
+#include "providers/rxf/output_file.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "providers/rxf/failure.h"
+#include "tests/rxf/temp_folder.h"
+
+namespace rxffile {
+namespace {
+
+using rxftest::readFile;
+using rxftest::TempFolder;
+using rxftest::writeFile;
+
+void writeThrough(const std::string& path, const std::string& bytes) {
+  OutputFile file(operatingSystem(), path);
+  file.append(bytes.data(), bytes.size());
+  file.sync();
+  file.publish();
+}
+
+ErrorNumber openingError(const std::string& path) {
+  try {
+    const OutputFile file(operatingSystem(), path);
+  } catch (const Failure& failure) {
+    return failure.number();
+  }
+  return ErrorNumber::none;
+}
+
+mode_t modeOf(const std::string& path) {
+  struct stat status {};
+  stat(path.c_str(), &status);
+  return status.st_mode & 07777U;
+}
+
+TEST(OutputFile, theTargetIsUntouchedUntilPublished) {
+  const TempFolder folder;
+  writeFile(folder.file("x"), "old");
+  {
+    OutputFile file(operatingSystem(), folder.file("x"));
+    file.append("new", 3);
+    file.sync();
+    EXPECT_EQ(readFile(folder.file("x")), "old");
+    EXPECT_EQ(folder.names().size(), 2U);
+  }
+  EXPECT_EQ(readFile(folder.file("x")), "old");
+  EXPECT_EQ(folder.names(), std::vector<std::string>{"x"});
+}
+
+TEST(OutputFile, publishingReplacesTheTarget) {
+  const TempFolder folder;
+  writeFile(folder.file("x"), "old");
+  writeThrough(folder.file("x"), "new");
+  EXPECT_EQ(readFile(folder.file("x")), "new");
+  EXPECT_EQ(folder.names(), std::vector<std::string>{"x"});
+}
+
+TEST(OutputFile, permissionBitsOfTheTargetAreKept) {
+  const TempFolder folder;
+  writeFile(folder.file("x"), "old");
+  chmod(folder.file("x").c_str(), 0640);
+  writeThrough(folder.file("x"), "new");
+  EXPECT_EQ(modeOf(folder.file("x")), 0640U);
+}
+
+TEST(OutputFile, aNewFileHasTheBitsThatTheUmaskLeaves) {
+  const TempFolder folder;
+  const mode_t before = umask(027);
+  writeThrough(folder.file("x"), "new");
+  umask(before);
+  EXPECT_EQ(modeOf(folder.file("x")), 0640U);
+}
+
+TEST(OutputFile, aSymbolicLinkIsWrittenThrough) {
+  const TempFolder folder;
+  mkdir(folder.file("sub").c_str(), 0700);
+  writeFile(folder.file("sub/real"), "old");
+  ASSERT_EQ(symlink("sub/real", folder.file("link").c_str()), 0);
+  writeThrough(folder.file("link"), "new");
+  EXPECT_EQ(readFile(folder.file("sub/real")), "new");
+  struct stat status {};
+  ASSERT_EQ(lstat(folder.file("link").c_str(), &status), 0);
+  EXPECT_TRUE(S_ISLNK(status.st_mode));
+}
+
+TEST(OutputFile, aSymbolicLinkToNothingMakesTheFileThatItNames) {
+  const TempFolder folder;
+  ASSERT_EQ(symlink("real", folder.file("link").c_str()), 0);
+  writeThrough(folder.file("link"), "new");
+  EXPECT_EQ(readFile(folder.file("real")), "new");
+}
+
+TEST(OutputFile, aRingOfSymbolicLinksCannotBeOpened) {
+  const TempFolder folder;
+  ASSERT_EQ(symlink("b", folder.file("a").c_str()), 0);
+  ASSERT_EQ(symlink("a", folder.file("b").c_str()), 0);
+  EXPECT_EQ(openingError(folder.file("a")), ErrorNumber::cannotOpen);
+}
+
+TEST(OutputFile, whatAKilledWriterLeftIsRemoved) {
+  const TempFolder folder;
+  writeFile(folder.file(".x.0.rxftmp"), "left");
+  writeFile(folder.file(".x.1.rxftmp"), "left");
+  writeThrough(folder.file("x"), "new");
+  EXPECT_EQ(folder.names(), std::vector<std::string>{"x"});
+}
+
+TEST(OutputFile, aWriterAtWorkIsLeftAlone) {
+  const TempFolder folder;
+  OutputFile first(operatingSystem(), folder.file("x"));
+  first.append("first", 5);
+  first.sync();
+  writeThrough(folder.file("x"), "second");
+  EXPECT_EQ(readFile(folder.file("x")), "second");
+  first.publish();
+  EXPECT_EQ(readFile(folder.file("x")), "first");
+  EXPECT_EQ(folder.names(), std::vector<std::string>{"x"});
+}
+
+TEST(OutputFile, aNameOf255BytesCanBeWritten) {
+  const TempFolder folder;
+  const std::string name(255, 'n');
+  writeThrough(folder.file(name), "new");
+  EXPECT_EQ(folder.names(), std::vector<std::string>{name});
+}
+
+TEST(OutputFile, whatCannotBeReplacedIsToldApart) {
+  const TempFolder folder;
+  EXPECT_EQ(openingError(folder.file("none/x")), ErrorNumber::noSuchFile);
+  EXPECT_EQ(openingError(folder.path()), ErrorNumber::isFolder);
+  EXPECT_EQ(openingError(folder.path() + "/"), ErrorNumber::isFolder);
+  EXPECT_EQ(openingError("/dev/null"), ErrorNumber::notRegularFile);
+  ASSERT_EQ(mkfifo(folder.file("pipe").c_str(), 0600), 0);
+  EXPECT_EQ(openingError(folder.file("pipe")), ErrorNumber::notRegularFile);
+}
+
+TEST(OutputFile, rewindingDropsWhatStoodBehind) {
+  const TempFolder folder;
+  OutputFile file(operatingSystem(), folder.file("x"));
+  file.append("abcdef", 6);
+  file.sync();
+  file.rewindTo(3);
+  EXPECT_EQ(file.position(), 3U);
+  file.append("XY", 2);
+  file.overwrite(0, "Z", 1);
+  file.sync();
+  file.publish();
+  EXPECT_EQ(readFile(folder.file("x")), "ZbcXY");
+}
+
+TEST(OutputFile, largeAndSmallPiecesKeepTheirOrder) {
+  const TempFolder folder;
+  std::string expected;
+  OutputFile file(operatingSystem(), folder.file("x"));
+  for (std::size_t i = 0; i < 40; ++i) {
+    const std::string piece(i % 4 == 3 ? 400000 : 1000 * i, static_cast<char>('a' + i % 26));
+    file.append(piece.data(), piece.size());
+    expected += piece;
+    EXPECT_EQ(file.position(), expected.size());
+  }
+  file.sync();
+  file.publish();
+  EXPECT_TRUE(readFile(folder.file("x")) == expected);
+}
+
+}  // namespace
+}  // namespace rxffile

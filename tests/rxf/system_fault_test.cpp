@@ -1,0 +1,210 @@
+// Every system call of a write and of a read fails once: the file is the old one or the new one,
+// nothing is left beside it, and every failure is told.
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <memory>
+
+#include "providers/rxf/rxf_object.h"
+#include "tests/rxf/content.h"
+#include "tests/rxf/failing_calls.h"
+#include "tests/rxf/temp_folder.h"
+
+namespace rxftest {
+namespace {
+
+using rxffile::RxfObject;
+using Mode = FailingCalls::Mode;
+
+Content oldContent() {
+  return {{"old"}, {}, {}};
+}
+
+struct Outcome {
+  int opened = 0;
+  int errors = 0;  // as the core asks before closing
+  int closed = 0;
+
+  [[nodiscard]] bool fine() const { return opened == 0 && errors == 0 && closed == 0; }
+};
+
+// Writes as the core does.
+Outcome write(rxffile::SystemCalls& calls, const std::string& path, const Content& content) {
+  const auto object = std::make_unique<RxfObject>(calls);
+  Outcome outcome;
+  outcome.opened = object->openWrite(path.c_str(), "");
+  if (outcome.opened != 0) return outcome;
+  writeContent(*object, content);
+  outcome.errors = object->errorCount();
+  outcome.closed = object->close();
+  return outcome;
+}
+
+Content read(const std::string& path) {
+  const auto object = std::make_unique<RxfObject>(rxffile::operatingSystem());
+  EXPECT_EQ(object->openRead(path.c_str()), 0);
+  return readContent(*object);
+}
+
+class SystemFault : public testing::TestWithParam<int> {
+ protected:
+  void SetUp() override {
+    ASSERT_TRUE(write(rxffile::operatingSystem(), path_, oldContent()).fine());
+  }
+
+  void expectOldOrNew(bool fine) {
+    const Content now = read(path_);
+    if (now == smallContent()) return;
+    EXPECT_TRUE(now == oldContent());
+    EXPECT_FALSE(fine) << "told to be written and was not";
+  }
+
+  TempFolder folder_;
+  std::string path_ = folder_.file("x");
+};
+
+TEST_P(SystemFault, ofOneCallOfAWriteLeavesTheOldOrTheNewFile) {
+  for (int at = 1;; ++at) {
+    SCOPED_TRACE(at);
+    write(rxffile::operatingSystem(), path_, oldContent());
+    FailingCalls calls(Mode::failOnce, at, GetParam());
+    const Outcome outcome = write(calls, path_, smallContent());
+    expectOldOrNew(outcome.fine());
+    EXPECT_EQ(folder_.names(), std::vector<std::string>{"x"}) << calls.failed();
+    if (outcome.opened == 0 && outcome.errors == 0 && outcome.closed != 0) {
+      // Only what comes behind the core's last question may fail without being counted there.
+      EXPECT_TRUE(calls.failed() == "rename" || calls.failed() == "open" ||
+                  calls.failed() == "fsync")
+          << calls.failed();
+    }
+    if (calls.failed().empty()) {
+      EXPECT_GT(at, 12);
+      EXPECT_TRUE(outcome.fine());
+      break;
+    }
+  }
+}
+
+TEST_P(SystemFault, ofAllCallsFromOneOnLeavesTheOldOrTheNewFileAndTheNextWriteSweeps) {
+  for (int at = 1;; ++at) {
+    SCOPED_TRACE(at);
+    write(rxffile::operatingSystem(), path_, oldContent());
+    FailingCalls calls(Mode::failOn, at, GetParam());
+    const Outcome outcome = write(calls, path_, smallContent());
+    expectOldOrNew(outcome.fine());
+    EXPECT_TRUE(write(rxffile::operatingSystem(), path_, oldContent()).fine());
+    EXPECT_EQ(folder_.names(), std::vector<std::string>{"x"});
+    if (calls.failed().empty()) break;
+  }
+}
+
+TEST_P(SystemFault, ofOneCallOfAReadGivesAnErrorAndNoWrongRecord) {
+  write(rxffile::operatingSystem(), path_, smallContent());
+  for (int at = 1;; ++at) {
+    SCOPED_TRACE(at);
+    FailingCalls calls(Mode::failOnce, at, GetParam());
+    {
+      const auto object = std::make_unique<RxfObject>(calls);
+      if (object->openRead(path_.c_str()) == 0) {
+        const Content content = readContent(*object);
+        const Content expected = smallContent();
+        ASSERT_EQ(content.symbols.size(), expected.symbols.size());
+        for (std::size_t i = 0; i < expected.symbols.size(); ++i) {
+          if (content.symbols[i].records.empty()) continue;
+          EXPECT_EQ(content.symbols[i].records, expected.symbols[i].records);
+        }
+        if (content != expected) {
+          EXPECT_GT(object->errorCount(), 0);
+        }
+      } else {
+        EXPECT_EQ(object->errorCount(), 1);
+      }
+    }
+    if (calls.failed().empty()) break;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Errors, SystemFault, testing::Values(ENOSPC, EIO, EACCES));
+
+TEST(SystemFaults, aFullDiskIsCountedBeforeClosing) {
+  const TempFolder folder;
+  write(rxffile::operatingSystem(), folder.file("x"), oldContent());
+  for (int at = 1;; ++at) {
+    FailingCalls calls(Mode::failOnce, at, ENOSPC);
+    const auto object = std::make_unique<RxfObject>(calls);
+    if (object->openWrite(folder.file("x").c_str(), "") != 0) continue;
+    writeContent(*object, smallContent());
+    const int errors = object->errorCount();
+    if (calls.failed().empty()) {
+      EXPECT_EQ(errors, 0);
+      break;
+    }
+    if (calls.failed() != "pwrite" && calls.failed() != "fsync") continue;
+    EXPECT_EQ(errors, 1) << calls.failed();
+    EXPECT_EQ(object->takeLastError(), 9);
+    std::array<char, 256> text{};
+    object->errorText(9, text.data());
+    EXPECT_EQ(std::string(text.data()), "Disk full: " + folder.file("x"));
+    EXPECT_NE(object->close(), 0);
+    EXPECT_TRUE(read(folder.file("x")) == oldContent());
+  }
+}
+
+TEST(SystemFaults, aFailedWriteHasItsOwnNumber) {
+  const TempFolder folder;
+  bool met = false;
+  for (int at = 1; !met; ++at) {
+    FailingCalls calls(Mode::failOnce, at, EIO);
+    const auto object = std::make_unique<RxfObject>(calls);
+    if (object->openWrite(folder.file("x").c_str(), "") != 0) continue;
+    writeContent(*object, smallContent());
+    object->errorCount();
+    ASSERT_FALSE(calls.failed().empty());
+    if (calls.failed() != "pwrite") continue;
+    met = true;
+    EXPECT_EQ(object->takeLastError(), 10);
+    std::array<char, 256> text{};
+    object->errorText(10, text.data());
+    EXPECT_EQ(std::string(text.data()),
+              "Writing failed: " + folder.file("x") + ": Input/output error");
+  }
+}
+
+TEST(SystemFaults, aReadThatFailsHasItsOwnNumber) {
+  const TempFolder folder;
+  write(rxffile::operatingSystem(), folder.file("x"), smallContent());
+  // Opening takes two calls; the third reads the header.
+  FailingCalls calls(Mode::failOnce, 3, EIO);
+  const auto object = std::make_unique<RxfObject>(calls);
+  EXPECT_EQ(object->openRead(folder.file("x").c_str()), 11);
+  std::array<char, 256> text{};
+  object->errorText(11, text.data());
+  EXPECT_EQ(std::string(text.data()),
+            "Reading failed: " + folder.file("x") + ": Input/output error");
+}
+
+TEST(SystemFaults, interruptedCallsAreTakenUpAgain) {
+  const TempFolder folder;
+  for (int at = 1;; ++at) {
+    FailingCalls calls(Mode::failOnce, at, EINTR);
+    const Outcome outcome = write(calls, folder.file("x"), smallContent());
+    const std::string& failed = calls.failed();
+    if (failed.empty()) break;
+    if (failed == "pwrite" || failed == "flock") {
+      EXPECT_TRUE(outcome.fine()) << failed;
+    }
+  }
+}
+
+TEST(SystemFaults, readsAndWritesOfAFewBytesAddUp) {
+  const TempFolder folder;
+  FailingCalls calls(Mode::shortOnes, 0, 0);
+  EXPECT_TRUE(write(calls, folder.file("x"), smallContent()).fine());
+  const auto object = std::make_unique<RxfObject>(calls);
+  ASSERT_EQ(object->openRead(folder.file("x").c_str()), 0);
+  EXPECT_TRUE(readContent(*object) == smallContent());
+}
+
+}  // namespace
+}  // namespace rxftest
