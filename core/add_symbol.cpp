@@ -64,7 +64,7 @@ bool ZTB::setDomains(AbstractZTBSymbol& symbol, AbstractZTBSymbol* const* domain
       if (!acceptDomain(*domain)) {
         return false;
       }
-      domain->usedAsDomain = true;
+      domain->markUsedAsDomain();
     }
     symbol.domainSymbols.back() = domain;
   }

@@ -110,6 +110,44 @@ int ztbSetElemText(ztbRec* handle, void* rec, const char* text);
 int ztbSelectRecordStorage(ztbRec* handle, void** symPtr, int code);
 void* ztbSelectRecordStoragePy(ztbRec* handle, void* sym, int code, int* status);
 
+int ztbInitFromDB(ztbRec* handle, ztbRec* sourceHandle);
+int ztbInitFromHVEX(ztbRec* handle, ztbHostFindSymbol findSymbol,
+                    ztbHostDataReadRawStart dataReadRawStart, ztbHostDataReadRaw dataReadRaw,
+                    ztbHostDataReadDone dataReadDone, ztbHostGetElemText getElemText,
+                    ztbHostLog logCallback, void* userMem);
+
+int ztbDenseSymbolToDenseArray(ztbRec* handle, void* cube, const int* vDim, void* sym, int field);
+int ztbSparseSymbolToDenseArray(ztbRec* handle, void* cube, const int* vDim, void* sym,
+                                void** domains, int field, int* nDropped);
+int ztbSparseSymbolToSqzdArray(ztbRec* handle, void* cube, const int* vDim, void* sym,
+                               void** squeezeDomains, void** domains, int field, int* nDropped);
+int ztbDenseArrayToSymbol(ztbRec* handle, void* sym, void** domains, const void* cube,
+                          const int* vDim);
+int ztbDenseArraySlicesToSymbol(ztbRec* handle, void* sym, void** sliceDomains, void** domains,
+                                const void* cube, const int* vDim);
+int ztbCopySymbol(ztbRec* handle, void* target, void* source);
+int ztbGetSymbolsUels(ztbRec* handle, void** symbols, int symbolCount, int* uelCounts,
+                      int listSize);
+
+int ztbCheckDBDV(ztbRec* handle, int* hasViolation);
+int ztbCheckSymbolDV(ztbRec* handle, void* sym, int* hasViolation);
+int ztbGetFirstDBDV(ztbRec* handle, void** dvHandle);
+void* ztbGetFirstDBDVPy(ztbRec* handle, int* status);
+int ztbGetFirstDVInSymbol(ztbRec* handle, void* sym, void** dvHandle);
+void* ztbGetFirstDVInSymbolPy(ztbRec* handle, void* sym, int* status);
+int ztbGetFirstDVInNextSymbol(ztbRec* handle, void* dvHandle, int* found);
+int ztbMoveNextDVInSymbol(ztbRec* handle, void* dvHandle, int* hasNext);
+int ztbFreeDVHandle(ztbRec* handle, void* dvHandle);
+int ztbDomainCheckDone(ztbRec* handle);
+int ztbGetDVSymbol(ztbRec* handle, void* dvHandle, void** symPtr);
+void* ztbGetDVSymbolPy(ztbRec* handle, void* dvHandle, int* status);
+int ztbGetDVSymbolRecord(ztbRec* handle, void* dvHandle, void** recPtr);
+void* ztbGetDVSymbolRecordPy(ztbRec* handle, void* dvHandle, int* status);
+int ztbGetDVIndicator(ztbRec* handle, void* dvHandle, int* indicator);
+
+int ztbStartWriteRecording(ztbRec* handle);
+int ztbStopWriteRecording(ztbRec* handle);
+
 }  // namespace ztb
 
 #endif  // ZTB_CORE_OPERATIONS_H_

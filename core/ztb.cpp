@@ -83,6 +83,9 @@ bool ZTB::ensureLoaded(AbstractZTBSymbol& symbol) {
   if (initFrom == Source::rxf) {
     return readSymbolFromRXF(symbol, nullptr);
   }
+  if (initFrom == Source::hvex) {
+    return readSymbolFromHVEX(symbol, nullptr);
+  }
   return fail("Symbol %s not initialized from RXF or PBI: %d", symbol.name.c_str(),
               static_cast<int>(initFrom)) == success;
 }

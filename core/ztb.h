@@ -7,6 +7,8 @@
 #ifndef ZTB_CORE_ZTB_H_
 #define ZTB_CORE_ZTB_H_
 
+#include <ztb/types.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -37,8 +39,14 @@ enum class Source : std::int32_t {
 // Trace level of the process; above 0 every operation prints its name.
 extern std::int32_t debugLevel;
 
-// Receives a length-prefixed text of at most 255 chars and the host's own word.
-using LogCallback = void (*)(const char* shortString, void* userMem);
+// The host engine's entry points that deliver records.
+struct HvexEntries {
+  ztbHostFindSymbol findSymbol = nullptr;
+  ztbHostDataReadRawStart dataReadRawStart = nullptr;
+  ztbHostDataReadRaw dataReadRaw = nullptr;
+  ztbHostDataReadDone dataReadDone = nullptr;
+  ztbHostGetElemText getElemText = nullptr;
+};
 
 class ZTB {
  public:
@@ -96,6 +104,13 @@ class ZTB {
   // that exchange-file object.
   bool readSymbolFromRXF(AbstractZTBSymbol& symbol, void* target);
 
+  // Other sources; defined with the exchange room.
+
+  // Makes this empty database a deep copy of another one's labels, symbols and records.
+  int InitFromDB(ZTB& source);
+  // Reads all records of a symbol from the host engine, as `readSymbolFromRXF` does from a file.
+  bool readSymbolFromHVEX(AbstractZTBSymbol& symbol, void* target);
+
   dmap::StorageKind recordStorage = dmap::StorageKind::dMap;  // store of new symbols
   void* rxf = nullptr;
   std::string rxfFileName;
@@ -115,8 +130,8 @@ class ZTB {
   bool altBounds = false;
   std::int32_t solverNumber = 0;  // 0: none loaded
   bool solverLoaded = false;
-  void (*hvexEntries[5])() = {};
-  LogCallback logCallback = nullptr;
+  HvexEntries hvexEntries;
+  ztbHostLog logCallback = nullptr;
   void* hvexUserMem = nullptr;
   strpool::TStrHashPool textPool{{"", 0}};
   std::int32_t dvState = 0;  // 1: a check of the whole database is under way

@@ -145,7 +145,7 @@ AbstractZTBSymbol* RxfLoader::domainNamed(const char* name) {
   if (!isDomain) {
     return nullptr;
   }
-  domain->usedAsDomain = true;
+  domain->markUsedAsDomain();
   return domain;
 }
 

@@ -101,7 +101,9 @@ int RxfWriter::writeSymbol(AbstractZTBSymbol& symbol, int position) {
     return db_.fail("Error writing symbol %s to RXF", symbol.name.c_str());
   }
   const bool strict = checkDomains_ && setStrictDomain(symbol);
-  writeRecords(symbol);
+  if (writeRecords(symbol) != success) {
+    return failure;
+  }
   peers::rxfDataWriteDone(target_);
   if (!strict) {
     recordDomainNames(symbol, position);
@@ -155,7 +157,7 @@ void RxfWriter::recordDomainNames(const AbstractZTBSymbol& symbol, int position)
   }
 }
 
-void RxfWriter::writeRecords(AbstractZTBSymbol& symbol) {
+int RxfWriter::writeRecords(AbstractZTBSymbol& symbol) {
   if (symbol.loaded) {
     std::array<int, dmap::maxDimension> keysForPeer = {};
     const std::size_t dim = positionsOf(symbol);
@@ -165,7 +167,10 @@ void RxfWriter::writeRecords(AbstractZTBSymbol& symbol) {
     });
   } else if (db_.initFrom == Source::rxf) {
     db_.readSymbolFromRXF(symbol, target_);
+  } else if (db_.initFrom == Source::hvex && !db_.readSymbolFromHVEX(symbol, target_)) {
+    return db_.fail("Problems writing symbol %s to RXF", symbol.name.c_str());
   }
+  return success;
 }
 
 void RxfWriter::writeTexts() {

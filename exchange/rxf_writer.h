@@ -40,7 +40,7 @@ class RxfWriter {
   int writeAlias(const AbstractZTBSymbol& alias);
   bool setStrictDomain(const AbstractZTBSymbol& symbol);
   void recordDomainNames(const AbstractZTBSymbol& symbol, int position);
-  void writeRecords(AbstractZTBSymbol& symbol);
+  int writeRecords(AbstractZTBSymbol& symbol);
   int failPeerErrors();
 
   ZTB& db_;

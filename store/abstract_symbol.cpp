@@ -12,14 +12,25 @@ AbstractZTBSymbol::AbstractZTBSymbol(ZTB* owner, SymbolDescription description)
       database(owner),
       aliasTarget(this) {}
 
+void AbstractZTBSymbol::markUsedAsDomain() {
+  usedAsDomain = true;
+  if (aliasTarget != nullptr && aliasTarget->symbolNumber != -1) {
+    aliasTarget->usedAsDomain = true;
+  }
+}
+
+bool AbstractZTBSymbol::violatesDomainAt(std::size_t position, int label) const {
+  const AbstractZTBSymbol* domain = domainSymbols[position];
+  if (domain == nullptr || domain->aliasTarget == nullptr) {
+    return false;
+  }
+  const LabelRanks& membership = domain->aliasTarget->domainMembership;
+  return !membership.empty() && rankOf(membership, label) == 0;
+}
+
 bool AbstractZTBSymbol::violatesDomain(const int* keys) const {
-  for (std::size_t d = 0; d < domainSymbols.size(); ++d) {
-    const AbstractZTBSymbol* domain = domainSymbols[d];
-    if (domain == nullptr || domain->aliasTarget == nullptr) {
-      continue;
-    }
-    const int* membership = domain->aliasTarget->domainMembership;
-    if (membership != nullptr && membership[keys[d]] == 0) {
+  for (std::size_t position = 0; position < domainSymbols.size(); ++position) {
+    if (violatesDomainAt(position, keys[position])) {
       return true;
     }
   }

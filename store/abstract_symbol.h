@@ -19,6 +19,15 @@ namespace ztb {
 
 class ZTB;
 
+// By label number: the 1-based rank of the label among the records of a set, 0 if it has none. A
+// number beyond the table has none.
+using LabelRanks = std::vector<int>;
+
+inline int rankOf(const LabelRanks& ranks, int label) {
+  const auto place = static_cast<std::size_t>(label);
+  return place < ranks.size() ? ranks[place] : 0;
+}
+
 // What a symbol is made from. `number` is its place in the symbol table; -1 for the universe.
 struct SymbolDescription {
   std::string name;
@@ -92,9 +101,14 @@ class AbstractZTBSymbol {
   // Appends all records of another symbol; those that are here stay.
   virtual void assignRecords(AbstractZTBSymbol& other) = 0;
 
-  // Whether a record breaks a domain: some position's domain set has a membership table that holds
-  // 0 for the record's label.
+  // Whether a record breaks a domain, at some position or at one: the position's domain set has a
+  // membership table, and the record's label has no rank in it.
   [[nodiscard]] bool violatesDomain(const int* keys) const;
+  [[nodiscard]] bool violatesDomainAt(std::size_t position, int label) const;
+
+  // Marks this set as used by another symbol's domain; an alias marks its set, too, since that is
+  // what records are checked against. The universe is never marked.
+  void markUsedAsDomain();
 
   int dim;
   int type;
@@ -105,7 +119,7 @@ class AbstractZTBSymbol {
   bool writeRecorded = false;  // written to while write recording was on
   std::string name;
   std::string text;
-  int* domainMembership = nullptr;  // by label number, not 0 for a member; only during checks
+  LabelRanks domainMembership;  // of a set, while domains are checked; empty otherwise
   ZTB* database;
   AbstractZTBSymbol* aliasTarget;  // the symbol that answers for this one; itself if no alias
   std::vector<AbstractZTBSymbol*> domainSymbols;  // null: known by name only

@@ -1,8 +1,20 @@
 #include "store/abstract_symbol_iterator.h"
 
 #include <cstdio>
+#include <stdexcept>
+
+#include "store/abstract_symbol.h"
 
 namespace ztb {
+
+void AbstractZTBSymbolIterator::moveToSymbolOf(const AbstractZTBSymbolIterator& other) {
+  if (symbol_->storageKind() != other.symbol_->storageKind()) {
+    throw std::logic_error("symbols " + symbol_->name + " and " + other.symbol_->name +
+                           " are on different record stores");
+  }
+  assignPosition(other);
+  symbol_ = other.symbol_;
+}
 
 bool AbstractZTBSymbolIterator::failMove(const char* text, const char* symbolName) {
   if (errorBuffer_ == nullptr) {

@@ -59,6 +59,10 @@ class AbstractZTBSymbolIterator {
   // Takes the position of another handle of the same class; mode, mask and label stay.
   virtual void assignPosition(const AbstractZTBSymbolIterator& other) = 0;
 
+  // Takes the symbol and the position of another handle. Throws std::logic_error when its symbol is
+  // on another record store.
+  void moveToSymbolOf(const AbstractZTBSymbolIterator& other);
+
   [[nodiscard]] IterationMode mode() const { return mode_; }
   [[nodiscard]] AbstractZTBSymbol* symbol() const { return symbol_; }
   // The label number of a handle on the universe, -1 in every other mode.

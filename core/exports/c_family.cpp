@@ -323,3 +323,118 @@ int c__ztbselectrecordstorage(ztbRec* handle, void** sym, int storage) {
 void* c__ztbselectrecordstoragepy(ztbRec* handle, void* sym, int storage, int* status) {
   return ztb::ztbSelectRecordStoragePy(handle, sym, storage, status);
 }
+
+int c__ztbinitfromdb(ztbRec* handle, ztbRec* sourceHandle) {
+  return ztb::ztbInitFromDB(handle, sourceHandle);
+}
+
+int c__ztbinitfromhvex(ztbRec* handle, ztbHostFindSymbol findSymbol,
+                       ztbHostDataReadRawStart dataReadRawStart, ztbHostDataReadRaw dataReadRaw,
+                       ztbHostDataReadDone dataReadDone, ztbHostGetElemText getElemText,
+                       ztbHostLog logCallback, void* userMem) {
+  return ztb::ztbInitFromHVEX(handle, findSymbol, dataReadRawStart, dataReadRaw, dataReadDone,
+                              getElemText, logCallback, userMem);
+}
+
+int c__ztbdensesymboltodensearray(ztbRec* handle, void* cube, const int* vDim, void* sym,
+                                  int field) {
+  return ztb::ztbDenseSymbolToDenseArray(handle, cube, vDim, sym, field);
+}
+
+int c__ztbsparsesymboltodensearray(ztbRec* handle, void* cube, const int* vDim, void* sym,
+                                   void** domains, int field, int* nDropped) {
+  return ztb::ztbSparseSymbolToDenseArray(handle, cube, vDim, sym, domains, field, nDropped);
+}
+
+int c__ztbsparsesymboltosqzdarray(ztbRec* handle, void* cube, const int* vDim, void* sym,
+                                  void** squeezeDomains, void** domains, int field, int* nDropped) {
+  return ztb::ztbSparseSymbolToSqzdArray(handle, cube, vDim, sym, squeezeDomains, domains, field,
+                                         nDropped);
+}
+
+int c__ztbdensearraytosymbol(ztbRec* handle, void* sym, void** domains, const void* cube,
+                             const int* vDim) {
+  return ztb::ztbDenseArrayToSymbol(handle, sym, domains, cube, vDim);
+}
+
+int c__ztbdensearrayslicestosymbol(ztbRec* handle, void* sym, void** sliceDomains, void** domains,
+                                   const void* cube, const int* vDim) {
+  return ztb::ztbDenseArraySlicesToSymbol(handle, sym, sliceDomains, domains, cube, vDim);
+}
+
+int c__ztbcopysymbol(ztbRec* handle, void* target, void* source) {
+  return ztb::ztbCopySymbol(handle, target, source);
+}
+
+int c__ztbgetsymbolsuels(ztbRec* handle, void** symbols, int symbolCount, int* uelCounts,
+                         int listSize) {
+  return ztb::ztbGetSymbolsUels(handle, symbols, symbolCount, uelCounts, listSize);
+}
+
+int c__ztbcheckdbdv(ztbRec* handle, int* hasViolation) {
+  return ztb::ztbCheckDBDV(handle, hasViolation);
+}
+
+int c__ztbchecksymboldv(ztbRec* handle, void* sym, int* hasViolation) {
+  return ztb::ztbCheckSymbolDV(handle, sym, hasViolation);
+}
+
+int c__ztbgetfirstdbdv(ztbRec* handle, void** dvHandle) {
+  return ztb::ztbGetFirstDBDV(handle, dvHandle);
+}
+
+void* c__ztbgetfirstdbdvpy(ztbRec* handle, int* status) {
+  return ztb::ztbGetFirstDBDVPy(handle, status);
+}
+
+int c__ztbgetfirstdvinsymbol(ztbRec* handle, void* sym, void** dvHandle) {
+  return ztb::ztbGetFirstDVInSymbol(handle, sym, dvHandle);
+}
+
+void* c__ztbgetfirstdvinsymbolpy(ztbRec* handle, void* sym, int* status) {
+  return ztb::ztbGetFirstDVInSymbolPy(handle, sym, status);
+}
+
+int c__ztbgetfirstdvinnextsymbol(ztbRec* handle, void* dvHandle, int* found) {
+  return ztb::ztbGetFirstDVInNextSymbol(handle, dvHandle, found);
+}
+
+int c__ztbmovenextdvinsymbol(ztbRec* handle, void* dvHandle, int* hasNext) {
+  return ztb::ztbMoveNextDVInSymbol(handle, dvHandle, hasNext);
+}
+
+int c__ztbfreedvhandle(ztbRec* handle, void* dvHandle) {
+  return ztb::ztbFreeDVHandle(handle, dvHandle);
+}
+
+int c__ztbdomaincheckdone(ztbRec* handle) {
+  return ztb::ztbDomainCheckDone(handle);
+}
+
+int c__ztbgetdvsymbol(ztbRec* handle, void* dvHandle, void** symPtr) {
+  return ztb::ztbGetDVSymbol(handle, dvHandle, symPtr);
+}
+
+void* c__ztbgetdvsymbolpy(ztbRec* handle, void* dvHandle, int* status) {
+  return ztb::ztbGetDVSymbolPy(handle, dvHandle, status);
+}
+
+int c__ztbgetdvsymbolrecord(ztbRec* handle, void* dvHandle, void** recPtr) {
+  return ztb::ztbGetDVSymbolRecord(handle, dvHandle, recPtr);
+}
+
+void* c__ztbgetdvsymbolrecordpy(ztbRec* handle, void* dvHandle, int* status) {
+  return ztb::ztbGetDVSymbolRecordPy(handle, dvHandle, status);
+}
+
+int c__ztbgetdvindicator(ztbRec* handle, void* dvHandle, int* indicator) {
+  return ztb::ztbGetDVIndicator(handle, dvHandle, indicator);
+}
+
+int c__ztbstartwriterecording(ztbRec* handle) {
+  return ztb::ztbStartWriteRecording(handle);
+}
+
+int c__ztbstopwriterecording(ztbRec* handle) {
+  return ztb::ztbStopWriteRecording(handle);
+}

@@ -9,6 +9,18 @@ extern "C" {
 /* A database. Only pointers to it cross the interface. */
 typedef struct ztbRec ztbRec;
 
+/* What a host engine offers to a database that is attached to it. Names and texts have a length
+ * byte in front and no terminator; userMem is the host's own word. All but the log return 0 for
+ * success.
+ */
+typedef int (*ztbHostFindSymbol)(const char* name, int* number, void* userMem);
+typedef int (*ztbHostDataReadRawStart)(int number, int* count, void* userMem);
+typedef int (*ztbHostDataReadRaw)(int* keys, double* values, int* unused, void* userMem);
+typedef int (*ztbHostDataReadDone)(void* userMem);
+/* text has room for a length byte and size chars. */
+typedef int (*ztbHostGetElemText)(int number, char* text, int size, void* userMem);
+typedef void (*ztbHostLog)(const char* text, void* userMem);
+
 /* Limits. */
 enum {
   ZTB_MAX_DIMENSION = 20,    /* index positions of a symbol */

@@ -361,6 +361,114 @@ int c__ztbselectrecordstorage(ztbRec* ztb, void** sym, int storage);
 /* The same; the symbol's present handle is returned. */
 void* c__ztbselectrecordstoragepy(ztbRec* ztb, void* sym, int storage, int* status);
 
+/* ---- other sources --------------------------------------------------------------------------- */
+
+/* Makes an empty database a deep copy of another one: labels, symbols and records. Texts of set
+ * records are not copied: their numbers point into the new database's own texts. */
+int c__ztbinitfromdb(ztbRec* ztb, ztbRec* source);
+
+/* Stands the database on a host engine: the records of all its symbols are dropped and come from
+ * the callbacks when a symbol is first touched. log, if not null, receives what c__ztbprintlog
+ * prints. */
+int c__ztbinitfromhvex(ztbRec* ztb, ztbHostFindSymbol findSymbol,
+                       ztbHostDataReadRawStart dataReadRawStart, ztbHostDataReadRaw dataReadRaw,
+                       ztbHostDataReadDone dataReadDone, ztbHostGetElemText getElemText,
+                       ztbHostLog logCallback, void* userMem);
+
+/* ---- arrays ------------------------------------------------------------------------------------
+ */
+
+/* A cube has vDim[d] cells at position d and lies row-major, last index fastest; a label's place at
+ * a position is its rank among the records of that position's domain set. Cells are doubles, with
+ * special values as the caller has set them; for a set they are ints. field is a value slot from 0
+ * to 4, taken as 0 for a parameter and not used for a set. domains holds a one-dimensional set for
+ * each position. Scalars and the universe are refused. */
+
+/* A symbol with one record for each cell, in the order of its records; labels are not looked at. A
+ * set gives 1, 2, 3 and so on. */
+int c__ztbdensesymboltodensearray(ztbRec* ztb, void* cube, const int* vDim, void* sym, int field);
+
+/* Each record at the place of its labels, zero elsewhere; a set numbers its records from 1. The
+ * size of domains[d] must be vDim[d]. *nDropped: records with a label outside its domain, -1 after
+ * a failed check. */
+int c__ztbsparsesymboltodensearray(ztbRec* ztb, void* cube, const int* vDim, void* sym,
+                                   void** domains, int field, int* nDropped);
+
+/* The same over the labels of squeezeDomains, whose sizes must be vDim; domains tells what counts
+ * as a label of the symbol, and the cells of a set hold 1 plus the cell's number in the cube over
+ * these. The first record outside ends the transfer: *nDropped is then 1 and the result still 1. */
+int c__ztbsparsesymboltosqzdarray(ztbRec* ztb, void* cube, const int* vDim, void* sym,
+                                  void** squeezeDomains, void** domains, int field, int* nDropped);
+
+/* Replaces the records of a parameter by one for each cell, zeros included, or those of a set by
+ * one for each cell that is not 0, whose value is taken as text number. The symbol is emptied
+ * before anything but its handle is checked. */
+int c__ztbdensearraytosymbol(ztbRec* ztb, void* sym, void** domains, const void* cube,
+                             const int* vDim);
+
+/* The same for the labels of sliceDomains only, leaving out every cell that is 0; the cube is laid
+ * out over domains. */
+int c__ztbdensearrayslicestosymbol(ztbRec* ztb, void* sym, void** sliceDomains, void** domains,
+                                   const void* cube, const int* vDim);
+
+/* ---- copies and label counts -------------------------------------------------------------------
+ */
+
+/* Replaces the records of target by those of source, of the same type, or of any type if target is
+ * a set; labels and texts cross by their strings, so that the two may be in different databases. */
+int c__ztbcopysymbol(ztbRec* ztb, void* target, void* source);
+
+/* Counts how often each label stands in the keys of the given symbols; uelCounts has listSize
+ * entries, one for each label number from 0. */
+int c__ztbgetsymbolsuels(ztbRec* ztb, void** symbols, int symbolCount, int* uelCounts,
+                         int listSize);
+
+/* ---- domain violations -------------------------------------------------------------------------
+ */
+
+/* A violation handle stands on a record with a label outside the set that its symbol names as
+ * domain; null means that there is none. Each is ended by c__ztbfreedvhandle. A check of the
+ * database keeps its tables until c__ztbdomaincheckdone. */
+
+/* Whether there is any violation in the database, or in one symbol. */
+int c__ztbcheckdbdv(ztbRec* ztb, int* hasViolation);
+int c__ztbchecksymboldv(ztbRec* ztb, void* sym, int* hasViolation);
+
+/* First violation of the database, which begins a check of it, or of one symbol. A symbol not yet
+ * read from its source shows none. */
+int c__ztbgetfirstdbdv(ztbRec* ztb, void** dvHandle);
+void* c__ztbgetfirstdbdvpy(ztbRec* ztb, int* status);
+int c__ztbgetfirstdvinsymbol(ztbRec* ztb, void* sym, void** dvHandle);
+void* c__ztbgetfirstdvinsymbolpy(ztbRec* ztb, void* sym, int* status);
+
+/* Moves the handle to the first violation of a later symbol; *found tells whether there is one. */
+int c__ztbgetfirstdvinnextsymbol(ztbRec* ztb, void* dvHandle, int* found);
+
+/* Moves the handle to the next violation of its symbol; *hasNext tells whether there was one. */
+int c__ztbmovenextdvinsymbol(ztbRec* ztb, void* dvHandle, int* hasNext);
+
+/* Ends a violation handle; null is accepted. */
+int c__ztbfreedvhandle(ztbRec* ztb, void* dvHandle);
+
+/* Ends a check of the database. */
+int c__ztbdomaincheckdone(ztbRec* ztb);
+
+/* The violating record's symbol, a record handle on it, and for each position 1 where it violates
+ * and 0 elsewhere. */
+int c__ztbgetdvsymbol(ztbRec* ztb, void* dvHandle, void** symPtr);
+void* c__ztbgetdvsymbolpy(ztbRec* ztb, void* dvHandle, int* status);
+int c__ztbgetdvsymbolrecord(ztbRec* ztb, void* dvHandle, void** recPtr);
+void* c__ztbgetdvsymbolrecordpy(ztbRec* ztb, void* dvHandle, int* status);
+int c__ztbgetdvindicator(ztbRec* ztb, void* dvHandle, int* indicator);
+
+/* ---- write recording ---------------------------------------------------------------------------
+ */
+
+/* From start to stop, operations mark the symbols they write to; c__ztbsymbolinfo reads the marks.
+ * A start clears all marks but those of the first symbol and of aliases. */
+int c__ztbstartwriterecording(ztbRec* ztb);
+int c__ztbstopwriterecording(ztbRec* ztb);
+
 /* ---- length-prefixed strings -------------------------------------------------------------------
  */
 

@@ -92,6 +92,32 @@
   NAME(c__ztbwriterxf) \
   NAME(c__xapiversion) \
   NAME(c__xcheck) \
+  NAME(c__ztbcheckdbdv) \
+  NAME(c__ztbchecksymboldv) \
+  NAME(c__ztbcopysymbol) \
+  NAME(c__ztbdensearrayslicestosymbol) \
+  NAME(c__ztbdensearraytosymbol) \
+  NAME(c__ztbdensesymboltodensearray) \
+  NAME(c__ztbdomaincheckdone) \
+  NAME(c__ztbfreedvhandle) \
+  NAME(c__ztbgetdvindicator) \
+  NAME(c__ztbgetdvsymbol) \
+  NAME(c__ztbgetdvsymbolpy) \
+  NAME(c__ztbgetdvsymbolrecord) \
+  NAME(c__ztbgetdvsymbolrecordpy) \
+  NAME(c__ztbgetfirstdbdv) \
+  NAME(c__ztbgetfirstdbdvpy) \
+  NAME(c__ztbgetfirstdvinnextsymbol) \
+  NAME(c__ztbgetfirstdvinsymbol) \
+  NAME(c__ztbgetfirstdvinsymbolpy) \
+  NAME(c__ztbgetsymbolsuels) \
+  NAME(c__ztbinitfromdb) \
+  NAME(c__ztbinitfromhvex) \
+  NAME(c__ztbmovenextdvinsymbol) \
+  NAME(c__ztbsparsesymboltodensearray) \
+  NAME(c__ztbsparsesymboltosqzdarray) \
+  NAME(c__ztbstartwriterecording) \
+  NAME(c__ztbstopwriterecording) \
   NAME(d__ztbaddrecord) \
   NAME(d__ztbaddrecordpy) \
   NAME(d__ztbaddrecordraw) \

@@ -1,7 +1,6 @@
 // Records outside their domains, found through the membership tables of the domain sets.
 #include <gtest/gtest.h>
 
-#include <array>
 #include <stdexcept>
 #include <vector>
 
@@ -17,7 +16,7 @@ using unittest::symbolOf;
 
 class DomainViolation : public testing::Test {
  protected:
-  DomainViolation() { rowSet_->domainMembership = rows_.data(); }
+  DomainViolation() { rowSet_->domainMembership = {0, 1, 0, 1, 0, 0}; }
 
   // Keys of all violations behind the first record.
   std::vector<Keys> violationsBehindTheFirst() {
@@ -30,8 +29,7 @@ class DomainViolation : public testing::Test {
     return result;
   }
 
-  // By label number: 1 and 3 are members.
-  std::array<int, 6> rows_{0, 1, 0, 1, 0, 0};
+  // Of the row set, labels 1 and 3 are members.
   std::unique_ptr<AbstractZTBSymbol> rowSet_ = symbolOf(1, dmap::typeSet, "rows");
   std::unique_ptr<AbstractZTBSymbol> columnSet_ = symbolOf(1, dmap::typeSet, "columns");
   std::unique_ptr<AbstractZTBSymbol> symbol_ =
@@ -44,16 +42,21 @@ TEST_F(DomainViolation, isARecordWhoseLabelHas0InTheTable) {
 }
 
 TEST_F(DomainViolation, anyPositionCounts) {
-  std::array<int, 6> columns{0, 1, 1, 0, 1, 0};
-  columnSet_->domainMembership = columns.data();
+  columnSet_->domainMembership = {0, 1, 1, 0, 1, 0};
   symbol_->domainSymbols = {rowSet_.get(), columnSet_.get()};
   EXPECT_EQ((std::vector<Keys>{{2, 1}, {3, 3}, {4, 4}}), violationsBehindTheFirst());
 }
 
 TEST_F(DomainViolation, anyValueButZeroIsAMember) {
-  rows_ = {0, 5, -1, 1, 2, 0};
+  rowSet_->domainMembership = {0, 5, -1, 1, 2, 0};
   symbol_->domainSymbols = {rowSet_.get(), nullptr};
   EXPECT_TRUE(violationsBehindTheFirst().empty());
+}
+
+TEST_F(DomainViolation, aLabelNewerThanTheTableIsNoMember) {
+  rowSet_->domainMembership = {0, 1, 1, 1};
+  symbol_->domainSymbols = {rowSet_.get(), nullptr};
+  EXPECT_EQ((std::vector<Keys>{{4, 4}}), violationsBehindTheFirst());
 }
 
 TEST_F(DomainViolation, theRecordUnderTheHandleIsNotTested) {

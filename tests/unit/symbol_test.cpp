@@ -49,7 +49,7 @@ TEST(SymbolFactory, givesALoadedSymbolThatStandsForItself) {
   EXPECT_EQ(11, symbol->userInfo);
   EXPECT_EQ(nullptr, symbol->database);
   EXPECT_EQ(symbol.get(), symbol->aliasTarget);
-  EXPECT_EQ(nullptr, symbol->domainMembership);
+  EXPECT_TRUE(symbol->domainMembership.empty());
   EXPECT_TRUE(symbol->loaded);
   EXPECT_FALSE(symbol->usedAsDomain);
   EXPECT_FALSE(symbol->writeRecorded);

@@ -1,0 +1,188 @@
+// A caller's cube into the records of a set or parameter.
+
+#include <array>
+#include <vector>
+
+#include "core/frame.h"
+#include "core/handles.h"
+#include "core/operations.h"
+#include "transfer/domain_checks.h"
+
+namespace ztb {
+namespace {
+
+using Places = std::array<std::size_t, dmap::maxDimension>;
+
+// The cells of a cube to read: whole numbers for a set, doubles for a parameter.
+class Cells {
+ public:
+  Cells(const ZTB& db, const void* cells, bool isSet) : db_(db), cells_(cells), isSet_(isSet) {}
+
+  [[nodiscard]] bool isSet() const { return isSet_; }
+  [[nodiscard]] bool isZero(std::size_t cell) const {
+    return isSet_ ? whole(cell) == 0 : real(cell) == 0.0;
+  }
+  // What the record at a cell holds.
+  [[nodiscard]] double value(std::size_t cell) const {
+    return isSet_ ? whole(cell) : db_.mapIn(real(cell));
+  }
+
+ private:
+  [[nodiscard]] int whole(std::size_t cell) const { return static_cast<const int*>(cells_)[cell]; }
+  [[nodiscard]] double real(std::size_t cell) const {
+    return static_cast<const double*>(cells_)[cell];
+  }
+
+  const ZTB& db_;
+  const void* cells_;
+  bool isSet_;
+};
+
+// Empties the target; whatever is refused afterwards, its records are gone. Records that are still
+// in a source are given up without being read.
+bool emptyTarget(ZTB& db, AbstractZTBSymbol* symbol) {
+  if (!checkSparseSymbol(db, symbol)) {
+    return false;
+  }
+  if (symbol->loaded) {
+    symbol->clearRecords();
+  } else {
+    symbol->loaded = true;
+  }
+  markWritten(db, *symbol);
+  if (symbol->type != ZTB_SET && symbol->type != ZTB_PARAMETER) {
+    return db.fail("Copy into var/equ symbol %s not possible", symbol->name.c_str()) == success;
+  }
+  requireKeyRoom(*symbol);
+  return true;
+}
+
+bool checkPosition(ZTB& db, const AbstractZTBSymbol& symbol, AbstractZTBSymbol* domain,
+                   int position, int cells) {
+  if (!checkDomain(db, symbol, domain) || !checkCard(db, *domain, position, cells)) {
+    return false;
+  }
+  if (cells == 0) {
+    return db.fail("Zero sized dimension %d", position + 1) == success;
+  }
+  return true;
+}
+
+int wholeCube(ZTB& db, void* sym, void* const* domains, const void* cube, const int* vDim) {
+  AbstractZTBSymbol* symbol = symbolOf(sym);
+  if (!emptyTarget(db, symbol)) {
+    return failure;
+  }
+  const auto dim = static_cast<std::size_t>(symbol->dim);
+  std::size_t total = 1;
+  for (std::size_t d = 0; d < dim; ++d) {
+    if (!checkPosition(db, *symbol, symbolOf(domains[d]), static_cast<int>(d), vDim[d])) {
+      return failure;
+    }
+    total *= static_cast<std::size_t>(vDim[d]);
+  }
+  std::vector<std::vector<int>> labels;
+  for (std::size_t d = 0; d < dim; ++d) {
+    labels.push_back(labelsOf(*symbolOf(domains[d])));
+  }
+  const Cells cells(db, cube, symbol->type == ZTB_SET);
+  Places index = {};
+  KeyBuffer keys = {};
+  for (std::size_t d = 0; d < dim; ++d) {
+    keys[d] = labels[d][0];
+  }
+  for (std::size_t cell = 0; cell < total; ++cell) {
+    if (!cells.isSet() || !cells.isZero(cell)) {
+      const double value = cells.value(cell);
+      symbol->insertRecord(keys.data(), &value);
+    }
+    for (std::size_t d = dim; d-- > 0;) {
+      index[d] = index[d] + 1 < labels[d].size() ? index[d] + 1 : 0;
+      keys[d] = labels[d][index[d]];
+      if (index[d] != 0) {
+        break;
+      }
+    }
+  }
+  return success;
+}
+
+// A label that is wanted: its number and its rank from 0 in the full domain.
+struct SliceLabel {
+  int label;
+  std::size_t rank;
+};
+
+// The labels of a slice set that the full domain has, in the order of the slice set.
+std::vector<SliceLabel> sliceLabels(AbstractZTBSymbol& sliceDomain, const LabelRanks& ranks) {
+  std::vector<SliceLabel> labels;
+  sliceDomain.forEachKey([&](const int* key) {
+    const int rank = rankOf(ranks, key[0]);
+    if (rank != 0) {
+      labels.push_back({key[0], static_cast<std::size_t>(rank) - 1});
+    }
+  });
+  return labels;
+}
+
+int slices(ZTB& db, void* sym, void* const* sliceDomains, void* const* domains, const void* cube,
+           const int* vDim) {
+  AbstractZTBSymbol* symbol = symbolOf(sym);
+  if (!emptyTarget(db, symbol)) {
+    return failure;
+  }
+  const auto dim = static_cast<std::size_t>(symbol->dim);
+  for (std::size_t d = 0; d < dim; ++d) {
+    if (!checkPosition(db, *symbol, symbolOf(domains[d]), static_cast<int>(d), vDim[d]) ||
+        !checkDomain(db, *symbol, symbolOf(sliceDomains[d]))) {
+      return failure;
+    }
+  }
+  const RankTables ranks(domains, symbol->dim, db);
+  std::vector<std::vector<SliceLabel>> labels;
+  for (std::size_t d = 0; d < dim; ++d) {
+    labels.push_back(sliceLabels(*symbolOf(sliceDomains[d]), ranks.at(static_cast<int>(d))));
+  }
+  for (const auto& wanted : labels) {
+    if (wanted.empty()) {
+      return success;
+    }
+  }
+  const Cells cells(db, cube, symbol->type == ZTB_SET);
+  Places index = {};
+  KeyBuffer keys = {};
+  for (bool more = true; more;) {
+    std::size_t cell = 0;
+    for (std::size_t d = 0; d < dim; ++d) {
+      const SliceLabel& wanted = labels[d][index[d]];
+      cell = cell * static_cast<std::size_t>(vDim[d]) + wanted.rank;
+      keys[d] = wanted.label;
+    }
+    if (!cells.isZero(cell)) {
+      const double value = cells.value(cell);
+      symbol->insertRecord(keys.data(), &value);
+    }
+    more = false;
+    for (std::size_t d = dim; d-- > 0 && !more;) {
+      more = ++index[d] < labels[d].size();
+      index[d] = more ? index[d] : 0;
+    }
+  }
+  return success;
+}
+
+}  // namespace
+
+int ztbDenseArrayToSymbol(ztbRec* handle, void* sym, void** domains, const void* cube,
+                          const int* vDim) {
+  return operation(handle, "ztbDenseArrayToSymbol",
+                   [&](ZTB& db) { return wholeCube(db, sym, domains, cube, vDim); });
+}
+
+int ztbDenseArraySlicesToSymbol(ztbRec* handle, void* sym, void** sliceDomains, void** domains,
+                                const void* cube, const int* vDim) {
+  return operation(handle, "ztbDenseArraySlicesToSymbol",
+                   [&](ZTB& db) { return slices(db, sym, sliceDomains, domains, cube, vDim); });
+}
+
+}  // namespace ztb

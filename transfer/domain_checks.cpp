@@ -1,0 +1,84 @@
+#include "transfer/domain_checks.h"
+
+#include <algorithm>
+#include <stdexcept>
+#include <string>
+
+#include "core/handles.h"
+
+namespace ztb {
+
+LabelRanks ranksOf(AbstractZTBSymbol& set, const ZTB& db) {
+  LabelRanks ranks(static_cast<std::size_t>(db.uels.size()));
+  int rank = 0;
+  set.forEachKey([&](const int* key) {
+    const auto label = static_cast<std::size_t>(key[0]);
+    if (label >= ranks.size()) {
+      throw std::logic_error("set " + set.name + " holds the unknown label number " +
+                             std::to_string(key[0]));
+    }
+    ranks[label] = ++rank;
+  });
+  return ranks;
+}
+
+RankTables::RankTables(void* const* domains, int count, const ZTB& db) {
+  std::vector<void*> seen;
+  for (int d = 0; d < count; ++d) {
+    const auto known = std::ranges::find(seen, domains[d]);
+    tableOf_.push_back(static_cast<std::size_t>(known - seen.begin()));
+    if (known == seen.end()) {
+      seen.push_back(domains[d]);
+      tables_.push_back(ranksOf(*symbolOf(domains[d]), db));
+    }
+  }
+}
+
+std::vector<int> labelsOf(AbstractZTBSymbol& domain) {
+  std::vector<int> labels;
+  labels.reserve(static_cast<std::size_t>(domain.recordCount()));
+  domain.forEachKey([&labels](const int* key) { labels.push_back(key[0]); });
+  return labels;
+}
+
+bool checkDomain(ZTB& db, const AbstractZTBSymbol& symbol, AbstractZTBSymbol* domain) {
+  const char* name = symbol.name.c_str();
+  if (domain == nullptr) {
+    return db.fail("No domain symbol handle specified for symbol %s", name) == success;
+  }
+  if (domain->name == "*") {
+    return db.fail("Cannot use universe as domain symbol %s", name) == success;
+  }
+  if (domain->database != symbol.database) {
+    return db.fail("Symbol %s and domain symbol %s in different databases", name,
+                   domain->name.c_str()) == success;
+  }
+  if (domain->dim != 1) {
+    return db.fail("Domain symbol %s has dimension %d, needs to be 1", domain->name.c_str(),
+                   domain->dim) == success;
+  }
+  return db.ensureLoaded(*domain);
+}
+
+bool checkCard(ZTB& db, const AbstractZTBSymbol& domain, int position, int cells) {
+  if (domain.recordCount() == cells) {
+    return true;
+  }
+  return db.fail("Cube dimension %d is %d while card(%s) is %zd.", position + 1, cells,
+                 domain.name.c_str(), static_cast<ssize_t>(domain.recordCount())) == success;
+}
+
+bool checkSparseSymbol(ZTB& db, const AbstractZTBSymbol* symbol) {
+  if (symbol == nullptr) {
+    return db.fail("Empty symbol pointer") == success;
+  }
+  if (symbol->name == "*") {
+    return db.fail("Can't map universe") == success;
+  }
+  if (symbol->dim == 0) {
+    return db.fail("Can't map scalars") == success;
+  }
+  return true;
+}
+
+}  // namespace ztb

@@ -1,0 +1,49 @@
+// Checks of the sets that lay out a caller's cube, and the tables made from them.
+#ifndef ZTB_TRANSFER_DOMAIN_CHECKS_H_
+#define ZTB_TRANSFER_DOMAIN_CHECKS_H_
+
+#include <cstddef>
+#include <vector>
+
+#include "core/ztb.h"
+#include "store/abstract_symbol.h"
+
+namespace ztb {
+
+// The ranks of a set's labels. Throws std::logic_error when a record of the set holds a number that
+// no label has.
+LabelRanks ranksOf(AbstractZTBSymbol& set, const ZTB& db);
+
+// The ranks of a list of sets, worked out once for each set however often it stands in the list.
+class RankTables {
+ public:
+  RankTables(void* const* domains, int count, const ZTB& db);
+
+  [[nodiscard]] const LabelRanks& at(int position) const {
+    return tables_[tableOf_[static_cast<std::size_t>(position)]];
+  }
+
+ private:
+  std::vector<LabelRanks> tables_;
+  std::vector<std::size_t> tableOf_;
+};
+
+// The labels of a set in the order of its records.
+std::vector<int> labelsOf(AbstractZTBSymbol& domain);
+
+// Whether a set may lay out a position of a symbol. The text of a refusal, in this order:
+// "No domain symbol handle specified for symbol %s",
+// "Cannot use universe as domain symbol %s", "Symbol %s and domain symbol %s in different
+// databases", "Domain symbol %s has dimension %d, needs to be 1", or that of a failed load.
+bool checkDomain(ZTB& db, const AbstractZTBSymbol& symbol, AbstractZTBSymbol* domain);
+
+// Whether a set has as many records as the cube has cells at a position. The text of a refusal:
+// "Cube dimension %d is %d while card(%s) is %zd."
+bool checkCard(ZTB& db, const AbstractZTBSymbol& domain, int position, int cells);
+
+// "Empty symbol pointer", "Can't map universe" and "Can't map scalars", in this order.
+bool checkSparseSymbol(ZTB& db, const AbstractZTBSymbol* symbol);
+
+}  // namespace ztb
+
+#endif  // ZTB_TRANSFER_DOMAIN_CHECKS_H_

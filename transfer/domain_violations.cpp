@@ -1,0 +1,249 @@
+// Finding records with labels outside the sets that their symbol names as domains, one at a time.
+
+#include <algorithm>
+
+#include "core/frame.h"
+#include "core/handles.h"
+#include "core/operations.h"
+#include "store/symbol_factory.h"
+#include "transfer/domain_membership.h"
+
+namespace ztb {
+namespace {
+
+using RecordHandle = AbstractZTBSymbol::RecordHandle;
+
+bool checkingDatabase(const ZTB& db) {
+  return db.dvState == 1;
+}
+
+// The deciding sets of a whole-database check: every symbol's own, aliases included.
+bool prepareDatabase(ZTB& db) {
+  return db.symbols.forEach([&db](AbstractZTBSymbol* symbol) {
+    AbstractZTBSymbol* set = decidingSet(symbol);
+    return set == nullptr || prepareMembership(db, *set);
+  });
+}
+
+void buildDatabase(ZTB& db) {
+  db.symbols.forEach([&db](AbstractZTBSymbol* symbol) {
+    AbstractZTBSymbol* set = decidingSet(symbol);
+    if (set != nullptr) {
+      buildMembership(db, *set);
+    }
+    return true;
+  });
+}
+
+// The handle behind a violation handle, or null with the reason in the database's last error.
+AbstractZTBSymbolIterator* violationOf(ZTB& db, void* dvHandle) {
+  AbstractZTBSymbolIterator* record = recordOf(dvHandle);
+  if (record == nullptr) {
+    db.fail("No domain violation handle specified");
+    return nullptr;
+  }
+  if (record->symbol()->isEnd(*record)) {
+    db.fail("No valid violation handle");
+    return nullptr;
+  }
+  return record;
+}
+
+int violationSymbol(ZTB& db, void* dvHandle, void** symPtr) {
+  AbstractZTBSymbolIterator* record = violationOf(db, dvHandle);
+  if (record == nullptr) {
+    return failure;
+  }
+  *symPtr = record->symbol();
+  return success;
+}
+
+int violationRecord(ZTB& db, void* dvHandle, void** recPtr) {
+  AbstractZTBSymbolIterator* record = violationOf(db, dvHandle);
+  if (record == nullptr) {
+    return failure;
+  }
+  *recPtr = nullptr;
+  *recPtr = copyRecordHandle(db.recordStorage, *record).release();
+  return success;
+}
+
+int firstInSymbol(ZTB& db, AbstractZTBSymbol& symbol, void** dvHandle) {
+  *dvHandle = nullptr;
+  if (!checkingDatabase(db)) {
+    if (!prepareDomains(db, symbol)) {
+      return failure;
+    }
+    buildDomains(db, symbol);
+  }
+  auto [clean, record] = symbol.firstRejected(
+      [&symbol](const int* keys, const double*) { return !symbol.violatesDomain(keys); });
+  if (!clean) {
+    *dvHandle = record.release();
+  } else if (!checkingDatabase(db)) {
+    freeDomains(symbol);
+  }
+  return success;
+}
+
+int firstInDatabase(ztbRec* handle, ZTB& db, void** dvHandle) {
+  *dvHandle = nullptr;
+  AbstractZTBSymbol* symbol = nextSymbolWithDomain(db, nullptr);
+  if (symbol == nullptr) {
+    return success;
+  }
+  if (!prepareDatabase(db)) {
+    return failure;
+  }
+  buildDatabase(db);
+  db.dvState = 1;
+  for (; symbol != nullptr; symbol = nextSymbolWithDomain(db, symbol)) {
+    if (ztbGetFirstDVInSymbol(handle, symbol, dvHandle) != success) {
+      return failure;
+    }
+    if (*dvHandle != nullptr) {
+      return success;
+    }
+  }
+  return success;
+}
+
+int firstInNextSymbol(ztbRec* handle, ZTB& db, AbstractZTBSymbolIterator& record, int* found) {
+  *found = 0;
+  for (AbstractZTBSymbol* symbol = nextSymbolWithDomain(db, record.symbol()); symbol != nullptr;
+       symbol = nextSymbolWithDomain(db, symbol)) {
+    void* fresh = nullptr;
+    if (ztbGetFirstDVInSymbol(handle, symbol, &fresh) != success) {
+      return failure;
+    }
+    if (fresh != nullptr) {
+      record.moveToSymbolOf(*recordOf(fresh));
+      *found = 1;
+      return ztbFreeDVHandle(handle, fresh);
+    }
+  }
+  return success;
+}
+
+}  // namespace
+
+int ztbCheckDBDV(ztbRec* handle, int* hasViolation) {
+  return operation(handle, "ztbCheckDBDV", [&](ZTB&) {
+    void* violation = nullptr;
+    int result = ztbGetFirstDBDV(handle, &violation);
+    *hasViolation = violation == nullptr ? 0 : 1;
+    if (violation != nullptr && ztbFreeDVHandle(handle, violation) != success) {
+      result = failure;
+    }
+    return result == success ? ztbDomainCheckDone(handle) : failure;
+  });
+}
+
+int ztbCheckSymbolDV(ztbRec* handle, void* sym, int* hasViolation) {
+  return operation(handle, "ztbCheckSymbolDV", [&](ZTB&) {
+    void* violation = nullptr;
+    const int result = ztbGetFirstDVInSymbol(handle, sym, &violation);
+    *hasViolation = violation == nullptr ? 0 : 1;
+    return violation == nullptr ? result : ztbFreeDVHandle(handle, violation);
+  });
+}
+
+int ztbGetFirstDBDV(ztbRec* handle, void** dvHandle) {
+  return operation(handle, "ztbGetFirstDBDV",
+                   [&](ZTB& db) { return firstInDatabase(handle, db, dvHandle); });
+}
+
+void* ztbGetFirstDBDVPy(ztbRec* handle, int* status) {
+  return handleFromPlain("ztbGetFirstDBDVPy", status,
+                         [&](void** result) { return ztbGetFirstDBDV(handle, result); });
+}
+
+int ztbGetFirstDVInSymbol(ztbRec* handle, void* sym, void** dvHandle) {
+  return operation(handle, "ztbGetFirstDVInSymbol",
+                   [&](ZTB& db) { return firstInSymbol(db, *symbolOf(sym), dvHandle); });
+}
+
+void* ztbGetFirstDVInSymbolPy(ztbRec* handle, void* sym, int* status) {
+  return handleFromPlain("ztbGetFirstDVInSymbolPy", status,
+                         [&](void** result) { return ztbGetFirstDVInSymbol(handle, sym, result); });
+}
+
+int ztbGetFirstDVInNextSymbol(ztbRec* handle, void* dvHandle, int* found) {
+  return operation(handle, "ztbGetFirstDVInNextSymbol", [&](ZTB& db) {
+    return firstInNextSymbol(handle, db, requireRecord(dvHandle), found);
+  });
+}
+
+int ztbMoveNextDVInSymbol(ztbRec* handle, void* dvHandle, int* hasNext) {
+  return operation(handle, "ztbMoveNextDVInSymbol", [&](ZTB&) {
+    AbstractZTBSymbolIterator& record = requireRecord(dvHandle);
+    *hasNext = record.symbol()->toNextDomainViolation(record) ? 1 : 0;
+    return success;
+  });
+}
+
+int ztbFreeDVHandle(ztbRec* handle, void* dvHandle) {
+  return operation(handle, "ztbFreeDVHandle", [&](ZTB& db) {
+    const RecordHandle record(recordOf(dvHandle));
+    if (record != nullptr && !checkingDatabase(db)) {
+      freeDomains(*record->symbol());
+    }
+    return success;
+  });
+}
+
+int ztbDomainCheckDone(ztbRec* handle) {
+  return operation(handle, "ztbDomainCheckDone", [&](ZTB& db) {
+    if (db.dvState == 0) {
+      return success;
+    }
+    db.symbols.forEach([](AbstractZTBSymbol* symbol) {
+      if (AbstractZTBSymbol* set = decidingSet(symbol)) {
+        freeMembership(*set);
+      }
+      return true;
+    });
+    db.dvState = 0;
+    return success;
+  });
+}
+
+int ztbGetDVSymbol(ztbRec* handle, void* dvHandle, void** symPtr) {
+  return operation(handle, "ztbGetDVSymbol",
+                   [&](ZTB& db) { return violationSymbol(db, dvHandle, symPtr); });
+}
+
+void* ztbGetDVSymbolPy(ztbRec* handle, void* dvHandle, int* status) {
+  return handleOperation(
+      handle, {"ztbGetDVSymbolPy", "ztbGetDVSymbol"}, status,
+      [&](ZTB& db, void** result) { return violationSymbol(db, dvHandle, result); });
+}
+
+int ztbGetDVSymbolRecord(ztbRec* handle, void* dvHandle, void** recPtr) {
+  return operation(handle, "ztbGetDVSymbolRecord",
+                   [&](ZTB& db) { return violationRecord(db, dvHandle, recPtr); });
+}
+
+void* ztbGetDVSymbolRecordPy(ztbRec* handle, void* dvHandle, int* status) {
+  return handleOperation(
+      handle, {"ztbGetDVSymbolRecordPy", "ztbGetDVSymbolRecord"}, status,
+      [&](ZTB& db, void** result) { return violationRecord(db, dvHandle, result); });
+}
+
+int ztbGetDVIndicator(ztbRec* handle, void* dvHandle, int* indicator) {
+  return operation(handle, "ztbGetDVIndicator", [&](ZTB& db) {
+    AbstractZTBSymbolIterator* record = violationOf(db, dvHandle);
+    if (record == nullptr) {
+      return failure;
+    }
+    const AbstractZTBSymbol& symbol = *record->symbol();
+    std::fill_n(indicator, std::max(symbol.dim, 0), 0);
+    const int* keys = record->keys();
+    for (std::size_t d = 0; d < symbol.domainSymbols.size(); ++d) {
+      indicator[d] = symbol.violatesDomainAt(d, keys[d]) ? 1 : 0;
+    }
+    return success;
+  });
+}
+
+}  // namespace ztb

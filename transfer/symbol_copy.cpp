@@ -1,0 +1,162 @@
+// Copying a symbol by the strings of its labels and texts, across databases, and counting labels.
+
+#include <algorithm>
+#include <stdexcept>
+
+#include "core/default_records.h"
+#include "core/frame.h"
+#include "core/handles.h"
+#include "core/operations.h"
+
+namespace ztb {
+namespace {
+
+// Takes records of a source symbol into a target symbol, which is empty, or labels into the
+// universe of the target's database.
+class SymbolCopy {
+ public:
+  SymbolCopy(AbstractZTBSymbol& source, AbstractZTBSymbol& target)
+      : source_(source),
+        target_(target),
+        from_(*source.database),
+        to_(*target.database),
+        targetIsUniverse_(isUniverse(to_, &target)) {
+    requireKeyRoom(source);
+    if (!targetIsUniverse_) {
+      defaults_ = defaultRecord(target);
+    }
+  }
+
+  bool run() {
+    if (isUniverse(from_, &source_)) {
+      return copyLabels();
+    }
+    return from_.ensureLoaded(source_) &&
+           source_.forEachRecordWhile(
+               [this](const int* keys, const double* values) { return take(keys, values); });
+  }
+
+ private:
+  bool copyLabels() {
+    for (int number = 1; number < from_.uels.size(); ++number) {
+      KeyBuffer keys = {};
+      if (!to_.uels.merge(from_.uels.at(number), keys.data())) {
+        return false;
+      }
+      if (!targetIsUniverse_ &&
+          !target_.mergeRecord(keys.data(), defaults_, defaults_, nullptr).first) {
+        return false;
+      }
+    }
+    return true;
+  }
+
+  bool take(const int* keys, const double* values) {
+    // The source's key may stand in a buffer that the target's store uses, too.
+    KeyBuffer targetKeys = {};
+    const int labels = targetIsUniverse_ ? 1 : source_.dim;
+    for (int d = 0; d < labels; ++d) {
+      if (!to_.uels.merge(from_.uels.labelOf(keys[d]), &targetKeys[static_cast<std::size_t>(d)])) {
+        return false;
+      }
+    }
+    if (targetIsUniverse_) {
+      return true;
+    }
+    const auto [merged, slots] =
+        target_.mergeRecord(targetKeys.data(), defaults_, defaults_, nullptr);
+    if (!merged) {
+      return false;
+    }
+    if (slots == nullptr) {
+      throw std::logic_error("the copied record stands nowhere in symbol " + target_.name);
+    }
+    if (target_.type == ZTB_SET) {
+      slots[0] = to_.textNumber(source_.type == ZTB_SET ? textOf(values[0]) : "");
+    } else {
+      std::copy_n(values, dmap::slotCount(target_.type), slots);
+    }
+    return true;
+  }
+
+  [[nodiscard]] const char* textOf(double level) const {
+    const bool namesText = level >= 1.0 && level < from_.textPool.size();
+    return namesText ? from_.textPool.at(static_cast<int>(level)) : "";
+  }
+
+  AbstractZTBSymbol& source_;
+  AbstractZTBSymbol& target_;
+  ZTB& from_;
+  ZTB& to_;
+  bool targetIsUniverse_;
+  const double* defaults_ = nullptr;
+};
+
+int copySymbol(ZTB& db, AbstractZTBSymbol* target, AbstractZTBSymbol* source) {
+  if (source == nullptr) {
+    return db.fail("No source symbol handle specified");
+  }
+  if (target == nullptr) {
+    return db.fail("No target symbol handle specified");
+  }
+  if (target->dim != source->dim) {
+    return db.fail("Inconsistent symbol dimensions");
+  }
+  if (target->type != source->type && target->type != ZTB_SET) {
+    return db.fail("Inconsistent symbol types");
+  }
+  if (!isUniverse(*target->database, target)) {
+    if (target->loaded) {
+      target->clearRecords();
+    } else {
+      target->loaded = true;
+    }
+  }
+  if (!SymbolCopy(*source, *target).run()) {
+    return failure;
+  }
+  markWritten(*target->database, *target);
+  return success;
+}
+
+int countLabels(ZTB& db, void* const* symbols, int symbolCount, int* uelCounts, int listSize) {
+  if (listSize < db.uels.size()) {
+    return db.fail("Uel list size (%d) too short for %d uels", listSize, db.uels.size());
+  }
+  std::fill_n(uelCounts, listSize, 0);
+  for (int i = 0; i < symbolCount; ++i) {
+    AbstractZTBSymbol& symbol = *symbolOf(symbols[i]);
+    if (symbol.dim == 0 || symbol.type == ZTB_ALIAS) {
+      continue;
+    }
+    if (!db.ensureLoaded(symbol)) {
+      return failure;
+    }
+    symbol.forEachKey([&](const int* keys) {
+      for (int d = 0; d < symbol.dim; ++d) {
+        if (keys[d] < 0 || keys[d] >= listSize) {
+          throw std::logic_error("symbol " + symbol.name + " holds the unknown label number " +
+                                 std::to_string(keys[d]));
+        }
+        ++uelCounts[keys[d]];
+      }
+    });
+  }
+  return success;
+}
+
+}  // namespace
+
+int ztbCopySymbol(ztbRec* handle, void* target, void* source) {
+  return operation(handle, "ztbCopySymbol",
+                   [&](ZTB& db) { return copySymbol(db, symbolOf(target), symbolOf(source)); });
+}
+
+int ztbGetSymbolsUels(ztbRec* handle, void** symbols, int symbolCount, int* uelCounts,
+                      int listSize) {
+  return operation(handle, "ztbGetSymbolsUels", [&](ZTB& db) {
+    return countLabels(db, symbols, symbolCount, uelCounts, listSize);
+  });
+}
+
+}  // namespace ztb
