@@ -1,0 +1,97 @@
+#include <gtest/gtest.h>
+
+#include <string>
+#include <ztb/ztb.hpp>
+
+#include "tests/support/temp_folder.h"
+
+namespace {
+
+class FileTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    ztb::Database database;
+    ztb::Symbol i = database.addSet("i", {"*"});
+    i.add("a");
+    i.add("b").setText("second");
+    database.addAlias("j", i);
+    database.addParameter("p", {i}).add("a").setLevel(5);
+    database.write(path_);
+  }
+
+  ztbtest::TempFolder folder_;
+  std::string path_ = folder_.file("a.rxf");
+};
+
+TEST_F(FileTest, IsMirroredLazily) {
+  ztb::Database database = ztb::Database::open(path_);
+  EXPECT_TRUE(database.fileBacked());
+  EXPECT_EQ(database.labelCount(), 2);
+  EXPECT_EQ(database.symbol("i").find("b")->text(), "second");
+  database.closeFile(false);
+  EXPECT_FALSE(database.fileBacked());
+  EXPECT_EQ(database.symbol("i").recordCount(), 2);
+  EXPECT_THROW(static_cast<void>(database.symbol("p").recordCount()), ztb::Error);
+}
+
+TEST_F(FileTest, IsReadWhollyBeforeItIsClosed) {
+  ztb::Database database = ztb::Database::open(path_);
+  database.closeFile(true);
+  EXPECT_EQ(database.symbol("p").find("a")->level(), 5);
+}
+
+TEST_F(FileTest, IsWrittenOverItsOwnSource) {
+  {
+    ztb::Database database = ztb::Database::open(path_);
+    database.symbol("p").merge("b").setLevel(6);
+    database.write(path_);
+    EXPECT_FALSE(database.fileBacked());
+  }
+  const ztb::Database database = ztb::Database::open(path_);
+  EXPECT_EQ(database.symbol("p").find("a")->level(), 5);
+  EXPECT_EQ(database.symbol("p").find("b")->level(), 6);
+  EXPECT_EQ(database.symbol("i").find("b")->text(), "second");
+}
+
+TEST_F(FileTest, KeepsTheOldOneWhenARecordIsOutsideItsDomain) {
+  ztb::Database database = ztb::Database::open(path_);
+  database.symbol("p").add("c");
+  const std::string other = folder_.file("b.rxf");
+  EXPECT_THROW(database.write(other, true), ztb::Error);
+  database.write(other, false);
+  EXPECT_EQ(ztb::Database::open(other).symbol("p").recordCount(), 2);
+}
+
+// A symbol of a file is numbered from 1, one that was added from 0.
+TEST_F(FileTest, TakesNewAliasesOfItsSets) {
+  ztb::Database database = ztb::Database::open(path_);
+  const ztb::Symbol i = database.symbol("i");
+  EXPECT_EQ(i.number(), 1);
+  database.addAlias("k", i);
+  EXPECT_EQ(database.symbol("k"), i);
+}
+
+TEST_F(FileTest, ThatIsMissingIsNamed) {
+  try {
+    static_cast<void>(ztb::Database::open("none.rxf"));
+    FAIL();
+  } catch (const ztb::Error& error) {
+    EXPECT_STREQ(error.what(), "Error opening RXF file: No such file: none.rxf");
+    EXPECT_STREQ(error.operation(), "ztbInitFromRXF");
+  }
+}
+
+TEST_F(FileTest, AliasHandlesHaveNoRecordsOfTheirOwn) {
+  const ztb::Database database = ztb::Database::open(path_);
+  const ztb::Symbol j = *database.findSymbolOrAlias("j");
+  EXPECT_EQ(j.recordCount(), 0);
+  int records = 0;
+  for (const ztb::Record& record : j.records()) {
+    static_cast<void>(record);
+    ++records;
+  }
+  EXPECT_EQ(records, 0);
+  EXPECT_EQ(database.symbol("j").recordCount(), 2);
+}
+
+}  // namespace
