@@ -1,7 +1,6 @@
 #include "providers/rxf/rxf_object.h"
 
 #include <bit>
-#include <cstring>
 #include <exception>
 #include <new>
 #include <string>
@@ -16,8 +15,7 @@ namespace {
 
 void copyText(std::string_view text, char* to) {
   if (to == nullptr) return;
-  std::memcpy(to, text.data(), text.size());
-  to[text.size()] = '\0';
+  to[text.copy(to, text.size())] = '\0';
 }
 
 template <typename T>
