@@ -4,10 +4,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cctype>
 #include <cstring>
 #include <fstream>
 #include <iterator>
-#include <regex>
 #include <set>
 #include <stdexcept>
 #include <string>
@@ -106,16 +106,35 @@ Names without(const Names& all, const Names& some) {
   return rest;
 }
 
-// The functions that the public header declares.
+bool isExportedName(const std::string& word) {
+  for (const char* prefix : {"c__", "d__", "n__", "x", "ztb"}) {
+    if (word.rfind(prefix, 0) == 0) {
+      return true;
+    }
+  }
+  return false;
+}
+
+// A C text without its comments.
+std::string withoutComments(std::string text) {
+  for (size_t begin = text.find("/*"); begin != std::string::npos; begin = text.find("/*", begin)) {
+    text.erase(begin, text.find("*/", begin) + 2 - begin);
+  }
+  return text;
+}
+
+// The functions that the public header declares: the names before opening parentheses.
 Names declaredNames() {
   std::ifstream in(ZTB_PUBLIC_HEADER);
-  std::string header(std::istreambuf_iterator<char>(in), {});
-  header = std::regex_replace(header, std::regex(R"(/\*[^*]*\*+([^/*][^*]*\*+)*/)"), "");
-  const std::regex function(R"(\b((c__|d__|n__|x|ztb)\w+)\()");
+  const std::string header = withoutComments({std::istreambuf_iterator<char>(in), {}});
   Names names;
-  for (std::sregex_iterator match(header.begin(), header.end(), function), end; match != end;
-       ++match) {
-    names.insert((*match)[1]);
+  std::string word;
+  for (const char c : header) {
+    if (c == '(' && isExportedName(word)) {
+      names.insert(word);
+    }
+    const bool inWord = std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_';
+    word = inWord ? word + c : std::string();
   }
   return names;
 }
@@ -132,11 +151,11 @@ TEST(BuiltLibrary, exportsExactlyTheNamesOfThePublicHeader) {
 }
 
 TEST(BuiltLibrary, isLinkedAgainstTheStandardLibrariesOnly) {
-  const std::regex standard(
-      R"((libstdc\+\+|libc\+\+|libc\+\+abi|libm|libgcc_s|libc|ld-linux-x86-64|libdl|libpthread|)"
-      R"(lib[a-z]*san)\.so\.[0-9]+)");
+  const Names standard{"libstdc++",  "libc++",  "libc++abi", "libm",
+                       "libgcc_s",   "libc",    "libdl",     "ld-linux-x86-64",
+                       "libpthread", "libasan", "libubsan",  "libtsan"};
   for (const std::string& library : ElfFile(libraryPath()).dynamicTexts(DT_NEEDED)) {
-    EXPECT_TRUE(std::regex_match(library, standard)) << library;
+    EXPECT_EQ(1U, standard.count(library.substr(0, library.find(".so")))) << library;
   }
 }
 
