@@ -5,6 +5,8 @@
 #include <cstring>
 #include <random>
 
+#include "providers/rxf/checksum.h"
+
 namespace rxffile {
 namespace {
 
@@ -89,6 +91,12 @@ TEST(PlaneCodec, numbersComeBackFromOneToFourPlanes) {
     joinPlanes(planes.data(), width, 100, joined.size(), joined.data());
     EXPECT_TRUE(std::equal(joined.begin(), joined.end(), numbers.begin() + 100)) << width;
   }
+}
+
+TEST(Checksum, isXxh3With64BitsAndSeedZero) {
+  EXPECT_EQ(checksum("", 0), 0x2D06800538D394C2U);
+  EXPECT_EQ(checksum("a", 1), 0xE6C632B61E964E1FU);
+  EXPECT_EQ(checksum("abc", 3), 0x78AF5F94892F3950U);
 }
 
 TEST(PlaneCodec, aNumberNeedsAPlaneForEachByte) {
