@@ -38,13 +38,22 @@ TEST_F(LoadDomains, namedAsAOneDimensionalSetAreThatSetWhichIsMarked) {
   EXPECT_FALSE(at("p").usedAsDomain);
 }
 
-TEST_F(LoadDomains, namedAsAnAliasAreTheAliasItselfWhichIsMarked) {
+TEST_F(LoadDomains, namedAsAnAliasAreTheAliasItselfAndItsSetIsMarkedToo) {
   symbol("j", 1, dmap::typeAlias, 1);
   symbolOver("p", dmap::typeParameter, {"j"});
   load("f.rxf");
   EXPECT_EQ((Symbols{&at("j")}), at("p").domainSymbols);
   EXPECT_TRUE(at("j").usedAsDomain);
-  EXPECT_FALSE(at("i").usedAsDomain);
+  EXPECT_TRUE(at("i").usedAsDomain);
+}
+
+TEST_F(LoadDomains, namedAsAnAliasOfTheUniverseLeaveTheUniverseUnmarked) {
+  symbol("all", 1, dmap::typeAlias, 0);
+  symbolOver("p", dmap::typeParameter, {"all"});
+  load("f.rxf");
+  EXPECT_EQ((Symbols{&at("all")}), at("p").domainSymbols);
+  EXPECT_TRUE(at("all").usedAsDomain);
+  EXPECT_FALSE(db_->universe->usedAsDomain);
 }
 
 TEST_F(LoadDomains, thatTheFileHasNoSymbolForKeepTheirName) {

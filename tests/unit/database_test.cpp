@@ -60,9 +60,11 @@ TEST_F(Database, startsEmpty) {
   }
   EXPECT_EQ(nullptr, db_.logCallback);
   EXPECT_EQ(nullptr, db_.hvexUserMem);
-  for (const auto entry : db_.hvexEntries) {
-    EXPECT_EQ(nullptr, entry);
-  }
+  EXPECT_EQ(nullptr, db_.hvexEntries.findSymbol);
+  EXPECT_EQ(nullptr, db_.hvexEntries.dataReadRawStart);
+  EXPECT_EQ(nullptr, db_.hvexEntries.dataReadRaw);
+  EXPECT_EQ(nullptr, db_.hvexEntries.dataReadDone);
+  EXPECT_EQ(nullptr, db_.hvexEntries.getElemText);
 }
 
 TEST_F(Database, hasAUniverseThatIsNotInTheTable) {
