@@ -18,6 +18,13 @@ inline AbstractZTBSymbolIterator* recordOf(void* handle) {
   return static_cast<AbstractZTBSymbolIterator*>(handle);
 }
 
+// The symbol of a handle for operations that do not test it; throws std::logic_error for null.
+inline AbstractZTBSymbol& requireSymbol(void* handle) {
+  if (handle == nullptr) {
+    throw std::logic_error("the symbol handle is null");
+  }
+  return *symbolOf(handle);
+}
 // The record of a handle for operations that do not test it; throws std::logic_error for null.
 inline AbstractZTBSymbolIterator& requireRecord(void* handle) {
   if (handle == nullptr) {

@@ -74,13 +74,12 @@ int wholeCube(ZTB& db, void* sym, void* const* domains, const void* cube, const 
     return failure;
   }
   const auto dim = static_cast<std::size_t>(symbol->dim);
-  std::size_t total = 1;
   for (std::size_t d = 0; d < dim; ++d) {
     if (!checkPosition(db, *symbol, symbolOf(domains[d]), static_cast<int>(d), vDim[d])) {
       return failure;
     }
-    total *= static_cast<std::size_t>(vDim[d]);
   }
+  const auto total = static_cast<std::size_t>(cellCount(vDim, symbol->dim));
   std::vector<std::vector<int>> labels;
   for (std::size_t d = 0; d < dim; ++d) {
     labels.push_back(labelsOf(*symbolOf(domains[d])));

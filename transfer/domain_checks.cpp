@@ -68,6 +68,21 @@ bool checkCard(ZTB& db, const AbstractZTBSymbol& domain, int position, int cells
                  domain.name.c_str(), static_cast<ssize_t>(domain.recordCount())) == success;
 }
 
+std::int64_t cellCount(const int* vDim, int dim) {
+  std::int64_t cells = 1;
+  bool tooMany = false;
+  for (int d = 0; d < dim; ++d) {
+    if (vDim[d] == 0) {
+      return 0;
+    }
+    tooMany = __builtin_mul_overflow(cells, vDim[d], &cells) || tooMany;
+  }
+  if (tooMany) {
+    throw std::length_error("a cube of these sizes has more cells than can be counted");
+  }
+  return cells;
+}
+
 bool checkSparseSymbol(ZTB& db, const AbstractZTBSymbol* symbol) {
   if (symbol == nullptr) {
     return db.fail("Empty symbol pointer") == success;

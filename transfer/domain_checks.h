@@ -3,6 +3,7 @@
 #define ZTB_TRANSFER_DOMAIN_CHECKS_H_
 
 #include <cstddef>
+#include <cstdint>
 #include <vector>
 
 #include "core/ztb.h"
@@ -40,6 +41,10 @@ bool checkDomain(ZTB& db, const AbstractZTBSymbol& symbol, AbstractZTBSymbol* do
 // Whether a set has as many records as the cube has cells at a position. The text of a refusal:
 // "Cube dimension %d is %d while card(%s) is %zd."
 bool checkCard(ZTB& db, const AbstractZTBSymbol& domain, int position, int cells);
+
+// Cells of a cube, 0 if any of its sizes is. Throws std::length_error for more than a 64-bit number
+// counts.
+std::int64_t cellCount(const int* vDim, int dim);
 
 // "Empty symbol pointer", "Can't map universe" and "Can't map scalars", in this order.
 bool checkSparseSymbol(ZTB& db, const AbstractZTBSymbol* symbol);

@@ -35,6 +35,22 @@ void buildDatabase(ZTB& db) {
   });
 }
 
+void freeDatabase(ZTB& db) {
+  db.symbols.forEach([](AbstractZTBSymbol* symbol) {
+    if (AbstractZTBSymbol* set = decidingSet(symbol)) {
+      freeMembership(*set);
+    }
+    return true;
+  });
+}
+
+// Drops the tables of a symbol's domains, unless a check of the database keeps them.
+void endSymbolCheck(const ZTB& db, const AbstractZTBSymbol& symbol) {
+  if (!checkingDatabase(db)) {
+    freeDomains(symbol);
+  }
+}
+
 // The handle behind a violation handle, or null with the reason in the database's last error.
 AbstractZTBSymbolIterator* violationOf(ZTB& db, void* dvHandle) {
   AbstractZTBSymbolIterator* record = recordOf(dvHandle);
@@ -70,18 +86,23 @@ int violationRecord(ZTB& db, void* dvHandle, void** recPtr) {
 
 int firstInSymbol(ZTB& db, AbstractZTBSymbol& symbol, void** dvHandle) {
   *dvHandle = nullptr;
-  if (!checkingDatabase(db)) {
-    if (!prepareDomains(db, symbol)) {
-      return failure;
-    }
-    buildDomains(db, symbol);
+  if (!checkingDatabase(db) && !prepareDomains(db, symbol)) {
+    return failure;
   }
-  auto [clean, record] = symbol.firstRejected(
-      [&symbol](const int* keys, const double*) { return !symbol.violatesDomain(keys); });
-  if (!clean) {
-    *dvHandle = record.release();
-  } else if (!checkingDatabase(db)) {
-    freeDomains(symbol);
+  try {
+    if (!checkingDatabase(db)) {
+      buildDomains(db, symbol);
+    }
+    auto [clean, record] = symbol.firstRejected(
+        [&symbol](const int* keys, const double*) { return !symbol.violatesDomain(keys); });
+    if (!clean) {
+      *dvHandle = record.release();
+    } else {
+      endSymbolCheck(db, symbol);
+    }
+  } catch (...) {
+    endSymbolCheck(db, symbol);
+    throw;
   }
   return success;
 }
@@ -95,7 +116,12 @@ int firstInDatabase(ztbRec* handle, ZTB& db, void** dvHandle) {
   if (!prepareDatabase(db)) {
     return failure;
   }
-  buildDatabase(db);
+  try {
+    buildDatabase(db);
+  } catch (...) {
+    freeDatabase(db);
+    throw;
+  }
   db.dvState = 1;
   for (; symbol != nullptr; symbol = nextSymbolWithDomain(db, symbol)) {
     if (ztbGetFirstDVInSymbol(handle, symbol, dvHandle) != success) {
@@ -117,7 +143,12 @@ int firstInNextSymbol(ztbRec* handle, ZTB& db, AbstractZTBSymbolIterator& record
       return failure;
     }
     if (fresh != nullptr) {
-      record.moveToSymbolOf(*recordOf(fresh));
+      try {
+        record.moveToSymbolOf(*recordOf(fresh));
+      } catch (...) {
+        ztbFreeDVHandle(handle, fresh);
+        throw;
+      }
       *found = 1;
       return ztbFreeDVHandle(handle, fresh);
     }
@@ -160,7 +191,7 @@ void* ztbGetFirstDBDVPy(ztbRec* handle, int* status) {
 
 int ztbGetFirstDVInSymbol(ztbRec* handle, void* sym, void** dvHandle) {
   return operation(handle, "ztbGetFirstDVInSymbol",
-                   [&](ZTB& db) { return firstInSymbol(db, *symbolOf(sym), dvHandle); });
+                   [&](ZTB& db) { return firstInSymbol(db, requireSymbol(sym), dvHandle); });
 }
 
 void* ztbGetFirstDVInSymbolPy(ztbRec* handle, void* sym, int* status) {
@@ -185,8 +216,8 @@ int ztbMoveNextDVInSymbol(ztbRec* handle, void* dvHandle, int* hasNext) {
 int ztbFreeDVHandle(ztbRec* handle, void* dvHandle) {
   return operation(handle, "ztbFreeDVHandle", [&](ZTB& db) {
     const RecordHandle record(recordOf(dvHandle));
-    if (record != nullptr && !checkingDatabase(db)) {
-      freeDomains(*record->symbol());
+    if (record != nullptr) {
+      endSymbolCheck(db, *record->symbol());
     }
     return success;
   });
@@ -197,12 +228,7 @@ int ztbDomainCheckDone(ztbRec* handle) {
     if (db.dvState == 0) {
       return success;
     }
-    db.symbols.forEach([](AbstractZTBSymbol* symbol) {
-      if (AbstractZTBSymbol* set = decidingSet(symbol)) {
-        freeMembership(*set);
-      }
-      return true;
-    });
+    freeDatabase(db);
     db.dvState = 0;
     return success;
   });

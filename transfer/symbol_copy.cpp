@@ -125,7 +125,7 @@ int countLabels(ZTB& db, void* const* symbols, int symbolCount, int* uelCounts, 
   }
   std::fill_n(uelCounts, listSize, 0);
   for (int i = 0; i < symbolCount; ++i) {
-    AbstractZTBSymbol& symbol = *symbolOf(symbols[i]);
+    AbstractZTBSymbol& symbol = requireSymbol(symbols[i]);
     if (symbol.dim == 0 || symbol.type == ZTB_ALIAS) {
       continue;
     }

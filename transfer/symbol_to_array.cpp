@@ -51,14 +51,6 @@ bool selectField(ZTB& db, const AbstractZTBSymbol& symbol, int& field) {
   return true;
 }
 
-std::int64_t cellCount(const int* vDim, int dim) {
-  std::int64_t cells = 1;
-  for (int d = 0; d < dim; ++d) {
-    cells *= vDim[d];
-  }
-  return cells;
-}
-
 int denseToDense(ZTB& db, void* cells, const int* vDim, void* sym, int field) {
   AbstractZTBSymbol* symbol = symbolOf(sym);
   if (symbol == nullptr) {
