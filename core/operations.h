@@ -148,6 +148,14 @@ int ztbGetDVIndicator(ztbRec* handle, void* dvHandle, int* indicator);
 int ztbStartWriteRecording(ztbRec* handle);
 int ztbStopWriteRecording(ztbRec* handle);
 
+int ztbRegisterPBI(ztbRec* handle, void* pbi);
+int ztbInitFromDict(ztbRec* handle, void* pbi);
+int ztbInitUpdate(ztbRec* handle, void* pbi);
+int ztbUpdateModelSymbol(ztbRec* handle, void* modelSymbol, int actionType, void* dataSymbol,
+                         int updateType, int* noMatchCnt);
+int ztbCallSolver(ztbRec* handle, const char* solverName);
+int ztbCallSolverTimed(ztbRec* handle, const char* solverName, double* solveTime);
+
 }  // namespace ztb
 
 #endif  // ZTB_CORE_OPERATIONS_H_

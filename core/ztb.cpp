@@ -83,6 +83,10 @@ bool ZTB::ensureLoaded(AbstractZTBSymbol& symbol) {
   if (initFrom == Source::rxf) {
     return readSymbolFromRXF(symbol, nullptr);
   }
+  if (initFrom == Source::pbi) {
+    LoadSymbolFromModel(symbol, nullptr);
+    return true;
+  }
   if (initFrom == Source::hvex) {
     return readSymbolFromHVEX(symbol, nullptr);
   }

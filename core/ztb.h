@@ -111,6 +111,22 @@ class ZTB {
   // Reads all records of a symbol from the host engine, as `readSymbolFromRXF` does from a file.
   bool readSymbolFromHVEX(AbstractZTBSymbol& symbol, void* target);
 
+  // Models and solvers; defined in the bridge room.
+
+  // Ties the database to a model, which stays the caller's, and reaches its dictionary.
+  int RegisterPBI(void* model);
+  // Registers a model and fills this empty database with its labels and symbols.
+  int InitFromDict(void* model);
+  // Reaches the solver environment and catalogue and keeps the model's present levels and
+  // marginals.
+  int InitUpdate();
+  // Reads all records of a symbol from the model into the symbol, or, with an `rxfFile`, on to that
+  // exchange-file object. A symbol that the model does not have gets no records.
+  void LoadSymbolFromModel(AbstractZTBSymbol& symbol, void* rxfFile);
+  // One of the model's base values. Throws std::logic_error when they were not read, or when there
+  // is none for that place.
+  static double baseValue(const std::unique_ptr<double[]>& base, int count, int place);
+
   dmap::StorageKind recordStorage = dmap::StorageKind::dMap;  // store of new symbols
   void* rxf = nullptr;
   std::string rxfFileName;

@@ -167,6 +167,8 @@ int RxfWriter::writeRecords(AbstractZTBSymbol& symbol) {
     });
   } else if (db_.initFrom == Source::rxf) {
     db_.readSymbolFromRXF(symbol, target_);
+  } else if (db_.initFrom == Source::pbi) {
+    db_.LoadSymbolFromModel(symbol, target_);
   } else if (db_.initFrom == Source::hvex && !db_.readSymbolFromHVEX(symbol, target_)) {
     return db_.fail("Problems writing symbol %s to RXF", symbol.name.c_str());
   }

@@ -438,3 +438,29 @@ int c__ztbstartwriterecording(ztbRec* handle) {
 int c__ztbstopwriterecording(ztbRec* handle) {
   return ztb::ztbStopWriteRecording(handle);
 }
+
+int c__ztbregisterpbi(ztbRec* handle, void* pbi) {
+  return ztb::ztbRegisterPBI(handle, pbi);
+}
+
+int c__ztbinitfromdict(ztbRec* handle, void* pbi) {
+  return ztb::ztbInitFromDict(handle, pbi);
+}
+
+int c__ztbinitupdate(ztbRec* handle, void* pbi) {
+  return ztb::ztbInitUpdate(handle, pbi);
+}
+
+int c__ztbupdatemodelsymbol(ztbRec* handle, void* modelSymbol, int actionType, void* dataSymbol,
+                            int updateType, int* noMatchCnt) {
+  return ztb::ztbUpdateModelSymbol(handle, modelSymbol, actionType, dataSymbol, updateType,
+                                   noMatchCnt);
+}
+
+int c__ztbcallsolver(ztbRec* handle, const char* solverName) {
+  return ztb::ztbCallSolver(handle, solverName);
+}
+
+int c__ztbcallsolvertimed(ztbRec* handle, const char* solverName, double* solveTime) {
+  return ztb::ztbCallSolverTimed(handle, solverName, solveTime);
+}

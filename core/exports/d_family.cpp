@@ -225,3 +225,11 @@ int d__ztbgetkey(ztbRec* handle, void* rec, int index, char* key) {
 int d__ztbgetkeys(ztbRec* handle, void* rec, int dim, char* keys) {
   return ztb::ztbGetKeys(handle, rec, dim, ShortStringsOut(keys, dim));
 }
+
+int d__ztbcallsolver(ztbRec* handle, const char* solverName) {
+  return ztb::ztbCallSolver(handle, ShortStringIn(solverName));
+}
+
+int d__ztbcallsolvertimed(ztbRec* handle, const char* solverName, double* solveTime) {
+  return ztb::ztbCallSolverTimed(handle, ShortStringIn(solverName), solveTime);
+}

@@ -469,6 +469,36 @@ int c__ztbgetdvindicator(ztbRec* ztb, void* dvHandle, int* indicator);
 int c__ztbstartwriterecording(ztbRec* ztb);
 int c__ztbstopwriterecording(ztbRec* ztb);
 
+/* ---- models and solvers ------------------------------------------------------------------------
+ */
+
+/* Ties the database to a loaded model (a pbiRec), which stays the caller's. */
+int c__ztbregisterpbi(ztbRec* ztb, void* pbi);
+
+/* Registers a model and fills an empty database with its labels and with one symbol for each of its
+ * variables and equations, without records. */
+int c__ztbinitfromdict(ztbRec* ztb, void* pbi);
+
+/* Prepares the registered model for updates and solves; pbi is not read. From now on a symbol of
+ * the model takes its records from the model when it is first touched. */
+int c__ztbinitupdate(ztbRec* ztb, void* pbi);
+
+/* Writes the values of a parameter into the model, for every row or column of a variable or
+ * equation, or of the variable NAME_var for a parameter NAME. actionType: 0 fix a column, 1 upper
+ * bound, 2 lower bound, 3 both bounds, 4 level, 5 marginal. updateType, for a row or column without
+ * a record: 0 takes zero, 1 its value at c__ztbinitupdate or its own bound, 2 leaves it.
+ * *noMatchCnt: records of the parameter that met no row or column. Values of 1e300 and above but
+ * infinity, and NaN, are refused. */
+int c__ztbupdatemodelsymbol(ztbRec* ztb, void* modelSymbol, int actionType, void* dataSymbol,
+                            int updateType, int* noMatchCnt);
+
+/* Solves the model with a solver of the catalogue, which stays alive for the next solve where it
+ * can. The records of the model's symbols are dropped and come from the new solution. */
+int c__ztbcallsolver(ztbRec* ztb, const char* solverName);
+
+/* The same; *solveTime is the processor time that the solver took, in seconds. */
+int c__ztbcallsolvertimed(ztbRec* ztb, const char* solverName, double* solveTime);
+
 /* ---- length-prefixed strings -------------------------------------------------------------------
  */
 
@@ -570,6 +600,9 @@ int d__ztbsetelemtext(ztbRec* ztb, void* rec, const char* text);
 int d__ztbgetkey(ztbRec* ztb, void* rec, int index, char* key);
 
 int d__ztbgetkeys(ztbRec* ztb, void* rec, int dim, char* keys);
+
+int d__ztbcallsolver(ztbRec* ztb, const char* solverName);
+int d__ztbcallsolvertimed(ztbRec* ztb, const char* solverName, double* solveTime);
 
 /* ---- flat string blocks ------------------------------------------------------------------------
  */

@@ -118,6 +118,14 @@
   NAME(c__ztbsparsesymboltosqzdarray) \
   NAME(c__ztbstartwriterecording) \
   NAME(c__ztbstopwriterecording) \
+  NAME(c__ztbcallsolver) \
+  NAME(c__ztbcallsolvertimed) \
+  NAME(c__ztbinitfromdict) \
+  NAME(c__ztbinitupdate) \
+  NAME(c__ztbregisterpbi) \
+  NAME(c__ztbupdatemodelsymbol) \
+  NAME(d__ztbcallsolver) \
+  NAME(d__ztbcallsolvertimed) \
   NAME(d__ztbaddrecord) \
   NAME(d__ztbaddrecordpy) \
   NAME(d__ztbaddrecordraw) \

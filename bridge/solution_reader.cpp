@@ -1,0 +1,80 @@
+// Reads the records of a model's symbol out of the model.
+
+#include "bridge/dictionary.h"
+#include "exchange/special_values.h"
+#include "peers/pbi_family.h"
+#include "peers/rxf_family.h"
+
+namespace ztb {
+namespace {
+
+// Row types of a model that bound a row by its right-hand side.
+constexpr bool isEqualRow(int type) {
+  return type == 0 || type == 4 || type == 6;
+}
+constexpr bool isGreaterRow(int type) {
+  return type == 1;
+}
+constexpr bool isLessRow(int type) {
+  return type == 2 || type == 5;
+}
+
+void readColumn(void* pbi, int column, double* values) {
+  int status = 0;
+  int secondStatus = 0;
+  peers::pbiGetSolutionVarRec(pbi, column, &values[ZTB_LEVEL], &values[ZTB_MARGINAL], &status,
+                              &secondStatus);
+  values[ZTB_SCALE] = peers::pbiGetVarScaleOne(pbi, column);
+  values[ZTB_LOWER] = peers::pbiGetVarLowerOne(pbi, column);
+  values[ZTB_UPPER] = peers::pbiGetVarUpperOne(pbi, column);
+}
+
+void readRow(void* pbi, int row, int rowType, double* values) {
+  int status = 0;
+  int secondStatus = 0;
+  peers::pbiGetSolutionEquRec(pbi, row, &values[ZTB_LEVEL], &values[ZTB_MARGINAL], &status,
+                              &secondStatus);
+  values[ZTB_SCALE] = peers::pbiGetEquScaleOne(pbi, row);
+  const double rightHandSide = peers::pbiGetRhsOne(pbi, row);
+  values[ZTB_LOWER] =
+      isEqualRow(rowType) || isGreaterRow(rowType) ? rightHandSide : internalMinusInfinity;
+  values[ZTB_UPPER] =
+      isEqualRow(rowType) || isLessRow(rowType) ? rightHandSide : internalPlusInfinity;
+}
+
+}  // namespace
+
+void ZTB::LoadSymbolFromModel(AbstractZTBSymbol& symbol, void* rxfFile) {
+  const int index = peers::nmtSymIndex(nmt, symbol.name.c_str());
+  if (index <= 0) {
+    return;
+  }
+  const int type = peers::nmtSymType(nmt, index);
+  RowColWalk walk(nmt, index, type == dictionaryVariable);
+  // All rows of a symbol are taken to be of the first one's type.
+  const int rowType = type == dictionaryEquation && !walk.atEnd()
+                          ? peers::pbiGetEquTypeOne(pbi, walk.current())
+                          : 0;
+  try {
+    for (; !walk.atEnd(); walk.next()) {
+      double values[dmap::maxSlots] = {};
+      if (type == dictionaryVariable) {
+        readColumn(pbi, walk.current(), values);
+      } else {
+        readRow(pbi, walk.current(), rowType, values);
+      }
+      const KeyBuffer keys = walk.keys();
+      if (rxfFile != nullptr) {
+        peers::rxfDataWriteRaw(rxfFile, keys.data(), values);
+      } else {
+        symbol.insertRecordAtPosition(keys.data(), values);
+      }
+    }
+  } catch (...) {
+    walk.close();
+    throw;
+  }
+  walk.close();
+}
+
+}  // namespace ztb

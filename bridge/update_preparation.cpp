@@ -1,0 +1,107 @@
+// Prepares a database for changing and solving its model.
+
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+#include "bridge/dictionary.h"
+#include "core/frame.h"
+#include "core/operations.h"
+#include "peers/pbi_family.h"
+#include "peers/rgy_family.h"
+#include "peers/snv_family.h"
+
+namespace ztb {
+namespace {
+
+constexpr const char* catalogueFileName = "vltcmpNT.txt";
+
+bool carriesParameter(const std::string& name) {
+  const std::string_view suffix = parameterSuffix;
+  return name.size() > suffix.size() && name.ends_with(suffix);
+}
+
+std::unique_ptr<double[]> baseArray(int count) {
+  return std::make_unique<double[]>(static_cast<std::size_t>(count) + 1);
+}
+
+// A parameter that stands in the model as a variable is pinned to its level until it is moved.
+void pinParameters(const ZTB& db) {
+  const int symbolCount = peers::nmtNLSyms(db.nmt);
+  for (int i = 1; i <= symbolCount; ++i) {
+    if (peers::nmtSymType(db.nmt, i) != dictionaryVariable ||
+        !carriesParameter(dictionarySymbolName(db.nmt, i))) {
+      continue;
+    }
+    RowColWalk walk(db.nmt, i, true);
+    for (; !walk.atEnd(); walk.next()) {
+      const int column = walk.current();
+      const double level = db.baseValue(db.initVarLevels, db.colCount, column);
+      peers::pbiSetAltVarLowerOne(db.pbi, column, level);
+      peers::pbiSetAltVarUpperOne(db.pbi, column, level);
+    }
+    walk.close();
+  }
+}
+
+}  // namespace
+
+int ZTB::InitUpdate() {
+  if (initFrom == Source::rxf) {
+    return fail("Database initialized from RXF cannot sync with model");
+  }
+  if (snv != nullptr) {
+    return success;
+  }
+  if (pbi == nullptr) {
+    return fail("No model registered, call ztbRegisterPBI or ztbInitFromDict first");
+  }
+  initFrom = Source::pbi;
+  char message[messageSize] = {};
+  constexpr int size = messageSize;
+  const char* directory = sysDir.c_str();
+  if (!(sysDir.empty() ? peers::snvGetReady(message, size)
+                       : peers::snvGetReadyD(directory, message, size))) {
+    return fail("%s", message);
+  }
+  if (rgy == nullptr && !(sysDir.empty() ? peers::rgyCreate(&rgy, message, size)
+                                         : peers::rgyCreateD(&rgy, directory, message, size))) {
+    return fail("%s", message);
+  }
+  snv = peers::pbiEnvironment(pbi);
+  char modelDirectory[messageSize] = {};
+  peers::snvGetStrOpt(snv, "NameSysDir", modelDirectory);
+  const std::string catalogue = std::string(modelDirectory) + catalogueFileName;
+  if (peers::rgyReadConfigVUC(rgy, catalogue.c_str(), modelDirectory) != 0) {
+    return fail("Could not read configuration file");
+  }
+  colCount = peers::pbiN(pbi);
+  rowCount = peers::pbiM(pbi);
+  initVarLevels = baseArray(colCount);
+  initVarMarginals = baseArray(colCount);
+  initEquLevels = baseArray(rowCount);
+  initEquMarginals = baseArray(rowCount);
+  peers::pbiGetVarL(pbi, initVarLevels.get());
+  peers::pbiGetVarM(pbi, initVarMarginals.get());
+  peers::pbiGetEquL(pbi, initEquLevels.get());
+  peers::pbiGetEquM(pbi, initEquMarginals.get());
+  pinParameters(*this);
+  return success;
+}
+
+double ZTB::baseValue(const std::unique_ptr<double[]>& base, int count, int place) {
+  if (base == nullptr) {
+    throw std::logic_error("the model's base values were not read");
+  }
+  if (place < 0 || place >= count) {
+    throw std::logic_error("the model has no base value for number " + std::to_string(place));
+  }
+  return base[static_cast<std::size_t>(place)];
+}
+
+int ztbInitUpdate(ztbRec* handle, void* /*pbi*/) {
+  return operation(handle, "ztbInitUpdate", [](ZTB& db) { return db.InitUpdate(); });
+}
+
+}  // namespace ztb
