@@ -1,5 +1,7 @@
 // Choosing the record store of new symbols, or of one symbol.
 
+#include <stdexcept>
+
 #include "core/frame.h"
 #include "core/handles.h"
 #include "core/operations.h"
@@ -8,6 +10,14 @@
 namespace ztb {
 namespace {
 
+// Only a symbol that is in the table can be replaced there: not the universe, and not one that was
+// replaced already.
+void requireInTable(ZTB& db, const AbstractZTBSymbol& symbol) {
+  if (!db.symbols.contains(symbol.name) || db.symbols.atName(symbol.name) != &symbol) {
+    throw std::logic_error("symbol " + symbol.name + " is not in the symbol table");
+  }
+}
+
 // Rebuilds a symbol on another store and puts it in the old one's place. An unknown code leaves no
 // symbol there.
 void convert(ZTB& db, dmap::StorageKind kind, void** symPtr) {
@@ -15,10 +25,11 @@ void convert(ZTB& db, dmap::StorageKind kind, void** symPtr) {
   if (symbol->storageKind() == kind) {
     return;
   }
+  requireInTable(db, *symbol);
   std::unique_ptr<AbstractZTBSymbol> converted = convertSymbol(kind, *symbol);
   db.retiredSymbols.reserve(db.retiredSymbols.size() + 1);
   db.symbols.replace(symbol, converted.get());
-  db.retiredSymbols.emplace_back(symbol)->clearRecords();
+  db.retiredSymbols.emplace_back(symbol)->releaseRecords();
   *symPtr = converted.release();
 }
 
@@ -26,9 +37,12 @@ int selectStorage(ZTB& db, void** symPtr, int code) {
   const auto kind = static_cast<dmap::StorageKind>(code);
   if (symPtr == nullptr) {
     db.recordStorage = kind;
-  } else {
-    convert(db, kind, symPtr);
+    return success;
   }
+  if (*symPtr == nullptr) {
+    return failNoSymbol(db);
+  }
+  convert(db, kind, symPtr);
   return success;
 }
 

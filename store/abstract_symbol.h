@@ -98,6 +98,8 @@ class AbstractZTBSymbol {
   virtual void eraseRecord(AbstractZTBSymbolIterator& record) = 0;
   // Inserts all records of a symbol on another store into this one, which is new.
   virtual void takeRecords(AbstractZTBSymbol& source) = 0;
+  // Leaves the symbol without records and without memory for them.
+  virtual void releaseRecords() = 0;
   // Appends all records of another symbol; those that are here stay.
   virtual void assignRecords(AbstractZTBSymbol& other) = 0;
 

@@ -121,6 +121,14 @@ void DMapGTree::clear() {
   }
 }
 
+void DMapGTree::release() {
+  if (tree_ == nullptr) {
+    scalarSet_ = false;
+  } else {
+    tree_->release();
+  }
+}
+
 int DMapGTree::indexOf(const TreeIterator& position) {
   return tree_ == nullptr ? static_cast<int>(position.scalar() - scalarValues_)
                           : tree_->pathIndex(position.path());

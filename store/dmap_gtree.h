@@ -46,6 +46,9 @@ class DMapGTree final : public IDMap<TreeIterator> {
   TreeIterator iteratorAt(int index) override;
   void reserve(int records) override;
 
+  // Removes all records, a scalar's too, and gives the memory back.
+  void release();
+
   [[nodiscard]] StorageKind kind() const { return StorageKind::dMapGTree; }
   [[nodiscard]] bool isEnd(const TreeIterator& position) const;
   // Whether a key whose lower bound this is sorts behind all records of its branch.

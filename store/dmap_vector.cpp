@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <limits>
 #include <stdexcept>
 
 namespace ztb::dmap {
@@ -17,13 +18,16 @@ int compareKeys(const int* left, const int* right, std::size_t dim) {
   return 0;
 }
 
-// Resizes an array; its capacity grows by half of itself, or to the size if that is more.
+// Makes an array's capacity hold that many rows: it grows by half of itself, or to what the rows
+// need if that is more.
 template <class T>
-void growTo(std::vector<T>& array, std::size_t size) {
-  if (size > array.capacity()) {
-    array.reserve(std::max(size, array.capacity() + array.capacity() / 2));
+void reserveRows(std::vector<T>& array, std::size_t rows, std::size_t width) {
+  if (rows > array.max_size() / std::max<std::size_t>(width, 1)) {
+    throw std::length_error("vector too long");
   }
-  array.resize(size);
+  if (rows * width > array.capacity()) {
+    array.reserve(std::max(rows * width, array.capacity() + array.capacity() / 2));
+  }
 }
 
 [[noreturn]] void throwUnsorted() {
@@ -46,9 +50,15 @@ void DMapVector::makeRoomForRow() {
   if (rowCount_ < rowCapacity_) {
     return;
   }
+  if (rowCount_ == std::numeric_limits<int>::max()) {
+    throw std::length_error("vector too long");
+  }
+  // Both arrays get their memory before either changes its length: they never differ in rows.
   const std::size_t rows = static_cast<std::size_t>(rowCount_) + 1;
-  growTo(keyArray_, rows * width_);
-  growTo(valueArray_, rows * slots_);
+  reserveRows(keyArray_, rows, width_);
+  reserveRows(valueArray_, rows, slots_);
+  keyArray_.resize(rows * width_);
+  valueArray_.resize(rows * slots_);
   ++rowCapacity_;
 }
 
@@ -225,6 +235,13 @@ void DMapVector::clear() {
   rowCapacity_ = 0;
 }
 
+void DMapVector::release() {
+  std::vector<int>().swap(keyArray_);
+  std::vector<double>().swap(valueArray_);
+  rowCount_ = 0;
+  rowCapacity_ = 0;
+}
+
 int DMapVector::indexOf(const VectorIterator& position) {
   return position.row() < rowCount_ ? position.row() : -1;
 }
@@ -237,10 +254,11 @@ void DMapVector::reserve(int records) {
   if (dim_ == 0) {
     return;
   }
-  keyArray_.clear();
-  valueArray_.clear();
-  keyArray_.resize(static_cast<std::size_t>(records) * width_);
-  valueArray_.resize(static_cast<std::size_t>(records) * slots_);
+  const auto rows = static_cast<std::size_t>(records);
+  reserveRows(keyArray_, rows, width_);
+  reserveRows(valueArray_, rows, slots_);
+  keyArray_.assign(rows * width_, 0);
+  valueArray_.assign(rows * slots_, 0.0);
   rowCapacity_ = records;
 }
 

@@ -55,6 +55,9 @@ class DMapVector final : public IDMap<VectorIterator> {
   // Drops the content of both arrays and sizes them for that many rows; for an empty store only.
   void reserve(int records) override;
 
+  // As `clear`, and gives the memory back.
+  void release();
+
   [[nodiscard]] StorageKind kind() const { return StorageKind::dMapVector; }
   [[nodiscard]] bool isEnd(const VectorIterator& position) const;
   // Whether a key whose lower bound this is sorts behind all records; a single row is the bound of

@@ -45,9 +45,7 @@ void Node::setValues(double* values) {
   tag_ = Tag::values;
 }
 
-GTree::GTree(int dim, int slotCount) : dim_(dim), slotCount_(slotCount), lastPath_(dim) {
-  lastPath_.node.fill(nullptr);
-}
+GTree::GTree(int dim, int slotCount) : dim_(dim), slotCount_(slotCount), lastPath_(dim) {}
 
 Node* GTree::newNode(int key) {
   return new (nodes_.allocate(sizeof(Node))) Node(key);
@@ -176,6 +174,12 @@ Path GTree::insertAnywhere(const int* keys, const double* values, const Path* st
     }
     path.node[place] = node;
     parent = node;
+    if (level + 1 == dim_) {
+      // Only a hint into branches that `clear` has forgotten hides a record that is here.
+      node->setValues(newValues(values));
+      ++count_;
+      return path;
+    }
   }
 }
 
@@ -210,7 +214,6 @@ std::pair<bool, Path> GTree::findPath(const int* keys, const Path* startHint) co
 
 std::pair<bool, Path> GTree::lowerBoundPath(const int* keys) const {
   Path path(dim_);
-  path.node.fill(nullptr);
   Node* node = root_;
   for (int level = 0; level < dim_ && node != nullptr; ++level) {
     while (node->key < keys[level]) {
@@ -272,7 +275,6 @@ Path GTree::greatest() const {
 
 Path GTree::begin() const {
   Path path(dim_);
-  path.node.fill(nullptr);
   if (count_ != 0) {
     Node* node = root_;
     for (int level = 0; level < dim_ && node != nullptr; ++level) {
@@ -329,8 +331,6 @@ Path GTree::prev(const Path& path) const {
 void GTree::moveLastPathBack() {
   if (count_ < 2) {
     lastPath_ = endPath;
-  } else if (lastPath_ == endPath) {
-    lastPath_ = greatest();
   } else {
     copyKeys(lastPath_, scratchKeys.data());
     const auto [found, before] = predecessorPath(scratchKeys.data());
@@ -405,6 +405,13 @@ void GTree::setBlockCapacity(int records) {
 void GTree::clear() {
   count_ = 0;
   root_ = nullptr;
+}
+
+void GTree::release() {
+  clear();
+  lastPath_ = Path(dim_);
+  nodes_.release();
+  values_.release();
 }
 
 }  // namespace gtree

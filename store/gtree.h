@@ -53,8 +53,9 @@ class Node {
 // A position in a tree: a node for each level in use.
 struct Path {
   Path() = default;
+  // On nothing.
   explicit Path(int depthInUse) : depth(static_cast<std::uint8_t>(depthInUse)) {
-    node[0] = nullptr;
+    std::fill_n(node.begin(), depth, nullptr);
   }
   Path(const Path& other) { *this = other; }
   Path& operator=(const Path& other) {
@@ -114,6 +115,8 @@ class GTree {
   void setBlockCapacity(int records);
   // Forgets all nodes; `lastPath` and the pools stay as they are.
   void clear();
+  // Forgets all, `lastPath` too, and gives the memory back.
+  void release();
 
   [[nodiscard]] int count() const { return count_; }
   // Whether anything was ever added since the last `clear`.

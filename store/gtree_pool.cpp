@@ -3,11 +3,16 @@
 namespace gtree {
 
 Pool::~Pool() {
+  release();
+}
+
+void Pool::release() {
   while (firstBlock_ != nullptr) {
     Block* next = firstBlock_->next;
     delete firstBlock_;
     firstBlock_ = next;
   }
+  lastBlock_ = nullptr;
 }
 
 std::byte* Pool::allocate(std::size_t size) {

@@ -1,4 +1,4 @@
-// A bump allocator: hands out memory from blocks and takes nothing back before its own end.
+// A bump allocator: hands out memory from blocks and takes nothing back but all at once.
 #ifndef ZTB_STORE_GTREE_POOL_H_
 #define ZTB_STORE_GTREE_POOL_H_
 
@@ -19,6 +19,9 @@ class Pool {
   // Memory for `size` bytes, aligned for pointers and doubles.
   // REQUIRES: size is a multiple of 8 and at most the block size.
   std::byte* allocate(std::size_t size);
+
+  // Gives all memory back; what was handed out is gone.
+  void release();
 
   // Size of blocks still to come. It never falls below what one allocation needs.
   void setBlockSize(std::size_t size) { blockSize_ = size; }

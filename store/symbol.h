@@ -179,6 +179,11 @@ class ZTBSymbol final : public AbstractZTBSymbol {
     lastPosition_ = store_.end();
   }
 
+  void releaseRecords() override {
+    store_.release();
+    lastPosition_ = store_.end();
+  }
+
   void assignRecords(AbstractZTBSymbol& other) override {
     other.forEachRecord(
         [this](const int* keys, const double* values) { appendRecord(keys, values); });

@@ -3,6 +3,7 @@
 #ifndef ZTB_STORE_VECTOR_ITERATOR_H_
 #define ZTB_STORE_VECTOR_ITERATOR_H_
 
+#include <cstddef>
 #include <vector>
 
 #include "store/idmap.h"
@@ -23,8 +24,26 @@ class VectorIterator final : public BaseDMapIterator {
   void prev() override { --row_; }
   // On a scalar null `keys`; both null on a row that the arrays do not have. The pointers are good
   // until the arrays next grow.
-  [[nodiscard]] RecordView get() const override;
-  [[nodiscard]] bool equals(const IDMapIterator& other) const override;
+  [[nodiscard]] RecordView get() const override {
+    if (isNull()) {
+      return {};
+    }
+    double* values = values_->empty() ? nullptr : values_->data();
+    if (dim() == 0) {
+      return {nullptr, values};
+    }
+    const auto width = static_cast<std::size_t>(dim());
+    const auto row = static_cast<std::size_t>(row_);
+    if (row_ < 0 || (row + 1) * width > keys_->size()) {
+      return {};
+    }
+    const auto slots = static_cast<std::size_t>(slotCount(type()));
+    return {keys_->data() + row * width, values == nullptr ? nullptr : values + row * slots};
+  }
+  [[nodiscard]] bool equals(const IDMapIterator& other) const override {
+    const auto& right = static_cast<const VectorIterator&>(other);
+    return dim() == right.dim() && type() == right.type() && row_ == right.row_;
+  }
   [[nodiscard]] bool isNull() const override { return keys_ == nullptr || values_ == nullptr; }
 
   [[nodiscard]] int row() const { return row_; }

@@ -81,6 +81,7 @@ class SpyStore final : public dmap::IDMap<dmap::DMapIterator> {
   Iterator iteratorAt(int index) override { return inner_.iteratorAt(index); }
   void reserve(int records) override { inner_.reserve(records); }
   [[nodiscard]] dmap::StorageKind kind() const { return inner_.kind(); }
+  void release() { inner_.release(); }
   [[nodiscard]] bool isEnd(const Iterator& position) { return inner_.end().equals(position); }
   [[nodiscard]] bool isEndBound(const Iterator& bound, const int* /*keys*/) { return isEnd(bound); }
 
