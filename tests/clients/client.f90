@@ -161,6 +161,7 @@ program client
   print '(a,i0)', 'opened ', c__ztbinitfromrxf(db, file)
   call show()
   status = ztbfree(db)
+  deallocate (file)
 
 contains
 
