@@ -1,0 +1,554 @@
+#include "store/dmap_vector.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "tests/stores/rows.h"
+#include "tests/support/stdout_capture.h"
+
+namespace ztb::storetest {
+namespace {
+
+using dmap::DMapVector;
+using dmap::VectorIterator;
+using ztbtest::StdoutCapture;
+
+const char* const warning = "Warning: Keys already in record map. Skipping.\n";
+
+// A parameter with rows of given keys, valued 1, 2, 3 and so on.
+class Vector {
+ public:
+  explicit Vector(int dim, const std::vector<Key>& keys = {}) : dim_(dim), store(dim, 1) {
+    appendAll(store, keys);
+  }
+
+  VectorIterator append(const Key& key, double value) { return store.append(key.data(), &value); }
+  VectorIterator insert(const Key& key, double value) { return store.insert(key.data(), &value); }
+  VectorIterator insertHint(const Key& key, double value, int row) {
+    return store.insertHint(key.data(), &value, store.iteratorAt(row));
+  }
+  VectorIterator insertOrAssign(const Key& key, double value) {
+    return store.insertOrAssign(store.end(), key.data(), &value);
+  }
+  int lowerBound(const Key& key) { return store.lowerBound(key.data()).row(); }
+  int find(const Key& key) { return store.find(key.data()).row(); }
+  std::vector<Key> keys() { return keysOf(store, dim_); }
+  Rows rows() { return rowsOf(store, dim_); }
+
+ private:
+  int dim_;
+
+ public:
+  DMapVector store;
+};
+
+TEST(VectorStore, isEmptyAtFirst) {
+  Vector vector(2);
+  EXPECT_EQ(0, vector.store.size());
+  EXPECT_TRUE(vector.store.empty());
+  EXPECT_TRUE(vector.store.begin().equals(vector.store.end()));
+  EXPECT_EQ(dmap::StorageKind::dMapVector, vector.store.kind());
+}
+
+TEST(VectorStore, walksInNumericOrderOfSortedRows) {
+  Vector vector(2, {{1, 2}, {1, 10}, {2, 1}});
+  EXPECT_EQ((Rows{{{1, 2}, 1}, {{1, 10}, 2}, {{2, 1}, 3}}), vector.rows());
+}
+
+TEST(VectorStore, neverSortsWhatIsAppended) {
+  Vector vector(1, keysOver({5, 2, 9}));
+  EXPECT_EQ(keysOver({5, 2, 9}), vector.keys());
+}
+
+TEST(VectorStore, appendOfAKeyPresentAddsASecondRowSilently) {
+  StdoutCapture output;
+  Vector vector(1, keysOver({3, 3}));
+  EXPECT_EQ((Rows{{{3}, 1}, {{3}, 2}}), vector.rows());
+  EXPECT_EQ("", output.text());
+}
+
+TEST(VectorStore, appendGivesTheNewRow) {
+  Vector vector(1, keysOver({3}));
+  EXPECT_EQ(1, vector.append({7}, 2).row());
+}
+
+TEST(VectorStore, keepsAllFiveSlots) {
+  DMapVector variable(1, 2);
+  const int key = 1;
+  const VectorIterator row = variable.append(&key, slots);
+  EXPECT_EQ(std::vector<double>(slots, slots + 5),
+            std::vector<double>(row.get().values, row.get().values + 5));
+}
+
+TEST(VectorStore, keepsATextNumberAsADouble) {
+  DMapVector set(1, 0);
+  const int key = 1;
+  const double textNumber = 2147483646;
+  EXPECT_EQ(textNumber, *set.append(&key, &textNumber).get().values);
+}
+
+TEST(VectorStore, insertIntoAnEmptyStoreAppends) {
+  Vector vector(2);
+  EXPECT_EQ(0, vector.insert({4, 4}, 9).row());
+  EXPECT_EQ((Rows{{{4, 4}, 9}}), vector.rows());
+}
+
+TEST(VectorStore, insertAboveTheLastRowAppends) {
+  Vector vector(2, {{1, 1}});
+  EXPECT_EQ(1, vector.insert({1, 2}, 9).row());
+  EXPECT_EQ((std::vector<Key>{{1, 1}, {1, 2}}), vector.keys());
+}
+
+TEST(VectorStore, insertOfTheLastRowsKeyWarnsOnceAndChangesNothing) {
+  Vector vector(1, keysOver({1, 5}));
+  StdoutCapture output;
+  EXPECT_EQ(1, vector.insert({5}, 9).row());
+  EXPECT_EQ(warning, output.text());
+  EXPECT_EQ((Rows{{{1}, 1}, {{5}, 2}}), vector.rows());
+}
+
+TEST(VectorStore, insertOfAnotherKeyPresentWarnsOnceAndChangesNothing) {
+  Vector vector(1, keysOver({1, 5, 9}));
+  StdoutCapture output;
+  EXPECT_EQ(0, vector.insert({1}, 9).row());
+  EXPECT_EQ(warning, output.text());
+  EXPECT_EQ((Rows{{{1}, 1}, {{5}, 2}, {{9}, 3}}), vector.rows());
+}
+
+TEST(VectorStore, insertBelowTheFirstRowShiftsAllRowsUp) {
+  Vector vector(2, {{3, 3}, {4, 4}});
+  EXPECT_EQ(0, vector.insert({3, 1}, 9).row());
+  EXPECT_EQ((Rows{{{3, 1}, 9}, {{3, 3}, 1}, {{4, 4}, 2}}), vector.rows());
+}
+
+TEST(VectorStore, insertBelowTheFirstRowShiftsAllFiveSlots) {
+  DMapVector variable(1, 2);
+  const std::array<double, 5> others = {9, 8, 7, 6, 5};
+  const int four = 4;
+  const int three = 3;
+  variable.append(&four, slots);
+  variable.insert(&three, others.data());
+  const dmap::RecordView second = variable.iteratorAt(1).get();
+  EXPECT_EQ(4, *second.keys);
+  EXPECT_EQ(std::vector<double>(slots, slots + 5),
+            std::vector<double>(second.values, second.values + 5));
+}
+
+void expectUnsorted(Vector& vector, const Key& key) {
+  const Rows before = vector.rows();
+  try {
+    vector.insert(key, 99);
+    FAIL() << "took a key between two rows";
+  } catch (const std::logic_error& error) {
+    EXPECT_STREQ("keys must reach the vector store sorted", error.what());
+  }
+  EXPECT_EQ(before, vector.rows());
+}
+
+TEST(VectorStore, insertBetweenTwoRowsThrowsWhereTheBoundIsTheRowBelow) {
+  Vector vector(1, keysOver({1, 3, 5}));
+  ASSERT_EQ(0, vector.lowerBound({2}));
+  expectUnsorted(vector, {2});
+}
+
+TEST(VectorStore, insertBetweenTwoRowsThrowsWhereTheBoundIsTheEnd) {
+  Vector vector(1, keysOver({3, 5, 7, 9}));
+  ASSERT_EQ(4, vector.lowerBound({6}));
+  expectUnsorted(vector, {6});
+}
+
+TEST(VectorStore, insertHintAboveTheHintGoesTheWayOfInsert) {
+  Vector vector(1, keysOver({1, 3}));
+  EXPECT_EQ(2, vector.insertHint({5}, 9, 0).row());
+  EXPECT_EQ(keysOver({1, 3, 5}), vector.keys());
+}
+
+TEST(VectorStore, insertHintBelowTheRowBeforeTheHintGoesTheWayOfInsert) {
+  Vector vector(1, keysOver({3, 5, 7}));
+  EXPECT_EQ(0, vector.insertHint({1}, 9, 2).row());
+  EXPECT_EQ(keysOver({1, 3, 5, 7}), vector.keys());
+}
+
+TEST(VectorStore, insertHintPlacesAKeyBetweenTheHintAndTheRowBeforeIt) {
+  Vector vector(1, keysOver({1, 3, 7}));
+  EXPECT_EQ(2, vector.insertHint({5}, 9, 2).row());
+  EXPECT_EQ((Rows{{{1}, 1}, {{3}, 2}, {{5}, 9}, {{7}, 3}}), vector.rows());
+}
+
+TEST(VectorStore, insertHintOnNoRowAppendsUnchecked) {
+  Vector vector(1, keysOver({1, 3}));
+  EXPECT_EQ(2, vector.insertHint({2}, 9, 2).row());
+  EXPECT_EQ(keysOver({1, 3, 2}), vector.keys());
+}
+
+TEST(VectorStore, insertHintOfTheHintsKeyPutsASecondRowInFrontOfIt) {
+  StdoutCapture output;
+  Vector vector(1, keysOver({1, 3}));
+  EXPECT_EQ(1, vector.insertHint({3}, 9, 1).row());
+  EXPECT_EQ((Rows{{{1}, 1}, {{3}, 9}, {{3}, 2}}), vector.rows());
+  EXPECT_EQ("", output.text());
+}
+
+TEST(VectorStore, insertHintOfTheKeyBeforeTheHintPutsASecondRowInFrontOfTheHint) {
+  StdoutCapture output;
+  Vector vector(1, keysOver({1, 3}));
+  EXPECT_EQ(1, vector.insertHint({1}, 9, 1).row());
+  EXPECT_EQ((Rows{{{1}, 1}, {{1}, 9}, {{3}, 2}}), vector.rows());
+  EXPECT_EQ("", output.text());
+}
+
+TEST(VectorStore, insertHintOfAnUnsortedKeyThrowsAndKeepsTheRows) {
+  Vector vector(1, keysOver({1, 3, 5}));
+  EXPECT_THROW(vector.insertHint({2}, 9, 0), std::logic_error);
+  EXPECT_THROW(vector.insertHint({2}, 9, 2), std::logic_error);
+  EXPECT_EQ(keysOver({1, 3, 5}), vector.keys());
+}
+
+TEST(VectorStore, aSortedLoadByHintOfTheLastRowNeverWarns) {
+  StdoutCapture output;
+  Vector vector(2);
+  VectorIterator last = vector.store.end();
+  std::vector<Key> expected;
+  for (int i = 1; i <= 20; ++i) {
+    for (int j = 1; j <= 20; ++j) {
+      const Key key = {i, j};
+      const double value = 1;
+      last = vector.store.insertHint(key.data(), &value, last);
+      expected.push_back(key);
+    }
+  }
+  EXPECT_EQ(expected, vector.keys());
+  EXPECT_EQ(400, vector.store.size());
+  EXPECT_EQ("", output.text());
+}
+
+TEST(VectorStore, lowerBoundFindsEveryKeyPresent) {
+  for (int rows = 1; rows <= 17; ++rows) {
+    Vector vector(1);
+    for (int row = 0; row < rows; ++row) {
+      vector.append({2 * row + 2}, row);
+    }
+    for (int row = 0; row < rows; ++row) {
+      EXPECT_EQ(row, vector.lowerBound({2 * row + 2})) << "of " << rows;
+      EXPECT_EQ(row, vector.find({2 * row + 2})) << "of " << rows;
+    }
+    EXPECT_EQ(0, vector.lowerBound({1})) << "below all of " << rows;
+    EXPECT_EQ(rows == 1 ? 0 : rows, vector.lowerBound({99})) << "above all of " << rows;
+  }
+}
+
+TEST(VectorStore, lowerBoundOfAKeyBetweenRowsIsTheRowBelowOrTheEnd) {
+  Vector three(1, keysOver({1, 3, 5}));
+  EXPECT_EQ(0, three.lowerBound({2}));
+  EXPECT_EQ(1, three.lowerBound({4}));
+  Vector four(1, keysOver({3, 5, 7, 9}));
+  EXPECT_EQ(0, four.lowerBound({4}));
+  EXPECT_EQ(4, four.lowerBound({6}));
+  EXPECT_EQ(2, four.lowerBound({8}));
+}
+
+TEST(VectorStore, lowerBoundOfAnEmptyStoreIsTheEnd) {
+  Vector vector(1);
+  EXPECT_EQ(0, vector.lowerBound({1}));
+  EXPECT_EQ(0, vector.store.end().row());
+}
+
+TEST(VectorStore, lowerBoundOfASingleRowIsThatRowWhateverTheKey) {
+  Vector vector(1, keysOver({5}));
+  EXPECT_EQ(0, vector.lowerBound({1}));
+  EXPECT_EQ(0, vector.lowerBound({9}));
+}
+
+TEST(VectorStore, isEndBoundTellsASingleRowBelowTheKey) {
+  Vector vector(2, {{5, 5}});
+  const auto bounds = [&](const Key& key) {
+    return vector.store.isEndBound(vector.store.lowerBound(key.data()), key.data());
+  };
+  EXPECT_TRUE(bounds({5, 6}));
+  EXPECT_FALSE(bounds({5, 5}));
+  EXPECT_FALSE(bounds({4, 9}));
+}
+
+TEST(VectorStore, findOfAnAbsentKeyIsTheEnd) {
+  Vector vector(1, keysOver({1, 3, 5}));
+  for (const int absent : {2, 4, 6, -1}) {
+    EXPECT_EQ(3, vector.find({absent})) << absent;
+  }
+}
+
+TEST(VectorStore, a0InTheKeyMatchesAnythingWhereTheSearchLands) {
+  Vector vector(2, {{1, 1}, {1, 2}, {2, 1}});
+  EXPECT_EQ(1, vector.find({1, 0}));
+  EXPECT_EQ(1, vector.find({0, 0}));
+  EXPECT_EQ(1, vector.find({0, 2}));
+  EXPECT_EQ(2, vector.find({2, 0}));
+}
+
+TEST(VectorStore, a0InARowMatchesAnything) {
+  Vector vector(2, {{1, 0}, {2, 2}});
+  EXPECT_EQ(0, vector.find({1, 7}));
+  StdoutCapture output;
+  EXPECT_EQ(0, vector.insert({1, 9}, 9).row());
+  EXPECT_EQ(warning, output.text());
+}
+
+TEST(VectorStore, insertOrAssignOverwritesTheRowOfTheKey) {
+  Vector vector(1, keysOver({1, 3}));
+  EXPECT_EQ(0, vector.insertOrAssign({1}, 9).row());
+  EXPECT_EQ((Rows{{{1}, 9}, {{3}, 2}}), vector.rows());
+}
+
+TEST(VectorStore, insertOrAssignOfAnAbsentKeyOverwritesTheRowWhereTheBoundFell) {
+  Vector vector(1, keysOver({1, 3, 5}));
+  EXPECT_EQ(0, vector.insertOrAssign({2}, 9).row());
+  EXPECT_EQ((Rows{{{1}, 9}, {{3}, 2}, {{5}, 3}}), vector.rows());
+}
+
+TEST(VectorStore, insertOrAssignAboveASingleRowOverwritesIt) {
+  Vector vector(1, keysOver({1}));
+  vector.insertOrAssign({2}, 9);
+  EXPECT_EQ((Rows{{{1}, 9}}), vector.rows());
+}
+
+TEST(VectorStore, insertOrAssignAppendsWhereTheBoundIsTheEndEvenOutOfOrder) {
+  Vector vector(1, keysOver({3, 5, 7, 9}));
+  EXPECT_EQ(4, vector.insertOrAssign({6}, 9).row());
+  EXPECT_EQ(keysOver({3, 5, 7, 9, 6}), vector.keys());
+}
+
+TEST(VectorStore, insertOrAssignOverwritesAllFiveSlots) {
+  DMapVector variable(1, 3);
+  const int key = 1;
+  const std::array<double, 5> others = {9, 8, 7, 6, 5};
+  variable.append(&key, slots);
+  const VectorIterator row = variable.insertOrAssign(variable.end(), &key, others.data());
+  EXPECT_TRUE(std::equal(others.begin(), others.end(), row.get().values));
+}
+
+TEST(VectorStore, eraseMovesLaterRowsDown) {
+  Vector vector(2, {{1, 1}, {2, 2}, {3, 3}});
+  vector.store.erase(vector.store.iteratorAt(1));
+  EXPECT_EQ((Rows{{{1, 1}, 1}, {{3, 3}, 3}}), vector.rows());
+  EXPECT_EQ(2, vector.store.size());
+  vector.append({4, 4}, 4);
+  EXPECT_EQ((Rows{{{1, 1}, 1}, {{3, 3}, 3}, {{4, 4}, 4}}), vector.rows());
+}
+
+TEST(VectorStore, anIteratorNamesAPlaceNotARecord) {
+  Vector vector(1, keysOver({1, 3, 5}));
+  const VectorIterator second = vector.store.iteratorAt(1);
+  vector.store.erase(vector.store.begin());
+  EXPECT_EQ(5, *second.get().keys);
+  vector.insert({2}, 9);
+  EXPECT_EQ(3, *second.get().keys);
+}
+
+TEST(VectorStore, eraseOfTheOnlyRowLeavesAnEmptyStore) {
+  Vector vector(1, keysOver({1}));
+  vector.store.erase(vector.store.begin());
+  EXPECT_TRUE(vector.store.empty());
+  EXPECT_EQ(0, vector.insert({5}, 1).row());
+}
+
+TEST(VectorStore, clearKeepsTheMemoryOfTheArrays) {
+  Vector vector(1);
+  for (int i = 1; i <= 100; ++i) {
+    vector.append({i}, i);
+  }
+  const double* before = vector.store.begin().get().values;
+  vector.store.clear();
+  EXPECT_TRUE(vector.store.empty());
+  for (int i = 1; i <= 100; ++i) {
+    vector.append({i}, i);
+    EXPECT_EQ(before, vector.store.begin().get().values);
+  }
+}
+
+TEST(VectorStore, releaseGivesTheMemoryBackAndTheStoreIsUsable) {
+  Vector vector(1, keysOver({1, 2}));
+  vector.store.release();
+  EXPECT_TRUE(vector.store.empty());
+  vector.append({4}, 7);
+  EXPECT_EQ((Rows{{{4}, 7}}), vector.rows());
+}
+
+TEST(VectorStore, indexOfIsTheRowAndMinus1AtTheEnd) {
+  Vector vector(1, keysOver({1, 3}));
+  EXPECT_EQ(0, vector.store.indexOf(vector.store.begin()));
+  EXPECT_EQ(1, vector.store.indexOf(vector.store.iteratorAt(1)));
+  EXPECT_EQ(-1, vector.store.indexOf(vector.store.end()));
+}
+
+TEST(VectorStore, iteratorAtTheRecordCountIsTheEnd) {
+  Vector vector(1, keysOver({1, 3}));
+  EXPECT_TRUE(vector.store.iteratorAt(2).equals(vector.store.end()));
+}
+
+TEST(VectorStore, everyRowPastTheLastCountsAsTheEnd) {
+  Vector vector(1, keysOver({1, 3}));
+  EXPECT_FALSE(vector.store.isEnd(vector.store.iteratorAt(1)));
+  EXPECT_TRUE(vector.store.isEnd(vector.store.iteratorAt(2)));
+  EXPECT_TRUE(vector.store.isEnd(vector.store.iteratorAt(3)));
+}
+
+TEST(VectorStore, reserveMakesRoomInAnEmptyStore) {
+  Vector vector(2);
+  vector.store.reserve(10);
+  EXPECT_TRUE(vector.store.empty());
+  const double* first = vector.append({1, 1}, 1).get().values;
+  for (int i = 2; i <= 10; ++i) {
+    vector.append({i, i}, i);
+  }
+  EXPECT_EQ(first, vector.store.begin().get().values);
+  EXPECT_EQ(10, vector.store.size());
+  vector.append({11, 11}, 11);
+  EXPECT_EQ(11U, vector.rows().size());
+}
+
+TEST(VectorStore, reserveBeyondAnyMemoryThrowsAndKeepsTheStore) {
+  Vector vector(1, keysOver({1}));
+  try {
+    vector.store.reserve(-1);
+    FAIL() << "reserved a negative number of rows";
+  } catch (const std::length_error& error) {
+    EXPECT_STREQ("vector too long", error.what());
+  }
+  EXPECT_EQ((Rows{{{1}, 1}}), vector.rows());
+}
+
+class VectorScalar : public testing::Test {
+ protected:
+  VectorIterator put(double value) { return store_.append(nullptr, &value); }
+
+  DMapVector store_{0, 1};
+};
+
+TEST_F(VectorScalar, isEmptyAtFirst) {
+  EXPECT_EQ(0, store_.size());
+  EXPECT_TRUE(store_.empty());
+  EXPECT_TRUE(store_.begin().equals(store_.end()));
+}
+
+TEST_F(VectorScalar, holdsOneRecordWhoseValuesTheNextOverwrites) {
+  put(1);
+  put(2);
+  EXPECT_EQ(1, store_.size());
+  EXPECT_FALSE(store_.empty());
+  EXPECT_FALSE(store_.begin().equals(store_.end()));
+  EXPECT_EQ((Rows{{{}, 2}}), rowsOf(store_, 0));
+  EXPECT_EQ(nullptr, store_.begin().get().keys);
+}
+
+TEST_F(VectorScalar, everyWayInOverwrites) {
+  double value = 3;
+  store_.insert(nullptr, &value);
+  EXPECT_EQ(3, *store_.begin().get().values);
+  value = 4;
+  store_.insertHint(nullptr, &value, store_.begin());
+  EXPECT_EQ(4, *store_.begin().get().values);
+  value = 5;
+  store_.insertOrAssign(store_.begin(), nullptr, &value);
+  EXPECT_EQ(5, *store_.begin().get().values);
+  EXPECT_EQ(1, store_.size());
+}
+
+TEST_F(VectorScalar, findIsTheEndWithARecordAndWithout) {
+  EXPECT_TRUE(store_.find(nullptr).equals(store_.end()));
+  put(1);
+  EXPECT_TRUE(store_.find(nullptr).equals(store_.end()));
+}
+
+TEST_F(VectorScalar, eraseEmptiesAndTheStoreIsUsableAfterwards) {
+  put(1);
+  store_.erase(store_.begin());
+  EXPECT_TRUE(store_.empty());
+  EXPECT_TRUE(store_.find(nullptr).equals(store_.end()));
+  put(2);
+  EXPECT_EQ((Rows{{{}, 2}}), rowsOf(store_, 0));
+  store_.clear();
+  EXPECT_TRUE(store_.empty());
+}
+
+TEST_F(VectorScalar, reserveDoesNothing) {
+  put(7);
+  store_.reserve(100);
+  EXPECT_EQ((Rows{{{}, 7}}), rowsOf(store_, 0));
+}
+
+TEST_F(VectorScalar, holdsFiveSlotsForAVariable) {
+  DMapVector variable(0, 2);
+  const VectorIterator record = variable.append(nullptr, slots);
+  EXPECT_TRUE(std::equal(slots, slots + 5, record.get().values));
+}
+
+TEST(VectorIteratorValue, theNullIteratorStandsOnNothing) {
+  const VectorIterator null;
+  EXPECT_TRUE(null.isNull());
+  EXPECT_EQ(-1, null.row());
+  EXPECT_EQ(0, null.dim());
+  EXPECT_EQ(0, null.type());
+  EXPECT_EQ(dmap::StorageKind::dMap, null.kind());
+  EXPECT_EQ(nullptr, null.get().values);
+}
+
+TEST(VectorIteratorValue, carriesTheStoresDimensionTypeAndKind) {
+  DMapVector store(3, 2);
+  EXPECT_EQ(3, store.end().dim());
+  EXPECT_EQ(2, store.end().type());
+  EXPECT_EQ(dmap::StorageKind::dMapVector, store.end().kind());
+  EXPECT_FALSE(store.end().isNull());
+}
+
+TEST(VectorIteratorValue, stepsByOneRowUnchecked) {
+  Vector vector(1, keysOver({1, 3}));
+  VectorIterator position = vector.store.end();
+  position.prev();
+  EXPECT_EQ(3, *position.get().keys);
+  position.prev();
+  position.prev();
+  EXPECT_EQ(-1, position.row());
+  EXPECT_EQ(nullptr, position.get().keys);
+  EXPECT_EQ(nullptr, position.get().values);
+  position.next();
+  EXPECT_TRUE(position.equals(vector.store.begin()));
+}
+
+TEST(VectorIteratorValue, getGivesNothingOnARowThatTheArraysDoNotHave) {
+  Vector vector(2, {{1, 1}});
+  EXPECT_EQ(nullptr, vector.store.end().get().keys);
+  EXPECT_EQ(nullptr, vector.store.end().get().values);
+}
+
+TEST(VectorIteratorValue, survivesTheGrowthOfTheArrays) {
+  Vector vector(1, keysOver({1}));
+  const VectorIterator first = vector.store.begin();
+  for (int i = 2; i <= 1000; ++i) {
+    vector.append({i}, i);
+  }
+  EXPECT_EQ(1, *first.get().keys);
+  EXPECT_EQ(1.0, *first.get().values);
+}
+
+TEST(VectorIteratorValue, writingThroughAViewChangesTheRecord) {
+  Vector vector(1, keysOver({1, 2}));
+  *vector.store.iteratorAt(1).get().values = 9;
+  EXPECT_EQ((Rows{{{1}, 1}, {{2}, 9}}), vector.rows());
+}
+
+TEST(VectorIteratorValue, equalsComparesDimensionTypeAndRow) {
+  DMapVector first(1, 1);
+  DMapVector otherType(1, 0);
+  DMapVector otherDim(2, 1);
+  EXPECT_TRUE(first.begin().equals(first.begin()));
+  EXPECT_FALSE(first.begin().equals(first.iteratorAt(1)));
+  EXPECT_TRUE(first.begin().notEquals(first.iteratorAt(1)));
+  EXPECT_FALSE(first.begin().equals(otherType.begin()));
+  EXPECT_FALSE(first.begin().equals(otherDim.begin()));
+}
+
+}  // namespace
+}  // namespace ztb::storetest
