@@ -57,7 +57,7 @@ int main(int argc, char** argv) {
         bench::registerContest(contest(), static_cast<std::size_t>(size));
       }
     }
-    bench::SummaryReporter reporter;
+    bench::SummaryReporter reporter(bench::ours);
     benchmark::RunSpecifiedBenchmarks(&reporter);
     return 0;
   } catch (const std::exception& e) {

@@ -79,8 +79,8 @@ void SummaryReporter::printRow(const Row& row, const char* what, double Figures:
 }
 
 void SummaryReporter::Finalize() {
-  std::printf("%-24s %9s  %-12s %10s  %s\n", "operation", "records", "per record", ours,
-              "each rival: its figure, and its figure divided by ours");
+  std::printf("%-24s %9s  %-12s %10s  %s\n", "operation", "records", "per record",
+              reference_.c_str(), "each other: its figure, and its figure divided by that");
   for (const Row& row : rows_) {
     printRow(row, "ns", &Figures::nanoseconds);
     printRow(row, "memory bytes", &Figures::heapBytes);

@@ -1,5 +1,6 @@
-// Turns the measurements into one table: operation, records, our time of a record, each rival's and
-// its ratio to ours; the same for memory and file bytes of a record.
+// Turns the measurements into one table: operation, records, the time of a record of the reference,
+// which is the contestant that stands first, each other's and its ratio to that; the same for
+// memory and file bytes of a record.
 #ifndef ZTB_BENCH_SUMMARY_H_
 #define ZTB_BENCH_SUMMARY_H_
 
@@ -7,6 +8,7 @@
 
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace bench {
@@ -14,6 +16,9 @@ namespace bench {
 // Takes the best of a benchmark's repetitions: the machine can only add to the time of the work.
 class SummaryReporter final : public benchmark::BenchmarkReporter {
  public:
+  // `reference` heads the column of the contestant that stands first.
+  explicit SummaryReporter(std::string reference) : reference_(std::move(reference)) {}
+
   bool ReportContext(const Context& context) override;
   void ReportRuns(const std::vector<Run>& runs) override;
   void Finalize() override;
@@ -35,6 +40,7 @@ class SummaryReporter final : public benchmark::BenchmarkReporter {
   Figures& figuresOf(const std::string& benchmarkName);
   void printRow(const Row& row, const char* what, double Figures::*figure);
 
+  std::string reference_;
   std::vector<Row> rows_;
 };
 
