@@ -48,9 +48,14 @@ class ZTBSymbol final : public AbstractZTBSymbol {
         return nullptr;
       }
     }
+    auto record = handleToCome();
     const Iterator position =
         store_.insertHint(keys, newValues(variableValues, equationValues), bound);
-    return position.isNull() ? nullptr : handleOn(position);
+    if (position.isNull()) {
+      return nullptr;
+    }
+    record->standOn(position);
+    return record;
   }
 
   void insertRecord(const int* keys, const double* values) override { store_.insert(keys, values); }
@@ -116,23 +121,30 @@ class ZTBSymbol final : public AbstractZTBSymbol {
   std::pair<bool, double*> mergeRecord(const int* keys, const double* variableValues,
                                        const double* equationValues,
                                        RecordHandle* record) override {
+    auto merged = record == nullptr ? nullptr : handleToCome();
     insertRecordAtPosition(keys, newValues(variableValues, equationValues));
     if (lastPosition_.isNull()) {
       return {false, nullptr};
     }
-    if (record != nullptr) {
-      *record = handleOn(lastPosition_);
+    if (merged != nullptr) {
+      merged->standOn(lastPosition_);
+      *record = std::move(merged);
     }
     return {true, lastPosition_.get().values};
   }
 
   RecordHandle storeRecord(const int* keys, const double* values, bool overwrite) override {
+    auto record = handleToCome();
     if (overwrite) {
       lastPosition_ = store_.insertOrAssign(lastPosition_, keys, values);
     } else {
       insertRecordAtPosition(keys, values);
     }
-    return lastPosition_.isNull() ? nullptr : handleOn(lastPosition_);
+    if (lastPosition_.isNull()) {
+      return nullptr;
+    }
+    record->standOn(lastPosition_);
+    return record;
   }
 
   void insertRecordAtPosition(const int* keys, const double* values) override {
@@ -208,6 +220,11 @@ class ZTBSymbol final : public AbstractZTBSymbol {
   }
   RecordHandle handleOn(const Iterator& position, const int* mask) {
     return std::make_unique<ZTBSymbolIterator<Iterator>>(this, position, mask);
+  }
+
+  // A handle that is made before its record, so that running out of memory for it changes nothing.
+  std::unique_ptr<ZTBSymbolIterator<Iterator>> handleToCome() {
+    return std::make_unique<ZTBSymbolIterator<Iterator>>(this, Iterator());
   }
 
   // The record at a position; throws std::logic_error where the store has none.

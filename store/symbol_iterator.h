@@ -36,6 +36,8 @@ class ZTBSymbolIterator final : public AbstractZTBSymbolIterator {
 
   dmap::IDMapIterator& storeIterator() override { return position_; }
 
+  void standOn(const Iterator& position) { position_ = position; }
+
   double* values() override { return current().values; }
   const int* keys() override { return current().keys; }
 
