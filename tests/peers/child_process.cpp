@@ -13,7 +13,11 @@
 namespace peertest {
 namespace {
 
+// A scenario that hangs, on a lock say, is ended by a signal in place of holding up all tests.
+constexpr unsigned secondsToHang = 120;
+
 [[noreturn]] void runAndExit(const std::function<void()>& scenario) {
+  alarm(secondsToHang);
   try {
     scenario();
   } catch (const std::exception& exception) {

@@ -305,8 +305,11 @@ TEST(PeerLoader, EnabledLocksAreGivenBackAfterEachUse) {
     rxfFamily.state.mutexesEnabled = 1;
     void* rxf = nullptr;
     EXPECT_FALSE(rxfCreateD(&rxf, "/nowhere", nullptr, 0));
+    peertest::enterAllLocksFromAnotherThread(rxfFamily);
     ASSERT_TRUE(rxfCreateFrom("complete", &rxf));
+    peertest::enterAllLocksFromAnotherThread(rxfFamily);
     rxfFree(&rxf);
+    peertest::enterAllLocksFromAnotherThread(rxfFamily);
     EXPECT_EQ(rxfFamily.state.objectCount, 0);
   });
 }

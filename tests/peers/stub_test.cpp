@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cstdint>
+#include <cstdlib>
 #include <string>
 
 #include "peers/pbi_family.h"
@@ -130,6 +131,21 @@ TEST(PeerStub, CallbackThatRefusesEndsTheProcessEvenWithTheExitIndicatorOff) {
   }
 }
 
+TEST(PeerStub, ErrorLockIsFreeWhenTheProcessEnds) {
+  for (const std::int32_t exitIndicator : {0, 1}) {
+    const ChildResult result = inChild([exitIndicator] {
+      makeLackingPeersReady();
+      std::atexit([] { peertest::enterAllLocksFromAnotherThread(rxfFamily); });
+      rxfFamily.state.mutexesEnabled = 1;
+      rxfFamily.state.errorCallback = exitIndicator != 0 ? remember : refuse;
+      rxfFamily.state.exitIndicator = exitIndicator;
+      rxfClose(nullptr);
+      std::exit(neverReached);
+    });
+    EXPECT_EQ(result.exitCode, 123);
+  }
+}
+
 TEST(PeerStub, CallbackGetsTheCountAndTheText) {
   expectPassesInChild([] {
     makeLackingPeersReady();
@@ -157,6 +173,7 @@ TEST(PeerStub, WithTheExitIndicatorOffItAnswersZeroOfItsResultType) {
       EXPECT_EQ(pbiGetVarLOne(&countSeen, 3), 0.0);
       pbiPinfSet(&countSeen, 3.0);
       EXPECT_EQ(pbiFamily.state.apiErrorCount, 4);
+      peertest::enterAllLocksFromAnotherThread(pbiFamily);
     });
   }
 }

@@ -4,6 +4,7 @@
 
 #include <sstream>
 #include <stdexcept>
+#include <thread>
 
 namespace peertest {
 namespace {
@@ -32,6 +33,17 @@ std::vector<std::string> peerLog(const std::string& kind, const char* fileName) 
   for (std::string line; std::getline(text, line);) lines.push_back(line);
   dlclose(library);
   return lines;
+}
+
+void enterAllLocksFromAnotherThread(ztb::peers::PeerFamily& family) {
+  std::thread other([&] {
+    for (ztb::peers::platform::Lock* lock :
+         {&family.state.libraryLock, &family.state.objectCountLock, &family.state.errorLock}) {
+      lock->enter();
+      lock->leave();
+    }
+  });
+  other.join();
 }
 
 std::string openError(const std::string& fileName) {

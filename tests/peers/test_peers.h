@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "peers/peer_family.h"
+
 namespace peertest {
 
 inline constexpr const char* rxfFile = "librxfcclib64.so";
@@ -22,6 +24,9 @@ std::vector<std::string> peerLog(const std::string& kind, const char* fileName);
 inline int countLines(const std::vector<std::string>& lines, const std::string& wanted) {
   return static_cast<int>(std::ranges::count(lines, wanted));
 }
+
+// Returns once another thread had each lock of the family; never if this thread holds one.
+void enterAllLocksFromAnotherThread(ztb::peers::PeerFamily& family);
 
 // The platform's words for a library that cannot be opened.
 std::string openError(const std::string& fileName);
