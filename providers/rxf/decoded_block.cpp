@@ -5,12 +5,12 @@
 namespace rxffile {
 
 void DecodedBlock::parse(std::uint32_t count, int dim, int slots, std::uint32_t labelCount,
-                         Decompressor& decompressor, KeyPiece& scratch) {
+                         Decompressor& decompressor) {
   count_ = count;
   slots_ = slots;
   arena_.reset();
   ByteReader in(body_.get(), length_);
-  keys_.parse(in, count, dim, labelCount, decompressor, arena_, scratch);
+  keys_.parse(in, count, dim, labelCount, decompressor, arena_);
   for (int s = 0; s < slots; ++s) {
     values_[static_cast<unsigned>(s)].parse(in, count, decompressor, arena_);
   }

@@ -1,7 +1,7 @@
 // A block of records that was read and verified, ready to be delivered.
 //
-// Verifying decides over every byte, also of a block whose checksum is right: once parse() has
-// returned, delivering the records cannot fail.
+// Verifying decides over every byte, also of a block whose checksum is right: once verify()
+// has returned, delivering the records cannot fail.
 #ifndef ZTB_PROVIDERS_RXF_DECODED_BLOCK_H_
 #define ZTB_PROVIDERS_RXF_DECODED_BLOCK_H_
 
@@ -23,7 +23,7 @@ using ValuePiece = std::array<double, kPieceRecords>;
 
 class DecodedBlock {
  public:
-  // Room for a body of `length` bytes, to be filled before parse().
+  // Room for a body of `length` bytes, to be filled before it is verified or parsed.
   std::uint8_t* body(std::size_t length) {
     if (length > room_) {
       body_ = std::make_unique_for_overwrite<std::uint8_t[]>(length);
@@ -33,10 +33,16 @@ class DecodedBlock {
     return body_.get();
   }
 
-  // Verifies the body of a block of `count` records of this shape. Throws Malformed. `scratch` is
-  // overwritten.
+  // Takes the body as a block of `count` records of this shape and verifies it. Throws Malformed.
+  void verify(std::uint32_t count, int dim, int slots, std::uint32_t labelCount,
+              Decompressor& decompressor) {
+    parse(count, dim, slots, labelCount, decompressor);
+    keys_.verify(labelCount);
+  }
+
+  // The same for a body that was verified before, byte for byte.
   void parse(std::uint32_t count, int dim, int slots, std::uint32_t labelCount,
-             Decompressor& decompressor, KeyPiece& scratch);
+             Decompressor& decompressor);
 
   // Back to the first record.
   void rewind();

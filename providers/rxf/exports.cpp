@@ -82,7 +82,9 @@ RXF_EXPORT void C__rxfSetLoadPath(const char* directory) {
 }
 
 RXF_EXPORT void C__rxfGetLoadPath(char* directory) {
-  if (directory != nullptr) std::strcpy(directory, loadPath.data());
+  if (directory != nullptr) {
+    std::memcpy(directory, loadPath.data(), std::strlen(loadPath.data()) + 1);
+  }
 }
 
 RXF_EXPORT int C__rxfOpenRead(void* rxf, const char* fileName, int* errorNumber) {

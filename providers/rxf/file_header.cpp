@@ -96,7 +96,7 @@ FileHeader FileHeader::read(const InputFile& file) {
   if (std::max({header.labelCount, header.textCount, header.symbolCount}) > kMaxCount) {
     throw headerDamage(file, "a count is above 2147483647");
   }
-  std::uint64_t at = loadLittle<std::uint64_t>(&bytes[32]);
+  auto at = loadLittle<std::uint64_t>(&bytes[32]);
   std::size_t field = 40;
   bool fits = at >= kFileHeaderBytes && at <= header.fileLength;
   for (Section* section : {&header.info, &header.labels, &header.texts, &header.symbols}) {

@@ -74,12 +74,11 @@ void KeyEncoder::encodeColumn(const RecordBlock& block, int j, Compressor& compr
 }
 
 void KeyDecoder::parse(ByteReader& in, std::uint32_t count, int dim, std::uint32_t labelCount,
-                       Decompressor& decompressor, Arena& arena, KeyPiece& scratch) {
+                       Decompressor& decompressor, Arena& arena) {
   count_ = count;
   dim_ = static_cast<std::size_t>(dim);
   if (numbers_.size() < dim_) numbers_.resize(dim_);
   for (std::size_t j = 0; j < dim_; ++j) parseColumn(in, j, labelCount, decompressor, arena);
-  verify(labelCount, scratch);
 }
 
 void KeyDecoder::parseColumn(ByteReader& in, std::size_t j, std::uint32_t labelCount,
@@ -108,41 +107,55 @@ void KeyDecoder::parseColumn(ByteReader& in, std::size_t j, std::uint32_t labelC
   }
 }
 
-void KeyDecoder::verify(std::uint32_t labelCount, KeyPiece& scratch) {
+void KeyDecoder::verify(std::uint32_t labelCount) {
+  previous_ = first_;
   if (dim_ == 0) {
     if (count_ != 1) throw Malformed(DetailText("scalar with %u records", count_));
     return;
   }
-  rewind();
-  while (at_ < count_) {
-    const std::size_t count = std::min<std::size_t>(kPieceRecords, count_ - at_);
-    next(count, scratch);
-    verifyPiece(count, labelCount, scratch);
+  const std::size_t numbers = count_ - 1;
+  for (std::size_t from = 0; from < numbers; from += kPieceRecords) {
+    const std::size_t count = std::min(kPieceRecords, numbers - from);
+    readNumbers(from, count);
+    bool holds = true;
+    for (std::size_t i = 0; i < count;) {
+      if (onlyLastMoves(i, count)) {
+        holds &= verifyLastOnly(i, labelCount);
+        i += kGroup;
+      } else {
+        const std::size_t end = std::min(i + kGroup, count);
+        for (; i < end; ++i) holds &= verifyOne(i, labelCount);
+      }
+    }
+    if (!holds) {
+      throw Malformed(
+          DetailText("one of the records %zu to %zu stands twice or has a key outside "
+                     "the labels 1 to %u",
+                     from + 2, from + count + 1, labelCount));
+    }
   }
 }
 
 // Numbers within the labels cannot overflow a sum, so a key in range is also an ascending one.
-void KeyDecoder::verifyPiece(std::size_t count, std::uint32_t labelCount,
-                             const KeyPiece& piece) const {
-  // The first record of a block has no numbers.
-  const std::size_t numbers = at_ == count ? count - 1 : count;
-  std::uint32_t outside = 0;
+bool KeyDecoder::verifyOne(std::size_t number, std::uint32_t labelCount) {
+  bool holds = advance(number) < dim_;
   for (std::size_t j = 0; j < dim_; ++j) {
-    const std::uint32_t* keys = piece.columns[j].data();
-    for (std::size_t i = 0; i < count; ++i) outside |= keys[i] - 1 >= labelCount ? 1U : 0U;
-    if (columns_[j].width < sizeof(std::uint32_t)) continue;
-    for (std::size_t i = 0; i < numbers; ++i) outside |= numbers_[j][i] > labelCount ? 1U : 0U;
+    holds &= numbers_[j][number] <= labelCount && previous_[j] - 1 < labelCount;
   }
-  if (outside != 0) {
-    throw Malformed(DetailText("a key in records %zu to %u is outside the labels 1 to %u",
-                               at_ - count + 1, at_, labelCount));
+  return holds;
+}
+
+// Keys only grow here, so the last one tells of all.
+bool KeyDecoder::verifyLastOnly(std::size_t number, std::uint32_t labelCount) {
+  const std::uint32_t* numbers = numbers_[dim_ - 1].data() + number;
+  std::uint64_t key = previous_[dim_ - 1];
+  bool moves = true;
+  for (std::size_t g = 0; g < kGroup; ++g) {
+    key += numbers[g];
+    moves &= numbers[g] != 0;
   }
-  const std::uint32_t* last = numbers_[dim_ - 1].data();
-  std::uint32_t standing = 0;
-  for (std::size_t i = 0; i < numbers; ++i) standing |= (upper_[i] | last[i]) == 0 ? 1U : 0U;
-  if (standing != 0) {
-    throw Malformed(DetailText("one of the records %zu to %u stands twice", at_ - count + 1, at_));
-  }
+  previous_[dim_ - 1] = static_cast<std::uint32_t>(key);
+  return moves && key <= labelCount;
 }
 
 void KeyDecoder::next(std::size_t count, KeyPiece& piece) {
@@ -154,16 +167,9 @@ void KeyDecoder::next(std::size_t count, KeyPiece& piece) {
     at = 1;
   }
   const std::size_t numbers = count - at;
-  readNumbers(numbers);
-  std::size_t i = 0;
-  while (i < numbers) {
-    // In long rows only the last position moves.
-    std::uint32_t upper = 1;
-    if (i + kGroup <= numbers) {
-      upper = 0;
-      for (std::size_t g = 0; g < kGroup; ++g) upper |= upper_[i + g];
-    }
-    if (upper == 0) {
+  readNumbers(at_ == 0 ? 0 : at_ - 1, numbers);
+  for (std::size_t i = 0; i < numbers;) {
+    if (onlyLastMoves(i, numbers)) {
       decodeLastOnly(i, at + i, piece);
       i += kGroup;
     } else {
@@ -174,39 +180,47 @@ void KeyDecoder::next(std::size_t count, KeyPiece& piece) {
   at_ += static_cast<std::uint32_t>(count);
 }
 
-void KeyDecoder::readNumbers(std::size_t count) {
-  if (dim_ == 0) return;
+void KeyDecoder::readNumbers(std::size_t from, std::size_t count) {
+  std::fill_n(upper_.begin(), count, 0U);
   for (std::size_t j = 0; j < dim_; ++j) {
     const Column& column = columns_[j];
+    std::uint32_t* numbers = numbers_[j].data();
     if (column.width == 0) {
-      std::fill_n(numbers_[j].begin(), count, column.constant);
+      std::fill_n(numbers, count, column.constant);
     } else {
-      joinPlanes(column.planes.data(), column.width, at_ == 0 ? 0 : at_ - 1, count,
-                 numbers_[j].data());
+      joinPlanes(column.planes.data(), column.width, from, count, numbers);
     }
-  }
-  std::fill_n(upper_.begin(), count, 0U);
-  for (std::size_t j = 0; j + 1 < dim_; ++j) {
-    const std::uint32_t* numbers = numbers_[j].data();
+    if (j + 1 == dim_) break;
     for (std::size_t i = 0; i < count; ++i) upper_[i] |= numbers[i];
   }
 }
 
-void KeyDecoder::decodeOne(std::size_t number, std::size_t at, KeyPiece& piece) {
+// Whether a whole group follows in which, as in long rows, the last position alone moves.
+bool KeyDecoder::onlyLastMoves(std::size_t number, std::size_t count) const {
+  if (number + kGroup > count) return false;
+  std::uint32_t upper = 0;
+  for (std::size_t g = 0; g < kGroup; ++g) upper |= upper_[number + g];
+  return upper == 0;
+}
+
+// Goes to the next record and returns its first changed position.
+unsigned KeyDecoder::advance(std::size_t number) {
   std::uint32_t open = 0;  // all ones right of the first changed position
   unsigned first = 0;
   for (std::size_t j = 0; j < dim_; ++j) {
     const std::uint32_t add = numbers_[j][number];
-    const std::uint32_t key = (previous_[j] & ~open) + (columns_[j].base & open) + add;
-    previous_[j] = key;
-    piece.columns[j][at] = key;
+    previous_[j] = (previous_[j] & ~open) + (columns_[j].base & open) + add;
     open |= add != 0 ? ~0U : 0U;
     first += 1 + open;
   }
-  piece.firstChanged[at] = static_cast<std::uint8_t>(first);
+  return first;
 }
 
-// A whole group of records that differ from one another in the last position alone.
+void KeyDecoder::decodeOne(std::size_t number, std::size_t at, KeyPiece& piece) {
+  piece.firstChanged[at] = static_cast<std::uint8_t>(advance(number));
+  for (std::size_t j = 0; j < dim_; ++j) piece.columns[j][at] = previous_[j];
+}
+
 void KeyDecoder::decodeLastOnly(std::size_t number, std::size_t at, KeyPiece& piece) {
   const std::size_t last = dim_ - 1;
   for (std::size_t j = 0; j < last; ++j) {

@@ -48,24 +48,27 @@ class KeyEncoder {
 
 class KeyDecoder {
  public:
-  // Takes the keys of `count` (at least 1) records from `in` and verifies them: afterwards every
-  // key is in 1..labelCount and the records ascend. Throws Malformed. `arena` and the input are to
-  // stay as long as the decoder is used; `scratch` is overwritten.
+  // Takes the keys of `count` (at least 1) records from `in`. Throws Malformed. `arena` and the
+  // input are to stay as long as the decoder is used.
   void parse(ByteReader& in, std::uint32_t count, int dim, std::uint32_t labelCount,
-             Decompressor& decompressor, Arena& arena, KeyPiece& scratch);
+             Decompressor& decompressor, Arena& arena);
+
+  // Goes through all records: afterwards every key is known to be in 1..labelCount and the records
+  // to ascend, and lastKeys() is that of the last record. Throws Malformed. REQUIRES: parse().
+  void verify(std::uint32_t labelCount);
 
   // Back to the first record.
   void rewind() { at_ = 0; }
 
   // Decodes the next `count` records, at least 1, at most kPieceRecords and at most what is left.
   // The first record of the block counts as changed at position 0. REQUIRES: parse() and rewind()
-  // before.
+  // before, and the same bytes verified once.
   void next(std::size_t count, KeyPiece& piece);
 
   // Keys of the first record. REQUIRES: parse().
   [[nodiscard]] const std::uint32_t* firstKeys() const { return first_.data(); }
 
-  // Keys of the record that was decoded last; of the last one after parse().
+  // Keys of the record that was decoded last; of the last one after verify().
   [[nodiscard]] const std::uint32_t* lastKeys() const { return previous_.data(); }
 
  private:
@@ -79,9 +82,11 @@ class KeyDecoder {
 
   void parseColumn(ByteReader& in, std::size_t j, std::uint32_t labelCount,
                    Decompressor& decompressor, Arena& arena);
-  void verify(std::uint32_t labelCount, KeyPiece& scratch);
-  void verifyPiece(std::size_t count, std::uint32_t labelCount, const KeyPiece& piece) const;
-  void readNumbers(std::size_t count);
+  bool verifyOne(std::size_t number, std::uint32_t labelCount);
+  bool verifyLastOnly(std::size_t number, std::uint32_t labelCount);
+  void readNumbers(std::size_t from, std::size_t count);
+  [[nodiscard]] bool onlyLastMoves(std::size_t number, std::size_t count) const;
+  unsigned advance(std::size_t number);
   void decodeOne(std::size_t number, std::size_t at, KeyPiece& piece);
   void decodeLastOnly(std::size_t number, std::size_t at, KeyPiece& piece);
 

@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "providers/rxf/failure.h"
-#include "providers/rxf/frame.h"
 
 namespace rxffile {
 
@@ -34,13 +33,10 @@ std::uint32_t RecordStream::start(const SymbolEntry& entry, std::uint32_t number
 void RecordStream::stop() {
   entry_ = nullptr;
   kept_ = 0;
-  damaged_.clear();
-  walkable_ = 0;
+  waiting_.clear();
   current_ = nullptr;
   deliveredKept_ = 0;
-  nextIndex_ = 0;
-  nextDamaged_ = 0;
-  nextOffset_ = 0;
+  deliveredWaiting_ = 0;
   first_ = true;
   piece_.fill(0);
 }
@@ -50,25 +46,24 @@ std::uint32_t RecordStream::verifyBlocks() {
   std::uint64_t offset = entry_->dataOffset;
   std::uint32_t records = 0;
   std::size_t held = 0;
-  bool keeping = true;
   std::array<std::uint32_t, kMaxDimension> last{};
-  nextOffset_ = offset;
-  for (walkable_ = 0; walkable_ < blocks; ++walkable_) {
-    const std::uint64_t before = offset;
+  for (std::uint32_t index = 0; index < blocks; ++index) {
+    const std::uint64_t at = offset;
     DecodedBlock& block = blockToKeep();
+    FrameHead head;
     try {
-      loadBlock(walkable_, offset, block);
+      head = readBlock(index, offset, block);
+      block.verify(head.count, entry_->dim, slotsOfType(entry_->type), labelCount_, decompressor_);
       const std::uint32_t* first = block.keys().firstKeys();
       if (records != 0 &&
           !std::lexicographical_compare(last.begin(), last.begin() + dim_, first, first + dim_)) {
         throw Malformed(DetailText("its records do not ascend from the block before"));
       }
     } catch (const Malformed& malformed) {
-      const bool lost = offset == before;
-      recordDamage(walkable_, malformed.what(),
+      const bool lost = offset == at;
+      recordDamage(index, malformed.what(),
                    lost ? "it and all behind it are left out" : "its records are left out");
       if (lost) break;
-      damaged_.push_back(walkable_);
       continue;
     } catch (const Failure& failure) {
       log_.record(failure.number(), failure.detail());
@@ -76,12 +71,12 @@ std::uint32_t RecordStream::verifyBlocks() {
     }
     std::copy_n(block.keys().lastKeys(), dim_, last.begin());
     records += block.count();
-    if (!keeping) continue;
-    held += block.held();
-    ++kept_;
-    nextIndex_ = walkable_ + 1;
-    nextOffset_ = offset;
-    keeping = held < kKeptBytes;
+    if (held < kKeptBytes) {
+      held += block.held();
+      ++kept_;
+    } else {
+      waiting_.push_back({index, at, head.bodyChecksum});
+    }
   }
   return records;
 }
@@ -92,9 +87,9 @@ DecodedBlock& RecordStream::blockToKeep() {
   return *blocks_[kept_];
 }
 
-// Reads and verifies block `index` at `offset`, which moves behind the block as soon as its head is
-// known to be right. Throws Malformed, Failure.
-void RecordStream::loadBlock(std::uint32_t index, std::uint64_t& offset, DecodedBlock& block) {
+// Reads block `index` at `offset`, which moves behind the block as soon as its head is known to be
+// right, and checks it against its checksums. Throws Malformed, Failure.
+FrameHead RecordStream::readBlock(std::uint32_t index, std::uint64_t& offset, DecodedBlock& block) {
   const std::uint64_t end = entry_->dataOffset + entry_->dataLength;
   if (end - offset < kFrameHeadBytes) throw Malformed(DetailText("no room for its head"));
   FrameHead::Encoded bytes;
@@ -113,8 +108,7 @@ void RecordStream::loadBlock(std::uint32_t index, std::uint64_t& offset, Decoded
   std::uint8_t* body = block.body(head.bodyLength);
   file_.read(bodyAt, body, head.bodyLength);
   head.verifyBody(body);
-  block.parse(head.count, entry_->dim, slotsOfType(entry_->type), labelCount_, decompressor_,
-              piece_.keys());
+  return head;
 }
 
 bool RecordStream::refill() {
@@ -143,35 +137,38 @@ void RecordStream::joinToPrevious(std::size_t count) {
 }
 
 bool RecordStream::nextBlock() {
+  current_ = nullptr;
   if (deliveredKept_ < kept_) {
     current_ = blocks_[deliveredKept_++].get();
-    current_->rewind();
-    return true;
-  }
-  current_ = nullptr;
-  while (nextIndex_ < walkable_) {
-    const std::uint32_t index = nextIndex_++;
-    while (nextDamaged_ < damaged_.size() && damaged_[nextDamaged_] < index) ++nextDamaged_;
-    const bool damaged = nextDamaged_ < damaged_.size() && damaged_[nextDamaged_] == index;
-    DecodedBlock& block = blockToKeep();
-    try {
-      loadBlock(index, nextOffset_, block);
-    } catch (const Malformed& malformed) {
-      if (damaged) continue;
-      recordDamage(index, malformed.what(), "it was changed while it was read");
-      nextIndex_ = walkable_;
-      return false;
-    } catch (const Failure& failure) {
-      log_.record(failure.number(), failure.detail());
-      nextIndex_ = walkable_;
+  } else if (deliveredWaiting_ < waiting_.size()) {
+    const Waiting& waiting = waiting_[deliveredWaiting_++];
+    if (!reload(waiting, blockToKeep())) {
+      deliveredWaiting_ = waiting_.size();
       return false;
     }
-    if (damaged) continue;
-    current_ = &block;
-    current_->rewind();
-    return true;
+    current_ = &blockToKeep();
+  } else {
+    return false;
   }
-  return false;
+  current_->rewind();
+  return true;
+}
+
+// Reads a block again that was verified. Only a file that was changed meanwhile can fail here.
+bool RecordStream::reload(const Waiting& waiting, DecodedBlock& block) {
+  std::uint64_t offset = waiting.offset;
+  try {
+    const FrameHead head = readBlock(waiting.index, offset, block);
+    if (head.bodyChecksum != waiting.checksum) throw Malformed(DetailText("it is another block"));
+    block.parse(head.count, entry_->dim, slotsOfType(entry_->type), labelCount_, decompressor_);
+  } catch (const Malformed& malformed) {
+    recordDamage(waiting.index, malformed.what(), "it was changed while it was read");
+    return false;
+  } catch (const Failure& failure) {
+    log_.record(failure.number(), failure.detail());
+    return false;
+  }
+  return true;
 }
 
 void RecordStream::recordDamage(std::uint32_t index, const char* reason, const char* consequence) {

@@ -40,8 +40,8 @@ Decoded decodedKeys(const Bytes& bytes, std::size_t count, int dim, std::uint32_
   Arena arena;
   const auto piece = std::make_unique<KeyPiece>();
   KeyDecoder decoder;
-  decoder.parse(in, static_cast<std::uint32_t>(count), dim, labelCount, decompressor, arena,
-                *piece);
+  decoder.parse(in, static_cast<std::uint32_t>(count), dim, labelCount, decompressor, arena);
+  decoder.verify(labelCount);
   decoder.rewind();
   Decoded decoded;
   for (std::size_t done = 0; done < count;) {

@@ -22,7 +22,7 @@ class ReadOrder : public testing::Test {
   }
 
   std::vector<Record> records(int number) {
-    const Symbol& symbol = smallContent().symbols[static_cast<std::size_t>(number) - 1];
+    const Symbol symbol = smallContent().symbols[static_cast<std::size_t>(number) - 1];
     return readRecords(file_, number, symbol.dim, symbol.type);
   }
 
