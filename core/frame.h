@@ -45,8 +45,9 @@ inline ztbRec* handleOf(ZTB* database) {
 
 // Runs `body(database)`. Running out of memory gives "Out of memory in NAME", also on standard
 // output; any other standard exception "Unexpected exception in NAME: TEXT". The result is then 0.
+// Always inlined: passing the body's captures on through memory costs more than many a body.
 template <class Body>
-int operation(ztbRec* handle, OperationName name, Body&& body) {
+[[gnu::always_inline]] inline int operation(ztbRec* handle, OperationName name, Body&& body) {
   traceOperation(name.trace);
   ZTB& db = databaseOf(handle);
   try {

@@ -1,6 +1,7 @@
 // Adding and overwriting records by label numbers: the fast way in.
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 
 #include "core/default_records.h"
@@ -38,38 +39,48 @@ bool checkNumbers(ZTB& db, const AbstractZTBSymbol& symbol, const int* keys) {
   return true;
 }
 
-// Puts a record with its content, or with the default values of its symbol, into the symbol.
-// Content overwrites a record that exists; without content such a record stays as it is.
-RecordHandle storeByNumbers(ZTB& db, AbstractZTBSymbol& symbol, const int* keys, bool checkUEL,
-                            const Content& content) {
-  if (!db.ensureLoaded(symbol) || (checkUEL && !checkNumbers(db, symbol, keys))) {
-    return nullptr;
-  }
+using SlotRoom = std::array<double, dmap::maxSlots>;
+
+// The slots of a record with that content in internal coding, or the default slots of its symbol;
+// they stand in `room` where they are not those given.
+const double* slotsOf(ZTB& db, const AbstractZTBSymbol& symbol, const Content& content,
+                      SlotRoom& room) {
   if (content.text != nullptr) {
-    const double level = db.textNumber(content.text);
-    return symbol.storeRecord(keys, &level, true);
+    room[ZTB_LEVEL] = db.textNumber(content.text);
+    return room.data();
   }
   if (content.values == nullptr) {
-    return symbol.storeRecord(keys, defaultRecord(symbol), false);
+    return defaultRecord(symbol);
   }
-  double slots[dmap::maxSlots];
-  std::copy_n(content.values, dmap::slotCount(symbol.type), slots);
-  if (symbol.type != ZTB_ALIAS && db.specialValueMode != SpecialValueMode::none) {
-    for (int slot = 0; slot < dmap::slotCount(symbol.type); ++slot) {
-      slots[slot] = db.mapIn(slots[slot]);
-    }
+  if (symbol.type == ZTB_ALIAS || db.specialValueMode == SpecialValueMode::none) {
+    return content.values;
   }
-  return symbol.storeRecord(keys, slots, true);
+  std::transform(content.values, content.values + dmap::slotCount(symbol.type), room.begin(),
+                 [&](double value) { return db.mapIn(value); });
+  return room.data();
 }
 
-// Stores a record and hands its handle out if the caller wants it.
-int storeRecord(ZTB& db, AbstractZTBSymbol& symbol, const int* keys, int checkUEL, int returnSymPtr,
-                void** recPtr, const Content& content) {
-  RecordHandle record = storeByNumbers(db, symbol, keys, checkUEL != 0, content);
-  if (record == nullptr) {
+// Stores a record and hands its handle out if the caller wants it; without that none is made.
+// Always inlined: this is the fast way in, and a call with so many arguments shows there.
+[[gnu::always_inline]] inline int storeRecord(ZTB& db, AbstractZTBSymbol& symbol, const int* keys,
+                                              int checkUEL, int returnSymPtr, void** recPtr,
+                                              const Content& content) {
+  if (!db.ensureLoaded(symbol) || (checkUEL != 0 && !checkNumbers(db, symbol, keys))) {
     return failure;
   }
-  if (returnSymPtr != 0) {
+  SlotRoom room;
+  const double* slots = slotsOf(db, symbol, content, room);
+  // Without content, a record that exists stays as it is.
+  const bool overwrite = content.values != nullptr || content.text != nullptr;
+  if (returnSymPtr == 0) {
+    if (!symbol.putRecord(keys, slots, overwrite)) {
+      return failure;
+    }
+  } else {
+    RecordHandle record = symbol.storeRecord(keys, slots, overwrite);
+    if (record == nullptr) {
+      return failure;
+    }
     *recPtr = record.release();
   }
   markWritten(db, symbol);

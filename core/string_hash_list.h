@@ -55,7 +55,7 @@ inline bool equalFolded(const char* a, const char* b) {
   if (a == nullptr || b == nullptr) {
     return a == b;
   }
-  for (; upperAscii(*a) == upperAscii(*b); ++a, ++b) {
+  for (; *a == *b || upperAscii(*a) == upperAscii(*b); ++a, ++b) {
     if (*a == '\0') {
       return true;
     }

@@ -13,7 +13,7 @@ UELList::UELList(char* message, std::size_t messageSize)
   labels_.store(" ", 1, 0);
 }
 
-bool UELList::normalise(const char* label, WorkingCopy& copy) {
+bool UELList::normalise(const char* label, Normalised& result) {
   if (label == nullptr) {
     return false;
   }
@@ -45,27 +45,31 @@ bool UELList::normalise(const char* label, WorkingCopy& copy) {
   if (length == 0 && end != label) {
     length = 1;
   }
-  std::memcpy(copy.chars, label, length);
-  copy.chars[length] = '\0';
-  copy.length = length;
+  result.length = length;
+  result.text = label;
+  if (label[length] != '\0') {
+    std::memcpy(result.room, label, length);
+    result.room[length] = '\0';
+    result.text = result.room;
+  }
   return true;
 }
 
 bool UELList::find(const char* label, int* number) {
-  WorkingCopy copy;
-  if (!normalise(label, copy)) {
+  Normalised normalised;
+  if (!normalise(label, normalised)) {
     return false;
   }
-  *number = labels_.indexOf(copy.chars);
+  *number = labels_.indexOf(normalised.text);
   return true;
 }
 
 bool UELList::merge(const char* label, int* number) {
-  WorkingCopy copy;
-  if (!normalise(label, copy)) {
+  Normalised normalised;
+  if (!normalise(label, normalised)) {
     return false;
   }
-  *number = labels_.store(copy.chars, copy.length, 0);
+  *number = labels_.store(normalised.text, normalised.length, 0);
   return true;
 }
 

@@ -52,12 +52,14 @@ class UELList final : public IUELList {
   void assign(const UELList& other);
 
  private:
-  struct WorkingCopy {
-    char chars[maxLabelLength + 1];
+  // A label as it is stored: the caller's own chars, or a copy in `room` where blanks were cut.
+  struct Normalised {
+    const char* text;
     std::size_t length;
+    char room[maxLabelLength + 1];
   };
 
-  bool normalise(const char* label, WorkingCopy& copy);
+  bool normalise(const char* label, Normalised& result);
 
   rxf::collections::strhash::TXStrHashList<int> labels_;
   char* message_;

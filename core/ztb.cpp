@@ -75,10 +75,7 @@ int ZTB::textNumber(const char* text) {
   return textPool.value(text);
 }
 
-bool ZTB::ensureLoaded(AbstractZTBSymbol& symbol) {
-  if (symbol.loaded) {
-    return true;
-  }
+bool ZTB::load(AbstractZTBSymbol& symbol) {
   symbol.loaded = true;
   if (initFrom == Source::rxf) {
     return readSymbolFromRXF(symbol, nullptr);

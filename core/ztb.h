@@ -79,7 +79,7 @@ class ZTB {
 
   // Whether the symbol's records may be used: reads them from the source if that has not been
   // done. A symbol counts as loaded from then on, also when reading failed.
-  bool ensureLoaded(AbstractZTBSymbol& symbol);
+  bool ensureLoaded(AbstractZTBSymbol& symbol) { return symbol.loaded || load(symbol); }
 
   // The number of an explanatory text, which enters the pool if it is new.
   int textNumber(const char* text);
@@ -166,6 +166,7 @@ class ZTB {
   uellist::UELList uels{lastError, messageSize};
 
  private:
+  bool load(AbstractZTBSymbol& symbol);
   bool loadAllSymbols();
   void markAliasTarget(AbstractZTBSymbol& alias);
   bool setDomains(AbstractZTBSymbol& symbol, AbstractZTBSymbol* const* domains,

@@ -84,6 +84,8 @@ class AbstractZTBSymbol {
   // Adds a record; one that exists is overwritten with `overwrite`, and kept without. Null when
   // the store gave nothing.
   virtual RecordHandle storeRecord(const int* keys, const double* values, bool overwrite) = 0;
+  // The same without a handle: whether the store took or had the record.
+  virtual bool putRecord(const int* keys, const double* values, bool overwrite) = 0;
   virtual void insertRecordAtPosition(const int* keys, const double* values) = 0;
   virtual RecordHandle lastRecord() = 0;
   virtual RecordHandle lastRecordInSlice(const int* mask) = 0;

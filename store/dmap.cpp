@@ -5,6 +5,23 @@
 #include "store/map_family.h"
 
 namespace ztb::dmap {
+namespace {
+
+// Adds a record to a map, or overwrites it there if that is wanted. The map's own insert_or_assign
+// would look for the place of a new key twice. Kept apart from the choice of the member, which is
+// then a plain jump.
+template <class Member>
+[[gnu::noinline]] void* storeInMap(void* map, void* hint, const int* keys, const double* values,
+                                   bool overwrite) {
+  const auto slots = Member::values(values);
+  const auto position = Member::map(map).insert(Member::position(hint), {Member::key(keys), slots});
+  if (overwrite) {
+    position->second = slots;
+  }
+  return Member::untyped(position);
+}
+
+}  // namespace
 
 DMap::DMap(int dim, int type) : dim_(dim), type_(type) {
   if (dim_ == 0) {
@@ -24,52 +41,34 @@ DMap::~DMap() {
   }
 }
 
-DMapIterator DMap::setScalar(const double* values) {
+void* DMap::setScalar(const double* values) {
   std::copy_n(values, slotCount(type_), scalarValues_);
   scalarSet_ = true;
-  return at(scalarValues_);
-}
-
-DMapIterator DMap::append(const int* keys, const double* values) {
-  return insertHint(keys, values, end());
+  return scalarValues_;
 }
 
 DMapIterator DMap::insert(const int* keys, const double* values) {
   if (dim_ == 0) {
-    return setScalar(values);
+    return at(setScalar(values));
   }
   if (map_ == nullptr) {
     return {};
   }
   return at(visitMapFamily(dim_, type_, [&](auto member) {
-    return member.untyped(member.map(map_).emplace(member.key(keys), member.values(values)).first);
+    return member.untyped(member.map(map_).insert({member.key(keys), member.values(values)}).first);
   }));
 }
 
-DMapIterator DMap::insertHint(const int* keys, const double* values, const DMapIterator& hint) {
+void* DMap::stored(void* hint, const int* keys, const double* values, bool overwrite) {
   if (dim_ == 0) {
     return setScalar(values);
   }
   if (map_ == nullptr) {
-    return {};
+    return nullptr;
   }
-  return at(visitMapFamily(dim_, type_, [&](auto member) {
-    return member.untyped(member.map(map_).emplace_hint(member.position(hint.position()),
-                                                        member.key(keys), member.values(values)));
-  }));
-}
-
-DMapIterator DMap::insertOrAssign(const DMapIterator& hint, const int* keys, const double* values) {
-  if (dim_ == 0) {
-    return setScalar(values);
-  }
-  if (map_ == nullptr) {
-    return {};
-  }
-  return at(visitMapFamily(dim_, type_, [&](auto member) {
-    return member.untyped(member.map(map_).insert_or_assign(
-        member.position(hint.position()), member.key(keys), member.values(values)));
-  }));
+  return visitMapFamily(dim_, type_, [=, this](auto member) {
+    return storeInMap<decltype(member)>(map_, hint, keys, values, overwrite);
+  });
 }
 
 void DMap::erase(const DMapIterator& position) {
@@ -109,16 +108,16 @@ DMapIterator DMap::lowerBound(const int* keys) {
   }));
 }
 
-DMapIterator DMap::find(const int* keys) {
+void* DMap::found(const int* keys) {
   if (dim_ == 0) {
-    return scalarSet_ ? at(scalarValues_) : end();
+    return scalarSet_ ? scalarValues_ : end_;
   }
   if (map_ == nullptr) {
-    return {};
+    return nullptr;
   }
-  return at(visitMapFamily(dim_, type_, [&](auto member) {
+  return visitMapFamily(dim_, type_, [&](auto member) {
     return member.untyped(member.map(map_).find(member.key(keys)));
-  }));
+  });
 }
 
 DMapIterator DMap::begin() {

@@ -21,19 +21,26 @@ class DMap final : public IDMap<DMapIterator> {
   // On a scalar, all four ways in overwrite an earlier record. On a keyed store, `append`, `insert`
   // and `insertHint` keep a record that exists and return it; `insertOrAssign` overwrites all its
   // slots. The hint only steers the search.
-  DMapIterator append(const int* keys, const double* values) override;
+  DMapIterator append(const int* keys, const double* values) override {
+    return at(stored(end_, keys, values, false));
+  }
   DMapIterator insert(const int* keys, const double* values) override;
-  DMapIterator insertHint(const int* keys, const double* values, const DMapIterator& hint) override;
+  DMapIterator insertHint(const int* keys, const double* values,
+                          const DMapIterator& hint) override {
+    return at(stored(hint.position(), keys, values, false));
+  }
   DMapIterator insertOrAssign(const DMapIterator& hint, const int* keys,
-                              const double* values) override;
+                              const double* values) override {
+    return at(stored(hint.position(), keys, values, true));
+  }
   void erase(const DMapIterator& position) override;
   [[nodiscard]] int size() const override;
   [[nodiscard]] bool empty() const override;
   // Exact. On a scalar with no record `end`, on one with a record the null iterator.
   DMapIterator lowerBound(const int* keys) override;
-  DMapIterator find(const int* keys) override;
+  DMapIterator find(const int* keys) override { return at(found(keys)); }
   DMapIterator begin() override;
-  DMapIterator end() override { return end_ == nullptr ? DMapIterator() : at(end_); }
+  DMapIterator end() override { return at(end_); }
   void clear() override;
   int indexOf(const DMapIterator& position) override;
   DMapIterator iteratorAt(int index) override;
@@ -51,8 +58,15 @@ class DMap final : public IDMap<DMapIterator> {
   }
 
  private:
-  DMapIterator at(void* position) const { return {dim_, type_, position}; }
-  DMapIterator setScalar(const double* values);
+  // An iterator is made where it is wanted, out of the pointer that the search gave: built behind a
+  // call and copied, it costs more than a step of the search.
+  DMapIterator at(void* position) const {
+    return position == nullptr ? DMapIterator() : DMapIterator(dim_, type_, position);
+  }
+  // Positions for the operations above; null where there is no map and no scalar.
+  void* stored(void* hint, const int* keys, const double* values, bool overwrite);
+  void* found(const int* keys);
+  void* setScalar(const double* values);
 
   int dim_;
   int type_;

@@ -135,16 +135,20 @@ class ZTBSymbol final : public AbstractZTBSymbol {
 
   RecordHandle storeRecord(const int* keys, const double* values, bool overwrite) override {
     auto record = handleToCome();
+    if (!putRecord(keys, values, overwrite)) {
+      return nullptr;
+    }
+    record->standOn(lastPosition_);
+    return record;
+  }
+
+  bool putRecord(const int* keys, const double* values, bool overwrite) override {
     if (overwrite) {
       lastPosition_ = store_.insertOrAssign(lastPosition_, keys, values);
     } else {
       insertRecordAtPosition(keys, values);
     }
-    if (lastPosition_.isNull()) {
-      return nullptr;
-    }
-    record->standOn(lastPosition_);
-    return record;
+    return !lastPosition_.isNull();
   }
 
   void insertRecordAtPosition(const int* keys, const double* values) override {

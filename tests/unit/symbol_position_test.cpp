@@ -66,6 +66,13 @@ TEST_F(LastPosition, storeRecordMovesIt) {
   EXPECT_EQ("6", hint());
 }
 
+TEST_F(LastPosition, putRecordMovesIt) {
+  symbol_->putRecord(Keys{7}.data(), &value_, true);
+  symbol_->putRecord(Keys{6}.data(), &value_, false);
+  EXPECT_EQ((Calls{"insertOrAssign 7 at 5", "insertHint 6 at 7"}), spy().calls);
+  EXPECT_EQ("6", hint());
+}
+
 TEST_F(LastPosition, addInsertAndAppendLeaveIt) {
   symbol_->addRecord(Keys{2}.data(), nullptr, nullptr);
   insert(3);

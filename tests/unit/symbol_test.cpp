@@ -187,6 +187,29 @@ TEST(StoreRecord, overwritesOrKeeps) {
   EXPECT_EQ(3, symbol->recordCount());
 }
 
+TEST(PutRecord, overwritesOrKeepsAsStoreRecordDoes) {
+  const auto symbol = parameterWith(1, {{{1}, 1.0}});
+  const double value = 9;
+  EXPECT_TRUE(symbol->putRecord(Keys{1}.data(), &value, false));
+  EXPECT_EQ(1.0, *symbol->findRecord(Keys{1}.data())->values());
+  EXPECT_TRUE(symbol->putRecord(Keys{1}.data(), &value, true));
+  EXPECT_EQ(9.0, *symbol->findRecord(Keys{1}.data())->values());
+  EXPECT_TRUE(symbol->putRecord(Keys{2}.data(), &value, false));
+  EXPECT_EQ(9.0, *symbol->findRecord(Keys{2}.data())->values());
+  EXPECT_EQ(2, symbol->recordCount());
+}
+
+TEST(PutRecord, overwritesAllSlotsOfAVariable) {
+  const auto symbol = symbolOf(2, dmap::typeVariable);
+  const std::array<double, 5> first = {1, 2, 3, 4, 5};
+  const std::array<double, 5> second = {6, 7, 8, 9, 10};
+  const Keys key = {3, 4};
+  EXPECT_TRUE(symbol->putRecord(key.data(), first.data(), true));
+  EXPECT_TRUE(symbol->putRecord(key.data(), second.data(), true));
+  const double* values = symbol->findRecord(key.data())->values();
+  EXPECT_EQ(second, (std::array<double, 5>{values[0], values[1], values[2], values[3], values[4]}));
+}
+
 TEST(SymbolOfImpossibleDimension, everyWayInGivesNothing) {
   const auto symbol = symbolOf(21, dmap::typeParameter);
   const std::array<int, 21> keys{};
@@ -199,6 +222,8 @@ TEST(SymbolOfImpossibleDimension, everyWayInGivesNothing) {
   EXPECT_EQ(nullptr, record);
   EXPECT_EQ(nullptr, symbol->storeRecord(keys.data(), &value, true));
   EXPECT_EQ(nullptr, symbol->storeRecord(keys.data(), &value, false));
+  EXPECT_FALSE(symbol->putRecord(keys.data(), &value, true));
+  EXPECT_FALSE(symbol->putRecord(keys.data(), &value, false));
   symbol->insertRecord(keys.data(), &value);
   symbol->appendRecord(keys.data(), &value);
   EXPECT_TRUE(symbol->isEmpty());
