@@ -2,6 +2,9 @@
 
 #include <malloc.h>
 
+#include <cstdlib>
+#include <limits>
+
 namespace bench {
 
 void registerContest(const Contest& contest, std::size_t records) {
@@ -23,6 +26,18 @@ void registerContest(const Contest& contest, std::size_t records) {
 std::size_t heapInUse() {
   const struct mallinfo2 info = mallinfo2();
   return info.uordblks + info.hblkhd;
+}
+
+void keepFreedMemory() {
+  mallopt(M_TRIM_THRESHOLD, std::numeric_limits<int>::max());
+  mallopt(M_MMAP_MAX, 0);
+}
+
+void mergeFreedBlocks() {
+  // The allocator does so when a block of this size is freed.
+  constexpr std::size_t mergingSize = 1 << 20;
+  void* volatile block = std::malloc(mergingSize);
+  std::free(block);
 }
 
 void countRecords(benchmark::State& state, std::size_t records) {

@@ -17,7 +17,8 @@ namespace bench {
 
 inline constexpr const char* ours = "ZTB";
 
-// Which clock counts: operations on files wait for the disk, all others are bound to the processor.
+// Operations on files also wait for the disk, so that the clock on the wall counts beside the
+// processor's time; all others are bound to the processor.
 enum class Clock { processor, wall };
 
 // Time and size of one record are per this many records of an iteration.
@@ -47,13 +48,21 @@ std::size_t heapInUse();
 // Says that an iteration handles that many records.
 void countRecords(benchmark::State& state, std::size_t records);
 
+// Keeps freed memory in the process from now on, so that no load pays for fetching it anew.
+void keepFreedMemory();
+
+// Merges freed blocks, so that the next load doesn't find a supply of blocks of just its size.
+void mergeFreedBlocks();
+
 // Times `load(store)` on a new store in every iteration and reports the memory that it holds
-// afterwards; making and freeing the store isn't timed. `make()` gives a unique_ptr.
+// afterwards; making and freeing the store isn't timed. Every load finds the heap alike. `make()`
+// gives a unique_ptr.
 template <class Make, class Load>
 void measureLoad(benchmark::State& state, std::size_t records, Make&& make, Load&& load) {
   std::size_t bytes = 0;
   for ([[maybe_unused]] auto iteration : state) {
     state.PauseTiming();
+    mergeFreedBlocks();
     auto store = make();
     const std::size_t before = heapInUse();
     state.ResumeTiming();

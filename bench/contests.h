@@ -18,6 +18,17 @@ Contest walk();
 // the whole symbol is the unit.
 Contest sliceByFirst();
 Contest sliceBySecond();
+// A database of a hundred symbols into a new file, which is on disk afterwards (SQLite syncs as we
+// do, HDF5 doesn't); the file's size.
+Contest exchangeWrite();
+// Labels and symbols of the file, without records; the unit is the file.
+Contest exchangeOpen();
+// All records into the stores of their symbols; the rivals fill ordered maps.
+Contest exchangeReadAll();
+// The same for one symbol of the hundred; the unit is a record of that symbol.
+Contest exchangeReadOne();
+// All records out of the file, with no store to fill.
+Contest exchangeStream();
 
 }  // namespace bench
 

@@ -17,12 +17,10 @@ Database::~Database() {
   ztbfree(&handle_);
 }
 
-void Database::require(int status) const {
-  if (status != 1) {
-    char message[256] = {};
-    c__ztbgetlasterror(handle_, message);
-    throw std::runtime_error(message);
-  }
+void Database::fail() const {
+  char message[256] = {};
+  c__ztbgetlasterror(handle_, message);
+  throw std::runtime_error(message);
 }
 
 void Database::addLabels(const Data& data) {

@@ -19,7 +19,11 @@ class Database {
   Database& operator=(const Database&) = delete;
 
   // Throws unless the status of an operation is 1.
-  void require(int status) const;
+  void require(int status) const {
+    if (status != 1) {
+      fail();
+    }
+  }
 
   // Adds the labels in the order of their numbers.
   void addLabels(const Data& data);
@@ -31,6 +35,8 @@ class Database {
   [[nodiscard]] ztbRec* handle() const { return handle_; }
 
  private:
+  [[noreturn]] void fail() const;
+
   ztbRec* handle_ = nullptr;
 };
 

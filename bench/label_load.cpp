@@ -51,7 +51,11 @@ void loadSqlite(benchmark::State& state, const Data& data) {
         database->createLabelTable("supply");
         return database;
       },
-      [&](Sqlite& database) { database.addByLabels("supply", data); });
+      [&](Sqlite& database) {
+        database.execute("BEGIN");
+        database.addByLabels("supply", data);
+        database.execute("COMMIT");
+      });
 }
 
 }  // namespace

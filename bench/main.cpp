@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "bench/contest.h"
 #include "bench/contests.h"
 #include "bench/summary.h"
 
@@ -50,10 +51,13 @@ int main(int argc, char** argv) {
   app.add_option("--json", jsonFile, "Also write every measurement to this file");
   CLI11_PARSE(app, argc, argv);
   try {
+    bench::keepFreedMemory();
     initialize(filter, jsonFile);
     for (const double size : sizes) {
-      for (const auto& contest : {bench::sortedLoad, bench::labelLoad, bench::labelLookup,
-                                  bench::walk, bench::sliceByFirst, bench::sliceBySecond}) {
+      for (const auto& contest :
+           {bench::sortedLoad, bench::labelLoad, bench::labelLookup, bench::walk,
+            bench::sliceByFirst, bench::sliceBySecond, bench::exchangeWrite, bench::exchangeOpen,
+            bench::exchangeReadAll, bench::exchangeReadOne, bench::exchangeStream}) {
         bench::registerContest(contest(), static_cast<std::size_t>(size));
       }
     }

@@ -39,7 +39,11 @@ void loadSqlite(benchmark::State& state, const Data& data) {
         database->createNumberTable("supply");
         return database;
       },
-      [&](Sqlite& database) { database.addByNumbers("supply", data, 0, data.size()); });
+      [&](Sqlite& database) {
+        database.execute("BEGIN");
+        database.addByNumbers("supply", data, 0, data.size());
+        database.execute("COMMIT");
+      });
 }
 
 }  // namespace

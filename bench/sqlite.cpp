@@ -49,7 +49,6 @@ void Sqlite::createLabelTable(const std::string& name) {
 void Sqlite::addByNumbers(const std::string& table, const Data& data, std::size_t first,
                           std::size_t last) {
   Statement insert(*this, insertInto(table));
-  execute("BEGIN");
   for (std::size_t i = first; i < last; ++i) {
     for (std::size_t d = 0; d < dimension; ++d) {
       insert.bind(static_cast<int>(d) + 1, data.keys[i][d]);
@@ -58,12 +57,10 @@ void Sqlite::addByNumbers(const std::string& table, const Data& data, std::size_
     insert.step();
     insert.reset();
   }
-  execute("COMMIT");
 }
 
 void Sqlite::addByLabels(const std::string& table, const Data& data) {
   Statement insert(*this, insertInto(table));
-  execute("BEGIN");
   for (const LabelledRecord& record : data.shuffled) {
     for (std::size_t d = 0; d < dimension; ++d) {
       insert.bind(static_cast<int>(d) + 1, *record.labels[d]);
@@ -72,7 +69,6 @@ void Sqlite::addByLabels(const std::string& table, const Data& data) {
     insert.step();
     insert.reset();
   }
-  execute("COMMIT");
 }
 
 Statement::Statement(const Sqlite& database, const std::string& sql) {
@@ -99,7 +95,9 @@ Sqlite& filledByNumbers(const Data& data) {
   return shared.get(data, [](const Data& wanted) {
     auto database = std::make_unique<Sqlite>();
     database->createNumberTable("supply");
+    database->execute("BEGIN");
     database->addByNumbers("supply", wanted, 0, wanted.size());
+    database->execute("COMMIT");
     return database;
   });
 }
@@ -109,7 +107,9 @@ Sqlite& filledByLabels(const Data& data) {
   return shared.get(data, [](const Data& wanted) {
     auto database = std::make_unique<Sqlite>();
     database->createLabelTable("supply");
+    database->execute("BEGIN");
     database->addByLabels("supply", wanted);
+    database->execute("COMMIT");
     return database;
   });
 }

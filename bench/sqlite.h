@@ -27,8 +27,8 @@ class Sqlite {
   // Makes a table of three key columns and a value, keyed by numbers or by labels.
   void createNumberTable(const std::string& name);
   void createLabelTable(const std::string& name);
-  // Adds the records [first, last) in one transaction: by numbers in key order, by labels in the
-  // shuffled order.
+  // Adds the records [first, last) by numbers in key order, all by labels in the shuffled order.
+  // The transaction is the caller's.
   void addByNumbers(const std::string& table, const Data& data, std::size_t first,
                     std::size_t last);
   void addByLabels(const std::string& table, const Data& data);
@@ -56,6 +56,9 @@ class Statement {
   bool step();
   void reset() { sqlite3_reset(statement_); }
   [[nodiscard]] int intAt(int column) { return sqlite3_column_int(statement_, column); }
+  [[nodiscard]] const char* textAt(int column) {
+    return reinterpret_cast<const char*>(sqlite3_column_text(statement_, column));
+  }
   [[nodiscard]] double doubleAt(int column) { return sqlite3_column_double(statement_, column); }
 
  private:

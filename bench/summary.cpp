@@ -49,9 +49,10 @@ void SummaryReporter::ReportRuns(const std::vector<Run>& runs) {
     std::fprintf(stderr, "%s\n", run.benchmark_name().c_str());
     Figures& figures = figuresOf(run.run_name.function_name);
     const double records = run.counters.at(recordsCounter);
-    const bool wall = run.run_name.time_type == "real_time";
-    lower(figures.nanoseconds,
-          (wall ? run.GetAdjustedRealTime() : run.GetAdjustedCPUTime()) / records);
+    lower(figures.nanoseconds, run.GetAdjustedCPUTime() / records);
+    if (run.run_name.time_type == "real_time") {
+      lower(figures.wallNanoseconds, run.GetAdjustedRealTime() / records);
+    }
     if (const auto heap = run.counters.find(heapCounter); heap != run.counters.end()) {
       lower(figures.heapBytes, heap->second / records);
     }
@@ -66,7 +67,7 @@ void SummaryReporter::printRow(const Row& row, const char* what, double Figures:
   if (reference < 0) {
     return;
   }
-  std::printf("%-24s %9s  %-12s %10.2f", row.operation.c_str(), row.records.c_str(), what,
+  std::printf("%-24s %9s  %-13s %10.2f", row.operation.c_str(), row.records.c_str(), what,
               reference);
   for (std::size_t i = 1; i < row.contestants.size(); ++i) {
     const Figures& rival = row.contestants[i];
@@ -79,10 +80,11 @@ void SummaryReporter::printRow(const Row& row, const char* what, double Figures:
 }
 
 void SummaryReporter::Finalize() {
-  std::printf("%-24s %9s  %-12s %10s  %s\n", "operation", "records", "per record",
+  std::printf("%-24s %9s  %-13s %10s  %s\n", "operation", "records", "per record",
               reference_.c_str(), "each other: its figure, and its figure divided by that");
   for (const Row& row : rows_) {
     printRow(row, "ns", &Figures::nanoseconds);
+    printRow(row, "ns with waits", &Figures::wallNanoseconds);
     printRow(row, "memory bytes", &Figures::heapBytes);
     printRow(row, "file bytes", &Figures::fileBytes);
   }

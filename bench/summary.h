@@ -27,7 +27,8 @@ class SummaryReporter final : public benchmark::BenchmarkReporter {
   // What was measured of one contestant, per record; a negative figure is none.
   struct Figures {
     std::string contestant;
-    double nanoseconds = -1;
+    double wallNanoseconds = -1;  // only of operations on files
+    double nanoseconds = -1;      // of the processor
     double heapBytes = -1;
     double fileBytes = -1;
   };
