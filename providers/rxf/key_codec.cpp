@@ -124,7 +124,8 @@ void KeyDecoder::verify(std::uint32_t labelCount) {
         i += kGroup;
       } else {
         const std::size_t end = std::min(i + kGroup, count);
-        for (; i < end; ++i) holds &= verifyOne(i, labelCount);
+        holds &= verifyEach(i, end, labelCount);
+        i = end;
       }
     }
     if (!holds) {
@@ -137,11 +138,14 @@ void KeyDecoder::verify(std::uint32_t labelCount) {
 }
 
 // Numbers within the labels cannot overflow a sum, so a key in range is also an ascending one.
-bool KeyDecoder::verifyOne(std::size_t number, std::uint32_t labelCount) {
-  bool holds = advance(number) < dim_;
-  for (std::size_t j = 0; j < dim_; ++j) {
-    holds &= numbers_[j][number] <= labelCount && previous_[j] - 1 < labelCount;
-  }
+bool KeyDecoder::verifyEach(std::size_t from, std::size_t end, std::uint32_t labelCount) {
+  bool holds = true;
+  walk(from, end, [&](std::size_t number, std::size_t dim, unsigned first, const auto& keys) {
+    holds &= first < dim;
+    for (std::size_t j = 0; j < dim; ++j) {
+      holds &= numbers_[j][number] <= labelCount && keys[j] - 1 < labelCount;
+    }
+  });
   return holds;
 }
 
@@ -174,7 +178,8 @@ void KeyDecoder::next(std::size_t count, KeyPiece& piece) {
       i += kGroup;
     } else {
       const std::size_t end = std::min(i + kGroup, numbers);
-      for (; i < end; ++i) decodeOne(i, at + i, piece);
+      decodeEach(i, end, at + i, piece);
+      i = end;
     }
   }
   at_ += static_cast<std::uint32_t>(count);
@@ -203,22 +208,51 @@ bool KeyDecoder::onlyLastMoves(std::size_t number, std::size_t count) const {
   return upper == 0;
 }
 
-// Goes to the next record and returns its first changed position.
-unsigned KeyDecoder::advance(std::size_t number) {
-  std::uint32_t open = 0;  // all ones right of the first changed position
-  unsigned first = 0;
-  for (std::size_t j = 0; j < dim_; ++j) {
-    const std::uint32_t add = numbers_[j][number];
-    previous_[j] = (previous_[j] & ~open) + (columns_[j].base & open) + add;
-    open |= add != 0 ? ~0U : 0U;
-    first += 1 + open;
+// Goes through the records of some numbers and calls visit(number, dimension, first changed
+// position, keys) for each. With the dimension known to the compiler the keys stay in registers.
+template <typename Visit>
+void KeyDecoder::walk(std::size_t from, std::size_t end, const Visit& visit) {
+  switch (dim_) {
+    case 1:
+      return walkFixed<1>(from, end, visit);
+    case 2:
+      return walkFixed<2>(from, end, visit);
+    case 3:
+      return walkFixed<3>(from, end, visit);
+    case 4:
+      return walkFixed<4>(from, end, visit);
+    default:
+      return walkFixed<0>(from, end, visit);
   }
-  return first;
 }
 
-void KeyDecoder::decodeOne(std::size_t number, std::size_t at, KeyPiece& piece) {
-  piece.firstChanged[at] = static_cast<std::uint8_t>(advance(number));
-  for (std::size_t j = 0; j < dim_; ++j) piece.columns[j][at] = previous_[j];
+// With kDim 0 the dimension is dim_.
+template <std::size_t kDim, typename Visit>
+void KeyDecoder::walkFixed(std::size_t from, std::size_t end, const Visit& visit) {
+  const std::size_t dim = kDim == 0 ? dim_ : kDim;
+  std::array<std::uint32_t, kDim == 0 ? kMaxDimension : kDim> keys;
+  for (std::size_t j = 0; j < dim; ++j) keys[j] = previous_[j];
+  for (std::size_t number = from; number < end; ++number) {
+    std::uint32_t open = 0;  // all ones right of the first changed position
+    unsigned first = 0;
+    for (std::size_t j = 0; j < dim; ++j) {
+      const std::uint32_t add = numbers_[j][number];
+      keys[j] = (keys[j] & ~open) + (columns_[j].base & open) + add;
+      open |= add != 0 ? ~0U : 0U;
+      first += 1 + open;
+    }
+    visit(number, dim, first, keys);
+  }
+  for (std::size_t j = 0; j < dim; ++j) previous_[j] = keys[j];
+}
+
+// Decodes records of any kind to place `at` of the piece and behind.
+void KeyDecoder::decodeEach(std::size_t from, std::size_t end, std::size_t at, KeyPiece& piece) {
+  walk(from, end, [&](std::size_t number, std::size_t dim, unsigned first, const auto& keys) {
+    const std::size_t place = at + number - from;
+    piece.firstChanged[place] = static_cast<std::uint8_t>(first);
+    for (std::size_t j = 0; j < dim; ++j) piece.columns[j][place] = keys[j];
+  });
 }
 
 void KeyDecoder::decodeLastOnly(std::size_t number, std::size_t at, KeyPiece& piece) {

@@ -82,12 +82,15 @@ class KeyDecoder {
 
   void parseColumn(ByteReader& in, std::size_t j, std::uint32_t labelCount,
                    Decompressor& decompressor, Arena& arena);
-  bool verifyOne(std::size_t number, std::uint32_t labelCount);
+  bool verifyEach(std::size_t from, std::size_t end, std::uint32_t labelCount);
   bool verifyLastOnly(std::size_t number, std::uint32_t labelCount);
   void readNumbers(std::size_t from, std::size_t count);
   [[nodiscard]] bool onlyLastMoves(std::size_t number, std::size_t count) const;
-  unsigned advance(std::size_t number);
-  void decodeOne(std::size_t number, std::size_t at, KeyPiece& piece);
+  template <typename Visit>
+  void walk(std::size_t from, std::size_t end, const Visit& visit);
+  template <std::size_t kDim, typename Visit>
+  void walkFixed(std::size_t from, std::size_t end, const Visit& visit);
+  void decodeEach(std::size_t from, std::size_t end, std::size_t at, KeyPiece& piece);
   void decodeLastOnly(std::size_t number, std::size_t at, KeyPiece& piece);
 
   std::size_t dim_ = 0;

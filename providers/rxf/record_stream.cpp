@@ -9,7 +9,7 @@ namespace rxffile {
 namespace {
 
 // Memory for verified blocks that wait for delivery.
-constexpr std::size_t kKeptBytes = std::size_t{16} << 20U;
+constexpr std::size_t kKeptBytes = std::size_t{4} << 20U;
 
 }  // namespace
 
