@@ -36,10 +36,18 @@ void readRow(void* pbi, int row, int rowType, double* values) {
                               &secondStatus);
   values[ZTB_SCALE] = peers::pbiGetEquScaleOne(pbi, row);
   const double rightHandSide = peers::pbiGetRhsOne(pbi, row);
-  values[ZTB_LOWER] =
-      isEqualRow(rowType) || isGreaterRow(rowType) ? rightHandSide : internalMinusInfinity;
-  values[ZTB_UPPER] =
-      isEqualRow(rowType) || isLessRow(rowType) ? rightHandSide : internalPlusInfinity;
+  const bool boundBelow = isEqualRow(rowType) || isGreaterRow(rowType);
+  const bool boundAbove = isEqualRow(rowType) || isLessRow(rowType);
+  double lower = internalMinusInfinity;
+  double upper = internalPlusInfinity;
+  if (boundBelow) {
+    lower = rightHandSide;
+  }
+  if (boundAbove) {
+    upper = rightHandSide;
+  }
+  values[ZTB_LOWER] = lower;
+  values[ZTB_UPPER] = upper;
 }
 
 }  // namespace

@@ -182,6 +182,22 @@ class Database {
   // Adds a second name for a set or for the universe.
   Symbol addAlias(ZString name, const Symbol& target, ZString text = "");
 
+  // Chooses the store of symbols that are made or opened from now on. Copies of records want the
+  // store of their symbol to be the one chosen.
+  void selectStore(Store store) {
+    detail::require(c__ztbselectrecordstorage(handle_, nullptr, static_cast<int>(store)), handle_,
+                    "ztbSelectRecordStorage");
+  }
+  [[nodiscard]] Store store() const { return static_cast<Store>(info(ZTB_INFO_RECORD_STORAGE)); }
+  // Moves a symbol with its records to a store. The symbol given and all records of it are dead
+  // afterwards; the result has the universe for domains, and an alias stands for itself alone.
+  [[nodiscard]] Symbol moveTo(const Symbol& symbol, Store store) {
+    void* handle = symbol.handle();
+    detail::require(c__ztbselectrecordstorage(handle_, &handle, static_cast<int>(store)), handle_,
+                    "ztbSelectRecordStorage");
+    return {handle_, handle};
+  }
+
   // The caller's spelling of the five special values, used in both directions from now on.
   void setSpecialValues(const SpecialValues& values) {
     c__ztbsetspecialvalues(handle_, values.data());

@@ -155,8 +155,7 @@ static void provokeFailures(void) {
   MUST(c__ztbfindsymbol(database, "distance", &distance));
   printFailure("add twice", c__ztbaddrecord(database, distance, known, &handle));
   printFailure("find record", c__ztbfindrecord(database, distance, unknown, &handle));
-  printFailure("set of no dimension",
-               c__ztbaddsymbol(database, "s", 0, ZTB_SET, 0, "", &handle));
+  printFailure("set of no dimension", c__ztbaddsymbol(database, "s", 0, ZTB_SET, 0, "", &handle));
 }
 
 static int info(int key) {
