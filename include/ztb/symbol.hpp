@@ -26,6 +26,13 @@ enum class Type {
   alias = ZTB_ALIAS
 };
 
+// What holds the records of a symbol in memory; files do not know of it.
+enum class Store {
+  map = ZTB_STORAGE_TREE_MAP,   // any order, the default
+  vector = ZTB_STORAGE_VECTOR,  // least memory, for records that come in key order
+  trie = ZTB_STORAGE_TRIE       // shared keys, for records that come in key order
+};
+
 // Any label, as one of the keys of a slice.
 inline constexpr const char* anyLabel = " ";
 
@@ -62,6 +69,7 @@ class Symbol {
   }
   // Number that the symbol was made with; one in a file counts from 1, any other from 0.
   [[nodiscard]] int number() const { return info(ZTB_SYMBOL_INFO_NUMBER); }
+  [[nodiscard]] Store store() const { return static_cast<Store>(info(ZTB_SYMBOL_INFO_STORAGE)); }
 
   // The domain of each position. The universe has none, which is a failure.
   [[nodiscard]] std::vector<Domain> domains() const;
@@ -73,13 +81,13 @@ class Symbol {
 
   // Walks over all records. An alias has none of its own: walk the set that it stands for.
   [[nodiscard]] Records records() const { return Records(first()); }
-  [[nodiscard]] Rows rows() const { return Rows(first(), keyCount(), rowValueCount()); }
+  [[nodiscard]] Rows rows() const { return {first(), keyCount(), rowValueCount()}; }
 
   // Walks over a slice: a label or anyLabel for each position. Labels that the database does not
   // have match nothing. The records of the whole symbol behind the first match are looked at.
   [[nodiscard]] Records slice(Keys keys) const { return Records(firstOf(keys)); }
   [[nodiscard]] Rows sliceRows(Keys keys) const {
-    return Rows(firstOf(keys), keyCount(), rowValueCount());
+    return {firstOf(keys), keyCount(), rowValueCount()};
   }
   template <class... Labels>
   requires(std::convertible_to<const Labels&, ZString>&&...) [[nodiscard]] Records
