@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <cstring>
 #include <limits>
 #include <stdexcept>
 
@@ -19,33 +18,15 @@ int compareKeys(const int* left, const int* right, std::size_t dim) {
   return 0;
 }
 
-// Elements of that many rows; a count that no array can hold stays so.
-std::size_t elementsOf(std::size_t rows, std::size_t width) {
-  constexpr std::size_t most = std::numeric_limits<std::size_t>::max();
-  return width != 0 && rows > most / width ? most : rows * width;
-}
-
-// Copies the numbers of one row. Most rows are short, and a call would cost more than the copy.
+// Makes an array's capacity hold that many rows: it grows by half of itself, or to what the rows
+// need if that is more.
 template <class T>
-void copyRow(const T* from, std::size_t width, T* to) {
-  switch (width) {
-    case 1:
-      std::memcpy(to, from, sizeof(T));
-      return;
-    case 2:
-      std::memcpy(to, from, 2 * sizeof(T));
-      return;
-    case 3:
-      std::memcpy(to, from, 3 * sizeof(T));
-      return;
-    case 4:
-      std::memcpy(to, from, 4 * sizeof(T));
-      return;
-    case 5:
-      std::memcpy(to, from, 5 * sizeof(T));
-      return;
-    default:
-      std::memcpy(to, from, width * sizeof(T));
+void reserveRows(std::vector<T>& array, std::size_t rows, std::size_t width) {
+  if (rows > array.max_size() / std::max<std::size_t>(width, 1)) {
+    throw std::length_error("vector too long");
+  }
+  if (rows * width > array.capacity()) {
+    array.reserve(std::max(rows * width, array.capacity() + array.capacity() / 2));
   }
 }
 
@@ -74,16 +55,22 @@ void DMapVector::makeRoomForRow() {
   }
   // Both arrays get their memory before either changes its length: they never differ in rows.
   const std::size_t rows = static_cast<std::size_t>(rowCount_) + 1;
-  keyArray_.reserve(elementsOf(rows, width_));
-  valueArray_.reserve(elementsOf(rows, slots_));
-  keyArray_.setSize(rows * width_);
-  valueArray_.setSize(rows * slots_);
+  reserveRows(keyArray_, rows, width_);
+  reserveRows(valueArray_, rows, slots_);
+  keyArray_.resize(rows * width_);
+  valueArray_.resize(rows * slots_);
   ++rowCapacity_;
 }
 
 void DMapVector::write(int row, const int* keys, const double* values) {
-  copyRow(keys, width_, keyArray_.data() + static_cast<std::size_t>(row) * width_);
-  copyRow(values, slots_, valueArray_.data() + static_cast<std::size_t>(row) * slots_);
+  std::copy_n(keys, width_, keyArray_.data() + static_cast<std::size_t>(row) * width_);
+  std::copy_n(values, slots_, valueArray_.data() + static_cast<std::size_t>(row) * slots_);
+}
+
+VectorIterator DMapVector::setScalar(const double* values) {
+  valueArray_.resize(slots_);
+  std::copy_n(values, slots_, valueArray_.data());
+  return at(0);
 }
 
 VectorIterator DMapVector::append(const int* keys, const double* values) {
@@ -93,13 +80,6 @@ VectorIterator DMapVector::append(const int* keys, const double* values) {
   makeRoomForRow();
   write(rowCount_, keys, values);
   return at(rowCount_++);
-}
-
-VectorIterator DMapVector::setScalar(const double* values) {
-  valueArray_.reserve(slots_);
-  valueArray_.setSize(slots_);
-  std::copy_n(values, slots_, valueArray_.data());
-  return at(0);
 }
 
 VectorIterator DMapVector::keepPresent(int row) {
@@ -174,14 +154,23 @@ VectorIterator DMapVector::insertOrAssign(const VectorIterator& /*hint*/, const 
 
 void DMapVector::erase(const VectorIterator& position) {
   if (dim_ == 0) {
-    valueArray_.setSize(0);
+    valueArray_.clear();
   } else {
-    const auto row = static_cast<std::size_t>(position.row());
-    keyArray_.erase(row * width_, (row + 1) * width_);
-    valueArray_.erase(row * slots_, (row + 1) * slots_);
+    const auto row = static_cast<std::ptrdiff_t>(position.row());
+    const auto width = static_cast<std::ptrdiff_t>(width_);
+    const auto slots = static_cast<std::ptrdiff_t>(slots_);
+    keyArray_.erase(keyArray_.begin() + row * width, keyArray_.begin() + (row + 1) * width);
+    valueArray_.erase(valueArray_.begin() + row * slots, valueArray_.begin() + (row + 1) * slots);
   }
   --rowCount_;
   rowCapacity_ = rowCount_;
+}
+
+int DMapVector::size() const {
+  if (dim_ == 0) {
+    return valueArray_.empty() ? 0 : 1;
+  }
+  return rowCount_;
 }
 
 bool DMapVector::empty() const {
@@ -228,19 +217,27 @@ VectorIterator DMapVector::find(const int* keys) {
   return bound;
 }
 
+VectorIterator DMapVector::begin() {
+  return at(0);
+}
+
+VectorIterator DMapVector::end() {
+  return at(size());
+}
+
 void DMapVector::clear() {
   if (dim_ != 0 && rowCapacity_ == 0) {
     return;
   }
-  keyArray_.setSize(0);
-  valueArray_.setSize(0);
+  keyArray_.clear();
+  valueArray_.clear();
   rowCount_ = 0;
   rowCapacity_ = 0;
 }
 
 void DMapVector::release() {
-  keyArray_.release();
-  valueArray_.release();
+  std::vector<int>().swap(keyArray_);
+  std::vector<double>().swap(valueArray_);
   rowCount_ = 0;
   rowCapacity_ = 0;
 }
@@ -258,12 +255,10 @@ void DMapVector::reserve(int records) {
     return;
   }
   const auto rows = static_cast<std::size_t>(records);
-  keyArray_.reserve(elementsOf(rows, width_));
-  valueArray_.reserve(elementsOf(rows, slots_));
-  keyArray_.setSize(rows * width_);
-  valueArray_.setSize(rows * slots_);
-  std::fill_n(keyArray_.data(), rows * width_, 0);
-  std::fill_n(valueArray_.data(), rows * slots_, 0.0);
+  reserveRows(keyArray_, rows, width_);
+  reserveRows(valueArray_, rows, slots_);
+  keyArray_.assign(rows * width_, 0);
+  valueArray_.assign(rows * slots_, 0.0);
   rowCapacity_ = records;
 }
 

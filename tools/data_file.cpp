@@ -12,12 +12,9 @@ namespace tool {
 namespace {
 
 // The library's text does not name the file.
-ztb::Database openDatabase(const std::string& path, ztb::Store store) {
+ztb::Database openDatabase(const std::string& path) {
   try {
-    ztb::Database database;
-    database.selectStore(store);
-    database.openFile(path);
-    return database;
+    return ztb::Database::open(path);
   } catch (const ztb::Error& error) {
     throw Failure(withFile(path, error.what()));
   }
@@ -25,8 +22,8 @@ ztb::Database openDatabase(const std::string& path, ztb::Store store) {
 
 }  // namespace
 
-DataFile::DataFile(const std::string& path, ztb::Store store)
-    : path_(path), file_(path), database_(openDatabase(path, store)) {
+DataFile::DataFile(const std::string& path)
+    : path_(path), file_(path), database_(openDatabase(path)) {
   const int count = database_.labelCount();
   labels_.resize(static_cast<std::size_t>(count) + 1);
   for (int number = 1; number <= count; ++number) {
@@ -37,7 +34,6 @@ DataFile::DataFile(const std::string& path, ztb::Store store)
 std::vector<ztb::Symbol> DataFile::symbols() const {
   std::vector<ztb::Symbol> result;
   const int count = database_.symbolCount();
-  result.reserve(static_cast<std::size_t>(count));
   for (int position = 0; position < count; ++position) {
     result.push_back(database_.symbolAt(position));
   }
@@ -47,7 +43,7 @@ std::vector<ztb::Symbol> DataFile::symbols() const {
 ztb::Symbol DataFile::symbol(const std::string& name) const {
   const std::optional<ztb::Symbol> found = database_.findSymbolOrAlias(name);
   if (!found) {
-    throw Failure(fmt::format("{}: {}", path_, database_.lastError().view()));
+    throw Failure(withFile(path_, database_.lastError().str()));
   }
   return *found;
 }
@@ -79,7 +75,7 @@ std::vector<std::string> domainNames(const ztb::Symbol& symbol) {
 }
 
 std::string signature(const ztb::Symbol& symbol) {
-  std::string name = symbol.name().str();
+  const std::string name = symbol.name().str();
   if (symbol.dimension() == 0 || name == "*") {
     return name;
   }

@@ -17,9 +17,8 @@ namespace tool {
 // damaged records without a word, so a command asks requireIntact before it shows any.
 class DataFile {
  public:
-  // The records are held in the store given. Throws Failure that names the file if it cannot be
-  // opened.
-  explicit DataFile(const std::string& path, ztb::Store store = ztb::Store::map);
+  // Throws Failure that names the file if it cannot be opened.
+  explicit DataFile(const std::string& path);
 
   [[nodiscard]] const std::string& path() const { return path_; }
   [[nodiscard]] ztb::Database& database() { return database_; }
