@@ -18,6 +18,15 @@ Contest walk();
 // the whole symbol is the unit.
 Contest sliceByFirst();
 Contest sliceBySecond();
+// The records of a symbol at the places of their labels in a cube.
+Contest recordsToCube();
+// Every cell of a cube into a record; a cell is the unit. Then every cell that isn't zero.
+Contest cubeToRecords();
+Contest nonzerosToRecords();
+// The records of a symbol into a database whose labels have other numbers.
+Contest copyAcross();
+// Whether each label of each record is in the set of its position; all are.
+Contest domainCheck();
 // A database of a hundred symbols into a new file, which is on disk afterwards (SQLite syncs as we
 // do, HDF5 doesn't); the file's size.
 Contest exchangeWrite();

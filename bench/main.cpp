@@ -57,7 +57,9 @@ int main(int argc, char** argv) {
       for (const auto& contest :
            {bench::sortedLoad, bench::labelLoad, bench::labelLookup, bench::walk,
             bench::sliceByFirst, bench::sliceBySecond, bench::exchangeWrite, bench::exchangeOpen,
-            bench::exchangeReadAll, bench::exchangeReadOne, bench::exchangeStream}) {
+            bench::exchangeReadAll, bench::exchangeReadOne, bench::exchangeStream,
+            bench::recordsToCube, bench::cubeToRecords, bench::nonzerosToRecords, bench::copyAcross,
+            bench::domainCheck}) {
         bench::registerContest(contest(), static_cast<std::size_t>(size));
       }
     }

@@ -42,7 +42,7 @@ class OurStore {
   double sum() {
     double sum = 0;
     const auto end = store_.end();
-    for (auto position = store_.begin(); position.notEquals(end); position.next()) {
+    for (auto position = store_.begin(); !position.equals(end); position.next()) {
       const ztb::dmap::RecordView record = position.get();
       sum += sumOf<dim, slots>(record.keys, record.values);
     }

@@ -24,13 +24,6 @@ TreeIterator DMapGTree::setScalar(const double* values) {
   return TreeIterator(scalarValues_);
 }
 
-TreeIterator DMapGTree::append(const int* keys, const double* values) {
-  if (tree_ == nullptr) {
-    return setScalar(values);
-  }
-  return at(tree_->insertSequential(keys, values));
-}
-
 TreeIterator DMapGTree::insert(const int* keys, const double* values) {
   if (tree_ == nullptr) {
     return setScalar(values);

@@ -21,7 +21,15 @@ class DMapGTree final : public IDMap<TreeIterator> {
   DMapGTree& operator=(const DMapGTree&) = delete;
 
   // The last record's key again overwrites it; another key that is present keeps its record.
-  TreeIterator append(const int* keys, const double* values) override;
+  TreeIterator append(const int* keys, const double* values) override {
+    if (tree_ == nullptr) {
+      return setScalar(values);
+    }
+    if (tree_->insertAtEnd(keys, values)) {
+      return at(tree_->lastPath());
+    }
+    return at(tree_->insertAnywhere(keys, values, &tree_->lastPath()));
+  }
   TreeIterator insert(const int* keys, const double* values) override;
   // The hint is not used, here and in `insertOrAssign`.
   TreeIterator insertHint(const int* keys, const double* values, const TreeIterator& hint) override;

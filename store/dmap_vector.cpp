@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstring>
 #include <limits>
 #include <stdexcept>
 
@@ -18,15 +19,33 @@ int compareKeys(const int* left, const int* right, std::size_t dim) {
   return 0;
 }
 
-// Makes an array's capacity hold that many rows: it grows by half of itself, or to what the rows
-// need if that is more.
+// Elements of that many rows; a count that no array can hold stays so.
+std::size_t elementsOf(std::size_t rows, std::size_t width) {
+  constexpr std::size_t most = std::numeric_limits<std::size_t>::max();
+  return width != 0 && rows > most / width ? most : rows * width;
+}
+
+// Copies the numbers of one row. Most rows are short, and a call would cost more than the copy.
 template <class T>
-void reserveRows(std::vector<T>& array, std::size_t rows, std::size_t width) {
-  if (rows > array.max_size() / std::max<std::size_t>(width, 1)) {
-    throw std::length_error("vector too long");
-  }
-  if (rows * width > array.capacity()) {
-    array.reserve(std::max(rows * width, array.capacity() + array.capacity() / 2));
+void copyRow(const T* from, std::size_t width, T* to) {
+  switch (width) {
+    case 1:
+      std::memcpy(to, from, sizeof(T));
+      return;
+    case 2:
+      std::memcpy(to, from, 2 * sizeof(T));
+      return;
+    case 3:
+      std::memcpy(to, from, 3 * sizeof(T));
+      return;
+    case 4:
+      std::memcpy(to, from, 4 * sizeof(T));
+      return;
+    case 5:
+      std::memcpy(to, from, 5 * sizeof(T));
+      return;
+    default:
+      std::memcpy(to, from, width * sizeof(T));
   }
 }
 
@@ -55,22 +74,16 @@ void DMapVector::makeRoomForRow() {
   }
   // Both arrays get their memory before either changes its length: they never differ in rows.
   const std::size_t rows = static_cast<std::size_t>(rowCount_) + 1;
-  reserveRows(keyArray_, rows, width_);
-  reserveRows(valueArray_, rows, slots_);
-  keyArray_.resize(rows * width_);
-  valueArray_.resize(rows * slots_);
+  keyArray_.reserve(elementsOf(rows, width_));
+  valueArray_.reserve(elementsOf(rows, slots_));
+  keyArray_.setSize(rows * width_);
+  valueArray_.setSize(rows * slots_);
   ++rowCapacity_;
 }
 
 void DMapVector::write(int row, const int* keys, const double* values) {
-  std::copy_n(keys, width_, keyArray_.data() + static_cast<std::size_t>(row) * width_);
-  std::copy_n(values, slots_, valueArray_.data() + static_cast<std::size_t>(row) * slots_);
-}
-
-VectorIterator DMapVector::setScalar(const double* values) {
-  valueArray_.resize(slots_);
-  std::copy_n(values, slots_, valueArray_.data());
-  return at(0);
+  copyRow(keys, width_, keyArray_.data() + static_cast<std::size_t>(row) * width_);
+  copyRow(values, slots_, valueArray_.data() + static_cast<std::size_t>(row) * slots_);
 }
 
 VectorIterator DMapVector::append(const int* keys, const double* values) {
@@ -80,6 +93,13 @@ VectorIterator DMapVector::append(const int* keys, const double* values) {
   makeRoomForRow();
   write(rowCount_, keys, values);
   return at(rowCount_++);
+}
+
+VectorIterator DMapVector::setScalar(const double* values) {
+  valueArray_.reserve(slots_);
+  valueArray_.setSize(slots_);
+  std::copy_n(values, slots_, valueArray_.data());
+  return at(0);
 }
 
 VectorIterator DMapVector::keepPresent(int row) {
@@ -154,23 +174,14 @@ VectorIterator DMapVector::insertOrAssign(const VectorIterator& /*hint*/, const 
 
 void DMapVector::erase(const VectorIterator& position) {
   if (dim_ == 0) {
-    valueArray_.clear();
+    valueArray_.setSize(0);
   } else {
-    const auto row = static_cast<std::ptrdiff_t>(position.row());
-    const auto width = static_cast<std::ptrdiff_t>(width_);
-    const auto slots = static_cast<std::ptrdiff_t>(slots_);
-    keyArray_.erase(keyArray_.begin() + row * width, keyArray_.begin() + (row + 1) * width);
-    valueArray_.erase(valueArray_.begin() + row * slots, valueArray_.begin() + (row + 1) * slots);
+    const auto row = static_cast<std::size_t>(position.row());
+    keyArray_.erase(row * width_, (row + 1) * width_);
+    valueArray_.erase(row * slots_, (row + 1) * slots_);
   }
   --rowCount_;
   rowCapacity_ = rowCount_;
-}
-
-int DMapVector::size() const {
-  if (dim_ == 0) {
-    return valueArray_.empty() ? 0 : 1;
-  }
-  return rowCount_;
 }
 
 bool DMapVector::empty() const {
@@ -217,27 +228,19 @@ VectorIterator DMapVector::find(const int* keys) {
   return bound;
 }
 
-VectorIterator DMapVector::begin() {
-  return at(0);
-}
-
-VectorIterator DMapVector::end() {
-  return at(size());
-}
-
 void DMapVector::clear() {
   if (dim_ != 0 && rowCapacity_ == 0) {
     return;
   }
-  keyArray_.clear();
-  valueArray_.clear();
+  keyArray_.setSize(0);
+  valueArray_.setSize(0);
   rowCount_ = 0;
   rowCapacity_ = 0;
 }
 
 void DMapVector::release() {
-  std::vector<int>().swap(keyArray_);
-  std::vector<double>().swap(valueArray_);
+  keyArray_.release();
+  valueArray_.release();
   rowCount_ = 0;
   rowCapacity_ = 0;
 }
@@ -255,10 +258,12 @@ void DMapVector::reserve(int records) {
     return;
   }
   const auto rows = static_cast<std::size_t>(records);
-  reserveRows(keyArray_, rows, width_);
-  reserveRows(valueArray_, rows, slots_);
-  keyArray_.assign(rows * width_, 0);
-  valueArray_.assign(rows * slots_, 0.0);
+  keyArray_.reserve(elementsOf(rows, width_));
+  valueArray_.reserve(elementsOf(rows, slots_));
+  keyArray_.setSize(rows * width_);
+  valueArray_.setSize(rows * slots_);
+  std::fill_n(keyArray_.data(), rows * width_, 0);
+  std::fill_n(valueArray_.data(), rows * slots_, 0.0);
   rowCapacity_ = records;
 }
 

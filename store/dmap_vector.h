@@ -9,8 +9,8 @@
 #define ZTB_STORE_DMAP_VECTOR_H_
 
 #include <cstddef>
-#include <vector>
 
+#include "store/flat_array.h"
 #include "store/idmap.h"
 #include "store/vector_iterator.h"
 
@@ -37,7 +37,12 @@ class DMapVector final : public IDMap<VectorIterator> {
                                 const double* values) override;
   // Later rows move down by one.
   void erase(const VectorIterator& position) override;
-  [[nodiscard]] int size() const override;
+  [[nodiscard]] int size() const override {
+    if (dim_ == 0) {
+      return valueArray_.empty() ? 0 : 1;
+    }
+    return rowCount_;
+  }
   [[nodiscard]] bool empty() const override;
   // A binary search of a shape of its own: exact for a key that is present, for one below every
   // row (row 0) and for one above all of two rows or more (`end`). Any other key gives `end` or the
@@ -45,8 +50,8 @@ class DMapVector final : public IDMap<VectorIterator> {
   VectorIterator lowerBound(const int* keys) override;
   // Always `end` on a scalar.
   VectorIterator find(const int* keys) override;
-  VectorIterator begin() override;
-  VectorIterator end() override;
+  VectorIterator begin() override { return at(0); }
+  VectorIterator end() override { return at(size()); }
   // Keeps the memory of the arrays.
   void clear() override;
   int indexOf(const VectorIterator& position) override;
@@ -78,8 +83,8 @@ class DMapVector final : public IDMap<VectorIterator> {
   int type_;
   std::size_t width_;  // keys of a row
   std::size_t slots_;  // values of a row
-  std::vector<int> keyArray_;
-  std::vector<double> valueArray_;
+  FlatArray<int> keyArray_;
+  FlatArray<double> valueArray_;
   int rowCapacity_ = 0;  // rows for which both arrays are sized
   int rowCount_ = 0;     // rows in use; not maintained on a scalar
 };

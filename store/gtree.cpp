@@ -1,18 +1,10 @@
 #include "store/gtree.h"
 
-#include <new>
 #include <stdexcept>
 #include <variant>
 
 namespace gtree {
 namespace {
-
-Node* requireNode(Node* node) {
-  if (node == nullptr) {
-    throw std::logic_error("the path leads through a missing node of the trie");
-  }
-  return node;
-}
 
 // The keys of a path while its predecessor is looked for.
 std::array<int, maxDepth> scratchKeys;
@@ -20,6 +12,10 @@ std::array<int, maxDepth> scratchKeys;
 }  // namespace
 
 const Path endPath(1);
+
+void throwMissingNode() {
+  throw std::logic_error("the path leads through a missing node of the trie");
+}
 
 Node* Node::child() const {
   if (tag_ != Tag::child) {
@@ -35,38 +31,7 @@ double* Node::values() const {
   return content_.values;
 }
 
-void Node::setChild(Node* child) {
-  content_.child = child;
-  tag_ = Tag::child;
-}
-
-void Node::setValues(double* values) {
-  content_.values = values;
-  tag_ = Tag::values;
-}
-
 GTree::GTree(int dim, int slotCount) : dim_(dim), slotCount_(slotCount), lastPath_(dim) {}
-
-Node* GTree::newNode(int key) {
-  return new (nodes_.allocate(sizeof(Node))) Node(key);
-}
-
-double* GTree::newValues(const double* values) {
-  const auto slots = static_cast<std::size_t>(slotCount_);
-  auto* result = reinterpret_cast<double*>(values_.allocate(slots * sizeof(double)));
-  std::copy_n(values, slots, result);
-  return result;
-}
-
-std::pair<GTree::Order, int> GTree::compareWithLast(const int* keys) const {
-  for (int level = 0; level < dim_; ++level) {
-    const int last = requireNode(lastPath_.node[static_cast<std::size_t>(level)])->key;
-    if (keys[level] != last) {
-      return {keys[level] < last ? Order::below : Order::above, level};
-    }
-  }
-  return {Order::same, dim_};
-}
 
 // Makes the nodes of the levels from `level` down, chained to each other and holding the values,
 // but not linked into the tree: running out of memory on the way changes nothing.
@@ -90,51 +55,41 @@ Path GTree::insertFirst(const int* keys, const double* values) {
   return path;
 }
 
-Path GTree::insertFirstAsLast(const int* keys, const double* values) {
+void GTree::insertFirstAsLast(const int* keys, const double* values) {
   lastPath_ = insertFirst(keys, values);
-  return lastPath_;
 }
 
-Path GTree::overwriteLast(const double* values) {
-  std::copy_n(values, slotCount_, lastPath_.node[lastPath_.depth - 1U]->values());
-  return lastPath_;
+void GTree::overwriteLast(const double* values) {
+  copySlots(values, lastPath_.node[lastPath_.depth - 1U]->values());
 }
 
-Path GTree::attachBehindLast(int level, const int* keys, const double* values) {
+void GTree::attachWithNewMemory(int level, const int* keys, const double* values) {
   Path path = lastPath_;
   makeBranch(path, level, keys, values);
-  Node* first = path.node[static_cast<std::size_t>(level)];
-  lastPath_.node[static_cast<std::size_t>(level)]->next = first;
+  const auto place = static_cast<std::size_t>(level);
+  lastPath_.node[place]->next = path.node[place];
   lastPath_ = path;
   ++count_;
-  return path;
 }
 
 Path GTree::insertSequential(const int* keys, const double* values) {
-  if (root_ == nullptr) {
-    return insertFirstAsLast(keys, values);
-  }
-  const auto [order, level] = compareWithLast(keys);
-  switch (order) {
-    case Order::same:
-      return overwriteLast(values);
-    case Order::below:
-      return insertAnywhere(keys, values, &lastPath_);
-    case Order::above:
-      break;
-  }
-  return attachBehindLast(level, keys, values);
+  return insertAtEnd(keys, values) ? lastPath_ : insertAnywhere(keys, values, &lastPath_);
 }
 
 Path GTree::insertAnywhere(const int* keys, const double* values, const Path* startHint) {
   if (lastPath_.node[0] != nullptr) {
     const auto [order, level] = compareWithLast(keys);
     if (order == Order::same) {
-      return overwriteLast(values);
+      overwriteLast(values);
+      return lastPath_;
     }
     if (order == Order::above) {
-      return root_ == nullptr ? insertFirstAsLast(keys, values)
-                              : attachBehindLast(level, keys, values);
+      if (root_ == nullptr) {
+        insertFirstAsLast(keys, values);
+      } else {
+        attachBehindLast(level, keys, values);
+      }
+      return lastPath_;
     }
   }
   if (root_ == nullptr) {
@@ -399,7 +354,7 @@ int GTree::pathIndex(const Path& path) const {
 void GTree::setBlockCapacity(int records) {
   const auto count = static_cast<std::size_t>(std::max(records, 1));
   nodes_.setBlockSize(count * sizeof(Node));
-  values_.setBlockSize(count * static_cast<std::size_t>(slotCount_) * sizeof(double));
+  values_.setBlockSize(count * valueSize());
 }
 
 void GTree::clear() {

@@ -13,7 +13,9 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstdint>
+#include <new>
 #include <utility>
 
 #include "store/gtree_pool.h"
@@ -33,8 +35,14 @@ class Node {
   [[nodiscard]] Node* childOrNull() const { return tag_ == Tag::child ? content_.child : nullptr; }
   // The record's value slots. Throws on any other node.
   [[nodiscard]] double* values() const;
-  void setChild(Node* child);
-  void setValues(double* values);
+  void setChild(Node* child) {
+    content_.child = child;
+    tag_ = Tag::child;
+  }
+  void setValues(double* values) {
+    content_.values = values;
+    tag_ = Tag::values;
+  }
 
   Node* next = nullptr;
 
@@ -74,6 +82,8 @@ struct Path {
   std::array<Node*, maxDepth> node;
 };
 
+[[noreturn]] void throwMissingNode();
+
 // Past the end of any tree: depth 1 and a null node.
 extern const Path endPath;
 
@@ -88,6 +98,10 @@ class GTree {
   // search, the last key again overwrites its values, a key below goes to `insertAnywhere`.
   // Throws std::logic_error when the tree has nodes but remembers no last record.
   Path insertSequential(const int* keys, const double* values);
+  // The part of it that needs no search: a first record, the last key again, a key above it. False
+  // for any other key, with nothing done; else the record is at lastPath().
+  bool insertAtEnd(const int* keys, const double* values);
+  [[nodiscard]] const Path& lastPath() const { return lastPath_; }
   // The way in for any key. The last record's key overwrites its values; any other key that is
   // present keeps them. On a tree without nodes the result is `lastPath` as it stands, which for
   // two levels or more does not move to the new record.
@@ -125,13 +139,29 @@ class GTree {
  private:
   enum class Order { below, same, above };
 
-  Node* newNode(int key);
-  double* newValues(const double* values);
+  Node* newNode(int key) { return new (nodes_.allocate(sizeof(Node))) Node(key); }
+  double* newValues(const double* values) {
+    auto* result = reinterpret_cast<double*>(values_.allocate(valueSize()));
+    copySlots(values, result);
+    return result;
+  }
+  void copySlots(const double* from, double* to) const {
+    if (slotCount_ == 1) {
+      *to = *from;
+    } else {
+      std::copy_n(from, slotCount_, to);
+    }
+  }
+  [[nodiscard]] std::size_t valueSize() const {
+    return static_cast<std::size_t>(slotCount_) * sizeof(double);
+  }
   std::pair<Order, int> compareWithLast(const int* keys) const;
   Path insertFirst(const int* keys, const double* values);
-  Path insertFirstAsLast(const int* keys, const double* values);
-  Path overwriteLast(const double* values);
-  Path attachBehindLast(int level, const int* keys, const double* values);
+  void insertFirstAsLast(const int* keys, const double* values);
+  void overwriteLast(const double* values);
+  // For when the pools need memory that may not be there: `lastPath` does not move before it is.
+  void attachWithNewMemory(int level, const int* keys, const double* values);
+  void attachBehindLast(int level, const int* keys, const double* values);
   void makeBranch(Path& path, int level, const int* keys, const double* values);
   void requireDepth(const Path& path) const;
   [[nodiscard]] Path greatest() const;
@@ -148,6 +178,61 @@ class GTree {
   Node* root_ = nullptr;
   Path lastPath_;
 };
+
+// What a sorted load runs through for every record stands here, so that it becomes one piece of
+// code with the loop around it.
+
+inline Node* requireNode(Node* node) {
+  if (node == nullptr) {
+    throwMissingNode();
+  }
+  return node;
+}
+
+inline std::pair<GTree::Order, int> GTree::compareWithLast(const int* keys) const {
+  for (int level = 0; level < dim_; ++level) {
+    const int last = requireNode(lastPath_.node[static_cast<std::size_t>(level)])->key;
+    if (keys[level] != last) {
+      return {keys[level] < last ? Order::below : Order::above, level};
+    }
+  }
+  return {Order::same, dim_};
+}
+
+inline void GTree::attachBehindLast(int level, const int* keys, const double* values) {
+  if (!nodes_.has(static_cast<std::size_t>(dim_ - level) * sizeof(Node)) ||
+      !values_.has(valueSize())) {
+    attachWithNewMemory(level, keys, values);
+    return;
+  }
+  Node** last = lastPath_.node.data() + level;
+  const int* key = keys + level;
+  Node* node = newNode(*key);
+  (*last)->next = node;
+  *last = node;
+  for (const int* const end = keys + dim_; ++key != end;) {
+    Node* child = newNode(*key);
+    node->setChild(child);
+    *++last = child;
+    node = child;
+  }
+  node->setValues(newValues(values));
+  ++count_;
+}
+
+inline bool GTree::insertAtEnd(const int* keys, const double* values) {
+  if (root_ == nullptr) {
+    insertFirstAsLast(keys, values);
+    return true;
+  }
+  const auto [order, level] = compareWithLast(keys);
+  if (order == Order::above) {
+    attachBehindLast(level, keys, values);
+  } else if (order == Order::same) {
+    overwriteLast(values);
+  }
+  return order != Order::below;
+}
 
 }  // namespace gtree
 

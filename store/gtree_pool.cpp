@@ -13,20 +13,17 @@ void Pool::release() {
     firstBlock_ = next;
   }
   lastBlock_ = nullptr;
+  free_ = nullptr;
+  left_ = 0;
 }
 
-std::byte* Pool::allocate(std::size_t size) {
-  if (lastBlock_ == nullptr || lastBlock_->size - used_ < size) {
-    auto block = std::make_unique<Block>();
-    block->bytes = std::make_unique_for_overwrite<std::byte[]>(blockSize_);
-    block->size = blockSize_;
-    (lastBlock_ == nullptr ? firstBlock_ : lastBlock_->next) = block.get();
-    lastBlock_ = block.release();
-    used_ = 0;
-  }
-  std::byte* result = lastBlock_->bytes.get() + used_;
-  used_ += size;
-  return result;
+void Pool::addBlock() {
+  auto block = std::make_unique<Block>();
+  block->bytes = std::make_unique_for_overwrite<std::byte[]>(blockSize_);
+  free_ = block->bytes.get();
+  left_ = blockSize_;
+  (lastBlock_ == nullptr ? firstBlock_ : lastBlock_->next) = block.get();
+  lastBlock_ = block.release();
 }
 
 }  // namespace gtree

@@ -18,7 +18,18 @@ class Pool {
 
   // Memory for `size` bytes, aligned for pointers and doubles.
   // REQUIRES: size is a multiple of 8 and at most the block size.
-  std::byte* allocate(std::size_t size);
+  std::byte* allocate(std::size_t size) {
+    if (left_ < size) {
+      addBlock();
+    }
+    std::byte* result = free_;
+    free_ += size;
+    left_ -= size;
+    return result;
+  }
+
+  // Whether that much is left in the block that is being filled.
+  [[nodiscard]] bool has(std::size_t size) const { return left_ >= size; }
 
   // Gives all memory back; what was handed out is gone.
   void release();
@@ -30,12 +41,14 @@ class Pool {
   struct Block {
     Block* next = nullptr;
     std::unique_ptr<std::byte[]> bytes;
-    std::size_t size = 0;
   };
+
+  void addBlock();
 
   Block* firstBlock_ = nullptr;
   Block* lastBlock_ = nullptr;
-  std::size_t used_ = 0;
+  std::byte* free_ = nullptr;  // the rest of the last block
+  std::size_t left_ = 0;
   std::size_t blockSize_ = initialBlockSize;
 };
 

@@ -252,7 +252,7 @@ class ZTBSymbol final : public AbstractZTBSymbol {
   std::pair<bool, Iterator> walk(Visit&& visit) {
     const Iterator last = store_.end();
     if (!store_.empty()) {
-      for (Iterator position = store_.begin(); position.notEquals(last); position.next()) {
+      for (Iterator position = store_.begin(); !position.equals(last); position.next()) {
         if (!visit(recordAt(position))) {
           return {false, position};
         }

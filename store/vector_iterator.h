@@ -4,8 +4,8 @@
 #define ZTB_STORE_VECTOR_ITERATOR_H_
 
 #include <cstddef>
-#include <vector>
 
+#include "store/flat_array.h"
 #include "store/idmap.h"
 
 namespace ztb::dmap {
@@ -14,7 +14,7 @@ class VectorIterator final : public BaseDMapIterator {
  public:
   // The null iterator.
   VectorIterator() : BaseDMapIterator(0, 0, StorageKind::dMap) {}
-  VectorIterator(int dim, int type, int row, std::vector<int>* keys, std::vector<double>* values)
+  VectorIterator(int dim, int type, int row, FlatArray<int>* keys, FlatArray<double>* values)
       : BaseDMapIterator(dim, type, StorageKind::dMapVector),
         row_(row),
         keys_(keys),
@@ -50,8 +50,8 @@ class VectorIterator final : public BaseDMapIterator {
 
  private:
   int row_ = -1;
-  std::vector<int>* keys_ = nullptr;
-  std::vector<double>* values_ = nullptr;
+  FlatArray<int>* keys_ = nullptr;
+  FlatArray<double>* values_ = nullptr;
 };
 
 }  // namespace ztb::dmap

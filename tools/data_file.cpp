@@ -12,9 +12,12 @@ namespace tool {
 namespace {
 
 // The library's text does not name the file.
-ztb::Database openDatabase(const std::string& path) {
+ztb::Database openDatabase(const std::string& path, ztb::Store store) {
   try {
-    return ztb::Database::open(path);
+    ztb::Database database;
+    database.selectStore(store);
+    database.openFile(path);
+    return database;
   } catch (const ztb::Error& error) {
     throw Failure(withFile(path, error.what()));
   }
@@ -22,8 +25,8 @@ ztb::Database openDatabase(const std::string& path) {
 
 }  // namespace
 
-DataFile::DataFile(const std::string& path)
-    : path_(path), file_(path), database_(openDatabase(path)) {
+DataFile::DataFile(const std::string& path, ztb::Store store)
+    : path_(path), file_(path), database_(openDatabase(path, store)) {
   const int count = database_.labelCount();
   labels_.resize(static_cast<std::size_t>(count) + 1);
   for (int number = 1; number <= count; ++number) {
@@ -34,6 +37,7 @@ DataFile::DataFile(const std::string& path)
 std::vector<ztb::Symbol> DataFile::symbols() const {
   std::vector<ztb::Symbol> result;
   const int count = database_.symbolCount();
+  result.reserve(static_cast<std::size_t>(count));
   for (int position = 0; position < count; ++position) {
     result.push_back(database_.symbolAt(position));
   }
@@ -43,7 +47,7 @@ std::vector<ztb::Symbol> DataFile::symbols() const {
 ztb::Symbol DataFile::symbol(const std::string& name) const {
   const std::optional<ztb::Symbol> found = database_.findSymbolOrAlias(name);
   if (!found) {
-    throw Failure(withFile(path_, database_.lastError().str()));
+    throw Failure(fmt::format("{}: {}", path_, database_.lastError().view()));
   }
   return *found;
 }
@@ -75,7 +79,7 @@ std::vector<std::string> domainNames(const ztb::Symbol& symbol) {
 }
 
 std::string signature(const ztb::Symbol& symbol) {
-  const std::string name = symbol.name().str();
+  std::string name = symbol.name().str();
   if (symbol.dimension() == 0 || name == "*") {
     return name;
   }

@@ -17,8 +17,9 @@ namespace tool {
 // damaged records without a word, so a command asks requireIntact before it shows any.
 class DataFile {
  public:
-  // Throws Failure that names the file if it cannot be opened.
-  explicit DataFile(const std::string& path);
+  // The records are held in the store given. Throws Failure that names the file if it cannot be
+  // opened.
+  explicit DataFile(const std::string& path, ztb::Store store = ztb::Store::map);
 
   [[nodiscard]] const std::string& path() const { return path_; }
   [[nodiscard]] ztb::Database& database() { return database_; }

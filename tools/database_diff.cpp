@@ -140,10 +140,10 @@ class Comparison {
     std::size_t inNow = 0;
     while (inOld < oldOrder.size() || inNow < nowOrder.size()) {
       const std::strong_ordering order = compareKeys(old, oldOrder, inOld, now, nowOrder, inNow);
-      if (order < 0) {
+      if (std::is_lt(order)) {
         ++difference.goneRecords;
         keep(difference, Change::gone, &old, oldOrder[inOld++], nullptr, 0);
-      } else if (order > 0) {
+      } else if (std::is_gt(order)) {
         ++difference.addedRecords;
         keep(difference, Change::added, nullptr, 0, &now, nowOrder[inNow++]);
       } else {

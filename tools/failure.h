@@ -22,10 +22,8 @@ class UsageError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-// text with "FILE: " in front, unless it names the file already.
-inline std::string withFile(const std::string& file, const std::string& text) {
-  return text.find(file) == std::string::npos ? file + ": " + text : text;
-}
+// text with "FILE: " in front, unless the file stands in it as a word already.
+std::string withFile(const std::string& file, const std::string& text);
 
 }  // namespace tool
 

@@ -14,6 +14,7 @@
 #include "tools/problem_list.h"
 #include "tools/progress.h"
 #include "tools/record_import.h"
+#include "tools/store_option.h"
 #include "tools/symbol_spec.h"
 #include "tools/table_import.h"
 #include "tools/whole_number.h"
@@ -28,6 +29,7 @@ struct ImportOptions {
   std::optional<std::string> folder;
   std::vector<TableSource> sources;
   std::string separator = ",";
+  ztb::Store store = ztb::Store::map;
   bool checkDomains = false;
   bool skipEmpty = false;
   std::size_t maxErrors = 20;
@@ -58,6 +60,17 @@ void checkUsage(const ImportOptions& options) {
   }
 }
 
+// Takes the file that was just written into another store and writes it from there. Records of an
+// import come in the order of its tables, which only the tree map takes, and a symbol that is moved
+// within a database would lose its domains.
+void rewriteFrom(ztb::Store store, const std::string& path) {
+  ztb::Database database;
+  database.selectStore(store);
+  database.openFile(path);
+  database.closeFile(true);
+  database.write(path);
+}
+
 void runImport(const ImportOptions& options) {
   checkUsage(options);
   const TableImportOptions tables{.separator = separatorOf(options.separator),
@@ -79,6 +92,9 @@ void runImport(const ImportOptions& options) {
     progress->step("writing " + options.out);
     try {
       database.write(options.out, options.checkDomains);
+      if (options.store != ztb::Store::map) {
+        rewriteFrom(options.store, options.out);
+      }
     } catch (const ztb::Error& error) {
       throw Failure(withFile(options.out, error.what()));
     }
@@ -144,6 +160,7 @@ void addImportCommand(CLI::App& app) {
       ->add_option("--separator", options->separator,
                    "Char between the fields of FILE, or the word tab")
       ->type_name("CHAR");
+  addStoreOption(command, options->store);
   command->add_option("--max-errors", options->maxErrors, "Problems to print, the rest is counted")
       ->type_name("N")
       ->check(wholeNumber())

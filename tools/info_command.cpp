@@ -57,7 +57,7 @@ void printJson(const DataFile& file, const std::vector<ztb::Symbol>& symbols) {
   print(jsonText(json, 2) + "\n");
 }
 
-std::array<std::string, 6> cellsOf(const DataFile& file, const ztb::Symbol& symbol) {
+std::array<std::string, 7> cellsOf(const DataFile& file, const ztb::Symbol& symbol) {
   const bool alias = symbol.type() == ztb::Type::alias;
   return {symbol.name().str(),
           std::string(typeWord(symbol.type())),
@@ -65,6 +65,7 @@ std::array<std::string, 6> cellsOf(const DataFile& file, const ztb::Symbol& symb
           alias ? fmt::format("= {}", file.resolved(symbol).name().view())
                 : fmt::format("{}", fmt::join(domainNames(symbol), ", ")),
           alias ? std::string() : std::to_string(file.recordCount(symbol)),
+          alias ? std::string() : std::string(storeWord(symbol.store())),
           symbol.text().str()};
 }
 
@@ -76,15 +77,16 @@ void printTable(const DataFile& file, const std::vector<ztb::Symbol>& symbols) {
   table.addColumn("Dim", Align::right);
   table.addColumn("Domains", Align::left);
   table.addColumn("Records", Align::right);
+  table.addColumn("Store", Align::left);
   table.addColumn("Text", Align::left);
-  std::vector<std::array<std::string, 6>> rows;
+  std::vector<std::array<std::string, 7>> rows;
   for (const ztb::Symbol& symbol : symbols) {
     rows.push_back(cellsOf(file, symbol));
-    const std::array<std::string, 6>& row = rows.back();
+    const std::array<std::string, 7>& row = rows.back();
     table.measure(std::vector<std::string_view>(row.begin(), row.end()));
   }
   table.printHeader(stdout);
-  for (const std::array<std::string, 6>& row : rows) {
+  for (const std::array<std::string, 7>& row : rows) {
     table.printRow(stdout, std::vector<std::string_view>(row.begin(), row.end()));
   }
 }
@@ -127,7 +129,8 @@ void addInfoCommand(CLI::App& app) {
   command->add_option("FILE", options->file, "RXF file")->required();
   command->add_flag("--json", options->json, "Print JSON");
   command->footer(
-      "Lists the symbols with type, dimension, domains, record count and text, then the totals.\n"
+      "Lists the symbols with type, dimension, domains, record count, record store in memory and\n"
+      "text, then the totals.\n"
       "Records are counted, not read.\n\n"
       "Examples:\n"
       "  ztb info diet.rxf\n"

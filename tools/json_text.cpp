@@ -23,6 +23,7 @@ Json jsonSymbol(const DataFile& file, const ztb::Symbol& symbol) {
     json["dimension"] = symbol.dimension();
     json["domains"] = domainNames(symbol);
     json["user_info"] = symbol.userInfo();
+    json["store"] = storeWord(symbol.store());
   }
   json["text"] = symbol.text().view();
   return json;

@@ -63,7 +63,7 @@ double parsePattern(std::string_view digits, std::string& problem) {
 
 }  // namespace
 
-NumberText::NumberText(double value) : chars_{}, size_(0) {
+NumberText::NumberText(double value) {
   const auto bits = std::bit_cast<std::uint64_t>(value);
   const SpecialWord* special = findSpecial(bits);
   if (special != nullptr) {

@@ -19,8 +19,8 @@ class NumberText {
   [[nodiscard]] std::string_view view() const { return {chars_.data(), size_}; }
 
  private:
-  std::array<char, 32> chars_;
-  std::size_t size_;
+  std::array<char, 32> chars_{};
+  std::size_t size_ = 0;
 };
 
 // Whether value is no ordinary number: one of the five special values, or any NaN.

@@ -44,6 +44,7 @@ void RecordImport::readRows(CsvReader& reader, const std::vector<std::string>& c
   progress_.step("reading " + reader.path());
   columns_ = &columns;
   std::vector<RecordTable> tables;
+  tables.reserve(targets.size());
   for (const ImportTarget& target : targets) {
     tables.emplace_back(target.keyColumns.size(), target.valueColumns.size());
   }
@@ -181,6 +182,7 @@ void RecordImport::store(const CsvReader& reader, const ImportTarget& target,
     remember(target, table);
   }
   ztb::Symbol symbol = target.symbol;
+  progress_.step(fmt::format("storing {}", symbol.name().view()));
   const std::vector<std::size_t> order = table.order();
   for (std::size_t index = 0; index < order.size(); ++index) {
     const std::size_t record = order[index];
@@ -191,6 +193,7 @@ void RecordImport::store(const CsvReader& reader, const ImportTarget& target,
       continue;
     }
     ++recordCount_;
+    progress_.count(index);
     if (symbol.type() == ztb::Type::set) {
       const std::string_view text = table.text(record);
       symbol.putElementUnchecked(table.keys(record), text.empty() ? nullptr : text.data());

@@ -18,6 +18,7 @@
 #include "tools/output.h"
 #include "tools/progress.h"
 #include "tools/slice_filter.h"
+#include "tools/store_option.h"
 #include "tools/symbol_columns.h"
 #include "tools/table_printer.h"
 #include "tools/whole_number.h"
@@ -33,6 +34,7 @@ struct ShowOptions {
   std::optional<std::string> slice;
   std::optional<std::string> fields;
   std::size_t head = std::numeric_limits<std::size_t>::max();
+  ztb::Store store = ztb::Store::map;
   bool csv = false;
   bool json = false;
 };
@@ -41,7 +43,7 @@ struct ShowOptions {
 class ShownRecords {
  public:
   explicit ShownRecords(const ShowOptions& options)
-      : file_(options.file),
+      : file_(options.file, options.store),
         symbol_(file_.resolved(file_.symbol(options.symbol))),
         universe_(symbol_ == file_.database().universe()),
         head_(options.head),
@@ -262,6 +264,7 @@ void addShowCommand(CLI::App& app) {
   command->add_option("--head", options->head, "Show the first N records only")
       ->type_name("N")
       ->check(wholeNumber());
+  addStoreOption(command, options->store);
   CLI::Option* csv = command->add_flag("--csv", options->csv, "Print CSV");
   command->add_flag("--json", options->json, "Print JSON")->excludes(csv);
   command->footer(

@@ -85,7 +85,7 @@ class Header {
 
  private:
   template <class Predicate>
-  std::vector<std::size_t> matching(Predicate predicate) const {
+  [[nodiscard]] std::vector<std::size_t> matching(Predicate predicate) const {
     std::vector<std::size_t> found;
     for (std::size_t column = 0; column < names_.size(); ++column) {
       if (predicate(names_[column])) {

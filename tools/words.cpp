@@ -11,6 +11,8 @@ namespace {
 constexpr std::array<std::string_view, 5> typeWords{"set", "parameter", "variable", "equation",
                                                     "alias"};
 
+constexpr std::array<std::string_view, 3> storeWords{"map", "vector", "trie"};
+
 }  // namespace
 
 std::string folded(std::string_view text) {
@@ -39,6 +41,20 @@ std::optional<ztb::Type> typeOfWord(std::string_view word) {
     }
   }
   return std::nullopt;
+}
+
+std::string_view storeWord(ztb::Store store) {
+  const auto index = static_cast<std::size_t>(store);
+  return index < storeWords.size() ? storeWords[index] : "unknown";
+}
+
+std::optional<ztb::Store> storeOfWord(std::string_view word) {
+  const auto* found = std::ranges::find_if(
+      storeWords, [&](std::string_view known) { return sameFolded(known, word); });
+  if (found == storeWords.end()) {
+    return std::nullopt;
+  }
+  return static_cast<ztb::Store>(found - storeWords.begin());
 }
 
 std::string counted(std::size_t count, std::string_view noun) {

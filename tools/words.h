@@ -27,6 +27,10 @@ bool startsFolded(std::string_view text, std::string_view prefix);
 std::string_view typeWord(ztb::Type type);
 std::optional<ztb::Type> typeOfWord(std::string_view word);
 
+// "map", "vector", "trie".
+std::string_view storeWord(ztb::Store store);
+std::optional<ztb::Store> storeOfWord(std::string_view word);
+
 // "level", "marginal", "lower", "upper", "scale", at the place of the field.
 inline constexpr std::array<std::string_view, ztb::fieldCount> fieldWords{
     "level", "marginal", "lower", "upper", "scale"};

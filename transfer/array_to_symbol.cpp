@@ -57,6 +57,27 @@ bool emptyTarget(ZTB& db, AbstractZTBSymbol* symbol) {
   return true;
 }
 
+// Adds a record wherever its key belongs. The cells of a cube mostly come in the order of their
+// keys. A tree map does the same by appending, which then needs no search; the other stores may
+// not.
+class RecordTarget {
+ public:
+  explicit RecordTarget(AbstractZTBSymbol& symbol)
+      : symbol_(symbol), appends_(symbol.storageKind() == dmap::StorageKind::dMap) {}
+
+  void add(const int* keys, double value) {
+    if (appends_) {
+      symbol_.appendRecord(keys, &value);
+    } else {
+      symbol_.insertRecord(keys, &value);
+    }
+  }
+
+ private:
+  AbstractZTBSymbol& symbol_;
+  bool appends_;
+};
+
 bool checkPosition(ZTB& db, const AbstractZTBSymbol& symbol, AbstractZTBSymbol* domain,
                    int position, int cells) {
   if (!checkDomain(db, symbol, domain) || !checkCard(db, *domain, position, cells)) {
@@ -85,6 +106,7 @@ int wholeCube(ZTB& db, void* sym, void* const* domains, const void* cube, const 
     labels.push_back(labelsOf(*symbolOf(domains[d])));
   }
   const Cells cells(db, cube, symbol->type == ZTB_SET);
+  RecordTarget target(*symbol);
   Places index = {};
   KeyBuffer keys = {};
   for (std::size_t d = 0; d < dim; ++d) {
@@ -92,8 +114,7 @@ int wholeCube(ZTB& db, void* sym, void* const* domains, const void* cube, const 
   }
   for (std::size_t cell = 0; cell < total; ++cell) {
     if (!cells.isSet() || !cells.isZero(cell)) {
-      const double value = cells.value(cell);
-      symbol->insertRecord(keys.data(), &value);
+      target.add(keys.data(), cells.value(cell));
     }
     for (std::size_t d = dim; d-- > 0;) {
       index[d] = index[d] + 1 < labels[d].size() ? index[d] + 1 : 0;
@@ -113,10 +134,11 @@ struct SliceLabel {
 };
 
 // The labels of a slice set that the full domain has, in the order of the slice set.
-std::vector<SliceLabel> sliceLabels(AbstractZTBSymbol& sliceDomain, const LabelRanks& ranks) {
+std::vector<SliceLabel> sliceLabels(AbstractZTBSymbol& sliceDomain, const RankTables& ranks,
+                                    std::size_t position) {
   std::vector<SliceLabel> labels;
   sliceDomain.forEachKey([&](const int* key) {
-    const int rank = rankOf(ranks, key[0]);
+    const int rank = ranks.rank(position, key[0]);
     if (rank != 0) {
       labels.push_back({key[0], static_cast<std::size_t>(rank) - 1});
     }
@@ -140,7 +162,7 @@ int slices(ZTB& db, void* sym, void* const* sliceDomains, void* const* domains, 
   const RankTables ranks(domains, symbol->dim, db);
   std::vector<std::vector<SliceLabel>> labels;
   for (std::size_t d = 0; d < dim; ++d) {
-    labels.push_back(sliceLabels(*symbolOf(sliceDomains[d]), ranks.at(static_cast<int>(d))));
+    labels.push_back(sliceLabels(*symbolOf(sliceDomains[d]), ranks, d));
   }
   for (const auto& wanted : labels) {
     if (wanted.empty()) {
@@ -148,6 +170,7 @@ int slices(ZTB& db, void* sym, void* const* sliceDomains, void* const* domains, 
     }
   }
   const Cells cells(db, cube, symbol->type == ZTB_SET);
+  RecordTarget target(*symbol);
   Places index = {};
   KeyBuffer keys = {};
   for (bool more = true; more;) {
@@ -158,8 +181,7 @@ int slices(ZTB& db, void* sym, void* const* sliceDomains, void* const* domains, 
       keys[d] = wanted.label;
     }
     if (!cells.isZero(cell)) {
-      const double value = cells.value(cell);
-      symbol->insertRecord(keys.data(), &value);
+      target.add(keys.data(), cells.value(cell));
     }
     more = false;
     for (std::size_t d = dim; d-- > 0 && !more;) {

@@ -22,14 +22,15 @@ LabelRanks ranksOf(AbstractZTBSymbol& set, const ZTB& db) {
   return ranks;
 }
 
-RankTables::RankTables(void* const* domains, int count, const ZTB& db) {
-  std::vector<void*> seen;
+RankTables::RankTables(void* const* domains, int count, const ZTB& db)
+    : labels_(static_cast<std::size_t>(db.uels.size())) {
   for (int d = 0; d < count; ++d) {
-    const auto known = std::ranges::find(seen, domains[d]);
-    tableOf_.push_back(static_cast<std::size_t>(known - seen.begin()));
-    if (known == seen.end()) {
-      seen.push_back(domains[d]);
+    const auto known = std::find(domains, domains + d, domains[d]) - domains;
+    if (known == d) {
       tables_.push_back(ranksOf(*symbolOf(domains[d]), db));
+      ranks_[static_cast<std::size_t>(d)] = tables_.back().data();
+    } else {
+      ranks_[static_cast<std::size_t>(d)] = ranks_[static_cast<std::size_t>(known)];
     }
   }
 }

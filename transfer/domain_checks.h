@@ -2,6 +2,7 @@
 #ifndef ZTB_TRANSFER_DOMAIN_CHECKS_H_
 #define ZTB_TRANSFER_DOMAIN_CHECKS_H_
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -16,17 +17,22 @@ namespace ztb {
 LabelRanks ranksOf(AbstractZTBSymbol& set, const ZTB& db);
 
 // The ranks of a list of sets, worked out once for each set however often it stands in the list.
+// All tables have one entry for each label of the database.
 class RankTables {
  public:
   RankTables(void* const* domains, int count, const ZTB& db);
 
-  [[nodiscard]] const LabelRanks& at(int position) const {
-    return tables_[tableOf_[static_cast<std::size_t>(position)]];
+  // The rank of a label among the records of the set at a position, from 1; 0 if it has none.
+  [[nodiscard]] int rank(std::size_t position, int label) const {
+    return static_cast<std::size_t>(label) < labels_
+               ? ranks_[position][static_cast<std::size_t>(label)]
+               : 0;
   }
 
  private:
   std::vector<LabelRanks> tables_;
-  std::vector<std::size_t> tableOf_;
+  std::array<const int*, dmap::maxDimension> ranks_ = {};
+  std::size_t labels_;
 };
 
 // The labels of a set in the order of its records.

@@ -1,6 +1,8 @@
 // Finding records with labels outside the sets that their symbol names as domains, one at a time.
 
 #include <algorithm>
+#include <cstddef>
+#include <vector>
 
 #include "core/frame.h"
 #include "core/handles.h"
@@ -34,6 +36,33 @@ void buildDatabase(ZTB& db) {
     return true;
   });
 }
+
+// The test of a symbol's records against the tables that its domains have at this moment.
+class ViolationTest {
+ public:
+  explicit ViolationTest(const AbstractZTBSymbol& symbol) {
+    for (std::size_t position = 0; position < symbol.domainSymbols.size(); ++position) {
+      const AbstractZTBSymbol* set = decidingSet(symbol.domainSymbols[position]);
+      if (set != nullptr && !set->domainMembership.empty()) {
+        checked_.push_back({position, &set->domainMembership});
+      }
+    }
+  }
+
+  [[nodiscard]] bool violates(const int* keys) const {
+    return std::ranges::any_of(checked_, [keys](const Position& position) {
+      return rankOf(*position.membership, keys[position.number]) == 0;
+    });
+  }
+
+ private:
+  struct Position {
+    std::size_t number;
+    const LabelRanks* membership;
+  };
+
+  std::vector<Position> checked_;
+};
 
 void freeDatabase(ZTB& db) {
   db.symbols.forEach([](AbstractZTBSymbol* symbol) {
@@ -93,8 +122,9 @@ int firstInSymbol(ZTB& db, AbstractZTBSymbol& symbol, void** dvHandle) {
     if (!checkingDatabase(db)) {
       buildDomains(db, symbol);
     }
+    const ViolationTest test(symbol);
     auto [clean, record] = symbol.firstRejected(
-        [&symbol](const int* keys, const double*) { return !symbol.violatesDomain(keys); });
+        [&test](const int* keys, const double*) { return !test.violates(keys); });
     if (!clean) {
       *dvHandle = record.release();
     } else {

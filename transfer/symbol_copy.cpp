@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <stdexcept>
+#include <string>
+#include <vector>
 
 #include "core/default_records.h"
 #include "core/frame.h"
@@ -56,7 +58,7 @@ class SymbolCopy {
     KeyBuffer targetKeys = {};
     const int labels = targetIsUniverse_ ? 1 : source_.dim;
     for (int d = 0; d < labels; ++d) {
-      if (!to_.uels.merge(from_.uels.labelOf(keys[d]), &targetKeys[static_cast<std::size_t>(d)])) {
+      if (!mergeLabel(keys[d], targetKeys[static_cast<std::size_t>(d)])) {
         return false;
       }
     }
@@ -72,17 +74,48 @@ class SymbolCopy {
       throw std::logic_error("the copied record stands nowhere in symbol " + target_.name);
     }
     if (target_.type == ZTB_SET) {
-      slots[0] = to_.textNumber(source_.type == ZTB_SET ? textOf(values[0]) : "");
+      slots[0] = source_.type == ZTB_SET ? mergeText(values[0]) : to_.textNumber("");
     } else {
       std::copy_n(values, dmap::slotCount(target_.type), slots);
     }
     return true;
   }
 
-  [[nodiscard]] const char* textOf(double level) const {
-    const bool namesText = level >= 1.0 && level < from_.textPool.size();
-    return namesText ? from_.textPool.at(static_cast<int>(level)) : "";
+  // The target's number of a label of the source. The string is looked at once: neither list ever
+  // changes a number.
+  bool mergeLabel(int label, int& number) {
+    const auto place = static_cast<std::size_t>(label);
+    if (place < labelNumbers_.size() && labelNumbers_[place] != unknown) {
+      number = labelNumbers_[place];
+      return true;
+    }
+    if (!to_.uels.merge(from_.uels.labelOf(label), &number)) {
+      return false;
+    }
+    entryOf(labelNumbers_, label) = number;
+    return true;
   }
+
+  // The same for the text of a set record, which is the empty one where the record names none.
+  int mergeText(double level) {
+    const bool namesText = level >= 1.0 && level < from_.textPool.size();
+    const int text = namesText ? static_cast<int>(level) : 0;
+    int& known = entryOf(textNumbers_, text);
+    if (known == unknown) {
+      known = to_.textNumber(namesText ? from_.textPool.at(text) : "");
+    }
+    return known;
+  }
+
+  static int& entryOf(std::vector<int>& numbers, int entry) {
+    const auto place = static_cast<std::size_t>(entry);
+    if (place >= numbers.size()) {
+      numbers.resize(place + 1, unknown);
+    }
+    return numbers[place];
+  }
+
+  static constexpr int unknown = -1;
 
   AbstractZTBSymbol& source_;
   AbstractZTBSymbol& target_;
@@ -90,6 +123,9 @@ class SymbolCopy {
   ZTB& to_;
   bool targetIsUniverse_;
   const double* defaults_ = nullptr;
+  // By the source's number.
+  std::vector<int> labelNumbers_;
+  std::vector<int> textNumbers_;
 };
 
 int copySymbol(ZTB& db, AbstractZTBSymbol* target, AbstractZTBSymbol* source) {

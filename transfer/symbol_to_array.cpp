@@ -112,6 +112,7 @@ int sparseToDense(ZTB& db, void* cells, const int* vDim, void* sym, void* const*
     return failure;
   }
   const int dim = symbol->dim;
+  const bool isSet = symbol->type == ZTB_SET;
   for (int d = 0; d < dim; ++d) {
     AbstractZTBSymbol* domain = symbolOf(domains[d]);
     if (!checkDomain(db, *symbol, domain) || !checkCard(db, *domain, d, vDim[d])) {
@@ -126,14 +127,14 @@ int sparseToDense(ZTB& db, void* cells, const int* vDim, void* sym, void* const*
   symbol->forEachRecord([&](const int* keys, const double* values) {
     std::int64_t cell = 0;
     for (int d = 0; d < dim; ++d) {
-      const int rank = rankOf(ranks.at(d), keys[d]);
+      const int rank = ranks.rank(static_cast<std::size_t>(d), keys[d]);
       if (rank == 0) {
         ++*nDropped;
         return;
       }
-      cell = rank + vDim[d] * cell - 1;
+      cell = cell * vDim[d] + rank - 1;
     }
-    if (symbol->type == ZTB_SET) {
+    if (isSet) {
       cube.put(cell, ++placed);
     } else {
       cube.put(cell, db.mapOut(values[field]));
@@ -144,13 +145,13 @@ int sparseToDense(ZTB& db, void* cells, const int* vDim, void* sym, void* const*
 
 // For each label of a domain, by its rank from 1, the 1-based rank in a squeeze domain; 0 if that
 // lacks it.
-std::vector<int> squeezeMap(AbstractZTBSymbol& domain, const LabelRanks& ranks,
-                            AbstractZTBSymbol& squeezeDomain) {
+std::vector<int> squeezeMap(AbstractZTBSymbol& domain, const RankTables& ranks,
+                            std::size_t position, AbstractZTBSymbol& squeezeDomain) {
   std::vector<int> map(static_cast<std::size_t>(domain.recordCount()) + 1);
   int squeezed = 0;
   squeezeDomain.forEachKey([&](const int* key) {
     ++squeezed;
-    const int rank = rankOf(ranks, key[0]);
+    const int rank = ranks.rank(position, key[0]);
     if (rank != 0) {
       map[static_cast<std::size_t>(rank)] = squeezed;
     }
@@ -181,8 +182,9 @@ int sparseToSqueezed(ZTB& db, void* cells, const int* vDim, void* sym, void* con
   std::array<std::int64_t, dmap::maxDimension> domainSizes = {};
   for (int d = 0; d < dim; ++d) {
     AbstractZTBSymbol& domain = *symbolOf(domains[d]);
-    squeezeMaps.push_back(squeezeMap(domain, ranks.at(d), *symbolOf(squeezeDomains[d])));
-    domainSizes[static_cast<std::size_t>(d)] = domain.recordCount();
+    const auto position = static_cast<std::size_t>(d);
+    squeezeMaps.push_back(squeezeMap(domain, ranks, position, *symbolOf(squeezeDomains[d])));
+    domainSizes[position] = domain.recordCount();
   }
   *nDropped = 0;
   symbol->forEachRecordWhile([&](const int* keys, const double* values) {
@@ -190,13 +192,13 @@ int sparseToSqueezed(ZTB& db, void* cells, const int* vDim, void* sym, void* con
     std::uint64_t fullCell = 0;
     for (int d = 0; d < dim; ++d) {
       const auto position = static_cast<std::size_t>(d);
-      const int rank = rankOf(ranks.at(d), keys[d]);
+      const int rank = ranks.rank(position, keys[d]);
       const int squeezed = squeezeMaps[position][static_cast<std::size_t>(rank)];
       if (squeezed == 0) {
         ++*nDropped;
         return false;
       }
-      cell = vDim[d] * cell + squeezed - 1;
+      cell = cell * vDim[d] + squeezed - 1;
       fullCell = static_cast<std::uint64_t>(rank) - 1 +
                  fullCell * static_cast<std::uint64_t>(domainSizes[position]);
     }

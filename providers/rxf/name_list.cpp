@@ -9,20 +9,19 @@
 
 namespace rxffile {
 
-std::uint64_t NameList::hashOf(std::string_view name) {
+std::uint32_t NameList::hashOf(std::string_view name) {
   std::array<char, kMaxLabelLength> folded;
   const std::size_t length = std::min(name.size(), folded.size());
   std::transform(name.begin(), name.begin() + static_cast<std::ptrdiff_t>(length), folded.begin(),
                  foldCase);
-  return checksum(folded.data(), length);
+  return static_cast<std::uint32_t>(checksum(folded.data(), length));
 }
 
-std::size_t NameList::slotFor(std::string_view name, std::uint64_t hash) const {
+std::size_t NameList::slotFor(std::string_view name, std::uint32_t hash) const {
   const std::size_t mask = slots_.size() - 1;
-  const auto tag = static_cast<std::uint32_t>(hash >> 32U);
   std::size_t i = hash & mask;
   while (slots_[i].number != 0 &&
-         (slots_[i].tag != tag || !sameFolded(names_.at(slots_[i].number), name))) {
+         (slots_[i].hash != hash || !sameFolded(names_.at(slots_[i].number), name))) {
     i = (i + 1) & mask;
   }
   return i;
@@ -35,22 +34,22 @@ std::uint32_t NameList::find(std::string_view name) const {
 
 std::uint32_t NameList::add(std::string_view name) {
   if (2 * (static_cast<std::size_t>(size()) + 1) > slots_.size()) grow();
-  const std::uint64_t hash = hashOf(name);
+  const std::uint32_t hash = hashOf(name);
   Slot& slot = slots_[slotFor(name, hash)];
   if (slot.number != 0) return 0;
   names_.add(name);
-  slot = {static_cast<std::uint32_t>(hash >> 32U), size()};
+  slot = {hash, size()};
   return size();
 }
 
 void NameList::grow() {
-  const std::size_t capacity = slots_.empty() ? 64 : slots_.size() * 2;
-  std::vector<Slot> larger(capacity, Slot{0, 0});
-  for (std::uint32_t number = 1; number <= size(); ++number) {
-    const std::uint64_t hash = hashOf(names_.at(number));
-    std::size_t i = hash & (capacity - 1);
-    while (larger[i].number != 0) i = (i + 1) & (capacity - 1);
-    larger[i] = {static_cast<std::uint32_t>(hash >> 32U), number};
+  std::vector<Slot> larger(slots_.empty() ? 64 : slots_.size() * 2, Slot{0, 0});
+  const std::size_t mask = larger.size() - 1;
+  for (const Slot& slot : slots_) {
+    if (slot.number == 0) continue;
+    std::size_t i = slot.hash & mask;
+    while (larger[i].number != 0) i = (i + 1) & mask;
+    larger[i] = slot;
   }
   slots_ = std::move(larger);
 }

@@ -26,13 +26,14 @@ class NameList {
   std::uint32_t add(std::string_view name);
 
  private:
+  // The hash stands beside the number, so that growing and most failed comparisons look at no name.
   struct Slot {
-    std::uint32_t tag;
+    std::uint32_t hash;
     std::uint32_t number;
   };
 
-  static std::uint64_t hashOf(std::string_view name);
-  [[nodiscard]] std::size_t slotFor(std::string_view name, std::uint64_t hash) const;
+  static std::uint32_t hashOf(std::string_view name);
+  [[nodiscard]] std::size_t slotFor(std::string_view name, std::uint32_t hash) const;
   void grow();
 
   StringTable names_;

@@ -27,13 +27,13 @@ class InfoTest : public ProgramTest {
 TEST_F(InfoTest, ListsSymbolsAndTotals) {
   makeFile();
   EXPECT_EQ(ztbFine({"info", "a.rxf"}),
-            "Symbol  Type       Dim  Domains  Records  Text\n"
-            "------  ---------  ---  -------  -------  -------------\n"
-            "food    set          1  *              2  Things to eat\n"
+            "Symbol  Type       Dim  Domains  Records  Store  Text\n"
+            "------  ---------  ---  -------  -------  -----  -------------\n"
+            "food    set          1  *              2  map    Things to eat\n"
             "f       alias        1  = food\n"
-            "price   parameter    1  food           1  Cents\n"
-            "buy     variable     2  food, *        0\n"
-            "pi      parameter    0                 0\n"
+            "price   parameter    1  food           1  map    Cents\n"
+            "buy     variable     2  food, *        0  map\n"
+            "pi      parameter    0                 0  map\n"
             "\n"
             "a.rxf: 5 symbols (1 set, 2 parameters, 1 variable, 1 alias), 3 labels, 3 records\n");
 }
@@ -49,6 +49,8 @@ TEST_F(InfoTest, PrintsJson) {
   EXPECT_EQ(json["symbols"][0]["records"], 2);
   EXPECT_EQ(json["symbols"][1]["alias_of"], "food");
   EXPECT_FALSE(json["symbols"][1].contains("records"));
+  EXPECT_EQ(json["symbols"][2]["store"], "map");
+  EXPECT_FALSE(json["symbols"][1].contains("store"));
   EXPECT_EQ(json["symbols"][3]["type"], "variable");
   EXPECT_EQ(json["symbols"][3]["domains"], (nlohmann::json{"food", "*"}));
   EXPECT_EQ(json["symbols"][3]["user_info"], 3);

@@ -1,0 +1,88 @@
+// The families with arrays of twenty strings, met with symbols and counts that do not fit them.
+#include <gtest/gtest.h>
+
+#include <array>
+#include <string>
+#include <vector>
+
+#include "tests/support/database.h"
+#include "tests/support/text_buffer.h"
+
+namespace ztbtest {
+namespace {
+
+class ShortStringLimits : public testing::Test {
+ protected:
+  ShortStringLimits() {
+    db.uel("a");
+    std::vector<void*> domains(21, db.universe());
+    lib().c__ztbaddsymbolx(db, "wide", 21, ZTB_PARAMETER, 0, "", domains.data(), nullptr, &wide);
+  }
+
+  Database db;
+  void* wide = nullptr;
+  void* found = nullptr;
+  StringBlock block;
+};
+
+TEST_F(ShortStringLimits, moreThanTwentyLabelsAreRefused) {
+  block = StringBlock::shortStrings({"a"});
+  int status = 7;
+  ASSERT_NE(nullptr, wide);
+  db.markError();
+  EXPECT_EQ(0, lib().d__ztbfindrecord(db, wide, block, &found));
+  EXPECT_FALSE(db.errorUntouched());
+  EXPECT_EQ(nullptr, found);
+  EXPECT_EQ(0, lib().d__ztbaddrecord(db, wide, block, &found));
+  EXPECT_EQ(0, lib().d__ztbmergerecord(db, wide, block, &found));
+  EXPECT_EQ(0, lib().d__ztbfindfirstrecordslice(db, wide, block, &found));
+  EXPECT_EQ(nullptr, lib().d__ztbfindlastrecordslicepy(db, wide, block, &status));
+  EXPECT_EQ(0, status);
+  EXPECT_EQ(1, db.info(ZTB_INFO_UEL_COUNT));
+}
+
+TEST_F(ShortStringLimits, moreThanTwentyDomainNamesAreRefused) {
+  std::array<void*, 21> domains{};
+  db.markError();
+  EXPECT_EQ(0, lib().d__ztbaddsymbolx(db, ShortString("q"), 21, ZTB_PARAMETER, 0, ShortString(""),
+                                      domains.data(), block, &found));
+  EXPECT_FALSE(db.errorUntouched());
+  EXPECT_EQ(nullptr, found);
+  db.markError();
+  EXPECT_EQ(0, lib().d__ztbgetdomain(db, wide, 20, domains.data(), block));
+  EXPECT_FALSE(db.errorUntouched());
+  db.markError();
+  EXPECT_EQ(0, lib().n__ztbgetdomain(db, wide, 20, domains.data(), block));
+  EXPECT_FALSE(db.errorUntouched());
+}
+
+TEST_F(ShortStringLimits, aFailureStillConvertsTheTextsThatWereAskedFor) {
+  EXPECT_EQ(0, lib().d__ztbgetkeys(db, nullptr, 2, block));
+  EXPECT_EQ("", block.shortString(0));
+  EXPECT_EQ("", block.shortString(1));
+  EXPECT_TRUE(block.untouched(2));
+}
+
+TEST_F(ShortStringLimits, aLabelOfTheUniverseIsGivenWhateverTheCount) {
+  const Record label = db.first(db.universe());
+  for (const int count : {1, 20, 50}) {
+    StringBlock keys;
+    EXPECT_EQ(1, lib().d__ztbgetkeys(db, label, count, keys)) << count;
+    EXPECT_EQ("a", keys.shortString(0)) << count;
+    StringBlock flat;
+    EXPECT_EQ(1, lib().n__ztbgetkeys(db, label, count, flat)) << count;
+    EXPECT_EQ("a", flat.flatString(0)) << count;
+  }
+}
+
+TEST_F(ShortStringLimits, aNullPlaceForATextIsLeftAlone) {
+  int number = -1;
+  EXPECT_EQ(1, lib().d__ztbinfo(db, ZTB_INFO_UEL_COUNT, &number, nullptr, nullptr));
+  EXPECT_EQ(1, number);
+  EXPECT_EQ(1,
+            lib().d__ztbsymbolinfo(db, wide, ZTB_SYMBOL_INFO_DIMENSION, &number, nullptr, nullptr));
+  EXPECT_EQ(21, number);
+}
+
+}  // namespace
+}  // namespace ztbtest

@@ -1,0 +1,22 @@
+// Makes one growth of the vector store's arrays fail. An executable that uses it is linked with
+// --wrap=realloc.
+#ifndef ZTB_TESTS_STORES_FAILING_REALLOC_H_
+#define ZTB_TESTS_STORES_FAILING_REALLOC_H_
+
+namespace ztb::storetest {
+
+// While an object of this class lives, the reallocation of the given number, counted from 1, fails.
+class FailingRealloc {
+ public:
+  explicit FailingRealloc(int number);
+  ~FailingRealloc();
+  FailingRealloc(const FailingRealloc&) = delete;
+  FailingRealloc& operator=(const FailingRealloc&) = delete;
+
+  // Whether it was reached.
+  [[nodiscard]] static bool happened();
+};
+
+}  // namespace ztb::storetest
+
+#endif  // ZTB_TESTS_STORES_FAILING_REALLOC_H_
