@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "tools/data_file.h"
+#include "tools/domain_check.h"
 #include "tools/failure.h"
 #include "tools/output.h"
 #include "tools/progress.h"
@@ -82,34 +83,77 @@ class FileCheck {
   std::size_t records_ = 0;
 };
 
-void runCheck(const std::string& path) {
-  std::optional<Progress> progress(std::in_place);
+struct CheckOptions {
+  std::string path;
+  bool domains = false;
+  bool json = false;
+};
+
+// What the check of an intact file prints; throws Failure otherwise.
+std::string checkFile(const std::string& path, std::optional<Progress>& progress) {
   progress->step("opening " + path);
   FileCheck check(path);
   check.run(*progress);
+  if (check.problems().empty()) {
+    return check.summary();
+  }
   progress.reset();
   for (const std::string& problem : check.problems()) {
     std::fputs((problem + "\n").c_str(), stderr);
   }
-  if (!check.problems().empty()) {
-    throw Failure(fmt::format("{}: {} found", path, counted(check.problems().size(), "problem")));
+  throw Failure(fmt::format("{}: {} found", path, counted(check.problems().size(), "problem")));
+}
+
+void runDomainCheck(const CheckOptions& options, std::optional<Progress>& progress) {
+  const DataFile file(options.path);
+  const DomainReport report = checkDomains(file, *progress);
+  progress.reset();
+  if (options.json) {
+    printDomainReportJson(file, report);
+  } else {
+    printDomainReport(file, report);
   }
-  print(check.summary());
+  if (!report.symbols.empty()) {
+    flushOutput();
+    throw Failure(fmt::format("{}: {} outside their domains, in {}", options.path,
+                              counted(report.recordCount(), "record"),
+                              counted(report.symbols.size(), "symbol")));
+  }
+}
+
+void runCheck(const CheckOptions& options) {
+  if (options.json && !options.domains) {
+    throw UsageError("--json: goes with --domains");
+  }
+  std::optional<Progress> progress(std::in_place);
+  const std::string summary = checkFile(options.path, progress);
+  if (options.domains) {
+    runDomainCheck(options, progress);
+  }
+  progress.reset();
+  if (!options.json) {
+    print(summary);
+  }
 }
 
 }  // namespace
 
 void addCheckCommand(CLI::App& app) {
   CLI::App* command = app.add_subcommand("check", "Check that a file is intact");
-  auto path = std::make_shared<std::string>();
-  command->add_option("FILE", *path, "RXF file")->required();
+  auto options = std::make_shared<CheckOptions>();
+  command->add_option("FILE", options->path, "RXF file")->required();
+  command->add_flag("--domains", options->domains,
+                    "Also list every record with a label outside its domain");
+  command->add_flag("--json", options->json, "Print these records as JSON");
   command->footer(
       "Opens everything, reads every record and verifies all checksums. What is wrong is told "
       "with\n"
-      "the symbol and the place in the file, and the exit code is 1 then.\n\n"
-      "Example:\n"
-      "  ztb check diet.rxf");
-  command->callback([path] { runCheck(*path); });
+      "the symbol and the place in the file, and the exit code is 1 then. So it is when --domains\n"
+      "finds a record; the column \"outside\" has the positions that break, with their domains.\n\n"
+      "Examples:\n"
+      "  ztb check diet.rxf\n"
+      "  ztb check diet.rxf --domains --json");
+  command->callback([options] { runCheck(*options); });
 }
 
 }  // namespace tool

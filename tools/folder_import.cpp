@@ -7,6 +7,7 @@
 #include <optional>
 
 #include "tools/csv_reader.h"
+#include "tools/domain_argument.h"
 #include "tools/failure.h"
 #include "tools/manifest.h"
 #include "tools/symbol_columns.h"
@@ -21,25 +22,13 @@ struct FolderSymbol {
   ztb::Symbol symbol;
 };
 
-// A domain set that was added already is passed as such; any other domain is known by its name, and
-// becomes the set of that name when the written file is opened.
-ztb::DomainArgument domainOf(const ztb::Database& database, const std::string& name) {
-  const std::optional<ztb::Symbol> set =
-      name == "*" ? std::nullopt : database.findSymbolOrAlias(name);
-  if (set && set->dimension() == 1 &&
-      (set->type() == ztb::Type::set || set->type() == ztb::Type::alias)) {
-    return {*set};
-  }
-  return {name.c_str()};
-}
-
 ztb::Symbol addSymbol(ztb::Database& database, const ManifestEntry& entry) {
   if (entry.type == ztb::Type::alias) {
     return database.addAlias(entry.name, database.symbol(entry.aliasOf), entry.text);
   }
   std::vector<ztb::DomainArgument> domains;
   for (const std::string& name : entry.domains) {
-    domains.push_back(domainOf(database, name));
+    domains.push_back(domainArgument(database, name));
   }
   return database.addSymbol(entry.name, entry.type, domains, entry.text, entry.userInfo);
 }

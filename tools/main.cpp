@@ -7,12 +7,14 @@
 #include <vector>
 
 #include "tools/check_command.h"
+#include "tools/copy_command.h"
 #include "tools/diff_command.h"
 #include "tools/export_command.h"
 #include "tools/failure.h"
 #include "tools/import_command.h"
 #include "tools/info_command.h"
 #include "tools/output.h"
+#include "tools/pivot_command.h"
 #include "tools/show_command.h"
 
 namespace {
@@ -31,7 +33,7 @@ std::string usageText(const CLI::App& app, const CLI::ParseError& error) {
 int run(int argc, char** argv) {
   int status = tool::exitFine;
   CLI::App app(
-      "Looks at, makes and compares RXF files: sets, parameters, variables and equations\n"
+      "Looks at, makes, copies and compares RXF files: sets, parameters, variables and equations\n"
       "over one universe of labels.");
   app.name("ztb");
   app.set_version_flag("--version", "ztb " ZTB_VERSION);
@@ -45,6 +47,8 @@ int run(int argc, char** argv) {
   tool::addExportCommand(app);
   tool::addDiffCommand(app, status);
   tool::addCheckCommand(app);
+  tool::addCopyCommand(app);
+  tool::addPivotCommand(app);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

@@ -11,7 +11,8 @@ using tooltest::ProgramTest;
 class UsageTest : public ProgramTest {};
 
 TEST_F(UsageTest, HelpOfEveryCommandHasAnExample) {
-  for (const char* command : {"info", "show", "import", "export", "diff", "check"}) {
+  for (const char* command :
+       {"info", "show", "import", "export", "diff", "check", "copy", "pivot"}) {
     const Outcome outcome = ztb({command, "--help"});
     EXPECT_EQ(outcome.status, 0) << command;
     EXPECT_EQ(outcome.errors, "") << command;
