@@ -1,0 +1,128 @@
+/* Opening and building the optimization models that a ZTB database works on.
+ *
+ * A model is rows and columns: row 0 is the objective, the other rows are constraints, and a column
+ * is a variable. ztbModelPbi gives the handle that ztbRegisterPBI, ztbInitFromDict and ztbInitUpdate
+ * of ztb.h take. The functions stand in liblomudclib64.so; link with it, or open it at run time.
+ *
+ * Every function that can fail returns 0 (or -1 where it returns a number) and leaves the reason in
+ * `message`, cut to `messageSize` bytes with its final zero, or, for a model that exists, in
+ * ztbModelMessage. A model that a function refused to change is as it was.
+ *
+ * A model is used by one thread at a time, but for ztbModelTerminate.
+ */
+#ifndef ZTB_MODEL_H_
+#define ZTB_MODEL_H_
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+typedef struct ztbModelRec ztbModel;
+
+/* Kinds of columns. */
+enum { ztbColumnContinuous = 0, ztbColumnInteger = 1, ztbColumnBinary = 2 };
+
+/* Types of rows, with right-hand side r. */
+enum {
+  ztbRowEqual = 0,          /* = r  */
+  ztbRowGreaterOrEqual = 1, /* >= r */
+  ztbRowLessOrEqual = 2,    /* <= r */
+  ztbRowFree = 3            /* no condition */
+};
+
+/* What a solve found. */
+enum {
+  ztbModelOptimal = 1,        /* a best solution */
+  ztbModelLocallyOptimal = 2, /* no better solution close by */
+  ztbModelUnbounded = 3,      /* the objective can be improved without end */
+  ztbModelInfeasible = 4,     /* no point satisfies all rows and bounds */
+  ztbModelFeasible = 6,       /* a solution, but a limit came before the proof that it is best */
+  ztbModelNoSolution = 13     /* not solved yet, or nothing found */
+};
+
+/* How a solve ended. */
+enum {
+  ztbSolveNormal = 1,
+  ztbSolveIterationLimit = 2,
+  ztbSolveTimeLimit = 3,
+  ztbSolveTerminated = 4, /* by ztbModelTerminate */
+  ztbSolveFailed = 13     /* not solved yet, or the solver gave up */
+};
+
+/* Opens a model file; its kind is told by the ending:
+ *   .lp            CPLEX LP, with quadratic terms in square brackets
+ *   .mps           MPS, fixed or free (by the look of it)
+ *   .mod           MathProg; `dataFile`, unless null or empty, is its data file
+ * .mps may be followed by .gz. A refusal names file and line. */
+int ztbModelOpen(ztbModel** model, const char* file, const char* dataFile, char* message,
+                 int messageSize);
+
+/* Makes an empty model: no columns, and row 0, the objective, named "objective", minimized. */
+int ztbModelCreate(ztbModel** model, char* message, int messageSize);
+
+/* Frees the model and everything reached through ztbModelPbi, and sets *model to null. A database
+ * that was tied to it must not be updated or solved any more, but may be freed later. */
+void ztbModelFree(ztbModel** model);
+
+/* Names the objective, sets its direction (1: maximize) and its constant. */
+int ztbModelSetObjective(ztbModel* model, const char* name, int maximize, double constant);
+
+/* Adds a column and returns its number, counted from 0. Infinite bounds are the IEEE infinities.
+ * Columns have distinct names. */
+int ztbModelAddColumn(ztbModel* model, const char* name, int kind, double lower, double upper);
+
+/* Adds a row and returns its number, counted from 1 since 0 is the objective. `range`, unless 0,
+ * makes a >= row end at rhs + range and a <= row begin at rhs - range. Rows have distinct names. */
+int ztbModelAddRow(ztbModel* model, const char* name, int type, double rhs, double range);
+
+/* Adds `value` times a column, or times a product of two columns (which may be the same), to a row.
+ * Terms given twice add up. */
+int ztbModelAddTerm(ztbModel* model, int row, int column, double value);
+int ztbModelAddProduct(ztbModel* model, int row, int column1, int column2, double value);
+
+/* The model instance for ztb.h; null with the reason in ztbModelMessage. From the first call on the
+ * model cannot be built further. */
+void* ztbModelPbi(ztbModel* model);
+
+/* An option by name, values as text. Options:
+ *   NameSysDir      directory of the solver catalogue vltcmpNT.txt, ending in "/";
+ *                   default: where the library stands
+ *   LogFile         file that log lines are appended to; default none
+ *   LogScreen       1: log lines go to standard output; default 0
+ *   TimeLimit       seconds that a solve may take, above 0; default 1e10
+ *   IterationLimit  iterations that a solve may take, 0 to 2147483647; default 2147483647
+ *   RelativeGap     relative distance from the best bound at which a search over integers may stop,
+ *                   0 to 1; default 1e-9
+ * A get copies at most `size` bytes with the final zero. */
+int ztbModelSetOption(ztbModel* model, const char* name, const char* value);
+int ztbModelGetOption(ztbModel* model, const char* name, char* value, int size);
+
+/* What the last solve left: the codes above, the objective's value, and the solver's iterations. */
+int ztbModelStatus(ztbModel* model);
+int ztbModelSolveStatus(ztbModel* model);
+double ztbModelObjective(ztbModel* model);
+double ztbModelIterations(ztbModel* model);
+
+/* Words for the codes above, such as "optimal" and "time limit". */
+const char* ztbModelStatusText(int status);
+const char* ztbModelSolveStatusText(int status);
+
+/* Asks a running solve to end; may be called from another thread or a signal handler. The next solve
+ * clears the request. */
+void ztbModelTerminate(ztbModel* model);
+
+/* The reason of the last refusal or failed solve of this model; empty when there was none. */
+const char* ztbModelMessage(ztbModel* model);
+
+/* Names that the dictionary had to change, one text each: 0 <= number < count. */
+int ztbModelNoteCount(ztbModel* model);
+const char* ztbModelNote(ztbModel* model, int number);
+
+/* 1 if the catalogue file can be read, else 0 with the file, the line and what is wrong with it. */
+int ztbCatalogueCheck(const char* file, char* message, int messageSize);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif /* ZTB_MODEL_H_ */

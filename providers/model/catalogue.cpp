@@ -1,0 +1,132 @@
+#include "providers/model/catalogue.h"
+
+#include <algorithm>
+#include <array>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+
+#include "providers/model/distinct_names.h"
+#include "providers/model/model_error.h"
+#include "providers/model/solver_library.h"
+
+namespace lomu {
+
+namespace {
+
+constexpr std::array<std::string_view, 4> kKinds{"LP", "MIP", "QP", "MIQP"};
+constexpr std::size_t kMaxRowLength = 4096;
+
+std::vector<std::string> wordsOf(std::string_view line) {
+  std::istringstream stream{std::string(line.substr(0, line.find('#')))};
+  return {std::istream_iterator<std::string>(stream), std::istream_iterator<std::string>()};
+}
+
+// Reads one row; what it throws does not name the place yet.
+class RowReader {
+ public:
+  explicit RowReader(const std::string& directory) : directory_(directory) {}
+
+  CatalogueRow read(const std::vector<std::string>& words) const {
+    if (words.size() != 4) {
+      throw ModelError("a row has a name, kinds, in-place and a library, this one has " +
+                       std::to_string(words.size()) + " words");
+    }
+    CatalogueRow row;
+    row.name = words[0];
+    row.kinds = kindsOf(words[1]);
+    row.inPlace = inPlaceOf(words[2]);
+    row.library = words[3].find('/') == std::string::npos ? directory_ + words[3] : words[3];
+    return row;
+  }
+
+ private:
+  static std::vector<std::string> kindsOf(const std::string& word) {
+    std::vector<std::string> kinds;
+    std::istringstream stream(word);
+    for (std::string kind; std::getline(stream, kind, ',');) {
+      if (std::find(kKinds.begin(), kKinds.end(), kind) == kKinds.end()) {
+        throw ModelError("\"" + kind + "\" is no kind of model; kinds are LP, MIP, QP, MIQP");
+      }
+      kinds.push_back(kind);
+    }
+    return kinds;
+  }
+
+  static bool inPlaceOf(const std::string& word) {
+    if (word != "yes" && word != "no") {
+      throw ModelError("in-place is \"yes\" or \"no\", not \"" + word + "\"");
+    }
+    return word == "yes";
+  }
+
+  const std::string& directory_;
+};
+
+}  // namespace
+
+std::string_view kindOf(ModelType type) {
+  switch (type) {
+    case ModelType::linear:
+    case ModelType::relaxedMixedInteger:
+      return "LP";
+    case ModelType::mixedInteger:
+      return "MIP";
+    case ModelType::quadratic:
+      return "QP";
+    default:
+      return "MIQP";
+  }
+}
+
+Catalogue Catalogue::read(const std::string& file, const std::string& directory) {
+  std::ifstream stream(file, std::ios::binary);
+  std::ostringstream text;
+  if (!stream || !(text << stream.rdbuf())) {
+    throw ModelError(file + ": the solver catalogue cannot be read or is empty");
+  }
+  return parse(text.str(), file, directory);
+}
+
+Catalogue Catalogue::parse(std::string_view text, const std::string& file,
+                           const std::string& directory) {
+  Catalogue catalogue;
+  const RowReader reader(directory);
+  int line = 0;
+  while (!text.empty()) {
+    ++line;
+    const std::size_t end = std::min(text.find('\n'), text.size());
+    const std::string_view content = text.substr(0, end);
+    text.remove_prefix(std::min(end + 1, text.size()));
+    try {
+      if (content.size() > kMaxRowLength) throw ModelError("the row has more than 4096 bytes");
+      const std::vector<std::string> words = wordsOf(content);
+      if (words.empty()) continue;
+      CatalogueRow row = reader.read(words);
+      const bool twice = std::any_of(
+          catalogue.rows_.begin(), catalogue.rows_.end(),
+          [&](const CatalogueRow& r) { return foldedName(r.name) == foldedName(row.name); });
+      if (twice) throw ModelError("solver \"" + row.name + "\" stands twice");
+      catalogue.rows_.push_back(std::move(row));
+    } catch (const ModelError& error) {
+      throw ModelError(file + ":" + std::to_string(line) + ": " + error.what());
+    }
+  }
+  if (catalogue.rows_.empty()) throw ModelError(file + ": the solver catalogue names no solver");
+  return catalogue;
+}
+
+int Catalogue::number(std::string_view name) const {
+  const auto found = std::find_if(rows_.begin(), rows_.end(), [&](const CatalogueRow& row) {
+    return foldedName(row.name) == foldedName(name);
+  });
+  if (found == rows_.end() || !SolverLibrary::canOpen(found->library)) return 0;
+  return static_cast<int>(found - rows_.begin()) + 1;
+}
+
+const CatalogueRow* Catalogue::row(int number) const {
+  if (number < 1 || static_cast<std::size_t>(number) > rows_.size()) return nullptr;
+  return &rows_[static_cast<std::size_t>(number) - 1];
+}
+
+}  // namespace lomu

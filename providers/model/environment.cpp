@@ -1,0 +1,61 @@
+#include "providers/model/environment.h"
+
+#include <dlfcn.h>
+
+#include <cstdio>
+
+namespace lomu {
+
+namespace {
+
+std::string libraryDirectory() {
+  static const char kHere = 0;
+  Dl_info info{};
+  if (dladdr(&kHere, &info) == 0 || info.dli_fname == nullptr) return "./";
+  const std::string path = info.dli_fname;
+  const std::size_t slash = path.rfind('/');
+  return slash == std::string::npos ? "./" : path.substr(0, slash + 1);
+}
+
+}  // namespace
+
+Environment::Environment() {
+  options_.set("NameSysDir", libraryDirectory());
+}
+
+void Environment::log(std::string_view text) const {
+  if (options_.number(OptionId::logScreen) != 0) {
+    std::printf("%.*s\n", static_cast<int>(text.size()), text.data());
+    std::fflush(stdout);
+  }
+  const std::string& file = options_.text(OptionId::logFile);
+  if (file.empty()) return;
+  std::FILE* stream = std::fopen(file.c_str(), "a");
+  if (stream == nullptr) return;
+  std::fprintf(stream, "%.*s\n", static_cast<int>(text.size()), text.data());
+  std::fclose(stream);
+}
+
+SolverLimits Environment::limits() {
+  SolverLimits limits;
+  limits.seconds = options_.number(OptionId::timeLimit);
+  limits.iterations = static_cast<int>(options_.number(OptionId::iterationLimit));
+  limits.relativeGap = options_.number(OptionId::relativeGap);
+  limits.terminated = [](void* context) {
+    return static_cast<Environment*>(context)->terminated_.load();
+  };
+  limits.context = this;
+  return limits;
+}
+
+const Catalogue& Environment::catalogue() {
+  const std::string& directory = options_.text(OptionId::nameSysDir);
+  if (catalogue_ == nullptr || catalogueDirectory_ != directory) {
+    const std::string file = directory + std::string(kCatalogueFile);
+    catalogue_ = std::make_unique<Catalogue>(Catalogue::read(file, directory));
+    catalogueDirectory_ = directory;
+  }
+  return *catalogue_;
+}
+
+}  // namespace lomu

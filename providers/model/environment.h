@@ -1,0 +1,51 @@
+// The solver environment of a model: options, log, the request to terminate, and the catalogue that
+// fresh runs take their solver from.
+#ifndef ZTB_PROVIDERS_MODEL_ENVIRONMENT_H_
+#define ZTB_PROVIDERS_MODEL_ENVIRONMENT_H_
+
+#include <atomic>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "providers/model/catalogue.h"
+#include "providers/model/options.h"
+#include "providers/model/solver_api.h"
+
+namespace lomu {
+
+// The name of the catalogue file in the system directory.
+inline constexpr std::string_view kCatalogueFile = "vltcmpNT.txt";
+
+class Environment {
+ public:
+  // The system directory is where this library stands until the option is set.
+  Environment();
+
+  Options& options() { return options_; }
+
+  // One line to the log file and the screen, as the options say. A log file that cannot be written
+  // is passed over: a solve does not fail for its log.
+  void log(std::string_view text) const;
+
+  // May be called from a signal handler.
+  void terminate() { terminated_.store(true); }
+  void clearTerminate() { terminated_.store(false); }
+
+  // The limits of the options, with the request to terminate.
+  [[nodiscard]] SolverLimits limits();
+
+  // The catalogue in the system directory, read again when that option was changed. Throws
+  // ModelError.
+  const Catalogue& catalogue();
+
+ private:
+  Options options_;
+  std::atomic<bool> terminated_{false};
+  std::string catalogueDirectory_;
+  std::unique_ptr<Catalogue> catalogue_;
+};
+
+}  // namespace lomu
+
+#endif  // ZTB_PROVIDERS_MODEL_ENVIRONMENT_H_

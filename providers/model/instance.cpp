@@ -1,0 +1,305 @@
+#include "providers/model/instance.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace lomu {
+
+namespace {
+
+constexpr double kFeasibilityTolerance = 1e-6;
+
+// The bounds of a row of `type` around `rhs`.
+double rowLower(RowType type, double rhs, double range) {
+  switch (type) {
+    case RowType::equal:
+    case RowType::greaterOrEqual:
+      return rhs;
+    case RowType::lessOrEqual:
+      return range > 0 ? rhs - range : -kInfinity;
+    default:
+      return -kInfinity;
+  }
+}
+
+double rowUpper(RowType type, double rhs, double range) {
+  switch (type) {
+    case RowType::equal:
+    case RowType::lessOrEqual:
+      return rhs;
+    case RowType::greaterOrEqual:
+      return range > 0 ? rhs + range : kInfinity;
+    default:
+      return kInfinity;
+  }
+}
+
+bool outside(double value, double low, double high) {
+  const double room = kFeasibilityTolerance * std::max(1.0, std::abs(value));
+  return value < low - room || value > high + room;
+}
+
+struct Statuses {
+  int model;
+  int solve;
+};
+
+Statuses statusesOf(const SolverResult& result) {
+  constexpr int kFeasible = 6;
+  constexpr int kNone = 13;
+  const int limited = result.hasPoint ? kFeasible : kNone;
+  switch (result.outcome) {
+    case Outcome::optimal:
+      return {1, 1};
+    case Outcome::locallyOptimal:
+      return {2, 1};
+    case Outcome::unbounded:
+      return {3, 1};
+    case Outcome::infeasible:
+      return {4, 1};
+    case Outcome::iterationLimit:
+      return {limited, 2};
+    case Outcome::timeLimit:
+      return {limited, 3};
+    case Outcome::terminated:
+      return {limited, 4};
+    default:
+      return {kNone, 13};
+  }
+}
+
+}  // namespace
+
+Instance::Instance(const ModelData& data)
+    : maximize_(data.maximize),
+      columns_(data.columns.size()),
+      rows_(data.rows.size()),
+      matrix_(data),
+      linearized_(matrix_.value),
+      products_(data.products) {
+  for (const ColumnData& c : data.columns) {
+    kinds_.push_back(c.kind);
+    isInteger_.push_back(c.kind == ColumnKind::continuous ? 0 : 1);
+    hasIntegers_ = hasIntegers_ || c.kind != ColumnKind::continuous;
+    lower_.push_back(c.lower);
+    upper_.push_back(c.upper);
+  }
+  alternativeLower_ = lower_;
+  alternativeUpper_ = upper_;
+  for (int j = 0; j < columnCount(); ++j) columns_[at(j)].level = levelWithin(j);
+
+  for (const RowData& r : data.rows) {
+    rowTypes_.push_back(r.type);
+    rhs_.push_back(r.rhs);
+    range_.push_back(r.range);
+  }
+  rhs_[0] = -data.objectiveConstant;
+  alternativeRhsOf_ = rhs_;
+
+  // A solver sees the constraint rows alone, so the objective's entries are left out of its matrix.
+  solverStart_.push_back(0);
+  for (std::size_t j = 0; j < columns_.size(); ++j) {
+    for (std::size_t e = matrix_.start[j]; e < matrix_.start[j + 1]; ++e) {
+      if (matrix_.rowOf[e] == 0) continue;
+      solverRowOf_.push_back(matrix_.rowOf[e] - 1);
+      solverEntryOf_.push_back(e);
+    }
+    solverStart_.push_back(static_cast<int>(solverRowOf_.size()));
+  }
+  solverValue_.resize(solverEntryOf_.size());
+  for (const Product& p : products_) {
+    const double sign = p.row == 0 && maximize_ ? -1 : 1;
+    solverProducts_.push_back({p.row - 1, p.column1, p.column2, sign * p.value});
+  }
+}
+
+ModelType Instance::type() const {
+  const bool linear =
+      forcedLinear_ || std::all_of(products_.begin(), products_.end(), [&](const Product& p) {
+        return standsStill(p.column1) || standsStill(p.column2);
+      });
+  if (linear) return hasIntegers_ ? ModelType::mixedInteger : ModelType::linear;
+  return hasIntegers_ ? ModelType::mixedIntegerQuadratic : ModelType::quadratic;
+}
+
+const std::vector<double>& Instance::lowers() const {
+  return alternativeBounds_ ? alternativeLower_ : lower_;
+}
+
+const std::vector<double>& Instance::uppers() const {
+  return alternativeBounds_ ? alternativeUpper_ : upper_;
+}
+
+bool Instance::standsStill(int j) const {
+  return lowers()[at(j)] == uppers()[at(j)];
+}
+
+// Not std::clamp: a caller's bounds may cross.
+double Instance::levelWithin(int j) const {
+  return std::max(lowers()[at(j)], std::min(uppers()[at(j)], columns_[at(j)].level));
+}
+
+double Instance::outer(double value) const {
+  if (value == kInfinity) return plusInfinity_;
+  if (value == -kInfinity) return minusInfinity_;
+  return value;
+}
+
+double Instance::inner(double value) const {
+  if (value >= plusInfinity_) return kInfinity;
+  if (value <= minusInfinity_) return -kInfinity;
+  return value;
+}
+
+double Instance::lower(int j) const {
+  return outer(lowers()[at(j)]);
+}
+
+double Instance::upper(int j) const {
+  return outer(uppers()[at(j)]);
+}
+
+double Instance::rhs(int i) const {
+  return outer((alternativeRhs_ ? alternativeRhsOf_ : rhs_)[at(i)]);
+}
+
+bool Instance::linearize(double* offset, bool update) {
+  std::fill(offset, offset + rowCount(), 0.0);
+  if (update) linearized_ = matrix_.value;
+  for (const Product& p : products_) {
+    const double level1 = levelWithin(p.column1);
+    const double level2 = levelWithin(p.column2);
+    offset[p.row] -= p.value * level1 * level2;
+    if (!update) continue;
+    linearized_[matrix_.entry(p.row, p.column1)] += p.value * level2;
+    linearized_[matrix_.entry(p.row, p.column2)] += p.value * level1;
+  }
+  return std::all_of(offset, offset + rowCount(), [](double v) { return std::isfinite(v); });
+}
+
+void* Instance::storeView() {
+  views_.push_back(std::make_unique<View>(
+      View{alternativeBounds_, alternativeRhs_, forcedLinear_, plusInfinity_, minusInfinity_}));
+  return views_.back().get();
+}
+
+void Instance::restoreView(void* view) {
+  const auto found = std::find_if(views_.begin(), views_.end(),
+                                  [&](const auto& kept) { return kept.get() == view; });
+  if (found == views_.end()) return;
+  alternativeBounds_ = (*found)->alternativeBounds;
+  alternativeRhs_ = (*found)->alternativeRhs;
+  forcedLinear_ = (*found)->forcedLinear;
+  plusInfinity_ = (*found)->plusInfinity;
+  minusInfinity_ = (*found)->minusInfinity;
+  views_.erase(found);
+}
+
+const SolverProblem& Instance::solverProblem() {
+  const std::vector<double>& values = forcedLinear_ ? linearized_ : matrix_.value;
+  solverCost_.assign(columns_.size(), 0.0);
+  for (std::size_t j = 0; j < columns_.size(); ++j) {
+    const std::size_t first = matrix_.start[j];
+    const bool hasCost = first < matrix_.start[j + 1] && matrix_.rowOf[first] == 0;
+    if (hasCost) solverCost_[j] = maximize_ ? -values[first] : values[first];
+  }
+  std::transform(solverEntryOf_.begin(), solverEntryOf_.end(), solverValue_.begin(),
+                 [&](std::size_t e) { return values[e]; });
+
+  const std::vector<double>& sides = alternativeRhs_ ? alternativeRhsOf_ : rhs_;
+  solverRowLower_.resize(rows_.size() - 1);
+  solverRowUpper_.resize(rows_.size() - 1);
+  for (std::size_t i = 1; i < rows_.size(); ++i) {
+    solverRowLower_[i - 1] = rowLower(rowTypes_[i], sides[i], range_[i]);
+    solverRowUpper_[i - 1] = rowUpper(rowTypes_[i], sides[i], range_[i]);
+  }
+  solverLevel_.resize(columns_.size());
+  std::transform(columns_.begin(), columns_.end(), solverLevel_.begin(),
+                 [](const SolutionRecord& r) { return r.level; });
+
+  static const std::vector<SolverProduct> kNone;
+  problem_.columnCount = columnCount();
+  problem_.rowCount = rowCount() - 1;
+  problem_.cost = solverCost_.data();
+  problem_.lower = lowers().data();
+  problem_.upper = uppers().data();
+  problem_.isInteger = isInteger_.data();
+  problem_.hasIntegers = hasIntegers_;
+  problem_.rowLower = solverRowLower_.data();
+  problem_.rowUpper = solverRowUpper_.data();
+  problem_.start = solverStart_.data();
+  problem_.rowOf = solverRowOf_.data();
+  problem_.value = solverValue_.data();
+  problem_.products = forcedLinear_ ? &kNone : &solverProducts_;
+  problem_.level = solverLevel_.data();
+  return problem_;
+}
+
+void Instance::takeResult(const SolverResult& result) {
+  const Statuses statuses = statusesOf(result);
+  modelStatus_ = statuses.model;
+  solveStatus_ = statuses.solve;
+  iterations_ = result.iterations;
+  if (!result.hasPoint) return;
+
+  for (int j = 0; j < columnCount(); ++j) {
+    SolutionRecord& record = columns_[at(j)];
+    record.level = result.level[at(j)];
+    record.status = static_cast<int>(result.position[at(j)]);
+    record.condition = outside(record.level, lowers()[at(j)], uppers()[at(j)]) ? 2 : 0;
+  }
+
+  // Levels of rows and marginals of columns come from the model itself, products included, so that
+  // every solver leaves the same for the same point.
+  for (SolutionRecord& record : rows_) record.level = 0;
+  for (std::size_t j = 0; j < columns_.size(); ++j) {
+    for (std::size_t e = matrix_.start[j]; e < matrix_.start[j + 1]; ++e) {
+      rows_[at(matrix_.rowOf[e])].level += matrix_.value[e] * columns_[j].level;
+    }
+  }
+  for (const Product& p : products_) {
+    rows_[at(p.row)].level +=
+        p.value * columns_[at(p.column1)].level * columns_[at(p.column2)].level;
+  }
+  rows_[0].level -= rhs_[0];
+  rows_[0].marginal = 0;
+  rows_[0].status = static_cast<int>(Position::basic);
+  rows_[0].condition = 0;
+
+  std::vector<double> rowMarginal(rows_.size(), 0.0);
+  takeMarginals(result, rowMarginal);
+  for (std::size_t i = 1; i < rows_.size(); ++i) {
+    SolutionRecord& record = rows_[i];
+    record.marginal = rowMarginal[i];
+    record.status = static_cast<int>(result.rowPosition[i - 1]);
+    const double low = rowLower(rowTypes_[i], rhs_[i], range_[i]);
+    const double high = rowUpper(rowTypes_[i], rhs_[i], range_[i]);
+    record.condition = outside(record.level, low, high) ? 2 : 0;
+  }
+}
+
+// The marginal of a column is the gradient of the objective less the rows' gradients times their
+// marginals.
+void Instance::takeMarginals(const SolverResult& result, std::vector<double>& rowMarginal) {
+  const double sign = maximize_ ? -1 : 1;
+  for (std::size_t i = 1; i < rows_.size(); ++i) rowMarginal[i] = sign * result.rowMarginal[i - 1];
+  // With the objective counted as a row of weight -1, one sum serves.
+  rowMarginal[0] = -1;
+  for (std::size_t j = 0; j < columns_.size(); ++j) {
+    double sum = 0;
+    for (std::size_t e = matrix_.start[j]; e < matrix_.start[j + 1]; ++e) {
+      sum -= rowMarginal[at(matrix_.rowOf[e])] * matrix_.value[e];
+    }
+    columns_[j].marginal = sum;
+  }
+  for (const Product& p : products_) {
+    const double weight = rowMarginal[at(p.row)] * p.value;
+    columns_[at(p.column1)].marginal -= weight * columns_[at(p.column2)].level;
+    columns_[at(p.column2)].marginal -= weight * columns_[at(p.column1)].level;
+  }
+  for (std::size_t j = 0; j < columns_.size(); ++j) {
+    if (result.position[j] == Position::basic) columns_[j].marginal = 0;
+  }
+}
+
+}  // namespace lomu

@@ -1,0 +1,145 @@
+// A model instance: what a database changes between solves and a solver reads and writes.
+//
+// Rows and columns count from 0; row 0 is the objective, which constrains nothing. A column has a
+// level, a marginal, two statuses, its own bounds and alternative ones; a row has a right-hand side
+// and an alternative one. Three switches say which of them readers and solvers see: alternative
+// bounds, alternative right-hand side, and forced linearity, under which products of columns are
+// replaced by their gradient at the last linearize(). Own bounds and right-hand sides never change.
+//
+// The level of the objective row is the objective's value, constant included. Marginals are the
+// change of the objective, as the model states it, per unit of right-hand side or of a bound.
+// Infinite values pass out as what setInfinities was given, and come in as them or anything beyond.
+#ifndef ZTB_PROVIDERS_MODEL_INSTANCE_H_
+#define ZTB_PROVIDERS_MODEL_INSTANCE_H_
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "providers/model/model_data.h"
+#include "providers/model/solver_api.h"
+#include "providers/model/sparse_matrix.h"
+
+namespace lomu {
+
+// The model types. The first three are linear: products, if any, have a factor that stands still.
+enum class ModelType {
+  linear = 1,
+  mixedInteger = 2,
+  relaxedMixedInteger = 3,
+  quadratic = 4,
+  mixedIntegerQuadratic = 5
+};
+
+struct SolutionRecord {
+  double level = 0;
+  double marginal = 0;
+  int status = static_cast<int>(Position::basic);
+  int condition = 0;  // 0 within bounds, 2 outside of them by more than the tolerance
+};
+
+class Instance {
+ public:
+  // REQUIRES: the rows and columns that terms and products name exist.
+  explicit Instance(const ModelData& data);
+
+  [[nodiscard]] int columnCount() const { return static_cast<int>(columns_.size()); }
+  [[nodiscard]] int rowCount() const { return static_cast<int>(rows_.size()); }
+  [[nodiscard]] bool hasColumn(int j) const { return j >= 0 && j < columnCount(); }
+  [[nodiscard]] bool hasRow(int i) const { return i >= 0 && i < rowCount(); }
+  // A forced-linear model, or one whose products all have a factor with equal bounds, is linear.
+  [[nodiscard]] ModelType type() const;
+
+  void setPlusInfinity(double value) { plusInfinity_ = value; }
+  void setMinusInfinity(double value) { minusInfinity_ = value; }
+  void useAlternativeBounds(bool on) { alternativeBounds_ = on; }
+  void useAlternativeRhs(bool on) { alternativeRhs_ = on; }
+  void forceLinear(bool on) { forcedLinear_ = on; }
+
+  // Records of columns and rows; REQUIRES hasColumn or hasRow for the functions below.
+  SolutionRecord& column(int j) { return columns_[at(j)]; }
+  SolutionRecord& row(int i) { return rows_[at(i)]; }
+  [[nodiscard]] double lower(int j) const;
+  [[nodiscard]] double upper(int j) const;
+  void setAlternativeLower(int j, double value) { alternativeLower_[at(j)] = inner(value); }
+  void setAlternativeUpper(int j, double value) { alternativeUpper_[at(j)] = inner(value); }
+  [[nodiscard]] RowType rowType(int i) const { return rowTypes_[at(i)]; }
+  // The right-hand side; the objective's is its constant with the sign turned.
+  [[nodiscard]] double rhs(int i) const;
+  void setAlternativeRhs(int i, double value) { alternativeRhsOf_[at(i)] = inner(value); }
+
+  // Evaluates the products at the present levels, taken into their bounds. `offset[i]` becomes what
+  // the linear form of row i has to be shifted by: row = linear form + offset. With `update` the
+  // gradients go into the matrix that a forced-linear solve uses. False when a value is not finite.
+  bool linearize(double* offset, bool update);
+
+  // The state of the switches and infinities, kept until it is restored or the instance ends.
+  void* storeView();
+  void restoreView(void* view);
+
+  void setModelStatus(int status) { modelStatus_ = status; }
+  void setSolveStatus(int status) { solveStatus_ = status; }
+  [[nodiscard]] int modelStatus() const { return modelStatus_; }
+  [[nodiscard]] int solveStatus() const { return solveStatus_; }
+  [[nodiscard]] double iterations() const { return iterations_; }
+
+  // What a solver is given, by the present switches; valid until the instance changes.
+  const SolverProblem& solverProblem();
+  // Takes over what a solver left. Without a point, levels and marginals stay as they were.
+  void takeResult(const SolverResult& result);
+
+ private:
+  struct View {
+    bool alternativeBounds;
+    bool alternativeRhs;
+    bool forcedLinear;
+    double plusInfinity;
+    double minusInfinity;
+  };
+
+  static std::size_t at(int i) { return static_cast<std::size_t>(i); }
+  [[nodiscard]] double outer(double value) const;
+  [[nodiscard]] double inner(double value) const;
+  [[nodiscard]] const std::vector<double>& lowers() const;
+  [[nodiscard]] const std::vector<double>& uppers() const;
+  [[nodiscard]] bool standsStill(int j) const;
+  [[nodiscard]] double levelWithin(int j) const;
+  void takeMarginals(const SolverResult& result, std::vector<double>& rowMarginal);
+
+  bool maximize_;
+  std::vector<SolutionRecord> columns_;
+  std::vector<SolutionRecord> rows_;
+  std::vector<ColumnKind> kinds_;
+  std::vector<char> isInteger_;
+  bool hasIntegers_ = false;
+  std::vector<double> lower_, upper_;
+  std::vector<double> alternativeLower_, alternativeUpper_;
+  std::vector<RowType> rowTypes_;
+  std::vector<double> rhs_, alternativeRhsOf_, range_;
+
+  SparseMatrix matrix_;             // the linear terms, and a zero wherever a gradient may come
+  std::vector<double> linearized_;  // the values of matrix_ with the gradients in
+  std::vector<Product> products_;
+
+  double plusInfinity_ = kInfinity;
+  double minusInfinity_ = -kInfinity;
+  bool alternativeBounds_ = false;
+  bool alternativeRhs_ = false;
+  bool forcedLinear_ = false;
+  std::vector<std::unique_ptr<View>> views_;
+
+  int modelStatus_ = 13;
+  int solveStatus_ = 13;
+  double iterations_ = 0;
+
+  // What solverProblem() points to.
+  SolverProblem problem_;
+  std::vector<double> solverCost_, solverRowLower_, solverRowUpper_, solverValue_, solverLevel_;
+  std::vector<int> solverStart_, solverRowOf_;
+  std::vector<std::size_t> solverEntryOf_;  // the entry of matrix_ behind each solver entry
+  std::vector<SolverProduct> solverProducts_;
+};
+
+}  // namespace lomu
+
+#endif  // ZTB_PROVIDERS_MODEL_INSTANCE_H_

@@ -1,0 +1,62 @@
+#include "providers/model/live_solver.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+
+#include "providers/model/model_error.h"
+#include "providers/model/solver_library.h"
+#include "providers/model/status_texts.h"
+
+namespace lomu {
+
+LiveSolver::LiveSolver(const CatalogueRow& row)
+    : row_(row), solver_(SolverLibrary::makeSolver(row.library)) {}
+
+bool LiveSolver::takes(const Instance& instance) const {
+  const std::string_view kind = kindOf(instance.type());
+  return std::find(row_.kinds.begin(), row_.kinds.end(), kind) != row_.kinds.end();
+}
+
+void LiveSolver::load(Model& model) {
+  if (!takes(model.instance)) {
+    std::string kinds;
+    for (const std::string& kind : row_.kinds) kinds += (kinds.empty() ? "" : ", ") + kind;
+    throw ModelError("solver \"" + row_.name + "\" solves " + kinds + "; the model is " +
+                     std::string(kindOf(model.instance.type())));
+  }
+  std::string reason;
+  if (!solver_->load(model.instance.solverProblem(), reason)) {
+    throw ModelError("solver \"" + row_.name + "\" refused the model: " + reason);
+  }
+  model_ = &model;
+}
+
+bool LiveSolver::update() {
+  return model_ != nullptr && takes(model_->instance) &&
+         solver_->update(model_->instance.solverProblem());
+}
+
+void LiveSolver::solve(const SolverLimits& limits) {
+  Instance& instance = model_->instance;
+  SolverResult result;
+  const auto columns = static_cast<std::size_t>(instance.columnCount());
+  const auto rows = static_cast<std::size_t>(instance.rowCount()) - 1;
+  result.level.resize(columns);
+  result.position.resize(columns, Position::basic);
+  result.rowMarginal.resize(rows);
+  result.rowPosition.resize(rows, Position::basic);
+  solver_->solve(limits, result);
+  instance.takeResult(result);
+
+  std::array<char, 160> line{};
+  std::snprintf(line.data(), line.size(), "%.40s: %s, %s, objective %.15g, %.0f iterations",
+                row_.name.c_str(), modelStatusText(instance.modelStatus()),
+                solveStatusText(instance.solveStatus()), instance.row(0).level, result.iterations);
+  model_->environment->log(line.data());
+  if (result.outcome == Outcome::failed) {
+    throw ModelError("solver \"" + row_.name + "\" failed: " + result.reason);
+  }
+}
+
+}  // namespace lomu

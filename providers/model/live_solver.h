@@ -1,0 +1,38 @@
+// A solver at work on a model: made from a row of the catalogue, handed the model once, then told
+// of its changes before every further solve.
+#ifndef ZTB_PROVIDERS_MODEL_LIVE_SOLVER_H_
+#define ZTB_PROVIDERS_MODEL_LIVE_SOLVER_H_
+
+#include <memory>
+#include <string>
+
+#include "providers/model/catalogue.h"
+#include "providers/model/model.h"
+#include "providers/model/solver_api.h"
+
+namespace lomu {
+
+class LiveSolver {
+ public:
+  // Opens the solver's library. Throws ModelError.
+  explicit LiveSolver(const CatalogueRow& row);
+
+  // Hands the model over. Throws ModelError when the solver does not take it.
+  void load(Model& model);
+  // Takes over the present state of the loaded model; false when the solver cannot.
+  bool update();
+  // Solves and leaves statuses and solution in the model. Throws ModelError with the solver's
+  // reason when it gave up. REQUIRES load.
+  void solve(const SolverLimits& limits);
+
+ private:
+  [[nodiscard]] bool takes(const Instance& instance) const;
+
+  CatalogueRow row_;
+  std::unique_ptr<Solver> solver_;
+  Model* model_ = nullptr;
+};
+
+}  // namespace lomu
+
+#endif  // ZTB_PROVIDERS_MODEL_LIVE_SOLVER_H_

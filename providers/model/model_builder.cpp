@@ -1,0 +1,131 @@
+#include "providers/model/model_builder.h"
+
+#include <cmath>
+#include <limits>
+#include <utility>
+
+#include "providers/model/model_error.h"
+
+namespace lomu {
+
+namespace {
+
+constexpr std::size_t kMaxCount = std::numeric_limits<int>::max();
+
+std::string checkedName(const char* name, const std::string& what) {
+  if (name == nullptr || *name == '\0') throw ModelError(what + " needs a name");
+  return name;
+}
+
+void checkFinite(double value, const std::string& what) {
+  if (!std::isfinite(value)) throw ModelError(what + " has to be a finite number");
+}
+
+void checkBounds(const std::string& name, double lower, double upper) {
+  if (std::isnan(lower) || std::isnan(upper) || lower == kInfinity || upper == -kInfinity) {
+    throw ModelError("column \"" + name + "\": a bound is no number, or no point is within bounds");
+  }
+}
+
+std::string inRange(const std::string& what, int number, std::size_t count) {
+  return "there is no " + what + " " + std::to_string(number) + ", the model has " +
+         std::to_string(count);
+}
+
+}  // namespace
+
+ModelBuilder::ModelBuilder(ModelData data) : data_(std::move(data)) {
+  for (const ColumnData& column : data_.columns) {
+    if (!columnNames_.insert(column.name).second) {
+      throw ModelError("column \"" + column.name + "\" stands twice");
+    }
+  }
+  for (const RowData& row : data_.rows) {
+    if (!rowNames_.insert(row.name).second)
+      throw ModelError("row \"" + row.name + "\" stands twice");
+  }
+}
+
+void ModelBuilder::setObjective(const char* name, bool maximize, double constant) {
+  const std::string wanted = checkedName(name, "the objective");
+  checkFinite(constant, "the objective's constant");
+  std::string& present = data_.rows.front().name;
+  rowNames_.insert(present);
+  if (wanted != present && !rowNames_.insert(wanted).second) {
+    throw ModelError("row \"" + wanted + "\" stands twice");
+  }
+  if (wanted != present) rowNames_.erase(present);
+  present = wanted;
+  data_.maximize = maximize;
+  data_.objectiveConstant = constant;
+}
+
+int ModelBuilder::addColumn(const char* name, int kind, double lower, double upper) {
+  ColumnData column{checkedName(name, "a column"), ColumnKind::continuous, lower, upper};
+  if (kind < 0 || kind > static_cast<int>(ColumnKind::binary)) {
+    throw ModelError("column \"" + column.name + "\": the kind is 0, 1 or 2, not " +
+                     std::to_string(kind));
+  }
+  column.kind = static_cast<ColumnKind>(kind);
+  checkBounds(column.name, lower, upper);
+  if (data_.columns.size() >= kMaxCount)
+    throw ModelError("the model has as many columns as it can");
+  if (!columnNames_.insert(column.name).second) {
+    throw ModelError("column \"" + column.name + "\" stands twice");
+  }
+  data_.columns.push_back(std::move(column));
+  return static_cast<int>(data_.columns.size()) - 1;
+}
+
+int ModelBuilder::addRow(const char* name, int type, double rhs, double range) {
+  RowData row{checkedName(name, "a row"), RowType::free, rhs, range};
+  if (type < 0 || type > static_cast<int>(RowType::free)) {
+    throw ModelError("row \"" + row.name + "\": the type is 0, 1, 2 or 3, not " +
+                     std::to_string(type));
+  }
+  row.type = static_cast<RowType>(type);
+  checkFinite(rhs, "the right-hand side of row \"" + row.name + "\"");
+  const bool ranged = row.type == RowType::greaterOrEqual || row.type == RowType::lessOrEqual;
+  if (!std::isfinite(range) || range < 0 || (range > 0 && !ranged)) {
+    throw ModelError("row \"" + row.name +
+                     "\": a range is 0, or above 0 for a >= or <= row, and finite");
+  }
+  if (data_.rows.size() >= kMaxCount) throw ModelError("the model has as many rows as it can");
+  rowNames_.insert(data_.rows.front().name);
+  if (!rowNames_.insert(row.name).second) throw ModelError("row \"" + row.name + "\" stands twice");
+  data_.rows.push_back(std::move(row));
+  return static_cast<int>(data_.rows.size()) - 1;
+}
+
+void ModelBuilder::addTerm(int row, int column, double value) {
+  checkRow(row);
+  checkColumn(column);
+  checkFinite(value, "a coefficient");
+  if (data_.terms.size() >= kMaxCount) throw ModelError("the model has as many terms as it can");
+  data_.terms.push_back({row, column, value});
+}
+
+void ModelBuilder::addProduct(int row, int column1, int column2, double value) {
+  checkRow(row);
+  checkColumn(column1);
+  checkColumn(column2);
+  checkFinite(value, "a coefficient");
+  if (data_.products.size() >= kMaxCount / 2) {
+    throw ModelError("the model has as many products as it can");
+  }
+  data_.products.push_back({row, column1, column2, value});
+}
+
+void ModelBuilder::checkRow(int row) const {
+  if (row < 0 || static_cast<std::size_t>(row) >= data_.rows.size()) {
+    throw ModelError(inRange("row", row, data_.rows.size()));
+  }
+}
+
+void ModelBuilder::checkColumn(int column) const {
+  if (column < 0 || static_cast<std::size_t>(column) >= data_.columns.size()) {
+    throw ModelError(inRange("column", column, data_.columns.size()));
+  }
+}
+
+}  // namespace lomu

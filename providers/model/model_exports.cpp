@@ -1,0 +1,223 @@
+// The C functions of ztb/model.h. No exception passes them.
+
+#include <ztb/model.h>
+
+#include <exception>
+#include <memory>
+#include <new>
+#include <string>
+
+#include "providers/model/fixed_text.h"
+#include "providers/model/model.h"
+#include "providers/model/model_builder.h"
+#include "providers/model/model_error.h"
+#include "providers/model/model_file.h"
+#include "providers/model/status_texts.h"
+
+#define MODEL_EXPORT extern "C" [[gnu::visibility("default")]]
+
+using lomu::copyText;
+using lomu::Environment;
+using lomu::Model;
+using lomu::ModelBuilder;
+using lomu::ModelError;
+
+struct ztbModelRec {
+  ModelBuilder builder;
+  std::shared_ptr<Environment> environment = std::make_shared<Environment>();
+  std::unique_ptr<Model> model;  // once it is built
+  std::string message;
+};
+
+namespace {
+
+// Runs `body` and hands the text of what it throws to `refused`; true when it threw nothing.
+template <typename Body, typename Refused>
+bool attempt(const Body& body, const Refused& refused) noexcept {
+  try {
+    body();
+    return true;
+  } catch (const std::bad_alloc&) {
+    refused("out of memory");
+  } catch (const std::exception& error) {
+    refused(error.what());
+  }
+  return false;
+}
+
+// The same for a model that exists, the text going into its message.
+template <typename Body>
+bool change(ztbModel* model, const Body& body) noexcept {
+  if (model == nullptr) return false;
+  return attempt(body, [&](const char* text) {
+    try {
+      model->message = text;
+    } catch (const std::bad_alloc&) {
+      model->message.clear();
+    }
+  });
+}
+
+void requireOpen(const ztbModel& model) {
+  if (model.model != nullptr) throw ModelError("the model is in use and cannot be built further");
+}
+
+// A number that `add` gives, -1 when it throws.
+template <typename Add>
+int added(ztbModel* model, const Add& add) noexcept {
+  int number = -1;
+  change(model, [&] {
+    requireOpen(*model);
+    number = add(model->builder);
+  });
+  return number;
+}
+
+template <typename Body>
+int built(ztbModel* model, const Body& body) noexcept {
+  return change(model, [&] {
+    requireOpen(*model);
+    body(model->builder);
+  });
+}
+
+int make(ztbModel** model, const std::string& file, const std::string& dataFile, char* message,
+         int messageSize) noexcept {
+  copyText("", message, messageSize);
+  return attempt(
+      [&] {
+        if (model == nullptr) throw ModelError("there is no place for the model");
+        *model = nullptr;
+        auto made = std::make_unique<ztbModelRec>();
+        if (!file.empty()) made->builder = ModelBuilder(lomu::readModelFile(file, dataFile));
+        *model = made.release();
+      },
+      [&](const char* text) { copyText(text, message, messageSize); });
+}
+
+}  // namespace
+
+MODEL_EXPORT int ztbModelOpen(ztbModel** model, const char* file, const char* dataFile,
+                              char* message, int messageSize) {
+  if (model != nullptr) *model = nullptr;
+  if (file == nullptr || *file == '\0') {
+    copyText("no model file was named", message, messageSize);
+    return 0;
+  }
+  return make(model, file, dataFile == nullptr ? "" : dataFile, message, messageSize);
+}
+
+MODEL_EXPORT int ztbModelCreate(ztbModel** model, char* message, int messageSize) {
+  return make(model, "", "", message, messageSize);
+}
+
+MODEL_EXPORT void ztbModelFree(ztbModel** model) {
+  if (model == nullptr) return;
+  delete *model;
+  *model = nullptr;
+}
+
+MODEL_EXPORT int ztbModelSetObjective(ztbModel* model, const char* name, int maximize,
+                                      double constant) {
+  return built(model, [&](ModelBuilder& b) { b.setObjective(name, maximize != 0, constant); });
+}
+
+MODEL_EXPORT int ztbModelAddColumn(ztbModel* model, const char* name, int kind, double lower,
+                                   double upper) {
+  return added(model, [&](ModelBuilder& b) { return b.addColumn(name, kind, lower, upper); });
+}
+
+MODEL_EXPORT int ztbModelAddRow(ztbModel* model, const char* name, int type, double rhs,
+                                double range) {
+  return added(model, [&](ModelBuilder& b) { return b.addRow(name, type, rhs, range); });
+}
+
+MODEL_EXPORT int ztbModelAddTerm(ztbModel* model, int row, int column, double value) {
+  return built(model, [&](ModelBuilder& b) { b.addTerm(row, column, value); });
+}
+
+MODEL_EXPORT int ztbModelAddProduct(ztbModel* model, int row, int column1, int column2,
+                                    double value) {
+  return built(model, [&](ModelBuilder& b) { b.addProduct(row, column1, column2, value); });
+}
+
+MODEL_EXPORT void* ztbModelPbi(ztbModel* model) {
+  change(model, [&] {
+    if (model->model != nullptr) return;
+    model->model = std::make_unique<Model>(model->builder.data(), model->environment);
+    model->builder = ModelBuilder();
+  });
+  return model == nullptr ? nullptr : model->model.get();
+}
+
+MODEL_EXPORT int ztbModelSetOption(ztbModel* model, const char* name, const char* value) {
+  return change(model, [&] {
+    if (name == nullptr || value == nullptr) throw ModelError("an option needs a name and a value");
+    model->environment->options().set(name, value);
+  });
+}
+
+MODEL_EXPORT int ztbModelGetOption(ztbModel* model, const char* name, char* value, int size) {
+  return change(model, [&] {
+    if (name == nullptr) throw ModelError("an option needs a name");
+    copyText(model->environment->options().get(name), value, size);
+  });
+}
+
+MODEL_EXPORT int ztbModelStatus(ztbModel* model) {
+  const bool inUse = model != nullptr && model->model != nullptr;
+  return inUse ? model->model->instance.modelStatus() : int{ztbModelNoSolution};
+}
+
+MODEL_EXPORT int ztbModelSolveStatus(ztbModel* model) {
+  const bool inUse = model != nullptr && model->model != nullptr;
+  return inUse ? model->model->instance.solveStatus() : int{ztbSolveFailed};
+}
+
+MODEL_EXPORT double ztbModelObjective(ztbModel* model) {
+  const bool inUse = model != nullptr && model->model != nullptr;
+  return inUse ? model->model->instance.row(0).level : 0;
+}
+
+MODEL_EXPORT double ztbModelIterations(ztbModel* model) {
+  const bool inUse = model != nullptr && model->model != nullptr;
+  return inUse ? model->model->instance.iterations() : 0;
+}
+
+MODEL_EXPORT const char* ztbModelStatusText(int status) {
+  return lomu::modelStatusText(status);
+}
+
+MODEL_EXPORT const char* ztbModelSolveStatusText(int status) {
+  return lomu::solveStatusText(status);
+}
+
+MODEL_EXPORT void ztbModelTerminate(ztbModel* model) {
+  if (model != nullptr) model->environment->terminate();
+}
+
+MODEL_EXPORT const char* ztbModelMessage(ztbModel* model) {
+  if (model == nullptr) return "";
+  const bool inUse = model->model != nullptr && !model->model->message.empty();
+  return inUse ? model->model->message.c_str() : model->message.c_str();
+}
+
+MODEL_EXPORT int ztbModelNoteCount(ztbModel* model) {
+  const bool inUse = model != nullptr && model->model != nullptr;
+  return inUse ? static_cast<int>(model->model->dictionary.notes().size()) : 0;
+}
+
+MODEL_EXPORT const char* ztbModelNote(ztbModel* model, int number) {
+  if (number < 0 || number >= ztbModelNoteCount(model)) return "";
+  return model->model->dictionary.notes()[static_cast<std::size_t>(number)].c_str();
+}
+
+MODEL_EXPORT int ztbCatalogueCheck(const char* file, char* message, int messageSize) {
+  copyText("", message, messageSize);
+  return attempt(
+      [&] {
+        if (file == nullptr) throw ModelError("no catalogue file was named");
+        lomu::Catalogue::read(file, "");
+      },
+      [&](const char* text) { copyText(text, message, messageSize); });
+}

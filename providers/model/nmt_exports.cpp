@@ -1,0 +1,191 @@
+// The exported functions of the name-dictionary library. Its objects are made by the model library;
+// an object made here is an empty dictionary. Numbers out of range give empty texts and zeros.
+
+#include <algorithm>
+#include <array>
+#include <new>
+
+#include "providers/model/dictionary.h"
+#include "providers/model/fixed_text.h"
+#include "providers/model/peer_interface.h"
+
+#define NMT_EXPORT extern "C" [[gnu::visibility("default")]]
+
+namespace {
+
+using lomu::copyText;
+using lomu::Dictionary;
+using lomu::DictionarySymbol;
+
+const lomu::PeerFamily& family() {
+  static const lomu::PeerFamily kFamily{"NMT",
+                                        2,
+                                        {
+                                            {"nmtNUels", {3}},
+                                            {"nmtUelLabel", {3, 3, 19, 17, 3}},
+                                            {"nmtNLSyms", {3}},
+                                            {"nmtSymName", {3, 3, 17, 3}},
+                                            {"nmtSymType", {3, 3}},
+                                            {"nmtSymDim", {3, 3}},
+                                            {"nmtSymText", {3, 3, 19, 17, 3}},
+                                            {"nmtSymUserInfo", {3, 3}},
+                                            {"nmtSymIndex", {3, 11}},
+                                            {"nmtFindFirstRowCol", {1, 3, 51, 4}},
+                                            {"nmtFindNextRowCol", {3, 1, 4}},
+                                            {"nmtFindClose", {0, 1}},
+                                            {"nmtRowUels", {3, 3, 4, 52, 4}},
+                                            {"nmtColUels", {3, 3, 4, 52, 4}},
+                                        }};
+  return kFamily;
+}
+
+constexpr std::size_t kMaxDimension = 20;
+
+const Dictionary& dictionary(void* nmt) {
+  return *static_cast<const Dictionary*>(nmt);
+}
+
+const DictionarySymbol* symbolOf(void* nmt, int i) {
+  const auto& symbols = dictionary(nmt).symbols();
+  if (i < 1 || static_cast<std::size_t>(i) > symbols.size()) return nullptr;
+  return &symbols[static_cast<std::size_t>(i) - 1];
+}
+
+// A walk over the elements of a symbol whose keys match; a key of 0 matches every label.
+struct Search {
+  const Dictionary& dictionary;
+  const DictionarySymbol& symbol;
+  std::array<int, kMaxDimension> wanted;
+  std::size_t next;
+
+  // The next element that matches, -1 behind the last.
+  int step() {
+    for (; next < symbol.elements.size(); ++next) {
+      const int number = symbol.elements[next];
+      if (!matches(number)) continue;
+      ++next;
+      return number;
+    }
+    return -1;
+  }
+
+  [[nodiscard]] bool matches(int number) const {
+    const int* keys = symbol.type == lomu::SymbolType::variable
+                          ? dictionary.columnPlace(number).keys
+                          : dictionary.rowPlace(number).keys;
+    for (int d = 0; d < symbol.dimension; ++d) {
+      const int key = wanted[static_cast<std::size_t>(d)];
+      if (key != 0 && key != keys[d]) return false;
+    }
+    return true;
+  }
+};
+
+int putPlace(void* nmt, Dictionary::Place place, int* symbol, int* keys, int* dim) {
+  *symbol = place.symbol;
+  const DictionarySymbol* found = symbolOf(nmt, place.symbol);
+  *dim = found == nullptr ? 0 : found->dimension;
+  std::copy(place.keys, place.keys + *dim, keys);
+  return found == nullptr ? 0 : 1;
+}
+
+}  // namespace
+
+NMT_EXPORT void nmtXCreate(void** object) {
+  if (object != nullptr) *object = new (std::nothrow) Dictionary;
+}
+
+NMT_EXPORT void CnmtXCreateD(void** object, const char* /*directory*/) {
+  nmtXCreate(object);
+}
+
+// For objects of nmtXCreate; a model's dictionary is freed with the model.
+NMT_EXPORT void nmtXFree(void** object) {
+  if (object == nullptr) return;
+  delete static_cast<Dictionary*>(*object);
+  *object = nullptr;
+}
+
+NMT_EXPORT int CnmtXCheck(const char* operation, int argCount, const int* codes, char* msg) {
+  return lomu::checkOperation(family(), operation, argCount, codes, msg);
+}
+
+NMT_EXPORT int CnmtXAPIVersion(int api, char* msg, int* compatibility) {
+  return lomu::checkVersion(family(), api, msg, compatibility);
+}
+
+NMT_EXPORT int nmtNUels(void* nmt) {
+  return static_cast<int>(dictionary(nmt).labels().size());
+}
+
+NMT_EXPORT int CnmtUelLabel(void* nmt, int i, char* quote, char* buffer, int bufferSize) {
+  const auto& labels = dictionary(nmt).labels();
+  *quote = ' ';
+  const bool exists = i >= 1 && static_cast<std::size_t>(i) <= labels.size();
+  copyText(exists ? labels[static_cast<std::size_t>(i) - 1] : "", buffer, bufferSize);
+  return exists ? 1 : 0;
+}
+
+NMT_EXPORT int nmtNLSyms(void* nmt) {
+  return static_cast<int>(dictionary(nmt).symbols().size());
+}
+
+NMT_EXPORT int CnmtSymName(void* nmt, int i, char* buffer, int bufferSize) {
+  const DictionarySymbol* symbol = symbolOf(nmt, i);
+  copyText(symbol == nullptr ? "" : symbol->name, buffer, bufferSize);
+  return symbol == nullptr ? 0 : 1;
+}
+
+NMT_EXPORT int nmtSymType(void* nmt, int i) {
+  const DictionarySymbol* symbol = symbolOf(nmt, i);
+  return symbol == nullptr ? 0 : static_cast<int>(symbol->type);
+}
+
+NMT_EXPORT int nmtSymDim(void* nmt, int i) {
+  const DictionarySymbol* symbol = symbolOf(nmt, i);
+  return symbol == nullptr ? -1 : symbol->dimension;
+}
+
+NMT_EXPORT int CnmtSymText(void* nmt, int i, char* quote, char* buffer, int bufferSize) {
+  const DictionarySymbol* symbol = symbolOf(nmt, i);
+  *quote = ' ';
+  copyText(symbol == nullptr ? "" : symbol->text, buffer, bufferSize);
+  return symbol == nullptr ? 0 : 1;
+}
+
+NMT_EXPORT int nmtSymUserInfo(void* nmt, int i) {
+  const DictionarySymbol* symbol = symbolOf(nmt, i);
+  return symbol == nullptr ? 0 : symbol->userInfo;
+}
+
+NMT_EXPORT int CnmtSymIndex(void* nmt, const char* name) {
+  return name == nullptr ? 0 : dictionary(nmt).find(name);
+}
+
+NMT_EXPORT void* nmtFindFirstRowCol(void* nmt, int i, const int* keys, int* rc) {
+  *rc = -1;
+  const DictionarySymbol* symbol = symbolOf(nmt, i);
+  if (symbol == nullptr) return nullptr;
+  auto* search = new (std::nothrow) Search{dictionary(nmt), *symbol, {}, 0};
+  if (search == nullptr) return nullptr;
+  std::copy(keys, keys + symbol->dimension, search->wanted.begin());
+  *rc = search->step();
+  return search;
+}
+
+NMT_EXPORT int nmtFindNextRowCol(void* /*nmt*/, void* search, int* rc) {
+  *rc = search == nullptr ? -1 : static_cast<Search*>(search)->step();
+  return *rc >= 0 ? 1 : 0;
+}
+
+NMT_EXPORT void nmtFindClose(void* /*nmt*/, void* search) {
+  delete static_cast<Search*>(search);
+}
+
+NMT_EXPORT int nmtRowUels(void* nmt, int rc, int* symbol, int* keys, int* dim) {
+  return putPlace(nmt, dictionary(nmt).rowPlace(rc), symbol, keys, dim);
+}
+
+NMT_EXPORT int nmtColUels(void* nmt, int rc, int* symbol, int* keys, int* dim) {
+  return putPlace(nmt, dictionary(nmt).columnPlace(rc), symbol, keys, dim);
+}

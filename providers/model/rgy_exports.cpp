@@ -1,0 +1,142 @@
+// The exported functions of the solver catalogue. Its handle is a pointer to a Catalogue, that of a
+// live solver to a LiveSolver. Why a call failed stands in the model's message, and in its log.
+
+#include <exception>
+#include <new>
+#include <string>
+
+#include "providers/model/catalogue.h"
+#include "providers/model/fixed_text.h"
+#include "providers/model/live_solver.h"
+#include "providers/model/model.h"
+#include "providers/model/model_error.h"
+#include "providers/model/peer_interface.h"
+
+#define RGY_EXPORT extern "C" [[gnu::visibility("default")]]
+
+namespace {
+
+using lomu::Catalogue;
+using lomu::copyText;
+using lomu::LiveSolver;
+using lomu::Model;
+
+const lomu::PeerFamily& family() {
+  static const lomu::PeerFamily kFamily{"RGY",
+                                        4,
+                                        {
+                                            {"rgyReadConfigVUC", {3, 11, 11}},
+                                            {"rgyAlgNumber", {3, 11}},
+                                            {"rgyAlgAllowsModifyProblem", {15, 3}},
+                                            {"rgyAlgCreate", {15, 3, 2, 11, 12}},
+                                            {"rgyAlgReadyAPI", {3, 3, 1, 1}},
+                                            {"rgyAlgModifyProblem", {3, 3, 1}},
+                                            {"rgyAlgCallSolver", {3, 3, 1, 1}},
+                                            {"rgyAlgFree", {0, 3, 2}},
+                                        }};
+  return kFamily;
+}
+
+Catalogue& catalogue(void* rgy) {
+  return *static_cast<Catalogue*>(rgy);
+}
+
+// Runs `body`; 0 when it throws nothing, else 1 with the reason in the model's message and log.
+template <typename Body>
+int reported(Model& model, const Body& body) {
+  try {
+    body();
+    model.message.clear();
+    return 0;
+  } catch (const std::exception& error) {
+    model.message = error.what();
+    model.environment->log(error.what());
+    return 1;
+  }
+}
+
+}  // namespace
+
+RGY_EXPORT void rgyXCreate(void** object) {
+  if (object != nullptr) *object = new (std::nothrow) Catalogue;
+}
+
+RGY_EXPORT void rgyXFree(void** object) {
+  if (object == nullptr) return;
+  delete static_cast<Catalogue*>(*object);
+  *object = nullptr;
+}
+
+RGY_EXPORT int CrgyXCheck(const char* operation, int argCount, const int* codes, char* msg) {
+  return lomu::checkOperation(family(), operation, argCount, codes, msg);
+}
+
+RGY_EXPORT int CrgyXAPIVersion(int api, char* msg, int* compatibility) {
+  return lomu::checkVersion(family(), api, msg, compatibility);
+}
+
+// 0 for success. A catalogue that cannot be read leaves the one before in force; ztbCatalogueCheck
+// tells the line and the reason.
+RGY_EXPORT int CrgyReadConfigVUC(void* rgy, const char* fileName, const char* systemDirectory) {
+  try {
+    catalogue(rgy) = Catalogue::read(fileName, systemDirectory == nullptr ? "" : systemDirectory);
+    return 0;
+  } catch (const std::exception&) {
+    return 1;
+  }
+}
+
+// The number of a solver from 1; 0 for one that is unknown or whose library cannot be opened.
+RGY_EXPORT int CrgyAlgNumber(void* rgy, const char* solverName) {
+  return solverName == nullptr ? 0 : catalogue(rgy).number(solverName);
+}
+
+RGY_EXPORT int rgyAlgAllowsModifyProblem(void* rgy, int solver) {
+  const lomu::CatalogueRow* row = catalogue(rgy).row(solver);
+  return row != nullptr && row->inPlace ? 1 : 0;
+}
+
+RGY_EXPORT int CrgyAlgCreate(void* rgy, int solver, void** alg, const char* /*systemDirectory*/,
+                             char* msg) {
+  *alg = nullptr;
+  copyText("", msg);
+  const lomu::CatalogueRow* row = catalogue(rgy).row(solver);
+  if (row == nullptr) {
+    copyText("there is no solver number " + std::to_string(solver) + " in the catalogue", msg);
+    return 0;
+  }
+  try {
+    *alg = new LiveSolver(*row);
+    return 1;
+  } catch (const std::exception& error) {
+    copyText(error.what(), msg);
+    return 0;
+  }
+}
+
+RGY_EXPORT int rgyAlgReadyAPI(void* /*rgy*/, int /*solver*/, void* alg, void* pbi) {
+  if (alg == nullptr || pbi == nullptr) return 1;
+  Model& model = *static_cast<Model*>(pbi);
+  return reported(model, [&] { static_cast<LiveSolver*>(alg)->load(model); });
+}
+
+RGY_EXPORT int rgyAlgModifyProblem(void* /*rgy*/, int /*solver*/, void* alg) {
+  try {
+    return alg != nullptr && static_cast<LiveSolver*>(alg)->update() ? 0 : 1;
+  } catch (const std::exception&) {
+    return 1;
+  }
+}
+
+RGY_EXPORT int rgyAlgCallSolver(void* /*rgy*/, int /*solver*/, void* alg, void* pbi) {
+  if (alg == nullptr || pbi == nullptr) return 1;
+  Model& model = *static_cast<Model*>(pbi);
+  return reported(model,
+                  [&] { static_cast<LiveSolver*>(alg)->solve(model.environment->limits()); });
+}
+
+RGY_EXPORT void rgyAlgFree(void* /*rgy*/, int /*solver*/, void** alg) {
+  if (alg == nullptr) return;
+  delete static_cast<LiveSolver*>(*alg);
+  *alg = nullptr;
+}
