@@ -7,18 +7,21 @@
 
 namespace bench {
 
-void registerContest(const Contest& contest, std::size_t records) {
+void setEffort(benchmark::internal::Benchmark* registered, std::size_t records) {
   // The slowest rival takes minutes for the largest counts, and noise matters least there.
   constexpr std::size_t repeatedBelow = 5'000'000;
-  const int repetitions = records < repeatedBelow ? 3 : 1;
   constexpr double secondsOfRepetition = 0.1;
+  registered->Repetitions(records < repeatedBelow ? 3 : 1)->MinTime(secondsOfRepetition);
+}
+
+void registerContest(const Contest& contest, std::size_t records) {
   for (const Contestant& contestant : contest.contestants) {
     const std::string name =
         contest.operation + "/" + contestant.name + "/" + std::to_string(records);
     benchmark::internal::Benchmark* registered = benchmark::RegisterBenchmark(
         name.c_str(),
         [run = contestant.run, records](benchmark::State& state) { run(state, dataOf(records)); });
-    registered->Repetitions(repetitions)->MinTime(secondsOfRepetition);
+    setEffort(registered, records);
     if (contest.clock == Clock::wall) {
       registered->UseRealTime();
     }

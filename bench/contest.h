@@ -42,6 +42,9 @@ struct Contest {
 // Registers a contest for one record count.
 void registerContest(const Contest& contest, std::size_t records);
 
+// How long and how often a benchmark of that many records is run.
+void setEffort(benchmark::internal::Benchmark* registered, std::size_t records);
+
 // Bytes that the process has allocated, with the allocator's own overhead.
 std::size_t heapInUse();
 

@@ -47,6 +47,7 @@ const ShapeFile& fileOf(const StoreData& data) {
   static StoreShape shape{};
   static std::unique_ptr<ShapeFile> kept;
   if (kept == nullptr || shape != data.shape) {
+    kept.reset();  // all stand at one path
     kept = std::make_unique<ShapeFile>(data);
     shape = data.shape;
   }
@@ -77,21 +78,22 @@ void registerLazyLoad(const StoreShape& shape) {
     const std::string name = "lazy load " + std::to_string(shape.dim) + "d" +
                              std::to_string(shape.slots) + "v/" + store.name + "/" +
                              std::to_string(shape.records);
-    benchmark::RegisterBenchmark(
-        name.c_str(),
-        [shape, code = store.code](benchmark::State& state) {
-          const ShapeFile& file = fileOf(storeDataOf(shape));
-          measureLoad(
-              state, shape.records, [&] { return std::make_unique<OpenedFile>(file.path(), code); },
-              [&](const OpenedFile& opened) {
-                void* record = nullptr;
-                opened.database.require(
-                    c__ztbfindfirstrecord(opened.database.handle(), opened.symbol, &record));
-                opened.database.require(c__ztbfreesymboliterator(opened.database.handle(), record));
-              });
-        })
-        ->Repetitions(3)
-        ->MinTime(0.1);
+    setEffort(benchmark::RegisterBenchmark(
+                  name.c_str(),
+                  [shape, code = store.code](benchmark::State& state) {
+                    const ShapeFile& file = fileOf(storeDataOf(shape));
+                    measureLoad(
+                        state, shape.records,
+                        [&] { return std::make_unique<OpenedFile>(file.path(), code); },
+                        [&](const OpenedFile& opened) {
+                          void* record = nullptr;
+                          opened.database.require(c__ztbfindfirstrecord(opened.database.handle(),
+                                                                        opened.symbol, &record));
+                          opened.database.require(
+                              c__ztbfreesymboliterator(opened.database.handle(), record));
+                        });
+                  }),
+              shape.records);
   }
 }
 

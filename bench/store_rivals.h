@@ -2,7 +2,8 @@
 // symbol drives them, and what a program would use without them.
 //
 // A holder has `append` for a record that sorts last, `find` that gives the first value of a record
-// that is there, and `sum` that reads every key element and value in order.
+// that is there, and `sum` that reads every key element and value in order. `walksSiblings` tells
+// that a lookup goes through the labels of a position one by one.
 #ifndef ZTB_BENCH_STORE_RIVALS_H_
 #define ZTB_BENCH_STORE_RIVALS_H_
 
@@ -12,6 +13,7 @@
 #include <array>
 #include <cstddef>
 #include <map>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -37,6 +39,8 @@ double sumOf(const int* keys, const double* values) {
 template <class Store, std::size_t dim, std::size_t slots>
 class OurStore {
  public:
+  static constexpr bool walksSiblings = std::is_same_v<Store, ztb::dmap::DMapGTree>;
+
   void append(const int* keys, const double* values) { store_.append(keys, values); }
   double find(const int* keys) { return *store_.find(keys).get().values; }
   double sum() {
@@ -81,6 +85,8 @@ std::array<int, dim> keyOf(const int* keys) {
 template <class Map, std::size_t dim, std::size_t slots>
 class MapHolder {
  public:
+  static constexpr bool walksSiblings = false;
+
   void append(const int* keys, const double* values) {
     map_.insert(map_.end(), recordOf<dim, slots>(keys, values));
   }
@@ -108,6 +114,8 @@ using BtreeHolder =
 template <std::size_t dim, std::size_t slots>
 class SortedVector {
  public:
+  static constexpr bool walksSiblings = false;
+
   void append(const int* keys, const double* values) {
     records_.push_back(recordOf<dim, slots>(keys, values));
   }

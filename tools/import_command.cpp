@@ -63,12 +63,12 @@ void checkUsage(const ImportOptions& options) {
 // Takes the file that was just written into another store and writes it from there. Records of an
 // import come in the order of its tables, which only the tree map takes, and a symbol that is moved
 // within a database would lose its domains.
-void rewriteFrom(ztb::Store store, const std::string& path) {
+void rewriteFrom(ztb::Store store, const std::string& path, bool checkDomains) {
   ztb::Database database;
   database.selectStore(store);
   database.openFile(path);
   database.closeFile(true);
-  database.write(path);
+  database.write(path, checkDomains);
 }
 
 void runImport(const ImportOptions& options) {
@@ -93,7 +93,7 @@ void runImport(const ImportOptions& options) {
     try {
       database.write(options.out, options.checkDomains);
       if (options.store != ztb::Store::map) {
-        rewriteFrom(options.store, options.out);
+        rewriteFrom(options.store, options.out, options.checkDomains);
       }
     } catch (const ztb::Error& error) {
       throw Failure(withFile(options.out, error.what()));

@@ -64,7 +64,7 @@ int VectorModel::find(const Key& key) const {
 }
 
 std::optional<int> VectorModel::insert(const Key& key, double value, int depth) {
-  if (depth == endless) {
+  if (depth >= endless) {
     return std::nullopt;
   }
   if (rows_.empty()) {
