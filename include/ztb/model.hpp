@@ -1,0 +1,168 @@
+// C++20 wrapper of ztb/model.h and of the model operations of ztb/ztb.h. Programs that use it link
+// liblomudclib64.so.
+//
+//   ztb::Model model = ztb::Model::open("diet.lp");
+//   ztb::Database database;
+//   ztb::ModelTie tie(database, model);
+//   ztb::Symbol price = database.addParameter("price", {"*"});
+//   price.merge("Milk").setLevel(1.1);
+//   tie.update(price, ztb::Action::fix, price, ztb::Missing::base);
+//   tie.solve("clp");
+//   std::cout << model.objective() << '\n';
+//
+// A failed operation throws ztb::Error. The model lives longer than any use of the tie.
+#ifndef ZTB_MODEL_HPP_
+#define ZTB_MODEL_HPP_
+
+#include <ztb/model.h>
+
+#include <array>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <ztb/ztb.hpp>
+
+namespace ztb::inline client {
+
+// Owns a model.
+class Model {
+ public:
+  // An empty model to be built.
+  Model() {
+    Message message{};
+    require(ztbModelCreate(&handle_, message.data(), kMessageSize), "ztbModelCreate", message);
+  }
+  // A model file (.lp, .mps, .mps.gz, .mod with or without a data file).
+  [[nodiscard]] static Model open(ZString file, ZString dataFile = "") {
+    Message message{};
+    ztbModel* handle = nullptr;
+    require(ztbModelOpen(&handle, file.c_str(), dataFile.c_str(), message.data(), kMessageSize),
+            "ztbModelOpen", message);
+    return Model(handle);
+  }
+  Model(Model&& other) noexcept : handle_(std::exchange(other.handle_, nullptr)) {}
+  Model& operator=(Model&& other) noexcept {
+    std::swap(handle_, other.handle_);
+    return *this;
+  }
+  Model(const Model&) = delete;
+  Model& operator=(const Model&) = delete;
+  ~Model() { ztbModelFree(&handle_); }
+
+  void setObjective(ZString name, bool maximize = false, double constant = 0) {
+    check(ztbModelSetObjective(handle_, name.c_str(), maximize ? 1 : 0, constant),
+          "ztbModelSetObjective");
+  }
+  int addColumn(ZString name, double lower, double upper, int kind = ztbColumnContinuous) {
+    const int number = ztbModelAddColumn(handle_, name.c_str(), kind, lower, upper);
+    check(number >= 0, "ztbModelAddColumn");
+    return number;
+  }
+  int addRow(ZString name, int type, double rhs, double range = 0) {
+    const int number = ztbModelAddRow(handle_, name.c_str(), type, rhs, range);
+    check(number >= 0, "ztbModelAddRow");
+    return number;
+  }
+  void addTerm(int row, int column, double value) {
+    check(ztbModelAddTerm(handle_, row, column, value), "ztbModelAddTerm");
+  }
+  void addProduct(int row, int column1, int column2, double value) {
+    check(ztbModelAddProduct(handle_, row, column1, column2, value), "ztbModelAddProduct");
+  }
+
+  void setOption(ZString name, ZString value) {
+    check(ztbModelSetOption(handle_, name.c_str(), value.c_str()), "ztbModelSetOption");
+  }
+
+  // What the last solve left.
+  [[nodiscard]] int status() const { return ztbModelStatus(handle_); }
+  [[nodiscard]] int solveStatus() const { return ztbModelSolveStatus(handle_); }
+  [[nodiscard]] bool hasSolution() const {
+    return status() == ztbModelOptimal || status() == ztbModelLocallyOptimal ||
+           status() == ztbModelFeasible;
+  }
+  [[nodiscard]] double objective() const { return ztbModelObjective(handle_); }
+  [[nodiscard]] double iterations() const { return ztbModelIterations(handle_); }
+  // Why the last call failed; empty when none did.
+  [[nodiscard]] std::string message() const { return ztbModelMessage(handle_); }
+
+  // Names that had to be changed, one text each.
+  [[nodiscard]] int noteCount() const { return ztbModelNoteCount(handle_); }
+  [[nodiscard]] std::string note(int number) const { return ztbModelNote(handle_, number); }
+
+  // For ztb.h; the model cannot be built further.
+  [[nodiscard]] void* pbi() {
+    void* pbi = ztbModelPbi(handle_);
+    check(pbi != nullptr, "ztbModelPbi");
+    return pbi;
+  }
+  [[nodiscard]] ztbModel* handle() const noexcept { return handle_; }
+
+ private:
+  static constexpr int kMessageSize = 1024;
+  using Message = std::array<char, kMessageSize>;
+
+  explicit Model(ztbModel* handle) noexcept : handle_(handle) {}
+  static void require(int result, const char* operation, const Message& message) {
+    if (result == 0) throw Error(operation, message.data());
+  }
+  void check(int result, const char* operation) const {
+    if (result == 0) throw Error(operation, ztbModelMessage(handle_));
+  }
+
+  ztbModel* handle_ = nullptr;
+};
+
+// What an update writes, and what a row or column gets that the data have no record for.
+enum class Action { fix = 0, upper = 1, lower = 2, bounds = 3, level = 4, marginal = 5 };
+enum class Missing { zero = 0, base = 1, keep = 2 };
+
+// Ties a database to a model: its symbols take their records from the model's solution.
+class ModelTie {
+ public:
+  // Fills the empty database with the model's labels and symbols. `database` and `model` have to
+  // stay where they are while the tie is used.
+  ModelTie(Database& database, Model& model) : database_(&database), model_(&model) {
+    void* pbi = model.pbi();
+    require(c__ztbinitfromdict(database.handle(), pbi), "ztbInitFromDict");
+    require(c__ztbinitupdate(database.handle(), pbi), "ztbInitUpdate");
+  }
+
+  // Writes the values of parameter `data` into the model. Gives the records that met no row or
+  // column.
+  int update(const Symbol& modelSymbol, Action action, const Symbol& data, Missing missing) {
+    int unmatched = 0;
+    require(
+        c__ztbupdatemodelsymbol(database_->handle(), modelSymbol.handle(), static_cast<int>(action),
+                                data.handle(), static_cast<int>(missing), &unmatched),
+        "ztbUpdateModelSymbol");
+    return unmatched;
+  }
+
+  // Solves and gives the processor time that the solver took, in seconds. A solver that finds no
+  // solution has solved: Model::status tells. Symbols of the model have the new solution
+  // afterwards.
+  double solve(ZString solver) {
+    double seconds = 0;
+    require(c__ztbcallsolvertimed(database_->handle(), solver.c_str(), &seconds),
+            "ztbCallSolverTimed");
+    return seconds;
+  }
+
+ private:
+  // The library's text, with the model's own behind it where it says more.
+  void require(int result, const char* operation) const {
+    if (result != 0) return;
+    std::string text = database_->lastError().str();
+    const std::string more = model_->message();
+    if (!more.empty() && more != text) text += ": " + more;
+    throw Error(operation, text);
+  }
+
+  Database* database_;
+  Model* model_;
+};
+
+}  // namespace ztb::inline client
+
+#endif  // ZTB_MODEL_HPP_
