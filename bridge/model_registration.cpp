@@ -1,7 +1,11 @@
 // Ties a database to a model instance and fills it from the model's dictionary.
 
-#include <cstdio>
+#include <algorithm>
 #include <limits>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "bridge/dictionary.h"
 #include "core/frame.h"
@@ -91,7 +95,11 @@ class DictionaryLoader {
                success;
     }
     if (db_.symbols.contains(name)) {
-      return matches(*db_.symbols.atName(name), index, type);
+      const AbstractZTBSymbol* symbol = db_.symbols.atName(name);
+      if (symbol == nullptr) {
+        throw std::logic_error("there is no record store for symbol " + name);
+      }
+      return matches(*symbol, index, type);
     }
     makeSymbol(name, index, type);
     return true;
@@ -118,13 +126,14 @@ class DictionaryLoader {
     description.number = db_.symbols.size();
     description.userInfo = peers::nmtSymUserInfo(db_.nmt, index);
     description.text = text;
+    const auto positions = static_cast<std::size_t>(std::max(description.dim, 0));
+    std::vector<AbstractZTBSymbol*> domains(positions, db_.universe.get());
+    std::vector<std::string> domainNames(positions);
     AbstractZTBSymbol* symbol =
         db_.symbols.add(name, ztb::makeSymbol(db_.recordStorage, &db_, std::move(description)));
     symbol->loaded = false;
-    for (int d = 0; d < symbol->dim; ++d) {
-      symbol->domainSymbols.push_back(db_.universe.get());
-      symbol->domainNames.emplace_back();
-    }
+    symbol->domainSymbols.swap(domains);
+    symbol->domainNames.swap(domainNames);
   }
 
   ZTB& db_;

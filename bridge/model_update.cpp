@@ -44,7 +44,9 @@ class Modifier {
   // the action is refused.
   std::optional<int> apply(int index) {
     int matched = 0;
-    RowColWalk walk(db_.nmt, index, peers::nmtSymType(db_.nmt, index) == dictionaryVariable);
+    const bool isColumn = peers::nmtSymType(db_.nmt, index) == dictionaryVariable;
+    requireDictionaryKeyRoom(db_.nmt, index);
+    RowColWalk walk(db_.nmt, index, isColumn);
     for (; !walk.atEnd(); walk.next()) {
       // The value for this row or column; nothing for its base value.
       std::optional<double> value;
@@ -52,6 +54,7 @@ class Modifier {
         ++matched;
         value = record->values()[ZTB_LEVEL];
         if (!accept(*value)) {
+          walk.leaveOpen();
           return std::nullopt;
         }
       } else if (update_ == updateAccumulate) {
@@ -61,11 +64,11 @@ class Modifier {
       }
       if (action_ < actionFixed || action_ > actionDual) {
         db_.fail("Invalid actionType, saw %d", action_);
+        walk.leaveOpen();
         return std::nullopt;
       }
       act(walk.current(), value);
     }
-    walk.close();
     return matched;
   }
 
@@ -190,12 +193,12 @@ int updateModelSymbol(ZTB& db, AbstractZTBSymbol* symbol, int action, AbstractZT
   if (data->type != ZTB_PARAMETER) {
     return db.fail("Data symbol %s must be parameter", data->name.c_str());
   }
-  if (db.nmt == nullptr) {
-    return db.fail("No model registered, call ztbRegisterPBI or ztbInitFromDict first");
-  }
   const std::string modelName =
       symbol->type == ZTB_PARAMETER ? symbol->name + parameterSuffix : symbol->name;
   db.altBounds = symbol->type != ZTB_EQUATION;
+  if (db.nmt == nullptr) {
+    return db.fail("No model registered, call ztbRegisterPBI or ztbInitFromDict first");
+  }
   const int index = peers::nmtSymIndex(db.nmt, modelName.c_str());
   if (index <= 0) {
     *noMatchCount = data->recordCount();

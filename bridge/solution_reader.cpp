@@ -53,36 +53,31 @@ void readRow(void* pbi, int row, int rowType, double* values) {
 }  // namespace
 
 void ZTB::LoadSymbolFromModel(AbstractZTBSymbol& symbol, void* rxfFile) {
-  const int index = peers::nmtSymIndex(nmt, symbol.name.c_str());
+  const int index = dictionarySymbolIndex(nmt, symbol.name);
   if (index <= 0) {
     return;
   }
   const int type = peers::nmtSymType(nmt, index);
+  requireDictionaryKeyRoom(nmt, index);
   RowColWalk walk(nmt, index, type == dictionaryVariable);
   // All rows of a symbol are taken to be of the first one's type.
   const int rowType = type == dictionaryEquation && !walk.atEnd()
                           ? peers::pbiGetEquTypeOne(pbi, walk.current())
                           : 0;
-  try {
-    for (; !walk.atEnd(); walk.next()) {
-      double values[dmap::maxSlots] = {};
-      if (type == dictionaryVariable) {
-        readColumn(pbi, walk.current(), values);
-      } else {
-        readRow(pbi, walk.current(), rowType, values);
-      }
-      const KeyBuffer keys = walk.keys();
-      if (rxfFile != nullptr) {
-        peers::rxfDataWriteRaw(rxfFile, keys.data(), values);
-      } else {
-        symbol.insertRecordAtPosition(keys.data(), values);
-      }
+  for (; !walk.atEnd(); walk.next()) {
+    double values[dmap::maxSlots] = {};
+    if (type == dictionaryVariable) {
+      readColumn(pbi, walk.current(), values);
+    } else {
+      readRow(pbi, walk.current(), rowType, values);
     }
-  } catch (...) {
-    walk.close();
-    throw;
+    const KeyBuffer keys = walk.keys();
+    if (rxfFile != nullptr) {
+      peers::rxfDataWriteRaw(rxfFile, keys.data(), values);
+    } else {
+      symbol.insertRecordAtPosition(keys.data(), values);
+    }
   }
-  walk.close();
 }
 
 }  // namespace ztb

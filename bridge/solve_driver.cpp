@@ -5,6 +5,8 @@
 // not copied: the model's symbols are emptied and read from the model when they are next touched.
 
 #include <ctime>
+#include <stdexcept>
+#include <string>
 #include <vector>
 
 #include "bridge/dictionary.h"
@@ -43,7 +45,7 @@ class SolveDriver {
       : db_(db), solverName_(solverName), solveTime_(solveTime) {}
 
   int run() {
-    if (db_.rgy == nullptr) {
+    if (db_.rgy == nullptr && peers::rgyAlgNumber.isNull()) {
       return db_.fail("Model is not prepared for solving, call ztbInitUpdate first");
     }
     solver_ = peers::rgyAlgNumber(db_.rgy, solverName_);
@@ -75,6 +77,9 @@ class SolveDriver {
   // A linear model is presented as such, with its products evaluated at the present levels.
   void shiftRightHandSide() {
     const bool linear = isLinear();
+    if (db_.initEquLevels == nullptr) {
+      throw std::logic_error("the model's rows were not counted");
+    }
     std::vector<double> delta(static_cast<std::size_t>(db_.rowCount));
     int errors = 0;
     peers::pbiEvalGradNLUpdate(db_.pbi, delta.data(), 1, &errors);
@@ -100,10 +105,15 @@ class SolveDriver {
 
   void changeSolver() {
     if (db_.solverNumber > 0 && db_.solverLoaded) {
-      peers::rgyAlgFree(db_.rgy, db_.solverNumber, &db_.solverAlg);
+      freeSolver(db_.solverNumber);
     }
     db_.solverLoaded = peers::rgyAlgAllowsModifyProblem(db_.rgy, solver_) != 0;
     db_.solverNumber = solver_;
+  }
+
+  void freeSolver(int number) {
+    peers::rgyAlgFree(db_.rgy, number, &db_.solverAlg);
+    db_.solverAlg = nullptr;
   }
 
   // Solves with the live solver. A solver that cannot take the change is given up, which is no
@@ -118,7 +128,7 @@ class SolveDriver {
       }
     } else if (peers::rgyAlgModifyProblem(db_.rgy, solver_, db_.solverAlg) != 0) {
       peers::snvLog(db_.snv, "*** Hotstart failed! Falling back to warm start...");
-      peers::rgyAlgFree(db_.rgy, solver_, &db_.solverAlg);
+      freeSolver(solver_);
       db_.solverLoaded = false;
     }
     if (db_.solverLoaded && timed(solveTime_, [this] {
@@ -153,11 +163,16 @@ class SolveDriver {
   }
 
   void dropSolution() {
-    const int count = peers::nmtNLSyms(db_.nmt);
+    const int count = dictionarySymbolCount(db_.nmt);
     for (int i = 1; i <= count; ++i) {
       const std::string name = dictionarySymbolName(db_.nmt, i);
-      if (AbstractZTBSymbol* symbol = db_.lookUp(name.c_str())) {
+      AbstractZTBSymbol* symbol = db_.symbols.contains(name) ? db_.symbols.atName(name) : nullptr;
+      if (symbol != nullptr) {
         symbol->clearRecords();
+        // A cleared tree still goes by the last record it had, and would take that one as present.
+        if (symbol->storageKind() == dmap::StorageKind::dMapGTree) {
+          symbol->releaseRecords();
+        }
         symbol->loaded = false;
       }
     }

@@ -28,7 +28,7 @@ std::unique_ptr<double[]> baseArray(int count) {
 
 // A parameter that stands in the model as a variable is pinned to its level until it is moved.
 void pinParameters(const ZTB& db) {
-  const int symbolCount = peers::nmtNLSyms(db.nmt);
+  const int symbolCount = dictionarySymbolCount(db.nmt);
   for (int i = 1; i <= symbolCount; ++i) {
     if (peers::nmtSymType(db.nmt, i) != dictionaryVariable ||
         !carriesParameter(dictionarySymbolName(db.nmt, i))) {
@@ -41,7 +41,6 @@ void pinParameters(const ZTB& db) {
       peers::pbiSetAltVarLowerOne(db.pbi, column, level);
       peers::pbiSetAltVarUpperOne(db.pbi, column, level);
     }
-    walk.close();
   }
 }
 
