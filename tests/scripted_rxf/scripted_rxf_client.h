@@ -12,26 +12,10 @@
 #include <string>
 #include <vector>
 
+#include "tests/scripted_rxf/control.h"
 #include "tests/scripted_rxf/scripted_rxf.h"
 
 namespace scripted {
-
-// A function of the peer's library.
-template <typename Type>
-class Control;
-
-template <typename Result, typename... Args>
-class Control<Result(Args...)> {
- public:
-  Control(void* library, const char* name)
-      : function_(reinterpret_cast<Result (*)(Args...)>(dlsym(library, name))) {
-    if (function_ == nullptr) throw std::runtime_error(dlerror());
-  }
-  Result operator()(Args... args) const { return function_(args...); }
-
- private:
-  Result (*function_)(Args...);
-};
 
 // Opens the peer and stays with it; the library stays open when the object ends. The constructor
 // throws std::runtime_error if the library or a function in it isn't there.

@@ -26,6 +26,13 @@ Database::Database() {
   }
 }
 
+Database::Database(const SystemDirectory& directory) {
+  TextBuffer message;
+  if (lib().ztbcreated(&database_, directory.path.c_str(), message, ZTB_TEXT_BUFFER_SIZE) != 1) {
+    throw std::runtime_error("cannot make a database: " + message.str());
+  }
+}
+
 Database::Database(const std::string& fileName) : Database() {
   if (lib().c__ztbinitfromrxf(database_, fileName.c_str()) != 1) {
     throw std::runtime_error("cannot open " + fileName + ": " + lastError());

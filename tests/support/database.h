@@ -66,9 +66,15 @@ struct Row {
   bool operator==(const Row&) const = default;
 };
 
+// Where a database looks for its peer libraries.
+struct SystemDirectory {
+  std::string path;
+};
+
 class Database {
  public:
   Database();
+  explicit Database(const SystemDirectory& directory);
   // A mirror of an exchange file.
   explicit Database(const std::string& fileName);
   ~Database();
