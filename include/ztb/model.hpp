@@ -124,18 +124,19 @@ class ModelTie {
   // stay where they are while the tie is used.
   ModelTie(Database& database, Model& model) : database_(&database), model_(&model) {
     void* pbi = model.pbi();
-    require(c__ztbinitfromdict(database.handle(), pbi), "ztbInitFromDict");
-    require(c__ztbinitupdate(database.handle(), pbi), "ztbInitUpdate");
+    detail::require(c__ztbinitfromdict(database.handle(), pbi), database.handle(),
+                    "ztbInitFromDict");
+    if (c__ztbinitupdate(database.handle(), pbi) == 0) failUpdate();
   }
 
   // Writes the values of parameter `data` into the model. Gives the records that met no row or
   // column.
   int update(const Symbol& modelSymbol, Action action, const Symbol& data, Missing missing) {
     int unmatched = 0;
-    require(
+    detail::require(
         c__ztbupdatemodelsymbol(database_->handle(), modelSymbol.handle(), static_cast<int>(action),
                                 data.handle(), static_cast<int>(missing), &unmatched),
-        "ztbUpdateModelSymbol");
+        database_->handle(), "ztbUpdateModelSymbol");
     return unmatched;
   }
 
@@ -144,17 +145,26 @@ class ModelTie {
   // afterwards.
   double solve(ZString solver) {
     double seconds = 0;
-    require(c__ztbcallsolvertimed(database_->handle(), solver.c_str(), &seconds),
-            "ztbCallSolverTimed");
+    if (c__ztbcallsolvertimed(database_->handle(), solver.c_str(), &seconds) == 0) {
+      fail("ztbCallSolverTimed", model_->message());
+    }
     return seconds;
   }
 
  private:
-  // The library's text, with the model's own behind it where it says more.
-  void require(int result, const char* operation) const {
-    if (result != 0) return;
+  // A catalogue that cannot be read gets its line and reason.
+  [[noreturn]] void failUpdate() const {
+    std::array<char, ZTB_TEXT_BUFFER_SIZE> directory{};
+    std::array<char, ZTB_TEXT_BUFFER_SIZE> reason{};
+    ztbModelGetOption(model_->handle(), "NameSysDir", directory.data(),
+                      static_cast<int>(directory.size()));
+    const std::string file = std::string(directory.data()) + "vltcmpNT.txt";
+    ztbCatalogueCheck(file.c_str(), reason.data(), static_cast<int>(reason.size()));
+    fail("ztbInitUpdate", reason.data());
+  }
+  // The library's text, with `more` behind it where that says more.
+  [[noreturn]] void fail(const char* operation, const std::string& more) const {
     std::string text = database_->lastError().str();
-    const std::string more = model_->message();
     if (!more.empty() && more != text) text += ": " + more;
     throw Error(operation, text);
   }
