@@ -147,14 +147,22 @@ TEST_F(Solve, asksForTheTypeOfTheModelUpToThreeTimes) {
 }
 
 TEST_F(Solve, countsRowsAsAtPreparation) {
-  model_.addSymbol("late", 0, 6, 0, "");
-  const double values[] = {0, 0, 5, 1, 0};
-  // Writing the shift of a row that was not there is left out, as a peer with three rows does.
-  model_.answer("pbiEvalGradNLUpdate", 0, 0);
-  model_.addRow(nullptr, values, 0, 0, 0);
-  db().addEquation("late", 0);
+  model_.answer("pbiM", 0, 2);
+  renew();
+  prepare();
   EXPECT_EQ(1, solve("barrier"));
-  EXPECT_EQ(3U, log("pbiSetAltRHSOne").size());
+  EXPECT_EQ(lines(R"(
+model pbiModelType
+model pbiEvalGradNLUpdate [0 0] 1 0
+model pbiGetRhsOne 0
+model pbiSetAltRHSOne 0 -0.5
+model pbiGetRhsOne 1
+model pbiSetAltRHSOne 1 8
+model pbiAltRHSSet 1
+model pbiForceLinearSet 1
+model pbiAltRHSSet 0
+model pbiForceLinearSet 0)"),
+            log("pbi"));
 }
 
 TEST_F(Solve, takesShortStrings) {

@@ -108,7 +108,9 @@ SCRIPTED_EXPORT int pbiN(void* pbi) {
   return Call(pbi, "pbiN").answer(static_cast<int>(script().columns.size()));
 }
 SCRIPTED_EXPORT int pbiM(void* pbi) {
-  return Call(pbi, "pbiM").answer(static_cast<int>(script().rows.size()));
+  const int rows = Call(pbi, "pbiM").answer(static_cast<int>(script().rows.size()));
+  script().rowsTold = static_cast<std::size_t>(rows);
+  return rows;
 }
 SCRIPTED_EXPORT int pbiModelType(void* pbi) {
   return Call(pbi, "pbiModelType").answer(script().modelType);
@@ -220,10 +222,10 @@ SCRIPTED_EXPORT void pbiSolveStatSet(void* pbi, int status) {
 SCRIPTED_EXPORT int pbiEvalGradNLUpdate(void* pbi, double* deltaRhs, int doUpdate,
                                         int* errorCount) {
   const Script& s = script();
-  const Call call(pbi, "pbiEvalGradNLUpdate", Array<double>{deltaRhs, s.rows.size()}, doUpdate,
+  const Call call(pbi, "pbiEvalGradNLUpdate", Array<double>{deltaRhs, s.rowsTold}, doUpdate,
                   *errorCount);
   if (call.goesOn()) {
-    for (const Row& each : s.rows) *deltaRhs++ = each.delta;
+    for (std::size_t i = 0; i < s.rowsTold; ++i) deltaRhs[i] = s.rows.at(i).delta;
     *errorCount = ignoredResult;
   }
   return call.answer(ignoredResult);

@@ -94,6 +94,7 @@ struct Script {
   std::vector<Row> rows;
   int altBounds = 0, altRhs = 0, forceLinear = 0, modelStatus = 0, solveStatus = 0;
   int solves = 0;
+  std::size_t rowsTold = 0;  // by pbiM; a client has no room for more
 
   // Handles are addresses of these.
   char model = 0, environment = 0, dictionary = 0;
