@@ -56,6 +56,17 @@ TEST_F(Freeing, hasNoSolverToEndWhenItCouldNotBeMade) {
   EXPECT_EQ((Lines{"rgy1 rgyXFree"}), freeDatabase());
 }
 
+TEST_F(Freeing, doesNotEndASolverTwiceWhenThePeerLeavesItsHandle) {
+  prepare();
+  EXPECT_EQ(1, solve("dual"));
+  model_.answer("rgyAlgFree", 0, 0);
+  model_.answer("rgyAlgCreate", 0, 0);
+  log();
+  EXPECT_EQ(0, solve("primal"));
+  EXPECT_EQ((Lines{"rgy1 rgyAlgCreate 3 null \"DIR\""}), log("rgyAlgCreate"));
+  EXPECT_EQ((Lines{"rgy1 rgyXFree"}), freeDatabase());
+}
+
 TEST_F(Freeing, endsASolverThatWasNotReadyOrFailed) {
   for (const char* operation : {"rgyAlgReadyAPI", "rgyAlgCallSolver"}) {
     model_.reset();

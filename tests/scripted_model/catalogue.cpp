@@ -129,9 +129,8 @@ SCRIPTED_EXPORT int rgyAlgCallSolver(void* rgy, int solver, void* alg, void* pbi
 
 SCRIPTED_EXPORT void rgyAlgFree(void* rgy, int solver, void** alg) {
   const Call call(rgy, "rgyAlgFree", solver, *alg);
-  if (!call.goesOn()) return;
   if (Object* object = script().solverObjects.find(*alg)) object->number = 0;
-  *alg = nullptr;
+  if (call.goesOn()) *alg = nullptr;
 }
 
 }  // extern "C"

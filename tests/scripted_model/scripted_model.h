@@ -46,7 +46,8 @@ SCRIPTED_EXPORT int scriptedModelAlive(const char* kind);
 SCRIPTED_EXPORT void scriptedModelReset(void);
 
 /* After `afterCalls` further calls of `operation`, one call does nothing but give `answer`: null
- * if it gives a handle. Plans add up; each is used once. */
+ * if it gives a handle. rgyAlgFree then ends its object but leaves the caller's handle on it. Plans
+ * add up; each is used once. */
 SCRIPTED_EXPORT void scriptedModelAnswer(const char* operation, int afterCalls, double answer);
 
 /* What rgyAlgCreate and snvCallSolver say when they fail. */
