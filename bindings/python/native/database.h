@@ -1,0 +1,66 @@
+// A database as the extension module hands it to the Python layer.
+#ifndef ZTB_BINDINGS_PYTHON_NATIVE_DATABASE_H_
+#define ZTB_BINDINGS_PYTHON_NATIVE_DATABASE_H_
+
+#include <pybind11/pybind11.h>
+
+#include <array>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "bindings/python/native/symbol.h"
+
+namespace python {
+
+// Makes a database and owns it together with its symbols. Its members are the operations that the
+// Python layer needs, with labels, names and texts as str.
+class Database {
+ public:
+  // A domain of a new symbol: a set or alias, or none and a name.
+  using DomainArgument = std::pair<std::optional<Symbol>, py::str>;
+
+  // Peer libraries are looked for in the folder, unless it is None.
+  explicit Database(const py::object& systemDirectory);
+
+  void close() { connection_->close(); }
+  [[nodiscard]] bool closed() const { return connection_->closed(); }
+
+  void selectStore(int store);
+  void setSpecialValues(const std::array<double, ZTB_SPECIAL_VALUE_COUNT>& values);
+  [[nodiscard]] std::array<double, ZTB_SPECIAL_VALUE_COUNT> internalSpecialValues() const;
+
+  void open(const py::object& path);
+  void write(const py::object& path, bool checkDomains);
+  void closeFile(bool loadRemaining);
+
+  [[nodiscard]] int labelCount() const { return info(ZTB_INFO_UEL_COUNT); }
+  // Labels from a number on.
+  [[nodiscard]] py::list labels(int first) const;
+  // The number of a label; -1 if there is none.
+  [[nodiscard]] int findLabel(const py::str& label) const;
+  // The numbers of labels, which are added where they are new.
+  [[nodiscard]] py::array_t<int> mergeLabels(const py::iterable& labels) const;
+
+  [[nodiscard]] int symbolCount() const { return info(ZTB_INFO_SYMBOL_COUNT_WITH_ALIAS); }
+  [[nodiscard]] Symbol symbolAt(int position) const;
+  // Throws NotFound. An alias is resolved to its set, unless it is wanted itself.
+  [[nodiscard]] Symbol findSymbol(const py::str& name, bool wantAlias) const;
+  Symbol addSymbol(const py::str& name, int type, const std::vector<DomainArgument>& domains,
+                   const py::str& text, int userInfo);
+  // `position` is that of a set among all symbols, -1 for the universe.
+  Symbol addAlias(const py::str& name, int position, int dimension, const py::str& text);
+
+ private:
+  [[nodiscard]] ztbRec* handle() const { return connection_->handle(); }
+  [[nodiscard]] int info(int key) const;
+
+  Shared connection_;
+};
+
+// Adds the class to the module.
+void bindDatabase(py::module_& module);
+
+}  // namespace python
+
+#endif  // ZTB_BINDINGS_PYTHON_NATIVE_DATABASE_H_

@@ -1,0 +1,48 @@
+#include "bindings/python/native/strings.h"
+
+namespace python {
+
+namespace {
+
+constexpr const char* encoding = "utf-8";
+constexpr const char* escape = "surrogateescape";
+
+std::string contentOf(const py::bytes& bytes, py::handle source) {
+  std::string content = bytes;
+  if (content.find('\0') != std::string::npos) {
+    throw py::value_error("a null character in " + std::string(py::repr(source)));
+  }
+  return content;
+}
+
+}  // namespace
+
+py::str toPython(std::string_view bytes) {
+  PyObject* text =
+      PyUnicode_DecodeUTF8(bytes.data(), static_cast<Py_ssize_t>(bytes.size()), escape);
+  if (text == nullptr) {
+    throw py::error_already_set();
+  }
+  return py::reinterpret_steal<py::str>(text);
+}
+
+std::string fromPython(py::handle text) {
+  if (PyUnicode_Check(text.ptr()) == 0) {
+    throw py::type_error("a str is expected, not " + std::string(py::repr(text)));
+  }
+  PyObject* bytes = PyUnicode_AsEncodedString(text.ptr(), encoding, escape);
+  if (bytes == nullptr) {
+    throw py::error_already_set();
+  }
+  return contentOf(py::reinterpret_steal<py::bytes>(bytes), text);
+}
+
+std::string pathFromPython(py::handle path) {
+  PyObject* bytes = nullptr;
+  if (PyUnicode_FSConverter(path.ptr(), &bytes) == 0) {
+    throw py::error_already_set();
+  }
+  return contentOf(py::reinterpret_steal<py::bytes>(bytes), path);
+}
+
+}  // namespace python
