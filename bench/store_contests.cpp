@@ -33,6 +33,7 @@ void fill(Holder& holder, const StoreData& data) {
 
 template <class Holder>
 std::unique_ptr<Holder> filled(const StoreData& data) {
+  mergeFreedBlocks();
   auto holder = std::make_unique<Holder>();
   fill(*holder, data);
   return holder;

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "bench/contest.h"
 #include "bench/store_contests.h"
 #include "bench/summary.h"
 
@@ -44,6 +45,7 @@ int main(int argc, char** argv) {
       ->capture_default_str();
   CLI11_PARSE(app, argc, argv);
   try {
+    bench::keepFreedMemory();
     std::string name = "ztb_store_bench";
     std::string filterOption = "--benchmark_filter=" + filter;
     std::vector<char*> arguments = {name.data(), filterOption.data()};

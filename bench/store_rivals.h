@@ -41,7 +41,7 @@ class OurStore {
  public:
   static constexpr bool walksSiblings = std::is_same_v<Store, ztb::dmap::DMapGTree>;
 
-  void append(const int* keys, const double* values) { store_.append(keys, values); }
+  void append(const int* keys, const double* values) { store_.load(keys, values); }
   double find(const int* keys) { return *store_.find(keys).get().values; }
   double sum() {
     double sum = 0;

@@ -24,6 +24,8 @@ class DMap final : public IDMap<DMapIterator> {
   DMapIterator append(const int* keys, const double* values) override {
     return at(stored(end_, keys, values, false));
   }
+  // `append` without its result.
+  void load(const int* keys, const double* values) { stored(end_, keys, values, false); }
   DMapIterator insert(const int* keys, const double* values) override;
   DMapIterator insertHint(const int* keys, const double* values,
                           const DMapIterator& hint) override {

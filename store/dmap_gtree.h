@@ -30,6 +30,14 @@ class DMapGTree final : public IDMap<TreeIterator> {
     }
     return at(tree_->insertAnywhere(keys, values, &tree_->lastPath()));
   }
+  // `append` without its result, whose path takes longer to copy than the record to link.
+  void load(const int* keys, const double* values) {
+    if (tree_ == nullptr) {
+      setScalar(values);
+    } else if (!tree_->insertAtEnd(keys, values)) {
+      tree_->insertAnywhere(keys, values, &tree_->lastPath());
+    }
+  }
   TreeIterator insert(const int* keys, const double* values) override;
   // The hint is not used, here and in `insertOrAssign`.
   TreeIterator insertHint(const int* keys, const double* values, const TreeIterator& hint) override;

@@ -19,10 +19,12 @@ int compareKeys(const int* left, const int* right, std::size_t dim) {
   return 0;
 }
 
+constexpr std::size_t mostRows = std::numeric_limits<int>::max();
+
 // Elements of that many rows; a count that no array can hold stays so.
 std::size_t elementsOf(std::size_t rows, std::size_t width) {
   constexpr std::size_t most = std::numeric_limits<std::size_t>::max();
-  return width != 0 && rows > most / width ? most : rows * width;
+  return rows > most / width ? most : rows * width;
 }
 
 // Copies the numbers of one row. Most rows are short, and a call would cost more than the copy.
@@ -58,48 +60,76 @@ void copyRow(const T* from, std::size_t width, T* to) {
 DMapVector::DMapVector(int dim, int type)
     : dim_(dim),
       type_(type),
-      width_(static_cast<std::size_t>(std::max(dim, 0))),
-      slots_(static_cast<std::size_t>(slotCount(type))) {}
+      width_(dim >= 1 && dim <= maxDimension ? static_cast<std::size_t>(dim) : 0),
+      slots_(static_cast<std::size_t>(slotCount(type))),
+      rowsOfMemory_(noMemory()) {}
+
+int DMapVector::noMemory() const {
+  return width_ == 0 ? std::numeric_limits<int>::min() : 0;
+}
 
 const int* DMapVector::keysAt(int row) const {
   return keyArray_.data() + static_cast<std::size_t>(row) * width_;
 }
 
-void DMapVector::makeRoomForRow() {
-  if (rowCount_ < rowCapacity_) {
-    return;
-  }
-  if (rowCount_ == std::numeric_limits<int>::max()) {
-    throw std::length_error("vector too long");
-  }
-  // Both arrays get their memory before either changes its length: they never differ in rows.
-  const std::size_t rows = static_cast<std::size_t>(rowCount_) + 1;
+// Both arrays get their memory before either changes its length: they never differ in rows.
+void DMapVector::growMemory(std::size_t rows) {
   keyArray_.reserve(elementsOf(rows, width_));
   valueArray_.reserve(elementsOf(rows, slots_));
-  keyArray_.setSize(rows * width_);
-  valueArray_.setSize(rows * slots_);
-  ++rowCapacity_;
+  rowsOfMemory_ = static_cast<int>(
+      std::min({keyArray_.capacity() / width_, valueArray_.capacity() / slots_, mostRows}));
 }
 
-void DMapVector::write(int row, const int* keys, const double* values) {
-  copyRow(keys, width_, keyArray_.data() + static_cast<std::size_t>(row) * width_);
-  copyRow(values, slots_, valueArray_.data() + static_cast<std::size_t>(row) * slots_);
-}
-
-VectorIterator DMapVector::append(const int* keys, const double* values) {
-  if (dim_ == 0) {
-    return setScalar(values);
+void DMapVector::requireMemoryForRow() {
+  if (rowCount_ >= rowsOfMemory_) {
+    if (rowCount_ == std::numeric_limits<int>::max()) {
+      throw std::length_error("vector too long");
+    }
+    growMemory(static_cast<std::size_t>(rowCount_) + 1);
   }
-  makeRoomForRow();
-  write(rowCount_, keys, values);
-  return at(rowCount_++);
 }
 
-VectorIterator DMapVector::setScalar(const double* values) {
+// Gives both arrays the length of one row more than are in use, where they are not longer.
+// REQUIRES: memory for that row.
+inline void DMapVector::stretchToRow() {
+  if (rowCount_ == rowCapacity_) {
+    const auto rows = static_cast<std::size_t>(++rowCapacity_);
+    keyArray_.setSize(rows * width_);
+    valueArray_.setSize(rows * slots_);
+  }
+}
+
+inline void DMapVector::write(int row, const int* keys, const double* values) {
+  const auto place = static_cast<std::size_t>(row);
+  copyRow(keys, width_, keyArray_.data() + place * width_);
+  copyRow(values, slots_, valueArray_.data() + place * slots_);
+}
+
+int DMapVector::appendRow(const int* keys, const double* values) {
+  if (rowCount_ >= rowsOfMemory_) {
+    return appendWithNewMemory(keys, values);
+  }
+  stretchToRow();
+  write(rowCount_, keys, values);
+  return rowCount_++;
+}
+
+int DMapVector::appendWithNewMemory(const int* keys, const double* values) {
+  if (dim_ == 0) {
+    setScalar(values);
+    return 0;
+  }
+  if (width_ == 0) {
+    return -1;
+  }
+  requireMemoryForRow();
+  return appendRow(keys, values);
+}
+
+void DMapVector::setScalar(const double* values) {
   valueArray_.reserve(slots_);
   valueArray_.setSize(slots_);
   std::copy_n(values, slots_, valueArray_.data());
-  return at(0);
 }
 
 VectorIterator DMapVector::keepPresent(int row) {
@@ -138,7 +168,8 @@ bool DMapVector::fitsBefore(int row, const int* keys) const {
 }
 
 VectorIterator DMapVector::placeBefore(int row, const int* keys, const double* values) {
-  makeRoomForRow();
+  requireMemoryForRow();
+  stretchToRow();
   const auto first = static_cast<std::size_t>(row);
   const auto count = static_cast<std::size_t>(rowCount_);
   std::copy_backward(keyArray_.data() + first * width_, keyArray_.data() + count * width_,
@@ -243,6 +274,7 @@ void DMapVector::release() {
   valueArray_.release();
   rowCount_ = 0;
   rowCapacity_ = 0;
+  rowsOfMemory_ = noMemory();
 }
 
 int DMapVector::indexOf(const VectorIterator& position) {
@@ -254,12 +286,11 @@ VectorIterator DMapVector::iteratorAt(int index) {
 }
 
 void DMapVector::reserve(int records) {
-  if (dim_ == 0) {
+  if (width_ == 0) {
     return;
   }
   const auto rows = static_cast<std::size_t>(records);
-  keyArray_.reserve(elementsOf(rows, width_));
-  valueArray_.reserve(elementsOf(rows, slots_));
+  growMemory(rows);
   keyArray_.setSize(rows * width_);
   valueArray_.setSize(rows * slots_);
   std::fill_n(keyArray_.data(), rows * width_, 0);

@@ -4,7 +4,8 @@
 // The store never sorts. Rows stand as they arrived; `insert` and `insertHint` place a key behind
 // the last row, before the first, or between a hint's row and the one before it, and throw
 // std::logic_error for a key that would have to go anywhere else. In every comparison a 0 on either
-// side matches anything.
+// side matches anything. A dimension outside 0 to 20 gives a store that holds nothing: its ways in
+// return the null iterator.
 #ifndef ZTB_STORE_DMAP_VECTOR_H_
 #define ZTB_STORE_DMAP_VECTOR_H_
 
@@ -24,7 +25,12 @@ class DMapVector final : public IDMap<VectorIterator> {
   DMapVector& operator=(const DMapVector&) = delete;
 
   // A new last row, without any check. On a scalar, overwrites.
-  VectorIterator append(const int* keys, const double* values) override;
+  VectorIterator append(const int* keys, const double* values) override {
+    const int row = appendRow(keys, values);
+    return row < 0 ? VectorIterator() : at(row);
+  }
+  // `append` without its result.
+  void load(const int* keys, const double* values) { appendRow(keys, values); }
   // For a key equal to the last row, or to the row where the lower bound stands: prints
   // "Warning: Keys already in record map. Skipping." and keeps the row.
   VectorIterator insert(const int* keys, const double* values) override;
@@ -72,9 +78,15 @@ class DMapVector final : public IDMap<VectorIterator> {
  private:
   VectorIterator at(int row) { return {dim_, type_, row, &keyArray_, &valueArray_}; }
   [[nodiscard]] const int* keysAt(int row) const;
-  void makeRoomForRow();
+  // The row where the record stands; negative where the store holds nothing.
+  int appendRow(const int* keys, const double* values);
+  int appendWithNewMemory(const int* keys, const double* values);
+  void requireMemoryForRow();
+  void growMemory(std::size_t rows);
+  [[nodiscard]] int noMemory() const;
+  void stretchToRow();
   void write(int row, const int* keys, const double* values);
-  VectorIterator setScalar(const double* values);
+  void setScalar(const double* values);
   VectorIterator keepPresent(int row);
   [[nodiscard]] bool fitsBefore(int row, const int* keys) const;
   VectorIterator placeBefore(int row, const int* keys, const double* values);
@@ -87,6 +99,7 @@ class DMapVector final : public IDMap<VectorIterator> {
   FlatArray<double> valueArray_;
   int rowCapacity_ = 0;  // rows for which both arrays are sized
   int rowCount_ = 0;     // rows in use; not maintained on a scalar
+  int rowsOfMemory_;     // rows for which both arrays have memory; below any count without keys
 };
 
 }  // namespace ztb::dmap

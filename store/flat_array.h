@@ -27,6 +27,7 @@ class FlatArray {
 
   [[nodiscard]] T* data() const { return data_; }
   [[nodiscard]] std::size_t size() const { return size_; }
+  [[nodiscard]] std::size_t capacity() const { return capacity_; }
   [[nodiscard]] bool empty() const { return size_ == 0; }
 
   // Makes room for `size` elements; the length stays. Throws std::length_error, "vector too long",

@@ -31,25 +31,29 @@ double* Node::values() const {
   return content_.values;
 }
 
-GTree::GTree(int dim, int slotCount) : dim_(dim), slotCount_(slotCount), lastPath_(dim) {}
+GTree::GTree(int dim, int slotCount)
+    : dim_(dim),
+      slotCount_(slotCount),
+      valueSize_(static_cast<std::size_t>(slotCount) * sizeof(double)),
+      lastPath_(dim),
+      recentPath_(dim) {}
 
 // Makes the nodes of the levels from `level` down, chained to each other and holding the values,
-// but not linked into the tree: running out of memory on the way changes nothing.
-void GTree::makeBranch(Path& path, int level, const int* keys, const double* values) {
+// but not linked into the tree: running out of memory on the way changes nothing. `branch` has a
+// place for every level of the tree; those of other levels stay as they are.
+void GTree::makeBranch(Node** branch, int level, const int* keys, const double* values) {
   double* slots = newValues(values);
-  for (int deeper = level; deeper < dim_; ++deeper) {
-    const auto place = static_cast<std::size_t>(deeper);
-    path.node[place] = newNode(keys[deeper]);
-    if (deeper > level) {
-      path.node[place - 1]->setChild(path.node[place]);
-    }
+  branch[level] = newNode(keys[level]);
+  for (int deeper = level + 1; deeper < dim_; ++deeper) {
+    branch[deeper] = newNode(keys[deeper]);
+    branch[deeper - 1]->setChild(branch[deeper]);
   }
-  path.node[static_cast<std::size_t>(dim_ - 1)]->setValues(slots);
+  branch[dim_ - 1]->setValues(slots);
 }
 
 Path GTree::insertFirst(const int* keys, const double* values) {
   Path path(dim_);
-  makeBranch(path, 0, keys, values);
+  makeBranch(path.node.data(), 0, keys, values);
   root_ = path.node[0];
   count_ = 1;
   return path;
@@ -64,11 +68,13 @@ void GTree::overwriteLast(const double* values) {
 }
 
 void GTree::attachWithNewMemory(int level, const int* keys, const double* values) {
-  Path path = lastPath_;
-  makeBranch(path, level, keys, values);
-  const auto place = static_cast<std::size_t>(level);
-  lastPath_.node[place]->next = path.node[place];
-  lastPath_ = path;
+  std::array<Node*, maxDepth> branch;
+  makeBranch(branch.data(), level, keys, values);
+  Node** last = lastPath_.node.data();
+  last[level]->next = branch[static_cast<std::size_t>(level)];
+  for (int deeper = level; deeper < dim_; ++deeper) {
+    last[deeper] = branch[static_cast<std::size_t>(deeper)];
+  }
   ++count_;
 }
 
@@ -99,23 +105,43 @@ Path GTree::insertAnywhere(const int* keys, const double* values, const Path* st
     }
     return lastPath_;
   }
-  const auto [found, present] = findPath(keys, startHint);
-  if (found) {
-    return present;
+  // A caller's hint may lead into branches that `clear` has forgotten.
+  const bool anyHint = startHint != nullptr;
+  if (!anyHint && recentPath_.node[0] != nullptr) {
+    startHint = &recentPath_;
   }
-  // Down to the first level whose list lacks the element; from there on all nodes are new.
+  const auto [found, present] = findPath(keys, startHint);
+  if (!found) {
+    return recentPath_ = insertBranch(keys, values);
+  }
+  if (!anyHint) {
+    recentPath_ = present;
+  }
+  return present;
+}
+
+// Walks down to the first level whose list lacks the element; from there on all nodes are new.
+Path GTree::insertBranch(const int* keys, const double* values) {
   Path path(dim_);
   Node* parent = nullptr;
+  bool onRecentPath = recentPath_.node[0] != nullptr;
   for (int level = 0;; ++level) {
     const auto place = static_cast<std::size_t>(level);
     Node* before = nullptr;
     Node* node = level == 0 ? root_ : parent->child();
+    if (onRecentPath) {
+      Node* recent = recentPath_.node[place];
+      if (recent->key <= keys[level]) {
+        node = recent;
+      }
+      onRecentPath = recent->key == keys[level];
+    }
     while (node != nullptr && node->key < keys[level]) {
       before = node;
       node = node->next;
     }
     if (node == nullptr || node->key != keys[level]) {
-      makeBranch(path, level, keys, values);
+      makeBranch(path.node.data(), level, keys, values);
       path.node[place]->next = node;
       if (before != nullptr) {
         before->next = path.node[place];
@@ -124,18 +150,18 @@ Path GTree::insertAnywhere(const int* keys, const double* values, const Path* st
       } else {
         parent->setChild(path.node[place]);
       }
-      ++count_;
-      return path;
+      break;
     }
     path.node[place] = node;
     parent = node;
     if (level + 1 == dim_) {
       // Only a hint into branches that `clear` has forgotten hides a record that is here.
       node->setValues(newValues(values));
-      ++count_;
-      return path;
+      break;
     }
   }
+  ++count_;
+  return path;
 }
 
 std::pair<bool, Path> GTree::findPath(const int* keys, const Path* startHint) const {
@@ -303,6 +329,7 @@ void GTree::erase(const Path& path) {
   if (path == lastPath_) {
     moveLastPathBack();
   }
+  recentPath_ = Path(dim_);
   for (int level = dim_ - 1; level >= 1; --level) {
     Node* node = path.node[static_cast<std::size_t>(level)];
     Node* parent = path.node[static_cast<std::size_t>(level - 1)];
@@ -354,12 +381,13 @@ int GTree::pathIndex(const Path& path) const {
 void GTree::setBlockCapacity(int records) {
   const auto count = static_cast<std::size_t>(std::max(records, 1));
   nodes_.setBlockSize(count * sizeof(Node));
-  values_.setBlockSize(count * valueSize());
+  values_.setBlockSize(count * valueSize_);
 }
 
 void GTree::clear() {
   count_ = 0;
   root_ = nullptr;
+  recentPath_ = Path(dim_);
 }
 
 void GTree::release() {

@@ -141,7 +141,7 @@ class GTree {
 
   Node* newNode(int key) { return new (nodes_.allocate(sizeof(Node))) Node(key); }
   double* newValues(const double* values) {
-    auto* result = reinterpret_cast<double*>(values_.allocate(valueSize()));
+    auto* result = reinterpret_cast<double*>(values_.allocate(valueSize_));
     copySlots(values, result);
     return result;
   }
@@ -152,17 +152,15 @@ class GTree {
       std::copy_n(from, slotCount_, to);
     }
   }
-  [[nodiscard]] std::size_t valueSize() const {
-    return static_cast<std::size_t>(slotCount_) * sizeof(double);
-  }
   std::pair<Order, int> compareWithLast(const int* keys) const;
   Path insertFirst(const int* keys, const double* values);
+  Path insertBranch(const int* keys, const double* values);
   void insertFirstAsLast(const int* keys, const double* values);
   void overwriteLast(const double* values);
   // For when the pools need memory that may not be there: `lastPath` does not move before it is.
   void attachWithNewMemory(int level, const int* keys, const double* values);
   void attachBehindLast(int level, const int* keys, const double* values);
-  void makeBranch(Path& path, int level, const int* keys, const double* values);
+  void makeBranch(Node** branch, int level, const int* keys, const double* values);
   void requireDepth(const Path& path) const;
   [[nodiscard]] Path greatest() const;
   void fillGreatest(Path& path, int level) const;
@@ -174,9 +172,13 @@ class GTree {
   Pool values_;
   int dim_;
   int slotCount_;
+  std::size_t valueSize_;  // bytes of a record's slots
   int count_ = 0;
   Node* root_ = nullptr;
   Path lastPath_;
+  // Where `insertAnywhere` was last, so that ascending keys do not walk all siblings again and
+  // again. Every node of it is linked; its first is null when there is no such place.
+  Path recentPath_;
 };
 
 // What a sorted load runs through for every record stands here, so that it becomes one piece of
@@ -200,18 +202,19 @@ inline std::pair<GTree::Order, int> GTree::compareWithLast(const int* keys) cons
 }
 
 inline void GTree::attachBehindLast(int level, const int* keys, const double* values) {
-  if (!nodes_.has(static_cast<std::size_t>(dim_ - level) * sizeof(Node)) ||
-      !values_.has(valueSize())) {
+  const std::size_t size = static_cast<std::size_t>(dim_ - level) * sizeof(Node);
+  if (!nodes_.has(size) || !values_.has(valueSize_)) {
     attachWithNewMemory(level, keys, values);
     return;
   }
+  std::byte* memory = nodes_.allocate(size);
   Node** last = lastPath_.node.data() + level;
-  const int* key = keys + level;
-  Node* node = newNode(*key);
+  Node* node = new (memory) Node(keys[level]);
   (*last)->next = node;
   *last = node;
-  for (const int* const end = keys + dim_; ++key != end;) {
-    Node* child = newNode(*key);
+  while (++level < dim_) {
+    memory += sizeof(Node);
+    Node* child = new (memory) Node(keys[level]);
     node->setChild(child);
     *++last = child;
     node = child;

@@ -1,5 +1,7 @@
 #include "store/gtree_pool.h"
 
+#include <algorithm>
+
 namespace gtree {
 
 Pool::~Pool() {
@@ -14,16 +16,17 @@ void Pool::release() {
   }
   lastBlock_ = nullptr;
   free_ = nullptr;
-  left_ = 0;
+  blockEnd_ = nullptr;
 }
 
 void Pool::addBlock() {
   auto block = std::make_unique<Block>();
   block->bytes = std::make_unique_for_overwrite<std::byte[]>(blockSize_);
   free_ = block->bytes.get();
-  left_ = blockSize_;
+  blockEnd_ = free_ + blockSize_;
   (lastBlock_ == nullptr ? firstBlock_ : lastBlock_->next) = block.get();
   lastBlock_ = block.release();
+  blockSize_ = std::max(blockSize_, std::min(2 * blockSize_, largestGrownBlockSize));
 }
 
 }  // namespace gtree

@@ -1,4 +1,6 @@
-// A bump allocator: hands out memory from blocks and takes nothing back but all at once.
+// A bump allocator: hands out memory from blocks and takes nothing back but all at once. Each block
+// is twice as large as the one before, up to a largest size, so that a small table wastes little
+// and a large one hardly ever asks for memory.
 #ifndef ZTB_STORE_GTREE_POOL_H_
 #define ZTB_STORE_GTREE_POOL_H_
 
@@ -10,6 +12,7 @@ namespace gtree {
 class Pool {
  public:
   static constexpr std::size_t initialBlockSize = 1024;
+  static constexpr std::size_t largestGrownBlockSize = std::size_t{64} * 1024;
 
   Pool() = default;
   Pool(const Pool&) = delete;
@@ -19,22 +22,24 @@ class Pool {
   // Memory for `size` bytes, aligned for pointers and doubles.
   // REQUIRES: size is a multiple of 8 and at most the block size.
   std::byte* allocate(std::size_t size) {
-    if (left_ < size) {
+    if (!has(size)) {
       addBlock();
     }
     std::byte* result = free_;
     free_ += size;
-    left_ -= size;
     return result;
   }
 
   // Whether that much is left in the block that is being filled.
-  [[nodiscard]] bool has(std::size_t size) const { return left_ >= size; }
+  [[nodiscard]] bool has(std::size_t size) const {
+    return static_cast<std::size_t>(blockEnd_ - free_) >= size;
+  }
 
   // Gives all memory back; what was handed out is gone.
   void release();
 
-  // Size of blocks still to come. It never falls below what one allocation needs.
+  // Size of the next block, and if it is the largest or above, of all still to come. It never falls
+  // below what one allocation needs.
   void setBlockSize(std::size_t size) { blockSize_ = size; }
 
  private:
@@ -48,7 +53,7 @@ class Pool {
   Block* firstBlock_ = nullptr;
   Block* lastBlock_ = nullptr;
   std::byte* free_ = nullptr;  // the rest of the last block
-  std::size_t left_ = 0;
+  std::byte* blockEnd_ = nullptr;
   std::size_t blockSize_ = initialBlockSize;
 };
 

@@ -59,7 +59,7 @@ class ZTBSymbol final : public AbstractZTBSymbol {
   }
 
   void insertRecord(const int* keys, const double* values) override { store_.insert(keys, values); }
-  void appendRecord(const int* keys, const double* values) override { store_.append(keys, values); }
+  void appendRecord(const int* keys, const double* values) override { store_.load(keys, values); }
 
   void forEachKey(const std::function<void(const int*)>& visit) override {
     walk([&](const dmap::RecordView& record) {
