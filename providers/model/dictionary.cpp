@@ -16,6 +16,19 @@ int Dictionary::find(std::string_view name) const {
   return found == numberOf_.end() ? 0 : found->second;
 }
 
+DictionarySearch* Dictionary::openSearch(int symbol, const int* keys) {
+  if (symbol < 1 || static_cast<std::size_t>(symbol) > symbols_.size()) return nullptr;
+  const DictionarySymbol& walked = symbols_[static_cast<std::size_t>(symbol) - 1];
+  searches_.push_back(std::make_unique<DictionarySearch>(*this, walked, keys));
+  return searches_.back().get();
+}
+
+void Dictionary::closeSearch(const void* search) {
+  const auto found = std::find_if(searches_.begin(), searches_.end(),
+                                  [&](const auto& open) { return open.get() == search; });
+  if (found != searches_.end()) searches_.erase(found);
+}
+
 Dictionary::Place Dictionary::place(const std::vector<Entry>& entries, int number) const {
   if (number < 0 || static_cast<std::size_t>(number) >= entries.size()) return {0, nullptr};
   const Entry& entry = entries[static_cast<std::size_t>(number)];

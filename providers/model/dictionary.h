@@ -9,15 +9,17 @@
 //   - a control character or a double quote in a label becomes an underscore or a single quote;
 //   - a name or label that is too long, folds to the same as an earlier one, or names an element of
 //     another dimension, or one that is there already, gets a number behind (DistinctNames).
-// An object is not changed after its construction.
+// But for its open searches an object is not changed after its construction.
 #ifndef ZTB_PROVIDERS_MODEL_DICTIONARY_H_
 #define ZTB_PROVIDERS_MODEL_DICTIONARY_H_
 
+#include <memory>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
 
+#include "providers/model/dictionary_search.h"
 #include "providers/model/model_data.h"
 
 namespace lomu {
@@ -53,6 +55,12 @@ class Dictionary {
   [[nodiscard]] Place columnPlace(int column) const { return place(columns_, column); }
   [[nodiscard]] Place rowPlace(int row) const { return place(rows_, row); }
 
+  // Opens a search over a symbol, numbered from 1; null when there is none. The dictionary owns it
+  // until it is closed: a caller that fails in the middle may leave it open.
+  DictionarySearch* openSearch(int symbol, const int* keys);
+  // Null and what is no open search of this dictionary are passed over.
+  void closeSearch(const void* search);
+
  private:
   friend class DictionaryBuilder;
 
@@ -70,6 +78,7 @@ class Dictionary {
   std::vector<Entry> rows_;
   std::vector<int> keys_;
   std::vector<std::string> notes_;
+  std::vector<std::unique_ptr<DictionarySearch>> searches_;
 };
 
 }  // namespace lomu

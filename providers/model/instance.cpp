@@ -160,7 +160,7 @@ double Instance::upper(int j) const {
 }
 
 double Instance::rhs(int i) const {
-  return outer((alternativeRhs_ ? alternativeRhsOf_ : rhs_)[at(i)]);
+  return outer(rhs_[at(i)]);
 }
 
 bool Instance::linearize(double* offset, bool update) {

@@ -64,7 +64,8 @@ class Instance {
   void setAlternativeLower(int j, double value) { alternativeLower_[at(j)] = inner(value); }
   void setAlternativeUpper(int j, double value) { alternativeUpper_[at(j)] = inner(value); }
   [[nodiscard]] RowType rowType(int i) const { return rowTypes_[at(i)]; }
-  // The right-hand side; the objective's is its constant with the sign turned.
+  // The row's own right-hand side, whatever the switch says: a caller that shifts it after a failed
+  // solve shifts from the same place. The objective's is its constant with the sign turned.
   [[nodiscard]] double rhs(int i) const;
   void setAlternativeRhs(int i, double value) { alternativeRhsOf_[at(i)] = inner(value); }
 

@@ -2,7 +2,6 @@
 // an object made here is an empty dictionary. Numbers out of range give empty texts and zeros.
 
 #include <algorithm>
-#include <array>
 #include <new>
 
 #include "providers/model/dictionary.h"
@@ -15,6 +14,7 @@ namespace {
 
 using lomu::copyText;
 using lomu::Dictionary;
+using lomu::DictionarySearch;
 using lomu::DictionarySymbol;
 
 const lomu::PeerFamily& family() {
@@ -39,10 +39,8 @@ const lomu::PeerFamily& family() {
   return kFamily;
 }
 
-constexpr std::size_t kMaxDimension = 20;
-
-const Dictionary& dictionary(void* nmt) {
-  return *static_cast<const Dictionary*>(nmt);
+Dictionary& dictionary(void* nmt) {
+  return *static_cast<Dictionary*>(nmt);
 }
 
 const DictionarySymbol* symbolOf(void* nmt, int i) {
@@ -50,36 +48,6 @@ const DictionarySymbol* symbolOf(void* nmt, int i) {
   if (i < 1 || static_cast<std::size_t>(i) > symbols.size()) return nullptr;
   return &symbols[static_cast<std::size_t>(i) - 1];
 }
-
-// A walk over the elements of a symbol whose keys match; a key of 0 matches every label.
-struct Search {
-  const Dictionary& dictionary;
-  const DictionarySymbol& symbol;
-  std::array<int, kMaxDimension> wanted;
-  std::size_t next;
-
-  // The next element that matches, -1 behind the last.
-  int step() {
-    for (; next < symbol.elements.size(); ++next) {
-      const int number = symbol.elements[next];
-      if (!matches(number)) continue;
-      ++next;
-      return number;
-    }
-    return -1;
-  }
-
-  [[nodiscard]] bool matches(int number) const {
-    const int* keys = symbol.type == lomu::SymbolType::variable
-                          ? dictionary.columnPlace(number).keys
-                          : dictionary.rowPlace(number).keys;
-    for (int d = 0; d < symbol.dimension; ++d) {
-      const int key = wanted[static_cast<std::size_t>(d)];
-      if (key != 0 && key != keys[d]) return false;
-    }
-    return true;
-  }
-};
 
 int putPlace(void* nmt, Dictionary::Place place, int* symbol, int* keys, int* dim) {
   *symbol = place.symbol;
@@ -164,22 +132,22 @@ NMT_EXPORT int CnmtSymIndex(void* nmt, const char* name) {
 
 NMT_EXPORT void* nmtFindFirstRowCol(void* nmt, int i, const int* keys, int* rc) {
   *rc = -1;
-  const DictionarySymbol* symbol = symbolOf(nmt, i);
-  if (symbol == nullptr) return nullptr;
-  auto* search = new (std::nothrow) Search{dictionary(nmt), *symbol, {}, 0};
-  if (search == nullptr) return nullptr;
-  std::copy(keys, keys + symbol->dimension, search->wanted.begin());
-  *rc = search->step();
-  return search;
+  try {
+    DictionarySearch* search = dictionary(nmt).openSearch(i, keys);
+    if (search != nullptr) *rc = search->next();
+    return search;
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
 }
 
 NMT_EXPORT int nmtFindNextRowCol(void* /*nmt*/, void* search, int* rc) {
-  *rc = search == nullptr ? -1 : static_cast<Search*>(search)->step();
+  *rc = search == nullptr ? -1 : static_cast<DictionarySearch*>(search)->next();
   return *rc >= 0 ? 1 : 0;
 }
 
-NMT_EXPORT void nmtFindClose(void* /*nmt*/, void* search) {
-  delete static_cast<Search*>(search);
+NMT_EXPORT void nmtFindClose(void* nmt, void* search) {
+  dictionary(nmt).closeSearch(search);
 }
 
 NMT_EXPORT int nmtRowUels(void* nmt, int rc, int* symbol, int* keys, int* dim) {

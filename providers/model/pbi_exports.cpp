@@ -1,5 +1,6 @@
 // The exported functions of the model instance: a model handle is a pointer to a Model. A row or
-// column number out of range gives zeros and changes nothing.
+// column number out of range gives zeros and changes nothing. A null model has no dictionary, which
+// is how a database refuses it.
 
 #include <algorithm>
 #include <memory>
@@ -123,19 +124,19 @@ PBI_EXPORT int CpbiXAPIVersion(int api, char* msg, int* compatibility) {
 }
 
 PBI_EXPORT void* pbiDict(void* pbi) {
-  return &static_cast<Model*>(pbi)->dictionary;
+  return pbi == nullptr ? nullptr : &static_cast<Model*>(pbi)->dictionary;
 }
 
 PBI_EXPORT void* pbiEnvironment(void* pbi) {
-  return static_cast<Model*>(pbi)->environment.get();
+  return pbi == nullptr ? nullptr : static_cast<Model*>(pbi)->environment.get();
 }
 
 PBI_EXPORT void pbiPinfSet(void* pbi, double value) {
-  instance(pbi).setPlusInfinity(value);
+  if (pbi != nullptr) instance(pbi).setPlusInfinity(value);
 }
 
 PBI_EXPORT void pbiMinfSet(void* pbi, double value) {
-  instance(pbi).setMinusInfinity(value);
+  if (pbi != nullptr) instance(pbi).setMinusInfinity(value);
 }
 
 PBI_EXPORT int pbiN(void* pbi) {

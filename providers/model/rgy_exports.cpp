@@ -88,7 +88,9 @@ RGY_EXPORT int CrgyReadConfigVUC(void* rgy, const char* fileName, const char* sy
 
 // The number of a solver from 1; 0 for one that is unknown or whose library cannot be opened.
 RGY_EXPORT int CrgyAlgNumber(void* rgy, const char* solverName) {
-  return solverName == nullptr ? 0 : catalogue(rgy).number(solverName);
+  // A database that was never prepared for solves has no catalogue object.
+  if (rgy == nullptr || solverName == nullptr) return 0;
+  return catalogue(rgy).number(solverName);
 }
 
 RGY_EXPORT int rgyAlgAllowsModifyProblem(void* rgy, int solver) {

@@ -1,0 +1,181 @@
+// The C functions of ztb/model.h: building, options, refusals.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <ztb/model.h>
+
+#include <array>
+#include <cmath>
+#include <limits>
+#include <string>
+
+namespace {
+
+constexpr double kInf = std::numeric_limits<double>::infinity();
+
+class ModelC : public testing::Test {
+ protected:
+  void SetUp() override { ASSERT_EQ(ztbModelCreate(&model_, nullptr, 0), 1); }
+  void TearDown() override {
+    ztbModelFree(&model_);
+    EXPECT_EQ(model_, nullptr);
+  }
+  [[nodiscard]] std::string message() const { return ztbModelMessage(model_); }
+
+  ztbModel* model_ = nullptr;
+};
+
+TEST_F(ModelC, NumbersColumnsFromZeroAndRowsFromOne) {
+  EXPECT_EQ(ztbModelAddColumn(model_, "x", ztbColumnContinuous, 0, kInf), 0);
+  EXPECT_EQ(ztbModelAddColumn(model_, "y", ztbColumnBinary, 0, 1), 1);
+  EXPECT_EQ(ztbModelAddRow(model_, "limit", ztbRowLessOrEqual, 4, 0), 1);
+  EXPECT_EQ(ztbModelAddRow(model_, "need", ztbRowGreaterOrEqual, 1, 2), 2);
+  EXPECT_EQ(ztbModelAddTerm(model_, 1, 0, 2), 1);
+  EXPECT_EQ(ztbModelAddProduct(model_, 0, 0, 1, 2), 1);
+  EXPECT_NE(ztbModelPbi(model_), nullptr);
+  EXPECT_EQ(ztbModelPbi(model_), ztbModelPbi(model_));
+}
+
+TEST_F(ModelC, RefusesColumnsThatCannotBe) {
+  EXPECT_EQ(ztbModelAddColumn(model_, "", 0, 0, 1), -1);
+  EXPECT_EQ(message(), "a column needs a name");
+  EXPECT_EQ(ztbModelAddColumn(model_, nullptr, 0, 0, 1), -1);
+  EXPECT_EQ(ztbModelAddColumn(model_, "x", 3, 0, 1), -1);
+  EXPECT_EQ(message(), "column \"x\": the kind is 0, 1 or 2, not 3");
+  EXPECT_EQ(ztbModelAddColumn(model_, "x", 0, std::nan(""), 1), -1);
+  EXPECT_EQ(message(), "column \"x\": a bound is no number, or no point is within bounds");
+  EXPECT_EQ(ztbModelAddColumn(model_, "x", 0, kInf, kInf), -1);
+  EXPECT_EQ(ztbModelAddColumn(model_, "x", 0, -kInf, -kInf), -1);
+  EXPECT_EQ(ztbModelAddColumn(model_, "x", 0, 0, 1), 0);
+  EXPECT_EQ(ztbModelAddColumn(model_, "x", 0, 0, 1), -1);
+  EXPECT_EQ(message(), "column \"x\" stands twice");
+  EXPECT_EQ(ztbModelAddColumn(model_, "y", 0, 0, 1), 1);
+}
+
+TEST_F(ModelC, RefusesRowsThatCannotBe) {
+  EXPECT_EQ(ztbModelAddRow(model_, "", 0, 0, 0), -1);
+  EXPECT_EQ(message(), "a row needs a name");
+  EXPECT_EQ(ztbModelAddRow(model_, "r", 4, 0, 0), -1);
+  EXPECT_EQ(message(), "row \"r\": the type is 0, 1, 2 or 3, not 4");
+  EXPECT_EQ(ztbModelAddRow(model_, "r", 0, kInf, 0), -1);
+  EXPECT_EQ(message(), "the right-hand side of row \"r\" has to be a finite number");
+  for (const double range : {-1.0, kInf}) {
+    EXPECT_EQ(ztbModelAddRow(model_, "r", ztbRowLessOrEqual, 0, range), -1);
+  }
+  EXPECT_EQ(ztbModelAddRow(model_, "r", ztbRowEqual, 0, 1), -1);
+  EXPECT_EQ(message(), "row \"r\": a range is 0, or above 0 for a >= or <= row, and finite");
+  EXPECT_EQ(ztbModelAddRow(model_, "objective", 0, 0, 0), -1);
+  EXPECT_EQ(message(), "row \"objective\" stands twice");
+}
+
+TEST_F(ModelC, RefusesTermsOutsideTheModel) {
+  ztbModelAddColumn(model_, "x", 0, 0, 1);
+  EXPECT_EQ(ztbModelAddTerm(model_, 1, 0, 1), 0);
+  EXPECT_EQ(message(), "there is no row 1, the model has 1");
+  EXPECT_EQ(ztbModelAddTerm(model_, 0, 1, 1), 0);
+  EXPECT_EQ(message(), "there is no column 1, the model has 1");
+  EXPECT_EQ(ztbModelAddTerm(model_, 0, 0, kInf), 0);
+  EXPECT_EQ(message(), "a coefficient has to be a finite number");
+  EXPECT_EQ(ztbModelAddProduct(model_, -1, 0, 0, 1), 0);
+  EXPECT_EQ(message(), "there is no row -1, the model has 1");
+  EXPECT_EQ(ztbModelAddProduct(model_, 0, 0, 7, 1), 0);
+  EXPECT_EQ(message(), "there is no column 7, the model has 1");
+  EXPECT_EQ(ztbModelAddProduct(model_, 0, 0, 0, std::nan("")), 0);
+}
+
+TEST_F(ModelC, NamesTheObjective) {
+  EXPECT_EQ(ztbModelSetObjective(model_, "cost", 0, 1), 1);
+  EXPECT_EQ(ztbModelAddRow(model_, "objective", 0, 0, 0), 1) << "its old name is free";
+  EXPECT_EQ(ztbModelSetObjective(model_, "objective", 0, 1), 0);
+  EXPECT_EQ(message(), "row \"objective\" stands twice");
+  EXPECT_EQ(ztbModelSetObjective(model_, nullptr, 0, 1), 0);
+  EXPECT_EQ(message(), "the objective needs a name");
+  EXPECT_EQ(ztbModelSetObjective(model_, "cost", 0, kInf), 0);
+  EXPECT_EQ(message(), "the objective's constant has to be a finite number");
+}
+
+TEST_F(ModelC, CannotBeBuiltFurtherOnceInUse) {
+  ASSERT_NE(ztbModelPbi(model_), nullptr);
+  EXPECT_EQ(ztbModelAddColumn(model_, "x", 0, 0, 1), -1);
+  EXPECT_EQ(message(), "the model is in use and cannot be built further");
+  EXPECT_EQ(ztbModelSetObjective(model_, "cost", 0, 1), 0);
+}
+
+TEST_F(ModelC, HasNoSolutionBeforeASolve) {
+  EXPECT_EQ(ztbModelStatus(model_), ztbModelNoSolution);
+  EXPECT_EQ(ztbModelSolveStatus(model_), ztbSolveFailed);
+  ASSERT_NE(ztbModelPbi(model_), nullptr);
+  EXPECT_EQ(ztbModelStatus(model_), ztbModelNoSolution);
+  EXPECT_EQ(ztbModelIterations(model_), 0);
+}
+
+TEST_F(ModelC, PassesOptions) {
+  std::array<char, 64> value{};
+  EXPECT_EQ(ztbModelSetOption(model_, "TimeLimit", "3"), 1);
+  EXPECT_EQ(ztbModelGetOption(model_, "timelimit", value.data(), 64), 1);
+  EXPECT_STREQ(value.data(), "3");
+  EXPECT_EQ(ztbModelSetOption(model_, "TimeLimit", "-3"), 0);
+  EXPECT_THAT(message(), testing::StartsWith("option \"TimeLimit\" takes a number"));
+  EXPECT_EQ(ztbModelGetOption(model_, "No", value.data(), 64), 0);
+  EXPECT_EQ(ztbModelSetOption(model_, nullptr, "3"), 0);
+  EXPECT_EQ(message(), "an option needs a name and a value");
+  EXPECT_EQ(ztbModelGetOption(model_, "NameSysDir", value.data(), 3), 1);
+  EXPECT_EQ(std::string(value.data()).size(), 2U) << "cut to the buffer";
+}
+
+TEST_F(ModelC, TellsChangedNames) {
+  ztbModelAddColumn(model_, "x.1", 0, 0, 1);
+  EXPECT_EQ(ztbModelNoteCount(model_), 0);
+  ASSERT_NE(ztbModelPbi(model_), nullptr);
+  ASSERT_EQ(ztbModelNoteCount(model_), 1);
+  EXPECT_STREQ(ztbModelNote(model_, 0), "variable \"x.1\" of dimension 0 is called \"x_1\"");
+  EXPECT_STREQ(ztbModelNote(model_, 1), "");
+  EXPECT_STREQ(ztbModelNote(model_, -1), "");
+}
+
+TEST(ModelCWithoutModel, RefusesQuietly) {
+  EXPECT_EQ(ztbModelAddColumn(nullptr, "x", 0, 0, 1), -1);
+  EXPECT_EQ(ztbModelPbi(nullptr), nullptr);
+  EXPECT_EQ(ztbModelStatus(nullptr), ztbModelNoSolution);
+  EXPECT_STREQ(ztbModelMessage(nullptr), "");
+  ztbModelTerminate(nullptr);
+  ztbModelFree(nullptr);
+}
+
+TEST(ModelCOpen, NamesWhatIsWrong) {
+  std::array<char, 200> message{};
+  ztbModel* model = nullptr;
+  EXPECT_EQ(ztbModelOpen(&model, nullptr, nullptr, message.data(), 200), 0);
+  EXPECT_STREQ(message.data(), "no model file was named");
+  EXPECT_EQ(ztbModelOpen(nullptr, "x.lp", nullptr, message.data(), 200), 0);
+  EXPECT_STREQ(message.data(), "there is no place for the model");
+  EXPECT_EQ(ztbModelOpen(&model, "no/such.lp", nullptr, message.data(), 200), 0);
+  EXPECT_THAT(message.data(), testing::StartsWith("no/such.lp: "));
+  EXPECT_EQ(model, nullptr);
+  std::array<char, 8> tiny{};
+  EXPECT_EQ(ztbModelOpen(&model, "no/such.lp", nullptr, tiny.data(), 8), 0);
+  EXPECT_STREQ(tiny.data(), "no/such");
+}
+
+TEST(CatalogueCheck, TellsFileAndLine) {
+  std::array<char, 200> message{};
+  EXPECT_EQ(ztbCatalogueCheck("no/such", message.data(), 200), 0);
+  EXPECT_STREQ(message.data(), "no/such: the solver catalogue cannot be read or is empty");
+  EXPECT_EQ(ztbCatalogueCheck(nullptr, message.data(), 200), 0);
+  EXPECT_STREQ(message.data(), "no catalogue file was named");
+}
+
+TEST(Texts, NameTheStatuses) {
+  EXPECT_STREQ(ztbModelStatusText(ztbModelOptimal), "optimal");
+  EXPECT_STREQ(ztbModelStatusText(ztbModelLocallyOptimal), "locally optimal");
+  EXPECT_STREQ(ztbModelStatusText(ztbModelUnbounded), "unbounded");
+  EXPECT_STREQ(ztbModelStatusText(ztbModelInfeasible), "infeasible");
+  EXPECT_STREQ(ztbModelStatusText(ztbModelFeasible), "feasible");
+  EXPECT_STREQ(ztbModelStatusText(ztbModelNoSolution), "no solution");
+  EXPECT_STREQ(ztbModelSolveStatusText(ztbSolveNormal), "normal completion");
+  EXPECT_STREQ(ztbModelSolveStatusText(ztbSolveIterationLimit), "iteration limit");
+  EXPECT_STREQ(ztbModelSolveStatusText(ztbSolveTimeLimit), "time limit");
+  EXPECT_STREQ(ztbModelSolveStatusText(ztbSolveTerminated), "terminated");
+  EXPECT_STREQ(ztbModelSolveStatusText(ztbSolveFailed), "failed");
+}
+
+}  // namespace

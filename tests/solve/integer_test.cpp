@@ -1,0 +1,88 @@
+// Models with integers against the solvers' own programs, which read the same file.
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <random>
+#include <regex>
+#include <sstream>
+#include <string>
+#include <ztb/model.hpp>
+
+#include "tests/support/temp_folder.h"
+
+namespace {
+
+std::string outputOf(const std::string& command) {
+  std::FILE* pipe = popen((command + " 2>&1").c_str(), "r");
+  std::string text;
+  std::array<char, 4096> part{};
+  while (std::fgets(part.data(), part.size(), pipe) != nullptr) text += part.data();
+  pclose(pipe);
+  return text;
+}
+
+double numberBehind(const std::string& text, const std::string& pattern) {
+  std::smatch found;
+  if (!std::regex_search(text, found, std::regex(pattern + R"(\s*(-?[0-9.eE+-]+))"))) {
+    ADD_FAILURE() << pattern << " is not in:\n" << text;
+    return 0;
+  }
+  return std::stod(found[1].str());
+}
+
+// Several knapsacks side by side with a common capacity row, numbers from a seed.
+std::string knapsacks(unsigned seed) {
+  std::mt19937 random(seed);
+  std::ostringstream text;
+  const int items = 14;
+  text << "Maximize\n worth: ";
+  for (int i = 0; i < items; ++i) text << " + " << 5 + random() % 40 << " take(" << i << ")";
+  text << " + 0.5 spare\nSubject To\n";
+  for (int k = 0; k < 3; ++k) {
+    text << " room(" << k << "):";
+    for (int i = 0; i < items; ++i) text << " + " << 3 + random() % 30 << " take(" << i << ")";
+    text << (k == 0 ? " + spare" : "") << " <= " << 90 + random() % 40 << "\n";
+  }
+  text << "Bounds\n";
+  for (int i = 0; i < items; ++i) text << " 0 <= take(" << i << ") <= " << 1 + random() % 3 << "\n";
+  text << " 0 <= spare <= 7\nGenerals\n";
+  for (int i = 0; i < items; ++i) text << " take(" << i << ")";
+  text << "\nEnd\n";
+  return text.str();
+}
+
+class Knapsacks : public testing::TestWithParam<unsigned> {};
+
+TEST_P(Knapsacks, HaveTheOptimumOfTheSolversOwnPrograms) {
+  const ztbtest::TempFolder folder;
+  const std::string file = folder.file("knapsack.lp");
+  std::ofstream(file) << knapsacks(GetParam());
+
+  const std::string report = folder.file("report.txt");
+  outputOf("glpsol --lp " + file + " --mipgap 0 -o " + report);
+  std::ostringstream glpk;
+  glpk << std::ifstream(report).rdbuf();
+  const double expected = numberBehind(glpk.str(), R"(Objective:\s*worth =)");
+  const double byCbc =
+      std::abs(numberBehind(outputOf("cbc " + file + " ratio 0 solve"), R"(Objective value:)"));
+  ASSERT_NEAR(expected, byCbc, 1e-6 * expected) << "the two programs do not agree";
+
+  for (const char* solver : {"cbc", "glpk"}) {
+    ztb::Model model = ztb::Model::open(file);
+    ztb::Database database;
+    ztb::ModelTie(database, model).solve(solver);
+    ASSERT_EQ(model.status(), ztbModelOptimal) << solver;
+    EXPECT_NEAR(model.objective(), expected, 1e-7 * expected) << solver;
+    for (ztb::Record& record : database.symbol("take").records()) {
+      EXPECT_NEAR(record.level(), std::round(record.level()), 1e-6) << record.key(0).str();
+    }
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Seeds, Knapsacks, testing::Range(1U, 9U));
+
+}  // namespace

@@ -1,0 +1,94 @@
+// Models with products of columns, worked by hand.
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <ztb/model.hpp>
+
+namespace {
+
+constexpr double kInf = std::numeric_limits<double>::infinity();
+
+TEST(Quadratic, TheNearestPointOfALine) {
+  // min x^2 + y^2, x + 2 y = 5: (1, 2) with value 5, and the multiplier is 2.
+  ztb::Model model;
+  model.setObjective("distance");
+  const int x = model.addColumn("x", -kInf, kInf);
+  const int y = model.addColumn("y", -kInf, kInf);
+  model.addProduct(0, x, x, 1);
+  model.addProduct(0, y, y, 1);
+  const int row = model.addRow("line", ztbRowEqual, 5);
+  model.addTerm(row, x, 1);
+  model.addTerm(row, y, 2);
+  ztb::Database database;
+  ztb::ModelTie(database, model).solve("ipopt");
+  EXPECT_EQ(model.status(), ztbModelLocallyOptimal);
+  EXPECT_NEAR(model.objective(), 5, 1e-6);
+  EXPECT_NEAR(database.symbol("x").find()->level(), 1, 1e-6);
+  EXPECT_NEAR(database.symbol("y").find()->level(), 2, 1e-6);
+  EXPECT_NEAR(database.symbol("line").find()->marginal(), 2, 1e-5);
+  EXPECT_NEAR(database.symbol("distance").find()->level(), 5, 1e-6);
+}
+
+TEST(Quadratic, AProductInARowAndMaximization) {
+  // max x + y, x y <= 4 is unbounded without bounds; with x, y in [1, 4] the corners (1, 4) and (4,
+  // 1) give
+  // 5. From the row's marginal: at (1, 4), 1 = m x for y gives m = 1, and x stands at its bound.
+  ztb::Model model;
+  model.setObjective("total", true);
+  const int x = model.addColumn("x", 1, 4);
+  const int y = model.addColumn("y", 1, 3);
+  model.addTerm(0, x, 1);
+  model.addTerm(0, y, 1);
+  const int row = model.addRow("area", ztbRowLessOrEqual, 4);
+  model.addProduct(row, x, y, 1);
+  ztb::Database database;
+  ztb::ModelTie(database, model).solve("ipopt");
+  EXPECT_EQ(model.status(), ztbModelLocallyOptimal);
+  // Either corner of the curve is locally best: (4, 1) with 5, or (4/3, 3) with 13/3.
+  const double objective = model.objective();
+  const bool first = objective > 4.9;
+  EXPECT_NEAR(objective, first ? 5 : 13.0 / 3, 1e-5);
+  EXPECT_NEAR(database.symbol("area").find()->level(), 4, 1e-5);
+  EXPECT_NEAR(database.symbol("area").find()->marginal(), first ? 0.25 : 1.0 / 3, 1e-4);
+}
+
+TEST(Quadratic, AProductWithAFactorThatStandsStillIsLinear) {
+  ztb::Model model;
+  model.setObjective("total");
+  const int rate = model.addColumn("rate_var", 2, 2);
+  const int x = model.addColumn("x", 0, kInf);
+  model.addTerm(0, x, 1);
+  const int row = model.addRow("need", ztbRowGreaterOrEqual, 6);
+  model.addProduct(row, rate, x, 1);
+  ztb::Database database;
+  ztb::ModelTie tie(database, model);
+  tie.solve("clp");
+  EXPECT_EQ(model.objective(), 3);
+  ztb::Symbol parameter = database.addParameter("rate", {});
+  parameter.merge().setLevel(4);
+  tie.update(parameter, ztb::Action::fix, parameter, ztb::Missing::base);
+  tie.solve("clp");
+  EXPECT_EQ(model.objective(), 1.5);
+  EXPECT_EQ(database.symbol("need").find()->level(), 6);
+  EXPECT_EQ(database.symbol("rate_var").find()->level(), 4);
+}
+
+TEST(Quadratic, AParameterSetFreeMakesTheModelQuadraticAgain) {
+  ztb::Model model;
+  model.setObjective("total");
+  const int rate = model.addColumn("rate_var", 2, 2);
+  const int x = model.addColumn("x", 0, 10);
+  model.addProduct(0, rate, x, 1);
+  model.addTerm(model.addRow("need", ztbRowGreaterOrEqual, 3), x, 1);
+  ztb::Database database;
+  ztb::ModelTie tie(database, model);
+  ztb::Symbol parameter = database.addParameter("rate", {});
+  parameter.merge().setLevel(5);
+  tie.update(parameter, ztb::Action::upper, parameter, ztb::Missing::base);
+  EXPECT_THROW(tie.solve("clp"), ztb::Error);
+  EXPECT_EQ(model.message(), "solver \"clp\" solves LP; the model is QP");
+  tie.solve("ipopt");
+  EXPECT_NEAR(model.objective(), 6, 1e-5);
+}
+
+}  // namespace

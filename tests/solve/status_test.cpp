@@ -1,0 +1,141 @@
+// How solves end: statuses told apart, refusals with their reasons, limits, terminate, the log.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <limits>
+#include <sstream>
+#include <string>
+#include <ztb/model.hpp>
+
+#include "tests/solve/transport.h"
+#include "tests/support/temp_folder.h"
+
+namespace {
+
+using testing::StartsWith;
+
+constexpr double kInf = std::numeric_limits<double>::infinity();
+
+// min x + y with x + y >= need, x <= 1.5, of the kind asked for.
+ztb::Model small(double need, int kind = ztbColumnContinuous, double lowerOfY = 0,
+                 double upperOfY = 10) {
+  ztb::Model model;
+  model.setObjective("total");
+  const int x = model.addColumn("x", 0, 1.5, kind);
+  const int y = model.addColumn("y", lowerOfY, upperOfY, kind);
+  const int row = model.addRow("need", ztbRowGreaterOrEqual, need);
+  for (const int column : {x, y}) model.addTerm(0, column, 1), model.addTerm(row, column, 1);
+  return model;
+}
+
+std::string failure(ztb::Model& model, const char* solver) {
+  ztb::Database database;
+  try {
+    ztb::ModelTie(database, model).solve(solver);
+  } catch (const ztb::Error& error) {
+    return error.what();
+  }
+  return "";
+}
+
+class Solvers : public testing::TestWithParam<const char*> {};
+
+TEST_P(Solvers, TellStatusesApart) {
+  ztb::Model fine = small(2);
+  EXPECT_EQ(failure(fine, GetParam()), "");
+  EXPECT_EQ(fine.status(), ztbModelOptimal);
+  EXPECT_EQ(fine.solveStatus(), ztbSolveNormal);
+  EXPECT_NEAR(fine.objective(), 2, 1e-7);
+
+  ztb::Model none = small(200);
+  EXPECT_EQ(failure(none, GetParam()), "");
+  EXPECT_EQ(none.status(), ztbModelInfeasible);
+  EXPECT_FALSE(none.hasSolution());
+}
+
+TEST_P(Solvers, CrossedBoundsAreInfeasible) {
+  ztb::Model model = small(2, ztbColumnContinuous, 5, 4);
+  EXPECT_EQ(failure(model, GetParam()), "");
+  EXPECT_EQ(model.status(), ztbModelInfeasible);
+}
+
+INSTANTIATE_TEST_SUITE_P(All, Solvers, testing::Values("clp", "cbc", "glpk", "ipopt"),
+                         [](const auto& test) { return std::string(test.param); });
+
+class LinearSolvers : public testing::TestWithParam<const char*> {};
+
+TEST_P(LinearSolvers, TellUnboundedModels) {
+  ztb::Model model;
+  model.setObjective("total", true);
+  model.addTerm(0, model.addColumn("x", 0, kInf), 1);
+  const int row = model.addRow("least", ztbRowGreaterOrEqual, 1);
+  model.addTerm(row, 0, 1);
+  EXPECT_EQ(failure(model, GetParam()), "");
+  EXPECT_EQ(model.status(), ztbModelUnbounded);
+}
+
+TEST_P(LinearSolvers, StopAtTheIterationLimit) {
+  ztb::Model model = solvetest::Transport(20, 30).model();
+  model.setOption("IterationLimit", "3");
+  EXPECT_EQ(failure(model, GetParam()), "");
+  EXPECT_EQ(model.solveStatus(), ztbSolveIterationLimit);
+  EXPECT_NE(model.status(), ztbModelOptimal);
+}
+
+INSTANTIATE_TEST_SUITE_P(All, LinearSolvers, testing::Values("clp", "glpk"),
+                         [](const auto& test) { return std::string(test.param); });
+
+TEST(Refusals, ASolverThatDoesNotTakeTheKindOfModel) {
+  ztb::Model integers = small(2, ztbColumnInteger);
+  EXPECT_EQ(failure(integers, "clp"),
+            "readyapi failed: solver \"clp\" solves LP; the model is MIP");
+  ztb::Model products = small(2);
+  products.addProduct(0, 0, 0, 1);
+  EXPECT_EQ(failure(products, "cbc"), "solver \"cbc\" solves LP, MIP; the model is QP");
+}
+
+TEST(Refusals, ASolverThatTheCatalogueDoesNotHave) {
+  ztb::Model model = small(2);
+  EXPECT_EQ(failure(model, "nosuch"), "Invalid solver name: nosuch");
+}
+
+class Catalogues : public testing::Test {
+ protected:
+  void write(const std::string& text) {
+    std::ofstream(folder_.file("vltcmpNT.txt")) << text;
+    model_.setOption("NameSysDir", folder_.file(""));
+  }
+
+  ztbtest::TempFolder folder_;
+  ztb::Model model_ = small(2);
+};
+
+TEST_F(Catalogues, ASolverWithoutItsLibraryOnlyDropsItsRow) {
+  const std::string libraries = ZTB_LIBRARY_FOLDER;
+  write("gone LP yes libgone.so\nnosolver LP no libc.so.6\nclp LP yes " + libraries +
+        "/libztbclp.so\n");
+  EXPECT_EQ(failure(model_, "gone"), "Invalid solver name: gone");
+  EXPECT_EQ(failure(model_, "CLP"), "");
+  EXPECT_EQ(model_.status(), ztbModelOptimal);
+}
+
+TEST_F(Catalogues, ARowThatCannotBeReadIsNamedWithItsLine) {
+  write("# fine\nclp LP perhaps libztbclp.so\n");
+  EXPECT_EQ(failure(model_, "clp"),
+            "Could not read configuration file: " + folder_.file("vltcmpNT.txt") +
+                ":2: in-place is \"yes\" or \"no\", not \"perhaps\"");
+}
+
+TEST(Log, GoesToTheFileThatTheOptionNames) {
+  ztbtest::TempFolder folder;
+  const std::string file = folder.file("solve.log");
+  ztb::Model model = small(2);
+  model.setOption("LogFile", file);
+  ASSERT_EQ(failure(model, "clp"), "");
+  std::ostringstream text;
+  text << std::ifstream(file).rdbuf();
+  EXPECT_THAT(text.str(), StartsWith("clp: optimal, normal completion, objective 2, "));
+}
+
+}  // namespace
