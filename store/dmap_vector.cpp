@@ -195,7 +195,7 @@ VectorIterator DMapVector::insertOrAssign(const VectorIterator& /*hint*/, const 
   if (dim_ == 0) {
     return insert(keys, values);
   }
-  const VectorIterator bound = lowerBound(keys);
+  VectorIterator bound = lowerBound(keys);
   if (isEnd(bound)) {
     return append(keys, values);
   }
@@ -252,7 +252,7 @@ VectorIterator DMapVector::lowerBound(const int* keys) {
 }
 
 VectorIterator DMapVector::find(const int* keys) {
-  const VectorIterator bound = lowerBound(keys);
+  VectorIterator bound = lowerBound(keys);
   if (bound.row() >= rowCount_ || compareKeys(keysAt(bound.row()), keys, width_) != 0) {
     return end();
   }

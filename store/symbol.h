@@ -232,7 +232,7 @@ class ZTBSymbol final : public AbstractZTBSymbol {
   }
 
   // The record at a position; throws std::logic_error where the store has none.
-  dmap::RecordView recordAt(const Iterator& position) const {
+  [[nodiscard]] dmap::RecordView recordAt(const Iterator& position) const {
     const dmap::RecordView record = position.get();
     if (record.values == nullptr) {
       throw std::logic_error("the position stands on no record");
