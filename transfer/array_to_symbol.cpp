@@ -173,18 +173,24 @@ int slices(ZTB& db, void* sym, void* const* sliceDomains, void* const* domains, 
   RecordTarget target(*symbol);
   Places index = {};
   KeyBuffer keys = {};
+  const std::size_t last = dim - 1;
   for (bool more = true; more;) {
-    std::size_t cell = 0;
-    for (std::size_t d = 0; d < dim; ++d) {
+    std::size_t row = 0;
+    for (std::size_t d = 0; d < last; ++d) {
       const SliceLabel& wanted = labels[d][index[d]];
-      cell = cell * static_cast<std::size_t>(vDim[d]) + wanted.rank;
+      row = row * static_cast<std::size_t>(vDim[d]) + wanted.rank;
       keys[d] = wanted.label;
     }
-    if (!cells.isZero(cell)) {
-      target.add(keys.data(), cells.value(cell));
+    row *= static_cast<std::size_t>(vDim[last]);
+    for (const SliceLabel& wanted : labels[last]) {
+      const std::size_t cell = row + wanted.rank;
+      if (!cells.isZero(cell)) {
+        keys[last] = wanted.label;
+        target.add(keys.data(), cells.value(cell));
+      }
     }
     more = false;
-    for (std::size_t d = dim; d-- > 0 && !more;) {
+    for (std::size_t d = last; d-- > 0 && !more;) {
       more = ++index[d] < labels[d].size();
       index[d] = more ? index[d] : 0;
     }
