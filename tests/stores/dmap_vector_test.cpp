@@ -185,6 +185,14 @@ TEST(VectorStore, insertHintOnNoRowAppendsUnchecked) {
   EXPECT_EQ(keysOver({1, 3, 2}), vector.keys());
 }
 
+TEST(VectorStore, insertHintOnTheNullIteratorAppendsUnchecked) {
+  Vector vector(1, keysOver({1, 3}));
+  const int key = 2;
+  const double value = 9;
+  EXPECT_EQ(2, vector.store.insertHint(&key, &value, VectorIterator()).row());
+  EXPECT_EQ(keysOver({1, 3, 2}), vector.keys());
+}
+
 TEST(VectorStore, insertHintOfTheHintsKeyPutsASecondRowInFrontOfIt) {
   StdoutCapture output;
   Vector vector(1, keysOver({1, 3}));
@@ -409,6 +417,43 @@ TEST(VectorStore, reserveMakesRoomInAnEmptyStore) {
   EXPECT_EQ(11U, vector.rows().size());
 }
 
+TEST(VectorStore, reserveZeroFillsTheRowsAndCountsNone) {
+  Vector vector(2, {{7, 7}, {8, 8}});
+  vector.store.clear();
+  vector.store.reserve(3);
+  EXPECT_EQ(0, vector.store.size());
+  for (int row = 0; row < 3; ++row) {
+    const dmap::RecordView record = vector.store.iteratorAt(row).get();
+    EXPECT_EQ((Key{0, 0}), (Key{record.keys[0], record.keys[1]})) << row;
+    EXPECT_EQ(0, *record.values) << row;
+  }
+  EXPECT_EQ(nullptr, vector.store.iteratorAt(3).get().keys);
+}
+
+TEST(VectorStore, anEraseAfterReserveEndsTheReservedRows) {
+  Vector vector(1);
+  vector.store.reserve(10);
+  vector.append({1}, 1);
+  vector.append({2}, 2);
+  vector.store.erase(vector.store.begin());
+  vector.append({3}, 3);
+  EXPECT_EQ((Rows{{{2}, 2}, {{3}, 3}}), vector.rows());
+  EXPECT_EQ(nullptr, vector.store.end().get().keys);
+}
+
+TEST(VectorStore, aDimensionThatNoKeyHasGivesAStoreThatHoldsNothing) {
+  for (const int dim : {-1, 21}) {
+    DMapVector store(dim, 1);
+    EXPECT_TRUE(store.append(nullptr, slots).isNull());
+    EXPECT_TRUE(store.insert(nullptr, slots).isNull());
+    EXPECT_TRUE(store.insertHint(nullptr, slots, store.end()).isNull());
+    EXPECT_TRUE(store.insertOrAssign(store.end(), nullptr, slots).isNull());
+    store.reserve(5);
+    EXPECT_EQ(0, store.size());
+    EXPECT_TRUE(store.find(nullptr).equals(store.end()));
+  }
+}
+
 TEST(VectorStore, reserveBeyondAnyMemoryThrowsAndKeepsTheStore) {
   Vector vector(1, keysOver({1}));
   try {
@@ -473,6 +518,17 @@ TEST_F(VectorScalar, eraseEmptiesAndTheStoreIsUsableAfterwards) {
   EXPECT_TRUE(store_.empty());
 }
 
+TEST_F(VectorScalar, withoutARecordGetGivesNothing) {
+  EXPECT_EQ(nullptr, store_.begin().get().keys);
+  EXPECT_EQ(nullptr, store_.begin().get().values);
+}
+
+TEST_F(VectorScalar, indexOfIsMinus1WithARecordToo) {
+  EXPECT_EQ(-1, store_.indexOf(store_.begin()));
+  put(1);
+  EXPECT_EQ(-1, store_.indexOf(store_.begin()));
+}
+
 TEST_F(VectorScalar, reserveDoesNothing) {
   put(7);
   store_.reserve(100);
@@ -493,6 +549,14 @@ TEST(VectorIteratorValue, theNullIteratorStandsOnNothing) {
   EXPECT_EQ(0, null.type());
   EXPECT_EQ(dmap::StorageKind::dMap, null.kind());
   EXPECT_EQ(nullptr, null.get().values);
+}
+
+TEST(VectorIteratorValue, withoutEitherArrayStandsOnNothing) {
+  dmap::FlatArray<int> keys;
+  dmap::FlatArray<double> values;
+  EXPECT_TRUE(VectorIterator(1, 1, 0, &keys, nullptr).isNull());
+  EXPECT_TRUE(VectorIterator(1, 1, 0, nullptr, &values).isNull());
+  EXPECT_FALSE(VectorIterator(1, 1, 0, &keys, &values).isNull());
 }
 
 TEST(VectorIteratorValue, carriesTheStoresDimensionTypeAndKind) {

@@ -257,7 +257,12 @@ TEST(GTree, nextLeadsPastTheLastRecordToTheEndPath) {
 TEST(GTree, nextThrowsAtTheEnd) {
   Tree tree(2, {{1, 1}});
   Path path = endPath;
-  EXPECT_THROW(tree.tree.next(path), std::logic_error);
+  try {
+    tree.tree.next(path);
+    FAIL() << "went on from the end";
+  } catch (const std::logic_error& error) {
+    EXPECT_STREQ("the path stands on no record of the trie", error.what());
+  }
   Tree flat(1, keysOver({1}));
   EXPECT_THROW(flat.tree.next(path), std::logic_error);
 }
@@ -314,6 +319,47 @@ TEST(GTree, eraseOfTheLastRecordMovesTheRightEndBack) {
   EXPECT_EQ((Rows{{{1, 1}, 1}, {{1, 4}, 2}, {{1, 5}, 9}}), tree.rows());
 }
 
+TEST(GTree, afterEraseOfTheLastRecordTheOneBeforeItIsOverwritten) {
+  Tree tree(2, {{1, 1}, {1, 4}, {3, 2}});
+  tree.erase({3, 2});
+  tree.append({1, 4}, 9);
+  EXPECT_EQ((Rows{{{1, 1}, 1}, {{1, 4}, 9}}), tree.rows());
+}
+
+TEST(GTree, eraseOfTheLastRecordThrowsWhereTheOneBeforeItIsAnEmptyBranch) {
+  Tree tree(3, {{1, 1, 1}, {1, 2, 1}, {1, 3, 1}});
+  tree.erase({1, 2, 1});
+  try {
+    tree.erase({1, 3, 1});
+    FAIL() << "found a record in an empty branch";
+  } catch (const std::logic_error& error) {
+    EXPECT_STREQ("the trie holds a branch without records", error.what());
+  }
+  EXPECT_EQ(2, tree.tree.count());
+  EXPECT_TRUE(tree.find({1, 3, 1}));
+}
+
+TEST(GTree, eraseOfAWholeTreeOfThreeLevelsFromTheFrontEmptiesIt) {
+  Tree tree(3, {{1, 1, 1}, {1, 2, 1}, {1, 3, 1}});
+  for (const int second : {1, 2, 3}) {
+    tree.erase({1, second, 1});
+  }
+  EXPECT_EQ(0, tree.tree.count());
+  EXPECT_TRUE(tree.tree.begin() == Path(3));
+}
+
+TEST(GTree, eraseOfTheRecordInsertedLastLeavesNothingOfItInThePlaceOfTheNext) {
+  Tree tree(2);
+  for (const int second : {1, 2, 3, 4}) {
+    tree.insert({1, second}, second);
+  }
+  tree.erase({1, 4});
+  tree.erase({1, 3});
+  tree.insert({1, 5}, 5);
+  tree.insert({2, 1}, 6);
+  EXPECT_EQ((Rows{{{1, 1}, 1}, {{1, 2}, 2}, {{1, 5}, 5}, {{2, 1}, 6}}), tree.rows());
+}
+
 TEST(GTree, eraseOfTheLastChildOnADeeperLevelLeavesTheNodeAboveWithoutChild) {
   Tree tree(3, {{1, 1, 1}, {1, 2, 1}, {1, 3, 1}});
   tree.erase({1, 2, 1});
@@ -322,7 +368,12 @@ TEST(GTree, eraseOfTheLastChildOnADeeperLevelLeavesTheNodeAboveWithoutChild) {
   tree.tree.next(path);
   EXPECT_EQ((Key{1, 2, 0}), keyOf(path));
   EXPECT_EQ(nullptr, path.node[2]);
-  EXPECT_THROW(tree.tree.next(path), std::logic_error);
+  try {
+    tree.tree.next(path);
+    FAIL() << "went on from a missing node";
+  } catch (const std::logic_error& error) {
+    EXPECT_STREQ("the path leads through a missing node of the trie", error.what());
+  }
 }
 
 TEST(GTree, aBranchWithoutRecordsTakesOneAgain) {
@@ -418,6 +469,24 @@ TEST(GTree, insertAnywhereBelowTheOldLastKeyAfterClearGivesTheOldPath) {
   tree.tree.clear();
   EXPECT_TRUE(old == tree.insert({1, 5}, 9));
   EXPECT_EQ((Rows{{{1, 5}, 9}}), tree.rows());
+}
+
+TEST(GTree, insertAnywhereAboveAForgottenLastKeyIsCountedButLinkedToWhatIsGone) {
+  Tree tree(2, {{1, 1}, {2, 2}});
+  tree.tree.clear();
+  tree.insert({1, 5}, 7);
+  EXPECT_EQ((Key{3, 1}), keyOf(tree.insert({3, 1}, 9)));
+  EXPECT_EQ(2, tree.tree.count());
+  EXPECT_EQ((std::vector<Key>{{1, 5}}), tree.keys());
+  EXPECT_FALSE(tree.find({3, 1}));
+}
+
+TEST(GTree, insertSequentialOfAForgottenLastKeyWritesToWhatIsGone) {
+  Tree tree(2, {{1, 1}, {2, 2}});
+  tree.tree.clear();
+  tree.insert({1, 5}, 7);
+  EXPECT_EQ((Key{2, 2}), keyOf(tree.append({2, 2}, 9)));
+  EXPECT_EQ((Rows{{{1, 5}, 7}}), tree.rows());
 }
 
 TEST(GTree, aRecordThatAForgottenBranchHidesIsWrittenAndCountedAgain) {

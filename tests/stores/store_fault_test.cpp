@@ -1,9 +1,13 @@
 // Every allocation fails once while records go into each store and while symbols move between them.
 #include <functional>
+#include <string>
 #include <tuple>
 
+#include "tests/fault/failing_allocation.h"
 #include "tests/fault/fault_loop.h"
 #include "tests/stores/store_case.h"
+#include "tests/support/stdout_capture.h"
+#include "tests/support/temp_folder.h"
 
 namespace ztbtest {
 namespace {
@@ -60,6 +64,54 @@ TEST_P(StoreFault, mergingARecord) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Stores, StoreFault, allStores(), storeCaseName);
+
+// The records of a file come at the first touch, into whatever store the symbol has. A failure is
+// reported once, and the symbol holds what was read until then.
+TEST_P(StoreFault, loadingASymbolOfAFile) {
+  const TempFolder folder;
+  const std::string file = folder.file("lazy.rxf");
+  {
+    Database source;
+    manyRecords(source);
+    ASSERT_EQ(1, lib().c__ztbwriterxf(source, file.c_str(), 1)) << source.lastError();
+  }
+  bool happened = true;
+  for (long number = 1; happened && !HasFailure(); ++number) {
+    SCOPED_TRACE(number);
+    const long before = liveAllocations();
+    {
+      Database db;
+      selectDefault(db, GetParam());
+      ASSERT_EQ(1, lib().c__ztbinitfromrxf(db, file.c_str())) << db.lastError();
+      void* symbol = p(db);
+      void* record = nullptr;
+      int result = -1;
+      StdoutCapture output;
+      {
+        const FailingAllocation failing(number, Failures::one);
+        result = lib().c__ztbfindfirstrecord(db, symbol, &record);
+        happened = failing.happened();
+      }
+      if (!happened) {
+        EXPECT_EQ(1, result);
+        EXPECT_EQ(120, db.recordCount(symbol));
+      } else if (result == 0) {
+        EXPECT_EQ(nullptr, record);
+        if (db.lastError() != "Out of memory in ztbFindFirstRecord") {
+          // The file library keeps its own failures to itself and delivers no record.
+          EXPECT_EQ("Cannot find a record in Symbol p", db.lastError());
+          EXPECT_EQ(0, db.recordCount(symbol));
+        }
+        EXPECT_GE(120, db.recordCount(symbol));
+        EXPECT_EQ(static_cast<std::size_t>(db.recordCount(symbol)), db.rows(symbol).size());
+      }
+      if (record != nullptr) {
+        lib().c__ztbfreesymboliterator(db, record);
+      }
+    }
+    EXPECT_EQ(before, liveAllocations()) << "allocations are left after the database ended";
+  }
+}
 
 // From one store to another: a failed move leaves the symbol, its records and its handle.
 class MoveFault : public testing::TestWithParam<std::tuple<int, int>> {};

@@ -1,0 +1,132 @@
+// What deleting and clearing leave behind in the trie, as a caller of the exported names meets it.
+#include <array>
+
+#include "tests/stores/store_case.h"
+
+namespace ztbtest {
+namespace {
+
+class TrieRemains : public testing::Test {
+ protected:
+  TrieRemains() {
+    for (const char* label : {"a", "b", "c", "d"}) {
+      db_.uel(label);
+    }
+  }
+
+  void* filled(int dim, const std::vector<Row>& rows) {
+    void* symbol = db_.addParameter("p", dim);
+    for (const Row& row : rows) {
+      db_.put(symbol, Keys(row.labels), row.level);
+    }
+    symbol = moveTo(db_, symbol, ZTB_STORAGE_TRIE);
+    selectDefault(db_, ZTB_STORAGE_TRIE);
+    return symbol;
+  }
+  void erase(void* symbol, Keys keys) {
+    EXPECT_SUCCESS(db_, lib().c__ztbdeleterecord(db_, db_.record(symbol, keys)));
+  }
+
+  Database db_;
+};
+
+TEST_F(TrieRemains, anEmptiedBranchOfThreeDimensionsStopsAWalk) {
+  void* symbol = filled(3, {{{"a", "a", "a"}, 1}, {{"a", "b", "a"}, 2}, {{"a", "c", "a"}, 3}});
+  erase(symbol, {"a", "b", "a"});
+  EXPECT_EQ(2, db_.recordCount(symbol));
+  EXPECT_EQ(3, db_.level(db_.record(symbol, {"a", "c", "a"})));
+  const Record record = db_.first(symbol);
+  EXPECT_SUCCESS(db_, lib().c__ztbrecordmovenext(db_, record));
+  double value = 0;
+  EXPECT_FAILURE(db_, "Unexpected exception in ztbGetLevel: the record handle stands on no record",
+                 lib().c__ztbgetlevel(db_, record, &value));
+  EXPECT_FAILURE(db_,
+                 "Unexpected exception in ztbRecordMoveNext: the path leads through a missing "
+                 "node of the trie",
+                 lib().c__ztbrecordmovenext(db_, record));
+}
+
+TEST_F(TrieRemains, anEmptiedBranchTakesARecordAgain) {
+  void* symbol = filled(3, {{{"a", "a", "a"}, 1}, {{"a", "b", "a"}, 2}, {{"a", "c", "a"}, 3}});
+  erase(symbol, {"a", "b", "a"});
+  db_.put(symbol, {"a", "b", "d"}, 4);
+  EXPECT_EQ((std::vector<Row>{{{"a", "a", "a"}, 1}, {{"a", "b", "d"}, 4}, {{"a", "c", "a"}, 3}}),
+            db_.rows(symbol));
+}
+
+TEST_F(TrieRemains, theLastRecordBehindAnEmptiedBranchIsNotDeleted) {
+  selectDefault(db_, ZTB_STORAGE_TRIE);
+  void* symbol = db_.addParameter("p", 3);
+  // By number the first record goes in by the sequential entry, and the last one is remembered.
+  const std::array<int, 3> first = {1, 1, 1};
+  const std::array<double, 5> values = {1};
+  ASSERT_EQ(1,
+            lib().c__ztbmergerecordint(db_, symbol, first.data(), 1, 0, nullptr, 1, values.data()));
+  db_.put(symbol, {"a", "b", "a"}, 2);
+  db_.put(symbol, {"a", "c", "a"}, 3);
+  erase(symbol, {"a", "b", "a"});
+  const Record last = db_.record(symbol, {"a", "c", "a"});
+  EXPECT_FAILURE(db_,
+                 "Unexpected exception in ztbDeleteRecord: the trie holds a branch without records",
+                 lib().c__ztbdeleterecord(db_, last));
+  EXPECT_EQ(2, db_.recordCount(symbol));
+  EXPECT_EQ(3, db_.level(last));
+}
+
+TEST_F(TrieRemains, walkingAndDeletingThreeDimensionsEmptiesTheSymbol) {
+  void* symbol = filled(
+      3, {{{"a", "a", "a"}, 1}, {{"a", "a", "b"}, 2}, {{"a", "b", "a"}, 3}, {{"a", "d", "d"}, 4}});
+  const Record record = db_.first(symbol);
+  for (int left = 3; left >= 0; --left) {
+    EXPECT_SUCCESS(db_, lib().c__ztbdeleterecord(db_, record));
+    EXPECT_EQ(left, db_.recordCount(symbol));
+  }
+  void* none = this;
+  EXPECT_FAILURE(db_, "Cannot find a record in Symbol p",
+                 lib().c__ztbfindfirstrecord(db_, symbol, &none));
+}
+
+TEST_F(TrieRemains, theDeletedFirstOfSeveralLabelsStaysInFrontOfARing) {
+  void* symbol = filled(1, {{{"a"}, 1}, {{"b"}, 2}, {{"c"}, 3}});
+  erase(symbol, {"a"});
+  EXPECT_EQ(2, db_.recordCount(symbol));
+  const Record record = db_.first(symbol);
+  std::vector<double> walked = {db_.level(record)};
+  for (int step = 0; step < 4; ++step) {
+    EXPECT_SUCCESS(db_, lib().c__ztbrecordmovenext(db_, record));
+    walked.push_back(db_.level(record));
+  }
+  EXPECT_EQ((std::vector<double>{1, 2, 3, 2, 3}), walked);
+}
+
+TEST_F(TrieRemains, theOnlyRecordsNodeStaysAndTheSymbolIsEmpty) {
+  void* symbol = filled(2, {{{"b", "b"}, 1}});
+  erase(symbol, {"b", "b"});
+  EXPECT_EQ(0, db_.recordCount(symbol));
+  EXPECT_EQ(std::vector<Row>{}, db_.rows(symbol));
+  db_.put(symbol, {"b", "c"}, 2);
+  db_.put(symbol, {"c", "a"}, 3);
+  EXPECT_EQ((std::vector<Row>{{{"b", "c"}, 2}, {{"c", "a"}, 3}}), db_.rows(symbol));
+}
+
+TEST_F(TrieRemains, afterClearingTheLastKeyOfBeforeIsMergedIntoNothing) {
+  void* symbol = filled(1, {{{"a"}, 1}, {{"b"}, 2}});
+  EXPECT_SUCCESS(db_, lib().c__ztbclearsymbol(db_, symbol));
+  const Record record = db_.put(symbol, {"b"}, 5);
+  EXPECT_EQ(5, db_.level(record));
+  EXPECT_EQ(0, db_.recordCount(symbol));
+  EXPECT_EQ(std::vector<Row>{}, db_.rows(symbol));
+}
+
+TEST_F(TrieRemains, afterClearingALowerKeyIsMergedAndAnotherAboveIsOnlyCounted) {
+  void* symbol = filled(1, {{{"a"}, 1}, {{"c"}, 2}});
+  EXPECT_SUCCESS(db_, lib().c__ztbclearsymbol(db_, symbol));
+  db_.put(symbol, {"b"});
+  EXPECT_EQ((std::vector<Row>{{{"b"}, 0}}), db_.rows(symbol));
+  db_.put(symbol, {"d"});
+  EXPECT_EQ(2, db_.recordCount(symbol));
+  EXPECT_EQ((std::vector<Row>{{{"b"}, 0}}), db_.rows(symbol));
+}
+
+}  // namespace
+}  // namespace ztbtest
