@@ -1,0 +1,157 @@
+#include "providers/model/lp_rows.h"
+
+#include <cmath>
+#include <utility>
+
+#include "providers/model/file_bounds.h"
+#include "providers/model/lp_sections.h"
+
+namespace lomu {
+
+LpRelation mirrored(LpRelation relation) {
+  switch (relation) {
+    case LpRelation::lessOrEqual:
+      return LpRelation::greaterOrEqual;
+    case LpRelation::greaterOrEqual:
+      return LpRelation::lessOrEqual;
+    default:
+      return relation;
+  }
+}
+
+std::optional<LpRelation> takeRelationIf(LpTokens& tokens) {
+  if (tokens.takeIf(LpTokenKind::lessOrEqual)) return LpRelation::lessOrEqual;
+  if (tokens.takeIf(LpTokenKind::greaterOrEqual)) return LpRelation::greaterOrEqual;
+  if (tokens.takeIf(LpTokenKind::equal)) return LpRelation::equal;
+  return std::nullopt;
+}
+
+LpRelation takeRelation(LpTokens& tokens) {
+  const auto relation = takeRelationIf(tokens);
+  if (!relation) tokens.failExpecting("\"<=\", \">=\" or \"=\"");
+  return *relation;
+}
+
+void LpRowReader::readObjective() {
+  const std::size_t line = tokens_.next().line;
+  if (auto label = takeLabel()) {
+    enterName(*label, line);
+    model_.rows[0].name = std::move(*label);
+    objectiveNamed_ = true;
+  }
+  const LpExpression sum = readLpExpression(tokens_, columns_, LpPlace::objective);
+  if (tokens_.next().kind != LpTokenKind::end && !lpSection(tokens_)) {
+    tokens_.failExpecting("\"+\", \"-\" or a section such as Subject To after the objective");
+  }
+  if (!std::isfinite(fromFile(sum.constant))) {
+    tokens_.fail(line, "the constant of the objective is infinite, expected a size below 1e30");
+  }
+  model_.objectiveConstant = sum.constant;
+  addTerms(sum, 0);
+}
+
+void LpRowReader::readRows() {
+  while (tokens_.next().kind != LpTokenKind::end && !lpSection(tokens_)) readRow();
+}
+
+void LpRowReader::nameObjective() {
+  if (objectiveNamed_) return;
+  std::string& name = model_.rows[0].name;
+  while (lineOfName_.contains(name)) name += '_';
+}
+
+void LpRowReader::readRow() {
+  const std::size_t line = tokens_.next().line;
+  auto label = takeLabel();
+  std::string name = label ? std::move(*label) : "R" + std::to_string(model_.rows.size());
+  enterName(name, line);
+  readRow(line, std::move(name));
+}
+
+void LpRowReader::readRow(std::size_t line, std::string name) {
+  LpExpression left = readSide(LpPlace::leftSide);
+  LpRelation relation = takeRelation(tokens_);
+  LpExpression right = readSide(LpPlace::rightSide);
+  const std::size_t secondLine = tokens_.next().line;
+  if (const auto second = takeRelationIf(tokens_)) {
+    const LpExpression third = readSide(LpPlace::rightSide);
+    if (!left.isConstant() || !third.isConstant()) {
+      tokens_.fail(secondLine, "a second relation in row " + shown(name) +
+                                   ", whose first and last side are not both numbers; expected "
+                                   "such as -3 <= x + y <= 5, or a label before a new row");
+    }
+    if (*second != relation || relation == LpRelation::equal) {
+      tokens_.fail(secondLine, "the two relations of row " + shown(name) +
+                                   " do not go together, expected two \"<=\" or two \">=\"");
+    }
+    const bool ascends = relation == LpRelation::lessOrEqual;
+    const double lower = ascends ? left.constant : third.constant;
+    const double upper = ascends ? third.constant : left.constant;
+    return addRow(line, std::move(name), right, lower, upper);
+  }
+  if (left.isConstant()) {
+    std::swap(left, right);
+    relation = mirrored(relation);
+  }
+  const double rhs = std::exchange(right.constant, 0);
+  left.add(right, -1);
+  addRow(line, std::move(name), left, relation == LpRelation::lessOrEqual ? -kInfinity : rhs,
+         relation == LpRelation::greaterOrEqual ? kInfinity : rhs);
+}
+
+LpExpression LpRowReader::readSide(LpPlace place) {
+  switch (tokens_.next().kind) {
+    case LpTokenKind::plus:
+    case LpTokenKind::minus:
+    case LpTokenKind::number:
+    case LpTokenKind::openBracket:
+      break;
+    case LpTokenKind::name:
+      if (tokens_.second().kind != LpTokenKind::colon && !lpSection(tokens_)) break;
+      [[fallthrough]];
+    default:
+      tokens_.failExpecting("a number, a name or a bracket");
+  }
+  return readLpExpression(tokens_, columns_, place);
+}
+
+std::optional<std::string> LpRowReader::takeLabel() {
+  if (tokens_.next().kind != LpTokenKind::name) return std::nullopt;
+  if (tokens_.second().kind != LpTokenKind::colon) return std::nullopt;
+  std::string label(tokens_.take().text);
+  tokens_.take();
+  return label;
+}
+
+void LpRowReader::enterName(const std::string& name, std::size_t line) {
+  const auto [entry, isNew] = lineOfName_.try_emplace(name, line);
+  if (isNew) return;
+  tokens_.fail(line, "the row name " + shown(name) + " stands in line " +
+                         std::to_string(entry->second) + " already, expected another one");
+}
+
+void LpRowReader::addRow(std::size_t line, std::string name, const LpExpression& expression,
+                         double lower, double upper) {
+  if (expression.isConstant()) {
+    tokens_.fail(line, "row " + shown(name) + " has no variable, expected one");
+  }
+  RowData row{std::move(name)};
+  lower = fromFile(lower - expression.constant);
+  upper = fromFile(upper - expression.constant);
+  if (const char* const wrong = setRowBounds(row, lower, upper)) {
+    tokens_.fail(line, "row " + shown(row.name) + " " + wrong);
+  }
+  addTerms(expression, static_cast<int>(model_.rows.size()));
+  model_.rows.push_back(std::move(row));
+}
+
+void LpRowReader::addTerms(const LpExpression& expression, int row) {
+  for (const Term& term : expression.terms) {
+    model_.terms.push_back({row, term.column, term.value});
+  }
+  for (const Product& product : expression.products) {
+    model_.products.push_back({row, product.column1, product.column2, product.value});
+  }
+}
+
+}  // namespace lomu

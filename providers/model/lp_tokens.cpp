@@ -1,0 +1,244 @@
+#include "providers/model/lp_tokens.h"
+
+#include <algorithm>
+#include <charconv>
+#include <system_error>
+#include <utility>
+
+#include "providers/model/model_error.h"
+
+namespace lomu {
+
+namespace {
+
+constexpr std::size_t kMaxName = 255;
+constexpr std::size_t kMaxShown = 60;
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+constexpr std::string_view kNameSigns = "!\"#$%&/,.;?@_`'{}|~";
+
+bool isDigit(char c) {
+  return c >= '0' && c <= '9';
+}
+bool isLetter(char c) {
+  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || static_cast<unsigned char>(c) >= 0x80;
+}
+bool isBlank(char c) {
+  return c == ' ' || c == '\t' || c == '\r' || c == '\f' || c == '\v';
+}
+bool isControl(char c) {
+  return static_cast<unsigned char>(c) < 0x20 || c == 0x7F;
+}
+bool isOpen(char c) {
+  return c == '[' || c == '(';
+}
+bool isClose(char c) {
+  return c == ']' || c == ')';
+}
+
+bool continuesName(char c) {
+  return isLetter(c) || isDigit(c) || kNameSigns.find(c) != std::string_view::npos;
+}
+bool beginsName(char c) {
+  return continuesName(c) && !isDigit(c) && c != '.' && c != '/';
+}
+
+char lowered(char c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+}  // namespace
+
+std::string shown(std::string_view text) {
+  std::string result = "\"";
+  for (const char c : text.substr(0, kMaxShown)) {
+    result += isControl(c) ? '?' : c;
+  }
+  if (text.size() > kMaxShown) result += "...";
+  return result + '"';
+}
+
+bool sameWord(std::string_view a, std::string_view b) {
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                    [](char x, char y) { return lowered(x) == lowered(y); });
+}
+
+LpTokens::LpTokens(std::string file, std::string_view text) : file_(std::move(file)), text_(text) {
+  if (text_.starts_with(kByteOrderMark)) text_.remove_prefix(kByteOrderMark.size());
+  next_ = scan();
+  second_ = scan();
+}
+
+LpToken LpTokens::take() {
+  const LpToken taken = next_;
+  next_ = second_;
+  if (second_.kind != LpTokenKind::end) second_ = scan();
+  return taken;
+}
+
+bool LpTokens::takeIf(LpTokenKind kind) {
+  if (next_.kind != kind) return false;
+  take();
+  return true;
+}
+
+void LpTokens::fail(std::size_t line, const std::string& text) const {
+  throw ModelError(file_ + ":" + std::to_string(line) + ": " + text);
+}
+
+void LpTokens::failExpecting(const std::string& what) const {
+  const bool over = next_.kind == LpTokenKind::end;
+  fail(next_.line,
+       "found " + (over ? "the end of the file" : shown(next_.text)) + ", expected " + what);
+}
+
+void LpTokens::skipBlanks() {
+  for (; more(); ++position_) {
+    if (at() == '\n') {
+      ++line_;
+      startsLine_ = true;
+    } else if (at() == '\\') {
+      while (at(1) != '\n') ++position_;
+    } else if (!isBlank(at())) {
+      return;
+    }
+  }
+}
+
+LpToken LpTokens::scan() {
+  skipBlanks();
+  LpToken token;
+  token.line = line_;
+  token.startsLine = std::exchange(startsLine_, false);
+  if (!more()) return token;
+  const std::size_t begin = position_;
+  if (isDigit(at()) || at() == '.') {
+    token.kind = LpTokenKind::number;
+    token.number = scanNumber();
+  } else if (beginsName(at())) {
+    token.kind = LpTokenKind::name;
+    scanName();
+  } else {
+    token.kind = scanOperator();
+  }
+  token.text = text_.substr(begin, position_ - begin);
+  return token;
+}
+
+LpTokenKind LpTokens::scanOperator() {
+  const char c = at();
+  const char after = at(1);
+  ++position_;
+  switch (c) {
+    case '+':
+      return LpTokenKind::plus;
+    case '-':
+      if (after == '>') fail(line_, "\"->\": rows under a condition are not supported");
+      return LpTokenKind::minus;
+    case '*':
+      return LpTokenKind::times;
+    case '^':
+      return LpTokenKind::power;
+    case '/':
+      return LpTokenKind::divide;
+    case ':':
+      return LpTokenKind::colon;
+    case '[':
+      return LpTokenKind::openBracket;
+    case ']':
+      return LpTokenKind::closeBracket;
+    case '<':
+    case '>':
+      if (after == '=') ++position_;
+      return c == '<' ? LpTokenKind::lessOrEqual : LpTokenKind::greaterOrEqual;
+    case '=':
+      if (after != '<' && after != '>') return LpTokenKind::equal;
+      ++position_;
+      return after == '<' ? LpTokenKind::lessOrEqual : LpTokenKind::greaterOrEqual;
+    default:
+      break;
+  }
+  if (isOpen(c) || isClose(c)) {
+    fail(line_, shown({&c, 1}) + " without a name right before it, expected a name or a number");
+  }
+  if (isControl(c)) fail(line_, "a byte of value " + std::to_string(+c) + ", expected text");
+  fail(line_, shown({&c, 1}) + " cannot stand here, expected a name, a number or an operator");
+}
+
+double LpTokens::scanNumber() {
+  double value = 0;
+  const char* const begin = text_.data() + position_;
+  const auto [end, error] = std::from_chars(begin, text_.data() + text_.size(), value);
+  if (error == std::errc::invalid_argument) {
+    fail(line_, "a point without digits, expected a number");
+  }
+  const auto length = static_cast<std::size_t>(end - begin);
+  if (error == std::errc::result_out_of_range) {
+    fail(line_, "the number " + std::string(text_.substr(position_, std::min(length, kMaxShown))) +
+                    " is out of range, expected a size from 2.3e-308 to 1.7e308");
+  }
+  position_ += length;
+  return value;
+}
+
+void LpTokens::scanName() {
+  const std::size_t begin = position_;
+  while (more()) {
+    if (isOpen(at())) {
+      scanNameBracket(begin);
+    } else if (continuesName(at())) {
+      ++position_;
+    } else {
+      break;
+    }
+  }
+  const std::string_view name = text_.substr(begin, position_ - begin);
+  if (name.size() > kMaxName) {
+    fail(line_, "the name " + shown(name) + " has " + std::to_string(name.size()) +
+                    " characters, expected at most " + std::to_string(kMaxName));
+  }
+}
+
+void LpTokens::scanNameBracket(std::size_t begin) {
+  const char closing = at() == '[' ? ']' : ')';
+  ++position_;
+  std::size_t depth = 1;
+  bool startsLabel = true;
+  while (depth > 0) {
+    const char c = at();
+    const std::string_view name = text_.substr(begin, position_ - begin);
+    if (c == '\n') {
+      fail(line_, "the bracket in the name " + shown(name) + " is not closed, expected \"" +
+                      closing + "\" on the same line");
+    }
+    if (c == ' ' || isControl(c)) {
+      fail(line_, "a blank in the name " + shown(name) +
+                      ", expected none but between quotes in its bracket");
+    }
+    if (startsLabel && (c == '\'' || c == '"')) {
+      scanQuoted(begin);
+    } else {
+      if (isOpen(c)) ++depth;
+      if (isClose(c) && --depth == 0 && c != closing) {
+        fail(line_, "the name " + shown(name) + " ends with " + shown({&c, 1}) + ", expected \"" +
+                        closing + "\"");
+      }
+      ++position_;
+    }
+    startsLabel = depth == 1 && c == ',';
+  }
+}
+
+void LpTokens::scanQuoted(std::size_t begin) {
+  const char quote = at();
+  ++position_;
+  while (at() != quote || at(1) == quote) {
+    if (isControl(at())) {
+      fail(line_, "the quote in the name " + shown(text_.substr(begin, position_ - begin)) +
+                      " is not closed, expected it closed on the same line");
+    }
+    position_ += at() == quote ? 2 : 1;
+  }
+  ++position_;
+}
+
+}  // namespace lomu

@@ -1,0 +1,99 @@
+#include "providers/model/model_file.h"
+
+#include <cerrno>
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <limits>
+#include <string_view>
+#include <system_error>
+
+#include "providers/model/glpk_reader.h"
+#include "providers/model/lp_reader.h"
+#include "providers/model/lp_tokens.h"
+#include "providers/model/model_error.h"
+
+namespace lomu {
+
+namespace {
+
+enum class FileKind { lp, mps, mathProg };
+
+bool endsWith(std::string_view file, std::string_view ending) {
+  return file.size() > ending.size() && sameWord(file.substr(file.size() - ending.size()), ending);
+}
+
+FileKind kindOf(const std::string& file) {
+  if (endsWith(file, ".lp")) return FileKind::lp;
+  if (endsWith(file, ".mps") || endsWith(file, ".mps.gz")) return FileKind::mps;
+  if (endsWith(file, ".mod")) return FileKind::mathProg;
+  throw ModelError(file + ": unknown ending, expected .lp, .mps, .mps.gz or .mod");
+}
+
+// Opens an ordinary file with something in it and gives its size.
+std::ifstream open(const std::string& file, std::uintmax_t& size) {
+  std::error_code error;
+  const auto status = std::filesystem::status(file, error);
+  if (error) throw ModelError(file + ": " + error.message() + ", expected a file that can be read");
+  if (std::filesystem::is_directory(status)) {
+    throw ModelError(file + ": this is a folder, expected a file");
+  }
+  if (!std::filesystem::is_regular_file(status)) {
+    throw ModelError(file + ": this is no ordinary file, expected one");
+  }
+  errno = 0;
+  std::ifstream in(file, std::ios::binary);
+  if (!in) {
+    throw ModelError(file + ": " + std::generic_category().message(errno) +
+                     ", expected a file that can be read");
+  }
+  size = std::filesystem::file_size(file, error);
+  if (error) throw ModelError(file + ": " + error.message() + ", expected a file that can be read");
+  if (size == 0) throw ModelError(file + ":1: the file is empty, expected text");
+  if (size > static_cast<std::uintmax_t>(std::numeric_limits<int>::max())) {
+    throw ModelError(file + ": the file has " + std::to_string(size) + " bytes, expected at most " +
+                     std::to_string(std::numeric_limits<int>::max()));
+  }
+  return in;
+}
+
+void checkReadable(const std::string& file) {
+  std::uintmax_t size = 0;
+  open(file, size);
+}
+
+std::string readText(const std::string& file) {
+  std::uintmax_t size = 0;
+  std::ifstream in = open(file, size);
+  std::string text(static_cast<std::size_t>(size), '\0');
+  in.read(text.data(), static_cast<std::streamsize>(text.size()));
+  if (in.gcount() != static_cast<std::streamsize>(text.size())) {
+    throw ModelError(file + ": reading ended after " + std::to_string(in.gcount()) +
+                     " bytes, expected " + std::to_string(size));
+  }
+  return text;
+}
+
+}  // namespace
+
+ModelData readModelFile(const std::string& file, const std::string& dataFile) {
+  const FileKind kind = kindOf(file);
+  if (kind != FileKind::mathProg && !dataFile.empty()) {
+    throw ModelError(file +
+                     ": this kind of model takes no data file, expected none beside it but " +
+                     dataFile + " was given");
+  }
+  switch (kind) {
+    case FileKind::lp:
+      return readLp(file, readText(file));
+    case FileKind::mps:
+      checkReadable(file);
+      return readMps(file);
+    default:
+      checkReadable(file);
+      if (!dataFile.empty()) checkReadable(dataFile);
+      return readMathProg(file, dataFile);
+  }
+}
+
+}  // namespace lomu
