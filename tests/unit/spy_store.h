@@ -42,6 +42,7 @@ class SpyStore final : public dmap::IDMap<dmap::DMapIterator> {
     note("append " + text(keys));
     return inner_.append(keys, values);
   }
+  void load(const int* keys, const double* values) { append(keys, values); }
   Iterator insert(const int* keys, const double* values) override {
     note("insert " + text(keys));
     return inner_.insert(keys, values);
