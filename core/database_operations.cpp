@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <stdexcept>
 #include <string>
 
 #include "core/frame.h"
@@ -16,22 +17,21 @@ namespace {
 template <class Body>
 int lifetimeOperation(ztbRec** pztb, const char* name, Body&& body) {
   traceOperation(name);
-  ZTB* before = *pztb == nullptr ? nullptr : &databaseOf(*pztb);
   try {
     body();
     return success;
   } catch (const std::bad_alloc&) {
-    if (before == nullptr) {
+    if (*pztb == nullptr) {
       std::printf("Out of memory in %s\n", name);
       return failure;
     }
-    return before->fail("Out of memory in %s", name);
+    return databaseOf(*pztb).fail("Out of memory in %s", name);
   } catch (const std::exception& e) {
-    if (before == nullptr) {
+    if (*pztb == nullptr) {
       std::printf("Unexpected exception in %s: %s\n", name, e.what());
       return failure;
     }
-    return before->fail("Unexpected exception in %s: %s", name, e.what());
+    return databaseOf(*pztb).fail("Unexpected exception in %s: %s", name, e.what());
   }
 }
 
@@ -78,6 +78,9 @@ int ztbSetDebug(ztbRec* /*handle*/, int level) {
 
 int ztbPrintLog(ztbRec* handle, const char* msg) {
   return operation(handle, "ztbPrintLog", [&](const ZTB& db) {
+    if (msg == nullptr) {
+      throw std::logic_error("there is no text to print");
+    }
     if (db.logCallback == nullptr) {
       std::puts(msg);
       return success;

@@ -63,6 +63,15 @@ inline void requireKeyRoom(const AbstractZTBSymbol& symbol) {
   }
 }
 
+[[noreturn]] void throwNoKeys(const AbstractZTBSymbol& symbol);
+
+// Throws std::logic_error when the symbol has positions and there is no array of keys for them.
+inline void requireKeys(const AbstractZTBSymbol& symbol, const void* keys) {
+  if (keys == nullptr && symbol.dim > 0) {
+    throwNoKeys(symbol);
+  }
+}
+
 // A record's labels for messages, as ("a","b"); of dimension 0 as (").
 std::string recordText(const char* const* keys, int dim);
 

@@ -14,6 +14,7 @@ namespace {
 // The numbers of a record's labels, which enter the universe; false when one is refused.
 bool mergeLabels(ZTB& db, const AbstractZTBSymbol& symbol, const char** keys, KeyBuffer& numbers) {
   requireKeyRoom(symbol);
+  requireKeys(symbol, keys);
   for (int d = 0; d < symbol.dim; ++d) {
     if (!db.uels.merge(keys[d], &numbers[static_cast<std::size_t>(d)])) {
       return false;

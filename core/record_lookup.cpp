@@ -31,6 +31,7 @@ int findRecord(ZTB& db, void* sym, const char** keys, void** recPtr) {
     return failNoSymbol(db);
   }
   if (isUniverse(db, symbol)) {
+    requireKeys(*symbol, keys);
     return findLabel(db, keys[0], recPtr);
   }
   if (!db.ensureLoaded(*symbol)) {
@@ -41,6 +42,7 @@ int findRecord(ZTB& db, void* sym, const char** keys, void** recPtr) {
     return db.fail("Cannot find any record in Symbol %s (%s is empty)", name, name);
   }
   requireKeyRoom(*symbol);
+  requireKeys(*symbol, keys);
   KeyBuffer numbers = {};
   for (int d = 0; d < symbol->dim; ++d) {
     int number = 0;
@@ -105,6 +107,7 @@ int findEndRecordInSlice(ZTB& db, void* sym, const char** keys, End end, void** 
     return db.fail("Cannot find a record in Symbol %s", name);
   }
   requireKeyRoom(*symbol);
+  requireKeys(*symbol, keys);
   KeyBuffer mask = {};
   for (int d = 0; d < symbol->dim; ++d) {
     if (keys[d] != nullptr && std::strcmp(keys[d], " ") == 0) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <stdexcept>
 
 #include "core/default_records.h"
 #include "core/frame.h"
@@ -65,7 +66,11 @@ const double* slotsOf(ZTB& db, const AbstractZTBSymbol& symbol, const Content& c
 [[gnu::always_inline]] inline int storeRecord(ZTB& db, AbstractZTBSymbol& symbol, const int* keys,
                                               int checkUEL, int returnSymPtr, void** recPtr,
                                               const Content& content) {
-  if (!db.ensureLoaded(symbol) || (checkUEL != 0 && !checkNumbers(db, symbol, keys))) {
+  if (!db.ensureLoaded(symbol)) {
+    return failure;
+  }
+  requireKeys(symbol, keys);
+  if (checkUEL != 0 && !checkNumbers(db, symbol, keys)) {
     return failure;
   }
   SlotRoom room;
@@ -106,6 +111,9 @@ int ztbMergeRecordInt(ztbRec* handle, void* sym, const int* keys, int checkUEL, 
     }
     if (symbol->type == ZTB_SET && haveValues != 0) {
       return db.fail("Cannot add set records with values. Use ztbMergeSetRecordInt");
+    }
+    if (haveValues != 0 && values == nullptr) {
+      throw std::logic_error("no values are given for symbol " + symbol->name);
     }
     return storeRecord(db, *symbol, keys, checkUEL, returnSymPtr, recPtr,
                        {haveValues != 0 ? values : nullptr, nullptr});

@@ -58,7 +58,7 @@ void* ztbSelectRecordStoragePy(ztbRec* handle, void* sym, int code, int* status)
   *status = operation(handle, {"ztbSelectRecordStoragePy", "ztbSelectRecordStorage"}, [&](ZTB& db) {
     return selectStorage(db, symbol == nullptr ? nullptr : &symbol, code);
   });
-  return symbol;
+  return *status == success ? symbol : nullptr;
 }
 
 }  // namespace ztb

@@ -2,6 +2,8 @@
 
 #include <ztb/ztb.h>
 
+#include <utility>
+
 #include "core/exports/short_string.h"
 #include "core/exports/string_room.h"
 #include "core/operations.h"
@@ -15,16 +17,18 @@ using ztb::exports::ShortStringOut;
 using ztb::exports::ShortStringsIn;
 using ztb::exports::ShortStringsOut;
 
-// Calls `plain(keys)` with as many labels as the symbol has positions; 0, and `*recPtr` null, when
-// there is no symbol.
+// Calls `plain(keys)` with as many labels as the symbol has positions; 0 when there is no symbol.
 template <class Plain>
-int withKeys(ztbRec* handle, void* sym, const char* keys, void** recPtr, Plain&& plain) {
+int withKeys(ztbRec* handle, void* sym, const char* keys, Plain&& plain) {
   int dim = 0;
-  if (ztb::ztbSymbolDim(handle, sym, &dim) == 0) {
-    *recPtr = nullptr;
-    return 0;
-  }
-  return plain(ShortStringsIn(keys, dim));
+  return ztb::ztbSymbolDim(handle, sym, &dim) == 0 ? 0 : plain(ShortStringsIn(keys, dim));
+}
+
+// The same for operations that empty `*recPtr` before anything else.
+template <class Plain>
+int emptiedWithKeys(ztbRec* handle, void* sym, const char* keys, void** recPtr, Plain&& plain) {
+  *recPtr = nullptr;
+  return withKeys(handle, sym, keys, std::forward<Plain>(plain));
 }
 
 // The same for the twins that return their handle: null, with status 0, when there is no symbol.
@@ -32,7 +36,7 @@ template <class Plain>
 void* handleWithKeys(ztbRec* handle, void* sym, const char* keys, int* status, Plain&& plain) {
   void* result = nullptr;
   *status = 0;
-  withKeys(handle, sym, keys, &result, [&](const char** labels) {
+  withKeys(handle, sym, keys, [&](const char** labels) {
     result = plain(labels);
     return *status;
   });
@@ -134,7 +138,7 @@ int d__ztbsymbolinfo(ztbRec* handle, void* sym, int infoKey, int* ival, double* 
 }
 
 int d__ztbfindrecord(ztbRec* handle, void* sym, const char* keys, void** recPtr) {
-  return withKeys(handle, sym, keys, recPtr, [&](const char** labels) {
+  return emptiedWithKeys(handle, sym, keys, recPtr, [&](const char** labels) {
     return ztb::ztbFindRecord(handle, sym, labels, recPtr);
   });
 }
@@ -146,7 +150,7 @@ void* d__ztbfindrecordpy(ztbRec* handle, void* sym, const char* keys, int* statu
 }
 
 int d__ztbfindfirstrecordslice(ztbRec* handle, void* sym, const char* keys, void** recPtr) {
-  return withKeys(handle, sym, keys, recPtr, [&](const char** labels) {
+  return emptiedWithKeys(handle, sym, keys, recPtr, [&](const char** labels) {
     return ztb::ztbFindFirstRecordSlice(handle, sym, labels, recPtr);
   });
 }
@@ -158,7 +162,7 @@ void* d__ztbfindfirstrecordslicepy(ztbRec* handle, void* sym, const char* keys, 
 }
 
 int d__ztbfindlastrecordslice(ztbRec* handle, void* sym, const char* keys, void** recPtr) {
-  return withKeys(handle, sym, keys, recPtr, [&](const char** labels) {
+  return emptiedWithKeys(handle, sym, keys, recPtr, [&](const char** labels) {
     return ztb::ztbFindLastRecordSlice(handle, sym, labels, recPtr);
   });
 }
@@ -170,7 +174,7 @@ void* d__ztbfindlastrecordslicepy(ztbRec* handle, void* sym, const char* keys, i
 }
 
 int d__ztbaddrecord(ztbRec* handle, void* sym, const char* keys, void** recPtr) {
-  return withKeys(handle, sym, keys, recPtr, [&](const char** labels) {
+  return emptiedWithKeys(handle, sym, keys, recPtr, [&](const char** labels) {
     return ztb::ztbAddRecord(handle, sym, labels, recPtr);
   });
 }
@@ -182,7 +186,7 @@ void* d__ztbaddrecordpy(ztbRec* handle, void* sym, const char* keys, int* status
 }
 
 int d__ztbmergerecord(ztbRec* handle, void* sym, const char* keys, void** recPtr) {
-  return withKeys(handle, sym, keys, recPtr, [&](const char** labels) {
+  return withKeys(handle, sym, keys, [&](const char** labels) {
     return ztb::ztbMergeRecord(handle, sym, labels, recPtr);
   });
 }

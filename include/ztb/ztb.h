@@ -213,7 +213,8 @@ int c__ztbsymbolinfo(ztbRec* ztb, void* sym, int infoKey, int* ival, double* dva
 /* ---- finding and walking records ---------------------------------------------------------------
  */
 
-/* The record with these labels. No label is added. */
+/* The record with these labels. No label is added. This and the lookups below leave *recPtr null
+ * when they fail. */
 int c__ztbfindrecord(ztbRec* ztb, void* sym, const char** keys, void** recPtr);
 
 void* c__ztbfindrecordpy(ztbRec* ztb, void* sym, const char** keys, int* status);
@@ -302,7 +303,8 @@ int c__ztbaddrecord(ztbRec* ztb, void* sym, const char** keys, void** recPtr);
 
 void* c__ztbaddrecordpy(ztbRec* ztb, void* sym, const char** keys, int* status);
 
-/* The same, but a record that exists is found, with its values. */
+/* The same, but a record that exists is found, with its values, and *recPtr (may be null) is left
+ * as it was on failure. */
 int c__ztbmergerecord(ztbRec* ztb, void* sym, const char** keys, void** recPtr);
 
 void* c__ztbmergerecordpy(ztbRec* ztb, void* sym, const char** keys, int* status);
@@ -336,10 +338,10 @@ int c__ztbsetlevel(ztbRec* ztb, void* rec, double value);
 /* Writes the marginal of a record. */
 int c__ztbsetmarginal(ztbRec* ztb, void* rec, double value);
 
-/* Writes the lower of a record. */
+/* Writes the lower bound of a record. */
 int c__ztbsetlower(ztbRec* ztb, void* rec, double value);
 
-/* Writes the upper of a record. */
+/* Writes the upper bound of a record. */
 int c__ztbsetupper(ztbRec* ztb, void* rec, double value);
 
 /* Writes the scale of a record. */
@@ -358,7 +360,7 @@ int c__ztbsetelemtext(ztbRec* ztb, void* rec, const char* text);
  * store for later symbols. Always 1 but for running out of memory. */
 int c__ztbselectrecordstorage(ztbRec* ztb, void** sym, int storage);
 
-/* The same; the symbol's present handle is returned. */
+/* The same; the symbol's present handle is returned, null on failure. */
 void* c__ztbselectrecordstoragepy(ztbRec* ztb, void* sym, int storage, int* status);
 
 /* ---- other sources --------------------------------------------------------------------------- */

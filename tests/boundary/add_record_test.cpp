@@ -88,6 +88,16 @@ TEST_F(AddRecord, aRefusedLabelKeepsTheLabelsBeforeIt) {
   EXPECT_EQ(2, db.findUel("two"));
 }
 
+TEST_F(AddRecord, withoutLabelsFailsAndAddsNothing) {
+  void* const data = db.addParameter("p");
+  EXPECT_UNEXPECTED(db, "ztbAddRecord", lib().c__ztbaddrecord(db, data, nullptr, &handle));
+  EXPECT_EQ(nullptr, handle);
+  handle = untouched;
+  EXPECT_UNEXPECTED(db, "ztbMergeRecord", lib().c__ztbmergerecord(db, data, nullptr, &handle));
+  EXPECT_EQ(untouched, handle);
+  EXPECT_EQ(0, db.recordCount(data));
+}
+
 TEST_F(AddRecord, worksBeforeBetweenAndBehindOtherRecords) {
   void* const data = db.addParameter("p");
   for (const char* label : {"a", "b", "c", "d", "e"}) {

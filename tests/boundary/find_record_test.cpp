@@ -83,6 +83,15 @@ TEST_F(FindRecord, aRefusedLabelEndsTheLookupWithTheTextOfTheLabel) {
   EXPECT_EQ(nullptr, record);
 }
 
+TEST_F(FindRecord, withoutLabelsFailsAndLeavesNoHandle) {
+  EXPECT_UNEXPECTED(db, "ztbFindRecord", lib().c__ztbfindrecord(db, data, nullptr, &record));
+  EXPECT_EQ(nullptr, record);
+  record = untouched;
+  EXPECT_UNEXPECTED(db, "ztbFindRecord",
+                    lib().c__ztbfindrecord(db, db.universe(), nullptr, &record));
+  EXPECT_EQ(nullptr, record);
+}
+
 TEST_F(FindRecord, theFirstBadPositionDecides) {
   expectMiss("Cannot find element q (on position 1) in Symbol p", data, {"q", "'\""});
   expectMiss("Label with single and double quote not allowed >'\"<", data, {"'\"", "q"});

@@ -117,9 +117,15 @@ TEST(PrintLog, takesPercentSignsAsTheyAre) {
   EXPECT_EQ("100%s %d\n", capture.text());
 }
 
-TEST(SetDebug, returnsOne) {
+TEST(PrintLog, withoutATextFails) {
+  Database db;
+  EXPECT_UNEXPECTED(db, "ztbPrintLog", lib().c__ztbprintlog(db, nullptr));
+}
+
+TEST(SetDebug, returnsOneAndUsesNoHandle) {
   const Database db;
   EXPECT_EQ(1, lib().c__ztbsetdebug(db, 0));
+  EXPECT_EQ(1, lib().c__ztbsetdebug(nullptr, 0));
 }
 
 }  // namespace

@@ -211,8 +211,31 @@ TEST_F(ShortStrings, endAtANullSymbolBeforeTheOperation) {
   EXPECT_EQ(0, status);
   EXPECT_FAILURE(db, "No symbol handle specified",
                  lib().d__ztbaddrecord(db, nullptr, keys, &found));
+  found = untouched;
   EXPECT_FAILURE(db, "No symbol handle specified",
                  lib().d__ztbfindlastrecordslice(db, nullptr, keys, &found));
+  EXPECT_EQ(nullptr, found);
+}
+
+TEST_F(ShortStrings, mergingIntoANullSymbolLeavesThePlaceForTheHandleAlone) {
+  StringBlock keys = StringBlock::shortStrings({"a", "x"});
+  EXPECT_FAILURE(db, "No symbol handle specified",
+                 lib().d__ztbmergerecord(db, nullptr, keys, &found));
+  EXPECT_EQ(untouched, found);
+  EXPECT_FAILURE(db, "No symbol handle specified",
+                 lib().d__ztbmergerecord(db, nullptr, keys, nullptr));
+  EXPECT_EQ(1, lib().d__ztbmergerecord(db, data, keys, nullptr));
+}
+
+TEST_F(ShortStrings, convertDomainNamesAlsoAfterAFailure) {
+  std::array<void*, 2> domains{untouched, untouched};
+  StringBlock names;
+  EXPECT_FAILURE(db, "The Universe has no domain",
+                 lib().d__ztbgetdomain(db, db.universe(), 2, domains.data(), names));
+  EXPECT_EQ("", names.shortString(0));
+  EXPECT_EQ("", names.shortString(1));
+  EXPECT_TRUE(names.untouched(2));
+  EXPECT_EQ(untouched, domains[0]);
 }
 
 TEST_F(ShortStrings, addByNumber) {

@@ -124,6 +124,27 @@ TEST_F(Slice, aRefusedLabelEndsWithTheTextOfTheLabel) {
   EXPECT_EQ(nullptr, record);
 }
 
+TEST_F(Slice, aNullLabelEndsWithoutAText) {
+  Keys keys{" ", nullptr};
+  record = untouched;
+  EXPECT_SILENT_FAILURE(db, lib().c__ztbfindfirstrecordslice(db, data, keys, &record));
+  EXPECT_EQ(nullptr, record);
+  record = untouched;
+  EXPECT_SILENT_FAILURE(db, lib().c__ztbfindlastrecordslice(db, data, keys, &record));
+  EXPECT_EQ(nullptr, record);
+}
+
+TEST_F(Slice, withoutLabelsFailsAndLeavesNoHandle) {
+  record = untouched;
+  EXPECT_UNEXPECTED(db, "ztbFindFirstRecordSlice",
+                    lib().c__ztbfindfirstrecordslice(db, data, nullptr, &record));
+  EXPECT_EQ(nullptr, record);
+  record = untouched;
+  EXPECT_UNEXPECTED(db, "ztbFindLastRecordSlice",
+                    lib().c__ztbfindlastrecordslice(db, data, nullptr, &record));
+  EXPECT_EQ(nullptr, record);
+}
+
 TEST_F(Slice, refusesANullSymbolTheUniverseAndAnEmptySymbol) {
   expectMiss("No symbol handle specified", nullptr, {" "});
   expectMiss("Cannot define a slice on the Universe", db.universe(), {" "});

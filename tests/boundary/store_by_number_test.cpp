@@ -96,6 +96,34 @@ TEST_F(StoreByNumber, withoutValuesReadsNone) {
   EXPECT_EQ(0.0, db.level(Record(db, handle)));
 }
 
+TEST_F(StoreByNumber, promisedValuesThatAreNotThereFailTheOperation) {
+  void* const data = db.addParameter("p");
+  db.put(data, {"a"}, 4.0);
+  for (const int key : {1, 2}) {
+    EXPECT_UNEXPECTED(db, "ztbMergeRecordInt",
+                      lib().c__ztbmergerecordint(db, data, &key, 1, 1, &handle, 1, nullptr));
+    EXPECT_UNEXPECTED(db, "ztbMergeRecordInt",
+                      lib().c__ztbaddrecordraw(db, data, &key, nullptr, "text"));
+  }
+  EXPECT_EQ(untouched, handle);
+  EXPECT_EQ((std::vector<Row>{{{"a"}, 4.0}}), db.rows(data));
+}
+
+TEST_F(StoreByNumber, withoutNumbersFailsAndAddsNothing) {
+  void* const data = db.addParameter("p");
+  void* const set = db.addSet("i");
+  const Slots values{};
+  for (const int check : {0, 1}) {
+    EXPECT_UNEXPECTED(
+        db, "ztbMergeRecordInt",
+        lib().c__ztbmergerecordint(db, data, nullptr, check, 0, nullptr, 1, values.data()));
+    EXPECT_UNEXPECTED(db, "ztbMergeRecordInt",
+                      lib().c__ztbmergesetrecordint(db, set, nullptr, check, 0, nullptr, "text"));
+  }
+  EXPECT_EQ(0, db.recordCount(data));
+  EXPECT_EQ(0, db.recordCount(set));
+}
+
 TEST_F(StoreByNumber, anySubtypeOutsideItsTableFailsOnlyWithoutValues) {
   void* const symbol = db.addVariable("v", 1, 99);
   EXPECT_UNEXPECTED(db, "ztbMergeRecordInt", store(symbol, {1}, true, false));

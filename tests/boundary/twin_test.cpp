@@ -161,6 +161,14 @@ TEST_F(Twin, storingWithoutAHandleReturnsNullWithStatusOne) {
   EXPECT_EQ(9.0, db.level(db.first(data)));
 }
 
+TEST_F(Twin, choosesAStoreAndGivesNoHandleWhenThatFails) {
+  EXPECT_EQ(db.find("p"),
+            lib().c__ztbselectrecordstoragepy(db, data, ZTB_STORAGE_TREE_MAP, &status));
+  EXPECT_EQ(1, status);
+  expectNone("Unexpected exception in ztbSelectRecordStorage: symbol * is not in the symbol table",
+             lib().c__ztbselectrecordstoragepy(db, db.universe(), ZTB_STORAGE_TRIE, &status));
+}
+
 TEST_F(Twin, carriesThePlainNameInTheTextOfAnException) {
   void* const bad = db.addVariable("v", 1, 99);
   Keys keys{"a"};
