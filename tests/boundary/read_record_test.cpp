@@ -281,6 +281,12 @@ TEST_F(ElementText, anEmptyTextGivesNumberZero) {
   EXPECT_EQ("", db.elementText(element));
 }
 
+TEST_F(ElementText, aNullTextCountsAsEmpty) {
+  lib().c__ztbsetelemtext(db, element, "text");
+  EXPECT_SUCCESS(db, lib().c__ztbsetelemtext(db, element, nullptr));
+  EXPECT_EQ(0.0, db.level(element));
+}
+
 TEST_F(ElementText, blanksAreATextOfTheirOwn) {
   lib().c__ztbsetelemtext(db, element, " ");
   EXPECT_EQ(1.0, db.level(element));

@@ -64,6 +64,14 @@ TEST(SymbolInfo, emptiesTheOtherOutArgumentAndNeverTouchesTheDouble) {
   EXPECT_EQ("", text.str());
 }
 
+TEST(SymbolInfo, takesNoPlacesForAnyKey) {
+  Database db;
+  void* const symbol = db.addParameter("p");
+  for (int key = ZTB_SYMBOL_INFO_NAME; key <= ZTB_SYMBOL_INFO_STORAGE; ++key) {
+    EXPECT_SUCCESS(db, lib().c__ztbsymbolinfo(db, symbol, key, nullptr, nullptr, nullptr));
+  }
+}
+
 TEST(SymbolInfo, refusesUnknownKeysWithEmptiedOutArguments) {
   Database db;
   void* const symbol = db.addParameter("p");
@@ -194,6 +202,17 @@ TEST(GetDomain, takesItsLengthFromTheSymbolAndNotFromItsArgument) {
   EXPECT_EQ("i", names[1].str());
   EXPECT_EQ(untouched, domains[2]);
   EXPECT_TRUE(names[2].untouched());
+}
+
+TEST(GetDomain, cutsALongNameTo255Chars) {
+  Database db;
+  const std::string name(300, 'n');
+  void* const data = db.addOverNames("p", ZTB_PARAMETER, {name.c_str()});
+  std::array<void*, 1> domains{untouched};
+  TextBuffers names;
+  EXPECT_SUCCESS(db, lib().c__ztbgetdomain(db, data, 1, domains.data(), names));
+  EXPECT_EQ(nullptr, domains[0]);
+  EXPECT_EQ(std::string(255, 'n'), names[0].str());
 }
 
 TEST(GetDomain, ofAScalarIsNothing) {

@@ -184,6 +184,42 @@ TEST_F(Trace, namesEveryChangeOfARecord) {
   });
 }
 
+TEST_F(Trace, namesEveryMoveOfWholeSymbols) {
+  expectLines({
+      {"ztbCopySymbol\n", [&] { lib().c__ztbcopysymbol(db, nullptr, nullptr); }},
+      {"ztbGetSymbolsUels\n", [&] { lib().c__ztbgetsymbolsuels(db, nullptr, 0, numbers, 20); }},
+      {"ztbDenseSymbolToDenseArray\n",
+       [&] { lib().c__ztbdensesymboltodensearray(db, values, numbers, nullptr, 0); }},
+      {"ztbSparseSymbolToDenseArray\n",
+       [&] {
+         lib().c__ztbsparsesymboltodensearray(db, values, numbers, nullptr, &place, 0, &number);
+       }},
+      {"ztbSparseSymbolToSqzdArray\n",
+       [&] {
+         lib().c__ztbsparsesymboltosqzdarray(db, values, numbers, nullptr, &place, &place, 0,
+                                             &number);
+       }},
+      {"ztbDenseArrayToSymbol\n",
+       [&] { lib().c__ztbdensearraytosymbol(db, nullptr, &place, values, numbers); }},
+      {"ztbDenseArraySlicesToSymbol\n",
+       [&] { lib().c__ztbdensearrayslicestosymbol(db, nullptr, &place, &place, values, numbers); }},
+      {"ztbStartWriteRecording\n", [&] { lib().c__ztbstartwriterecording(db); }},
+      {"ztbStopWriteRecording\n", [&] { lib().c__ztbstopwriterecording(db); }},
+  });
+}
+
+TEST_F(Trace, namesEveryQuestionToAViolationAndToAModel) {
+  expectLines({
+      {"ztbGetDVSymbol\n", [&] { lib().c__ztbgetdvsymbol(db, nullptr, &place); }},
+      {"ztbGetDVSymbolRecord\n", [&] { lib().c__ztbgetdvsymbolrecord(db, nullptr, &place); }},
+      {"ztbGetDVIndicator\n", [&] { lib().c__ztbgetdvindicator(db, nullptr, numbers); }},
+      {"ztbUpdateModelSymbol\n",
+       [&] { lib().c__ztbupdatemodelsymbol(db, nullptr, 0, nullptr, 0, &number); }},
+      {"ztbCallSolver\n", [&] { lib().c__ztbcallsolver(db, "none"); }},
+      {"ztbCallSolverTimed\n", [&] { lib().c__ztbcallsolvertimed(db, "none", &real); }},
+  });
+}
+
 TEST_F(Trace, namesTheOperationThatARawAdditionLeadsTo) {
   void* const set = db.addSet("i");
   void* const data = db.addParameter("p");

@@ -203,10 +203,10 @@ TEST_F(Walk, aCopyOfAUniverseHandleStandsOnTheSameLabel) {
 }
 
 TEST_F(Walk, copyingAndFreeingRefuseNull) {
-  void* handle = nullptr;
+  void* handle = untouched;
   EXPECT_FAILURE(db, "No source symbol record handle specified",
                  lib().c__ztbcopysymboliterator(db, nullptr, &handle));
-  EXPECT_EQ(nullptr, handle);
+  EXPECT_EQ(untouched, handle);
   EXPECT_FAILURE(db, "No iterator to be freed defined",
                  lib().c__ztbfreesymboliterator(db, nullptr));
 }

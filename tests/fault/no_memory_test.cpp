@@ -111,6 +111,26 @@ TEST(CreationFaults, inAFolderReportsSuccessWithoutAnObject) {
   EXPECT_EQ(nullptr, ztb);
 }
 
+// These names do not empty the handle first, and the text goes to whatever it holds.
+TEST(CreationFaults, aHandleThatHoldsADatabaseKeepsItAndItTakesTheText) {
+  const Database first;
+  ztbRec* ztb = first;
+  StdoutCapture capture;
+  {
+    const FailingAllocation failing(1, Failures::allFromThere);
+    lib().xcreate(&ztb);
+  }
+  EXPECT_EQ(static_cast<ztbRec*>(first), ztb);
+  EXPECT_EQ("Out of memory in ztbCreate", first.lastError());
+  {
+    const FailingAllocation failing(1, Failures::allFromThere);
+    lib().xcreated(&ztb, "");
+  }
+  EXPECT_EQ(static_cast<ztbRec*>(first), ztb);
+  EXPECT_EQ("Out of memory in ztbCreateD", first.lastError());
+  EXPECT_EQ("", capture.text());
+}
+
 TEST(CreationFaults, theMessageIsCutToItsLength) {
   const Database first;
   ztbRec* ztb = nullptr;

@@ -9,6 +9,8 @@
 #include <memory>
 #include <string>
 
+#include "core/frame.h"
+#include "core/operations.h"
 #include "core/ztb.h"
 #include "peers/rgy_family.h"
 #include "peers/rxf_family.h"
@@ -166,6 +168,50 @@ TEST_F(Database, lookUpFoldsCaseAndLeavesAnAliasUnresolved) {
   EXPECT_EQ(alias, db_.lookUp("J"));
   EXPECT_EQ(set, alias->aliasTarget);
   EXPECT_EQ(nullptr, db_.lookUp("k"));
+}
+
+TEST_F(Database, aRefusedNameLeavesItWithoutASource) {
+  void* symbol = nullptr;
+  EXPECT_EQ(0, ztbAddSymbol(handleOf(&db_), "1", 1, dmap::typeSet, 0, "", &symbol));
+  EXPECT_EQ(0, ztbAddSymbolX(handleOf(&db_), nullptr, 0, dmap::typeParameter, 0, "", nullptr,
+                             nullptr, &symbol));
+  EXPECT_EQ(Source::none, db_.initFrom);
+}
+
+TEST_F(Database, aRefusedDomainTakesItOutOfItsNewStateAllTheSame) {
+  ZTB other(emptyFolder().c_str());
+  void* domain = other.universe.get();
+  void* symbol = nullptr;
+  EXPECT_EQ(1, ztbAddSymbolX(handleOf(&db_), "p", 1, dmap::typeParameter, 0, "", &domain, nullptr,
+                             &symbol));
+  EXPECT_EQ(nullptr, symbol);
+  EXPECT_STREQ("Universe from different database", db_.lastError);
+  EXPECT_EQ(Source::db, db_.initFrom);
+}
+
+TEST_F(Database, aSetIsMarkedAsSoonAsASymbolNamesItAsDomain) {
+  AbstractZTBSymbol* set = add("i", dmap::typeSet, 1);
+  AbstractZTBSymbol* other = add("k", dmap::typeSet, 1);
+  SymbolDescription description;
+  description.name = "p";
+  description.dim = 2;
+  description.type = dmap::typeParameter;
+  ASSERT_NE(nullptr,
+            db_.addSymbol(description, std::array{set, db_.universe.get()}.data(), nullptr));
+  EXPECT_TRUE(set->usedAsDomain);
+  EXPECT_FALSE(other->usedAsDomain);
+  EXPECT_FALSE(db_.universe->usedAsDomain);
+}
+
+TEST_F(Database, freeingAnEmptyHandleSucceedsAndLeavesItEmpty) {
+  ztbRec* handle = nullptr;
+  EXPECT_EQ(1, ztbFree(&handle));
+  EXPECT_EQ(nullptr, handle);
+  std::array<char, 256> message{};
+  ASSERT_EQ(1, ztbCreateD(&handle, emptyFolder().c_str(), message.data()));
+  EXPECT_EQ(1, ztbFree(&handle));
+  EXPECT_EQ(1, ztbFree(&handle));
+  EXPECT_EQ(nullptr, handle);
 }
 
 TEST_F(Database, textNumbersAreThePlacesInThePool) {
