@@ -43,10 +43,13 @@ inline void require(int result, ztbRec* database, const char* operation) {
   }
 }
 
-// Throws for a label that operation refused. The library leaves no text for control characters,
-// and the text that it then holds would be that of an older failure.
+// Throws for a label that operation refused. The library leaves no text for a null label and for
+// control characters, and the text that it then holds would be that of an older failure.
 [[noreturn]] inline void failLabel(ztbRec* database, const char* operation, const char* label) {
-  for (const char* at = label; at != nullptr && *at != '\0'; ++at) {
+  if (label == nullptr) {
+    throw Error(operation, "Label is null");
+  }
+  for (const char* at = label; *at != '\0'; ++at) {
     if (static_cast<unsigned char>(*at) < ' ') {
       throw Error(operation, "Label holds a control character >" + std::string(label) + "<");
     }

@@ -277,9 +277,9 @@ struct Domain {
 };
 
 inline std::vector<Domain> Symbol::domains() const {
-  std::array<void*, ZTB_MAX_DIMENSION> handles{};
-  std::array<char*, ZTB_MAX_DIMENSION> names{};
   std::vector<Domain> result(keyCount());
+  std::vector<void*> handles(keyCount());
+  std::vector<char*> names(keyCount());
   for (std::size_t position = 0; position < keyCount(); ++position) {
     names[position] = result[position].name.buffer();
   }

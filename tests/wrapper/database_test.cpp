@@ -77,6 +77,20 @@ TEST(Database, TellsDomainsByNameAndSet) {
   EXPECT_FALSE(domains[3].set);
 }
 
+// The C interface makes symbols with more positions than records can have.
+TEST(Database, TellsTheDomainsOfASymbolWithoutRoomForRecords) {
+  ztb::Database database;
+  void* handle = nullptr;
+  std::vector<void*> universes(25, database.universe().handle());
+  ASSERT_EQ(c__ztbaddsymbolx(database.handle(), "wide", 25, ZTB_PARAMETER, 0, "", universes.data(),
+                             nullptr, &handle),
+            1);
+  const std::vector<ztb::Domain> domains = ztb::Symbol(database.handle(), handle).domains();
+  ASSERT_EQ(domains.size(), 25U);
+  EXPECT_EQ(domains[24].name, "*");
+  EXPECT_EQ(domains[24].set, database.universe());
+}
+
 TEST(Database, MakesEveryTypeOfSymbol) {
   ztb::Database database;
   EXPECT_EQ(database.addSet("s", {"*", "*"}, "text").dimension(), 2);

@@ -79,6 +79,17 @@ TEST(Error, NamesAControlCharacterInALabel) {
   expectError([&] { static_cast<void>(p.slice("a\tb")); }, "ztbFindFirstRecordSlice", text);
 }
 
+TEST(Error, NamesANullLabel) {
+  ztb::Database database;
+  ztb::Symbol p = database.addParameter("p", {"*"});
+  static_cast<void>(database.findSymbol("q"));
+  const char* const none = nullptr;
+  expectError([&] { database.mergeLabel(none); }, "ztbMergeUel", "Label is null");
+  expectError([&] { p.add(none); }, "ztbAddRecord", "Label is null");
+  p.add("a");
+  expectError([&] { static_cast<void>(p.find(none)); }, "ztbFindRecord", "Label is null");
+}
+
 TEST(Error, NamesALabelThatIsTooLong) {
   ztb::Database database;
   const std::string label(64, 'x');
