@@ -21,7 +21,9 @@ namespace {
 
 // GLPK formats messages with a file name in them into 4096 bytes.
 constexpr std::size_t kMaxFileName = 1000;
-constexpr std::size_t kStackBytes = 8 << 20;
+// MathProg expressions are parsed and evaluated by recursion, about 1 KB a level.
+constexpr std::size_t kMpsStack = 1 << 20;
+constexpr std::size_t kMathProgStack = 64 << 20;
 
 struct Refusal {
   std::size_t line = 0;
@@ -170,7 +172,7 @@ void runMpsStep(void* argument) {
 
 std::optional<ModelData> tryMps(const std::string& file, int format, Refusal& refusal) {
   std::optional<ModelData> model;
-  GlpkSession::run(kStackBytes, [&](GlpkSession& session) {
+  GlpkSession::run(kMpsStack, [&](GlpkSession& session) {
     MpsStep step{file.c_str(), format, nullptr, false};
     if (session.guarded(runMpsStep, &step) && step.read) {
       model = Conversion(file, step.problem).mps();
@@ -215,14 +217,18 @@ ModelData readMps(const std::string& file) {
   if (auto model = tryMps(file, GLP_MPS_DECK, fixed)) return std::move(*model);
   Refusal free;
   if (auto model = tryMps(file, GLP_MPS_FILE, free)) return std::move(*model);
-  throw ModelError(fixed.line > free.line ? fixed.text : free.text);
+  Refusal& refusal = fixed.line > free.line ? fixed : free;
+  if (refusal.text.ends_with("invalid indicator record")) {
+    refusal.text += ", expected ROWS, COLUMNS, RHS, RANGES, BOUNDS or ENDATA";
+  }
+  throw ModelError(refusal.text);
 }
 
 ModelData readMathProg(const std::string& file, const std::string& dataFile) {
   checkLength(file);
   checkLength(dataFile);
   ModelData model;
-  GlpkSession::run(kStackBytes, [&](GlpkSession& session) {
+  GlpkSession::run(kMathProgStack, [&](GlpkSession& session) {
     MathProgStep step{file.c_str(), dataFile.empty() ? nullptr : dataFile.c_str(), nullptr, false};
     if (!session.guarded(runMathProgStep, &step) || !step.generated) {
       throw ModelError(refusalOf(session.messages(), file, dataFile).text);

@@ -65,9 +65,12 @@ class ExpressionReader {
     return is(LpTokenKind::name) && tokens_.second().kind == LpTokenKind::colon;
   }
 
-  // On a right side that is a constant so far, a new line starts a new row.
+  // On a right side a new line starts a new row, but for a sign that goes on with a sum of
+  // variables.
   [[nodiscard]] bool rowEndsBefore(const LpToken& token) const {
-    return place_ == LpPlace::rightSide && token.startsLine && result_.isConstant();
+    if (place_ != LpPlace::rightSide || !token.startsLine) return false;
+    const bool isSign = token.kind == LpTokenKind::plus || token.kind == LpTokenKind::minus;
+    return !isSign || result_.isConstant();
   }
 
   [[nodiscard]] bool ends(bool first) const {

@@ -41,7 +41,7 @@ struct LpExpression {
 enum class LpPlace {
   objective,  // each bracket is followed by / 2
   leftSide,
-  rightSide  // ends at the end of a line when it is a constant so far
+  rightSide  // ends at the end of a line, unless a sign goes on with a sum of variables
 };
 
 // Whether the token is a word for infinity.

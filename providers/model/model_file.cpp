@@ -74,6 +74,37 @@ std::string readText(const std::string& file) {
   return text;
 }
 
+// GLPK parses MathProg by recursion; this depth is far within the stack that it gets.
+constexpr std::size_t kMaxNesting = 10000;
+
+void checkNesting(const std::string& file, std::string_view text) {
+  std::size_t line = 1;
+  std::size_t depth = 0;
+  for (const char c : text) {
+    if (c == '\n') ++line;
+    if (c == '(' || c == '[' || c == '{') ++depth;
+    if ((c == ')' || c == ']' || c == '}') && depth > 0) --depth;
+    if (depth > kMaxNesting) {
+      throw ModelError(file + ":" + std::to_string(line) + ": brackets within brackets, expected " +
+                       "at most " + std::to_string(kMaxNesting) + " levels");
+    }
+  }
+}
+
+ModelData read(FileKind kind, const std::string& file, const std::string& dataFile) {
+  switch (kind) {
+    case FileKind::lp:
+      return readLp(file, readText(file));
+    case FileKind::mps:
+      checkReadable(file);
+      return readMps(file);
+    default:
+      checkNesting(file, readText(file));
+      if (!dataFile.empty()) checkReadable(dataFile);
+      return readMathProg(file, dataFile);
+  }
+}
+
 }  // namespace
 
 ModelData readModelFile(const std::string& file, const std::string& dataFile) {
@@ -83,16 +114,10 @@ ModelData readModelFile(const std::string& file, const std::string& dataFile) {
                      ": this kind of model takes no data file, expected none beside it but " +
                      dataFile + " was given");
   }
-  switch (kind) {
-    case FileKind::lp:
-      return readLp(file, readText(file));
-    case FileKind::mps:
-      checkReadable(file);
-      return readMps(file);
-    default:
-      checkReadable(file);
-      if (!dataFile.empty()) checkReadable(dataFile);
-      return readMathProg(file, dataFile);
+  try {
+    return read(kind, file, dataFile);
+  } catch (const std::system_error& error) {
+    throw ModelError(file + ": " + error.what());
   }
 }
 
