@@ -110,10 +110,8 @@ std::vector<void*> handlesOf(const Symbol& symbol, const std::vector<Symbol>& do
                           symbol.name() + " has " + std::to_string(symbol.dimension()) +
                           " positions");
   }
-  std::vector<void*> handles;
-  for (const Symbol& domain : domains) {
-    handles.push_back(domain.handle());
-  }
+  std::vector<void*> handles(domains.size());
+  std::ranges::transform(domains, handles.begin(), &Symbol::handle);
   return handles;
 }
 
@@ -134,10 +132,8 @@ std::vector<int> sizesOf(const Symbol& symbol, const py::array& cube) {
 template <class Cell>
 py::tuple toCube(const Symbol& symbol, const std::vector<Symbol>& domains, int field) {
   std::vector<void*> handles = handlesOf(symbol, domains);
-  std::vector<int> sizes;
-  for (const Symbol& domain : domains) {
-    sizes.push_back(domain.recordCount());
-  }
+  std::vector<int> sizes(domains.size());
+  std::ranges::transform(domains, sizes.begin(), &Symbol::recordCount);
   py::array_t<Cell> cube(std::vector<ssize_t>(sizes.begin(), sizes.end()));
   int dropped = 0;
   symbol.require(
@@ -323,7 +319,7 @@ void elementsFromDense(const Symbol& symbol, const std::vector<Symbol>& domains,
     if (!cells[cell]) {
       continue;
     }
-    std::size_t rest = static_cast<std::size_t>(cell);
+    auto rest = static_cast<std::size_t>(cell);
     for (std::size_t position = labels.size(); position-- > 0;) {
       key[position] = labels[position][rest % labels[position].size()];
       rest /= labels[position].size();

@@ -4,6 +4,7 @@
 #include <pybind11/pybind11.h>
 
 #include <exception>
+#include <utility>
 
 #include "bindings/python/native/database.h"
 #include "bindings/python/native/strings.h"
@@ -21,7 +22,7 @@ void raise(const char* className, const ztb::Error& error) {
 
 void translate(std::exception_ptr thrown) {
   try {
-    std::rethrow_exception(thrown);
+    std::rethrow_exception(std::move(thrown));
   } catch (const NotFound& error) {
     raise("NotFoundError", error);
   } catch (const ztb::Error& error) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <compare>
 #include <limits>
 #include <numeric>
 #include <stdexcept>
@@ -28,13 +29,13 @@ RowOrder::RowOrder(const int* keys, std::size_t rows, std::size_t positions, int
         keys + (right + 1) * positions);
   };
   for (std::size_t row = 1; row < rows; ++row) {
-    if (compare(row - 1, row) > 0) {
+    if (std::is_gt(compare(row - 1, row))) {
       sort(keys, rows, positions, labels);
       break;
     }
   }
   for (std::size_t place = 1; place < rows && !duplicate_; ++place) {
-    if (compare(row(place - 1), row(place)) == 0) {
+    if (std::is_eq(compare(row(place - 1), row(place)))) {
       duplicate_ = row(place);
     }
   }
