@@ -1,0 +1,120 @@
+#include "providers/model/solvers/cbc_engine.h"
+
+#include <CbcEventHandler.hpp>
+#include <CbcHeuristic.hpp>
+#include <CbcHeuristicFPump.hpp>
+#include <CbcModel.hpp>
+#include <CglFlowCover.hpp>
+#include <CglGomory.hpp>
+#include <CglKnapsackCover.hpp>
+#include <CglMixedIntegerRounding2.hpp>
+#include <CglProbing.hpp>
+#include <OsiClpSolverInterface.hpp>
+#include <algorithm>
+
+namespace lomu {
+
+namespace {
+
+class StopHandler : public CbcEventHandler {
+ public:
+  explicit StopHandler(Watch* watch) : watch_(watch) {}
+  CbcAction event(CbcEvent) override { return watch_->mustStop() ? stop : noAction; }
+  [[nodiscard]] CbcEventHandler* clone() const override { return new StopHandler(*this); }
+
+ private:
+  Watch* watch_;
+};
+
+void fill(OsiClpSolverInterface& interface, const LinearForm& form) {
+  interface.messageHandler()->setLogLevel(0);
+  interface.setHintParam(OsiDoReducePrint, true, OsiHintTry);
+  interface.loadProblem(form.columnCount, form.rowCount, form.start.data(), form.rowOf.data(),
+                        form.value.data(), form.lower.data(), form.upper.data(), form.cost.data(),
+                        form.rowLower.data(), form.rowUpper.data());
+  for (int j = 0; j < form.columnCount; ++j) {
+    if (form.isInteger[static_cast<std::size_t>(j)] != 0) interface.setInteger(j);
+  }
+}
+
+// Cuts at the root and below it where they prove useful, and two quick ways to a first solution.
+void addHelp(CbcModel& model) {
+  constexpr int kWhereUseful = -1;
+  CglProbing probing;
+  probing.setMaxPass(1);
+  probing.setMaxProbe(10);
+  CglGomory gomory;
+  CglKnapsackCover cover;
+  CglMixedIntegerRounding2 rounding;
+  CglFlowCover flow;
+  model.addCutGenerator(&probing, kWhereUseful, "Probing");
+  model.addCutGenerator(&gomory, kWhereUseful, "Gomory");
+  model.addCutGenerator(&cover, kWhereUseful, "Knapsack");
+  model.addCutGenerator(&rounding, kWhereUseful, "MixedIntegerRounding2");
+  model.addCutGenerator(&flow, kWhereUseful, "FlowCover");
+  CbcRounding round(model);
+  model.addHeuristic(&round);
+  CbcHeuristicFPump pump(model);
+  model.addHeuristic(&pump);
+}
+
+Outcome outcomeOf(const CbcModel& model, const Watch& watch) {
+  if (watch.stopped()) return watch.reason();
+  if (model.isProvenOptimal()) return Outcome::optimal;
+  if (model.isProvenInfeasible()) return Outcome::infeasible;
+  if (model.isSecondsLimitReached()) return Outcome::timeLimit;
+  if (model.status() == 1) return Outcome::iterationLimit;
+  return Outcome::failed;
+}
+
+}  // namespace
+
+void CbcEngine::take(const LinearForm& form) {
+  if (loaded_ && form.sameShape(form_)) {
+    program_.update(form);
+  } else {
+    program_.load(form);
+  }
+  loaded_ = true;
+  form_ = form;
+}
+
+void CbcEngine::solveLinear(Watch& watch, SolverResult& result) {
+  program_.solve(watch, result);
+}
+
+void CbcEngine::searchIntegers(Watch& watch, SolverResult& result) {
+  result.hasPoint = false;
+  if (watch.mustStop()) {
+    result.outcome = watch.reason();
+    return;
+  }
+  OsiClpSolverInterface interface;
+  fill(interface, form_);
+  CbcModel model(interface);
+  model.setLogLevel(0);
+  model.solver()->messageHandler()->setLogLevel(0);
+  const StopHandler handler(&watch);
+  model.passInEventHandler(&handler);
+  model.setUseElapsedTime(true);
+  model.setMaximumSeconds(watch.secondsLeft());
+  model.setMaximumNumberIterations(watch.iterationsLeft(result.iterations));
+  model.setAllowableFractionGap(watch.relativeGap());
+  model.setAllowableGap(0);
+  // A better solution counts however little it is better by.
+  model.setCutoffIncrement(1e-9);
+  addHelp(model);
+  model.initialSolve();
+  model.branchAndBound();
+
+  result.iterations += model.getIterationCount();
+  const double* best = model.bestSolution();
+  result.hasPoint = best != nullptr;
+  result.outcome = outcomeOf(model, watch);
+  if (result.outcome == Outcome::failed) {
+    result.reason = "cbc gave up with status " + std::to_string(model.status());
+  }
+  if (result.hasPoint) std::copy(best, best + form_.columnCount, result.level.begin());
+}
+
+}  // namespace lomu

@@ -1,0 +1,22 @@
+// Cbc: problems with integers, and linear ones, made afresh for every solve.
+#ifndef ZTB_PROVIDERS_MODEL_SOLVERS_CBC_SOLVER_H_
+#define ZTB_PROVIDERS_MODEL_SOLVERS_CBC_SOLVER_H_
+
+#include "providers/model/solvers/linear_form.h"
+
+namespace lomu {
+
+class CbcSolver : public Solver {
+ public:
+  bool load(const SolverProblem& problem, std::string& reason) override;
+  bool update(const SolverProblem& problem) override;
+  void solve(const SolverLimits& limits, SolverResult& result) override;
+
+ private:
+  SolverProblem problem_;
+  LinearForm form_;
+};
+
+}  // namespace lomu
+
+#endif  // ZTB_PROVIDERS_MODEL_SOLVERS_CBC_SOLVER_H_

@@ -1,0 +1,184 @@
+#include "providers/model/solvers/clp_program.h"
+
+#include <ClpEventHandler.hpp>
+#include <ClpPackedMatrix.hpp>
+#include <CoinPackedMatrix.hpp>
+#include <algorithm>
+#include <cmath>
+
+namespace lomu {
+
+namespace {
+
+// Clp asks after every iteration whether it may go on.
+class StopHandler : public ClpEventHandler {
+ public:
+  explicit StopHandler(Watch* watch) : watch_(watch) {}
+  int event(Event which) override {
+    const bool asked = which == endOfIteration || which == endOfFactorization;
+    return asked && watch_->mustStop() ? 0 : -1;
+  }
+  [[nodiscard]] ClpEventHandler* clone() const override { return new StopHandler(*this); }
+
+ private:
+  Watch* watch_;
+};
+
+// Clp drops tiny elements and does not like stored zeros, so they are left out.
+CoinPackedMatrix packed(const LinearForm& form) {
+  std::vector<int> start{0};
+  std::vector<int> rowOf;
+  std::vector<double> value;
+  rowOf.reserve(form.rowOf.size());
+  value.reserve(form.value.size());
+  for (int j = 0; j < form.columnCount; ++j) {
+    const auto column = static_cast<std::size_t>(j);
+    for (int e = form.start[column]; e < form.start[column + 1]; ++e) {
+      const auto entry = static_cast<std::size_t>(e);
+      if (form.value[entry] == 0) continue;
+      rowOf.push_back(form.rowOf[entry]);
+      value.push_back(form.value[entry]);
+    }
+    start.push_back(static_cast<int>(rowOf.size()));
+  }
+  return {true,         form.rowCount, form.columnCount, static_cast<int>(rowOf.size()),
+          value.data(), rowOf.data(),  start.data(),     nullptr};
+}
+
+Position positionOf(ClpSimplex::Status status, double level, double lower, double upper) {
+  if (status == ClpSimplex::basic) return Position::basic;
+  if (status == ClpSimplex::isFixed || lower == upper) return Position::atLower;
+  if (status == ClpSimplex::superBasic || status == ClpSimplex::isFree) return Position::superbasic;
+  // Clp turns the side of a row's status in some of its interfaces, so the level tells it.
+  return std::abs(level - lower) <= std::abs(upper - level) ? Position::atLower : Position::atUpper;
+}
+
+}  // namespace
+
+void ClpProgram::load(const LinearForm& form) {
+  form_ = form;
+  simplex_ = ClpSimplex();
+  simplex_.setLogLevel(0);
+  simplex_.loadProblem(packed(form), form.lower.data(), form.upper.data(), form.cost.data(),
+                       form.rowLower.data(), form.rowUpper.data());
+  method_ = Method::dual;
+}
+
+void ClpProgram::update(const LinearForm& form) {
+  bool boundsChanged = false;
+  for (int j = 0; j < form.columnCount; ++j) {
+    const auto k = static_cast<std::size_t>(j);
+    if (form.lower[k] == form_.lower[k] && form.upper[k] == form_.upper[k]) continue;
+    simplex_.setColumnBounds(j, form.lower[k], form.upper[k]);
+    boundsChanged = true;
+  }
+  for (int i = 0; i < form.rowCount; ++i) {
+    const auto k = static_cast<std::size_t>(i);
+    if (form.rowLower[k] == form_.rowLower[k] && form.rowUpper[k] == form_.rowUpper[k]) continue;
+    simplex_.setRowBounds(i, form.rowLower[k], form.rowUpper[k]);
+    boundsChanged = true;
+  }
+  const bool costChanged = form.cost != form_.cost;
+  if (costChanged) simplex_.chgObjCoefficients(form.cost.data());
+  const bool matrixChanged = form.value != form_.value;
+  if (matrixChanged) simplex_.replaceMatrix(new ClpPackedMatrix(packed(form)), true);
+  method_ = costChanged && !boundsChanged && !matrixChanged ? Method::primal : Method::dual;
+  form_ = form;
+}
+
+void ClpProgram::run(ClpSimplex& simplex, Method method, Watch& watch) {
+  const StopHandler handler(&watch);
+  simplex.passInEventHandler(&handler);
+  simplex.setMaximumIterations(watch.iterationsLeft(iterations_));
+  if (method == Method::primal) {
+    simplex.primal();
+  } else {
+    simplex.dual();
+  }
+  iterations_ += simplex.numberIterations();
+  // The handler must not outlive the watch.
+  const ClpEventHandler none;
+  simplex.passInEventHandler(&none);
+}
+
+void ClpProgram::solve(Watch& watch, SolverResult& result) {
+  iterations_ = 0;
+  run(simplex_, method_, watch);
+  // 2 to 4: the solution of the scaled problem is none of the problem itself.
+  const bool badlyScaled =
+      simplex_.status() == 0 && simplex_.secondaryStatus() >= 2 && simplex_.secondaryStatus() <= 4;
+  if (badlyScaled || simplex_.status() == 4) {
+    const int scaling = simplex_.scalingFlag();
+    simplex_.scaling(0);
+    run(simplex_, Method::primal, watch);
+    simplex_.scaling(scaling);
+  }
+
+  result.hasPoint = false;
+  if (wasLimited()) {
+    result.outcome = watch.stopped() ? watch.reason() : Outcome::iterationLimit;
+    result.hasPoint = simplex_.primalFeasible();
+  } else if (simplex_.status() == 0) {
+    result.outcome = Outcome::optimal;
+    result.hasPoint = true;
+  } else {
+    decideUnsolvable(watch, result);
+  }
+  if (result.hasPoint) leavePoint(result);
+  result.iterations = iterations_;
+}
+
+// Clp found no optimum. Whether there is a feasible point at all is asked without a cost, where
+// unboundedness cannot come in between.
+void ClpProgram::decideUnsolvable(Watch& watch, SolverResult& result) {
+  ClpSimplex feasibility(simplex_);
+  const std::vector<double> noCost(form_.cost.size(), 0.0);
+  feasibility.chgObjCoefficients(noCost.data());
+  run(feasibility, Method::primal, watch);
+  if (feasibility.status() == 1) {
+    result.outcome = Outcome::infeasible;
+    return;
+  }
+  if (feasibility.status() == 0) {
+    for (int k = 0; k < form_.columnCount + form_.rowCount; ++k) {
+      simplex_.setStatus(k, feasibility.getStatus(k));
+    }
+    run(simplex_, Method::primal, watch);
+    if (simplex_.status() == 0) {
+      result.outcome = Outcome::optimal;
+      result.hasPoint = true;
+      return;
+    }
+    if (simplex_.status() == 2) {
+      result.outcome = Outcome::unbounded;
+      return;
+    }
+  }
+  const bool limited = wasLimited() || feasibility.status() == 3 || feasibility.status() == 5;
+  if (limited) {
+    result.outcome = watch.stopped() ? watch.reason() : Outcome::iterationLimit;
+    return;
+  }
+  result.outcome = Outcome::failed;
+  result.reason = "clp gave up with status " + std::to_string(simplex_.status());
+}
+
+void ClpProgram::leavePoint(SolverResult& result) const {
+  const double* levels = simplex_.primalColumnSolution();
+  for (int j = 0; j < form_.columnCount; ++j) {
+    const auto k = static_cast<std::size_t>(j);
+    result.level[k] = std::max(form_.lower[k], std::min(form_.upper[k], levels[j]));
+    result.position[k] =
+        positionOf(simplex_.getColumnStatus(j), levels[j], form_.lower[k], form_.upper[k]);
+  }
+  const double* activities = simplex_.primalRowSolution();
+  const double* duals = simplex_.dualRowSolution();
+  for (int i = 0; i < form_.rowCount; ++i) {
+    const auto k = static_cast<std::size_t>(i);
+    result.rowPosition[k] =
+        positionOf(simplex_.getRowStatus(i), activities[i], form_.rowLower[k], form_.rowUpper[k]);
+    result.rowMarginal[k] = result.rowPosition[k] == Position::basic ? 0 : duals[i];
+  }
+}
+
+}  // namespace lomu

@@ -1,0 +1,39 @@
+// A linear problem in Clp that lives from solve to solve: what changed is handed over, and the next
+// solve begins at the basis where the last one ended. Integrality is not looked at.
+#ifndef ZTB_PROVIDERS_MODEL_SOLVERS_CLP_PROGRAM_H_
+#define ZTB_PROVIDERS_MODEL_SOLVERS_CLP_PROGRAM_H_
+
+#include <ClpSimplex.hpp>
+
+#include "providers/model/solvers/linear_form.h"
+#include "providers/model/solvers/watch.h"
+
+namespace lomu {
+
+class ClpProgram {
+ public:
+  void load(const LinearForm& form);
+  // REQUIRES a form of the shape of the loaded one.
+  void update(const LinearForm& form);
+
+  // Fills `result` with what Clp finds; its point is within Clp's tolerance. REQUIRES bounds that
+  // do not cross.
+  void solve(Watch& watch, SolverResult& result);
+
+ private:
+  enum class Method { dual, primal };
+
+  void run(ClpSimplex& simplex, Method method, Watch& watch);
+  void decideUnsolvable(Watch& watch, SolverResult& result);
+  [[nodiscard]] bool wasLimited() const { return simplex_.status() == 3 || simplex_.status() == 5; }
+  void leavePoint(SolverResult& result) const;
+
+  ClpSimplex simplex_;
+  LinearForm form_;
+  Method method_ = Method::dual;
+  double iterations_ = 0;  // of the present solve
+};
+
+}  // namespace lomu
+
+#endif  // ZTB_PROVIDERS_MODEL_SOLVERS_CLP_PROGRAM_H_

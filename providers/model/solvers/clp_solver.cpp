@@ -1,0 +1,59 @@
+#include "providers/model/solvers/clp_solver.h"
+
+#include <CoinError.hpp>
+#include <exception>
+#include <utility>
+
+#include "providers/model/solvers/column_by_column.h"
+#include "providers/model/solvers/point_check.h"
+
+namespace lomu {
+
+bool ClpSolver::load(const SolverProblem& problem, std::string& reason) {
+  LinearForm form;
+  std::string why;
+  if (!form.take(problem, why)) {
+    reason = "clp solves linear models without integers: " + why;
+    return false;
+  }
+  if (form.hasIntegers) {
+    reason = "clp solves linear models without integers: the model has integer columns";
+    return false;
+  }
+  program_.load(form);
+  problem_ = problem;
+  form_ = std::move(form);
+  return true;
+}
+
+bool ClpSolver::update(const SolverProblem& problem) {
+  LinearForm form;
+  std::string reason;
+  if (!form.take(problem, reason) || !form.sameShape(form_)) return false;
+  program_.update(form);
+  problem_ = problem;
+  form_ = std::move(form);
+  return true;
+}
+
+void ClpSolver::solve(const SolverLimits& limits, SolverResult& result) {
+  try {
+    if (settleColumnByColumn(form_, result)) return;
+    Watch watch(limits);
+    program_.solve(watch, result);
+    confirmPoint(problem_, result);
+    return;
+  } catch (CoinError& error) {
+    result.reason = "clp: " + error.message();
+  } catch (const std::exception& error) {
+    result.reason = std::string("clp: ") + error.what();
+  }
+  result.outcome = Outcome::failed;
+  result.hasPoint = false;
+}
+
+}  // namespace lomu
+
+lomu::Solver* ztbMakeSolver(int apiVersion) {
+  return apiVersion == lomu::kSolverApiVersion ? new lomu::ClpSolver : nullptr;
+}

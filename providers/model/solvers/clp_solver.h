@@ -1,0 +1,24 @@
+// Clp: linear problems, live from the last basis.
+#ifndef ZTB_PROVIDERS_MODEL_SOLVERS_CLP_SOLVER_H_
+#define ZTB_PROVIDERS_MODEL_SOLVERS_CLP_SOLVER_H_
+
+#include "providers/model/solvers/clp_program.h"
+#include "providers/model/solvers/linear_form.h"
+
+namespace lomu {
+
+class ClpSolver : public Solver {
+ public:
+  bool load(const SolverProblem& problem, std::string& reason) override;
+  bool update(const SolverProblem& problem) override;
+  void solve(const SolverLimits& limits, SolverResult& result) override;
+
+ private:
+  SolverProblem problem_;
+  LinearForm form_;
+  ClpProgram program_;
+};
+
+}  // namespace lomu
+
+#endif  // ZTB_PROVIDERS_MODEL_SOLVERS_CLP_SOLVER_H_

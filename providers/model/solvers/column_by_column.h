@@ -1,0 +1,16 @@
+// Linear problems whose matrix is empty, or zero throughout: each column stands for itself. The
+// solvers do not treat them all alike, so this is done before them.
+#ifndef ZTB_PROVIDERS_MODEL_SOLVERS_COLUMN_BY_COLUMN_H_
+#define ZTB_PROVIDERS_MODEL_SOLVERS_COLUMN_BY_COLUMN_H_
+
+#include "providers/model/solvers/linear_form.h"
+
+namespace lomu {
+
+// True with the result when the bounds of a column or a row cross, or when no column is in a row;
+// false when it takes a solver.
+bool settleColumnByColumn(const LinearForm& form, SolverResult& result);
+
+}  // namespace lomu
+
+#endif  // ZTB_PROVIDERS_MODEL_SOLVERS_COLUMN_BY_COLUMN_H_

@@ -1,0 +1,19 @@
+// Calls of GLPK under which an error that GLPK would end the process for comes back as a text, and
+// under which GLPK prints nothing.
+//
+// The called function is left by longjmp in that case: it must hold no objects with destructors.
+// The problem object that it worked on is then in no usable state, not even for deleting it; its
+// memory stays with GLPK's own environment.
+#ifndef ZTB_PROVIDERS_MODEL_SOLVERS_GLPK_GUARD_H_
+#define ZTB_PROVIDERS_MODEL_SOLVERS_GLPK_GUARD_H_
+
+#include <string>
+
+namespace lomu {
+
+// Calls function(context). False with GLPK's text when GLPK gave up.
+bool guardedGlpkCall(void (*function)(void* context), void* context, std::string& reason);
+
+}  // namespace lomu
+
+#endif  // ZTB_PROVIDERS_MODEL_SOLVERS_GLPK_GUARD_H_

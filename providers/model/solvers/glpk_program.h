@@ -1,0 +1,62 @@
+// A problem in GLPK that lives from solve to solve: what changed is handed over, and the next
+// simplex begins at the basis where the last one ended. After an error inside of GLPK the problem
+// is given up, and the next load or update makes it afresh.
+#ifndef ZTB_PROVIDERS_MODEL_SOLVERS_GLPK_PROGRAM_H_
+#define ZTB_PROVIDERS_MODEL_SOLVERS_GLPK_PROGRAM_H_
+
+#include <glpk.h>
+
+#include <string>
+
+#include "providers/model/solvers/integer_solve.h"
+
+namespace lomu {
+
+class GlpkProgram : public IntegerEngine {
+ public:
+  GlpkProgram() = default;
+  ~GlpkProgram() override;
+
+  // Takes a form over; one of the same shape as the form before keeps the basis.
+  void take(const LinearForm& form) override;
+
+  void solveLinear(Watch& watch, SolverResult& result) override;
+  void searchIntegers(Watch& watch, SolverResult& result) override;
+
+ private:
+  enum class Task { build, change, simplex, search, drop };
+  // What a guarded call works on; without destructors.
+  struct Job {
+    GlpkProgram* program;
+    Task task;
+    Watch* watch;
+    int method;
+    int iterationLimit;
+    int code;
+  };
+
+  static void perform(void* context);
+  static void askInSearch(glp_tree* tree, void* context);
+  void build();
+  void change();
+  void setColumn(int j);
+  void setRow(int i);
+  void setMatrixColumn(int j);
+  int simplex(const Job& job);
+  int search(const Job& job);
+  bool call(Job& job);
+  Outcome runSimplex(Watch& watch, int method);
+  void leavePoint(SolverResult& result) const;
+
+  glp_prob* problem_ = nullptr;
+  LinearForm form_;  // what problem_ holds
+  LinearForm next_;  // what it is to hold
+  std::vector<int> indexes_;
+  std::vector<double> values_;
+  double iterations_ = 0;
+  std::string reason_;
+};
+
+}  // namespace lomu
+
+#endif  // ZTB_PROVIDERS_MODEL_SOLVERS_GLPK_PROGRAM_H_

@@ -1,0 +1,34 @@
+#include "providers/model/solvers/watch.h"
+
+#include <algorithm>
+
+namespace lomu {
+
+Watch::Watch(const SolverLimits& limits)
+    : limits_(limits), begin_(std::chrono::steady_clock::now()) {}
+
+double Watch::secondsUsed() const {
+  return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin_).count();
+}
+
+bool Watch::mustStop() {
+  if (stopped_) return true;
+  if (limits_.terminated != nullptr && limits_.terminated(limits_.context)) {
+    stopped_ = true;
+    reason_ = Outcome::terminated;
+  } else if (secondsUsed() >= limits_.seconds) {
+    stopped_ = true;
+    reason_ = Outcome::timeLimit;
+  }
+  return stopped_;
+}
+
+double Watch::secondsLeft() const {
+  return std::max(0.0, limits_.seconds - secondsUsed());
+}
+
+int Watch::iterationsLeft(double used) const {
+  return static_cast<int>(std::max(0.0, limits_.iterations - used));
+}
+
+}  // namespace lomu

@@ -1,0 +1,39 @@
+// Whether a solve may go on: its time, and its caller's wish to end it.
+#ifndef ZTB_PROVIDERS_MODEL_SOLVERS_WATCH_H_
+#define ZTB_PROVIDERS_MODEL_SOLVERS_WATCH_H_
+
+#include <chrono>
+
+#include "providers/model/solver_api.h"
+
+namespace lomu {
+
+class Watch {
+ public:
+  // The time of `limits` begins to run.
+  explicit Watch(const SolverLimits& limits);
+
+  // True once the time is over or the caller wants an end; stays true from then on.
+  bool mustStop();
+  // Why mustStop() is true: timeLimit or terminated.
+  [[nodiscard]] Outcome reason() const { return reason_; }
+  [[nodiscard]] bool stopped() const { return stopped_; }
+
+  // The time that is left, never below 0.
+  [[nodiscard]] double secondsLeft() const;
+  // How many iterations are left after `used`, never below 0.
+  [[nodiscard]] int iterationsLeft(double used) const;
+  [[nodiscard]] double relativeGap() const { return limits_.relativeGap; }
+
+ private:
+  [[nodiscard]] double secondsUsed() const;
+
+  SolverLimits limits_;
+  std::chrono::steady_clock::time_point begin_;
+  bool stopped_ = false;
+  Outcome reason_ = Outcome::timeLimit;
+};
+
+}  // namespace lomu
+
+#endif  // ZTB_PROVIDERS_MODEL_SOLVERS_WATCH_H_
