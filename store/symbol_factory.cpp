@@ -1,5 +1,8 @@
 #include "store/symbol_factory.h"
 
+#include <algorithm>
+#include <cstdint>
+#include <limits>
 #include <stdexcept>
 #include <utility>
 
@@ -37,11 +40,19 @@ auto visitStoreFamily(dmap::StorageKind kind, Visitor&& visitor)
 
 std::unique_ptr<AbstractZTBSymbol> makeSymbol(dmap::StorageKind kind, ZTB* owner,
                                               SymbolDescription description) {
-  return visitStoreFamily(kind, [&](auto family) -> std::unique_ptr<AbstractZTBSymbol> {
+  // Iterators keep a type in 8 bits. A store for a type beyond them is made as for the nearest that
+  // fits, which has as many slots.
+  const int type = description.type;
+  description.type = std::clamp<int>(type, 0, std::numeric_limits<std::uint8_t>::max());
+  auto symbol = visitStoreFamily(kind, [&](auto family) -> std::unique_ptr<AbstractZTBSymbol> {
     using Family = decltype(family);
     return std::make_unique<ZTBSymbol<typename Family::Store, typename Family::Iterator>>(
         owner, std::move(description));
   });
+  if (symbol != nullptr) {
+    symbol->type = type;
+  }
+  return symbol;
 }
 
 std::unique_ptr<AbstractZTBSymbol> convertSymbol(dmap::StorageKind kind,

@@ -9,7 +9,7 @@
 namespace ztb {
 
 // A loaded symbol without records, domains or marks that stands for itself; null for a kind that
-// no store has.
+// no store has. The type may be any number.
 std::unique_ptr<AbstractZTBSymbol> makeSymbol(dmap::StorageKind kind, ZTB* owner,
                                               SymbolDescription description);
 

@@ -41,7 +41,7 @@ bool selectField(ZTB& db, const AbstractZTBSymbol& symbol, int& field) {
   if (symbol.type == ZTB_SET) {
     return true;
   }
-  if (symbol.type == ZTB_PARAMETER) {
+  if (dmap::slotCount(symbol.type) == 1) {
     field = 0;
     return true;
   }

@@ -49,6 +49,36 @@ TEST_F(AddSymbol, takesEveryTypeOfDimensionOneToTwenty) {
   }
 }
 
+// A type is not checked; one below 2 has one value slot, any other five.
+TEST_F(AddSymbol, aTypeThatThereIsNotKeepsItsRecordsInEveryStore) {
+  for (int n = 1; n <= 9; ++n) {
+    db.uel(numbered("a", n).c_str());
+  }
+  int count = 0;
+  for (const int store : {ZTB_STORAGE_TREE_MAP, ZTB_STORAGE_VECTOR, ZTB_STORAGE_TRIE}) {
+    ASSERT_EQ(1, lib().c__ztbselectrecordstorage(db, nullptr, store));
+    for (const int type : {-1, -256, 5, 255, 256, 257}) {
+      SCOPED_TRACE(numbered("store ", store) + numbered(", type ", type));
+      ASSERT_EQ(1, add(numbered("s", ++count).c_str(), 1, type));
+      EXPECT_EQ(type, db.symbolInfo(symbol, ZTB_SYMBOL_INFO_TYPE));
+      for (int key = 1; key <= 9; ++key) {
+        void* handle = nullptr;
+        ASSERT_EQ(1, lib().c__ztbmergerecordint(db, symbol, &key, 1, 1, &handle, 0, nullptr));
+        const Record record(db, handle);
+        ASSERT_EQ(1, lib().c__ztbsetlevel(db, record, key * 1.5));
+      }
+      double level = 1.5;
+      for (const Row& row : db.rows(symbol)) {
+        EXPECT_EQ(level, row.level);
+        level += 1.5;
+      }
+      EXPECT_EQ(10 * 1.5, level);
+      double scale = -1.0;
+      EXPECT_EQ(type < 0 ? 0 : 1, lib().c__ztbgetscale(db, db.first(symbol), &scale));
+    }
+  }
+}
+
 TEST_F(AddSymbol, aScalarOfAnyTypeButASetIsAccepted) {
   EXPECT_EQ(1, add("p", 0, ZTB_PARAMETER));
   EXPECT_EQ(1, add("v", 0, ZTB_VARIABLE));

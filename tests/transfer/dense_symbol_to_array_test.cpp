@@ -52,6 +52,15 @@ TEST_F(DenseSymbolToArray, takesFieldZeroOfAParameterWhateverIsAskedFor) {
   }
 }
 
+TEST_F(DenseSymbolToArray, takesFieldZeroOfAnyTypeWithOneSlot) {
+  void* const symbol = db.add("odd", 1, -1);
+  db.put(symbol, {"a"}, 7);
+  db.put(symbol, {"b"}, 8);
+  Cube<double> cube(2);
+  EXPECT_SUCCESS(db, dense(cube, {2}, symbol, 4));
+  EXPECT_EQ((Doubles{7, 8}), cube.cells());
+}
+
 TEST_F(DenseSymbolToArray, refusesFieldsThatAVariableOrEquationDoesNotHave) {
   void* const variable = db.addVariable("v");
   void* const equation = db.addEquation("e");
