@@ -70,7 +70,7 @@ int c__xapiversion(int api, char* msg, int* compatibility) {
 int c__xcheck(const char* name, int argCount, const int* codes, char* msg) {
   msg[0] = '\0';
   const char* complaint = nullptr;
-  const OperationRow* row = findRow(name);
+  const OperationRow* row = name == nullptr ? nullptr : findRow(name);
   if (row == nullptr) {
     complaint = "cannot be found in library.";
   } else if (argCount != row->argCount) {
@@ -81,7 +81,8 @@ int c__xcheck(const char* name, int argCount, const int* codes, char* msg) {
   if (complaint == nullptr) {
     return 1;
   }
-  std::snprintf(msg, ZTB_TEXT_BUFFER_SIZE, "ztbcclib: %s %s", name, complaint);
+  std::snprintf(msg, ZTB_TEXT_BUFFER_SIZE, "ztbcclib: %s %s", name == nullptr ? "" : name,
+                complaint);
   return 0;
 }
 

@@ -69,13 +69,13 @@ class ShortStringOut {
   TextBuffer text_ = {};
 };
 
-// An array of strings as argument, of which `count` entries are taken.
+// An array of strings as argument, of which `count` entries are taken. A null pointer stays one.
 class ShortStringsIn {
  public:
-  ShortStringsIn(const char* shortStrings, int count) {
+  ShortStringsIn(const char* shortStrings, int count) : isNull_(shortStrings == nullptr) {
     for (std::size_t i = 0; i < texts_.size(); ++i) {
       pointers_[i] = texts_[i].data();
-      if (static_cast<int>(i) < entriesIn(count)) {
+      if (!isNull_ && static_cast<int>(i) < entriesIn(count)) {
         fromShortString(shortStrings + i * shortStringSize, texts_[i]);
       } else {
         texts_[i][0] = '\0';
@@ -84,9 +84,10 @@ class ShortStringsIn {
   }
   ShortStringsIn(const ShortStringsIn&) = delete;
   ShortStringsIn& operator=(const ShortStringsIn&) = delete;
-  operator const char**() { return pointers_.data(); }
+  operator const char**() { return isNull_ ? nullptr : pointers_.data(); }
 
  private:
+  bool isNull_;
   std::array<TextBuffer, stringArraySize> texts_;
   std::array<const char*, stringArraySize> pointers_;
 };

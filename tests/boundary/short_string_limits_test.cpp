@@ -56,6 +56,33 @@ TEST_F(ShortStringLimits, moreThanTwentyDomainNamesAreRefused) {
   EXPECT_FALSE(db.errorUntouched());
 }
 
+TEST_F(ShortStringLimits, aNullBlockIsNoLabels) {
+  void* const data = db.addParameter("p");
+  void* const scalar = db.addParameter("s", 0);
+  db.put(data, {"a"});
+  found = &block;
+  EXPECT_UNEXPECTED(db, "ztbFindRecord", lib().d__ztbfindrecord(db, data, nullptr, &found));
+  EXPECT_UNEXPECTED(db, "ztbAddRecord", lib().d__ztbaddrecord(db, data, nullptr, &found));
+  EXPECT_UNEXPECTED(db, "ztbFindLastRecordSlice",
+                    lib().d__ztbfindlastrecordslice(db, data, nullptr, &found));
+  EXPECT_EQ(nullptr, found);
+  EXPECT_SUCCESS(db, lib().d__ztbaddrecord(db, scalar, nullptr, &found));
+  const Record record(db, found);
+  EXPECT_EQ(1, db.recordCount(scalar));
+}
+
+TEST_F(ShortStringLimits, aNullBlockIsNoDomainNames) {
+  void* domain = db.addSet("i");
+  EXPECT_EQ(1, lib().d__ztbaddsymbolx(db, ShortString("q"), 1, ZTB_PARAMETER, 0, ShortString(""),
+                                      &domain, nullptr, &found));
+  EXPECT_EQ(found, db.find("q"));
+  domain = nullptr;
+  EXPECT_EQ(1, lib().d__ztbaddsymbolx(db, ShortString("r"), 1, ZTB_PARAMETER, 0, ShortString(""),
+                                      &domain, nullptr, &found));
+  EXPECT_EQ(nullptr, found);
+  EXPECT_EQ("Domain 1 of Symbol r has neither a set nor a name", db.lastError());
+}
+
 TEST_F(ShortStringLimits, aFailureStillConvertsTheTextsThatWereAskedFor) {
   EXPECT_EQ(0, lib().d__ztbgetkeys(db, nullptr, 2, block));
   EXPECT_EQ("", block.shortString(0));

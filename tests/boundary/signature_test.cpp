@@ -140,6 +140,16 @@ TEST(SignatureCheck, doesNotKnowOperationsOutsideTheTable) {
   EXPECT_EQ(unknown("xcheck"), check("xcheck", {15}));
 }
 
+TEST(SignatureCheck, findsNoOperationWithoutAName) {
+  const int code = 15;
+  TextBuffer message;
+  EXPECT_EQ(0, lib().c__xcheck(nullptr, 0, &code, message));
+  EXPECT_EQ(unknown("").message, message.str());
+  ShortString shortMessage;
+  EXPECT_EQ(0, lib().d__xcheck(nullptr, 0, &code, shortMessage));
+  EXPECT_EQ(unknown("").message, shortMessage.str());
+}
+
 TEST(SignatureCheck, looksAtTheCountBeforeTheCodes) {
   EXPECT_EQ(wrongCount("ztbFindSymbol"), check("ztbFindSymbol", {0, 0, 0, 0}));
   EXPECT_EQ(wrongTypes("ztbFindSymbol"), check("ztbFindSymbol", {3, 11, 2}));
