@@ -190,7 +190,7 @@ class Database {
   }
   [[nodiscard]] Store store() const { return static_cast<Store>(info(ZTB_INFO_RECORD_STORAGE)); }
   // Moves a symbol with its records to a store. The symbol given and all records of it are dead
-  // afterwards; the result has the universe for domains, and an alias stands for itself alone.
+  // afterwards; the result has lost its domains, and an alias stands for itself alone.
   [[nodiscard]] Symbol moveTo(const Symbol& symbol, Store store) {
     void* handle = symbol.handle();
     detail::require(c__ztbselectrecordstorage(handle_, &handle, static_cast<int>(store)), handle_,

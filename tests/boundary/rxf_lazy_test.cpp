@@ -194,6 +194,21 @@ TEST_F(LazyRecords, lostOnesFailMergesAndSlicesToo) {
   EXPECT_FAILURE(db, lost("empty"), lib().c__ztbfindrecord(db, db.find("empty"), a, &handle));
 }
 
+TEST_F(LazyRecords, areLostBeforeTheNumbersOfARecordAreLookedAt) {
+  const int unknown = 99;
+  const std::array<double, 5> values{};
+  Database db(file);
+  ASSERT_EQ(1, lib().c__ztbcloserxf(db, 0));
+  EXPECT_FAILURE(
+      db, lost("p"),
+      lib().c__ztbmergerecordint(db, db.find("p"), &unknown, 1, 0, nullptr, 1, values.data()));
+  EXPECT_FAILURE(db, lost("i"),
+                 lib().c__ztbmergesetrecordint(db, db.find("i"), &unknown, 1, 0, nullptr, "text"));
+  EXPECT_FAILURE(
+      db, "Error when adding record to symbol p: UEL 99 is unknown. Largest known UEL is 2",
+      lib().c__ztbmergerecordint(db, db.find("p"), &unknown, 1, 0, nullptr, 1, values.data()));
+}
+
 TEST_F(LazyRecords, aLostSymbolCanBeClearedWithoutAFailure) {
   Database db(file);
   ASSERT_EQ(1, lib().c__ztbcloserxf(db, 0));

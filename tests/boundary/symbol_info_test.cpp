@@ -232,6 +232,20 @@ TEST(GetDomain, ofAnAliasIsTheDomainOfItsSet) {
   EXPECT_EQ("all", names[0].str());
 }
 
+TEST(GetDomain, ofAnAliasWiderThanItsSetIsNothingBeyondIt) {
+  Database db;
+  void* const outer = db.addSet("all");
+  db.addOver("some", ZTB_SET, {outer});
+  void* const alias = db.add("a", 2, ZTB_ALIAS, 1);
+  std::array<void*, 2> domains{untouched, untouched};
+  TextBuffers names;
+  EXPECT_SUCCESS(db, lib().c__ztbgetdomain(db, alias, 2, domains.data(), names));
+  EXPECT_EQ(outer, domains[0]);
+  EXPECT_EQ("all", names[0].str());
+  EXPECT_EQ(nullptr, domains[1]);
+  EXPECT_EQ("", names[1].str());
+}
+
 TEST(GetDomain, ofAnAliasOfTheUniverseIsItsOwn) {
   Database db;
   void* domain = db.addSet("i");

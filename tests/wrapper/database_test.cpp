@@ -106,6 +106,28 @@ TEST(Database, MakesEveryTypeOfSymbol) {
   EXPECT_EQ(database.addSymbol("big", ztb::Type::parameter, twenty).dimension(), 20);
 }
 
+TEST(Database, ChoosesTheStoreOfNewSymbolsAndMovesOthers) {
+  ztb::Database database;
+  const ztb::Symbol i = database.addSet("i", {"*"});
+  ztb::Symbol p = database.addParameter("p", {i});
+  p.add("a").setLevel(2);
+  p.add("b").setLevel(3);
+  EXPECT_EQ(database.store(), ztb::Store::map);
+  database.selectStore(ztb::Store::vector);
+  EXPECT_EQ(database.store(), ztb::Store::vector);
+  EXPECT_EQ(p.store(), ztb::Store::map);
+  EXPECT_EQ(database.addParameter("q", {}).store(), ztb::Store::vector);
+  const ztb::Symbol moved = database.moveTo(p, ztb::Store::trie);
+  EXPECT_EQ(moved.store(), ztb::Store::trie);
+  EXPECT_EQ(database.symbol("p"), moved);
+  EXPECT_EQ(moved.recordCount(), 2);
+  EXPECT_EQ(moved.find("b")->level(), 3);
+  const std::vector<ztb::Domain> domains = moved.domains();
+  ASSERT_EQ(domains.size(), 1U);
+  EXPECT_EQ(domains[0].name, "");
+  EXPECT_FALSE(domains[0].set);
+}
+
 TEST(Database, MakesAnAliasOfTheUniverse) {
   ztb::Database database;
   database.addSet("s", {"*"});
