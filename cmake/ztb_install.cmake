@@ -15,8 +15,13 @@ add_library(ztb::ztb ALIAS ztb_wrapper)
 add_library(ztb::ztbcclib64 ALIAS ztbcclib64)
 
 install(TARGETS ztbcclib64 ztb_wrapper EXPORT ztb-targets LIBRARY DESTINATION lib)
-# The library opens the exchange-file library at run time; it is found in the same folder.
-install(TARGETS rxfcclib64 LIBRARY DESTINATION lib)
+# The library opens these at run time; they are found in the same folder, and the solver catalogue
+# beside them.
+install(TARGETS rxfcclib64 nmtmdclib64 LIBRARY DESTINATION lib)
+# Programs that open models link this one.
+install(TARGETS lomudclib64 EXPORT ztb-targets LIBRARY DESTINATION lib)
+add_library(ztb::lomudclib64 ALIAS lomudclib64)
+install(FILES ${PROJECT_SOURCE_DIR}/providers/model/vltcmpNT.txt DESTINATION lib)
 if(TARGET ztb)
   install(TARGETS ztb RUNTIME DESTINATION bin)
 endif()
