@@ -30,7 +30,8 @@ class RxfWriter {
   void writeLabels();
   int writeSymbols();
   void writeTexts();
-  // Publishes the file, unless the peer counted errors that a refused domain did not cause.
+  // Closes the file. A failure when the peer counted errors that no refused domain caused; what the
+  // file then holds is up to the peer.
   int finish();
 
  private:

@@ -104,6 +104,19 @@ TEST_F(Domain, aSetIsNotItsOwnDomain) {
   file_.startWriting("s", "", 1, kSet, 0);
   EXPECT_FALSE(setDomain({"s"}));
   EXPECT_EQ(file_.takeLastError(), 22);
+  EXPECT_EQ(file_.errorText(22), "Domain is no set written before: s at position 1 of s");
+}
+
+TEST_F(Domain, aSetOfTwoDimensionsIsNoDomainThroughAnAliasEither) {
+  file_.addAlias("iijj", "ij");
+  for (const char* name : {"ij", "iijj"}) {
+    file_.startWriting((std::string("p") + name).c_str(), "", 1, kParameter, 0);
+    EXPECT_FALSE(setDomain({name}));
+    EXPECT_EQ(file_.takeLastError(), 23);
+    EXPECT_EQ(file_.errorText(23), std::string("Domain set is not one-dimensional: ") + name +
+                                       " of dimension 2 at position 1 of p" + name);
+    file_.finishWriting();
+  }
 }
 
 TEST_F(Domain, aDomainBehindARecordIsOutOfOrder) {

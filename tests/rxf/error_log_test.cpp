@@ -64,6 +64,50 @@ TEST(ErrorLog, anUnknownNumberIsNamed) {
   EXPECT_EQ(textOf(log, -1), "Unknown error number -1");
 }
 
+TEST(ErrorTable, aNumberKeepsItsText) {
+  const std::array<const char*, 34> texts = {
+      "No such file",
+      "No permission",
+      "Is a folder",
+      "Not a regular file",
+      "Not an RXF file",
+      "File has a newer version of the format",
+      "File is cut short",
+      "File is damaged",
+      "Disk full",
+      "Writing failed",
+      "Reading failed",
+      "File cannot be opened",
+      "File name not acceptable",
+      "Label not acceptable",
+      "Label stands twice",
+      "Symbol name not acceptable",
+      "Symbol stands twice",
+      "Alias target is no set written before",
+      "Key outside the registered labels",
+      "Keys not in ascending order",
+      "Record stands twice",
+      "Domain is no set written before",
+      "Domain set is not one-dimensional",
+      "Record outside its domain",
+      "Call out of order",
+      "Text longer than 255 bytes",
+      "Dimension outside 0 to 20",
+      "Symbol type not known",
+      "Limit exceeded",
+      "No such symbol number",
+      "No such label number",
+      "An alias has no records of its own",
+      "Out of memory",
+      "Internal error",
+  };
+  int number = 0;
+  for (const char* text : texts) {
+    EXPECT_STREQ(generalErrorText(++number), text) << number;
+  }
+  EXPECT_EQ(number + 1, kErrorNumberEnd);
+}
+
 TEST(ErrorTable, everyNumberHasATextOfItsOwn) {
   for (int number = 1; number < kErrorNumberEnd; ++number) {
     ASSERT_NE(generalErrorText(number), nullptr) << number;

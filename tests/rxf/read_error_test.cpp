@@ -131,6 +131,7 @@ TEST_F(ReadError, aDamagedBlockIsNamedAndTheRestStaysReadable) {
   EXPECT_EQ(
       text.find("File is damaged: block 1 of 1 of symbol grain in " + path_ + ": checksum is "), 0U)
       << text;
+  EXPECT_NE(text.find(", expected "), std::string::npos) << text;
   EXPECT_NE(text.find("; its records are left out"), std::string::npos) << text;
   file.finishReading();
   Content expected = smallContent();

@@ -3,8 +3,11 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cerrno>
+#include <map>
 #include <memory>
+#include <string>
 
 #include "providers/rxf/rxf_object.h"
 #include "tests/rxf/content.h"
@@ -182,6 +185,61 @@ TEST(SystemFaults, aReadThatFailsHasItsOwnNumber) {
   object->errorText(11, text.data());
   EXPECT_EQ(std::string(text.data()),
             "Reading failed: " + folder.file("x") + ": Input/output error");
+}
+
+std::string errorTextOf(const RxfObject& object, int number) {
+  std::array<char, 256> text{};
+  object.errorText(number, text.data());
+  return text.data();
+}
+
+TEST(SystemFaults, aFileThatMayNotBeReadIsNamed) {
+  const TempFolder folder;
+  write(rxffile::operatingSystem(), folder.file("x"), oldContent());
+  for (const int error : {EACCES, EPERM}) {
+    FailingCalls calls(Mode::failOnce, 1, error);
+    const auto object = std::make_unique<RxfObject>(calls);
+    EXPECT_EQ(object->openRead(folder.file("x").c_str()), 2);
+    EXPECT_EQ(object->takeLastError(), 2);
+    EXPECT_EQ(errorTextOf(*object, 2), "No permission: " + folder.file("x") + " cannot be read");
+  }
+}
+
+// What opening a file for writing tells under an error number when the call of each name fails.
+std::map<std::string, std::string> openingTexts(const std::string& path, int systemError,
+                                                int number) {
+  std::map<std::string, std::string> texts;
+  for (int at = 1;; ++at) {
+    FailingCalls calls(Mode::failOnce, at, systemError);
+    const auto object = std::make_unique<RxfObject>(calls);
+    const int error = object->openWrite(path.c_str(), "");
+    if (calls.failed().empty()) return texts;
+    if (error == number) {
+      EXPECT_EQ(object->takeLastError(), number);
+      texts.emplace(calls.failed(), errorTextOf(*object, number));
+    }
+  }
+}
+
+TEST(SystemFaults, aFileThatMayNotBeWrittenIsToldWithTheReason) {
+  using Texts = std::map<std::string, std::string>;
+  const TempFolder folder;
+  write(rxffile::operatingSystem(), folder.file("x"), oldContent());
+  const Texts expected = {
+      {"stat", "No permission: the folder cannot be entered"},
+      {"access", "No permission: the file cannot be written"},
+      {"open", "No permission: the folder cannot be written"},
+      {"fchmod", "No permission: the permission bits of the file cannot be kept"}};
+  for (const int error : {EACCES, EPERM, EROFS}) {
+    EXPECT_EQ(openingTexts(folder.file("x"), error, 2), expected);
+  }
+  EXPECT_TRUE(read(folder.file("x")) == oldContent());
+}
+
+TEST(SystemFaults, aDiskWithoutRoomForTheFileIsToldAtOpening) {
+  const TempFolder folder;
+  EXPECT_EQ(openingTexts(folder.file("x"), ENOSPC, 9).at("open"),
+            "Disk full: No space left on device");
 }
 
 TEST(SystemFaults, interruptedCallsAreTakenUpAgain) {

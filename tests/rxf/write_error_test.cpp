@@ -56,8 +56,9 @@ TEST_F(WriteError, aRecordOutsideTheLabelsIsLeftOut) {
   EXPECT_TRUE(write({3, 3}));
   file_.finishWriting();
   EXPECT_EQ(file_.errorCount(), 4);
+  EXPECT_EQ(file_.takeLastError(), 19);
   EXPECT_EQ(file_.drainErrors(),
-            std::vector<std::string>(4,
+            std::vector<std::string>(3,
                                      "Key outside the registered labels: p, key 0 at position "
                                      "2, expected 1 to 3"));
   EXPECT_EQ(records(), (std::vector<Record>{record({1, 1}, {1}), record({3, 3}, {1})}));
@@ -172,7 +173,9 @@ TEST_F(WriteError, aFileWithARefusedTextIsNotPublished) {
   EXPECT_EQ(file_.addText(std::string(256, 't').c_str()), 0);
   EXPECT_EQ(file_.errorCount(), 1);
   EXPECT_EQ(file_.takeLastError(), 26);
-  EXPECT_EQ(file_.addText("fine"), 1);
+  EXPECT_EQ(file_.errorText(26),
+            "Text longer than 255 bytes: set text 1, >" + std::string(80, 't') + "<");
+  EXPECT_EQ(file_.addText(std::string(255, 't').c_str()), 1);
   EXPECT_NE(file_.close(), 0);
   EXPECT_TRUE(folder_.names().empty());
 }
