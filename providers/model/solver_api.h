@@ -100,6 +100,6 @@ class Solver {
 
 // A new solver, to be deleted by the caller; null when `apiVersion` is another than this library's.
 using MakeSolver = lomu::Solver*(int apiVersion);
-extern "C" MakeSolver ztbMakeSolver;
+extern "C" [[gnu::visibility("default")]] MakeSolver ztbMakeSolver;
 
 #endif  // ZTB_PROVIDERS_MODEL_SOLVER_API_H_

@@ -139,8 +139,11 @@ TEST_P(Marginals, AreComplementaryAndSignedByTheSideThatBinds) {
     const double low = row.type == ztbRowLessOrEqual || row.type == ztbRowFree ? -kInf : row.rhs;
     double high = row.type == ztbRowGreaterOrEqual || row.type == ztbRowFree ? kInf : row.rhs;
     if (row.range > 0) high = row.rhs + row.range;
-    if (marginal > 1e-9) EXPECT_NEAR(record->level(), low, 1e-7) << row.name;
-    if (marginal < -1e-9) EXPECT_NEAR(record->level(), high, 1e-7) << row.name;
+    if (marginal > 1e-9) {
+      EXPECT_NEAR(record->level(), low, 1e-7) << row.name;
+    } else if (marginal < -1e-9) {
+      EXPECT_NEAR(record->level(), high, 1e-7) << row.name;
+    }
   }
 }
 

@@ -30,13 +30,12 @@ TEST(Quadratic, TheNearestPointOfALine) {
 }
 
 TEST(Quadratic, AProductInARowAndMaximization) {
-  // max x + y, x y <= 4 is unbounded without bounds; with x, y in [1, 4] the corners (1, 4) and (4,
-  // 1) give
-  // 5. From the row's marginal: at (1, 4), 1 = m x for y gives m = 1, and x stands at its bound.
+  // max x + y, x y <= 4 with x in [1, 4] and y in [0.5, 3]: locally best are (4, 1), where 1 = m x
+  // gives the row the marginal 1/4, and (4/3, 3), where 1 = m y gives 1/3.
   ztb::Model model;
   model.setObjective("total", true);
   const int x = model.addColumn("x", 1, 4);
-  const int y = model.addColumn("y", 1, 3);
+  const int y = model.addColumn("y", 0.5, 3);
   model.addTerm(0, x, 1);
   model.addTerm(0, y, 1);
   const int row = model.addRow("area", ztbRowLessOrEqual, 4);
@@ -44,7 +43,6 @@ TEST(Quadratic, AProductInARowAndMaximization) {
   ztb::Database database;
   ztb::ModelTie(database, model).solve("ipopt");
   EXPECT_EQ(model.status(), ztbModelLocallyOptimal);
-  // Either corner of the curve is locally best: (4, 1) with 5, or (4/3, 3) with 13/3.
   const double objective = model.objective();
   const bool first = objective > 4.9;
   EXPECT_NEAR(objective, first ? 5 : 13.0 / 3, 1e-5);

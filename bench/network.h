@@ -1,0 +1,33 @@
+// A sparse transport problem: every target is served by a few sources at a cost, within the
+// sources' capacities. What changes from solve to solve is the demand of the targets.
+#ifndef ZTB_BENCH_NETWORK_H_
+#define ZTB_BENCH_NETWORK_H_
+
+#include <string>
+#include <vector>
+
+namespace bench {
+
+struct Arc {
+  int source;
+  int target;
+  double cost;
+};
+
+struct Network {
+  int sources;
+  int targets;
+  std::vector<double> capacity;
+  std::vector<double> demand;
+  std::vector<Arc> arcs;
+
+  // `rows` constraints in all: a fifth are sources. The data are the same for the same count.
+  explicit Network(int rows);
+
+  // The demands of a step: all a little off, deterministically.
+  [[nodiscard]] std::vector<double> demandOf(int step) const;
+};
+
+}  // namespace bench
+
+#endif  // ZTB_BENCH_NETWORK_H_
