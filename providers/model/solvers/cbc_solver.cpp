@@ -46,6 +46,6 @@ void CbcSolver::solve(const SolverLimits& limits, SolverResult& result) {
 
 }  // namespace lomu
 
-lomu::Solver* ztbMakeSolver(int apiVersion) {
+[[gnu::visibility("default")]] lomu::Solver* ztbMakeSolver(int apiVersion) {
   return apiVersion == lomu::kSolverApiVersion ? new lomu::CbcSolver : nullptr;
 }

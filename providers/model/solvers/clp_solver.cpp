@@ -54,6 +54,6 @@ void ClpSolver::solve(const SolverLimits& limits, SolverResult& result) {
 
 }  // namespace lomu
 
-lomu::Solver* ztbMakeSolver(int apiVersion) {
+[[gnu::visibility("default")]] lomu::Solver* ztbMakeSolver(int apiVersion) {
   return apiVersion == lomu::kSolverApiVersion ? new lomu::ClpSolver : nullptr;
 }

@@ -45,6 +45,6 @@ void GlpkSolver::solve(const SolverLimits& limits, SolverResult& result) {
 
 }  // namespace lomu
 
-lomu::Solver* ztbMakeSolver(int apiVersion) {
+[[gnu::visibility("default")]] lomu::Solver* ztbMakeSolver(int apiVersion) {
   return apiVersion == lomu::kSolverApiVersion ? new lomu::GlpkSolver : nullptr;
 }

@@ -242,6 +242,6 @@ void IpoptSolver::leavePositions(SolverResult& result) const {
 
 }  // namespace lomu
 
-lomu::Solver* ztbMakeSolver(int apiVersion) {
+[[gnu::visibility("default")]] lomu::Solver* ztbMakeSolver(int apiVersion) {
   return apiVersion == lomu::kSolverApiVersion ? new lomu::IpoptSolver : nullptr;
 }
