@@ -5,12 +5,14 @@
 
 #include <array>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "tools/data_file.h"
 #include "tools/json_text.h"
 #include "tools/output.h"
+#include "tools/progress.h"
 #include "tools/table_printer.h"
 #include "tools/words.h"
 
@@ -108,7 +110,10 @@ void printTotals(const DataFile& file, const Totals& totals) {
 }
 
 void runInfo(const InfoOptions& options) {
+  std::optional<Progress> progress(std::in_place);
+  progress->step("opening " + options.file);
   const DataFile file(options.file);
+  progress.reset();
   const std::vector<ztb::Symbol> symbols = file.symbols();
   if (options.json) {
     printJson(file, symbols);

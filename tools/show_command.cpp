@@ -1,6 +1,8 @@
 #include "tools/show_command.h"
 
 #include <fmt/format.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <functional>
@@ -173,6 +175,17 @@ void printJson(const ShownRecords& shown) {
   print("\n]}\n");
 }
 
+// Ends the progress line, unless the output goes to a file: elsewhere it may come to the same
+// terminal.
+void beginOutput(std::optional<Progress>& progress) {
+  struct stat status {};
+  if (fstat(STDOUT_FILENO, &status) == 0 && S_ISREG(status.st_mode)) {
+    progress->step("writing");
+  } else {
+    progress.reset();
+  }
+}
+
 // Calls use with the cells of each record; the texts of a set are left out without withTexts.
 ShownRecords::Walked walkCells(const ShownRecords& shown, bool withTexts,
                                const std::function<void(std::span<const std::string_view>)>& use) {
@@ -198,7 +211,8 @@ ShownRecords::Walked walkCells(const ShownRecords& shown, bool withTexts,
   });
 }
 
-void printTable(const ShownRecords& shown) {
+void printTable(const ShownRecords& shown, std::optional<Progress>& progress) {
+  progress->step("measuring");
   using Align = TablePrinter::Align;
   bool withTexts = false;
   if (shown.hasTexts()) {
@@ -219,6 +233,7 @@ void printTable(const ShownRecords& shown) {
   }
   walkCells(shown, withTexts,
             [&](std::span<const std::string_view> cells) { table.measure(cells); });
+  beginOutput(progress);
 
   const ztb::Text text = shown.symbol().text();
   print(fmt::format("{} {}{}{}\n\n", typeWord(shown.symbol().type()), signature(shown.symbol()),
@@ -237,13 +252,15 @@ void runShow(const ShowOptions& options) {
   const ShownRecords shown(options);
   // Records are read at the first count.
   static_cast<void>(shown.symbol().recordCount());
-  progress.reset();
+  if (!options.csv && !options.json) {
+    printTable(shown, progress);
+    return;
+  }
+  beginOutput(progress);
   if (options.csv) {
     printCsv(shown);
-  } else if (options.json) {
-    printJson(shown);
   } else {
-    printTable(shown);
+    printJson(shown);
   }
 }
 

@@ -46,6 +46,29 @@ TEST_F(CheckTest, FindsDamageAnywhere) {
   }
 }
 
+// The records of the first symbol begin behind the header of 96 bytes, with a head of 40.
+TEST_F(CheckTest, TellsTheBlockThatIsDamagedAndWhatItShouldBe) {
+  damage(140);
+  const Outcome outcome = ztb({"check", "b.rxf"});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.output, "");
+  EXPECT_NE(outcome.errors.find("block 1 of 1 of symbol s in b.rxf: checksum is "),
+            std::string::npos)
+      << outcome.errors;
+  EXPECT_NE(outcome.errors.find(", expected "), std::string::npos) << outcome.errors;
+  EXPECT_EQ(outcome.errors.find("symbol p"), std::string::npos) << outcome.errors;
+  EXPECT_TRUE(outcome.errors.ends_with("ztb: b.rxf: 1 problem found\n")) << outcome.errors;
+}
+
+// The tables stand at the end of the file.
+TEST_F(CheckTest, TellsTheTableThatIsDamaged) {
+  damage(read("a.rxf").size() - 1);
+  const Outcome outcome = ztb({"check", "b.rxf"});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_NE(outcome.errors.find("symbol table of b.rxf, chunk 1"), std::string::npos)
+      << outcome.errors;
+}
+
 TEST_F(CheckTest, FindsAFileCutShort) {
   const std::string content = read("a.rxf");
   for (std::size_t size = 0; size < content.size(); size += 41) {
