@@ -47,7 +47,7 @@ void runOnThread(std::size_t stackBytes, const std::function<void()>& work) {
 
 }  // namespace
 
-GlpkSession::GlpkSession() : exit_{} {
+GlpkSession::GlpkSession() {
   glp_term_hook(keepMessage, this);
   glp_error_hook(leave, this);
 }

@@ -37,7 +37,7 @@ class GlpkSession {
   static void leave(void* session);
 
   std::string messages_;
-  std::jmp_buf exit_;
+  std::jmp_buf exit_{};
 };
 
 }  // namespace lomu

@@ -47,7 +47,7 @@ class ExpressionReader {
   LpExpression read() {
     for (bool first = true; !ends(first); first = false) {
       const bool isSign = is(LpTokenKind::plus) || is(LpTokenKind::minus);
-      if (!isSign && !first) tokens_.failExpecting("\"+\", \"-\" or the end of the sum");
+      if (!isSign && !first) tokens_.failExpecting(R"("+", "-" or the end of the sum)");
       readTerm(readSigns());
     }
     return std::move(result_);
@@ -110,7 +110,7 @@ class ExpressionReader {
       if (tokens_.takeIf(LpTokenKind::times)) {
         if (!isColumn()) tokens_.failExpecting("the name of a variable after \"*\"");
       } else if (is(LpTokenKind::openBracket)) {
-        tokens_.failExpecting("\"+\", \"-\" or a name; a bracket takes no coefficient");
+        tokens_.failExpecting(R"("+", "-" or a name; a bracket takes no coefficient)");
       } else if (!isColumn() || rowEndsBefore(tokens_.next())) {
         return addConstant(fromFile(value));
       }
@@ -145,7 +145,7 @@ class ExpressionReader {
       readProduct(sign * termSign);
     } while (is(LpTokenKind::plus) || is(LpTokenKind::minus));
     if (!tokens_.takeIf(LpTokenKind::closeBracket)) {
-      tokens_.failExpecting("\"+\", \"-\" or the \"]\" of the bracket opened in line " +
+      tokens_.failExpecting(R"("+", "-" or the "]" of the bracket opened in line )" +
                             std::to_string(line));
     }
     if (place_ != LpPlace::objective) {
@@ -181,7 +181,7 @@ class ExpressionReader {
     } else if (tokens_.takeIf(LpTokenKind::times)) {
       result_.products.push_back({0, first, readFactor(), value});
     } else {
-      tokens_.failExpecting("\"^ 2\" or \"*\": within a bracket stand squares and products");
+      tokens_.failExpecting(R"("^ 2" or "*": within a bracket stand squares and products)");
     }
   }
 

@@ -28,7 +28,7 @@ std::optional<LpRelation> takeRelationIf(LpTokens& tokens) {
 
 LpRelation takeRelation(LpTokens& tokens) {
   const auto relation = takeRelationIf(tokens);
-  if (!relation) tokens.failExpecting("\"<=\", \">=\" or \"=\"");
+  if (!relation) tokens.failExpecting(R"("<=", ">=" or "=")");
   return *relation;
 }
 
@@ -41,7 +41,7 @@ void LpRowReader::readObjective() {
   }
   const LpExpression sum = readLpExpression(tokens_, columns_, LpPlace::objective);
   if (tokens_.next().kind != LpTokenKind::end && !lpSection(tokens_)) {
-    tokens_.failExpecting("\"+\", \"-\" or a section such as Subject To after the objective");
+    tokens_.failExpecting(R"("+", "-" or a section such as Subject To after the objective)");
   }
   if (!std::isfinite(fromFile(sum.constant))) {
     tokens_.fail(line, "the constant of the objective is infinite, expected a size below 1e30");
@@ -82,7 +82,7 @@ void LpRowReader::readRow(std::size_t line, std::string name) {
     }
     if (*second != relation || relation == LpRelation::equal) {
       tokens_.fail(secondLine, "the two relations of row " + shown(name) +
-                                   " do not go together, expected two \"<=\" or two \">=\"");
+                                   R"( do not go together, expected two "<=" or two ">=")");
     }
     const bool ascends = relation == LpRelation::lessOrEqual;
     const double lower = ascends ? left.constant : third.constant;
@@ -95,8 +95,11 @@ void LpRowReader::readRow(std::size_t line, std::string name) {
   }
   const double rhs = std::exchange(right.constant, 0);
   left.add(right, -1);
-  addRow(line, std::move(name), left, relation == LpRelation::lessOrEqual ? -kInfinity : rhs,
-         relation == LpRelation::greaterOrEqual ? kInfinity : rhs);
+  double lower = rhs;
+  double upper = rhs;
+  if (relation == LpRelation::lessOrEqual) lower = -kInfinity;
+  if (relation == LpRelation::greaterOrEqual) upper = kInfinity;
+  addRow(line, std::move(name), left, lower, upper);
 }
 
 LpExpression LpRowReader::readSide(LpPlace place) {
