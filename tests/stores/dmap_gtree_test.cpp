@@ -141,7 +141,12 @@ TEST(TrieStore, insertOrAssignPutsAFirstRecordInAStoreWhoseRecordsWereAllErased)
 TEST(TrieStore, insertOrAssignThrowsWhereTheBoundStandsOnNoRecord) {
   Trie trie(3, {{1, 1, 1}, {1, 2, 1}, {1, 3, 1}});
   trie.store.erase(trie.find({1, 2, 1}));
-  EXPECT_THROW(trie.insertOrAssign({1, 2, 1}, 9), std::logic_error);
+  try {
+    trie.insertOrAssign({1, 2, 1}, 9);
+    FAIL() << "overwrote a record that is not there";
+  } catch (const std::logic_error& error) {
+    EXPECT_STREQ("the lower bound stands on no record", error.what());
+  }
 }
 
 TEST(TrieStore, lowerBoundOfAnEmptyStoreIsItsEndOnEveryDimension) {

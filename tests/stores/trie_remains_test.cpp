@@ -46,6 +46,22 @@ TEST_F(TrieRemains, anEmptiedBranchOfThreeDimensionsStopsAWalk) {
                  lib().c__ztbrecordmovenext(db_, record));
 }
 
+TEST_F(TrieRemains, anEmptiedBranchKeepsTheSymbolFromMovingWithoutHarm) {
+  void* symbol = filled(3, {{{"a", "a", "a"}, 1}, {{"a", "b", "a"}, 2}, {{"a", "c", "a"}, 3}});
+  erase(symbol, {"a", "b", "a"});
+  for (const int store : {ZTB_STORAGE_TREE_MAP, ZTB_STORAGE_VECTOR}) {
+    void* handle = symbol;
+    EXPECT_FAILURE(db_,
+                   "Unexpected exception in ztbSelectRecordStorage: the position stands on no "
+                   "record",
+                   lib().c__ztbselectrecordstorage(db_, &handle, store));
+    EXPECT_EQ(symbol, handle);
+    EXPECT_EQ(symbol, db_.find("p"));
+    EXPECT_EQ(2, db_.recordCount(symbol));
+    EXPECT_EQ(3, db_.level(db_.record(symbol, {"a", "c", "a"})));
+  }
+}
+
 TEST_F(TrieRemains, anEmptiedBranchTakesARecordAgain) {
   void* symbol = filled(3, {{{"a", "a", "a"}, 1}, {{"a", "b", "a"}, 2}, {{"a", "c", "a"}, 3}});
   erase(symbol, {"a", "b", "a"});
