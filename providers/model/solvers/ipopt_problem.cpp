@@ -67,7 +67,7 @@ void IpoptProblem::findRows() {
   const auto equations = std::count_if(rows_.begin(), rows_.end(), [&](int i) {
     return problem_.rowLower[i] == problem_.rowUpper[i];
   });
-  padding_ = std::max(0, static_cast<int>(equations) - static_cast<int>(moving_.size()));
+  padding_ = std::max(0, static_cast<int>(equations) + 1 - static_cast<int>(moving_.size()));
 }
 
 void IpoptProblem::addJacobian(int row, int column, double value, int factor) {

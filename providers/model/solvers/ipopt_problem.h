@@ -2,7 +2,8 @@
 // hold no other columns are left out, first and second derivatives are exact.
 //
 // Ipopt refuses a problem with more equations than columns, also where equations follow from each
-// other; such a problem gets columns from 0 to 1 that stand in no row and cost nothing.
+// other, and leaves the cost out of account in one with as many. Such a problem gets columns from 0
+// to 1 that stand in no row and cost nothing.
 #ifndef ZTB_PROVIDERS_MODEL_SOLVERS_IPOPT_PROBLEM_H_
 #define ZTB_PROVIDERS_MODEL_SOLVERS_IPOPT_PROBLEM_H_
 

@@ -16,9 +16,15 @@ namespace {
 // How close to a bound, relative to its size, a level of an interior method is at the bound.
 constexpr double kAtBound = 1e-6;
 
+// Levels beyond this say that a problem may be unbounded. Where one is, Ipopt can also go on
+// without an end; nothing that converges takes as many iterations.
+constexpr double kDiverged = 1e12;
+constexpr int kMostIterations = 10000;
+
 Position positionOf(double level, double lower, double upper) {
   const auto near = [&](double side) {
-    return std::abs(level - side) <= kAtBound * std::max(1.0, std::abs(side));
+    return std::isfinite(side) &&
+           std::abs(level - side) <= kAtBound * std::max(1.0, std::abs(side));
   };
   if (near(lower) && level - lower <= upper - level) return Position::atLower;
   if (near(upper)) return Position::atUpper;
@@ -30,7 +36,8 @@ void setOptions(Ipopt::IpoptApplication& application, int iterations, bool linea
   options->SetIntegerValue("print_level", 0);
   options->SetStringValue("sb", "yes");
   options->SetStringValue("linear_solver", "mumps");
-  options->SetIntegerValue("max_iter", iterations);
+  options->SetIntegerValue("max_iter", std::min(iterations, kMostIterations));
+  options->SetNumericValue("diverging_iterates_tol", kDiverged);
   options->SetNumericValue("tol", 1e-9);
   options->SetNumericValue("bound_relax_factor", 1e-9);
   if (!linearRows) return;
@@ -139,7 +146,9 @@ IpoptSolver::Run IpoptSolver::run(const SolverProblem& problem, Watch& watch,
       run.outcome = Outcome::optimal;
       break;
     case Ipopt::Maximum_Iterations_Exceeded:
-      run.outcome = Outcome::iterationLimit;
+      run.outcome =
+          asked->iterations() < kMostIterations ? Outcome::iterationLimit : Outcome::failed;
+      result.reason = "ipopt came to no end in " + std::to_string(kMostIterations) + " iterations";
       break;
     case Ipopt::Maximum_CpuTime_Exceeded:
       run.outcome = Outcome::timeLimit;

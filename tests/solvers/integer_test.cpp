@@ -1,0 +1,159 @@
+// Small problems with integers worked by hand, by the solvers that take them.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "tests/solvers/small_model.h"
+#include "tests/support/stdout_capture.h"
+
+namespace ztbtest {
+namespace {
+
+using lomu::Outcome;
+using lomu::Position;
+using lomu::SolverResult;
+
+class Integer : public testing::TestWithParam<const char*> {
+ protected:
+  SolverResult solve(const lomu::SolverLimits& limits = {}) {
+    return solveFresh(GetParam(), model_, limits);
+  }
+
+  SmallModel model_;
+};
+
+// max 5x + 4y, 6x + 4y <= 24, x + 2y <= 6: 21 at (3, 1.5) as reals; in integers 20 at (4, 0).
+TEST_P(Integer, findsTheBestPointOfIntegers) {
+  model_.column(-5, 0, kInf, true);
+  model_.column(-4, 0, kInf, true);
+  model_.row({6, 4}, -kInf, 24);
+  model_.row({1, 2}, -kInf, 6);
+  const SolverResult result = solve();
+  ASSERT_EQ(result.outcome, Outcome::optimal) << result.reason;
+  EXPECT_EQ(result.level, (std::vector<double>{4, 0}));
+}
+
+// A knapsack of 10: values 10, 13, 7, 8, 4 of weights 5, 6, 4, 3, 1; the best is 13 + 8 + 4 = 25 of
+// weight 10.
+TEST_P(Integer, fillsAKnapsack) {
+  const std::vector<double> worth{10, 13, 7, 8, 4};
+  for (const double v : worth) model_.column(-v, 0, 1, true);
+  model_.row({5, 6, 4, 3, 1}, -kInf, 10);
+  const SolverResult result = solve();
+  ASSERT_EQ(result.outcome, Outcome::optimal) << result.reason;
+  EXPECT_EQ(result.level, (std::vector<double>{0, 1, 0, 1, 1}));
+}
+
+// min 3x + 10y, x + 4y >= 5.5, y integer: y = 1 and x = 1.5, or y = 0 and x = 5.5, or y = 2 and
+// x = 0: 14.5, 16.5, 20. With y at 1 a unit of right-hand side costs 3, and of y 10 - 4 * 3.
+TEST_P(Integer, leavesTheMarginalsOfTheLinearProblemWithIntegersFixed) {
+  model_.column(3, 0, kInf);
+  model_.column(10, 0, kInf, true);
+  model_.row({1, 4}, 5.5, kInf);
+  const SolverResult result = solve();
+  ASSERT_EQ(result.outcome, Outcome::optimal) << result.reason;
+  EXPECT_NEAR(result.level[0], 1.5, 1e-9);
+  EXPECT_EQ(result.level[1], 1);
+  EXPECT_NEAR(result.rowMarginal[0], 3, 1e-9);
+  EXPECT_EQ(result.rowPosition[0], Position::atLower);
+  EXPECT_EQ(result.position[0], Position::basic);
+  EXPECT_EQ(result.position[1], Position::superbasic);
+}
+
+// 2x - 2y = 1 has no integers, though reals without end.
+TEST_P(Integer, tellsInfeasibleWhenOnlyTheIntegersAre) {
+  model_.column(-1, 0, 50, true);
+  model_.column(-1, 0, 50, true);
+  model_.row({2, -2}, 1, 1);
+  const SolverResult result = solve();
+  EXPECT_EQ(result.outcome, Outcome::infeasible) << result.reason;
+  EXPECT_FALSE(result.hasPoint);
+}
+
+TEST_P(Integer, tellsUnbounded) {
+  model_.column(-1, 0, kInf, true);
+  model_.column(0.5, 0, kInf, true);
+  model_.row({1, -1}, -kInf, 2.5);
+  const SolverResult result = solve();
+  EXPECT_EQ(result.outcome, Outcome::unbounded) << result.reason;
+  EXPECT_FALSE(result.hasPoint);
+}
+
+// z is unbounded below in reals, but x has no integer.
+TEST_P(Integer, tellsInfeasibleWhereTheRealsAreUnbounded) {
+  model_.column(0, 0.2, 0.8, true);
+  model_.column(-1, 0, kInf);
+  model_.row({1, -1}, -kInf, 3);
+  const SolverResult result = solve();
+  EXPECT_EQ(result.outcome, Outcome::infeasible) << result.reason;
+}
+
+// 2x + 2y = 1 has no integers; z is unbounded in reals.
+TEST_P(Integer, tellsInfeasibleBySearchWhereTheRealsAreUnbounded) {
+  model_.column(0, 0, 1, true);
+  model_.column(0, 0, 1, true);
+  model_.column(-1, 0, kInf);
+  model_.row({2, 2, 0}, 1, 1);
+  model_.row({1, 0, -1}, -kInf, 3);
+  const SolverResult result = solve();
+  EXPECT_EQ(result.outcome, Outcome::infeasible) << result.reason;
+}
+
+TEST_P(Integer, takesIntegersOfFractionalAndNegativeBounds) {
+  model_.column(1, -2.5, 7.5, true);
+  model_.column(-1, -7.25, -1.5, true);
+  model_.row({1, 1}, -100, 100);
+  const SolverResult result = solve();
+  ASSERT_EQ(result.outcome, Outcome::optimal) << result.reason;
+  EXPECT_EQ(result.level, (std::vector<double>{-2, -2}));
+}
+
+TEST_P(Integer, solvesIntegersWithoutRows) {
+  model_.column(1, 0.5, 7, true);
+  const SolverResult result = solve();
+  ASSERT_EQ(result.outcome, Outcome::optimal) << result.reason;
+  EXPECT_EQ(result.level, (std::vector<double>{1}));
+}
+
+// Costs that differ in the seventh digit decide.
+TEST_P(Integer, seesSmallDifferencesOfTheObjective) {
+  model_.column(1.0000001, 0, 1, true);
+  model_.column(1, 0, 1, true);
+  model_.column(1.0000002, 0, 1, true);
+  model_.row({1, 1, 1}, 1.5, 2);
+  const SolverResult result = solve();
+  ASSERT_EQ(result.outcome, Outcome::optimal) << result.reason;
+  EXPECT_EQ(result.level, (std::vector<double>{1, 1, 0}));
+}
+
+// The best is -25, and a search that may stop at half of it has to give a solution that good.
+TEST_P(Integer, mayStopWithinTheRelativeGap) {
+  const std::vector<double> worth{10, 13, 7, 8, 4};
+  for (const double v : worth) model_.column(-v, 0, 1, true);
+  model_.row({5, 6, 4, 3, 1}, -kInf, 10);
+  lomu::SolverLimits limits;
+  limits.relativeGap = 0.5;
+  const SolverResult result = solve(limits);
+  ASSERT_EQ(result.outcome, Outcome::optimal) << result.reason;
+  ASSERT_TRUE(result.hasPoint);
+  EXPECT_LE(model_.activity(0, result.level), 10);
+  EXPECT_LE(model_.objective(result.level), -12.5);
+}
+
+TEST_P(Integer, printsNothing) {
+  model_.column(-5, 0, kInf, true);
+  model_.column(-4, 0, kInf, true);
+  model_.row({6, 4}, -kInf, 24);
+  model_.row({1, 2}, -kInf, 6);
+  StdoutCapture capture;
+  solve();
+  model_.row({2, 2}, 1, 1);
+  solve();
+  EXPECT_EQ(capture.text(), "");
+}
+
+INSTANTIATE_TEST_SUITE_P(Solvers, Integer, testing::Values("cbc", "glpk"),
+                         [](const auto& tested) { return std::string(tested.param); });
+
+}  // namespace
+}  // namespace ztbtest

@@ -1,0 +1,130 @@
+// Limits of time and iterations, and the caller's wish to end.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "tests/solvers/random_model.h"
+
+namespace ztbtest {
+namespace {
+
+using lomu::Outcome;
+using lomu::SolverLimits;
+using lomu::SolverResult;
+
+// Agrees with going on for a number of times.
+struct Patience {
+  int times;
+  static bool ended(void* context) { return static_cast<Patience*>(context)->times-- <= 0; }
+};
+
+class Limit : public testing::TestWithParam<const char*> {
+ protected:
+  RandomModel random_{7, 60, 50, 0.4};
+  SolverLimits limits_;
+};
+
+TEST_P(Limit, ofIterations) {
+  limits_.iterations = 2;
+  const SolverResult result = solveFresh(GetParam(), random_.model, limits_);
+  EXPECT_EQ(result.outcome, Outcome::iterationLimit) << result.reason;
+  EXPECT_LE(result.iterations, 3);
+}
+
+TEST_P(Limit, ofTime) {
+  limits_.seconds = 1e-9;
+  const SolverResult result = solveFresh(GetParam(), random_.model, limits_);
+  EXPECT_EQ(result.outcome, Outcome::timeLimit) << result.reason;
+}
+
+TEST_P(Limit, byTheCallerBeforeTheFirstIteration) {
+  Patience patience{0};
+  limits_.terminated = &Patience::ended;
+  limits_.context = &patience;
+  const SolverResult result = solveFresh(GetParam(), random_.model, limits_);
+  EXPECT_EQ(result.outcome, Outcome::terminated) << result.reason;
+  EXPECT_FALSE(result.hasPoint);
+}
+
+TEST_P(Limit, leavesNoLessThanASolverThatGoesOn) {
+  const auto live = openSolver(GetParam());
+  std::string reason;
+  ASSERT_TRUE(live->load(random_.model.problem(), reason)) << reason;
+  limits_.iterations = 2;
+  ASSERT_EQ(solveLive(*live, random_.model, limits_).outcome, Outcome::iterationLimit);
+  const SolverResult result = solveLive(*live, random_.model);
+  ASSERT_EQ(result.outcome, Outcome::optimal) << result.reason;
+  const SolverResult fresh = solveFresh("glpk", random_.model);
+  EXPECT_NEAR(random_.model.objective(result.level), random_.model.objective(fresh.level), 1e-5);
+}
+
+INSTANTIATE_TEST_SUITE_P(Solvers, Limit, testing::Values("clp", "cbc", "glpk", "ipopt"),
+                         [](const auto& tested) { return std::string(tested.param); });
+
+TEST(LimitOfClp, byTheCallerInBetween) {
+  RandomModel random(7, 60, 50, 0.4);
+  Patience patience{8};
+  SolverLimits limits;
+  limits.terminated = &Patience::ended;
+  limits.context = &patience;
+  EXPECT_EQ(solveFresh("clp", random.model, limits).outcome, Outcome::terminated);
+}
+
+// Equal halves of many odd-sized things on several scales at once: a long search.
+class LongSearch : public testing::TestWithParam<const char*> {
+ protected:
+  LongSearch() {
+    for (int j = 0; j < 40; ++j) model_.column(0, 0, 1, true);
+    unsigned state = 12345;
+    for (int i = 0; i < 5; ++i) {
+      std::vector<double> sizes;
+      double sum = 0;
+      for (int j = 0; j < 40; ++j) {
+        state = state * 1103515245U + 12345U;
+        sizes.push_back(static_cast<double>(state / 65536U % 100U));
+        sum += sizes.back();
+      }
+      const double half = static_cast<double>(static_cast<int>(sum) / 2);
+      model_.column(1, 0, kInf);
+      model_.column(1, 0, kInf);
+      sizes.resize(40 + 10, 0.0);
+      sizes[static_cast<std::size_t>(40 + 2 * i)] = 1;
+      sizes[static_cast<std::size_t>(41 + 2 * i)] = -1;
+      sizes_.push_back(sizes);
+      halves_.push_back(half);
+    }
+    for (std::size_t i = 0; i < sizes_.size(); ++i) model_.row(sizes_[i], halves_[i], halves_[i]);
+  }
+
+  SmallModel model_;
+  std::vector<std::vector<double>> sizes_;
+  std::vector<double> halves_;
+};
+
+TEST_P(LongSearch, endsByTheCaller) {
+  Patience patience{200};
+  SolverLimits limits;
+  limits.terminated = &Patience::ended;
+  limits.context = &patience;
+  const SolverResult result = solveFresh(GetParam(), model_, limits);
+  EXPECT_EQ(result.outcome, Outcome::terminated) << result.reason;
+}
+
+TEST_P(LongSearch, endsByIterations) {
+  SolverLimits limits;
+  limits.iterations = 3000;
+  const SolverResult result = solveFresh(GetParam(), model_, limits);
+  EXPECT_EQ(result.outcome, Outcome::iterationLimit) << result.reason;
+  // What was found until then is a solution, if not the best.
+  if (result.hasPoint) {
+    for (std::size_t i = 0; i < halves_.size(); ++i) {
+      EXPECT_NEAR(model_.activity(i, result.level), halves_[i], 1e-6);
+    }
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Solvers, LongSearch, testing::Values("cbc", "glpk"),
+                         [](const auto& tested) { return std::string(tested.param); });
+
+}  // namespace
+}  // namespace ztbtest

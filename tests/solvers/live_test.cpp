@@ -1,0 +1,121 @@
+// A solver that lives from solve to solve against one made afresh for each.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <string>
+
+#include "tests/solvers/random_model.h"
+
+namespace ztbtest {
+namespace {
+
+using lomu::Outcome;
+using lomu::SolverResult;
+
+class Live : public testing::TestWithParam<const char*> {
+ protected:
+  // Compares a step of the live solver with a fresh one and sums their iterations.
+  void step(lomu::Solver& live, SmallModel& model) {
+    ASSERT_TRUE(live.update(model.problem()));
+    const SolverResult ours = solveLive(live, model);
+    const SolverResult fresh = solveFresh(GetParam(), model);
+    ASSERT_EQ(ours.outcome, fresh.outcome) << ours.reason;
+    if (fresh.hasPoint) {
+      const double expected = model.objective(fresh.level);
+      ASSERT_NEAR(model.objective(ours.level), expected, 1e-7 * (1 + std::abs(expected)));
+    }
+    liveIterations_ += ours.iterations;
+    freshIterations_ += fresh.iterations;
+  }
+
+  double liveIterations_ = 0;
+  double freshIterations_ = 0;
+};
+
+TEST_P(Live, equalsAFreshSolveThroughRandomChanges) {
+  RandomModel random(11, 40, 30, 0.3);
+  const auto live = openSolver(GetParam());
+  std::string reason;
+  ASSERT_TRUE(live->load(random.model.problem(), reason)) << reason;
+  for (int k = 0; k < 400; ++k) {
+    random.change();
+    if (k % 10 == 0) random.change();
+    ASSERT_NO_FATAL_FAILURE(step(*live, random.model)) << "step " << k;
+  }
+  EXPECT_LT(liveIterations_, freshIterations_ / 3);
+}
+
+TEST_P(Live, recoversFromInfeasibleAndUnboundedSteps) {
+  SmallModel model;
+  model.column(1, 0, kInf);
+  model.column(1, 0, kInf);
+  model.row({1, 1}, 2, kInf);
+  model.row({1, -1}, -kInf, 5);
+  const auto live = openSolver(GetParam());
+  std::string reason;
+  ASSERT_TRUE(live->load(model.problem(), reason)) << reason;
+  step(*live, model);
+  model.upper = {0.5, 0.5};
+  step(*live, model);  // infeasible
+  model.upper = {kInf, kInf};
+  model.cost = {-1, -1};
+  step(*live, model);  // unbounded
+  model.lower[0] = 3;
+  model.upper[0] = 2;
+  step(*live, model);  // bounds cross
+  model.upper[0] = 3;
+  model.cost = {1, 2};
+  step(*live, model);
+  model.rows[0] = {0, 0};
+  model.rows[1] = {0, 0};
+  model.rowLower[0] = -1;
+  step(*live, model);  // an empty matrix
+  model.rows[0] = {2, 1};
+  model.rowLower[0] = 9;
+  step(*live, model);
+}
+
+TEST_P(Live, takesAnotherProblemInThePlaceOfTheFirst) {
+  RandomModel first(3, 10, 8, 0.5);
+  RandomModel second(4, 15, 6, 0.5);
+  const auto live = openSolver(GetParam());
+  std::string reason;
+  ASSERT_TRUE(live->load(first.model.problem(), reason)) << reason;
+  ASSERT_EQ(solveLive(*live, first.model).outcome, Outcome::optimal);
+  ASSERT_TRUE(live->load(second.model.problem(), reason)) << reason;
+  const SolverResult ours = solveLive(*live, second.model);
+  const SolverResult fresh = solveFresh(GetParam(), second.model);
+  ASSERT_EQ(ours.outcome, Outcome::optimal) << ours.reason;
+  EXPECT_NEAR(second.model.objective(ours.level), second.model.objective(fresh.level), 1e-7);
+}
+
+INSTANTIATE_TEST_SUITE_P(Solvers, Live, testing::Values("clp", "glpk"),
+                         [](const auto& tested) { return std::string(tested.param); });
+
+// The integers of a live problem, again and again.
+TEST(LiveIntegers, equalAFreshSolve) {
+  RandomModel random(21, 12, 6, 0.6);
+  for (std::size_t j = 0; j < 5; ++j) random.model.isInteger[2 * j] = 1;
+  // Equations would leave no integers.
+  random.model.rowLower[0] -= 2;
+  random.model.rowUpper[0] += 2;
+  random.model.rowLower[5] -= 2;
+  random.model.rowUpper[5] += 2;
+  const auto live = openSolver("glpk");
+  std::string reason;
+  ASSERT_TRUE(live->load(random.model.problem(), reason)) << reason;
+  for (int k = 0; k < 40; ++k) {
+    random.model.cost[static_cast<std::size_t>(k) % 12] *= -1;
+    random.model.rowUpper[2] += 0.25 * (k % 3 - 1);
+    ASSERT_TRUE(live->update(random.model.problem()));
+    const SolverResult ours = solveLive(*live, random.model);
+    const SolverResult fresh = solveFresh("cbc", random.model);
+    ASSERT_EQ(ours.outcome, fresh.outcome) << "step " << k << " " << ours.reason << fresh.reason;
+    if (!fresh.hasPoint) continue;
+    EXPECT_NEAR(random.model.objective(ours.level), random.model.objective(fresh.level), 1e-6)
+        << "step " << k;
+  }
+}
+
+}  // namespace
+}  // namespace ztbtest

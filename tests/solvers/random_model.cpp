@@ -1,0 +1,78 @@
+#include "tests/solvers/random_model.h"
+
+#include <algorithm>
+
+namespace ztbtest {
+
+RandomModel::RandomModel(unsigned seed, int columns, int rows, double density) : random_(seed) {
+  for (int j = 0; j < columns; ++j) {
+    const double low = between(-5, 5);
+    const double high = low + between(1, 10);
+    model.column(between(-3, 3), low, high);
+    point_.push_back(between(low, high));
+  }
+  for (int i = 0; i < rows; ++i) {
+    std::vector<double> coefficients(static_cast<std::size_t>(columns), 0.0);
+    for (double& c : coefficients) {
+      if (between(0, 1) < density) c = between(-4, 4);
+    }
+    model.row(coefficients, 0, 0);
+    setRow(static_cast<std::size_t>(i));
+  }
+}
+
+double RandomModel::between(double low, double high) {
+  return low + (high - low) * (static_cast<double>(random_()) / 4294967296.0);
+}
+
+int RandomModel::below(std::size_t count) {
+  return static_cast<int>(random_() % count);
+}
+
+// Row types in turn: equation, from below, from above, range, free.
+void RandomModel::setRow(std::size_t i) {
+  const double activity = model.activity(i, point_);
+  const double room = between(0, 3);
+  switch (i % 5) {
+    case 0:
+      model.rowLower[i] = model.rowUpper[i] = activity;
+      break;
+    case 1:
+      model.rowLower[i] = activity - room;
+      model.rowUpper[i] = kInf;
+      break;
+    case 2:
+      model.rowLower[i] = -kInf;
+      model.rowUpper[i] = activity + room;
+      break;
+    case 3:
+      model.rowLower[i] = activity - room;
+      model.rowUpper[i] = activity + between(0, 3);
+      break;
+    default:
+      model.rowLower[i] = -kInf;
+      model.rowUpper[i] = kInf;
+  }
+}
+
+void RandomModel::change() {
+  const auto j = static_cast<std::size_t>(below(model.cost.size()));
+  const auto i = static_cast<std::size_t>(below(model.rows.size()));
+  switch (below(4)) {
+    case 0:
+      model.cost[j] = between(-3, 3);
+      break;
+    case 1:
+      model.lower[j] = point_[j] - between(0, 4);
+      model.upper[j] = point_[j] + between(0, 4);
+      break;
+    case 2:
+      setRow(i);
+      break;
+    default:
+      model.rows[i][j] = below(4) == 0 ? 0 : between(-4, 4);
+      setRow(i);
+  }
+}
+
+}  // namespace ztbtest

@@ -1,0 +1,94 @@
+// What a solver does not take is refused when it is loaded, with the reason.
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <string>
+
+#include "tests/solvers/small_model.h"
+
+namespace ztbtest {
+namespace {
+
+std::string refusal(const std::string& solver, SmallModel& model) {
+  std::string reason;
+  return openSolver(solver)->load(model.problem(), reason) ? "taken" : reason;
+}
+
+SmallModel withInteger() {
+  SmallModel model;
+  model.column(1, 0, 5, true);
+  model.row({1}, 0.5, kInf);
+  return model;
+}
+
+SmallModel withProduct() {
+  SmallModel model;
+  model.column(1, 0, 5);
+  model.row({1}, 0.5, kInf);
+  model.products = {{lomu::kObjectiveRow, 0, 0, 1.0}};
+  return model;
+}
+
+TEST(Refusal, integers) {
+  SmallModel model = withInteger();
+  EXPECT_EQ(refusal("clp", model),
+            "clp solves linear models without integers: the model has integer columns");
+  EXPECT_EQ(refusal("ipopt", model),
+            "ipopt solves continuous models: the model has integer columns");
+  EXPECT_EQ(refusal("cbc", model), "taken");
+  EXPECT_EQ(refusal("glpk", model), "taken");
+}
+
+TEST(Refusal, products) {
+  SmallModel model = withProduct();
+  const std::string why = "the model has products of columns that are not fixed";
+  EXPECT_EQ(refusal("clp", model), "clp solves linear models without integers: " + why);
+  EXPECT_EQ(refusal("cbc", model), "cbc solves linear models: " + why);
+  EXPECT_EQ(refusal("glpk", model), "glpk solves linear models: " + why);
+  EXPECT_EQ(refusal("ipopt", model), "taken");
+}
+
+TEST(Refusal, numbersThatAreNone) {
+  for (const char* solver : {"clp", "cbc", "glpk", "ipopt"}) {
+    SmallModel model;
+    model.column(1, 0, 5);
+    model.row({std::numeric_limits<double>::quiet_NaN()}, 0.5, kInf);
+    EXPECT_NE(refusal(solver, model).find("a coefficient that is not a finite number"),
+              std::string::npos);
+    model.rows[0][0] = 1;
+    model.rowLower[0] = std::numeric_limits<double>::quiet_NaN();
+    EXPECT_NE(refusal(solver, model).find("a right-hand side that is not a number"),
+              std::string::npos);
+  }
+}
+
+TEST(Refusal, changesThatTheLoadedModelCannotTake) {
+  for (const char* solver : {"clp", "glpk"}) {
+    SmallModel model;
+    model.column(1, 2, 2);
+    model.column(1, 0, 5);
+    model.row({1, 1}, 3, kInf);
+    model.products = {{0, 0, 1, 1.0}};
+    const auto live = openSolver(solver);
+    std::string reason;
+    ASSERT_TRUE(live->load(model.problem(), reason)) << reason;
+    EXPECT_TRUE(live->update(model.problem()));
+    model.upper[0] = 3;
+    EXPECT_FALSE(live->update(model.problem()));
+  }
+}
+
+TEST(Refusal, cbcAndIpoptAreMadeAfresh) {
+  for (const char* solver : {"cbc", "ipopt"}) {
+    SmallModel model;
+    model.column(1, 0, 5);
+    model.row({1}, 3, kInf);
+    const auto live = openSolver(solver);
+    std::string reason;
+    ASSERT_TRUE(live->load(model.problem(), reason)) << reason;
+    EXPECT_FALSE(live->update(model.problem()));
+  }
+}
+
+}  // namespace
+}  // namespace ztbtest
