@@ -107,7 +107,7 @@ class IDMap {
   virtual Iterator end() = 0;
   // Removes all records.
   virtual void clear() = 0;
-  // The record's place in the order of iteration, from 0; for `end` -1, on the trie the record count.
+  // The record's place in the order of iteration, from 0; for `end` -1, on the trie the count.
   virtual int indexOf(const Iterator& position) = 0;
   // The record at that place; `end` when the index is the record count.
   virtual Iterator iteratorAt(int index) = 0;
