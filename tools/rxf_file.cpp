@@ -19,8 +19,14 @@ constexpr const char* libraryFile = "librxfcclib64.so";
 
 using TextBuffer = std::array<char, ZTB_TEXT_BUFFER_SIZE>;
 
-// Opens the library as the database does: beside libztbcclib64.so first, then by its bare name.
+// Opens the library that the database opens, by its bare name: that is the one beside
+// libztbcclib64.so unless the loader is told of another. Where this program has no run path to it,
+// as under a sanitizer, the one beside is named.
 void* openLibrary() {
+  if (void* library = dlopen(libraryFile, RTLD_NOW | RTLD_LOCAL); library != nullptr) {
+    return library;
+  }
+  const std::string reason = dlerror();
   Dl_info own{};
   if (dladdr(std::bit_cast<void*>(&ztbcreate), &own) != 0 && own.dli_fname != nullptr) {
     const std::string path = own.dli_fname;
@@ -29,11 +35,7 @@ void* openLibrary() {
       return library;
     }
   }
-  void* library = dlopen(libraryFile, RTLD_NOW | RTLD_LOCAL);
-  if (library == nullptr) {
-    throw Failure(fmt::format("the exchange-file library cannot be opened: {}", dlerror()));
-  }
-  return library;
+  throw Failure(fmt::format("the exchange-file library cannot be opened: {}", reason));
 }
 
 // Finds a name in the library: in small letters, as it stands, in capitals.

@@ -81,6 +81,31 @@ TEST(SpecialValues, aTableThatWasSetIsGivenBack) {
   EXPECT_EQ(values, doubles(kMine));
 }
 
+TEST(SpecialValues, aMissingTableIsRefusedAndTheOldOneStays) {
+  PeerFile file;
+  ASSERT_TRUE(file.setSpecialValues(doubles(kMine).data()));
+  EXPECT_FALSE(file.setSpecialValues(nullptr));
+  EXPECT_FALSE(file.setReadSpecialValues(nullptr));
+  std::array<double, 16> values{};
+  file.specialValues(values.data());
+  EXPECT_EQ(values, doubles(kMine));
+}
+
+TEST(SpecialValues, whileAFileIsReadTheReadersAreGiven) {
+  const TempFolder folder;
+  write(folder.file("x"), kMine, kParameter, {kMine[0]});
+  PeerFile file;
+  ASSERT_TRUE(file.setSpecialValues(doubles(kMine).data()));
+  ASSERT_TRUE(file.setReadSpecialValues(doubles(kOther).data()));
+  ASSERT_EQ(file.openRead(folder.file("x")), 0);
+  std::array<double, 16> values{};
+  file.specialValues(values.data());
+  EXPECT_EQ(values, doubles(kOther));
+  file.close();
+  file.specialValues(values.data());
+  EXPECT_EQ(values, doubles(kMine));
+}
+
 TEST(SpecialValues, theWritersBecomeTheReaders) {
   const TempFolder folder;
   for (const int type : {kParameter, kVariable, kEquation}) {
