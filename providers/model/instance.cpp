@@ -266,11 +266,10 @@ void Instance::takeResult(const SolverResult& result) {
   rows_[0].status = static_cast<int>(Position::basic);
   rows_[0].condition = 0;
 
-  std::vector<double> rowMarginal(rows_.size(), 0.0);
-  takeMarginals(result, rowMarginal);
+  takeMarginals(result);
   for (std::size_t i = 1; i < rows_.size(); ++i) {
     SolutionRecord& record = rows_[i];
-    record.marginal = rowMarginal[i];
+    record.marginal = rowWeight_[i];
     record.status = static_cast<int>(result.rowPosition[i - 1]);
     const double low = rowLower(rowTypes_[i], rhs_[i], range_[i]);
     const double high = rowUpper(rowTypes_[i], rhs_[i], range_[i]);
@@ -280,20 +279,21 @@ void Instance::takeResult(const SolverResult& result) {
 
 // The marginal of a column is the gradient of the objective less the rows' gradients times their
 // marginals.
-void Instance::takeMarginals(const SolverResult& result, std::vector<double>& rowMarginal) {
+void Instance::takeMarginals(const SolverResult& result) {
   const double sign = maximize_ ? -1 : 1;
-  for (std::size_t i = 1; i < rows_.size(); ++i) rowMarginal[i] = sign * result.rowMarginal[i - 1];
+  rowWeight_.resize(rows_.size());
+  for (std::size_t i = 1; i < rows_.size(); ++i) rowWeight_[i] = sign * result.rowMarginal[i - 1];
   // With the objective counted as a row of weight -1, one sum serves.
-  rowMarginal[0] = -1;
+  rowWeight_[0] = -1;
   for (std::size_t j = 0; j < columns_.size(); ++j) {
     double sum = 0;
     for (std::size_t e = matrix_.start[j]; e < matrix_.start[j + 1]; ++e) {
-      sum -= rowMarginal[at(matrix_.rowOf[e])] * matrix_.value[e];
+      sum -= rowWeight_[at(matrix_.rowOf[e])] * matrix_.value[e];
     }
     columns_[j].marginal = sum;
   }
   for (const Product& p : products_) {
-    const double weight = rowMarginal[at(p.row)] * p.value;
+    const double weight = rowWeight_[at(p.row)] * p.value;
     columns_[at(p.column1)].marginal -= weight * columns_[at(p.column2)].level;
     columns_[at(p.column2)].marginal -= weight * columns_[at(p.column1)].level;
   }

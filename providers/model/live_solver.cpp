@@ -39,23 +39,26 @@ bool LiveSolver::update() {
 
 void LiveSolver::solve(const SolverLimits& limits) {
   Instance& instance = model_->instance;
-  SolverResult result;
   const auto columns = static_cast<std::size_t>(instance.columnCount());
   const auto rows = static_cast<std::size_t>(instance.rowCount()) - 1;
-  result.level.resize(columns);
-  result.position.resize(columns, Position::basic);
-  result.rowMarginal.resize(rows);
-  result.rowPosition.resize(rows, Position::basic);
-  solver_->solve(limits, result);
-  instance.takeResult(result);
+  result_.level.assign(columns, 0);
+  result_.position.assign(columns, Position::basic);
+  result_.rowMarginal.assign(rows, 0);
+  result_.rowPosition.assign(rows, Position::basic);
+  result_.outcome = Outcome::failed;
+  result_.hasPoint = false;
+  result_.iterations = 0;
+  result_.reason.clear();
+  solver_->solve(limits, result_);
+  instance.takeResult(result_);
 
   std::array<char, 160> line{};
   std::snprintf(line.data(), line.size(), "%.40s: %s, %s, objective %.15g, %.0f iterations",
                 row_.name.c_str(), modelStatusText(instance.modelStatus()),
-                solveStatusText(instance.solveStatus()), instance.row(0).level, result.iterations);
+                solveStatusText(instance.solveStatus()), instance.row(0).level, result_.iterations);
   model_->environment->log(line.data());
-  if (result.outcome == Outcome::failed) {
-    throw ModelError("solver \"" + row_.name + "\" failed: " + result.reason);
+  if (result_.outcome == Outcome::failed) {
+    throw ModelError("solver \"" + row_.name + "\" failed: " + result_.reason);
   }
 }
 

@@ -31,6 +31,7 @@ class LiveSolver {
   CatalogueRow row_;
   std::unique_ptr<Solver> solver_;
   Model* model_ = nullptr;
+  SolverResult result_;  // kept, so that repeated solves allocate nothing
 };
 
 }  // namespace lomu
