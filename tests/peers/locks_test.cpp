@@ -1,4 +1,4 @@
-// The locks of a family stand disabled: nothing waits for them.
+// The locks of a family stand disabled and nothing waits for them; enabled, each guards its part.
 
 #include <gtest/gtest.h>
 
@@ -58,6 +58,51 @@ TEST(PeerLocks, areNotTakenAsTheyStand) {
     EXPECT_EQ(rxfFamily.state.apiErrorCount, 1);
     EXPECT_EQ(rxfFree(&rxf), 1);
     EXPECT_EQ(rxfFamily.state.objectCount, 0);
+  });
+}
+
+// Calls `use` while another thread holds the lock, which lets it go only some turns after the call
+// began, and expects that the call ends behind that.
+template <typename Use>
+void expectWaitsFor(platform::Lock& lock, const Use& use) {
+  constexpr int turns = 2000;
+  std::atomic<bool> held = false;
+  std::atomic<bool> calling = false;
+  std::atomic<bool> released = false;
+  std::thread holder([&] {
+    lock.enter();
+    held = true;
+    held.notify_one();
+    calling.wait(false);
+    for (int turn = 0; turn < turns; ++turn) std::this_thread::yield();
+    released = true;
+    lock.leave();
+  });
+  held.wait(false);
+  calling = true;
+  calling.notify_one();
+  use();
+  EXPECT_TRUE(released);
+  holder.join();
+}
+
+TEST(PeerLocks, enabledGuardLoadingCountingAndErrors) {
+  peertest::expectPassesInChild([] {
+    FamilyState& state = rxfFamily.state;
+    state.mutexesEnabled = 1;
+    state.exitIndicator = 0;
+    state.screenIndicator = 0;
+    const std::string directory = peertest::peerDirectory("lacking");
+    void* rxf = nullptr;
+    void* second = nullptr;
+    expectWaitsFor(state.libraryLock,
+                   [&] { EXPECT_TRUE(rxfCreateD(&rxf, directory.c_str(), nullptr, 0)); });
+    expectWaitsFor(state.objectCountLock,
+                   [&] { EXPECT_TRUE(rxfCreateD(&second, directory.c_str(), nullptr, 0)); });
+    expectWaitsFor(state.errorLock, [&] { EXPECT_EQ(rxfClose(rxf), 0); });
+    expectWaitsFor(state.objectCountLock, [&] { EXPECT_EQ(rxfFree(&second), 1); });
+    rxfFree(&rxf);
+    EXPECT_EQ(state.objectCount, 0);
   });
 }
 
