@@ -71,7 +71,8 @@ Outcome outcomeOf(const CbcModel& model, const Watch& watch) {
 
 void CbcEngine::take(const LinearForm& form) {
   if (loaded_ && form.sameShape(form_)) {
-    program_.update(form);
+    LinearForm taken = form;
+    program_.update(taken);
   } else {
     program_.load(form);
   }

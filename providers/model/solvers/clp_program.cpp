@@ -5,6 +5,7 @@
 #include <CoinPackedMatrix.hpp>
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace lomu {
 
@@ -55,16 +56,16 @@ Position positionOf(ClpSimplex::Status status, double level, double lower, doubl
 
 }  // namespace
 
-void ClpProgram::load(const LinearForm& form) {
-  form_ = form;
+void ClpProgram::load(LinearForm form) {
+  form_ = std::move(form);
   simplex_ = ClpSimplex();
   simplex_.setLogLevel(0);
-  simplex_.loadProblem(packed(form), form.lower.data(), form.upper.data(), form.cost.data(),
-                       form.rowLower.data(), form.rowUpper.data());
+  simplex_.loadProblem(packed(form_), form_.lower.data(), form_.upper.data(), form_.cost.data(),
+                       form_.rowLower.data(), form_.rowUpper.data());
   method_ = Method::dual;
 }
 
-void ClpProgram::update(const LinearForm& form) {
+void ClpProgram::update(LinearForm& form) {
   bool boundsChanged = false;
   for (int j = 0; j < form.columnCount; ++j) {
     const auto k = static_cast<std::size_t>(j);
@@ -83,7 +84,7 @@ void ClpProgram::update(const LinearForm& form) {
   const bool matrixChanged = form.value != form_.value;
   if (matrixChanged) simplex_.replaceMatrix(new ClpPackedMatrix(packed(form)), true);
   method_ = costChanged && !boundsChanged && !matrixChanged ? Method::primal : Method::dual;
-  form_ = form;
+  std::swap(form_, form);
 }
 
 void ClpProgram::run(ClpSimplex& simplex, Method method, Watch& watch) {

@@ -12,9 +12,10 @@ namespace lomu {
 
 class ClpProgram {
  public:
-  void load(const LinearForm& form);
-  // REQUIRES a form of the shape of the loaded one.
-  void update(const LinearForm& form);
+  void load(LinearForm form);
+  // Takes `form` over and leaves the one before in its place. REQUIRES the same shape.
+  void update(LinearForm& form);
+  [[nodiscard]] const LinearForm& form() const { return form_; }
 
   // Fills `result` with what Clp finds; its point is within Clp's tolerance. REQUIRES bounds that
   // do not cross.

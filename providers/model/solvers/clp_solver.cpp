@@ -20,25 +20,22 @@ bool ClpSolver::load(const SolverProblem& problem, std::string& reason) {
     reason = "clp solves linear models without integers: the model has integer columns";
     return false;
   }
-  program_.load(form);
+  program_.load(std::move(form));
   problem_ = problem;
-  form_ = std::move(form);
   return true;
 }
 
 bool ClpSolver::update(const SolverProblem& problem) {
-  LinearForm form;
   std::string reason;
-  if (!form.take(problem, reason) || !form.sameShape(form_)) return false;
-  program_.update(form);
+  if (!next_.take(problem, reason) || !next_.sameShape(program_.form())) return false;
+  program_.update(next_);
   problem_ = problem;
-  form_ = std::move(form);
   return true;
 }
 
 void ClpSolver::solve(const SolverLimits& limits, SolverResult& result) {
   try {
-    if (settleColumnByColumn(form_, result)) return;
+    if (settleColumnByColumn(program_.form(), result)) return;
     Watch watch(limits);
     program_.solve(watch, result);
     confirmPoint(problem_, result);

@@ -15,7 +15,7 @@ class ClpSolver : public Solver {
 
  private:
   SolverProblem problem_;
-  LinearForm form_;
+  LinearForm next_;  // what an update fills, kept so that updates allocate nothing
   ClpProgram program_;
 };
 
