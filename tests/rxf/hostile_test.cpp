@@ -136,5 +136,62 @@ TEST_F(HostileHeader, aVersionOfZeroIsDamage) {
   EXPECT_EQ(openWith(8, 0, 4), 8);
 }
 
+// A file of one scalar: its entry ends with dimension, record count, offset and length of the
+// records, and a byte for the domain.
+class HostileEntry : public testing::Test {
+ protected:
+  std::string textWith(std::string changed) {
+    reseal(changed);
+    writeFile(folder_.file("x"), changed);
+    const auto object = std::make_unique<RxfObject>(rxffile::operatingSystem());
+    EXPECT_EQ(object->openRead(folder_.file("x").c_str()), 8);
+    std::array<char, 256> text{};
+    object->errorText(8, text.data());
+    return text.data();
+  }
+  // The file with other bytes in place of those that stand `before` the end.
+  std::string with(std::size_t before, const std::string& other) const {
+    std::string changed = bytes_;
+    return changed.replace(changed.size() - before, other.size(), other);
+  }
+
+  TempFolder folder_;
+  std::string bytes_ = bytesOf(folder_, [] {
+    Content content;
+    content.labels = {"ab"};
+    Symbol symbol;
+    symbol.name = "p";
+    symbol.records = {record({}, {1})};
+    content.symbols = {symbol};
+    return content;
+  }());
+};
+
+TEST_F(HostileEntry, aScalarHasNoTwoRecords) {
+  EXPECT_NE(textWith(with(21, "\x02")).find("2 records of dimension 0"), std::string::npos);
+}
+
+TEST_F(HostileEntry, recordsLieBetweenTheHeaderAndTheTables) {
+  for (const char offset : {'\x00', '\x5F', '\xFF'}) {
+    EXPECT_NE(textWith(with(17, std::string(1, offset))).find("outside the file's data"),
+              std::string::npos);
+  }
+  EXPECT_NE(textWith(with(9, "\xFF")).find("outside the file's data"), std::string::npos);
+}
+
+TEST_F(HostileEntry, recordsHaveRoomForTheirHeads) {
+  EXPECT_NE(textWith(with(9, "\x27")).find("39 bytes, outside the file's data"), std::string::npos);
+}
+
+TEST_F(HostileEntry, aLabelHasNoBlankAtItsEnd) {
+  std::string changed = bytes_;
+  const std::size_t label = changed.find(
+      "\x02"
+      "ab");
+  ASSERT_NE(label, std::string::npos);
+  changed[label + 2] = ' ';
+  EXPECT_NE(textWith(changed).find("label is not acceptable"), std::string::npos);
+}
+
 }  // namespace
 }  // namespace rxftest

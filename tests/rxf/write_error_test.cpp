@@ -167,6 +167,9 @@ TEST_F(WriteError, aLabelThatStandsTwiceIsRefused) {
   file_.startLabels();
   EXPECT_FALSE(file_.addLabel("B  "));
   expectOnlyError(15, "Label stands twice: >B  <, as label 2 and again behind label 3");
+  file_.finishLabels();
+  EXPECT_NE(file_.close(), 0);
+  EXPECT_TRUE(folder_.names().empty());
 }
 
 TEST_F(WriteError, aFileWithARefusedTextIsNotPublished) {
