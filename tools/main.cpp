@@ -16,6 +16,7 @@
 #include "tools/output.h"
 #include "tools/pivot_command.h"
 #include "tools/show_command.h"
+#include "tools/solve_command.h"
 
 namespace {
 
@@ -49,6 +50,7 @@ int run(int argc, char** argv) {
   tool::addCheckCommand(app);
   tool::addCopyCommand(app);
   tool::addPivotCommand(app);
+  tool::addSolveCommand(app);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

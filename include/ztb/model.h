@@ -1,8 +1,9 @@
 /* Opening and building the optimization models that a ZTB database works on.
  *
  * A model is rows and columns: row 0 is the objective, the other rows are constraints, and a column
- * is a variable. ztbModelPbi gives the handle that ztbRegisterPBI, ztbInitFromDict and ztbInitUpdate
- * of ztb.h take. The functions stand in liblomudclib64.so; link with it, or open it at run time.
+ * is a variable. ztbModelPbi gives the handle that ztbRegisterPBI, ztbInitFromDict and
+ * ztbInitUpdate of ztb.h take. The functions stand in liblomudclib64.so; link with it, or open it
+ * at run time.
  *
  * Every function that can fail returns 0 (or -1 where it returns a number) and leaves the reason in
  * `message`, cut to `messageSize` bytes with its final zero, or, for a model that exists, in
@@ -28,6 +29,23 @@ enum {
   ztbRowGreaterOrEqual = 1, /* >= r */
   ztbRowLessOrEqual = 2,    /* <= r */
   ztbRowFree = 3            /* no condition */
+};
+
+/* Kinds of models. A product of columns does not count while one of its columns stands still, that
+ * is, while its bounds are equal. */
+enum {
+  ztbKindLinear = 1,
+  ztbKindMixedInteger = 2,
+  ztbKindQuadratic = 4,
+  ztbKindMixedIntegerQuadratic = 5
+};
+
+/* Kinds of models. */
+enum {
+  ztbModelLinear = 1,
+  ztbModelInteger = 2,         /* linear, with integer columns */
+  ztbModelQuadratic = 4,       /* with products of columns */
+  ztbModelIntegerQuadratic = 5 /* with both */
 };
 
 /* What a solve found. */
@@ -97,6 +115,13 @@ void* ztbModelPbi(ztbModel* model);
 int ztbModelSetOption(ztbModel* model, const char* name, const char* value);
 int ztbModelGetOption(ztbModel* model, const char* name, char* value, int size);
 
+/* The kind of a model that ztbModelPbi was called for, by its present bounds; otherwise 0. */
+int ztbModelKind(ztbModel* model);
+
+/* The kind of the model by its present bounds: a product with a column whose bounds are equal counts
+ * as linear. 0 before the first ztbModelPbi. */
+int ztbModelType(ztbModel* model);
+
 /* What the last solve left: the codes above, the objective's value, and the solver's iterations. */
 int ztbModelStatus(ztbModel* model);
 int ztbModelSolveStatus(ztbModel* model);
@@ -107,8 +132,8 @@ double ztbModelIterations(ztbModel* model);
 const char* ztbModelStatusText(int status);
 const char* ztbModelSolveStatusText(int status);
 
-/* Asks a running solve to end; may be called from another thread or a signal handler. The next solve
- * clears the request. */
+/* Asks a running solve to end; may be called from another thread or a signal handler. The next
+ * solve clears the request. */
 void ztbModelTerminate(ztbModel* model);
 
 /* The reason of the last refusal or failed solve of this model; empty when there was none. */

@@ -74,6 +74,14 @@ class Model {
     check(ztbModelSetOption(handle_, name.c_str(), value.c_str()), "ztbModelSetOption");
   }
 
+  // ztbKindLinear and so on.
+  [[nodiscard]] int kind() {
+    (void)pbi();
+    return ztbModelKind(handle_);
+  }
+  // ztbModelLinear and so on; 0 before the first pbi().
+  [[nodiscard]] int type() const { return ztbModelType(handle_); }
+
   // What the last solve left.
   [[nodiscard]] int status() const { return ztbModelStatus(handle_); }
   [[nodiscard]] int solveStatus() const { return ztbModelSolveStatus(handle_); }

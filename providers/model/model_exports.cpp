@@ -164,6 +164,16 @@ MODEL_EXPORT int ztbModelGetOption(ztbModel* model, const char* name, char* valu
   });
 }
 
+MODEL_EXPORT int ztbModelKind(ztbModel* model) {
+  const bool inUse = model != nullptr && model->model != nullptr;
+  return inUse ? static_cast<int>(model->model->instance.type()) : 0;
+}
+
+MODEL_EXPORT int ztbModelType(ztbModel* model) {
+  const bool inUse = model != nullptr && model->model != nullptr;
+  return inUse ? static_cast<int>(model->model->instance.type()) : 0;
+}
+
 MODEL_EXPORT int ztbModelStatus(ztbModel* model) {
   const bool inUse = model != nullptr && model->model != nullptr;
   return inUse ? model->model->instance.modelStatus() : int{ztbModelNoSolution};

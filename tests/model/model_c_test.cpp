@@ -108,6 +108,14 @@ TEST_F(ModelC, HasNoSolutionBeforeASolve) {
   EXPECT_EQ(ztbModelIterations(model_), 0);
 }
 
+TEST_F(ModelC, TellsItsKind) {
+  ztbModelAddColumn(model_, "x", ztbColumnInteger, 0, 1);
+  ztbModelAddProduct(model_, 0, 0, 0, 1);
+  EXPECT_EQ(ztbModelKind(model_), 0);
+  ASSERT_NE(ztbModelPbi(model_), nullptr);
+  EXPECT_EQ(ztbModelKind(model_), ztbKindMixedIntegerQuadratic);
+}
+
 TEST_F(ModelC, PassesOptions) {
   std::array<char, 64> value{};
   EXPECT_EQ(ztbModelSetOption(model_, "TimeLimit", "3"), 1);

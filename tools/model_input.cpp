@@ -1,0 +1,187 @@
+#include "tools/model_input.h"
+
+#include <fmt/format.h>
+
+#include <array>
+#include <cstdio>
+#include <optional>
+
+#include "tools/data_file.h"
+#include "tools/element_text.h"
+#include "tools/failure.h"
+#include "tools/number_text.h"
+
+namespace tool {
+
+namespace {
+
+std::vector<ztb::DomainArgument> anyLabels(int dimension) {
+  return {static_cast<std::size_t>(dimension), ztb::DomainArgument("*")};
+}
+
+std::vector<std::string> keysOf(ztb::Record& record, int dimension) {
+  std::vector<std::string> keys;
+  for (int position = 0; position < dimension; ++position) {
+    keys.push_back(record.key(position).str());
+  }
+  return keys;
+}
+
+std::vector<const char*> pointersTo(const std::vector<std::string>& labels) {
+  std::vector<const char*> pointers;
+  for (const std::string& label : labels) pointers.push_back(label.c_str());
+  return pointers;
+}
+
+double fieldOf(const ztb::Record& record, std::size_t field) {
+  const std::array<double, ztb::fieldCount> values = {
+      record.level(), record.marginal(), record.lower(), record.upper(), record.scale()};
+  return values.at(field);
+}
+
+// Places of the fields of a record.
+constexpr std::size_t levelField = 0;
+constexpr std::size_t marginalField = 1;
+constexpr std::size_t lowerField = 2;
+constexpr std::size_t upperField = 3;
+
+}  // namespace
+
+ModelInput::ModelInput(ModelSession& session) : session_(session) {
+  const ztb::Database& database = session.database();
+  for (int label = 1; label <= database.labelCount(); ++label) {
+    scratch_.mergeLabel(database.label(label).str());
+  }
+}
+
+void ModelInput::applyFile(const std::string& file) {
+  DataFile data(file);
+  std::vector<ztb::Symbol> parameters;
+  for (const ztb::Symbol& source : data.symbols()) {
+    const std::string name = source.name().str();
+    if (source.type() == ztb::Type::alias || source.type() == ztb::Type::set) continue;
+    data.requireIntact(source);
+    if (source.type() == ztb::Type::parameter) {
+      if (session_.drives(name)) {
+        parameters.push_back(source);
+      } else {
+        fmt::print(stderr, "ztb: {}: the model has no columns {}_var for parameter {}\n", file,
+                   name, name);
+      }
+      continue;
+    }
+    const std::optional<ztb::Symbol> target = session_.database().findSymbol(name);
+    if (target && target->type() == source.type() && target->dimension() == source.dimension()) {
+      applySolution(file, source, *target);
+    } else {
+      fmt::print(stderr, "ztb: {}: the model has no {} like it\n", file, signature(source));
+    }
+  }
+  for (const ztb::Symbol& source : parameters) applyParameter(file, source);
+}
+
+void ModelInput::applyParameter(const std::string& file, const ztb::Symbol& source) {
+  try {
+    ztb::Symbol target = session_.parameter(source.name().str(), source.dimension());
+    for (ztb::Record& record : source.records()) {
+      const std::vector<std::string> labels = keysOf(record, source.dimension());
+      std::vector<const char*> keys = pointersTo(labels);
+      target.merge(ztb::Keys(keys)).setLevel(record.level());
+    }
+    reportUnmatched(file, source, session_.applyParameter(target));
+  } catch (const std::exception& error) {
+    throw Failure(withFile(file, fmt::format("{}: {}", signature(source), error.what())));
+  }
+}
+
+void ModelInput::applySolution(const std::string& file, const ztb::Symbol& source,
+                               const ztb::Symbol& target) {
+  try {
+    if (source.type() == ztb::Type::variable) {
+      applyField(file, source, target, ztb::Action::lower, lowerField);
+      applyField(file, source, target, ztb::Action::upper, upperField);
+    }
+    applyField(file, source, target, ztb::Action::level, levelField);
+    applyField(file, source, target, ztb::Action::marginal, marginalField);
+  } catch (const std::exception& error) {
+    throw Failure(withFile(file, fmt::format("{}: {}", signature(source), error.what())));
+  }
+}
+
+void ModelInput::applyField(const std::string& file, const ztb::Symbol& source,
+                            const ztb::Symbol& target, ztb::Action action, std::size_t field) {
+  const std::string name = fmt::format("values{}", scratch_.symbolCount());
+  ztb::Symbol values =
+      scratch_.addSymbol(name, ztb::Type::parameter, anyLabels(source.dimension()));
+  for (ztb::Record& record : source.records()) {
+    const std::vector<std::string> labels = keysOf(record, source.dimension());
+    std::vector<const char*> keys = pointersTo(labels);
+    values.merge(ztb::Keys(keys)).setLevel(fieldOf(record, field));
+  }
+  const int unmatched = session_.tie().update(target, action, values, ztb::Missing::keep);
+  if (field == levelField) reportUnmatched(file, source, unmatched);
+}
+
+void ModelInput::reportUnmatched(const std::string& file, const ztb::Symbol& source,
+                                 int count) const {
+  if (count == 0) return;
+  fmt::print(stderr, "ztb: {}: {} of {} stand for nothing in the model\n", file,
+             count == 1 ? "1 record" : fmt::format("{} records", count), signature(source));
+}
+
+void ModelInput::applySetting(const std::string& setting) {
+  const std::size_t equals = setting.rfind('=');
+  std::string problem;
+  double value = 0;
+  ElementText element;
+  if (equals == std::string::npos) {
+    problem = "an \"=\" and a number are missing";
+  } else {
+    element = parseElement(std::string_view(setting).substr(0, equals), problem);
+    if (problem.empty()) {
+      value = parseNumber(std::string_view(setting).substr(equals + 1), problem);
+    }
+  }
+  if (!problem.empty()) {
+    throw UsageError(
+        fmt::format("--set \"{}\": {}; write it as \"demand[oslo]=30\"", setting, problem));
+  }
+
+  const bool drives = session_.drives(element.symbol);
+  const auto symbol =
+      session_.database().findSymbol(drives ? element.symbol + "_var" : element.symbol);
+  if (!symbol || symbol->type() != ztb::Type::variable) {
+    throw Failure(withFile(session_.file(), fmt::format("--set \"{}\": the model has no columns {} "
+                                                        "or {}_var",
+                                                        setting, element.symbol, element.symbol)));
+  }
+  std::vector<const char*> keys = pointersTo(element.labels);
+  if (symbol->dimension() != static_cast<int>(keys.size()) || !symbol->find(ztb::Keys(keys))) {
+    throw Failure(
+        withFile(session_.file(), fmt::format("--set \"{}\": the model has no such element "
+                                              "of {}",
+                                              setting, signature(*symbol))));
+  }
+  try {
+    if (!drives) {
+      fixVariable(*symbol, keys, value);
+      return;
+    }
+    ztb::Symbol parameter = session_.parameter(element.symbol, symbol->dimension());
+    parameter.merge(ztb::Keys(keys)).setLevel(value);
+    session_.applyParameter(parameter);
+  } catch (const ztb::Error& error) {
+    throw Failure(fmt::format("--set \"{}\": {}", setting, error.what()));
+  }
+}
+
+void ModelInput::fixVariable(const ztb::Symbol& variable, const std::vector<const char*>& keys,
+                             double value) {
+  const std::string name = fmt::format("values{}", scratch_.symbolCount());
+  ztb::Symbol values =
+      scratch_.addSymbol(name, ztb::Type::parameter, anyLabels(variable.dimension()));
+  values.merge(ztb::Keys(keys)).setLevel(value);
+  session_.tie().update(variable, ztb::Action::fix, values, ztb::Missing::keep);
+}
+
+}  // namespace tool

@@ -1,0 +1,83 @@
+#include "tools/model_session.h"
+
+#include <cstdio>
+#include <optional>
+
+#include "tools/failure.h"
+
+namespace tool {
+
+namespace {
+
+constexpr const char* kEnding = "_var";
+constexpr int kNotesShown = 5;
+
+ztb::Model openModel(const std::string& file, const std::string& dataFile) {
+  try {
+    return ztb::Model::open(file, dataFile);
+  } catch (const ztb::Error& error) {
+    throw Failure(withFile(file, error.what()));
+  }
+}
+
+}  // namespace
+
+ModelSession::ModelSession(const std::string& modelFile, const std::string& dataFile)
+    : file_(modelFile), model_(openModel(modelFile, dataFile)), tie_(database_, model_) {}
+
+std::string ModelSession::standardSolver() {
+  switch (model_.kind()) {
+    case ztbKindLinear:
+      return "clp";
+    case ztbKindMixedInteger:
+      return "cbc";
+    case ztbKindQuadratic:
+      return "ipopt";
+    default:
+      throw Failure(
+          withFile(file_,
+                   "the model has integer columns and products of columns that can move; no solver "
+                   "of the catalogue that comes with ZTB takes both. Name one with --solver"));
+  }
+}
+
+bool ModelSession::drives(const std::string& name) const {
+  const std::optional<ztb::Symbol> columns = database_.findSymbol(name + kEnding);
+  return columns && columns->type() == ztb::Type::variable;
+}
+
+ztb::Symbol ModelSession::parameter(const std::string& name, int dimension) {
+  if (!drives(name)) {
+    throw Failure(withFile(file_, "the model has no columns " + name + kEnding));
+  }
+  const int columns = database_.symbol(name + kEnding).dimension();
+  if (columns != dimension) {
+    throw Failure(withFile(file_, "the columns " + name + kEnding + " have " +
+                                      std::to_string(columns) + " positions, parameter " + name +
+                                      " has " + std::to_string(dimension)));
+  }
+  if (const auto present = database_.findSymbol(name)) {
+    if (present->type() == ztb::Type::parameter) return *present;
+    throw Failure(withFile(file_, name + " is a variable or equation of the model, and " + name +
+                                      kEnding + " cannot be driven by a parameter of this name"));
+  }
+  const std::vector<ztb::DomainArgument> anyLabel(static_cast<std::size_t>(dimension), "*");
+  return database_.addSymbol(name, ztb::Type::parameter, anyLabel);
+}
+
+int ModelSession::applyParameter(const ztb::Symbol& parameter) {
+  return tie_.update(parameter, ztb::Action::fix, parameter, ztb::Missing::base);
+}
+
+void ModelSession::reportNotes() const {
+  const int count = model_.noteCount();
+  for (int n = 0; n < count && n < kNotesShown; ++n) {
+    std::fprintf(stderr, "ztb: %s: %s\n", file_.c_str(), model_.note(n).c_str());
+  }
+  if (count > kNotesShown) {
+    std::fprintf(stderr, "ztb: %s: %d more names had to be changed\n", file_.c_str(),
+                 count - kNotesShown);
+  }
+}
+
+}  // namespace tool
