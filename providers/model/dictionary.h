@@ -13,6 +13,7 @@
 #ifndef ZTB_PROVIDERS_MODEL_DICTIONARY_H_
 #define ZTB_PROVIDERS_MODEL_DICTIONARY_H_
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -56,7 +57,8 @@ class Dictionary {
   [[nodiscard]] Place rowPlace(int row) const { return place(rows_, row); }
 
   // Opens a search over a symbol, numbered from 1; null when there is none. The dictionary owns it
-  // until it is closed: a caller that fails in the middle may leave it open.
+  // until it is closed: a caller that fails in the middle may leave it open. Allocates nothing
+  // unless one is open: whoever asks could not tell a search that failed from an empty one.
   DictionarySearch* openSearch(int symbol, const int* keys);
   // Null and what is no open search of this dictionary are passed over.
   void closeSearch(const void* search);
@@ -73,12 +75,20 @@ class Dictionary {
 
   std::vector<std::string> labels_;
   std::vector<DictionarySymbol> symbols_;
-  std::unordered_map<std::string, int> numberOf_;  // by folded name
+  // So that a name can be looked for without a copy of it.
+  struct NameHash {
+    using is_transparent = void;
+    std::size_t operator()(std::string_view name) const {
+      return std::hash<std::string_view>()(name);
+    }
+  };
+  std::unordered_map<std::string, int, NameHash, std::equal_to<>> numberOf_;  // by folded name
   std::vector<Entry> columns_;
   std::vector<Entry> rows_;
   std::vector<int> keys_;
   std::vector<std::string> notes_;
-  std::vector<std::unique_ptr<DictionarySearch>> searches_;
+  std::vector<std::unique_ptr<DictionarySearch>> searches_;  // open
+  std::unique_ptr<DictionarySearch> spare_;                  // for the next one
 };
 
 }  // namespace lomu

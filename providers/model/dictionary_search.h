@@ -2,8 +2,8 @@
 #ifndef ZTB_PROVIDERS_MODEL_DICTIONARY_SEARCH_H_
 #define ZTB_PROVIDERS_MODEL_DICTIONARY_SEARCH_H_
 
+#include <array>
 #include <cstddef>
-#include <vector>
 
 namespace lomu {
 
@@ -12,18 +12,21 @@ struct DictionarySymbol;
 
 class DictionarySearch {
  public:
-  // Walks the elements whose keys match; a key of 0 matches every label.
-  DictionarySearch(const Dictionary& dictionary, const DictionarySymbol& symbol, const int* keys);
+  // Begins a walk over the elements whose keys match; a key of 0 matches every label. Allocates
+  // nothing.
+  void begin(const Dictionary& dictionary, const DictionarySymbol& symbol, const int* keys);
 
-  // The row or column number of the next element, -1 behind the last.
+  // The row or column number of the next element, -1 behind the last. REQUIRES begin.
   int next();
 
  private:
   [[nodiscard]] bool matches(int number) const;
 
-  const Dictionary& dictionary_;
-  const DictionarySymbol& symbol_;
-  std::vector<int> keys_;
+  static constexpr std::size_t kMaxDimension = 20;
+
+  const Dictionary* dictionary_ = nullptr;
+  const DictionarySymbol* symbol_ = nullptr;
+  std::array<int, kMaxDimension> keys_{};
   std::size_t position_ = 0;
 };
 

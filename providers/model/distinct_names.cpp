@@ -6,9 +6,7 @@ namespace lomu {
 
 std::string foldedName(std::string_view name) {
   std::string folded(name);
-  std::transform(folded.begin(), folded.end(), folded.begin(), [](char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-  });
+  std::transform(folded.begin(), folded.end(), folded.begin(), foldedCharacter);
   return folded;
 }
 

@@ -23,7 +23,7 @@ Environment::Environment() {
   options_.set("NameSysDir", libraryDirectory());
 }
 
-void Environment::log(std::string_view text) const {
+void Environment::log(std::string_view text) const noexcept {
   if (options_.number(OptionId::logScreen) != 0) {
     std::printf("%.*s\n", static_cast<int>(text.size()), text.data());
     std::fflush(stdout);

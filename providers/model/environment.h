@@ -26,7 +26,7 @@ class Environment {
 
   // One line to the log file and the screen, as the options say. A log file that cannot be written
   // is passed over: a solve does not fail for its log.
-  void log(std::string_view text) const;
+  void log(std::string_view text) const noexcept;
 
   // May be called from a signal handler.
   void terminate() { terminated_.store(true); }

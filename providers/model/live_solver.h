@@ -19,6 +19,8 @@ class LiveSolver {
 
   // Hands the model over. Throws ModelError when the solver does not take it.
   void load(Model& model);
+  // Whether this is the model that was loaded.
+  [[nodiscard]] bool holds(const Model& model) const { return model_ == &model; }
   // Takes over the present state of the loaded model; false when the solver cannot.
   bool update();
   // Solves and leaves statuses and solution in the model. Throws ModelError with the solver's

@@ -3,6 +3,7 @@
 #ifndef ZTB_PROVIDERS_MODEL_MODEL_H_
 #define ZTB_PROVIDERS_MODEL_MODEL_H_
 
+#include <exception>
 #include <memory>
 #include <string>
 
@@ -15,11 +16,17 @@ namespace lomu {
 struct Model {
   Model(const ModelData& data, std::shared_ptr<Environment> itsEnvironment);
 
+  // Leaves the text of a failure as the message and in the log.
+  void noteFailure(const std::exception& error) noexcept;
+
   Instance instance;
   Dictionary dictionary;
   std::shared_ptr<Environment> environment;
   std::string message;  // why the last solve or call failed
 };
+
+// The text of an exception for a user.
+const char* failureText(const std::exception& error) noexcept;
 
 }  // namespace lomu
 

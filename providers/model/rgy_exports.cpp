@@ -49,8 +49,7 @@ int reported(Model& model, const Body& body) {
     model.message.clear();
     return 0;
   } catch (const std::exception& error) {
-    model.message = error.what();
-    model.environment->log(error.what());
+    model.noteFailure(error);
     return 1;
   }
 }
@@ -90,7 +89,11 @@ RGY_EXPORT int CrgyReadConfigVUC(void* rgy, const char* fileName, const char* sy
 RGY_EXPORT int CrgyAlgNumber(void* rgy, const char* solverName) {
   // A database that was never prepared for solves has no catalogue object.
   if (rgy == nullptr || solverName == nullptr) return 0;
-  return catalogue(rgy).number(solverName);
+  try {
+    return catalogue(rgy).number(solverName);
+  } catch (const std::bad_alloc&) {
+    return 0;
+  }
 }
 
 RGY_EXPORT int rgyAlgAllowsModifyProblem(void* rgy, int solver) {
@@ -111,7 +114,7 @@ RGY_EXPORT int CrgyAlgCreate(void* rgy, int solver, void** alg, const char* /*sy
     *alg = new LiveSolver(*row);
     return 1;
   } catch (const std::exception& error) {
-    copyText(error.what(), msg);
+    copyText(lomu::failureText(error), msg);
     return 0;
   }
 }
@@ -133,8 +136,11 @@ RGY_EXPORT int rgyAlgModifyProblem(void* /*rgy*/, int /*solver*/, void* alg) {
 RGY_EXPORT int rgyAlgCallSolver(void* /*rgy*/, int /*solver*/, void* alg, void* pbi) {
   if (alg == nullptr || pbi == nullptr) return 1;
   Model& model = *static_cast<Model*>(pbi);
-  return reported(model,
-                  [&] { static_cast<LiveSolver*>(alg)->solve(model.environment->limits()); });
+  LiveSolver& solver = *static_cast<LiveSolver*>(alg);
+  return reported(model, [&] {
+    if (!solver.holds(model)) throw lomu::ModelError("the live solver was not given this model");
+    solver.solve(model.environment->limits());
+  });
 }
 
 RGY_EXPORT void rgyAlgFree(void* /*rgy*/, int /*solver*/, void** alg) {

@@ -87,6 +87,7 @@ SNV_EXPORT int CsnvXAPIVersion(int api, char* msg, int* compatibility) {
 // An unknown option gives an empty text. `buffer` has room for 256 bytes.
 SNV_EXPORT char* CsnvGetStrOpt(void* snv, const char* key, char* buffer) {
   copyText("", buffer);
+  if (key == nullptr) return buffer;
   try {
     copyText(environment(snv).options().get(key), buffer);
   } catch (const std::exception&) {
@@ -96,11 +97,7 @@ SNV_EXPORT char* CsnvGetStrOpt(void* snv, const char* key, char* buffer) {
 }
 
 SNV_EXPORT void CsnvLog(void* snv, const char* text) {
-  try {
-    environment(snv).log(text);
-  } catch (const std::exception&) {
-    // A log line that cannot be made is no reason to stop.
-  }
+  if (text != nullptr) environment(snv).log(text);
 }
 
 SNV_EXPORT void snvTerminateClear(void* snv) {
@@ -119,15 +116,18 @@ SNV_EXPORT int CsnvCallSolver(void* snv, void* pbi, const char* /*text2*/, const
     copyText("there is no model to solve", msg);
     return 1;
   }
+  if (solverName == nullptr) {
+    copyText("no solver was named", msg);
+    return 1;
+  }
   Model& model = *static_cast<Model*>(pbi);
   try {
     solveAfresh(environment(snv), model, solverName, seconds, iterations);
     model.message.clear();
     return 0;
   } catch (const std::exception& error) {
-    copyText(error.what(), msg);
-    model.message = error.what();
-    environment(snv).log(error.what());
+    copyText(lomu::failureText(error), msg);
+    model.noteFailure(error);
     return 1;
   }
 }
