@@ -1,0 +1,170 @@
+// ztb solve: models from files, data from a file and from the command line.
+#include <gmock/gmock.h>
+
+#include <string>
+#include <ztb/ztb.hpp>
+
+#include "tests/tools/program.h"
+
+namespace {
+
+using testing::HasSubstr;
+using testing::StartsWith;
+using tooltest::Outcome;
+using tooltest::ProgramTest;
+
+// min 3 ship(a,x) + 5 ship(b,x), ship(a,x) <= 6, sum = demand(x) = 10: 6 at 3 and 4 at 5 make 38.
+constexpr const char* kTransport = R"(\ two sources, one target
+Minimize
+ total: [ 2 rate_var(a) * ship(a,x) + 2 rate_var(b) * ship(b,x) ] / 2
+Subject To
+ need(x): ship(a,x) + ship(b,x) - demand_var(x) >= 0
+Bounds
+ rate_var(a) = 3
+ rate_var(b) = 5
+ demand_var(x) = 10
+ ship(a,x) <= 6
+End
+)";
+
+class SolveTest : public ProgramTest {
+ protected:
+  void SetUp() override { write("t.lp", kTransport); }
+
+  // The first line of a run that solves.
+  std::string objective(std::vector<std::string> arguments) const {
+    arguments.insert(arguments.begin(), {"solve", "t.lp"});
+    const std::string text = ztbFine(arguments);
+    return text.substr(0, text.find('\n'));
+  }
+};
+
+TEST_F(SolveTest, TellsObjectiveStatusAndSolver) {
+  const std::string text = ztbFine({"solve", "t.lp"});
+  EXPECT_THAT(text, StartsWith("objective   38\n"
+                               "status      optimal, normal completion\n"
+                               "solver      clp\n"
+                               "time        "));
+  EXPECT_THAT(text, HasSubstr("\niterations  "));
+}
+
+TEST_F(SolveTest, SetsParametersAndVariables) {
+  EXPECT_EQ(objective({"--set", "demand[x]=5"}), "objective   15");
+  EXPECT_EQ(objective({"--set", "rate(a)=1", "--set", "rate['b']=2"}), "objective   14");
+  EXPECT_EQ(objective({"--set", "ship[a,x]=0"}), "objective   50");
+}
+
+TEST_F(SolveTest, ShowsTheSolution) {
+  const std::string text = ztbFine({"solve", "t.lp", "--show", "ship", "--show", "need"});
+  EXPECT_THAT(text, HasSubstr("ship: 2 records\n"
+                              "ship  *  level  marginal  lower  upper\n"
+                              "----  -  -----  --------  -----  -----\n"
+                              "a     x      6        -2      0      6\n"
+                              "b     x      4         0      0    inf\n"));
+  EXPECT_THAT(text, HasSubstr("need: 1 record\n"));
+}
+
+TEST_F(SolveTest, TakesParametersFromAFile) {
+  ztb::Database database;
+  database.addParameter("demand", {"*"}).add("x").setLevel(8);
+  ztb::Symbol rate = database.addParameter("rate", {"*"});
+  rate.add("b").setLevel(4);
+  rate.add("nowhere").setLevel(9);
+  database.addParameter("other", {"*"}).add("x").setLevel(1);
+  database.addSet("unrelated", {"*"}).add("x");
+  database.write(path("data.rxf"));
+  const Outcome outcome = ztb({"solve", "t.lp", "--data", "data.rxf"});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_THAT(outcome.output, StartsWith("objective   26\n")) << "6 at 3 and 2 at 4";
+  EXPECT_EQ(outcome.errors,
+            "ztb: data.rxf: the model has no columns other_var for parameter other\n"
+            "ztb: data.rxf: 1 record of rate(*) stand for nothing in the model\n");
+}
+
+TEST_F(SolveTest, TakesBoundsOfVariablesFromAFile) {
+  ztb::Database database;
+  ztb::Record record = database.addVariable("ship", 3, {"*", "*"}).add("a", "x");
+  record.setUpper(2);
+  database.write(path("data.rxf"));
+  EXPECT_EQ(objective({"--data", "data.rxf"}), "objective   46") << "2 at 3 and 8 at 5";
+}
+
+TEST_F(SolveTest, WritesDataAndSolution) {
+  ztbFine({"solve", "t.lp", "--set", "demand[x]=8", "--out", "out.rxf"});
+  ztb::Database out = ztb::Database::open(path("out.rxf"));
+  EXPECT_EQ(out.symbol("total").find()->level(), 28);
+  EXPECT_EQ(out.symbol("demand").find("x")->level(), 8);
+  EXPECT_EQ(out.symbol("demand_var").find("x")->level(), 8);
+  EXPECT_EQ(out.symbol("ship").find("b", "x")->level(), 2);
+  EXPECT_EQ(out.symbol("need").find("x")->marginal(), 5);
+}
+
+TEST_F(SolveTest, TakesTheSolverAndItsOptions) {
+  EXPECT_THAT(ztbFine({"solve", "t.lp", "--solver", "glpk", "--option", "TimeLimit=60"}),
+              HasSubstr("solver      glpk\n"));
+}
+
+TEST_F(SolveTest, SolvesMathProgWithItsData) {
+  write("p.mod", "param need; var x >= 0; minimize cost: 2 * x + 1; s.t. least: x >= need; end;\n");
+  write("p.dat", "data; param need := 4; end;\n");
+  EXPECT_THAT(ztbFine({"solve", "p.mod", "--model-data", "p.dat"}), StartsWith("objective   9\n"));
+}
+
+TEST_F(SolveTest, PicksASolverForIntegersAndForProducts) {
+  write("i.lp", "Maximize\n v: 2 x + y\nSubject To\n c: 3 x + 2 y <= 8\nGenerals\n x y\nEnd\n");
+  EXPECT_THAT(ztbFine({"solve", "i.lp"}), HasSubstr("solver      cbc\n"));
+  write("q.lp", "Minimize\n v: [ 2 x ^ 2 ] / 2\nSubject To\n c: x >= 3\nEnd\n");
+  EXPECT_THAT(ztbFine({"solve", "q.lp"}), HasSubstr("solver      ipopt\n"));
+}
+
+TEST_F(SolveTest, TellsNamesThatHadToBeChanged) {
+  write("n.lp", "Minimize\n v: x.1 + X.1\nSubject To\n c: x.1 + X.1 >= 3\nEnd\n");
+  const Outcome outcome = ztb({"solve", "n.lp"});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.errors,
+            "ztb: n.lp: variable \"x.1\" of dimension 0 is called \"x_1\"\n"
+            "ztb: n.lp: variable \"X.1\" of dimension 0 is called \"X_1_2\"\n");
+}
+
+TEST_F(SolveTest, FailsWithoutASolution) {
+  const Outcome outcome = ztb({"solve", "t.lp", "--set", "demand[x]=8", "--set", "ship[b,x]=0"});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_THAT(outcome.output, StartsWith("status      infeasible, normal completion\n"));
+  EXPECT_EQ(outcome.errors, "ztb: t.lp: no solution: infeasible\n");
+}
+
+TEST_F(SolveTest, NamesWhatIsWrong) {
+  expectFails(1, "ztb: t.lp: Invalid solver name: nosuch\n",
+              {"solve", "t.lp", "--solver", "nosuch"});
+  expectFails(1, "ztb: t.lp: the model has no variable or equation nosuch\n",
+              {"solve", "t.lp", "--show", "nosuch"});
+  expectFails(1,
+              "ztb: t.lp: --set \"supply[a]=1\": the model has no columns supply or supply_var\n",
+              {"solve", "t.lp", "--set", "supply[a]=1"});
+  expectFails(1, "ztb: t.lp: --set \"rate[c]=1\": the model has no such element of rate_var(*)\n",
+              {"solve", "t.lp", "--set", "rate[c]=1"});
+  expectFails(1, "ztb: t.lp: --set \"rate=1\": the model has no such element of rate_var(*)\n",
+              {"solve", "t.lp", "--set", "rate=1"});
+  expectFails(2,
+              "ztb: --set \"rate[a]\": an \"=\" and a number are missing; write it as "
+              "\"demand[oslo]=30\"\n",
+              {"solve", "t.lp", "--set", "rate[a]"});
+  expectFails(2,
+              "ztb: --set \"rate[a=1\": the labels have to end with ]; write it as "
+              "\"demand[oslo]=30\"\n",
+              {"solve", "t.lp", "--set", "rate[a=1"});
+  expectFails(2, "ztb: --option \"TimeLimit\" has no value; write it as \"TimeLimit=60\"\n",
+              {"solve", "t.lp", "--option", "TimeLimit"});
+  const Outcome range = ztb({"solve", "t.lp", "--option", "RelativeGap=2"});
+  EXPECT_EQ(range.status, 2);
+  EXPECT_EQ(range.errors,
+            "ztb: --option \"RelativeGap=2\": option \"RelativeGap\" takes a number from 0 to 1, "
+            "not \"2\"\n");
+}
+
+TEST_F(SolveTest, RefusesValuesThatAreNone) {
+  expectFails(1, "ztb: --set \"rate[a]=na\": Bad value nan\n",
+              {"solve", "t.lp", "--set", "rate[a]=na"});
+}
+
+}  // namespace
