@@ -40,14 +40,6 @@ enum {
   ztbKindMixedIntegerQuadratic = 5
 };
 
-/* Kinds of models. */
-enum {
-  ztbModelLinear = 1,
-  ztbModelInteger = 2,         /* linear, with integer columns */
-  ztbModelQuadratic = 4,       /* with products of columns */
-  ztbModelIntegerQuadratic = 5 /* with both */
-};
-
 /* What a solve found. */
 enum {
   ztbModelOptimal = 1,        /* a best solution */
@@ -117,10 +109,6 @@ int ztbModelGetOption(ztbModel* model, const char* name, char* value, int size);
 
 /* The kind of a model that ztbModelPbi was called for, by its present bounds; otherwise 0. */
 int ztbModelKind(ztbModel* model);
-
-/* The kind of the model by its present bounds: a product with a column whose bounds are equal counts
- * as linear. 0 before the first ztbModelPbi. */
-int ztbModelType(ztbModel* model);
 
 /* What the last solve left: the codes above, the objective's value, and the solver's iterations. */
 int ztbModelStatus(ztbModel* model);

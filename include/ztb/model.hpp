@@ -79,8 +79,6 @@ class Model {
     (void)pbi();
     return ztbModelKind(handle_);
   }
-  // ztbModelLinear and so on; 0 before the first pbi().
-  [[nodiscard]] int type() const { return ztbModelType(handle_); }
 
   // What the last solve left.
   [[nodiscard]] int status() const { return ztbModelStatus(handle_); }

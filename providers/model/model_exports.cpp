@@ -169,11 +169,6 @@ MODEL_EXPORT int ztbModelKind(ztbModel* model) {
   return inUse ? static_cast<int>(model->model->instance.type()) : 0;
 }
 
-MODEL_EXPORT int ztbModelType(ztbModel* model) {
-  const bool inUse = model != nullptr && model->model != nullptr;
-  return inUse ? static_cast<int>(model->model->instance.type()) : 0;
-}
-
 MODEL_EXPORT int ztbModelStatus(ztbModel* model) {
   const bool inUse = model != nullptr && model->model != nullptr;
   return inUse ? model->model->instance.modelStatus() : int{ztbModelNoSolution};
