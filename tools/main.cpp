@@ -17,6 +17,7 @@
 #include "tools/pivot_command.h"
 #include "tools/show_command.h"
 #include "tools/solve_command.h"
+#include "tools/sweep_command.h"
 
 namespace {
 
@@ -51,6 +52,7 @@ int run(int argc, char** argv) {
   tool::addCopyCommand(app);
   tool::addPivotCommand(app);
   tool::addSolveCommand(app);
+  tool::addSweepCommand(app, status);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

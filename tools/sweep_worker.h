@@ -1,0 +1,40 @@
+// The part of a sweep that one process does: a database, a model and a solver of its own, and the
+// scenarios given to it.
+#ifndef ZTB_TOOLS_SWEEP_WORKER_H_
+#define ZTB_TOOLS_SWEEP_WORKER_H_
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "tools/sweep_options.h"
+#include "tools/sweep_scenarios.h"
+#include "tools/worker_processes.h"
+
+namespace tool {
+
+struct SweepWork {
+  std::vector<std::size_t> chosen;  // places in the scenario file
+  int firstPart = 1;                // number of the first part to publish
+  int partStep = 1;                 // from one part's number to the next one's
+  bool reportsNotes = false;        // tells on standard error which names of the model changed
+};
+
+// What a worker sends, beside what WorkerProcesses adds.
+struct SweepMessage {
+  // A scenario is done.
+  static constexpr char done = '.';
+  // The solve of a scenario failed: its place in the scenario file, a blank, and why.
+  static constexpr char scenarioFailed = 'f';
+  // A parameter of this name has records that meet no column of the model.
+  static constexpr char unmatched = 'u';
+};
+
+// Runs the scenarios and publishes their results in parts: after 100 scenarios or 5 seconds, and at
+// the end. Throws Failure and ztb::Error for what keeps all scenarios from being run.
+void runSweepWorker(const SweepOptions& options, const SweepScenarios& scenarios,
+                    const std::string& inputs, const SweepWork& work, const WorkerChannel& channel);
+
+}  // namespace tool
+
+#endif  // ZTB_TOOLS_SWEEP_WORKER_H_
