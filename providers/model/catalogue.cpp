@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <fstream>
-#include <iterator>
-#include <sstream>
 
 #include "providers/model/distinct_names.h"
 #include "providers/model/model_error.h"
@@ -17,9 +15,18 @@ namespace {
 constexpr std::array<std::string_view, 4> kKinds{"LP", "MIP", "QP", "MIQP"};
 constexpr std::size_t kMaxRowLength = 4096;
 
+constexpr std::string_view kBlanks = " \t\r\v\f";
+
 std::vector<std::string> wordsOf(std::string_view line) {
-  std::istringstream stream{std::string(line.substr(0, line.find('#')))};
-  return {std::istream_iterator<std::string>(stream), std::istream_iterator<std::string>()};
+  std::string_view rest = line.substr(0, line.find('#'));
+  std::vector<std::string> words;
+  for (;;) {
+    rest.remove_prefix(std::min(rest.find_first_not_of(kBlanks), rest.size()));
+    if (rest.empty()) return words;
+    const std::size_t length = std::min(rest.find_first_of(kBlanks), rest.size());
+    words.emplace_back(rest.substr(0, length));
+    rest.remove_prefix(length);
+  }
 }
 
 // Reads one row; what it throws does not name the place yet.
@@ -43,12 +50,14 @@ class RowReader {
  private:
   static std::vector<std::string> kindsOf(const std::string& word) {
     std::vector<std::string> kinds;
-    std::istringstream stream(word);
-    for (std::string kind; std::getline(stream, kind, ',');) {
+    for (std::size_t begin = 0; begin <= word.size();) {
+      const std::size_t end = std::min(word.find(',', begin), word.size());
+      const std::string kind = word.substr(begin, end - begin);
       if (std::find(kKinds.begin(), kKinds.end(), kind) == kKinds.end()) {
         throw ModelError("\"" + kind + "\" is no kind of model; kinds are LP, MIP, QP, MIQP");
       }
       kinds.push_back(kind);
+      begin = end + 1;
     }
     return kinds;
   }
@@ -81,11 +90,13 @@ std::string_view kindOf(ModelType type) {
 
 Catalogue Catalogue::read(const std::string& file, const std::string& directory) {
   std::ifstream stream(file, std::ios::binary);
-  std::ostringstream text;
-  if (!stream || !(text << stream.rdbuf())) {
-    throw ModelError(file + ": the solver catalogue cannot be read or is empty");
+  std::string text;
+  std::array<char, kMaxRowLength> part{};
+  while (stream.read(part.data(), part.size()), stream.gcount() > 0) {
+    text.append(part.data(), static_cast<std::size_t>(stream.gcount()));
   }
-  return parse(text.str(), file, directory);
+  if (text.empty()) throw ModelError(file + ": the solver catalogue cannot be read or is empty");
+  return parse(text, file, directory);
 }
 
 Catalogue Catalogue::parse(std::string_view text, const std::string& file,

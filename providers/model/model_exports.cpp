@@ -81,7 +81,8 @@ int built(ztbModel* model, const Body& body) noexcept {
   });
 }
 
-int make(ztbModel** model, const std::string& file, const std::string& dataFile, char* message,
+// A model of a file, of none for a null `file`.
+int make(ztbModel** model, const char* file, const char* dataFile, char* message,
          int messageSize) noexcept {
   copyText("", message, messageSize);
   return attempt(
@@ -89,7 +90,10 @@ int make(ztbModel** model, const std::string& file, const std::string& dataFile,
         if (model == nullptr) throw ModelError("there is no place for the model");
         *model = nullptr;
         auto made = std::make_unique<ztbModelRec>();
-        if (!file.empty()) made->builder = ModelBuilder(lomu::readModelFile(file, dataFile));
+        if (file != nullptr) {
+          made->builder =
+              ModelBuilder(lomu::readModelFile(file, dataFile == nullptr ? "" : dataFile));
+        }
         *model = made.release();
       },
       [&](const char* text) { copyText(text, message, messageSize); });
@@ -104,11 +108,11 @@ MODEL_EXPORT int ztbModelOpen(ztbModel** model, const char* file, const char* da
     copyText("no model file was named", message, messageSize);
     return 0;
   }
-  return make(model, file, dataFile == nullptr ? "" : dataFile, message, messageSize);
+  return make(model, file, dataFile, message, messageSize);
 }
 
 MODEL_EXPORT int ztbModelCreate(ztbModel** model, char* message, int messageSize) {
-  return make(model, "", "", message, messageSize);
+  return make(model, nullptr, nullptr, message, messageSize);
 }
 
 MODEL_EXPORT void ztbModelFree(ztbModel** model) {

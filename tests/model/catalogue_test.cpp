@@ -45,6 +45,11 @@ TEST(Catalogue, NamesTheLineOfWhatItRefuses) {
             "cat.txt:2: a row has a name, kinds, in-place and a library, this one has 5 words");
   EXPECT_EQ(refusal("clp lp yes a\n"),
             "cat.txt:1: \"lp\" is no kind of model; kinds are LP, MIP, QP, MIQP");
+  for (const char* kinds : {",", "LP,", ",LP", "LP,,MIP"}) {
+    EXPECT_EQ(refusal("clp " + std::string(kinds) + " yes a\n"),
+              "cat.txt:1: \"\" is no kind of model; kinds are LP, MIP, QP, MIQP")
+        << kinds;
+  }
   EXPECT_EQ(refusal("clp LP maybe a\n"), "cat.txt:1: in-place is \"yes\" or \"no\", not \"maybe\"");
   EXPECT_EQ(refusal("clp LP yes a\nglpk LP no b\nCLP LP yes c"),
             "cat.txt:3: solver \"CLP\" stands twice");

@@ -168,6 +168,8 @@ TEST(CatalogueCheck, TellsFileAndLine) {
   std::array<char, 200> message{};
   EXPECT_EQ(ztbCatalogueCheck("no/such", message.data(), 200), 0);
   EXPECT_STREQ(message.data(), "no/such: the solver catalogue cannot be read or is empty");
+  EXPECT_EQ(ztbCatalogueCheck(".", message.data(), 200), 0);
+  EXPECT_STREQ(message.data(), ".: the solver catalogue cannot be read or is empty");
   EXPECT_EQ(ztbCatalogueCheck(nullptr, message.data(), 200), 0);
   EXPECT_STREQ(message.data(), "no catalogue file was named");
 }
