@@ -1,7 +1,6 @@
-// Allocations that fail while a model is opened, built and taken into use, and while a database is
-// tied to it, updated and solved. Every failure is told, nothing is taken for an empty result, and
-// nothing is left allocated. Allocations inside of third-party code are its own affair, but for
-// those that reach the functions replaced here.
+// Allocations that fail while a model is opened, built and taken into use, and while a database
+// that is tied to it changes it and reads its solution. Every failure is told, none is taken for an
+// empty result, and nothing is left allocated.
 #include <gtest/gtest.h>
 #include <ztb/model.h>
 
@@ -11,6 +10,7 @@
 #include <string>
 
 #include "tests/fault/failing_allocation.h"
+#include "tests/support/database.h"
 #include "tests/support/stdout_capture.h"
 #include "tests/support/temp_folder.h"
 
@@ -154,6 +154,127 @@ TEST(ModelFaults, optionsAndTheCatalogue) {
     }
     return happened;
   });
+}
+
+// A database tied to a transport from two towns, with the parameter that changes its need.
+class TiedDatabase {
+ public:
+  TiedDatabase() {
+    ztbModelCreate(&model_, nullptr, 0);
+    const char* const towns[] = {"oslo", "a_town_with_a_long_name_in_the_south"};
+    for (const char* town : towns) {
+      const std::string element = "[" + std::string(town) + "]";
+      const int ship = ztbModelAddColumn(model_, ("ship" + element).c_str(), 0, 0, 9);
+      const int need =
+          ztbModelAddColumn(model_, ("a_need_with_a_long_name_var" + element).c_str(), 0, 3, 3);
+      const int row = ztbModelAddRow(model_, ("all_that_is_needed_is_shipped" + element).c_str(),
+                                     ztbRowGreaterOrEqual, 0, 0);
+      ztbModelAddTerm(model_, 0, ship, 2);
+      ztbModelAddTerm(model_, row, ship, 1);
+      ztbModelAddTerm(model_, row, need, -1);
+    }
+    pbi_ = ztbModelPbi(model_);
+  }
+  ~TiedDatabase() { ztbModelFree(&model_); }
+  TiedDatabase(const TiedDatabase&) = delete;
+  TiedDatabase& operator=(const TiedDatabase&) = delete;
+
+  int initFromDict() { return lib().c__ztbinitfromdict(db, pbi_); }
+  int initUpdate() { return lib().c__ztbinitupdate(db, pbi_); }
+  void tie() {
+    EXPECT_EQ(1, initFromDict()) << db.lastError();
+    EXPECT_EQ(1, initUpdate()) << db.lastError();
+    need_ = db.addParameter("a_need_with_a_long_name");
+    db.put(need_, {"oslo"}, 5.0);
+  }
+  int update(int* unmatched) {
+    return lib().c__ztbupdatemodelsymbol(db, need_, 0, need_, 1, unmatched);
+  }
+  [[nodiscard]] double objective() const { return ztbModelObjective(model_); }
+
+  Database db;
+
+ private:
+  ztbModel* model_ = nullptr;
+  void* pbi_ = nullptr;
+  void* need_ = nullptr;
+};
+
+// Runs `operate` on a database that `prepare` left, with an allocation failing, and expects success
+// or "Out of memory in NAME". `check` sees the database after a success.
+template <typename Prepare, typename Operate, typename Check>
+void expectTold(const std::string& name, const Prepare& prepare, const Operate& operate,
+                const Check& check) {
+  TiedDatabase warm;
+  prepare(warm);
+  operate(warm);
+  check(warm);
+  forEveryAllocation([&](long number, Failures failures) {
+    TiedDatabase tied;
+    prepare(tied);
+    StdoutCapture capture;
+    int result = -1;
+    bool happened = false;
+    {
+      const FailingAllocation failing(number, failures);
+      result = operate(tied);
+      happened = failing.happened();
+    }
+    capture.text();
+    if (result == 1) {
+      check(tied);
+    } else {
+      EXPECT_TRUE(happened);
+      EXPECT_EQ("Out of memory in " + name, tied.db.lastError());
+    }
+    return happened;
+  });
+}
+
+TEST(ModelFaults, fillingADatabaseFromADictionary) {
+  expectTold(
+      "ztbInitFromDict", [](TiedDatabase&) {},
+      [](TiedDatabase& tied) { return tied.initFromDict(); },
+      [](TiedDatabase& tied) {
+        EXPECT_EQ(2, tied.db.info(ZTB_INFO_UEL_COUNT));
+        EXPECT_EQ(4, tied.db.info(ZTB_INFO_SYMBOL_COUNT_WITH_ALIAS));
+      });
+}
+
+TEST(ModelFaults, changingAModel) {
+  int unmatched = -1;
+  expectTold(
+      "ztbUpdateModelSymbol", [](TiedDatabase& tied) { tied.tie(); },
+      [&](TiedDatabase& tied) {
+        unmatched = -1;
+        return tied.update(&unmatched);
+      },
+      [&](TiedDatabase& tied) {
+        EXPECT_EQ(0, unmatched) << "the symbol was not found, or its walk was not begun";
+        EXPECT_EQ(1, lib().c__ztbcallsolver(tied.db, "clp")) << tied.db.lastError();
+        EXPECT_EQ(2 * (5.0 + 3.0), tied.objective());
+      });
+}
+
+TEST(ModelFaults, readingASolution) {
+  void* symbol = nullptr;
+  void* record = nullptr;
+  expectTold(
+      "ztbFindFirstRecord",
+      [&](TiedDatabase& tied) {
+        tied.tie();
+        symbol = tied.db.find("ship");
+        EXPECT_EQ(1, lib().c__ztbcallsolver(tied.db, "clp")) << tied.db.lastError();
+      },
+      [&](TiedDatabase& tied) {
+        record = nullptr;
+        return lib().c__ztbfindfirstrecord(tied.db, symbol, &record);
+      },
+      [&](TiedDatabase& tied) {
+        const Record first(tied.db, record);
+        EXPECT_EQ(3.0, tied.db.level(first));
+        EXPECT_EQ(2, tied.db.recordCount(symbol));
+      });
 }
 
 }  // namespace
