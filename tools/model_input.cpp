@@ -5,6 +5,7 @@
 #include <array>
 #include <cstdio>
 #include <optional>
+#include <utility>
 
 #include "tools/data_file.h"
 #include "tools/element_text.h"
@@ -57,6 +58,8 @@ ModelInput::ModelInput(ModelSession& session) : session_(session) {
 void ModelInput::applyFile(const std::string& file) {
   DataFile data(file);
   std::vector<ztb::Symbol> parameters;
+  std::vector<std::pair<ztb::Symbol, ztb::Symbol>> variables;
+  std::vector<std::pair<ztb::Symbol, ztb::Symbol>> equations;
   for (const ztb::Symbol& source : data.symbols()) {
     const std::string name = source.name().str();
     if (source.type() == ztb::Type::alias || source.type() == ztb::Type::set) continue;
@@ -72,11 +75,15 @@ void ModelInput::applyFile(const std::string& file) {
     }
     const std::optional<ztb::Symbol> target = session_.database().findSymbol(name);
     if (target && target->type() == source.type() && target->dimension() == source.dimension()) {
-      applySolution(file, source, *target);
+      (source.type() == ztb::Type::variable ? variables : equations).emplace_back(source, *target);
     } else {
       fmt::print(stderr, "ztb: {}: the model has no {} like it\n", file, signature(source));
     }
   }
+  // The last update before a solve decides whether bounds that were set count; one of an equation
+  // decides that they do not.
+  for (const auto& [source, target] : equations) applySolution(file, source, target);
+  for (const auto& [source, target] : variables) applySolution(file, source, target);
   for (const ztb::Symbol& source : parameters) applyParameter(file, source);
 }
 

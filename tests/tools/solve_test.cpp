@@ -89,6 +89,22 @@ TEST_F(SolveTest, TakesBoundsOfVariablesFromAFile) {
   EXPECT_EQ(objective({"--data", "data.rxf"}), "objective   46") << "2 at 3 and 8 at 5";
 }
 
+// An update of an equation takes the bounds set before it out of force.
+TEST_F(SolveTest, BoundsOfVariablesHoldWhenEquationsFollowThemInTheFile) {
+  ztb::Database database;
+  database.addVariable("ship", 3, {"*", "*"}).add("a", "x").setUpper(2);
+  ztb::Record need = database.addEquation("need", 1, {"*"}).add("x");
+  need.setLevel(10);
+  need.setMarginal(5);
+  database.write(path("data.rxf"));
+  EXPECT_EQ(objective({"--data", "data.rxf"}), "objective   46") << "2 at 3 and 8 at 5";
+}
+
+TEST_F(SolveTest, TakesItsOwnSolutionAsData) {
+  ztbFine({"solve", "t.lp", "--set", "ship[a,x]=1", "--out", "out.rxf"});
+  EXPECT_EQ(objective({"--data", "out.rxf"}), "objective   48") << "1 at 3 and 9 at 5";
+}
+
 TEST_F(SolveTest, WritesDataAndSolution) {
   ztbFine({"solve", "t.lp", "--set", "demand[x]=8", "--out", "out.rxf"});
   ztb::Database out = ztb::Database::open(path("out.rxf"));
