@@ -3,6 +3,7 @@
 #include <cmath>
 #include <limits>
 #include <utility>
+#include <vector>
 
 #include "providers/model/model_error.h"
 
@@ -32,6 +33,20 @@ std::string inRange(const std::string& what, int number, std::size_t count) {
          std::to_string(count);
 }
 
+// Adds a row or column with a name that is free, both or neither: room is made before the name is
+// taken, so that nothing can fail behind it. Gives its number.
+template <typename Item>
+int append(std::vector<Item>& items, Item item, std::unordered_set<std::string>& names,
+           const std::string& what) {
+  if (items.size() >= kMaxCount) throw ModelError("the model has as many " + what + "s as it can");
+  if (items.size() == items.capacity()) items.reserve(2 * items.size() + 1);
+  if (!names.insert(item.name).second) {
+    throw ModelError(what + " \"" + item.name + "\" stands twice");
+  }
+  items.push_back(std::move(item));
+  return static_cast<int>(items.size()) - 1;
+}
+
 }  // namespace
 
 ModelBuilder::ModelBuilder(ModelData data) : data_(std::move(data)) {
@@ -47,7 +62,7 @@ ModelBuilder::ModelBuilder(ModelData data) : data_(std::move(data)) {
 }
 
 void ModelBuilder::setObjective(const char* name, bool maximize, double constant) {
-  const std::string wanted = checkedName(name, "the objective");
+  std::string wanted = checkedName(name, "the objective");
   checkFinite(constant, "the objective's constant");
   std::string& present = data_.rows.front().name;
   rowNames_.insert(present);
@@ -55,7 +70,7 @@ void ModelBuilder::setObjective(const char* name, bool maximize, double constant
     throw ModelError("row \"" + wanted + "\" stands twice");
   }
   if (wanted != present) rowNames_.erase(present);
-  present = wanted;
+  present = std::move(wanted);
   data_.maximize = maximize;
   data_.objectiveConstant = constant;
 }
@@ -68,13 +83,7 @@ int ModelBuilder::addColumn(const char* name, int kind, double lower, double upp
   }
   column.kind = static_cast<ColumnKind>(kind);
   checkBounds(column.name, lower, upper);
-  if (data_.columns.size() >= kMaxCount)
-    throw ModelError("the model has as many columns as it can");
-  if (!columnNames_.insert(column.name).second) {
-    throw ModelError("column \"" + column.name + "\" stands twice");
-  }
-  data_.columns.push_back(std::move(column));
-  return static_cast<int>(data_.columns.size()) - 1;
+  return append(data_.columns, std::move(column), columnNames_, "column");
 }
 
 int ModelBuilder::addRow(const char* name, int type, double rhs, double range) {
@@ -90,11 +99,8 @@ int ModelBuilder::addRow(const char* name, int type, double rhs, double range) {
     throw ModelError("row \"" + row.name +
                      "\": a range is 0, or above 0 for a >= or <= row, and finite");
   }
-  if (data_.rows.size() >= kMaxCount) throw ModelError("the model has as many rows as it can");
   rowNames_.insert(data_.rows.front().name);
-  if (!rowNames_.insert(row.name).second) throw ModelError("row \"" + row.name + "\" stands twice");
-  data_.rows.push_back(std::move(row));
-  return static_cast<int>(data_.rows.size()) - 1;
+  return append(data_.rows, std::move(row), rowNames_, "row");
 }
 
 void ModelBuilder::addTerm(int row, int column, double value) {
