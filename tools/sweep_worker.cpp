@@ -19,6 +19,8 @@ using Clock = std::chrono::steady_clock;
 
 constexpr int kScenariosInPart = 100;
 constexpr std::chrono::seconds kTimeOfPart{5};
+// Publishing waits for the disk; it takes at most about a tenth of the time.
+constexpr int kRestBetweenParts = 10;
 // What the library says when no scenario can be solved.
 constexpr std::string_view kNoSuchSolver = "Invalid solver name";
 
@@ -51,7 +53,8 @@ class SweepWorker {
     for (std::size_t place = 0; place < work_.chosen.size(); ++place) {
       runScenario(data, place);
       channel_.send(SweepMessage::done);
-      if (++unpublished_ >= kScenariosInPart || Clock::now() - published_ >= kTimeOfPart) {
+      ++unpublished_;
+      if (isPartDue()) {
         publish();
       }
     }
@@ -101,12 +104,20 @@ class SweepWorker {
     }
   }
 
+  [[nodiscard]] bool isPartDue() const {
+    const Clock::duration time = Clock::now() - published_;
+    return time >= kTimeOfPart ||
+           (unpublished_ >= kScenariosInPart && time >= kRestBetweenParts * publishing_);
+  }
+
   void publish() {
+    const Clock::time_point start = Clock::now();
     results_.write(parts_.file(part_));
     results_.clear();
     part_ += work_.partStep;
     unpublished_ = 0;
     published_ = Clock::now();
+    publishing_ = published_ - start;
   }
 
   const SweepScenarios& scenarios_;
@@ -119,7 +130,9 @@ class SweepWorker {
   std::vector<std::string> reports_;
   int part_;
   int unpublished_ = 0;
+  // When the last part was published, and how long that took.
   Clock::time_point published_ = Clock::now();
+  Clock::duration publishing_{0};
 };
 
 }  // namespace

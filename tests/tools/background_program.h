@@ -1,0 +1,40 @@
+// The built ztb command at work while the test goes on, to be interrupted.
+#ifndef ZTB_TESTS_TOOLS_BACKGROUND_PROGRAM_H_
+#define ZTB_TESTS_TOOLS_BACKGROUND_PROGRAM_H_
+
+#include <sys/types.h>
+
+#include <string>
+#include <vector>
+
+namespace tooltest {
+
+// A run in a folder; it is killed at the end of this object's life if it still goes on.
+class BackgroundProgram {
+ public:
+  // Standard error goes to the file `errors` in the folder.
+  BackgroundProgram(std::string folder, const std::vector<std::string>& arguments,
+                    const std::string& errors);
+  BackgroundProgram(const BackgroundProgram&) = delete;
+  BackgroundProgram& operator=(const BackgroundProgram&) = delete;
+  ~BackgroundProgram();
+
+  // Blocks until a file whose name begins with `prefix` was moved into place in the folder; false
+  // if the program can have ended without one.
+  bool waitForFile(const std::string& prefix);
+  // The processes that it started and that still run.
+  std::vector<pid_t> children() const;
+  void kill();
+  // Waits for the end: the exit code, or minus the signal's number.
+  int wait();
+
+ private:
+  pid_t process_ = -1;
+  int watch_ = -1;
+  // Becomes readable when the program and its children have ended.
+  int end_ = -1;
+};
+
+}  // namespace tooltest
+
+#endif  // ZTB_TESTS_TOOLS_BACKGROUND_PROGRAM_H_

@@ -1,0 +1,184 @@
+// ztb sweep: what is left of a run that was interrupted, and going on with it.
+#include <gmock/gmock.h>
+#include <signal.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+#include <ztb/ztb.hpp>
+
+#include "tests/tools/background_program.h"
+#include "tests/tools/sweep_fixture.h"
+
+namespace {
+
+using testing::HasSubstr;
+using testing::StartsWith;
+using tooltest::BackgroundProgram;
+using tooltest::Outcome;
+using tooltest::SweepTest;
+
+// Long enough that a run has most of its work before it when its first part is there.
+constexpr int kMany = 20000;
+
+class SweepResumeTest : public SweepTest {
+ protected:
+  // Leaves a part with scenarios 1 to `solved`, as an interrupted run does, and no result file.
+  void leavePart(int count, int solved) const {
+    makeScenarios(count);
+    ztbFine(sweep({"--report", "ship"}));
+    {
+      ztb::Database results = ztb::Database::open(path("out.rxf"));
+      for (const char* name : {"sweep_status", "sweep_solve_status", "sweep_objective"}) {
+        for (int number = solved + 1; number <= count; ++number) {
+          results.symbol(name).find("sc" + std::to_string(number))->erase();
+        }
+      }
+      results.write(path("out.rxf.part7"));
+    }
+    std::filesystem::remove(path("out.rxf"));
+  }
+
+  // The first line of what a run prints, without time and rate.
+  static std::string counts(const std::string& output) {
+    return output.substr(0, output.find(" in "));
+  }
+
+  void expectRefused(const std::string& difference, const std::vector<std::string>& more) const {
+    std::vector<std::string> arguments = more;
+    arguments.emplace_back("--resume");
+    const Outcome outcome = ztb(sweep(arguments));
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.errors, StartsWith("ztb: out.rxf"));
+    EXPECT_THAT(outcome.errors, HasSubstr(": is from a sweep with " + difference +
+                                          "; without --resume all is solved anew\n"));
+  }
+};
+
+TEST_F(SweepResumeTest, AfterAKillGivesWhatAnUninterruptedRunGives) {
+  makeScenarios(kMany);
+  {
+    BackgroundProgram run(path("."), sweep({"--report", "ship", "--jobs", "2"}), "errors");
+    ASSERT_TRUE(run.waitForFile("out.rxf.part"));
+    run.kill();
+    ASSERT_EQ(run.wait(), -SIGKILL);
+  }
+  ASSERT_FALSE(exists("out.rxf"));
+  ASSERT_GT(parts("out.rxf"), 0);
+  const std::string output = ztbFine(sweep({"--report", "ship", "--jobs", "3", "--resume"}));
+  EXPECT_THAT(counts(output),
+              testing::MatchesRegex("20000 scenarios, [1-9][0-9]+ of them kept: 20000 optimal"));
+  EXPECT_EQ(parts("out.rxf"), 0);
+  expectObjectives("out.rxf", kMany);
+  ztbFine(sweep({"--report", "ship"}, "whole.rxf"));
+  EXPECT_THAT(ztb({"diff", "out.rxf", "whole.rxf", "--tolerance", "1e-9"}).output,
+              StartsWith("no difference"));
+}
+
+TEST_F(SweepResumeTest, SolvesOnlyWhatIsNotInTheParts) {
+  leavePart(10, 6);
+  // A value that no solve gives tells that the scenario was kept.
+  {
+    ztb::Database part = ztb::Database::open(path("out.rxf.part7"));
+    part.symbol("sweep_objective").find("sc2")->setLevel(-1);
+    part.write(path("out.rxf.part7"));
+  }
+  EXPECT_EQ(counts(ztbFine(sweep({"--report", "ship", "--resume"}))),
+            "10 scenarios, 6 of them kept: 10 optimal");
+  EXPECT_EQ(parts("out.rxf"), 0);
+  ztb::Database out = ztb::Database::open(path("out.rxf"));
+  EXPECT_EQ(out.symbol("sweep_objective").find("sc2")->level(), -1);
+  EXPECT_EQ(out.symbol("ship_level").recordCount(), 20);
+}
+
+TEST_F(SweepResumeTest, WithoutResumeAllIsSolvedAnew) {
+  leavePart(12, 6);
+  write(".out.rxf.part8.0.rxftmp", "left by a writer that was killed");
+  EXPECT_EQ(counts(ztbFine(sweep())), "12 scenarios: 12 optimal");
+  EXPECT_EQ(parts("out.rxf"), 0);
+}
+
+TEST_F(SweepResumeTest, LeavesFilesAloneThatAreNoParts) {
+  makeScenarios(3);
+  const std::vector<std::string> others{"out.rxf.part", "out.rxf.part1x", "out.rxf.part-1",
+                                        "other.rxf.part1", "out.rxf.partial"};
+  for (const std::string& other : others) {
+    write(other, "kept");
+  }
+  ztbFine(sweep());
+  for (const std::string& other : others) {
+    EXPECT_EQ(read(other), "kept") << other;
+  }
+}
+
+TEST_F(SweepResumeTest, RefusesPartsOfOtherInputs) {
+  leavePart(10, 6);
+  expectRefused("another --solver", {"--report", "ship", "--solver", "glpk"});
+  expectRefused("another --report", {});
+  expectRefused("another --report", {"--report", "need"});
+  makeScenarios(10, 1);
+  expectRefused("another scenario file", {"--report", "ship"});
+  makeScenarios(10);
+  const std::string model = read("m.lp");
+  write("m.lp", model + "\\ a comment\n");
+  expectRefused("another model file", {"--report", "ship"});
+  write("m.lp", model);
+  EXPECT_EQ(parts("out.rxf"), 1);
+  EXPECT_EQ(counts(ztbFine(sweep({"--report", "SHIP", "--resume"}))),
+            "10 scenarios, 6 of them kept: 10 optimal");
+}
+
+TEST_F(SweepResumeTest, RefusesAnotherSetAndFilesThatAreNoResults) {
+  makeScenarios(10);
+  ztbFine(sweep());
+  ztb::Database database = ztb::Database::open(path("sc.rxf"));
+  const ztb::Symbol t = database.addSet("t", {"*"});
+  database.symbol("t").add("only");
+  database.addParameter("ship", {t, "*"});
+  database.write(path("sc.rxf"));
+  expectRefused("another scenario file", {});
+  ztbFine(sweep({}, "new.rxf"));
+  const Outcome outcome = ztb(
+      {"sweep", "m.lp", "--scenarios", "sc.rxf", "--over", "t", "--out", "new.rxf", "--resume"});
+  EXPECT_EQ(outcome.errors,
+            "ztb: new.rxf: is from a sweep with another --over; without --resume all is solved "
+            "anew\n");
+  database.write(path("other.rxf"));
+  expectFails(1, "ztb: other.rxf: is no result of a sweep\n", sweep({"--resume"}, "other.rxf"));
+}
+
+TEST_F(SweepResumeTest, KeepsACompleteResultButTriesFailedScenariosAgain) {
+  makeScenarios(10, 0, {{4, "na"}, {5, "1000"}});
+  EXPECT_EQ(ztb(sweep({"--resume"})).status, 1) << "nothing to go on with is no error";
+  const Outcome outcome = ztb(sweep({"--resume"}));
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.errors,
+            "ztb: scenario sc4: failed: Bad value nan\nztb: scenario sc5: infeasible\n");
+  EXPECT_EQ(counts(outcome.output),
+            "10 scenarios, 9 of them kept: 8 optimal, 1 infeasible, 1 failed");
+  expectObjectives("out.rxf", 10, 0, {4, 5});
+}
+
+TEST_F(SweepResumeTest, WhatAWorkerThatDiesHadLeftToDoHasFailedAndCanBeResumed) {
+  makeScenarios(kMany);
+  BackgroundProgram run(path("."), sweep({"--report", "ship", "--jobs", "2"}), "errors");
+  ASSERT_TRUE(run.waitForFile("out.rxf.part"));
+  const std::vector<pid_t> workers = run.children();
+  ASSERT_EQ(workers.size(), 2U);
+  kill(workers[1], SIGKILL);
+  EXPECT_EQ(run.wait(), 1);
+  EXPECT_THAT(read("errors"), HasSubstr(": failed: its worker process was ended by signal 9\n"));
+  EXPECT_EQ(parts("out.rxf"), 0);
+  {
+    const ztb::Database out = ztb::Database::open(path("out.rxf"));
+    EXPECT_EQ(out.symbol("sweep_status").recordCount(), kMany);
+    EXPECT_EQ(out.symbol("sweep_status").find("sc20000")->level(), 13);
+    EXPECT_GE(out.symbol("sweep_objective").recordCount(), kMany / 2);
+    EXPECT_LT(out.symbol("sweep_objective").recordCount(), kMany);
+  }
+  EXPECT_THAT(counts(ztbFine(sweep({"--report", "ship", "--resume"}))),
+              HasSubstr("kept: 20000 optimal"));
+  expectObjectives("out.rxf", kMany);
+}
+
+}  // namespace
