@@ -177,7 +177,7 @@ void ModelInput::applySetting(const std::string& setting) {
     ztb::Symbol parameter = session_.parameter(element.symbol, symbol->dimension());
     parameter.merge(ztb::Keys(keys)).setLevel(value);
     session_.applyParameter(parameter);
-  } catch (const ztb::Error& error) {
+  } catch (const std::exception& error) {
     throw Failure(fmt::format("--set \"{}\": {}", setting, error.what()));
   }
 }

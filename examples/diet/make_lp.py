@@ -1,9 +1,10 @@
 #!/usr/bin/env python3
 """Makes diet.lp from the three tables that stand beside it.
 
-buy is what is bought of a food a day, counted in 1939 dollars, so that a unit of it holds what the
-table gives for a dollar. The cost is in dollars a year. price_var is the price of a food relative to
-1939: it stands still at 1 and multiplies what is bought, so that a database can set other prices. allowance_var is the daily need of a
+buy is what is bought of a food a day, counted in 1939 dollars, so that a unit of it holds what
+the table gives for a dollar. The cost is in dollars a year. price_var is the price of a food
+relative to 1939: it stands still at 1 and multiplies what is bought, so that a database can set
+other prices. allowance_var is the daily need of a
 nutrient.
 """
 
@@ -30,7 +31,8 @@ def main():
     for row in rows("nutrition.csv"):
         holds.setdefault(row["nutrient"], []).append((row["food"], row["per_dollar"]))
 
-    lines = ["\\ The cheapest diet of 1939, in dollars a year; made by make_lp.py.", "Minimize", " cost: ["]
+    lines = ["\\ The cheapest diet of 1939, in dollars a year; made by make_lp.py."]
+    lines += ["Minimize", " cost: ["]
     for number, food in enumerate(foods):
         sign = "+ " if number else "  "
         lines.append(f"  {sign}{2 * DAYS} {element('price_var', food)} * {element('buy', food)}")

@@ -3,7 +3,8 @@
 
     make_scenarios.py COUNT
 
-Writes scenarios.csv, the names, and prices.csv, the price index of each food, to the present folder.
+Writes scenarios.csv, the names, and prices.csv, the price index of each food, to the present
+folder.
 """
 
 import csv
