@@ -16,7 +16,7 @@ double uniform(std::mt19937& random, double low, double high) {
 
 Network::Network(int rows) : sources(rows / 5), targets(rows - rows / 5) {
   constexpr int arcsOfTarget = 6;
-  constexpr double slack = 1.4;
+  constexpr double slack = 1.8;
   std::mt19937 random(5);
   for (int t = 0; t < targets; ++t) demand.push_back(uniform(random, 5, 15));
   const double all = std::accumulate(demand.begin(), demand.end(), 0.0);
@@ -31,10 +31,10 @@ Network::Network(int rows) : sources(rows / 5), targets(rows - rows / 5) {
   }
 }
 
-std::vector<double> Network::demandOf(int step) const {
+std::vector<double> Network::demandOf(int step, double spread) const {
   std::mt19937 random(static_cast<unsigned>(step) + 100);
   std::vector<double> changed = demand;
-  for (double& amount : changed) amount *= uniform(random, 0.9, 1.1);
+  for (double& amount : changed) amount *= uniform(random, 1 - spread, 1 + spread);
   return changed;
 }
 

@@ -24,8 +24,8 @@ struct Network {
   // `rows` constraints in all: a fifth are sources. The data are the same for the same count.
   explicit Network(int rows);
 
-  // The demands of a step: all a little off, deterministically.
-  [[nodiscard]] std::vector<double> demandOf(int step) const;
+  // The demands of a step: each off by up to `spread` of itself, the same for the same step.
+  [[nodiscard]] std::vector<double> demandOf(int step, double spread) const;
 };
 
 }  // namespace bench

@@ -134,10 +134,10 @@ class Direct {
 };
 
 template <class Loop>
-void measure(benchmark::State& state, int rows) {
+void measure(benchmark::State& state, int rows, double spread) {
   const bench::Network network(rows);
   std::vector<std::vector<double>> demands;
-  for (int step = 0; step < cycle; ++step) demands.push_back(network.demandOf(step));
+  for (int step = 0; step < cycle; ++step) demands.push_back(network.demandOf(step, spread));
   Loop loop(network);
   loop.step(demands.back());
   std::size_t step = 0;
@@ -150,11 +150,12 @@ void measure(benchmark::State& state, int rows) {
 }
 
 template <class Loop>
-void registerLoop(const char* name, int rows) {
-  const std::string title =
-      std::string("update, solve, read back/") + name + "/" + std::to_string(rows);
-  benchmark::RegisterBenchmark(title.c_str(),
-                               [rows](benchmark::State& state) { measure<Loop>(state, rows); })
+void registerLoop(const char* name, int rows, double spread) {
+  const std::string change = std::to_string(static_cast<int>(spread * 100 + 0.5));
+  const std::string title = "demands off by " + change + " %/" + name + "/" + std::to_string(rows);
+  benchmark::RegisterBenchmark(
+      title.c_str(),
+      [rows, spread](benchmark::State& state) { measure<Loop>(state, rows, spread); })
       ->Repetitions(3)
       ->MinTime(1);
 }
@@ -180,9 +181,11 @@ int main(int argc, char** argv) {
     std::array<char*, 2> arguments{program.data(), filterOption.data()};
     int count = static_cast<int>(arguments.size());
     benchmark::Initialize(&count, arguments.data());
-    for (const int r : rows) {
-      registerLoop<Tied>(bench::ours, r);
-      registerLoop<Direct>("Clp", r);
+    for (const double spread : {0.1, 0.5}) {
+      for (const int r : rows) {
+        registerLoop<Tied>(bench::ours, r, spread);
+        registerLoop<Direct>("Clp", r, spread);
+      }
     }
     bench::SummaryReporter reporter(bench::ours);
     benchmark::RunSpecifiedBenchmarks(&reporter);
