@@ -34,7 +34,7 @@ class RowReader {
  public:
   explicit RowReader(const std::string& directory) : directory_(directory) {}
 
-  CatalogueRow read(const std::vector<std::string>& words) const {
+  [[nodiscard]] CatalogueRow read(const std::vector<std::string>& words) const {
     if (words.size() != 4) {
       throw ModelError("a row has a name, kinds, in-place and a library, this one has " +
                        std::to_string(words.size()) + " words");
@@ -64,7 +64,7 @@ class RowReader {
 
   static bool inPlaceOf(const std::string& word) {
     if (word != "yes" && word != "no") {
-      throw ModelError("in-place is \"yes\" or \"no\", not \"" + word + "\"");
+      throw ModelError(R"(in-place is "yes" or "no", not ")" + word + "\"");
     }
     return word == "yes";
   }

@@ -83,7 +83,7 @@ class LabelReader {
 }  // namespace
 
 ElementName parseElementName(std::string_view name) {
-  const ElementName plain{std::string(name), {}};
+  ElementName plain{std::string(name), {}};
   const std::size_t open = name.find_first_of("[(");
   if (open == std::string_view::npos || open == 0) return plain;
   if (name.back() != (name[open] == '[' ? ']' : ')')) return plain;
