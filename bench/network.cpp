@@ -14,9 +14,8 @@ double uniform(std::mt19937& random, double low, double high) {
 
 }  // namespace
 
-Network::Network(int rows) : sources(rows / 5), targets(rows - rows / 5) {
+Network::Network(int rows, double slack) : sources(rows / 5), targets(rows - rows / 5) {
   constexpr int arcsOfTarget = 6;
-  constexpr double slack = 1.8;
   std::mt19937 random(5);
   for (int t = 0; t < targets; ++t) demand.push_back(uniform(random, 5, 15));
   const double all = std::accumulate(demand.begin(), demand.end(), 0.0);

@@ -21,8 +21,9 @@ struct Network {
   std::vector<double> demand;
   std::vector<Arc> arcs;
 
-  // `rows` constraints in all: a fifth are sources. The data are the same for the same count.
-  explicit Network(int rows);
+  // `rows` constraints in all: a fifth are sources, which can deliver `slack` times the demand. The
+  // data are the same for the same arguments.
+  Network(int rows, double slack);
 
   // The demands of a step: each off by up to `spread` of itself, the same for the same step.
   [[nodiscard]] std::vector<double> demandOf(int step, double spread) const;
