@@ -52,10 +52,15 @@ void LiveSolver::solve(const SolverLimits& limits) {
   solver_->solve(limits, result_);
   instance.takeResult(result_);
 
+  // The objective of a solve without a point would be that of an older one.
+  std::array<char, 48> objective{};
+  if (result_.hasPoint) {
+    std::snprintf(objective.data(), objective.size(), ", objective %.15g", instance.row(0).level);
+  }
   std::array<char, 160> line{};
-  std::snprintf(line.data(), line.size(), "%.40s: %s, %s, objective %.15g, %.0f iterations",
-                row_.name.c_str(), modelStatusText(instance.modelStatus()),
-                solveStatusText(instance.solveStatus()), instance.row(0).level, result_.iterations);
+  std::snprintf(line.data(), line.size(), "%.40s: %s, %s%s, %.0f iterations", row_.name.c_str(),
+                modelStatusText(instance.modelStatus()), solveStatusText(instance.solveStatus()),
+                objective.data(), result_.iterations);
   model_->environment->log(line.data());
   if (result_.outcome == Outcome::failed) {
     throw ModelError("solver \"" + row_.name + "\" failed: " + result_.reason);

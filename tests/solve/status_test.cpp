@@ -138,4 +138,16 @@ TEST(Log, GoesToTheFileThatTheOptionNames) {
   EXPECT_THAT(text.str(), StartsWith("clp: optimal, normal completion, objective 2, "));
 }
 
+TEST(Log, HasNoObjectiveWithoutAPoint) {
+  ztbtest::TempFolder folder;
+  const std::string file = folder.file("solve.log");
+  ztb::Model model = small(200);
+  model.setOption("LogFile", file);
+  ASSERT_EQ(failure(model, "clp"), "");
+  std::ostringstream text;
+  text << std::ifstream(file).rdbuf();
+  EXPECT_THAT(text.str(), StartsWith("clp: infeasible, normal completion, "));
+  EXPECT_THAT(text.str(), testing::Not(testing::HasSubstr("objective")));
+}
+
 }  // namespace

@@ -178,6 +178,51 @@ TEST_F(SolveTest, NamesWhatIsWrong) {
             "not \"2\"\n");
 }
 
+TEST_F(SolveTest, TellsWhatOfADataFileDoesNotFit) {
+  ztb::Database database;
+  database.addParameter("rate", {"*", "*"}).add("a", "x").setLevel(1);
+  database.addVariable("ship", 3, {"*"}).add("a").setLevel(1);
+  database.write(path("data.rxf"));
+  const Outcome outcome = ztb({"solve", "t.lp", "--data", "data.rxf"});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(
+      outcome.errors,
+      "ztb: data.rxf: the model has no ship(*) like it\n"
+      "ztb: data.rxf: rate(*, *): t.lp: the columns rate_var have 1 positions, parameter rate "
+      "has 2\n");
+}
+
+TEST_F(SolveTest, AParameterCannotHaveTheNameOfARow) {
+  write("r.lp", "Minimize\n v: x\nSubject To\n cap: x - cap_var >= 0\nBounds\n cap_var = 2\nEnd\n");
+  expectFails(1,
+              "ztb: --set \"cap=3\": r.lp: cap is a variable or equation of the model, and cap_var "
+              "cannot be driven by a parameter of this name\n",
+              {"solve", "r.lp", "--set", "cap=3"});
+}
+
+TEST_F(SolveTest, HasNoSolverForIntegersWithProducts) {
+  write("m.lp", "Minimize\n v: [ 2 x * y ] / 2\nSubject To\n c: x + y >= 3\nGenerals\n x\nEnd\n");
+  expectFails(1,
+              "ztb: m.lp: the model has integer columns and products of columns that can move; no "
+              "solver of the catalogue that comes with ZTB takes both. Name one with --solver\n",
+              {"solve", "m.lp"});
+}
+
+TEST_F(SolveTest, CountsTheChangedNamesThatItDoesNotTell) {
+  write("n.lp",
+        "Minimize\n v: a.1 + a.2 + a.3 + a.4 + a.5 + a.6 + a.7\nSubject To\n c: a.1 >= 3\nEnd\n");
+  const Outcome outcome = ztb({"solve", "n.lp"});
+  EXPECT_THAT(outcome.errors, HasSubstr("\"a.5\" of dimension 0 is called \"a_5\"\n"
+                                        "ztb: n.lp: 2 more names had to be changed\n"));
+}
+
+TEST_F(SolveTest, NamesTheFileThatCannotBeWritten) {
+  const Outcome outcome = ztb({"solve", "t.lp", "--out", "no/such/out.rxf"});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_THAT(outcome.errors, StartsWith("ztb: "));
+  EXPECT_THAT(outcome.errors, HasSubstr("no/such/out.rxf"));
+}
+
 TEST_F(SolveTest, RefusesValuesThatAreNone) {
   expectFails(1, "ztb: --set \"rate[a]=na\": Bad value nan\n",
               {"solve", "t.lp", "--set", "rate[a]=na"});
