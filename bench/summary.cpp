@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <stdexcept>
 
 #include "bench/contest.h"
 
@@ -45,6 +46,9 @@ void SummaryReporter::ReportRuns(const std::vector<Run>& runs) {
   for (const Run& run : runs) {
     if (run.run_type != Run::RT_Iteration) {
       continue;
+    }
+    if (run.error_occurred) {
+      throw std::runtime_error(run.benchmark_name() + ": " + run.error_message);
     }
     std::fprintf(stderr, "%s\n", run.benchmark_name().c_str());
     Figures& figures = figuresOf(run.run_name.function_name);
