@@ -50,9 +50,9 @@ class Modifier {
     for (; !walk.atEnd(); walk.next()) {
       // The value for this row or column; nothing for its base value.
       std::optional<double> value;
-      if (const auto record = data_.findRecord(walk.keys().data())) {
+      if (const double* found = data_.findValues(walk.keys().data())) {
         ++matched;
-        value = record->values()[ZTB_LEVEL];
+        value = found[ZTB_LEVEL];
         if (!accept(*value)) {
           walk.leaveOpen();
           return std::nullopt;

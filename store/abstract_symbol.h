@@ -71,6 +71,8 @@ class AbstractZTBSymbol {
 
   // The record with these keys, or null.
   virtual RecordHandle findRecord(const int* keys) = 0;
+  // Its value slots alone, or null; good until the symbol next changes.
+  virtual const double* findValues(const int* keys) = 0;
   // REQUIRES: the symbol is not empty. The same holds for `lastRecord`.
   virtual RecordHandle firstRecord() = 0;
   // First record that agrees with the mask (`dim` elements, 0 is free), or null; the handle then

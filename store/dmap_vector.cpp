@@ -190,6 +190,16 @@ VectorIterator DMapVector::insertHint(const int* keys, const double* values,
   return fitsBefore(row, keys) ? placeBefore(row, keys, values) : insert(keys, values);
 }
 
+// A key behind the last row, on which the hint stands, is the common case by far.
+void DMapVector::insertFollowing(const int* keys, const double* values, VectorIterator& hint) {
+  const int last = rowCount_ - 1;
+  if (last >= 0 && hint.row() == last && compareKeys(keys, keysAt(last), width_) > 0) {
+    hint.moveTo(appendRow(keys, values));
+    return;
+  }
+  hint = insertHint(keys, values, hint);
+}
+
 VectorIterator DMapVector::insertOrAssign(const VectorIterator& /*hint*/, const int* keys,
                                           const double* values) {
   if (dim_ == 0) {

@@ -38,6 +38,7 @@ class DMapVector final : public IDMap<VectorIterator> {
   // either included; else `insert`, and `append` for a hint on no row.
   VectorIterator insertHint(const int* keys, const double* values,
                             const VectorIterator& hint) override;
+  void insertFollowing(const int* keys, const double* values, VectorIterator& hint) override;
   // Overwrites the row where the lower bound stands, whatever its key; appends when that is `end`.
   VectorIterator insertOrAssign(const VectorIterator& hint, const int* keys,
                                 const double* values) override;

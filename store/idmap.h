@@ -93,6 +93,10 @@ class IDMap {
   virtual Iterator insert(const int* keys, const double* values) = 0;
   // As `insert`; the hint says where to look first.
   virtual Iterator insertHint(const int* keys, const double* values, const Iterator& hint) = 0;
+  // As `insertHint`, whose result takes the place of the hint: for many records in a row.
+  virtual void insertFollowing(const int* keys, const double* values, Iterator& hint) {
+    hint = insertHint(keys, values, hint);
+  }
   // Adds the record, or overwrites the values of the one found.
   virtual Iterator insertOrAssign(const Iterator& hint, const int* keys, const double* values) = 0;
   // Removes the record at the iterator.

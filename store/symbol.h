@@ -89,6 +89,11 @@ class ZTBSymbol final : public AbstractZTBSymbol {
     return isEndPosition(position) ? nullptr : handleOn(position);
   }
 
+  const double* findValues(const int* keys) override {
+    const Iterator position = store_.find(keys);
+    return isEndPosition(position) ? nullptr : position.get().values;
+  }
+
   RecordHandle firstRecord() override { return handleOn(store_.begin()); }
 
   RecordHandle lastRecord() override {
@@ -152,7 +157,7 @@ class ZTBSymbol final : public AbstractZTBSymbol {
   }
 
   void insertRecordAtPosition(const int* keys, const double* values) override {
-    lastPosition_ = store_.insertHint(keys, values, lastPosition_);
+    store_.insertFollowing(keys, values, lastPosition_);
   }
 
   [[nodiscard]] dmap::StorageKind storageKind() const override { return store_.kind(); }

@@ -47,6 +47,8 @@ class VectorIterator final : public BaseDMapIterator {
   [[nodiscard]] bool isNull() const override { return keys_ == nullptr || values_ == nullptr; }
 
   [[nodiscard]] int row() const { return row_; }
+  // REQUIRES: not the null iterator.
+  void moveTo(int row) { row_ = row; }
 
  private:
   int row_ = -1;

@@ -151,6 +151,42 @@ class Symbol {
     putElement(numbers, text, 0);
   }
 
+  // One value of each record, in the order of the records: the fastest way to read numbers. cells
+  // has recordCount() places, at least one. Sets, scalars and the universe are refused.
+  void copyValues(std::span<double> cells, Field field = Field::level) const {
+    refuseSet("ztbDenseSymbolToDenseArray");
+    std::vector<int> sizes(std::max<std::size_t>(keyCount(), 1), 1);
+    sizes[0] = static_cast<int>(cells.size());
+    detail::require(c__ztbdensesymboltodensearray(database_, cells.data(), sizes.data(), handle_,
+                                                  static_cast<int>(field)),
+                    database_, "ztbDenseSymbolToDenseArray");
+  }
+
+  // Replaces the records of a parameter by one for each cell, zeros included: the fastest way to
+  // write. domains holds a one-dimensional set for each position; cube is row-major over their
+  // labels, the last position fastest. A wrong size changes nothing; what the library refuses
+  // leaves the parameter empty.
+  void assignCube(std::span<const Symbol> domains, std::span<const double> cube) {
+    refuseSet("ztbDenseArrayToSymbol");
+    checkCount(domains.size(), "ztbDenseArrayToSymbol");
+    std::vector<int> sizes;
+    std::vector<void*> handles;
+    std::size_t cells = 1;
+    for (const Symbol& domain : domains) {
+      sizes.push_back(domain.recordCount());
+      handles.push_back(domain.handle_);
+      cells *= static_cast<std::size_t>(sizes.back());
+    }
+    if (cells != cube.size()) {
+      throw Error(
+          "ztbDenseArrayToSymbol",
+          std::to_string(cube.size()) + " cells given, the domains span " + std::to_string(cells));
+    }
+    detail::require(
+        c__ztbdensearraytosymbol(database_, handle_, handles.data(), cube.data(), sizes.data()),
+        database_, "ztbDenseArrayToSymbol");
+  }
+
   // The handles of the C interface.
   [[nodiscard]] void* handle() const noexcept { return handle_; }
   [[nodiscard]] ztbRec* database() const noexcept { return database_; }
@@ -202,6 +238,13 @@ class Symbol {
     if (count != keyCount()) [[unlikely]] {
       throw Error(operation, std::to_string(count) + " keys given, symbol " + name().str() +
                                  " has " + std::to_string(dimension_) + " positions");
+    }
+  }
+
+  // The library fills and reads arrays of whole numbers for a set.
+  void refuseSet(const char* operation) const {
+    if (type_ == Type::set) {
+      throw Error(operation, "Symbol " + name().str() + " is a set, which holds no numbers");
     }
   }
 

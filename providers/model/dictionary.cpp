@@ -39,10 +39,4 @@ void Dictionary::closeSearch(const void* search) {
   searches_.erase(found);
 }
 
-Dictionary::Place Dictionary::place(const std::vector<Entry>& entries, int number) const {
-  if (number < 0 || static_cast<std::size_t>(number) >= entries.size()) return {0, nullptr};
-  const Entry& entry = entries[static_cast<std::size_t>(number)];
-  return {entry.symbol, keys_.data() + entry.keys};
-}
-
 }  // namespace lomu

@@ -71,7 +71,11 @@ class Dictionary {
     int symbol;
     std::size_t keys;
   };
-  [[nodiscard]] Place place(const std::vector<Entry>& entries, int number) const;
+  [[nodiscard]] Place place(const std::vector<Entry>& entries, int number) const {
+    if (number < 0 || static_cast<std::size_t>(number) >= entries.size()) return {0, nullptr};
+    const Entry& entry = entries[static_cast<std::size_t>(number)];
+    return {entry.symbol, keys_.data() + entry.keys};
+  }
 
   std::vector<std::string> labels_;
   std::vector<DictionarySymbol> symbols_;

@@ -27,6 +27,7 @@ class DictionarySearch {
   const Dictionary* dictionary_ = nullptr;
   const DictionarySymbol* symbol_ = nullptr;
   std::array<int, kMaxDimension> keys_{};
+  bool matchesAll_ = false;
   std::size_t position_ = 0;
 };
 

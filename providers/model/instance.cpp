@@ -165,6 +165,7 @@ double Instance::rhs(int i) const {
 
 bool Instance::linearize(double* offset, bool update) {
   std::fill(offset, offset + rowCount(), 0.0);
+  if (products_.empty()) return true;
   if (update) linearized_ = matrix_.value;
   for (const Product& p : products_) {
     const double level1 = levelWithin(p.column1);
@@ -195,7 +196,9 @@ void Instance::restoreView(void* view) {
   views_.erase(found);
 }
 
-const SolverProblem& Instance::solverProblem() {
+// Without products the coefficients never change.
+void Instance::takeCoefficients() {
+  if (products_.empty() && problem_.coefficientsAsOf != 0) return;
   const std::vector<double>& values = forcedLinear_ ? linearized_ : matrix_.value;
   solverCost_.assign(columns_.size(), 0.0);
   for (std::size_t j = 0; j < columns_.size(); ++j) {
@@ -205,7 +208,11 @@ const SolverProblem& Instance::solverProblem() {
   }
   std::transform(solverEntryOf_.begin(), solverEntryOf_.end(), solverValue_.begin(),
                  [&](std::size_t e) { return values[e]; });
+  ++problem_.coefficientsAsOf;
+}
 
+const SolverProblem& Instance::solverProblem() {
+  takeCoefficients();
   const std::vector<double>& sides = alternativeRhs_ ? alternativeRhsOf_ : rhs_;
   solverRowLower_.resize(rows_.size() - 1);
   solverRowUpper_.resize(rows_.size() - 1);
@@ -242,63 +249,59 @@ void Instance::takeResult(const SolverResult& result) {
   iterations_ = result.iterations;
   if (!result.hasPoint) return;
 
-  for (int j = 0; j < columnCount(); ++j) {
-    SolutionRecord& record = columns_[at(j)];
-    record.level = result.level[at(j)];
-    record.status = static_cast<int>(result.position[at(j)]);
-    record.condition = outside(record.level, lowers()[at(j)], uppers()[at(j)]) ? 2 : 0;
-  }
-
   // Levels of rows and marginals of columns come from the model itself, products included, so that
   // every solver leaves the same for the same point.
-  for (SolutionRecord& record : rows_) record.level = 0;
-  for (std::size_t j = 0; j < columns_.size(); ++j) {
-    for (std::size_t e = matrix_.start[j]; e < matrix_.start[j + 1]; ++e) {
-      rows_[at(matrix_.rowOf[e])].level += matrix_.value[e] * columns_[j].level;
-    }
+  const double sign = maximize_ ? -1 : 1;
+  for (std::size_t i = 1; i < rows_.size(); ++i) {
+    rows_[i] = {0, sign * result.rowMarginal[i - 1], static_cast<int>(result.rowPosition[i - 1]),
+                0};
   }
-  for (const Product& p : products_) {
-    rows_[at(p.row)].level +=
-        p.value * columns_[at(p.column1)].level * columns_[at(p.column2)].level;
-  }
+  rows_[0] = {0, -1, static_cast<int>(Position::basic), 0};  // with this weight one sum serves all
+  takeColumns(result);
+  addProducts(result);
   rows_[0].level -= rhs_[0];
   rows_[0].marginal = 0;
-  rows_[0].status = static_cast<int>(Position::basic);
-  rows_[0].condition = 0;
-
-  takeMarginals(result);
   for (std::size_t i = 1; i < rows_.size(); ++i) {
-    SolutionRecord& record = rows_[i];
-    record.marginal = rowWeight_[i];
-    record.status = static_cast<int>(result.rowPosition[i - 1]);
     const double low = rowLower(rowTypes_[i], rhs_[i], range_[i]);
     const double high = rowUpper(rowTypes_[i], rhs_[i], range_[i]);
-    record.condition = outside(record.level, low, high) ? 2 : 0;
+    rows_[i].condition = outside(rows_[i].level, low, high) ? 2 : 0;
   }
 }
 
-// The marginal of a column is the gradient of the objective less the rows' gradients times their
-// marginals.
-void Instance::takeMarginals(const SolverResult& result) {
-  const double sign = maximize_ ? -1 : 1;
-  rowWeight_.resize(rows_.size());
-  for (std::size_t i = 1; i < rows_.size(); ++i) rowWeight_[i] = sign * result.rowMarginal[i - 1];
-  // With the objective counted as a row of weight -1, one sum serves.
-  rowWeight_[0] = -1;
+// The records of the columns, but for products, and what the columns add to the rows' levels. The
+// marginal of a column is the gradient of the objective less the rows' gradients times their
+// marginals; a basic column has none.
+void Instance::takeColumns(const SolverResult& result) {
+  const double* lower = lowers().data();
+  const double* upper = uppers().data();
   for (std::size_t j = 0; j < columns_.size(); ++j) {
-    double sum = 0;
+    const double level = result.level[j];
+    double marginal = 0;
     for (std::size_t e = matrix_.start[j]; e < matrix_.start[j + 1]; ++e) {
-      sum -= rowWeight_[at(matrix_.rowOf[e])] * matrix_.value[e];
+      const double value = matrix_.value[e];
+      SolutionRecord& row = rows_[at(matrix_.rowOf[e])];
+      row.level += value * level;
+      marginal -= row.marginal * value;
     }
-    columns_[j].marginal = sum;
+    const Position position = result.position[j];
+    columns_[j] = {level, position == Position::basic ? 0 : marginal, static_cast<int>(position),
+                   outside(level, lower[j], upper[j]) ? 2 : 0};
   }
+}
+
+void Instance::addProducts(const SolverResult& result) {
   for (const Product& p : products_) {
-    const double weight = rowWeight_[at(p.row)] * p.value;
-    columns_[at(p.column1)].marginal -= weight * columns_[at(p.column2)].level;
-    columns_[at(p.column2)].marginal -= weight * columns_[at(p.column1)].level;
-  }
-  for (std::size_t j = 0; j < columns_.size(); ++j) {
-    if (result.position[j] == Position::basic) columns_[j].marginal = 0;
+    SolutionRecord& row = rows_[at(p.row)];
+    SolutionRecord& column1 = columns_[at(p.column1)];
+    SolutionRecord& column2 = columns_[at(p.column2)];
+    row.level += p.value * column1.level * column2.level;
+    const double weight = row.marginal * p.value;
+    if (result.position[at(p.column1)] != Position::basic) {
+      column1.marginal -= weight * column2.level;
+    }
+    if (result.position[at(p.column2)] != Position::basic) {
+      column2.marginal -= weight * column1.level;
+    }
   }
 }
 

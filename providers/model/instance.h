@@ -105,7 +105,9 @@ class Instance {
   [[nodiscard]] const std::vector<double>& uppers() const;
   [[nodiscard]] bool standsStill(int j) const;
   [[nodiscard]] double levelWithin(int j) const;
-  void takeMarginals(const SolverResult& result);
+  void takeCoefficients();
+  void takeColumns(const SolverResult& result);
+  void addProducts(const SolverResult& result);
 
   bool maximize_;
   std::vector<SolutionRecord> columns_;
@@ -139,7 +141,6 @@ class Instance {
   std::vector<int> solverStart_, solverRowOf_;
   std::vector<std::size_t> solverEntryOf_;  // the entry of matrix_ behind each solver entry
   std::vector<SolverProduct> solverProducts_;
-  std::vector<double> rowWeight_;  // of takeMarginals
 };
 
 }  // namespace lomu

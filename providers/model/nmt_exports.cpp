@@ -53,7 +53,8 @@ int putPlace(void* nmt, Dictionary::Place place, int* symbol, int* keys, int* di
   *symbol = place.symbol;
   const DictionarySymbol* found = symbolOf(nmt, place.symbol);
   *dim = found == nullptr ? 0 : found->dimension;
-  std::copy(place.keys, place.keys + *dim, keys);
+  // A loop: most keys are short, and a call would cost more than the copy.
+  for (int d = 0; d < *dim; ++d) keys[d] = place.keys[d];
   return found == nullptr ? 0 : 1;
 }
 

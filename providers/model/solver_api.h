@@ -8,12 +8,13 @@
 #ifndef ZTB_PROVIDERS_MODEL_SOLVER_API_H_
 #define ZTB_PROVIDERS_MODEL_SOLVER_API_H_
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
 namespace lomu {
 
-inline constexpr int kSolverApiVersion = 1;
+inline constexpr int kSolverApiVersion = 2;
 
 inline constexpr int kObjectiveRow = -1;
 
@@ -41,6 +42,9 @@ struct SolverProblem {
   const std::vector<SolverProduct>* products = nullptr;
   const double* level = nullptr;  // where a solver that starts from a point may start
   bool hasIntegers = false;
+  // Cost, values and products are those of any other state of the problem with the same number; 0
+  // promises nothing.
+  std::uint64_t coefficientsAsOf = 0;
 };
 
 struct SolverLimits {

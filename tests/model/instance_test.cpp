@@ -107,6 +107,23 @@ TEST(Instance, GivesASolverAMinimizationWithoutTheObjectiveRow) {
   EXPECT_TRUE(problem.hasIntegers);
 }
 
+// Only products let coefficients change: with a factor's level, or where linearity is forced.
+TEST(Instance, TellsASolverWhenCoefficientsMayHaveChanged) {
+  Instance linear(smallModel());
+  const auto number = linear.solverProblem().coefficientsAsOf;
+  EXPECT_NE(number, 0U);
+  std::vector<double> offset(3);
+  ASSERT_TRUE(linear.linearize(offset.data(), true));
+  linear.forceLinear(true);
+  EXPECT_EQ(linear.solverProblem().coefficientsAsOf, number);
+  EXPECT_THAT(copied(linear.solverProblem().cost, 2), ElementsAre(-3, -2));
+  EXPECT_THAT(copied(linear.solverProblem().value, 4), ElementsAre(1, 1, 1, -1));
+
+  Instance withProducts(productModel());
+  const auto before = withProducts.solverProblem().coefficientsAsOf;
+  EXPECT_NE(withProducts.solverProblem().coefficientsAsOf, before);
+}
+
 TEST(Instance, ARangeMovesWithItsRightHandSide) {
   Instance instance(smallModel());
   instance.setAlternativeRhs(1, 10);

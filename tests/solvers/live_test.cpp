@@ -45,6 +45,43 @@ TEST_P(Live, equalsAFreshSolveThroughRandomChanges) {
   EXPECT_LT(liveIterations_, freshIterations_ / 3);
 }
 
+// The way of a database's updates: the solver is told that no coefficient changed.
+TEST_P(Live, equalsAFreshSolveThroughChangesOfBoundsAlone) {
+  int infeasible = 0;
+  for (unsigned seed = 1; seed <= 5; ++seed) {
+    RandomModel random(seed, 60, 40, 0.2);
+    random.model.coefficientsAsOf = seed;
+    const auto live = openSolver(GetParam());
+    std::string reason;
+    ASSERT_TRUE(live->load(random.model.problem(), reason)) << reason;
+    for (int k = 0; k < 200; ++k) {
+      random.changeBounds();
+      ASSERT_NO_FATAL_FAILURE(step(*live, random.model)) << "seed " << seed << " step " << k;
+      if (solveLive(*live, random.model).outcome == Outcome::infeasible) ++infeasible;
+    }
+  }
+  EXPECT_GT(infeasible, 50);
+  EXPECT_LT(infeasible, 500);
+  EXPECT_LT(liveIterations_, freshIterations_ / 2);
+}
+
+// Bounds, then cost, then the matrix, then bounds again, each told by its number.
+TEST_P(Live, takesCoefficientsOfAnotherNumber) {
+  RandomModel random(8, 30, 20, 0.3);
+  random.model.coefficientsAsOf = 1;
+  const auto live = openSolver(GetParam());
+  std::string reason;
+  ASSERT_TRUE(live->load(random.model.problem(), reason)) << reason;
+  for (int k = 0; k < 100; ++k) {
+    random.changeBounds();
+    if (k % 3 == 0) {
+      random.change();
+      ++random.model.coefficientsAsOf;
+    }
+    ASSERT_NO_FATAL_FAILURE(step(*live, random.model)) << "step " << k;
+  }
+}
+
 TEST_P(Live, recoversFromInfeasibleAndUnboundedSteps) {
   SmallModel model;
   model.column(1, 0, kInf);

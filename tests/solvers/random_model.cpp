@@ -55,6 +55,29 @@ void RandomModel::setRow(std::size_t i) {
   }
 }
 
+void RandomModel::changeBounds() {
+  const auto j = static_cast<std::size_t>(below(model.cost.size()));
+  const auto i = static_cast<std::size_t>(below(model.rows.size()));
+  switch (below(8)) {
+    case 0:
+      model.rowLower[i] = 40;
+      model.rowUpper[i] = kInf;
+      break;
+    case 1:
+      model.lower[j] = model.upper[j] = point_[j];
+      break;
+    case 2:
+    case 3:
+      model.lower[j] = point_[j] - between(0, 4);
+      model.upper[j] = point_[j] + between(0, 4);
+      break;
+    default:
+      for (std::size_t row = 0; row < model.rows.size(); ++row) {
+        if (model.rowLower[row] == 40 || row == i) setRow(row);
+      }
+  }
+}
+
 void RandomModel::change() {
   const auto j = static_cast<std::size_t>(below(model.cost.size()));
   const auto i = static_cast<std::size_t>(below(model.rows.size()));

@@ -18,6 +18,9 @@ class RandomModel {
   // Changes some bounds, right-hand sides, costs or coefficients; the shape stays.
   void change();
 
+  // Changes some bounds or right-hand sides alone; at times so that no point is left.
+  void changeBounds();
+
  private:
   double between(double low, double high);
   int below(std::size_t count);

@@ -78,6 +78,36 @@ TEST(Refusal, changesThatTheLoadedModelCannotTake) {
   }
 }
 
+// A factor that begins to move is seen though no coefficient changed, and so is a bound that is no
+// number.
+TEST(Refusal, changesOfBoundsThatTheLoadedModelCannotTake) {
+  for (const char* solver : {"clp", "glpk"}) {
+    SmallModel model;
+    model.column(1, 2, 2);
+    model.column(1, 0, 5);
+    model.row({1, 1}, 3, kInf);
+    model.coefficientsAsOf = 1;
+    for (const bool hasProducts : {false, true}) {
+      if (hasProducts) model.products = {{0, 0, 1, 1.0}};
+      const auto live = openSolver(solver);
+      std::string reason;
+      ASSERT_TRUE(live->load(model.problem(), reason)) << reason;
+      model.upper[0] = 3;
+      EXPECT_EQ(live->update(model.problem()), !hasProducts);
+      model.upper[0] = 2;
+      EXPECT_TRUE(live->update(model.problem()));
+      for (std::vector<double>* side :
+           {&model.lower, &model.upper, &model.rowLower, &model.rowUpper}) {
+        const double before = (*side)[0];
+        (*side)[0] = std::numeric_limits<double>::quiet_NaN();
+        EXPECT_FALSE(live->update(model.problem()));
+        (*side)[0] = before;
+        EXPECT_TRUE(live->update(model.problem()));
+      }
+    }
+  }
+}
+
 TEST(Refusal, cbcAndIpoptAreMadeAfresh) {
   for (const char* solver : {"cbc", "ipopt"}) {
     SmallModel model;

@@ -48,6 +48,7 @@ const lomu::SolverProblem& SmallModel::problem() {
   problem_.value = value_.data();
   problem_.products = &products;
   problem_.level = level.data();
+  problem_.coefficientsAsOf = coefficientsAsOf;
   problem_.hasIntegers = false;
   for (const char flag : isInteger) problem_.hasIntegers = problem_.hasIntegers || flag != 0;
   return problem_;

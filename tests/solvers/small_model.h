@@ -2,6 +2,7 @@
 #ifndef ZTB_TESTS_SOLVERS_SMALL_MODEL_H_
 #define ZTB_TESTS_SOLVERS_SMALL_MODEL_H_
 
+#include <cstdint>
 #include <limits>
 #include <memory>
 #include <string>
@@ -20,6 +21,7 @@ struct SmallModel {
   std::vector<std::vector<double>> rows;  // dense, a coefficient a column
   std::vector<lomu::SolverProduct> products;
   std::vector<double> level;
+  std::uint64_t coefficientsAsOf = 0;
 
   // Adds a column and returns its number.
   int column(double costOf, double lowerOf, double upperOf, bool integer = false);

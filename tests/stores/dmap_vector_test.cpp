@@ -193,7 +193,8 @@ TEST(VectorStore, aSortedLoadByHintOfTheLastRowNeverWarns) {
     for (int j = 1; j <= 20; ++j) {
       const Key key = {i, j};
       const double value = 1;
-      last = vector.store.insertHint(key.data(), &value, last);
+      vector.store.insertFollowing(key.data(), &value, last);
+      ASSERT_EQ(static_cast<int>(expected.size()), last.row());
       expected.push_back(key);
     }
   }

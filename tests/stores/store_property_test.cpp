@@ -29,7 +29,7 @@ namespace {
 
 using dmap::StorageKind;
 
-enum class Operation { append, insert, insertHint, insertOrAssign, erase, clear, count };
+enum class Operation { append, insert, insertHint, insertFollowing, insertOrAssign, erase, clear };
 
 struct Step {
   Operation operation = Operation::append;
@@ -50,11 +50,11 @@ rc::Gen<std::vector<Step>> stepsOver(int dim, int leastLabel) {
       rc::gen::container<Key>(static_cast<std::size_t>(dim), rc::gen::inRange(leastLabel, 7));
   return rc::gen::container<std::vector<Step>>(rc::gen::build<Step>(
       // A clear is rare: it ends what a sequence has built.
-      rc::gen::set(&Step::operation, rc::gen::map(rc::gen::inRange(0, 26),
+      rc::gen::set(&Step::operation, rc::gen::map(rc::gen::inRange(0, 31),
                                                   [](int number) {
-                                                    return number == 25
+                                                    return number == 30
                                                                ? Operation::clear
-                                                               : static_cast<Operation>(number % 5);
+                                                               : static_cast<Operation>(number % 6);
                                                   })),
       rc::gen::set(&Step::key, key), rc::gen::set(&Step::place, rc::gen::inRange(0, 1000))));
 }
@@ -92,6 +92,13 @@ void step(dmap::DMapVector& store, VectorModel& model, const Step& one, double v
     case Operation::insertHint:
       RC_ASSERT(rowOrNothing([&] {
                   return store.insertHint(key, &value, store.iteratorAt(place));
+                }) == model.insertHint(one.key, value, place));
+      break;
+    case Operation::insertFollowing:
+      RC_ASSERT(rowOrNothing([&] {
+                  dmap::VectorIterator hint = store.iteratorAt(place);
+                  store.insertFollowing(key, &value, hint);
+                  return hint;
                 }) == model.insertHint(one.key, value, place));
       break;
     case Operation::insertOrAssign:
@@ -155,6 +162,12 @@ void step(dmap::DMapGTree& store, TrieModel& model, const Step& one, double valu
       store.insertHint(key, &value, store.end());
       model.insert(one.key, value);
       break;
+    case Operation::insertFollowing: {
+      dmap::TreeIterator hint = store.end();
+      store.insertFollowing(key, &value, hint);
+      model.insert(one.key, value);
+      break;
+    }
     case Operation::insertOrAssign:
       RC_ASSERT(works([&] { store.insertOrAssign(store.end(), key, &value); }) ==
                 model.insertOrAssign(one.key, value));

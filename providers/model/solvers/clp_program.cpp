@@ -11,6 +11,14 @@ namespace lomu {
 
 namespace {
 
+// What Clp makes of its last solve, as it takes it: bits to leave arrays and factorization for the
+// next one, to begin with the factorization, and to begin with arrays whose data did not change.
+// They save a third of a solve of few iterations.
+constexpr int kNothing = 0;
+constexpr int kLeaveWork = 1;
+constexpr int kUseFactorization = kLeaveWork | 2;
+constexpr int kUseWork = kUseFactorization | 4;
+
 // Clp asks after every iteration whether it may go on.
 class StopHandler : public ClpEventHandler {
  public:
@@ -63,38 +71,60 @@ void ClpProgram::load(LinearForm form) {
   simplex_.loadProblem(packed(form_), form_.lower.data(), form_.upper.data(), form_.cost.data(),
                        form_.rowLower.data(), form_.rowUpper.data());
   method_ = Method::dual;
+  settled_ = false;
+}
+
+std::optional<bool> ClpProgram::takeBounds(const double* lower, const double* upper,
+                                           const double* rowLower, const double* rowUpper) {
+  bool changed = false;
+  for (int j = 0; j < form_.columnCount; ++j) {
+    const auto k = static_cast<std::size_t>(j);
+    if (lower[j] == form_.lower[k] && upper[j] == form_.upper[k]) continue;
+    if (std::isnan(lower[j]) || std::isnan(upper[j])) return std::nullopt;
+    form_.lower[k] = lower[j];
+    form_.upper[k] = upper[j];
+    simplex_.setColumnBounds(j, lower[j], upper[j]);
+    changed = true;
+  }
+  for (int i = 0; i < form_.rowCount; ++i) {
+    const auto k = static_cast<std::size_t>(i);
+    if (rowLower[i] == form_.rowLower[k] && rowUpper[i] == form_.rowUpper[k]) continue;
+    if (std::isnan(rowLower[i]) || std::isnan(rowUpper[i])) return std::nullopt;
+    form_.rowLower[k] = rowLower[i];
+    form_.rowUpper[k] = rowUpper[i];
+    simplex_.setRowBounds(i, rowLower[i], rowUpper[i]);
+    changed = true;
+  }
+  return changed;
+}
+
+bool ClpProgram::updateBounds(const SolverProblem& problem) {
+  method_ = Method::dual;
+  reuse_ = kUseWork;
+  return takeBounds(problem.lower, problem.upper, problem.rowLower, problem.rowUpper).has_value();
 }
 
 void ClpProgram::update(LinearForm& form) {
-  bool boundsChanged = false;
-  for (int j = 0; j < form.columnCount; ++j) {
-    const auto k = static_cast<std::size_t>(j);
-    if (form.lower[k] == form_.lower[k] && form.upper[k] == form_.upper[k]) continue;
-    simplex_.setColumnBounds(j, form.lower[k], form.upper[k]);
-    boundsChanged = true;
-  }
-  for (int i = 0; i < form.rowCount; ++i) {
-    const auto k = static_cast<std::size_t>(i);
-    if (form.rowLower[k] == form_.rowLower[k] && form.rowUpper[k] == form_.rowUpper[k]) continue;
-    simplex_.setRowBounds(i, form.rowLower[k], form.rowUpper[k]);
-    boundsChanged = true;
-  }
+  const bool boundsChanged =
+      takeBounds(form.lower.data(), form.upper.data(), form.rowLower.data(), form.rowUpper.data())
+          .value_or(true);
   const bool costChanged = form.cost != form_.cost;
   if (costChanged) simplex_.chgObjCoefficients(form.cost.data());
   const bool matrixChanged = form.value != form_.value;
   if (matrixChanged) simplex_.replaceMatrix(new ClpPackedMatrix(packed(form)), true);
+  reuse_ = matrixChanged ? kLeaveWork : kUseFactorization;
   method_ = costChanged && !boundsChanged && !matrixChanged ? Method::primal : Method::dual;
   std::swap(form_, form);
 }
 
-void ClpProgram::run(ClpSimplex& simplex, Method method, Watch& watch) {
+void ClpProgram::run(ClpSimplex& simplex, Method method, Watch& watch, int reuse) {
   const StopHandler handler(&watch);
   simplex.passInEventHandler(&handler);
   simplex.setMaximumIterations(watch.iterationsLeft(iterations_));
   if (method == Method::primal) {
-    simplex.primal();
+    simplex.primal(0, reuse);
   } else {
-    simplex.dual();
+    simplex.dual(0, reuse);
   }
   iterations_ += simplex.numberIterations();
   // The handler must not outlive the watch.
@@ -104,15 +134,17 @@ void ClpProgram::run(ClpSimplex& simplex, Method method, Watch& watch) {
 
 void ClpProgram::solve(Watch& watch, SolverResult& result) {
   iterations_ = 0;
-  run(simplex_, method_, watch);
+  run(simplex_, method_, watch, settled_ ? reuse_ : kLeaveWork);
   // 2 to 4: the solution of the scaled problem is none of the problem itself.
+  settled_ = simplex_.status() == 0;
   const bool badlyScaled =
-      simplex_.status() == 0 && simplex_.secondaryStatus() >= 2 && simplex_.secondaryStatus() <= 4;
+      settled_ && simplex_.secondaryStatus() >= 2 && simplex_.secondaryStatus() <= 4;
   if (badlyScaled || simplex_.status() == 4) {
     const int scaling = simplex_.scalingFlag();
     simplex_.scaling(0);
-    run(simplex_, Method::primal, watch);
+    run(simplex_, Method::primal, watch, kNothing);
     simplex_.scaling(scaling);
+    settled_ = false;
   }
 
   result.hasPoint = false;
@@ -135,7 +167,7 @@ void ClpProgram::decideUnsolvable(Watch& watch, SolverResult& result) {
   ClpSimplex feasibility(simplex_);
   const std::vector<double> noCost(form_.cost.size(), 0.0);
   feasibility.chgObjCoefficients(noCost.data());
-  run(feasibility, Method::primal, watch);
+  run(feasibility, Method::primal, watch, kNothing);
   if (feasibility.status() == 1) {
     result.outcome = Outcome::infeasible;
     return;
@@ -144,7 +176,7 @@ void ClpProgram::decideUnsolvable(Watch& watch, SolverResult& result) {
     for (int k = 0; k < form_.columnCount + form_.rowCount; ++k) {
       simplex_.setStatus(k, feasibility.getStatus(k));
     }
-    run(simplex_, Method::primal, watch);
+    run(simplex_, Method::primal, watch, kNothing);
     if (simplex_.status() == 0) {
       result.outcome = Outcome::optimal;
       result.hasPoint = true;

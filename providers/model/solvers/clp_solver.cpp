@@ -25,7 +25,18 @@ bool ClpSolver::load(const SolverProblem& problem, std::string& reason) {
   return true;
 }
 
+// Bounds decide what a product comes to.
+bool ClpSolver::onlyBoundsMayDiffer(const SolverProblem& problem) const {
+  const bool hasProducts = problem.products != nullptr && !problem.products->empty();
+  return problem.coefficientsAsOf != 0 && problem.coefficientsAsOf == problem_.coefficientsAsOf &&
+         !hasProducts && !problem.hasIntegers;
+}
+
 bool ClpSolver::update(const SolverProblem& problem) {
+  if (onlyBoundsMayDiffer(problem)) {
+    problem_ = problem;
+    return program_.updateBounds(problem);
+  }
   std::string reason;
   if (!next_.take(problem, reason) || !next_.sameShape(program_.form())) return false;
   program_.update(next_);

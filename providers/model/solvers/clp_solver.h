@@ -14,6 +14,8 @@ class ClpSolver : public Solver {
   void solve(const SolverLimits& limits, SolverResult& result) override;
 
  private:
+  [[nodiscard]] bool onlyBoundsMayDiffer(const SolverProblem& problem) const;
+
   SolverProblem problem_;
   LinearForm next_;  // what an update fills, kept so that updates allocate nothing
   ClpProgram program_;

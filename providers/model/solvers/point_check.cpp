@@ -15,36 +15,22 @@ bool outside(double value, double size, double lower, double upper) {
   return !(value >= lower - room && value <= upper + room);
 }
 
-// The rows' activities and the largest term in each.
-class Activities {
- public:
-  Activities(const SolverProblem& problem, const std::vector<double>& level)
-      : sum_(static_cast<std::size_t>(problem.rowCount)), largest_(sum_.size()) {
-    for (int j = 0; j < problem.columnCount; ++j) {
-      for (int e = problem.start[j]; e < problem.start[j + 1]; ++e) {
-        add(problem.rowOf[e], problem.value[e] * level[static_cast<std::size_t>(j)]);
-      }
-    }
-    if (problem.products == nullptr) return;
-    for (const SolverProduct& p : *problem.products) {
-      if (p.row == kObjectiveRow) continue;
-      add(p.row, p.value * level[static_cast<std::size_t>(p.column1)] *
-                     level[static_cast<std::size_t>(p.column2)]);
+// Calls `add` with row and amount of every term, products included.
+template <class Add>
+void forEachTerm(const SolverProblem& problem, const std::vector<double>& level, const Add& add) {
+  for (int j = 0; j < problem.columnCount; ++j) {
+    const double at = level[static_cast<std::size_t>(j)];
+    for (int e = problem.start[j]; e < problem.start[j + 1]; ++e) {
+      add(static_cast<std::size_t>(problem.rowOf[e]), problem.value[e] * at);
     }
   }
-
-  [[nodiscard]] double sum(std::size_t row) const { return sum_[row]; }
-  [[nodiscard]] double largest(std::size_t row) const { return largest_[row]; }
-
- private:
-  void add(int row, double term) {
-    const auto i = static_cast<std::size_t>(row);
-    sum_[i] += term;
-    largest_[i] = std::max(largest_[i], std::abs(term));
+  if (problem.products == nullptr) return;
+  for (const SolverProduct& p : *problem.products) {
+    if (p.row == kObjectiveRow) continue;
+    add(static_cast<std::size_t>(p.row), p.value * level[static_cast<std::size_t>(p.column1)] *
+                                             level[static_cast<std::size_t>(p.column2)]);
   }
-
-  std::vector<double> sum_, largest_;
-};
+}
 
 std::string outsideText(const char* what, std::size_t number, double value, double lower,
                         double upper) {
@@ -57,6 +43,8 @@ std::string outsideText(const char* what, std::size_t number, double value, doub
 std::string violation(const SolverProblem& problem, const std::vector<double>& level) {
   for (std::size_t j = 0; j < level.size(); ++j) {
     const double at = level[j];
+    const bool inside = at >= problem.lower[j] && at <= problem.upper[j] && std::isfinite(at);
+    if (inside && problem.isInteger[j] == 0) continue;
     if (!std::isfinite(at) || outside(at, std::abs(at), problem.lower[j], problem.upper[j])) {
       return outsideText("column", j, at, problem.lower[j], problem.upper[j]);
     }
@@ -64,10 +52,22 @@ std::string violation(const SolverProblem& problem, const std::vector<double>& l
       return "column " + std::to_string(j) + " at " + std::to_string(at) + " is no integer";
     }
   }
-  const Activities activities(problem, level);
-  for (std::size_t i = 0; i < static_cast<std::size_t>(problem.rowCount); ++i) {
-    const double at = activities.sum(i);
-    if (outside(at, activities.largest(i), problem.rowLower[i], problem.rowUpper[i])) {
+  const auto rows = static_cast<std::size_t>(problem.rowCount);
+  std::vector<double> activity(rows);
+  forEachTerm(problem, level, [&](std::size_t row, double term) { activity[row] += term; });
+  // The largest term of a row is looked for only where a row misses its bounds by more than what
+  // terms up to 1 allow.
+  std::vector<double> largest;
+  for (std::size_t i = 0; i < rows; ++i) {
+    const double at = activity[i];
+    if (!outside(at, 1, problem.rowLower[i], problem.rowUpper[i])) continue;
+    if (largest.empty()) {
+      largest.resize(rows);
+      forEachTerm(problem, level, [&](std::size_t row, double term) {
+        largest[row] = std::max(largest[row], std::abs(term));
+      });
+    }
+    if (outside(at, largest[i], problem.rowLower[i], problem.rowUpper[i])) {
       return outsideText("row", i, at, problem.rowLower[i], problem.rowUpper[i]);
     }
   }
