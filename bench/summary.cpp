@@ -22,7 +22,8 @@ bool SummaryReporter::ReportContext(const Context& context) {
   return true;
 }
 
-SummaryReporter::Figures& SummaryReporter::figuresOf(const std::string& benchmarkName) {
+SummaryReporter::Figures& SummaryReporter::figuresOf(const std::string& benchmarkName,
+                                                     std::int64_t place) {
   const std::size_t afterOperation = benchmarkName.find('/');
   const std::size_t afterContestant = benchmarkName.find('/', afterOperation + 1);
   const std::string operation = benchmarkName.substr(0, afterOperation);
@@ -37,7 +38,7 @@ SummaryReporter::Figures& SummaryReporter::figuresOf(const std::string& benchmar
   }
   auto figures = std::ranges::find(row->contestants, contestant, &Figures::contestant);
   if (figures == row->contestants.end()) {
-    figures = row->contestants.insert(figures, {.contestant = contestant});
+    figures = row->contestants.insert(figures, {.contestant = contestant, .place = place});
   }
   return *figures;
 }
@@ -51,7 +52,7 @@ void SummaryReporter::ReportRuns(const std::vector<Run>& runs) {
       throw std::runtime_error(run.benchmark_name() + ": " + run.error_message);
     }
     std::fprintf(stderr, "%s\n", run.benchmark_name().c_str());
-    Figures& figures = figuresOf(run.run_name.function_name);
+    Figures& figures = figuresOf(run.run_name.function_name, run.family_index);
     const double records = run.counters.at(recordsCounter);
     lower(figures.nanoseconds, run.GetAdjustedCPUTime() / records);
     if (run.run_name.time_type == "real_time") {
@@ -83,7 +84,15 @@ void SummaryReporter::printRow(const Row& row, const char* what, double Figures:
   std::printf("\n");
 }
 
+void SummaryReporter::sort() {
+  for (Row& row : rows_) {
+    std::ranges::sort(row.contestants, {}, &Figures::place);
+  }
+  std::ranges::sort(rows_, {}, [](const Row& row) { return row.contestants.front().place; });
+}
+
 void SummaryReporter::Finalize() {
+  sort();
   std::printf("%-24s %9s  %-13s %10s  %s\n", "operation", "records", "per record",
               reference_.c_str(), "each other: its figure, and its figure divided by that");
   for (const Row& row : rows_) {

@@ -1,11 +1,12 @@
 // Turns the measurements into one table: operation, records, the time of a record of the reference,
-// which is the contestant that stands first, each other's and its ratio to that; the same for
-// memory and file bytes of a record.
+// which is the contestant that was registered first, each other's and its ratio to that; the same
+// for memory and file bytes of a record.
 #ifndef ZTB_BENCH_SUMMARY_H_
 #define ZTB_BENCH_SUMMARY_H_
 
 #include <benchmark/benchmark.h>
 
+#include <cstdint>
 #include <map>
 #include <string>
 #include <utility>
@@ -27,6 +28,7 @@ class SummaryReporter final : public benchmark::BenchmarkReporter {
   // What was measured of one contestant, per record; a negative figure is none.
   struct Figures {
     std::string contestant;
+    std::int64_t place = 0;       // in the order of registration, in which benchmarks need not run
     double wallNanoseconds = -1;  // only of operations on files
     double nanoseconds = -1;      // of the processor
     double heapBytes = -1;
@@ -38,7 +40,8 @@ class SummaryReporter final : public benchmark::BenchmarkReporter {
     std::vector<Figures> contestants;
   };
 
-  Figures& figuresOf(const std::string& benchmarkName);
+  Figures& figuresOf(const std::string& benchmarkName, std::int64_t place);
+  void sort();
   void printRow(const Row& row, const char* what, double Figures::*figure);
 
   std::string reference_;

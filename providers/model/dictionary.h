@@ -48,9 +48,11 @@ class Dictionary {
   // The number of a symbol, from 1; 0 if there is none of this name.
   [[nodiscard]] int find(std::string_view name) const;
 
-  // Symbol number, from 1, and keys of a column or row; 0 and null for a number out of range.
+  // Symbol number, from 1, dimension and keys of a column or row; zeros and null for a number out
+  // of range.
   struct Place {
     int symbol;
+    int dimension;
     const int* keys;
   };
   [[nodiscard]] Place columnPlace(int column) const { return place(columns_, column); }
@@ -69,12 +71,13 @@ class Dictionary {
   // Of each row or column: its symbol, and where its keys begin in keys_.
   struct Entry {
     int symbol;
+    int dimension;
     std::size_t keys;
   };
   [[nodiscard]] Place place(const std::vector<Entry>& entries, int number) const {
-    if (number < 0 || static_cast<std::size_t>(number) >= entries.size()) return {0, nullptr};
+    if (number < 0 || static_cast<std::size_t>(number) >= entries.size()) return {0, 0, nullptr};
     const Entry& entry = entries[static_cast<std::size_t>(number)];
-    return {entry.symbol, keys_.data() + entry.keys};
+    return {entry.symbol, entry.dimension, keys_.data() + entry.keys};
   }
 
   std::vector<std::string> labels_;

@@ -79,7 +79,7 @@ Dictionary::Entry DictionaryBuilder::add(SymbolType type, const std::string& mod
   for (const std::string& label : name.labels) keys.push_back(labelNumber(label));
   const std::size_t first = dictionary_.keys_.size();
   dictionary_.keys_.insert(dictionary_.keys_.end(), keys.begin(), keys.end());
-  return {symbolFor(type, name, keys), first};
+  return {symbolFor(type, name, keys), static_cast<int>(keys.size()), first};
 }
 
 int DictionaryBuilder::labelNumber(const std::string& label) {

@@ -10,17 +10,10 @@ void DictionarySearch::begin(const Dictionary& dictionary, const DictionarySymbo
                              const int* keys) {
   dictionary_ = &dictionary;
   symbol_ = &symbol;
+  element_ = symbol.elements.data();
+  end_ = element_ + symbol.elements.size();
   const auto end = std::copy(keys, keys + symbol.dimension, keys_.begin());
   matchesAll_ = std::all_of(keys_.begin(), end, [](int key) { return key == 0; });
-  position_ = 0;
-}
-
-int DictionarySearch::next() {
-  while (position_ < symbol_->elements.size()) {
-    const int number = symbol_->elements[position_++];
-    if (matchesAll_ || matches(number)) return number;
-  }
-  return -1;
 }
 
 bool DictionarySearch::matches(int number) const {

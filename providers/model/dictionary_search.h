@@ -17,7 +17,13 @@ class DictionarySearch {
   void begin(const Dictionary& dictionary, const DictionarySymbol& symbol, const int* keys);
 
   // The row or column number of the next element, -1 behind the last. REQUIRES begin.
-  int next();
+  int next() {
+    while (element_ != end_) {
+      const int number = *element_++;
+      if (matchesAll_ || matches(number)) return number;
+    }
+    return -1;
+  }
 
  private:
   [[nodiscard]] bool matches(int number) const;
@@ -28,7 +34,8 @@ class DictionarySearch {
   const DictionarySymbol* symbol_ = nullptr;
   std::array<int, kMaxDimension> keys_{};
   bool matchesAll_ = false;
-  std::size_t position_ = 0;
+  const int* element_ = nullptr;  // the next one
+  const int* end_ = nullptr;
 };
 
 }  // namespace lomu

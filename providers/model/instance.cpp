@@ -35,6 +35,7 @@ double rowUpper(RowType type, double rhs, double range) {
 }
 
 bool outside(double value, double low, double high) {
+  if (value >= low && value <= high) return false;
   const double room = kFeasibilityTolerance * std::max(1.0, std::abs(value));
   return value < low - room || value > high + room;
 }
@@ -122,14 +123,6 @@ ModelType Instance::type() const {
   return hasIntegers_ ? ModelType::mixedIntegerQuadratic : ModelType::quadratic;
 }
 
-const std::vector<double>& Instance::lowers() const {
-  return alternativeBounds_ ? alternativeLower_ : lower_;
-}
-
-const std::vector<double>& Instance::uppers() const {
-  return alternativeBounds_ ? alternativeUpper_ : upper_;
-}
-
 bool Instance::standsStill(int j) const {
   return lowers()[at(j)] == uppers()[at(j)];
 }
@@ -139,28 +132,10 @@ double Instance::levelWithin(int j) const {
   return std::max(lowers()[at(j)], std::min(uppers()[at(j)], columns_[at(j)].level));
 }
 
-double Instance::outer(double value) const {
-  if (value == kInfinity) return plusInfinity_;
-  if (value == -kInfinity) return minusInfinity_;
-  return value;
-}
-
 double Instance::inner(double value) const {
   if (value >= plusInfinity_) return kInfinity;
   if (value <= minusInfinity_) return -kInfinity;
   return value;
-}
-
-double Instance::lower(int j) const {
-  return outer(lowers()[at(j)]);
-}
-
-double Instance::upper(int j) const {
-  return outer(uppers()[at(j)]);
-}
-
-double Instance::rhs(int i) const {
-  return outer(rhs_[at(i)]);
 }
 
 bool Instance::linearize(double* offset, bool update) {

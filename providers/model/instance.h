@@ -59,14 +59,14 @@ class Instance {
   // Records of columns and rows; REQUIRES hasColumn or hasRow for the functions below.
   SolutionRecord& column(int j) { return columns_[at(j)]; }
   SolutionRecord& row(int i) { return rows_[at(i)]; }
-  [[nodiscard]] double lower(int j) const;
-  [[nodiscard]] double upper(int j) const;
+  [[nodiscard]] double lower(int j) const { return outer(lowers()[at(j)]); }
+  [[nodiscard]] double upper(int j) const { return outer(uppers()[at(j)]); }
   void setAlternativeLower(int j, double value) { alternativeLower_[at(j)] = inner(value); }
   void setAlternativeUpper(int j, double value) { alternativeUpper_[at(j)] = inner(value); }
   [[nodiscard]] RowType rowType(int i) const { return rowTypes_[at(i)]; }
   // The row's own right-hand side, whatever the switch says: a caller that shifts it after a failed
   // solve shifts from the same place. The objective's is its constant with the sign turned.
-  [[nodiscard]] double rhs(int i) const;
+  [[nodiscard]] double rhs(int i) const { return outer(rhs_[at(i)]); }
   void setAlternativeRhs(int i, double value) { alternativeRhsOf_[at(i)] = inner(value); }
 
   // Evaluates the products at the present levels, taken into their bounds. `offset[i]` becomes what
@@ -99,10 +99,18 @@ class Instance {
   };
 
   static std::size_t at(int i) { return static_cast<std::size_t>(i); }
-  [[nodiscard]] double outer(double value) const;
+  [[nodiscard]] double outer(double value) const {
+    if (value == kInfinity) return plusInfinity_;
+    if (value == -kInfinity) return minusInfinity_;
+    return value;
+  }
   [[nodiscard]] double inner(double value) const;
-  [[nodiscard]] const std::vector<double>& lowers() const;
-  [[nodiscard]] const std::vector<double>& uppers() const;
+  [[nodiscard]] const std::vector<double>& lowers() const {
+    return alternativeBounds_ ? alternativeLower_ : lower_;
+  }
+  [[nodiscard]] const std::vector<double>& uppers() const {
+    return alternativeBounds_ ? alternativeUpper_ : upper_;
+  }
   [[nodiscard]] bool standsStill(int j) const;
   [[nodiscard]] double levelWithin(int j) const;
   void takeCoefficients();

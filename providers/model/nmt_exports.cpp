@@ -49,13 +49,12 @@ const DictionarySymbol* symbolOf(void* nmt, int i) {
   return &symbols[static_cast<std::size_t>(i) - 1];
 }
 
-int putPlace(void* nmt, Dictionary::Place place, int* symbol, int* keys, int* dim) {
+int putPlace(Dictionary::Place place, int* symbol, int* keys, int* dim) {
   *symbol = place.symbol;
-  const DictionarySymbol* found = symbolOf(nmt, place.symbol);
-  *dim = found == nullptr ? 0 : found->dimension;
+  *dim = place.dimension;
   // A loop: most keys are short, and a call would cost more than the copy.
-  for (int d = 0; d < *dim; ++d) keys[d] = place.keys[d];
-  return found == nullptr ? 0 : 1;
+  for (int d = 0; d < place.dimension; ++d) keys[d] = place.keys[d];
+  return place.symbol == 0 ? 0 : 1;
 }
 
 }  // namespace
@@ -152,9 +151,9 @@ NMT_EXPORT void nmtFindClose(void* nmt, void* search) {
 }
 
 NMT_EXPORT int nmtRowUels(void* nmt, int rc, int* symbol, int* keys, int* dim) {
-  return putPlace(nmt, dictionary(nmt).rowPlace(rc), symbol, keys, dim);
+  return putPlace(dictionary(nmt).rowPlace(rc), symbol, keys, dim);
 }
 
 NMT_EXPORT int nmtColUels(void* nmt, int rc, int* symbol, int* keys, int* dim) {
-  return putPlace(nmt, dictionary(nmt).columnPlace(rc), symbol, keys, dim);
+  return putPlace(dictionary(nmt).columnPlace(rc), symbol, keys, dim);
 }
