@@ -33,14 +33,15 @@ class StopHandler : public ClpEventHandler {
   Watch* watch_;
 };
 
-// Clp drops tiny elements and does not like stored zeros, so they are left out.
-CoinPackedMatrix packed(const LinearForm& form) {
+// The columns of `part`. Clp drops tiny elements and does not like stored zeros, so they are left
+// out.
+CoinPackedMatrix packed(const LinearForm& form, const MovingPart& part) {
   std::vector<int> start{0};
   std::vector<int> rowOf;
   std::vector<double> value;
   rowOf.reserve(form.rowOf.size());
   value.reserve(form.value.size());
-  for (int j = 0; j < form.columnCount; ++j) {
+  for (const int j : part.columns()) {
     const auto column = static_cast<std::size_t>(j);
     for (int e = form.start[column]; e < form.start[column + 1]; ++e) {
       const auto entry = static_cast<std::size_t>(e);
@@ -50,8 +51,21 @@ CoinPackedMatrix packed(const LinearForm& form) {
     }
     start.push_back(static_cast<int>(rowOf.size()));
   }
-  return {true,         form.rowCount, form.columnCount, static_cast<int>(rowOf.size()),
-          value.data(), rowOf.data(),  start.data(),     nullptr};
+  const auto columns = static_cast<int>(part.columns().size());
+  const auto entries = static_cast<int>(rowOf.size());
+  return {true, form.rowCount, columns, entries, value.data(), rowOf.data(), start.data(), nullptr};
+}
+
+std::vector<double> ofPart(const std::vector<double>& values, const MovingPart& part) {
+  std::vector<double> result;
+  result.reserve(part.columns().size());
+  for (const int j : part.columns()) result.push_back(values[static_cast<std::size_t>(j)]);
+  return result;
+}
+
+ClpSimplex::Status atABound(double lower, double upper) {
+  if (std::isfinite(lower)) return ClpSimplex::atLowerBound;
+  return std::isfinite(upper) ? ClpSimplex::atUpperBound : ClpSimplex::isFree;
 }
 
 Position positionOf(ClpSimplex::Status status, double level, double lower, double upper) {
@@ -66,25 +80,71 @@ Position positionOf(ClpSimplex::Status status, double level, double lower, doubl
 
 void ClpProgram::load(LinearForm form) {
   form_ = std::move(form);
+  part_.choose(form_);
+  handOver();
+  method_ = Method::dual;
+}
+
+void ClpProgram::handOver() {
+  part_.shiftRows(form_);
   simplex_ = ClpSimplex();
   simplex_.setLogLevel(0);
-  simplex_.loadProblem(packed(form_), form_.lower.data(), form_.upper.data(), form_.cost.data(),
-                       form_.rowLower.data(), form_.rowUpper.data());
-  method_ = Method::dual;
+  simplex_.loadProblem(packed(form_, part_), ofPart(form_.lower, part_).data(),
+                       ofPart(form_.upper, part_).data(), ofPart(form_.cost, part_).data(),
+                       part_.rowLower().data(), part_.rowUpper().data());
   settled_ = false;
+}
+
+// A column that was left out begins to move. The basis is kept; such a column is not in it.
+void ClpProgram::takeColumnsIn() {
+  std::vector<ClpSimplex::Status> status;
+  for (int j = 0; j < form_.columnCount; ++j) {
+    const auto k = static_cast<std::size_t>(j);
+    status.push_back(part_.place(j) == MovingPart::leftOut
+                         ? atABound(form_.lower[k], form_.upper[k])
+                         : simplex_.getColumnStatus(part_.place(j)));
+  }
+  std::vector<ClpSimplex::Status> rowStatus;
+  for (int i = 0; i < form_.rowCount; ++i) rowStatus.push_back(simplex_.getRowStatus(i));
+  part_.takeIn(form_);
+  handOver();
+  for (const int j : part_.columns()) {
+    simplex_.setColumnStatus(part_.place(j), status[static_cast<std::size_t>(j)]);
+  }
+  for (int i = 0; i < form_.rowCount; ++i) {
+    simplex_.setRowStatus(i, rowStatus[static_cast<std::size_t>(i)]);
+  }
+}
+
+void ClpProgram::setRows() {
+  part_.shiftRows(form_);
+  for (int i = 0; i < form_.rowCount; ++i) {
+    // Clp keeps the largest number for an infinite bound.
+    const double lower = std::max(part_.rowLower()[static_cast<std::size_t>(i)], -COIN_DBL_MAX);
+    const double upper = std::min(part_.rowUpper()[static_cast<std::size_t>(i)], COIN_DBL_MAX);
+    if (lower == simplex_.rowLower()[i] && upper == simplex_.rowUpper()[i]) continue;
+    simplex_.setRowBounds(i, lower, upper);
+  }
 }
 
 std::optional<bool> ClpProgram::takeBounds(const double* lower, const double* upper,
                                            const double* rowLower, const double* rowUpper) {
-  bool changed = false;
+  bool columnsChanged = false;
+  bool rowsChanged = false;
+  bool moreMove = false;
   for (int j = 0; j < form_.columnCount; ++j) {
     const auto k = static_cast<std::size_t>(j);
     if (lower[j] == form_.lower[k] && upper[j] == form_.upper[k]) continue;
     if (std::isnan(lower[j]) || std::isnan(upper[j])) return std::nullopt;
     form_.lower[k] = lower[j];
     form_.upper[k] = upper[j];
-    simplex_.setColumnBounds(j, lower[j], upper[j]);
-    changed = true;
+    columnsChanged = true;
+    if (part_.place(j) == MovingPart::leftOut) {
+      rowsChanged = true;
+      moreMove = moreMove || !MovingPart::standsStill(lower[j], upper[j]);
+    } else {
+      simplex_.setColumnBounds(part_.place(j), lower[j], upper[j]);
+    }
   }
   for (int i = 0; i < form_.rowCount; ++i) {
     const auto k = static_cast<std::size_t>(i);
@@ -92,10 +152,14 @@ std::optional<bool> ClpProgram::takeBounds(const double* lower, const double* up
     if (std::isnan(rowLower[i]) || std::isnan(rowUpper[i])) return std::nullopt;
     form_.rowLower[k] = rowLower[i];
     form_.rowUpper[k] = rowUpper[i];
-    simplex_.setRowBounds(i, rowLower[i], rowUpper[i]);
-    changed = true;
+    rowsChanged = true;
   }
-  return changed;
+  if (moreMove) {
+    takeColumnsIn();
+  } else if (rowsChanged) {
+    setRows();
+  }
+  return columnsChanged || rowsChanged;
 }
 
 bool ClpProgram::updateBounds(const SolverProblem& problem) {
@@ -109,12 +173,13 @@ void ClpProgram::update(LinearForm& form) {
       takeBounds(form.lower.data(), form.upper.data(), form.rowLower.data(), form.rowUpper.data())
           .value_or(true);
   const bool costChanged = form.cost != form_.cost;
-  if (costChanged) simplex_.chgObjCoefficients(form.cost.data());
+  if (costChanged) simplex_.chgObjCoefficients(ofPart(form.cost, part_).data());
   const bool matrixChanged = form.value != form_.value;
-  if (matrixChanged) simplex_.replaceMatrix(new ClpPackedMatrix(packed(form)), true);
+  if (matrixChanged) simplex_.replaceMatrix(new ClpPackedMatrix(packed(form, part_)), true);
   reuse_ = matrixChanged ? kLeaveWork : kUseFactorization;
   method_ = costChanged && !boundsChanged && !matrixChanged ? Method::primal : Method::dual;
   std::swap(form_, form);
+  if (matrixChanged) setRows();
 }
 
 void ClpProgram::run(ClpSimplex& simplex, Method method, Watch& watch, int reuse) {
@@ -165,7 +230,7 @@ void ClpProgram::solve(Watch& watch, SolverResult& result) {
 // unboundedness cannot come in between.
 void ClpProgram::decideUnsolvable(Watch& watch, SolverResult& result) {
   ClpSimplex feasibility(simplex_);
-  const std::vector<double> noCost(form_.cost.size(), 0.0);
+  const std::vector<double> noCost(part_.columns().size(), 0.0);
   feasibility.chgObjCoefficients(noCost.data());
   run(feasibility, Method::primal, watch, kNothing);
   if (feasibility.status() == 1) {
@@ -173,7 +238,7 @@ void ClpProgram::decideUnsolvable(Watch& watch, SolverResult& result) {
     return;
   }
   if (feasibility.status() == 0) {
-    for (int k = 0; k < form_.columnCount + form_.rowCount; ++k) {
+    for (int k = 0; k < simplex_.numberColumns() + form_.rowCount; ++k) {
       simplex_.setStatus(k, feasibility.getStatus(k));
     }
     run(simplex_, Method::primal, watch, kNothing);
@@ -200,16 +265,23 @@ void ClpProgram::leavePoint(SolverResult& result) const {
   const double* levels = simplex_.primalColumnSolution();
   for (int j = 0; j < form_.columnCount; ++j) {
     const auto k = static_cast<std::size_t>(j);
-    result.level[k] = std::max(form_.lower[k], std::min(form_.upper[k], levels[j]));
+    const int place = part_.place(j);
+    if (place == MovingPart::leftOut) {
+      result.level[k] = form_.lower[k];
+      result.position[k] = Position::atLower;
+      continue;
+    }
+    const double level = levels[place];
+    result.level[k] = std::max(form_.lower[k], std::min(form_.upper[k], level));
     result.position[k] =
-        positionOf(simplex_.getColumnStatus(j), levels[j], form_.lower[k], form_.upper[k]);
+        positionOf(simplex_.getColumnStatus(place), level, form_.lower[k], form_.upper[k]);
   }
   const double* activities = simplex_.primalRowSolution();
   const double* duals = simplex_.dualRowSolution();
   for (int i = 0; i < form_.rowCount; ++i) {
     const auto k = static_cast<std::size_t>(i);
-    result.rowPosition[k] =
-        positionOf(simplex_.getRowStatus(i), activities[i], form_.rowLower[k], form_.rowUpper[k]);
+    result.rowPosition[k] = positionOf(simplex_.getRowStatus(i), activities[i], part_.rowLower()[k],
+                                       part_.rowUpper()[k]);
     result.rowMarginal[k] = result.rowPosition[k] == Position::basic ? 0 : duals[i];
   }
 }

@@ -7,6 +7,7 @@
 #include <optional>
 
 #include "providers/model/solvers/linear_form.h"
+#include "providers/model/solvers/moving_part.h"
 #include "providers/model/solvers/watch.h"
 
 namespace lomu {
@@ -28,6 +29,9 @@ class ClpProgram {
  private:
   enum class Method { dual, primal };
 
+  void handOver();
+  void takeColumnsIn();
+  void setRows();
   // Whether any bound is another; nothing when one is not a number.
   std::optional<bool> takeBounds(const double* lower, const double* upper, const double* rowLower,
                                  const double* rowUpper);
@@ -39,6 +43,7 @@ class ClpProgram {
 
   ClpSimplex simplex_;
   LinearForm form_;
+  MovingPart part_;  // what Clp sees of it
   Method method_ = Method::dual;
   int reuse_ = 0;          // what the last update left of the solve before it
   bool settled_ = false;   // the last solve ended at an optimum at once

@@ -1,0 +1,67 @@
+#include "providers/model/solvers/moving_part.h"
+
+#include <algorithm>
+
+namespace lomu {
+
+namespace {
+
+constexpr int kTaken = 0;
+
+bool hasEntry(const LinearForm& form, std::size_t column) {
+  const auto begin = form.value.begin() + form.start[column];
+  const auto end = form.value.begin() + form.start[column + 1];
+  return std::any_of(begin, end, [](double value) { return value != 0; });
+}
+
+}  // namespace
+
+void MovingPart::choose(const LinearForm& form) {
+  places_.assign(form.lower.size(), kTaken);
+  bool anythingRemains = false;
+  for (std::size_t j = 0; j < places_.size(); ++j) {
+    if (standsStill(form.lower[j], form.upper[j])) {
+      places_[j] = leftOut;
+    } else {
+      anythingRemains = anythingRemains || hasEntry(form, j);
+    }
+  }
+  if (!anythingRemains) places_.assign(places_.size(), kTaken);
+  number();
+}
+
+void MovingPart::takeIn(const LinearForm& form) {
+  for (std::size_t j = 0; j < places_.size(); ++j) {
+    if (!standsStill(form.lower[j], form.upper[j])) places_[j] = kTaken;
+  }
+  number();
+}
+
+void MovingPart::number() {
+  columns_.clear();
+  for (std::size_t j = 0; j < places_.size(); ++j) {
+    if (places_[j] == leftOut) continue;
+    places_[j] = static_cast<int>(columns_.size());
+    columns_.push_back(static_cast<int>(j));
+  }
+}
+
+void MovingPart::shiftRows(const LinearForm& form) {
+  rowLower_ = form.rowLower;
+  rowUpper_ = form.rowUpper;
+  if (columns_.size() == places_.size()) return;
+  shift_.assign(rowLower_.size(), 0.0);
+  for (std::size_t j = 0; j < places_.size(); ++j) {
+    if (places_[j] != leftOut) continue;
+    for (int e = form.start[j]; e < form.start[j + 1]; ++e) {
+      const auto entry = static_cast<std::size_t>(e);
+      shift_[static_cast<std::size_t>(form.rowOf[entry])] += form.value[entry] * form.lower[j];
+    }
+  }
+  for (std::size_t i = 0; i < shift_.size(); ++i) {
+    rowLower_[i] -= shift_[i];
+    rowUpper_[i] -= shift_[i];
+  }
+}
+
+}  // namespace lomu
