@@ -1,5 +1,6 @@
 #include "providers/model/solvers/clp_program.h"
 
+#include <ClpDualRowSteepest.hpp>
 #include <ClpEventHandler.hpp>
 #include <ClpPackedMatrix.hpp>
 #include <CoinPackedMatrix.hpp>
@@ -18,6 +19,10 @@ constexpr int kNothing = 0;
 constexpr int kLeaveWork = 1;
 constexpr int kUseFactorization = kLeaveWork | 2;
 constexpr int kUseWork = kUseFactorization | 4;
+
+// From so many iterations on, the weights that Clp's choice of rows has gathered serve the next
+// solve worse than new ones.
+constexpr double kWeightsWearOut = 100;
 
 // Clp asks after every iteration whether it may go on.
 class StopHandler : public ClpEventHandler {
@@ -198,6 +203,10 @@ void ClpProgram::run(ClpSimplex& simplex, Method method, Watch& watch, int reuse
 }
 
 void ClpProgram::solve(Watch& watch, SolverResult& result) {
+  if (iterations_ >= kWeightsWearOut) {
+    ClpDualRowSteepest unweighted;
+    simplex_.setDualRowPivotAlgorithm(unweighted);
+  }
   iterations_ = 0;
   run(simplex_, method_, watch, settled_ ? reuse_ : kLeaveWork);
   // 2 to 4: the solution of the scaled problem is none of the problem itself.
