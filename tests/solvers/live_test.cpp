@@ -1,4 +1,5 @@
 // A solver that lives from solve to solve against one made afresh for each.
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -80,6 +81,83 @@ TEST_P(Live, takesCoefficientsOfAnotherNumber) {
     }
     ASSERT_NO_FATAL_FAILURE(step(*live, random.model)) << "step " << k;
   }
+}
+
+TEST_P(Live, equalsAFreshSolveWhereColumnsThatStoodStillMove) {
+  for (unsigned seed = 1; seed <= 4; ++seed) {
+    RandomModel random(seed, 60, 25, 0.3);
+    random.standStill();
+    random.model.coefficientsAsOf = seed % 2;  // 0 promises nothing
+    const auto live = openSolver(GetParam());
+    std::string reason;
+    ASSERT_TRUE(live->load(random.model.problem(), reason)) << reason;
+    for (int k = 0; k < 150; ++k) {
+      random.moveOneThatStood();
+      if (random.model.coefficientsAsOf == 0 && k % 5 == 0) random.change();
+      ASSERT_NO_FATAL_FAILURE(step(*live, random.model)) << "seed " << seed << " step " << k;
+    }
+  }
+  EXPECT_LT(liveIterations_, freshIterations_ / 3);
+}
+
+// min x + 2 y, 3 x + 4 y + 5 z >= 60, x from 0 to 10, with y and z at 1: x is 17 at least.
+TEST_P(Live, columnsThatStandStillAddToTheirRows) {
+  SmallModel model;
+  model.column(1, 0, 10);
+  model.column(2, 1, 1);
+  model.column(0, 1, 1);
+  model.row({3, 4, 5}, 60, kInf);
+  model.coefficientsAsOf = 1;
+  const auto live = openSolver(GetParam());
+  std::string reason;
+  ASSERT_TRUE(live->load(model.problem(), reason)) << reason;
+  EXPECT_EQ(solveLive(*live, model).outcome, Outcome::infeasible);
+
+  const auto solved = [&] {
+    EXPECT_TRUE(live->update(model.problem()));
+    return solveLive(*live, model);
+  };
+  model.lower[2] = model.upper[2] = 7;  // 3 x >= 21
+  SolverResult result = solved();
+  ASSERT_EQ(result.outcome, Outcome::optimal);
+  EXPECT_NEAR(result.level[0], 7, 1e-9);
+  EXPECT_EQ(result.level[2], 7);
+  EXPECT_NEAR(result.rowMarginal[0], 1.0 / 3, 1e-9);
+  EXPECT_EQ(result.rowPosition[0], lomu::Position::atLower);
+  EXPECT_EQ(result.position[2], lomu::Position::atLower);
+
+  model.upper[1] = kInf;   // y, at 2 for 4, is dearer than x, at 1 for 3
+  model.rowLower[0] = 81;  // 3 x + 4 y >= 46: x at 10, y at 4
+  result = solved();
+  ASSERT_EQ(result.outcome, Outcome::optimal);
+  EXPECT_NEAR(result.level[0], 10, 1e-9);
+  EXPECT_NEAR(result.level[1], 4, 1e-9);
+  EXPECT_NEAR(result.rowMarginal[0], 0.5, 1e-9);
+
+  model.lower[2] = model.upper[2] = kInf;
+  EXPECT_EQ(solved().outcome, Outcome::infeasible);
+  model.lower[2] = model.upper[2] = 2;  // 3 x + 4 y >= 71
+  result = solved();
+  ASSERT_EQ(result.outcome, Outcome::optimal);
+  EXPECT_NEAR(result.level[1], 10.25, 1e-9);
+}
+
+TEST_P(Live, theFirstColumnThatMoves) {
+  SmallModel model;
+  model.column(1, 3, 3);
+  model.column(1, 2, 2);
+  model.row({1, 1}, 4, kInf);
+  const auto live = openSolver(GetParam());
+  std::string reason;
+  ASSERT_TRUE(live->load(model.problem(), reason)) << reason;
+  SolverResult result = solveLive(*live, model);
+  ASSERT_EQ(result.outcome, Outcome::optimal);
+  EXPECT_THAT(result.level, testing::ElementsAre(3, 2));
+  model.lower[0] = 0;
+  ASSERT_TRUE(live->update(model.problem()));
+  result = solveLive(*live, model);
+  ASSERT_EQ(result.outcome, Outcome::optimal);
+  EXPECT_THAT(result.level, testing::ElementsAre(2, 2));
 }
 
 TEST_P(Live, recoversFromInfeasibleAndUnboundedSteps) {

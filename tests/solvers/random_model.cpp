@@ -55,6 +55,19 @@ void RandomModel::setRow(std::size_t i) {
   }
 }
 
+void RandomModel::standStill() {
+  for (std::size_t j = 0; j < model.cost.size(); j += 3) {
+    model.lower[j] = model.upper[j] = point_[j];
+  }
+}
+
+void RandomModel::moveOneThatStood() {
+  const auto j = static_cast<std::size_t>(below((model.cost.size() + 2) / 3)) * 3;
+  model.lower[j] = model.upper[j] = point_[j] + between(-0.1, 0.1);
+  if (below(3) == 0) model.upper[j] += 2;
+  if (below(6) == 0) model.lower[j] = -kInf;
+}
+
 void RandomModel::changeBounds() {
   const auto j = static_cast<std::size_t>(below(model.cost.size()));
   const auto i = static_cast<std::size_t>(below(model.rows.size()));

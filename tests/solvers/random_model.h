@@ -18,6 +18,11 @@ class RandomModel {
   // Changes some bounds, right-hand sides, costs or coefficients; the shape stays.
   void change();
 
+  // Columns that stand still, one in three of all, and a move of one of them: to another place, or
+  // off and on again.
+  void standStill();
+  void moveOneThatStood();
+
   // Changes some bounds or right-hand sides alone; at times so that no point is left.
   void changeBounds();
 
