@@ -100,6 +100,38 @@ TEST_P(Live, equalsAFreshSolveWhereColumnsThatStoodStillMove) {
   EXPECT_LT(liveIterations_, freshIterations_ / 3);
 }
 
+TEST_P(Live, keepsItsBasisWhenAColumnBeginsToMove) {
+  RandomModel random(5, 60, 40, 0.3);
+  random.standStill();
+  random.model.coefficientsAsOf = 1;
+  const auto live = openSolver(GetParam());
+  std::string reason;
+  ASSERT_TRUE(live->load(random.model.problem(), reason)) << reason;
+  ASSERT_EQ(solveLive(*live, random.model).outcome, Outcome::optimal);
+  for (std::size_t j = 0; j < 60; j += 3) {
+    random.model.upper[j] += 0.01;
+    ASSERT_NO_FATAL_FAILURE(step(*live, random.model)) << "column " << j;
+  }
+  EXPECT_LT(liveIterations_, freshIterations_ / 5);
+}
+
+// A parameter's change after one of costs goes the way of the dual simplex again.
+TEST_P(Live, chooseTheirMethodForEachChange) {
+  RandomModel random(9, 60, 40, 0.3);
+  const auto live = openSolver(GetParam());
+  std::string reason;
+  ASSERT_TRUE(live->load(random.model.problem(), reason)) << reason;
+  ASSERT_EQ(solveLive(*live, random.model).outcome, Outcome::optimal);
+  for (std::size_t k = 0; k < 40; ++k) {
+    random.model.coefficientsAsOf = 2 * k + 1;
+    random.model.cost[k] *= 1.1;
+    ASSERT_NO_FATAL_FAILURE(step(*live, random.model)) << "cost " << k;
+    random.model.upper[k] -= 0.01;
+    ASSERT_NO_FATAL_FAILURE(step(*live, random.model)) << "bound " << k;
+  }
+  EXPECT_LT(liveIterations_, freshIterations_ / 10);
+}
+
 // min x + 2 y, 3 x + 4 y + 5 z >= 60, x from 0 to 10, with y and z at 1: x is 17 at least.
 TEST_P(Live, columnsThatStandStillAddToTheirRows) {
   SmallModel model;
