@@ -115,8 +115,7 @@ TEST_P(Live, keepsItsBasisWhenAColumnBeginsToMove) {
   EXPECT_LT(liveIterations_, freshIterations_ / 5);
 }
 
-// A parameter's change after one of costs goes the way of the dual simplex again.
-TEST_P(Live, chooseTheirMethodForEachChange) {
+TEST_P(Live, needsFewIterationsForSmallChangesOfCostsAndBounds) {
   RandomModel random(9, 60, 40, 0.3);
   const auto live = openSolver(GetParam());
   std::string reason;
