@@ -10,11 +10,17 @@
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   try {
     const auto model = lomu::readLp("f", {reinterpret_cast<const char*>(data), size});
+    const auto require = [](int number, const auto& all) {
+      if (number < 0 || static_cast<std::size_t>(number) >= all.size()) std::abort();
+    };
     for (const auto& term : model.terms) {
-      if (term.row < 0 || static_cast<std::size_t>(term.row) >= model.rows.size()) std::abort();
-      if (term.column < 0 || static_cast<std::size_t>(term.column) >= model.columns.size()) {
-        std::abort();
-      }
+      require(term.row, model.rows);
+      require(term.column, model.columns);
+    }
+    for (const auto& product : model.products) {
+      require(product.row, model.rows);
+      require(product.column1, model.columns);
+      require(product.column2, model.columns);
     }
   } catch (const lomu::ModelError& error) {
     if (!std::string_view(error.what()).starts_with("f:")) std::abort();
