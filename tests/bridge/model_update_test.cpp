@@ -1,4 +1,5 @@
-// Which calls of the model an update takes, for every action and update type.
+// Which calls of the model an update takes: the walk, and every action and update type for a
+// variable.
 #include "tests/bridge/bridge_fixture.h"
 
 namespace ztbtest {
@@ -245,95 +246,6 @@ pbiGetVarLOne 0
 pbiGetVarStatOne 0
 pbiGetVarCStatOne 0
 pbiSetSolutionVarRec 0 5 2 1 2)"}});
-}
-
-// Row 1 has the record, row 2 has none.
-TEST_F(ModelUpdate, writesLevelsAndMarginalsOfRows) {
-  expectCalls("iron", {{"need", 4, 0, "pbiSetEquLOne 1 2\npbiSetEquLOne 2 0"},
-                       {"need", 4, 1, "pbiSetEquLOne 1 2\npbiSetEquLOne 2 11"},
-                       {"need", 4, 2, "pbiSetEquLOne 1 2"},
-                       {"need", 5, 0, R"(
-pbiGetEquLOne 1
-pbiGetEquStatOne 1
-pbiGetEquCStatOne 1
-pbiSetSolutionEquRec 1 10 2 5 6
-pbiGetEquLOne 2
-pbiGetEquStatOne 2
-pbiGetEquCStatOne 2
-pbiSetSolutionEquRec 2 11 0 7 8)"},
-                       {"need", 5, 1, R"(
-pbiGetEquLOne 1
-pbiGetEquStatOne 1
-pbiGetEquCStatOne 1
-pbiSetSolutionEquRec 1 10 2 5 6
-pbiGetEquLOne 2
-pbiGetEquStatOne 2
-pbiGetEquCStatOne 2
-pbiSetSolutionEquRec 2 11 0.2 7 8)"},
-                       {"need", 5, 2, R"(
-pbiGetEquLOne 1
-pbiGetEquStatOne 1
-pbiGetEquCStatOne 1
-pbiSetSolutionEquRec 1 10 2 5 6)"}});
-}
-
-TEST_F(ModelUpdate, writesBoundsOfColumnsByTheRowNumbersOfAnEquation) {
-  expectCalls("iron", {{"need", 0, 1, R"(
-pbiSetVarLOne 1 2
-pbiSetAltVarLowerOne 1 2
-pbiSetAltVarUpperOne 1 2
-pbiSetVarLOne 2 0.25
-pbiSetAltVarLowerOne 2 0.25
-pbiSetAltVarUpperOne 2 0.25)"},
-                       {"need", 1, 0, R"(
-pbiSetAltVarUpperOne 1 2
-pbiGetVarLOne 1
-pbiSetVarLOne 1 2
-pbiSetAltVarUpperOne 2 0
-pbiGetVarLOne 2
-pbiSetVarLOne 2 0)"},
-                       {"need", 2, 1, R"(
-pbiSetAltVarLowerOne 1 2
-pbiGetVarLOne 1
-pbiAltBoundsSet 0
-pbiGetVarLowerOne 2
-pbiAltBoundsSet 1
-pbiSetAltVarLowerOne 2 -inf
-pbiGetVarLOne 2)"},
-                       {"need", 3, 2, R"(
-pbiSetAltVarUpperOne 1 2
-pbiGetVarLOne 1
-pbiSetVarLOne 1 2
-pbiSetAltVarLowerOne 1 2
-pbiGetVarLOne 1)"}});
-}
-
-// Column 2 has the record, column 3 has none.
-TEST_F(ModelUpdate, writesBoundsOfTheColumnsOfAParameter) {
-  expectCalls("flour", {{"price", 0, 1, R"(
-pbiSetVarLOne 2 2
-pbiSetAltVarLowerOne 2 2
-pbiSetAltVarUpperOne 2 2
-pbiSetVarLOne 3 0.75
-pbiSetAltVarLowerOne 3 0.75
-pbiSetAltVarUpperOne 3 0.75)"},
-                        {"price", 1, 2, R"(
-pbiSetAltVarUpperOne 2 2
-pbiGetVarLOne 2)"},
-                        {"price", 2, 0, R"(
-pbiSetAltVarLowerOne 2 2
-pbiGetVarLOne 2
-pbiSetVarLOne 2 2
-pbiSetAltVarLowerOne 3 0
-pbiGetVarLOne 3)"}});
-}
-
-TEST_F(ModelUpdate, writesLevelsAndMarginalsOfRowsByTheColumnNumbersOfAParameter) {
-  expectCalls("flour", {{"price", 4, 2, "pbiSetEquLOne 2 2"}, {"price", 5, 2, R"(
-pbiGetEquLOne 2
-pbiGetEquStatOne 2
-pbiGetEquCStatOne 2
-pbiSetSolutionEquRec 2 11 2 7 8)"}});
 }
 
 TEST_F(ModelUpdate, seesWhatAnEarlierOneWrote) {
