@@ -89,6 +89,48 @@ TEST_F(SolveTest, TakesBoundsOfVariablesFromAFile) {
   EXPECT_EQ(objective({"--data", "data.rxf"}), "objective   46") << "2 at 3 and 8 at 5";
 }
 
+TEST_F(SolveTest, TakesLowerBoundsOfVariablesFromAFile) {
+  ztb::Database database;
+  database.addVariable("ship", 3, {"*", "*"}).add("b", "x").setLower(7);
+  database.write(path("data.rxf"));
+  EXPECT_EQ(objective({"--data", "data.rxf"}), "objective   44") << "7 at 5 and 3 at 3";
+}
+
+// x at -10 makes -102.5 and x at 10 makes -97.5: each is the best of its side.
+TEST_F(SolveTest, StartsFromLevelsOfVariablesFromAFile) {
+  write("v.lp",
+        "Minimize\n v: 0.25 x + [ - 2 x ^ 2 ] / 2\nSubject To\n c: x + y <= 100\n"
+        "Bounds\n -10 <= x <= 10\nEnd\n");
+  const auto solvedFrom = [this](double level) {
+    ztb::Database database;
+    ztb::Record record = database.addVariable("x", 5, {}).add();
+    record.setLower(-10);
+    record.setUpper(10);
+    record.setLevel(level);
+    database.write(path("data.rxf"));
+    const std::string text = ztbFine({"solve", "v.lp", "--data", "data.rxf"});
+    return text.substr(0, text.find('\n'));
+  };
+  EXPECT_EQ(solvedFrom(8), "objective   -97.5");
+  EXPECT_EQ(solvedFrom(-8), "objective   -102.5");
+}
+
+TEST_F(SolveTest, TellsRecordsOfVariablesAndEquationsThatTheModelLacks) {
+  ztb::Database database;
+  database.addVariable("ship", 3, {"*", "*"}).add("x", "a").setLevel(1);
+  ztb::Symbol need = database.addEquation("need", 1, {"*"});
+  for (const char* label : {"a", "b", "x"}) need.add(label).setLevel(1);
+  database.addEquation("other", 1, {"*"}).add("x");
+  database.write(path("data.rxf"));
+  const Outcome outcome = ztb({"solve", "t.lp", "--data", "data.rxf"});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_THAT(outcome.output, StartsWith("objective   38\n"));
+  EXPECT_EQ(outcome.errors,
+            "ztb: data.rxf: the model has no other(*) like it\n"
+            "ztb: data.rxf: 2 records of need(*) stand for nothing in the model\n"
+            "ztb: data.rxf: 1 record of ship(*, *) stand for nothing in the model\n");
+}
+
 // An update of an equation takes the bounds set before it out of force.
 TEST_F(SolveTest, BoundsOfVariablesHoldWhenEquationsFollowThemInTheFile) {
   ztb::Database database;
