@@ -93,7 +93,9 @@ double ZTB::baseValue(const std::unique_ptr<double[]>& base, int count, int plac
   if (base == nullptr) {
     throw std::logic_error("the model's base values were not read");
   }
-  if (place < 0 || place >= count) {
+  // The array holds one value more than there are rows or columns, a zero. Some updates ask for the
+  // row of a column's number.
+  if (place < 0 || place > count) {
     throw std::logic_error("the model has no base value for number " + std::to_string(place));
   }
   return base[static_cast<std::size_t>(place)];

@@ -125,7 +125,7 @@ void ModelInput::applyField(const std::string& file, const ztb::Symbol& source,
     std::vector<const char*> keys = pointersTo(labels);
     values.merge(ztb::Keys(keys)).setLevel(fieldOf(record, field));
   }
-  const int unmatched = session_.tie().update(target, action, values, ztb::Missing::keep);
+  const int unmatched = session_.update(target, action, values, ztb::Missing::keep);
   if (field == levelField) reportUnmatched(file, source, unmatched);
 }
 
@@ -188,7 +188,7 @@ void ModelInput::fixVariable(const ztb::Symbol& variable, const std::vector<cons
   ztb::Symbol values =
       scratch_.addSymbol(name, ztb::Type::parameter, anyLabels(variable.dimension()));
   values.merge(ztb::Keys(keys)).setLevel(value);
-  session_.tie().update(variable, ztb::Action::fix, values, ztb::Missing::keep);
+  session_.update(variable, ztb::Action::fix, values, ztb::Missing::keep);
 }
 
 }  // namespace tool

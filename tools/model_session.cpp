@@ -1,7 +1,11 @@
 #include "tools/model_session.h"
 
+#include <fmt/format.h>
+
 #include <cstdio>
+#include <filesystem>
 #include <optional>
+#include <system_error>
 
 #include "tools/failure.h"
 
@@ -26,7 +30,15 @@ ModelSession::ModelSession(const std::string& modelFile, const std::string& data
     : file_(modelFile), model_(openModel(modelFile, dataFile)), tie_(database_, model_) {}
 
 std::string ModelSession::standardSolver() {
-  switch (model_.kind()) {
+  return solverOf(boundsCount_ ? model_.updatedKind() : model_.kind());
+}
+
+std::string ModelSession::standardSolverOfParameters() {
+  return solverOf(model_.updatedKind());
+}
+
+std::string ModelSession::solverOf(int kind) const {
+  switch (kind) {
     case ztbKindLinear:
       return "clp";
     case ztbKindMixedInteger:
@@ -65,8 +77,14 @@ ztb::Symbol ModelSession::parameter(const std::string& name, int dimension) {
   return database_.addSymbol(name, ztb::Type::parameter, anyLabel);
 }
 
+int ModelSession::update(const ztb::Symbol& modelSymbol, ztb::Action action,
+                         const ztb::Symbol& data, ztb::Missing missing) {
+  boundsCount_ = modelSymbol.type() != ztb::Type::equation;
+  return tie_.update(modelSymbol, action, data, missing);
+}
+
 int ModelSession::applyParameter(const ztb::Symbol& parameter) {
-  return tie_.update(parameter, ztb::Action::fix, parameter, ztb::Missing::base);
+  return update(parameter, ztb::Action::fix, parameter, ztb::Missing::base);
 }
 
 void ModelSession::reportNotes() const {
@@ -77,6 +95,16 @@ void ModelSession::reportNotes() const {
   if (count > kNotesShown) {
     std::fprintf(stderr, "ztb: %s: %d more names had to be changed\n", file_.c_str(),
                  count - kNotesShown);
+  }
+}
+
+void refuseReplacing(std::initializer_list<std::string> inputs, const std::string& out) {
+  for (const std::string& input : inputs) {
+    std::error_code error;
+    if (!input.empty() && std::filesystem::equivalent(input, out, error)) {
+      throw UsageError(
+          fmt::format("{}: would be replaced by the results; name another --out", out));
+    }
   }
 }
 

@@ -5,6 +5,7 @@
 #ifndef ZTB_TOOLS_MODEL_SESSION_H_
 #define ZTB_TOOLS_MODEL_SESSION_H_
 
+#include <initializer_list>
 #include <string>
 #include <ztb/model.hpp>
 
@@ -22,8 +23,14 @@ class ModelSession {
   [[nodiscard]] ztb::ModelTie& tie() { return tie_; }
   [[nodiscard]] const std::string& file() const { return file_; }
 
-  // The solver for the model's present kind. Throws Failure when there is none for it.
+  // The solver for the kind that the next solve will find, or that a solve will find once
+  // parameters were applied. Throws Failure when there is none for it.
   [[nodiscard]] std::string standardSolver();
+  [[nodiscard]] std::string standardSolverOfParameters();
+
+  // Updates the model; the same as tie().update.
+  int update(const ztb::Symbol& modelSymbol, ztb::Action action, const ztb::Symbol& data,
+             ztb::Missing missing);
 
   // Whether the model has columns NAME_var.
   [[nodiscard]] bool drives(const std::string& name) const;
@@ -38,11 +45,17 @@ class ModelSession {
   void reportNotes() const;
 
  private:
+  [[nodiscard]] std::string solverOf(int kind) const;
+
   std::string file_;
   ztb::Model model_;
   ztb::Database database_;
   ztb::ModelTie tie_;
+  bool boundsCount_ = false;  // the next solve goes by the bounds that updates gave
 };
+
+// Throws UsageError when the result file `out` is one of the files that are read.
+void refuseReplacing(std::initializer_list<std::string> inputs, const std::string& out);
 
 }  // namespace tool
 

@@ -90,6 +90,7 @@ void showSymbol(const ztb::Symbol& symbol) {
 }
 
 void run(const SolveOptions& options) {
+  refuseReplacing({options.model, options.modelData, options.data}, options.out);
   Progress progress;
   progress.step("reading " + options.model);
   ModelSession session(options.model, options.modelData);

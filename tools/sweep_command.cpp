@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "tools/failure.h"
+#include "tools/model_session.h"
 #include "tools/progress.h"
 #include "tools/sweep_inputs.h"
 #include "tools/sweep_options.h"
@@ -224,13 +225,7 @@ class Sweep {
 };
 
 void runSweep(SweepOptions options, int& status) {
-  for (const std::string& input : {options.model, options.modelData, options.scenarios}) {
-    std::error_code error;
-    if (!input.empty() && std::filesystem::equivalent(input, options.out, error)) {
-      throw UsageError(
-          fmt::format("{}: would be replaced by the results; name another --out", options.out));
-    }
-  }
+  refuseReplacing({options.model, options.modelData, options.scenarios}, options.out);
   if (options.jobs < 1 || options.jobs > kMaxJobs) {
     throw UsageError(fmt::format("--jobs {}: 1 to {} are allowed", options.jobs, kMaxJobs));
   }

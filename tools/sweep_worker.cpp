@@ -32,7 +32,7 @@ class SweepWorker {
         work_(work),
         channel_(channel),
         session_(options.model, options.modelData),
-        solver_(options.solver.empty() ? session_.standardSolver() : options.solver),
+        solver_(options.solver.empty() ? session_.standardSolverOfParameters() : options.solver),
         results_(scenarios.over(), scenarios.text(), inputs),
         parts_(options.out),
         part_(work.firstPart) {

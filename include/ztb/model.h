@@ -77,8 +77,8 @@ void ztbModelFree(ztbModel** model);
 /* Names the objective, sets its direction (1: maximize) and its constant. */
 int ztbModelSetObjective(ztbModel* model, const char* name, int maximize, double constant);
 
-/* Adds a column and returns its number, counted from 0. Infinite bounds are the IEEE infinities.
- * Columns have distinct names. */
+/* Adds a column and returns its number, counted from 0. Infinite bounds are the IEEE infinities;
+ * those of a binary column lie within 0 and 1. Columns have distinct names. */
 int ztbModelAddColumn(ztbModel* model, const char* name, int kind, double lower, double upper);
 
 /* Adds a row and returns its number, counted from 1 since 0 is the objective. `range`, unless 0,
@@ -107,8 +107,11 @@ void* ztbModelPbi(ztbModel* model);
 int ztbModelSetOption(ztbModel* model, const char* name, const char* value);
 int ztbModelGetOption(ztbModel* model, const char* name, char* value, int size);
 
-/* The kind of a model that ztbModelPbi was called for, by its present bounds; otherwise 0. */
+/* The kind of a model that ztbModelPbi was called for, by its present bounds; otherwise 0. Bounds
+ * that ztbUpdateModelSymbol gave to variables and parameters count from the next solve on:
+ * ztbModelUpdatedKind tells the kind that this solve will find. */
 int ztbModelKind(ztbModel* model);
+int ztbModelUpdatedKind(ztbModel* model);
 
 /* What the last solve left: the codes above, the objective's value, and the solver's iterations. */
 int ztbModelStatus(ztbModel* model);

@@ -79,6 +79,11 @@ class Model {
     (void)pbi();
     return ztbModelKind(handle_);
   }
+  // The kind that the next solve finds once variables or parameters were updated.
+  [[nodiscard]] int updatedKind() {
+    (void)pbi();
+    return ztbModelUpdatedKind(handle_);
+  }
 
   // What the last solve left.
   [[nodiscard]] int status() const { return ztbModelStatus(handle_); }

@@ -167,7 +167,9 @@ class Symbol {
   // labels, the last position fastest. A wrong size changes nothing; what the library refuses
   // leaves the parameter empty.
   void assignCube(std::span<const Symbol> domains, std::span<const double> cube) {
-    refuseSet("ztbDenseArrayToSymbol");
+    if (type_ != Type::parameter) {
+      throw Error("ztbDenseArrayToSymbol", "Symbol " + name().str() + " is no parameter");
+    }
     checkCount(domains.size(), "ztbDenseArrayToSymbol");
     std::vector<int> sizes;
     std::vector<void*> handles;

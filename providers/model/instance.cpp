@@ -1,6 +1,7 @@
 #include "providers/model/instance.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 
 namespace lomu {
@@ -114,17 +115,17 @@ Instance::Instance(const ModelData& data)
   }
 }
 
-ModelType Instance::type() const {
-  const bool linear =
-      forcedLinear_ || std::all_of(products_.begin(), products_.end(), [&](const Product& p) {
-        return standsStill(p.column1) || standsStill(p.column2);
-      });
-  if (linear) return hasIntegers_ ? ModelType::mixedInteger : ModelType::linear;
-  return hasIntegers_ ? ModelType::mixedIntegerQuadratic : ModelType::quadratic;
+bool Instance::isLinear(const std::vector<double>& lower, const std::vector<double>& upper) const {
+  const auto standsStill = [&](int j) { return lower[at(j)] == upper[at(j)]; };
+  return std::all_of(products_.begin(), products_.end(), [&](const Product& p) {
+    return standsStill(p.column1) || standsStill(p.column2);
+  });
 }
 
-bool Instance::standsStill(int j) const {
-  return lowers()[at(j)] == uppers()[at(j)];
+ModelType Instance::typeBy(const std::vector<double>& lower,
+                           const std::vector<double>& upper) const {
+  if (isLinear(lower, upper)) return hasIntegers_ ? ModelType::mixedInteger : ModelType::linear;
+  return hasIntegers_ ? ModelType::mixedIntegerQuadratic : ModelType::quadratic;
 }
 
 // Not std::clamp: a caller's bounds may cross.
@@ -172,9 +173,9 @@ void Instance::restoreView(void* view) {
 }
 
 // Without products the coefficients never change.
-void Instance::takeCoefficients() {
+void Instance::takeCoefficients(bool linearized) {
   if (products_.empty() && problem_.coefficientsAsOf != 0) return;
-  const std::vector<double>& values = forcedLinear_ ? linearized_ : matrix_.value;
+  const std::vector<double>& values = linearized ? linearized_ : matrix_.value;
   solverCost_.assign(columns_.size(), 0.0);
   for (std::size_t j = 0; j < columns_.size(); ++j) {
     const std::size_t first = matrix_.start[j];
@@ -183,12 +184,18 @@ void Instance::takeCoefficients() {
   }
   std::transform(solverEntryOf_.begin(), solverEntryOf_.end(), solverValue_.begin(),
                  [&](std::size_t e) { return values[e]; });
-  ++problem_.coefficientsAsOf;
+  // Another number than that of any other state of any instance.
+  static std::atomic<std::uint64_t> last{0};
+  problem_.coefficientsAsOf = ++last;
 }
 
 const SolverProblem& Instance::solverProblem() {
-  takeCoefficients();
-  const std::vector<double>& sides = alternativeRhs_ ? alternativeRhsOf_ : rhs_;
+  // Switches that a failed solve left on mean nothing for a model that is not linear any more.
+  const bool linear = isLinear(lowers(), uppers());
+  const bool linearized = forcedLinear_ && linear;
+  takeCoefficients(linearized);
+  const bool shifted = alternativeRhs_ && (linear || !forcedLinear_);
+  const std::vector<double>& sides = shifted ? alternativeRhsOf_ : rhs_;
   solverRowLower_.resize(rows_.size() - 1);
   solverRowUpper_.resize(rows_.size() - 1);
   for (std::size_t i = 1; i < rows_.size(); ++i) {
@@ -212,7 +219,7 @@ const SolverProblem& Instance::solverProblem() {
   problem_.start = solverStart_.data();
   problem_.rowOf = solverRowOf_.data();
   problem_.value = solverValue_.data();
-  problem_.products = forcedLinear_ ? &kNone : &solverProducts_;
+  problem_.products = linearized ? &kNone : &solverProducts_;
   problem_.level = solverLevel_.data();
   return problem_;
 }

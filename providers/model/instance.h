@@ -4,7 +4,8 @@
 // level, a marginal, two statuses, its own bounds and alternative ones; a row has a right-hand side
 // and an alternative one. Three switches say which of them readers and solvers see: alternative
 // bounds, alternative right-hand side, and forced linearity, under which products of columns are
-// replaced by their gradient at the last linearize(). Own bounds and right-hand sides never change.
+// replaced by their gradient at the last linearize(), as long as each has a factor that stands
+// still: the switch makes no other model linear. Own bounds and right-hand sides never change.
 //
 // The level of the objective row is the objective's value, constant included. Marginals are the
 // change of the objective, as the model states it, per unit of right-hand side or of a bound.
@@ -47,8 +48,12 @@ class Instance {
   [[nodiscard]] int rowCount() const { return static_cast<int>(rows_.size()); }
   [[nodiscard]] bool hasColumn(int j) const { return j >= 0 && j < columnCount(); }
   [[nodiscard]] bool hasRow(int i) const { return i >= 0 && i < rowCount(); }
-  // A forced-linear model, or one whose products all have a factor with equal bounds, is linear.
-  [[nodiscard]] ModelType type() const;
+  // A model whose products all have a factor with equal bounds is linear. By the bounds that
+  // readers see, or by the alternative ones.
+  [[nodiscard]] ModelType type() const { return typeBy(lowers(), uppers()); }
+  [[nodiscard]] ModelType alternativeType() const {
+    return typeBy(alternativeLower_, alternativeUpper_);
+  }
 
   void setPlusInfinity(double value) { plusInfinity_ = value; }
   void setMinusInfinity(double value) { minusInfinity_ = value; }
@@ -111,9 +116,12 @@ class Instance {
   [[nodiscard]] const std::vector<double>& uppers() const {
     return alternativeBounds_ ? alternativeUpper_ : upper_;
   }
-  [[nodiscard]] bool standsStill(int j) const;
+  [[nodiscard]] bool isLinear(const std::vector<double>& lower,
+                              const std::vector<double>& upper) const;
+  [[nodiscard]] ModelType typeBy(const std::vector<double>& lower,
+                                 const std::vector<double>& upper) const;
   [[nodiscard]] double levelWithin(int j) const;
-  void takeCoefficients();
+  void takeCoefficients(bool linearized);
   void takeColumns(const SolverResult& result);
   void addProducts(const SolverResult& result);
 

@@ -83,6 +83,10 @@ int ModelBuilder::addColumn(const char* name, int kind, double lower, double upp
   }
   column.kind = static_cast<ColumnKind>(kind);
   checkBounds(column.name, lower, upper);
+  if (column.kind == ColumnKind::binary && (lower < 0 || upper > 1)) {
+    throw ModelError("column \"" + column.name +
+                     "\" is binary but has bounds beyond 0 and 1, expected bounds within them");
+  }
   return append(data_.columns, std::move(column), columnNames_, "column");
 }
 

@@ -45,15 +45,21 @@ bool attempt(const Body& body, const Refused& refused) noexcept {
   return false;
 }
 
+// Where the last refusal or failed solve stands.
+std::string& messageOf(ztbModelRec& model) {
+  return model.model == nullptr ? model.message : model.model->message;
+}
+
 // The same for a model that exists, the text going into its message.
 template <typename Body>
 bool change(ztbModel* model, const Body& body) noexcept {
   if (model == nullptr) return false;
   return attempt(body, [&](const char* text) {
+    std::string& message = messageOf(*model);
     try {
-      model->message = text;
+      message = text;
     } catch (const std::bad_alloc&) {
-      model->message.clear();
+      message.clear();
     }
   });
 }
@@ -150,6 +156,7 @@ MODEL_EXPORT void* ztbModelPbi(ztbModel* model) {
     if (model->model != nullptr) return;
     model->model = std::make_unique<Model>(model->builder.data(), model->environment);
     model->builder = ModelBuilder();
+    model->model->message.swap(model->message);
   });
   return model == nullptr ? nullptr : model->model.get();
 }
@@ -171,6 +178,11 @@ MODEL_EXPORT int ztbModelGetOption(ztbModel* model, const char* name, char* valu
 MODEL_EXPORT int ztbModelKind(ztbModel* model) {
   const bool inUse = model != nullptr && model->model != nullptr;
   return inUse ? static_cast<int>(model->model->instance.type()) : 0;
+}
+
+MODEL_EXPORT int ztbModelUpdatedKind(ztbModel* model) {
+  const bool inUse = model != nullptr && model->model != nullptr;
+  return inUse ? static_cast<int>(model->model->instance.alternativeType()) : 0;
 }
 
 MODEL_EXPORT int ztbModelStatus(ztbModel* model) {
@@ -206,9 +218,7 @@ MODEL_EXPORT void ztbModelTerminate(ztbModel* model) {
 }
 
 MODEL_EXPORT const char* ztbModelMessage(ztbModel* model) {
-  if (model == nullptr) return "";
-  const bool inUse = model->model != nullptr && !model->model->message.empty();
-  return inUse ? model->model->message.c_str() : model->message.c_str();
+  return model == nullptr ? "" : messageOf(*model).c_str();
 }
 
 MODEL_EXPORT int ztbModelNoteCount(ztbModel* model) {

@@ -42,7 +42,7 @@ struct SolverProblem {
   const std::vector<SolverProduct>* products = nullptr;
   const double* level = nullptr;  // where a solver that starts from a point may start
   bool hasIntegers = false;
-  // Cost, values and products are those of any other state of the problem with the same number; 0
+  // Shape, cost, values and products are those of any other problem with the same number; 0
   // promises nothing.
   std::uint64_t coefficientsAsOf = 0;
 };

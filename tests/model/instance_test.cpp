@@ -164,13 +164,40 @@ TEST(Instance, IsLinearWhileAFactorOfEachProductStandsStill) {
   instance.useAlternativeBounds(true);
   EXPECT_EQ(instance.type(), ModelType::quadratic);
   instance.forceLinear(true);
-  EXPECT_EQ(instance.type(), ModelType::linear);
+  EXPECT_EQ(instance.type(), ModelType::quadratic) << "the switch alone makes nothing linear";
 
   ModelData data = productModel();
   data.columns[2].kind = ColumnKind::integer;
   EXPECT_EQ(Instance(data).type(), ModelType::mixedInteger);
   data.columns[0].upper = 3;
   EXPECT_EQ(Instance(data).type(), ModelType::mixedIntegerQuadratic);
+}
+
+TEST(Instance, TellsTheTypeThatItsAlternativeBoundsMake) {
+  Instance instance(productModel());
+  instance.setAlternativeUpper(0, 5);
+  EXPECT_EQ(instance.alternativeType(), ModelType::quadratic);
+  EXPECT_EQ(instance.type(), ModelType::linear);
+  instance.setAlternativeUpper(0, 2);
+  EXPECT_EQ(instance.alternativeType(), ModelType::linear);
+}
+
+// As a failed solve leaves them: linearity forced, right-hand sides shifted.
+TEST(Instance, SwitchesLeftOnDoNotCountOnceAProductMoves) {
+  Instance instance(productModel());
+  std::vector<double> offset(2);
+  ASSERT_TRUE(instance.linearize(offset.data(), true));
+  instance.setAlternativeRhs(1, 99);
+  instance.useAlternativeRhs(true);
+  instance.forceLinear(true);
+  EXPECT_EQ(instance.solverProblem().rowLower[0], 99);
+  instance.setAlternativeUpper(1, 5);
+  instance.useAlternativeBounds(true);
+  EXPECT_EQ(instance.solverProblem().products->size(), 2U);
+  EXPECT_EQ(instance.solverProblem().rowLower[0], 6);
+  EXPECT_THAT(copied(instance.solverProblem().value, 2), ElementsAre(0, 0));
+  instance.forceLinear(false);
+  EXPECT_EQ(instance.solverProblem().rowLower[0], 99) << "an alternative of its own";
 }
 
 TEST(Instance, LinearizesProductsAtThePresentLevels) {

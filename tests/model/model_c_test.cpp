@@ -112,8 +112,28 @@ TEST_F(ModelC, TellsItsKind) {
   ztbModelAddColumn(model_, "x", ztbColumnInteger, 0, 1);
   ztbModelAddProduct(model_, 0, 0, 0, 1);
   EXPECT_EQ(ztbModelKind(model_), 0);
+  EXPECT_EQ(ztbModelUpdatedKind(model_), 0);
   ASSERT_NE(ztbModelPbi(model_), nullptr);
   EXPECT_EQ(ztbModelKind(model_), ztbKindMixedIntegerQuadratic);
+  EXPECT_EQ(ztbModelUpdatedKind(model_), ztbKindMixedIntegerQuadratic);
+}
+
+TEST_F(ModelC, RefusesABinaryColumnBeyondZeroAndOne) {
+  EXPECT_EQ(ztbModelAddColumn(model_, "b", ztbColumnBinary, 0, 10), -1);
+  EXPECT_EQ(message(),
+            "column \"b\" is binary but has bounds beyond 0 and 1, expected bounds within them");
+  EXPECT_EQ(ztbModelAddColumn(model_, "b", ztbColumnBinary, -1, 1), -1);
+  EXPECT_EQ(ztbModelAddColumn(model_, "b", ztbColumnBinary, 1, 1), 0);
+}
+
+TEST_F(ModelC, TellsTheLastReason) {
+  EXPECT_EQ(ztbModelAddColumn(model_, "x", 9, 0, 1), -1);
+  const std::string refusal = message();
+  EXPECT_NE(refusal, "");
+  ASSERT_NE(ztbModelPbi(model_), nullptr);
+  EXPECT_EQ(message(), refusal);
+  EXPECT_EQ(ztbModelAddColumn(model_, "x", 0, 0, 1), -1);
+  EXPECT_EQ(message(), "the model is in use and cannot be built further");
 }
 
 TEST_F(ModelC, PassesOptions) {

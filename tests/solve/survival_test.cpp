@@ -184,6 +184,47 @@ TEST_P(Live, AnInfeasibleSolveInBetweenIsNoFailure) {
   EXPECT_NEAR(model_.objective(), 20, 1e-9);
 }
 
+// The failure leaves linearity forced, which must not make a product that moves now linear.
+TEST_P(Live, AFailedSolveLeavesNothingBehindForAModelThatMoves) {
+  update(rate_, kInf);
+  EXPECT_NE(failureOf(*tie_, GetParam()), "");
+  update(rate_, 1, ztb::Action::lower);
+  update(rate_, 5, ztb::Action::upper);
+  EXPECT_THAT(failureOf(*tie_, GetParam()), HasSubstr("; the model is QP"));
+  tie_->solve("ipopt");
+  EXPECT_NEAR(model_.objective(), 3, 1e-6) << "x at 3 and its rate at 1";
+}
+
+TEST_P(Live, ARefusalBehindAFailedSolveIsTheLastReason) {
+  update(rate_, kInf);
+  EXPECT_NE(failureOf(*tie_, GetParam()), "");
+  EXPECT_THROW(model_.setOption("TimeLimit", "-3"), ztb::Error);
+  EXPECT_THAT(model_.message(), HasSubstr("TimeLimit"));
+}
+
+// A coefficient that becomes 0 is the last that a solver sees where all other columns stand still.
+TEST_P(Live, ARowThatNothingMovesAnyMore) {
+  ztb::Model model;
+  const int share = model.addColumn("share_var", 2, 2);
+  const int room = model.addColumn("room_var", 5, 5);
+  const int x = model.addColumn("x", 0, 10);
+  model.addTerm(0, x, -1);
+  const int row = model.addRow("fits", ztbRowLessOrEqual, 0);
+  model.addProduct(row, share, x, 1);
+  model.addTerm(row, room, -1);
+  ztb::Database database;
+  ztb::ModelTie tie(database, model);
+  ztb::Symbol value = database.addParameter("share", {});
+  const double best[][2] = {{2, -2.5}, {0, -10}, {1, -5}, {0, -10}, {4, -1.25}};
+  for (const auto& [size, objective] : best) {
+    value.merge().setLevel(size);
+    tie.update(value, ztb::Action::fix, value, ztb::Missing::base);
+    tie.solve(GetParam());
+    EXPECT_EQ(model.status(), ztbModelOptimal);
+    EXPECT_NEAR(model.objective(), objective, 1e-9) << "share " << size;
+  }
+}
+
 INSTANTIATE_TEST_SUITE_P(Solvers, Live, testing::Values("clp", "glpk"),
                          [](const auto& test) { return std::string(test.param); });
 

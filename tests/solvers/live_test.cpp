@@ -173,6 +173,29 @@ TEST_P(Live, columnsThatStandStillAddToTheirRows) {
   EXPECT_NEAR(result.level[1], 10.25, 1e-9);
 }
 
+// 2 x + d >= 1 and q1 + q2 = q3 with all but x standing still; then 2 becomes 0, and what is left
+// are sums that are off by rounding.
+TEST_P(Live, rowsOfWhichNothingMovesAreHeldToTheTolerance) {
+  SmallModel model;
+  model.column(1, 0, 10);
+  model.column(0, 2, 2);
+  for (const double still : {0.1, 0.2, 0.3}) model.column(0, still, still);
+  model.row({2, 1, 0, 0, 0}, 1, kInf);
+  model.row({0, 0, 1, 1, -1}, 0, 0);
+  const auto live = openSolver(GetParam());
+  std::string reason;
+  ASSERT_TRUE(live->load(model.problem(), reason)) << reason;
+  ASSERT_EQ(solveLive(*live, model).outcome, Outcome::optimal);
+  model.rows[0][0] = 0;
+  for (const double cost : {1.0, -1.0}) {
+    model.cost[0] = cost;
+    ASSERT_TRUE(live->update(model.problem()));
+    const SolverResult result = solveLive(*live, model);
+    ASSERT_EQ(result.outcome, Outcome::optimal) << result.reason;
+    EXPECT_EQ(result.level[0], cost > 0 ? 0 : 10);
+  }
+}
+
 TEST_P(Live, theFirstColumnThatMoves) {
   SmallModel model;
   model.column(1, 3, 3);

@@ -108,6 +108,31 @@ TEST(Refusal, changesOfBoundsThatTheLoadedModelCannotTake) {
   }
 }
 
+// Whatever is refused leaves the solver with what it had, and the next update is whole.
+TEST(Refusal, leavesNothingHalfDone) {
+  for (const char* solver : {"clp", "glpk"}) {
+    SmallModel model;
+    model.column(1, 0, 10);
+    model.column(1, 0, 10);
+    model.column(0, 2, 2);
+    model.row({1, 0, 0}, 3, kInf);
+    model.row({0, 1, -1}, 0, kInf);
+    model.row({0, 1, 0}, 0, kInf);
+    model.coefficientsAsOf = 1;
+    const auto live = openSolver(solver);
+    std::string reason;
+    ASSERT_TRUE(live->load(model.problem(), reason)) << reason;
+    EXPECT_EQ(model.objective(solveLive(*live, model).level), 5);
+    model.rowLower[0] = 1;
+    model.lower[2] = model.upper[2] = 7;
+    model.rowLower[2] = std::numeric_limits<double>::quiet_NaN();
+    EXPECT_FALSE(live->update(model.problem()));
+    model.rowLower[2] = 0;
+    ASSERT_TRUE(live->update(model.problem()));
+    EXPECT_EQ(model.objective(solveLive(*live, model).level), 8) << solver;
+  }
+}
+
 TEST(Refusal, cbcAndIpoptAreMadeAfresh) {
   for (const char* solver : {"cbc", "ipopt"}) {
     SmallModel model;

@@ -91,7 +91,7 @@ TEST_F(ArrayTest, WhatHasNoNumbersInPositionsIsRefused) {
   EXPECT_EQ(failure([&] {
               rows_.assignCube({domains_.data(), 1}, two);
             }),
-            "ztbDenseArrayToSymbol: Symbol rows is a set, which holds no numbers");
+            "ztbDenseArrayToSymbol: Symbol rows is no parameter");
   ztb::Symbol scalar = database_.addParameter("scalar", {});
   EXPECT_EQ(failure([&] { scalar.copyValues(two); }),
             "ztbDenseSymbolToDenseArray: Can't map scalars");

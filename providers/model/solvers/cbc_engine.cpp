@@ -70,7 +70,7 @@ Outcome outcomeOf(const CbcModel& model, const Watch& watch) {
 }  // namespace
 
 void CbcEngine::take(const LinearForm& form) {
-  if (loaded_ && form.sameShape(form_)) {
+  if (loaded_ && program_.isWhole() && form.sameShape(form_)) {
     LinearForm taken = form;
     program_.update(taken);
   } else {

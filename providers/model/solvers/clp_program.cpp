@@ -84,10 +84,12 @@ Position positionOf(ClpSimplex::Status status, double level, double lower, doubl
 }  // namespace
 
 void ClpProgram::load(LinearForm form) {
+  isWhole_ = false;
   form_ = std::move(form);
   part_.choose(form_);
   handOver();
   method_ = Method::dual;
+  isWhole_ = true;
 }
 
 void ClpProgram::handOver() {
@@ -97,13 +99,13 @@ void ClpProgram::handOver() {
   simplex_.loadProblem(packed(form_, part_), ofPart(form_.lower, part_).data(),
                        ofPart(form_.upper, part_).data(), ofPart(form_.cost, part_).data(),
                        part_.rowLower().data(), part_.rowUpper().data());
-  settled_ = false;
+  reuse_ = kLeaveWork;
 }
 
-// A column that was left out begins to move. The basis is kept; such a column is not in it.
-void ClpProgram::takeColumnsIn() {
+// Hands over more columns than before. The basis is kept; a column that was left out is not in it.
+void ClpProgram::handOverMore(const MovingPart& more) {
   std::vector<ClpSimplex::Status> status;
-  for (int j = 0; j < form_.columnCount; ++j) {
+  for (const int j : more.columns()) {
     const auto k = static_cast<std::size_t>(j);
     status.push_back(part_.place(j) == MovingPart::leftOut
                          ? atABound(form_.lower[k], form_.upper[k])
@@ -111,80 +113,114 @@ void ClpProgram::takeColumnsIn() {
   }
   std::vector<ClpSimplex::Status> rowStatus;
   for (int i = 0; i < form_.rowCount; ++i) rowStatus.push_back(simplex_.getRowStatus(i));
-  part_.takeIn(form_);
+  part_ = more;
   handOver();
-  for (const int j : part_.columns()) {
-    simplex_.setColumnStatus(part_.place(j), status[static_cast<std::size_t>(j)]);
+  for (std::size_t c = 0; c < status.size(); ++c) {
+    simplex_.setColumnStatus(static_cast<int>(c), status[c]);
   }
   for (int i = 0; i < form_.rowCount; ++i) {
     simplex_.setRowStatus(i, rowStatus[static_cast<std::size_t>(i)]);
   }
 }
 
-void ClpProgram::setRows() {
+bool ClpProgram::setRows() {
   part_.shiftRows(form_);
+  bool changed = false;
   for (int i = 0; i < form_.rowCount; ++i) {
     // Clp keeps the largest number for an infinite bound.
     const double lower = std::max(part_.rowLower()[static_cast<std::size_t>(i)], -COIN_DBL_MAX);
     const double upper = std::min(part_.rowUpper()[static_cast<std::size_t>(i)], COIN_DBL_MAX);
     if (lower == simplex_.rowLower()[i] && upper == simplex_.rowUpper()[i]) continue;
     simplex_.setRowBounds(i, lower, upper);
+    changed = true;
   }
+  return changed;
 }
 
-std::optional<bool> ClpProgram::takeBounds(const double* lower, const double* upper,
-                                           const double* rowLower, const double* rowUpper) {
-  bool columnsChanged = false;
-  bool rowsChanged = false;
+bool ClpProgram::takeBounds(const Bounds& bounds, bool shiftsChanged) {
+  bool changed = false;
+  bool rowsMayChange = shiftsChanged;
   bool moreMove = false;
   for (int j = 0; j < form_.columnCount; ++j) {
     const auto k = static_cast<std::size_t>(j);
-    if (lower[j] == form_.lower[k] && upper[j] == form_.upper[k]) continue;
-    if (std::isnan(lower[j]) || std::isnan(upper[j])) return std::nullopt;
-    form_.lower[k] = lower[j];
-    form_.upper[k] = upper[j];
-    columnsChanged = true;
+    const double lower = bounds.lower[j];
+    const double upper = bounds.upper[j];
+    if (lower == form_.lower[k] && upper == form_.upper[k]) continue;
+    form_.lower[k] = lower;
+    form_.upper[k] = upper;
     if (part_.place(j) == MovingPart::leftOut) {
-      rowsChanged = true;
-      moreMove = moreMove || !MovingPart::standsStill(lower[j], upper[j]);
+      rowsMayChange = true;
+      moreMove = moreMove || !MovingPart::standsStill(lower, upper);
     } else {
-      simplex_.setColumnBounds(part_.place(j), lower[j], upper[j]);
+      simplex_.setColumnBounds(part_.place(j), lower, upper);
+      changed = true;
     }
   }
   for (int i = 0; i < form_.rowCount; ++i) {
     const auto k = static_cast<std::size_t>(i);
-    if (rowLower[i] == form_.rowLower[k] && rowUpper[i] == form_.rowUpper[k]) continue;
-    if (std::isnan(rowLower[i]) || std::isnan(rowUpper[i])) return std::nullopt;
-    form_.rowLower[k] = rowLower[i];
-    form_.rowUpper[k] = rowUpper[i];
-    rowsChanged = true;
+    if (bounds.rowLower[i] == form_.rowLower[k] && bounds.rowUpper[i] == form_.rowUpper[k]) {
+      continue;
+    }
+    form_.rowLower[k] = bounds.rowLower[i];
+    form_.rowUpper[k] = bounds.rowUpper[i];
+    rowsMayChange = true;
   }
   if (moreMove) {
-    takeColumnsIn();
-  } else if (rowsChanged) {
-    setRows();
+    MovingPart more = part_;
+    more.takeIn(form_);
+    handOverMore(more);
+    return true;
   }
-  return columnsChanged || rowsChanged;
+  if (rowsMayChange && setRows()) changed = true;
+  return changed;
 }
 
-bool ClpProgram::updateBounds(const SolverProblem& problem) {
+void ClpProgram::updateBounds(const SolverProblem& problem) {
+  isWhole_ = false;
+  takeBounds({problem.lower, problem.upper, problem.rowLower, problem.rowUpper}, false);
   method_ = Method::dual;
-  reuse_ = kUseWork;
-  return takeBounds(problem.lower, problem.upper, problem.rowLower, problem.rowUpper).has_value();
+  isWhole_ = true;
+}
+
+ClpProgram::Changes ClpProgram::changesTo(const LinearForm& form) const {
+  Changes changes;
+  for (std::size_t j = 0; j < form.cost.size(); ++j) {
+    const auto begin = form.value.begin() + form.start[j];
+    const auto end = form.value.begin() + form.start[j + 1];
+    const bool entries = !std::equal(begin, end, form_.value.begin() + form_.start[j]);
+    if (part_.place(static_cast<int>(j)) == MovingPart::leftOut) {
+      changes.shifts = changes.shifts || entries;
+    } else {
+      changes.entries = changes.entries || entries;
+      changes.cost = changes.cost || form.cost[j] != form_.cost[j];
+    }
+  }
+  return changes;
 }
 
 void ClpProgram::update(LinearForm& form) {
+  isWhole_ = false;
+  const Changes changes = changesTo(form);
+  form_.cost.swap(form.cost);
+  form_.value.swap(form.value);
+  if (changes.cost) {
+    simplex_.chgObjCoefficients(ofPart(form_.cost, part_).data());
+    reuse_ &= kUseFactorization;
+  }
+  if (changes.entries) {
+    simplex_.replaceMatrix(new ClpPackedMatrix(packed(form_, part_)), true);
+    reuse_ &= kLeaveWork;
+  }
   const bool boundsChanged =
-      takeBounds(form.lower.data(), form.upper.data(), form.rowLower.data(), form.rowUpper.data())
-          .value_or(true);
-  const bool costChanged = form.cost != form_.cost;
-  if (costChanged) simplex_.chgObjCoefficients(ofPart(form.cost, part_).data());
-  const bool matrixChanged = form.value != form_.value;
-  if (matrixChanged) simplex_.replaceMatrix(new ClpPackedMatrix(packed(form, part_)), true);
-  reuse_ = matrixChanged ? kLeaveWork : kUseFactorization;
-  method_ = costChanged && !boundsChanged && !matrixChanged ? Method::primal : Method::dual;
-  std::swap(form_, form);
-  if (matrixChanged) setRows();
+      takeBounds({form.lower.data(), form.upper.data(), form.rowLower.data(), form.rowUpper.data()},
+                 changes.shifts);
+  if (changes.entries && !part_.hasEntries(form_)) {
+    MovingPart all = part_;
+    all.takeAll();
+    handOverMore(all);
+  }
+  method_ = changes.cost && !changes.entries && !boundsChanged ? Method::primal : Method::dual;
+  isWhole_ = true;
 }
 
 void ClpProgram::run(ClpSimplex& simplex, Method method, Watch& watch, int reuse) {
@@ -202,23 +238,28 @@ void ClpProgram::run(ClpSimplex& simplex, Method method, Watch& watch, int reuse
   simplex.passInEventHandler(&none);
 }
 
+void ClpProgram::runUnscaled(Watch& watch) {
+  const int scaling = simplex_.scalingFlag();
+  simplex_.scaling(0);
+  run(simplex_, Method::primal, watch, kNothing);
+  simplex_.scaling(scaling);
+}
+
 void ClpProgram::solve(Watch& watch, SolverResult& result) {
   if (iterations_ >= kWeightsWearOut) {
     ClpDualRowSteepest unweighted;
     simplex_.setDualRowPivotAlgorithm(unweighted);
   }
   iterations_ = 0;
-  run(simplex_, method_, watch, settled_ ? reuse_ : kLeaveWork);
+  // What a solve leaves is of use only when it ends well.
+  run(simplex_, method_, watch, std::exchange(reuse_, kLeaveWork));
   // 2 to 4: the solution of the scaled problem is none of the problem itself.
-  settled_ = simplex_.status() == 0;
   const bool badlyScaled =
-      settled_ && simplex_.secondaryStatus() >= 2 && simplex_.secondaryStatus() <= 4;
+      simplex_.status() == 0 && simplex_.secondaryStatus() >= 2 && simplex_.secondaryStatus() <= 4;
   if (badlyScaled || simplex_.status() == 4) {
-    const int scaling = simplex_.scalingFlag();
-    simplex_.scaling(0);
-    run(simplex_, Method::primal, watch, kNothing);
-    simplex_.scaling(scaling);
-    settled_ = false;
+    runUnscaled(watch);
+  } else if (simplex_.status() == 0) {
+    reuse_ = kUseWork;
   }
 
   result.hasPoint = false;
@@ -251,6 +292,8 @@ void ClpProgram::decideUnsolvable(Watch& watch, SolverResult& result) {
       simplex_.setStatus(k, feasibility.getStatus(k));
     }
     run(simplex_, Method::primal, watch, kNothing);
+    // There is a feasible point, whatever the scaled problem looks like.
+    if (simplex_.status() == 1) runUnscaled(watch);
     if (simplex_.status() == 0) {
       result.outcome = Outcome::optimal;
       result.hasPoint = true;

@@ -4,7 +4,6 @@
 #define ZTB_PROVIDERS_MODEL_SOLVERS_CLP_PROGRAM_H_
 
 #include <ClpSimplex.hpp>
-#include <optional>
 
 #include "providers/model/solvers/linear_form.h"
 #include "providers/model/solvers/moving_part.h"
@@ -15,28 +14,43 @@ namespace lomu {
 class ClpProgram {
  public:
   void load(LinearForm form);
-  // Takes `form` over and leaves the one before in its place. REQUIRES the same shape.
+  // Takes `form` over and leaves it without a meaning. REQUIRES isWhole and the same shape.
   void update(LinearForm& form);
-  // Takes the bounds over alone; false, and then to be loaded again, when one is not a number.
-  // REQUIRES that nothing else changed and that no column is integer.
-  bool updateBounds(const SolverProblem& problem);
+  // Takes the bounds over alone. REQUIRES isWhole, that nothing else changed, that no column is
+  // integer, and that no bound is a NaN.
+  void updateBounds(const SolverProblem& problem);
+  // False from an exception in one of the three on, until a load: Clp has part of a problem.
+  [[nodiscard]] bool isWhole() const { return isWhole_; }
   [[nodiscard]] const LinearForm& form() const { return form_; }
 
-  // Fills `result` with what Clp finds; its point is within Clp's tolerance. REQUIRES bounds that
-  // do not cross.
+  // Fills `result` with what Clp finds; its point is within Clp's tolerance. REQUIRES isWhole and
+  // bounds that do not cross.
   void solve(Watch& watch, SolverResult& result);
 
  private:
   enum class Method { dual, primal };
+  struct Bounds {
+    const double* lower;
+    const double* upper;
+    const double* rowLower;
+    const double* rowUpper;
+  };
+  // What a form has that is not as before: of the columns that Clp sees, and of the others.
+  struct Changes {
+    bool cost = false;
+    bool entries = false;
+    bool shifts = false;
+  };
 
   void handOver();
-  void takeColumnsIn();
-  void setRows();
-  // Whether any bound is another; nothing when one is not a number.
-  std::optional<bool> takeBounds(const double* lower, const double* upper, const double* rowLower,
-                                 const double* rowUpper);
+  void handOverMore(const MovingPart& more);
+  bool setRows();  // whether any changed
+  // Whether any bound that Clp sees is another.
+  bool takeBounds(const Bounds& bounds, bool shiftsChanged);
+  [[nodiscard]] Changes changesTo(const LinearForm& form) const;
   // `reuse`: what Clp is to use of its last solve.
   void run(ClpSimplex& simplex, Method method, Watch& watch, int reuse);
+  void runUnscaled(Watch& watch);
   void decideUnsolvable(Watch& watch, SolverResult& result);
   [[nodiscard]] bool wasLimited() const { return simplex_.status() == 3 || simplex_.status() == 5; }
   void leavePoint(SolverResult& result) const;
@@ -44,10 +58,10 @@ class ClpProgram {
   ClpSimplex simplex_;
   LinearForm form_;
   MovingPart part_;  // what Clp sees of it
+  bool isWhole_ = false;
   Method method_ = Method::dual;
-  int reuse_ = 0;          // what the last update left of the solve before it
-  bool settled_ = false;   // the last solve ended at an optimum at once
-  double iterations_ = 0;  // of the present solve
+  int reuse_ = 0;          // what the next run may use of the last one
+  double iterations_ = 0;  // of the present solve, or of the last one between two
 };
 
 }  // namespace lomu

@@ -2,6 +2,7 @@
 
 #include <CoinError.hpp>
 #include <exception>
+#include <stdexcept>
 #include <utility>
 
 #include "providers/model/solvers/column_by_column.h"
@@ -20,6 +21,7 @@ bool ClpSolver::load(const SolverProblem& problem, std::string& reason) {
     reason = "clp solves linear models without integers: the model has integer columns";
     return false;
   }
+  problem_ = {};
   program_.load(std::move(form));
   problem_ = problem;
   return true;
@@ -33,9 +35,12 @@ bool ClpSolver::onlyBoundsMayDiffer(const SolverProblem& problem) const {
 }
 
 bool ClpSolver::update(const SolverProblem& problem) {
+  if (!program_.isWhole()) return false;
   if (onlyBoundsMayDiffer(problem)) {
+    if (!boundsAreNumbers(problem)) return false;
+    program_.updateBounds(problem);
     problem_ = problem;
-    return program_.updateBounds(problem);
+    return true;
   }
   std::string reason;
   if (!next_.take(problem, reason) || !next_.sameShape(program_.form())) return false;
@@ -46,6 +51,7 @@ bool ClpSolver::update(const SolverProblem& problem) {
 
 void ClpSolver::solve(const SolverLimits& limits, SolverResult& result) {
   try {
+    if (!program_.isWhole()) throw std::logic_error("the model was not handed over whole");
     if (settleColumnByColumn(program_.form(), result)) return;
     Watch watch(limits);
     program_.solve(watch, result);

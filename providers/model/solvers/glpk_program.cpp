@@ -89,6 +89,12 @@ void GlpkProgram::take(const LinearForm& form) {
   form_ = std::move(next_);
 }
 
+bool GlpkProgram::buildAgain() {
+  next_ = form_;
+  Job job{this, Task::build, nullptr, 0, 0, 0};
+  return call(job);
+}
+
 void GlpkProgram::build() {
   if (problem_ != nullptr) glp_delete_prob(problem_);
   problem_ = glp_create_prob();
@@ -194,6 +200,8 @@ void GlpkProgram::solveLinear(Watch& watch, SolverResult& result) {
   result.outcome = Outcome::failed;
   if (problem_ != nullptr) {
     result.outcome = runSimplex(watch, GLP_DUALP);
+    // GLPK falls over some bases that a change made singular. Afresh it has another one.
+    if (problem_ == nullptr && buildAgain()) result.outcome = runSimplex(watch, GLP_DUALP);
     // No dual feasible point leaves open whether there is a primal one; the primal method tells.
     const bool open = result.outcome == Outcome::optimal && glp_get_status(problem_) != GLP_OPT &&
                       glp_get_prim_stat(problem_) != GLP_NOFEAS;

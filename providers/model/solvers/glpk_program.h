@@ -38,6 +38,7 @@ class GlpkProgram : public IntegerEngine {
   static void perform(void* context);
   static void askInSearch(glp_tree* tree, void* context);
   void build();
+  bool buildAgain();
   void change();
   void setColumn(int j);
   void setRow(int i);

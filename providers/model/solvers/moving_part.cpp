@@ -8,25 +8,28 @@ namespace {
 
 constexpr int kTaken = 0;
 
-bool hasEntry(const LinearForm& form, std::size_t column) {
-  const auto begin = form.value.begin() + form.start[column];
-  const auto end = form.value.begin() + form.start[column + 1];
-  return std::any_of(begin, end, [](double value) { return value != 0; });
-}
-
 }  // namespace
 
 void MovingPart::choose(const LinearForm& form) {
   places_.assign(form.lower.size(), kTaken);
-  bool anythingRemains = false;
   for (std::size_t j = 0; j < places_.size(); ++j) {
-    if (standsStill(form.lower[j], form.upper[j])) {
-      places_[j] = leftOut;
-    } else {
-      anythingRemains = anythingRemains || hasEntry(form, j);
-    }
+    if (standsStill(form.lower[j], form.upper[j])) places_[j] = leftOut;
   }
-  if (!anythingRemains) places_.assign(places_.size(), kTaken);
+  number();
+  if (!hasEntries(form)) takeAll();
+}
+
+bool MovingPart::hasEntries(const LinearForm& form) const {
+  return std::any_of(columns_.begin(), columns_.end(), [&](int column) {
+    const auto j = static_cast<std::size_t>(column);
+    const auto begin = form.value.begin() + form.start[j];
+    const auto end = form.value.begin() + form.start[j + 1];
+    return std::any_of(begin, end, [](double value) { return value != 0; });
+  });
+}
+
+void MovingPart::takeAll() {
+  places_.assign(places_.size(), kTaken);
   number();
 }
 

@@ -16,8 +16,11 @@ class MovingPart {
  public:
   // Leaves out all columns that stand still now; none where nothing would remain.
   void choose(const LinearForm& form);
-  // Takes in the columns that were left out and do not stand still any more.
+  // Takes in the columns that were left out and do not stand still any more, or all of them.
   void takeIn(const LinearForm& form);
+  void takeAll();
+  // Whether a column of the part has a coefficient other than 0.
+  [[nodiscard]] bool hasEntries(const LinearForm& form) const;
   // Works out the bounds of the rows. REQUIRES that what is left out stands still.
   void shiftRows(const LinearForm& form);
 
