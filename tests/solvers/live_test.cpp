@@ -173,6 +173,21 @@ TEST_P(Live, columnsThatStandStillAddToTheirRows) {
   EXPECT_NEAR(result.level[1], 10.25, 1e-9);
 }
 
+// min x, x + a d >= 10 with d at 1.
+TEST_P(Live, theCoefficientOfAColumnThatStandsStillCounts) {
+  SmallModel model;
+  model.column(1, 0, 10);
+  model.column(0, 1, 1);
+  model.row({1, 2}, 10, kInf);
+  const auto live = openSolver(GetParam());
+  std::string reason;
+  ASSERT_TRUE(live->load(model.problem(), reason)) << reason;
+  EXPECT_NEAR(solveLive(*live, model).level[0], 8, 1e-9);
+  model.rows[0][1] = 5;
+  ASSERT_TRUE(live->update(model.problem()));
+  EXPECT_NEAR(solveLive(*live, model).level[0], 5, 1e-9);
+}
+
 // 2 x + d >= 1 and q1 + q2 = q3 with all but x standing still; then 2 becomes 0, and what is left
 // are sums that are off by rounding.
 TEST_P(Live, rowsOfWhichNothingMovesAreHeldToTheTolerance) {
