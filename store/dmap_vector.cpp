@@ -239,26 +239,37 @@ bool DMapVector::isEndBound(const VectorIterator& bound, const int* keys) const 
           std::lexicographical_compare(keysAt(0), keysAt(0) + width_, keys, keys + width_));
 }
 
-VectorIterator DMapVector::lowerBound(const int* keys) {
-  if (empty()) {
-    return end();
-  }
+// The row where `order`, the sign of a row's keys against those looked for, ends the search.
+template <class Order>
+int DMapVector::boundRow(const Order& order) const {
   int low = 0;
   int high = size();
   int middle = high / 2;
   if (high < 2) {
-    return at(middle);
+    return middle;
   }
-  int order = 0;
+  int sign = 0;
   do {
-    order = compareKeys(keysAt(middle), keys, width_);
-    if (order == 0) {
-      return at(middle);
+    sign = order(middle);
+    if (sign == 0) {
+      return middle;
     }
-    (order < 0 ? low : high) = middle;
+    (sign < 0 ? low : high) = middle;
     middle = low + (high - low) / 2;
   } while (high - low > 1);
-  return order < 0 ? end() : at(middle);
+  return sign < 0 ? size() : middle;
+}
+
+VectorIterator DMapVector::lowerBound(const int* keys) {
+  if (empty()) {
+    return end();
+  }
+  if (width_ == 1) {
+    const int* rows = keyArray_.data();
+    const int key = keys[0];
+    return at(boundRow([=](int row) { return compareKeys(rows + row, &key, 1); }));
+  }
+  return at(boundRow([&](int row) { return compareKeys(keysAt(row), keys, width_); }));
 }
 
 VectorIterator DMapVector::find(const int* keys) {

@@ -90,6 +90,8 @@ class DMapVector final : public IDMap<VectorIterator> {
   void setScalar(const double* values);
   VectorIterator keepPresent(int row);
   [[nodiscard]] bool fitsBefore(int row, const int* keys) const;
+  template <class Order>
+  [[nodiscard]] int boundRow(const Order& order) const;
   VectorIterator placeBefore(int row, const int* keys, const double* values);
 
   int dim_;

@@ -137,17 +137,33 @@ bool ClpProgram::setRows() {
   return changed;
 }
 
-bool ClpProgram::takeBounds(const Bounds& bounds, bool shiftsChanged) {
-  bool changed = false;
-  bool rowsMayChange = shiftsChanged;
-  bool moreMove = false;
+bool ClpProgram::lookAtBounds(const Bounds& bounds) {
+  changedColumns_.clear();
   for (int j = 0; j < form_.columnCount; ++j) {
     const auto k = static_cast<std::size_t>(j);
-    const double lower = bounds.lower[j];
-    const double upper = bounds.upper[j];
-    if (lower == form_.lower[k] && upper == form_.upper[k]) continue;
-    form_.lower[k] = lower;
-    form_.upper[k] = upper;
+    if (bounds.lower[j] == form_.lower[k] && bounds.upper[j] == form_.upper[k]) continue;
+    if (std::isnan(bounds.lower[j]) || std::isnan(bounds.upper[j])) return false;
+    changedColumns_.push_back(j);
+  }
+  changedRows_.clear();
+  for (int i = 0; i < form_.rowCount; ++i) {
+    const auto k = static_cast<std::size_t>(i);
+    if (bounds.rowLower[i] == form_.rowLower[k] && bounds.rowUpper[i] == form_.rowUpper[k]) {
+      continue;
+    }
+    if (std::isnan(bounds.rowLower[i]) || std::isnan(bounds.rowUpper[i])) return false;
+    changedRows_.push_back(i);
+  }
+  return true;
+}
+
+bool ClpProgram::takeBounds(const Bounds& bounds, bool shiftsChanged) {
+  bool changed = false;
+  bool rowsMayChange = shiftsChanged || !changedRows_.empty();
+  bool moreMove = false;
+  for (const int j : changedColumns_) {
+    const double lower = form_.lower[static_cast<std::size_t>(j)] = bounds.lower[j];
+    const double upper = form_.upper[static_cast<std::size_t>(j)] = bounds.upper[j];
     if (part_.place(j) == MovingPart::leftOut) {
       rowsMayChange = true;
       moreMove = moreMove || !MovingPart::standsStill(lower, upper);
@@ -156,14 +172,9 @@ bool ClpProgram::takeBounds(const Bounds& bounds, bool shiftsChanged) {
       changed = true;
     }
   }
-  for (int i = 0; i < form_.rowCount; ++i) {
-    const auto k = static_cast<std::size_t>(i);
-    if (bounds.rowLower[i] == form_.rowLower[k] && bounds.rowUpper[i] == form_.rowUpper[k]) {
-      continue;
-    }
-    form_.rowLower[k] = bounds.rowLower[i];
-    form_.rowUpper[k] = bounds.rowUpper[i];
-    rowsMayChange = true;
+  for (const int i : changedRows_) {
+    form_.rowLower[static_cast<std::size_t>(i)] = bounds.rowLower[i];
+    form_.rowUpper[static_cast<std::size_t>(i)] = bounds.rowUpper[i];
   }
   if (moreMove) {
     MovingPart more = part_;
@@ -175,11 +186,14 @@ bool ClpProgram::takeBounds(const Bounds& bounds, bool shiftsChanged) {
   return changed;
 }
 
-void ClpProgram::updateBounds(const SolverProblem& problem) {
+bool ClpProgram::updateBounds(const SolverProblem& problem) {
+  const Bounds bounds{problem.lower, problem.upper, problem.rowLower, problem.rowUpper};
+  if (!lookAtBounds(bounds)) return false;
   isWhole_ = false;
-  takeBounds({problem.lower, problem.upper, problem.rowLower, problem.rowUpper}, false);
+  takeBounds(bounds, false);
   method_ = Method::dual;
   isWhole_ = true;
+  return true;
 }
 
 ClpProgram::Changes ClpProgram::changesTo(const LinearForm& form) const {
@@ -200,6 +214,9 @@ ClpProgram::Changes ClpProgram::changesTo(const LinearForm& form) const {
 
 void ClpProgram::update(LinearForm& form) {
   isWhole_ = false;
+  const Bounds bounds{form.lower.data(), form.upper.data(), form.rowLower.data(),
+                      form.rowUpper.data()};
+  lookAtBounds(bounds);
   const Changes changes = changesTo(form);
   form_.cost.swap(form.cost);
   form_.value.swap(form.value);
@@ -211,9 +228,7 @@ void ClpProgram::update(LinearForm& form) {
     simplex_.replaceMatrix(new ClpPackedMatrix(packed(form_, part_)), true);
     reuse_ &= kLeaveWork;
   }
-  const bool boundsChanged =
-      takeBounds({form.lower.data(), form.upper.data(), form.rowLower.data(), form.rowUpper.data()},
-                 changes.shifts);
+  const bool boundsChanged = takeBounds(bounds, changes.shifts);
   if (changes.entries && !part_.hasEntries(form_)) {
     MovingPart all = part_;
     all.takeAll();

@@ -4,6 +4,7 @@
 #define ZTB_PROVIDERS_MODEL_SOLVERS_CLP_PROGRAM_H_
 
 #include <ClpSimplex.hpp>
+#include <vector>
 
 #include "providers/model/solvers/linear_form.h"
 #include "providers/model/solvers/moving_part.h"
@@ -16,9 +17,9 @@ class ClpProgram {
   void load(LinearForm form);
   // Takes `form` over and leaves it without a meaning. REQUIRES isWhole and the same shape.
   void update(LinearForm& form);
-  // Takes the bounds over alone. REQUIRES isWhole, that nothing else changed, that no column is
-  // integer, and that no bound is a NaN.
-  void updateBounds(const SolverProblem& problem);
+  // Takes the bounds over alone; false, with nothing taken, when one is a NaN. REQUIRES isWhole,
+  // that nothing else changed, and that no column is integer.
+  bool updateBounds(const SolverProblem& problem);
   // False from an exception in one of the three on, until a load: Clp has part of a problem.
   [[nodiscard]] bool isWhole() const { return isWhole_; }
   [[nodiscard]] const LinearForm& form() const { return form_; }
@@ -45,7 +46,9 @@ class ClpProgram {
   void handOver();
   void handOverMore(const MovingPart& more);
   bool setRows();  // whether any changed
-  // Whether any bound that Clp sees is another.
+  // Finds the columns and rows whose bounds changed; false when one of these is a NaN.
+  bool lookAtBounds(const Bounds& bounds);
+  // Takes them over. Whether any bound that Clp sees is another.
   bool takeBounds(const Bounds& bounds, bool shiftsChanged);
   [[nodiscard]] Changes changesTo(const LinearForm& form) const;
   // `reuse`: what Clp is to use of its last solve.
@@ -59,6 +62,7 @@ class ClpProgram {
   LinearForm form_;
   MovingPart part_;  // what Clp sees of it
   bool isWhole_ = false;
+  std::vector<int> changedColumns_, changedRows_;  // as lookAtBounds found them
   Method method_ = Method::dual;
   int reuse_ = 0;          // what the next run may use of the last one
   double iterations_ = 0;  // of the present solve, or of the last one between two

@@ -37,8 +37,7 @@ bool ClpSolver::onlyBoundsMayDiffer(const SolverProblem& problem) const {
 bool ClpSolver::update(const SolverProblem& problem) {
   if (!program_.isWhole()) return false;
   if (onlyBoundsMayDiffer(problem)) {
-    if (!boundsAreNumbers(problem)) return false;
-    program_.updateBounds(problem);
+    if (!program_.updateBounds(problem)) return false;
     problem_ = problem;
     return true;
   }

@@ -19,6 +19,10 @@ void copyInto(std::vector<T>& target, const T* source, int count) {
   }
 }
 
+bool anyNan(const std::vector<double>& values) {
+  return std::any_of(values.begin(), values.end(), [](double v) { return std::isnan(v); });
+}
+
 bool allFinite(const std::vector<double>& values) {
   return std::all_of(values.begin(), values.end(), [](double v) { return std::isfinite(v); });
 }
@@ -32,19 +36,6 @@ bool cross(const std::vector<double>& lower, const std::vector<double>& upper) {
 }
 
 }  // namespace
-
-// Without an early end, so that the compiler can look at several at a time.
-bool boundsAreNumbers(const SolverProblem& problem) {
-  const auto areNumbers = [](const double* values, int count) {
-    int nans = 0;
-    for (int k = 0; k < count; ++k) nans += static_cast<int>(std::isnan(values[k]));
-    return nans == 0;
-  };
-  return areNumbers(problem.lower, problem.columnCount) &&
-         areNumbers(problem.upper, problem.columnCount) &&
-         areNumbers(problem.rowLower, problem.rowCount) &&
-         areNumbers(problem.rowUpper, problem.rowCount);
-}
 
 bool LinearForm::take(const SolverProblem& problem, std::string& reason) {
   columnCount = problem.columnCount;
@@ -63,7 +54,7 @@ bool LinearForm::take(const SolverProblem& problem, std::string& reason) {
   copyInto(rowOf, problem.rowOf, start.back());
   copyInto(value, problem.value, start.back());
   hasIntegers = std::any_of(isInteger.begin(), isInteger.end(), [](char flag) { return flag; });
-  if (!foldProducts(problem, reason) || !numbersAreSound(problem, reason)) return false;
+  if (!foldProducts(problem, reason) || !numbersAreSound(reason)) return false;
 
   for (std::size_t j = 0; j < isInteger.size(); ++j) {
     if (isInteger[j] == 0) continue;
@@ -104,12 +95,12 @@ bool LinearForm::foldProducts(const SolverProblem& problem, std::string& reason)
   return true;
 }
 
-bool LinearForm::numbersAreSound(const SolverProblem& problem, std::string& reason) const {
+bool LinearForm::numbersAreSound(std::string& reason) const {
   if (!allFinite(cost) || !allFinite(value)) {
     reason = "the model has a coefficient that is not a finite number";
     return false;
   }
-  if (!boundsAreNumbers(problem)) {
+  if (anyNan(lower) || anyNan(upper) || anyNan(rowLower) || anyNan(rowUpper)) {
     reason = "the model has a bound or a right-hand side that is not a number";
     return false;
   }

@@ -14,9 +14,6 @@
 
 namespace lomu {
 
-// Whether no bound of a column or row is a NaN.
-bool boundsAreNumbers(const SolverProblem& problem);
-
 struct LinearForm {
   int columnCount = 0;
   int rowCount = 0;
@@ -40,7 +37,7 @@ struct LinearForm {
 
  private:
   bool foldProducts(const SolverProblem& problem, std::string& reason);
-  [[nodiscard]] bool numbersAreSound(const SolverProblem& problem, std::string& reason) const;
+  [[nodiscard]] bool numbersAreSound(std::string& reason) const;
 };
 
 }  // namespace lomu

@@ -42,20 +42,21 @@ void MovingPart::takeIn(const LinearForm& form) {
 
 void MovingPart::number() {
   columns_.clear();
+  others_.clear();
   for (std::size_t j = 0; j < places_.size(); ++j) {
-    if (places_[j] == leftOut) continue;
-    places_[j] = static_cast<int>(columns_.size());
-    columns_.push_back(static_cast<int>(j));
+    const bool isLeftOut = places_[j] == leftOut;
+    if (!isLeftOut) places_[j] = static_cast<int>(columns_.size());
+    (isLeftOut ? others_ : columns_).push_back(static_cast<int>(j));
   }
 }
 
 void MovingPart::shiftRows(const LinearForm& form) {
   rowLower_ = form.rowLower;
   rowUpper_ = form.rowUpper;
-  if (columns_.size() == places_.size()) return;
+  if (others_.empty()) return;
   shift_.assign(rowLower_.size(), 0.0);
-  for (std::size_t j = 0; j < places_.size(); ++j) {
-    if (places_[j] != leftOut) continue;
+  for (const int column : others_) {
+    const auto j = static_cast<std::size_t>(column);
     for (int e = form.start[j]; e < form.start[j + 1]; ++e) {
       const auto entry = static_cast<std::size_t>(e);
       shift_[static_cast<std::size_t>(form.rowOf[entry])] += form.value[entry] * form.lower[j];

@@ -41,6 +41,7 @@ class MovingPart {
 
   std::vector<int> places_;
   std::vector<int> columns_;
+  std::vector<int> others_;  // the columns that are left out
   std::vector<double> rowLower_, rowUpper_, shift_;
 };
 
