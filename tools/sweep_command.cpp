@@ -152,6 +152,8 @@ class Sweep {
     while (workers.busy()) {
       const std::optional<WorkerMessage> message = workers.next(std::chrono::milliseconds(200));
       if (!message) {
+        // The rate falls while a long scenario is solved.
+        if (done > 0) progress.step(progressText(done, count, secondsSince(start)));
         continue;
       }
       switch (message->kind) {
@@ -181,8 +183,9 @@ class Sweep {
 
   static std::string progressText(std::size_t done, std::size_t count, double seconds) {
     const double rate = static_cast<double>(done) / std::max(seconds, 1e-3);
-    return fmt::format("{} of {} solved, {:.0f} a second, {:.0f} s left", done,
-                       counted(count, "scenario"), rate, static_cast<double>(count - done) / rate);
+    return fmt::format("{} of {} solved, {:.{}f} a second, {:.0f} s left", done,
+                       counted(count, "scenario"), rate, rate < 10 ? 1 : 0,
+                       static_cast<double>(count - done) / rate);
   }
 
   // Puts together what was kept and what the parts hold; scenarios without any result have failed.
