@@ -94,7 +94,7 @@ class Model {
   }
   [[nodiscard]] double objective() const { return ztbModelObjective(handle_); }
   [[nodiscard]] double iterations() const { return ztbModelIterations(handle_); }
-  // Why the last call failed; empty when none did.
+  // Why the last call that failed did; empty when none did, and after a solve that worked.
   [[nodiscard]] std::string message() const { return ztbModelMessage(handle_); }
 
   // Names that had to be changed, one text each.
@@ -157,7 +157,7 @@ class ModelTie {
   double solve(ZString solver) {
     double seconds = 0;
     if (c__ztbcallsolvertimed(database_->handle(), solver.c_str(), &seconds) == 0) {
-      fail("ztbCallSolverTimed", model_->message());
+      fail("ztbCallSolverTimed", hidesReason() ? model_->message() : "");
     }
     return seconds;
   }
@@ -172,6 +172,11 @@ class ModelTie {
     const std::string file = std::string(directory.data()) + "vltcmpNT.txt";
     ztbCatalogueCheck(file.c_str(), reason.data(), static_cast<int>(reason.size()));
     fail("ztbInitUpdate", reason.data());
+  }
+  // Whether the library only tells that the solver, or the model library, failed.
+  [[nodiscard]] bool hidesReason() const {
+    const std::string text = database_->lastError().str();
+    return text == "callsolver failed" || text == "readyapi failed";
   }
   // The library's text, with `more` behind it where that says more.
   [[noreturn]] void fail(const char* operation, const std::string& more) const {

@@ -202,6 +202,15 @@ TEST_P(Live, ARefusalBehindAFailedSolveIsTheLastReason) {
   EXPECT_THAT(model_.message(), HasSubstr("TimeLimit"));
 }
 
+TEST_P(Live, AReasonOfAnOlderFailureIsNotTold) {
+  update(rate_, kInf);
+  EXPECT_NE(failureOf(*tie_, GetParam()), "");
+  EXPECT_EQ(failureOf(*tie_, "nosuch"), "Invalid solver name: nosuch");
+  update(rate_, 2);
+  EXPECT_EQ(failureOf(*tie_, GetParam()), "");
+  EXPECT_EQ(model_.message(), "");
+}
+
 // A coefficient that becomes 0 is the last that a solver sees where all other columns stand still.
 TEST_P(Live, ARowThatNothingMovesAnyMore) {
   ztb::Model model;

@@ -261,6 +261,7 @@ void ClpProgram::runUnscaled(Watch& watch) {
 }
 
 void ClpProgram::solve(Watch& watch, SolverResult& result) {
+  isWhole_ = false;
   if (iterations_ >= kWeightsWearOut) {
     ClpDualRowSteepest unweighted;
     simplex_.setDualRowPivotAlgorithm(unweighted);
@@ -289,6 +290,11 @@ void ClpProgram::solve(Watch& watch, SolverResult& result) {
   }
   if (result.hasPoint) leavePoint(result);
   result.iterations = iterations_;
+  isWhole_ = true;
+}
+
+void ClpProgram::forgetWork() {
+  reuse_ = kLeaveWork;
 }
 
 // Clp found no optimum. Whether there is a feasible point at all is asked without a cost, where

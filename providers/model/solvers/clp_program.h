@@ -20,13 +20,16 @@ class ClpProgram {
   // Takes the bounds over alone; false, with nothing taken, when one is a NaN. REQUIRES isWhole,
   // that nothing else changed, and that no column is integer.
   bool updateBounds(const SolverProblem& problem);
-  // False from an exception in one of the three on, until a load: Clp has part of a problem.
+  // False from an exception in one of these or in solve on, until a load: Clp has part of a
+  // problem.
   [[nodiscard]] bool isWhole() const { return isWhole_; }
   [[nodiscard]] const LinearForm& form() const { return form_; }
 
   // Fills `result` with what Clp finds; its point is within Clp's tolerance. REQUIRES isWhole and
   // bounds that do not cross.
   void solve(Watch& watch, SolverResult& result);
+  // The next solve is to use nothing of the last one but its basis.
+  void forgetWork();
 
  private:
   enum class Method { dual, primal };

@@ -55,6 +55,7 @@ void ClpSolver::solve(const SolverLimits& limits, SolverResult& result) {
     Watch watch(limits);
     program_.solve(watch, result);
     confirmPoint(problem_, result);
+    if (result.outcome == Outcome::failed) program_.forgetWork();
     return;
   } catch (CoinError& error) {
     result.reason = "clp: " + error.message();

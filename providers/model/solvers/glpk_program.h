@@ -1,6 +1,7 @@
 // A problem in GLPK that lives from solve to solve: what changed is handed over, and the next
 // simplex begins at the basis where the last one ended. After an error inside of GLPK the problem
-// is given up, and the next load or update makes it afresh.
+// is given up and made afresh: at once where it was the first simplex of a solve, else for the
+// next.
 #ifndef ZTB_PROVIDERS_MODEL_SOLVERS_GLPK_PROGRAM_H_
 #define ZTB_PROVIDERS_MODEL_SOLVERS_GLPK_PROGRAM_H_
 
