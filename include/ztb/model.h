@@ -127,8 +127,8 @@ const char* ztbModelSolveStatusText(int status);
  * solve clears the request. */
 void ztbModelTerminate(ztbModel* model);
 
-/* The reason of the last refusal or failed solve of this model; empty when there was none, and after
- * a solve that worked. */
+/* The reason of the last refusal or failed solve of this model; empty when there was none, and
+ * after a solve that worked. */
 const char* ztbModelMessage(ztbModel* model);
 
 /* Names that the dictionary had to change, one text each: 0 <= number < count. */

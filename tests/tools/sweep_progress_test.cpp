@@ -93,7 +93,8 @@ TEST_F(SweepProgressTest, CountsTheScenariosThatAllWorkersHaveSolved) {
                              "out.rxf", "--solver", "glpk", "--jobs", "2"},
                             terminal.path());
   terminal.leaveToPrograms();
-  EXPECT_TRUE(terminal.waitFor("\\r[^\\r]*4 of 5 scenarios solved, [0-9.]+ a second, [0-9]+ s left"))
+  EXPECT_TRUE(
+      terminal.waitFor("\\r[^\\r]*4 of 5 scenarios solved, [0-9.]+ a second, [0-9]+ s left"))
       << terminal.text().substr(0, 400);
   // The last one goes on and on, and with it the rate falls.
   EXPECT_TRUE(terminal.waitFor("4 of 5 scenarios solved, [0-6]\\.[0-9] a second"))
