@@ -112,6 +112,7 @@ void ClpProgram::handOverMore(const MovingPart& more) {
                          : simplex_.getColumnStatus(part_.place(j)));
   }
   std::vector<ClpSimplex::Status> rowStatus;
+  rowStatus.reserve(static_cast<std::size_t>(form_.rowCount));
   for (int i = 0; i < form_.rowCount; ++i) rowStatus.push_back(simplex_.getRowStatus(i));
   part_ = more;
   handOver();
