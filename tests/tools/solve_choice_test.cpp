@@ -1,4 +1,5 @@
-// ztb solve: which solver it takes when none is named, and which results it refuses to write.
+// ztb solve and sweep: which solver they take when none is named, and which results ztb solve
+// refuses to write.
 #include <gmock/gmock.h>
 
 #include <string>
@@ -57,6 +58,21 @@ TEST_F(SolveChoiceTest, GoesByTheBoundsOfTheData) {
   rate.setUpper(5);
   database.write(path("d.rxf"));
   EXPECT_THAT(solved({"f.lp", "--data", "d.rxf"}), HasSubstr("solver      ipopt"));
+}
+
+// A sweep fixes the parameters of every scenario, so that their products are linear.
+TEST_F(SolveChoiceTest, OfASweepGoesByFixedParameters) {
+  ztb::Database database;
+  ztb::Symbol s = database.addSet("s", {"*"});
+  ztb::Symbol rate = database.addParameter("rate", {s});
+  for (const char* label : {"low", "high"}) s.add(label);
+  rate.add("low").setLevel(2);
+  rate.add("high").setLevel(2.5);
+  database.write(path("sc.rxf"));
+  const std::string text =
+      ztbFine({"sweep", "i.lp", "--scenarios", "sc.rxf", "--over", "s", "--out", "out.rxf"});
+  EXPECT_THAT(text, HasSubstr("2 scenarios: 2 optimal"));
+  EXPECT_THAT(text, HasSubstr("lowest 12 (low), highest 12.5 (high)"));
 }
 
 // The file is read before anything is solved, and would be gone behind it.
