@@ -11,12 +11,12 @@
 #include <array>
 #include <cstdint>
 #include <memory>
-#include <string>
+#include <string_view>
 #include <vector>
 
+#include "providers/rxf/block_reader.h"
 #include "providers/rxf/decoded_block.h"
 #include "providers/rxf/error_log.h"
-#include "providers/rxf/frame.h"
 #include "providers/rxf/input_file.h"
 #include "providers/rxf/record_piece.h"
 #include "providers/rxf/special_table.h"
@@ -27,7 +27,7 @@ namespace rxffile {
 
 class RecordStream {
  public:
-  RecordStream(const InputFile& file, Decompressor& decompressor, ErrorLog& log);
+  RecordStream(const InputFile& file, ErrorLog& log);
 
   // Begins with a symbol and returns how many records next() will deliver. `labelCount` bounds the
   // keys; special values are delivered as `specials` has them. `entry` is to stay until stop().
@@ -42,32 +42,20 @@ class RecordStream {
   // Ends delivery.
   void stop();
 
-  [[nodiscard]] bool open() const { return entry_ != nullptr; }
+  [[nodiscard]] bool open() const { return open_; }
 
  private:
-  // A block that was verified and not kept.
-  struct Waiting {
-    std::uint32_t index;
-    std::uint64_t offset;
-    std::uint64_t checksum;
-  };
-
   bool nextBlock();
   std::uint32_t verifyBlocks();
-  FrameHead readBlock(std::uint32_t index, std::uint64_t& offset, DecodedBlock& block);
-  bool reload(const Waiting& waiting, DecodedBlock& block);
+  bool reload(const BlockReader::Place& waiting, DecodedBlock& block);
   void recordDamage(std::uint32_t index, const char* reason, const char* consequence);
   void joinToPrevious(std::size_t count);
   DecodedBlock& blockToKeep();
 
-  const InputFile& file_;
-  Decompressor& decompressor_;
   ErrorLog& log_;
-
-  const SymbolEntry* entry_ = nullptr;
-  std::uint32_t number_ = 0;
-  std::string name_;
-  std::uint32_t labelCount_ = 0;
+  Decompressor decompressor_;
+  BlockReader reader_;
+  bool open_ = false;
   SpecialTable specials_;
   std::size_t dim_ = 0;
 
@@ -75,7 +63,7 @@ class RecordStream {
   std::vector<std::unique_ptr<DecodedBlock>> blocks_;
   std::size_t kept_ = 0;
   // Those behind them, to be read again.
-  std::vector<Waiting> waiting_;
+  std::vector<BlockReader::Place> waiting_;
 
   // Where delivery is.
   DecodedBlock* current_ = nullptr;

@@ -5,6 +5,7 @@
 #include <new>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "providers/rxf/failure.h"
 #include "providers/rxf/names.h"
@@ -61,8 +62,10 @@ int RxfObject::openGuarded(const char* fileName, const Open& open) {
 
 int RxfObject::openRead(const char* fileName) {
   return openGuarded(fileName, [&] {
-    reader_ = std::make_unique<RxfReader>(calls_, fileName, log_);
-    piece_ = &reader_->stream().piece();
+    auto reader = std::make_unique<RxfReader>(calls_, fileName);
+    stream_ = std::make_unique<RecordStream>(reader->file(), log_);
+    reader_ = std::move(reader);
+    piece_ = &stream_->piece();
   });
 }
 
@@ -79,6 +82,7 @@ int RxfObject::recordOpening(ErrorNumber number, const DetailText& detail) {
 
 int RxfObject::close() {
   piece_ = nullptr;
+  stream_.reset();
   reader_.reset();
   if (writer_ == nullptr) return 0;
   const std::unique_ptr<RxfWriter> writer = std::move(writer_);
@@ -204,9 +208,8 @@ bool RxfObject::label(int number, char* label) {
 
 int RxfObject::startReading(int number, bool& started) {
   if (!reading("start of reading")) return 0;
-  RecordStream& stream = reader_->stream();
-  if (stream.open()) recordOrder("start of reading before the end of the last");
-  stream.stop();
+  if (stream_->open()) recordOrder("start of reading before the end of the last");
+  stream_->stop();
   if (!holdsSymbol(number)) return 0;
   const auto index = static_cast<std::uint32_t>(number);
   const SymbolEntry& entry = reader_->symbols().at(index);
@@ -217,21 +220,21 @@ int RxfObject::startReading(int number, bool& started) {
     return 0;
   }
   const std::uint32_t count =
-      stream.start(entry, index, name, reader_->labels().size(), readSpecials_);
+      stream_->start(entry, index, name, reader_->labels().size(), readSpecials_);
   started = true;
   return static_cast<int>(count);
 }
 
 bool RxfObject::readOn(int* keys, double* values, int* firstChanged) {
   if (!reading("reading a record")) return false;
-  if (!reader_->stream().open()) return recordOrder("reading a record without a start");
-  return reader_->stream().refill() && piece_->take(keys, values, firstChanged);
+  if (!stream_->open()) return recordOrder("reading a record without a start");
+  return stream_->refill() && piece_->take(keys, values, firstChanged);
 }
 
 bool RxfObject::finishReading() {
   if (!reading("end of reading")) return false;
-  if (!reader_->stream().open()) return recordOrder("end of reading without a start");
-  reader_->stream().stop();
+  if (!stream_->open()) return recordOrder("end of reading without a start");
+  stream_->stop();
   return true;
 }
 
@@ -262,7 +265,7 @@ bool RxfObject::setDomainNames(int number, const char* const* names) {
 
 void RxfObject::takeException() noexcept {
   if (writer_ != nullptr) writer_->abandon();
-  if (reader_ != nullptr) reader_->stream().stop();
+  if (stream_ != nullptr) stream_->stop();
   try {
     throw;
   } catch (const Failure& failure) {

@@ -11,6 +11,7 @@
 #include <memory>
 
 #include "providers/rxf/error_log.h"
+#include "providers/rxf/record_stream.h"
 #include "providers/rxf/rxf_reader.h"
 #include "providers/rxf/rxf_writer.h"
 #include "providers/rxf/special_table.h"
@@ -91,13 +92,15 @@ class RxfObject {
   template <typename Open>
   int openGuarded(const char* fileName, const Open& open);
 
-  // The records that wait in the reader's stream; null without a reader.
+  // The records that wait in the stream; null without a reader.
   RecordPiece* piece_ = nullptr;
   SystemCalls& calls_;
   ErrorLog log_;
   SpecialTable writeSpecials_;
   SpecialTable readSpecials_;
   std::unique_ptr<RxfReader> reader_;
+  // Of the file that is read; there with the reader.
+  std::unique_ptr<RecordStream> stream_;
   std::unique_ptr<RxfWriter> writer_;
 };
 

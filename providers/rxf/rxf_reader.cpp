@@ -4,6 +4,7 @@
 #include "providers/rxf/frame.h"
 #include "providers/rxf/names.h"
 #include "providers/rxf/table_reader.h"
+#include "providers/rxf/zstd_codec.h"
 
 namespace rxffile {
 
@@ -18,15 +19,16 @@ std::string_view takeText(ByteReader& in) {
 
 }  // namespace
 
-RxfReader::RxfReader(SystemCalls& calls, const std::string& path, ErrorLog& log)
-    : file_(calls, path), header_(FileHeader::read(file_)), stream_(file_, decompressor_, log) {
+RxfReader::RxfReader(SystemCalls& calls, const std::string& path)
+    : file_(calls, path), header_(FileHeader::read(file_)) {
   readTables();
 }
 
 void RxfReader::readTables() {
-  TableReader info(file_, decompressor_, kInfoKind, "information");
+  Decompressor decompressor;
+  TableReader info(file_, decompressor, kInfoKind, "information");
   info.read(header_.info, 1, [&](ByteReader& in) { producer_ = takeText(in); });
-  TableReader labels(file_, decompressor_, kLabelKind, "label");
+  TableReader labels(file_, decompressor, kLabelKind, "label");
   labels.read(header_.labels, header_.labelCount, [&](ByteReader& in) {
     const std::string_view label = in.text();
     if (trimmedLabel(label) != label || labelRefusal(label) != nullptr) {
@@ -34,9 +36,9 @@ void RxfReader::readTables() {
     }
     if (labels_.add(label) == 0) throw Malformed(DetailText("label stands twice"));
   });
-  TableReader texts(file_, decompressor_, kTextKind, "text");
+  TableReader texts(file_, decompressor, kTextKind, "text");
   texts.read(header_.texts, header_.textCount, [&](ByteReader& in) { texts_.add(takeText(in)); });
-  TableReader symbols(file_, decompressor_, kSymbolKind, "symbol");
+  TableReader symbols(file_, decompressor, kSymbolKind, "symbol");
   symbols.read(header_.symbols, header_.symbolCount,
                [&](ByteReader& in) { symbols_.decodeNext(in, header_); });
 }

@@ -7,14 +7,11 @@
 #include <string>
 #include <string_view>
 
-#include "providers/rxf/error_log.h"
 #include "providers/rxf/file_header.h"
 #include "providers/rxf/input_file.h"
 #include "providers/rxf/name_list.h"
-#include "providers/rxf/record_stream.h"
 #include "providers/rxf/string_table.h"
 #include "providers/rxf/symbol_directory.h"
-#include "providers/rxf/zstd_codec.h"
 
 namespace rxffile {
 
@@ -22,27 +19,23 @@ class RxfReader {
  public:
   // Opens a file and verifies everything but the records. Failures: those of InputFile and of
   // FileHeader::read, damaged with the place, limitExceeded.
-  RxfReader(SystemCalls& calls, const std::string& path, ErrorLog& log);
+  RxfReader(SystemCalls& calls, const std::string& path);
 
+  [[nodiscard]] const InputFile& file() const { return file_; }
   [[nodiscard]] const std::string& producer() const { return producer_; }
   [[nodiscard]] const NameList& labels() const { return labels_; }
   [[nodiscard]] const StringTable& texts() const { return texts_; }
   [[nodiscard]] const SymbolDirectory& symbols() const { return symbols_; }
-
-  // The one stream of records that can be open at a time.
-  RecordStream& stream() { return stream_; }
 
  private:
   void readTables();
 
   InputFile file_;
   FileHeader header_;
-  Decompressor decompressor_;
   std::string producer_;
   NameList labels_;
   StringTable texts_;
   SymbolDirectory symbols_;
-  RecordStream stream_;
 };
 
 }  // namespace rxffile

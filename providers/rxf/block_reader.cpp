@@ -1,0 +1,85 @@
+#include "providers/rxf/block_reader.h"
+
+#include <algorithm>
+
+#include "providers/rxf/failure.h"
+
+namespace rxffile {
+
+void BlockReader::start(const SymbolEntry& entry, std::uint32_t number, std::string_view name,
+                        std::uint32_t labelCount) {
+  entry_ = &entry;
+  number_ = number;
+  name_ = name;
+  labelCount_ = labelCount;
+  index_ = 0;
+  offset_ = entry.dataOffset;
+  place_ = {};
+  lost_ = false;
+  first_ = true;
+}
+
+void BlockReader::next(DecodedBlock& block) {
+  place_ = {index_, offset_, 0};
+  try {
+    const FrameHead head = readBlock(index_, offset_, block);
+    place_.checksum = head.bodyChecksum;
+    block.verify(head.count, entry_->dim, slotsOfType(entry_->type), labelCount_, decompressor_);
+    checkOrder(block);
+  } catch (const Malformed&) {
+    lost_ = offset_ == place_.offset;
+    index_ = lost_ ? entry_->blockCount() : index_ + 1;
+    throw;
+  }
+  ++index_;
+}
+
+// Throws Malformed when the records do not come behind those of the whole block before.
+void BlockReader::checkOrder(const DecodedBlock& block) {
+  const std::size_t dim = static_cast<std::size_t>(entry_->dim);
+  const std::uint32_t* first = block.keys().firstKeys();
+  if (!first_ &&
+      !std::lexicographical_compare(last_.begin(), last_.begin() + dim, first, first + dim)) {
+    throw Malformed(DetailText("its records do not ascend from the block before"));
+  }
+  std::copy_n(block.keys().lastKeys(), dim, last_.begin());
+  first_ = false;
+}
+
+void BlockReader::again(const Place& place, DecodedBlock& block) {
+  std::uint64_t offset = place.offset;
+  const FrameHead head = readBlock(place.index, offset, block);
+  if (head.bodyChecksum != place.checksum) throw Malformed(DetailText("it is another block"));
+  block.parse(head.count, entry_->dim, slotsOfType(entry_->type), labelCount_, decompressor_);
+}
+
+// Reads block `index` at `offset`, which moves behind the block as soon as its head is known to be
+// right, and checks it against its checksums. Throws Malformed, Failure.
+FrameHead BlockReader::readBlock(std::uint32_t index, std::uint64_t& offset, DecodedBlock& block) {
+  const std::uint64_t end = entry_->dataOffset + entry_->dataLength;
+  if (end - offset < kFrameHeadBytes) throw Malformed(DetailText("no room for its head"));
+  FrameHead::Encoded bytes;
+  file_.read(offset, bytes.data(), bytes.size());
+  const FrameHead head = FrameHead::decode(bytes, kRecordKind, number_, index);
+  const std::uint64_t bodyAt = offset + kFrameHeadBytes;
+  if (head.bodyLength > kMaxBlockBytes || head.bodyLength > end - bodyAt) {
+    throw Malformed(DetailText("%u bytes go beyond the symbol's data", head.bodyLength));
+  }
+  offset = bodyAt + head.bodyLength;
+  const std::uint32_t expected =
+      std::min(kBlockRecords, entry_->recordCount - index * kBlockRecords);
+  if (head.count != expected) {
+    throw Malformed(DetailText("%u records, expected %u", head.count, expected));
+  }
+  std::uint8_t* body = block.body(head.bodyLength);
+  file_.read(bodyAt, body, head.bodyLength);
+  head.verifyBody(body);
+  return head;
+}
+
+DetailText BlockReader::damageText(std::uint32_t index, const char* reason) const {
+  return DetailText("block %u of %u of symbol %s in %s: %s", index + 1, entry_->blockCount(),
+                    name_.c_str(), file_.shownName().c_str(), reason);
+}
+
+}  // namespace rxffile

@@ -1,0 +1,86 @@
+// The blocks of one symbol's records, in the order of the file, each verified before anything of it
+// is handed out.
+//
+// Both the stream that delivers record by record and the reader that hands out columns stand on
+// this one.
+#ifndef ZTB_PROVIDERS_RXF_BLOCK_READER_H_
+#define ZTB_PROVIDERS_RXF_BLOCK_READER_H_
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "providers/rxf/decoded_block.h"
+#include "providers/rxf/detail_text.h"
+#include "providers/rxf/frame.h"
+#include "providers/rxf/input_file.h"
+#include "providers/rxf/limits.h"
+#include "providers/rxf/symbol_entry.h"
+#include "providers/rxf/zstd_codec.h"
+
+namespace rxffile {
+
+class BlockReader {
+ public:
+  // Where a block stands and what it is, to read it a second time.
+  struct Place {
+    std::uint32_t index = 0;
+    std::uint64_t offset = 0;
+    std::uint64_t checksum = 0;
+  };
+
+  BlockReader(const InputFile& file, Decompressor& decompressor)
+      : file_(file), decompressor_(decompressor) {}
+
+  // Begins with the first block of a symbol. `labelCount` bounds the keys. `entry` is to stay until
+  // the next start.
+  void start(const SymbolEntry& entry, std::uint32_t number, std::string_view name,
+             std::uint32_t labelCount);
+
+  // Whether no block is left.
+  [[nodiscard]] bool atEnd() const { return index_ == entry_->blockCount(); }
+
+  // The block that next() reads, or that it failed to read: its index, from 0, and its offset.
+  [[nodiscard]] const Place& place() const { return place_; }
+
+  // Reads the next block into `block` and verifies all of it, also that its records come behind
+  // those of the whole block before. Throws Malformed when it is damaged, and Failure when the file
+  // cannot be read. After Malformed the next call is for the block behind; when the length of the
+  // damaged one is not known there is none, and lost() holds. REQUIRES: not atEnd().
+  void next(DecodedBlock& block);
+
+  // Whether the blocks behind the damaged one cannot be found.
+  [[nodiscard]] bool lost() const { return lost_; }
+
+  // Reads a block again that next() has verified. Throws Malformed when it is another now, and
+  // Failure.
+  void again(const Place& place, DecodedBlock& block);
+
+  // "block 2 of 3 of symbol p in FILE: REASON".
+  [[nodiscard]] DetailText damageText(std::uint32_t index, const char* reason) const;
+
+ private:
+  FrameHead readBlock(std::uint32_t index, std::uint64_t& offset, DecodedBlock& block);
+  void checkOrder(const DecodedBlock& block);
+
+  const InputFile& file_;
+  Decompressor& decompressor_;
+
+  const SymbolEntry* entry_ = nullptr;
+  std::uint32_t number_ = 0;
+  std::string name_;
+  std::uint32_t labelCount_ = 0;
+
+  std::uint32_t index_ = 0;
+  std::uint64_t offset_ = 0;
+  Place place_;
+  bool lost_ = false;
+  // Keys of the last record of the last whole block, unless there was none yet.
+  std::array<std::uint32_t, kMaxDimension> last_{};
+  bool first_ = true;
+};
+
+}  // namespace rxffile
+
+#endif  // ZTB_PROVIDERS_RXF_BLOCK_READER_H_
