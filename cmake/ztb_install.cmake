@@ -1,8 +1,9 @@
 # What `cmake --install` puts in place: a tree of lib/, bin/ and include/ that works wherever it is
 # moved to, with a CMake package and a pkg-config file that find everything by relative paths.
 #
-#   find_package(ztb)   gives ztb::ztbcclib64, the library for C, and ztb::ztb, the C++ wrapper
-#   pkg-config ztb      the same for other build systems
+#   find_package(ztb)   gives ztb::ztbcclib64, the library for C, and ztb::ztb, the C++ wrapper;
+#                       ztb::rxf for programs that look into exchange files (ztb/rxf.h, rxf.hpp)
+#   pkg-config ztb      the same for other build systems; ztb-rxf for exchange files
 
 include(CMakePackageConfigHelpers)
 
@@ -17,7 +18,11 @@ add_library(ztb::ztbcclib64 ALIAS ztbcclib64)
 install(TARGETS ztbcclib64 ztb_wrapper EXPORT ztb-targets LIBRARY DESTINATION lib)
 # The library opens these at run time; they are found in the same folder, and the solver catalogue
 # beside them.
-install(TARGETS rxfcclib64 nmtmdclib64 LIBRARY DESTINATION lib)
+install(TARGETS nmtmdclib64 LIBRARY DESTINATION lib)
+# Programs that look into exchange files link this one, which the library opens too.
+set_target_properties(rxfcclib64 PROPERTIES EXPORT_NAME rxf)
+install(TARGETS rxfcclib64 EXPORT ztb-targets LIBRARY DESTINATION lib)
+add_library(ztb::rxf ALIAS rxfcclib64)
 # Programs that open models link this one.
 install(TARGETS lomudclib64 EXPORT ztb-targets LIBRARY DESTINATION lib)
 add_library(ztb::lomudclib64 ALIAS lomudclib64)
@@ -39,5 +44,8 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/ztb-config.cmake
               ${CMAKE_CURRENT_BINARY_DIR}/ztb-config-version.cmake
         DESTINATION ${ZTB_PACKAGE_FOLDER})
 
-configure_file(${PROJECT_SOURCE_DIR}/cmake/ztb.pc.in ${CMAKE_CURRENT_BINARY_DIR}/ztb.pc @ONLY)
-install(FILES ${CMAKE_CURRENT_BINARY_DIR}/ztb.pc DESTINATION lib/pkgconfig)
+foreach(package ztb ztb-rxf)
+  configure_file(${PROJECT_SOURCE_DIR}/cmake/${package}.pc.in
+    ${CMAKE_CURRENT_BINARY_DIR}/${package}.pc @ONLY)
+  install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${package}.pc DESTINATION lib/pkgconfig)
+endforeach()

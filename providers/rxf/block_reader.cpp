@@ -21,17 +21,20 @@ void BlockReader::start(const SymbolEntry& entry, std::uint32_t number, std::str
 
 void BlockReader::next(DecodedBlock& block) {
   place_ = {index_, offset_, 0};
+  std::uint64_t behind = offset_;
   try {
-    const FrameHead head = readBlock(index_, offset_, block);
+    const FrameHead head = readBlock(index_, behind, block);
     place_.checksum = head.bodyChecksum;
     block.verify(head.count, entry_->dim, slotsOfType(entry_->type), labelCount_, decompressor_);
     checkOrder(block);
   } catch (const Malformed&) {
-    lost_ = offset_ == place_.offset;
+    lost_ = behind == offset_;
     index_ = lost_ ? entry_->blockCount() : index_ + 1;
+    offset_ = behind;
     throw;
   }
   ++index_;
+  offset_ = behind;
 }
 
 // Throws Malformed when the records do not come behind those of the whole block before.

@@ -1,8 +1,10 @@
 #include "providers/rxf/error_log.h"
 
-#include <cstdio>
+#include <cstddef>
 #include <limits>
 #include <new>
+
+#include "providers/rxf/message_text.h"
 
 namespace rxffile {
 
@@ -36,17 +38,9 @@ int ErrorLog::takeLatest() {
 
 void ErrorLog::compose(int number, char* text) const {
   constexpr std::size_t room = 256;
-  const char* general = generalErrorText(number);
-  if (general == nullptr) {
-    std::snprintf(text, room, "Unknown error number %d", number);
-    return;
-  }
-  const DetailText& detail = details_.at(static_cast<unsigned>(number));
-  if (detail.empty()) {
-    std::snprintf(text, room, "%s", general);
-  } else {
-    std::snprintf(text, room, "%s: %s", general, detail.c_str());
-  }
+  const bool known = number > 0 && number < kErrorNumberEnd;
+  composeMessage(number, known ? details_.at(static_cast<unsigned>(number)) : DetailText(), text,
+                 room);
 }
 
 void ErrorLog::clear() {

@@ -1,7 +1,9 @@
-// A numbered list of texts, kept in one piece of memory. Numbers count from 1 in order of adding.
+// A numbered list of texts, kept in one piece of memory, each with a zero behind it. Numbers count
+// from 1 in order of adding.
 #ifndef ZTB_PROVIDERS_RXF_STRING_TABLE_H_
 #define ZTB_PROVIDERS_RXF_STRING_TABLE_H_
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
@@ -15,18 +17,21 @@ class StringTable {
 
   // Adds a text at the end. Either it is added whole or, when memory ran out, nothing changed.
   void add(std::string_view text) {
-    ends_.push_back(characters_.size() + text.size());
+    const std::size_t begin = characters_.size();
+    ends_.push_back(begin + text.size());
     try {
-      characters_.insert(characters_.end(), text.begin(), text.end());
+      characters_.resize(begin + text.size() + 1);
+      std::copy(text.begin(), text.end(), characters_.begin() + static_cast<std::ptrdiff_t>(begin));
     } catch (...) {
       ends_.pop_back();
       throw;
     }
   }
 
-  // Text of a number. REQUIRES: 1 <= number <= size(). The view is valid until the next add.
+  // Text of a number. REQUIRES: 1 <= number <= size(). The view is valid until the next add,
+  // and a zero follows it.
   [[nodiscard]] std::string_view at(std::uint32_t number) const {
-    const std::size_t begin = number == 1 ? 0 : ends_[number - 2];
+    const std::size_t begin = number == 1 ? 0 : ends_[number - 2] + 1;
     return {characters_.data() + begin, ends_[number - 1] - begin};
   }
 

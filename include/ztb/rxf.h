@@ -1,0 +1,142 @@
+/* Looking into exchange files (RXF) without a database: symbols, labels, texts, and records by
+ * columns, block by block, in constant memory.
+ *
+ *   ztbRxfFile* file;
+ *   ztbRxfRecords* records;
+ *   char message[512];
+ *   int count;
+ *   if (!ztbRxfOpen(&file, "diet.rxf", message, sizeof message) ||
+ *       !ztbRxfRecordsOpen(&records, file, ztbRxfFindSymbol(file, "price"), message, sizeof
+ * message)) { puts(message);
+ *   }
+ *   while ((count = ztbRxfNextBlock(records)) > 0) {
+ *     const int* food = ztbRxfKeys(records, 0);
+ *     const double* price = ztbRxfValues(records, 0);
+ *     for (int i = 0; i < count; ++i) printf("%s %g\n", ztbRxfLabel(file, food[i]), price[i]);
+ *   }
+ *   if (count < 0) puts(ztbRxfMessage(records));
+ *
+ * Whatever is handed out was verified: at the opening everything but the records, a block of
+ * records before its first record is there. The functions stand in librxfcclib64.so; link with it,
+ * or open it at run time.
+ *
+ * Labels, texts and symbols are numbered from 1; the universe of all labels is symbol 0, named "*",
+ * a set of one position with a record for each label. Texts that are returned stay until the file
+ * is closed. A number that does not exist, and a null handle, give null or 0.
+ *
+ * An open file may be used by several threads at once; each ztbRxfRecords by one at a time.
+ */
+#ifndef ZTB_RXF_H_
+#define ZTB_RXF_H_
+
+#include <ztb/types.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+typedef struct ztbRxfFileRec ztbRxfFile;
+typedef struct ztbRxfRecordsRec ztbRxfRecords;
+
+/* Records of a block at most; every block of a symbol but the last has as many. */
+enum { ZTB_RXF_BLOCK_RECORDS = 65536 };
+
+/* What is known of the domains of a symbol. */
+enum {
+  ZTB_RXF_DOMAIN_NONE = 0,   /* nothing: "*" at each position */
+  ZTB_RXF_DOMAIN_NAMES = 2,  /* names, which need not be those of sets */
+  ZTB_RXF_DOMAIN_CHECKED = 3 /* sets; each record was held against them when the file was written */
+};
+
+typedef struct ztbRxfSymbolInfo {
+  const char* name;
+  const char* text; /* explanatory text */
+  int type;         /* ZTB_SET to ZTB_ALIAS */
+  int dimension;
+  int valueCount;  /* values of a record: 1, or 5 for a variable or equation */
+  int userInfo;    /* as a database has it: of an equation its subtype; 0 of an alias */
+  int recordCount; /* of an alias, as the dimension, that of its set */
+  int domainKind;
+  int aliasTarget; /* of an alias the number of its set, 0 for the universe; otherwise -1 */
+} ztbRxfSymbolInfo;
+
+/* Opens a file and verifies everything but the records. 1, or 0 with the reason in `message`, cut
+ * to `messageSize` bytes with its final zero, and *file null. The file stays the one that was
+ * opened when another is published under its name. */
+int ztbRxfOpen(ztbRxfFile** file, const char* path, char* message, int messageSize);
+
+/* Closes the file and sets *file to null. Records that are being read can be read on. */
+void ztbRxfClose(ztbRxfFile** file);
+
+/* The version of the format, the producer that was named when the file was written, and the length
+ * of the file in bytes. */
+int ztbRxfVersion(const ztbRxfFile* file);
+const char* ztbRxfProducer(const ztbRxfFile* file);
+unsigned long long ztbRxfSize(const ztbRxfFile* file);
+
+/* Labels; finding folds the case of ASCII letters and gives 0 for a label that is not there. */
+int ztbRxfLabelCount(const ztbRxfFile* file);
+const char* ztbRxfLabel(const ztbRxfFile* file, int number);
+int ztbRxfFindLabel(const ztbRxfFile* file, const char* label);
+
+/* Explanatory texts of set elements. The number of an element's text is its value; 0, which has no
+ * entry here, is the empty text and gives "". */
+int ztbRxfTextCount(const ztbRxfFile* file);
+const char* ztbRxfText(const ztbRxfFile* file, int number);
+
+/* Symbols, the universe not counted. Finding folds the case of ASCII letters and gives -1 for a
+ * name that is not there, 0 for "*". */
+int ztbRxfSymbolCount(const ztbRxfFile* file);
+int ztbRxfFindSymbol(const ztbRxfFile* file, const char* name);
+
+/* Fills *info; 0 when there is no such symbol. */
+int ztbRxfSymbol(const ztbRxfFile* file, int number, ztbRxfSymbolInfo* info);
+
+/* The domain of a position, from 0, as the file names it; "*" is the universe, and stands at every
+ * position of an alias. */
+const char* ztbRxfDomain(const ztbRxfFile* file, int symbol, int position);
+
+/* Bytes that the records of a symbol take in a database, about; `store` is ZTB_STORAGE_TREE_MAP,
+ * ZTB_STORAGE_VECTOR or ZTB_STORAGE_TRIE. */
+unsigned long long ztbRxfMemory(const ztbRxfFile* file, int symbol, int store);
+
+/* Begins to read the records of a symbol; those of an alias are its set's. 1, or 0 with the reason
+ * in `message` and *records null. Several may be read at once. */
+int ztbRxfRecordsOpen(ztbRxfRecords** records, ztbRxfFile* file, int symbol, char* message,
+                      int messageSize);
+
+/* Ends reading and sets *records to null. */
+void ztbRxfRecordsClose(ztbRxfRecords** records);
+
+/* Reads and verifies the next block and gives the number of its records; 0 behind the last block.
+ * -1 when the block is damaged, the file cannot be read, or was changed since it was opened:
+ * nothing of the block is handed out then, and every further call gives -1 again. */
+int ztbRxfNextBlock(ztbRxfRecords* records);
+
+/* The records of the present block by columns: the label numbers at a position, and the values of a
+ * slot, from 0. Records ascend by label numbers, the first position most significant. Special
+ * values are those of c__ztbgetspecialvalues. Valid until the next call for these records. */
+const int* ztbRxfKeys(const ztbRxfRecords* records, int position);
+const double* ztbRxfValues(const ztbRxfRecords* records, int slot);
+
+/* Back to the first block, also after a failure. A first block that is present is not read again.
+ */
+void ztbRxfRewind(ztbRxfRecords* records);
+
+/* Goes on behind a damaged block, whose records are then missing: 1 when ztbRxfNextBlock can be
+ * asked for what follows it, 0 when nothing behind it can be found or there was no damage. */
+int ztbRxfSkipDamage(ztbRxfRecords* records);
+
+/* Why ztbRxfNextBlock gave -1: file, symbol, block and reason; empty when it did not. */
+const char* ztbRxfMessage(const ztbRxfRecords* records);
+
+/* Where it failed, or where the present block is: the number of the block, from 1 (0 before the
+ * first), and the offset of its head in the file. */
+int ztbRxfBlockNumber(const ztbRxfRecords* records);
+unsigned long long ztbRxfBlockOffset(const ztbRxfRecords* records);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif /* ZTB_RXF_H_ */

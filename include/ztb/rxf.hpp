@@ -1,0 +1,241 @@
+// C++20 wrapper of ztb/rxf.h: looks into exchange files without a database. Programs that use it
+// link librxfcclib64.so and nothing else.
+//
+//   const ztb::RxfFile file("diet.rxf");
+//   ztb::RxfRecords records(file, file.symbol("price"));
+//   while (records.next()) {
+//     const std::span<const int> food = records.keys(0);
+//     const std::span<const double> price = records.values(0);
+//     for (std::size_t i = 0; i < records.size(); ++i) {
+//       std::cout << file.label(food[i]) << ' ' << price[i] << '\n';
+//     }
+//   }
+//
+// What is wrong with a file is thrown as ztb::Error, damage of records as ztb::RxfDamage with its
+// place. Views and references stay valid as long as the RxfFile.
+#ifndef ZTB_RXF_HPP_
+#define ZTB_RXF_HPP_
+
+#include <ztb/rxf.h>
+
+#include <array>
+#include <cstddef>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+#include <ztb/error.hpp>
+#include <ztb/symbol.hpp>
+#include <ztb/text.hpp>
+
+namespace ztb::inline client {
+
+// Records of a file that cannot be handed out: what() names file, symbol, block and reason.
+class RxfDamage : public Error {
+ public:
+  RxfDamage(const std::string& text, int block, unsigned long long offset)
+      : Error("ztbRxfNextBlock", text), block_(block), offset_(offset) {}
+
+  // The number of the block, from 1, and the offset of its head in the file.
+  [[nodiscard]] int block() const noexcept { return block_; }
+  [[nodiscard]] unsigned long long offset() const noexcept { return offset_; }
+
+ private:
+  int block_;
+  unsigned long long offset_;
+};
+
+// What a file tells of a symbol.
+struct RxfSymbol {
+  int number = 0;  // from 1 in the order of the file; 0 is the universe, "*"
+  std::string_view name;
+  std::string_view text;
+  Type type = Type::set;
+  int dimension = 0;
+  int valueCount = 1;
+  int userInfo = 0;
+  int recordCount = 0;                    // of an alias that of its set
+  int domainKind = 0;                     // ZTB_RXF_DOMAIN_NONE and so on
+  int aliasTarget = -1;                   // of an alias the number of its set
+  std::vector<std::string_view> domains;  // a name for each position, "*" for the universe
+
+  [[nodiscard]] bool isAlias() const noexcept { return type == Type::alias; }
+  [[nodiscard]] bool isUniverse() const noexcept { return number == 0; }
+};
+
+// An open file.
+class RxfFile {
+ public:
+  explicit RxfFile(ZString path) {
+    std::array<char, messageSize> message{};
+    if (ztbRxfOpen(&handle_, path.c_str(), message.data(), messageSize) == 0) {
+      throw Error("ztbRxfOpen", message.data());
+    }
+  }
+  RxfFile(RxfFile&& other) noexcept : handle_(std::exchange(other.handle_, nullptr)) {}
+  RxfFile& operator=(RxfFile&& other) noexcept {
+    std::swap(handle_, other.handle_);
+    return *this;
+  }
+  RxfFile(const RxfFile&) = delete;
+  RxfFile& operator=(const RxfFile&) = delete;
+  ~RxfFile() { ztbRxfClose(&handle_); }
+
+  [[nodiscard]] int version() const { return ztbRxfVersion(handle_); }
+  [[nodiscard]] std::string_view producer() const { return ztbRxfProducer(handle_); }
+  // Length in bytes.
+  [[nodiscard]] unsigned long long size() const { return ztbRxfSize(handle_); }
+
+  // Labels are numbered from 1.
+  [[nodiscard]] int labelCount() const { return ztbRxfLabelCount(handle_); }
+  [[nodiscard]] std::string_view label(int number) const {
+    return existing(ztbRxfLabel(handle_, number), "ztbRxfLabel", "label", number);
+  }
+  // The case of ASCII letters does not matter, here and for names.
+  [[nodiscard]] std::optional<int> findLabel(ZString label) const {
+    const int number = ztbRxfFindLabel(handle_, label.c_str());
+    return number == 0 ? std::nullopt : std::optional(number);
+  }
+
+  // Texts of set elements, from 1; an element's value is the number of its text, 0 for none.
+  [[nodiscard]] int textCount() const { return ztbRxfTextCount(handle_); }
+  [[nodiscard]] std::string_view text(int number) const {
+    return existing(ztbRxfText(handle_, number), "ztbRxfText", "text", number);
+  }
+
+  // Symbols without the universe.
+  [[nodiscard]] int symbolCount() const { return ztbRxfSymbolCount(handle_); }
+  [[nodiscard]] RxfSymbol symbol(int number) const {
+    ztbRxfSymbolInfo info;
+    if (ztbRxfSymbol(handle_, number, &info) == 0) {
+      throw Error("ztbRxfSymbol", "No symbol has the number " + std::to_string(number));
+    }
+    RxfSymbol symbol{number,
+                     info.name,
+                     info.text,
+                     static_cast<Type>(info.type),
+                     info.dimension,
+                     info.valueCount,
+                     info.userInfo,
+                     info.recordCount,
+                     info.domainKind,
+                     info.aliasTarget,
+                     {}};
+    for (int position = 0; position < info.dimension; ++position) {
+      symbol.domains.emplace_back(ztbRxfDomain(handle_, number, position));
+    }
+    return symbol;
+  }
+  [[nodiscard]] std::optional<RxfSymbol> findSymbol(ZString name) const {
+    const int number = ztbRxfFindSymbol(handle_, name.c_str());
+    return number < 0 ? std::nullopt : std::optional(symbol(number));
+  }
+  [[nodiscard]] RxfSymbol symbol(ZString name) const {
+    if (const std::optional<RxfSymbol> found = findSymbol(name)) return *found;
+    throw Error("ztbRxfFindSymbol", "Cannot find symbol " + std::string(name.c_str()));
+  }
+  // All, in the order of the file.
+  [[nodiscard]] std::vector<RxfSymbol> symbols() const {
+    std::vector<RxfSymbol> all;
+    for (int number = 1; number <= symbolCount(); ++number) all.push_back(symbol(number));
+    return all;
+  }
+
+  // Bytes that the records of a symbol take in a database, about.
+  [[nodiscard]] unsigned long long memory(const RxfSymbol& symbol, Store store = Store::map) const {
+    return ztbRxfMemory(handle_, symbol.number, static_cast<int>(store));
+  }
+
+  [[nodiscard]] ztbRxfFile* handle() const noexcept { return handle_; }
+
+ private:
+  friend class RxfRecords;
+  // Holds every message of the library.
+  static constexpr int messageSize = 512;
+
+  static std::string_view existing(const char* text, const char* operation, const char* what,
+                                   int number) {
+    if (text == nullptr) {
+      throw Error(operation,
+                  std::string("No ") + what + " has the number " + std::to_string(number));
+    }
+    return text;
+  }
+
+  ztbRxfFile* handle_ = nullptr;
+};
+
+// The records of one symbol, block by block. Used by one thread at a time.
+class RxfRecords {
+ public:
+  // Those of an alias are its set's. The file may end before.
+  RxfRecords(const RxfFile& file, const RxfSymbol& symbol)
+      : dimension_(symbol.dimension), valueCount_(symbol.valueCount) {
+    std::array<char, RxfFile::messageSize> message{};
+    if (ztbRxfRecordsOpen(&handle_, file.handle(), symbol.number, message.data(),
+                          RxfFile::messageSize) == 0) {
+      throw Error("ztbRxfRecordsOpen", message.data());
+    }
+  }
+  RxfRecords(RxfRecords&& other) noexcept
+      : dimension_(other.dimension_),
+        valueCount_(other.valueCount_),
+        size_(std::exchange(other.size_, 0)),
+        handle_(std::exchange(other.handle_, nullptr)) {}
+  RxfRecords& operator=(RxfRecords&& other) noexcept {
+    std::swap(dimension_, other.dimension_);
+    std::swap(valueCount_, other.valueCount_);
+    std::swap(size_, other.size_);
+    std::swap(handle_, other.handle_);
+    return *this;
+  }
+  RxfRecords(const RxfRecords&) = delete;
+  RxfRecords& operator=(const RxfRecords&) = delete;
+  ~RxfRecords() { ztbRxfRecordsClose(&handle_); }
+
+  // Goes to the next block; false behind the last. Throws RxfDamage, and again with every call,
+  // when it cannot be handed out.
+  bool next() {
+    const int count = ztbRxfNextBlock(handle_);
+    size_ = count < 0 ? 0 : static_cast<std::size_t>(count);
+    if (count < 0) throw RxfDamage(ztbRxfMessage(handle_), blockNumber(), blockOffset());
+    return count > 0;
+  }
+
+  // The present block: its records, and of these the label numbers at a position and the values of
+  // a slot, from 0. Valid until next() or rewind().
+  [[nodiscard]] std::size_t size() const noexcept { return size_; }
+  [[nodiscard]] std::span<const int> keys(int position) const {
+    return {ztbRxfKeys(handle_, position), size_};
+  }
+  [[nodiscard]] std::span<const double> values(int slot) const {
+    return {ztbRxfValues(handle_, slot), size_};
+  }
+  [[nodiscard]] int dimension() const noexcept { return dimension_; }
+  [[nodiscard]] int valueCount() const noexcept { return valueCount_; }
+
+  // Back to the first block.
+  void rewind() {
+    ztbRxfRewind(handle_);
+    size_ = 0;
+  }
+
+  // Goes on behind a damaged block, which is left out; false when nothing behind it can be found.
+  bool skipDamage() { return ztbRxfSkipDamage(handle_) != 0; }
+
+  // Where the present block is; 0 before the first.
+  [[nodiscard]] int blockNumber() const { return ztbRxfBlockNumber(handle_); }
+  [[nodiscard]] unsigned long long blockOffset() const { return ztbRxfBlockOffset(handle_); }
+
+ private:
+  int dimension_;
+  int valueCount_;
+  std::size_t size_ = 0;
+  ztbRxfRecords* handle_ = nullptr;
+};
+
+}  // namespace ztb::inline client
+
+#endif  // ZTB_RXF_HPP_

@@ -1,0 +1,84 @@
+// The records of one symbol of an open file by columns, block by block.
+//
+// Memory is that of one block, whatever the symbol has: nothing else of it is kept.
+#ifndef ZTB_PROVIDERS_RXF_COLUMN_READER_H_
+#define ZTB_PROVIDERS_RXF_COLUMN_READER_H_
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "providers/rxf/block_reader.h"
+#include "providers/rxf/decoded_block.h"
+#include "providers/rxf/failure.h"
+#include "providers/rxf/limits.h"
+#include "providers/rxf/rxf_reader.h"
+#include "providers/rxf/special_table.h"
+#include "providers/rxf/zstd_codec.h"
+
+namespace rxffile {
+
+class ColumnReader {
+ public:
+  // Reads symbol `number` of the file, which is no alias; 0 is the universe, a set with a record
+  // for each label. REQUIRES: the file holds it.
+  ColumnReader(std::shared_ptr<const RxfReader> reader, std::uint32_t number);
+
+  // Reads the next block and gives the number of its records, 0 behind the last. Throws Failure,
+  // and the same again with every call until rewind() or skipDamage(): damaged with the place,
+  // changed, readFailed, cutShort. std::bad_alloc leaves the block to be read again.
+  std::uint32_t next();
+
+  // The columns of the block that next() gave last. REQUIRES: position below the dimension, slot
+  // below the number of values.
+  [[nodiscard]] const std::int32_t* keys(int position) const {
+    return keys_[static_cast<std::size_t>(position)].data();
+  }
+  [[nodiscard]] const double* values(int slot) const {
+    return values_[static_cast<std::size_t>(slot)].data();
+  }
+  [[nodiscard]] int dimension() const { return static_cast<int>(keys_.size()); }
+  [[nodiscard]] int valueCount() const { return static_cast<int>(values_.size()); }
+
+  // Back to the first block. If it is the one that next() gave last it is not read again.
+  void rewind();
+
+  // After damage: false when no block behind it can be found, and without damage.
+  bool skipDamage();
+
+  // The block that next() gave last or failed to read, from 1, and its offset; 0 before the first.
+  [[nodiscard]] std::uint32_t blockNumber() const { return block_; }
+  [[nodiscard]] std::uint64_t blockOffset() const { return offset_; }
+
+ private:
+  std::uint32_t readBlock();
+  std::uint32_t countLabels();
+  void decode();
+
+  std::shared_ptr<const RxfReader> reader_;
+  std::uint32_t number_;
+  Decompressor decompressor_;
+  BlockReader blocks_;
+  DecodedBlock decoded_;
+  KeyPiece keyPiece_;
+  std::array<ValuePiece, kMaxSlots> valuePieces_;
+  const SpecialTable specials_;
+
+  std::vector<std::vector<std::int32_t>> keys_;
+  std::vector<std::vector<double>> values_;
+  // Records in the columns.
+  std::uint32_t count_ = 0;
+  std::uint32_t block_ = 0;
+  std::uint64_t offset_ = 0;
+  // Labels of the universe that were handed out.
+  std::uint32_t labels_ = 0;
+  // The first block is in the columns and to be handed out.
+  bool again_ = false;
+  std::unique_ptr<Failure> failure_;
+  bool damaged_ = false;
+};
+
+}  // namespace rxffile
+
+#endif  // ZTB_PROVIDERS_RXF_COLUMN_READER_H_
