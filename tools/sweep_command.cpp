@@ -15,17 +15,16 @@
 
 #include "tools/failure.h"
 #include "tools/model_session.h"
-#include "tools/progress.h"
+#include "tools/sweep_crew.h"
 #include "tools/sweep_inputs.h"
+#include "tools/sweep_lock.h"
 #include "tools/sweep_options.h"
 #include "tools/sweep_parts.h"
 #include "tools/sweep_results.h"
 #include "tools/sweep_scenarios.h"
 #include "tools/sweep_summary.h"
-#include "tools/sweep_worker.h"
 #include "tools/whole_number.h"
 #include "tools/words.h"
-#include "tools/worker_processes.h"
 
 namespace tool {
 
@@ -46,21 +45,24 @@ class Sweep {
       : options_(options),
         inputs_(sweepInputs(options)),
         scenarios_(options.scenarios, options.over),
-        parts_(options.out) {}
+        parts_(options.out),
+        lock_(options.out) {}
 
   // Whether all scenarios have a solution.
   bool run() {
     const Clock::time_point start = Clock::now();
     const std::vector<std::size_t> pending = prepare();
-    solve(pending);
+    SweepCrew crew(options_, scenarios_, inputs_);
+    crew.solve(pending, firstPart_);
+    requireSameInputs();
     SweepResults results(scenarios_.over(), scenarios_.text(), inputs_);
     collect(results);
     results.write(options_.out);
     parts_.remove();
     const std::map<std::string, ScenarioOutcome> outcomes = results.outcomes();
     const SweepSummary summary(scenarios_.scenarios(), outcomes);
-    reportUnmatched();
-    const bool allSolved = summary.reportUnsolved(reasons_);
+    reportUnmatched(crew.unmatched());
+    const bool allSolved = summary.reportUnsolved(crew.reasons());
     summary.print(scenarios_.scenarios().size() - pending.size(), secondsSince(start));
     return allSolved;
   }
@@ -94,6 +96,13 @@ class Sweep {
   }
 
   void findKept() {
+    const std::string misnumbered = parts_.misnumbered();
+    if (!misnumbered.empty()) {
+      throw Failure(withFile(
+          misnumbered, fmt::format("is no part of a sweep: parts have numbers from 1 to {}; move "
+                                   "it away or sweep without --resume",
+                                   SweepParts::kLargestNumber)));
+    }
     const std::vector<int> numbers = parts_.numbers();
     std::error_code error;
     if (std::filesystem::exists(options_.out, error)) {
@@ -105,12 +114,39 @@ class Sweep {
       }
     }
     for (const int number : numbers) {
-      const std::string difference = differenceOf(parts_.file(number));
-      if (!difference.empty()) {
-        refuse(parts_.file(number), difference);
-      }
+      requireFitting(parts_.file(number));
       kept_.push_back(parts_.file(number));
       firstPart_ = number + 1;
+    }
+    if (firstPart_ > SweepParts::kLargestNumber / 2) {
+      throw Failure(withFile(
+          parts_.file(numbers.back()),
+          fmt::format("its number leaves no room for further parts (at most {}); rename it to {}",
+                      SweepParts::kLargestNumber, parts_.file(1))));
+    }
+  }
+
+  void requireFitting(const std::string& file) const {
+    const std::string difference = differenceOf(file);
+    if (!difference.empty()) {
+      refuse(file, difference);
+    }
+  }
+
+  // The workers have read the files after their checksums were taken: a file that has changed since
+  // leaves nobody knowing what the results are of.
+  void requireSameInputs() const {
+    const std::string difference = sweepInputsDifference(sweepInputs(options_), inputs_);
+    if (!difference.empty()) {
+      for (const int number : parts_.numbers()) {
+        if (number >= firstPart_) {
+          parts_.remove(number);
+        }
+      }
+      throw Failure(withFile(options_.out,
+                             fmt::format("{} stood in its place while the sweep ran; what this run "
+                                         "solved is dropped",
+                                         difference)));
     }
   }
 
@@ -124,70 +160,6 @@ class Sweep {
         fmt::format("is from a sweep with {}; without --resume all is solved anew", difference)));
   }
 
-  // Has the scenarios solved by worker processes, a run of neighbours each.
-  void solve(const std::vector<std::size_t>& pending) {
-    const std::size_t jobs = std::min(static_cast<std::size_t>(options_.jobs), pending.size());
-    WorkerProcesses workers;
-    std::vector<SweepWork> works(jobs);
-    for (std::size_t job = 0; job < jobs; ++job) {
-      const auto at = [&](std::size_t number) {
-        return pending.begin() + static_cast<std::ptrdiff_t>(number * pending.size() / jobs);
-      };
-      works[job] = {.chosen = {at(job), at(job + 1)},
-                    .firstPart = firstPart_ + static_cast<int>(job),
-                    .partStep = static_cast<int>(jobs),
-                    .reportsNotes = job == 0};
-      workers.start([this, &works, job](const WorkerChannel& channel) {
-        runSweepWorker(options_, scenarios_, inputs_, works[job], channel);
-      });
-    }
-    follow(workers, works, pending.size());
-  }
-
-  void follow(WorkerProcesses& workers, const std::vector<SweepWork>& works, std::size_t count) {
-    const Clock::time_point start = Clock::now();
-    Progress progress;
-    progress.step("opening " + options_.model);
-    std::size_t done = 0;
-    while (workers.busy()) {
-      const std::optional<WorkerMessage> message = workers.next(std::chrono::milliseconds(200));
-      if (!message) {
-        // The rate falls while a long scenario is solved.
-        if (done > 0) progress.step(progressText(done, count, secondsSince(start)));
-        continue;
-      }
-      switch (message->kind) {
-        case SweepMessage::done:
-          ++done;
-          progress.step(progressText(done, count, secondsSince(start)));
-          break;
-        case SweepMessage::scenarioFailed: {
-          std::size_t length = 0;
-          const std::size_t place = std::stoul(message->text, &length);
-          reasons_[place] = message->text.substr(length + 1);
-          break;
-        }
-        case SweepMessage::unmatched:
-          unmatched_.insert(message->text);
-          break;
-        case WorkerMessage::died:
-          for (const std::size_t place : works[message->worker].chosen) {
-            reasons_.try_emplace(place, message->text);
-          }
-          break;
-        default:
-          throw Failure(message->text);
-      }
-    }
-  }
-
-  static std::string progressText(std::size_t done, std::size_t count, double seconds) {
-    const double rate = static_cast<double>(done) / std::max(seconds, 1e-3);
-    return fmt::format("{} of {} solved, {:.{}f} a second, {:.0f} s left", done,
-                       counted(count, "scenario"), rate, rate < 10 ? 1 : 0,
-                       static_cast<double>(count - done) / rate);
-  }
-
   // Puts together what was kept and what the parts hold; scenarios without any result have failed.
   void collect(SweepResults& results) {
     for (const Scenario& scenario : scenarios_.scenarios()) {
@@ -197,6 +169,7 @@ class Sweep {
       results.absorb(options_.out);
     }
     for (const int number : parts_.numbers()) {
+      requireFitting(parts_.file(number));
       results.absorb(parts_.file(number));
     }
     const std::map<std::string, ScenarioOutcome> outcomes = results.outcomes();
@@ -208,8 +181,8 @@ class Sweep {
     }
   }
 
-  void reportUnmatched() const {
-    for (const std::string& name : unmatched_) {
+  void reportUnmatched(const std::set<std::string>& unmatched) const {
+    for (const std::string& name : unmatched) {
       std::fprintf(stderr, "ztb: %s: %s has records that meet no column %s_var of the model\n",
                    options_.scenarios.c_str(), name.c_str(), name.c_str());
     }
@@ -222,13 +195,14 @@ class Sweep {
   // Files with results of the interrupted run; the result file comes first.
   std::vector<std::string> kept_;
   int firstPart_ = 1;
-  // Why solves failed, by the place of the scenario.
-  std::map<std::size_t, std::string> reasons_;
-  std::set<std::string> unmatched_;
+  SweepLock lock_;
 };
 
-void runSweep(SweepOptions options, int& status) {
+void runSweep(SweepOptions options, bool stallGiven, int& status) {
   refuseReplacing({options.model, options.modelData, options.scenarios}, options.out);
+  if (stallGiven && options.stall < 1) {
+    throw UsageError(fmt::format("--stall {}: at least 1 is expected", options.stall));
+  }
   if (options.jobs < 1 || options.jobs > kMaxJobs) {
     throw UsageError(fmt::format("--jobs {}: 1 to {} are allowed", options.jobs, kMaxJobs));
   }
@@ -276,6 +250,12 @@ void addSweepCommand(CLI::App& app, int& status) {
   command->add_option("--jobs", options->jobs, "Worker processes, 1 to 64; 1")
       ->type_name("N")
       ->check(wholeNumber());
+  const CLI::Option* stall =
+      command
+          ->add_option("--stall", options->stall,
+                       "End a worker process that solves nothing for so long; never without it")
+          ->type_name("SECONDS")
+          ->check(wholeNumber());
   command->add_flag("--resume", options->resume,
                     "Keep what an interrupted run has solved, and solve the rest");
   command->footer(
@@ -284,7 +264,7 @@ void addSweepCommand(CLI::App& app, int& status) {
       "SYM_level(s, ...) and SYM_marginal(s, ...) of each symbol reported.\n\n"
       "Example:\n"
       "  ztb sweep diet.lp --scenarios prices.rxf --over s --report buy --out sweep.rxf --jobs 2");
-  command->callback([options, &status] { runSweep(*options, status); });
+  command->callback([options, stall, &status] { runSweep(*options, stall->count() > 0, status); });
 }
 
 }  // namespace tool

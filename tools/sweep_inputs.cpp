@@ -5,6 +5,11 @@
 #include <array>
 #include <cstdint>
 #include <fstream>
+#include <memory>
+#include <new>
+
+#define XXH_INLINE_ALL
+#include <xxhash.h>
 
 #include "tools/failure.h"
 #include "tools/words.h"
@@ -25,40 +30,31 @@ constexpr std::array<Part, 6> kParts{{{"model", "another model file"},
                                       {"solver", "another --solver"},
                                       {"report", "another --report"}}};
 
-// FNV-1a of 64 bits.
-class Checksum {
- public:
-  void add(std::string_view bytes) {
-    for (const char byte : bytes) {
-      value_ = (value_ ^ static_cast<unsigned char>(byte)) * 1099511628211U;
-    }
-  }
-  [[nodiscard]] std::uint64_t value() const { return value_; }
-
- private:
-  std::uint64_t value_ = 14695981039346656037U;
-};
-
+// XXH3 with 64 bits of a text or of the bytes of a file.
 std::uint64_t ofText(std::string_view text) {
-  Checksum sum;
-  sum.add(text);
-  return sum.value();
+  return XXH3_64bits(text.data(), text.size());
 }
 
 std::uint64_t ofFile(const std::string& path) {
+  struct FreeState {
+    void operator()(XXH3_state_t* state) const { XXH3_freeState(state); }
+  };
+  const std::unique_ptr<XXH3_state_t, FreeState> state(XXH3_createState());
   std::ifstream in(path, std::ios::binary);
   std::array<char, 65536> buffer{};
-  Checksum sum;
+  if (!state || XXH3_64bits_reset(state.get()) != XXH_OK) {
+    throw std::bad_alloc();
+  }
   if (in) {
     do {
       in.read(buffer.data(), buffer.size());
-      sum.add({buffer.data(), static_cast<std::size_t>(in.gcount())});
+      XXH3_64bits_update(state.get(), buffer.data(), static_cast<std::size_t>(in.gcount()));
     } while (in);
   }
   if (!in.eof()) {
     throw Failure(withFile(path, "cannot be read"));
   }
-  return sum.value();
+  return XXH3_64bits_digest(state.get());
 }
 
 // The word "key=..." of a text of such words.

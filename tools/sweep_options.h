@@ -16,6 +16,7 @@ struct SweepOptions {
   std::string out;
   std::vector<std::string> reports;
   int jobs = 1;
+  int stall = 0;  // seconds after which a worker that solves nothing is ended; 0: never
   bool resume = false;
 };
 

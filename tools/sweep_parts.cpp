@@ -33,25 +33,49 @@ std::vector<std::string> namesIn(const fs::path& folder) {
   return names;
 }
 
-// The number that text begins with, which is cut off; nothing if there is none.
-std::optional<int> takeNumber(std::string_view& text) {
+bool isDigit(char c) {
+  return c >= '0' && c <= '9';
+}
+
+// The digits that text begins with, which are cut off.
+std::string_view takeDigits(std::string_view& text) {
+  const auto end = std::ranges::find_if_not(text, isDigit);
+  const auto digits = text.substr(0, static_cast<std::size_t>(end - text.begin()));
+  text.remove_prefix(digits.size());
+  return digits;
+}
+
+// The digits behind the prefix in a name that ends with them; nothing in any other name.
+std::string_view digitsOf(std::string_view name, std::string_view prefix) {
+  if (!name.starts_with(prefix)) {
+    return {};
+  }
+  name.remove_prefix(prefix.size());
+  const std::string_view digits = takeDigits(name);
+  return name.empty() ? digits : std::string_view();
+}
+
+// The number that a part's name ends with; nothing if no part has such digits.
+std::optional<int> partNumber(std::string_view digits) {
   int number = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (error != std::errc() || text.starts_with('-')) {
+  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
+  if (error != std::errc() || digits.starts_with('0') || number > SweepParts::kLargestNumber) {
     return std::nullopt;
   }
-  text.remove_prefix(static_cast<std::size_t>(end - text.data()));
   return number;
 }
 
 // The number of the part with this name.
 std::optional<int> numberOf(std::string_view name, std::string_view prefix) {
-  if (!name.starts_with(prefix)) {
-    return std::nullopt;
+  return partNumber(digitsOf(name, prefix));
+}
+
+void removeFile(const fs::path& file) {
+  std::error_code error;
+  fs::remove(file, error);
+  if (error) {
+    throw Failure(withFile(file.string(), "cannot be removed: " + error.message()));
   }
-  name.remove_prefix(prefix.size());
-  const std::optional<int> number = takeNumber(name);
-  return name.empty() ? number : std::nullopt;
 }
 
 // Whether the name is that of a part being written: a point in front, and ".0.rxftmp" behind.
@@ -60,11 +84,11 @@ bool isUnfinished(std::string_view name, std::string_view prefix) {
     return false;
   }
   name.remove_prefix(1 + prefix.size());
-  if (!takeNumber(name) || !name.starts_with('.')) {
+  if (!partNumber(takeDigits(name)) || !name.starts_with('.')) {
     return false;
   }
   name.remove_prefix(1);
-  return takeNumber(name) && name == ".rxftmp";
+  return !takeDigits(name).empty() && name == ".rxftmp";
 }
 
 }  // namespace
@@ -85,16 +109,26 @@ std::vector<int> SweepParts::numbers() const {
   return numbers;
 }
 
+std::string SweepParts::misnumbered() const {
+  const std::string prefix = fs::path(out_).filename().string() + ".part";
+  for (const std::string& name : namesIn(folderOf(out_))) {
+    const std::string_view digits = digitsOf(name, prefix);
+    if (!digits.empty() && !partNumber(digits)) {
+      return (fs::path(out_).parent_path() / name).string();
+    }
+  }
+  return "";
+}
+
+void SweepParts::remove(int number) const {
+  removeFile(file(number));
+}
+
 void SweepParts::remove() const {
   const std::string prefix = fs::path(out_).filename().string() + ".part";
   for (const std::string& name : namesIn(folderOf(out_))) {
     if (numberOf(name, prefix) || isUnfinished(name, prefix)) {
-      const fs::path part = folderOf(out_) / name;
-      std::error_code error;
-      fs::remove(part, error);
-      if (error) {
-        throw Failure(withFile(part.string(), "cannot be removed: " + error.message()));
-      }
+      removeFile(folderOf(out_) / name);
     }
   }
 }

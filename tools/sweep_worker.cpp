@@ -51,6 +51,9 @@ class SweepWorker {
   void run(const std::string& scenarioFile) {
     ScenarioData data(scenarioFile, scenarios_, work_.chosen, session_);
     for (std::size_t place = 0; place < work_.chosen.size(); ++place) {
+      if (place == work_.publishBefore && unpublished_ > 0) {
+        publish();
+      }
       runScenario(data, place);
       channel_.send(SweepMessage::done);
       ++unpublished_;
@@ -118,6 +121,7 @@ class SweepWorker {
     unpublished_ = 0;
     published_ = Clock::now();
     publishing_ = published_ - start;
+    channel_.send(SweepMessage::published);
   }
 
   const SweepScenarios& scenarios_;

@@ -4,6 +4,7 @@
 #define ZTB_TOOLS_SWEEP_WORKER_H_
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,12 +19,16 @@ struct SweepWork {
   int firstPart = 1;                // number of the first part to publish
   int partStep = 1;                 // from one part's number to the next one's
   bool reportsNotes = false;        // tells on standard error which names of the model changed
+  // Place in `chosen` of a scenario at which a worker died: those before it are published first.
+  std::optional<std::size_t> publishBefore = std::nullopt;
 };
 
 // What a worker sends, beside what WorkerProcesses adds.
 struct SweepMessage {
   // A scenario is done.
   static constexpr char done = '.';
+  // A part with all scenarios done so far, but for those in earlier parts, is published.
+  static constexpr char published = 'p';
   // The solve of a scenario failed: its place in the scenario file, a blank, and why.
   static constexpr char scenarioFailed = 'f';
   // A parameter of this name has records that meet no column of the model.

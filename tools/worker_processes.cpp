@@ -71,7 +71,7 @@ void WorkerChannel::send(char kind, std::string text) const {
 WorkerProcesses::~WorkerProcesses() {
   for (std::size_t number = 0; number < workers_.size(); ++number) {
     if (workers_[number].descriptor >= 0) {
-      kill(workers_[number].process, SIGKILL);
+      kill(number);
       end(number);
     }
   }
@@ -97,6 +97,12 @@ void WorkerProcesses::start(const std::function<void(const WorkerChannel&)>& wor
     throw Failure(fmt::format("no worker process: {}", std::strerror(error)));
   }
   workers_.push_back({.process = process, .descriptor = ends[0], .unread = ""});
+}
+
+void WorkerProcesses::kill(std::size_t worker) {
+  if (workers_[worker].descriptor >= 0) {
+    ::kill(workers_[worker].process, SIGKILL);
+  }
 }
 
 bool WorkerProcesses::busy() const {

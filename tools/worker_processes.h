@@ -1,6 +1,6 @@
 // Processes that share a job and tell the parent, in lines of text through a pipe, how they get on.
 //
-// They are forked, so they have to be started while the program has one thread and holds nothing
+// They are forked, so each has to be started while the program has one thread and holds nothing
 // that may not be copied. They end when the parent does, in whatever way that ends.
 #ifndef ZTB_TOOLS_WORKER_PROCESSES_H_
 #define ZTB_TOOLS_WORKER_PROCESSES_H_
@@ -51,6 +51,9 @@ class WorkerProcesses {
   // Runs `work` in a new process. What it throws is sent as a message of the kind failed. Throws
   // Failure if there is no process to be had.
   void start(const std::function<void(const WorkerChannel&)>& work);
+
+  // Ends a worker that runs, stopped ones too; the message that it died follows.
+  void kill(std::size_t worker);
 
   // Whether some worker runs, or messages are left.
   [[nodiscard]] bool busy() const;

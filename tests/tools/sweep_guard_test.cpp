@@ -1,0 +1,124 @@
+// ztb sweep: results never mix with those of another sweep.
+#include <gmock/gmock.h>
+#include <signal.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <string>
+#include <ztb/ztb.hpp>
+
+#include "tests/tools/background_program.h"
+#include "tests/tools/endless_sweep.h"
+
+namespace {
+
+using testing::HasSubstr;
+using testing::MatchesRegex;
+using tooltest::BackgroundProgram;
+using tooltest::Outcome;
+using tooltest::ProcessorTimeLimit;
+
+class SweepGuardTest : public tooltest::EndlessSweepTest {
+ protected:
+  // Starts a sweep that goes on until it is ended, and waits until it has published what it could:
+  // the first worker is at the endless scenario, the second one is through.
+  std::unique_ptr<BackgroundProgram> startEndless(const std::vector<std::string>& more = {}) {
+    makeScenarios(2, {1});
+    std::vector<std::string> arguments = sweep({"--jobs", "2"});
+    arguments.insert(arguments.end(), more.begin(), more.end());
+    auto run = std::make_unique<BackgroundProgram>(path("."), arguments, "errors");
+    EXPECT_TRUE(run->waitForFile("out.rxf.part"));
+    return run;
+  }
+
+  const ProcessorTimeLimit limit_{60};
+};
+
+TEST_F(SweepGuardTest, ASecondSweepIntoOneResultIsRefused) {
+  const auto run = startEndless();
+  std::filesystem::create_symlink("out.rxf", path("link.rxf"));
+  for (const char* out : {"out.rxf", "./out.rxf", "link.rxf"}) {
+    const Outcome second = ztb({"sweep", "m.lp", "--scenarios", "sc.rxf", "--over", "s", "--out",
+                                out, "--solver", "clp", "--resume"});
+    EXPECT_EQ(second.status, 1);
+    EXPECT_THAT(second.errors, MatchesRegex("ztb: " + std::string(out) +
+                                            ": another sweep is writing this result "
+                                            "\\(process [0-9]+\\)\n"));
+  }
+  EXPECT_TRUE(exists("out.rxf.part2")) << "the first sweep's results are left alone";
+  run->kill();
+  run->wait();
+  EXPECT_FALSE(exists("out.rxf"));
+}
+
+TEST_F(SweepGuardTest, TheLockOfASweepThatWasKilledIsInNobodysWay) {
+  startEndless()->kill();
+  EXPECT_TRUE(exists(".out.rxf.lock"));
+  makeScenarios(2, {});
+  EXPECT_THAT(ztbFine(sweep()), testing::StartsWith("2 scenarios: 2 optimal"));
+  EXPECT_FALSE(exists(".out.rxf.lock"));
+}
+
+TEST_F(SweepGuardTest, ALockThatIsALinkIsNotFollowed) {
+  makeScenarios(1, {});
+  write("mine", "kept");
+  std::filesystem::create_symlink("mine", path(".out.rxf.lock"));
+  expectFails(1,
+              "ztb: " + std::filesystem::canonical(path(".")).string() +
+                  "/.out.rxf.lock: Too many levels of symbolic links\n",
+              sweep());
+  EXPECT_EQ(read("mine"), "kept");
+}
+
+TEST_F(SweepGuardTest, APartOfOtherInputsThatAppearsOnTheWayIsNotCollected) {
+  write("out.rxf", "an older result");
+  makeScenarios(1, {});
+  std::filesystem::rename(path("out.rxf"), path("older"));
+  ztbFine(sweep());
+  std::filesystem::rename(path("out.rxf"), path("foreign"));
+  std::filesystem::rename(path("older"), path("out.rxf"));
+  const auto run = startEndless({"--stall", "5"});
+  std::filesystem::rename(path("foreign"), path("out.rxf.part500"));
+  EXPECT_EQ(run->wait(), 1);
+  EXPECT_THAT(read("errors"),
+              HasSubstr("ztb: out.rxf.part500: is from a sweep with another scenario file; "
+                        "without --resume all is solved anew\n"));
+  EXPECT_EQ(read("out.rxf"), "an older result");
+}
+
+TEST_F(SweepGuardTest, AnInputThatChangesOnTheWayEndsTheSweepWithoutResult) {
+  const auto run = startEndless({"--stall", "5"});
+  write("m.lp", read("m.lp") + "\\ a comment\n");
+  EXPECT_EQ(run->wait(), 1);
+  EXPECT_THAT(read("errors"), HasSubstr("ztb: out.rxf: another model file stood in its place while "
+                                        "the sweep ran; what this run solved is dropped\n"));
+  EXPECT_FALSE(exists("out.rxf"));
+  EXPECT_FALSE(exists("out.rxf.part2"));
+}
+
+TEST_F(SweepGuardTest, NumbersThatNoPartHas) {
+  makeScenarios(1, {});
+  for (const char* name : {"out.rxf.part2147483647", "out.rxf.part4294967297", "out.rxf.part0",
+                           "out.rxf.part01", "out.rxf.part1000000000"}) {
+    write(name, "kept");
+    expectFails(1,
+                "ztb: " + std::string(name) +
+                    ": is no part of a sweep: parts have numbers from 1 to 999999999; move it away "
+                    "or sweep without --resume\n",
+                sweep({"--resume"}));
+    ztbFine(sweep());
+    EXPECT_EQ(read(name), "kept") << name;
+    std::filesystem::remove(path(name));
+  }
+  std::filesystem::rename(path("out.rxf"), path("out.rxf.part999999999"));
+  expectFails(1,
+              "ztb: out.rxf.part999999999: its number leaves no room for further parts (at most "
+              "999999999); rename it to out.rxf.part1\n",
+              sweep({"--resume"}));
+  std::filesystem::rename(path("out.rxf.part999999999"), path("out.rxf.part400000000"));
+  EXPECT_THAT(ztbFine(sweep({"--resume"})),
+              testing::StartsWith("1 scenario, 1 of them kept: 1 optimal"));
+}
+
+}  // namespace
