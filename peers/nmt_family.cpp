@@ -4,8 +4,7 @@ namespace ztb::peers {
 namespace {
 
 constexpr FamilyTable familyTable{.libraryBaseName = "nmtmdclib",
-                                  .apiVersion = 2,
-                                  .symbolNaming = SymbolNaming::prefixTexts,
+                                  .apiVersion = ZTB_PEER_NMT_VERSION,
                                   .createName = "nmtXCreate",
                                   .createInDirectoryName = "CnmtXCreateD",
                                   .freeName = "nmtXFree",

@@ -18,30 +18,10 @@ extern PeerFamily nmtFamily;
 bool nmtGetReady(char* msg, int msgSize);
 bool nmtGetReadyD(const char* directory, char* msg, int msgSize);
 
-// Labels and symbols.
-inline const Slot<"nmtNUels", int()> nmtNUels{nmtFamily, {3}};
-inline const Slot<"nmtUelLabel", int(int i, char* quote, char* buffer, int bufferSize)> nmtUelLabel{
-    nmtFamily, {3, 3, 19, 17, 3}};
-inline const Slot<"nmtNLSyms", int()> nmtNLSyms{nmtFamily, {3}};
-inline const Slot<"nmtSymName", int(int i, char* buffer, int bufferSize)> nmtSymName{nmtFamily,
-                                                                                     {3, 3, 17, 3}};
-inline const Slot<"nmtSymType", int(int i)> nmtSymType{nmtFamily, {3, 3}};
-inline const Slot<"nmtSymDim", int(int i)> nmtSymDim{nmtFamily, {3, 3}};
-inline const Slot<"nmtSymText", int(int i, char* quote, char* buffer, int bufferSize)> nmtSymText{
-    nmtFamily, {3, 3, 19, 17, 3}};
-inline const Slot<"nmtSymUserInfo", int(int i)> nmtSymUserInfo{nmtFamily, {3, 3}};
-inline const Slot<"nmtSymIndex", int(const char* name)> nmtSymIndex{nmtFamily, {3, 11}};
-
-// Rows and columns. A walk ends when `rc` becomes negative, and is closed in any case.
-inline const Slot<"nmtFindFirstRowCol", void*(int i, const int* keys, int* rc)> nmtFindFirstRowCol{
-    nmtFamily, {1, 3, 51, 4}};
-inline const Slot<"nmtFindNextRowCol", int(void* search, int* rc)> nmtFindNextRowCol{nmtFamily,
-                                                                                     {3, 1, 4}};
-inline const Slot<"nmtFindClose", void(void* search)> nmtFindClose{nmtFamily, {0, 1}};
-inline const Slot<"nmtRowUels", int(int rc, int* symbol, int* keys, int* dim)> nmtRowUels{
-    nmtFamily, {3, 3, 4, 52, 4}};
-inline const Slot<"nmtColUels", int(int rc, int* symbol, int* keys, int* dim)> nmtColUels{
-    nmtFamily, {3, 3, 4, 52, 4}};
+// One slot for each row of the table, under the operation's name.
+#define ROW(...) ZTB_PEER_SLOT(nmtFamily, __VA_ARGS__)
+ZTB_PEER_NMT_OPERATIONS(ROW)
+#undef ROW
 
 }  // namespace ztb::peers
 

@@ -4,8 +4,7 @@ namespace ztb::peers {
 namespace {
 
 constexpr FamilyTable familyTable{.libraryBaseName = "lomudclib",
-                                  .apiVersion = 26,
-                                  .symbolNaming = SymbolNaming::prefixTexts,
+                                  .apiVersion = ZTB_PEER_PBI_VERSION,
                                   .createName = "pbiXCreate",
                                   .createInDirectoryName = "CpbiXCreateD",
                                   .freeName = "pbiXFree",

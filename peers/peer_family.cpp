@@ -67,15 +67,18 @@ constexpr char toUpper(char c) noexcept {
   return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
 }
 
+// No operation or entry point has a longer symbol, its final zero included.
+constexpr int symbolNameSize = 64;
+
 // The first hit of `name` in lower case, as it stands, in upper case; null if there is none.
 AnyFunction BindSymbol(void* library, const char* name) noexcept {
-  SymbolName folded{};
-  BoundedText(folded.data(), symbolNameSize).append(name);
+  char folded[symbolNameSize] = {};
+  BoundedText(folded, symbolNameSize).append(name);
   for (char& c : folded) c = toLower(c);
-  if (const AnyFunction function = platform::findSymbol(library, folded.data())) return function;
+  if (const AnyFunction function = platform::findSymbol(library, folded)) return function;
   if (const AnyFunction function = platform::findSymbol(library, name)) return function;
   for (char& c : folded) c = toUpper(c);
-  return platform::findSymbol(library, folded.data());
+  return platform::findSymbol(library, folded);
 }
 
 // An entry point that the loader left null because nobody wanted to hear of its absence.
@@ -159,7 +162,7 @@ int PeerFamily::LoadLibraryFamily(const char* fileName, char* msg, int msgSize) 
     return 1;
   }
   bindLoadPath();
-  if (const SlotBase* slot = bindSlots(reason.buffer())) return missing(slot->symbolName().data());
+  if (const SlotBase* slot = bindSlots(reason.buffer())) return missing(slot->symbolName());
   report.append(reason.text());
   return 0;
 }
@@ -206,8 +209,7 @@ void PeerFamily::bindLoadPath() noexcept {
 const SlotBase* PeerFamily::bindSlots(char* reason) {
   for (const SlotBase* slot = firstSlot_; slot != nullptr; slot = slot->next_) {
     const bool offered = askFor(*slot, reason);
-    slot->function_ =
-        offered ? BindSymbol(state.libraryHandle, slot->symbolName().data()) : slot->stub_;
+    slot->function_ = offered ? BindSymbol(state.libraryHandle, slot->symbolName()) : slot->stub_;
     if (slot->function_ == nullptr) return slot;
   }
   return nullptr;

@@ -28,17 +28,10 @@ using VersionFunction = int(int api, char* msg, int* compatibility);
 using SetLoadPathFunction = void(const char* directory);
 using GetLoadPathFunction = void(char* directory);
 
-// How the symbol of an operation is made from the operation's name.
-enum class SymbolNaming {
-  prefixAll,    // "C__" and the name
-  prefixTexts,  // "C" and the name if the signature passes text, otherwise the name alone
-};
-
 // What tells one family from another. An entry point or load-path name that is null isn't bound.
 struct FamilyTable {
   const char* libraryBaseName;
   std::int32_t apiVersion;
-  SymbolNaming symbolNaming;
   const char* createName;
   const char* createInDirectoryName;
   const char* freeName;

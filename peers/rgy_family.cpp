@@ -4,8 +4,7 @@ namespace ztb::peers {
 namespace {
 
 constexpr FamilyTable familyTable{.libraryBaseName = "lomudclib",
-                                  .apiVersion = 4,
-                                  .symbolNaming = SymbolNaming::prefixTexts,
+                                  .apiVersion = ZTB_PEER_RGY_VERSION,
                                   .createName = "rgyXCreate",
                                   .createInDirectoryName = nullptr,
                                   .freeName = "rgyXFree",

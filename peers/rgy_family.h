@@ -20,21 +20,10 @@ bool rgyCreateD(void** handleOut, const char* directory, char* msg, int msgSize)
 // Frees the object. Always 1.
 int rgyFree(void** handleRef);
 
-inline const Slot<"rgyReadConfigVUC", int(const char* fileName, const char* systemDirectory)>
-    rgyReadConfigVUC{rgyFamily, {3, 11, 11}};
-inline const Slot<"rgyAlgNumber", int(const char* solverName)> rgyAlgNumber{rgyFamily, {3, 11}};
-inline const Slot<"rgyAlgAllowsModifyProblem", int(int solver)> rgyAlgAllowsModifyProblem{rgyFamily,
-                                                                                          {15, 3}};
-inline const Slot<"rgyAlgCreate",
-                  int(int solver, void** alg, const char* systemDirectory, char* msg)>
-    rgyAlgCreate{rgyFamily, {15, 3, 2, 11, 12}};
-inline const Slot<"rgyAlgReadyAPI", int(int solver, void* alg, void* pbi)> rgyAlgReadyAPI{
-    rgyFamily, {3, 3, 1, 1}};
-inline const Slot<"rgyAlgModifyProblem", int(int solver, void* alg)> rgyAlgModifyProblem{rgyFamily,
-                                                                                         {3, 3, 1}};
-inline const Slot<"rgyAlgCallSolver", int(int solver, void* alg, void* pbi)> rgyAlgCallSolver{
-    rgyFamily, {3, 3, 1, 1}};
-inline const Slot<"rgyAlgFree", void(int solver, void** alg)> rgyAlgFree{rgyFamily, {0, 3, 2}};
+// One slot for each row of the table, under the operation's name.
+#define ROW(...) ZTB_PEER_SLOT(rgyFamily, __VA_ARGS__)
+ZTB_PEER_RGY_OPERATIONS(ROW)
+#undef ROW
 
 }  // namespace ztb::peers
 

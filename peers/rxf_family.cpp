@@ -4,8 +4,7 @@ namespace ztb::peers {
 namespace {
 
 constexpr FamilyTable familyTable{.libraryBaseName = "rxfcclib",
-                                  .apiVersion = 9,
-                                  .symbolNaming = SymbolNaming::prefixAll,
+                                  .apiVersion = ZTB_PEER_RXF_VERSION,
                                   .createName = "XCreate",
                                   .createInDirectoryName = "XCreateD",
                                   .freeName = "XFree",

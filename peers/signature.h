@@ -3,10 +3,15 @@
 // A signature is an array of codes: the result's first, then one for each argument behind the
 // object handle. A peer is asked with this array whether it offers an operation, so a code that
 // disagrees with the C type of the operation would let a call go wrong at run time. `Signature`
-// therefore can be made only in a constant expression and only from codes that fit its type.
+// therefore can be made only in a constant expression and only from codes that fit its type. The
+// codes and the tables of operations stand in ztb/peer.h.
 
 #ifndef ZTB_PEERS_SIGNATURE_H_
 #define ZTB_PEERS_SIGNATURE_H_
+
+#define ZTB_PEER_NO_PROTOTYPES
+#include <ztb/peer.h>
+#undef ZTB_PEER_NO_PROTOTYPES
 
 #include <array>
 #include <concepts>
@@ -15,80 +20,45 @@
 
 namespace ztb::peers {
 
-enum SignatureCode : int {
-  codeNoResult = 0,
-  codePointer = 1,
-  codePointerByReference = 2,
-  codeInt = 3,
-  codeIntOut = 4,
-  codeDoubleArrayOut = 6,
-  codeStringIn = 11,
-  codeStringOut = 12,
-  codeDouble = 13,
-  codeDoubleOut = 14,
-  codeBool = 15,
-  codeBufferOut = 17,
-  codeCharOut = 19,
-  codeIntByReference = 21,
-  codeKeysIn = 51,
-  codeKeysOut = 52,
-  codeValuesIn = 53,
-  codeValuesOut = 54,
-  codeStringsIn = 55,
-  codeStringsOut = 56,
-  codeSpecialValuesIn = 57,
-  codeSpecialValuesOut = 58
-};
-
 // The codes that may stand for one C type.
 template <typename T>
 inline constexpr std::array<int, 0> codesOf{};
 template <>
-inline constexpr std::array codesOf<void>{int{codeNoResult}};
+inline constexpr std::array codesOf<void>{int{ZTB_PEER_NO_RESULT}};
 template <>
-inline constexpr std::array codesOf<void*>{int{codePointer}};
+inline constexpr std::array codesOf<void*>{int{ZTB_PEER_POINTER}};
 template <>
-inline constexpr std::array codesOf<void**>{int{codePointerByReference}};
+inline constexpr std::array codesOf<void**>{int{ZTB_PEER_POINTER_BY_REFERENCE}};
 template <>
-inline constexpr std::array codesOf<int>{int{codeInt}, int{codeBool}};
+inline constexpr std::array codesOf<int>{int{ZTB_PEER_INT}, int{ZTB_PEER_BOOL}};
 template <>
-inline constexpr std::array codesOf<int*>{int{codeIntOut}, int{codeIntByReference},
-                                          int{codeKeysOut}};
+inline constexpr std::array codesOf<int*>{int{ZTB_PEER_INT_OUT}, int{ZTB_PEER_INT_BY_REFERENCE},
+                                          int{ZTB_PEER_KEYS_OUT}};
 template <>
-inline constexpr std::array codesOf<const int*>{int{codeKeysIn}};
+inline constexpr std::array codesOf<const int*>{int{ZTB_PEER_KEYS_IN}};
 template <>
-inline constexpr std::array codesOf<double>{int{codeDouble}};
+inline constexpr std::array codesOf<double>{int{ZTB_PEER_DOUBLE}};
 template <>
-inline constexpr std::array codesOf<double*>{int{codeDoubleArrayOut}, int{codeDoubleOut},
-                                             int{codeValuesOut}, int{codeSpecialValuesOut}};
+inline constexpr std::array codesOf<double*>{int{ZTB_PEER_DOUBLE_ARRAY_OUT},
+                                             int{ZTB_PEER_DOUBLE_OUT}, int{ZTB_PEER_VALUES_OUT},
+                                             int{ZTB_PEER_SPECIAL_VALUES_OUT}};
 template <>
-inline constexpr std::array codesOf<const double*>{int{codeValuesIn}, int{codeSpecialValuesIn}};
+inline constexpr std::array codesOf<const double*>{int{ZTB_PEER_VALUES_IN},
+                                                   int{ZTB_PEER_SPECIAL_VALUES_IN}};
 template <>
-inline constexpr std::array codesOf<const char*>{int{codeStringIn}};
+inline constexpr std::array codesOf<const char*>{int{ZTB_PEER_STRING_IN}};
 template <>
-inline constexpr std::array codesOf<char*>{int{codeStringOut}, int{codeBufferOut},
-                                           int{codeCharOut}};
+inline constexpr std::array codesOf<char*>{int{ZTB_PEER_STRING_OUT}, int{ZTB_PEER_BUFFER_OUT},
+                                           int{ZTB_PEER_CHAR_OUT}};
 template <>
-inline constexpr std::array codesOf<const char**>{int{codeStringsIn}};
+inline constexpr std::array codesOf<const char**>{int{ZTB_PEER_STRINGS_IN}};
 template <>
-inline constexpr std::array codesOf<char**>{int{codeStringsOut}};
+inline constexpr std::array codesOf<char**>{int{ZTB_PEER_STRINGS_OUT}};
 
 template <typename T>
 constexpr bool codeFits(int code) {
   for (const int allowed : codesOf<T>) {
     if (allowed == code) return true;
-  }
-  return false;
-}
-
-// True if a string, a string buffer or an array of strings stands anywhere in `codes`. A single
-// character going out is none of these.
-constexpr bool passesText(std::span<const int> codes) noexcept {
-  for (const int code : codes) {
-    if (code == codeStringIn || code == codeStringOut || code == codeBufferOut ||
-        code == codeStringsIn || code == codeStringsOut) {
-      return true;
-    }
   }
   return false;
 }

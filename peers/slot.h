@@ -1,12 +1,10 @@
 // A slot: one operation of a peer family, as it is declared and as it is called.
 //
-// One line declares everything about an operation, its name, C type and signature codes; the
-// question put to the peer, the symbol that is looked up and the stub all come from that line:
+// A row of a table in ztb/peer.h declares everything about an operation: its name, the symbol of
+// the peer's function, its C type and signature codes. The question put to the peer, the symbol
+// that is looked up and the stub all come from that row.
 //
-//   inline const Slot<"rxfClose", int()> rxfClose{rxfFamily, {3}};
-//
-// The object handle, which is the first argument of every operation, doesn't show in the type. A
-// slot is called like the function it stands for, handle first: rxfClose(rxf).
+// A slot is called like the function it stands for, object first: rxfClose(rxf).
 //
 // A slot is null until its family is ready; calling it then is a fault of the caller. Afterwards
 // it holds either the peer's function or the operation's stub, so a call is one indirect call
@@ -16,11 +14,8 @@
 #define ZTB_PEERS_SLOT_H_
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
-#include <iterator>
 #include <span>
-#include <type_traits>
 
 #include "peers/peer_family.h"
 #include "peers/platform.h"
@@ -28,9 +23,9 @@
 
 namespace ztb::peers {
 
-// A symbol's name with its final zero. No operation or entry point has a longer one.
-inline constexpr int symbolNameSize = 64;
-using SymbolName = std::array<char, symbolNameSize>;
+// The slot of a table's row, under the operation's name.
+#define ZTB_PEER_SLOT(family, result, name, symbol, parameters, codes) \
+  inline const Slot<#name, result parameters> name{family, #symbol, {ZTB_PEER_LIST codes}};
 
 // What the loader needs of a slot, whatever its type.
 class SlotBase {
@@ -40,7 +35,7 @@ class SlotBase {
 
   [[nodiscard]] const char* name() const noexcept { return name_; }
   // Name of the operation's symbol in the peer library.
-  [[nodiscard]] SymbolName symbolName() const noexcept;
+  [[nodiscard]] const char* symbolName() const noexcept { return symbolName_; }
   [[nodiscard]] std::span<const int> codes() const noexcept { return codes_; }
   // Number of arguments behind the object handle.
   [[nodiscard]] int argumentCount() const noexcept { return static_cast<int>(codes_.size()) - 1; }
@@ -50,8 +45,8 @@ class SlotBase {
   [[nodiscard]] bool holdsStub() const noexcept { return function_ == stub_; }
 
  protected:
-  // Enters the slot into its family. `codes` must live as long as the slot.
-  SlotBase(PeerFamily& family, const char* name, std::span<const int> codes,
+  // Enters the slot into its family. The names and `codes` must live as long as the slot.
+  SlotBase(PeerFamily& family, const char* name, const char* symbolName, std::span<const int> codes,
            AnyFunction stub) noexcept;
   ~SlotBase() = default;
 
@@ -66,6 +61,7 @@ class SlotBase {
 
   PeerFamily& family_;
   const char* name_;
+  const char* symbolName_;
   std::span<const int> codes_;
   AnyFunction stub_;
   // A slot is constant to those who call it; only its family changes these two.
@@ -76,7 +72,6 @@ class SlotBase {
 // The name of an operation as a template argument, so that every operation has a stub of its own.
 template <std::size_t size>
 struct OperationName {
-  static_assert(size + std::size("C__") <= symbolNameSize);
   consteval OperationName(const char (&literal)[size]) { std::copy_n(literal, size, text); }
   char text[size] = {};
 };
@@ -85,15 +80,16 @@ template <OperationName operationName, typename Type>
 class Slot;
 
 template <OperationName operationName, typename Result, typename... Args>
-class Slot<operationName, Result(Args...)> final : private Signature<Result(Args...)>,
-                                                   public SlotBase {
+class Slot<operationName, Result(void*, Args...)> final : private Signature<Result(Args...)>,
+                                                          public SlotBase {
  public:
   // C type of the peer's function.
   using Function = Result(void* object, Args... args);
 
-  Slot(PeerFamily& family, const Signature<Result(Args...)>& signature) noexcept
+  Slot(PeerFamily& family, const char* symbol, const Signature<Result(Args...)>& signature) noexcept
       : Signature<Result(Args...)>(signature),
-        SlotBase(family, operationName.text, this->all(), reinterpret_cast<AnyFunction>(&stub)) {
+        SlotBase(family, operationName.text, symbol, this->all(),
+                 reinterpret_cast<AnyFunction>(&stub)) {
     self_ = this;
   }
 

@@ -4,8 +4,7 @@ namespace ztb::peers {
 namespace {
 
 constexpr FamilyTable familyTable{.libraryBaseName = "lomudclib",
-                                  .apiVersion = 7,
-                                  .symbolNaming = SymbolNaming::prefixTexts,
+                                  .apiVersion = ZTB_PEER_SNV_VERSION,
                                   .createName = "snvXCreate",
                                   .createInDirectoryName = "CsnvXCreateD",
                                   .freeName = "snvXFree",

@@ -17,16 +17,10 @@ extern PeerFamily snvFamily;
 bool snvGetReady(char* msg, int msgSize);
 bool snvGetReadyD(const char* directory, char* msg, int msgSize);
 
-inline const Slot<"snvGetStrOpt", char*(const char* key, char* buffer)> snvGetStrOpt{snvFamily,
-                                                                                     {12, 11, 12}};
-inline const Slot<"snvLog", void(const char* text)> snvLog{snvFamily, {0, 11}};
-inline const Slot<"snvTerminateClear", void()> snvTerminateClear{snvFamily, {0}};
-inline const Slot<"snvCallSolver",
-                  int(void* pbi, const char* text2, const char* solverName, int number4,
-                      int number5, const char* text6, const char* text7, double number8,
-                      int number9, int number10, double number11, double number12, void** handle13,
-                      char* msg)>
-    snvCallSolver{snvFamily, {3, 1, 11, 11, 3, 3, 11, 11, 13, 3, 3, 13, 13, 2, 12}};
+// One slot for each row of the table, under the operation's name.
+#define ROW(...) ZTB_PEER_SLOT(snvFamily, __VA_ARGS__)
+ZTB_PEER_SNV_OPERATIONS(ROW)
+#undef ROW
 
 }  // namespace ztb::peers
 

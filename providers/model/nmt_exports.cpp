@@ -1,14 +1,17 @@
 // The exported functions of the name-dictionary library. Its objects are made by the model library;
 // an object made here is an empty dictionary. Numbers out of range give empty texts and zeros.
 
+#include <ztb/peer.h>
+
 #include <algorithm>
+#include <iterator>
 #include <new>
 
 #include "providers/model/dictionary.h"
 #include "providers/model/fixed_text.h"
-#include "providers/model/peer_interface.h"
 
-#define NMT_EXPORT extern "C" [[gnu::visibility("default")]]
+// With C linkage, a definition that differs from its prototype in ztb/peer.h does not compile.
+#define NMT_EXPORT extern "C"
 
 namespace {
 
@@ -17,27 +20,7 @@ using lomu::Dictionary;
 using lomu::DictionarySearch;
 using lomu::DictionarySymbol;
 
-const lomu::PeerFamily& family() {
-  static const lomu::PeerFamily kFamily{"NMT",
-                                        2,
-                                        {
-                                            {"nmtNUels", {3}},
-                                            {"nmtUelLabel", {3, 3, 19, 17, 3}},
-                                            {"nmtNLSyms", {3}},
-                                            {"nmtSymName", {3, 3, 17, 3}},
-                                            {"nmtSymType", {3, 3}},
-                                            {"nmtSymDim", {3, 3}},
-                                            {"nmtSymText", {3, 3, 19, 17, 3}},
-                                            {"nmtSymUserInfo", {3, 3}},
-                                            {"nmtSymIndex", {3, 11}},
-                                            {"nmtFindFirstRowCol", {1, 3, 51, 4}},
-                                            {"nmtFindNextRowCol", {3, 1, 4}},
-                                            {"nmtFindClose", {0, 1}},
-                                            {"nmtRowUels", {3, 3, 4, 52, 4}},
-                                            {"nmtColUels", {3, 3, 4, 52, 4}},
-                                        }};
-  return kFamily;
-}
+constexpr ztbPeerOperation kOperations[] = {ZTB_PEER_NMT_OPERATIONS(ZTB_PEER_ENTRY)};
 
 Dictionary& dictionary(void* nmt) {
   return *static_cast<Dictionary*>(nmt);
@@ -75,11 +58,11 @@ NMT_EXPORT void nmtXFree(void** object) {
 }
 
 NMT_EXPORT int CnmtXCheck(const char* operation, int argCount, const int* codes, char* msg) {
-  return lomu::checkOperation(family(), operation, argCount, codes, msg);
+  return ztbPeerCheck("NMT", kOperations, std::size(kOperations), operation, argCount, codes, msg);
 }
 
 NMT_EXPORT int CnmtXAPIVersion(int api, char* msg, int* compatibility) {
-  return lomu::checkVersion(family(), api, msg, compatibility);
+  return ztbPeerVersion("NMT", ZTB_PEER_NMT_VERSION, api, msg, compatibility);
 }
 
 NMT_EXPORT int nmtNUels(void* nmt) {

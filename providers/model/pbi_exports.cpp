@@ -2,15 +2,18 @@
 // column number out of range gives zeros and changes nothing. A null model has no dictionary, which
 // is how a database refuses it.
 
+#include <ztb/peer.h>
+
 #include <algorithm>
+#include <iterator>
 #include <memory>
 #include <new>
 
 #include "providers/model/instance.h"
 #include "providers/model/model.h"
-#include "providers/model/peer_interface.h"
 
-#define PBI_EXPORT extern "C" [[gnu::visibility("default")]]
+// With C linkage, a definition that differs from its prototype in ztb/peer.h does not compile.
+#define PBI_EXPORT extern "C"
 
 namespace {
 
@@ -18,53 +21,7 @@ using lomu::Instance;
 using lomu::Model;
 using lomu::SolutionRecord;
 
-const lomu::PeerFamily& family() {
-  static const lomu::PeerFamily kFamily{"PBI",
-                                        26,
-                                        {
-                                            {"pbiDict", {1}},
-                                            {"pbiEnvironment", {1}},
-                                            {"pbiPinfSet", {0, 13}},
-                                            {"pbiMinfSet", {0, 13}},
-                                            {"pbiN", {3}},
-                                            {"pbiM", {3}},
-                                            {"pbiModelType", {3}},
-                                            {"pbiGetVarL", {3, 6}},
-                                            {"pbiGetVarM", {3, 6}},
-                                            {"pbiGetEquL", {3, 6}},
-                                            {"pbiGetEquM", {3, 6}},
-                                            {"pbiGetVarLOne", {13, 3}},
-                                            {"pbiSetVarLOne", {0, 3, 13}},
-                                            {"pbiGetVarLowerOne", {13, 3}},
-                                            {"pbiGetVarUpperOne", {13, 3}},
-                                            {"pbiGetVarScaleOne", {13, 3}},
-                                            {"pbiGetVarStatOne", {3, 3}},
-                                            {"pbiGetVarCStatOne", {3, 3}},
-                                            {"pbiSetAltVarLowerOne", {0, 3, 13}},
-                                            {"pbiSetAltVarUpperOne", {0, 3, 13}},
-                                            {"pbiGetEquLOne", {13, 3}},
-                                            {"pbiSetEquLOne", {0, 3, 13}},
-                                            {"pbiGetEquStatOne", {3, 3}},
-                                            {"pbiGetEquCStatOne", {3, 3}},
-                                            {"pbiGetEquScaleOne", {13, 3}},
-                                            {"pbiGetEquTypeOne", {3, 3}},
-                                            {"pbiGetRhsOne", {13, 3}},
-                                            {"pbiSetAltRHSOne", {0, 3, 13}},
-                                            {"pbiGetSolutionVarRec", {3, 3, 14, 14, 4, 4}},
-                                            {"pbiSetSolutionVarRec", {3, 3, 13, 13, 3, 3}},
-                                            {"pbiGetSolutionEquRec", {3, 3, 14, 14, 4, 4}},
-                                            {"pbiSetSolutionEquRec", {3, 3, 13, 13, 3, 3}},
-                                            {"pbiAltBoundsSet", {0, 15}},
-                                            {"pbiAltRHSSet", {0, 15}},
-                                            {"pbiForceLinearSet", {0, 15}},
-                                            {"pbiModelStatSet", {0, 3}},
-                                            {"pbiSolveStatSet", {0, 3}},
-                                            {"pbiEvalGradNLUpdate", {3, 6, 15, 21}},
-                                            {"pbiViewStore", {1}},
-                                            {"pbiViewRestore", {0, 2}},
-                                        }};
-  return kFamily;
-}
+constexpr ztbPeerOperation kOperations[] = {ZTB_PEER_PBI_OPERATIONS(ZTB_PEER_ENTRY)};
 
 Instance& instance(void* pbi) {
   return static_cast<Model*>(pbi)->instance;
@@ -116,11 +73,11 @@ PBI_EXPORT void pbiXFree(void** object) {
 }
 
 PBI_EXPORT int CpbiXCheck(const char* operation, int argCount, const int* codes, char* msg) {
-  return lomu::checkOperation(family(), operation, argCount, codes, msg);
+  return ztbPeerCheck("PBI", kOperations, std::size(kOperations), operation, argCount, codes, msg);
 }
 
 PBI_EXPORT int CpbiXAPIVersion(int api, char* msg, int* compatibility) {
-  return lomu::checkVersion(family(), api, msg, compatibility);
+  return ztbPeerVersion("PBI", ZTB_PEER_PBI_VERSION, api, msg, compatibility);
 }
 
 PBI_EXPORT void* pbiDict(void* pbi) {

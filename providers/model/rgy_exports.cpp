@@ -1,7 +1,10 @@
 // The exported functions of the solver catalogue. Its handle is a pointer to a Catalogue, that of a
 // live solver to a LiveSolver. Why a call failed stands in the model's message, and in its log.
 
+#include <ztb/peer.h>
+
 #include <exception>
+#include <iterator>
 #include <new>
 #include <string>
 
@@ -10,9 +13,9 @@
 #include "providers/model/live_solver.h"
 #include "providers/model/model.h"
 #include "providers/model/model_error.h"
-#include "providers/model/peer_interface.h"
 
-#define RGY_EXPORT extern "C" [[gnu::visibility("default")]]
+// With C linkage, a definition that differs from its prototype in ztb/peer.h does not compile.
+#define RGY_EXPORT extern "C"
 
 namespace {
 
@@ -21,21 +24,7 @@ using lomu::copyText;
 using lomu::LiveSolver;
 using lomu::Model;
 
-const lomu::PeerFamily& family() {
-  static const lomu::PeerFamily kFamily{"RGY",
-                                        4,
-                                        {
-                                            {"rgyReadConfigVUC", {3, 11, 11}},
-                                            {"rgyAlgNumber", {3, 11}},
-                                            {"rgyAlgAllowsModifyProblem", {15, 3}},
-                                            {"rgyAlgCreate", {15, 3, 2, 11, 12}},
-                                            {"rgyAlgReadyAPI", {3, 3, 1, 1}},
-                                            {"rgyAlgModifyProblem", {3, 3, 1}},
-                                            {"rgyAlgCallSolver", {3, 3, 1, 1}},
-                                            {"rgyAlgFree", {0, 3, 2}},
-                                        }};
-  return kFamily;
-}
+constexpr ztbPeerOperation kOperations[] = {ZTB_PEER_RGY_OPERATIONS(ZTB_PEER_ENTRY)};
 
 Catalogue& catalogue(void* rgy) {
   return *static_cast<Catalogue*>(rgy);
@@ -67,11 +56,11 @@ RGY_EXPORT void rgyXFree(void** object) {
 }
 
 RGY_EXPORT int CrgyXCheck(const char* operation, int argCount, const int* codes, char* msg) {
-  return lomu::checkOperation(family(), operation, argCount, codes, msg);
+  return ztbPeerCheck("RGY", kOperations, std::size(kOperations), operation, argCount, codes, msg);
 }
 
 RGY_EXPORT int CrgyXAPIVersion(int api, char* msg, int* compatibility) {
-  return lomu::checkVersion(family(), api, msg, compatibility);
+  return ztbPeerVersion("RGY", ZTB_PEER_RGY_VERSION, api, msg, compatibility);
 }
 
 // 0 for success. A catalogue that cannot be read leaves the one before in force; ztbCatalogueCheck

@@ -1,8 +1,11 @@
 // The exported functions of the solver environment: its handle is a pointer to an Environment.
 
+#include <ztb/peer.h>
+
 #include <algorithm>
 #include <cmath>
 #include <exception>
+#include <iterator>
 #include <string>
 
 #include "providers/model/environment.h"
@@ -10,9 +13,9 @@
 #include "providers/model/live_solver.h"
 #include "providers/model/model.h"
 #include "providers/model/model_error.h"
-#include "providers/model/peer_interface.h"
 
-#define SNV_EXPORT extern "C" [[gnu::visibility("default")]]
+// With C linkage, a definition that differs from its prototype in ztb/peer.h does not compile.
+#define SNV_EXPORT extern "C"
 
 namespace {
 
@@ -21,18 +24,7 @@ using lomu::Environment;
 using lomu::Model;
 using lomu::ModelError;
 
-const lomu::PeerFamily& family() {
-  static const lomu::PeerFamily kFamily{
-      "SNV",
-      7,
-      {
-          {"snvGetStrOpt", {12, 11, 12}},
-          {"snvLog", {0, 11}},
-          {"snvTerminateClear", {0}},
-          {"snvCallSolver", {3, 1, 11, 11, 3, 3, 11, 11, 13, 3, 3, 13, 13, 2, 12}},
-      }};
-  return kFamily;
-}
+constexpr ztbPeerOperation kOperations[] = {ZTB_PEER_SNV_OPERATIONS(ZTB_PEER_ENTRY)};
 
 Environment& environment(void* snv) {
   return *static_cast<Environment*>(snv);
@@ -77,11 +69,11 @@ SNV_EXPORT void snvXFree(void** object) {
 }
 
 SNV_EXPORT int CsnvXCheck(const char* operation, int argCount, const int* codes, char* msg) {
-  return lomu::checkOperation(family(), operation, argCount, codes, msg);
+  return ztbPeerCheck("SNV", kOperations, std::size(kOperations), operation, argCount, codes, msg);
 }
 
 SNV_EXPORT int CsnvXAPIVersion(int api, char* msg, int* compatibility) {
-  return lomu::checkVersion(family(), api, msg, compatibility);
+  return ztbPeerVersion("SNV", ZTB_PEER_SNV_VERSION, api, msg, compatibility);
 }
 
 // An unknown option gives an empty text. `buffer` has room for 256 bytes.

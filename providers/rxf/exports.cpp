@@ -1,19 +1,23 @@
 // The exported functions: each calls the member of RxfObject of its meaning. No exception passes.
 
+#include <ztb/peer.h>
+
 #include <array>
-#include <cstdio>
 #include <cstring>
+#include <iterator>
 #include <new>
 
-#include "providers/rxf/operation_table.h"
 #include "providers/rxf/rxf_object.h"
 #include "providers/rxf/system_calls.h"
 
-#define RXF_EXPORT extern "C" [[gnu::visibility("default")]]
+// With C linkage, a definition that differs from its prototype in ztb/peer.h does not compile.
+#define RXF_EXPORT extern "C"
 
 namespace {
 
 using rxffile::RxfObject;
+
+constexpr ztbPeerOperation kOperations[] = {ZTB_PEER_RXF_OPERATIONS(ZTB_PEER_ENTRY)};
 
 // The directory of the last rxfSetLoadPath or XCreateD; longer ones than callers' buffers can take
 // back are not kept.
@@ -63,18 +67,11 @@ RXF_EXPORT void XFree(void** object) {
 }
 
 RXF_EXPORT int C__XCheck(const char* operation, int argCount, const int* codes, char* msg) {
-  return rxffile::offersOperation(operation, argCount, codes, msg) ? 1 : 0;
+  return ztbPeerCheck("RXF", kOperations, std::size(kOperations), operation, argCount, codes, msg);
 }
 
 RXF_EXPORT int C__XAPIVersion(int api, char* msg, int* compatibility) {
-  if (compatibility != nullptr) *compatibility = rxffile::kApiVersion;
-  if (msg != nullptr) msg[0] = '\0';
-  if (api == rxffile::kApiVersion) return 1;
-  if (msg != nullptr) {
-    std::snprintf(msg, 128, "The RXF library offers API version %d, version %d was asked for",
-                  rxffile::kApiVersion, api);
-  }
-  return 0;
+  return ztbPeerVersion("RXF", ZTB_PEER_RXF_VERSION, api, msg, compatibility);
 }
 
 RXF_EXPORT void C__rxfSetLoadPath(const char* directory) {

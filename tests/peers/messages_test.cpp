@@ -64,7 +64,6 @@ TEST(PeerMessages, EveryFamilyNamesItsOwnLibrary) {
 TEST(PeerMessages, WithoutADirectoryTheBareFileNameIsTried) {
   static constexpr FamilyTable table{.libraryBaseName = "nosuchpeer",
                                      .apiVersion = 1,
-                                     .symbolNaming = SymbolNaming::prefixTexts,
                                      .createName = "nspXCreate",
                                      .createInDirectoryName = nullptr,
                                      .freeName = "nspXFree",

@@ -18,9 +18,9 @@ SCRIPTED_EXPORT void CsnvXCreateD(void** object, const char* /*directory*/) {
 SCRIPTED_EXPORT void snvXFree(void** object) {
   *object = nullptr;
 }
-SCRIPTED_EXPORT int CsnvXCheck(const char* operation, int /*argCount*/, const int* /*codes*/,
-                               char* msg) {
-  return check(operation, msg);
+SCRIPTED_EXPORT int CsnvXCheck(const char* operation, int argCount, const int* codes, char* msg) {
+  constexpr ztbPeerOperation operations[] = {ZTB_PEER_SNV_OPERATIONS(ZTB_PEER_ENTRY)};
+  return check(operations, operation, argCount, codes, msg);
 }
 SCRIPTED_EXPORT int CsnvXAPIVersion(int api, char* msg, int* compatibility) {
   return version("snv", api, msg, compatibility);
@@ -65,9 +65,9 @@ SCRIPTED_EXPORT void rgyXFree(void** object) {
   if (Object* catalogue = script().catalogues.find(*object)) catalogue->number = 0;
   *object = nullptr;
 }
-SCRIPTED_EXPORT int CrgyXCheck(const char* operation, int /*argCount*/, const int* /*codes*/,
-                               char* msg) {
-  return check(operation, msg);
+SCRIPTED_EXPORT int CrgyXCheck(const char* operation, int argCount, const int* codes, char* msg) {
+  constexpr ztbPeerOperation operations[] = {ZTB_PEER_RGY_OPERATIONS(ZTB_PEER_ENTRY)};
+  return check(operations, operation, argCount, codes, msg);
 }
 SCRIPTED_EXPORT int CrgyXAPIVersion(int api, char* msg, int* compatibility) {
   return version("rgy", api, msg, compatibility);

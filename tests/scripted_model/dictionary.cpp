@@ -55,9 +55,9 @@ SCRIPTED_EXPORT void CnmtXCreateD(void** object, const char* /*directory*/) {
 SCRIPTED_EXPORT void nmtXFree(void** object) {
   *object = nullptr;
 }
-SCRIPTED_EXPORT int CnmtXCheck(const char* operation, int /*argCount*/, const int* /*codes*/,
-                               char* msg) {
-  return check(operation, msg);
+SCRIPTED_EXPORT int CnmtXCheck(const char* operation, int argCount, const int* codes, char* msg) {
+  constexpr ztbPeerOperation operations[] = {ZTB_PEER_NMT_OPERATIONS(ZTB_PEER_ENTRY)};
+  return check(operations, operation, argCount, codes, msg);
 }
 SCRIPTED_EXPORT int CnmtXAPIVersion(int api, char* msg, int* compatibility) {
   return version("nmt", api, msg, compatibility);

@@ -84,9 +84,9 @@ SCRIPTED_EXPORT void CpbiXCreateD(void** object, const char* /*directory*/) {
 SCRIPTED_EXPORT void pbiXFree(void** object) {
   *object = nullptr;
 }
-SCRIPTED_EXPORT int CpbiXCheck(const char* operation, int /*argCount*/, const int* /*codes*/,
-                               char* msg) {
-  return check(operation, msg);
+SCRIPTED_EXPORT int CpbiXCheck(const char* operation, int argCount, const int* codes, char* msg) {
+  constexpr ztbPeerOperation operations[] = {ZTB_PEER_PBI_OPERATIONS(ZTB_PEER_ENTRY)};
+  return check(operations, operation, argCount, codes, msg);
 }
 SCRIPTED_EXPORT int CpbiXAPIVersion(int api, char* msg, int* compatibility) {
   return version("pbi", api, msg, compatibility);

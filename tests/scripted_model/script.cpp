@@ -109,9 +109,13 @@ void copyOut(char* target, const std::string& text, std::size_t size) {
   target[length] = '\0';
 }
 
-int check(const char* operation, char* msg) {
+int check(std::span<const ztbPeerOperation> operations, const char* operation, int argCount,
+          const int* codes, char* msg) {
   const auto lacking = script().lacking.find(operation);
-  if (lacking == script().lacking.end()) return 1;
+  if (lacking == script().lacking.end()) {
+    return ztbPeerCheck("scripted", operations.data(), static_cast<int>(operations.size()),
+                        operation, argCount, codes, msg);
+  }
   copyOut(msg, lacking->second, 256);
   return 0;
 }

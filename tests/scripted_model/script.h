@@ -4,10 +4,13 @@
 #ifndef ZTB_TESTS_SCRIPTED_MODEL_SCRIPT_H_
 #define ZTB_TESTS_SCRIPTED_MODEL_SCRIPT_H_
 
+#include <ztb/peer.h>
+
 #include <array>
 #include <cstddef>
 #include <map>
 #include <optional>
+#include <span>
 #include <string>
 #include <type_traits>
 #include <vector>
@@ -163,7 +166,8 @@ class Call {
 
 // Copies as much of a text as fits, with its zero.
 void copyOut(char* target, const std::string& text, std::size_t size);
-int check(const char* operation, char* msg);
+int check(std::span<const ztbPeerOperation> operations, const char* operation, int argCount,
+          const int* codes, char* msg);
 int version(const char* family, int api, char* msg, int* compatibility);
 
 }  // namespace scriptedmodel

@@ -2,10 +2,13 @@
 
 #include "tests/scripted_rxf/scripted_rxf.h"
 
+#include <ztb/peer.h>
+
 #include <algorithm>
 #include <bit>
 #include <cstdint>
 #include <cstring>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -84,10 +87,13 @@ SCRIPTED_EXPORT void XFree(void** object) {
   --script().objectsAlive;
 }
 
-SCRIPTED_EXPORT int C__XCheck(const char* operation, int /*argCount*/, const int* /*codes*/,
-                              char* msg) {
+SCRIPTED_EXPORT int C__XCheck(const char* operation, int argCount, const int* codes, char* msg) {
+  constexpr ztbPeerOperation operations[] = {ZTB_PEER_RXF_OPERATIONS(ZTB_PEER_ENTRY)};
   const auto lacking = script().lacking.find(operation);
-  if (lacking == script().lacking.end()) return 1;
+  if (lacking == script().lacking.end()) {
+    return ztbPeerCheck("scripted", operations, std::size(operations), operation, argCount, codes,
+                        msg);
+  }
   copyOut(msg, lacking->second);
   return 0;
 }

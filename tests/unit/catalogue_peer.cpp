@@ -1,5 +1,7 @@
 // A solver catalogue that writes down what it is asked to free, and offers nothing else.
 
+#include <ztb/peer.h>
+
 #include <cstring>
 #include <string>
 
@@ -38,7 +40,7 @@ CATALOGUE_EXPORT int CrgyXCheck(const char* operation, int /*argCount*/, const i
 }
 
 CATALOGUE_EXPORT int CrgyXAPIVersion(int /*api*/, char* /*msg*/, int* compatibility) {
-  *compatibility = 4;
+  *compatibility = ZTB_PEER_RGY_VERSION;
   return 1;
 }
 
