@@ -194,8 +194,11 @@ RXF_EXPORT int C__rxfDataReadDone(void* rxf) {
   return guarded(rxf, [](RxfObject& o) { return o.finishReading(); });
 }
 
-RXF_EXPORT void C__rxfStoreDomainSetsSet(void* /*rxf*/, int /*on*/) {
-  // A file never holds sets that the caller did not write, so the switch has nothing to turn off.
+RXF_EXPORT void C__rxfStoreDomainSetsSet(void* rxf, int on) {
+  guarded(rxf, [&](RxfObject& o) {
+    o.storeDomainSets(on != 0);
+    return 1;
+  });
 }
 
 RXF_EXPORT int C__rxfUELRegisterRawStart(void* rxf) {

@@ -4,14 +4,17 @@
 #include <sys/file.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <climits>
 #include <cstdio>
 #include <cstring>
+#include <utility>
 
 #include "providers/rxf/checksum.h"
 #include "providers/rxf/failure.h"
+#include "providers/rxf/file_mode.h"
 
 namespace rxffile {
 
@@ -21,6 +24,9 @@ constexpr std::size_t kPendingBytes = std::size_t{1} << 18U;
 constexpr int kMaxLinks = 40;
 constexpr int kMaxTemporaries = 1000;
 constexpr std::size_t kMaxPlainBase = 200;
+constexpr std::size_t kMaxShownName = 120;
+constexpr mode_t kOwnOnly = 0600;
+constexpr mode_t kPermissionBits = 0777;
 
 bool isDiskFull(int error) {
   return error == ENOSPC || error == EDQUOT;
@@ -57,9 +63,6 @@ OutputFile::OutputFile(SystemCalls& calls, const std::string& path)
   checkTarget();
   try {
     makeTemporary();
-    if (targetExists_ && calls_.fchmod(fd_, targetMode_ & 07777U) != 0) {
-      throw makeFailure(errno, "the permission bits of the file cannot be kept");
-    }
   } catch (...) {
     discard();
     throw;
@@ -102,8 +105,6 @@ void OutputFile::checkTarget() {
   if (calls_.access(target_.c_str(), W_OK) != 0) {
     throw makeFailure(errno, "the file cannot be written");
   }
-  targetExists_ = true;
-  targetMode_ = status.st_mode;
 }
 
 void OutputFile::makeTemporary() {
@@ -131,7 +132,7 @@ void OutputFile::makeTemporary() {
 bool OutputFile::tryTemporary(const std::string& name) {
   temporary_ = name;
   const int made =
-      calls_.open(name.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0666);
+      calls_.open(name.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, kOwnOnly);
   if (made < 0) {
     if (errno != EEXIST) throw makeFailure(errno, "the folder cannot be written");
     removeIfLeft(name);
@@ -144,6 +145,8 @@ bool OutputFile::tryTemporary(const std::string& name) {
   struct stat status {};
   if (calls_.fstat(made, &status) == 0 && status.st_nlink > 0) {
     fd_ = made;
+    // Where others may already do something with it, the file system has no bits of its own.
+    hasBits_ = (status.st_mode & kPermissionBits & ~kOwnOnly) == 0;
     return true;
   }
   calls_.unlink(name.c_str());
@@ -184,6 +187,10 @@ void OutputFile::overwrite(std::uint64_t offset, const void* data, std::size_t s
 }
 
 void OutputFile::rewindTo(std::uint64_t length) {
+  if (published_) {
+    goOnBeside(length);
+    return;
+  }
   flush();
   while (calls_.ftruncate(fd_, static_cast<off_t>(length)) != 0) {
     if (errno != EINTR) failWriting(errno);
@@ -198,21 +205,98 @@ void OutputFile::sync() {
   }
 }
 
+void OutputFile::goOnBeside(std::uint64_t length) {
+  const int whole = std::exchange(fd_, -1);
+  published_ = false;
+  try {
+    makeTemporary();
+    copyFrom(whole, length);
+  } catch (...) {
+    calls_.close(whole);
+    throw;
+  }
+  calls_.close(whole);
+  flushed_ = length;
+}
+
+void OutputFile::copyFrom(int fd, std::uint64_t length) {
+  Bytes piece(kPendingBytes);
+  for (std::uint64_t at = 0; at < length;) {
+    const std::size_t wanted = std::min<std::uint64_t>(piece.size(), length - at);
+    const ssize_t got = calls_.pread(fd, piece.data(), wanted, static_cast<off_t>(at));
+    if (got < 0) {
+      if (errno == EINTR) continue;
+      failWriting(errno);
+    }
+    if (got == 0) failWriting(EIO);
+    writeAll(at, piece.data(), static_cast<std::size_t>(got));
+    at += static_cast<std::uint64_t>(got);
+  }
+}
+
 void OutputFile::publish() {
-  if (calls_.rename(temporary_.c_str(), target_.c_str()) != 0) failWriting(errno);
-  published_ = true;
-  const char* folder = folder_.empty() ? "." : folder_.c_str();
-  const int fd = calls_.open(folder, O_RDONLY | O_CLOEXEC | O_DIRECTORY, 0);
-  if (fd < 0) {
-    // A folder that may be written but not read cannot be synced; the file stands all the same.
-    if (errno == EACCES) return;
+  openToOthers();
+  // Opened first, so that behind the change of names only the sync itself can fail.
+  const int folder = openFolder();
+  try {
+    replaceTarget();
+  } catch (...) {
+    if (folder >= 0) calls_.close(folder);
+    throw;
+  }
+  if (folder >= 0) syncFolder(folder);
+}
+
+// Gives the file, now whole, the bits of the one that it replaces, or those of a new file.
+void OutputFile::openToOthers() {
+  struct stat status {};
+  mode_t mode = 0;
+  if (calls_.stat(target_.c_str(), &status) == 0) {
+    if (!S_ISREG(status.st_mode)) {
+      throw Failure(ErrorNumber::writeFailed,
+                    DetailText("%s: it is no regular file any more", shownName().c_str()));
+    }
+    mode = status.st_mode & kPermissionBits;
+  } else if (errno == ENOENT) {
+    mode = newFileMode();
+  } else {
     failWriting(errno);
   }
-  const int result = calls_.fsync(fd);
+  if (!hasBits_ || mode == kOwnOnly) return;
+  while (calls_.fchmod(fd_, mode) != 0) {
+    if (errno == EINTR) continue;
+    throw Failure(ErrorNumber::writeFailed,
+                  DetailText("%s: the permission bits %03o cannot be set: %s", shownName().c_str(),
+                             static_cast<unsigned>(mode), std::strerror(errno)));
+  }
+}
+
+void OutputFile::replaceTarget() {
+  if (calls_.rename(temporary_.c_str(), target_.c_str()) != 0) failReplacing(errno);
+  published_ = true;
+}
+
+// -1 for a folder that may be written but not read, and so cannot be synced.
+int OutputFile::openFolder() const {
+  const char* folder = folder_.empty() ? "." : folder_.c_str();
+  const int fd = calls_.open(folder, O_RDONLY | O_CLOEXEC | O_DIRECTORY, 0);
+  if (fd < 0 && errno != EACCES) failWriting(errno);
+  return fd;
+}
+
+// Ends `fd`, too.
+void OutputFile::syncFolder(int fd) const {
+  int result = 0;
+  do {
+    result = calls_.fsync(fd);
+  } while (result != 0 && errno == EINTR);
   const int error = errno;
   calls_.close(fd);
   // Some file systems have no sync of folders.
-  if (result != 0 && error != EINVAL && error != ENOTSUP) failWriting(error);
+  if (result == 0 || error == EINVAL || error == ENOTSUP) return;
+  throw Failure(ErrorNumber::writeFailed,
+                DetailText("%s is replaced, but its folder could not be brought to the disk: %s",
+                           shownName().c_str(), std::strerror(error)));
 }
 
 void OutputFile::flush() {
@@ -237,10 +321,37 @@ void OutputFile::writeAll(std::uint64_t offset, const void* data, std::size_t si
   }
 }
 
+// The end of a long name tells more than its beginning.
+std::string OutputFile::shownName() const {
+  if (path_.size() <= kMaxShownName) return path_;
+  return "..." + path_.substr(path_.size() - kMaxShownName);
+}
+
 void OutputFile::failWriting(int error) const {
   if (isDiskFull(error)) throw Failure(ErrorNumber::diskFull, DetailText("%s", path_.c_str()));
   throw Failure(ErrorNumber::writeFailed,
-                DetailText("%s: %s", path_.c_str(), std::strerror(error)));
+                DetailText("%s: %s", shownName().c_str(), std::strerror(error)));
+}
+
+void OutputFile::failReplacing(int error) const {
+  if (error == EBUSY) {
+    throw Failure(ErrorNumber::writeFailed,
+                  DetailText("%s is a mount point, which a new file cannot take the place of by "
+                             "renaming; write to another name",
+                             shownName().c_str()));
+  }
+  if (error != EPERM && error != EACCES) failWriting(error);
+  struct stat file {};
+  struct stat folder {};
+  const uid_t user = geteuid();
+  const bool sticky = calls_.stat(folder_.empty() ? "." : folder_.c_str(), &folder) == 0 &&
+                      calls_.stat(target_.c_str(), &file) == 0 &&
+                      (folder.st_mode & S_ISVTX) != 0 && folder.st_uid != user &&
+                      file.st_uid != user;
+  throw Failure(ErrorNumber::noPermission,
+                DetailText("%s cannot be replaced: %s", shownName().c_str(),
+                           sticky ? "it belongs to another user and lies in a sticky folder"
+                                  : std::strerror(error)));
 }
 
 }  // namespace rxffile

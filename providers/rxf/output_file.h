@@ -3,7 +3,8 @@
 // Until publish() the target is untouched; when the object ends before, the temporary file is
 // removed. The temporary file lies in the target's folder, is called "." + target + ".N.rxftmp" and
 // is locked while its writer lives, so that the next writer of the same target can tell a file left
-// by a killed process, which it removes, from one that is being written.
+// by a killed process, which it removes, from one that is being written. Only its owner may read it:
+// it gets the permission bits of the target, or those of a new file, when it is whole.
 // A target that is a symbolic link is written through: the file that it leads to is replaced.
 #ifndef ZTB_PROVIDERS_RXF_OUTPUT_FILE_H_
 #define ZTB_PROVIDERS_RXF_OUTPUT_FILE_H_
@@ -19,9 +20,9 @@ namespace rxffile {
 
 class OutputFile {
  public:
-  // Makes the temporary file, with the permission bits of the target if there is one. Failures:
-  // noSuchFile (no folder), noPermission (folder or existing target not writable), isFolder,
-  // notRegularFile, diskFull, cannotOpen. Their details leave the file's name to the caller.
+  // Makes the temporary file. Failures: noSuchFile (no folder), noPermission (folder or existing
+  // target not writable), isFolder, notRegularFile, diskFull, cannotOpen. Their details leave the
+  // file's name to the caller.
   OutputFile(SystemCalls& calls, const std::string& path);
   OutputFile(const OutputFile&) = delete;
   OutputFile& operator=(const OutputFile&) = delete;
@@ -40,15 +41,20 @@ class OutputFile {
   // Writes over bytes before position().
   void overwrite(std::uint64_t offset, const void* data, std::size_t size);
 
-  // Drops everything from `length` on. REQUIRES: length <= position().
+  // Drops everything from `length` on. What was published stays as it is: the object then goes on in
+  // a new temporary file, which begins with that many bytes of it. Further failures: those of the
+  // constructor. REQUIRES: length <= position().
   void rewindTo(std::uint64_t length);
 
   // Brings everything to the disk.
   void sync();
 
-  // Takes the target's place and brings the folder to the disk. REQUIRES: sync() before, nothing
-  // written since.
+  // Takes the target's place and brings the folder to the disk. Further failure: noPermission. After
+  // a failure the target is the old one, unless only the folder could not be brought to the disk,
+  // which the detail then says. REQUIRES: sync() before, nothing written since.
   void publish();
+
+  [[nodiscard]] bool published() const { return published_; }
 
  private:
   void resolveTarget();
@@ -59,7 +65,15 @@ class OutputFile {
   void discard();
   void flush();
   void writeAll(std::uint64_t offset, const void* data, std::size_t size);
+  void goOnBeside(std::uint64_t length);
+  void copyFrom(int fd, std::uint64_t length);
+  void openToOthers();
+  void replaceTarget();
+  [[nodiscard]] int openFolder() const;
+  void syncFolder(int fd) const;
+  [[nodiscard]] std::string shownName() const;
   [[noreturn]] void failWriting(int error) const;
+  [[noreturn]] void failReplacing(int error) const;
 
   SystemCalls& calls_;
   std::string path_;
@@ -68,8 +82,7 @@ class OutputFile {
   std::string temporary_;
   int fd_ = -1;
   bool published_ = false;
-  bool targetExists_ = false;
-  mode_t targetMode_ = 0;
+  bool hasBits_ = false;
   std::uint64_t flushed_ = 0;
   Bytes pending_;
 };

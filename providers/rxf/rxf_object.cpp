@@ -99,6 +99,7 @@ int RxfObject::errorCount() {
   if (writer_ != nullptr) {
     try {
       writer_->seal();
+      if (publishesAtCount_) writer_->publish();
     } catch (...) {
       takeException();
     }

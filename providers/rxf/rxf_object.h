@@ -32,9 +32,15 @@ class RxfObject {
 
   void errorText(int number, char* text) const { log_.compose(number, text); }
   // Errors since the file was opened. While a file is written, and no symbol or label list is open,
-  // the file is first brought to the disk, so that a full disk is counted here.
+  // the file is first brought to the disk, so that a full disk is counted here; with domain sets
+  // switched off it is published as well, once its labels are registered (see RxfWriter::publish).
   int errorCount();
   int takeLastError() { return log_.takeLatest(); }
+
+  // A file never holds sets that the caller did not write. Who switches them off all the same takes
+  // the whole file into its own hands, asks for the error count when all is written, and learns
+  // there whether the file was published. To others only the result of close() tells.
+  void storeDomainSets(bool on) { publishesAtCount_ = !on; }
 
   // The five values in force: for reading while a file is read, for writing otherwise.
   void specialValues(double* values) const;
@@ -102,6 +108,7 @@ class RxfObject {
   // Of the file that is read; there with the reader.
   std::unique_ptr<RecordStream> stream_;
   std::unique_ptr<RxfWriter> writer_;
+  bool publishesAtCount_ = false;
 };
 
 }  // namespace rxffile

@@ -41,17 +41,14 @@ bool RxfWriter::addLabel(std::string_view label) {
   if (!expect(Stage::labels, "a label")) return false;
   const char* reason = labelRefusal(label);
   if (reason != nullptr) {
-    withheld_ = true;
     return refuse(ErrorNumber::labelNotAcceptable,
                   DetailText("label %u, >%.*s<: %s", labels_.size() + 1, shownLength(label),
                              label.data(), reason));
   }
   if (labels_.size() == kMaxCount) {
-    withheld_ = true;
     return refuse(ErrorNumber::limitExceeded, DetailText("more than %u labels", kMaxCount));
   }
   if (labels_.add(trimmedLabel(label)) == 0) {
-    withheld_ = true;
     return refuse(ErrorNumber::labelTwice,
                   DetailText(">%.*s<, as label %u and again behind label %u", shownLength(label),
                              label.data(), labels_.find(trimmedLabel(label)), labels_.size()));
@@ -62,13 +59,13 @@ bool RxfWriter::addLabel(std::string_view label) {
 bool RxfWriter::finishLabels() {
   if (!expect(Stage::labels, "end of labels")) return false;
   stage_ = Stage::between;
+  labelled_ = true;
   return true;
 }
 
 std::uint32_t RxfWriter::addText(std::string_view text) {
   if (stage_ == Stage::abandoned) return 0;
   if (text.size() > kMaxTextLength || texts_.size() == kMaxCount) {
-    withheld_ = true;
     const bool tooLong = text.size() > kMaxTextLength;
     refuse(tooLong ? ErrorNumber::textTooLong : ErrorNumber::limitExceeded,
            DetailText("set text %u, >%.*s<", texts_.size() + 1, shownLength(text), text.data()));
@@ -128,10 +125,14 @@ bool RxfWriter::startSymbol(std::string_view name, std::string_view text, int di
 }
 
 bool RxfWriter::setDomain(const char* const* names) {
-  if (!expect(Stage::symbol, "domain without a symbol")) return false;
+  if (stage_ == Stage::abandoned) return false;
+  if (stage_ != Stage::symbol) {
+    return refuseDomain(ErrorNumber::callsOutOfOrder, DetailText("domain without a symbol"));
+  }
   SymbolEntry& entry = symbols_.at(number_);
   if (recordCount() != 0) {
-    return refuseOrder("domain behind the records of a symbol");
+    return refuseDomain(ErrorNumber::callsOutOfOrder,
+                        DetailText("domain behind the records of a symbol"));
   }
   std::array<std::shared_ptr<const LabelBits>, kMaxDimension> members;
   bool known = true;
@@ -157,15 +158,16 @@ bool RxfWriter::findDomain(const char* name, int position,
   }
   const std::string_view symbol = symbols_.name(number_);
   if (number == 0 || symbols_.at(number).type != kTypeSet) {
-    return refuse(ErrorNumber::domainUnknown,
-                  DetailText("%.*s at position %d of %.*s", shownLength(wanted), wanted.data(),
-                             position + 1, shownLength(symbol), symbol.data()));
+    return refuseDomain(ErrorNumber::domainUnknown,
+                        DetailText("%.*s at position %d of %.*s", shownLength(wanted),
+                                   wanted.data(), position + 1, shownLength(symbol),
+                                   symbol.data()));
   }
   if (symbols_.at(number).dim != 1) {
-    return refuse(ErrorNumber::domainNotOneDimensional,
-                  DetailText("%.*s of dimension %d at position %d of %.*s", shownLength(wanted),
-                             wanted.data(), symbols_.at(number).dim, position + 1,
-                             shownLength(symbol), symbol.data()));
+    return refuseDomain(ErrorNumber::domainNotOneDimensional,
+                        DetailText("%.*s of dimension %d at position %d of %.*s",
+                                   shownLength(wanted), wanted.data(), symbols_.at(number).dim,
+                                   position + 1, shownLength(symbol), symbol.data()));
   }
   members = std::make_shared<const LabelBits>(members_[number].bits());
   return true;
@@ -191,11 +193,12 @@ bool RxfWriter::setDomainNames(int number, const char* const* names) {
   std::vector<std::string> domains;
   for (int d = 0; d < entry.dim; ++d) {
     const std::string_view name = names[d] == nullptr ? "" : names[d];
-    const char* reason = name == kUniverseName ? nullptr : nameRefusal(name);
-    if (reason != nullptr) {
-      return refuse(ErrorNumber::nameNotAcceptable,
-                    DetailText("domain >%.*s< at position %d of symbol %d: %s", shownLength(name),
-                               name.data(), d + 1, number, reason));
+    if (name.size() > kMaxTextLength) {
+      const std::string_view symbol = symbols_.name(static_cast<std::uint32_t>(number));
+      return refuse(ErrorNumber::textTooLong,
+                    DetailText("domain name at position %d of %.*s has %zu, >%.*s...<", d + 1,
+                               shownLength(symbol), symbol.data(), name.size(), shownLength(name),
+                               name.data()));
     }
     domains.emplace_back(name);
   }
@@ -236,11 +239,17 @@ void RxfWriter::seal() {
   sealed_ = true;
 }
 
+void RxfWriter::publish() {
+  if (stage_ != Stage::between || !labelled_ || withheld_ || file_.published()) return;
+  seal();
+  file_.publish();
+}
+
 bool RxfWriter::close() {
   if (stage_ == Stage::abandoned || withheld_) return false;
   if (stage_ != Stage::between) return refuseOrder("closing with a symbol or the labels open");
   seal();
-  file_.publish();
+  if (!file_.published()) file_.publish();
   return true;
 }
 
@@ -276,6 +285,12 @@ bool RxfWriter::expect(Stage stage, const char* what) {
 }
 
 bool RxfWriter::refuse(ErrorNumber number, const DetailText& detail) {
+  withheld_ = true;
+  return refuseDomain(number, detail);
+}
+
+// Nothing that the caller gave is lost with a domain that is only held against the records.
+bool RxfWriter::refuseDomain(ErrorNumber number, const DetailText& detail) {
   log_.record(number, detail);
   return false;
 }
@@ -286,6 +301,7 @@ bool RxfWriter::refuseOrder(const char* what) {
 }
 
 bool RxfWriter::refuseRecord(const int* keys, const RecordBlock::Comparison& comparison) {
+  withheld_ = true;
   const std::string_view symbol = symbols_.name(number_);
   if (!comparison.inLabels) {
     log_.recordLazily(ErrorNumber::keyOutsideLabels, [&] {
@@ -319,6 +335,7 @@ bool RxfWriter::refuseRecord(const int* keys, const RecordBlock::Comparison& com
 bool RxfWriter::insideDomain(const int* keys, int from) {
   const int outside = domain_.firstOutside(keys, from, block_.dim());
   if (outside == block_.dim()) return true;
+  withheld_ = true;
   log_.recordLazily(ErrorNumber::outsideDomain, [&] {
     const std::string_view symbol = symbols_.name(number_);
     const std::string_view label = labels_.at(static_cast<std::uint32_t>(keys[outside]));

@@ -1,10 +1,10 @@
 // An exchange file while it is written.
 //
-// What is wrong with a single record, domain, alias or symbol is recorded in the log and left out;
-// the rest is written. A label or a set text that is refused would shift the numbers of those
-// behind it, so a file with one is never published; nor is one whose writing failed. Order of
-// calls: labels between startLabels and finishLabels; a symbol's records between startSymbol and
-// finishSymbol. Numbers of labels, texts and symbols count from 1 as they come.
+// Whatever is refused is recorded in the log, and a file that lacks it is never published: nor is one
+// whose writing failed. Only a strict domain may be refused without harm, since the symbol and its
+// records are there without it. Order of calls: labels between startLabels and finishLabels; a
+// symbol's records between startSymbol and finishSymbol. Numbers of labels, texts and symbols count
+// from 1 as they come.
 #ifndef ZTB_PROVIDERS_RXF_RXF_WRITER_H_
 #define ZTB_PROVIDERS_RXF_RXF_WRITER_H_
 
@@ -52,7 +52,8 @@ class RxfWriter {
                    const SpecialTable& specials);
 
   // Sets the domain of the open symbol, before its records. `names` are dim names: "*", or a
-  // one-dimensional set or alias written before. When one is not, the symbol has no domain.
+  // one-dimensional set or alias written before. When one is not, the symbol has no domain; that
+  // alone does not keep the file from being published.
   bool setDomain(const char* const* names);
 
   // Adds a record to the open symbol: `keys` are dim label numbers, `values` 1 or 5 doubles.
@@ -73,12 +74,17 @@ class RxfWriter {
 
   bool finishSymbol();
 
-  // Records the names of a symbol's domains; no record is held against them.
+  // Records the names of a symbol's domains, of any 0 to 255 bytes; no record is held against them.
   bool setDomainNames(int number, const char* const* names);
 
   // Brings the whole file, tables and header included, to the disk, so that publishing only has to
   // rename it. Does nothing while a symbol or the labels are open, or when nothing has changed.
   void seal();
+
+  // Publishes what was written, if it is a whole file: the labels were registered, nothing is open
+  // and nothing was refused. What is written afterwards goes into a copy, which takes the place of
+  // the published file by the next publish() or close().
+  void publish();
 
   // Seals and publishes. False, with the error in the log, when the file may not be published.
   bool close();
@@ -98,12 +104,14 @@ class RxfWriter {
   }
 
   bool expect(Stage stage, const char* what);
+  // Each gives false and records the error. All but refuseDomain() withhold the file.
   bool refuse(ErrorNumber number, const DetailText& detail);
   bool refuseOrder(const char* what);
   bool refuseRecord(const int* keys, const RecordBlock::Comparison& comparison);
   bool insideDomain(const int* keys, int from);
   bool refuseSymbol(std::string_view name, std::string_view text, int dim, int type);
   bool findDomain(const char* name, int position, std::shared_ptr<const LabelBits>& members);
+  bool refuseDomain(ErrorNumber number, const DetailText& detail);
   void change();
   void writeBlock();
 
@@ -112,6 +120,7 @@ class RxfWriter {
   std::string producer_;
   Stage stage_ = Stage::between;
   bool withheld_ = false;
+  bool labelled_ = false;
   bool sealed_ = false;
   std::uint64_t dataEnd_ = 0;
 

@@ -33,8 +33,8 @@ void decodeDomains(ByteReader& in, SymbolEntry& entry) {
   }
   for (int d = 0; d < entry.dim; ++d) {
     const std::string_view name = in.text();
-    if (name != kUniverseName && nameRefusal(name) != nullptr) {
-      throw Malformed(DetailText("name of domain %d is not acceptable", d + 1));
+    if (name.find('\0') != std::string_view::npos) {
+      throw Malformed(DetailText("name of domain %d holds a zero", d + 1));
     }
     entry.domains.emplace_back(name);
   }

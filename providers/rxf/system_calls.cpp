@@ -6,6 +6,8 @@
 
 #include <cstdio>
 
+#include "providers/rxf/held_signal.h"
+
 namespace rxffile {
 
 int SystemCalls::open(const char* path, int flags, mode_t mode) {
@@ -29,6 +31,7 @@ ssize_t SystemCalls::pread(int fd, void* data, std::size_t size, off_t offset) {
 }
 
 ssize_t SystemCalls::pwrite(int fd, const void* data, std::size_t size, off_t offset) {
+  const HeldSignal held(SIGXFSZ);
   return ::pwrite(fd, data, size, offset);
 }
 

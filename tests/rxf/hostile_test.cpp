@@ -81,7 +81,7 @@ TEST(Hostile, compressedColumnsChangedUnderRightChecksums) {
   symbol.dim = 3;
   symbol.type = kVariable;
   for (int i = 0; i < 3000; ++i) {
-    symbol.records.push_back(record({1 + i / 300, 1 + i / 7 % 43, 1 + i % 7 * 40 + i / 300},
+    symbol.records.push_back(record({1 + i / 301, 1 + i / 7 % 43, 1 + i % 7 * 40 + i / 301},
                                     {i * 0.1, 1.0 / (i % 30 + 1), i * 1e300, 0, 1}));
   }
   content.symbols = {symbol};
