@@ -21,6 +21,7 @@ using Mode = FailingCalls::Mode;
 void write(rxffile::SystemCalls& calls, const std::string& path, const Content& content) {
   const auto object = std::make_unique<RxfObject>(calls);
   if (object->openWrite(path.c_str(), "") != 0) return;
+  object->storeDomainSets(false);
   writeContent(*object, content);
   object->errorCount();
   object->close();

@@ -55,7 +55,7 @@ class Domain : public testing::Test {
   PeerFile file_;
 };
 
-TEST_F(Domain, strictDomainKeepsRecordsOutsideOut) {
+TEST_F(Domain, aFileWithARecordOutsideItsStrictDomainIsNotPublished) {
   file_.startWriting("p", "", 2, kParameter, 0);
   ASSERT_TRUE(setDomain({"I", "*"}));
   EXPECT_TRUE(write({1, 1}));
@@ -68,6 +68,16 @@ TEST_F(Domain, strictDomainKeepsRecordsOutsideOut) {
             std::vector<std::string>(2,
                                      "Record outside its domain: p, label >b< at position 1 is "
                                      "not in I"));
+  EXPECT_EQ(file_.close(), 10);
+  EXPECT_EQ(folder_.names(), std::vector<std::string>{});
+}
+
+TEST_F(Domain, aStrictDomainIsKeptWithTheRecordsInIt) {
+  file_.startWriting("p", "", 2, kParameter, 0);
+  ASSERT_TRUE(setDomain({"I", "*"}));
+  EXPECT_TRUE(write({1, 1}));
+  EXPECT_TRUE(write({3, 4}));
+  file_.finishWriting();
   const Symbol p = lastSymbol();
   EXPECT_EQ(p.domainKind, 3);
   EXPECT_EQ(p.domain, (std::vector<std::string>{"I", "*"}));
@@ -140,20 +150,37 @@ TEST_F(Domain, namesAloneAreKeptAndHoldNoRecordBack) {
   EXPECT_EQ(p.records.size(), 1U);
 }
 
-TEST_F(Domain, namesForNoSymbolOrAnAliasAreRefused) {
+TEST_F(Domain, namesForNoSymbolOrAnAliasAreRefusedAndTheFileIsNotPublished) {
   EXPECT_FALSE(file_.setDomainNames(0, pointers({"i"}).data()));
   EXPECT_FALSE(file_.setDomainNames(6, pointers({"i"}).data()));
   EXPECT_FALSE(file_.setDomainNames(2, pointers({"i"}).data()));
   EXPECT_EQ(file_.drainErrors(),
             std::vector<std::string>(3, "No such symbol number: domain names for symbol 0 of 5"));
+  EXPECT_NE(file_.close(), 0);
+  EXPECT_EQ(folder_.names(), std::vector<std::string>{});
 }
 
-TEST_F(Domain, aNameThatIsNoneIsRefused) {
-  EXPECT_FALSE(file_.setDomainNames(5, pointers({"no name"}).data()));
+TEST_F(Domain, anyNameOfUpTo255BytesIsKept) {
+  const std::vector<std::string> names = {
+      "my dom", "1999", "_x", "", " ", "**", "a\nb", "\xC3\xA9\xFF", std::string(255, 'n')};
+  const int dim = static_cast<int>(names.size());
+  file_.startWriting("p", "", dim, kParameter, 0);
+  file_.finishWriting();
+  EXPECT_TRUE(file_.setDomainNames(6, pointers(names).data()));
+  EXPECT_EQ(file_.errorCount(), 0);
+  const Symbol p = lastSymbol();
+  EXPECT_EQ(p.domainKind, 2);
+  EXPECT_EQ(p.domain, names);
+}
+
+TEST_F(Domain, aLongerNameIsRefusedAndTheFileIsNotPublished) {
+  EXPECT_FALSE(file_.setDomainNames(5, pointers({std::string(256, 'n')}).data()));
   EXPECT_EQ(file_.drainErrors(),
-            std::vector<std::string>{
-                "Symbol name not acceptable: domain >no name< at position 1 of symbol 5: it holds "
-                "something else than letters, digits and underscores"});
+            std::vector<std::string>{"Text longer than 255 bytes: domain name at position 1 of q "
+                                     "has 256, >" +
+                                     std::string(80, 'n') + "...<"});
+  EXPECT_NE(file_.close(), 0);
+  EXPECT_EQ(folder_.names(), std::vector<std::string>{});
 }
 
 }  // namespace

@@ -62,10 +62,84 @@ TEST(OutputFile, publishingReplacesTheTarget) {
 
 TEST(OutputFile, permissionBitsOfTheTargetAreKept) {
   const TempFolder folder;
+  for (const mode_t bits : {0640U, 0666U, 0600U, 0700U}) {
+    writeFile(folder.file("x"), "old");
+    chmod(folder.file("x").c_str(), bits);
+    writeThrough(folder.file("x"), "new");
+    EXPECT_EQ(modeOf(folder.file("x")), bits);
+  }
+}
+
+TEST(OutputFile, bitsThatChangeTheUserOfAProgramAreNotKept) {
+  const TempFolder folder;
   writeFile(folder.file("x"), "old");
-  chmod(folder.file("x").c_str(), 0640);
+  chmod(folder.file("x").c_str(), 07755);
   writeThrough(folder.file("x"), "new");
-  EXPECT_EQ(modeOf(folder.file("x")), 0640U);
+  EXPECT_EQ(modeOf(folder.file("x")), 0755U);
+}
+
+TEST(OutputFile, onlyTheOwnerMayReadItUntilItIsWhole) {
+  const TempFolder folder;
+  const mode_t before = umask(0);
+  writeFile(folder.file("x"), "old");
+  chmod(folder.file("x").c_str(), 0666);
+  for (const char* name : {"x", "y"}) {
+    OutputFile file(operatingSystem(), folder.file(name));
+    const std::string temporary = folder.file("." + std::string(name) + ".0.rxftmp");
+    EXPECT_EQ(modeOf(temporary), 0600U);
+    file.append("new", 3);
+    file.sync();
+    EXPECT_EQ(modeOf(temporary), 0600U);
+    file.publish();
+    EXPECT_EQ(modeOf(folder.file(name)), 0666U);
+  }
+  umask(before);
+}
+
+TEST(OutputFile, bitsThatTheTargetGetsMeanwhileAreKept) {
+  const TempFolder folder;
+  writeFile(folder.file("x"), "old");
+  chmod(folder.file("x").c_str(), 0644);
+  OutputFile file(operatingSystem(), folder.file("x"));
+  chmod(folder.file("x").c_str(), 0600);
+  file.sync();
+  file.publish();
+  EXPECT_EQ(modeOf(folder.file("x")), 0600U);
+}
+
+TEST(OutputFile, aTargetThatBecameAFolderOrAPipeIsLeftAlone) {
+  const TempFolder folder;
+  const auto failure = [&](const std::string& name, const auto& make) -> std::string {
+    OutputFile file(operatingSystem(), folder.file(name));
+    file.sync();
+    make(folder.file(name));
+    try {
+      file.publish();
+    } catch (const Failure& caught) {
+      EXPECT_EQ(caught.number(), ErrorNumber::writeFailed);
+      return caught.what();
+    }
+    return "";
+  };
+  EXPECT_EQ(failure("f", [](const std::string& path) { mkdir(path.c_str(), 0700); }),
+            folder.file("f") + ": it is no regular file any more");
+  EXPECT_EQ(failure("p", [](const std::string& path) { mkfifo(path.c_str(), 0600); }),
+            folder.file("p") + ": it is no regular file any more");
+  EXPECT_EQ(folder.names(), (std::vector<std::string>{"f", "p"}));
+}
+
+TEST(OutputFile, theNameOfADeepFolderLeavesRoomForTheReason) {
+  const TempFolder folder;
+  const std::string path = folder.file(std::string(200, 'n'));
+  OutputFile file(operatingSystem(), path);
+  file.sync();
+  mkdir(path.c_str(), 0700);
+  try {
+    file.publish();
+    FAIL();
+  } catch (const Failure& caught) {
+    EXPECT_EQ(caught.what(), "..." + std::string(120, 'n') + ": it is no regular file any more");
+  }
 }
 
 TEST(OutputFile, aNewFileHasTheBitsThatTheUmaskLeaves) {
@@ -151,6 +225,27 @@ TEST(OutputFile, rewindingDropsWhatStoodBehind) {
   file.sync();
   file.publish();
   EXPECT_EQ(readFile(folder.file("x")), "ZbcXY");
+}
+
+TEST(OutputFile, rewindingAPublishedFileGoesOnBesideIt) {
+  const TempFolder folder;
+  {
+    OutputFile file(operatingSystem(), folder.file("x"));
+    file.append("abcdef", 6);
+    file.sync();
+    file.publish();
+    EXPECT_TRUE(file.published());
+    file.rewindTo(3);
+    EXPECT_FALSE(file.published());
+    file.append("XY", 2);
+    file.sync();
+    EXPECT_EQ(readFile(folder.file("x")), "abcdef");
+    file.publish();
+    EXPECT_EQ(readFile(folder.file("x")), "abcXY");
+    file.rewindTo(0);
+  }
+  EXPECT_EQ(readFile(folder.file("x")), "abcXY");
+  EXPECT_EQ(folder.names(), std::vector<std::string>{"x"});
 }
 
 TEST(OutputFile, largeAndSmallPiecesKeepTheirOrder) {

@@ -160,6 +160,11 @@ bool PeerFile::finishReading() {
   return function(rxf_) != 0;
 }
 
+void PeerFile::storeDomainSets(bool on) {
+  static auto* function = exported<void(void*, int)>("C__rxfStoreDomainSetsSet");
+  function(rxf_, on ? 1 : 0);
+}
+
 bool PeerFile::startLabels() {
   static auto* const function = exported<int(void*)>("C__rxfUELRegisterRawStart");
   return function(rxf_) != 0;

@@ -56,6 +56,7 @@ class PeerFile {
   bool read(int* keys, double* values, int* firstChanged);
   bool finishReading();
 
+  void storeDomainSets(bool on);
   bool startLabels();
   bool addLabel(const char* label);
   bool finishLabels();
