@@ -127,9 +127,10 @@ int c__ztbinitfromrxf(ztbRec* ztb, const char* fileName);
 int c__ztbcloserxf(ztbRec* ztb, int loadRemain);
 
 /* Writes the whole database to an RXF file, which may be the one it was opened from. With
- * noDomainCheck 0, records of symbols whose domains are sets are checked against them. Records
- * that the file refuses fail the operation with their count, and the file is written without
- * them; on any other failure the old file stays. */
+ * noDomainCheck 0, records of symbols whose domains are sets are checked against them. Whatever
+ * the file refuses fails the operation, with the count of the refusals and one of their reasons.
+ * On failure an old file stays as it was; only when the new one took its place and the folder
+ * could not be brought to the disk after that, the new one stands, and the text says so. */
 int c__ztbwriterxf(ztbRec* ztb, const char* fileName, int noDomainCheck);
 
 /* ---- special values ----------------------------------------------------------------------------
@@ -417,7 +418,9 @@ int c__ztbdensearrayslicestosymbol(ztbRec* ztb, void* sym, void** sliceDomains, 
  */
 
 /* Replaces the records of target by those of source, of the same type, or of any type if target is
- * a set; labels and texts cross by their strings, so that the two may be in different databases. */
+ * a set; labels and texts cross by their strings, so that the two may be in different databases.
+ * WARNING: target is emptied first. A symbol that is copied onto itself, or an alias that is copied
+ * onto its set, leaves the symbol empty, with the result 1. */
 int c__ztbcopysymbol(ztbRec* ztb, void* target, void* source);
 
 /* Counts how often each label stands in the keys of the given symbols; uelCounts has listSize

@@ -37,8 +37,12 @@ def test_a_file_may_be_written_over_its_own_source(diet, tmp_path):
 
 def test_a_label_outside_its_domain_is_refused_when_asked(diet, tmp_path):
     diet["holds"]["Lard", "iron"] = 1
-    with pytest.raises(ztb.Error, match="RXF Error"):
-        diet.write(tmp_path / "checked.rxf", check_domains=True)
+    checked = tmp_path / "checked.rxf"
+    checked.write_bytes(b"old")
+    with pytest.raises(ztb.Error, match="Record outside its domain: holds, label >Lard<"):
+        diet.write(checked, check_domains=True)
+    assert checked.read_bytes() == b"old"
+    assert [path.name for path in tmp_path.iterdir()] == ["checked.rxf"]
     diet.write(tmp_path / "loose.rxf")
     with ztb.open(tmp_path / "loose.rxf") as copy:
         assert copy["holds"].violations() == [(("Lard", "iron"), (0,))]

@@ -57,7 +57,20 @@ TEST_F(FileTest, KeepsTheOldOneWhenARecordIsOutsideItsDomain) {
   ztb::Database database = ztb::Database::open(path_);
   database.symbol("p").add("c");
   const std::string other = folder_.file("b.rxf");
-  EXPECT_THROW(database.write(other, true), ztb::Error);
+  {
+    ztb::Database old;
+    old.addSet("old", {"*"}).add("a");
+    old.write(other);
+  }
+  try {
+    database.write(other, true);
+    FAIL();
+  } catch (const ztb::Error& error) {
+    EXPECT_STREQ(error.what(),
+                 "1 RXF Error(s). First Error: Record outside its domain: p, label >c< at position "
+                 "1 is not in i");
+  }
+  EXPECT_EQ(ztb::Database::open(other).symbol("old").recordCount(), 1);
   database.write(other, false);
   EXPECT_EQ(ztb::Database::open(other).symbol("p").recordCount(), 2);
 }

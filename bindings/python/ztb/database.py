@@ -79,7 +79,8 @@ class Database:
         """Writes everything to an RXF file, which may be the one that was opened.
 
         With ``check_domains`` a label outside the set that is its domain is an error. On failure
-        an old file stays as it was.
+        an old file stays as it was; only where its folder could not be brought to the disk, which
+        comes last and is told, the new one stands.
         """
         self._native.write(path, check_domains)
 
