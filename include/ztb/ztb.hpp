@@ -102,8 +102,8 @@ class Database {
   }
   // Writes the whole database to an RXF file, which may be the one that it was opened from. With
   // checkDomains, records of symbols whose domains are sets are checked against them. On failure
-  // the old file stays; only where the folder of the new one could not be brought to the disk, which
-  // comes last and is told, the new one stands.
+  // the old file stays; only where the folder of the new one could not be brought to the disk,
+  // which comes last and is told, the new one stands.
   void write(ZString fileName, bool checkDomains = false) {
     detail::require(c__ztbwriterxf(handle_, fileName.c_str(), checkDomains ? 0 : 1), handle_,
                     "ztbWriteRXF");

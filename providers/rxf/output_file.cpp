@@ -345,9 +345,8 @@ void OutputFile::failReplacing(int error) const {
   struct stat folder {};
   const uid_t user = geteuid();
   const bool sticky = calls_.stat(folder_.empty() ? "." : folder_.c_str(), &folder) == 0 &&
-                      calls_.stat(target_.c_str(), &file) == 0 &&
-                      (folder.st_mode & S_ISVTX) != 0 && folder.st_uid != user &&
-                      file.st_uid != user;
+                      calls_.stat(target_.c_str(), &file) == 0 && (folder.st_mode & S_ISVTX) != 0 &&
+                      folder.st_uid != user && file.st_uid != user;
   throw Failure(ErrorNumber::noPermission,
                 DetailText("%s cannot be replaced: %s", shownName().c_str(),
                            sticky ? "it belongs to another user and lies in a sticky folder"

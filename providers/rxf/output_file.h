@@ -3,9 +3,9 @@
 // Until publish() the target is untouched; when the object ends before, the temporary file is
 // removed. The temporary file lies in the target's folder, is called "." + target + ".N.rxftmp" and
 // is locked while its writer lives, so that the next writer of the same target can tell a file left
-// by a killed process, which it removes, from one that is being written. Only its owner may read it:
-// it gets the permission bits of the target, or those of a new file, when it is whole.
-// A target that is a symbolic link is written through: the file that it leads to is replaced.
+// by a killed process, which it removes, from one that is being written. Only its owner may read
+// it: it gets the permission bits of the target, or those of a new file, when it is whole. A target
+// that is a symbolic link is written through: the file that it leads to is replaced.
 #ifndef ZTB_PROVIDERS_RXF_OUTPUT_FILE_H_
 #define ZTB_PROVIDERS_RXF_OUTPUT_FILE_H_
 
@@ -41,17 +41,17 @@ class OutputFile {
   // Writes over bytes before position().
   void overwrite(std::uint64_t offset, const void* data, std::size_t size);
 
-  // Drops everything from `length` on. What was published stays as it is: the object then goes on in
-  // a new temporary file, which begins with that many bytes of it. Further failures: those of the
-  // constructor. REQUIRES: length <= position().
+  // Drops everything from `length` on. What was published stays as it is: the object then goes on
+  // in a new temporary file, which begins with that many bytes of it. Further failures: those of
+  // the constructor. REQUIRES: length <= position().
   void rewindTo(std::uint64_t length);
 
   // Brings everything to the disk.
   void sync();
 
-  // Takes the target's place and brings the folder to the disk. Further failure: noPermission. After
-  // a failure the target is the old one, unless only the folder could not be brought to the disk,
-  // which the detail then says. REQUIRES: sync() before, nothing written since.
+  // Takes the target's place and brings the folder to the disk. Further failure: noPermission.
+  // After a failure the target is the old one, unless only the folder could not be brought to the
+  // disk, which the detail then says. REQUIRES: sync() before, nothing written since.
   void publish();
 
   [[nodiscard]] bool published() const { return published_; }

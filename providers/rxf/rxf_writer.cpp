@@ -158,10 +158,10 @@ bool RxfWriter::findDomain(const char* name, int position,
   }
   const std::string_view symbol = symbols_.name(number_);
   if (number == 0 || symbols_.at(number).type != kTypeSet) {
-    return refuseDomain(ErrorNumber::domainUnknown,
-                        DetailText("%.*s at position %d of %.*s", shownLength(wanted),
-                                   wanted.data(), position + 1, shownLength(symbol),
-                                   symbol.data()));
+    return refuseDomain(
+        ErrorNumber::domainUnknown,
+        DetailText("%.*s at position %d of %.*s", shownLength(wanted), wanted.data(), position + 1,
+                   shownLength(symbol), symbol.data()));
   }
   if (symbols_.at(number).dim != 1) {
     return refuseDomain(ErrorNumber::domainNotOneDimensional,

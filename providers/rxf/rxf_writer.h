@@ -1,8 +1,8 @@
 // An exchange file while it is written.
 //
-// Whatever is refused is recorded in the log, and a file that lacks it is never published: nor is one
-// whose writing failed. Only a strict domain may be refused without harm, since the symbol and its
-// records are there without it. Order of calls: labels between startLabels and finishLabels; a
+// Whatever is refused is recorded in the log, and a file that lacks it is never published: nor is
+// one whose writing failed. Only a strict domain may be refused without harm, since the symbol and
+// its records are there without it. Order of calls: labels between startLabels and finishLabels; a
 // symbol's records between startSymbol and finishSymbol. Numbers of labels, texts and symbols count
 // from 1 as they come.
 #ifndef ZTB_PROVIDERS_RXF_RXF_WRITER_H_

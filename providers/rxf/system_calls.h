@@ -1,9 +1,9 @@
 // The calls of the operating system that files are read and written with, behind an interface, so
 // that tests can make each of them fail or end the process there.
 //
-// Every call has the meaning, the result and the errno of the POSIX call of its name. Writing beyond
-// the process's file-size limit is the error EFBIG and never the signal SIGXFSZ, whatever the
-// process has arranged for that.
+// Every call has the meaning, the result and the errno of the POSIX call of its name. Writing
+// beyond the process's file-size limit is the error EFBIG and never the signal SIGXFSZ, whatever
+// the process has arranged for that.
 #ifndef ZTB_PROVIDERS_RXF_SYSTEM_CALLS_H_
 #define ZTB_PROVIDERS_RXF_SYSTEM_CALLS_H_
 

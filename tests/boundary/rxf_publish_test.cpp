@@ -39,9 +39,7 @@ int write(const Database& db, const std::string& file, int noDomainCheck) {
 
 class PublishRxf : public testing::Test {
  protected:
-  void SetUp() override {
-    std::ofstream(file) << "old";
-  }
+  void SetUp() override { std::ofstream(file) << "old"; }
 
   void expectOldFileAlone() const {
     EXPECT_EQ("old", bytes(file));
@@ -109,8 +107,8 @@ TEST_F(PublishRxf, aRecordOutsideItsDomainFailsACheckedWriteAndKeepsTheOldFile) 
 TEST_F(PublishRxf, aRecordOfALabelThatIsNoneKeepsTheOldFile) {
   Database db;
   const int key = 50;
-  ASSERT_EQ(1, lib().c__ztbmergerecordint(db, db.addParameter("q"), &key, 0, 0, nullptr, 0,
-                                          nullptr));
+  ASSERT_EQ(1,
+            lib().c__ztbmergerecordint(db, db.addParameter("q"), &key, 0, 0, nullptr, 0, nullptr));
   EXPECT_FAILURE(db,
                  "1 RXF Error(s). First Error: Key outside the registered labels: q, key 50 at "
                  "position 1, expected 1 to 0",

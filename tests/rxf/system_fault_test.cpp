@@ -7,9 +7,9 @@
 #include <array>
 #include <cerrno>
 #include <map>
-#include <utility>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "providers/rxf/rxf_object.h"
 #include "tests/rxf/content.h"
@@ -298,10 +298,9 @@ TEST(SystemFaults, aFileThatMayNotBeWrittenIsToldWithTheReason) {
   using Texts = std::map<std::string, std::string>;
   const TempFolder folder;
   write(rxffile::operatingSystem(), folder.file("x"), oldContent());
-  const Texts expected = {
-      {"stat", "No permission: the folder cannot be entered"},
-      {"access", "No permission: the file cannot be written"},
-      {"open", "No permission: the folder cannot be written"}};
+  const Texts expected = {{"stat", "No permission: the folder cannot be entered"},
+                          {"access", "No permission: the file cannot be written"},
+                          {"open", "No permission: the folder cannot be written"}};
   for (const int error : {EACCES, EPERM, EROFS}) {
     EXPECT_EQ(openingTexts(folder.file("x"), error, 2), expected);
   }
