@@ -38,14 +38,16 @@ inline int dictionarySymbolIndex(void* nmt, const std::string& name) {
   return nmt == nullptr ? 0 : peers::nmtSymIndex(nmt, name.c_str());
 }
 
-// Throws std::logic_error unless a key of the dictionary's symbol has room in a KeyBuffer.
-inline void requireDictionaryKeyRoom(void* nmt, int index) {
+// The dimension of a symbol of the dictionary. Throws std::logic_error unless a key of it has room
+// in a KeyBuffer.
+inline int requireDictionaryKeyRoom(void* nmt, int index) {
   const int dim = peers::nmtSymDim(nmt, index);
   if (dim < 0 || dim > dmap::maxDimension) {
     throw std::logic_error("dimension " + std::to_string(dim) + " of model symbol number " +
                            std::to_string(index) + " is outside [0," +
                            std::to_string(dmap::maxDimension) + "]");
   }
+  return dim;
 }
 
 // A walk over the rows or columns of one dictionary symbol. Its end closes the peer's search, also

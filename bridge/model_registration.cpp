@@ -1,6 +1,7 @@
 // Ties a database to a model instance and fills it from the model's dictionary.
 
 #include <algorithm>
+#include <array>
 #include <limits>
 #include <stdexcept>
 #include <string>
@@ -27,9 +28,16 @@ bool makeReady(const ZTB& db, GetReady getReady, GetReadyD getReadyD, char* mess
                            : getReadyD(db.sysDir.c_str(), message, readyMessageSize);
 }
 
-// Repeats the text of a failure on standard output while tracing is on.
-int traceFailure(const ZTB& db, int result) {
-  if (result != success) {
+// Runs `body` and repeats the text of its failure on standard output while tracing is on. Some
+// failures have no text: an older one, which then stays in the last error, is not theirs.
+template <class Body>
+int tracingFailure(ZTB& db, const Body& body) {
+  const auto olderText = std::to_array(db.lastError);
+  db.lastError[0] = '\0';
+  const int result = body();
+  if (db.lastError[0] == '\0') {
+    std::ranges::copy(olderText, db.lastError);
+  } else if (result != success) {
     printProgress(db.lastError);
   }
   return result;
@@ -149,6 +157,9 @@ int ZTB::RegisterPBI(void* model) {
   if (!makeReady(*this, peers::nmtGetReady, peers::nmtGetReadyD, message)) {
     return fail("Error in nmtGetReady: %s", message);
   }
+  if (snv != nullptr && !isPreparedModel(model)) {
+    undoPreparation();
+  }
   pbi = model;
   nmt = peers::pbiDict(pbi);
   constexpr double infinity = std::numeric_limits<double>::infinity();
@@ -174,14 +185,15 @@ int ZTB::InitFromDict(void* model) {
 }
 
 int ztbRegisterPBI(ztbRec* handle, void* pbi) {
-  return operation(handle, "ztbRegisterPBI",
-                   [&](ZTB& db) { return traceFailure(db, db.RegisterPBI(pbi)); });
+  return operation(handle, "ztbRegisterPBI", [&](ZTB& db) {
+    return tracingFailure(db, [&] { return db.RegisterPBI(pbi); });
+  });
 }
 
 int ztbInitFromDict(ztbRec* handle, void* pbi) {
   return operation(handle, "ztbInitFromDict", [&](ZTB& db) {
     printProgress("---- Entering InitFromDict ----");
-    return traceFailure(db, db.InitFromDict(pbi));
+    return tracingFailure(db, [&] { return db.InitFromDict(pbi); });
   });
 }
 

@@ -199,6 +199,9 @@ int updateModelSymbol(ZTB& db, AbstractZTBSymbol* symbol, int action, AbstractZT
   if (db.nmt == nullptr) {
     return db.fail("No model registered, call ztbRegisterPBI or ztbInitFromDict first");
   }
+  if (db.modelReplaced) {
+    return db.failModelReplaced();
+  }
   const int index = peers::nmtSymIndex(db.nmt, modelName.c_str());
   if (index <= 0) {
     *noMatchCount = data->recordCount();

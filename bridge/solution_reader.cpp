@@ -1,5 +1,8 @@
 // Reads the records of a model's symbol out of the model.
 
+#include <stdexcept>
+#include <string>
+
 #include "bridge/dictionary.h"
 #include "exchange/special_values.h"
 #include "peers/pbi_family.h"
@@ -58,7 +61,11 @@ void ZTB::LoadSymbolFromModel(AbstractZTBSymbol& symbol, void* rxfFile) {
     return;
   }
   const int type = peers::nmtSymType(nmt, index);
-  requireDictionaryKeyRoom(nmt, index);
+  const int dim = requireDictionaryKeyRoom(nmt, index);
+  if (dim != symbol.dim) {
+    throw std::logic_error("symbol " + symbol.name + " has " + std::to_string(symbol.dim) +
+                           " positions, " + std::to_string(dim) + " in the model");
+  }
   RowColWalk walk(nmt, index, type == dictionaryVariable);
   // All rows of a symbol are taken to be of the first one's type.
   const int rowType = type == dictionaryEquation && !walk.atEnd()

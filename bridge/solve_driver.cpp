@@ -48,6 +48,9 @@ class SolveDriver {
     if (db_.rgy == nullptr && peers::rgyAlgNumber.isNull()) {
       return db_.fail("Model is not prepared for solving, call ztbInitUpdate first");
     }
+    if (db_.modelReplaced) {
+      return db_.failModelReplaced();
+    }
     solver_ = peers::rgyAlgNumber(db_.rgy, solverName_);
     if (solver_ <= 0) {
       return db_.fail("Invalid solver name: %s", solverName_);

@@ -69,6 +69,7 @@ int ZTB::InitUpdate() {
     return fail("%s", message);
   }
   snv = peers::pbiEnvironment(pbi);
+  modelReplaced = false;
   char modelDirectory[messageSize] = {};
   peers::snvGetStrOpt(snv, "NameSysDir", modelDirectory);
   const std::string catalogue = std::string(modelDirectory) + catalogueFileName;
@@ -87,6 +88,33 @@ int ZTB::InitUpdate() {
   peers::pbiGetEquM(pbi, initEquMarginals.get());
   pinParameters(*this);
   return success;
+}
+
+// A model may lie where one that was freed had lain: its address alone does not tell.
+bool ZTB::isPreparedModel(void* model) const {
+  if (model == nullptr || model != pbi || peers::pbiEnvironment(model) != snv) {
+    return false;
+  }
+  return initEquLevels == nullptr ||
+         (peers::pbiN(model) == colCount && peers::pbiM(model) == rowCount);
+}
+
+// The live solver holds the model that it was given, and the environment goes with its model.
+void ZTB::undoPreparation() {
+  freeLiveSolver();
+  snv = nullptr;
+  colCount = 0;
+  rowCount = 0;
+  initVarLevels.reset();
+  initVarMarginals.reset();
+  initEquLevels.reset();
+  initEquMarginals.reset();
+  altBounds = false;
+  modelReplaced = true;
+}
+
+int ZTB::failModelReplaced() {
+  return fail("Another model was registered, call ztbInitUpdate first");
 }
 
 double ZTB::baseValue(const std::unique_ptr<double[]>& base, int count, int place) {

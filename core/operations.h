@@ -9,6 +9,8 @@
 
 #include <ztb/types.h>
 
+#include <limits>
+
 namespace ztb {
 
 int ztbCreate(ztbRec** pztb, char* msg);
@@ -37,10 +39,13 @@ int ztbAddSymbol(ztbRec* handle, const char* name, int dim, int type, int userIn
                  const char* text, void** symPtr);
 void* ztbAddSymbolPy(ztbRec* handle, const char* name, int dim, int type, int userInfo,
                      const char* text, int* status);
+// `domainNames` has `nameCount` entries at least, of which `dim` are used; there are none behind.
 int ztbAddSymbolX(ztbRec* handle, const char* name, int dim, int type, int userInfo,
-                  const char* text, void** domains, const char** domainNames, void** symPtr);
+                  const char* text, void** domains, const char** domainNames, void** symPtr,
+                  int nameCount = std::numeric_limits<int>::max());
 void* ztbAddSymbolXPy(ztbRec* handle, const char* name, int dim, int type, int userInfo,
-                      const char* text, void** domains, const char** domainNames, int* status);
+                      const char* text, void** domains, const char** domainNames, int* status,
+                      int nameCount = std::numeric_limits<int>::max());
 int ztbFindSymbol(ztbRec* handle, const char* name, void** symPtr);
 void* ztbFindSymbolPy(ztbRec* handle, const char* name, int* status);
 int ztbFindSymbolWithAlias(ztbRec* handle, const char* name, void** symPtr);

@@ -120,7 +120,8 @@ void* ztbAddSymbolPy(ztbRec* handle, const char* name, int dim, int type, int us
 }
 
 int ztbAddSymbolX(ztbRec* handle, const char* name, int dim, int type, int userInfo,
-                  const char* text, void** domains, const char** domainNames, void** symPtr) {
+                  const char* text, void** domains, const char** domainNames, void** symPtr,
+                  int nameCount) {
   return operation(handle, "ztbAddSymbolX", [&](ZTB& db) {
     if (!checkName(db, name, text)) {
       return failure;
@@ -131,8 +132,14 @@ int ztbAddSymbolX(ztbRec* handle, const char* name, int dim, int type, int userI
     for (int d = 0; d < dim; ++d) {
       domainSymbols.push_back(domains == nullptr ? nullptr : symbolOf(domains[d]));
     }
+    std::vector<const char*> allNames;
+    if (domainNames != nullptr && dim > nameCount) {
+      allNames.assign(domainNames, domainNames + nameCount);
+      allNames.resize(static_cast<std::size_t>(dim));
+    }
     AbstractZTBSymbol* added =
-        db.addSymbol(describe(name, dim, type, userInfo, text), domainSymbols.data(), domainNames);
+        db.addSymbol(describe(name, dim, type, userInfo, text), domainSymbols.data(),
+                     allNames.empty() ? domainNames : allNames.data());
     *symPtr = added;
     if (added != nullptr) {
       markWritten(db, *added);
@@ -142,9 +149,11 @@ int ztbAddSymbolX(ztbRec* handle, const char* name, int dim, int type, int userI
 }
 
 void* ztbAddSymbolXPy(ztbRec* handle, const char* name, int dim, int type, int userInfo,
-                      const char* text, void** domains, const char** domainNames, int* status) {
+                      const char* text, void** domains, const char** domainNames, int* status,
+                      int nameCount) {
   return handleFromPlain("ztbAddSymbolXPy", status, [&](void** result) {
-    return ztbAddSymbolX(handle, name, dim, type, userInfo, text, domains, domainNames, result);
+    return ztbAddSymbolX(handle, name, dim, type, userInfo, text, domains, domainNames, result,
+                         nameCount);
   });
 }
 

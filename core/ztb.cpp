@@ -33,9 +33,7 @@ ZTB::ZTB(const char* systemDirectory) : sysDir(systemDirectory == nullptr ? "" :
 }
 
 ZTB::~ZTB() {
-  if (solverNumber > 0 && solverLoaded && solverAlg != nullptr) {
-    peers::rgyAlgFree(rgy, solverNumber, &solverAlg);
-  }
+  freeLiveSolver();
   if (rgy != nullptr) {
     peers::rgyFree(&rgy);
   }
@@ -45,6 +43,15 @@ ZTB::~ZTB() {
   if (rxf != nullptr) {
     peers::rxfFree(&rxf);
   }
+}
+
+void ZTB::freeLiveSolver() {
+  if (solverNumber > 0 && solverLoaded && solverAlg != nullptr) {
+    peers::rgyAlgFree(rgy, solverNumber, &solverAlg);
+  }
+  solverAlg = nullptr;
+  solverLoaded = false;
+  solverNumber = 0;
 }
 
 int ZTB::fail(const char* format, ...) {
@@ -76,6 +83,9 @@ int ZTB::textNumber(const char* text) {
 }
 
 bool ZTB::load(AbstractZTBSymbol& symbol) {
+  if (initFrom == Source::pbi && modelReplaced) {
+    return failModelReplaced() == success;
+  }
   symbol.loaded = true;
   if (initFrom == Source::rxf) {
     return readSymbolFromRXF(symbol, nullptr);

@@ -113,7 +113,8 @@ class ZTB {
 
   // Models and solvers; defined in the bridge room.
 
-  // Ties the database to a model, which stays the caller's, and reaches its dictionary.
+  // Ties the database to a model, which stays the caller's, and reaches its dictionary. Where
+  // another one was prepared, that is undone, and the new one has to be prepared before it is used.
   int RegisterPBI(void* model);
   // Registers a model and fills this empty database with its labels and symbols.
   int InitFromDict(void* model);
@@ -121,8 +122,13 @@ class ZTB {
   // marginals.
   int InitUpdate();
   // Reads all records of a symbol from the model into the symbol, or, with an `rxfFile`, on to that
-  // exchange-file object. A symbol that the model does not have gets no records.
+  // exchange-file object. A symbol that the model does not have gets no records. Throws
+  // std::logic_error when the model has it with another dimension.
   void LoadSymbolFromModel(AbstractZTBSymbol& symbol, void* rxfFile);
+  // The failure of whatever would use a registered model by what belongs to the one before it.
+  int failModelReplaced();
+  // Ends the live solver, if there is one; the next solve starts without any.
+  void freeLiveSolver();
   // One of the model's base values. Throws std::logic_error when they were not read, or when there
   // is none for that place.
   static double baseValue(const std::unique_ptr<double[]>& base, int count, int place);
@@ -144,6 +150,7 @@ class ZTB {
   std::unique_ptr<double[]> initEquLevels;  // rowCount + 1 elements, as the marginals
   std::unique_ptr<double[]> initEquMarginals;
   bool altBounds = false;
+  bool modelReplaced = false;     // another model than the one that was prepared is registered
   std::int32_t solverNumber = 0;  // 0: none loaded
   bool solverLoaded = false;
   HvexEntries hvexEntries;
@@ -166,6 +173,8 @@ class ZTB {
   uellist::UELList uels{lastError, messageSize};
 
  private:
+  bool isPreparedModel(void* model) const;
+  void undoPreparation();
   bool load(AbstractZTBSymbol& symbol);
   bool loadAllSymbols();
   void markAliasTarget(AbstractZTBSymbol& alias);

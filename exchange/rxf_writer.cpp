@@ -168,6 +168,9 @@ int RxfWriter::writeRecords(AbstractZTBSymbol& symbol) {
   } else if (db_.initFrom == Source::rxf) {
     db_.readSymbolFromRXF(symbol, target_);
   } else if (db_.initFrom == Source::pbi) {
+    if (db_.modelReplaced) {
+      return db_.failModelReplaced();
+    }
     db_.LoadSymbolFromModel(symbol, target_);
   } else if (db_.initFrom == Source::hvex && !db_.readSymbolFromHVEX(symbol, target_)) {
     return db_.fail("Problems writing symbol %s to RXF", symbol.name.c_str());

@@ -11,11 +11,11 @@
 namespace {
 
 using ztb::exports::hasStringRoom;
-using ztb::exports::isStringRoom;
 using ztb::exports::ShortStringIn;
 using ztb::exports::ShortStringOut;
 using ztb::exports::ShortStringsIn;
 using ztb::exports::ShortStringsOut;
+using ztb::exports::stringArraySize;
 
 // Calls `plain(keys)` with as many labels as the symbol has positions; 0 when there is no symbol.
 template <class Plain>
@@ -91,22 +91,14 @@ void* d__ztbaddsymbolpy(ztbRec* handle, const char* name, int dim, int type, int
 
 int d__ztbaddsymbolx(ztbRec* handle, const char* name, int dim, int type, int userInfo,
                      const char* text, void** domains, const char* domainNames, void** symPtr) {
-  if (!isStringRoom(handle, dim)) {
-    *symPtr = nullptr;
-    return 0;
-  }
   return ztb::ztbAddSymbolX(handle, ShortStringIn(name), dim, type, userInfo, ShortStringIn(text),
-                            domains, ShortStringsIn(domainNames, dim), symPtr);
+                            domains, ShortStringsIn(domainNames, dim), symPtr, stringArraySize);
 }
 
 void* d__ztbaddsymbolxpy(ztbRec* handle, const char* name, int dim, int type, int userInfo,
                          const char* text, void** domains, const char* domainNames, int* status) {
-  if (!isStringRoom(handle, dim)) {
-    *status = 0;
-    return nullptr;
-  }
   return ztb::ztbAddSymbolXPy(handle, ShortStringIn(name), dim, type, userInfo, ShortStringIn(text),
-                              domains, ShortStringsIn(domainNames, dim), status);
+                              domains, ShortStringsIn(domainNames, dim), status, stringArraySize);
 }
 
 int d__ztbfindsymbol(ztbRec* handle, const char* name, void** symPtr) {

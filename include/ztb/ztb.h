@@ -477,7 +477,10 @@ int c__ztbstopwriterecording(ztbRec* ztb);
 /* ---- models and solvers ------------------------------------------------------------------------
  */
 
-/* Ties the database to a loaded model (a pbiRec), which stays the caller's. */
+/* Ties the database to a loaded model (a pbiRec), which stays the caller's. Where
+ * c__ztbinitupdate had prepared another one, updates, solves and the reading of the model's symbols
+ * fail until it has prepared the new one, whose labels have to be those of the database, number by
+ * number. */
 int c__ztbregisterpbi(ztbRec* ztb, void* pbi);
 
 /* Registers a model and fills an empty database with its labels and with one symbol for each of its

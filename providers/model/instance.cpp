@@ -128,6 +128,11 @@ ModelType Instance::typeBy(const std::vector<double>& lower,
   return hasIntegers_ ? ModelType::mixedIntegerQuadratic : ModelType::quadratic;
 }
 
+ModelType Instance::shownType() const {
+  if (!forcedLinear_) return type();
+  return hasIntegers_ ? ModelType::mixedInteger : ModelType::linear;
+}
+
 // Not std::clamp: a caller's bounds may cross.
 double Instance::levelWithin(int j) const {
   return std::max(lowers()[at(j)], std::min(uppers()[at(j)], columns_[at(j)].level));

@@ -5,7 +5,8 @@
 // and an alternative one. Three switches say which of them readers and solvers see: alternative
 // bounds, alternative right-hand side, and forced linearity, under which products of columns are
 // replaced by their gradient at the last linearize(), as long as each has a factor that stands
-// still: the switch makes no other model linear. Own bounds and right-hand sides never change.
+// still: a model that is forced presents itself as linear, but any other is solved as it is. Own
+// bounds and right-hand sides never change.
 //
 // The level of the objective row is the objective's value, constant included. Marginals are the
 // change of the objective, as the model states it, per unit of right-hand side or of a bound.
@@ -51,6 +52,8 @@ class Instance {
   // A model whose products all have a factor with equal bounds is linear. By the bounds that
   // readers see, or by the alternative ones.
   [[nodiscard]] ModelType type() const { return typeBy(lowers(), uppers()); }
+  // The type that the model presents itself with: a linear one while forced linearity is on.
+  [[nodiscard]] ModelType shownType() const;
   [[nodiscard]] ModelType alternativeType() const {
     return typeBy(alternativeLower_, alternativeUpper_);
   }

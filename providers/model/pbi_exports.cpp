@@ -105,7 +105,7 @@ PBI_EXPORT int pbiM(void* pbi) {
 }
 
 PBI_EXPORT int pbiModelType(void* pbi) {
-  return static_cast<int>(instance(pbi).type());
+  return static_cast<int>(instance(pbi).shownType());
 }
 
 PBI_EXPORT int pbiGetVarL(void* pbi, double* values) {

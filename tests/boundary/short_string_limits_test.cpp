@@ -44,16 +44,36 @@ TEST_F(ShortStringLimits, moreThanTwentyLabelsAreRefused) {
 TEST_F(ShortStringLimits, moreThanTwentyDomainNamesAreRefused) {
   std::array<void*, 21> domains{};
   db.markError();
-  EXPECT_EQ(0, lib().d__ztbaddsymbolx(db, ShortString("q"), 21, ZTB_PARAMETER, 0, ShortString(""),
-                                      domains.data(), block, &found));
-  EXPECT_FALSE(db.errorUntouched());
-  EXPECT_EQ(nullptr, found);
-  db.markError();
   EXPECT_EQ(0, lib().d__ztbgetdomain(db, wide, 20, domains.data(), block));
   EXPECT_FALSE(db.errorUntouched());
   db.markError();
   EXPECT_EQ(0, lib().n__ztbgetdomain(db, wide, 20, domains.data(), block));
   EXPECT_FALSE(db.errorUntouched());
+}
+
+// The plain operation tests no dimension; a name behind the twentieth is no name.
+TEST_F(ShortStringLimits, symbolsOfAnyDimensionGoToThePlainOperation) {
+  std::vector<void*> domains(25, db.universe());
+  int status = 7;
+  for (const int dim : {-1, 0, 21, 25}) {
+    const ShortString name("q" + std::to_string(dim + 1));
+    EXPECT_EQ(1, lib().d__ztbaddsymbolx(db, name, dim, ZTB_PARAMETER, 0, ShortString(""),
+                                        domains.data(), block, &found));
+    ASSERT_NE(nullptr, found);
+    EXPECT_EQ(dim, db.symbolInfo(found, ZTB_SYMBOL_INFO_DIMENSION));
+    EXPECT_EQ(nullptr, lib().d__ztbaddsymbolxpy(db, name, dim, ZTB_PARAMETER, 0, ShortString(""),
+                                                domains.data(), block, &status));
+    EXPECT_EQ(1, status) << "a name that exists";
+    db.markError();
+    EXPECT_EQ(0, lib().d__ztbaddsymbolx(db, ShortString(""), dim, ZTB_PARAMETER, 0, ShortString(""),
+                                        domains.data(), block, &found));
+    EXPECT_FALSE(db.errorUntouched());
+  }
+  domains[20] = nullptr;
+  EXPECT_EQ(1, lib().d__ztbaddsymbolx(db, ShortString("unnamed"), 25, ZTB_PARAMETER, 0,
+                                      ShortString(""), domains.data(), block, &found));
+  EXPECT_EQ(nullptr, found);
+  EXPECT_EQ("Domain 21 of Symbol unnamed has neither a set nor a name", db.lastError());
 }
 
 TEST_F(ShortStringLimits, aNullBlockIsNoLabels) {

@@ -114,6 +114,23 @@ TEST_F(Trace, namesEveryDatabaseAndLabelOperation) {
   });
 }
 
+TEST_F(Trace, namesASymbolThatIsAddedByShortStringsWhateverItsDimension) {
+  for (const int dim : {-1, 1, 20, 21, 1000}) {
+    expectLines({
+        {"ztbAddSymbolX\n",
+         [&] {
+           lib().d__ztbaddsymbolx(db, ShortString(""), dim, 0, 0, ShortString(""), nullptr, block,
+                                  &place);
+         }},
+        {"ztbAddSymbolXPy\nztbAddSymbolX\n",
+         [&] {
+           lib().d__ztbaddsymbolxpy(db, ShortString(""), dim, 0, 0, ShortString(""), nullptr, block,
+                                    &status);
+         }},
+    });
+  }
+}
+
 TEST_F(Trace, namesEverySymbolOperation) {
   expectLines({
       {"ztbAddSymbol\n", [&] { lib().c__ztbaddsymbol(db, "", 1, 0, 0, "", &place); }},

@@ -84,6 +84,20 @@ TEST_F(Registration, failuresArePrintedWhileTheTraceIsOn) {
       printed([&] { lib().c__ztbinitfromdict(db(), model_.handle()); }));
 }
 
+TEST_F(Registration, aFailureWithoutATextPrintsNoOlderOne) {
+  void* symbol = nullptr;
+  lib().c__ztbfindsymbol(db(), "nowhere", &symbol);
+  const std::string older = db().lastError();
+  ASSERT_NE("", older);
+  model_.reset();
+  model_.addLabel("with\ta control char");
+  int result = 1;
+  EXPECT_EQ("ztbInitFromDict\n---- Entering InitFromDict ----\n",
+            printed([&] { result = lib().c__ztbinitfromdict(db(), model_.handle()); }));
+  EXPECT_EQ(0, result);
+  EXPECT_EQ(older, db().lastError());
+}
+
 TEST_F(Registration, failuresOfPreparationAreNotPrinted) {
   registerModel();
   model_.answer("rgyReadConfigVUC", 0, 1);

@@ -165,12 +165,18 @@ TEST(Instance, IsLinearWhileAFactorOfEachProductStandsStill) {
   EXPECT_EQ(instance.type(), ModelType::quadratic);
   instance.forceLinear(true);
   EXPECT_EQ(instance.type(), ModelType::quadratic) << "the switch alone makes nothing linear";
+  EXPECT_EQ(instance.shownType(), ModelType::linear);
+  instance.forceLinear(false);
+  EXPECT_EQ(instance.shownType(), ModelType::quadratic);
 
   ModelData data = productModel();
   data.columns[2].kind = ColumnKind::integer;
   EXPECT_EQ(Instance(data).type(), ModelType::mixedInteger);
   data.columns[0].upper = 3;
-  EXPECT_EQ(Instance(data).type(), ModelType::mixedIntegerQuadratic);
+  Instance withIntegers(data);
+  EXPECT_EQ(withIntegers.type(), ModelType::mixedIntegerQuadratic);
+  withIntegers.forceLinear(true);
+  EXPECT_EQ(withIntegers.shownType(), ModelType::mixedInteger);
 }
 
 TEST(Instance, TellsTheTypeThatItsAlternativeBoundsMake) {
