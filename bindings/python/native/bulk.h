@@ -4,6 +4,7 @@
 
 #include <vector>
 
+#include "bindings/python/native/new_labels.h"
 #include "bindings/python/native/symbol.h"
 
 namespace python {
@@ -16,12 +17,15 @@ py::list texts(const Symbol& symbol);
 
 // Replaces the records of a parameter, variable or equation by these, in any order. Values has a
 // column for each of `fields`; the others take the defaults of the symbol's kind. Throws
-// ValueError, with the symbol as it was, for shapes that do not fit, numbers that no label has, and
-// two rows with one key.
+// ValueError, with the symbol and the labels as they were, for shapes that do not fit, numbers that
+// no label has, and two rows with one key. The new labels are added when all else is right.
 void putRows(const Symbol& symbol, const Numbers& keys, const Values& values,
-             const std::vector<int>& fields);
+             const std::vector<int>& fields, NewLabels& newLabels);
 // The same for a set, with a text for each record, or without any.
-void putElements(const Symbol& symbol, const Numbers& keys, const py::object& texts);
+void putElements(const Symbol& symbol, const Numbers& keys, const py::object& texts,
+                 NewLabels& newLabels);
+
+// No cube here has more cells than an int counts: ValueError. The sizes multiply in 64 bits.
 
 // The records at the places of their labels in a cube over one set for each position, and how many
 // records were left out. The cube holds doubles, for a set the numbers of its records from 1.

@@ -1,8 +1,19 @@
 #include "bindings/python/native/connection.h"
 
 #include <array>
+#include <chrono>
+#include <stdexcept>
+
+#include "bindings/python/native/interruption.h"
 
 namespace python {
+
+namespace {
+
+// How long a thread waits for its turn between two looks for signals.
+constexpr std::chrono::milliseconds betweenLooks{50};
+
+}  // namespace
 
 Connection::Connection(const std::string* systemDirectory) {
   std::array<char, ZTB_TEXT_BUFFER_SIZE> message{};
@@ -37,6 +48,51 @@ void Connection::failLookup(const char* operation) const {
     throw NotFound(operation, text.str());
   }
   throw ztb::Error(operation, text.str());
+}
+
+void Connection::requireSame(const Connection& other) const {
+  if (this != &other) {
+    throw std::invalid_argument("a symbol belongs to another database");
+  }
+}
+
+void Connection::load(void* symbol) const {
+  ztbRec* const database = handle();
+  if (loaded_.contains(symbol)) {
+    return;
+  }
+  runWithoutInterpreter([&](Interruption&) {
+    int count = 0;
+    require(
+        c__ztbsymbolinfo(database, symbol, ZTB_SYMBOL_INFO_RECORD_COUNT, &count, nullptr, nullptr),
+        "ztbSymbolInfo");
+  });
+  loaded_.insert(symbol);
+}
+
+Use::Use(const Connection& connection) : connection_(connection) {
+  if (connection_.user_ == std::this_thread::get_id()) {
+    throw ztb::Error("Database", "The database is in the middle of another operation");
+  }
+  while (!connection_.inUse_.try_lock()) {
+    bool mine = false;
+    {
+      const py::gil_scoped_release released;
+      mine = connection_.inUse_.try_lock_for(betweenLooks);
+    }
+    if (mine) {
+      break;
+    }
+    if (PyErr_CheckSignals() != 0) {
+      throw py::error_already_set();
+    }
+  }
+  connection_.user_ = std::this_thread::get_id();
+}
+
+Use::~Use() {
+  connection_.user_ = std::thread::id();
+  connection_.inUse_.unlock();
 }
 
 }  // namespace python

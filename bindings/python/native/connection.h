@@ -1,9 +1,15 @@
-// A database handle shared by the Python objects that refer to it.
+// A database handle shared by the Python objects that refer to it, and the rule by which threads
+// take turns with it.
 #ifndef ZTB_BINDINGS_PYTHON_NATIVE_CONNECTION_H_
 #define ZTB_BINDINGS_PYTHON_NATIVE_CONNECTION_H_
 
+#include <atomic>
 #include <memory>
+#include <mutex>
 #include <string>
+#include <thread>
+#include <unordered_set>
+#include <utility>
 #include <ztb/ztb.hpp>
 
 namespace python {
@@ -41,11 +47,61 @@ class Connection {
   // otherwise.
   [[noreturn]] void failLookup(const char* operation) const;
 
+  // Throws std::invalid_argument, a ValueError in Python, unless `other` is the same database.
+  void requireSame(const Connection& other) const;
+
+  // Reads the records of a symbol, unless they were read before; Ctrl-C ends that.
+  void load(void* symbol) const;
+
  private:
+  friend class Use;
+
   ztbRec* handle_ = nullptr;
+  mutable std::unordered_set<const void*> loaded_;
+  mutable std::timed_mutex inUse_;
+  mutable std::atomic<std::thread::id> user_;
 };
 
 using Shared = std::shared_ptr<Connection>;
+
+// The turn of a thread with a database. Long work gives the interpreter's lock away, and then
+// another Python thread may come with the same database: it waits here, without the interpreter's
+// lock, until the turn ends or Ctrl-C ends the waiting. Throws ztb::Error where the thread itself
+// is inside of an operation on the database, as a signal handler can be.
+class Use {
+ public:
+  explicit Use(const Connection& connection);
+  Use(const Use&) = delete;
+  Use& operator=(const Use&) = delete;
+  ~Use();
+
+ private:
+  const Connection& connection_;
+};
+
+// An operation as a member of a Python class, which takes its turn first. `Self` is a reference to
+// a class with a connection().
+template <class Result, class Self, class... Arguments>
+auto inTurn(Result (*operation)(Self, Arguments...)) {
+  return [operation](Self self, Arguments... arguments) -> Result {
+    const Use use(*self.connection());
+    return operation(self, std::forward<Arguments>(arguments)...);
+  };
+}
+template <class Class, class Result, class... Arguments>
+auto inTurn(Result (Class::*operation)(Arguments...) const) {
+  return [operation](const Class& self, Arguments... arguments) -> Result {
+    const Use use(*self.connection());
+    return (self.*operation)(std::forward<Arguments>(arguments)...);
+  };
+}
+template <class Class, class Result, class... Arguments>
+auto inTurn(Result (Class::*operation)(Arguments...)) {
+  return [operation](Class& self, Arguments... arguments) -> Result {
+    const Use use(*self.connection());
+    return (self.*operation)(std::forward<Arguments>(arguments)...);
+  };
+}
 
 // Owns a record handle for the length of a call.
 class RecordHandle {

@@ -2,6 +2,8 @@
 
 #include <pybind11/stl.h>
 
+#include "bindings/python/native/hand_made.h"
+#include "bindings/python/native/interruption.h"
 #include "bindings/python/native/strings.h"
 
 namespace python {
@@ -13,6 +15,11 @@ Database::Database(const py::object& systemDirectory) {
     const std::string folder = pathFromPython(systemDirectory);
     connection_ = std::make_shared<Connection>(&folder);
   }
+}
+
+void Database::close() {
+  const py::gil_scoped_release released;
+  connection_->close();
 }
 
 void Database::selectStore(int store) {
@@ -36,16 +43,24 @@ void Database::open(const py::object& path) {
   if (text.view().starts_with("RXF create did not succeed")) {
     throw ztb::Error("ztbInitFromRXF", text.str());
   }
-  connection_->require(c__ztbinitfromrxf(handle(), pathFromPython(path).c_str()), "ztbInitFromRXF");
+  const std::string name = pathFromPython(path);
+  runWithoutInterpreter([&](Interruption&) {
+    connection_->require(c__ztbinitfromrxf(handle(), name.c_str()), "ztbInitFromRXF");
+  });
 }
 
 void Database::write(const py::object& path, bool checkDomains) {
-  connection_->require(c__ztbwriterxf(handle(), pathFromPython(path).c_str(), checkDomains ? 0 : 1),
-                       "ztbWriteRXF");
+  const std::string name = pathFromPython(path);
+  runWithoutInterpreter([&](Interruption&) {
+    connection_->require(c__ztbwriterxf(handle(), name.c_str(), checkDomains ? 0 : 1),
+                         "ztbWriteRXF");
+  });
 }
 
 void Database::closeFile(bool loadRemaining) {
-  connection_->require(c__ztbcloserxf(handle(), loadRemaining ? 1 : 0), "ztbCloseRXF");
+  runWithoutInterpreter([&](Interruption&) {
+    connection_->require(c__ztbcloserxf(handle(), loadRemaining ? 1 : 0), "ztbCloseRXF");
+  });
 }
 
 py::list Database::labels(int first) const {
@@ -66,22 +81,6 @@ int Database::findLabel(const py::str& label) const {
     ztb::detail::failLabel(handle(), "ztbFindUel", bytes.c_str());
   }
   return number;
-}
-
-py::array_t<int> Database::mergeLabels(const py::iterable& labels) const {
-  std::vector<int> numbers;
-  for (const py::handle label : labels) {
-    const std::string bytes = fromPython(label);
-    int number = 0;
-    if (c__ztbmergeuel(handle(), bytes.c_str(), &number) == 0) {
-      ztb::detail::failLabel(handle(), "ztbMergeUel", bytes.c_str());
-    }
-    if (number == 0) {
-      throw py::value_error("a label of blanks alone is none: " + std::string(py::repr(label)));
-    }
-    numbers.push_back(number);
-  }
-  return py::array_t<int>(static_cast<py::ssize_t>(numbers.size()), numbers.data());
 }
 
 Symbol Database::symbolAt(int position) const {
@@ -105,6 +104,9 @@ Symbol Database::findSymbol(const py::str& name, bool wantAlias) const {
 Symbol Database::addSymbol(const py::str& name, int type,
                            const std::vector<DomainArgument>& domains, const py::str& text,
                            int userInfo) {
+  if (type < ZTB_SET || type > ZTB_EQUATION) {
+    throw py::value_error("no symbol type " + std::to_string(type));
+  }
   const std::string nameBytes = fromPython(name);
   const std::string textBytes = fromPython(text);
   const int dimension = static_cast<int>(domains.size());
@@ -121,6 +123,7 @@ Symbol Database::addSymbol(const py::str& name, int type,
   std::array<const char*, ZTB_MAX_DIMENSION> pointers{};
   for (std::size_t position = 0; position < domains.size(); ++position) {
     if (domains[position].first) {
+      connection_->requireSame(*domains[position].first->connection());
       sets[position] = domains[position].first->handle();
     }
     names[position] = fromPython(domains[position].second);
@@ -148,25 +151,27 @@ int Database::info(int key) const {
 }
 
 void bindDatabase(py::module_& module) {
-  py::class_<Database>(module, "Database")
-      .def(py::init<const py::object&>())
-      .def("close", &Database::close)
+  py::class_<Database> type(module, "Database", py::is_final());
+  refuseHandMade(type);
+  type.def("close", inTurn(&Database::close))
       .def_property_readonly("closed", &Database::closed)
-      .def("select_store", &Database::selectStore)
-      .def("set_special_values", &Database::setSpecialValues)
-      .def("internal_special_values", &Database::internalSpecialValues)
-      .def("open", &Database::open)
-      .def("write", &Database::write)
-      .def("close_file", &Database::closeFile)
-      .def("label_count", &Database::labelCount)
-      .def("labels", &Database::labels)
-      .def("find_label", &Database::findLabel)
-      .def("merge_labels", &Database::mergeLabels)
-      .def("symbol_count", &Database::symbolCount)
-      .def("symbol_at", &Database::symbolAt)
-      .def("find_symbol", &Database::findSymbol)
-      .def("add_symbol", &Database::addSymbol)
-      .def("add_alias", &Database::addAlias);
+      .def("select_store", inTurn(&Database::selectStore))
+      .def("set_special_values", inTurn(&Database::setSpecialValues))
+      .def("internal_special_values", inTurn(&Database::internalSpecialValues))
+      .def("open", inTurn(&Database::open))
+      .def("write", inTurn(&Database::write))
+      .def("close_file", inTurn(&Database::closeFile))
+      .def("label_count", inTurn(&Database::labelCount))
+      .def("labels", inTurn(&Database::labels))
+      .def("find_label", inTurn(&Database::findLabel))
+      .def("add_labels", &Database::addLabels)
+      .def("new_labels", inTurn(&Database::newLabels))
+      .def("symbol_count", inTurn(&Database::symbolCount))
+      .def("symbol_at", inTurn(&Database::symbolAt))
+      .def("find_symbol", inTurn(&Database::findSymbol))
+      .def("add_symbol", inTurn(&Database::addSymbol))
+      .def("add_alias", inTurn(&Database::addAlias));
+  module.def("create", [](const py::object& systemDirectory) { return Database(systemDirectory); });
 }
 
 }  // namespace python

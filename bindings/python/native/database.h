@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "bindings/python/native/new_labels.h"
 #include "bindings/python/native/symbol.h"
 
 namespace python {
@@ -23,7 +24,7 @@ class Database {
   // Peer libraries are looked for in the folder, unless it is None.
   explicit Database(const py::object& systemDirectory);
 
-  void close() { connection_->close(); }
+  void close();
   [[nodiscard]] bool closed() const { return connection_->closed(); }
 
   void selectStore(int store);
@@ -39,8 +40,10 @@ class Database {
   [[nodiscard]] py::list labels(int first) const;
   // The number of a label; -1 if there is none.
   [[nodiscard]] int findLabel(const py::str& label) const;
-  // The numbers of labels, which are added where they are new.
-  [[nodiscard]] py::array_t<int> mergeLabels(const py::iterable& labels) const;
+  // Adds labels, those that are new; none if one is refused.
+  void addLabels(const py::iterable& labels) const { python::addLabels(connection_, labels); }
+  // Numbers labels that come with records.
+  [[nodiscard]] NewLabels newLabels() const { return NewLabels(connection_); }
 
   [[nodiscard]] int symbolCount() const { return info(ZTB_INFO_SYMBOL_COUNT_WITH_ALIAS); }
   [[nodiscard]] Symbol symbolAt(int position) const;
@@ -50,6 +53,8 @@ class Database {
                    const py::str& text, int userInfo);
   // `position` is that of a set among all symbols, -1 for the universe.
   Symbol addAlias(const py::str& name, int position, int dimension, const py::str& text);
+
+  [[nodiscard]] const Shared& connection() const { return connection_; }
 
  private:
   [[nodiscard]] ztbRec* handle() const { return connection_->handle(); }

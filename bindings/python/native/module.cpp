@@ -37,5 +37,6 @@ PYBIND11_MODULE(_native, module) {
   module.doc() = "Thin classes over the exported names of the database library.";
   pybind11::register_exception_translator(&python::translate);
   python::bindSymbol(module);
+  python::bindNewLabels(module);
   python::bindDatabase(module);
 }

@@ -6,8 +6,16 @@
 
 namespace python {
 
-// All take the labels of a record as a tuple with one for each position, and throw NotFound where
-// there is no such record, unless they make it.
+// Throws ValueError unless the symbol can have records: an alias has none, and a new record of a
+// variable or equation takes its values from the subtype.
+void requireRecords(const Symbol& symbol);
+
+// Removes all records; those of a file that were not read yet never will be.
+void clear(const Symbol& symbol);
+
+// All that follow take the labels of a record as a tuple with one for each position, and throw
+// NotFound where there is no such record, unless they make it. On every store they do what they do
+// on the tree map, or throw before anything has changed, labels included.
 
 // The values of a record: one for a set or parameter, five for a variable or equation.
 py::tuple recordValues(const Symbol& symbol, const py::tuple& labels);

@@ -1,5 +1,9 @@
 #include "bindings/python/native/strings.h"
 
+#include <ztb/types.h>
+
+#include <ztb/label_check.hpp>
+
 namespace python {
 
 namespace {
@@ -43,6 +47,22 @@ std::string pathFromPython(py::handle path) {
     throw py::error_already_set();
   }
   return contentOf(py::reinterpret_steal<py::bytes>(bytes), path);
+}
+
+std::string textFromPython(py::handle text, const std::string& place) {
+  std::string bytes = fromPython(text);
+  if (bytes.size() > ZTB_MAX_TEXT_LENGTH) {
+    throw py::value_error(place + "a text of " + std::to_string(bytes.size()) + " bytes, at most " +
+                          std::to_string(ZTB_MAX_TEXT_LENGTH) + " are allowed");
+  }
+  return bytes;
+}
+
+void requireNotBlank(const std::string& label) {
+  if (ztb::detail::isBlank(label.c_str())) {
+    throw py::value_error("a label of blanks alone is none: " +
+                          std::string(py::repr(toPython(label))));
+  }
 }
 
 }  // namespace python

@@ -20,6 +20,13 @@ std::string fromPython(py::handle text);
 // A file name, as a str or path object.
 std::string pathFromPython(py::handle path);
 
+// An explanatory text. Throws as fromPython does, and ValueError, with `place` in front, for one
+// that is too long.
+std::string textFromPython(py::handle text, const std::string& place);
+
+// Throws ValueError for a label of blanks alone, which is none: a store may take it for any label.
+void requireNotBlank(const std::string& label);
+
 }  // namespace python
 
 #endif  // ZTB_BINDINGS_PYTHON_NATIVE_STRINGS_H_

@@ -5,19 +5,17 @@
 #include <array>
 
 #include "bindings/python/native/bulk.h"
+#include "bindings/python/native/hand_made.h"
 #include "bindings/python/native/records.h"
 #include "bindings/python/native/strings.h"
 
 namespace python {
 
 Symbol::Symbol(Shared connection, void* handle)
-    : connection_(std::move(connection)), handle_(handle) {
-  require(c__ztbsymboldim(database(), handle_, &dimension_), "ztbSymbolDim");
-  require(c__ztbsymboltype(database(), handle_, &type_), "ztbSymbolType");
-}
+    : connection_(std::move(connection)), place_(connection_->handle(), handle) {}
 
 void Symbol::setUserInfo(int userInfo) {
-  require(c__ztbsetuserinfo(database(), handle_, userInfo), "ztbSetUserInfo");
+  require(c__ztbsetuserinfo(database(), handle(), userInfo), "ztbSetUserInfo");
 }
 
 py::list Symbol::domains() const {
@@ -27,10 +25,10 @@ py::list Symbol::domains() const {
   for (std::size_t position = 0; position < names.size(); ++position) {
     names[position] = texts[position].buffer();
   }
-  require(c__ztbgetdomain(database(), handle_, dimension_, sets.data(), names.data()),
+  require(c__ztbgetdomain(database(), handle(), dimension(), sets.data(), names.data()),
           "ztbGetDomain");
   py::list result;
-  for (std::size_t position = 0; position < static_cast<std::size_t>(dimension_); ++position) {
+  for (std::size_t position = 0; position < static_cast<std::size_t>(dimension()); ++position) {
     py::object set = py::none();
     if (sets[position] != nullptr) {
       set = py::cast(Symbol(connection_, sets[position]));
@@ -40,49 +38,53 @@ py::list Symbol::domains() const {
   return result;
 }
 
+int Symbol::recordCount() const {
+  load();
+  return info(ZTB_SYMBOL_INFO_RECORD_COUNT);
+}
+
 int Symbol::info(int key) const {
   int value = 0;
-  require(c__ztbsymbolinfo(database(), handle_, key, &value, nullptr, nullptr), "ztbSymbolInfo");
+  require(c__ztbsymbolinfo(database(), handle(), key, &value, nullptr, nullptr), "ztbSymbolInfo");
   return value;
 }
 
 std::string Symbol::textInfo(int key) const {
   ztb::Text text;
   int value = 0;
-  require(c__ztbsymbolinfo(database(), handle_, key, &value, nullptr, text.buffer()),
+  require(c__ztbsymbolinfo(database(), handle(), key, &value, nullptr, text.buffer()),
           "ztbSymbolInfo");
   return text.str();
 }
 
 void bindSymbol(py::module_& module) {
-  py::class_<Symbol>(module, "Symbol")
-      .def_property_readonly("name", [](const Symbol& symbol) { return toPython(symbol.name()); })
-      .def_property_readonly("text", [](const Symbol& symbol) { return toPython(symbol.text()); })
+  py::class_<Symbol> type(module, "Symbol", py::is_final());
+  refuseHandMade(type);
+  type.def_property_readonly("name",
+                             inTurn(+[](const Symbol& symbol) { return toPython(symbol.name()); }))
+      .def_property_readonly("text",
+                             inTurn(+[](const Symbol& symbol) { return toPython(symbol.text()); }))
       .def_property_readonly("dimension", &Symbol::dimension)
       .def_property_readonly("type", &Symbol::type)
-      .def_property("user_info", &Symbol::userInfo, &Symbol::setUserInfo)
-      .def("record_count", &Symbol::recordCount)
-      .def("domains", &Symbol::domains)
-      .def("clear",
-           [](const Symbol& symbol) {
-             symbol.require(c__ztbclearsymbol(symbol.database(), symbol.handle()),
-                            "ztbClearSymbol");
-           })
-      .def("values", &recordValues)
-      .def("element_text", &recordText)
-      .def("contains", &hasRecord)
-      .def("put", &putRecord)
-      .def("put_text", &putText)
-      .def("remove", &removeRecord)
-      .def("rows", &rows)
-      .def("texts", &texts)
-      .def("put_rows", &putRows)
+      .def_property("user_info", inTurn(&Symbol::userInfo), inTurn(&Symbol::setUserInfo))
+      .def("record_count", inTurn(&Symbol::recordCount))
+      .def("domains", inTurn(&Symbol::domains))
+      .def("clear", inTurn(&clear))
+      .def("values", inTurn(&recordValues))
+      .def("element_text", inTurn(&recordText))
+      .def("contains", inTurn(&hasRecord))
+      .def("put", inTurn(&putRecord))
+      .def("put_text", inTurn(&putText))
+      .def("remove", inTurn(&removeRecord))
+      .def("rows", inTurn(&rows))
+      .def("texts", inTurn(&texts))
+      .def("put_rows", inTurn(&putRows))
       .def("put_elements", &putElements)
-      .def("to_dense", &toDense)
-      .def("from_dense", &fromDense)
-      .def("elements_from_dense", &elementsFromDense)
+      .def("to_dense", inTurn(&toDense))
+      .def("from_dense", inTurn(&fromDense))
+      .def("elements_from_dense", inTurn(&elementsFromDense))
       .def("copy_from", &copyFrom)
-      .def("violations", &violations)
+      .def("violations", inTurn(&violations))
       .def(
           "__eq__", [](const Symbol& left, const Symbol& right) { return left == right; },
           py::is_operator())

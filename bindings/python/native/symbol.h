@@ -10,6 +10,7 @@
 #include <string>
 #include <utility>
 #include <vector>
+#include <ztb/store_guard.hpp>
 
 #include "bindings/python/native/connection.h"
 
@@ -27,28 +28,33 @@ class Symbol {
  public:
   Symbol(Shared connection, void* handle);
 
-  [[nodiscard]] int dimension() const { return dimension_; }
-  [[nodiscard]] int type() const { return type_; }
+  [[nodiscard]] int dimension() const { return place_.dimension; }
+  [[nodiscard]] int type() const { return place_.type; }
   [[nodiscard]] int userInfo() const { return info(ZTB_SYMBOL_INFO_USER_INFO); }
   void setUserInfo(int userInfo);
-  [[nodiscard]] int recordCount() const { return info(ZTB_SYMBOL_INFO_RECORD_COUNT); }
+  [[nodiscard]] int recordCount() const;
   [[nodiscard]] std::string name() const { return textInfo(ZTB_SYMBOL_INFO_NAME); }
   [[nodiscard]] std::string text() const { return textInfo(ZTB_SYMBOL_INFO_TEXT); }
   // Values of a record: five for variables and equations, one otherwise.
-  [[nodiscard]] int valueCount() const {
-    return type_ == ZTB_VARIABLE || type_ == ZTB_EQUATION ? ZTB_SCALE + 1 : 1;
-  }
+  [[nodiscard]] int valueCount() const { return static_cast<int>(place_.slotCount()); }
 
   // For each position the domain set, None when it is known by name only, and the name.
   [[nodiscard]] py::list domains() const;
 
   [[nodiscard]] ztbRec* database() const { return connection_->handle(); }
-  [[nodiscard]] void* handle() const { return handle_; }
+  [[nodiscard]] void* handle() const { return place_.handle; }
+  // What decides how the records are handled. Throws when the database is closed.
+  [[nodiscard]] const ztb::detail::SymbolPlace& place() const {
+    static_cast<void>(database());
+    return place_;
+  }
   [[nodiscard]] const Shared& connection() const { return connection_; }
+  // Reads the records, unless they were read before.
+  void load() const { connection_->load(handle()); }
   void require(int result, const char* operation) const { connection_->require(result, operation); }
 
   friend bool operator==(const Symbol& left, const Symbol& right) {
-    return left.handle_ == right.handle_;
+    return left.handle() == right.handle();
   }
 
  private:
@@ -56,9 +62,7 @@ class Symbol {
   [[nodiscard]] std::string textInfo(int key) const;
 
   Shared connection_;
-  void* handle_;
-  int dimension_ = 0;
-  int type_ = 0;
+  ztb::detail::SymbolPlace place_;
 };
 
 // The operations that write the fields of a record, at the places of their values.

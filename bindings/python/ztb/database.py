@@ -31,7 +31,7 @@ class Database:
 
     ``store`` chooses what holds the records in memory: ``"map"``, ``"vector"`` or ``"trie"``.
     ``system_directory`` is a folder to look for the exchange-file library in; by default that is
-    the folder of the library itself. A database is used by one thread at a time.
+    the folder of the library itself. Threads that share a database take turns with it.
     """
 
     def __init__(
@@ -43,7 +43,7 @@ class Database:
     ) -> None:
         if store not in _STORES:
             raise ValueError(f"no store {store!r}, expected one of {', '.join(_STORES)}")
-        self._native = _native.Database(system_directory)
+        self._native = _native.create(system_directory)
         self._labels: npt.NDArray[np.object_] = np.array([None], dtype=object)
         self._native.set_special_values(SPECIAL_VALUES)
         self._native.select_store(_STORES.index(store))
@@ -96,8 +96,8 @@ class Database:
         return self._label_array()[1:].tolist()
 
     def add_labels(self, labels: Sequence[str]) -> None:
-        """Adds labels to the universe, those that it does not have yet."""
-        self._native.merge_labels(labels)
+        """Adds labels to the universe, those that it does not have yet; none if one is refused."""
+        self._native.add_labels(labels)
 
     # ---- symbols ----
 
@@ -180,11 +180,13 @@ class Database:
 
     def _label_array(self) -> npt.NDArray[np.object_]:
         """Labels by their numbers; the entry 0 is none. Numbers never change."""
-        known = len(self._labels) - 1
+        # Another thread may be here, too: each goes on from what it found.
+        labels = self._labels
+        known = len(labels) - 1
         if self._native.label_count() > known:
             new = np.array(self._native.labels(known + 1), dtype=object)
-            self._labels = np.concatenate((self._labels, new))
-        return self._labels
+            labels = self._labels = np.concatenate((labels, new))
+        return labels
 
     def _set(self, native: Optional[_native.Symbol]) -> Optional[Set]:
         return None if native is None or native.name == "*" else Set(self, native)

@@ -11,6 +11,7 @@ import numpy as np
 import numpy.typing as npt
 import pandas as pd
 
+from . import _native
 from .symbol import FIELDS, field_number
 
 if TYPE_CHECKING:
@@ -67,7 +68,10 @@ def _text_of(label: object) -> str:
 
 
 def _numbers(
-    symbol: "Symbol[Any]", labels: Iterable[object], codes: npt.NDArray[Any]
+    symbol: "Symbol[Any]",
+    labels: Iterable[object],
+    codes: npt.NDArray[Any],
+    new_labels: _native.NewLabels,
 ) -> npt.NDArray[np.int32]:
     """The label numbers of a position, given as places in a list of labels.
 
@@ -84,11 +88,13 @@ def _numbers(
     order = np.argsort(first, kind="stable")[: np.count_nonzero(first < rows)]
     numbers = np.zeros(len(all_labels), dtype=np.int32)
     texts = [_text_of(label) for label in all_labels[order]]
-    numbers[order] = symbol.database._native.merge_labels(texts)
+    numbers[order] = new_labels.numbers(texts)
     return numbers[codes]
 
 
-def _keys(symbol: "Symbol[Any]", index: pd.Index) -> npt.NDArray[np.int32]:
+def _keys(
+    symbol: "Symbol[Any]", index: pd.Index, new_labels: _native.NewLabels
+) -> npt.NDArray[np.int32]:
     """The label numbers of an index, a row for each entry."""
     if symbol.dimension == 0:
         return np.empty((len(index), 0), dtype=np.int32)
@@ -104,16 +110,15 @@ def _keys(symbol: "Symbol[Any]", index: pd.Index) -> npt.NDArray[np.int32]:
         columns = [(labels, codes)]
     keys = np.empty((len(index), symbol.dimension), dtype=np.int32)
     for position, (labels, codes) in enumerate(columns):
-        keys[:, position] = _numbers(symbol, labels, np.asarray(codes))
+        keys[:, position] = _numbers(symbol, labels, np.asarray(codes), new_labels)
     return keys
 
 
 def set_from_pandas(symbol: "Set", data: Union["pd.Series[str]", pd.Index]) -> None:
-    if isinstance(data, pd.Index):
-        symbol._native.put_elements(_keys(symbol, data), None)
-    else:
-        texts = data.fillna("").tolist()
-        symbol._native.put_elements(_keys(symbol, data.index), texts)
+    new_labels = symbol.database._native.new_labels()
+    index = data if isinstance(data, pd.Index) else data.index
+    texts = None if isinstance(data, pd.Index) else data.fillna("").tolist()
+    symbol._native.put_elements(_keys(symbol, index, new_labels), texts, new_labels)
 
 
 def parameter_from_pandas(
@@ -122,7 +127,9 @@ def parameter_from_pandas(
     values = data.to_numpy(dtype=np.float64)
     if values.ndim == 2 and values.shape[1] != 1:
         raise ValueError(f"a frame of one column is expected, not of {values.shape[1]}")
-    symbol._native.put_rows(_keys(symbol, data.index), values.reshape(-1, 1), [0])
+    new_labels = symbol.database._native.new_labels()
+    keys = _keys(symbol, data.index, new_labels)
+    symbol._native.put_rows(keys, values.reshape(-1, 1), [0], new_labels)
 
 
 def values_from_pandas(
@@ -133,4 +140,5 @@ def values_from_pandas(
     if len(set(fields)) != len(fields):
         raise ValueError("a field has two columns")
     values = data.to_numpy(dtype=np.float64).reshape(len(data), len(fields))
-    symbol._native.put_rows(_keys(symbol, data.index), values, fields)
+    new_labels = symbol.database._native.new_labels()
+    symbol._native.put_rows(_keys(symbol, data.index, new_labels), values, fields, new_labels)

@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import sys
 from collections.abc import ItemsView, MutableMapping, ValuesView
 from typing import TYPE_CHECKING, Any, Generic, Iterator, List, NamedTuple, Optional, Sequence
 from typing import Tuple, TypeVar, Union
@@ -23,6 +24,10 @@ Value = TypeVar("Value")
 
 #: The fields of a variable or equation, at the places of their values.
 FIELDS = ("level", "marginal", "lower", "upper", "scale")
+
+
+#: As many cells of numbers as the library can count.
+_MOST_CELLS = 2**31 - 1
 
 
 class Values(NamedTuple):
@@ -244,10 +249,10 @@ class Symbol(MutableMapping, Generic[Value]):
         return domain
 
     def _requested(
-        self, array: npt.NDArray[Any], domains: Optional[Sequence["DomainLike"]]
+        self, array: npt.NDArray[Any], domains: Optional[Sequence["DomainLike"]], most: int
     ) -> List[_native.Symbol]:
-        """The sets of an array that is to come in; checked first, since a refusal by the library
-        comes when the records are gone already."""
+        """The sets of an array that is to come in and has ``most`` cells at most; checked first,
+        since a refusal by the library comes when the records are gone already."""
         sets = self._domain_sets(domains)
         shape = tuple(len(set_) for set_ in sets)
         if array.shape != shape:
@@ -255,6 +260,8 @@ class Symbol(MutableMapping, Generic[Value]):
                 f"the array has the shape {array.shape}, the domains of symbol {self.name} "
                 f"have {shape} elements"
             )
+        if array.size > most:
+            raise ValueError(f"the array has {array.size} cells, at most {most} can come in")
         return [set_._native for set_ in sets]
 
     def _dense(
@@ -303,7 +310,7 @@ class Set(Symbol[str]):
     ) -> None:
         """Replaces the elements by one, without text, for each cell that is true."""
         cells = np.asarray(array, dtype=np.bool_)
-        self._native.elements_from_dense(self._requested(cells, domains), cells)
+        self._native.elements_from_dense(self._requested(cells, domains, sys.maxsize), cells)
 
     def to_pandas(self) -> "pd.Series[str]":
         """The texts as a series over the labels."""
@@ -346,7 +353,8 @@ class Parameter(Symbol[float]):
 
         Each axis runs over the elements of the set that is the domain of its position, in the
         order of :meth:`axes`; ``domains`` gives other sets, or names of sets. A record with a label
-        outside them is an error, unless ``drop`` leaves it out.
+        outside them is an error, unless ``drop`` leaves it out. An array has 2**31 - 1 cells at
+        most.
         """
         return self._dense(domains, 0, drop)
 
@@ -362,7 +370,7 @@ class Parameter(Symbol[float]):
         The axes are those of :meth:`to_numpy`. With ``keep_zeros`` every cell becomes a record.
         """
         cells = np.asarray(array, dtype=np.float64)
-        self._native.from_dense(self._requested(cells, domains), cells, keep_zeros)
+        self._native.from_dense(self._requested(cells, domains, _MOST_CELLS), cells, keep_zeros)
 
     def to_pandas(self) -> "pd.Series[float]":
         """The values as a series over the labels: a MultiIndex for two positions or more."""
