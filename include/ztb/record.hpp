@@ -1,15 +1,15 @@
-// Records of a symbol: the handle on one record, and walks over many.
+// The handle on one record of a symbol.
 #ifndef ZTB_RECORD_HPP_
 #define ZTB_RECORD_HPP_
 
 #include <ztb/ztb.h>
 
-#include <array>
 #include <cstddef>
-#include <iterator>
-#include <span>
 #include <utility>
 #include <ztb/error.hpp>
+#include <ztb/handle_age.hpp>
+#include <ztb/store_guard.hpp>
+#include <ztb/store_removal.hpp>
 #include <ztb/text.hpp>
 
 namespace ztb::inline client {
@@ -25,51 +25,63 @@ enum class Field {
 
 inline constexpr std::size_t fieldCount = 5;
 
+class Symbol;
+
 // Owns a handle on one record. It must not be used after its record was removed by another handle,
-// the symbol was cleared, or the database ended; ending it is always allowed before that.
+// the symbol was cleared, or the database ended; ending it is always allowed before that. On the
+// vector and the trie store, any removal from the symbol but its own makes a handle throw.
 class Record {
  public:
-  // Takes over a handle of the C interface.
-  Record(ztbRec* database, void* handle) noexcept : database_(database), handle_(handle) {}
+  // Takes over a handle of the C interface that walks the whole symbol.
+  Record(const Symbol& symbol, void* handle) noexcept;
   Record(Record&& other) noexcept
-      : database_(other.database_), handle_(std::exchange(other.handle_, nullptr)) {}
+      : place_(other.place_),
+        handle_(std::exchange(other.handle_, nullptr)),
+        age_(other.age_),
+        standing_(other.standing_) {}
   Record& operator=(Record&& other) noexcept {
-    std::swap(database_, other.database_);
+    std::swap(place_, other.place_);
     std::swap(handle_, other.handle_);
+    std::swap(age_, other.age_);
+    std::swap(standing_, other.standing_);
     return *this;
   }
   Record(const Record&) = delete;
   Record& operator=(const Record&) = delete;
   ~Record() {
     if (handle_ != nullptr) {
-      c__ztbfreesymboliterator(database_, handle_);
+      c__ztbfreesymboliterator(place_.database, handle_);
     }
   }
 
   // Another handle on the same record. The copy of a handle on a slice walks the whole symbol.
-  [[nodiscard]] Record copy() const {
-    void* handle = nullptr;
-    detail::require(c__ztbcopysymboliterator(database_, handle_, &handle), database_,
-                    "ztbCopySymbolIterator");
-    return {database_, handle};
-  }
+  [[nodiscard]] Record copy() const;
 
   // Steps to the next or previous record; false, standing where it stood, when there is none.
-  bool moveNext() { return c__ztbrecordmovenext(database_, handle_) != 0; }
-  bool movePrevious() { return c__ztbrecordmoveprev(database_, handle_) != 0; }
-  [[nodiscard]] bool hasNext() const { return c__ztbrecordhasnext(database_, handle_) != 0; }
-  [[nodiscard]] bool hasPrevious() const { return c__ztbrecordhasprev(database_, handle_) != 0; }
+  bool moveNext() {
+    return age_.counts() ? step(c__ztbrecordmovenext, "ztbRecordMoveNext")
+                         : c__ztbrecordmovenext(place_.database, handle_) != 0;
+  }
+  bool movePrevious() {
+    return age_.counts() ? stepBack() : c__ztbrecordmoveprev(place_.database, handle_) != 0;
+  }
+  [[nodiscard]] bool hasNext() const {
+    return age_.counts() ? step(c__ztbrecordhasnext, "ztbRecordHasNext")
+                         : c__ztbrecordhasnext(place_.database, handle_) != 0;
+  }
+  [[nodiscard]] bool hasPrevious() const;
 
   // Whether both stand on the same record.
   [[nodiscard]] bool sameAs(const Record& other) const {
-    return c__ztbsamerecord(database_, handle_, other.handle_) != 0;
+    return c__ztbsamerecord(place_.database, current("ztbSameRecord"),
+                            other.current("ztbSameRecord")) != 0;
   }
 
   // The label at a position, counted from 0.
   [[nodiscard]] Text key(int position) const {
     Text text;
-    detail::require(c__ztbgetkey(database_, handle_, position, text.buffer()), database_,
-                    "ztbGetKey");
+    require(c__ztbgetkey(place_.database, current("ztbGetKey"), position, text.buffer()),
+            "ztbGetKey");
     return text;
   }
 
@@ -77,8 +89,8 @@ class Record {
   // each position of the symbol, values for fieldCount doubles; one is filled for a set or
   // parameter, none for the universe.
   void raw(int* numbers, double* values) const {
-    detail::require(c__ztbgetrecordraw(database_, handle_, 0, numbers, values), database_,
-                    "ztbGetRecordRaw");
+    require(c__ztbgetrecordraw(place_.database, current("ztbGetRecordRaw"), 0, numbers, values),
+            "ztbGetRecordRaw");
   }
 
   // Value of a record; for a parameter, its one value. Fields other than the level exist for
@@ -97,145 +109,162 @@ class Record {
   // Explanatory text of a set record; empty when it has none.
   [[nodiscard]] Text text() const {
     Text text;
-    detail::require(c__ztbgetelemtext(database_, handle_, text.buffer()), database_,
-                    "ztbGetElemText");
+    require(c__ztbgetelemtext(place_.database, current("ztbGetElemText"), text.buffer()),
+            "ztbGetElemText");
     return text;
   }
   // Gives a set record a text of at most ZTB_MAX_TEXT_LENGTH chars; an empty one takes it away.
   void setText(ZString text) {
-    detail::require(c__ztbsetelemtext(database_, handle_, text.c_str()), database_,
-                    "ztbSetElemText");
+    require(c__ztbsetelemtext(place_.database, current("ztbSetElemText"), text.c_str()),
+            "ztbSetElemText");
   }
 
-  // Removes the record; this handle then stands on the record behind it, if there is one.
+  // Removes the record; this handle then stands on the record behind it, or behind the last one.
+  // On the vector and the trie store this takes time for each record of the symbol, all other
+  // handles on the symbol throw from then on, and a handle on a slice is refused; to remove many
+  // records take Symbol::removeIf.
   void erase() {
-    detail::require(c__ztbdeleterecord(database_, handle_), database_, "ztbDeleteRecord");
+    if (age_.counts()) {
+      eraseWithCare();
+    } else {
+      require(c__ztbdeleterecord(place_.database, handle_), "ztbDeleteRecord");
+    }
   }
 
-  // The handle of the C interface; stays owned by this object.
+  // The handle of the C interface; stays owned by this object. Null behind the last record of a
+  // vector or trie.
   [[nodiscard]] void* handle() const noexcept { return handle_; }
 
  private:
+  friend class Symbol;
+
   using Getter = int (*)(ztbRec*, void*, double*);
   using Setter = int (*)(ztbRec*, void*, double);
+  using Step = int (*)(ztbRec*, void*);
 
+  // What a handle walks. Only in the vector and the trie, where erase() needs a new handle, does it
+  // matter here; there, behindLast holds none.
+  enum class Standing { inSymbol, inSlice, behindLast };
+
+  Record(const detail::SymbolPlace& place, void* handle, detail::HandleAge age,
+         Standing standing = Standing::inSymbol) noexcept
+      : place_(place), handle_(handle), age_(age), standing_(standing) {}
+
+  void require(int result, const char* operation) const {
+    detail::require(result, place_.database, operation);
+  }
+  // The handle. Throws if it does not stand on a record any more, as far as that is known.
+  [[nodiscard]] void* current(const char* operation) const {
+    if (age_.counts()) [[unlikely]] {
+      age_.requireCurrent(place_, operation);
+      if (standing_ == Standing::behindLast) {
+        throw Error(operation, "the record handle stands on no record");
+      }
+    }
+    return handle_;
+  }
   double get(Getter getter, const char* operation) const {
     double value = 0;
-    detail::require(getter(database_, handle_, &value), database_, operation);
+    require(getter(place_.database, current(operation), &value), operation);
     return value;
   }
   void set(Setter setter, double value, const char* operation) {
-    detail::require(setter(database_, handle_, value), database_, operation);
+    require(setter(place_.database, current(operation), value), operation);
   }
 
-  ztbRec* database_;
+  // The parts for stores other than the tree map.
+  bool step(Step take, const char* operation) const;
+  bool stepBack();
+  void eraseWithCare();
+
+  detail::SymbolPlace place_;
   void* handle_;
+  detail::HandleAge age_;
+  Standing standing_ = Standing::inSymbol;
 };
 
-// One pass over records by handle, in the order of the symbol:
-//   for (ztb::Record& record : symbol.records()) { ... record.key(0) ... record.level() ... }
-// One handle serves the whole walk. begin() may be called once. The symbol's records may be changed
-// on the way through the record, but none may be removed.
-class Records {
- public:
-  class Iterator {
-   public:
-    using value_type = Record;
-    using difference_type = std::ptrdiff_t;
-
-    explicit Iterator(Records& records) noexcept : records_(&records) {}
-    Record& operator*() const noexcept { return records_->record_; }
-    Record* operator->() const noexcept { return &records_->record_; }
-    Iterator& operator++() {
-      records_->atEnd_ = !records_->record_.moveNext();
-      return *this;
+inline Record Record::copy() const {
+  if (age_.counts()) {
+    age_.requireCurrent(place_, "ztbCopySymbolIterator");
+    if (standing_ == Standing::behindLast) {
+      return {place_, nullptr, age_, standing_};
     }
-    void operator++(int) { ++*this; }
-    bool operator==(std::default_sentinel_t) const noexcept { return records_->atEnd_; }
+  }
+  void* handle = nullptr;
+  if (c__ztbcopysymboliterator(place_.database, handle_, &handle) == 0) {
+    // The library copies handles of the store of new symbols only.
+    int chosen = 0;
+    require(c__ztbinfo(place_.database, ZTB_INFO_RECORD_STORAGE, &chosen, nullptr, nullptr),
+            "ztbInfo");
+    c__ztbselectrecordstorage(place_.database, nullptr, place_.store);
+    const int result = c__ztbcopysymboliterator(place_.database, handle_, &handle);
+    c__ztbselectrecordstorage(place_.database, nullptr, chosen);
+    require(result, "ztbCopySymbolIterator");
+  }
+  return {place_, handle, age_};
+}
 
-   private:
-    Records* records_;
+inline bool Record::hasPrevious() const {
+  if (!age_.counts()) {
+    return c__ztbrecordhasprev(place_.database, handle_) != 0;
+  }
+  if (standing_ == Standing::behindLast) {
+    age_.requireCurrent(place_, "ztbRecordHasPrev");
+    return place_.recordCount() > 0;
+  }
+  return step(c__ztbrecordhasprev, "ztbRecordHasPrev");
+}
+
+inline bool Record::step(Step take, const char* operation) const {
+  age_.requireCurrent(place_, operation);
+  return standing_ != Standing::behindLast && detail::answer(place_.database, operation, [&] {
+           return take(place_.database, handle_) != 0;
+         });
+}
+
+inline bool Record::stepBack() {
+  if (standing_ != Standing::behindLast) {
+    return step(c__ztbrecordmoveprev, "ztbRecordMovePrev");
+  }
+  if (!hasPrevious()) {
+    return false;
+  }
+  handle_ = detail::lastRecord(place_).release();
+  standing_ = Standing::inSymbol;
+  return true;
+}
+
+inline void Record::eraseWithCare() {
+  constexpr const char* operation = "ztbDeleteRecord";
+  static_cast<void>(current(operation));
+  if (standing_ == Standing::inSlice) {
+    throw Error(operation,
+                "a record of symbol " + place_.name() +
+                    " is not removed through a slice on this store; find it by its labels");
+  }
+  const auto onKeys = [&](const detail::KeyNumbers& numbers) {
+    return detail::findRecord(place_,
+                              detail::LabelsOf(place_, {numbers.data(), place_.positions()}));
   };
-
-  // A walk from first on; none at all if first holds no handle.
-  explicit Records(Record first) noexcept
-      : record_(std::move(first)), atEnd_(record_.handle() == nullptr) {}
-
-  [[nodiscard]] Iterator begin() noexcept { return Iterator(*this); }
-  [[nodiscard]] std::default_sentinel_t end() const noexcept { return {}; }
-
- private:
-  Record record_;
-  bool atEnd_;
-};
-
-// What a walk by numbers shows of a record: label numbers, one for each position, and values: five
-// for a variable or equation, one for a parameter, one without meaning for a set, none for the
-// universe. Valid until the walk steps on.
-struct Row {
-  std::span<const int> keys;
-  std::span<const double> values;
-};
-
-// One pass over records by numbers, the fastest way to read:
-//   for (auto [keys, values] : symbol.rows()) { ... values[0] ... }
-// Two calls of the library a record, no allocation. begin() may be called once.
-class Rows {
- public:
-  class Iterator {
-   public:
-    using value_type = Row;
-    using difference_type = std::ptrdiff_t;
-
-    explicit Iterator(Rows& rows) noexcept : rows_(&rows) {}
-    Row operator*() const noexcept { return rows_->row(); }
-    Iterator& operator++() {
-      rows_->step();
-      return *this;
-    }
-    void operator++(int) { ++*this; }
-    bool operator==(std::default_sentinel_t) const noexcept { return rows_->atEnd_; }
-
-    // The handle under the walk, for what numbers do not tell, such as texts.
-    [[nodiscard]] Record& record() const noexcept { return rows_->record_; }
-
-   private:
-    Rows* rows_;
-  };
-
-  // A walk from first on, over records of keyCount positions and valueCount values.
-  Rows(Record first, std::size_t keyCount, std::size_t valueCount)
-      : record_(std::move(first)),
-        keyCount_(keyCount),
-        valueCount_(valueCount),
-        atEnd_(record_.handle() == nullptr) {
-    read();
+  detail::OwnedRecord record = onKeys(detail::keysOf(place_, handle_));
+  const bool isLast = !hasNext();
+  detail::OwnedRecord behind;
+  if (!isLast) {
+    behind = onKeys(detail::keysOf(place_, record.get()));
+    require(c__ztbrecordmovenext(place_.database, behind.get()), "ztbRecordMoveNext");
   }
-
-  [[nodiscard]] Iterator begin() noexcept { return Iterator(*this); }
-  [[nodiscard]] std::default_sentinel_t end() const noexcept { return {}; }
-
- private:
-  [[nodiscard]] Row row() const noexcept {
-    return {.keys = {keys_.data(), keyCount_}, .values = {values_.data(), valueCount_}};
+  const detail::KeyNumbers next =
+      isLast ? detail::KeyNumbers{} : detail::keysOf(place_, behind.get());
+  age_.countRemoval();
+  detail::removeRecord(place_, record.get());
+  age_.renew();
+  c__ztbfreesymboliterator(place_.database, std::exchange(handle_, nullptr));
+  standing_ = Standing::behindLast;
+  if (!isLast) {
+    handle_ = onKeys(next).release();
+    standing_ = Standing::inSymbol;
   }
-  void step() {
-    atEnd_ = !record_.moveNext();
-    read();
-  }
-  void read() {
-    if (!atEnd_) {
-      record_.raw(keys_.data(), values_.data());
-    }
-  }
-
-  Record record_;
-  std::array<int, ZTB_MAX_DIMENSION> keys_{};
-  std::array<double, fieldCount> values_{};
-  std::size_t keyCount_;
-  std::size_t valueCount_;
-  bool atEnd_;
-};
+}
 
 }  // namespace ztb::inline client
 

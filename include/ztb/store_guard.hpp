@@ -126,6 +126,32 @@ inline OwnedRecord lastRecord(const SymbolPlace& place) {
   return {place.database, record};
 }
 
+// The answer of a question or step; a failure, which the library tells by its text alone, throws.
+template <class Ask>
+bool answer(ztbRec* database, const char* operation, Ask&& ask) {
+  const auto failed = [&] {
+    Text text;
+    c__ztbgetlasterror(database, text.buffer());
+    return text.view().starts_with("Unexpected exception in ") ||
+           text.view().starts_with("Out of memory in ");
+  };
+  if (ask()) {
+    return true;
+  }
+  if (failed()) {
+    // The text may be that of an older failure: ask again with one of our own there.
+    int none = 0;
+    c__ztbinfo(database, -1, &none, nullptr, nullptr);
+    if (ask()) {
+      return true;
+    }
+    if (failed()) {
+      fail(database, operation);
+    }
+  }
+  return false;
+}
+
 inline KeyNumbers keysOf(const SymbolPlace& place, void* record) {
   KeyNumbers numbers{};
   Slots values{};

@@ -176,6 +176,25 @@ inline void removeRecord(const SymbolPlace& place, void* record) {
   require(c__ztbdeleterecord(place.database, record), place.database, "ztbDeleteRecord");
 }
 
+// Removes the records whose places in the order are not marked in keep. What handles on the symbol
+// stand on is not known afterwards, but on the tree map.
+// REQUIRES: keep has a place for each record, at least one.
+inline void removeUnmarked(const SymbolPlace& place, const std::vector<bool>& keep) {
+  if (!place.onMap() && place.dimension > 0) {
+    RecordCopies(place, keep).replaceAll();
+    return;
+  }
+  OwnedRecord record = firstRecord(place);
+  for (std::size_t index = 0; index < keep.size(); ++index) {
+    if (!keep[index]) {
+      require(c__ztbdeleterecord(place.database, record.get()), place.database, "ztbDeleteRecord");
+    } else if (index + 1 < keep.size()) {
+      require(c__ztbrecordmovenext(place.database, record.get()), place.database,
+              "ztbRecordMoveNext");
+    }
+  }
+}
+
 }  // namespace ztb::inline client::detail
 
 #endif  // ZTB_STORE_REMOVAL_HPP_

@@ -8,13 +8,20 @@
 #include <array>
 #include <concepts>
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <span>
 #include <string>
 #include <vector>
+#include <ztb/cube_check.hpp>
 #include <ztb/error.hpp>
+#include <ztb/handle_age.hpp>
+#include <ztb/label_check.hpp>
 #include <ztb/record.hpp>
+#include <ztb/store_guard.hpp>
+#include <ztb/store_removal.hpp>
 #include <ztb/text.hpp>
+#include <ztb/walk.hpp>
 
 namespace ztb::inline client {
 
@@ -29,8 +36,8 @@ enum class Type {
 // What holds the records of a symbol in memory; files do not know of it.
 enum class Store {
   map = ZTB_STORAGE_TREE_MAP,   // any order, the default
-  vector = ZTB_STORAGE_VECTOR,  // least memory, for records that come in key order
-  trie = ZTB_STORAGE_TRIE       // shared keys, for records that come in key order
+  vector = ZTB_STORAGE_VECTOR,  // least memory; takes new records behind all others only
+  trie = ZTB_STORAGE_TRIE       // shared keys; records are added by a lookup in long lists
 };
 
 // Any label, as one of the keys of a slice.
@@ -45,38 +52,33 @@ struct Domain;
 class Symbol {
  public:
   // Wraps a handle of the C interface. Throws if it is null.
-  Symbol(ztbRec* database, void* handle) : database_(database), handle_(handle) {
-    int type = 0;
-    detail::require(c__ztbsymboldim(database, handle, &dimension_), database, "ztbSymbolDim");
-    detail::require(c__ztbsymboltype(database, handle, &type), database, "ztbSymbolType");
-    type_ = static_cast<Type>(type);
-  }
+  Symbol(ztbRec* database, void* handle)
+      : place_(database, handle), removals_(detail::removalsOf(place_)) {}
 
-  [[nodiscard]] int dimension() const noexcept { return dimension_; }
-  [[nodiscard]] Type type() const noexcept { return type_; }
+  [[nodiscard]] int dimension() const noexcept { return place_.dimension; }
+  [[nodiscard]] Type type() const noexcept { return static_cast<Type>(place_.type); }
   // Values of a record: five for variables and equations, one otherwise.
-  [[nodiscard]] std::size_t valueCount() const noexcept {
-    return type_ == Type::variable || type_ == Type::equation ? fieldCount : 1;
-  }
+  [[nodiscard]] std::size_t valueCount() const noexcept { return place_.slotCount(); }
   [[nodiscard]] Text name() const { return textInfo(ZTB_SYMBOL_INFO_NAME); }
   [[nodiscard]] Text text() const { return textInfo(ZTB_SYMBOL_INFO_TEXT); }
   // Records of the symbol, which are read now if they were not yet. 0 for an alias.
-  [[nodiscard]] int recordCount() const { return info(ZTB_SYMBOL_INFO_RECORD_COUNT); }
+  [[nodiscard]] int recordCount() const { return place_.recordCount(); }
   // Subtype of a variable or equation, and the caller's own word otherwise.
-  [[nodiscard]] int userInfo() const { return info(ZTB_SYMBOL_INFO_USER_INFO); }
+  [[nodiscard]] int userInfo() const { return place_.info(ZTB_SYMBOL_INFO_USER_INFO); }
   void setUserInfo(int userInfo) {
-    detail::require(c__ztbsetuserinfo(database_, handle_, userInfo), database_, "ztbSetUserInfo");
+    require(c__ztbsetuserinfo(database(), handle(), userInfo), "ztbSetUserInfo");
   }
   // Number that the symbol was made with; one in a file counts from 1, any other from 0.
-  [[nodiscard]] int number() const { return info(ZTB_SYMBOL_INFO_NUMBER); }
-  [[nodiscard]] Store store() const { return static_cast<Store>(info(ZTB_SYMBOL_INFO_STORAGE)); }
+  [[nodiscard]] int number() const { return place_.info(ZTB_SYMBOL_INFO_NUMBER); }
+  [[nodiscard]] Store store() const noexcept { return static_cast<Store>(place_.store); }
 
   // The domain of each position. The universe has none, which is a failure.
   [[nodiscard]] std::vector<Domain> domains() const;
 
   // Removes all records; those of a file that were not read yet never will be.
   void clear() {
-    detail::require(c__ztbclearsymbol(database_, handle_), database_, "ztbClearSymbol");
+    endHandles();
+    detail::clearRecords(place_);
   }
 
   // Walks over all records. An alias has none of its own: walk the set that it stands for.
@@ -84,7 +86,8 @@ class Symbol {
   [[nodiscard]] Rows rows() const { return {first(), keyCount(), rowValueCount()}; }
 
   // Walks over a slice: a label or anyLabel for each position. Labels that the database does not
-  // have match nothing. The records of the whole symbol behind the first match are looked at.
+  // have match nothing, blank ones among them. The records of the whole symbol behind the first
+  // match are looked at.
   [[nodiscard]] Records slice(Keys keys) const { return Records(firstOf(keys)); }
   [[nodiscard]] Rows sliceRows(Keys keys) const {
     return {firstOf(keys), keyCount(), rowValueCount()};
@@ -100,15 +103,14 @@ class Symbol {
     return sliceRows(Keys(KeyArray<sizeof...(Labels)>(labels...)));
   }
 
-  // The record with these labels, or nothing. No label is added.
+  // The record with these labels, or nothing. No label is added; a blank one is never found.
   [[nodiscard]] std::optional<Record> find(Keys keys) const {
     checkCount(keys.size(), "ztbFindRecord");
-    void* handle = nullptr;
-    if (c__ztbfindrecord(database_, handle_, keyData(keys), &handle) == 0) {
-      requireNotFound(keys, "ztbFindRecord");
+    detail::OwnedRecord found = detail::findRecord(place_, keys);
+    if (!found) {
       return std::nullopt;
     }
-    return Record(database_, handle);
+    return own(found.release());
   }
   template <class... Labels>
   requires(std::convertible_to<const Labels&, ZString>&&...)
@@ -117,9 +119,12 @@ class Symbol {
   }
 
   // Adds a record with the type's default values, and its labels where they are new. add throws
-  // when the record exists, merge finds it with its values.
-  Record add(Keys keys) { return make(c__ztbaddrecord, keys, "ztbAddRecord"); }
-  Record merge(Keys keys) { return make(c__ztbmergerecord, keys, "ztbMergeRecord"); }
+  // when the record exists, merge finds it with its values. Throws, with no label added, for a
+  // label that is refused: too long, blank, empty (unless a file brought it), with a control
+  // character or both kinds of quotes. The vector takes records that come behind all others and
+  // throws for those between.
+  Record add(Keys keys) { return make("ztbAddRecord", keys, detail::Present::refused); }
+  Record merge(Keys keys) { return make("ztbMergeRecord", keys, detail::Present::found); }
   template <class... Labels>
   requires(std::convertible_to<const Labels&, ZString>&&...) Record add(const Labels&... labels) {
     return add(Keys(KeyArray<sizeof...(Labels)>(labels...)));
@@ -136,7 +141,8 @@ class Symbol {
   }
   void put(std::span<const int> numbers, double value) { put(numbers, {value, 0, 0, 0, 0}, 1); }
 
-  // The same without a look at the numbers, the fastest way to write: each must be a label's.
+  // The same without a look at the numbers, the fastest way to write: each must be a label's. On
+  // the vector and the trie store it looks all the same.
   void putUnchecked(std::span<const int> numbers, const std::array<double, fieldCount>& values) {
     put(numbers, values, 0);
   }
@@ -151,55 +157,83 @@ class Symbol {
     putElement(numbers, text, 0);
   }
 
+  // Removes the record with these labels; false if there is none. On the vector and the trie store
+  // this takes time for each record of the symbol, and handles on the symbol throw from then on.
+  bool remove(Keys keys) {
+    checkCount(keys.size(), "ztbDeleteRecord");
+    detail::OwnedRecord found = detail::findRecord(place_, keys);
+    if (!found) {
+      return false;
+    }
+    endHandles();
+    detail::removeRecord(place_, found.get());
+    return true;
+  }
+  template <class... Labels>
+  requires(std::convertible_to<const Labels&, ZString>&&...) bool remove(const Labels&... labels) {
+    return remove(Keys(KeyArray<sizeof...(Labels)>(labels...)));
+  }
+
+  // Removes all records for which chosen(Row) is true, in one pass, and tells how many they were.
+  // None is removed if chosen throws. On the vector and the trie store, handles on the symbol throw
+  // from then on.
+  template <class Choose>
+  std::size_t removeIf(Choose&& chosen) {
+    std::vector<bool> keep;
+    for (const Row row : rows()) {
+      keep.push_back(!chosen(row));
+    }
+    const auto removed = static_cast<std::size_t>(std::ranges::count(keep, false));
+    if (removed > 0) {
+      endHandles();
+      detail::removeUnmarked(place_, keep);
+    }
+    return removed;
+  }
+
   // One value of each record, in the order of the records: the fastest way to read numbers. cells
   // has recordCount() places, at least one. Sets, scalars and the universe are refused.
   void copyValues(std::span<double> cells, Field field = Field::level) const {
-    refuseSet("ztbDenseSymbolToDenseArray");
+    constexpr const char* operation = "ztbDenseSymbolToDenseArray";
+    detail::refuseSet(place_, operation);
     std::vector<int> sizes(std::max<std::size_t>(keyCount(), 1), 1);
-    sizes[0] = static_cast<int>(cells.size());
-    detail::require(c__ztbdensesymboltodensearray(database_, cells.data(), sizes.data(), handle_,
-                                                  static_cast<int>(field)),
-                    database_, "ztbDenseSymbolToDenseArray");
+    sizes[0] = detail::cellCount(place_, operation, cells.size());
+    require(c__ztbdensesymboltodensearray(database(), cells.data(), sizes.data(), handle(),
+                                          static_cast<int>(field)),
+            operation);
   }
 
   // Replaces the records of a parameter by one for each cell, zeros included: the fastest way to
   // write. domains holds a one-dimensional set for each position; cube is row-major over their
-  // labels, the last position fastest. A wrong size changes nothing; what the library refuses
-  // leaves the parameter empty.
+  // labels, the last position fastest. What is refused changes nothing.
   void assignCube(std::span<const Symbol> domains, std::span<const double> cube) {
-    if (type_ != Type::parameter) {
-      throw Error("ztbDenseArrayToSymbol", "Symbol " + name().str() + " is no parameter");
-    }
-    checkCount(domains.size(), "ztbDenseArrayToSymbol");
-    std::vector<int> sizes;
+    constexpr const char* operation = "ztbDenseArrayToSymbol";
+    detail::requireParameter(place_, operation);
+    checkCount(domains.size(), operation);
+    std::vector<detail::SymbolPlace> places;
     std::vector<void*> handles;
-    std::size_t cells = 1;
     for (const Symbol& domain : domains) {
-      sizes.push_back(domain.recordCount());
-      handles.push_back(domain.handle_);
-      cells *= static_cast<std::size_t>(sizes.back());
+      places.push_back(domain.place_);
+      handles.push_back(domain.handle());
     }
-    if (cells != cube.size()) {
-      throw Error(
-          "ztbDenseArrayToSymbol",
-          std::to_string(cube.size()) + " cells given, the domains span " + std::to_string(cells));
-    }
-    detail::require(
-        c__ztbdensearraytosymbol(database_, handle_, handles.data(), cube.data(), sizes.data()),
-        database_, "ztbDenseArrayToSymbol");
+    const std::vector<int> sizes = detail::cubeSizes(place_, operation, places, cube.size());
+    endHandles();
+    require(
+        c__ztbdensearraytosymbol(database(), handle(), handles.data(), cube.data(), sizes.data()),
+        operation);
   }
 
   // The handles of the C interface.
-  [[nodiscard]] void* handle() const noexcept { return handle_; }
-  [[nodiscard]] ztbRec* database() const noexcept { return database_; }
+  [[nodiscard]] void* handle() const noexcept { return place_.handle; }
+  [[nodiscard]] ztbRec* database() const noexcept { return place_.database; }
 
   // Whether both are the same symbol of the same database.
   friend bool operator==(const Symbol& left, const Symbol& right) noexcept {
-    return left.handle_ == right.handle_;
+    return left.handle() == right.handle();
   }
 
  private:
-  using Maker = int (*)(ztbRec*, void*, const char**, void**);
+  friend class Record;
 
   // The labels of a call as an array of pointers; a scalar's has one unused place.
   template <std::size_t count>
@@ -211,108 +245,91 @@ class Symbol {
     std::array<const char*, std::max<std::size_t>(count, 1)> pointers;
   };
 
-  // The C interface takes arrays of labels without the inner const.
-  static const char** keyData(Keys keys) noexcept { return const_cast<const char**>(keys.data()); }
-
-  [[nodiscard]] std::size_t keyCount() const noexcept {
-    return static_cast<std::size_t>(dimension_);
-  }
+  [[nodiscard]] std::size_t keyCount() const noexcept { return place_.positions(); }
   // The walk over the universe fills no values.
   [[nodiscard]] std::size_t rowValueCount() const {
-    return type_ == Type::set && info(ZTB_SYMBOL_INFO_NUMBER) == -1 ? 0 : valueCount();
+    return type() == Type::set && number() == -1 ? 0 : valueCount();
   }
 
-  [[nodiscard]] int info(int key) const {
-    int value = 0;
-    detail::require(c__ztbsymbolinfo(database_, handle_, key, &value, nullptr, nullptr), database_,
-                    "ztbSymbolInfo");
-    return value;
-  }
   [[nodiscard]] Text textInfo(int key) const {
     Text text;
     int value = 0;
-    detail::require(c__ztbsymbolinfo(database_, handle_, key, &value, nullptr, text.buffer()),
-                    database_, "ztbSymbolInfo");
+    require(c__ztbsymbolinfo(database(), handle(), key, &value, nullptr, text.buffer()),
+            "ztbSymbolInfo");
     return text;
   }
 
+  void require(int result, const char* operation) const {
+    detail::require(result, database(), operation);
+  }
   void checkCount(std::size_t count, const char* operation) const {
     if (count != keyCount()) [[unlikely]] {
       throw Error(operation, std::to_string(count) + " keys given, symbol " + name().str() +
-                                 " has " + std::to_string(dimension_) + " positions");
+                                 " has " + std::to_string(dimension()) + " positions");
     }
   }
 
-  // The library fills and reads arrays of whole numbers for a set.
-  void refuseSet(const char* operation) const {
-    if (type_ == Type::set) {
-      throw Error(operation, "Symbol " + name().str() + " is a set, which holds no numbers");
+  // Handles on records that stood in the vector or the trie do not know where they stand now.
+  void endHandles() const noexcept {
+    if (removals_ != nullptr) {
+      ++*removals_;
     }
   }
 
-  // Throws unless the lookup that just failed says only that there is no such record.
-  void requireNotFound(Keys keys, const char* operation) const {
-    for (const char* key : keys) {
-      int number = 0;
-      if (c__ztbfinduel(database_, key, &number) == 0) {
-        detail::failLabel(database_, operation, key);
-      }
-    }
-    if (!detail::nothingFound(database_)) {
-      detail::fail(database_, operation);
-    }
+  using Standing = Record::Standing;
+  [[nodiscard]] Record own(void* record, Standing standing = Standing::inSymbol) const noexcept {
+    return {place_, record, detail::HandleAge(removals_), standing};
   }
-
   [[nodiscard]] Record first() const {
-    void* handle = nullptr;
-    if (recordCount() > 0) {
-      detail::require(c__ztbfindfirstrecord(database_, handle_, &handle), database_,
-                      "ztbFindFirstRecord");
-    }
-    return {database_, handle};
+    return own(recordCount() > 0 ? detail::firstRecord(place_).release() : nullptr);
   }
   [[nodiscard]] Record firstOf(Keys keys) const {
-    checkCount(keys.size(), "ztbFindFirstRecordSlice");
-    void* handle = nullptr;
-    if (c__ztbfindfirstrecordslice(database_, handle_, keyData(keys), &handle) == 0) {
-      requireNotFound(keys, "ztbFindFirstRecordSlice");
+    constexpr const char* operation = "ztbFindFirstRecordSlice";
+    checkCount(keys.size(), operation);
+    void* record = nullptr;
+    const bool blank = std::ranges::any_of(keys, [](const char* key) {
+      return key != nullptr && detail::isBlank(key) && key[1] != '\0';
+    });
+    if (!blank &&
+        c__ztbfindfirstrecordslice(database(), handle(), detail::keyData(keys), &record) == 0) {
+      detail::requireNotFound(database(), operation, keys);
     }
-    return {database_, handle};
+    return own(record, Standing::inSlice);
   }
 
-  Record make(Maker maker, Keys keys, const char* operation) {
+  Record make(const char* operation, Keys keys, detail::Present present) {
     checkCount(keys.size(), operation);
-    void* handle = nullptr;
-    if (maker(database_, handle_, keyData(keys), &handle) == 0) {
-      for (const char* key : keys) {
-        int number = 0;
-        if (c__ztbfinduel(database_, key, &number) == 0) {
-          detail::failLabel(database_, operation, key);
-        }
-      }
-      detail::fail(database_, operation);
-    }
-    return {database_, handle};
+    return own(detail::makeRecord(place_, operation, keys, present).release());
   }
   void put(std::span<const int> numbers, const std::array<double, fieldCount>& values,
            int checkNumbers) {
-    checkCount(numbers.size(), "ztbMergeRecordInt");
-    detail::require(c__ztbmergerecordint(database_, handle_, numbers.data(), checkNumbers, 0,
-                                         nullptr, 1, values.data()),
-                    database_, "ztbMergeRecordInt");
+    constexpr const char* operation = "ztbMergeRecordInt";
+    checkCount(numbers.size(), operation);
+    if (place_.onMap()) {
+      require(c__ztbmergerecordint(database(), handle(), numbers.data(), checkNumbers, 0, nullptr,
+                                   1, values.data()),
+              operation);
+    } else {
+      detail::putRecord(place_, operation, numbers, {.values = values.data()});
+    }
   }
   void putElement(std::span<const int> numbers, const char* text, int checkNumbers) {
-    checkCount(numbers.size(), "ztbMergeSetRecordInt");
-    detail::require(
-        c__ztbmergesetrecordint(database_, handle_, numbers.data(), checkNumbers, 0, nullptr, text),
-        database_, "ztbMergeSetRecordInt");
+    constexpr const char* operation = "ztbMergeSetRecordInt";
+    checkCount(numbers.size(), operation);
+    if (place_.onMap()) {
+      require(c__ztbmergesetrecordint(database(), handle(), numbers.data(), checkNumbers, 0,
+                                      nullptr, text),
+              operation);
+    } else {
+      detail::putRecord(place_, operation, numbers, {.text = text});
+    }
   }
 
-  ztbRec* database_;
-  void* handle_;
-  int dimension_ = 0;
-  Type type_ = Type::set;
+  detail::SymbolPlace place_;
+  std::uint64_t* removals_;
 };
+
+inline Record::Record(const Symbol& symbol, void* handle) noexcept : Record(symbol.own(handle)) {}
 
 // The domain of one position. set is empty when only the name is known. For a domain given by an
 // alias, name is the alias's and set the set that it stands for.
@@ -328,11 +345,11 @@ inline std::vector<Domain> Symbol::domains() const {
   for (std::size_t position = 0; position < keyCount(); ++position) {
     names[position] = result[position].name.buffer();
   }
-  detail::require(c__ztbgetdomain(database_, handle_, dimension_, handles.data(), names.data()),
-                  database_, "ztbGetDomain");
+  require(c__ztbgetdomain(database(), handle(), dimension(), handles.data(), names.data()),
+          "ztbGetDomain");
   for (std::size_t position = 0; position < keyCount(); ++position) {
     if (handles[position] != nullptr) {
-      result[position].set = Symbol(database_, handles[position]);
+      result[position].set = Symbol(database(), handles[position]);
     }
   }
   return result;

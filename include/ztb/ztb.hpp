@@ -26,6 +26,7 @@
 #include <utility>
 #include <vector>
 #include <ztb/error.hpp>
+#include <ztb/label_check.hpp>
 #include <ztb/record.hpp>
 #include <ztb/symbol.hpp>
 #include <ztb/text.hpp>
@@ -113,20 +114,16 @@ class Database {
 
   // Labels are numbered from 1 to labelCount(), in the order in which they came.
   [[nodiscard]] int labelCount() const { return info(ZTB_INFO_UEL_COUNT); }
-  // Number of a label, added if it is new. A label of blanks alone gets 0, which is no label.
+  // Number of a label, added if it is new. Throws for one that is refused: too long, blank, empty
+  // (unless a file brought it), with a control character or both kinds of quotes.
   int mergeLabel(ZString label) {
-    int number = 0;
-    if (c__ztbmergeuel(handle_, label.c_str(), &number) == 0) {
-      detail::failLabel(handle_, "ztbMergeUel", label.c_str());
-    }
-    return number;
+    return detail::mergeLabel(handle_, "ztbMergeUel", label.c_str());
   }
+  // Nothing if the database does not have the label; it never has a blank one. Throws for one that
+  // no database can hold.
   [[nodiscard]] std::optional<int> findLabel(ZString label) const {
-    int number = 0;
-    if (c__ztbfinduel(handle_, label.c_str(), &number) == 0) {
-      detail::failLabel(handle_, "ztbFindUel", label.c_str());
-    }
-    return number < 0 ? std::nullopt : std::optional<int>(number);
+    const int number = detail::findLabel(handle_, "ztbFindUel", label.c_str());
+    return number == detail::newLabel ? std::nullopt : std::optional<int>(number);
   }
   [[nodiscard]] Text label(int number) const {
     Text text;
@@ -183,8 +180,7 @@ class Database {
   // Adds a second name for a set or for the universe.
   Symbol addAlias(ZString name, const Symbol& target, ZString text = "");
 
-  // Chooses the store of symbols that are made or opened from now on. Copies of records want the
-  // store of their symbol to be the one chosen.
+  // Chooses the store of symbols that are made or opened from now on.
   void selectStore(Store store) {
     detail::require(c__ztbselectrecordstorage(handle_, nullptr, static_cast<int>(store)), handle_,
                     "ztbSelectRecordStorage");
