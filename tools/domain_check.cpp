@@ -20,7 +20,8 @@ namespace {
 // that the library keeps for the walk.
 class ViolationWalk {
  public:
-  explicit ViolationWalk(const ztb::Symbol& symbol) : database_(symbol.database()) {
+  explicit ViolationWalk(const ztb::Symbol& symbol)
+      : symbol_(symbol), database_(symbol.database()) {
     ztb::detail::require(c__ztbgetfirstdvinsymbol(database_, symbol.handle(), &handle_), database_,
                          "ztbGetFirstDVInSymbol");
     atEnd_ = handle_ == nullptr;
@@ -46,7 +47,7 @@ class ViolationWalk {
     void* handle = nullptr;
     ztb::detail::require(c__ztbgetdvsymbolrecord(database_, handle_, &handle), database_,
                          "ztbGetDVSymbolRecord");
-    const ztb::Record record(database_, handle);
+    const ztb::Record record(symbol_, handle);
     std::array<int, ZTB_MAX_DIMENSION> keys{};
     std::array<double, ztb::fieldCount> values{};
     record.raw(keys.data(), values.data());
@@ -59,6 +60,7 @@ class ViolationWalk {
   }
 
  private:
+  ztb::Symbol symbol_;
   ztbRec* database_;
   void* handle_ = nullptr;
   bool atEnd_ = true;

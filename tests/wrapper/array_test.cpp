@@ -99,4 +99,45 @@ TEST_F(ArrayTest, WhatHasNoNumbersInPositionsIsRefused) {
             "ztbDenseArrayToSymbol: Can't map scalars");
 }
 
+TEST_F(ArrayTest, ACubeThatIsRefusedChangesNothing) {
+  p_.add("a", "x").setLevel(7);
+  const ztb::Symbol empty = database_.addSet("empty", {"*"});
+  const ztb::Symbol pairs = database_.addSet("pairs", {"*", "*"});
+  ztb::Database other;
+  const ztb::Symbol foreign = other.addSet("foreign", {"*"});
+  const auto assign = [&](const ztb::Symbol& domain) {
+    return failure([&] { p_.assignCube(std::array{rows_, domain}, std::array{1.0, 2.0}); });
+  };
+  EXPECT_EQ(assign(database_.universe()),
+            "ztbDenseArrayToSymbol: Cannot use universe as domain symbol p");
+  EXPECT_EQ(assign(foreign),
+            "ztbDenseArrayToSymbol: Symbol p and domain symbol foreign in different databases");
+  EXPECT_EQ(assign(pairs),
+            "ztbDenseArrayToSymbol: Domain symbol pairs has dimension 2, needs to be 1");
+  EXPECT_EQ(assign(empty), "ztbDenseArrayToSymbol: Zero sized dimension 2");
+  EXPECT_EQ(levels(), std::vector<double>{7});
+}
+
+// In 32 bits these sizes multiply to zero.
+TEST_F(ArrayTest, SizesAreMultipliedIn64Bits) {
+  ztb::Symbol many = database_.addSet("many", {"*"});
+  for (int place = 0; place < 65536; ++place) {
+    many.putElementUnchecked(std::array{database_.mergeLabel("m" + std::to_string(place))},
+                             nullptr);
+  }
+  p_.add("a", "x").setLevel(7);
+  EXPECT_EQ(failure([&] {
+              p_.assignCube(std::array{many, many}, {});
+            }),
+            "ztbDenseArrayToSymbol: a cube of [65536,65536] has more than 2147483647 cells, which "
+            "the library cannot count");
+  double cell = 0;
+  EXPECT_EQ(failure([&] {
+              p_.copyValues({&cell, (std::size_t{1} << 32) + 1});
+            }),
+            "ztbDenseSymbolToDenseArray: Size of cube 4294967297 and number of record 1 in p do "
+            "not match");
+  EXPECT_EQ(levels(), std::vector<double>{7});
+}
+
 }  // namespace
