@@ -442,8 +442,8 @@ void elementsFromDense(const Symbol& symbol, const std::vector<Symbol>& domains,
 
 void copyFrom(const Symbol& symbol, const Symbol& source) {
   // Turns are taken in one order everywhere, so that no two threads wait for each other.
-  const Connection* first = symbol.connection().get();
-  const Connection* second = source.connection().get();
+  Connection* first = symbol.connection().get();
+  Connection* second = source.connection().get();
   if (std::less<>()(second, first)) {
     std::swap(first, second);
   }

@@ -1,14 +1,18 @@
 #include "bindings/python/native/connection.h"
 
+#include <pybind11/pybind11.h>
+
 #include <array>
 #include <chrono>
 #include <stdexcept>
 
-#include "bindings/python/native/interruption.h"
+#include "bindings/python/native/left_work.h"
 
 namespace python {
 
 namespace {
+
+namespace py = pybind11;
 
 // How long a thread waits for its turn between two looks for signals.
 constexpr std::chrono::milliseconds betweenLooks{50};
@@ -56,29 +60,44 @@ void Connection::requireSame(const Connection& other) const {
   }
 }
 
-void Connection::load(void* symbol) const {
+void Connection::load(void* symbol) {
   ztbRec* const database = handle();
   if (loaded_.contains(symbol)) {
     return;
   }
-  runWithoutInterpreter([&](Interruption&) {
-    int count = 0;
-    require(
-        c__ztbsymbolinfo(database, symbol, ZTB_SYMBOL_INFO_RECORD_COUNT, &count, nullptr, nullptr),
-        "ztbSymbolInfo");
-  });
+  int fileBacked = 0;
+  require(c__ztbinfo(database, ZTB_INFO_FILE_BACKED, &fileBacked, nullptr, nullptr), "ztbInfo");
+  if (fileBacked != 0) {
+    runOrLeave(shared_from_this(), [this, database, symbol] {
+      int count = 0;
+      require(c__ztbsymbolinfo(database, symbol, ZTB_SYMBOL_INFO_RECORD_COUNT, &count, nullptr,
+                               nullptr),
+              "ztbSymbolInfo");
+    });
+  }
   loaded_.insert(symbol);
 }
 
-Use::Use(const Connection& connection) : connection_(connection) {
+void Connection::leaveTurn() {
+  use_->left_ = true;
+  user_ = std::thread::id();
+}
+
+void Connection::endTurn() {
+  use_ = nullptr;
+  user_ = std::thread::id();
+  free_.release();
+}
+
+Use::Use(Connection& connection) : connection_(connection) {
   if (connection_.user_ == std::this_thread::get_id()) {
     throw ztb::Error("Database", "The database is in the middle of another operation");
   }
-  while (!connection_.inUse_.try_lock()) {
+  while (!connection_.free_.try_acquire()) {
     bool mine = false;
     {
       const py::gil_scoped_release released;
-      mine = connection_.inUse_.try_lock_for(betweenLooks);
+      mine = connection_.free_.try_acquire_for(betweenLooks);
     }
     if (mine) {
       break;
@@ -88,11 +107,13 @@ Use::Use(const Connection& connection) : connection_(connection) {
     }
   }
   connection_.user_ = std::this_thread::get_id();
+  connection_.use_ = this;
 }
 
 Use::~Use() {
-  connection_.user_ = std::thread::id();
-  connection_.inUse_.unlock();
+  if (!left_) {
+    connection_.endTurn();
+  }
 }
 
 }  // namespace python

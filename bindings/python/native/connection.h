@@ -5,7 +5,7 @@
 
 #include <atomic>
 #include <memory>
-#include <mutex>
+#include <semaphore>
 #include <string>
 #include <thread>
 #include <unordered_set>
@@ -20,9 +20,11 @@ class NotFound : public ztb::Error {
   using ztb::Error::Error;
 };
 
+class Use;
+
 // Owns a database. Symbols keep it alive; after close() every use fails with ztb::Error instead of
 // reaching into freed memory.
-class Connection {
+class Connection : public std::enable_shared_from_this<Connection> {
  public:
   // With a folder, peer libraries are looked for there.
   explicit Connection(const std::string* systemDirectory);
@@ -50,16 +52,23 @@ class Connection {
   // Throws std::invalid_argument, a ValueError in Python, unless `other` is the same database.
   void requireSame(const Connection& other) const;
 
-  // Reads the records of a symbol, unless they were read before; Ctrl-C ends that.
-  void load(void* symbol) const;
+  // Reads the records of a symbol, unless they were read before. Ctrl-C leaves that to go on by
+  // itself: the next turn begins when it has ended.
+  void load(void* symbol);
+
+  // The turn that a Use holds: leaves it to work that goes on, and ends it there.
+  void leaveTurn();
+  void endTurn();
 
  private:
   friend class Use;
 
   ztbRec* handle_ = nullptr;
-  mutable std::unordered_set<const void*> loaded_;
-  mutable std::timed_mutex inUse_;
-  mutable std::atomic<std::thread::id> user_;
+  std::unordered_set<const void*> loaded_;
+  std::binary_semaphore free_{1};
+  // The thread inside of an operation, and what holds its turn.
+  std::atomic<std::thread::id> user_;
+  Use* use_ = nullptr;
 };
 
 using Shared = std::shared_ptr<Connection>;
@@ -70,13 +79,16 @@ using Shared = std::shared_ptr<Connection>;
 // is inside of an operation on the database, as a signal handler can be.
 class Use {
  public:
-  explicit Use(const Connection& connection);
+  explicit Use(Connection& connection);
   Use(const Use&) = delete;
   Use& operator=(const Use&) = delete;
   ~Use();
 
  private:
-  const Connection& connection_;
+  friend class Connection;
+
+  Connection& connection_;
+  bool left_ = false;
 };
 
 // An operation as a member of a Python class, which takes its turn first. `Self` is a reference to

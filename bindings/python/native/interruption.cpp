@@ -12,8 +12,6 @@ constexpr std::chrono::milliseconds betweenLooks{50};
 
 Interruption::Interruption() : next_(Clock::now() + betweenLooks) {}
 
-Interruption::~Interruption() = default;
-
 bool Interruption::asked() {
   if (error_) {
     return true;

@@ -15,14 +15,13 @@ namespace python {
 namespace py = pybind11;
 
 // Looks for signals on behalf of work that the interpreter does not see. What a signal handler
-// raises, such as KeyboardInterrupt, waits here until the work has ended. While it lives, the
-// exchange-file library asks it between two blocks of a file that this thread reads.
+// raises, such as KeyboardInterrupt, waits here until the work has ended.
 class Interruption {
  public:
   Interruption();
   Interruption(const Interruption&) = delete;
   Interruption& operator=(const Interruption&) = delete;
-  ~Interruption();
+  ~Interruption() = default;
 
   // Whether the work has to end. Signals are looked for at most every few hundredths of a second,
   // for which the interpreter's lock is taken.

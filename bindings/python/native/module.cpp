@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "bindings/python/native/database.h"
+#include "bindings/python/native/left_work.h"
 #include "bindings/python/native/strings.h"
 #include "bindings/python/native/symbol.h"
 
@@ -39,4 +40,6 @@ PYBIND11_MODULE(_native, module) {
   python::bindSymbol(module);
   python::bindNewLabels(module);
   python::bindDatabase(module);
+  pybind11::module_::import("atexit").attr("register")(
+      pybind11::cpp_function(&python::awaitLeftWork));
 }
