@@ -193,6 +193,9 @@ int updateModelSymbol(ZTB& db, AbstractZTBSymbol* symbol, int action, AbstractZT
   if (data->type != ZTB_PARAMETER) {
     return db.fail("Data symbol %s must be parameter", data->name.c_str());
   }
+  if (!db.requireReadable(*data)) {
+    return failure;
+  }
   const std::string modelName =
       symbol->type == ZTB_PARAMETER ? symbol->name + parameterSuffix : symbol->name;
   db.altBounds = symbol->type != ZTB_EQUATION;

@@ -177,6 +177,7 @@ class SolveDriver {
           symbol->releaseRecords();
         }
         symbol->loaded = false;
+        symbol->unreadable.reset();
       }
     }
   }

@@ -20,10 +20,13 @@ void requireInTable(ZTB& db, const AbstractZTBSymbol& symbol) {
 
 // Rebuilds a symbol on another store and puts it in the old one's place. An unknown code leaves no
 // symbol there.
-void convert(ZTB& db, dmap::StorageKind kind, void** symPtr) {
+int convert(ZTB& db, dmap::StorageKind kind, void** symPtr) {
   AbstractZTBSymbol* symbol = symbolOf(*symPtr);
   if (symbol->storageKind() == kind) {
-    return;
+    return success;
+  }
+  if (!db.requireReadable(*symbol)) {
+    return failure;
   }
   requireInTable(db, *symbol);
   std::unique_ptr<AbstractZTBSymbol> converted = convertSymbol(kind, *symbol);
@@ -31,6 +34,7 @@ void convert(ZTB& db, dmap::StorageKind kind, void** symPtr) {
   db.symbols.replace(symbol, converted.get());
   db.retiredSymbols.emplace_back(symbol)->releaseRecords();
   *symPtr = converted.release();
+  return success;
 }
 
 int selectStorage(ZTB& db, void** symPtr, int code) {
@@ -42,8 +46,7 @@ int selectStorage(ZTB& db, void** symPtr, int code) {
   if (*symPtr == nullptr) {
     return failNoSymbol(db);
   }
-  convert(db, kind, symPtr);
-  return success;
+  return convert(db, kind, symPtr);
 }
 
 }  // namespace

@@ -208,11 +208,8 @@ int ztbClearSymbol(ztbRec* handle, void* sym) {
     if (isUniverse(db, symbol)) {
       return db.fail("Cannot clear the Universe");
     }
-    if (symbol->loaded) {
-      symbol->clearRecords();
-    } else {
-      symbol->loaded = true;
-    }
+    symbol->unreadable.reset();
+    db.emptySymbol(*symbol);
     markWritten(db, *symbol);
     return success;
   });

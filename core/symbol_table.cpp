@@ -16,6 +16,7 @@ void TSymbolTable::clearAll() {
   forEach([](AbstractZTBSymbol* symbol) {
     symbol->clearRecords();
     symbol->loaded = false;
+    symbol->unreadable.reset();
     return true;
   });
 }

@@ -82,14 +82,29 @@ int ZTB::textNumber(const char* text) {
   return textPool.value(text);
 }
 
+bool ZTB::emptySymbol(AbstractZTBSymbol& symbol) {
+  if (!requireReadable(symbol)) {
+    return false;
+  }
+  if (symbol.loaded) {
+    symbol.clearRecords();
+  } else {
+    symbol.loaded = true;
+  }
+  return true;
+}
+
 bool ZTB::load(AbstractZTBSymbol& symbol) {
+  if (!requireReadable(symbol)) {
+    return false;
+  }
   if (initFrom == Source::pbi && modelReplaced) {
     return failModelReplaced() == success;
   }
-  symbol.loaded = true;
   if (initFrom == Source::rxf) {
-    return readSymbolFromRXF(symbol, nullptr);
+    return loadFromRXF(symbol);
   }
+  symbol.loaded = true;
   if (initFrom == Source::pbi) {
     LoadSymbolFromModel(symbol, nullptr);
     return true;

@@ -78,8 +78,18 @@ class ZTB {
   AbstractZTBSymbol* lookUp(const char* name);
 
   // Whether the symbol's records may be used: reads them from the source if that has not been
-  // done. A symbol counts as loaded from then on, also when reading failed.
-  bool ensureLoaded(AbstractZTBSymbol& symbol) { return symbol.loaded || load(symbol); }
+  // done. A symbol counts as loaded from then on, also when reading failed. One that its file did
+  // not give whole stays unreadable: each use fails with the same text.
+  bool ensureLoaded(AbstractZTBSymbol& symbol) {
+    return (symbol.loaded && symbol.unreadable == nullptr) || load(symbol);
+  }
+  // Fails with the text that an unreadable symbol keeps; true, with nothing done, for another.
+  bool requireReadable(const AbstractZTBSymbol& symbol) {
+    return symbol.unreadable == nullptr || fail("%s", symbol.unreadable->c_str()) == success;
+  }
+  // Empties a symbol that is about to get other records; those that are still in a source are given
+  // up without being read. False for an unreadable one, as above.
+  bool emptySymbol(AbstractZTBSymbol& symbol);
 
   // The number of an explanatory text, which enters the pool if it is new.
   int textNumber(const char* text);
@@ -101,7 +111,8 @@ class ZTB {
   // Writes the database to a file; `noDomainCheck` 0 has records checked against their domains.
   int WriteRXF(const std::string& fileName, int noDomainCheck);
   // Reads all records of a symbol from the open file into the symbol, or, with a `target`, on to
-  // that exchange-file object.
+  // that exchange-file object. When the file does not give them all, "Symbol %s could not be read
+  // from %s: %s", and the symbol is left empty and unreadable; with a `target` it stays as it was.
   bool readSymbolFromRXF(AbstractZTBSymbol& symbol, void* target);
 
   // Other sources; defined with the exchange room.
@@ -177,6 +188,9 @@ class ZTB {
   void undoPreparation();
   bool load(AbstractZTBSymbol& symbol);
   bool loadAllSymbols();
+  bool loadFromRXF(AbstractZTBSymbol& symbol);
+  bool failReading(const AbstractZTBSymbol& symbol, const char* reason);
+  bool allReadable();
   void markAliasTarget(AbstractZTBSymbol& alias);
   bool setDomains(AbstractZTBSymbol& symbol, AbstractZTBSymbol* const* domains,
                   const char* const* domainNames);

@@ -17,7 +17,8 @@ class DatabaseCopy {
  public:
   DatabaseCopy(ZTB& source, ZTB& target) : source_(source), target_(target) {}
 
-  // False, with the text in the source's last error, when a symbol of the source cannot be read.
+  // False, with the text in the source's last error, when a symbol of the source cannot be read; of
+  // an unreadable one it is the target's last error, too.
   bool copySymbols() {
     return source_.symbols.forEach(
         [this](AbstractZTBSymbol* symbol) { return copySymbol(*symbol); });
@@ -55,7 +56,9 @@ class DatabaseCopy {
     }
     // The records of a model are not read for a copy: such symbols arrive empty.
     const bool readable = source_.initFrom == Source::rxf || source_.initFrom == Source::hvex;
-    if (readable && !source_.ensureLoaded(symbol)) {
+    if ((readable || symbol.unreadable != nullptr) && !source_.ensureLoaded(symbol)) {
+      // The text is that of the source; both can be asked for it.
+      target_.requireReadable(symbol);
       return false;
     }
     copy->assignRecords(symbol);

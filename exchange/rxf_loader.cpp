@@ -1,7 +1,11 @@
 #include "exchange/rxf_loader.h"
 
+#include <algorithm>
 #include <array>
+#include <cstdio>
 #include <cstring>
+#include <memory>
+#include <new>
 
 #include "exchange/progress.h"
 #include "exchange/rxf_peer.h"
@@ -179,16 +183,65 @@ bool ZTB::readSymbolFromRXF(AbstractZTBSymbol& symbol, void* target) {
   if (symbol.type == dmap::typeAlias) {
     return fail("Cannot load alias %s", symbol.name.c_str()) == success;
   }
-  if (target == nullptr) {
-    readRecords(rxf, symbol.name.c_str(), [&symbol](const int* keys, const double* values) {
-      symbol.appendRecord(keys, values);
-    });
-  } else {
-    readRecords(rxf, symbol.name.c_str(), [target](const int* keys, const double* values) {
-      peers::rxfDataWriteRaw(target, keys, values);
-    });
+  const char* name = symbol.name.c_str();
+  char reason[peerTextSize] = {};
+  const auto keep = [&symbol](const int* keys, const double* values) {
+    symbol.appendRecord(keys, values);
+  };
+  const auto passOn = [target](const int* keys, const double* values) {
+    peers::rxfDataWriteRaw(target, keys, values);
+  };
+  const bool whole = target == nullptr ? readRecords(rxf, name, reason, keep)
+                                       : readRecords(rxf, name, reason, passOn);
+  return whole || failReading(symbol, reason);
+}
+
+bool ZTB::failReading(const AbstractZTBSymbol& symbol, const char* reason) {
+  // The reason stands at the end of a text that is cut there, so a long path makes room for it.
+  constexpr std::size_t shortestPath = 24;
+  constexpr std::size_t dots = 3;
+  const char* format = "Symbol %s could not be read from %s%s: %s";
+  const char* name = symbol.name.c_str();
+  const auto others =
+      static_cast<std::size_t>(std::snprintf(nullptr, 0, format, name, "", "", reason));
+  const std::size_t left = messageSize - 1 - std::min(messageSize - 1, others);
+  const std::size_t room = std::max(left, shortestPath);
+  const char* path = rxfFileName.c_str();
+  if (rxfFileName.size() <= room) {
+    return fail(format, name, "", path, reason) == success;
   }
-  return true;
+  path += rxfFileName.size() - (room - dots);
+  // A cut never leaves a part of a UTF-8 sequence.
+  while ((static_cast<unsigned char>(*path) & 0xC0U) == 0x80U) {
+    ++path;
+  }
+  return fail(format, name, "...", path, reason) == success;
+}
+
+bool ZTB::loadFromRXF(AbstractZTBSymbol& symbol) {
+  // Taken before anything is read, so that a failure can be kept when no memory is left.
+  auto text = std::make_unique<std::string>();
+  text->reserve(messageSize);
+  symbol.loaded = true;
+  try {
+    if (readSymbolFromRXF(symbol, nullptr)) {
+      return true;
+    }
+  } catch (const std::bad_alloc&) {
+    failReading(symbol, "out of memory");
+  } catch (const std::exception& e) {
+    failReading(symbol, e.what());
+  }
+  if (symbol.type != dmap::typeAlias) {
+    symbol.releaseRecords();
+    text->assign(lastError);
+    symbol.unreadable = std::move(text);
+  }
+  return false;
+}
+
+bool ZTB::allReadable() {
+  return symbols.forEach([this](AbstractZTBSymbol* symbol) { return requireReadable(*symbol); });
 }
 
 bool ZTB::loadAllSymbols() {

@@ -3,6 +3,7 @@
 #define ZTB_EXCHANGE_RXF_PEER_H_
 
 #include <algorithm>
+#include <cstring>
 
 #include "exchange/special_values.h"
 #include "peers/rxf_family.h"
@@ -42,9 +43,27 @@ class RecordStream {
   void* rxf_;
 };
 
-// The records of one symbol of an open file: calls `deliver(keys, values)` for each of them.
+// What a peer gives in place of a number of records, or of the first changed index of a record,
+// when it cannot give all records.
+inline constexpr int peerReadFailed = -1;
+
+// Why the peer could not go on: the text of the error that came first. The queue is empty then.
+inline void takeReason(void* rxf, char (&reason)[peerTextSize]) {
+  int code = 0;
+  for (int next = peers::rxfGetLastError(rxf); next != 0; next = peers::rxfGetLastError(rxf)) {
+    code = next;
+  }
+  std::strcpy(reason, "the exchange-file library gives no reason");
+  if (code != 0) {
+    peers::rxfErrorStr(rxf, code, reason);
+  }
+}
+
+// The records of one symbol of an open file: calls `deliver(keys, values)` for each of them. False,
+// with the peer's reason, when the peer cannot give all; what was delivered is then worth nothing.
 template <class Deliver>
-void readRecords(void* rxf, const char* symbolName, Deliver&& deliver) {
+bool readRecords(void* rxf, const char* symbolName, char (&reason)[peerTextSize],
+                 Deliver&& deliver) {
   int number = 0;
   int count = 0;
   int firstChanged = 0;
@@ -53,10 +72,18 @@ void readRecords(void* rxf, const char* symbolName, Deliver&& deliver) {
   peers::rxfFindSymbol(rxf, symbolName, &number);
   peers::rxfDataReadRawStart(rxf, number, &count);
   const RecordStream stream(rxf);
-  for (int record = 0; record < count; ++record) {
+  bool whole = count != peerReadFailed;
+  for (int record = 0; whole && record < count; ++record) {
     peers::rxfDataReadRaw(rxf, keys, values, &firstChanged);
-    deliver(keys, values);
+    whole = firstChanged != peerReadFailed;
+    if (whole) {
+      deliver(keys, values);
+    }
   }
+  if (!whole) {
+    takeReason(rxf, reason);
+  }
+  return whole;
 }
 
 }  // namespace ztb

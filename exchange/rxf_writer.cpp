@@ -1,6 +1,7 @@
 #include "exchange/rxf_writer.h"
 
 #include <algorithm>
+#include <cmath>
 #include <stdexcept>
 
 #include "core/string_hash_list.h"
@@ -157,16 +158,30 @@ void RxfWriter::recordDomainNames(const AbstractZTBSymbol& symbol, int position)
   }
 }
 
+// The number of the text that a set record shows. A record may hold the number of another database's
+// text, or any number at all, and then shows the empty text; a file names no text that it has not.
+double RxfWriter::textNumberInFile(double level) const {
+  return level >= 1.0 && level < db_.textPool.size() ? std::trunc(level) : 0.0;
+}
+
 int RxfWriter::writeRecords(AbstractZTBSymbol& symbol) {
   if (symbol.loaded) {
     std::array<int, dmap::maxDimension> keysForPeer = {};
     const std::size_t dim = positionsOf(symbol);
+    const bool isSet = symbol.type == dmap::typeSet;
     symbol.forEachRecord([&](const int* keys, const double* values) {
       std::copy_n(keys, dim, keysForPeer.data());
-      peers::rxfDataWriteRaw(target_, keysForPeer.data(), values);
+      if (isSet) {
+        const double text = textNumberInFile(values[0]);
+        peers::rxfDataWriteRaw(target_, keysForPeer.data(), &text);
+      } else {
+        peers::rxfDataWriteRaw(target_, keysForPeer.data(), values);
+      }
     });
   } else if (db_.initFrom == Source::rxf) {
-    db_.readSymbolFromRXF(symbol, target_);
+    if (!db_.readSymbolFromRXF(symbol, target_)) {
+      return failure;
+    }
   } else if (db_.initFrom == Source::pbi) {
     if (db_.modelReplaced) {
       return db_.failModelReplaced();
@@ -213,6 +228,9 @@ int ZTB::WriteRXF(const std::string& fileName, int noDomainCheck) {
                                                          fileName.c_str(), rxfFileName.c_str());
   if (overSource) {
     CloseRXF(true);
+  }
+  if (!allReadable()) {
+    return failure;
   }
   if (writer.open(fileName) != success || writer.mapSpecialValues() != success) {
     return failure;

@@ -42,6 +42,7 @@ class RxfWriter {
   bool setStrictDomain(const AbstractZTBSymbol& symbol);
   void recordDomainNames(const AbstractZTBSymbol& symbol, int position);
   int writeRecords(AbstractZTBSymbol& symbol);
+  [[nodiscard]] double textNumberInFile(double level) const;
   int failPeerErrors();
 
   ZTB& db_;

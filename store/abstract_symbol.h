@@ -2,7 +2,8 @@
 //
 // The rest of the system holds pointers to this class only; `ZTBSymbol` implements it over each
 // record store. The records may be missing until the database loads them: every user of records
-// applies the database's rule of lazy loading first, and the class has no hook beyond `loaded`.
+// applies the database's rule of lazy loading first, and the class has no hook beyond `loaded` and
+// `unreadable`.
 #ifndef ZTB_STORE_ABSTRACT_SYMBOL_H_
 #define ZTB_STORE_ABSTRACT_SYMBOL_H_
 
@@ -121,6 +122,9 @@ class AbstractZTBSymbol {
   int userInfo;
   int symbolNumber;
   bool loaded = true;          // the records are in the store
+  // Why the records could not be read from their file, as every use of them says, until they are
+  // given up; null otherwise. The symbol is then loaded and empty.
+  std::unique_ptr<std::string> unreadable;
   bool usedAsDomain = false;   // another symbol names this set as a domain
   bool writeRecorded = false;  // written to while write recording was on
   std::string name;

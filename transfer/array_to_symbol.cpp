@@ -44,10 +44,8 @@ bool emptyTarget(ZTB& db, AbstractZTBSymbol* symbol) {
   if (!checkSparseSymbol(db, symbol)) {
     return false;
   }
-  if (symbol->loaded) {
-    symbol->clearRecords();
-  } else {
-    symbol->loaded = true;
+  if (!db.emptySymbol(*symbol)) {
+    return false;
   }
   markWritten(db, *symbol);
   if (symbol->type != ZTB_SET && symbol->type != ZTB_PARAMETER) {

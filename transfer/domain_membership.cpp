@@ -62,8 +62,9 @@ void freeDomains(const AbstractZTBSymbol& symbol) {
   });
 }
 
-AbstractZTBSymbol* nextSymbolWithDomain(ZTB& db, const AbstractZTBSymbol* current) {
+bool nextSymbolWithDomain(ZTB& db, const AbstractZTBSymbol* current, AbstractZTBSymbol*& next) {
   const int first = current == nullptr || isUniverse(db, current) ? 0 : current->symbolNumber + 1;
+  next = nullptr;
   for (int position = first; position < db.symbols.size(); ++position) {
     AbstractZTBSymbol* symbol = db.symbols.atNumber(position);
     if (symbol == nullptr || symbol->dim == 0 || symbol->type == ZTB_ALIAS ||
@@ -71,13 +72,14 @@ AbstractZTBSymbol* nextSymbolWithDomain(ZTB& db, const AbstractZTBSymbol* curren
       continue;
     }
     if (!db.ensureLoaded(*symbol)) {
-      return nullptr;
+      return symbol->unreadable == nullptr;
     }
     if (!symbol->isEmpty()) {
-      return symbol;
+      next = symbol;
+      return true;
     }
   }
-  return nullptr;
+  return true;
 }
 
 }  // namespace ztb

@@ -31,10 +31,10 @@ void buildDomains(const ZTB& db, const AbstractZTBSymbol& symbol);
 void freeDomains(const AbstractZTBSymbol& symbol);
 
 // The next symbol, behind `current` or from the first, that has records and a position with a
-// domain; null if there is none or it cannot be read. The place behind `current` is that of its
-// symbol number plus one: a symbol of a file counts from 1, so the one directly behind it is passed
-// over.
-AbstractZTBSymbol* nextSymbolWithDomain(ZTB& db, const AbstractZTBSymbol* current);
+// domain, into `next`; null if there is none or its source fails. False, with null, if it is
+// unreadable. The place behind `current` is that of its symbol number plus one: a symbol of a file
+// counts from 1, so the one directly behind it is passed over.
+bool nextSymbolWithDomain(ZTB& db, const AbstractZTBSymbol* current, AbstractZTBSymbol*& next);
 
 }  // namespace ztb
 

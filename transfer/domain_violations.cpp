@@ -139,7 +139,10 @@ int firstInSymbol(ZTB& db, AbstractZTBSymbol& symbol, void** dvHandle) {
 
 int firstInDatabase(ztbRec* handle, ZTB& db, void** dvHandle) {
   *dvHandle = nullptr;
-  AbstractZTBSymbol* symbol = nextSymbolWithDomain(db, nullptr);
+  AbstractZTBSymbol* symbol = nullptr;
+  if (!nextSymbolWithDomain(db, nullptr, symbol)) {
+    return failure;
+  }
   if (symbol == nullptr) {
     return success;
   }
@@ -153,12 +156,17 @@ int firstInDatabase(ztbRec* handle, ZTB& db, void** dvHandle) {
     throw;
   }
   db.dvState = 1;
-  for (; symbol != nullptr; symbol = nextSymbolWithDomain(db, symbol)) {
+  while (symbol != nullptr) {
     if (ztbGetFirstDVInSymbol(handle, symbol, dvHandle) != success) {
       return failure;
     }
     if (*dvHandle != nullptr) {
       return success;
+    }
+    if (!nextSymbolWithDomain(db, symbol, symbol)) {
+      freeDatabase(db);
+      db.dvState = 0;
+      return failure;
     }
   }
   return success;
@@ -166,8 +174,11 @@ int firstInDatabase(ztbRec* handle, ZTB& db, void** dvHandle) {
 
 int firstInNextSymbol(ztbRec* handle, ZTB& db, AbstractZTBSymbolIterator& record, int* found) {
   *found = 0;
-  for (AbstractZTBSymbol* symbol = nextSymbolWithDomain(db, record.symbol()); symbol != nullptr;
-       symbol = nextSymbolWithDomain(db, symbol)) {
+  AbstractZTBSymbol* symbol = record.symbol();
+  while (nextSymbolWithDomain(db, symbol, symbol)) {
+    if (symbol == nullptr) {
+      return success;
+    }
     void* fresh = nullptr;
     if (ztbGetFirstDVInSymbol(handle, symbol, &fresh) != success) {
       return failure;
@@ -183,7 +194,7 @@ int firstInNextSymbol(ztbRec* handle, ZTB& db, AbstractZTBSymbolIterator& record
       return ztbFreeDVHandle(handle, fresh);
     }
   }
-  return success;
+  return failure;
 }
 
 }  // namespace

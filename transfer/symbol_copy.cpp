@@ -128,6 +128,16 @@ class SymbolCopy {
   std::vector<int> textNumbers_;
 };
 
+// A source that its file does not give whole takes no records from the target.
+bool requireReadableSource(ZTB& db, AbstractZTBSymbol& source) {
+  ZTB& from = *source.database;
+  const bool inFile = !source.loaded && from.initFrom == Source::rxf && source.type != ZTB_ALIAS;
+  if (!isUniverse(from, &source) && (inFile || source.unreadable != nullptr)) {
+    from.ensureLoaded(source);
+  }
+  return db.requireReadable(source);
+}
+
 int copySymbol(ZTB& db, AbstractZTBSymbol* target, AbstractZTBSymbol* source) {
   if (source == nullptr) {
     return db.fail("No source symbol handle specified");
@@ -141,12 +151,14 @@ int copySymbol(ZTB& db, AbstractZTBSymbol* target, AbstractZTBSymbol* source) {
   if (target->type != source->type && target->type != ZTB_SET) {
     return db.fail("Inconsistent symbol types");
   }
-  if (!isUniverse(*target->database, target)) {
-    if (target->loaded) {
-      target->clearRecords();
-    } else {
-      target->loaded = true;
-    }
+  if (source != target && !requireReadableSource(db, *source)) {
+    return failure;
+  }
+  if (!db.requireReadable(*target)) {
+    return failure;
+  }
+  if (!isUniverse(*target->database, target) && !target->database->emptySymbol(*target)) {
+    return failure;
   }
   if (!SymbolCopy(*source, *target).run()) {
     return failure;

@@ -7,11 +7,12 @@
 namespace rxffile {
 
 void BlockReader::start(const SymbolEntry& entry, std::uint32_t number, std::string_view name,
-                        std::uint32_t labelCount) {
+                        std::uint32_t labelCount, std::uint32_t textCount) {
   entry_ = &entry;
   number_ = number;
   name_ = name;
   labelCount_ = labelCount;
+  textCount_ = textCount;
   index_ = 0;
   offset_ = entry.dataOffset;
   place_ = {};
@@ -26,13 +27,19 @@ void BlockReader::next(DecodedBlock& block) {
     const FrameHead head = readBlock(index_, behind, block);
     place_.checksum = head.bodyChecksum;
     block.verify(head.count, entry_->dim, slotsOfType(entry_->type), labelCount_, decompressor_);
+    if (entry_->type == kTypeSet) block.verifyTextNumbers(textCount_);
     checkOrder(block);
   } catch (const Malformed&) {
+    file_.requireUnchanged();
     lost_ = behind == offset_;
     index_ = lost_ ? entry_->blockCount() : index_ + 1;
     offset_ = behind;
     throw;
+  } catch (const Failure&) {
+    file_.requireUnchanged();
+    throw;
   }
+  file_.requireUnchanged();
   ++index_;
   offset_ = behind;
 }
@@ -51,6 +58,7 @@ void BlockReader::checkOrder(const DecodedBlock& block) {
 
 void BlockReader::again(const Place& place, DecodedBlock& block) {
   std::uint64_t offset = place.offset;
+  file_.requireUnchanged();
   const FrameHead head = readBlock(place.index, offset, block);
   if (head.bodyChecksum != place.checksum) throw Malformed(DetailText("it is another block"));
   block.parse(head.count, entry_->dim, slotsOfType(entry_->type), labelCount_, decompressor_);
@@ -62,7 +70,8 @@ FrameHead BlockReader::readBlock(std::uint32_t index, std::uint64_t& offset, Dec
   const std::uint64_t end = entry_->dataOffset + entry_->dataLength;
   if (end - offset < kFrameHeadBytes) throw Malformed(DetailText("no room for its head"));
   FrameHead::Encoded bytes;
-  file_.read(offset, bytes.data(), bytes.size());
+  const DetailText where = placeText(index);
+  file_.read(offset, bytes.data(), bytes.size(), where.c_str());
   const FrameHead head = FrameHead::decode(bytes, kRecordKind, number_, index);
   const std::uint64_t bodyAt = offset + kFrameHeadBytes;
   if (head.bodyLength > kMaxBlockBytes || head.bodyLength > end - bodyAt) {
@@ -75,14 +84,17 @@ FrameHead BlockReader::readBlock(std::uint32_t index, std::uint64_t& offset, Dec
     throw Malformed(DetailText("%u records, expected %u", head.count, expected));
   }
   std::uint8_t* body = block.body(head.bodyLength);
-  file_.read(bodyAt, body, head.bodyLength);
+  file_.read(bodyAt, body, head.bodyLength, where.c_str());
   head.verifyBody(body);
   return head;
 }
 
+DetailText BlockReader::placeText(std::uint32_t index) const {
+  return DetailText("block %u of %u of symbol %s", index + 1, entry_->blockCount(), name_.c_str());
+}
+
 DetailText BlockReader::damageText(std::uint32_t index, const char* reason) const {
-  return DetailText("block %u of %u of symbol %s in %s: %s", index + 1, entry_->blockCount(),
-                    name_.c_str(), file_.shownName().c_str(), reason);
+  return DetailText("%s in %s: %s", placeText(index).c_str(), file_.shownName().c_str(), reason);
 }
 
 }  // namespace rxffile

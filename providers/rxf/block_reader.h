@@ -33,10 +33,10 @@ class BlockReader {
   BlockReader(const InputFile& file, Decompressor& decompressor)
       : file_(file), decompressor_(decompressor) {}
 
-  // Begins with the first block of a symbol. `labelCount` bounds the keys. `entry` is to stay until
-  // the next start.
+  // Begins with the first block of a symbol. `labelCount` bounds the keys, and `textCount` the text
+  // numbers of a set. `entry` is to stay until the next start.
   void start(const SymbolEntry& entry, std::uint32_t number, std::string_view name,
-             std::uint32_t labelCount);
+             std::uint32_t labelCount, std::uint32_t textCount);
 
   // Whether no block is left.
   [[nodiscard]] bool atEnd() const { return index_ == entry_->blockCount(); }
@@ -46,8 +46,8 @@ class BlockReader {
 
   // Reads the next block into `block` and verifies all of it, also that its records come behind
   // those of the whole block before. Throws Malformed when it is damaged, and Failure when the file
-  // cannot be read, after which the block can be asked for again; after Malformed the next call is
-  // for the block behind; when the length of the
+  // cannot be read or was changed since it was opened, after which the block can be asked for again;
+  // after Malformed the next call is for the block behind; when the length of the
   // damaged one is not known there is none, and lost() holds. REQUIRES: not atEnd().
   void next(DecodedBlock& block);
 
@@ -58,7 +58,8 @@ class BlockReader {
   // Failure.
   void again(const Place& place, DecodedBlock& block);
 
-  // "block 2 of 3 of symbol p in FILE: REASON".
+  // "block 2 of 3 of symbol p", and with that "block 2 of 3 of symbol p in FILE: REASON".
+  [[nodiscard]] DetailText placeText(std::uint32_t index) const;
   [[nodiscard]] DetailText damageText(std::uint32_t index, const char* reason) const;
 
  private:
@@ -72,6 +73,7 @@ class BlockReader {
   std::uint32_t number_ = 0;
   std::string name_;
   std::uint32_t labelCount_ = 0;
+  std::uint32_t textCount_ = 0;
 
   std::uint32_t index_ = 0;
   std::uint64_t offset_ = 0;

@@ -17,7 +17,8 @@ ColumnReader::ColumnReader(std::shared_ptr<const RxfReader> reader, std::uint32_
     records = entry.recordCount;
     dim = static_cast<std::size_t>(entry.dim);
     slots = static_cast<std::size_t>(slotsOfType(entry.type));
-    blocks_.start(entry, number_, reader_->symbols().name(number_), labels);
+    blocks_.start(entry, number_, reader_->symbols().name(number_), labels,
+                  reader_->texts().size());
   }
   const std::size_t room = std::min(records, kBlockRecords);
   keys_.assign(dim, std::vector<std::int32_t>(room));
@@ -87,7 +88,7 @@ void ColumnReader::rewind() {
   count_ = 0;
   if (number_ != 0) {
     blocks_.start(reader_->symbols().at(number_), number_, reader_->symbols().name(number_),
-                  reader_->labels().size());
+                  reader_->labels().size(), reader_->texts().size());
   }
 }
 

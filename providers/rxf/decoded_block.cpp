@@ -19,6 +19,10 @@ void DecodedBlock::parse(std::uint32_t count, int dim, int slots, std::uint32_t 
   }
 }
 
+void DecodedBlock::verifyTextNumbers(std::uint32_t textCount) {
+  values_[0].verifyTextNumbers(count_, textCount);
+}
+
 void DecodedBlock::rewind() {
   at_ = 0;
   keys_.rewind();

@@ -40,7 +40,11 @@ class DecodedBlock {
     keys_.verify(labelCount);
   }
 
-  // The same for a body that was verified before, byte for byte.
+  // Holds the values of a set against the number of texts. Throws Malformed. REQUIRES: verify() or
+  // parse() before; the block then stands at its first record.
+  void verifyTextNumbers(std::uint32_t textCount);
+
+  // The same as verify() for a body that was verified before, byte for byte.
   void parse(std::uint32_t count, int dim, int slots, std::uint32_t labelCount,
              Decompressor& decompressor);
 

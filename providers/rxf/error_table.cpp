@@ -42,6 +42,9 @@ constexpr std::array<const char*, kErrorNumberEnd> kTexts = {
     "An alias has no records of its own",
     "Out of memory",
     "Internal error",
+    "File was changed while it was open",
+    "Text stands twice",
+    "Text not in the table",
 };
 
 }  // namespace

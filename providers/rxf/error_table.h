@@ -43,10 +43,13 @@ enum class ErrorNumber : int {
   aliasHasNoRecords = 32,
   outOfMemory = 33,
   internalError = 34,
+  changed = 35,
+  textTwice = 36,
+  textUnknown = 37,
 };
 
 // One more than the highest error number.
-inline constexpr int kErrorNumberEnd = 35;
+inline constexpr int kErrorNumberEnd = 38;
 
 // General text of an error number, or null for a number that is not in the table (0 too).
 const char* generalErrorText(int number);

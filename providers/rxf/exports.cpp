@@ -179,8 +179,8 @@ RXF_EXPORT int C__rxfUMUelGet(void* rxf, int number, char* label, int* map) {
 
 RXF_EXPORT int C__rxfDataReadRawStart(void* rxf, int symbolNumber, int* recordCount) {
   bool started = false;
-  const int count =
-      guarded(rxf, [&](RxfObject& o) { return o.startReading(symbolNumber, started); });
+  int count = RxfObject::kReadFailed;
+  guarded(rxf, [&](RxfObject& o) { return count = o.startReading(symbolNumber, started); });
   if (recordCount != nullptr) *recordCount = count;
   return started ? 1 : 0;
 }

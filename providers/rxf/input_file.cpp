@@ -34,18 +34,17 @@ InputFile::InputFile(SystemCalls& calls, const std::string& path)
       path_(path),
       fd_(calls.open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK, 0)) {
   if (fd_ < 0) throw openFailure(errno, path_);
-  struct stat status {};
-  if (calls_.fstat(fd_, &status) != 0) {
+  if (calls_.fstat(fd_, &opened_) != 0) {
     const int error = errno;
     calls_.close(fd_);
     throw openFailure(error, path_);
   }
-  if (!S_ISREG(status.st_mode)) {
+  if (!S_ISREG(opened_.st_mode)) {
     calls_.close(fd_);
-    throw Failure(S_ISDIR(status.st_mode) ? ErrorNumber::isFolder : ErrorNumber::notRegularFile,
+    throw Failure(S_ISDIR(opened_.st_mode) ? ErrorNumber::isFolder : ErrorNumber::notRegularFile,
                   DetailText("%s", path_.c_str()));
   }
-  size_ = static_cast<std::uint64_t>(status.st_size);
+  size_ = static_cast<std::uint64_t>(opened_.st_size);
 }
 
 InputFile::~InputFile() {
@@ -58,18 +57,35 @@ std::string InputFile::shownName() const {
   return "..." + path_.substr(path_.size() - longest);
 }
 
-void InputFile::read(std::uint64_t offset, void* data, std::size_t size) const {
+void InputFile::requireUnchanged() const {
+  struct stat now {};
+  if (calls_.fstat(fd_, &now) != 0) {
+    throw Failure(ErrorNumber::readFailed, DetailText("%s", std::strerror(errno)));
+  }
+  if (now.st_size != opened_.st_size) {
+    throw Failure(ErrorNumber::changed,
+                  DetailText("it had %lld bytes, now %lld", static_cast<long long>(opened_.st_size),
+                             static_cast<long long>(now.st_size)));
+  }
+  if (now.st_dev != opened_.st_dev || now.st_ino != opened_.st_ino ||
+      now.st_mtim.tv_sec != opened_.st_mtim.tv_sec ||
+      now.st_mtim.tv_nsec != opened_.st_mtim.tv_nsec) {
+    throw Failure(ErrorNumber::changed, DetailText("it was written to"));
+  }
+}
+
+void InputFile::read(std::uint64_t offset, void* data, std::size_t size, const char* place) const {
   auto* to = static_cast<char*>(data);
   while (size > 0) {
     const ssize_t got = calls_.pread(fd_, to, size, static_cast<off_t>(offset));
     if (got < 0) {
       if (errno == EINTR) continue;
       throw Failure(ErrorNumber::readFailed,
-                    DetailText("%s: %s", path_.c_str(), std::strerror(errno)));
+                    DetailText("%s: %s", place, std::strerror(errno)));
     }
     if (got == 0) {
       throw Failure(ErrorNumber::cutShort,
-                    DetailText("%s ends at byte %llu, expected more", path_.c_str(),
+                    DetailText("%s: the file ends at byte %llu, expected more", place,
                                static_cast<unsigned long long>(offset)));
     }
     to += got;

@@ -1,6 +1,7 @@
 // A file that is open for reading at any place.
 //
 // The file stays the one that was opened, also when another is published under its name meanwhile.
+// One that is written to in its place is no longer what was opened: requireUnchanged() tells.
 #ifndef ZTB_PROVIDERS_RXF_INPUT_FILE_H_
 #define ZTB_PROVIDERS_RXF_INPUT_FILE_H_
 
@@ -30,14 +31,22 @@ class InputFile {
   [[nodiscard]] std::uint64_t size() const { return size_; }
 
   // Reads exactly `size` bytes from `offset`. Failures: cutShort when the file ends before that,
-  // readFailed; the detail names the file.
-  void read(std::uint64_t offset, void* data, std::size_t size) const;
+  // readFailed; the detail begins with `place`, or with the file's name.
+  void read(std::uint64_t offset, void* data, std::size_t size, const char* place) const;
+  void read(std::uint64_t offset, void* data, std::size_t size) const {
+    read(offset, data, size, shownName().c_str());
+  }
+
+  // Failures: changed when size, identity or time of the last write are not those of the opening;
+  // readFailed. The detail does not name the file.
+  void requireUnchanged() const;
 
  private:
   SystemCalls& calls_;
   std::string path_;
   int fd_;
   std::uint64_t size_ = 0;
+  struct stat opened_ {};
 };
 
 }  // namespace rxffile

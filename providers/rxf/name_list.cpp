@@ -10,7 +10,7 @@
 namespace rxffile {
 
 std::uint32_t NameList::hashOf(std::string_view name) {
-  std::array<char, kMaxLabelLength> folded;
+  std::array<char, kMaxTextLength> folded;
   const std::size_t length = std::min(name.size(), folded.size());
   std::transform(name.begin(), name.begin() + static_cast<std::ptrdiff_t>(length), folded.begin(),
                  foldCase);

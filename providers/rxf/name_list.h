@@ -1,4 +1,4 @@
-// A numbered list of names or labels that are distinct under ASCII case folding, with lookup.
+// A numbered list of names, labels or texts that are distinct under ASCII case folding, with lookup.
 #ifndef ZTB_PROVIDERS_RXF_NAME_LIST_H_
 #define ZTB_PROVIDERS_RXF_NAME_LIST_H_
 
@@ -10,7 +10,7 @@
 
 namespace rxffile {
 
-// Names are at most 63 bytes. Numbers count from 1. Lookup and adding take constant time.
+// Names are at most 255 bytes. Numbers count from 1. Lookup and adding take constant time.
 class NameList {
  public:
   [[nodiscard]] std::uint32_t size() const { return names_.size(); }
@@ -22,7 +22,7 @@ class NameList {
   [[nodiscard]] std::uint32_t find(std::string_view name) const;
 
   // Adds a name and returns its number; 0, with nothing added, when the list holds it already.
-  // REQUIRES: at most 63 bytes.
+  // REQUIRES: at most 255 bytes.
   std::uint32_t add(std::string_view name);
 
  private:

@@ -1,9 +1,5 @@
 #include "providers/rxf/record_stream.h"
 
-#include <algorithm>
-
-#include "providers/rxf/failure.h"
-
 namespace rxffile {
 
 namespace {
@@ -13,19 +9,21 @@ constexpr std::size_t kKeptBytes = std::size_t{4} << 20U;
 
 }  // namespace
 
-RecordStream::RecordStream(const InputFile& file, ErrorLog& log)
-    : log_(log), reader_(file, decompressor_) {}
-
-std::uint32_t RecordStream::start(const SymbolEntry& entry, std::uint32_t number,
-                                  std::string_view name, std::uint32_t labelCount,
-                                  const SpecialTable& specials) {
+void RecordStream::start(const SymbolEntry& entry, std::uint32_t number, std::string_view name,
+                         std::uint32_t labelCount, std::uint32_t textCount,
+                         const SpecialTable& specials) {
   stop();
   specials_ = specials;
   dim_ = static_cast<std::size_t>(entry.dim);
   piece_.shape(dim_, static_cast<std::size_t>(slotsOfType(entry.type)));
-  reader_.start(entry, number, name, labelCount);
+  reader_.start(entry, number, name, labelCount, textCount);
+  try {
+    verifyBlocks();
+  } catch (...) {
+    stop();
+    throw;
+  }
   open_ = true;
-  return verifyBlocks();
 }
 
 void RecordStream::stop() {
@@ -39,23 +37,15 @@ void RecordStream::stop() {
   piece_.fill(0);
 }
 
-std::uint32_t RecordStream::verifyBlocks() {
-  std::uint32_t records = 0;
+void RecordStream::verifyBlocks() {
   std::size_t held = 0;
   while (!reader_.atEnd()) {
     DecodedBlock& block = blockToKeep();
     try {
       reader_.next(block);
     } catch (const Malformed& malformed) {
-      recordDamage(
-          reader_.place().index, malformed.what(),
-          reader_.lost() ? "it and all behind it are left out" : "its records are left out");
-      continue;
-    } catch (const Failure& failure) {
-      log_.record(failure.number(), failure.detail());
-      break;
+      throw damageAt(reader_.place(), malformed);
     }
-    records += block.count();
     if (held < kKeptBytes) {
       held += block.held();
       ++kept_;
@@ -63,7 +53,11 @@ std::uint32_t RecordStream::verifyBlocks() {
       waiting_.push_back(reader_.place());
     }
   }
-  return records;
+}
+
+Failure RecordStream::damageAt(const BlockReader::Place& place, const Malformed& malformed) const {
+  return {ErrorNumber::damaged,
+          DetailText("%s: %s", reader_.placeText(place.index).c_str(), malformed.what())};
 }
 
 // The first block that is not in use.
@@ -103,35 +97,18 @@ bool RecordStream::nextBlock() {
     current_ = blocks_[deliveredKept_++].get();
   } else if (deliveredWaiting_ < waiting_.size()) {
     const BlockReader::Place& waiting = waiting_[deliveredWaiting_++];
-    if (!reload(waiting, blockToKeep())) {
-      deliveredWaiting_ = waiting_.size();
-      return false;
+    DecodedBlock& block = blockToKeep();
+    try {
+      reader_.again(waiting, block);
+    } catch (const Malformed& malformed) {
+      throw damageAt(waiting, malformed);
     }
-    current_ = &blockToKeep();
+    current_ = &block;
   } else {
     return false;
   }
   current_->rewind();
   return true;
-}
-
-// Reads a block again that was verified. Only a file that was changed meanwhile can fail here.
-bool RecordStream::reload(const BlockReader::Place& waiting, DecodedBlock& block) {
-  try {
-    reader_.again(waiting, block);
-  } catch (const Malformed& malformed) {
-    recordDamage(waiting.index, malformed.what(), "it was changed while it was read");
-    return false;
-  } catch (const Failure& failure) {
-    log_.record(failure.number(), failure.detail());
-    return false;
-  }
-  return true;
-}
-
-void RecordStream::recordDamage(std::uint32_t index, const char* reason, const char* consequence) {
-  log_.record(ErrorNumber::damaged,
-              DetailText("%s; %s", reader_.damageText(index, reason).c_str(), consequence));
 }
 
 }  // namespace rxffile

@@ -1,10 +1,10 @@
 // The records of one symbol of an open file, delivered one by one.
 //
-// start() verifies every block of the symbol before the first record goes out, since the number of
-// records is told there: damaged blocks are left out of it and recorded in the log, whole ones are
-// delivered. A few verified blocks are kept, so that small symbols are decoded once; of larger ones
-// the blocks behind those are read again. Of a block that is not kept only its place and checksum
-// are remembered, 24 bytes for 65536 records.
+// A symbol is delivered whole or not at all: start() verifies every block of it before the first
+// record goes out, and what goes wrong is a Failure that names the block. A few verified blocks are
+// kept, so that small symbols are decoded once; of larger ones the blocks behind those are read
+// again. Of a block that is not kept only its place and checksum are remembered, 24 bytes for 65536
+// records.
 #ifndef ZTB_PROVIDERS_RXF_RECORD_STREAM_H_
 #define ZTB_PROVIDERS_RXF_RECORD_STREAM_H_
 
@@ -16,7 +16,7 @@
 
 #include "providers/rxf/block_reader.h"
 #include "providers/rxf/decoded_block.h"
-#include "providers/rxf/error_log.h"
+#include "providers/rxf/failure.h"
 #include "providers/rxf/input_file.h"
 #include "providers/rxf/record_piece.h"
 #include "providers/rxf/special_table.h"
@@ -27,15 +27,17 @@ namespace rxffile {
 
 class RecordStream {
  public:
-  RecordStream(const InputFile& file, ErrorLog& log);
+  explicit RecordStream(const InputFile& file) : reader_(file, decompressor_) {}
 
-  // Begins with a symbol and returns how many records next() will deliver. `labelCount` bounds the
-  // keys; special values are delivered as `specials` has them. `entry` is to stay until stop().
-  std::uint32_t start(const SymbolEntry& entry, std::uint32_t number, std::string_view name,
-                      std::uint32_t labelCount, const SpecialTable& specials);
+  // Begins with a symbol, all of whose records are known to be right afterwards. `labelCount` bounds
+  // the keys and `textCount` a set's text numbers; special values are delivered as `specials` has
+  // them. `entry` is to stay until stop(). Failures: damaged, changed, cutShort, readFailed; nothing
+  // is open then.
+  void start(const SymbolEntry& entry, std::uint32_t number, std::string_view name,
+             std::uint32_t labelCount, std::uint32_t textCount, const SpecialTable& specials);
 
   // The records that wait for delivery. When they are used up, refill() brings the next ones; false
-  // when there are none.
+  // when there are none. Failures: those of start(); no more is delivered then.
   RecordPiece& piece() { return piece_; }
   bool refill();
 
@@ -46,13 +48,11 @@ class RecordStream {
 
  private:
   bool nextBlock();
-  std::uint32_t verifyBlocks();
-  bool reload(const BlockReader::Place& waiting, DecodedBlock& block);
-  void recordDamage(std::uint32_t index, const char* reason, const char* consequence);
+  void verifyBlocks();
+  [[nodiscard]] Failure damageAt(const BlockReader::Place& place, const Malformed& malformed) const;
   void joinToPrevious(std::size_t count);
   DecodedBlock& blockToKeep();
 
-  ErrorLog& log_;
   Decompressor decompressor_;
   BlockReader reader_;
   bool open_ = false;

@@ -63,7 +63,7 @@ int RxfObject::openGuarded(const char* fileName, const Open& open) {
 int RxfObject::openRead(const char* fileName) {
   return openGuarded(fileName, [&] {
     auto reader = std::make_unique<RxfReader>(calls_, fileName);
-    stream_ = std::make_unique<RecordStream>(reader->file(), log_);
+    stream_ = std::make_unique<RecordStream>(reader->file());
     reader_ = std::move(reader);
     piece_ = &stream_->piece();
   });
@@ -82,6 +82,7 @@ int RxfObject::recordOpening(ErrorNumber number, const DetailText& detail) {
 
 int RxfObject::close() {
   piece_ = nullptr;
+  readFailed_ = false;
   stream_.reset();
   reader_.reset();
   if (writer_ == nullptr) return 0;
@@ -208,31 +209,51 @@ bool RxfObject::label(int number, char* label) {
 }
 
 int RxfObject::startReading(int number, bool& started) {
-  if (!reading("start of reading")) return 0;
+  if (!reading("start of reading")) return kReadFailed;
   if (stream_->open()) recordOrder("start of reading before the end of the last");
   stream_->stop();
-  if (!holdsSymbol(number)) return 0;
+  readFailed_ = false;
+  if (!holdsSymbol(number)) return kReadFailed;
   const auto index = static_cast<std::uint32_t>(number);
   const SymbolEntry& entry = reader_->symbols().at(index);
   const std::string_view name = reader_->symbols().name(index);
   if (entry.isAlias()) {
     log_.record(ErrorNumber::aliasHasNoRecords,
                 DetailText("%.*s", static_cast<int>(name.size()), name.data()));
-    return 0;
+    return kReadFailed;
   }
-  const std::uint32_t count =
-      stream_->start(entry, index, name, reader_->labels().size(), readSpecials_);
+  try {
+    stream_->start(entry, index, name, reader_->labels().size(), reader_->texts().size(),
+                   readSpecials_);
+  } catch (...) {
+    readFailed_ = true;
+    takeException();
+    return kReadFailed;
+  }
   started = true;
-  return static_cast<int>(count);
+  return static_cast<int>(entry.recordCount);
 }
 
 bool RxfObject::readOn(int* keys, double* values, int* firstChanged) {
-  if (!reading("reading a record")) return false;
-  if (!stream_->open()) return recordOrder("reading a record without a start");
-  return stream_->refill() && piece_->take(keys, values, firstChanged);
+  if (!readFailed_) {
+    if (!reading("reading a record")) return false;
+    if (!stream_->open()) return recordOrder("reading a record without a start");
+    try {
+      return stream_->refill() && piece_->take(keys, values, firstChanged);
+    } catch (...) {
+      readFailed_ = true;
+      takeException();
+    }
+  }
+  *firstChanged = kReadFailed;
+  return false;
 }
 
 bool RxfObject::finishReading() {
+  if (readFailed_) {
+    readFailed_ = false;
+    return true;
+  }
   if (!reading("end of reading")) return false;
   if (!stream_->open()) return recordOrder("end of reading without a start");
   stream_->stop();

@@ -57,15 +57,23 @@ class RxfObject {
   int labelCount();
   bool label(int number, char* label);
 
-  // Begins with a symbol and returns how many records read() will deliver.
+  // What stands for a number of records, or for a first changed position, when not all records of
+  // the symbol can be delivered.
+  static constexpr int kReadFailed = -1;
+
+  // Begins with a symbol, all of whose records have been verified then, and returns how many read()
+  // will deliver; kReadFailed, with `started` as it was, when there is no such symbol or it is not
+  // whole.
   int startReading(int number, bool& started);
-  // Delivers the next record (see RecordPiece). False, with nothing written, when there is none.
+  // Delivers the next record (see RecordPiece). False, with nothing written, when there is none;
+  // false with kReadFailed as first changed position from the failure on, which is in the log once.
   // REQUIRES: no argument is null.
   bool read(int* keys, double* values, int* firstChanged) {
     if (piece_ != nullptr && piece_->take(keys, values, firstChanged)) [[likely]]
       return true;
     return readOn(keys, values, firstChanged);
   }
+  // Ends reading, also one that failed.
   bool finishReading();
 
   // The file that is written.
@@ -104,6 +112,8 @@ class RxfObject {
   ErrorLog log_;
   SpecialTable writeSpecials_;
   SpecialTable readSpecials_;
+  // A read failed and its end has not been called.
+  bool readFailed_ = false;
   std::unique_ptr<RxfReader> reader_;
   // Of the file that is read; there with the reader.
   std::unique_ptr<RecordStream> stream_;

@@ -37,7 +37,13 @@ void RxfReader::readTables() {
     if (labels_.add(label) == 0) throw Malformed(DetailText("label stands twice"));
   });
   TableReader texts(file_, decompressor, kTextKind, "text");
-  texts.read(header_.texts, header_.textCount, [&](ByteReader& in) { texts_.add(takeText(in)); });
+  texts.read(header_.texts, header_.textCount, [&](ByteReader& in) {
+    const std::string_view text = takeText(in);
+    // Callers keep texts in a list that folds case and begins with the empty one, so a twin would
+    // shift the numbers of all behind it.
+    if (text.empty()) throw Malformed(DetailText("text is empty"));
+    if (texts_.add(text) == 0) throw Malformed(DetailText("text stands twice"));
+  });
   TableReader symbols(file_, decompressor, kSymbolKind, "symbol");
   symbols.read(header_.symbols, header_.symbolCount,
                [&](ByteReader& in) { symbols_.decodeNext(in, header_); });

@@ -10,7 +10,6 @@
 #include "providers/rxf/file_header.h"
 #include "providers/rxf/input_file.h"
 #include "providers/rxf/name_list.h"
-#include "providers/rxf/string_table.h"
 #include "providers/rxf/symbol_directory.h"
 
 namespace rxffile {
@@ -24,7 +23,7 @@ class RxfReader {
   [[nodiscard]] const InputFile& file() const { return file_; }
   [[nodiscard]] const std::string& producer() const { return producer_; }
   [[nodiscard]] const NameList& labels() const { return labels_; }
-  [[nodiscard]] const StringTable& texts() const { return texts_; }
+  [[nodiscard]] const NameList& texts() const { return texts_; }
   [[nodiscard]] const SymbolDirectory& symbols() const { return symbols_; }
 
  private:
@@ -34,7 +33,7 @@ class RxfReader {
   FileHeader header_;
   std::string producer_;
   NameList labels_;
-  StringTable texts_;
+  NameList texts_;
   SymbolDirectory symbols_;
 };
 

@@ -1,5 +1,8 @@
 #include "providers/rxf/rxf_writer.h"
 
+#include <algorithm>
+#include <cmath>
+#include <limits>
 #include <utility>
 
 #include "providers/rxf/checksum.h"
@@ -69,6 +72,12 @@ std::uint32_t RxfWriter::addText(std::string_view text) {
     const bool tooLong = text.size() > kMaxTextLength;
     refuse(tooLong ? ErrorNumber::textTooLong : ErrorNumber::limitExceeded,
            DetailText("set text %u, >%.*s<", texts_.size() + 1, shownLength(text), text.data()));
+    return 0;
+  }
+  if (text.empty() || texts_.find(text) != 0) {
+    withheld_ = true;
+    refuse(ErrorNumber::textTwice, DetailText("set text %u, >%.*s<, as text %u", texts_.size() + 1,
+                                              shownLength(text), text.data(), texts_.find(text)));
     return 0;
   }
   change();
@@ -210,6 +219,14 @@ bool RxfWriter::setDomainNames(int number, const char* const* names) {
 
 void RxfWriter::seal() {
   if (stage_ != Stage::between || sealed_ || withheld_) return;
+  if (farthestText_.textsNeeded > texts_.size()) {
+    withheld_ = true;
+    const std::string_view set = symbols_.name(farthestText_.symbol);
+    refuse(ErrorNumber::textUnknown,
+           DetailText("a record of set %.*s names text %g, there are %u", shownLength(set),
+                      set.data(), farthestText_.value, texts_.size()));
+    return;
+  }
   dataEnd_ = file_.position();
   FileHeader header;
   header.labelCount = labels_.size();
@@ -265,6 +282,7 @@ void RxfWriter::writeBlock() {
   if (entry.type == kTypeSet && entry.dim == 1) {
     members_[number_].add(block_.keyColumn(0), block_.count());
   }
+  if (entry.type == kTypeSet) noteTextNumbers();
   const SpecialTable* specials = entry.type == kTypeSet ? nullptr : &specials_;
   const Bytes& body = encoder_.encode(block_, specials, compressor_);
   FrameHead head;
@@ -278,6 +296,16 @@ void RxfWriter::writeBlock() {
   file_.append(bytes.data(), bytes.size());
   file_.append(body.data(), body.size());
   block_.clear();
+}
+
+void RxfWriter::noteTextNumbers() {
+  const double* values = block_.valueColumn(0);
+  for (std::uint32_t i = 0; i < block_.count(); ++i) {
+    const double value = values[i];
+    const bool isNumber = value >= 0 && value <= kMaxCount && value == std::trunc(value);
+    const double needed = isNumber ? value : std::numeric_limits<double>::infinity();
+    if (needed > farthestText_.textsNeeded) farthestText_ = {number_, value, needed};
+  }
 }
 
 bool RxfWriter::expect(Stage stage, const char* what) {

@@ -23,7 +23,6 @@
 #include "providers/rxf/record_block.h"
 #include "providers/rxf/special_table.h"
 #include "providers/rxf/strict_domain.h"
-#include "providers/rxf/string_table.h"
 #include "providers/rxf/symbol_directory.h"
 #include "providers/rxf/zstd_codec.h"
 
@@ -41,7 +40,8 @@ class RxfWriter {
   bool addLabel(std::string_view label);
   bool finishLabels();
 
-  // Number of the new text, 0 when it is refused.
+  // Number of the new text, 0 when it is refused: too long, empty, or there already in whatever
+  // case. The texts that set records name are to be there when the file is sealed.
   std::uint32_t addText(std::string_view text);
 
   // `target` is a set or an alias written before, or "*".
@@ -114,6 +114,7 @@ class RxfWriter {
   bool refuseDomain(ErrorNumber number, const DetailText& detail);
   void change();
   void writeBlock();
+  void noteTextNumbers();
 
   ErrorLog& log_;
   OutputFile file_;
@@ -125,9 +126,16 @@ class RxfWriter {
   std::uint64_t dataEnd_ = 0;
 
   NameList labels_;
-  StringTable texts_;
+  NameList texts_;
   SymbolDirectory symbols_;
   std::unordered_map<std::uint32_t, LabelSet> members_;
+  // The set record that needs the most texts: any number of them when it names none by a number.
+  struct NamedText {
+    std::uint32_t symbol = 0;
+    double value = 0;
+    double textsNeeded = 0;
+  };
+  NamedText farthestText_;
 
   // The open symbol.
   RecordBlock block_;

@@ -94,6 +94,25 @@ void ValueDecoder::readNumbers(std::size_t from, std::size_t count, std::uint32_
   }
 }
 
+void ValueDecoder::verifyTextNumbers(std::uint32_t count, std::uint32_t textCount) {
+  if (marks_ != nullptr) throw Malformed(DetailText("a set has special values"));
+  const SpecialTable unused;
+  std::array<double, kPieceRecords> values;
+  rewind();
+  for (std::size_t from = 0; from < count; from += kPieceRecords) {
+    const std::size_t piece = std::min<std::size_t>(kPieceRecords, count - from);
+    next(piece, unused, values.data());
+    for (std::size_t i = 0; i < piece; ++i) {
+      const bool inTable = values[i] >= 0 && values[i] <= textCount;
+      if (inTable && static_cast<double>(static_cast<std::uint32_t>(values[i])) == values[i]) {
+        continue;
+      }
+      throw Malformed(DetailText("record %zu names text %g, there are %u", from + i + 1, values[i],
+                                 textCount));
+    }
+  }
+}
+
 void ValueDecoder::rewind() {
   at_ = 0;
 }

@@ -21,6 +21,10 @@ class ValueDecoder {
   // `arena` and the input are to stay as long as the decoder is used.
   void parse(ByteReader& in, std::uint32_t count, Decompressor& decompressor, Arena& arena);
 
+  // Goes through the values of `count` records of a set: afterwards each is known to be a text
+  // number, 0 to textCount. Throws Malformed. REQUIRES: parse().
+  void verifyTextNumbers(std::uint32_t count, std::uint32_t textCount);
+
   // Back to the first record.
   void rewind();
 
