@@ -158,8 +158,9 @@ void RxfWriter::recordDomainNames(const AbstractZTBSymbol& symbol, int position)
   }
 }
 
-// The number of the text that a set record shows. A record may hold the number of another database's
-// text, or any number at all, and then shows the empty text; a file names no text that it has not.
+// The number of the text that a set record shows. A record may hold the number of another
+// database's text, or any number at all, and then shows the empty text; a file names no text that
+// it has not.
 double RxfWriter::textNumberInFile(double level) const {
   return level >= 1.0 && level < db_.textPool.size() ? std::trunc(level) : 0.0;
 }

@@ -80,8 +80,7 @@ void InputFile::read(std::uint64_t offset, void* data, std::size_t size, const c
     const ssize_t got = calls_.pread(fd_, to, size, static_cast<off_t>(offset));
     if (got < 0) {
       if (errno == EINTR) continue;
-      throw Failure(ErrorNumber::readFailed,
-                    DetailText("%s: %s", place, std::strerror(errno)));
+      throw Failure(ErrorNumber::readFailed, DetailText("%s: %s", place, std::strerror(errno)));
     }
     if (got == 0) {
       throw Failure(ErrorNumber::cutShort,

@@ -1,4 +1,5 @@
-// A numbered list of names, labels or texts that are distinct under ASCII case folding, with lookup.
+// A numbered list of names, labels or texts that are distinct under ASCII case folding, with
+// lookup.
 #ifndef ZTB_PROVIDERS_RXF_NAME_LIST_H_
 #define ZTB_PROVIDERS_RXF_NAME_LIST_H_
 

@@ -29,10 +29,10 @@ class RecordStream {
  public:
   explicit RecordStream(const InputFile& file) : reader_(file, decompressor_) {}
 
-  // Begins with a symbol, all of whose records are known to be right afterwards. `labelCount` bounds
-  // the keys and `textCount` a set's text numbers; special values are delivered as `specials` has
-  // them. `entry` is to stay until stop(). Failures: damaged, changed, cutShort, readFailed; nothing
-  // is open then.
+  // Begins with a symbol, all of whose records are known to be right afterwards. `labelCount`
+  // bounds the keys and `textCount` a set's text numbers; special values are delivered as
+  // `specials` has them. `entry` is to stay until stop(). Failures: damaged, changed, cutShort,
+  // readFailed; nothing is open then.
   void start(const SymbolEntry& entry, std::uint32_t number, std::string_view name,
              std::uint32_t labelCount, std::uint32_t textCount, const SpecialTable& specials);
 

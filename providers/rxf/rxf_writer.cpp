@@ -266,6 +266,7 @@ bool RxfWriter::close() {
   if (stage_ == Stage::abandoned || withheld_) return false;
   if (stage_ != Stage::between) return refuseOrder("closing with a symbol or the labels open");
   seal();
+  if (withheld_) return false;
   if (!file_.published()) file_.publish();
   return true;
 }

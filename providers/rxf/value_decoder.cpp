@@ -107,8 +107,8 @@ void ValueDecoder::verifyTextNumbers(std::uint32_t count, std::uint32_t textCoun
       if (inTable && static_cast<double>(static_cast<std::uint32_t>(values[i])) == values[i]) {
         continue;
       }
-      throw Malformed(DetailText("record %zu names text %g, there are %u", from + i + 1, values[i],
-                                 textCount));
+      throw Malformed(
+          DetailText("record %zu names text %g, there are %u", from + i + 1, values[i], textCount));
     }
   }
 }

@@ -15,7 +15,7 @@ Content smallContent() {
   const double infinity = std::numeric_limits<double>::infinity();
   Content content;
   content.labels = {"wheat", "corn", "rice", "", "it's", "north", "south"};
-  content.texts = {"Wheat flour", "", "say \"it\"", "Wheat flour"};
+  content.texts = {"Wheat flour", "Bulgur", "say \"it\"", "Flour of wheat"};
   Symbol grain{"grain", kSet, 1, 0, "grains \xC3\xA9", {}, 0, {}, ""};
   grain.records = {record({1}, {1}), record({2}, {0}), record({3}, {4})};
   Symbol place{"place", kSet, 1, 0, "", {}, 2, {"anywhere"}, ""};

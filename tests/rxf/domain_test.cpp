@@ -21,8 +21,8 @@ class Domain : public testing::Test {
     for (const char* label : {"a", "b", "c", "d"}) file_.addLabel(label);
     file_.finishLabels();
     file_.startWriting("i", "", 1, kSet, 0);
-    write({1});
-    write({3});
+    write({1}, 0);
+    write({3}, 0);
     file_.finishWriting();
     file_.addAlias("ii", "i");
     file_.startWriting("ij", "", 2, kSet, 0);
@@ -33,8 +33,7 @@ class Domain : public testing::Test {
     ASSERT_EQ(file_.errorCount(), 0);
   }
 
-  bool write(const std::vector<int>& keys) {
-    const double value = 1;
+  bool write(const std::vector<int>& keys, double value = 1) {
     return file_.write(keys.data(), &value);
   }
 

@@ -65,7 +65,7 @@ TEST(ErrorLog, anUnknownNumberIsNamed) {
 }
 
 TEST(ErrorTable, aNumberKeepsItsText) {
-  const std::array<const char*, 34> texts = {
+  const std::array<const char*, 37> texts = {
       "No such file",
       "No permission",
       "Is a folder",
@@ -100,6 +100,9 @@ TEST(ErrorTable, aNumberKeepsItsText) {
       "An alias has no records of its own",
       "Out of memory",
       "Internal error",
+      "File was changed while it was open",
+      "Text stands twice",
+      "Text not in the table",
   };
   int number = 0;
   for (const char* text : texts) {

@@ -69,7 +69,7 @@ TEST_F(ReadOrder, nothingIsReadBeyondTheLastRecord) {
 TEST_F(ReadOrder, anUnknownSymbolHasNoRecords) {
   for (const int number : {0, 10, -1}) {
     bool started = true;
-    EXPECT_EQ(file_.startReading(number, started), 0);
+    EXPECT_EQ(file_.startReading(number, started), -1);
     EXPECT_FALSE(started);
     EXPECT_EQ(file_.takeLastError(), 30);
     EXPECT_EQ(file_.errorText(30),
@@ -79,7 +79,7 @@ TEST_F(ReadOrder, anUnknownSymbolHasNoRecords) {
 
 TEST_F(ReadOrder, anAliasHasNoRecordsOfItsOwn) {
   bool started = true;
-  EXPECT_EQ(file_.startReading(3, started), 0);
+  EXPECT_EQ(file_.startReading(3, started), -1);
   EXPECT_FALSE(started);
   EXPECT_EQ(file_.takeLastError(), 32);
   EXPECT_EQ(file_.errorText(32), "An alias has no records of its own: g");

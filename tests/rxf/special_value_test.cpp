@@ -38,6 +38,7 @@ void write(const std::string& path, const Table& table, int type,
     const std::size_t slots = type < kVariable ? 1 : 5;
     symbol.records.push_back({{static_cast<int>(i) + 1}, std::vector(slots, bits[i])});
   }
+  content.texts = {"text 1"};
   content.symbols.push_back(symbol);
   writeContent(file, content);
   ASSERT_EQ(file.errorCount(), 0);
@@ -127,8 +128,12 @@ TEST(SpecialValues, aValueOutsideTheWritersTableKeepsItsBitsEvenIfItIsInTheReade
 
 TEST(SpecialValues, aSetsTextNumberIsNeverSpecial) {
   const TempFolder folder;
-  const std::vector<std::uint64_t> bits = {kMine[0], kMine[4]};
-  write(folder.file("x"), kMine, kSet, bits);
+  // Tables in which text numbers 0 and 1 stand for special values.
+  Table numbers = kMine;
+  numbers[0] = std::bit_cast<std::uint64_t>(0.0);
+  numbers[4] = std::bit_cast<std::uint64_t>(1.0);
+  const std::vector<std::uint64_t> bits = {numbers[0], numbers[4]};
+  write(folder.file("x"), numbers, kSet, bits);
   EXPECT_EQ(read(folder.file("x"), kOther), bits);
 }
 

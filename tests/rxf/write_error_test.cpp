@@ -4,6 +4,8 @@
 #include <unistd.h>
 
 #include <array>
+#include <cstdio>
+#include <limits>
 
 #include "tests/rxf/content.h"
 #include "tests/rxf/peer_file.h"
@@ -201,6 +203,47 @@ TEST_F(WriteError, aFileWithARefusedTextIsNotPublished) {
   EXPECT_TRUE(folder_.names().empty());
 }
 
+TEST_F(WriteError, aFileWithATextThatStandsTwiceIsNotPublished) {
+  ASSERT_EQ(file_.addText("Wheat"), 1);
+  EXPECT_EQ(file_.addText("wHEAT"), 0);
+  expectOnlyError(36, "Text stands twice: set text 2, >wHEAT<, as text 1");
+  EXPECT_NE(file_.close(), 0);
+  EXPECT_TRUE(folder_.names().empty());
+}
+
+TEST_F(WriteError, anEmptyTextStandsTwiceSinceItIsNumber0) {
+  EXPECT_EQ(file_.addText(""), 0);
+  expectOnlyError(36, "Text stands twice: set text 1, ><, as text 0");
+  EXPECT_NE(file_.close(), 0);
+  EXPECT_TRUE(folder_.names().empty());
+}
+
+TEST_F(WriteError, aSetThatNamesATextThatIsNotThereIsNotPublished) {
+  for (const double value : {3.0, 2.5, -1.0, std::numeric_limits<double>::quiet_NaN()}) {
+    PeerFile file;
+    ASSERT_EQ(file.openWrite(folder_.file("y.rxf")), 0);
+    file.startLabels();
+    file.addLabel("a");
+    file.finishLabels();
+    const int key = 1;
+    file.startWriting("i", "", 1, kSet, 0);
+    EXPECT_TRUE(file.write(&key, &value));
+    file.finishWriting();
+    file.addText("one");
+    file.addText("two");
+    EXPECT_EQ(file.errorCount(), 1);
+    EXPECT_EQ(file.takeLastError(), 37);
+    std::array<char, 256> number{};
+    std::snprintf(number.data(), number.size(), "%g", value);
+    EXPECT_EQ(file.errorText(37),
+              std::string("Text not in the table: a record of set i names text ") + number.data() +
+                  ", there are 2");
+    EXPECT_NE(file.close(), 0);
+  }
+  file_.close();
+  EXPECT_EQ(folder_.names(), std::vector<std::string>{"x.rxf"});
+}
+
 TEST_F(WriteError, callsOutOfOrderAreRefusedAndTheFileIsNotPublished) {
   const auto expectOrder = [&](bool result, const std::string& what) {
     EXPECT_FALSE(result) << what;
@@ -232,12 +275,13 @@ TEST_F(WriteError, questionsAndDomainsOutOfOrderAreHarmless) {
   expectOrder(file_.setDomain(nullptr), "domain without a symbol");
   expectOrder(file_.findSymbol("p") != 0, "looking for a symbol");
   bool started = false;
-  expectOrder(file_.startReading(1, started) != 0, "start of reading");
+  expectOrder(file_.startReading(1, started) != -1, "start of reading");
   expectOrder(file_.openRead(path_) == 0, "opening with a file open");
   file_.startWriting("p", "", 1, kSet, 0);
   write({2});
   expectOrder(file_.setDomain(nullptr), "domain behind the records of a symbol");
   file_.finishWriting();
+  file_.addText("t");
   EXPECT_EQ(records(), (std::vector<Record>{record({2}, {1})}));
 }
 
