@@ -246,7 +246,7 @@ bool ZTB::allReadable() {
 
 bool ZTB::loadAllSymbols() {
   return symbols.forEach([this](AbstractZTBSymbol* symbol) {
-    return symbol->loaded || symbol->type == dmap::typeAlias || ensureLoaded(*symbol);
+    return symbol->type == dmap::typeAlias || ensureLoaded(*symbol);
   });
 }
 

@@ -268,7 +268,7 @@ SCRIPTED_EXPORT int C__rxfUMUelGet(void* rxf, int number, char* label, int* map)
 
 SCRIPTED_EXPORT int C__rxfDataReadRawStart(void* rxf, int symbolNumber, int* recordCount) {
   Call call(rxf, "rxfDataReadRawStart", argument(symbolNumber));
-  *recordCount = 0;
+  *recordCount = std::min(call.failure().value_or(0), 0);
   if (call.failure()) return *call.failure();
   Object& object = call.object();
   if (symbolNumber < 1) return 0;
@@ -280,7 +280,10 @@ SCRIPTED_EXPORT int C__rxfDataReadRawStart(void* rxf, int symbolNumber, int* rec
 
 SCRIPTED_EXPORT int C__rxfDataReadRaw(void* rxf, int* keys, double* values, int* firstChanged) {
   Call call(rxf, "rxfDataReadRaw");
-  if (call.failure()) return *call.failure();
+  if (call.failure()) {
+    if (*call.failure() < 0) *firstChanged = *call.failure();
+    return *call.failure();
+  }
   Object& object = call.object();
   if (object.source == nullptr || object.nextRecord >= object.source->records.size()) return 0;
   const Record& record = object.source->records[object.nextRecord];

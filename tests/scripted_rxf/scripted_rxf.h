@@ -49,8 +49,9 @@ SCRIPTED_EXPORT int scriptedObjects(void);
 SCRIPTED_EXPORT void scriptedReset(void);
 
 /* After `afterCalls` further calls of `operation` on any object, one call fails: it does nothing
- * but give `result`. For rxfOpenRead and rxfOpenWrite `result` is the error number that goes out.
- * Plans add up; each is used once. */
+ * but give `result`. For rxfOpenRead and rxfOpenWrite `result` is the error number that goes out. A
+ * negative `result` of rxfDataReadRawStart and rxfDataReadRaw goes out as record count and as first
+ * changed index, too. Plans add up; each is used once. */
 SCRIPTED_EXPORT void scriptedFail(const char* operation, int afterCalls, int result);
 
 /* After `afterCalls` further calls of `operation`, one call counts an error with this number and
