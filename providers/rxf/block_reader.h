@@ -46,9 +46,9 @@ class BlockReader {
 
   // Reads the next block into `block` and verifies all of it, also that its records come behind
   // those of the whole block before. Throws Malformed when it is damaged, and Failure when the file
-  // cannot be read or was changed since it was opened, after which the block can be asked for again;
-  // after Malformed the next call is for the block behind; when the length of the damaged one is
-  // not known there is none, and lost() holds. REQUIRES: not atEnd().
+  // cannot be read or was changed since it was opened, after which the block can be asked for
+  // again; after Malformed the next call is for the block behind; when the length of the damaged
+  // one is not known there is none, and lost() holds. REQUIRES: not atEnd().
   void next(DecodedBlock& block);
 
   // Whether the blocks behind the damaged one cannot be found.

@@ -259,7 +259,7 @@ void RxfWriter::seal() {
 void RxfWriter::publish() {
   if (stage_ != Stage::between || !labelled_ || withheld_ || file_.published()) return;
   seal();
-  file_.publish();
+  if (!withheld_) file_.publish();
 }
 
 bool RxfWriter::close() {
