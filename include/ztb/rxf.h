@@ -100,6 +100,14 @@ const char* ztbRxfDomain(const ztbRxfFile* file, int symbol, int position);
  * ZTB_STORAGE_VECTOR or ZTB_STORAGE_TRIE. */
 unsigned long long ztbRxfMemory(const ztbRxfFile* file, int symbol, int store);
 
+/* Sets how many bytes the records of an exchange file may take in a database. The limit holds for
+ * the databases that the calling thread opens from then on, each for itself; 0, the default, is
+ * none. A symbol whose records would go beyond it, by the estimate of ztbRxfMemory for the tree map
+ * and with what was read before, cannot be read: "Limit exceeded: its 33554432 records need about
+ * 2.1 GB in memory, the limit is 1 GB". Nothing has been taken then. What passes from file to file
+ * when an unread symbol is written is not counted, nor is what is read by the functions here. */
+void ztbRxfMemoryLimit(unsigned long long bytes);
+
 /* Begins to read the records of a symbol; those of an alias are its set's. 1, or 0 with the reason
  * in `message` and *records null. Several may be read at once. */
 int ztbRxfRecordsOpen(ztbRxfRecords** records, ztbRxfFile* file, int symbol, char* message,

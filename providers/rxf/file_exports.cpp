@@ -13,6 +13,7 @@
 #include "providers/rxf/column_reader.h"
 #include "providers/rxf/failure.h"
 #include "providers/rxf/memory_estimate.h"
+#include "providers/rxf/memory_limit.h"
 #include "providers/rxf/message_text.h"
 #include "providers/rxf/names.h"
 #include "providers/rxf/rxf_reader.h"
@@ -213,6 +214,10 @@ RXF_EXPORT const char* ztbRxfDomain(const ztbRxfFile* file, int symbol, int posi
   const SymbolEntry* entry = entryOf(file, symbol);
   if (entry == nullptr || entry->domains.empty()) return "*";
   return entry->domains[static_cast<std::size_t>(position)].c_str();
+}
+
+RXF_EXPORT void ztbRxfMemoryLimit(unsigned long long bytes) {
+  rxffile::MemoryLimit::setForThread(bytes);
 }
 
 RXF_EXPORT unsigned long long ztbRxfMemory(const ztbRxfFile* file, int symbol, int store) {

@@ -65,6 +65,7 @@ int RxfObject::openRead(const char* fileName) {
     auto reader = std::make_unique<RxfReader>(calls_, fileName);
     stream_ = std::make_unique<RecordStream>(reader->file());
     reader_ = std::move(reader);
+    memoryLimit_ = MemoryLimit();
     piece_ = &stream_->piece();
   });
 }
@@ -83,6 +84,7 @@ int RxfObject::recordOpening(ErrorNumber number, const DetailText& detail) {
 int RxfObject::close() {
   piece_ = nullptr;
   readFailed_ = false;
+  symbolWriting_.reset();
   stream_.reset();
   reader_.reset();
   if (writer_ == nullptr) return 0;
@@ -223,6 +225,7 @@ int RxfObject::startReading(int number, bool& started) {
     return kReadFailed;
   }
   try {
+    memoryLimit_.count(index, entry);
     stream_->start(entry, index, name, reader_->labels().size(), reader_->texts().size(),
                    readSpecials_);
   } catch (...) {
@@ -273,8 +276,12 @@ int RxfObject::addText(const char* text) {
 }
 
 bool RxfObject::startWriting(const char* name, const char* text, int dim, int type, int userInfo) {
-  return writing("start of a symbol") &&
-         writer_->startSymbol(viewOf(name), viewOf(text), dim, type, userInfo, writeSpecials_);
+  if (!writing("start of a symbol") ||
+      !writer_->startSymbol(viewOf(name), viewOf(text), dim, type, userInfo, writeSpecials_)) {
+    return false;
+  }
+  symbolWriting_.emplace();
+  return true;
 }
 
 bool RxfObject::setDomain(const char* const* names) {
@@ -287,6 +294,7 @@ bool RxfObject::setDomainNames(int number, const char* const* names) {
 
 void RxfObject::takeException() noexcept {
   if (writer_ != nullptr) writer_->abandon();
+  symbolWriting_.reset();
   if (stream_ != nullptr) stream_->stop();
   try {
     throw;

@@ -9,8 +9,10 @@
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <optional>
 
 #include "providers/rxf/error_log.h"
+#include "providers/rxf/memory_limit.h"
 #include "providers/rxf/record_stream.h"
 #include "providers/rxf/rxf_reader.h"
 #include "providers/rxf/rxf_writer.h"
@@ -63,7 +65,8 @@ class RxfObject {
 
   // Begins with a symbol, all of whose records have been verified then, and returns how many read()
   // will deliver; kReadFailed, with `started` as it was, when there is no such symbol or it is not
-  // whole.
+  // whole,
+  // or needs more memory than it may.
   int startReading(int number, bool& started);
   // Delivers the next record (see RecordPiece). False, with nothing written, when there is none;
   // false with kReadFailed as first changed position from the failure on, which is in the log once.
@@ -88,7 +91,10 @@ class RxfObject {
       return recordOrder("writing a record");
     return writer_->write(keys, values);
   }
-  bool finishWriting() { return writing("end of a symbol") && writer_->finishSymbol(); }
+  bool finishWriting() {
+    symbolWriting_.reset();
+    return writing("end of a symbol") && writer_->finishSymbol();
+  }
   bool setDomain(const char* const* names);
   bool setDomainNames(int number, const char* const* names);
 
@@ -117,7 +123,11 @@ class RxfObject {
   std::unique_ptr<RxfReader> reader_;
   // Of the file that is read; there with the reader.
   std::unique_ptr<RecordStream> stream_;
+  // Of the file that is read.
+  MemoryLimit memoryLimit_;
   std::unique_ptr<RxfWriter> writer_;
+  // There while a symbol is written.
+  std::optional<MemoryLimit::SymbolWriting> symbolWriting_;
   bool publishesAtCount_ = false;
 };
 

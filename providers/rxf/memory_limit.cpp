@@ -1,0 +1,61 @@
+#include "providers/rxf/memory_limit.h"
+
+#include <array>
+#include <cmath>
+
+#include "providers/rxf/failure.h"
+#include "providers/rxf/memory_estimate.h"
+
+namespace rxffile {
+
+namespace {
+
+thread_local std::uint64_t limitOfThread = 0;
+thread_local int symbolsBeingWritten = 0;
+
+// Bytes for people: "1 GB", "2.1 GB".
+DetailText sizeText(std::uint64_t bytes) {
+  constexpr std::array<const char*, 5> units = {"bytes", "kB", "MB", "GB", "TB"};
+  auto size = static_cast<double>(bytes);
+  std::size_t unit = 0;
+  for (; size >= 1000 && unit + 1 < units.size(); ++unit) size /= 1000;
+  const double rounded = std::round(size * 10) / 10;
+  return DetailText("%.*f %s", rounded == std::trunc(rounded) ? 0 : 1, rounded, units.at(unit));
+}
+
+}  // namespace
+
+void MemoryLimit::setForThread(std::uint64_t bytes) {
+  limitOfThread = bytes;
+}
+
+MemoryLimit::SymbolWriting::SymbolWriting() {
+  ++symbolsBeingWritten;
+}
+
+MemoryLimit::SymbolWriting::~SymbolWriting() {
+  --symbolsBeingWritten;
+}
+
+MemoryLimit::MemoryLimit() : limit_(limitOfThread) {}
+
+void MemoryLimit::count(std::uint32_t number, const SymbolEntry& entry) {
+  if (limit_ == 0 || symbolsBeingWritten > 0) return;
+  if (number >= counted_.size()) counted_.resize(number + 1);
+  if (counted_[number]) return;
+  const std::uint64_t needed =
+      memoryOfRecords(entry.recordCount, entry.dim, slotsOfType(entry.type), kStoreTreeMap);
+  if (needed > limit_ - used_) {
+    const DetailText before =
+        used_ == 0 ? DetailText()
+                   : DetailText(", what was read before about %s", sizeText(used_).c_str());
+    throw Failure(
+        ErrorNumber::limitExceeded,
+        DetailText("its %u records need about %s in memory%s, the limit is %s", entry.recordCount,
+                   sizeText(needed).c_str(), before.c_str(), sizeText(limit_).c_str()));
+  }
+  counted_[number] = true;
+  used_ += needed;
+}
+
+}  // namespace rxffile
