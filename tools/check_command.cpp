@@ -99,7 +99,7 @@ std::string checkFile(const std::string& path, std::optional<Progress>& progress
   }
   progress.reset();
   for (const std::string& problem : check.problems()) {
-    std::fputs((problem + "\n").c_str(), stderr);
+    printError(problem);
   }
   throw Failure(fmt::format("{}: {} found", path, counted(check.problems().size(), "problem")));
 }

@@ -1,10 +1,12 @@
 #include "tools/csv_writer.h"
 
 #include <fmt/format.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <cstring>
 #include <utility>
+#include <ztb/display_text.hpp>
 
 #include "tools/failure.h"
 
@@ -33,7 +35,10 @@ CsvWriter::CsvWriter(const std::string& path)
 }
 
 CsvWriter::CsvWriter(std::FILE* stream, std::string name)
-    : name_(std::move(name)), file_(stream), owned_(false) {}
+    : name_(std::move(name)),
+      file_(stream),
+      owned_(false),
+      spellsOut_(isatty(fileno(stream)) != 0) {}
 
 CsvWriter::~CsvWriter() {
   if (owned_ && file_ != nullptr) {
@@ -60,6 +65,10 @@ void CsvWriter::quoted(std::string_view text) {
 }
 
 void CsvWriter::field(std::string_view text) {
+  if (spellsOut_ && !ztb::isDisplayable(text)) {
+    const std::string shown = ztb::displayText(text);
+    return field(shown);
+  }
   separate();
   if (!text.empty() && needsQuotes(text)) {
     quoted(text);

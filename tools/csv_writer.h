@@ -15,7 +15,8 @@ class CsvWriter {
  public:
   // Makes or empties the file path. Throws Failure if that cannot be done.
   explicit CsvWriter(const std::string& path);
-  // Writes to a stream that stays the caller's; name is shown in messages.
+  // Writes to a stream that stays the caller's; name is shown in messages. To a terminal, fields
+  // come with control characters spelled out.
   CsvWriter(std::FILE* stream, std::string name);
   CsvWriter(const CsvWriter&) = delete;
   CsvWriter& operator=(const CsvWriter&) = delete;
@@ -38,6 +39,7 @@ class CsvWriter {
   std::string name_;
   std::FILE* file_;
   bool owned_;
+  bool spellsOut_ = false;
   bool recordEmpty_ = true;
   std::string pending_;
 };

@@ -16,7 +16,7 @@ using Json = nlohmann::ordered_json;
 Json jsonNumber(double value);
 
 // JSON as text, indented by indent blanks or on one line for -1. Bytes that are not UTF-8 become
-// U+FFFD.
+// U+FFFD; characters that could steer a terminal are escaped, which is the same to a program.
 std::string jsonText(const Json& json, int indent = -1);
 
 // What a symbol is: name, type, dimension, domains, text and the user information; for an alias the

@@ -5,6 +5,7 @@
 #include <exception>
 #include <string>
 #include <vector>
+#include <ztb/display_text.hpp>
 
 #include "tools/check_command.h"
 #include "tools/copy_command.h"
@@ -18,6 +19,7 @@
 #include "tools/show_command.h"
 #include "tools/solve_command.h"
 #include "tools/sweep_command.h"
+#include "tools/words.h"
 
 namespace {
 
@@ -65,20 +67,39 @@ int run(int argc, char** argv) {
   return status;
 }
 
-int fail(const char* text, int status) {
+// A message may quote an argument; one that would fill the screen is told by its beginning and its
+// length.
+std::string withShortArguments(std::string text, int argc, char** argv) {
+  for (int i = 1; i < argc; ++i) {
+    const std::string argument = ztb::displayText(argv[i]);
+    constexpr std::size_t longest = 1024;
+    if (argument.size() <= longest) continue;
+    const std::string shorter = tool::shortened(argv[i]);
+    for (std::size_t at = 0; (at = text.find(argument, at)) != std::string::npos;) {
+      text.replace(at, argument.size(), shorter);
+      at += shorter.size();
+    }
+  }
+  return text;
+}
+
+int fail(const std::string& text, int status) {
   std::fflush(stdout);
-  std::fprintf(stderr, "ztb: %s\n", text);
+  tool::printError("ztb: " + text);
   return status;
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
+  const auto textOf = [&](const std::exception& error) {
+    return withShortArguments(ztb::displayText(error.what()), argc, argv);
+  };
   try {
     return run(argc, argv);
   } catch (const tool::UsageError& error) {
-    return fail(error.what(), tool::exitUsage);
+    return fail(textOf(error), tool::exitUsage);
   } catch (const std::exception& error) {
-    return fail(error.what(), tool::exitFailed);
+    return fail(textOf(error), tool::exitFailed);
   }
 }

@@ -115,7 +115,7 @@ class ManifestReader {
   [[nodiscard]] std::string_view text(Column column) const { return reader_.fields()[column].text; }
   void problem(Column column, const std::string& reason) {
     problems_.add(reader_.path(), reader_.fields()[column].at,
-                  fmt::format("{}: '{}' {}", columnNames[column], text(column), reason));
+                  fmt::format("{}: {} {}", columnNames[column], inQuotes(text(column)), reason));
   }
 
   CsvReader reader_;

@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 
 #include <array>
-#include <cstdio>
 #include <optional>
 #include <utility>
 
@@ -11,6 +10,7 @@
 #include "tools/element_text.h"
 #include "tools/failure.h"
 #include "tools/number_text.h"
+#include "tools/output.h"
 
 namespace tool {
 
@@ -68,8 +68,8 @@ void ModelInput::applyFile(const std::string& file) {
       if (session_.drives(name)) {
         parameters.push_back(source);
       } else {
-        fmt::print(stderr, "ztb: {}: the model has no columns {}_var for parameter {}\n", file,
-                   name, name);
+        printError(fmt::format("ztb: {}: the model has no columns {}_var for parameter {}", file,
+                               name, name));
       }
       continue;
     }
@@ -77,7 +77,7 @@ void ModelInput::applyFile(const std::string& file) {
     if (target && target->type() == source.type() && target->dimension() == source.dimension()) {
       (source.type() == ztb::Type::variable ? variables : equations).emplace_back(source, *target);
     } else {
-      fmt::print(stderr, "ztb: {}: the model has no {} like it\n", file, signature(source));
+      printError(fmt::format("ztb: {}: the model has no {} like it", file, signature(source)));
     }
   }
   // The last update before a solve decides whether bounds that were set count; one of an equation
@@ -132,8 +132,9 @@ void ModelInput::applyField(const std::string& file, const ztb::Symbol& source,
 void ModelInput::reportUnmatched(const std::string& file, const ztb::Symbol& source,
                                  int count) const {
   if (count == 0) return;
-  fmt::print(stderr, "ztb: {}: {} of {} stand for nothing in the model\n", file,
-             count == 1 ? "1 record" : fmt::format("{} records", count), signature(source));
+  printError(fmt::format("ztb: {}: {} of {} stand for nothing in the model", file,
+                         count == 1 ? "1 record" : fmt::format("{} records", count),
+                         signature(source)));
 }
 
 void ModelInput::applySetting(const std::string& setting) {

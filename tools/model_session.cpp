@@ -2,12 +2,12 @@
 
 #include <fmt/format.h>
 
-#include <cstdio>
 #include <filesystem>
 #include <optional>
 #include <system_error>
 
 #include "tools/failure.h"
+#include "tools/output.h"
 
 namespace tool {
 
@@ -90,11 +90,10 @@ int ModelSession::applyParameter(const ztb::Symbol& parameter) {
 void ModelSession::reportNotes() const {
   const int count = model_.noteCount();
   for (int n = 0; n < count && n < kNotesShown; ++n) {
-    std::fprintf(stderr, "ztb: %s: %s\n", file_.c_str(), model_.note(n).c_str());
+    printError(fmt::format("ztb: {}: {}", file_, model_.note(n)));
   }
   if (count > kNotesShown) {
-    std::fprintf(stderr, "ztb: %s: %d more names had to be changed\n", file_.c_str(),
-                 count - kNotesShown);
+    printError(fmt::format("ztb: {}: {} more names had to be changed", file_, count - kNotesShown));
   }
 }
 

@@ -106,10 +106,10 @@ double parseNumber(std::string_view text, std::string& problem) {
   double value = 0;
   const auto [end, error] = std::from_chars(number.data(), number.data() + number.size(), value);
   if (error == std::errc::result_out_of_range) {
-    problem = fmt::format("'{}' is outside the range of a double", text);
+    problem = fmt::format("{} is outside the range of a double", inQuotes(text));
   } else if (error != std::errc{} || end != number.data() + number.size() ||
              !std::isfinite(value)) {
-    problem = fmt::format("'{}' is not a number", text);
+    problem = fmt::format("{} is not a number", inQuotes(text));
   }
   return value;
 }

@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <ztb/display_text.hpp>
+
 namespace tool {
 
 void ProblemList::add(const std::string& file, TextPosition at, const std::string& text) {
@@ -16,7 +18,7 @@ void ProblemList::add(const std::string& file, TextPosition at, const std::strin
   if (at.column > 0) {
     line += fmt::format(":{}", at.column);
   }
-  lines_.push_back(line + ": " + text);
+  lines_.push_back(ztb::displayText(line + ": " + text));
 }
 
 std::string ProblemList::report() const {

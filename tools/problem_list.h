@@ -21,7 +21,7 @@ class ProblemList {
  public:
   explicit ProblemList(std::size_t limit) : limit_(limit) {}
 
-  // Adds "FILE:LINE:COLUMN: TEXT", without the places that are 0.
+  // Adds "FILE:LINE:COLUMN: TEXT", without the places that are 0, fit for a terminal.
   void add(const std::string& file, TextPosition at, const std::string& text);
 
   [[nodiscard]] bool empty() const { return count_ == 0; }

@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <cstdio>
+#include <ztb/display_text.hpp>
 
 namespace tool {
 
@@ -39,7 +40,7 @@ Progress::~Progress() {
 
 void Progress::step(const std::string& text) {
   const std::lock_guard lock(mutex_);
-  text_ = text;
+  text_ = ztb::displayText(text);
   count(0);
 }
 

@@ -20,13 +20,13 @@ std::string labelProblem(std::string_view label) {
     return "a label cannot be blanks alone";
   }
   if (std::ranges::any_of(label, [](char c) { return static_cast<unsigned char>(c) < ' '; })) {
-    return fmt::format("label '{}' holds a control character", label);
+    return fmt::format("label {} holds a control character", inQuotes(label));
   }
   if (label.find('\'') != std::string_view::npos && label.find('"') != std::string_view::npos) {
-    return fmt::format("label >{}< holds both kinds of quote", label);
+    return fmt::format("label >{}< holds both kinds of quote", shortened(label));
   }
   if (trimmed.size() > ZTB_MAX_NAME_LENGTH) {
-    return fmt::format("label '{}' has {} characters, at most {} are allowed", trimmed,
+    return fmt::format("label {} has {} characters, at most {} are allowed", inQuotes(trimmed),
                        trimmed.size(), static_cast<int>(ZTB_MAX_NAME_LENGTH));
   }
   return {};
@@ -84,7 +84,7 @@ void RecordImport::readLabels(CsvReader& reader) {
     const int known = database_.labelCount();
     const std::optional<int> number = labelNumber(reader, 0);
     if (number && *number <= known) {
-      problem(reader, 0, fmt::format("label '{}' stands twice", reader.fields()[0].text));
+      problem(reader, 0, fmt::format("label {} stands twice", inQuotes(reader.fields()[0].text)));
     }
   }
 }
@@ -169,8 +169,8 @@ bool RecordImport::acceptText(const CsvReader& reader, const CsvField& field) {
   const auto [known, isNew] = texts_.try_emplace(folded(field.text), field.text);
   if (!isNew && known->second != field.text) {
     warnings_.add(reader.path(), field.at,
-                  fmt::format("warning: text '{}' is kept as '{}', its first spelling", field.text,
-                              known->second));
+                  fmt::format("warning: text {} is kept as {}, its first spelling",
+                              inQuotes(field.text), inQuotes(known->second)));
   }
   return true;
 }
@@ -242,10 +242,11 @@ void RecordImport::checkRecords(const CsvReader& reader, const ImportTarget& tar
     for (std::size_t record = 0; record < table.size(); ++record) {
       const auto number = static_cast<std::size_t>(table.keys(record)[position]);
       if (number >= labels.size() || !labels[number]) {
-        problems_.add(reader.path(), table.place(record, position),
-                      fmt::format("label '{}' (position {} of {}) is not in set {}",
-                                  database_.label(static_cast<int>(number)).view(), position + 1,
-                                  target.symbol.name().view(), domains[position].name.view()));
+        problems_.add(
+            reader.path(), table.place(record, position),
+            fmt::format("label {} (position {} of {}) is not in set {}",
+                        inQuotes(database_.label(static_cast<int>(number)).view()), position + 1,
+                        target.symbol.name().view(), domains[position].name.view()));
       }
     }
   }

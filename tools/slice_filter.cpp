@@ -30,8 +30,8 @@ SliceFilter::SliceFilter(const std::string& slice, const DataFile& file,
       }
     }
     if (!found && pattern.exact()) {
-      throw Failure(fmt::format("{}: no label '{}' (position {} of the slice)", file.path(),
-                                pattern.text, allowed_.size()));
+      throw Failure(fmt::format("{}: no label {} (position {} of the slice)", file.path(),
+                                inQuotes(pattern.text), allowed_.size()));
     }
   }
 }

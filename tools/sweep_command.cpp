@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cstdio>
 #include <filesystem>
 #include <memory>
 #include <set>
@@ -15,6 +14,7 @@
 
 #include "tools/failure.h"
 #include "tools/model_session.h"
+#include "tools/output.h"
 #include "tools/sweep_crew.h"
 #include "tools/sweep_inputs.h"
 #include "tools/sweep_lock.h"
@@ -183,8 +183,8 @@ class Sweep {
 
   void reportUnmatched(const std::set<std::string>& unmatched) const {
     for (const std::string& name : unmatched) {
-      std::fprintf(stderr, "ztb: %s: %s has records that meet no column %s_var of the model\n",
-                   options_.scenarios.c_str(), name.c_str(), name.c_str());
+      printError(fmt::format("ztb: {}: {} has records that meet no column {}_var of the model",
+                             options_.scenarios, name, name));
     }
   }
 

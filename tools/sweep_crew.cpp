@@ -3,10 +3,9 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cstdio>
 
 #include "tools/failure.h"
-#include "tools/table_printer.h"
+#include "tools/output.h"
 #include "tools/words.h"
 
 namespace tool {
@@ -126,8 +125,8 @@ void SweepCrew::afterDeath(Share& share, const std::string& how) {
     chosen.erase(chosen.begin() + static_cast<std::ptrdiff_t>(suspect));
     share.work.publishBefore.reset();
   } else {
-    std::fprintf(stderr, "ztb: scenario %s: %s; it is solved again\n",
-                 printable(scenarios_.scenarios()[place].label).c_str(), how.c_str());
+    printError(fmt::format("ztb: scenario {}: {}; it is solved again",
+                           scenarios_.scenarios()[place].label, how));
     share.work.publishBefore = suspect;
   }
   if (!chosen.empty()) {

@@ -3,8 +3,6 @@
 #include <fmt/format.h>
 #include <ztb/model.h>
 
-#include <cstdio>
-
 #include "tools/output.h"
 #include "tools/table_printer.h"
 #include "tools/words.h"
@@ -34,12 +32,11 @@ bool SweepSummary::reportUnsolved(const std::map<std::size_t, std::string>& reas
     } else if (result.solveStatus != ztbSolveNormal && result.solveStatus != ztbSolveFailed) {
       text += fmt::format(", {}", ztbModelSolveStatusText(result.solveStatus));
     }
-    std::fprintf(stderr, "ztb: scenario %s: %s\n", printable(scenarios_[place].label).c_str(),
-                 text.c_str());
+    printError(fmt::format("ztb: scenario {}: {}", scenarios_[place].label, text));
   }
   if (unsolved > kUnsolvedShown) {
-    std::fprintf(stderr, "ztb: %s without a solution, of which %zu are shown\n",
-                 counted(unsolved, "scenario").c_str(), kUnsolvedShown);
+    printError(fmt::format("ztb: {} without a solution, of which {} are shown",
+                           counted(unsolved, "scenario"), kUnsolvedShown));
   }
   return unsolved == 0;
 }

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <map>
 #include <optional>
+#include <ranges>
 
 #include "tools/csv_reader.h"
 #include "tools/failure.h"
@@ -74,10 +75,11 @@ class Header {
       found = matching([&](const std::string& other) { return sameFolded(other, name); });
     }
     if (found.size() != 1) {
-      problems_.add(reader_.path(), position_,
-                    fmt::format("{} '{}'; the columns are {}",
-                                found.empty() ? "no column" : "more than one column", name,
-                                fmt::join(names_, ", ")));
+      problems_.add(
+          reader_.path(), position_,
+          fmt::format("{} {}; the columns are {}",
+                      found.empty() ? "no column" : "more than one column", inQuotes(name),
+                      fmt::join(names_ | std::views::transform(shortened), ", ")));
       return 0;
     }
     return found.front();

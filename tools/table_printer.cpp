@@ -1,38 +1,12 @@
 #include "tools/table_printer.h"
 
-#include <fmt/format.h>
-
 #include <algorithm>
 
 namespace tool {
 
-namespace {
-
-bool isControl(char c) {
-  return static_cast<unsigned char>(c) < ' ' || c == '\x7F';
-}
-
-}  // namespace
-
 std::size_t displayWidth(std::string_view text) {
   return static_cast<std::size_t>(std::ranges::count_if(
       text, [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U; }));
-}
-
-std::string printable(std::string_view text) {
-  std::string result;
-  for (const char c : text) {
-    if (!isControl(c)) {
-      result += c;
-    } else if (c == '\n') {
-      result += "\\n";
-    } else if (c == '\t') {
-      result += "\\t";
-    } else {
-      result += fmt::format("\\x{:02x}", static_cast<unsigned char>(c));
-    }
-  }
-  return result;
 }
 
 void TablePrinter::addColumn(std::string_view header, Align align) {
@@ -44,7 +18,7 @@ void TablePrinter::measure(std::span<const std::string_view> cells) {
   for (std::size_t index = 0; index < cells.size(); ++index) {
     const std::string_view text = cells[index];
     const std::size_t width =
-        std::ranges::any_of(text, isControl) ? displayWidth(printable(text)) : displayWidth(text);
+        ztb::isDisplayable(text) ? displayWidth(text) : displayWidth(printable(text));
     columns_[index].width = std::max(columns_[index].width, width);
   }
 }
@@ -66,10 +40,10 @@ void TablePrinter::printRow(std::FILE* out, std::span<const std::string_view> ce
   line_.clear();
   for (std::size_t index = 0; index < cells.size(); ++index) {
     const bool last = index + 1 == cells.size();
-    if (std::ranges::any_of(cells[index], isControl)) {
-      appendCell(columns_[index], printable(cells[index]), last);
-    } else {
+    if (ztb::isDisplayable(cells[index])) {
       appendCell(columns_[index], cells[index], last);
+    } else {
+      appendCell(columns_[index], printable(cells[index]), last);
     }
   }
   line_.erase(line_.find_last_not_of(' ') + 1);

@@ -8,17 +8,21 @@
 #include <string>
 #include <string_view>
 #include <vector>
+#include <ztb/display_text.hpp>
 
 namespace tool {
 
 // Places that text takes on a terminal, each UTF-8 sequence counted as one.
 std::size_t displayWidth(std::string_view text);
 
-// text with control chars spelled as escapes, so that data cannot steer the terminal.
-std::string printable(std::string_view text);
+// text with whatever could steer the terminal spelled as escapes.
+inline std::string printable(std::string_view text) {
+  return ztb::displayText(text);
+}
 
 // A table whose rows are shown twice, first to measure and then to print, so that it takes no
-// memory for rows. Cells are separated by two blanks; a line does not end in blanks.
+// memory for rows. Control characters of cells are spelled out. Cells are separated by two blanks;
+// a line does not end in blanks.
 class TablePrinter {
  public:
   enum class Align { left, right };

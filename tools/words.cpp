@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <ztb/display_text.hpp>
 
 namespace tool {
 
@@ -12,6 +13,19 @@ constexpr std::array<std::string_view, 5> typeWords{"set", "parameter", "variabl
                                                     "alias"};
 
 constexpr std::array<std::string_view, 3> storeWords{"map", "vector", "trie"};
+
+// Texts that messages quote whole, and what they quote of longer ones.
+constexpr std::size_t longestWhole = 100;
+constexpr std::size_t bytesOfLonger = 40;
+
+// The beginning of a long text. It ends before a UTF-8 sequence that would not be whole.
+std::string beginningOf(std::string_view text) {
+  std::size_t end = bytesOfLonger;
+  for (int back = 0; back < 3 && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U; ++back) {
+    --end;
+  }
+  return ztb::displayText(text.substr(0, end)) + "...";
+}
 
 }  // namespace
 
@@ -55,6 +69,17 @@ std::optional<ztb::Store> storeOfWord(std::string_view word) {
     return std::nullopt;
   }
   return static_cast<ztb::Store>(found - storeWords.begin());
+}
+
+std::string shortened(std::string_view text) {
+  return text.size() <= longestWhole ? ztb::displayText(text)
+                                     : fmt::format("{} ({} bytes)", beginningOf(text), text.size());
+}
+
+std::string inQuotes(std::string_view text) {
+  return text.size() <= longestWhole
+             ? fmt::format("'{}'", ztb::displayText(text))
+             : fmt::format("'{}' ({} bytes)", beginningOf(text), text.size());
 }
 
 std::string counted(std::size_t count, std::string_view noun) {

@@ -35,6 +35,13 @@ std::optional<ztb::Store> storeOfWord(std::string_view word);
 inline constexpr std::array<std::string_view, ztb::fieldCount> fieldWords{
     "level", "marginal", "lower", "upper", "scale"};
 
+// The beginning of a text, fit for a terminal, with "..." and its length behind it, as in
+// "aaaa... (1048576 bytes)".
+std::string shortened(std::string_view text);
+
+// A text in single quotes, fit for a terminal; a long one as in "'aaaa...' (1048576 bytes)".
+std::string inQuotes(std::string_view text);
+
 // "1 record", "2 records".
 std::string counted(std::size_t count, std::string_view noun);
 

@@ -7,23 +7,29 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <ztb/display_text.hpp>
 #include <ztb/text.hpp>
 
 namespace ztb::inline client {
 
-// A failed operation: what() is the text that the library left, operation() the operation's name,
-// such as "ztbFindSymbol".
+// A failed operation: what() is the text that the library left, made fit for a terminal, text() the
+// same byte for byte, operation() the operation's name, such as "ztbFindSymbol".
 class Error : public std::runtime_error {
  public:
   // operation must be a string that lives as long as the program.
   Error(const char* operation, const std::string& text)
-      : std::runtime_error(text.empty() ? std::string(operation) + " failed without a reason"
-                                        : text),
-        operation_(operation) {}
+      : Error(operation,
+              std::runtime_error(text.empty() ? std::string(operation) + " failed without a reason"
+                                              : text)) {}
 
+  [[nodiscard]] const char* text() const noexcept { return text_.what(); }
   [[nodiscard]] const char* operation() const noexcept { return operation_; }
 
  private:
+  Error(const char* operation, const std::runtime_error& text)
+      : std::runtime_error(displayText(text.what())), text_(text), operation_(operation) {}
+
+  std::runtime_error text_;  // a string whose copies do not throw
   const char* operation_;
 };
 

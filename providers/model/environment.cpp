@@ -3,6 +3,8 @@
 #include <dlfcn.h>
 
 #include <cstdio>
+#include <new>
+#include <ztb/display_text.hpp>
 
 namespace lomu {
 
@@ -24,6 +26,15 @@ Environment::Environment() {
 }
 
 void Environment::log(std::string_view text) const noexcept {
+  std::string spelledOut;
+  if (!ztb::isDisplayable(text)) {
+    try {
+      spelledOut = ztb::displayText(text);
+    } catch (const std::bad_alloc&) {
+      return;
+    }
+    text = spelledOut;
+  }
   if (options_.number(OptionId::logScreen) != 0) {
     std::printf("%.*s\n", static_cast<int>(text.size()), text.data());
     std::fflush(stdout);

@@ -24,7 +24,8 @@ class Environment {
 
   Options& options() { return options_; }
 
-  // One line to the log file and the screen, as the options say. A log file that cannot be written
+  // One line to the log file and the screen, as the options say, with control characters of names
+  // and texts spelled out. A log file that cannot be written
   // is passed over: a solve does not fail for its log.
   void log(std::string_view text) const noexcept;
 

@@ -33,6 +33,15 @@ def test_refusals_carry_the_librarys_text(db):
         db["s"].add("a\nb")
 
 
+def test_texts_are_fit_for_a_terminal_and_the_exact_one_is_at_hand(db):
+    name = "\x1b[2J\udc9b\u202ex"
+    with pytest.raises(ztb.NotFoundError) as failure:
+        db[name]
+    assert str(failure.value) == "Cannot find symbol \\x1b[2J\\x9b<U+202E>x"
+    assert failure.value.text == f"Cannot find symbol {name}"
+    assert pickle.loads(pickle.dumps(failure.value)).text == failure.value.text
+
+
 def test_error_is_none_of_the_builtin_kinds_and_can_be_pickled():
     error = ztb.Error("text", "ztbFindSymbol")
     copy = pickle.loads(pickle.dumps(error))

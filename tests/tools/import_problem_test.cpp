@@ -49,7 +49,7 @@ TEST_F(ImportProblemTest, LabelsThatCannotBe) {
   expectProblems("i\n" + longLabel + "\n\"a\tb\"\n\"it's \"\"it\"\"\"\n   \n", {"--set", "i"},
                  "a.csv:2:1: i: label '" + longLabel +
                      "' has 64 characters, at most 63 are allowed\n"
-                     "a.csv:3:1: i: label 'a\tb' holds a control character\n"
+                     "a.csv:3:1: i: label 'a\\tb' holds a control character\n"
                      "a.csv:4:1: i: label >it's \"it\"< holds both kinds of quote\n"
                      "a.csv:5:1: i: a label cannot be blanks alone\n",
                  "4 problems");

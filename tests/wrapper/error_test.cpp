@@ -70,7 +70,7 @@ TEST(Error, NamesAControlCharacterInALabel) {
   ztb::Database database;
   ztb::Symbol p = database.addParameter("p", {"*"});
   static_cast<void>(database.findSymbol("q"));
-  const std::string text = "Label holds a control character >a\tb<";
+  const std::string text = "Label holds a control character >a\\tb<";
   expectError([&] { database.mergeLabel("a\tb"); }, "ztbMergeUel", text);
   expectError([&] { static_cast<void>(database.findLabel("a\tb")); }, "ztbFindUel", text);
   expectError([&] { p.add("a\tb"); }, "ztbAddRecord", text);

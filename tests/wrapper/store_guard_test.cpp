@@ -217,7 +217,7 @@ TEST(WrapperLabels, BlankAndEmptyOnesAreRefusedOnTheWayIn) {
   EXPECT_EQ(failure([&] { p.add("new", " "); }), "ztbAddRecord: Label is blank");
   EXPECT_EQ(failure([&] { p.merge("new", ""); }), "ztbMergeRecord: Label is empty");
   EXPECT_EQ(failure([&] { p.merge("new", "a\tb"); }),
-            "ztbMergeRecord: Label holds a control character >a\tb<");
+            "ztbMergeRecord: Label holds a control character >a\\tb<");
   EXPECT_EQ(database.labelCount(), 0);
   EXPECT_EQ(p.recordCount(), 0);
   EXPECT_FALSE(p.find(" ", "  "));

@@ -14,10 +14,12 @@
 namespace python {
 namespace {
 
-// Raises an exception class of the package, with the library's text and the operation's name.
+// Raises an exception class of the package, with the library's text, fit for a terminal and as it
+// is, and the operation's name.
 void raise(const char* className, const ztb::Error& error) {
   const py::object type = py::module_::import("ztb.errors").attr(className);
-  const py::object exception = type(toPython(error.what()), error.operation());
+  const py::object exception =
+      type(toPython(error.what()), error.operation(), toPython(error.text()));
   PyErr_SetObject(type.ptr(), exception.ptr());
 }
 
