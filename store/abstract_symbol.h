@@ -1,9 +1,10 @@
 // One named table of a database: a set, parameter, variable, equation or alias.
 //
 // The rest of the system holds pointers to this class only; `ZTBSymbol` implements it over each
-// record store. The records may be missing until the database loads them: every user of records
-// applies the database's rule of lazy loading first, and the class has no hook beyond `loaded` and
-// `unreadable`.
+// record store. `domainMembership` is a table by value, empty where there is none, and not a
+// pointer that someone has to free. The records may be missing until the database loads them: every
+// user of records applies the database's rule of lazy loading first, and the class has no hook
+// beyond `loaded` and `unreadable`.
 #ifndef ZTB_STORE_ABSTRACT_SYMBOL_H_
 #define ZTB_STORE_ABSTRACT_SYMBOL_H_
 
@@ -47,6 +48,8 @@ class AbstractZTBSymbol {
   AbstractZTBSymbol& operator=(const AbstractZTBSymbol&) = delete;
   virtual ~AbstractZTBSymbol() = default;
 
+  // Removes all records. Handles of before end here, and where records start anew or are released:
+  // what is asked of them throws std::logic_error.
   virtual void clearRecords() = 0;
   [[nodiscard]] virtual bool isEndPosition(const dmap::IDMapIterator& position) = 0;
   [[nodiscard]] virtual bool isEnd(AbstractZTBSymbolIterator& record) = 0;
@@ -72,8 +75,6 @@ class AbstractZTBSymbol {
 
   // The record with these keys, or null.
   virtual RecordHandle findRecord(const int* keys) = 0;
-  // Its value slots alone, or null; good until the symbol next changes.
-  virtual const double* findValues(const int* keys) = 0;
   // REQUIRES: the symbol is not empty. The same holds for `lastRecord`.
   virtual RecordHandle firstRecord() = 0;
   // First record that agrees with the mask (`dim` elements, 0 is free), or null; the handle then
@@ -87,8 +88,6 @@ class AbstractZTBSymbol {
   // Adds a record; one that exists is overwritten with `overwrite`, and kept without. Null when
   // the store gave nothing.
   virtual RecordHandle storeRecord(const int* keys, const double* values, bool overwrite) = 0;
-  // The same without a handle: whether the store took or had the record.
-  virtual bool putRecord(const int* keys, const double* values, bool overwrite) = 0;
   virtual void insertRecordAtPosition(const int* keys, const double* values) = 0;
   virtual RecordHandle lastRecord() = 0;
   virtual RecordHandle lastRecordInSlice(const int* mask) = 0;
@@ -101,12 +100,23 @@ class AbstractZTBSymbol {
   // Removes the record; the handle then stands on the one behind it. Throws std::logic_error when
   // the handle stands on no record.
   virtual void eraseRecord(AbstractZTBSymbolIterator& record) = 0;
-  // Inserts all records of a symbol on another store into this one, which is new.
-  virtual void takeRecords(AbstractZTBSymbol& source) = 0;
-  // Leaves the symbol without records and without memory for them.
-  virtual void releaseRecords() = 0;
   // Appends all records of another symbol; those that are here stay.
   virtual void assignRecords(AbstractZTBSymbol& other) = 0;
+
+  // Operations of our own.
+
+  // The value slots of the record with these keys, or null; good until the symbol next changes.
+  virtual const double* findValues(const int* keys) = 0;
+  // `storeRecord` without a handle: whether the store took or had the record.
+  virtual bool putRecord(const int* keys, const double* values, bool overwrite) = 0;
+  // Inserts all records of a symbol on another store into this one, which is new.
+  virtual void takeRecords(AbstractZTBSymbol& source) = 0;
+  // Leaves the symbol without records, for others that take their place: whatever comes next is
+  // all that it holds, on every store. `clearRecords` leaves a trie with its last record to compare
+  // with, and the record of a scalar there.
+  virtual void startRecordsAnew() = 0;
+  // Leaves the symbol without records and without memory for them.
+  virtual void releaseRecords() = 0;
 
   // Whether a record breaks a domain, at some position or at one: the position's domain set has a
   // membership table, and the record's label has no rank in it.
@@ -134,6 +144,7 @@ class AbstractZTBSymbol {
   AbstractZTBSymbol* aliasTarget;  // the symbol that answers for this one; itself if no alias
   std::vector<AbstractZTBSymbol*> domainSymbols;  // null: known by name only
   std::vector<std::string> domainNames;
+  unsigned timesEmptied = 0;  // how often all records went at once, by which handles tell that
 
  protected:
   AbstractZTBSymbol(ZTB* owner, SymbolDescription description);

@@ -3,7 +3,8 @@
 // One class serves three ways of walking: all records of a symbol, the records of a slice, and the
 // labels of the universe. A failed move is no exception: it gives false, leaves a message, and the
 // handle stands where it stood. A handle does not own its symbol and does not keep it alive.
-// Reading through a handle that stands on no record throws std::logic_error.
+// Reading through a handle that stands on no record throws std::logic_error, and so does everything
+// but `valuesAddress` after all records of the symbol went at once.
 #ifndef ZTB_STORE_ABSTRACT_SYMBOL_ITERATOR_H_
 #define ZTB_STORE_ABSTRACT_SYMBOL_ITERATOR_H_
 
@@ -45,19 +46,27 @@ class AbstractZTBSymbolIterator {
   virtual bool moveNext(int lastLabel) = 0;
   // Steps back. On false `message()` is the same with "First record".
   virtual bool movePrev() = 0;
-  // What `moveNext` and `movePrev` would answer; nothing moves and no message is left.
+  // What `moveNext` would answer; nothing moves and no message is left.
   virtual bool hasNext(int lastLabel) = 0;
-  virtual bool hasPrev() = 0;
   // Whether as many value slots as the symbol has dimensions are equal as doubles. Throws
   // std::logic_error when the records have fewer slots than that.
   virtual bool sameValues(AbstractZTBSymbolIterator& other) = 0;
   [[nodiscard]] virtual int dimension() const = 0;
+  // What `movePrev` would answer.
+  virtual bool hasPrev() = 0;
   // Copies `dimension()` key elements and the record's slots out.
   virtual void copyRecord(int* keys, double* values) = 0;
   // The record's key, `dimension()` elements.
   virtual const int* keys() = 0;
   // Takes the position of another handle of the same class; mode, mask and label stay.
   virtual void assignPosition(const AbstractZTBSymbolIterator& other) = 0;
+
+  // Operations of our own.
+
+  // The address of the record's values, by which two handles on one record are told. Where a handle
+  // stands on no record, what its store has in place of it: null, or at the end of a map an address
+  // of that map.
+  virtual const void* valuesAddress() = 0;
 
   // Takes the symbol and the position of another handle. Throws std::logic_error when its symbol is
   // on another record store.
@@ -74,7 +83,14 @@ class AbstractZTBSymbolIterator {
   }
 
  protected:
-  explicit AbstractZTBSymbolIterator(AbstractZTBSymbol* symbol) : symbol_(symbol) {}
+  explicit AbstractZTBSymbolIterator(AbstractZTBSymbol* symbol);
+
+  // Whether the records among which this handle stood are no longer there.
+  [[nodiscard]] bool ended() const;
+  // Follows the records of another handle.
+  void takeRecordsOf(const AbstractZTBSymbolIterator& other) {
+    timesEmptied_ = other.timesEmptied_;
+  }
 
   // Leaves a message made of a text and the symbol's name; false.
   bool failMove(const char* text, const char* symbolName);
@@ -85,6 +101,7 @@ class AbstractZTBSymbolIterator {
   int universePosition_ = -1;
   std::unique_ptr<char[]> errorBuffer_;
   std::uint8_t maskLength_ = 0;
+  unsigned timesEmptied_;  // of the symbol, when the handle was made
 };
 
 }  // namespace ztb

@@ -23,7 +23,7 @@ template <class Member>
 
 }  // namespace
 
-DMap::DMap(int dim, int type) : dim_(dim), type_(type) {
+DMap::DMap(int dim, int type) : IDMap(StorageKind::dMap, dim, type) {
   if (dim_ == 0) {
     end_ = scalarValues_ + 1;
   } else if (inMapFamily(dim_)) {

@@ -49,10 +49,16 @@ class DMap final : public IDMap<DMapIterator> {
   // Does nothing.
   void reserve(int records) override;
 
+  // As `clear`, for records of which none of before is to show.
+  void startAnew() { clear(); }
   // As `clear`, which gives the memory back.
   void release() { clear(); }
 
-  [[nodiscard]] StorageKind kind() const { return StorageKind::dMap; }
+  // The position behind a record.
+  [[nodiscard]] static DMapIterator behind(DMapIterator position) {
+    position.next();
+    return position;
+  }
   [[nodiscard]] bool isEnd(const DMapIterator& position) { return end().equals(position); }
   // Whether a key whose lower bound this is sorts behind all records.
   [[nodiscard]] bool isEndBound(const DMapIterator& bound, const int* /*keys*/) {
@@ -70,12 +76,10 @@ class DMap final : public IDMap<DMapIterator> {
   void* found(const int* keys);
   void* setScalar(const double* values);
 
-  int dim_;
-  int type_;
   void* map_ = nullptr;
-  void* end_ = nullptr;  // a map's end never moves; null where there is no map and no scalar
   double scalarValues_[maxSlots] = {};
   bool scalarSet_ = false;
+  void* end_ = nullptr;  // a map's end never moves; null where there is no map and no scalar
 };
 
 }  // namespace ztb::dmap

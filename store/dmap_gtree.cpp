@@ -6,12 +6,11 @@
 
 namespace ztb::dmap {
 
-DMapGTree::DMapGTree(int dim, int type) : dim_(dim), type_(type) {
+DMapGTree::DMapGTree(int dim, int type)
+    : IDMap(StorageKind::dMapGTree, dim, type), scalarEnd_(scalarValues_ + 1) {
   if (dim_ >= 1 && dim_ <= maxDimension) {
-    tree_ = std::make_unique<gtree::GTree>(dim_, slotCount(type_));
-    end_ = at(gtree::endPath);
-  } else {
-    end_ = TreeIterator(scalarValues_ + 1);
+    tree_ = std::make_unique<gtree::GTree>(dim_, type_);
+    treeEnd_ = at(gtree::endPath);
   }
 }
 
@@ -41,10 +40,14 @@ TreeIterator DMapGTree::insertOrAssign(const TreeIterator& /*hint*/, const int* 
   if (tree_ == nullptr) {
     return insert(keys, values);
   }
+  if (empty()) {
+    // What was erased has left nodes, which are no records.
+    tree_->startAnew();
+    return append(keys, values);
+  }
   const TreeIterator bound = lowerBound(keys);
-  if (bound.equals(end_)) {
-    // A tree whose records were all erased keeps nodes but no last record to attach behind.
-    return tree_->hasNodes() && empty() ? insert(keys, values) : append(keys, values);
+  if (bound.equals(endHere())) {
+    return append(keys, values);
   }
   const RecordView present = bound.get();
   if (present.values == nullptr) {
@@ -75,7 +78,7 @@ bool DMapGTree::empty() const {
 }
 
 bool DMapGTree::isEnd(const TreeIterator& position) const {
-  return end_.equals(position);
+  return endHere().equals(position);
 }
 
 bool DMapGTree::isEndBound(const TreeIterator& bound, const int* /*keys*/) const {
@@ -103,7 +106,16 @@ TreeIterator DMapGTree::begin() {
 }
 
 TreeIterator DMapGTree::end() {
-  return end_;
+  return endHere();
+}
+
+TreeIterator DMapGTree::behind(const TreeIterator& position) {
+  if (tree_ == nullptr) {
+    TreeIterator result = position;
+    result.next();
+    return result;
+  }
+  return at(tree_->nextPathOrEnd(position.path()));
 }
 
 void DMapGTree::clear() {

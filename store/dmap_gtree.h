@@ -6,6 +6,7 @@
 #define ZTB_STORE_DMAP_GTREE_H_
 
 #include <memory>
+#include <optional>
 
 #include "store/gtree.h"
 #include "store/idmap.h"
@@ -42,7 +43,7 @@ class DMapGTree final : public IDMap<TreeIterator> {
   // The hint is not used, here and in `insertOrAssign`.
   TreeIterator insertHint(const int* keys, const double* values, const TreeIterator& hint) override;
   // Overwrites the record where the lower bound stands, whatever its key. Throws
-  // std::bad_variant_access when there is no bound.
+  // std::bad_variant_access when there is no bound. Without records the store starts anew.
   TreeIterator insertOrAssign(const TreeIterator& hint, const int* keys,
                               const double* values) override;
   void erase(const TreeIterator& position) override;
@@ -62,10 +63,13 @@ class DMapGTree final : public IDMap<TreeIterator> {
   TreeIterator iteratorAt(int index) override;
   void reserve(int records) override;
 
-  // Removes all records, a scalar's too, and gives the memory back.
+  // Removes all records, a scalar's too, and gives the memory back; no record of before shows in
+  // what is added next, by whichever way.
+  void startAnew() { release(); }
   void release();
 
-  [[nodiscard]] StorageKind kind() const { return StorageKind::dMapGTree; }
+  // The position behind a record; the end where that would lead into a ring.
+  [[nodiscard]] TreeIterator behind(const TreeIterator& position);
   [[nodiscard]] bool isEnd(const TreeIterator& position) const;
   // Whether a key whose lower bound this is sorts behind all records of its branch.
   [[nodiscard]] bool isEndBound(const TreeIterator& bound, const int* keys) const;
@@ -73,13 +77,13 @@ class DMapGTree final : public IDMap<TreeIterator> {
  private:
   TreeIterator at(const gtree::Path& path) { return {dim_, type_, tree_.get(), path}; }
   TreeIterator setScalar(const double* values);
+  [[nodiscard]] const TreeIterator& endHere() const { return treeEnd_ ? *treeEnd_ : scalarEnd_; }
 
-  int dim_;
-  int type_;
   std::unique_ptr<gtree::GTree> tree_;  // null without dimensions
   double scalarValues_[maxSlots] = {};
   bool scalarSet_ = false;
-  TreeIterator end_;
+  std::optional<TreeIterator> treeEnd_;  // of a tree
+  TreeIterator scalarEnd_;               // of anything else
 };
 
 }  // namespace ztb::dmap

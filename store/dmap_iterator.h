@@ -29,6 +29,8 @@ class DMapIterator final : public BaseDMapIterator {
   [[nodiscard]] bool isNull() const override { return position_ == nullptr; }
 
   [[nodiscard]] void* position() const { return position_; }
+  // What stands for the address of a record's values where there is no record, at the end.
+  [[nodiscard]] const void* endAddress() const { return position_; }
 
  private:
   void* position_ = nullptr;

@@ -58,8 +58,7 @@ void copyRow(const T* from, std::size_t width, T* to) {
 }  // namespace
 
 DMapVector::DMapVector(int dim, int type)
-    : dim_(dim),
-      type_(type),
+    : IDMap(StorageKind::dMapVector, dim, type),
       width_(dim >= 1 && dim <= maxDimension ? static_cast<std::size_t>(dim) : 0),
       slots_(static_cast<std::size_t>(slotCount(type))),
       rowsOfMemory_(noMemory()) {}

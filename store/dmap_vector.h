@@ -67,10 +67,16 @@ class DMapVector final : public IDMap<VectorIterator> {
   // Drops the content of both arrays and sizes them for that many rows; for an empty store only.
   void reserve(int records) override;
 
+  // As `clear`, for records of which none of before is to show.
+  void startAnew() { clear(); }
   // As `clear`, and gives the memory back.
   void release();
 
-  [[nodiscard]] StorageKind kind() const { return StorageKind::dMapVector; }
+  // The position behind a record.
+  [[nodiscard]] static VectorIterator behind(VectorIterator position) {
+    position.next();
+    return position;
+  }
   [[nodiscard]] bool isEnd(const VectorIterator& position) const;
   // Whether a key whose lower bound this is sorts behind all records; a single row is the bound of
   // such keys too.
@@ -94,14 +100,12 @@ class DMapVector final : public IDMap<VectorIterator> {
   [[nodiscard]] int boundRow(const Order& order) const;
   VectorIterator placeBefore(int row, const int* keys, const double* values);
 
-  int dim_;
-  int type_;
-  std::size_t width_;  // keys of a row
-  std::size_t slots_;  // values of a row
   FlatArray<int> keyArray_;
   FlatArray<double> valueArray_;
   int rowCapacity_ = 0;  // rows for which both arrays are sized
   int rowCount_ = 0;     // rows in use; not maintained on a scalar
+  std::size_t width_;    // keys of a row
+  std::size_t slots_;    // values of a row
   int rowsOfMemory_;     // rows for which both arrays have memory; below any count without keys
 };
 

@@ -9,12 +9,19 @@ namespace {
 // The keys of a path while its predecessor is looked for.
 std::array<int, maxDepth> scratchKeys;
 
+// Type code of a symbol from which on a record has five slots, and not one.
+constexpr int firstTypeOfFiveSlots = 2;
+
 }  // namespace
 
 const Path endPath(1);
 
 void throwMissingNode() {
   throw std::logic_error("the path leads through a missing node of the trie");
+}
+
+void throwRing() {
+  throw std::logic_error("the labels of the trie run in a ring");
 }
 
 Node* Node::child() const {
@@ -31,11 +38,12 @@ double* Node::values() const {
   return content_.values;
 }
 
-GTree::GTree(int dim, int slotCount)
+GTree::GTree(int dim, int type)
     : dim_(dim),
-      slotCount_(slotCount),
-      valueSize_(static_cast<std::size_t>(slotCount) * sizeof(double)),
+      type_(type),
+      slotCount_(type_ < firstTypeOfFiveSlots ? 1 : 5),
       lastPath_(dim),
+      valueSize_(static_cast<std::size_t>(slotCount_) * sizeof(double)),
       recentPath_(dim) {}
 
 // Makes the nodes of the levels from `level` down, chained to each other and holding the values,
@@ -83,6 +91,9 @@ Path GTree::insertSequential(const int* keys, const double* values) {
 }
 
 Path GTree::insertAnywhere(const int* keys, const double* values, const Path* startHint) {
+  if (count_ == 0 && dim_ == 1 && root_ != nullptr) {
+    startAnew();
+  }
   if (lastPath_.node[0] != nullptr) {
     const auto [order, level] = compareWithLast(keys);
     if (order == Order::same) {
@@ -138,7 +149,7 @@ Path GTree::insertBranch(const int* keys, const double* values) {
     }
     while (node != nullptr && node->key < keys[level]) {
       before = node;
-      node = node->next;
+      node = node->following();
     }
     if (node == nullptr || node->key != keys[level]) {
       makeBranch(path.node.data(), level, keys, values);
@@ -164,6 +175,19 @@ Path GTree::insertBranch(const int* keys, const double* values) {
   return path;
 }
 
+inline GTree::Node* GTree::reach(Node* node, int keyElement) const {
+  if (holdsRing_) {
+    while (node != nullptr && node->key < keyElement) {
+      node = node->following();
+    }
+  } else {
+    while (node != nullptr && node->key < keyElement) {
+      node = node->next;
+    }
+  }
+  return node;
+}
+
 std::pair<bool, Path> GTree::findPath(const int* keys, const Path* startHint) const {
   Path path(dim_);
   Node* node = root_;
@@ -181,9 +205,7 @@ std::pair<bool, Path> GTree::findPath(const int* keys, const Path* startHint) co
         startHint = nullptr;
       }
     }
-    while (node != nullptr && node->key < keys[level]) {
-      node = node->next;
-    }
+    node = reach(node, keys[level]);
     if (node == nullptr || node->key != keys[level]) {
       return {false, path};
     }
@@ -197,11 +219,9 @@ std::pair<bool, Path> GTree::lowerBoundPath(const int* keys) const {
   Path path(dim_);
   Node* node = root_;
   for (int level = 0; level < dim_ && node != nullptr; ++level) {
-    while (node->key < keys[level]) {
-      node = node->next;
-      if (node == nullptr) {
-        return {false, path};
-      }
+    node = reach(node, keys[level]);
+    if (node == nullptr) {
+      return {false, path};
     }
     path.node[static_cast<std::size_t>(level)] = node;
     node = node->childOrNull();
@@ -241,8 +261,8 @@ void GTree::fillGreatest(Path& path, int level) const {
     if (node == nullptr) {
       throw std::logic_error("the trie holds a branch without records");
     }
-    while (node->next != nullptr) {
-      node = node->next;
+    while (Node* following = node->following()) {
+      node = following;
     }
     path.node[static_cast<std::size_t>(level)] = node;
   }
@@ -272,25 +292,40 @@ void GTree::requireDepth(const Path& path) const {
   }
 }
 
-void GTree::next(Path& path) const {
+bool GTree::step(Path& path) const {
   requireDepth(path);
   for (int level = dim_ - 1; level >= 0; --level) {
-    Node* following = requireNode(path.node[static_cast<std::size_t>(level)])->next;
+    const Node* here = requireNode(path.node[static_cast<std::size_t>(level)]);
+    Node* following = here->next;
     if (following == nullptr) {
       continue;
+    }
+    if (following->key <= here->key) {
+      return false;
     }
     for (int deeper = level; deeper < dim_; ++deeper) {
       path.node[static_cast<std::size_t>(deeper)] = following;
       following = following == nullptr ? nullptr : following->childOrNull();
     }
-    return;
+    return true;
   }
   path = endPath;
+  return true;
+}
+
+void GTree::next(Path& path) const {
+  if (!step(path)) {
+    throwRing();
+  }
 }
 
 Path GTree::nextPath(Path path) const {
   next(path);
   return path;
+}
+
+Path GTree::nextPathOrEnd(Path path) const {
+  return step(path) ? path : endPath;
 }
 
 void GTree::copyKeys(const Path& path, int* keys) const {
@@ -321,38 +356,61 @@ void GTree::moveLastPathBack() {
   }
 }
 
+// Whether taking the record out leaves its first node without anything below it. Branches that
+// become empty further down stay.
+bool GTree::unlinksFirstLevel(const Path& path) const {
+  return dim_ == 1 ||
+         (dim_ == 2 && path.node[0]->child() == path.node[1] && path.node[1]->next == nullptr);
+}
+
+// The first level's node before this one, where the first node counts as its own; the last node of
+// the list when it does not hold this one.
+Node* GTree::firstLevelBefore(const Node* node) const {
+  Node* before = requireNode(root_);
+  while (before->next != node && before->next != nullptr) {
+    before = before->following();
+  }
+  return before;
+}
+
+// The node before this one in its list below the first level; null when it is the list's head.
+Node* GTree::siblingBefore(const Path& path, std::size_t level) {
+  const Node* node = path.node[level];
+  Node* before = requireNode(path.node[level - 1]->child());
+  if (before == node) {
+    return nullptr;
+  }
+  while (before->next != node) {
+    before = requireNode(before->following());
+  }
+  return before;
+}
+
 void GTree::erase(const Path& path) {
   requireDepth(path);
+  if (count_ == 0) {
+    throwMissingNode();
+  }
   for (std::size_t level = 0; level < path.depth; ++level) {
     requireNode(path.node[level]);
   }
+  // All that can be missing is looked for before anything changes.
+  const auto last = static_cast<std::size_t>(dim_) - 1;
+  Node* before = dim_ > 1 ? siblingBefore(path, last) : nullptr;
+  Node* firstBefore = unlinksFirstLevel(path) ? firstLevelBefore(path.node[0]) : nullptr;
   if (path == lastPath_) {
     moveLastPathBack();
   }
   recentPath_ = Path(dim_);
-  for (int level = dim_ - 1; level >= 1; --level) {
-    Node* node = path.node[static_cast<std::size_t>(level)];
-    Node* parent = path.node[static_cast<std::size_t>(level - 1)];
-    Node* before = requireNode(parent->child());
-    if (before == node) {
-      parent->setChild(node->next);
-    } else {
-      while (before->next != node) {
-        before = requireNode(before->next);
-      }
-      before->next = node->next;
-    }
-    if (before != node || node->next != nullptr || level >= 2) {
-      --count_;
-      return;
-    }
+  if (before != nullptr) {
+    before->next = path.node[last]->next;
+  } else if (dim_ > 1) {
+    path.node[last - 1]->setChild(path.node[last]->next);
   }
-  Node* node = path.node[0];
-  Node* before = requireNode(root_);
-  while (before->next != node && before->next != nullptr) {
-    before = before->next;
+  if (firstBefore != nullptr) {
+    firstBefore->next = path.node[0]->next;
+    holdsRing_ = holdsRing_ || firstBefore->closesRing();
   }
-  before->next = node->next;
   --count_;
 }
 
@@ -387,12 +445,17 @@ void GTree::setBlockCapacity(int records) {
 void GTree::clear() {
   count_ = 0;
   root_ = nullptr;
+  holdsRing_ = false;
   recentPath_ = Path(dim_);
 }
 
-void GTree::release() {
+void GTree::startAnew() {
   clear();
-  lastPath_ = Path(dim_);
+  lastPath_ = endPath;
+}
+
+void GTree::release() {
+  startAnew();
   nodes_.release();
   values_.release();
 }

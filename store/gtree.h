@@ -4,10 +4,12 @@
 // of one node a level, and its values hang from the last. Records that share a prefix share nodes.
 // The tree remembers the path of the last record, `lastPath`, and attaches a key above it at the
 // right end without a search. Nodes and value slots come from two pools, which give nothing back
-// before the tree is destroyed. What `erase` and `clear` leave behind is told at them.
+// before the tree is destroyed or starts anew. What `erase` and `clear` leave behind is told at
+// them.
 //
-// A read through a null node throws std::logic_error; reading a node's content as what it is not
-// throws std::bad_variant_access ("bad variant access").
+// A read through a null node throws std::logic_error, and so does a step along a list to a key that
+// does not ascend, which is the ring that `erase` can leave: no call runs in circles. Reading a
+// node's content as what it is not throws std::bad_variant_access ("bad variant access").
 #ifndef ZTB_STORE_GTREE_H_
 #define ZTB_STORE_GTREE_H_
 
@@ -24,72 +26,87 @@ namespace gtree {
 
 inline constexpr int maxDepth = 20;
 
-// One key element. Its content is the first node of the next level or the record's value slots.
-class Node {
- public:
-  explicit Node(int keyElement) : key(keyElement) {}
-
-  // The first node of the next level, null if there is none. Throws on a record's last node.
-  [[nodiscard]] Node* child() const;
-  // The same; null on a record's last node.
-  [[nodiscard]] Node* childOrNull() const { return tag_ == Tag::child ? content_.child : nullptr; }
-  // The record's value slots. Throws on any other node.
-  [[nodiscard]] double* values() const;
-  void setChild(Node* child) {
-    content_.child = child;
-    tag_ = Tag::child;
-  }
-  void setValues(double* values) {
-    content_.values = values;
-    tag_ = Tag::values;
-  }
-
-  Node* next = nullptr;
-
- private:
-  enum class Tag : std::uint8_t { child = 0, values = 1 };
-  union {
-    Node* child;
-    double* values;
-  } content_ = {nullptr};
-  Tag tag_ = Tag::child;
-
- public:
-  int key;
-};
-
-// A position in a tree: a node for each level in use.
-struct Path {
-  Path() = default;
-  // On nothing.
-  explicit Path(int depthInUse) : depth(static_cast<std::uint8_t>(depthInUse)) {
-    std::fill_n(node.begin(), depth, nullptr);
-  }
-  Path(const Path& other) { *this = other; }
-  Path& operator=(const Path& other) {
-    depth = other.depth;
-    std::copy_n(other.node.begin(), depth, node.begin());
-    return *this;
-  }
-  ~Path() = default;
-
-  bool operator==(const Path& other) const {
-    return depth == other.depth &&
-           std::equal(node.begin(), node.begin() + depth, other.node.begin());
-  }
-
-  std::uint8_t depth = 0;
-  std::array<Node*, maxDepth> node;
-};
-
 [[noreturn]] void throwMissingNode();
+[[noreturn]] void throwRing();
 
-// Past the end of any tree: depth 1 and a null node.
-extern const Path endPath;
-
+// Beside what is listed first, in its order, stand members of our own. The words of the two pools,
+// first block, last block, bytes used and block size of each, are those of a `Pool`.
 class GTree {
  public:
-  GTree(int dim, int slotCount);
+  // One key element. Its content is the first node of the next level or the record's value slots.
+  class Node {
+   public:
+    explicit Node(int keyElement) : key(keyElement) {}
+
+    // The first node of the next level, null if there is none. Throws on a record's last node.
+    [[nodiscard]] Node* child() const;
+    // The same; null on a record's last node.
+    [[nodiscard]] Node* childOrNull() const {
+      return tag_ == Tag::child ? content_.child : nullptr;
+    }
+    // The record's value slots. Throws on any other node.
+    [[nodiscard]] double* values() const;
+    void setChild(Node* child) {
+      content_.child = child;
+      tag_ = Tag::child;
+    }
+    void setValues(double* values) {
+      content_.values = values;
+      tag_ = Tag::values;
+    }
+    // The node behind this one in its list, null at the end. Throws where the list runs in a ring.
+    [[nodiscard]] Node* following() const {
+      if (closesRing()) {
+        throwRing();
+      }
+      return next;
+    }
+    [[nodiscard]] bool closesRing() const { return next != nullptr && next->key <= key; }
+
+    Node* next = nullptr;
+
+   private:
+    // A node always has a content: there is no tag for none.
+    enum class Tag : std::uint8_t { child = 0, values = 1 };
+    union {
+      Node* child;
+      double* values;
+    } content_ = {nullptr};
+    Tag tag_ = Tag::child;
+
+   public:
+    int key;
+  };
+
+  // A position in a tree: a node for each level in use.
+  struct Path {
+    Path() = default;
+    // On nothing.
+    explicit Path(int depthInUse) : depth(static_cast<std::uint8_t>(depthInUse)) {
+      std::fill_n(node.begin(), depth, nullptr);
+    }
+    Path(const Path& other) { *this = other; }
+    Path& operator=(const Path& other) {
+      depth = other.depth;
+      std::copy_n(other.node.begin(), depth, node.begin());
+      return *this;
+    }
+    ~Path() = default;
+
+    bool operator==(const Path& other) const {
+      return depth == other.depth &&
+             std::equal(node.begin(), node.begin() + depth, other.node.begin());
+    }
+
+    std::uint8_t depth = 0;
+    std::array<Node*, maxDepth> node;
+  };
+
+  // A unit of a pool.
+  using Block = Pool::Block;
+
+  // `type` is that of the symbol and tells the slots of a record.
+  GTree(int dim, int type);
   GTree(const GTree&) = delete;
   GTree& operator=(const GTree&) = delete;
   virtual ~GTree() = default;
@@ -104,7 +121,8 @@ class GTree {
   [[nodiscard]] const Path& lastPath() const { return lastPath_; }
   // The way in for any key. The last record's key overwrites its values; any other key that is
   // present keeps them. On a tree without nodes the result is `lastPath` as it stands, which for
-  // two levels or more does not move to the new record.
+  // two levels or more does not move to the new record of a fresh tree. Of one level and without
+  // records, a tree keeps no more than the node of a deleted one, and starts anew.
   Path insertAnywhere(const int* keys, const double* values, const Path* startHint);
   // Whether the tree holds the keys, and where.
   [[nodiscard]] std::pair<bool, Path> findPath(const int* keys, const Path* startHint) const;
@@ -117,11 +135,14 @@ class GTree {
   [[nodiscard]] Path begin() const;
   void next(Path& path) const;
   [[nodiscard]] Path nextPath(Path path) const;
+  // The same, and the end in place of a step into a ring: where a deleted record's place moves on.
+  [[nodiscard]] Path nextPathOrEnd(Path path) const;
   // From `endPath` the greatest record. Otherwise the predecessor, or the path itself without one.
   [[nodiscard]] Path prev(const Path& path) const;
   // Unlinks the record. Of a list that becomes empty, only one directly below the first level has
   // its parent unlinked, and the first node of the first level never is: with siblings behind it,
-  // their list is then closed into a ring.
+  // their list is then closed into a ring. Throws std::logic_error, with nothing changed, where the
+  // path stands on no record, or on none that can be reached from the first node.
   void erase(const Path& path);
   [[nodiscard]] Path pathAt(int index) const;
   [[nodiscard]] int pathIndex(const Path& path) const;
@@ -129,12 +150,13 @@ class GTree {
   void setBlockCapacity(int records);
   // Forgets all nodes; `lastPath` and the pools stay as they are.
   void clear();
-  // Forgets all, `lastPath` too, and gives the memory back.
+  // Forgets all nodes, and the last record too: what is added next is the first record, and its
+  // path is the result. The pools stay.
+  void startAnew();
+  // The same, and gives the memory back.
   void release();
 
   [[nodiscard]] int count() const { return count_; }
-  // Whether anything was ever added since the last `clear`.
-  [[nodiscard]] bool hasNodes() const { return root_ != nullptr; }
 
  private:
   enum class Order { below, same, above };
@@ -166,20 +188,35 @@ class GTree {
   void fillGreatest(Path& path, int level) const;
   [[nodiscard]] Node* listHead(const Path& path, int level) const;
   void moveLastPathBack();
+  [[nodiscard]] bool unlinksFirstLevel(const Path& path) const;
+  [[nodiscard]] Node* firstLevelBefore(const Node* node) const;
+  [[nodiscard]] static Node* siblingBefore(const Path& path, std::size_t level);
+  // Steps on; false, with the path as it was, where that would lead into a ring.
+  [[gnu::always_inline]] inline bool step(Path& path) const;
+  // The first node from this one on that is not below the key element; null without one.
+  Node* reach(Node* node, int keyElement) const;
   void copyKeys(const Path& path, int* keys) const;
 
   Pool nodes_;
   Pool values_;
   int dim_;
-  int slotCount_;
-  std::size_t valueSize_;  // bytes of a record's slots
+  int type_;
   int count_ = 0;
+  int slotCount_;
   Node* root_ = nullptr;
   Path lastPath_;
+  std::size_t valueSize_;   // bytes of a record's slots
+  bool holdsRing_ = false;  // since `erase` closed one; lists are walked without a look otherwise
   // Where `insertAnywhere` was last, so that ascending keys do not walk all siblings again and
   // again. Every node of it is linked; its first is null when there is no such place.
   Path recentPath_;
 };
+
+using Node = GTree::Node;
+using Path = GTree::Path;
+
+// Past the end of any tree: depth 1 and a null node.
+extern const Path endPath;
 
 // What a sorted load runs through for every record stands here, so that it becomes one piece of
 // code with the loop around it.

@@ -14,6 +14,11 @@ class Pool {
   static constexpr std::size_t initialBlockSize = 1024;
   static constexpr std::size_t largestGrownBlockSize = std::size_t{64} * 1024;
 
+  struct Block {
+    Block* next = nullptr;
+    std::unique_ptr<std::byte[]> bytes;
+  };
+
   Pool() = default;
   Pool(const Pool&) = delete;
   Pool& operator=(const Pool&) = delete;
@@ -43,11 +48,6 @@ class Pool {
   void setBlockSize(std::size_t size) { blockSize_ = size; }
 
  private:
-  struct Block {
-    Block* next = nullptr;
-    std::unique_ptr<std::byte[]> bytes;
-  };
-
   void addBlock();
 
   Block* firstBlock_ = nullptr;

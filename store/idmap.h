@@ -32,7 +32,8 @@ enum class StorageKind : std::int32_t { dMap = 0, dMapVector = 1, dMapGTree = 2 
 // A record as an iterator sees it. `keys` is not to be read when `dim` is 0; `values` is null when
 // the iterator stands on no record and its store can tell. Both pointers are borrowed from the
 // store: a view does not outlive the next change to it. Writing through `values` changes the
-// record.
+// record. Since no store gives a view that owns what it shows, a view has no word for its ownership
+// and no destructor: it travels in two registers.
 struct RecordView {
   const int* keys = nullptr;
   double* values = nullptr;
@@ -78,11 +79,10 @@ class BaseDMapIterator : public IDMapIterator {
 };
 
 // The store. `keys` points to `dim` integers, `values` to `slotCount(type)` doubles; both are
-// copied. Iterators are results by value.
+// copied. Iterators are results by value. Operations of our own stand behind `reserve`.
 template <class Iterator>
 class IDMap {
  public:
-  IDMap() = default;
   IDMap(const IDMap&) = delete;
   IDMap& operator=(const IDMap&) = delete;
   virtual ~IDMap() = default;
@@ -93,10 +93,6 @@ class IDMap {
   virtual Iterator insert(const int* keys, const double* values) = 0;
   // As `insert`; the hint says where to look first.
   virtual Iterator insertHint(const int* keys, const double* values, const Iterator& hint) = 0;
-  // As `insertHint`, whose result takes the place of the hint: for many records in a row.
-  virtual void insertFollowing(const int* keys, const double* values, Iterator& hint) {
-    hint = insertHint(keys, values, hint);
-  }
   // Adds the record, or overwrites the values of the one found.
   virtual Iterator insertOrAssign(const Iterator& hint, const int* keys, const double* values) = 0;
   // Removes the record at the iterator.
@@ -117,6 +113,19 @@ class IDMap {
   virtual Iterator iteratorAt(int index) = 0;
   // Prepares the store for that many records.
   virtual void reserve(int records) = 0;
+  // As `insertHint`, whose result takes the place of the hint: for many records in a row.
+  virtual void insertFollowing(const int* keys, const double* values, Iterator& hint) {
+    hint = insertHint(keys, values, hint);
+  }
+
+  [[nodiscard]] StorageKind kind() const { return kind_; }
+
+ protected:
+  IDMap(StorageKind kind, int dim, int type) : kind_(kind), dim_(dim), type_(type) {}
+
+  StorageKind kind_;
+  int dim_;
+  int type_;  // selects one or five value slots
 };
 
 }  // namespace ztb::dmap

@@ -23,6 +23,7 @@ class ZTBSymbol final : public AbstractZTBSymbol {
         lastPosition_(store_.end()) {}
 
   void clearRecords() override {
+    endHandles();
     store_.clear();
     lastPosition_ = store_.end();
   }
@@ -89,11 +90,6 @@ class ZTBSymbol final : public AbstractZTBSymbol {
     return isEndPosition(position) ? nullptr : handleOn(position);
   }
 
-  const double* findValues(const int* keys) override {
-    const Iterator position = store_.find(keys);
-    return isEndPosition(position) ? nullptr : position.get().values;
-  }
-
   RecordHandle firstRecord() override { return handleOn(store_.begin()); }
 
   RecordHandle lastRecord() override {
@@ -147,15 +143,6 @@ class ZTBSymbol final : public AbstractZTBSymbol {
     return record;
   }
 
-  bool putRecord(const int* keys, const double* values, bool overwrite) override {
-    if (overwrite) {
-      lastPosition_ = store_.insertOrAssign(lastPosition_, keys, values);
-    } else {
-      insertRecordAtPosition(keys, values);
-    }
-    return !lastPosition_.isNull();
-  }
-
   void insertRecordAtPosition(const int* keys, const double* values) override {
     store_.insertFollowing(keys, values, lastPosition_);
   }
@@ -183,8 +170,7 @@ class ZTBSymbol final : public AbstractZTBSymbol {
   void eraseRecord(AbstractZTBSymbolIterator& record) override {
     auto& position = static_cast<Iterator&>(record.storeIterator());
     requireRecord(position);
-    Iterator behind = position;
-    behind.next();
+    const Iterator behind = store_.behind(position);
     if (lastPosition_.equals(position) && position.notEquals(behind)) {
       lastPosition_ = behind;
     }
@@ -194,23 +180,46 @@ class ZTBSymbol final : public AbstractZTBSymbol {
     }
   }
 
+  void assignRecords(AbstractZTBSymbol& other) override {
+    other.forEachRecord(
+        [this](const int* keys, const double* values) { appendRecord(keys, values); });
+  }
+
+  const double* findValues(const int* keys) override {
+    const Iterator position = store_.find(keys);
+    return isEndPosition(position) ? nullptr : position.get().values;
+  }
+
+  bool putRecord(const int* keys, const double* values, bool overwrite) override {
+    if (overwrite) {
+      lastPosition_ = store_.insertOrAssign(lastPosition_, keys, values);
+    } else {
+      insertRecordAtPosition(keys, values);
+    }
+    return !lastPosition_.isNull();
+  }
+
   void takeRecords(AbstractZTBSymbol& source) override {
     source.forEachRecord(
         [this](const int* keys, const double* values) { insertRecord(keys, values); });
     lastPosition_ = store_.end();
   }
 
+  void startRecordsAnew() override {
+    endHandles();
+    store_.startAnew();
+    lastPosition_ = store_.end();
+  }
+
   void releaseRecords() override {
+    endHandles();
     store_.release();
     lastPosition_ = store_.end();
   }
 
-  void assignRecords(AbstractZTBSymbol& other) override {
-    other.forEachRecord(
-        [this](const int* keys, const double* values) { appendRecord(keys, values); });
-  }
-
  private:
+  void endHandles() { ++timesEmptied; }
+
   [[nodiscard]] const double* newValues(const double* variableValues,
                                         const double* equationValues) const {
     static constexpr double zeros[dmap::maxSlots] = {};

@@ -34,7 +34,10 @@ class ZTBSymbolIterator final : public AbstractZTBSymbolIterator {
     universePosition_ = label;
   }
 
-  dmap::IDMapIterator& storeIterator() override { return position_; }
+  dmap::IDMapIterator& storeIterator() override {
+    requireNotEnded();
+    return position_;
+  }
 
   void standOn(const Iterator& position) { position_ = position; }
 
@@ -54,6 +57,7 @@ class ZTBSymbolIterator final : public AbstractZTBSymbolIterator {
       case IterationMode::symbol:
         break;
     }
+    requireNotEnded();
     const Iterator here = position_;
     stepFromRecord();
     if (!atEnd()) {
@@ -72,6 +76,7 @@ class ZTBSymbolIterator final : public AbstractZTBSymbolIterator {
       universePosition_ = 1;
       return failMove("First record reached in Universe", "");
     }
+    requireNotEnded();
     if (atBegin()) {
       return failMove("First record reached in symbol ", symbolName());
     }
@@ -87,6 +92,7 @@ class ZTBSymbolIterator final : public AbstractZTBSymbolIterator {
     if (mode_ == IterationMode::universe) {
       return lastLabel > universePosition_;
     }
+    requireNotEnded();
     const Iterator here = position_;
     bool found = false;
     if (mode_ == IterationMode::slice) {
@@ -95,22 +101,6 @@ class ZTBSymbolIterator final : public AbstractZTBSymbolIterator {
       stepFromRecord();
       found = !atEnd();
     }
-    position_ = here;
-    return found;
-  }
-
-  bool hasPrev() override {
-    if (mode_ == IterationMode::universe) {
-      return universePosition_ > 1;
-    }
-    if (atBegin()) {
-      return false;
-    }
-    if (mode_ == IterationMode::symbol) {
-      return true;
-    }
-    const Iterator here = position_;
-    const bool found = stepBackInSlice();
     position_ = here;
     return found;
   }
@@ -129,6 +119,23 @@ class ZTBSymbolIterator final : public AbstractZTBSymbolIterator {
 
   [[nodiscard]] int dimension() const override { return symbol_->dim; }
 
+  bool hasPrev() override {
+    if (mode_ == IterationMode::universe) {
+      return universePosition_ > 1;
+    }
+    requireNotEnded();
+    if (atBegin()) {
+      return false;
+    }
+    if (mode_ == IterationMode::symbol) {
+      return true;
+    }
+    const Iterator here = position_;
+    const bool found = stepBackInSlice();
+    position_ = here;
+    return found;
+  }
+
   void copyRecord(int* keys, double* values) override {
     const dmap::RecordView record = current();
     std::copy_n(record.keys, dimension(), keys);
@@ -139,6 +146,14 @@ class ZTBSymbolIterator final : public AbstractZTBSymbolIterator {
 
   void assignPosition(const AbstractZTBSymbolIterator& other) override {
     position_ = static_cast<const ZTBSymbolIterator&>(other).position_;
+    takeRecordsOf(other);
+  }
+
+  const void* valuesAddress() override {
+    if (mode_ == IterationMode::universe || ended() || position_.isNull()) {
+      return nullptr;
+    }
+    return atEnd() ? position_.endAddress() : position_.get().values;
   }
 
  private:
@@ -147,7 +162,7 @@ class ZTBSymbolIterator final : public AbstractZTBSymbolIterator {
   [[nodiscard]] bool atBegin() const { return symbol_->isBegin(position_) || symbol_->isEmpty(); }
 
   [[nodiscard]] dmap::RecordView current() const {
-    if (mode_ == IterationMode::universe || position_.isNull() || atEnd()) {
+    if (mode_ == IterationMode::universe || ended() || position_.isNull() || atEnd()) {
       throwNoRecord();
     }
     return recordHere();
@@ -164,6 +179,12 @@ class ZTBSymbolIterator final : public AbstractZTBSymbolIterator {
 
   [[noreturn]] static void throwNoRecord() {
     throw std::logic_error("the record handle stands on no record");
+  }
+
+  void requireNotEnded() const {
+    if (ended()) {
+      throwNoRecord();
+    }
   }
 
   [[nodiscard]] bool inSlice() const {
@@ -187,6 +208,7 @@ class ZTBSymbolIterator final : public AbstractZTBSymbolIterator {
 
   // Steps on to the next record of the slice; without one the position stays.
   bool stepInSlice() {
+    requireNotEnded();
     const Iterator here = position_;
     for (stepFromRecord(); !atEnd(); position_.next()) {
       if (inSlice()) {

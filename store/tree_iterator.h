@@ -31,6 +31,9 @@ class TreeIterator final : public BaseDMapIterator {
   [[nodiscard]] bool equals(const IDMapIterator& other) const override;
   [[nodiscard]] bool isNull() const override;
 
+  // What stands for the address of a record's values where there is no record, at the end.
+  [[nodiscard]] const void* endAddress() const { return get().values; }
+
   [[nodiscard]] const gtree::Path& path() const;
   [[nodiscard]] double* scalar() const;
   // Whether this is the default iterator.

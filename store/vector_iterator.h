@@ -46,6 +46,9 @@ class VectorIterator final : public BaseDMapIterator {
   }
   [[nodiscard]] bool isNull() const override { return keys_ == nullptr || values_ == nullptr; }
 
+  // What stands for the address of a record's values where there is no record, at the end.
+  [[nodiscard]] const void* endAddress() const { return get().values; }
+
   [[nodiscard]] int row() const { return row_; }
   // REQUIRES: not the null iterator.
   void moveTo(int row) { row_ = row; }

@@ -1,7 +1,6 @@
 // Taking records out of the trie, and what clear leaves of it.
 #include <gtest/gtest.h>
 
-#include <array>
 #include <stdexcept>
 #include <variant>
 #include <vector>
@@ -107,40 +106,38 @@ TEST(GTree, eraseOfTheOnlyRecordLeavesAnEmptyTreeWhoseFirstNodeStays) {
   Tree tree(2, {{1, 1}});
   tree.erase({1, 1});
   EXPECT_EQ(0, tree.tree.count());
-  EXPECT_TRUE(tree.tree.hasNodes());
   EXPECT_TRUE(tree.tree.begin() == Path(2));
   EXPECT_THROW(tree.append({2, 2}, 1), std::logic_error);
   EXPECT_EQ((Key{1, 7}), keyOf(tree.insert({1, 7}, 2)));
   EXPECT_EQ((Rows{{{1, 7}, 2}}), tree.rows());
 }
 
-TEST(GTree, eraseOfTheFirstNodesOnlyRecordClosesItsSiblingsIntoARing) {
-  Tree tree(2, {{1, 1}, {2, 1}, {3, 1}});
-  const Path second = *tree.find({2, 1});
-  const Path third = *tree.find({3, 1});
-  tree.erase({1, 1});
-  EXPECT_EQ(2, tree.tree.count());
-  EXPECT_EQ(second.node[0], third.node[0]->next);
-  EXPECT_EQ(1, tree.tree.begin().node[0]->key);
-  EXPECT_EQ(nullptr, tree.tree.begin().node[1]);
-  Path path = second;
-  const std::array<int, 5> ring = {3, 2, 3, 2, 3};
-  for (const int key : ring) {
-    tree.tree.next(path);
-    EXPECT_EQ(key, path.node[0]->key);
+TEST(GTree, onOneLevelTheOnlyRecordsNodeIsNoRecordWhenItsKeyComesAgain) {
+  Tree tree(1, keysOver({4}));
+  tree.erase({4});
+  const Path again = tree.insert({4}, 9);
+  EXPECT_EQ(9, *again.node[0]->values());
+  EXPECT_EQ((Rows{{{4}, 9}}), tree.rows());
+  tree.append({5}, 10);
+  EXPECT_EQ((Rows{{{4}, 9}, {{5}, 10}}), tree.rows());
+}
+
+TEST(GTree, onOneLevelTheOnlyRecordsNodeIsGoneWhenAnotherKeyComes) {
+  for (const int key : {3, 5}) {
+    Tree tree(1, keysOver({4}));
+    tree.erase({4});
+    tree.insert({key}, 9);
+    EXPECT_EQ((Rows{{{key}, 9}}), tree.rows());
+    EXPECT_FALSE(tree.find({4}));
   }
 }
 
-TEST(GTree, eraseOfTheFirstOfSeveralRecordsOnOneLevelKeepsItInFrontOfARing) {
-  Tree tree(1, keysOver({1, 2, 3}));
-  tree.erase({1});
-  EXPECT_EQ(2, tree.tree.count());
-  Path path = tree.tree.begin();
-  EXPECT_EQ(1, path.node[0]->key);
-  for (const int key : {2, 3, 2, 3}) {
-    tree.tree.next(path);
-    EXPECT_EQ(key, path.node[0]->key);
-  }
+TEST(GTree, eraseOfAnErasedOnlyRecordThrowsAndCountsNothing) {
+  Tree tree(1, keysOver({4}));
+  const Path only = *tree.find({4});
+  tree.tree.erase(only);
+  EXPECT_THROW(tree.tree.erase(only), std::logic_error);
+  EXPECT_EQ(0, tree.tree.count());
 }
 
 TEST(GTree, eraseThrowsWhereThePathStandsOnNoRecord) {
@@ -216,6 +213,16 @@ TEST(GTree, aRecordThatAForgottenBranchHidesIsWrittenAndCountedAgain) {
   EXPECT_EQ((Key{1, 3}), keyOf(tree.append({1, 3}, 8)));
   EXPECT_EQ(2, tree.tree.count());
   EXPECT_EQ(8, *tree.find({1, 3})->node[1]->values());
+}
+
+TEST(GTree, startAnewForgetsTheLastRecordTooAndGivesThePathOfTheNextFirst) {
+  Tree tree(2, {{1, 1}, {2, 2}});
+  tree.tree.startAnew();
+  EXPECT_EQ(0, tree.tree.count());
+  EXPECT_EQ((Key{2, 2}), keyOf(tree.insert({2, 2}, 7)));
+  EXPECT_EQ((Key{1, 3}), keyOf(tree.insert({1, 3}, 8)));
+  EXPECT_EQ((Key{2, 3}), keyOf(tree.append({2, 3}, 9)));
+  EXPECT_EQ((Rows{{{1, 3}, 8}, {{2, 2}, 7}, {{2, 3}, 9}}), tree.rows());
 }
 
 TEST(GTree, releaseForgetsTheLastRecordToo) {

@@ -102,19 +102,6 @@ TEST_F(TrieRemains, walkingAndDeletingThreeDimensionsEmptiesTheSymbol) {
                  lib().c__ztbfindfirstrecord(db_, symbol, &none));
 }
 
-TEST_F(TrieRemains, theDeletedFirstOfSeveralLabelsStaysInFrontOfARing) {
-  void* symbol = filled(1, {{{"a"}, 1}, {{"b"}, 2}, {{"c"}, 3}});
-  erase(symbol, {"a"});
-  EXPECT_EQ(2, db_.recordCount(symbol));
-  const Record record = db_.first(symbol);
-  std::vector<double> walked = {db_.level(record)};
-  for (int step = 0; step < 4; ++step) {
-    EXPECT_SUCCESS(db_, lib().c__ztbrecordmovenext(db_, record));
-    walked.push_back(db_.level(record));
-  }
-  EXPECT_EQ((std::vector<double>{1, 2, 3, 2, 3}), walked);
-}
-
 TEST_F(TrieRemains, theOnlyRecordsNodeStaysAndTheSymbolIsEmpty) {
   void* symbol = filled(2, {{{"b", "b"}, 1}});
   erase(symbol, {"b", "b"});
@@ -123,6 +110,91 @@ TEST_F(TrieRemains, theOnlyRecordsNodeStaysAndTheSymbolIsEmpty) {
   db_.put(symbol, {"b", "c"}, 2);
   db_.put(symbol, {"c", "a"}, 3);
   EXPECT_EQ((std::vector<Row>{{{"b", "c"}, 2}, {{"c", "a"}, 3}}), db_.rows(symbol));
+}
+
+// The only record of one dimension, deleted; its node stays, and its key or another one comes
+// again.
+class TrieOnlyRecordDeleted : public TrieRemains {
+ protected:
+  void* emptied(int type = ZTB_PARAMETER) {
+    void* symbol = db_.add("p", 1, type);
+    db_.put(symbol, {"b"}, 1);
+    symbol = moveTo(db_, symbol, ZTB_STORAGE_TRIE);
+    selectDefault(db_, ZTB_STORAGE_TRIE);
+    erase(symbol, {"b"});
+    EXPECT_EQ(0, db_.recordCount(symbol));
+    return symbol;
+  }
+  int store(void* symbol, int key, const std::array<double, 5>& values) {
+    return lib().c__ztbmergerecordint(db_, symbol, &key, 1, 0, nullptr, 1, values.data());
+  }
+};
+
+TEST_F(TrieOnlyRecordDeleted, theSameKeyByNumberHoldsTheNewValue) {
+  void* symbol = emptied();
+  EXPECT_SUCCESS(db_, store(symbol, 2, {5}));
+  EXPECT_EQ((std::vector<Row>{{{"b"}, 5}}), db_.rows(symbol));
+  EXPECT_EQ(5, db_.level(db_.record(symbol, {"b"})));
+}
+
+TEST_F(TrieOnlyRecordDeleted, anotherKeyByNumberIsTheOnlyRecord) {
+  for (const int key : {1, 3}) {
+    Database other;
+    for (const char* label : {"a", "b", "c"}) {
+      other.uel(label);
+    }
+    selectDefault(other, ZTB_STORAGE_TRIE);
+    void* symbol = other.addParameter("p");
+    other.put(symbol, {"b"}, 1);
+    ASSERT_EQ(1, lib().c__ztbdeleterecord(other, other.record(symbol, {"b"})));
+    const std::array<double, 5> values = {5};
+    EXPECT_SUCCESS(
+        other, lib().c__ztbmergerecordint(other, symbol, &key, 1, 0, nullptr, 1, values.data()));
+    EXPECT_EQ((std::vector<Row>{{{key == 1 ? "a" : "c"}, 5}}), other.rows(symbol));
+    EXPECT_EQ(1, other.recordCount(symbol));
+  }
+}
+
+TEST_F(TrieOnlyRecordDeleted, allFiveSlotsAreNew) {
+  void* symbol = emptied(ZTB_VARIABLE);
+  EXPECT_SUCCESS(db_, store(symbol, 2, {5, 6, 7, 8, 9}));
+  std::array<int, 1> keys = {};
+  std::array<double, 5> values = {};
+  ASSERT_EQ(1, lib().c__ztbgetrecordraw(db_, db_.first(symbol), 1, keys.data(), values.data()));
+  EXPECT_EQ((std::array<double, 5>{5, 6, 7, 8, 9}), values);
+  EXPECT_EQ(1, db_.recordCount(symbol));
+}
+
+TEST_F(TrieOnlyRecordDeleted, theTextOfASetIsNew) {
+  void* set = db_.addSet("s");
+  EXPECT_SUCCESS(db_, lib().c__ztbsetelemtext(db_, db_.put(set, {"b"}), "old"));
+  set = moveTo(db_, set, ZTB_STORAGE_TRIE);
+  selectDefault(db_, ZTB_STORAGE_TRIE);
+  erase(set, {"b"});
+  const int key = 2;
+  EXPECT_SUCCESS(db_, lib().c__ztbmergesetrecordint(db_, set, &key, 1, 0, nullptr, "new"));
+  EXPECT_EQ(1, db_.recordCount(set));
+  EXPECT_EQ("new", db_.elementText(db_.first(set)));
+}
+
+TEST_F(TrieOnlyRecordDeleted, theSameKeyByNumberWithoutValuesOrByLabelIsARecordAgain) {
+  void* symbol = emptied();
+  const int key = 2;
+  EXPECT_SUCCESS(db_, lib().c__ztbmergerecordint(db_, symbol, &key, 1, 0, nullptr, 0, nullptr));
+  EXPECT_EQ((std::vector<Row>{{{"b"}, 0}}), db_.rows(symbol));
+  erase(symbol, {"b"});
+  db_.put(symbol, {"b"}, 7);
+  EXPECT_EQ((std::vector<Row>{{{"b"}, 7}}), db_.rows(symbol));
+}
+
+TEST_F(TrieOnlyRecordDeleted, onTwoDimensionsAnotherKeyByNumberIsTheOnlyRecord) {
+  void* symbol = filled(2, {{{"b", "b"}, 1}});
+  erase(symbol, {"b", "b"});
+  const std::array<int, 2> key = {3, 1};
+  const std::array<double, 5> values = {5};
+  EXPECT_SUCCESS(
+      db_, lib().c__ztbmergerecordint(db_, symbol, key.data(), 1, 0, nullptr, 1, values.data()));
+  EXPECT_EQ((std::vector<Row>{{{"c", "a"}, 5}}), db_.rows(symbol));
 }
 
 TEST_F(TrieRemains, afterClearingTheLastKeyOfBeforeIsMergedIntoNothing) {

@@ -36,6 +36,7 @@ class ThrowingRecord final : public AbstractZTBSymbolIterator {
   void copyRecord(int*, double*) override { refused<int>(); }
   const int* keys() override { return refused<int>(); }
   void assignPosition(const AbstractZTBSymbolIterator&) override { refused<int>(); }
+  const void* valuesAddress() override { return refused<const void>(); }
 
  private:
   template <class T>

@@ -35,7 +35,9 @@ class SpyStore final : public dmap::IDMap<dmap::DMapIterator> {
  public:
   using Iterator = dmap::DMapIterator;
 
-  SpyStore(int dim, int type) : dim_(dim), inner_(dim, type) { ++spy().living; }
+  SpyStore(int dim, int type) : IDMap(dmap::StorageKind::dMap, dim, type), inner_(dim, type) {
+    ++spy().living;
+  }
   ~SpyStore() override { --spy().living; }
 
   Iterator append(const int* keys, const double* values) override {
@@ -81,8 +83,11 @@ class SpyStore final : public dmap::IDMap<dmap::DMapIterator> {
   int indexOf(const Iterator& position) override { return inner_.indexOf(position); }
   Iterator iteratorAt(int index) override { return inner_.iteratorAt(index); }
   void reserve(int records) override { inner_.reserve(records); }
-  [[nodiscard]] dmap::StorageKind kind() const { return inner_.kind(); }
+  void startAnew() { inner_.startAnew(); }
   void release() { inner_.release(); }
+  [[nodiscard]] static Iterator behind(const Iterator& position) {
+    return dmap::DMap::behind(position);
+  }
   [[nodiscard]] bool isEnd(const Iterator& position) { return inner_.end().equals(position); }
   [[nodiscard]] bool isEndBound(const Iterator& bound, const int* /*keys*/) { return isEnd(bound); }
 
@@ -107,7 +112,6 @@ class SpyStore final : public dmap::IDMap<dmap::DMapIterator> {
     return position.equals(inner_.end()) ? "end" : text(position.get().keys);
   }
 
-  int dim_;
   dmap::DMap inner_;
 };
 
