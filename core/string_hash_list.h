@@ -4,6 +4,10 @@
 // Entries are never removed and never move: a number and a text, once handed out, stay. The table
 // is built at the first insertion or lookup and rebuilt by insertions only, in fixed steps. An
 // insertion that runs out of memory leaves the list as it was.
+//
+// The entries own what they point to, and the table is a plain array, so that a lookup goes one
+// pointer less far than through a vector. There is no map of a sorted order and no word that tells
+// whether it is sorted: no operation would make one, and each insertion would have to ask for it.
 #ifndef ZTB_CORE_STRING_HASH_LIST_H_
 #define ZTB_CORE_STRING_HASH_LIST_H_
 
@@ -63,18 +67,58 @@ inline bool equalFolded(const char* a, const char* b) {
   return false;
 }
 
+// The first difference of two keys, as that of two bytes with small ASCII letters folded to
+// capitals; where one is the beginning of the other, the difference of their lengths.
+inline int compareFolded(const char* a, const char* b) {
+  while (*a != '\0' && upperAscii(*a) == upperAscii(*b)) {
+    ++a;
+    ++b;
+  }
+  if (*a != '\0' && *b != '\0') {
+    return static_cast<unsigned char>(upperAscii(*a)) - static_cast<unsigned char>(upperAscii(*b));
+  }
+  return static_cast<int>(std::strlen(a)) - static_cast<int>(std::strlen(b));
+}
+
 template <class T>
 class TXStrHashList {
  public:
+  struct Bucket {
+    std::unique_ptr<char[]> text;
+    Bucket* next = nullptr;
+    int number = 0;
+    T object{};
+  };
+
   explicit TXStrHashList(bool oneBased = false) : oneBased_(oneBased) {}
   TXStrHashList(const TXStrHashList&) = delete;
   TXStrHashList& operator=(const TXStrHashList&) = delete;
+
+ protected:
+  // Chain of a key. REQUIRES: the table has been built.
+  [[nodiscard]] virtual std::size_t hash(const char* key) const {
+    return hashOf(key) % static_cast<std::uint32_t>(hashTableSize_);
+  }
+  [[nodiscard]] virtual bool entryEqual(const char* a, const char* b) const {
+    return equalFolded(a, b);
+  }
+  // Below, above or 0 as the first key sorts before, behind or with the second, ASCII case folded.
+  [[nodiscard]] virtual int compareEntries(const char* a, const char* b) const {
+    return compareFolded(a, b);
+  }
+
+ public:
   virtual ~TXStrHashList() = default;
 
+ protected:
+  // Gives back what an entry's object holds: nothing.
+  virtual void freeItem(T& /*object*/) {}
+
+ public:
   // Number of the key's entry, which is made if there is none; an entry that exists keeps its text
   // and its object. `length` does not count the terminator.
   int store(const char* key, std::size_t length, T object) {
-    if (size() >= reHashCount_) {
+    if (count_ >= reHashCount_) {
       buildTable();
     }
     if (const Bucket* present = bucketOf(key)) {
@@ -84,11 +128,11 @@ class TXStrHashList {
     bucket->text = std::make_unique_for_overwrite<char[]>(length + 1);
     std::memcpy(bucket->text.get(), key, length);
     bucket->text[length] = '\0';
-    bucket->number = size();
+    bucket->number = count_;
     bucket->object = object;
     buckets_.push_back(std::move(bucket));
     link(*buckets_.back());
-    return outside(buckets_.back()->number);
+    return outside(count_++);
   }
 
   // Number of the key's entry, or -1.
@@ -114,28 +158,12 @@ class TXStrHashList {
     return bucket->object;
   }
 
-  [[nodiscard]] int size() const { return static_cast<int>(buckets_.size()); }
+  [[nodiscard]] int size() const { return count_; }
 
   // Chains of the table in force; 0 before the first build.
-  [[nodiscard]] int hashTableSize() const { return static_cast<int>(hashTable_.size()); }
-
- protected:
-  // Chain of a key. REQUIRES: the table has been built.
-  [[nodiscard]] virtual std::size_t hash(const char* key) const {
-    return hashOf(key) % static_cast<std::uint32_t>(hashTable_.size());
-  }
-  [[nodiscard]] virtual bool entryEqual(const char* a, const char* b) const {
-    return equalFolded(a, b);
-  }
+  [[nodiscard]] int hashTableSize() const { return hashTableSize_; }
 
  private:
-  struct Bucket {
-    std::unique_ptr<char[]> text;
-    Bucket* next = nullptr;
-    int number = 0;
-    T object{};
-  };
-
   [[nodiscard]] int outside(int position) const { return oneBased_ ? position + 1 : position; }
   [[nodiscard]] std::size_t inside(int number) const {
     return static_cast<std::size_t>(oneBased_ ? number - 1 : number);
@@ -149,10 +177,12 @@ class TXStrHashList {
 
   void buildTable() {
     std::size_t step = tableSizes.size() - 1;
-    while (tableSizes[step].fromCount > size()) {
+    while (tableSizes[step].fromCount > count_) {
       --step;
     }
-    std::vector<Bucket*>(static_cast<std::size_t>(tableSizes[step].hashTableSize)).swap(hashTable_);
+    const int chains = tableSizes[step].hashTableSize;
+    hashTable_ = std::make_unique<Bucket*[]>(static_cast<std::size_t>(chains));
+    hashTableSize_ = chains;
     reHashCount_ = tableSizes[step].reHashCount;
     for (const auto& bucket : buckets_) {
       link(*bucket);
@@ -168,15 +198,17 @@ class TXStrHashList {
   }
 
   Bucket* lookUp(const char* key) {
-    if (hashTable_.empty()) {
+    if (hashTable_ == nullptr) {
       buildTable();
     }
     return bucketOf(key);
   }
 
   std::vector<std::unique_ptr<Bucket>> buckets_;
-  std::vector<Bucket*> hashTable_;
+  std::unique_ptr<Bucket*[]> hashTable_;  // null until it is first needed
+  int hashTableSize_ = 0;
   int reHashCount_ = 0;
+  int count_ = 0;
   bool oneBased_;
 };
 
