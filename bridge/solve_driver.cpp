@@ -171,11 +171,7 @@ class SolveDriver {
       const std::string name = dictionarySymbolName(db_.nmt, i);
       AbstractZTBSymbol* symbol = db_.symbols.contains(name) ? db_.symbols.atName(name) : nullptr;
       if (symbol != nullptr) {
-        symbol->clearRecords();
-        // A cleared tree still goes by the last record it had, and would take that one as present.
-        if (symbol->storageKind() == dmap::StorageKind::dMapGTree) {
-          symbol->releaseRecords();
-        }
+        symbol->startRecordsAnew();
         symbol->loaded = false;
         symbol->unreadable.reset();
       }

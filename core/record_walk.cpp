@@ -21,7 +21,7 @@ bool standOnSame(AbstractZTBSymbolIterator& first, AbstractZTBSymbolIterator& se
   if (first.onUniverse() || second.onUniverse()) {
     return first.universePosition() == second.universePosition();
   }
-  return first.values() == second.values();
+  return first.valuesAddress() == second.valuesAddress();
 }
 
 }  // namespace

@@ -209,7 +209,11 @@ int ztbClearSymbol(ztbRec* handle, void* sym) {
       return db.fail("Cannot clear the Universe");
     }
     symbol->unreadable.reset();
-    db.emptySymbol(*symbol);
+    if (symbol->loaded) {
+      symbol->clearRecords();
+    } else {
+      symbol->loaded = true;
+    }
     markWritten(db, *symbol);
     return success;
   });

@@ -86,11 +86,8 @@ bool ZTB::emptySymbol(AbstractZTBSymbol& symbol) {
   if (!requireReadable(symbol)) {
     return false;
   }
-  if (symbol.loaded) {
-    symbol.clearRecords();
-  } else {
-    symbol.loaded = true;
-  }
+  symbol.startRecordsAnew();
+  symbol.loaded = true;
   return true;
 }
 

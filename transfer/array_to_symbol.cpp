@@ -1,5 +1,6 @@
 // A caller's cube into the records of a set or parameter.
 
+#include <algorithm>
 #include <array>
 #include <vector>
 
@@ -18,7 +19,6 @@ class Cells {
  public:
   Cells(const ZTB& db, const void* cells, bool isSet) : db_(db), cells_(cells), isSet_(isSet) {}
 
-  [[nodiscard]] bool isSet() const { return isSet_; }
   [[nodiscard]] bool isZero(std::size_t cell) const {
     return isSet_ ? whole(cell) == 0 : real(cell) == 0.0;
   }
@@ -87,6 +87,77 @@ bool checkPosition(ZTB& db, const AbstractZTBSymbol& symbol, AbstractZTBSymbol* 
   return true;
 }
 
+// A label at a position of the cube: its number, and its rank from 0 in the domain that lays the
+// position out.
+struct CubeLabel {
+  int label;
+  std::size_t rank;
+};
+
+using CubeLabels = std::vector<CubeLabel>;
+
+// The labels of a domain in the order of its records.
+CubeLabels allLabels(AbstractZTBSymbol& domain) {
+  CubeLabels labels;
+  labels.reserve(static_cast<std::size_t>(domain.recordCount()));
+  domain.forEachKey([&labels](const int* key) { labels.push_back({key[0], labels.size()}); });
+  return labels;
+}
+
+// The labels of a slice set that the full domain has.
+CubeLabels sliceLabels(AbstractZTBSymbol& sliceDomain, const RankTables& ranks,
+                       std::size_t position) {
+  CubeLabels labels;
+  sliceDomain.forEachKey([&](const int* key) {
+    const int rank = ranks.rank(position, key[0]);
+    if (rank != 0) {
+      labels.push_back({key[0], static_cast<std::size_t>(rank) - 1});
+    }
+  });
+  return labels;
+}
+
+// Ascending labels give ascending keys, which every store takes; a vector takes no others.
+void sortLabels(CubeLabels& labels) {
+  const auto below = [](const CubeLabel& left, const CubeLabel& right) {
+    return left.label < right.label;
+  };
+  if (!std::is_sorted(labels.begin(), labels.end(), below)) {
+    std::stable_sort(labels.begin(), labels.end(), below);
+  }
+}
+
+// Makes a record of each cell at these labels, with one list of them, not empty, for a position.
+void fill(AbstractZTBSymbol& symbol, std::vector<CubeLabels>& labels, const Cells& cells,
+          const int* vDim, bool skipsZeros) {
+  std::for_each(labels.begin(), labels.end(), sortLabels);
+  RecordTarget target(symbol);
+  Places index = {};
+  KeyBuffer keys = {};
+  const std::size_t last = labels.size() - 1;
+  for (bool more = true; more;) {
+    std::size_t row = 0;
+    for (std::size_t d = 0; d < last; ++d) {
+      const CubeLabel& wanted = labels[d][index[d]];
+      row = row * static_cast<std::size_t>(vDim[d]) + wanted.rank;
+      keys[d] = wanted.label;
+    }
+    row *= static_cast<std::size_t>(vDim[last]);
+    for (const CubeLabel& wanted : labels[last]) {
+      const std::size_t cell = row + wanted.rank;
+      if (!skipsZeros || !cells.isZero(cell)) {
+        keys[last] = wanted.label;
+        target.add(keys.data(), cells.value(cell));
+      }
+    }
+    more = false;
+    for (std::size_t d = last; d-- > 0 && !more;) {
+      more = ++index[d] < labels[d].size();
+      index[d] = more ? index[d] : 0;
+    }
+  }
+}
+
 int wholeCube(ZTB& db, void* sym, void* const* domains, const void* cube, const int* vDim) {
   AbstractZTBSymbol* symbol = symbolOf(sym);
   if (!emptyTarget(db, symbol)) {
@@ -98,50 +169,14 @@ int wholeCube(ZTB& db, void* sym, void* const* domains, const void* cube, const 
       return failure;
     }
   }
-  const auto total = static_cast<std::size_t>(cellCount(vDim, symbol->dim));
-  std::vector<std::vector<int>> labels;
+  requireCountableCells(cellCount(vDim, symbol->dim));
+  std::vector<CubeLabels> labels;
   for (std::size_t d = 0; d < dim; ++d) {
-    labels.push_back(labelsOf(*symbolOf(domains[d])));
+    labels.push_back(allLabels(*symbolOf(domains[d])));
   }
-  const Cells cells(db, cube, symbol->type == ZTB_SET);
-  RecordTarget target(*symbol);
-  Places index = {};
-  KeyBuffer keys = {};
-  for (std::size_t d = 0; d < dim; ++d) {
-    keys[d] = labels[d][0];
-  }
-  for (std::size_t cell = 0; cell < total; ++cell) {
-    if (!cells.isSet() || !cells.isZero(cell)) {
-      target.add(keys.data(), cells.value(cell));
-    }
-    for (std::size_t d = dim; d-- > 0;) {
-      index[d] = index[d] + 1 < labels[d].size() ? index[d] + 1 : 0;
-      keys[d] = labels[d][index[d]];
-      if (index[d] != 0) {
-        break;
-      }
-    }
-  }
+  const bool isSet = symbol->type == ZTB_SET;
+  fill(*symbol, labels, Cells(db, cube, isSet), vDim, isSet);
   return success;
-}
-
-// A label that is wanted: its number and its rank from 0 in the full domain.
-struct SliceLabel {
-  int label;
-  std::size_t rank;
-};
-
-// The labels of a slice set that the full domain has, in the order of the slice set.
-std::vector<SliceLabel> sliceLabels(AbstractZTBSymbol& sliceDomain, const RankTables& ranks,
-                                    std::size_t position) {
-  std::vector<SliceLabel> labels;
-  sliceDomain.forEachKey([&](const int* key) {
-    const int rank = ranks.rank(position, key[0]);
-    if (rank != 0) {
-      labels.push_back({key[0], static_cast<std::size_t>(rank) - 1});
-    }
-  });
-  return labels;
 }
 
 int slices(ZTB& db, void* sym, void* const* sliceDomains, void* const* domains, const void* cube,
@@ -158,41 +193,14 @@ int slices(ZTB& db, void* sym, void* const* sliceDomains, void* const* domains, 
     }
   }
   const RankTables ranks(domains, symbol->dim, db);
-  std::vector<std::vector<SliceLabel>> labels;
+  std::vector<CubeLabels> labels;
   for (std::size_t d = 0; d < dim; ++d) {
     labels.push_back(sliceLabels(*symbolOf(sliceDomains[d]), ranks, d));
-  }
-  for (const auto& wanted : labels) {
-    if (wanted.empty()) {
+    if (labels.back().empty()) {
       return success;
     }
   }
-  const Cells cells(db, cube, symbol->type == ZTB_SET);
-  RecordTarget target(*symbol);
-  Places index = {};
-  KeyBuffer keys = {};
-  const std::size_t last = dim - 1;
-  for (bool more = true; more;) {
-    std::size_t row = 0;
-    for (std::size_t d = 0; d < last; ++d) {
-      const SliceLabel& wanted = labels[d][index[d]];
-      row = row * static_cast<std::size_t>(vDim[d]) + wanted.rank;
-      keys[d] = wanted.label;
-    }
-    row *= static_cast<std::size_t>(vDim[last]);
-    for (const SliceLabel& wanted : labels[last]) {
-      const std::size_t cell = row + wanted.rank;
-      if (!cells.isZero(cell)) {
-        keys[last] = wanted.label;
-        target.add(keys.data(), cells.value(cell));
-      }
-    }
-    more = false;
-    for (std::size_t d = last; d-- > 0 && !more;) {
-      more = ++index[d] < labels[d].size();
-      index[d] = more ? index[d] : 0;
-    }
-  }
+  fill(*symbol, labels, Cells(db, cube, symbol->type == ZTB_SET), vDim, true);
   return success;
 }
 

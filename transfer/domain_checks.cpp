@@ -1,12 +1,20 @@
 #include "transfer/domain_checks.h"
 
 #include <algorithm>
+#include <limits>
 #include <stdexcept>
 #include <string>
 
 #include "core/handles.h"
 
 namespace ztb {
+namespace {
+
+[[noreturn]] void throwTooManyCells() {
+  throw std::length_error("a cube of these sizes has more cells than can be counted");
+}
+
+}  // namespace
 
 LabelRanks ranksOf(AbstractZTBSymbol& set, const ZTB& db) {
   LabelRanks ranks(static_cast<std::size_t>(db.uels.size()));
@@ -33,13 +41,6 @@ RankTables::RankTables(void* const* domains, int count, const ZTB& db)
       ranks_[static_cast<std::size_t>(d)] = ranks_[static_cast<std::size_t>(known)];
     }
   }
-}
-
-std::vector<int> labelsOf(AbstractZTBSymbol& domain) {
-  std::vector<int> labels;
-  labels.reserve(static_cast<std::size_t>(domain.recordCount()));
-  domain.forEachKey([&labels](const int* key) { labels.push_back(key[0]); });
-  return labels;
 }
 
 bool checkDomain(ZTB& db, const AbstractZTBSymbol& symbol, AbstractZTBSymbol* domain) {
@@ -79,9 +80,23 @@ std::int64_t cellCount(const int* vDim, int dim) {
     tooMany = __builtin_mul_overflow(cells, vDim[d], &cells) || tooMany;
   }
   if (tooMany) {
-    throw std::length_error("a cube of these sizes has more cells than can be counted");
+    throwTooManyCells();
   }
   return cells;
+}
+
+std::int32_t wrappedCellCount(const int* vDim, int dim) {
+  std::uint32_t cells = 1;
+  for (int d = 0; d < dim; ++d) {
+    cells *= static_cast<std::uint32_t>(vDim[d]);
+  }
+  return static_cast<std::int32_t>(cells);
+}
+
+void requireCountableCells(std::int64_t cells) {
+  if (cells < 0 || cells > std::numeric_limits<std::int32_t>::max()) {
+    throwTooManyCells();
+  }
 }
 
 bool checkSparseSymbol(ZTB& db, const AbstractZTBSymbol* symbol) {

@@ -35,9 +35,6 @@ class RankTables {
   std::size_t labels_;
 };
 
-// The labels of a set in the order of its records.
-std::vector<int> labelsOf(AbstractZTBSymbol& domain);
-
 // Whether a set may lay out a position of a symbol. The text of a refusal, in this order:
 // "No domain symbol handle specified for symbol %s",
 // "Cannot use universe as domain symbol %s", "Symbol %s and domain symbol %s in different
@@ -51,6 +48,13 @@ bool checkCard(ZTB& db, const AbstractZTBSymbol& domain, int position, int cells
 // Cells of a cube, 0 if any of its sizes is. Throws std::length_error for more than a 64-bit number
 // counts.
 std::int64_t cellCount(const int* vDim, int dim);
+
+// The same in 32 bits, where the product of larger sizes wraps around: to 0, below 0, or to less
+// than there is.
+std::int32_t wrappedCellCount(const int* vDim, int dim);
+
+// Throws std::length_error for a number of cells that 32 bits do not count.
+void requireCountableCells(std::int64_t cells);
 
 // "Empty symbol pointer", "Can't map universe" and "Can't map scalars", in this order.
 bool checkSparseSymbol(ZTB& db, const AbstractZTBSymbol* symbol);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "core/default_records.h"
@@ -24,9 +25,6 @@ class SymbolCopy {
         to_(*target.database),
         targetIsUniverse_(isUniverse(to_, &target)) {
     requireKeyRoom(source);
-    if (!targetIsUniverse_) {
-      defaults_ = defaultRecord(target);
-    }
   }
 
   bool run() {
@@ -45,8 +43,7 @@ class SymbolCopy {
       if (!to_.uels.merge(from_.uels.at(number), keys.data())) {
         return false;
       }
-      if (!targetIsUniverse_ &&
-          !target_.mergeRecord(keys.data(), defaults_, defaults_, nullptr).first) {
+      if (!targetIsUniverse_ && !mergeInTarget(keys).first) {
         return false;
       }
     }
@@ -65,8 +62,7 @@ class SymbolCopy {
     if (targetIsUniverse_) {
       return true;
     }
-    const auto [merged, slots] =
-        target_.mergeRecord(targetKeys.data(), defaults_, defaults_, nullptr);
+    const auto [merged, slots] = mergeInTarget(targetKeys);
     if (!merged) {
       return false;
     }
@@ -79,6 +75,14 @@ class SymbolCopy {
       std::copy_n(values, dmap::slotCount(target_.type), slots);
     }
     return true;
+  }
+
+  // The default values are asked for with the first record: without any, no subtype is wrong.
+  std::pair<bool, double*> mergeInTarget(const KeyBuffer& keys) {
+    if (defaults_ == nullptr) {
+      defaults_ = defaultRecord(target_);
+    }
+    return target_.mergeRecord(keys.data(), defaults_, defaults_, nullptr);
   }
 
   // The target's number of a label of the source. The string is looked at once: neither list ever

@@ -20,7 +20,8 @@ class Cube {
   Cube(void* cells, const AbstractZTBSymbol& symbol)
       : cells_(cells), isSet_(symbol.type == ZTB_SET) {}
 
-  void clear(std::int64_t size) const {
+  // Nothing for a size below 0.
+  void clear(std::int32_t size) const {
     if (isSet_) {
       std::fill_n(static_cast<int*>(cells_), size, 0);
     } else {
@@ -89,14 +90,14 @@ int denseToDense(ZTB& db, void* cells, const int* vDim, void* sym, int field) {
   return success;
 }
 
-// What the two sparse operations check first, with the size of the cube as the result's second.
+// What the two sparse operations check first, with the size of the cube in 32 bits.
 bool checkSparse(ZTB& db, AbstractZTBSymbol* symbol, const int* vDim, int& field,
-                 std::int64_t& size) {
+                 std::int32_t& size) {
   if (!checkSparseSymbol(db, symbol) || !db.ensureLoaded(*symbol)) {
     return false;
   }
   requireKeyRoom(*symbol);
-  size = cellCount(vDim, symbol->dim);
+  size = wrappedCellCount(vDim, symbol->dim);
   if (size == 0) {
     return db.fail("Zero sized cube") == success;
   }
@@ -107,7 +108,7 @@ int sparseToDense(ZTB& db, void* cells, const int* vDim, void* sym, void* const*
                   int* nDropped) {
   *nDropped = -1;
   AbstractZTBSymbol* symbol = symbolOf(sym);
-  std::int64_t size = 0;
+  std::int32_t size = 0;
   if (!checkSparse(db, symbol, vDim, field, size)) {
     return failure;
   }
@@ -119,6 +120,7 @@ int sparseToDense(ZTB& db, void* cells, const int* vDim, void* sym, void* const*
       return failure;
     }
   }
+  requireCountableCells(size);
   const RankTables ranks(domains, dim, db);
   const Cube cube(cells, *symbol);
   cube.clear(size);
@@ -163,7 +165,7 @@ int sparseToSqueezed(ZTB& db, void* cells, const int* vDim, void* sym, void* con
                      void* const* domains, int field, int* nDropped) {
   *nDropped = -1;
   AbstractZTBSymbol* symbol = symbolOf(sym);
-  std::int64_t size = 0;
+  std::int32_t size = 0;
   if (!checkSparse(db, symbol, vDim, field, size)) {
     return failure;
   }
@@ -177,6 +179,7 @@ int sparseToSqueezed(ZTB& db, void* cells, const int* vDim, void* sym, void* con
       return failure;
     }
   }
+  requireCountableCells(size);
   const RankTables ranks(domains, dim, db);
   std::vector<std::vector<int>> squeezeMaps;
   std::array<std::int64_t, dmap::maxDimension> domainSizes = {};

@@ -188,6 +188,26 @@ TEST_F(Solution, ofASymbolMovedToAnotherStoreUnreadIsReadThere) {
   }
 }
 
+TEST_F(Solution, endsTheHandlesOnTheOneBeforeOnEveryStore) {
+  for (const int store : {0, 1, 2}) {
+    renew();
+    lib().c__ztbselectrecordstorage(db(), nullptr, store);
+    prepare();
+    const Record before = db().record(db().find("buy"), {"milk"});
+    EXPECT_EQ(6, db().level(before));
+    EXPECT_EQ(1, solve("dual"));
+    double value = 0;
+    EXPECT_FAILURE(db(),
+                   "Unexpected exception in ztbGetLevel: the record handle stands on no record",
+                   lib().c__ztbgetlevel(db(), before, &value));
+    EXPECT_EQ((Lines{"flour : 0 1 0 inf 1", "milk : 1 1 1 100 4"}), records("buy"));
+    EXPECT_FAILURE(db(),
+                   "Unexpected exception in ztbRecordMovePrev: the record handle stands on no "
+                   "record",
+                   lib().c__ztbrecordmoveprev(db(), before));
+  }
+}
+
 class UnsortedSolution : public Solution {
  protected:
   // A database on a store, and a model whose walk over x does not follow the labels.

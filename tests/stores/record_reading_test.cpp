@@ -168,6 +168,51 @@ TEST_P(StoreReading, theUniverseIsWalkedWhateverTheStoreOfNewSymbols) {
   EXPECT_EQ(Labels{"unused"}, db_.labels(db_.last(db_.universe()), 1));
 }
 
+// Two handles that stand on nothing are compared like any others, by where their values are.
+TEST_P(StoreReading, handlesBehindTheLastRecordOfOneSymbolAreTheSame) {
+  void* symbol = filled("p", 1, {{{"a"}, 1}, {{"b"}, 2}});
+  const Record first = db_.last(symbol);
+  const Record live = db_.first(symbol);
+  ASSERT_EQ(1, lib().c__ztbdeleterecord(db_, first));
+  void* handle = nullptr;
+  ASSERT_EQ(1, lib().c__ztbcopysymboliterator(db_, first, &handle));
+  const Record second(db_, handle);
+  EXPECT_SUCCESS(db_, lib().c__ztbsamerecord(db_, first, second));
+  EXPECT_SILENT_FAILURE(db_, lib().c__ztbsamerecord(db_, first, live));
+  EXPECT_SILENT_FAILURE(db_, lib().c__ztbsamerecord(db_, live, second));
+}
+
+TEST_P(StoreReading, handlesBehindTheLastRecordsOfTwoSymbolsDifferOnTheMapOnly) {
+  std::vector<Record> behind;
+  for (const char* name : {"p", "q"}) {
+    void* symbol = filled(name, 1, {{{"a"}, 1}, {{"b"}, 2}});
+    behind.push_back(db_.last(symbol));
+    ASSERT_EQ(1, lib().c__ztbdeleterecord(db_, behind.back()));
+  }
+  db_.markError();
+  EXPECT_EQ(on(ZTB_STORAGE_TREE_MAP) ? 0 : 1, lib().c__ztbsamerecord(db_, behind[0], behind[1]));
+  EXPECT_TRUE(db_.errorUntouched());
+}
+
+TEST_P(StoreReading, handlesOfRecordsThatAreGoneAreTheSame) {
+  void* symbol = filled("p", 1, {{{"a"}, 1}, {{"b"}, 2}});
+  const Record first = db_.first(symbol);
+  const Record second = db_.last(symbol);
+  EXPECT_SILENT_FAILURE(db_, lib().c__ztbsamerecord(db_, first, second));
+  ASSERT_EQ(1, lib().c__ztbclearsymbol(db_, symbol));
+  EXPECT_SUCCESS(db_, lib().c__ztbsamerecord(db_, first, second));
+}
+
+TEST(TrieReading, theHandlesOfFirstMergedRecordsStandOnNothingAndAreTheSame) {
+  Database db;
+  selectDefault(db, ZTB_STORAGE_TRIE);
+  void* symbol = db.addParameter("p", 2);
+  const Record first = db.put(symbol, {"a", "a"});
+  const Record other = db.put(db.addParameter("q", 2), {"a", "a"});
+  EXPECT_SUCCESS(db, lib().c__ztbsamerecord(db, first, other));
+  EXPECT_SILENT_FAILURE(db, lib().c__ztbsamerecord(db, first, db.first(symbol)));
+}
+
 INSTANTIATE_TEST_SUITE_P(Stores, StoreReading, allStores(), storeCaseName);
 
 }  // namespace

@@ -249,6 +249,16 @@ TEST_F(CopySymbol, failsForASubtypeThatHasNoDefaultRecord) {
   EXPECT_UNEXPECTED(target, "ztbCopySymbol", copy(to, from));
 }
 
+TEST_F(CopySymbol, asksForNoDefaultRecordWhereThereIsNoRecordToCopy) {
+  void* const to = target.addVariable("v");
+  target.put(to, {"a"});
+  ASSERT_EQ(1, lib().c__ztbsetuserinfo(target, to, 99));
+  EXPECT_SUCCESS(target, copy(to, to));
+  EXPECT_EQ(0, target.recordCount(to));
+  EXPECT_SUCCESS(target, copy(to, source.addVariable("empty")));
+  EXPECT_EQ(0, target.recordCount(to));
+}
+
 class CopySymbolOfFile : public CopySymbol {
  protected:
   CopySymbolOfFile() {
@@ -256,6 +266,7 @@ class CopySymbolOfFile : public CopySymbol {
     void* const set = written.addSet("i");
     putText(written, set, "fromFile", "text of the file");
     written.addAlias("ali", set);
+    written.addVariable("empty");
     file = folder.file("data.rxf");
     EXPECT_EQ(1, lib().c__ztbwriterxf(written, file.c_str(), 0));
   }
@@ -269,6 +280,16 @@ TEST_F(CopySymbolOfFile, readsASourceThatIsNotReadYet) {
   void* const to = target.addSet("s");
   EXPECT_SUCCESS(target, copy(to, opened.find("i")));
   EXPECT_EQ("text of the file", target.elementText(target.record(to, {"fromFile"})));
+}
+
+TEST_F(CopySymbolOfFile, asksForNoDefaultRecordWhereTheFileHasNoRecordToCopy) {
+  Database opened(file);
+  void* const to = target.addVariable("v");
+  ASSERT_EQ(1, lib().c__ztbsetuserinfo(target, to, 99));
+  EXPECT_SUCCESS(target, copy(to, opened.find("empty")));
+  void* const itself = opened.find("empty");
+  ASSERT_EQ(1, lib().c__ztbsetuserinfo(opened, itself, 99));
+  EXPECT_SUCCESS(opened, copy(itself, itself));
 }
 
 TEST_F(CopySymbolOfFile, neverReadsATargetThatIsNotReadYet) {

@@ -83,8 +83,8 @@ TEST_P(TransferOnStore, aSymbolGoesIntoASqueezedCube) {
   EXPECT_EQ((Doubles{11, 12, 31, 0}), cube.cells());
 }
 
-TEST_P(TransferOnStore, aSymbolIsCopiedToTheOrderedStoresWithinAndAcrossDatabases) {
-  for (const int storage : {ZTB_STORAGE_TREE_MAP, ZTB_STORAGE_VECTOR}) {
+TEST_P(TransferOnStore, aSymbolIsCopiedToEveryStoreWithinAndAcrossDatabases) {
+  for (const int storage : allStores) {
     OnStore other(storage);
     void* const copy = other.db.addParameter("copy", 2);
     EXPECT_SUCCESS(db, lib().c__ztbcopysymbol(db, copy, data));
@@ -94,20 +94,6 @@ TEST_P(TransferOnStore, aSymbolIsCopiedToTheOrderedStoresWithinAndAcrossDatabase
     EXPECT_SUCCESS(db, lib().c__ztbcopysymbol(db, neighbour, data));
     EXPECT_EQ(rows, db.rows(neighbour));
   }
-}
-
-TEST_P(TransferOnStore, aOneDimensionalSymbolIsCopiedToATrieToo) {
-  OnStore other(ZTB_STORAGE_TRIE);
-  void* const copy = other.db.addSet("copy");
-  EXPECT_SUCCESS(db, lib().c__ztbcopysymbol(db, copy, ends));
-  EXPECT_EQ((std::vector<Row>{{{"a"}, 0}, {{"c"}, 0}}), other.db.rows(copy));
-}
-
-TEST_P(TransferOnStore, aNewTrieOfMoreDimensionsCannotNameItsFirstRecordAndRefusesACopy) {
-  OnStore other(ZTB_STORAGE_TRIE);
-  void* const copy = other.db.addParameter("copy", 2);
-  EXPECT_UNEXPECTED(db, "ztbCopySymbol", lib().c__ztbcopysymbol(db, copy, data));
-  EXPECT_EQ((std::vector<Row>{{{"a", "x"}, 0}}), other.db.rows(copy));
 }
 
 TEST_P(TransferOnStore, violationsAreFound) {
@@ -180,31 +166,41 @@ TEST_F(UnorderedDomain, ranksLabelsByTheOrderOfItsRecords) {
   EXPECT_EQ((std::vector<Row>{{{"a"}, 10}, {{"b"}, 20}, {{"c"}, 30}}), db.rows(data));
 }
 
-TEST_F(UnorderedDomain, doesNotBringItsKeysIntoAVectorBetweenOthers) {
+TEST_F(UnorderedDomain, bringsEveryCellIntoAVectorInTheOrderOfTheKeys) {
   void* const data = db.addParameter("p");
   const Doubles cells = {30, 10, 20};
-  EXPECT_UNEXPECTED(db, "ztbDenseArrayToSymbol",
-                    lib().c__ztbdensearraytosymbol(db, data, &domain, cells.data(), &size));
-  EXPECT_EQ(2, db.recordCount(data)) << "c, and a in front of it; b would stand between them";
+  EXPECT_SUCCESS(db, lib().c__ztbdensearraytosymbol(db, data, &domain, cells.data(), &size));
+  EXPECT_EQ((std::vector<Row>{{{"a"}, 10}, {{"b"}, 20}, {{"c"}, 30}}), db.rows(data));
+  EXPECT_SUCCESS(
+      db, lib().c__ztbdensearrayslicestosymbol(db, data, &domain, &domain, cells.data(), &size));
+  EXPECT_EQ((std::vector<Row>{{{"a"}, 10}, {{"b"}, 20}, {{"c"}, 30}}), db.rows(data));
 }
 
-TEST(TrieAfterEmptying, losesTheRecordWithTheOldLastKeyWhenItIsFilledByACubeAgain) {
-  OnStore trie(ZTB_STORAGE_TRIE);
-  Symbols domains = {addSetOf(trie.db, "i", {"a", "b"}), addSetOf(trie.db, "j", {"x", "y"})};
-  void* const data = trie.db.addParameter("p", 2);
-  // By appending, which remembers the last record.
-  ScriptedHost host;
-  host.add("i", 1, {{{1}, {0}}, {{2}, {0}}});
-  host.add("j", 2, {{{3}, {0}}, {{4}, {0}}});
-  host.add("p", 3, {{{1, 3}, {1}}, {{2, 4}, {2}}});
-  host.attach(trie.db);
-  ASSERT_EQ(2, trie.db.recordCount(data));
-  const Sizes sizes = {2, 2};
-  const Doubles cells = {1, 2, 3, 4};
-  EXPECT_SUCCESS(trie.db, lib().c__ztbdensearraytosymbol(trie.db, data, domains.data(),
-                                                         cells.data(), sizes.data()));
-  EXPECT_EQ((std::vector<Row>{{{"a", "x"}, 1}, {{"a", "y"}, 2}, {{"b", "x"}, 3}}),
-            trie.db.rows(data));
+TEST_F(UnorderedDomain, bringsEveryCellOfTwoPositionsIntoAVectorInTheOrderOfTheKeys) {
+  void* const data = db.addParameter("p", 2);
+  Symbols domains = {domain, domain};
+  const Sizes sizes = {3, 3};
+  // By the order of the domain: c, a, b.
+  const Doubles cells = {33, 31, 32, 13, 11, 12, 23, 21, 22};
+  EXPECT_SUCCESS(
+      db, lib().c__ztbdensearraytosymbol(db, data, domains.data(), cells.data(), sizes.data()));
+  EXPECT_EQ((std::vector<Row>{{{"a", "a"}, 11},
+                              {{"a", "b"}, 12},
+                              {{"a", "c"}, 13},
+                              {{"b", "a"}, 21},
+                              {{"b", "b"}, 22},
+                              {{"b", "c"}, 23},
+                              {{"c", "a"}, 31},
+                              {{"c", "b"}, 32},
+                              {{"c", "c"}, 33}}),
+            db.rows(data));
+}
+
+TEST_F(UnorderedDomain, bringsTheCellsOfASetIntoAVectorInTheOrderOfTheKeys) {
+  void* const set = db.addSet("s");
+  const Integers cells = {3, 0, 2};
+  EXPECT_SUCCESS(db, lib().c__ztbdensearraytosymbol(db, set, &domain, cells.data(), &size));
+  EXPECT_EQ((std::vector<Row>{{{"b"}, 2}, {{"c"}, 3}}), db.rows(set));
 }
 
 TEST(VectorCopy, takesLabelsInAnotherOrderWhileEachHasItsPlaceBesideTheLastOne) {

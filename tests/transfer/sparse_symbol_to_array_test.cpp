@@ -1,4 +1,6 @@
 // A symbol into a cube by the rank of each label in a domain set.
+#include <climits>
+
 #include "tests/transfer/arrays.h"
 
 namespace ztbtest {
@@ -157,6 +159,39 @@ TEST_F(SparseSymbolToArray, checksTheDomainsPositionByPosition) {
                  sparse(cube, {3, 3}, data, {i, j}));
   EXPECT_EQ(-1, dropped);
   EXPECT_TRUE(cube.untouched());
+}
+
+TEST_F(SparseSymbolToArray, countsTheCellsInThirtyTwoBits) {
+  void* const data = sparseParameter();
+  Cube<double> cube(4);
+  EXPECT_FAILURE(db, "Zero sized cube", sparse(cube, {65536, 65536}, data, {nullptr, nullptr}));
+  EXPECT_FAILURE(db, "Zero sized cube", sparse(cube, {INT_MIN, 2}, data, {nullptr, nullptr}));
+  EXPECT_FAILURE(db, "Cube dimension 1 is 65537 while card(i) is 3.",
+                 sparse(cube, {65537, 65536}, data, {i, j}));
+  EXPECT_TRUE(cube.untouched());
+  EXPECT_EQ(-1, dropped);
+}
+
+TEST_F(SparseSymbolToArray, refusesACubeWhoseCellsThirtyTwoBitsCountBelowZero) {
+  void* const rows = db.addSet("rows");
+  for (int label = 0; label < 46341; ++label) {
+    putInSetByNumber(db, rows, {db.uel(numbered("r", label).c_str())});
+  }
+  Cube<double> cube(4);
+  // 46341 squared is 2147488281, the first square above what a positive number of 32 bits is.
+  EXPECT_FAILURE(db,
+                 "Unexpected exception in ztbSparseSymbolToDenseArray: a cube of these sizes has "
+                 "more cells than can be counted",
+                 sparse(cube, {46341, 46341}, sparseParameter(), {rows, rows}));
+  EXPECT_FAILURE(db,
+                 "Unexpected exception in ztbSparseSymbolToSqzdArray: a cube of these sizes has "
+                 "more cells than can be counted",
+                 squeezed(cube, {46341, 46341}, db.find("p"), {rows, rows}, {rows, rows}));
+  EXPECT_TRUE(cube.untouched());
+  EXPECT_FAILURE(db,
+                 "Unexpected exception in ztbDenseArrayToSymbol: a cube of these sizes has more "
+                 "cells than can be counted",
+                 fromDense(db.find("p"), {rows, rows}, cube, {46341, 46341}));
 }
 
 TEST_F(SparseSymbolToArray, doesNotKnowLabelNumbersThatNoLabelHas) {

@@ -130,6 +130,24 @@ TEST_F(SqueezedSymbolToArray, looksAtTheCubesSizeBeforeTheFieldAndAtBothBeforeTh
   EXPECT_TRUE(cube.untouched());
 }
 
+TEST_F(SqueezedSymbolToArray, countsTheCellsInThirtyTwoBitsBeforeItTouchesTheCube) {
+  void* const data = db.addParameter("wide", 2);
+  Cube<double> cube(4);
+  EXPECT_FAILURE(db, "Zero sized cube",
+                 squeezed(cube, {65536, 65536}, data, {nullptr, nullptr}, {nullptr, nullptr}));
+  EXPECT_TRUE(cube.untouched());
+  EXPECT_EQ(-1, dropped);
+}
+
+TEST_F(SqueezedSymbolToArray, clearsAsManyCellsAsThirtyTwoBitsCount) {
+  void* const data = db.addParameter("wide", 3);
+  Cube<double> cube(4);
+  // 2 to the power of 32, and 4, is 4 in 32 bits.
+  EXPECT_FAILURE(db, "Cube dimension 1 is 4 while card(i) is 3.",
+                 squeezed(cube, {4, 1, 1073741825}, data, {i, j, j}, {i, j, j}));
+  EXPECT_EQ((Doubles{0, 0, 0, 0}), cube.cells());
+}
+
 TEST_F(SqueezedSymbolToArray, aRefusedDomainLeavesTheCubeCleared) {
   void* const data = db.addParameter("p");
   Cube<double> cube(2);
