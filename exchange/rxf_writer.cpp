@@ -85,6 +85,12 @@ int RxfWriter::writeSymbols() {
 int RxfWriter::writeAlias(const AbstractZTBSymbol& alias) {
   const char* name = alias.name.c_str();
   const char* targetName = alias.aliasTarget->name.c_str();
+  if (alias.aliasTarget == &alias) {
+    return db_.fail(
+        "Error writing alias %s of set %s to RXF: the alias lost its set when it was "
+        "moved to another record storage",
+        name, targetName);
+  }
   if (peers::rxfAddAlias(target_, name, targetName) == 0) {
     return db_.fail("Error writing alias %s of set %s to RXF", name, targetName);
   }
@@ -94,6 +100,10 @@ int RxfWriter::writeAlias(const AbstractZTBSymbol& alias) {
 int RxfWriter::writeSymbol(AbstractZTBSymbol& symbol, int position) {
   if (symbol.type == dmap::typeAlias) {
     return writeAlias(symbol);
+  }
+  if (symbol.type < dmap::typeSet || symbol.type > dmap::typeAlias) {
+    return db_.fail("Error writing symbol %s to RXF: a file holds no symbol of type %d",
+                    symbol.name.c_str(), symbol.type);
   }
   const int userInfo =
       symbol.type == dmap::typeEquation ? symbol.userInfo + equationSubtypeBase : symbol.userInfo;

@@ -180,6 +180,29 @@ TEST_F(PublishRxf, aFileSizeLimitIsAFailureAndNoDeath) {
   expectOldFileAlone();
 }
 
+TEST_F(PublishRxf, aTypeThatAFileCannotHoldIsToldWithItsSymbol) {
+  for (const int type : {5, -1, 99}) {
+    Database other;
+    other.add("odd", 1, type);
+    EXPECT_FAILURE(
+        other,
+        "Error writing symbol odd to RXF: a file holds no symbol of type " + std::to_string(type),
+        write(other, file, noCheck));
+    expectOldFileAlone();
+  }
+}
+
+TEST_F(PublishRxf, anAliasThatLostItsSetIsTold) {
+  Database db;
+  void* alias = db.addAlias("j", db.addSet("i"));
+  ASSERT_EQ(1, lib().c__ztbselectrecordstorage(db, &alias, ZTB_STORAGE_VECTOR));
+  EXPECT_FAILURE(db,
+                 "Error writing alias j of set j to RXF: the alias lost its set when it was moved "
+                 "to another record storage",
+                 write(db, file, noCheck));
+  expectOldFileAlone();
+}
+
 TEST_F(PublishRxf, anEmptyDatabaseReplacesTheFile) {
   Database db;
   EXPECT_SUCCESS(db, write(db, file, check));
