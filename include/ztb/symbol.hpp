@@ -81,6 +81,22 @@ class Symbol {
     detail::clearRecords(place_);
   }
 
+  // Replaces the records by those of a symbol of this or another database, of the same dimension
+  // and type; anything can be copied into a set. Labels and texts cross by their strings. An alias
+  // gives the records of the set that it stands for. Throws before anything has changed when source
+  // is this symbol, itself or through an alias, or cannot be read.
+  void copyFrom(const Symbol& source) {
+    const Symbol from = source.unaliased();
+    if (from.handle() == unaliased().handle()) {
+      throw Error("ztbCopySymbol", "Cannot copy symbol " + source.name().str() + " onto " +
+                                       (source.handle() == handle() ? "itself" : name().str()) +
+                                       ": the copy would empty it first");
+    }
+    static_cast<void>(from.recordCount());
+    endHandles();
+    require(c__ztbcopysymbol(database(), handle(), from.handle()), "ztbCopySymbol");
+  }
+
   // Walks over all records. An alias has none of its own: walk the set that it stands for.
   [[nodiscard]] Records records() const { return Records(first()); }
   [[nodiscard]] Rows rows() const { return {first(), keyCount(), rowValueCount()}; }
@@ -244,6 +260,16 @@ class Symbol {
     operator Keys() const noexcept { return {pointers.data(), count}; }
     std::array<const char*, std::max<std::size_t>(count, 1)> pointers;
   };
+
+  // What an alias stands for; any other symbol itself.
+  [[nodiscard]] Symbol unaliased() const {
+    if (type() != Type::alias) {
+      return *this;
+    }
+    void* target = nullptr;
+    require(c__ztbfindsymbol(database(), name().c_str(), &target), "ztbFindSymbol");
+    return {database(), target};
+  }
 
   [[nodiscard]] std::size_t keyCount() const noexcept { return place_.positions(); }
   // The walk over the universe fills no values.

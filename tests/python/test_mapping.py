@@ -158,6 +158,21 @@ def test_copies_cross_databases_by_their_labels(diet):
         assert dict(s.items()) == {("Tofu",): "", ("Milk",): "1 qt."}
 
 
+def test_a_symbol_is_not_copied_onto_itself_nor_an_alias_onto_its_set(db):
+    food = db.add_set("food", ["*"])
+    food["Milk"] = "1 qt."
+    db.add_alias("eaten", food)
+    with pytest.raises(ztb.Error, match="Cannot copy symbol food onto itself: the copy would"):
+        food.copy_from(db["food"])
+    alias = next(symbol for symbol in db.symbols() if symbol.name == "eaten")
+    with pytest.raises(ztb.Error, match="Cannot copy symbol eaten onto food: the copy would"):
+        food.copy_from(alias)
+    assert dict(food.items()) == {("Milk",): "1 qt."}
+    other = db.add_set("other", ["*"])
+    other.copy_from(alias)
+    assert dict(other.items()) == {("Milk",): "1 qt."}
+
+
 def test_labels_of_any_bytes_come_back(db):
     p = db.add_parameter("p", ["*"])
     for label in ["żółw", "a,b", "  lead", "\udce9t\udce9", "x" * 63]:

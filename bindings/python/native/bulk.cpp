@@ -440,6 +440,21 @@ void elementsFromDense(const Symbol& symbol, const std::vector<Symbol>& domains,
   });
 }
 
+namespace {
+
+// What an alias stands for; any other symbol itself.
+Symbol unaliased(const Symbol& symbol) {
+  if (symbol.type() != ZTB_ALIAS) {
+    return symbol;
+  }
+  void* target = nullptr;
+  symbol.require(c__ztbfindsymbol(symbol.database(), symbol.name().c_str(), &target),
+                 "ztbFindSymbol");
+  return {symbol.connection(), target};
+}
+
+}  // namespace
+
 void copyFrom(const Symbol& symbol, const Symbol& source) {
   // Turns are taken in one order everywhere, so that no two threads wait for each other.
   Connection* first = symbol.connection().get();
@@ -452,9 +467,15 @@ void copyFrom(const Symbol& symbol, const Symbol& source) {
   if (first != second) {
     useSecond.emplace(*second);
   }
-  source.load();
+  const Symbol from = unaliased(source);
+  if (from == unaliased(symbol)) {
+    throw ztb::Error("ztbCopySymbol", "Cannot copy symbol " + source.name() + " onto " +
+                                          (source == symbol ? "itself" : symbol.name()) +
+                                          ": the copy would empty it first");
+  }
+  from.load();
   runWithoutInterpreter([&](Interruption&) {
-    symbol.require(c__ztbcopysymbol(symbol.database(), symbol.handle(), source.handle()),
+    symbol.require(c__ztbcopysymbol(symbol.database(), symbol.handle(), from.handle()),
                    "ztbCopySymbol");
   });
 }

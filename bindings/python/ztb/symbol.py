@@ -194,11 +194,12 @@ class Symbol(MutableMapping, Generic[Value]):
         """The labels along each axis of :meth:`to_numpy` with the same domains."""
         return tuple(_labels_of(set_) for set_ in self._domain_sets(domains))
 
-    def copy_from(self, source: "Symbol[Any]") -> None:
+    def copy_from(self, source: Union["Symbol[Any]", Alias]) -> None:
         """Replaces the records by those of a symbol of this or another database.
 
         Both have the same dimension and type; anything can be copied into a set. Labels and texts
-        cross by their strings.
+        cross by their strings. An alias gives the records of the set that it stands for. A symbol
+        is not copied onto itself, nor an alias onto its set: that is an error and changes nothing.
         """
         self._native.copy_from(source._native)
 
