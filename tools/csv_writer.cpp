@@ -28,23 +28,10 @@ bool needsQuotes(std::string_view text) {
 }  // namespace
 
 CsvWriter::CsvWriter(const std::string& path)
-    : name_(path), file_(std::fopen(path.c_str(), "wb")), owned_(true) {
-  if (file_ == nullptr) {
-    failWrite(name_);
-  }
-}
+    : name_(path), owned_(std::in_place, path), file_(owned_->stream()) {}
 
 CsvWriter::CsvWriter(std::FILE* stream, std::string name)
-    : name_(std::move(name)),
-      file_(stream),
-      owned_(false),
-      spellsOut_(isatty(fileno(stream)) != 0) {}
-
-CsvWriter::~CsvWriter() {
-  if (owned_ && file_ != nullptr) {
-    std::fclose(file_);
-  }
-}
+    : name_(std::move(name)), file_(stream), spellsOut_(isatty(fileno(stream)) != 0) {}
 
 void CsvWriter::separate() {
   if (!recordEmpty_) {
@@ -107,10 +94,7 @@ void CsvWriter::close() {
     failWrite(name_);
   }
   if (owned_) {
-    std::FILE* file = std::exchange(file_, nullptr);
-    if (std::fclose(file) != 0) {
-      failWrite(name_);
-    }
+    owned_->publish();
   }
 }
 

@@ -4,8 +4,11 @@
 #define ZTB_TOOLS_CSV_WRITER_H_
 
 #include <cstdio>
+#include <optional>
 #include <string>
 #include <string_view>
+
+#include "tools/new_file.h"
 
 namespace tool {
 
@@ -13,14 +16,14 @@ namespace tool {
 // close() has returned.
 class CsvWriter {
  public:
-  // Makes or empties the file path. Throws Failure if that cannot be done.
+  // Makes a new file that gets the name path, and replaces a file of that name, by close(). Throws
+  // Failure if that cannot be done, and where the name is that of a link, pipe or device.
   explicit CsvWriter(const std::string& path);
   // Writes to a stream that stays the caller's; name is shown in messages. To a terminal, fields
   // come with control characters spelled out.
   CsvWriter(std::FILE* stream, std::string name);
   CsvWriter(const CsvWriter&) = delete;
   CsvWriter& operator=(const CsvWriter&) = delete;
-  ~CsvWriter();
 
   // Adds a field to the record, quoted where it has to be.
   void field(std::string_view text);
@@ -37,8 +40,8 @@ class CsvWriter {
   void flush();
 
   std::string name_;
+  std::optional<NewFile> owned_;
   std::FILE* file_;
-  bool owned_;
   bool spellsOut_ = false;
   bool recordEmpty_ = true;
   std::string pending_;

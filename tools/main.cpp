@@ -1,6 +1,7 @@
 // The ztb command. Exit codes: 0 fine, 1 failed (diff: the files differ), 2 wrong usage.
 
 #include <CLI/CLI.hpp>
+#include <csignal>
 #include <cstdio>
 #include <exception>
 #include <string>
@@ -92,6 +93,10 @@ int fail(const std::string& text, int status) {
 }  // namespace
 
 int main(int argc, char** argv) {
+#ifdef SIGXFSZ
+  // A limit on the size of files is then an error of the write.
+  std::signal(SIGXFSZ, SIG_IGN);
+#endif
   const auto textOf = [&](const std::exception& error) {
     return withShortArguments(ztb::displayText(error.what()), argc, argv);
   };

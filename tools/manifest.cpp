@@ -40,12 +40,48 @@ std::optional<int> parseInteger(std::string_view text) {
   return value;
 }
 
-// Domain names are names of symbols or a star: none has a comma in it.
+// Domain names stand with commas between them. A name that is empty or has a comma or a quote in it
+// stands in double quotes, its own doubled.
+std::string joinDomains(const std::vector<std::string>& names) {
+  std::string joined;
+  for (const std::string& name : names) {
+    joined += joined.empty() ? "" : ",";
+    if (!name.empty() && name.find_first_of(",\"") == std::string::npos) {
+      joined += name;
+      continue;
+    }
+    joined += '"';
+    for (const char c : name) {
+      joined += c == '"' ? std::string(2, c) : std::string(1, c);
+    }
+    joined += '"';
+  }
+  return joined;
+}
+
+// Takes the name in quotes from the front of text. One that is not closed goes to the end.
+std::string takeQuoted(std::string_view& text) {
+  std::string name;
+  text.remove_prefix(1);
+  for (; !text.empty(); text.remove_prefix(1)) {
+    if (text.front() == '"') {
+      text.remove_prefix(1);
+      if (!text.starts_with('"')) {
+        break;
+      }
+    }
+    name += text.front();
+  }
+  return name;
+}
+
 std::vector<std::string> splitDomains(std::string_view text) {
   std::vector<std::string> names;
   while (!text.empty()) {
+    std::string name = text.starts_with('"') ? takeQuoted(text) : std::string();
     const std::size_t end = std::min(text.find(','), text.size());
-    names.emplace_back(text.substr(0, end));
+    name += text.substr(0, end);
+    names.push_back(std::move(name));
     text.remove_prefix(std::min(end + 1, text.size()));
   }
   return names;
@@ -160,7 +196,7 @@ void writeManifest(const std::filesystem::path& folder, const std::vector<Manife
     csv.field(entry.name);
     csv.field(typeWord(entry.type));
     csv.field(std::to_string(entry.domains.size()));
-    csv.field(fmt::format("{}", fmt::join(entry.domains, ",")));
+    csv.field(joinDomains(entry.domains));
     csv.field(std::to_string(entry.userInfo));
     csv.field(entry.aliasOf);
     csv.field(entry.text);

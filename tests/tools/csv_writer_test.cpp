@@ -1,9 +1,14 @@
 #include "tools/csv_writer.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
+#include <algorithm>
+#include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -68,7 +73,9 @@ TEST(CsvWriter, IsReadBackByteForByte) {
 }
 
 TEST(CsvWriter, FailsOnAFullDisk) {
-  tool::CsvWriter csv("/dev/full");
+  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> full(std::fopen("/dev/full", "wb"),
+                                                             &std::fclose);
+  tool::CsvWriter csv(full.get(), "/dev/full");
   csv.field("x");
   csv.endRecord();
   try {
@@ -82,6 +89,86 @@ TEST(CsvWriter, FailsOnAFullDisk) {
 TEST(CsvWriter, FailsInAFolderThatIsNotThere) {
   const ztbtest::TempFolder folder;
   EXPECT_THROW(tool::CsvWriter(folder.file("none/out.csv")), tool::Failure);
+}
+
+std::vector<std::string> namesIn(const ztbtest::TempFolder& folder) {
+  std::vector<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(folder.path())) {
+    names.push_back(entry.path().filename().string());
+  }
+  std::ranges::sort(names);
+  return names;
+}
+
+std::string refusal(const std::string& path) {
+  try {
+    const tool::CsvWriter csv(path);
+  } catch (const tool::Failure& failure) {
+    return failure.what();
+  }
+  return "";
+}
+
+TEST(CsvWriter, ReplacesAFileWhenItIsWholeAndKeepsItsPermissionBits) {
+  const ztbtest::TempFolder folder;
+  const std::string path = folder.file("out.csv");
+  std::ofstream(path) << "old";
+  ASSERT_EQ(chmod(path.c_str(), 0640), 0);
+  {
+    tool::CsvWriter csv(path);
+    csv.field("half");
+    csv.endRecord();
+  }
+  EXPECT_EQ(contentOf(path), "old");
+  EXPECT_EQ(namesIn(folder), std::vector<std::string>{"out.csv"});
+  tool::CsvWriter csv(path);
+  csv.field("new");
+  csv.endRecord();
+  EXPECT_EQ(contentOf(path), "old");
+  csv.close();
+  EXPECT_EQ(contentOf(path), "new\n");
+  EXPECT_EQ(std::filesystem::status(path).permissions(), std::filesystem::perms{0640});
+  EXPECT_EQ(namesIn(folder), std::vector<std::string>{"out.csv"});
+}
+
+TEST(CsvWriter, GivesANewFileTheBitsThatTheMaskLeaves) {
+  const ztbtest::TempFolder folder;
+  const mode_t before = umask(027);
+  tool::CsvWriter csv(folder.file("out.csv"));
+  csv.close();
+  umask(before);
+  EXPECT_EQ(std::filesystem::status(folder.file("out.csv")).permissions(),
+            std::filesystem::perms{0640});
+}
+
+TEST(CsvWriter, WritesThroughNoLinkPipeOrDevice) {
+  const ztbtest::TempFolder folder;
+  std::ofstream(folder.file("victim")) << "precious";
+  std::filesystem::create_symlink("victim", folder.file("link"));
+  std::filesystem::create_symlink("nothing", folder.file("dangling"));
+  ASSERT_EQ(mkfifo(folder.file("pipe").c_str(), 0600), 0);
+  for (const std::string name : {"link", "dangling"}) {
+    EXPECT_EQ(refusal(folder.file(name)),
+              folder.file(name) + ": is a symbolic link, nothing is written through it");
+  }
+  EXPECT_EQ(refusal(folder.file("pipe")),
+            folder.file("pipe") + ": is no regular file, nothing is written to it");
+  EXPECT_EQ(refusal("/dev/null"), "/dev/null: is no regular file, nothing is written to it");
+  EXPECT_EQ(contentOf(folder.file("victim")), "precious");
+  EXPECT_EQ(namesIn(folder), (std::vector<std::string>{"dangling", "link", "pipe", "victim"}));
+}
+
+TEST(CsvWriter, ReplacesALinkThatIsPutThereMeanwhileAndNotWhatItLeadsTo) {
+  const ztbtest::TempFolder folder;
+  std::ofstream(folder.file("victim")) << "precious";
+  tool::CsvWriter csv(folder.file("out.csv"));
+  std::filesystem::create_symlink("victim", folder.file("out.csv"));
+  csv.field("new");
+  csv.endRecord();
+  csv.close();
+  EXPECT_EQ(contentOf(folder.file("victim")), "precious");
+  EXPECT_FALSE(std::filesystem::is_symlink(folder.file("out.csv")));
+  EXPECT_EQ(contentOf(folder.file("out.csv")), "new\n");
 }
 
 }  // namespace

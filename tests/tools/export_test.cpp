@@ -1,4 +1,7 @@
 #include <bit>
+#include <filesystem>
+#include <string>
+#include <vector>
 #include <ztb/ztb.hpp>
 
 #include "tests/tools/program.h"
@@ -46,6 +49,42 @@ TEST_F(ExportTest, WritesChosenSymbolsInTheOrderOfTheFile) {
             "food,set,1,*,0,,\"Things, to eat\"\n"
             "price,parameter,1,food,0,,\n");
   EXPECT_FALSE(exists("out/buy.csv"));
+}
+
+TEST_F(ExportTest, WritesThroughNoLinkInItsFolder) {
+  write("victim", "precious");
+  std::filesystem::create_directory(path("out"));
+  std::filesystem::create_symlink(path("victim"), path("out/price.csv"));
+  std::filesystem::create_symlink(path("victim"), path("out/_symbols.csv"));
+  expectFails(1, "ztb: out/price.csv: is a symbolic link, nothing is written through it\n",
+              {"export", "a.rxf", "--all", "--csv", "out"});
+  EXPECT_EQ(read("victim"), "precious");
+  EXPECT_FALSE(exists("out/_symbols.csv"));
+  std::filesystem::remove(path("out/price.csv"));
+  std::filesystem::create_symlink(path("victim"), path("out/_symbols.csv"));
+  ztbFine({"export", "a.rxf", "--all", "--csv", "out"});
+  EXPECT_EQ(read("victim"), "precious");
+  EXPECT_FALSE(std::filesystem::is_symlink(path("out/_symbols.csv")));
+}
+
+TEST_F(ExportTest, KeepsDomainNamesThatAreNoSymbolNames) {
+  const std::vector<const char*> names{"my dom", "1999", "_x", "", "a,b", "say \"hi\""};
+  {
+    ztb::Database database;
+    const std::vector<ztb::DomainArgument> domains(names.begin(), names.end());
+    database.addSymbol("p", ztb::Type::parameter, domains, "", 0);
+    database.write(path("names.rxf"));
+  }
+  ztbFine({"export", "names.rxf", "--all", "--csv", "out"});
+  EXPECT_EQ(read("out/_symbols.csv"),
+            "symbol,type,dimension,domains,user_info,alias_of,text\n"
+            "p,parameter,6,\"my dom,1999,_x,\"\"\"\",\"\"a,b\"\",\"\"say "
+            "\"\"\"\"hi\"\"\"\"\"\"\",0,,\n");
+  ztbFine({"import", "back.rxf", "--dir", "out"});
+  ztbFine({"diff", "names.rxf", "back.rxf"});
+  ztbFine({"check", "back.rxf"});
+  ztbFine({"copy", "names.rxf", "p", "copy.rxf"});
+  ztbFine({"diff", "names.rxf", "copy.rxf"});
 }
 
 TEST_F(ExportTest, WantsTheSetOfAnAlias) {
