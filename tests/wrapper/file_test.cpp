@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <fstream>
 #include <string>
 #include <ztb/ztb.hpp>
 
@@ -82,6 +83,44 @@ TEST_F(FileTest, TakesNewAliasesOfItsSets) {
   EXPECT_EQ(i.number(), 1);
   database.addAlias("k", i);
   EXPECT_EQ(database.symbol("k"), i);
+}
+
+// The first block of records begins at byte 96 with a head of 40 bytes.
+TEST_F(FileTest, WithADamagedBlockIsNeitherReadNorWrittenUntilItsRecordsAreGivenUp) {
+  {
+    std::fstream file(path_, std::ios::binary | std::ios::in | std::ios::out);
+    file.seekp(138);
+    file.put('\xFF');
+  }
+  const std::string other = folder_.file("b.rxf");
+  {
+    ztb::Database old;
+    old.mergeLabel("old");
+    old.write(other);
+  }
+  ztb::Database database = ztb::Database::open(path_);
+  const std::string text =
+      "Symbol i could not be read from " + path_ + ": File is damaged: block 1 of 1 of symbol i: ";
+  const auto expectUnreadable = [&](auto use) {
+    try {
+      use();
+      ADD_FAILURE() << "nothing was thrown";
+    } catch (const ztb::Error& error) {
+      EXPECT_EQ(std::string(error.what()).find(text), 0U) << error.what();
+    }
+  };
+  ztb::Symbol i = database.symbol("i");
+  expectUnreadable([&] { database.write(other); });
+  for (int times = 0; times < 2; ++times) {
+    expectUnreadable([&] { static_cast<void>(i.recordCount()); });
+    expectUnreadable([&] { database.write(other); });
+  }
+  EXPECT_EQ(ztb::Database::open(other).label(1).view(), "old");
+  EXPECT_EQ(database.symbol("p").recordCount(), 1) << "other symbols are read";
+  i.clear();
+  database.write(other);
+  EXPECT_EQ(ztb::Database::open(other).symbol("i").recordCount(), 0);
+  EXPECT_EQ(ztb::Database::open(other).symbol("p").recordCount(), 1);
 }
 
 TEST_F(FileTest, ThatIsMissingIsNamed) {
