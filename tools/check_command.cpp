@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "tools/data_file.h"
 #include "tools/domain_check.h"
+#include "tools/exchange_file.h"
 #include "tools/failure.h"
 #include "tools/output.h"
 #include "tools/progress.h"
@@ -19,69 +19,39 @@ namespace tool {
 
 namespace {
 
-// Reads every symbol through the exchange-file library and through the database.
-class FileCheck {
- public:
-  explicit FileCheck(const std::string& path) : file_(path) {}
-
-  void run(Progress& progress) {
-    std::size_t position = 0;
-    for (const RxfSymbol& symbol : file_.file().symbols()) {
-      progress.step(fmt::format("checking {}", symbol.name));
-      checkSymbol(symbol, static_cast<int>(position++));
+// What is wrong with the records of a file, in the order of its symbols.
+std::vector<std::string> findProblems(const ExchangeFile& file, Progress& progress) {
+  std::vector<std::string> problems;
+  for (const FileSymbol& symbol : file.symbols()) {
+    if (symbol.isAlias()) {
+      continue;
     }
-    const int symbols = file_.database().symbolCount();
-    if (static_cast<std::size_t>(symbols) != position) {
-      problem("", fmt::format("the database has {}, the file {}",
-                              counted(static_cast<std::size_t>(symbols), "symbol"), position));
-    }
-    symbols_ = position;
-  }
-
-  [[nodiscard]] const std::vector<std::string>& problems() const { return problems_; }
-  [[nodiscard]] std::string summary() const {
-    return fmt::format("{}: fine: {}, {}, {}\n", file_.path(), counted(symbols_, "symbol"),
-                       counted(static_cast<std::size_t>(file_.labelCount()), "label"),
-                       counted(records_, "record"));
-  }
-
- private:
-  void checkSymbol(const RxfSymbol& symbol, int position) {
-    const std::vector<std::string> errors = file_.file().readRecords(symbol);
-    for (const std::string& error : errors) {
-      problem(symbol.name, error);
-    }
-    records_ += static_cast<std::size_t>(symbol.recordCount);
-    if (errors.empty() && symbol.type != ZTB_ALIAS) {
-      checkDatabase(symbol, position);
-    }
-  }
-
-  void checkDatabase(const RxfSymbol& symbol, int position) {
-    try {
-      ztb::Symbol mirrored = file_.database().symbolAt(position);
-      const int count = mirrored.recordCount();
-      if (count != symbol.recordCount) {
-        problem(symbol.name, fmt::format("{} reach the database, expected {}",
-                                         counted(static_cast<std::size_t>(count), "record"),
-                                         symbol.recordCount));
+    progress.step("checking " + symbol.name);
+    ztb::RxfRecords records(file.file(), file.file().symbol(symbol.number));
+    std::size_t checked = 0;
+    for (bool more = true; more;) {
+      try {
+        more = records.next();
+        checked += records.size();
+        progress.count(checked);
+      } catch (const ztb::Error& error) {
+        problems.push_back(withFile(file.path(), fmt::format("{}: {}", symbol.name, error.what())));
+        more = records.skipDamage();
       }
-      mirrored.clear();
-    } catch (const ztb::Error& error) {
-      problem(symbol.name, error.what());
     }
   }
+  return problems;
+}
 
-  void problem(const std::string& symbol, const std::string& text) {
-    problems_.push_back(
-        withFile(file_.path(), symbol.empty() ? text : fmt::format("{}: {}", symbol, text)));
+std::string summary(const ExchangeFile& file) {
+  std::size_t records = 0;
+  for (const FileSymbol& symbol : file.symbols()) {
+    records += symbol.isAlias() ? 0 : symbol.recordCount;
   }
-
-  DataFile file_;
-  std::vector<std::string> problems_;
-  std::size_t symbols_ = 0;
-  std::size_t records_ = 0;
-};
+  return fmt::format(
+      "{}: fine: {}, {}, {}\n", file.path(), counted(file.symbols().size(), "symbol"),
+      counted(static_cast<std::size_t>(file.labelCount()), "label"), counted(records, "record"));
+}
 
 struct CheckOptions {
   std::string path;
@@ -89,35 +59,32 @@ struct CheckOptions {
   bool json = false;
 };
 
-// What the check of an intact file prints; throws Failure otherwise.
-std::string checkFile(const std::string& path, std::optional<Progress>& progress) {
-  progress->step("opening " + path);
-  FileCheck check(path);
-  check.run(*progress);
-  if (check.problems().empty()) {
-    return check.summary();
+// Tells every problem of the records, and throws Failure if there was one.
+void requireIntact(const ExchangeFile& file, std::optional<Progress>& progress) {
+  const std::vector<std::string> problems = findProblems(file, *progress);
+  if (problems.empty()) {
+    return;
   }
   progress.reset();
-  for (const std::string& problem : check.problems()) {
+  for (const std::string& problem : problems) {
     printError(problem);
   }
-  throw Failure(fmt::format("{}: {} found", path, counted(check.problems().size(), "problem")));
+  throw Failure(fmt::format("{}: {} found", file.path(), counted(problems.size(), "problem")));
 }
 
-void runDomainCheck(const CheckOptions& options, std::optional<Progress>& progress) {
-  const DataFile file(options.path);
-  const DomainReport report = checkDomains(file, *progress);
+void runDomainCheck(const ExchangeFile& file, bool json, std::optional<Progress>& progress) {
+  DomainCheck check(file, *progress);
   progress.reset();
-  if (options.json) {
-    printDomainReportJson(file, report);
+  if (json) {
+    check.printJson();
   } else {
-    printDomainReport(file, report);
+    check.print();
   }
-  if (!report.symbols.empty()) {
+  if (check.symbolCount() != 0) {
     flushOutput();
-    throw Failure(fmt::format("{}: {} outside their domains, in {}", options.path,
-                              counted(report.recordCount(), "record"),
-                              counted(report.symbols.size(), "symbol")));
+    throw Failure(fmt::format("{}: {} outside their domains, in {}", file.path(),
+                              counted(check.recordCount(), "record"),
+                              counted(check.symbolCount(), "symbol")));
   }
 }
 
@@ -126,13 +93,15 @@ void runCheck(const CheckOptions& options) {
     throw UsageError("--json: goes with --domains");
   }
   std::optional<Progress> progress(std::in_place);
-  const std::string summary = checkFile(options.path, progress);
+  progress->step("opening " + options.path);
+  const ExchangeFile file(options.path);
+  requireIntact(file, progress);
   if (options.domains) {
-    runDomainCheck(options, progress);
+    runDomainCheck(file, options.json, progress);
   }
   progress.reset();
   if (!options.json) {
-    print(summary);
+    print(summary(file));
   }
 }
 

@@ -9,8 +9,7 @@
 #include <system_error>
 #include <vector>
 
-#include "tools/data_file.h"
-#include "tools/domain_argument.h"
+#include "tools/exchange_file.h"
 #include "tools/failure.h"
 #include "tools/output.h"
 #include "tools/progress.h"
@@ -31,78 +30,172 @@ struct CopyOptions {
 // named as domains, and the set behind an alias.
 class Selection {
  public:
-  explicit Selection(const DataFile& file) : file_(file) {}
+  explicit Selection(const ExchangeFile& file) : file_(file), chosen_(file.symbols().size() + 1) {}
 
-  void add(const ztb::Symbol& symbol) {
-    if (symbol == file_.symbol("*") || std::ranges::find(chosen_, symbol) != chosen_.end()) {
+  void add(const FileSymbol& symbol) {
+    if (symbol.isUniverse() || chosen_[static_cast<std::size_t>(symbol.number)]) {
       return;
     }
-    chosen_.push_back(symbol);
-    if (symbol.type() == ztb::Type::alias) {
+    chosen_[static_cast<std::size_t>(symbol.number)] = true;
+    if (symbol.isAlias()) {
       add(file_.resolved(symbol));
       return;
     }
-    for (const ztb::Domain& domain : symbol.domains()) {
-      if (domain.set) {
-        add(file_.symbol(domain.name.str()));
+    for (const FileDomain& domain : symbol.domains) {
+      if (domain.set > 0) {
+        add(file_.symbolAt(domain.set));
       }
     }
   }
 
   // In the order of the file.
-  [[nodiscard]] std::vector<ztb::Symbol> symbols() const {
-    std::vector<ztb::Symbol> symbols = file_.symbols();
-    std::erase_if(symbols, [this](const ztb::Symbol& symbol) {
-      return std::ranges::find(chosen_, symbol) == chosen_.end();
-    });
+  [[nodiscard]] std::vector<const FileSymbol*> symbols() const {
+    std::vector<const FileSymbol*> symbols;
+    for (const FileSymbol& symbol : file_.symbols()) {
+      if (chosen_[static_cast<std::size_t>(symbol.number)]) {
+        symbols.push_back(&symbol);
+      }
+    }
     return symbols;
   }
 
  private:
-  const DataFile& file_;
-  std::vector<ztb::Symbol> chosen_;
+  const ExchangeFile& file_;
+  std::vector<bool> chosen_;
 };
 
-ztb::Symbol addSymbol(ztb::Database& target, const DataFile& file, const ztb::Symbol& symbol) {
-  const std::string name = symbol.name().str();
-  const std::string text = symbol.text().str();
-  if (symbol.type() == ztb::Type::alias) {
-    return target.addAlias(name, target.symbol(file.resolved(symbol).name()), text);
-  }
-  const std::vector<std::string> names = domainNames(symbol);
-  std::vector<ztb::DomainArgument> domains;
-  for (const std::string& domain : names) {
-    domains.push_back(domainArgument(target, domain));
-  }
-  return target.addSymbol(name, symbol.type(), domains, text, symbol.userInfo());
-}
-
-// Gives the target the labels that records of these symbols hold, in the order of the source, so
-// that records keep their order.
-void addLabels(ztb::Database& target, const DataFile& file,
-               const std::vector<ztb::Symbol>& symbols) {
-  std::vector<void*> handles;
-  for (const ztb::Symbol& symbol : symbols) {
-    handles.push_back(symbol.handle());
-  }
-  std::vector<int> counts(static_cast<std::size_t>(file.labelCount()) + 1);
-  ztbRec* database = symbols.front().database();
-  ztb::detail::require(
-      c__ztbgetsymbolsuels(database, handles.data(), static_cast<int>(handles.size()),
-                           counts.data(), static_cast<int>(counts.size())),
-      database, "ztbGetSymbolsUels");
-  for (int number = 1; number <= file.labelCount(); ++number) {
-    if (counts[static_cast<std::size_t>(number)] != 0) {
-      target.mergeLabel(std::string(file.label(number)));
+// Writes symbols to another file, block by block. Labels and texts that no record of theirs holds
+// are left out; the others keep their order, so that records keep theirs.
+class Copy {
+ public:
+  Copy(const ExchangeFile& file, const std::vector<const FileSymbol*>& symbols, Progress& progress)
+      : file_(file),
+        symbols_(symbols),
+        progress_(progress),
+        newLabels_(static_cast<std::size_t>(file.labelCount()) + 1),
+        newTexts_(static_cast<std::size_t>(file.file().textCount()) + 1) {
+    for (const FileSymbol* symbol : symbols_) {
+      if (!symbol->isAlias()) {
+        progress_.step("reading " + symbol->name);
+        eachBlock(*symbol, [&](const ztb::RxfRecords& block) { noteLabels(block); });
+      }
     }
   }
-}
 
-void copyRecords(ztb::Database& target, const ztb::Symbol& copy, const ztb::Symbol& symbol) {
-  // What goes wrong with a record is told to the database that it was for.
-  ztb::detail::require(c__ztbcopysymbol(target.handle(), copy.handle(), symbol.handle()),
-                       target.handle(), "ztbCopySymbol");
-}
+  void write(const std::string& target, bool checkDomains) {
+    ztb::RxfOutput output(target);
+    for (std::size_t number = 1; number < newLabels_.size(); ++number) {
+      if (newLabels_[number] != 0) {
+        newLabels_[number] = ++labelCount_;
+        output.addLabel(std::string(file_.label(static_cast<int>(number))));
+      }
+    }
+    for (const FileSymbol* symbol : symbols_) {
+      progress_.step("copying " + symbol->name);
+      addSymbol(output, *symbol, checkDomains);
+    }
+    progress_.step("writing " + target);
+    for (const int text : texts_) {
+      output.addText(std::string(file_.file().text(text)));
+    }
+    output.publish();
+  }
+
+  [[nodiscard]] int labelCount() const { return labelCount_; }
+  [[nodiscard]] std::size_t recordCount() const { return recordCount_; }
+
+ private:
+  template <typename Use>
+  void eachBlock(const FileSymbol& symbol, const Use& use) const {
+    try {
+      ztb::RxfRecords records(file_.file(), file_.file().symbol(symbol.number));
+      while (records.next()) {
+        use(records);
+      }
+    } catch (const ztb::RxfDamage& damage) {
+      throw Failure(withFile(file_.path(), damage.what()));
+    }
+  }
+
+  void noteLabels(const ztb::RxfRecords& block) {
+    for (int position = 0; position < block.dimension(); ++position) {
+      for (const int label : block.keys(position)) {
+        newLabels_[static_cast<std::size_t>(label)] = 1;
+      }
+    }
+  }
+
+  void addSymbol(ztb::RxfOutput& output, const FileSymbol& symbol, bool checkDomains) {
+    std::vector<std::string> domains = domainNames(symbol);
+    ztbRxfSymbolInfo info{};
+    info.name = symbol.name.c_str();
+    info.text = symbol.text.c_str();
+    info.type = static_cast<int>(symbol.type);
+    info.dimension = symbol.dimension;
+    info.userInfo = symbol.userInfo;
+    if (symbol.isAlias()) {
+      domains = {file_.resolved(symbol).name};
+    } else if (std::ranges::any_of(domains, [](const std::string& name) { return name != "*"; })) {
+      info.domainKind = checkDomains ? ZTB_RXF_DOMAIN_CHECKED : ZTB_RXF_DOMAIN_NAMES;
+    }
+    output.addSymbol(info, domains);
+    if (!symbol.isAlias()) {
+      eachBlock(symbol, [&](const ztb::RxfRecords& block) { addRecords(output, symbol, block); });
+    }
+  }
+
+  void addRecords(ztb::RxfOutput& output, const FileSymbol& symbol, const ztb::RxfRecords& block) {
+    keys_.resize(static_cast<std::size_t>(block.dimension()));
+    std::vector<const int*> keys;
+    for (int position = 0; position < block.dimension(); ++position) {
+      std::vector<int>& column = keys_[static_cast<std::size_t>(position)];
+      column.clear();
+      for (const int label : block.keys(position)) {
+        column.push_back(newLabels_[static_cast<std::size_t>(label)]);
+      }
+      keys.push_back(column.data());
+    }
+    // A scalar has no keys, but the address of its keys is handed on all the same.
+    keys.push_back(nullptr);
+    std::vector<const double*> values;
+    for (int slot = 0; slot < block.valueCount(); ++slot) {
+      values.push_back(block.values(slot).data());
+    }
+    if (symbol.type == ztb::Type::set) {
+      textNumbers_.clear();
+      for (const double number : block.values(0)) {
+        textNumbers_.push_back(newText(static_cast<int>(number)));
+      }
+      values = {textNumbers_.data()};
+    }
+    output.addRecords(block.size(), keys, values);
+    recordCount_ += block.size();
+    progress_.count(recordCount_);
+  }
+
+  // Texts are numbered as records come to need them.
+  int newText(int text) {
+    int& number = newTexts_[static_cast<std::size_t>(text)];
+    if (text != 0 && number == 0) {
+      texts_.push_back(text);
+      number = static_cast<int>(texts_.size());
+    }
+    return number;
+  }
+
+  const ExchangeFile& file_;
+  const std::vector<const FileSymbol*>& symbols_;
+  Progress& progress_;
+  // Numbers in the new file, by those in the old one; 0 for what is left out.
+  std::vector<int> newLabels_;
+  std::vector<int> newTexts_;
+  std::vector<int> texts_;
+  int labelCount_ = 0;
+  std::size_t recordCount_ = 0;
+  // Columns of the block that is copied, with new numbers.
+  std::vector<std::vector<int>> keys_;
+  std::vector<double> textNumbers_;
+};
 
 void runCopy(const CopyOptions& options) {
   const std::string& target = options.words.back();
@@ -113,7 +206,7 @@ void runCopy(const CopyOptions& options) {
   }
   Progress progress;
   progress.step("opening " + options.source);
-  const DataFile file(options.source);
+  const ExchangeFile file(options.source);
   Selection selection(file);
   for (auto name = options.words.begin(); name != std::prev(options.words.end()); ++name) {
     if (*name == "*") {
@@ -121,35 +214,16 @@ void runCopy(const CopyOptions& options) {
     }
     selection.add(file.symbol(*name));
   }
-  std::vector<ztb::Symbol> symbols = selection.symbols();
-  for (const ztb::Symbol& symbol : symbols) {
-    progress.step("reading " + symbol.name().str());
-    if (symbol.type() != ztb::Type::alias) {
-      file.requireIntact(symbol);
-    }
-  }
-  ztb::Database copies;
-  addLabels(copies, file, symbols);
-  std::size_t records = 0;
-  for (ztb::Symbol& symbol : symbols) {
-    progress.step("copying " + symbol.name().str());
-    const ztb::Symbol copy = addSymbol(copies, file, symbol);
-    if (symbol.type() != ztb::Type::alias) {
-      copyRecords(copies, copy, symbol);
-      records += static_cast<std::size_t>(copy.recordCount());
-      // What was copied need not stay in memory.
-      symbol.clear();
-    }
-  }
-  progress.step("writing " + target);
+  const std::vector<const FileSymbol*> symbols = selection.symbols();
+  Copy copy(file, symbols, progress);
   try {
-    copies.write(target, options.checkDomains);
+    copy.write(target, options.checkDomains);
   } catch (const ztb::Error& failure) {
     throw Failure(withFile(target, failure.what()));
   }
   print(fmt::format("{}: {}, {}, {}\n", target, counted(symbols.size(), "symbol"),
-                    counted(static_cast<std::size_t>(copies.labelCount()), "label"),
-                    counted(records, "record")));
+                    counted(static_cast<std::size_t>(copy.labelCount()), "label"),
+                    counted(copy.recordCount(), "record")));
 }
 
 }  // namespace

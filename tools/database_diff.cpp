@@ -10,25 +10,96 @@
 
 #include "tools/number_text.h"
 #include "tools/record_table.h"
+#include "tools/record_walk.h"
 #include "tools/words.h"
 
 namespace tool {
 
 namespace {
 
+// The records of one symbol in the order of the common numbers of labels: straight from the file,
+// or sorted in memory where the file has them in another order.
+class Side {
+ public:
+  Side(const ExchangeFile& file, const FileSymbol& symbol, const std::vector<int>& numbers,
+       bool inOrder, Progress& progress)
+      : walk_(file, symbol), numbers_(numbers), isSet_(symbol.type == ztb::Type::set) {
+    progress.step(fmt::format("reading {} of {}", symbol.name, file.path()));
+    if (!inOrder) {
+      table_.emplace(static_cast<std::size_t>(symbol.dimension),
+                     isSet_ ? 0 : static_cast<std::size_t>(symbol.valueCount));
+      while (walk_.next()) {
+        number();
+        table_->add(keys_, isSet_ ? std::span<const double>() : walk_.values(),
+                    isSet_ ? walk_.text() : std::string_view());
+        progress.count(table_->size());
+      }
+      order_ = table_->order();
+    }
+    next();
+  }
+
+  [[nodiscard]] bool atEnd() const { return atEnd_; }
+  [[nodiscard]] std::span<const int> keys() const {
+    return table_ ? table_->keys(order_[at_]) : std::span<const int>(keys_);
+  }
+  [[nodiscard]] std::span<const double> values() const {
+    if (table_) {
+      return table_->values(order_[at_]);
+    }
+    return isSet_ ? std::span<const double>() : walk_.values();
+  }
+  [[nodiscard]] std::string_view text() const {
+    if (table_) {
+      return table_->text(order_[at_]);
+    }
+    return isSet_ ? walk_.text() : std::string_view();
+  }
+
+  void next() {
+    if (table_) {
+      at_ = begun_ ? at_ + 1 : 0;
+      atEnd_ = at_ == order_.size();
+    } else {
+      atEnd_ = !walk_.next();
+      number();
+    }
+    begun_ = true;
+  }
+
+ private:
+  // Gives the keys of the record at hand their common numbers.
+  void number() {
+    keys_.clear();
+    for (const int key : walk_.keys()) {
+      keys_.push_back(numbers_[static_cast<std::size_t>(key)]);
+    }
+  }
+
+  RecordWalk walk_;
+  const std::vector<int>& numbers_;
+  bool isSet_;
+  std::optional<RecordTable> table_;
+  std::vector<std::size_t> order_;
+  std::vector<int> keys_;
+  std::size_t at_ = 0;
+  bool begun_ = false;
+  bool atEnd_ = false;
+};
+
 class Comparison {
  public:
-  Comparison(DataFile& before, DataFile& after, const DiffOptions& options, Progress& progress)
+  Comparison(const ExchangeFile& before, const ExchangeFile& after, const DiffOptions& options,
+             Progress& progress)
       : before_(before), after_(after), options_(options), progress_(progress) {
     numberLabels();
   }
 
   DatabaseDifference run() {
     DatabaseDifference result;
-    for (const ztb::Symbol& symbol : before_.symbols()) {
-      const std::string name = symbol.name().str();
-      const std::optional<ztb::Symbol> other = after_.database().findSymbolOrAlias(name);
-      if (!other) {
+    for (const FileSymbol& symbol : before_.symbols()) {
+      const FileSymbol* other = after_.findSymbol(symbol.name);
+      if (other == nullptr) {
         result.symbols.push_back(describe(symbol, Change::gone));
         continue;
       }
@@ -39,8 +110,8 @@ class Comparison {
         result.symbols.push_back(std::move(difference));
       }
     }
-    for (const ztb::Symbol& symbol : after_.symbols()) {
-      if (!before_.database().findSymbolOrAlias(symbol.name())) {
+    for (const FileSymbol& symbol : after_.symbols()) {
+      if (before_.findSymbol(symbol.name) == nullptr) {
         result.symbols.push_back(describe(symbol, Change::added));
       }
     }
@@ -59,24 +130,25 @@ class Comparison {
     numbersOfAfter_.push_back(0);
     for (int number = 1; number <= after_.labelCount(); ++number) {
       const std::string label(after_.label(number));
-      const std::optional<int> known = before_.database().findLabel(label);
+      const std::optional<int> known = before_.file().findLabel(label);
       if (!known) {
         labels_.push_back(label);
       }
       numbersOfAfter_.push_back(known.value_or(static_cast<int>(labels_.size()) - 1));
     }
+    afterInOrder_ = std::ranges::is_sorted(numbersOfAfter_);
   }
 
-  static SymbolDifference describe(const ztb::Symbol& symbol, Change change) {
+  static SymbolDifference describe(const FileSymbol& symbol, Change change) {
     SymbolDifference difference;
     difference.change = change;
-    difference.name = symbol.name().str();
-    difference.type = symbol.type();
+    difference.name = symbol.name;
+    difference.type = symbol.type;
     difference.signature = signature(symbol);
     return difference;
   }
 
-  SymbolDifference compareSymbols(const ztb::Symbol& before, const ztb::Symbol& after,
+  SymbolDifference compareSymbols(const FileSymbol& before, const FileSymbol& after,
                                   std::size_t& comparedRecords) {
     SymbolDifference difference = describe(before, Change::changed);
     const auto attribute = [&](const char* name, const std::string& old, const std::string& now) {
@@ -84,93 +156,57 @@ class Comparison {
         difference.attributes.push_back({.name = name, .before = old, .after = now});
       }
     };
-    attribute("type", std::string(typeWord(before.type())), std::string(typeWord(after.type())));
-    attribute("dimension", std::to_string(before.dimension()), std::to_string(after.dimension()));
+    attribute("type", std::string(typeWord(before.type)), std::string(typeWord(after.type)));
+    attribute("dimension", std::to_string(before.dimension), std::to_string(after.dimension));
     const bool comparable = difference.attributes.empty();
-    attribute("text", before.text().str(), after.text().str());
-    if (before.type() == ztb::Type::alias && after.type() == ztb::Type::alias) {
-      attribute("alias of", folded(before_.resolved(before).name()),
-                folded(after_.resolved(after).name()));
+    attribute("text", before.text, after.text);
+    if (before.isAlias() && after.isAlias()) {
+      attribute("alias of", folded(before_.resolved(before).name),
+                folded(after_.resolved(after).name));
       return difference;
     }
     attribute("domains", folded(fmt::format("{}", fmt::join(domainNames(before), ", "))),
               folded(fmt::format("{}", fmt::join(domainNames(after), ", "))));
     if (comparable) {
-      attribute("user info", std::to_string(before.userInfo()), std::to_string(after.userInfo()));
+      attribute("user info", std::to_string(before.userInfo), std::to_string(after.userInfo));
       compareRecords(before, after, difference, comparedRecords);
     }
     return difference;
   }
 
-  RecordTable load(DataFile& file, ztb::Symbol symbol, const std::vector<int>& numbers) {
-    progress_.step(fmt::format("reading {} of {}", symbol.name().view(), file.path()));
-    file.requireIntact(symbol);
-    const bool isSet = symbol.type() == ztb::Type::set;
-    RecordTable table(static_cast<std::size_t>(symbol.dimension()),
-                      isSet ? 0 : symbol.valueCount());
-    {
-      std::vector<int> keys;
-      ztb::Rows rows = symbol.rows();
-      for (auto at = rows.begin(); at != rows.end(); ++at) {
-        const ztb::Row row = *at;
-        keys.clear();
-        for (const int key : row.keys) {
-          keys.push_back(numbers[static_cast<std::size_t>(key)]);
-        }
-        if (isSet) {
-          table.add(keys, {}, at.record().text());
-        } else {
-          table.add(keys, row.values, {});
-        }
-        progress_.count(table.size());
-      }
-    }
-    // From here on the records are in the table.
-    symbol.clear();
-    return table;
-  }
-
-  void compareRecords(const ztb::Symbol& before, const ztb::Symbol& after,
+  void compareRecords(const FileSymbol& before, const FileSymbol& after,
                       SymbolDifference& difference, std::size_t& comparedRecords) {
-    const RecordTable old = load(before_, before, numbersOfBefore_);
-    const RecordTable now = load(after_, after, numbersOfAfter_);
-    const std::vector<std::size_t> oldOrder = old.order();
-    const std::vector<std::size_t> nowOrder = now.order();
-    std::size_t inOld = 0;
-    std::size_t inNow = 0;
-    while (inOld < oldOrder.size() || inNow < nowOrder.size()) {
-      const std::strong_ordering order = compareKeys(old, oldOrder, inOld, now, nowOrder, inNow);
+    Side old(before_, before, numbersOfBefore_, true, progress_);
+    Side now(after_, after, numbersOfAfter_, afterInOrder_, progress_);
+    while (!old.atEnd() || !now.atEnd()) {
+      const std::strong_ordering order = compareKeys(old, now);
       if (std::is_lt(order)) {
         ++difference.goneRecords;
-        keep(difference, Change::gone, &old, oldOrder[inOld++], nullptr, 0);
+        keep(difference, Change::gone, &old, nullptr);
+        old.next();
       } else if (std::is_gt(order)) {
         ++difference.addedRecords;
-        keep(difference, Change::added, nullptr, 0, &now, nowOrder[inNow++]);
+        keep(difference, Change::added, nullptr, &now);
+        now.next();
       } else {
         ++comparedRecords;
-        if (!sameContent(old, oldOrder[inOld], now, nowOrder[inNow])) {
+        if (!sameContent(old, now)) {
           ++difference.changedRecords;
-          keep(difference, Change::changed, &old, oldOrder[inOld], &now, nowOrder[inNow]);
+          keep(difference, Change::changed, &old, &now);
         }
-        ++inOld;
-        ++inNow;
+        old.next();
+        now.next();
       }
     }
   }
 
-  // Order of the next records of two tables; a table at its end comes last.
-  static std::strong_ordering compareKeys(const RecordTable& left,
-                                          const std::vector<std::size_t>& leftOrder,
-                                          std::size_t inLeft, const RecordTable& right,
-                                          const std::vector<std::size_t>& rightOrder,
-                                          std::size_t inRight) {
-    if (inLeft == leftOrder.size() || inRight == rightOrder.size()) {
-      return (inLeft == leftOrder.size()) <=> (inRight == rightOrder.size());
+  // Order of the next records of two sides; a side at its end comes last.
+  static std::strong_ordering compareKeys(const Side& left, const Side& right) {
+    if (left.atEnd() || right.atEnd()) {
+      return left.atEnd() <=> right.atEnd();
     }
-    const std::span<const int> leftKeys = left.keys(leftOrder[inLeft]);
-    const std::span<const int> rightKeys = right.keys(rightOrder[inRight]);
-    return std::lexicographical_compare_three_way(leftKeys.begin(), leftKeys.end(),
-                                                  rightKeys.begin(), rightKeys.end());
+    return std::lexicographical_compare_three_way(left.keys().begin(), left.keys().end(),
+                                                  right.keys().begin(), right.keys().end());
   }
 
   [[nodiscard]] bool sameValue(double left, double right) const {
@@ -181,52 +217,51 @@ class Comparison {
            std::abs(left - right) <= *options_.tolerance;
   }
 
-  [[nodiscard]] bool sameContent(const RecordTable& old, std::size_t oldRecord,
-                                 const RecordTable& now, std::size_t nowRecord) const {
-    return old.text(oldRecord) == now.text(nowRecord) &&
-           std::ranges::equal(old.values(oldRecord), now.values(nowRecord),
+  [[nodiscard]] bool sameContent(const Side& old, const Side& now) const {
+    return old.text() == now.text() &&
+           std::ranges::equal(old.values(), now.values(),
                               [this](double left, double right) { return sameValue(left, right); });
   }
 
-  void keep(SymbolDifference& difference, Change change, const RecordTable* old,
-            std::size_t oldRecord, const RecordTable* now, std::size_t nowRecord) const {
+  void keep(SymbolDifference& difference, Change change, const Side* old, const Side* now) const {
     if (difference.records.size() >= options_.keptRecords) {
       return;
     }
     RecordDifference record;
     record.change = change;
-    const std::span<const int> keys = old != nullptr ? old->keys(oldRecord) : now->keys(nowRecord);
-    for (const int key : keys) {
-      record.keys.push_back(labels_[static_cast<std::size_t>(key)]);
+    for (const int key : old != nullptr ? old->keys() : now->keys()) {
+      record.keys.emplace_back(labels_[static_cast<std::size_t>(key)]);
     }
     if (old != nullptr) {
-      record.before = contentOf(*old, oldRecord);
+      record.before = contentOf(*old);
     }
     if (now != nullptr) {
-      record.after = contentOf(*now, nowRecord);
+      record.after = contentOf(*now);
     }
     difference.records.push_back(std::move(record));
   }
 
-  static RecordContent contentOf(const RecordTable& table, std::size_t record) {
-    const std::span<const double> values = table.values(record);
-    return {.text = std::string(table.text(record)), .values = {values.begin(), values.end()}};
+  static RecordContent contentOf(const Side& side) {
+    const std::span<const double> values = side.values();
+    return {.text = std::string(side.text()), .values = {values.begin(), values.end()}};
   }
 
-  DataFile& before_;
-  DataFile& after_;
+  const ExchangeFile& before_;
+  const ExchangeFile& after_;
   const DiffOptions& options_;
   Progress& progress_;
   // Number in the common numbering of each label of a file.
   std::vector<int> numbersOfBefore_;
   std::vector<int> numbersOfAfter_;
   std::vector<std::string> labels_;
+  // Whether the records of after ascend by the common numbers as well.
+  bool afterInOrder_ = false;
 };
 
 }  // namespace
 
-DatabaseDifference compare(DataFile& before, DataFile& after, const DiffOptions& options,
-                           Progress& progress) {
+DatabaseDifference compare(const ExchangeFile& before, const ExchangeFile& after,
+                           const DiffOptions& options, Progress& progress) {
   return Comparison(before, after, options, progress).run();
 }
 

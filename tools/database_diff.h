@@ -6,9 +6,8 @@
 #include <optional>
 #include <string>
 #include <vector>
-#include <ztb/ztb.hpp>
 
-#include "tools/data_file.h"
+#include "tools/exchange_file.h"
 #include "tools/progress.h"
 
 namespace tool {
@@ -64,8 +63,12 @@ struct DatabaseDifference {
 
 // Symbols of before in their order, then those that after has in addition; only those that differ.
 // Records are not compared when type or dimension differ. Throws Failure for damaged records.
-DatabaseDifference compare(DataFile& before, DataFile& after, const DiffOptions& options,
-                           Progress& progress);
+//
+// Records of both files are walked over side by side, in the memory of a block each, where the
+// labels that both have stand in the same order in both and those that only after has stand behind
+// them; otherwise the records of after, one symbol at a time, are held in memory and sorted.
+DatabaseDifference compare(const ExchangeFile& before, const ExchangeFile& after,
+                           const DiffOptions& options, Progress& progress);
 
 }  // namespace tool
 

@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "tools/data_file.h"
 #include "tools/database_diff.h"
+#include "tools/exchange_file.h"
 #include "tools/failure.h"
 #include "tools/json_text.h"
 #include "tools/number_text.h"
@@ -179,8 +179,8 @@ int runDiff(const DiffArguments& arguments) {
   }
   std::optional<Progress> progress(std::in_place);
   progress->step("opening files");
-  DataFile before(arguments.before);
-  DataFile after(arguments.after);
+  const ExchangeFile before(arguments.before);
+  const ExchangeFile after(arguments.after);
   const DiffOptions options{.tolerance = arguments.tolerance, .keptRecords = arguments.head};
   const DatabaseDifference difference = compare(before, after, options, *progress);
   progress.reset();

@@ -2,8 +2,8 @@
 
 #include <fmt/format.h>
 
-#include <array>
 #include <cstdio>
+#include <span>
 #include <string_view>
 
 #include "tools/json_text.h"
@@ -16,173 +16,196 @@ namespace tool {
 
 namespace {
 
-// Walks over the violations of a symbol; owns the handle on the present one, and with it the tables
-// that the library keeps for the walk.
-class ViolationWalk {
- public:
-  explicit ViolationWalk(const ztb::Symbol& symbol)
-      : symbol_(symbol), database_(symbol.database()) {
-    ztb::detail::require(c__ztbgetfirstdvinsymbol(database_, symbol.handle(), &handle_), database_,
-                         "ztbGetFirstDVInSymbol");
-    atEnd_ = handle_ == nullptr;
-  }
-  ViolationWalk(const ViolationWalk&) = delete;
-  ViolationWalk& operator=(const ViolationWalk&) = delete;
-  ~ViolationWalk() { c__ztbfreedvhandle(database_, handle_); }
-
-  [[nodiscard]] bool atEnd() const { return atEnd_; }
-
-  void next() {
-    int hasNext = 0;
-    ztb::detail::require(c__ztbmovenextdvinsymbol(database_, handle_, &hasNext), database_,
-                         "ztbMoveNextDVInSymbol");
-    atEnd_ = hasNext == 0;
-  }
-
-  // The record at hand, of a symbol with this many positions.
-  [[nodiscard]] Violation violation(std::size_t positions) const {
-    std::array<int, ZTB_MAX_DIMENSION> outside{};
-    ztb::detail::require(c__ztbgetdvindicator(database_, handle_, outside.data()), database_,
-                         "ztbGetDVIndicator");
-    void* handle = nullptr;
-    ztb::detail::require(c__ztbgetdvsymbolrecord(database_, handle_, &handle), database_,
-                         "ztbGetDVSymbolRecord");
-    const ztb::Record record(symbol_, handle);
-    std::array<int, ZTB_MAX_DIMENSION> keys{};
-    std::array<double, ztb::fieldCount> values{};
-    record.raw(keys.data(), values.data());
-    Violation result;
-    result.keys.assign(keys.data(), keys.data() + positions);
-    for (std::size_t position = 0; position < positions; ++position) {
-      result.outside.push_back(outside[position] != 0);
-    }
-    return result;
-  }
-
- private:
-  ztb::Symbol symbol_;
-  ztbRec* database_;
-  void* handle_ = nullptr;
-  bool atEnd_ = true;
-};
-
 // "1 food, 3 plant": the positions outside their domains, with these.
-std::string outsideText(const Violation& violation, const std::vector<std::string>& domains) {
+std::string outsideText(const std::vector<std::size_t>& positions, const FileSymbol& symbol) {
   std::string text;
-  for (std::size_t position = 0; position < domains.size(); ++position) {
-    if (violation.outside[position]) {
-      text += fmt::format("{}{} {}", text.empty() ? "" : ", ", position + 1, domains[position]);
-    }
+  for (const std::size_t position : positions) {
+    text += fmt::format("{}{} {}", text.empty() ? "" : ", ", position + 1,
+                        symbol.domains[position].name);
   }
   return text;
 }
 
-void printTable(const DataFile& file, const SymbolViolations& found) {
-  const ztb::Symbol& symbol = found.symbol;
-  const std::vector<std::string> domains = domainNames(symbol);
-  TablePrinter table;
-  for (const std::string& column : keyColumns(symbol.name().str(), symbol.type(), domains)) {
-    table.addColumn(column, TablePrinter::Align::left);
+// JSON of several lines, each but the first moved to the right.
+std::string indented(const Json& json, const std::string& by) {
+  std::string text = jsonText(json, 2);
+  for (std::size_t at = text.find('\n'); at != std::string::npos; at = text.find('\n', at + 1)) {
+    text.insert(at + 1, by);
   }
-  table.addColumn("outside", TablePrinter::Align::left);
-  const auto eachRow = [&](auto&& use) {
-    for (const Violation& violation : found.records) {
-      std::vector<std::string_view> cells;
-      for (const int key : violation.keys) {
-        cells.push_back(file.label(key));
-      }
-      const std::string outside = outsideText(violation, domains);
-      cells.emplace_back(outside);
-      use(cells);
-    }
-  };
-  eachRow([&](const std::vector<std::string_view>& cells) { table.measure(cells); });
-  print(fmt::format("{} {}: {} outside its domains\n\n", typeWord(symbol.type()), signature(symbol),
-                    counted(found.records.size(), "record")));
-  table.printHeader(stdout);
-  eachRow([&](const std::vector<std::string_view>& cells) { table.printRow(stdout, cells); });
-  print("\n");
+  return text;
 }
+
+// Prints the members of a JSON array of objects one by one, as nlohmann's library lays them out.
+class ArrayPrinter {
+ public:
+  explicit ArrayPrinter(const std::string& name) {
+    tool::print(fmt::format(",\n  \"{}\": [", name));
+  }
+  void add(const Json& entry) {
+    tool::print((empty_ ? "\n    " : ",\n    ") + indented(entry, "    "));
+    empty_ = false;
+  }
+  void close() const { tool::print(empty_ ? "]" : "\n  ]"); }
+
+ private:
+  bool empty_ = true;
+};
 
 }  // namespace
 
-std::size_t DomainReport::recordCount() const {
+DomainCheck::DomainCheck(const ExchangeFile& file, Progress& progress) : file_(file) {
+  for (const FileSymbol& symbol : file_.symbols()) {
+    if (!symbol.isAlias() && symbol.dimension != 0) {
+      progress.step("checking the domains of " + symbol.name);
+      checkSymbol(symbol, progress);
+    }
+  }
+}
+
+std::size_t DomainCheck::recordCount() const {
   std::size_t count = 0;
-  for (const SymbolViolations& symbol : symbols) {
-    count += symbol.records.size();
+  for (const Found& found : symbols_) {
+    count += found.records;
   }
   return count;
 }
 
-DomainReport checkDomains(const DataFile& file, Progress& progress) {
-  DomainReport report;
-  for (ztb::Symbol symbol : file.symbols()) {
-    if (symbol.type() == ztb::Type::alias || symbol.dimension() == 0) {
-      continue;
+// Reads a set that is a domain, once.
+const DomainCheck::Members* DomainCheck::membersOf(int set) {
+  if (set < 0) {
+    return nullptr;
+  }
+  const FileSymbol& symbol = file_.resolved(file_.symbolAt(set));
+  if (symbol.isUniverse()) {
+    return nullptr;
+  }
+  const auto [entry, isNew] = members_.try_emplace(symbol.number);
+  if (isNew) {
+    entry->second.resize(static_cast<std::size_t>(file_.labelCount()) + 1);
+    for (RecordWalk record(file_, symbol); record.next();) {
+      entry->second[static_cast<std::size_t>(record.keys()[0])] = true;
     }
-    progress.step("checking the domains of " + symbol.name().str());
-    const std::vector<ztb::Domain> domains = symbol.domains();
+  }
+  return &entry->second;
+}
+
+void DomainCheck::checkSymbol(const FileSymbol& symbol, Progress& progress) {
+  bool checked = false;
+  for (std::size_t position = 0; position < symbol.domains.size(); ++position) {
+    if (symbol.domains[position].set < 0) {
+      unchecked_.push_back({&symbol, position});
+    }
+    checked = membersOf(symbol.domains[position].set) != nullptr || checked;
+  }
+  if (!checked) {
+    return;
+  }
+  std::size_t records = 0;
+  eachOutside(symbol, [&](std::span<const int>, const std::vector<std::size_t>&) {
+    progress.count(++records);
+  });
+  if (records > 0) {
+    symbols_.push_back({&symbol, records});
+  }
+}
+
+std::vector<const DomainCheck::Members*> DomainCheck::domainsOf(const FileSymbol& symbol) const {
+  std::vector<const Members*> domains;
+  for (const FileDomain& domain : symbol.domains) {
+    const int set = domain.set < 0 ? 0 : file_.resolved(file_.symbolAt(domain.set)).number;
+    domains.push_back(set == 0 ? nullptr : &members_.at(set));
+  }
+  return domains;
+}
+
+// Calls use with the keys and the positions outside of each record that has any.
+template <typename Use>
+void DomainCheck::eachOutside(const FileSymbol& symbol, const Use& use) const {
+  const std::vector<const Members*> domains = domainsOf(symbol);
+  std::vector<std::size_t> outside;
+  for (RecordWalk record(file_, symbol); record.next();) {
+    outside.clear();
     for (std::size_t position = 0; position < domains.size(); ++position) {
-      if (!domains[position].set) {
-        report.unchecked.push_back({symbol, position, domains[position].name.str()});
+      if (domains[position] != nullptr &&
+          !(*domains[position])[static_cast<std::size_t>(record.keys()[position])]) {
+        outside.push_back(position);
       }
     }
-    // A symbol shows no violation before it is read.
-    static_cast<void>(symbol.recordCount());
-    SymbolViolations found{.symbol = symbol, .records = {}};
-    for (ViolationWalk walk(symbol); !walk.atEnd(); walk.next()) {
-      found.records.push_back(walk.violation(domains.size()));
-      progress.count(found.records.size());
+    if (!outside.empty()) {
+      use(record.keys(), outside);
     }
-    if (!found.records.empty()) {
-      report.symbols.push_back(std::move(found));
-    }
-    if (symbol.type() != ztb::Type::set) {
-      symbol.clear();
-    }
-  }
-  return report;
-}
-
-void printDomainReport(const DataFile& file, const DomainReport& report) {
-  for (const SymbolViolations& symbol : report.symbols) {
-    printTable(file, symbol);
-  }
-  for (const UncheckedPosition& unchecked : report.unchecked) {
-    print(fmt::format("{}: position {} is not checked: {} is no set of one position in this file\n",
-                      signature(unchecked.symbol), unchecked.position + 1, unchecked.domain));
   }
 }
 
-void printDomainReportJson(const DataFile& file, const DomainReport& report) {
-  Json json;
-  json["file"] = file.path();
-  json["violations"] = Json::array();
-  for (const SymbolViolations& symbol : report.symbols) {
-    const std::vector<std::string> domains = domainNames(symbol.symbol);
-    for (const Violation& violation : symbol.records) {
+void DomainCheck::printTable(const Found& found) const {
+  const FileSymbol& symbol = *found.symbol;
+  TablePrinter table;
+  for (const std::string& column : keyColumns(symbol.name, symbol.type, domainNames(symbol))) {
+    table.addColumn(column, TablePrinter::Align::left);
+  }
+  table.addColumn("outside", TablePrinter::Align::left);
+  const auto eachRow = [&](auto&& use) {
+    std::vector<std::string_view> cells;
+    eachOutside(symbol, [&](std::span<const int> keys, const std::vector<std::size_t>& positions) {
+      cells.clear();
+      for (const int key : keys) {
+        cells.push_back(file_.label(key));
+      }
+      const std::string outside = outsideText(positions, symbol);
+      cells.emplace_back(outside);
+      use(cells);
+    });
+  };
+  eachRow([&](const std::vector<std::string_view>& cells) { table.measure(cells); });
+  tool::print(fmt::format("{} {}: {} outside its domains\n\n", typeWord(symbol.type),
+                          signature(symbol), counted(found.records, "record")));
+  table.printHeader(stdout);
+  eachRow([&](const std::vector<std::string_view>& cells) { table.printRow(stdout, cells); });
+  tool::print("\n");
+}
+
+void DomainCheck::print() const {
+  for (const Found& found : symbols_) {
+    printTable(found);
+  }
+  for (const Unchecked& unchecked : unchecked_) {
+    tool::print(
+        fmt::format("{}: position {} is not checked: {} is no set of one position in this file\n",
+                    signature(*unchecked.symbol), unchecked.position + 1,
+                    unchecked.symbol->domains[unchecked.position].name));
+  }
+}
+
+void DomainCheck::printJson() const {
+  tool::print("{\n  \"file\": " + jsonText(Json(file_.path())));
+  ArrayPrinter violations("violations");
+  for (const Found& found : symbols_) {
+    const FileSymbol& symbol = *found.symbol;
+    eachOutside(symbol, [&](std::span<const int> keys, const std::vector<std::size_t>& positions) {
       Json entry;
-      entry["symbol"] = symbol.symbol.name().view();
+      entry["symbol"] = symbol.name;
       entry["keys"] = Json::array();
       entry["positions"] = Json::array();
       entry["domains"] = Json::array();
-      for (std::size_t position = 0; position < violation.keys.size(); ++position) {
-        entry["keys"].push_back(file.label(violation.keys[position]));
-        if (violation.outside[position]) {
-          entry["positions"].push_back(position + 1);
-          entry["domains"].push_back(domains[position]);
-        }
+      for (const int key : keys) {
+        entry["keys"].push_back(file_.label(key));
       }
-      json["violations"].push_back(std::move(entry));
-    }
+      for (const std::size_t position : positions) {
+        entry["positions"].push_back(position + 1);
+        entry["domains"].push_back(symbol.domains[position].name);
+      }
+      violations.add(entry);
+    });
   }
-  json["not_checked"] = Json::array();
-  for (const UncheckedPosition& unchecked : report.unchecked) {
-    json["not_checked"].push_back({{"symbol", unchecked.symbol.name().view()},
-                                   {"position", unchecked.position + 1},
-                                   {"domain", unchecked.domain}});
+  violations.close();
+  ArrayPrinter notChecked("not_checked");
+  for (const Unchecked& unchecked : unchecked_) {
+    notChecked.add({{"symbol", unchecked.symbol->name},
+                    {"position", unchecked.position + 1},
+                    {"domain", unchecked.symbol->domains[unchecked.position].name}});
   }
-  print(jsonText(json, 2) + "\n");
+  notChecked.close();
+  tool::print("\n}\n");
 }
 
 }  // namespace tool

@@ -3,54 +3,58 @@
 #define ZTB_TOOLS_DOMAIN_CHECK_H_
 
 #include <cstddef>
+#include <map>
 #include <string>
 #include <vector>
-#include <ztb/ztb.hpp>
 
-#include "tools/data_file.h"
+#include "tools/exchange_file.h"
 #include "tools/progress.h"
+#include "tools/record_walk.h"
 
 namespace tool {
 
-// A record with a label outside its domain: its label numbers, and for each position whether the
-// label there is outside.
-struct Violation {
-  std::vector<int> keys;
-  std::vector<bool> outside;
-};
+// Records outside their domains are counted when the check is made and found again when they are
+// printed, so that they take no memory; what is kept is a bit for each label and domain set.
+class DomainCheck {
+ public:
+  // Checks every symbol. The file has to be intact and lives longer; damage throws Failure.
+  DomainCheck(const ExchangeFile& file, Progress& progress);
 
-// The violations of one symbol, in the order of its records.
-struct SymbolViolations {
-  ztb::Symbol symbol;
-  std::vector<Violation> records;
-};
-
-// A position, from 0, whose domain is known by its name only, so that no label of it can be
-// checked.
-struct UncheckedPosition {
-  ztb::Symbol symbol;
-  std::size_t position;
-  std::string domain;
-};
-
-struct DomainReport {
-  // Symbols with a violation, in the order of the file.
-  std::vector<SymbolViolations> symbols;
-  std::vector<UncheckedPosition> unchecked;
-
+  // Symbols with a record outside its domains, and such records.
+  [[nodiscard]] std::size_t symbolCount() const { return symbols_.size(); }
   [[nodiscard]] std::size_t recordCount() const;
+
+  // The report for people: a table for each symbol, and a line for each position not checked.
+  void print() const;
+  // The same as JSON, positions counted from 1.
+  void printJson() const;
+
+ private:
+  // Labels of a set, by their numbers; null where all are in it, or it is known by name only.
+  using Members = std::vector<bool>;
+
+  // What was counted of a symbol that has a record outside.
+  struct Found {
+    const FileSymbol* symbol;
+    std::size_t records;
+  };
+  struct Unchecked {
+    const FileSymbol* symbol;
+    std::size_t position;
+  };
+
+  const Members* membersOf(int set);
+  void checkSymbol(const FileSymbol& symbol, Progress& progress);
+  [[nodiscard]] std::vector<const Members*> domainsOf(const FileSymbol& symbol) const;
+  template <typename Use>
+  void eachOutside(const FileSymbol& symbol, const Use& use) const;
+  void printTable(const Found& found) const;
+
+  const ExchangeFile& file_;
+  std::map<int, Members> members_;
+  std::vector<Found> symbols_;
+  std::vector<Unchecked> unchecked_;
 };
-
-// Reads and checks every symbol by itself: a check of the whole database would pass over some
-// symbols of a file. The file has to be intact; the records of its symbols other than sets are
-// dropped on the way.
-DomainReport checkDomains(const DataFile& file, Progress& progress);
-
-// The report for people: a table for each symbol, and a line for each position not checked.
-void printDomainReport(const DataFile& file, const DomainReport& report);
-
-// The same as JSON, positions counted from 1.
-void printDomainReportJson(const DataFile& file, const DomainReport& report);
 
 }  // namespace tool
 

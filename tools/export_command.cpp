@@ -10,12 +10,13 @@
 #include <vector>
 
 #include "tools/csv_writer.h"
-#include "tools/data_file.h"
+#include "tools/exchange_file.h"
 #include "tools/failure.h"
 #include "tools/manifest.h"
 #include "tools/number_text.h"
 #include "tools/output.h"
 #include "tools/progress.h"
+#include "tools/record_walk.h"
 #include "tools/symbol_columns.h"
 #include "tools/words.h"
 
@@ -31,29 +32,31 @@ struct ExportOptions {
 };
 
 // The chosen symbols in the order of the file. An alias needs the set that it stands for.
-std::vector<ztb::Symbol> chosenSymbols(const DataFile& file, const ExportOptions& options) {
-  std::vector<ztb::Symbol> symbols = file.symbols();
-  if (options.all) {
-    return symbols;
-  }
-  std::vector<ztb::Symbol> chosen;
+std::vector<const FileSymbol*> chosenSymbols(const ExchangeFile& file,
+                                             const ExportOptions& options) {
+  std::vector<const FileSymbol*> chosen;
   for (const std::string& name : options.symbols) {
     if (name == "*") {
       throw UsageError("*: the universe is no symbol to export; every export has all labels");
     }
-    chosen.push_back(file.symbol(name));
+    chosen.push_back(&file.symbol(name));
   }
-  const auto isChosen = [&](const ztb::Symbol& symbol) {
-    return std::ranges::find(chosen, symbol) != chosen.end();
+  const auto isChosen = [&](const FileSymbol& symbol) {
+    return options.all || std::ranges::find(chosen, &symbol) != chosen.end();
   };
-  for (const ztb::Symbol& symbol : chosen) {
-    const ztb::Symbol target = file.resolved(symbol);
-    if (target.name() != "*" && !isChosen(target)) {
-      throw UsageError(fmt::format("{} is an alias of {}: export {} too", symbol.name().view(),
-                                   target.name().view(), target.name().view()));
+  for (const FileSymbol* symbol : chosen) {
+    const FileSymbol& target = file.resolved(*symbol);
+    if (!target.isUniverse() && !isChosen(target)) {
+      throw UsageError(fmt::format("{} is an alias of {}: export {} too", symbol->name, target.name,
+                                   target.name));
     }
   }
-  std::erase_if(symbols, [&](const ztb::Symbol& symbol) { return !isChosen(symbol); });
+  std::vector<const FileSymbol*> symbols;
+  for (const FileSymbol& symbol : file.symbols()) {
+    if (isChosen(symbol)) {
+      symbols.push_back(&symbol);
+    }
+  }
   return symbols;
 }
 
@@ -70,7 +73,7 @@ void prepareFolder(const std::filesystem::path& folder) {
   }
 }
 
-void writeLabels(const std::filesystem::path& folder, const DataFile& file) {
+void writeLabels(const std::filesystem::path& folder, const ExchangeFile& file) {
   CsvWriter csv(labelsPath(folder).string());
   csv.field("label");
   csv.endRecord();
@@ -81,31 +84,26 @@ void writeLabels(const std::filesystem::path& folder, const DataFile& file) {
   csv.close();
 }
 
-std::size_t writeRecords(const std::filesystem::path& folder, const DataFile& file,
-                         const ztb::Symbol& symbol, Progress& progress) {
-  const std::string name = symbol.name().str();
-  progress.step("reading " + name);
-  file.requireIntact(symbol);
-  CsvWriter csv(recordsPath(folder, name).string());
-  for (const std::string& column : keyColumns(name, symbol.type(), domainNames(symbol))) {
+std::size_t writeRecords(const std::filesystem::path& folder, const ExchangeFile& file,
+                         const FileSymbol& symbol, Progress& progress) {
+  progress.step("writing " + recordsPath(folder, symbol.name).string());
+  CsvWriter csv(recordsPath(folder, symbol.name).string());
+  for (const std::string& column : keyColumns(symbol.name, symbol.type, domainNames(symbol))) {
     csv.field(column);
   }
-  for (const std::string& column : contentColumns(symbol.type())) {
+  for (const std::string& column : contentColumns(symbol.type)) {
     csv.field(column);
   }
   csv.endRecord();
   std::size_t records = 0;
-  ztb::Rows rows = symbol.rows();
-  progress.step("writing " + recordsPath(folder, name).string());
-  for (auto at = rows.begin(); at != rows.end(); ++at) {
-    const ztb::Row row = *at;
-    for (const int key : row.keys) {
+  for (RecordWalk record(file, symbol); record.next();) {
+    for (const int key : record.keys()) {
       csv.label(file.label(key));
     }
-    if (symbol.type() == ztb::Type::set) {
-      csv.field(at.record().text());
+    if (symbol.type == ztb::Type::set) {
+      csv.field(record.text());
     } else {
-      for (const double value : row.values) {
+      for (const double value : record.values()) {
         csv.field(NumberText(value).view());
       }
     }
@@ -122,19 +120,17 @@ void runExport(const ExportOptions& options) {
   }
   Progress progress;
   progress.step("opening " + options.file);
-  const DataFile file(options.file);
-  const std::vector<ztb::Symbol> symbols = chosenSymbols(file, options);
+  const ExchangeFile file(options.file);
+  const std::vector<const FileSymbol*> symbols = chosenSymbols(file, options);
   const std::filesystem::path folder = options.folder;
   prepareFolder(folder);
   writeLabels(folder, file);
   std::vector<ManifestEntry> entries;
   std::size_t records = 0;
-  for (ztb::Symbol symbol : symbols) {
-    entries.push_back(describe(file, symbol));
-    if (symbol.type() != ztb::Type::alias) {
-      records += writeRecords(folder, file, symbol, progress);
-      // What was written need not stay in memory.
-      symbol.clear();
+  for (const FileSymbol* symbol : symbols) {
+    entries.push_back(describe(file, *symbol));
+    if (!symbol->isAlias()) {
+      records += writeRecords(folder, file, *symbol, progress);
     }
   }
   writeManifest(folder, entries);

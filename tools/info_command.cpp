@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/data_file.h"
+#include "tools/exchange_file.h"
 #include "tools/json_text.h"
 #include "tools/output.h"
 #include "tools/progress.h"
@@ -25,53 +25,56 @@ struct InfoOptions {
   bool json = false;
 };
 
+// What holds the records of a file once a database reads them, unless it was told otherwise.
+constexpr ztb::Store defaultStore = ztb::Store::map;
+
 struct Totals {
   std::array<std::size_t, 5> ofType{};
   std::size_t symbols = 0;
   std::size_t records = 0;
 };
 
-Totals totalsOf(const DataFile& file, const std::vector<ztb::Symbol>& symbols) {
+Totals totalsOf(const ExchangeFile& file) {
   Totals totals;
-  for (const ztb::Symbol& symbol : symbols) {
-    ++totals.ofType.at(static_cast<std::size_t>(symbol.type()));
+  for (const FileSymbol& symbol : file.symbols()) {
+    ++totals.ofType.at(static_cast<std::size_t>(symbol.type));
     ++totals.symbols;
-    totals.records += static_cast<std::size_t>(file.recordCount(symbol));
+    totals.records += symbol.isAlias() ? 0 : symbol.recordCount;
   }
   return totals;
 }
 
-void printJson(const DataFile& file, const std::vector<ztb::Symbol>& symbols) {
-  const Totals totals = totalsOf(file, symbols);
+void printJson(const ExchangeFile& file) {
+  const Totals totals = totalsOf(file);
   Json json;
   json["file"] = file.path();
   json["symbol_count"] = totals.symbols;
   json["label_count"] = file.labelCount();
   json["record_count"] = totals.records;
   json["symbols"] = Json::array();
-  for (const ztb::Symbol& symbol : symbols) {
-    Json entry = jsonSymbol(file, symbol);
-    if (symbol.type() != ztb::Type::alias) {
-      entry["records"] = file.recordCount(symbol);
+  for (const FileSymbol& symbol : file.symbols()) {
+    Json entry = jsonSymbol(file, symbol, defaultStore);
+    if (!symbol.isAlias()) {
+      entry["records"] = symbol.recordCount;
     }
     json["symbols"].push_back(std::move(entry));
   }
   print(jsonText(json, 2) + "\n");
 }
 
-std::array<std::string, 7> cellsOf(const DataFile& file, const ztb::Symbol& symbol) {
-  const bool alias = symbol.type() == ztb::Type::alias;
-  return {symbol.name().str(),
-          std::string(typeWord(symbol.type())),
-          std::to_string(symbol.dimension()),
-          alias ? fmt::format("= {}", file.resolved(symbol).name().view())
+std::array<std::string, 7> cellsOf(const ExchangeFile& file, const FileSymbol& symbol) {
+  const bool alias = symbol.isAlias();
+  return {symbol.name,
+          std::string(typeWord(symbol.type)),
+          std::to_string(symbol.dimension),
+          alias ? fmt::format("= {}", file.resolved(symbol).name)
                 : fmt::format("{}", fmt::join(domainNames(symbol), ", ")),
-          alias ? std::string() : std::to_string(file.recordCount(symbol)),
-          alias ? std::string() : std::string(storeWord(symbol.store())),
-          symbol.text().str()};
+          alias ? std::string() : std::to_string(symbol.recordCount),
+          alias ? std::string() : std::string(storeWord(defaultStore)),
+          symbol.text};
 }
 
-void printTable(const DataFile& file, const std::vector<ztb::Symbol>& symbols) {
+void printTable(const ExchangeFile& file) {
   using Align = TablePrinter::Align;
   TablePrinter table;
   table.addColumn("Symbol", Align::left);
@@ -82,7 +85,7 @@ void printTable(const DataFile& file, const std::vector<ztb::Symbol>& symbols) {
   table.addColumn("Store", Align::left);
   table.addColumn("Text", Align::left);
   std::vector<std::array<std::string, 7>> rows;
-  for (const ztb::Symbol& symbol : symbols) {
+  for (const FileSymbol& symbol : file.symbols()) {
     rows.push_back(cellsOf(file, symbol));
     const std::array<std::string, 7>& row = rows.back();
     table.measure(std::vector<std::string_view>(row.begin(), row.end()));
@@ -93,7 +96,7 @@ void printTable(const DataFile& file, const std::vector<ztb::Symbol>& symbols) {
   }
 }
 
-void printTotals(const DataFile& file, const Totals& totals) {
+void printTotals(const ExchangeFile& file, const Totals& totals) {
   std::vector<std::string> kinds;
   for (std::size_t type = 0; type < totals.ofType.size(); ++type) {
     const std::size_t count = totals.ofType[type];
@@ -112,18 +115,17 @@ void printTotals(const DataFile& file, const Totals& totals) {
 void runInfo(const InfoOptions& options) {
   std::optional<Progress> progress(std::in_place);
   progress->step("opening " + options.file);
-  const DataFile file(options.file);
+  const ExchangeFile file(options.file);
   progress.reset();
-  const std::vector<ztb::Symbol> symbols = file.symbols();
   if (options.json) {
-    printJson(file, symbols);
+    printJson(file);
     return;
   }
-  if (!symbols.empty()) {
-    printTable(file, symbols);
+  if (!file.symbols().empty()) {
+    printTable(file);
     print("\n");
   }
-  printTotals(file, totalsOf(file, symbols));
+  printTotals(file, totalsOf(file));
 }
 
 }  // namespace

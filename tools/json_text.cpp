@@ -38,19 +38,19 @@ std::string jsonText(const Json& json, int indent) {
   return result;
 }
 
-Json jsonSymbol(const DataFile& file, const ztb::Symbol& symbol) {
+Json jsonSymbol(const ExchangeFile& file, const FileSymbol& symbol, ztb::Store store) {
   Json json;
-  json["name"] = symbol.name().view();
-  json["type"] = typeWord(symbol.type());
-  if (symbol.type() == ztb::Type::alias) {
-    json["alias_of"] = file.resolved(symbol).name().view();
+  json["name"] = symbol.name;
+  json["type"] = typeWord(symbol.type);
+  if (symbol.isAlias()) {
+    json["alias_of"] = file.resolved(symbol).name;
   } else {
-    json["dimension"] = symbol.dimension();
+    json["dimension"] = symbol.dimension;
     json["domains"] = domainNames(symbol);
-    json["user_info"] = symbol.userInfo();
-    json["store"] = storeWord(symbol.store());
+    json["user_info"] = symbol.userInfo;
+    json["store"] = storeWord(store);
   }
-  json["text"] = symbol.text().view();
+  json["text"] = symbol.text;
   return json;
 }
 

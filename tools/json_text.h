@@ -4,9 +4,8 @@
 
 #include <nlohmann/json.hpp>
 #include <string>
-#include <ztb/ztb.hpp>
 
-#include "tools/data_file.h"
+#include "tools/exchange_file.h"
 
 namespace tool {
 
@@ -20,8 +19,8 @@ Json jsonNumber(double value);
 std::string jsonText(const Json& json, int indent = -1);
 
 // What a symbol is: name, type, dimension, domains, text and the user information; for an alias the
-// name of the set that it stands for.
-Json jsonSymbol(const DataFile& file, const ztb::Symbol& symbol);
+// name of the set that it stands for. `store` is the one that is told with it.
+Json jsonSymbol(const ExchangeFile& file, const FileSymbol& symbol, ztb::Store store);
 
 }  // namespace tool
 

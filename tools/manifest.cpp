@@ -172,16 +172,15 @@ std::filesystem::path recordsPath(const std::filesystem::path& folder, const std
   return folder / (symbol + ".csv");
 }
 
-ManifestEntry describe(const DataFile& file, const ztb::Symbol& symbol) {
+ManifestEntry describe(const ExchangeFile& file, const FileSymbol& symbol) {
   ManifestEntry entry;
-  entry.name = symbol.name().str();
-  entry.type = symbol.type();
+  entry.name = symbol.name;
+  entry.type = symbol.type;
   entry.domains = domainNames(symbol);
-  entry.text = symbol.text().str();
-  if (entry.type == ztb::Type::alias) {
-    entry.aliasOf = file.resolved(symbol).name().str();
-  } else {
-    entry.userInfo = symbol.userInfo();
+  entry.text = symbol.text;
+  entry.userInfo = symbol.userInfo;
+  if (symbol.isAlias()) {
+    entry.aliasOf = file.resolved(symbol).name;
   }
   return entry;
 }

@@ -14,9 +14,8 @@
 #include <filesystem>
 #include <string>
 #include <vector>
-#include <ztb/ztb.hpp>
 
-#include "tools/data_file.h"
+#include "tools/exchange_file.h"
 #include "tools/problem_list.h"
 
 namespace tool {
@@ -38,7 +37,7 @@ std::filesystem::path labelsPath(const std::filesystem::path& folder);
 std::filesystem::path recordsPath(const std::filesystem::path& folder, const std::string& symbol);
 
 // The entry of a symbol of a file.
-ManifestEntry describe(const DataFile& file, const ztb::Symbol& symbol);
+ManifestEntry describe(const ExchangeFile& file, const FileSymbol& symbol);
 
 // Throws Failure if the table cannot be written.
 void writeManifest(const std::filesystem::path& folder, const std::vector<ManifestEntry>& entries);

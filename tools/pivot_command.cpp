@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "tools/csv_writer.h"
-#include "tools/data_file.h"
+#include "tools/exchange_file.h"
 #include "tools/failure.h"
 #include "tools/number_text.h"
 #include "tools/output.h"
@@ -40,8 +40,8 @@ using Positions = std::vector<std::size_t>;
 
 // The position that a word of --rows or --columns means: its number from 1, or the name of its
 // column.
-std::size_t positionOf(const std::string& word, const std::string& option,
-                       const ztb::Symbol& symbol, const std::vector<std::string>& keyColumns) {
+std::size_t positionOf(const std::string& word, const std::string& option, const FileSymbol& symbol,
+                       const std::vector<std::string>& keyColumns) {
   for (std::size_t position = 0; position < keyColumns.size(); ++position) {
     if (word == std::to_string(position + 1) || sameFolded(word, keyColumns[position])) {
       return position;
@@ -52,7 +52,7 @@ std::size_t positionOf(const std::string& word, const std::string& option,
                                CLI::detail::join(keyColumns, ", ")));
 }
 
-Positions positionsOf(const std::string& list, const std::string& option, const ztb::Symbol& symbol,
+Positions positionsOf(const std::string& list, const std::string& option, const FileSymbol& symbol,
                       const std::vector<std::string>& keyColumns, Positions& taken) {
   Positions positions;
   for (const std::string& word : CLI::detail::split(list, ',')) {
@@ -67,13 +67,13 @@ Positions positionsOf(const std::string& list, const std::string& option, const 
   return positions;
 }
 
-ztb::Field fieldOf(const std::optional<std::string>& word, const ztb::Symbol& symbol) {
+ztb::Field fieldOf(const std::optional<std::string>& word, const FileSymbol& symbol) {
   if (!word) {
     return ztb::Field::level;
   }
-  if (symbol.valueCount() != ztb::fieldCount) {
+  if (symbol.valueCount != static_cast<int>(ztb::fieldCount)) {
     throw UsageError(fmt::format("--field {}: {} is a {}; only variables and equations have fields",
-                                 *word, signature(symbol), typeWord(symbol.type())));
+                                 *word, signature(symbol), typeWord(symbol.type)));
   }
   const auto* found = std::ranges::find_if(
       fieldWords, [&](std::string_view known) { return sameFolded(known, *word); });
@@ -137,12 +137,12 @@ class PivotTable {
   explicit PivotTable(const PivotOptions& options)
       : file_(options.file),
         symbol_(file_.resolved(file_.symbol(options.symbol))),
-        keyColumns_(tool::keyColumns(symbol_.name().str(), symbol_.type(), domainNames(symbol_))) {
-    if (symbol_.type() == ztb::Type::set || symbol_.dimension() == 0) {
+        keyColumns_(tool::keyColumns(symbol_.name, symbol_.type, domainNames(symbol_))) {
+    if (symbol_.type == ztb::Type::set || symbol_.dimension == 0) {
       throw UsageError(
           fmt::format("{} is a {}; a table is made of a parameter, variable or "
                       "equation with positions",
-                      signature(symbol_), symbol_.dimension() == 0 ? "scalar" : "set"));
+                      signature(symbol_), symbol_.dimension == 0 ? "scalar" : "set"));
     }
     Positions taken;
     const Positions rows = positionsOf(options.rows, "--rows", symbol_, keyColumns_, taken);
@@ -153,7 +153,6 @@ class PivotTable {
     if (options.slice) {
       filter = SliceFilter(*options.slice, file_, symbol_);
     }
-    file_.requireIntact(symbol_);
     cube_.emplace(file_, symbol_, field, filter);
     requireRestFixed(taken);
     places_.resize(keyColumns_.size());
@@ -172,8 +171,8 @@ class PivotTable {
       table.addColumn(columnTitle(column), TablePrinter::Align::right);
     }
     eachRow([&](const std::vector<std::string_view>& cells) { table.measure(cells); });
-    const ztb::Text text = symbol_.text();
-    print(fmt::format("{} {}{}{}\n\n", typeWord(symbol_.type()), signature(symbol_),
+    const std::string& text = symbol_.text;
+    print(fmt::format("{} {}{}{}\n\n", typeWord(symbol_.type), signature(symbol_),
                       text.empty() ? "" : ": ", printable(text)));
     table.printHeader(stdout);
     eachRow([&](const std::vector<std::string_view>& cells) { table.printRow(stdout, cells); });
@@ -272,8 +271,8 @@ class PivotTable {
     }
   }
 
-  DataFile file_;
-  ztb::Symbol symbol_;
+  ExchangeFile file_;
+  const FileSymbol& symbol_;
   std::vector<std::string> keyColumns_;
   std::optional<PivotCube> cube_;
   std::optional<Side> rows_;

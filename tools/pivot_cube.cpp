@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <string>
 
 #include "tools/failure.h"
 
@@ -14,21 +13,13 @@ namespace {
 // What a table for people can sensibly come from, and what fits into memory anywhere.
 constexpr std::size_t mostCells = 50'000'000;
 
-// A name that no symbol has.
-std::string freeName(const ztb::Database& database, const std::string& stem) {
-  std::string name = stem;
-  for (int number = 1; database.findSymbolOrAlias(name); ++number) {
-    name = stem + std::to_string(number);
-  }
-  return name;
-}
-
 }  // namespace
 
-PivotCube::PivotCube(DataFile& file, const ztb::Symbol& symbol, ztb::Field field,
+PivotCube::PivotCube(const ExchangeFile& file, const FileSymbol& symbol, ztb::Field field,
                      const SliceFilter& filter)
-    : labels_(static_cast<std::size_t>(symbol.dimension())) {
-  collectLabels(file, symbol, filter);
+    : labels_(static_cast<std::size_t>(symbol.dimension)) {
+  RecordWalk record(file, symbol);
+  collectLabels(file, record, filter);
   if (recordCount_ == 0) {
     return;
   }
@@ -44,7 +35,8 @@ PivotCube::PivotCube(DataFile& file, const ztb::Symbol& symbol, ztb::Field field
   }
   values_.resize(cells);
   records_.resize(cells);
-  transfer(file.database(), symbol, field);
+  record.rewind();
+  fill(record, field, filter, file.labelCount());
 }
 
 std::size_t PivotCube::cellOf(std::span<const std::size_t> places) const {
@@ -55,15 +47,15 @@ std::size_t PivotCube::cellOf(std::span<const std::size_t> places) const {
   return cell;
 }
 
-void PivotCube::collectLabels(const DataFile& file, const ztb::Symbol& symbol,
+void PivotCube::collectLabels(const ExchangeFile& file, RecordWalk& record,
                               const SliceFilter& filter) {
   std::vector<std::vector<bool>> used(
       labels_.size(), std::vector<bool>(static_cast<std::size_t>(file.labelCount()) + 1));
-  for (const ztb::Row row : symbol.rows()) {
-    if (filter.matches(row.keys)) {
+  while (record.next()) {
+    if (filter.matches(record.keys())) {
       ++recordCount_;
       for (std::size_t position = 0; position < used.size(); ++position) {
-        used[position][static_cast<std::size_t>(row.keys[position])] = true;
+        used[position][static_cast<std::size_t>(record.keys()[position])] = true;
       }
     }
   }
@@ -76,35 +68,26 @@ void PivotCube::collectLabels(const DataFile& file, const ztb::Symbol& symbol,
   }
 }
 
-// The labels of a position become a set, over which the library lays out the cube. What the slice
-// keeps out has a label that none of these sets holds. A set with the same records tells a value of
-// zero from none.
-void PivotCube::transfer(ztb::Database& database, const ztb::Symbol& symbol, ztb::Field field) {
-  std::vector<void*> domains;
-  std::vector<int> sizes;
-  for (const std::vector<int>& labels : labels_) {
-    ztb::Symbol set = database.addSet(freeName(database, "pivotLabels"), {"*"});
-    for (const int label : labels) {
-      set.putElementUnchecked({&label, 1}, nullptr);
+void PivotCube::fill(RecordWalk& record, ztb::Field field, const SliceFilter& filter,
+                     int labelCount) {
+  std::vector<std::vector<std::size_t>> placeOf(
+      labels_.size(), std::vector<std::size_t>(static_cast<std::size_t>(labelCount) + 1));
+  for (std::size_t position = 0; position < labels_.size(); ++position) {
+    for (std::size_t place = 0; place < labels_[position].size(); ++place) {
+      placeOf[position][static_cast<std::size_t>(labels_[position][place])] = place;
     }
-    domains.push_back(set.handle());
-    sizes.push_back(static_cast<int>(labels.size()));
   }
-  const ztb::Symbol present =
-      database.addSymbol(freeName(database, "pivotRecords"), ztb::Type::set,
-                         std::vector<ztb::DomainArgument>(labels_.size(), "*"));
-  ztbRec* handle = database.handle();
-  ztb::detail::require(c__ztbcopysymbol(handle, present.handle(), symbol.handle()), handle,
-                       "ztbCopySymbol");
-  const auto fetch = [&](void* cube, const ztb::Symbol& source) {
-    int dropped = 0;
-    ztb::detail::require(
-        c__ztbsparsesymboltodensearray(handle, cube, sizes.data(), source.handle(), domains.data(),
-                                       static_cast<int>(field), &dropped),
-        handle, "ztbSparseSymbolToDenseArray");
-  };
-  fetch(values_.data(), symbol);
-  fetch(records_.data(), present);
+  std::vector<std::size_t> places(labels_.size());
+  while (record.next()) {
+    if (filter.matches(record.keys())) {
+      for (std::size_t position = 0; position < places.size(); ++position) {
+        places[position] = placeOf[position][static_cast<std::size_t>(record.keys()[position])];
+      }
+      const std::size_t cell = cellOf(places);
+      values_[cell] = record.values()[static_cast<std::size_t>(field)];
+      records_[cell] = true;
+    }
+  }
 }
 
 }  // namespace tool

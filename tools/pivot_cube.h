@@ -6,21 +6,22 @@
 #include <cstddef>
 #include <span>
 #include <vector>
-#include <ztb/ztb.hpp>
 
-#include "tools/data_file.h"
+#include "tools/exchange_file.h"
+#include "tools/record_walk.h"
 #include "tools/slice_filter.h"
 
 namespace tool {
 
 // The values of one field of a symbol's records, those that a slice lets through, by the places of
 // their labels. At each position the labels of these records are numbered from 0, in the order of
-// the file. Fetched through the array transfer.
+// the file.
 class PivotCube {
  public:
   // Throws Failure when the cube would have more cells than fit; the text tells how many, and to
   // take a slice.
-  PivotCube(DataFile& file, const ztb::Symbol& symbol, ztb::Field field, const SliceFilter& filter);
+  PivotCube(const ExchangeFile& file, const FileSymbol& symbol, ztb::Field field,
+            const SliceFilter& filter);
 
   // The label numbers of a position.
   [[nodiscard]] const std::vector<int>& labels(std::size_t position) const {
@@ -30,19 +31,19 @@ class PivotCube {
 
   // The cell at these places, one for each position, and whether a record stands in it.
   [[nodiscard]] std::size_t cellOf(std::span<const std::size_t> places) const;
-  [[nodiscard]] bool isRecord(std::size_t cell) const { return records_[cell] != 0; }
+  [[nodiscard]] bool isRecord(std::size_t cell) const { return records_[cell]; }
   [[nodiscard]] double value(std::size_t cell) const { return values_[cell]; }
   [[nodiscard]] std::size_t cellCount() const { return records_.size(); }
 
  private:
-  void collectLabels(const DataFile& file, const ztb::Symbol& symbol, const SliceFilter& filter);
-  void transfer(ztb::Database& database, const ztb::Symbol& symbol, ztb::Field field);
+  void collectLabels(const ExchangeFile& file, RecordWalk& record, const SliceFilter& filter);
+  void fill(RecordWalk& record, ztb::Field field, const SliceFilter& filter, int labelCount);
 
   std::vector<std::vector<int>> labels_;
   std::size_t recordCount_ = 0;
   std::vector<double> values_;
-  // The number of the record in a cell, from 1; 0 where there is none.
-  std::vector<int> records_;
+  // Whether a record stands in a cell, which tells a value of zero from none.
+  std::vector<bool> records_;
 };
 
 }  // namespace tool

@@ -13,12 +13,13 @@
 #include <vector>
 
 #include "tools/csv_writer.h"
-#include "tools/data_file.h"
+#include "tools/exchange_file.h"
 #include "tools/failure.h"
 #include "tools/json_text.h"
 #include "tools/number_text.h"
 #include "tools/output.h"
 #include "tools/progress.h"
+#include "tools/record_walk.h"
 #include "tools/slice_filter.h"
 #include "tools/store_option.h"
 #include "tools/symbol_columns.h"
@@ -45,37 +46,46 @@ struct ShowOptions {
 class ShownRecords {
  public:
   explicit ShownRecords(const ShowOptions& options)
-      : file_(options.file, options.store),
+      : file_(options.file),
         symbol_(file_.resolved(file_.symbol(options.symbol))),
-        universe_(symbol_ == file_.database().universe()),
+        store_(options.store),
         head_(options.head),
-        keyColumns_(tool::keyColumns(symbol_.name().str(), symbol_.type(), domainNames(symbol_))) {
+        keyColumns_(tool::keyColumns(symbol_.name, symbol_.type, domainNames(symbol_))),
+        walk_(file_, symbol_) {
     chooseContent(options.fields);
     if (options.slice) {
       filter_ = SliceFilter(*options.slice, file_, symbol_);
     }
-    file_.requireIntact(symbol_);
   }
 
-  [[nodiscard]] const DataFile& file() const { return file_; }
-  [[nodiscard]] const ztb::Symbol& symbol() const { return symbol_; }
+  [[nodiscard]] const ExchangeFile& file() const { return file_; }
+  [[nodiscard]] const FileSymbol& symbol() const { return symbol_; }
   [[nodiscard]] const std::vector<std::string>& keyColumns() const { return keyColumns_; }
   [[nodiscard]] const std::vector<std::string>& contentColumns() const { return contentColumns_; }
-  [[nodiscard]] bool hasTexts() const { return symbol_.type() == ztb::Type::set && !universe_; }
+  [[nodiscard]] bool hasTexts() const {
+    return symbol_.type == ztb::Type::set && !symbol_.isUniverse();
+  }
+  [[nodiscard]] ztb::Store store() const { return store_; }
   // Places of contentColumns() among the values of a record.
   [[nodiscard]] const std::vector<std::size_t>& fields() const { return fields_; }
 
-  // Visits the records that are to be shown; gives how many there were, and whether others follow.
+  // Reads the first block, so that its damage is told before anything is printed.
+  void requireFirstBlock() {
+    walk_.next();
+    walk_.rewind();
+  }
+
+  // Visits the records that are to be shown, from the first on; gives how many there were, and
+  // whether others follow.
   struct Walked {
     std::size_t records = 0;
     bool more = false;
   };
-  Walked walk(const std::function<void(const ztb::Row&, const ztb::Record&)>& visit) const {
+  Walked walk(const std::function<void(const RecordWalk&)>& visit) {
     Walked walked;
-    ztb::Rows rows = symbol_.rows();
-    for (auto at = rows.begin(); at != rows.end(); ++at) {
-      const ztb::Row row = *at;
-      if (!filter_.matches(row.keys)) {
+    walk_.rewind();
+    while (walk_.next()) {
+      if (!filter_.matches(walk_.keys())) {
         continue;
       }
       if (walked.records == head_) {
@@ -83,7 +93,7 @@ class ShownRecords {
         break;
       }
       ++walked.records;
-      visit(row, at.record());
+      visit(walk_);
     }
     return walked;
   }
@@ -92,16 +102,16 @@ class ShownRecords {
   void chooseContent(const std::optional<std::string>& chosen) {
     if (!chosen) {
       contentColumns_ =
-          universe_ ? std::vector<std::string>{} : tool::contentColumns(symbol_.type());
+          symbol_.isUniverse() ? std::vector<std::string>{} : tool::contentColumns(symbol_.type);
       for (std::size_t field = 0; field < contentColumns_.size(); ++field) {
         fields_.push_back(field);
       }
       return;
     }
-    if (symbol_.valueCount() != ztb::fieldCount) {
+    if (symbol_.valueCount != static_cast<int>(ztb::fieldCount)) {
       throw UsageError(
           fmt::format("--field {}: {} is a {}; only variables and equations have fields", *chosen,
-                      signature(symbol_), typeWord(symbol_.type())));
+                      signature(symbol_), typeWord(symbol_.type)));
     }
     for (const std::string& word : CLI::detail::split(*chosen, ',')) {
       const auto* found = std::ranges::find_if(
@@ -116,17 +126,18 @@ class ShownRecords {
     }
   }
 
-  DataFile file_;
-  ztb::Symbol symbol_;
-  bool universe_;
+  ExchangeFile file_;
+  const FileSymbol& symbol_;
+  ztb::Store store_;
   std::size_t head_;
   std::vector<std::string> keyColumns_;
   std::vector<std::string> contentColumns_;
   std::vector<std::size_t> fields_;
   SliceFilter filter_;
+  RecordWalk walk_;
 };
 
-void printCsv(const ShownRecords& shown) {
+void printCsv(ShownRecords& shown) {
   CsvWriter csv(stdout, "standard output");
   for (const std::string& column : shown.keyColumns()) {
     csv.field(column);
@@ -135,15 +146,15 @@ void printCsv(const ShownRecords& shown) {
     csv.field(column);
   }
   csv.endRecord();
-  shown.walk([&](const ztb::Row& row, const ztb::Record& record) {
-    for (const int key : row.keys) {
+  shown.walk([&](const RecordWalk& record) {
+    for (const int key : record.keys()) {
       csv.label(shown.file().label(key));
     }
     if (shown.hasTexts()) {
       csv.field(record.text());
     } else {
       for (const std::size_t field : shown.fields()) {
-        csv.field(NumberText(row.values[field]).view());
+        csv.field(NumberText(record.values()[field]).view());
       }
     }
     csv.endRecord();
@@ -151,22 +162,22 @@ void printCsv(const ShownRecords& shown) {
   csv.close();
 }
 
-void printJson(const ShownRecords& shown) {
-  std::string head = jsonText(jsonSymbol(shown.file(), shown.symbol()));
+void printJson(ShownRecords& shown) {
+  std::string head = jsonText(jsonSymbol(shown.file(), shown.symbol(), shown.store()));
   head.back() = ',';
   print(head + "\"records\":[");
   const char* separator = "\n";
-  shown.walk([&](const ztb::Row& row, const ztb::Record& record) {
+  shown.walk([&](const RecordWalk& record) {
     Json json;
     json["keys"] = Json::array();
-    for (const int key : row.keys) {
+    for (const int key : record.keys()) {
       json["keys"].push_back(shown.file().label(key));
     }
     if (shown.hasTexts()) {
-      json["text"] = record.text().view();
+      json["text"] = record.text();
     } else {
       for (std::size_t index = 0; index < shown.fields().size(); ++index) {
-        json[shown.contentColumns()[index]] = jsonNumber(row.values[shown.fields()[index]]);
+        json[shown.contentColumns()[index]] = jsonNumber(record.values()[shown.fields()[index]]);
       }
     }
     print(separator + jsonText(json));
@@ -187,39 +198,30 @@ void beginOutput(std::optional<Progress>& progress) {
 }
 
 // Calls use with the cells of each record; the texts of a set are left out without withTexts.
-ShownRecords::Walked walkCells(const ShownRecords& shown, bool withTexts,
+ShownRecords::Walked walkCells(ShownRecords& shown, bool withTexts,
                                const std::function<void(std::span<const std::string_view>)>& use) {
   std::vector<std::string_view> cells;
   std::vector<NumberText> numbers;
   numbers.reserve(shown.fields().size());
-  return shown.walk([&](const ztb::Row& row, const ztb::Record& record) {
+  return shown.walk([&](const RecordWalk& record) {
     cells.clear();
-    for (const int key : row.keys) {
+    for (const int key : record.keys()) {
       cells.push_back(shown.file().label(key));
     }
     numbers.clear();
-    ztb::Text text;
     if (!shown.hasTexts()) {
       for (const std::size_t field : shown.fields()) {
-        cells.push_back(numbers.emplace_back(row.values[field]).view());
+        cells.push_back(numbers.emplace_back(record.values()[field]).view());
       }
     } else if (withTexts) {
-      text = record.text();
-      cells.push_back(text.view());
+      cells.push_back(record.text());
     }
     use(cells);
   });
 }
 
-void printTable(const ShownRecords& shown, std::optional<Progress>& progress) {
-  progress->step("measuring");
+void printTable(ShownRecords& shown, std::optional<Progress>& progress) {
   using Align = TablePrinter::Align;
-  bool withTexts = false;
-  if (shown.hasTexts()) {
-    shown.walk([&](const ztb::Row&, const ztb::Record& record) {
-      withTexts = withTexts || !record.text().empty();
-    });
-  }
   TablePrinter table;
   for (const std::string& column : shown.keyColumns()) {
     table.addColumn(column, Align::left);
@@ -227,16 +229,22 @@ void printTable(const ShownRecords& shown, std::optional<Progress>& progress) {
   for (const std::string& column : shown.contentColumns()) {
     if (!shown.hasTexts()) {
       table.addColumn(column, Align::right);
-    } else if (withTexts) {
+    } else {
       table.addColumn(column, Align::left);
     }
   }
-  walkCells(shown, withTexts,
-            [&](std::span<const std::string_view> cells) { table.measure(cells); });
+  bool withTexts = false;
+  walkCells(shown, true, [&](std::span<const std::string_view> cells) {
+    table.measure(cells);
+    withTexts = withTexts || (shown.hasTexts() && !cells.back().empty());
+  });
+  if (shown.hasTexts() && !withTexts) {
+    table.dropLastColumn();
+  }
   beginOutput(progress);
 
-  const ztb::Text text = shown.symbol().text();
-  print(fmt::format("{} {}{}{}\n\n", typeWord(shown.symbol().type()), signature(shown.symbol()),
+  const std::string& text = shown.symbol().text;
+  print(fmt::format("{} {}{}{}\n\n", typeWord(shown.symbol().type), signature(shown.symbol()),
                     text.empty() ? "" : ": ", printable(text)));
   table.printHeader(stdout);
   const ShownRecords::Walked walked =
@@ -249,13 +257,12 @@ void printTable(const ShownRecords& shown, std::optional<Progress>& progress) {
 void runShow(const ShowOptions& options) {
   std::optional<Progress> progress(std::in_place);
   progress->step("reading " + options.file);
-  const ShownRecords shown(options);
-  // Records are read at the first count.
-  static_cast<void>(shown.symbol().recordCount());
+  ShownRecords shown(options);
   if (!options.csv && !options.json) {
     printTable(shown, progress);
     return;
   }
+  shown.requireFirstBlock();
   beginOutput(progress);
   if (options.csv) {
     printCsv(shown);

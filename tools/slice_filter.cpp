@@ -8,13 +8,13 @@
 
 namespace tool {
 
-SliceFilter::SliceFilter(const std::string& slice, const DataFile& file,
-                         const ztb::Symbol& symbol) {
+SliceFilter::SliceFilter(const std::string& slice, const ExchangeFile& file,
+                         const FileSymbol& symbol) {
   const std::vector<PositionPattern> patterns = parseSlice(slice);
-  if (patterns.size() != static_cast<std::size_t>(symbol.dimension())) {
+  if (patterns.size() != static_cast<std::size_t>(symbol.dimension)) {
     throw UsageError(fmt::format("--slice {}: has {}, {} has {}", slice,
                                  counted(patterns.size(), "position"), signature(symbol),
-                                 symbol.dimension()));
+                                 symbol.dimension));
   }
   for (const PositionPattern& pattern : patterns) {
     std::vector<bool>& allowed = allowed_.emplace_back();

@@ -5,9 +5,8 @@
 #include <span>
 #include <string>
 #include <vector>
-#include <ztb/ztb.hpp>
 
-#include "tools/data_file.h"
+#include "tools/exchange_file.h"
 
 namespace tool {
 
@@ -18,7 +17,7 @@ class SliceFilter {
   SliceFilter() = default;
   // slice as parseSlice takes it. Throws UsageError unless it has a pattern for each position, and
   // Failure for a plain label that the file does not have.
-  SliceFilter(const std::string& slice, const DataFile& file, const ztb::Symbol& symbol);
+  SliceFilter(const std::string& slice, const ExchangeFile& file, const FileSymbol& symbol);
 
   [[nodiscard]] bool matches(std::span<const int> keys) const;
 

@@ -28,6 +28,7 @@ class TablePrinter {
   enum class Align { left, right };
 
   void addColumn(std::string_view header, Align align);
+  void dropLastColumn() { columns_.pop_back(); }
 
   // Widens the columns for a row, which has a cell for each column.
   void measure(std::span<const std::string_view> cells);

@@ -1,5 +1,5 @@
-/* Looking into exchange files (RXF) without a database: symbols, labels, texts, and records by
- * columns, block by block, in constant memory.
+/* Exchange files (RXF) without a database: symbols, labels, texts, and records by columns, block by
+ * block, in constant memory.
  *
  *   ztbRxfFile* file;
  *   ztbRxfRecords* records;
@@ -142,6 +142,42 @@ const char* ztbRxfMessage(const ztbRxfRecords* records);
  * first), and the offset of its head in the file. */
 int ztbRxfBlockNumber(const ztbRxfRecords* records);
 unsigned long long ztbRxfBlockOffset(const ztbRxfRecords* records);
+
+/* A file that is written from front to back in the memory of a block: labels, symbols each with its
+ * records, texts. It takes its name when it is published, and only if nothing was refused; until
+ * then, and otherwise, what was there stays.
+ *
+ * Each function gives 0 for what is refused; ztbRxfPublish tells the first reason. */
+typedef struct ztbRxfOutputRec ztbRxfOutput;
+
+/* Begins a file. 1, or 0 with the reason in `message` and *output null. */
+int ztbRxfCreate(ztbRxfOutput** output, const char* path, const char* producer, char* message,
+                 int messageSize);
+
+/* Adds the next label; all come before the first symbol. */
+int ztbRxfAddLabel(ztbRxfOutput* output, const char* label);
+
+/* Adds a symbol, to which the records that follow belong. Taken of `info` are name, text, type,
+ * dimension, userInfo and domainKind. `domains` has a name for each position, null with
+ * ZTB_RXF_DOMAIN_NONE. With ZTB_RXF_DOMAIN_CHECKED a record outside is refused; a domain that is
+ * no set or alias of one position added before makes them all names. Of an alias, which has no
+ * records, domains[0] names its set, "*" the universe. */
+int ztbRxfAddSymbol(ztbRxfOutput* output, const ztbRxfSymbolInfo* info, const char* const* domains);
+
+/* Adds records by columns: an array of label numbers for each position, an array of values for each
+ * of the 1 or 5 slots. Records ascend by label numbers, the first position most significant. */
+int ztbRxfAddRecords(ztbRxfOutput* output, int count, const int* const* keys,
+                     const double* const* values);
+
+/* Adds a text of set elements and gives its number, from 1 in order; 0 when it is refused. */
+int ztbRxfAddText(ztbRxfOutput* output, const char* text);
+
+/* Completes the file and puts it in its place. 1, or 0 with the reason in `message`. In both cases
+ * it is closed and *output null. */
+int ztbRxfPublish(ztbRxfOutput** output, char* message, int messageSize);
+
+/* Gives the file up and sets *output to null. */
+void ztbRxfDiscard(ztbRxfOutput** output);
 
 #ifdef __cplusplus
 }

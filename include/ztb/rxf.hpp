@@ -1,5 +1,5 @@
-// C++20 wrapper of ztb/rxf.h: looks into exchange files without a database. Programs that use it
-// link librxfcclib64.so and nothing else.
+// C++20 wrapper of ztb/rxf.h: exchange files without a database. Programs that use it link
+// librxfcclib64.so and nothing else.
 //
 //   const ztb::RxfFile file("diet.rxf");
 //   ztb::RxfRecords records(file, file.symbol("price"));
@@ -234,6 +234,50 @@ class RxfRecords {
   int valueCount_;
   std::size_t size_ = 0;
   ztbRxfRecords* handle_ = nullptr;
+};
+
+// A file that is written: labels, symbols each with its records, texts, in this order. Without
+// publish(), and when it throws, nothing is published and what was there stays.
+class RxfOutput {
+ public:
+  explicit RxfOutput(ZString path, ZString producer = "") {
+    std::array<char, messageSize> message{};
+    if (ztbRxfCreate(&handle_, path.c_str(), producer.c_str(), message.data(), messageSize) == 0) {
+      throw Error("ztbRxfCreate", message.data());
+    }
+  }
+  RxfOutput(const RxfOutput&) = delete;
+  RxfOutput& operator=(const RxfOutput&) = delete;
+  ~RxfOutput() { ztbRxfDiscard(&handle_); }
+
+  // Each of these gives false, and a text the number 0, for what is refused; publish() tells why.
+  bool addLabel(ZString label) { return ztbRxfAddLabel(handle_, label.c_str()) != 0; }
+  // See ztbRxfAddSymbol; `domains` has a name for each position, and of an alias its set.
+  bool addSymbol(const ztbRxfSymbolInfo& info, const std::vector<std::string>& domains) {
+    std::vector<const char*> names;
+    for (const std::string& domain : domains) names.push_back(domain.c_str());
+    // A scalar has no names, but the address of its names is handed on all the same.
+    names.push_back(nullptr);
+    return ztbRxfAddSymbol(handle_, &info, names.data()) != 0;
+  }
+  // Columns of `count` records: an array for each position, and for each slot.
+  bool addRecords(std::size_t count, const std::vector<const int*>& keys,
+                  const std::vector<const double*>& values) {
+    return ztbRxfAddRecords(handle_, static_cast<int>(count), keys.data(), values.data()) != 0;
+  }
+  int addText(ZString text) { return ztbRxfAddText(handle_, text.c_str()); }
+
+  void publish() {
+    std::array<char, messageSize> message{};
+    if (ztbRxfPublish(&handle_, message.data(), messageSize) == 0) {
+      throw Error("ztbRxfPublish", message.data());
+    }
+  }
+
+ private:
+  static constexpr int messageSize = 512;
+
+  ztbRxfOutput* handle_ = nullptr;
 };
 
 }  // namespace ztb::inline client

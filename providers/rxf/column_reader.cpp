@@ -44,7 +44,9 @@ std::uint32_t ColumnReader::readBlock() {
         ErrorNumber::damaged, blocks_.damageText(blocks_.place().index, malformed.what()));
     damaged_ = true;
   } catch (const Failure& failure) {
-    failure_ = std::make_unique<Failure>(failure);
+    failure_ = std::make_unique<Failure>(
+        failure.number(),
+        DetailText("%s: %s", reader_->file().shownName().c_str(), failure.detail().c_str()));
   }
   block_ = blocks_.place().index + 1;
   offset_ = blocks_.place().offset;

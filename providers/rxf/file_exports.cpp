@@ -2,15 +2,12 @@
 
 #include <ztb/rxf.h>
 
-#include <algorithm>
-#include <cstring>
-#include <exception>
 #include <memory>
-#include <new>
 #include <string_view>
 #include <utility>
 
 #include "providers/rxf/column_reader.h"
+#include "providers/rxf/export_guard.h"
 #include "providers/rxf/failure.h"
 #include "providers/rxf/memory_estimate.h"
 #include "providers/rxf/memory_limit.h"
@@ -19,9 +16,9 @@
 #include "providers/rxf/rxf_reader.h"
 #include "providers/rxf/system_calls.h"
 
-#define RXF_EXPORT extern "C" [[gnu::visibility("default")]]
-
+using rxffile::attempt;
 using rxffile::ColumnReader;
+using rxffile::copyMessage;
 using rxffile::DetailText;
 using rxffile::ErrorNumber;
 using rxffile::Failure;
@@ -44,33 +41,6 @@ struct ztbRxfRecordsRec {
 };
 
 namespace {
-
-// An equation's word in a file is its subtype and this.
-constexpr int kEquationOffset = 53;
-
-// As much of `text` as fits into `size` bytes with the final zero.
-void copyText(std::string_view text, char* buffer, int size) {
-  if (buffer == nullptr || size < 1) return;
-  const std::size_t length = std::min(text.size(), static_cast<std::size_t>(size) - 1);
-  std::memcpy(buffer, text.data(), length);
-  buffer[length] = '\0';
-}
-
-// Runs `body` and hands the text of what it throws to `refused`; true when it threw nothing.
-template <typename Body, typename Refused>
-bool attempt(const Body& body, const Refused& refused) noexcept {
-  try {
-    body();
-    return true;
-  } catch (const Failure& failure) {
-    refused(MessageText(failure.number(), failure.detail()));
-  } catch (const std::bad_alloc&) {
-    refused(MessageText(ErrorNumber::outOfMemory, DetailText()));
-  } catch (const std::exception& error) {
-    refused(MessageText(ErrorNumber::internalError, DetailText("%s", error.what())));
-  }
-  return false;
-}
 
 // The entry of a symbol, null for the universe and where there is none.
 const SymbolEntry* entryOf(const ztbRxfFile* file, int number) {
@@ -115,7 +85,7 @@ std::string_view viewOf(const char* text) {
 }  // namespace
 
 RXF_EXPORT int ztbRxfOpen(ztbRxfFile** file, const char* path, char* message, int messageSize) {
-  copyText("", message, messageSize);
+  copyMessage("", message, messageSize);
   return attempt(
       [&] {
         if (file == nullptr) {
@@ -129,7 +99,7 @@ RXF_EXPORT int ztbRxfOpen(ztbRxfFile** file, const char* path, char* message, in
         opened->reader = std::make_shared<const RxfReader>(rxffile::operatingSystem(), path);
         *file = opened.release();
       },
-      [&](const MessageText& text) { copyText(text.c_str(), message, messageSize); });
+      [&](const MessageText& text) { copyMessage(text.c_str(), message, messageSize); });
 }
 
 RXF_EXPORT void ztbRxfClose(ztbRxfFile** file) {
@@ -189,7 +159,7 @@ RXF_EXPORT int ztbRxfSymbol(const ztbRxfFile* file, int number, ztbRxfSymbolInfo
   if (!holds(file, number)) return 0;
   const Shape shape = shapeOf(file, number);
   info->name = "*";
-  info->text = "";
+  info->text = "universe";
   info->type = ZTB_SET;
   info->dimension = shape.dim;
   info->valueCount = shape.slots;
@@ -203,7 +173,8 @@ RXF_EXPORT int ztbRxfSymbol(const ztbRxfFile* file, int number, ztbRxfSymbolInfo
     if (entry->isAlias()) {
       info->aliasTarget = entry->userInfo;
     } else {
-      info->userInfo = entry->userInfo - (entry->type == ZTB_EQUATION ? kEquationOffset : 0);
+      info->userInfo =
+          entry->userInfo - (entry->type == ZTB_EQUATION ? rxffile::kEquationOffset : 0);
     }
   }
   return 1;
@@ -228,7 +199,7 @@ RXF_EXPORT unsigned long long ztbRxfMemory(const ztbRxfFile* file, int symbol, i
 
 RXF_EXPORT int ztbRxfRecordsOpen(ztbRxfRecords** records, ztbRxfFile* file, int symbol,
                                  char* message, int messageSize) {
-  copyText("", message, messageSize);
+  copyMessage("", message, messageSize);
   return attempt(
       [&] {
         if (records == nullptr || file == nullptr) {
@@ -246,7 +217,7 @@ RXF_EXPORT int ztbRxfRecordsOpen(ztbRxfRecords** records, ztbRxfFile* file, int 
         *records =
             new ztbRxfRecordsRec(file->reader, static_cast<std::uint32_t>(recordsOf(file, symbol)));
       },
-      [&](const MessageText& text) { copyText(text.c_str(), message, messageSize); });
+      [&](const MessageText& text) { copyMessage(text.c_str(), message, messageSize); });
 }
 
 RXF_EXPORT void ztbRxfRecordsClose(ztbRxfRecords** records) {

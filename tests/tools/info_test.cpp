@@ -1,4 +1,3 @@
-#include <cstdlib>
 #include <nlohmann/json.hpp>
 #include <ztb/ztb.hpp>
 
@@ -73,20 +72,6 @@ TEST_F(InfoTest, NamesAFolder) {
 TEST_F(InfoTest, NamesAFileThatIsNoRxfFile) {
   write("a.csv", "food\nMilk\n");
   expectFails(1, "ztb: Not an RXF file: a.csv\n", {"info", "a.csv"});
-}
-
-// The scripted library has no file of this name; were the database to ask another one than the
-// tool, the words of both would be there.
-TEST_F(InfoTest, AsksTheLibraryThatTheDatabaseAsks) {
-  const char* const before = std::getenv("LD_LIBRARY_PATH");
-  const std::string old = before == nullptr ? "" : before;
-  setenv("LD_LIBRARY_PATH", (SCRIPTED_RXF_DIRECTORY ":" + old).c_str(), 1);
-  expectFails(1, "ztb: a.rxf: Scripted error 1\n", {"info", "a.rxf"});
-  if (before == nullptr) {
-    unsetenv("LD_LIBRARY_PATH");
-  } else {
-    setenv("LD_LIBRARY_PATH", old.c_str(), 1);
-  }
 }
 
 }  // namespace
