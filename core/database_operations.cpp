@@ -72,7 +72,7 @@ int ztbGetLastError(ztbRec* handle, char* msg) {
 
 int ztbSetDebug(ztbRec* /*handle*/, int level) {
   traceOperation("ztbSetDebug");
-  debugLevel = level;
+  debugLevel.store(level, std::memory_order_relaxed);
   return success;
 }
 

@@ -31,7 +31,7 @@ struct OperationName {
 };
 
 inline void traceOperation(const char* name) {
-  if (debugLevel > 0) {
+  if (traceLevel() > 0) {
     std::puts(name);
   }
 }

@@ -10,7 +10,7 @@
 
 namespace ztb {
 
-std::int32_t debugLevel = 0;
+constinit std::atomic<std::int32_t> debugLevel = 0;
 
 ZTB::ZTB() : ZTB(nullptr) {}
 

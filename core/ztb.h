@@ -1,14 +1,17 @@
 // The whole database: labels, texts, symbols, special values, and the handles of the peers it uses.
 //
 // One thread at a time may use a database, for reading too: lazy loads and late-built tables change
-// it. The object owns its labels, texts, symbols, the universe symbol, the exchange-file object,
-// the solver catalogue and a live solver; a model with its environment and dictionary stays the
-// caller's. A failure leaves its text in `lastError`, which a success does not clear.
+// it. Two databases may be used from two threads: what they share is the trace level, and the peer
+// families, which guard their loading. The object owns its labels, texts, symbols, the universe
+// symbol, the exchange-file object, the solver catalogue and a live solver; a model with its
+// environment and dictionary stays the caller's. A failure leaves its text in `lastError`, which a
+// success does not clear.
 #ifndef ZTB_CORE_ZTB_H_
 #define ZTB_CORE_ZTB_H_
 
 #include <ztb/types.h>
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -36,8 +39,11 @@ enum class Source : std::int32_t {
   hvexSetup = 6,  // FROM_HVEX_SETUP: while the host engine is being attached
 };
 
-// Trace level of the process; above 0 every operation prints its name.
-extern std::int32_t debugLevel;
+// Trace level of the process; above 0 every operation prints its name. Any thread may set it.
+extern std::atomic<std::int32_t> debugLevel;
+inline std::int32_t traceLevel() {
+  return debugLevel.load(std::memory_order_relaxed);
+}
 
 // The host engine's entry points that deliver records.
 struct HvexEntries {

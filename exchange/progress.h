@@ -10,14 +10,14 @@ namespace ztb {
 
 // A line at trace level 1 and above.
 inline void printProgress(const char* line) {
-  if (debugLevel > 0) {
+  if (traceLevel() > 0) {
     std::puts(line);
   }
 }
 
 // A line, indented by two blanks, at trace level 2 and above.
 inline void printDetail(const char* line, const char* subject = "") {
-  if (debugLevel > 1) {
+  if (traceLevel() > 1) {
     std::printf("  %s%s\n", line, subject);
   }
 }

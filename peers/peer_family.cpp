@@ -15,7 +15,7 @@ constexpr int fileNameSize = 512;
 // A peer is not told the size of the buffer for its words; this is what it may count on.
 constexpr int peerTextSize = 256;
 
-// Holds a family's lock while it lives, if the family's locks are enabled at its making.
+// Holds a lock while it lives, if locks of its kind are enabled at its making.
 class FamilyLock {
  public:
   FamilyLock(platform::Lock& lock, std::int32_t enabled) : lock_(enabled != 0 ? &lock : nullptr) {
@@ -33,6 +33,17 @@ class FamilyLock {
  private:
   platform::Lock* lock_;
 };
+
+// Guards the loading of all families, whatever the state of their own locks: three of them share a
+// library. A library that opens a database while it is loaded enters again.
+constinit platform::Lock loadingLock;
+// Held by the thread that ends the process: two ends at once are not allowed.
+constinit platform::Lock endingLock;
+
+[[noreturn]] void endProcess() {
+  endingLock.enter();
+  std::exit(PeerFamily::missingOperationExitCode);
+}
 
 // A buffer for a peer's words, with its final zero whatever the peer wrote.
 class PeerText {
@@ -95,19 +106,20 @@ Function* bound(Function* function, const char* name) {
 bool PeerFamily::makeReady(const char* directory, char* msg, int msgSize) {
   const FamilyLock lock(state.libraryLock, state.mutexesEnabled);
   if (msg != nullptr) *msg = '\0';
-  if (state.libraryLoaded != 0) return true;
+  if (state.libraryLoaded.load(std::memory_order_acquire) != 0) return true;
+  const FamilyLock loading(loadingLock, 1);
+  if (state.libraryLoaded.load(std::memory_order_acquire) != 0) return true;
 
   char fileName[fileNameSize];
   makeFileName(fileName, directory, table_.libraryBaseName);
   if (LoadLibraryFamily(fileName, msg, msgSize) != 0) {
-    state.libraryLoaded = 0;
     forgetBindings();
     return false;
   }
-  state.libraryLoaded = 1;
   if (state.SetLoadPath != nullptr && directory != nullptr && *directory != '\0') {
     state.SetLoadPath(directory);
   }
+  state.libraryLoaded.store(1, std::memory_order_release);
   return true;
 }
 
@@ -227,19 +239,19 @@ void PeerFamily::reportMissing(const SlotBase& slot) {
       .append(slot.name())
       .append(" could not be loaded: ")
       .append(reason.text());
-  ++state.apiErrorCount;
+  const std::int32_t errorCount = ++state.apiErrorCount;
   if (state.screenIndicator != 0) {
     std::printf("%s\n", text);
     std::fflush(stdout);
   }
 
   FamilyLock lock(state.errorLock, state.mutexesEnabled);
-  if (state.errorCallback != nullptr && state.errorCallback(state.apiErrorCount, text) != 0) {
+  if (state.errorCallback != nullptr && state.errorCallback(errorCount, text) != 0) {
     lock.release();
-    std::exit(missingOperationExitCode);
+    endProcess();
   }
   lock.release();
-  if (state.exitIndicator != 0) std::exit(missingOperationExitCode);
+  if (state.exitIndicator != 0) endProcess();
 }
 
 }  // namespace ztb::peers

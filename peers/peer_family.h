@@ -6,11 +6,14 @@
 // at compile time and its slots enter themselves into it before main() or before the library that
 // holds them is usable, so no family may be made ready from the initialiser of another global.
 //
-// Making a family ready is not safe from two threads at once: its locks stand disabled.
+// Any thread may make a family ready, make objects and call slots, several at the same time: one
+// loads, the others wait for it. This guard stands apart from the family's own locks, which stay
+// disabled. A family that is ready costs one load of `libraryLoaded` more than nothing.
 
 #ifndef ZTB_PEERS_PEER_FAMILY_H_
 #define ZTB_PEERS_PEER_FAMILY_H_
 
+#include <atomic>
 #include <cstdint>
 
 #include "peers/platform.h"
@@ -45,7 +48,8 @@ struct FamilyTable {
 // callback or `mutexesEnabled`; they are where a host or a test can reach them.
 struct FamilyState {
   void* libraryHandle = nullptr;
-  std::int32_t libraryLoaded = 0;
+  // Written last when the family becomes ready: who reads 1 sees all that loading has bound.
+  std::atomic<std::int32_t> libraryLoaded = 0;
 
   CreateFunction* XCreate = nullptr;
   CreateInDirectoryFunction* XCreateD = nullptr;
@@ -58,8 +62,8 @@ struct FamilyState {
   std::int32_t screenIndicator = 1;  // print a stub's text on standard output
   std::int32_t exitIndicator = 1;    // end the process when a stub was called
   std::int32_t (*errorCallback)(std::int32_t errorCount, const char* text) = nullptr;
-  std::int32_t apiErrorCount = 0;  // stubs called so far
-  std::int32_t objectCount = 0;    // objects made here and not freed yet
+  std::atomic<std::int32_t> apiErrorCount = 0;  // stubs called so far
+  std::atomic<std::int32_t> objectCount = 0;    // objects made here and not freed yet
   std::int32_t mutexesEnabled = 0;
 
   platform::Lock libraryLock;

@@ -6,9 +6,6 @@
 namespace gtree {
 namespace {
 
-// The keys of a path while its predecessor is looked for.
-std::array<int, maxDepth> scratchKeys;
-
 // Type code of a symbol from which on a record has five slots, and not one.
 constexpr int firstTypeOfFiveSlots = 2;
 
@@ -339,8 +336,9 @@ Path GTree::prev(const Path& path) const {
   if (path == endPath) {
     return greatest();
   }
-  copyKeys(path, scratchKeys.data());
-  const auto [found, before] = predecessorPath(scratchKeys.data());
+  std::array<int, maxDepth> keys;
+  copyKeys(path, keys.data());
+  const auto [found, before] = predecessorPath(keys.data());
   return found ? before : path;
 }
 
@@ -348,8 +346,9 @@ void GTree::moveLastPathBack() {
   if (count_ < 2) {
     lastPath_ = endPath;
   } else {
-    copyKeys(lastPath_, scratchKeys.data());
-    const auto [found, before] = predecessorPath(scratchKeys.data());
+    std::array<int, maxDepth> keys;
+    copyKeys(lastPath_, keys.data());
+    const auto [found, before] = predecessorPath(keys.data());
     if (found) {
       lastPath_ = before;
     }

@@ -6,7 +6,7 @@
 namespace ztb::dmap {
 namespace {
 
-std::array<int, maxDimension> keyBuffer;
+constinit thread_local std::array<int, maxDimension> keyBuffer{};
 
 }  // namespace
 

@@ -9,7 +9,10 @@
  * `message`, cut to `messageSize` bytes with its final zero, or, for a model that exists, in
  * ztbModelMessage. A model that a function refused to change is as it was.
  *
- * A model is used by one thread at a time, but for ztbModelTerminate.
+ * A model is used by one thread at a time, together with the database that it is tied to, but for
+ * ztbModelTerminate; both may go from one thread to another. Two threads may open, build and solve
+ * two models at the same time. Ipopt solves one model at a time in a process, the others wait;
+ * GLPK begins afresh when a live solver comes to another thread.
  */
 #ifndef ZTB_MODEL_H_
 #define ZTB_MODEL_H_

@@ -21,7 +21,20 @@
  *   Short string (d__)        256 bytes: a length byte, then the chars, no terminator.
  *   Short-string array (d__)  20 short strings, one behind the other, 256 bytes apart.
  *   Flat string array (n__)   20 zero-terminated strings, 256 bytes apart.
- *   Threads     a database is used by one thread at a time, for reading too.
+ *   Threads     a database and all its handles are used by one thread at a time, for reading too;
+ *               they may go from one thread to another. Two databases may be used by two threads at
+ *               the same time, from their first calls on: opening the libraries that they need is
+ *               guarded. A call with two databases (c__ztbinitfromdb, c__ztbcopysymbol) uses both.
+ *               Shared by all threads are the trace level and standard output. A model is used like
+ *               a database, by the thread that uses the database it is tied to.
+ *   Process     libraries are opened once, at the first need, and stay open to the end: a folder
+ *               that a later database names has no effect on those already open, and this library
+ *               must not be unloaded. An opening that failed is tried again by the next database.
+ *               A database that needs an operation which such a library lacks prints the reason and
+ *               ends the process, all its threads, with exit code 123. After a fork, parent and
+ *               child go on with a copy each of every database, files that are open for reading
+ *               included, if no other thread was in a call at that moment; then the child can only
+ *               replace itself by another program.
  */
 #ifndef ZTB_ZTB_H_
 #define ZTB_ZTB_H_

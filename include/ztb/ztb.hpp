@@ -11,7 +11,8 @@
 // A failed operation throws ztb::Error with the library's text; "not found" is an empty optional.
 // Nothing is cached and nothing allocated per record: a member costs its calls of the library.
 // A Symbol is a plain value that refers to its Database, a Record owns its handle; both end before
-// the Database does. A database is used by one thread at a time, for reading too.
+// the Database does. A database is used by one thread at a time, for reading too; two databases may
+// be used by two threads. ztb.h tells what holds for the process.
 #ifndef ZTB_ZTB_HPP_
 #define ZTB_ZTB_HPP_
 

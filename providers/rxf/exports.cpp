@@ -5,6 +5,7 @@
 #include <array>
 #include <cstring>
 #include <iterator>
+#include <mutex>
 #include <new>
 
 #include "providers/rxf/rxf_object.h"
@@ -20,10 +21,12 @@ using rxffile::RxfObject;
 constexpr ztbPeerOperation kOperations[] = {ZTB_PEER_RXF_OPERATIONS(ZTB_PEER_ENTRY)};
 
 // The directory of the last rxfSetLoadPath or XCreateD; longer ones than callers' buffers can take
-// back are not kept.
+// back are not kept. One for the process, whatever threads its objects are used from.
 std::array<char, 256> loadPath{};
+std::mutex loadPathMutex;
 
 void keepLoadPath(const char* directory) {
+  const std::scoped_lock lock(loadPathMutex);
   const std::size_t length = directory == nullptr ? 0 : std::strlen(directory);
   loadPath[0] = '\0';
   if (length > 0 && length < loadPath.size()) {
@@ -80,6 +83,7 @@ RXF_EXPORT void C__rxfSetLoadPath(const char* directory) {
 
 RXF_EXPORT void C__rxfGetLoadPath(char* directory) {
   if (directory != nullptr) {
+    const std::scoped_lock lock(loadPathMutex);
     std::memcpy(directory, loadPath.data(), std::strlen(loadPath.data()) + 1);
   }
 }

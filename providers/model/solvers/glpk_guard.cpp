@@ -1,8 +1,10 @@
 #include "providers/model/solvers/glpk_guard.h"
 
 #include <glpk.h>
+#include <unistd.h>
 
 #include <array>
+#include <atomic>
 #include <csetjmp>
 #include <cstring>
 
@@ -15,6 +17,19 @@ struct Guard {
   // What GLPK says; the last lines before it gives up are the reason.
   std::array<char, 400> text;
 };
+
+std::atomic<std::uint64_t> lastThread{0};
+thread_local std::uint64_t threadNumber = 0;
+
+// Frees GLPK's environment of a thread at its end. That of the first thread stays: it may hold
+// objects of the program's own.
+struct ThreadEnd {
+  ~ThreadEnd() {
+    threadNumber = 0;
+    if (::gettid() != ::getpid()) glp_free_env();
+  }
+};
+thread_local ThreadEnd threadEnd;
 
 int keepText(void* info, const char* text) {
   auto* guard = static_cast<Guard*>(info);
@@ -57,6 +72,14 @@ bool guardedGlpkCall(void (*function)(void* context), void* context, std::string
     for (char& c : reason) c = c == '\n' ? ' ' : c;
   }
   return done;
+}
+
+std::uint64_t glpkThread() {
+  if (threadNumber == 0) {
+    static_cast<void>(&threadEnd);
+    threadNumber = ++lastThread;
+  }
+  return threadNumber;
 }
 
 }  // namespace lomu

@@ -7,12 +7,19 @@
 #ifndef ZTB_PROVIDERS_MODEL_SOLVERS_GLPK_GUARD_H_
 #define ZTB_PROVIDERS_MODEL_SOLVERS_GLPK_GUARD_H_
 
+#include <cstdint>
 #include <string>
 
 namespace lomu {
 
 // Calls function(context). False with GLPK's text when GLPK gave up.
 bool guardedGlpkCall(void (*function)(void* context), void* context, std::string& reason);
+
+// The calling thread, by a number that no other thread of the process has or had. GLPK keeps an
+// environment for each thread, to which all memory of the objects made there belongs: they may be
+// changed and deleted on their own thread only, and end with it (the process's first thread keeps
+// its environment to the end of the process).
+std::uint64_t glpkThread();
 
 }  // namespace lomu
 

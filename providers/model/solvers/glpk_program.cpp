@@ -4,8 +4,6 @@
 #include <cmath>
 #include <utility>
 
-#include "providers/model/solvers/glpk_guard.h"
-
 namespace lomu {
 
 namespace {
@@ -47,7 +45,7 @@ std::size_t at(int k) {
 
 GlpkProgram::~GlpkProgram() {
   Job job{this, Task::drop, nullptr, 0, 0, 0};
-  if (problem_ != nullptr) call(job);
+  if (problem_ != nullptr && isOfThisThread()) call(job);
 }
 
 void GlpkProgram::perform(void* context) {
@@ -81,7 +79,7 @@ bool GlpkProgram::call(Job& job) {
 
 void GlpkProgram::take(const LinearForm& form) {
   next_ = form;
-  const bool keep = problem_ != nullptr && form.sameShape(form_);
+  const bool keep = problem_ != nullptr && isOfThisThread() && form.sameShape(form_);
   indexes_.resize(at(form.rowCount) + 1);
   values_.resize(indexes_.size());
   Job job{this, keep ? Task::change : Task::build, nullptr, 0, 0, 0};
@@ -96,8 +94,9 @@ bool GlpkProgram::buildAgain() {
 }
 
 void GlpkProgram::build() {
-  if (problem_ != nullptr) glp_delete_prob(problem_);
+  if (problem_ != nullptr && isOfThisThread()) glp_delete_prob(problem_);
   problem_ = glp_create_prob();
+  thread_ = glpkThread();
   if (next_.rowCount > 0) glp_add_rows(problem_, next_.rowCount);
   if (next_.columnCount > 0) glp_add_cols(problem_, next_.columnCount);
   for (int i = 0; i < next_.rowCount; ++i) setRow(i);

@@ -1,14 +1,16 @@
 // A problem in GLPK that lives from solve to solve: what changed is handed over, and the next
 // simplex begins at the basis where the last one ended. After an error inside of GLPK the problem
 // is given up and made afresh: at once where it was the first simplex of a solve, else for the
-// next.
+// next. It is also made afresh when the next solve is on another thread: GLPK binds it to its own.
 #ifndef ZTB_PROVIDERS_MODEL_SOLVERS_GLPK_PROGRAM_H_
 #define ZTB_PROVIDERS_MODEL_SOLVERS_GLPK_PROGRAM_H_
 
 #include <glpk.h>
 
+#include <cstdint>
 #include <string>
 
+#include "providers/model/solvers/glpk_guard.h"
 #include "providers/model/solvers/integer_solve.h"
 
 namespace lomu {
@@ -40,6 +42,7 @@ class GlpkProgram : public IntegerEngine {
   static void askInSearch(glp_tree* tree, void* context);
   void build();
   bool buildAgain();
+  [[nodiscard]] bool isOfThisThread() const { return thread_ == glpkThread(); }
   void change();
   void setColumn(int j);
   void setRow(int i);
@@ -51,6 +54,7 @@ class GlpkProgram : public IntegerEngine {
   void leavePoint(SolverResult& result) const;
 
   glp_prob* problem_ = nullptr;
+  std::uint64_t thread_ = 0;  // on which problem_ was made
   LinearForm form_;  // what problem_ holds
   LinearForm next_;  // what it is to hold
   std::vector<int> indexes_;

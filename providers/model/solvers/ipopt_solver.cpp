@@ -2,8 +2,10 @@
 
 #include <IpIpoptApplication.hpp>
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <exception>
+#include <mutex>
 
 #include "providers/model/solvers/column_by_column.h"
 #include "providers/model/solvers/ipopt_problem.h"
@@ -20,6 +22,17 @@ constexpr double kAtBound = 1e-6;
 // without an end; nothing that converges takes as many iterations.
 constexpr double kDiverged = 1e12;
 constexpr int kMostIterations = 10000;
+
+// Ipopt's linear solver keeps its state in variables of the process: one run at a time.
+std::timed_mutex turn;
+
+// Waits until no other thread is in Ipopt; false, with nothing held, when `watch` says stop before.
+bool waitForTurn(Watch& watch) {
+  while (!turn.try_lock_for(std::chrono::milliseconds(20))) {
+    if (watch.mustStop()) return false;
+  }
+  return true;
+}
 
 Position positionOf(double level, double lower, double upper) {
   const auto near = [&](double side) {
@@ -126,6 +139,11 @@ IpoptSolver::Run IpoptSolver::run(const SolverProblem& problem, Watch& watch,
     return run;
   }
 
+  if (!waitForTurn(watch)) {
+    run.outcome = watch.reason();
+    return run;
+  }
+  const std::lock_guard lock(turn, std::adopt_lock);
   // Made without a console; no file of options is read.
   const Ipopt::SmartPtr<Ipopt::IpoptApplication> application = new Ipopt::IpoptApplication(false);
   setOptions(*application, watch.iterationsLeft(result.iterations), !run.rowsHaveProducts);

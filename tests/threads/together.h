@@ -1,0 +1,35 @@
+// Threads that begin their work at the same moment.
+#ifndef ZTB_TESTS_THREADS_TOGETHER_H_
+#define ZTB_TESTS_THREADS_TOGETHER_H_
+
+#include <gtest/gtest.h>
+
+#include <exception>
+#include <latch>
+#include <thread>
+#include <vector>
+
+namespace threadtest {
+
+// Calls work(0) to work(count - 1), each on a thread of its own, and waits for them. An exception
+// is a failure of the test.
+template <class Work>
+void together(int count, const Work& work) {
+  std::latch start(count);
+  std::vector<std::thread> threads;
+  for (int number = 0; number < count; ++number) {
+    threads.emplace_back([&, number] {
+      start.arrive_and_wait();
+      try {
+        work(number);
+      } catch (const std::exception& error) {
+        ADD_FAILURE() << "thread " << number << ": " << error.what();
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+}
+
+}  // namespace threadtest
+
+#endif  // ZTB_TESTS_THREADS_TOGETHER_H_
