@@ -6,6 +6,7 @@
 #include <cmath>
 #include <exception>
 #include <mutex>
+#include <thread>
 
 #include "providers/model/solvers/column_by_column.h"
 #include "providers/model/solvers/ipopt_problem.h"
@@ -24,12 +25,13 @@ constexpr double kDiverged = 1e12;
 constexpr int kMostIterations = 10000;
 
 // Ipopt's linear solver keeps its state in variables of the process: one run at a time.
-std::timed_mutex turn;
+std::mutex turn;
 
 // Waits until no other thread is in Ipopt; false, with nothing held, when `watch` says stop before.
 bool waitForTurn(Watch& watch) {
-  while (!turn.try_lock_for(std::chrono::milliseconds(20))) {
+  while (!turn.try_lock()) {
     if (watch.mustStop()) return false;
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
   }
   return true;
 }
