@@ -55,8 +55,8 @@ class GlpkProgram : public IntegerEngine {
 
   glp_prob* problem_ = nullptr;
   std::uint64_t thread_ = 0;  // on which problem_ was made
-  LinearForm form_;  // what problem_ holds
-  LinearForm next_;  // what it is to hold
+  LinearForm form_;           // what problem_ holds
+  LinearForm next_;           // what it is to hold
   std::vector<int> indexes_;
   std::vector<double> values_;
   double iterations_ = 0;
