@@ -71,7 +71,7 @@ void expectWalks(const ztb::Database& database, int thread) {
   const ztb::Symbol p = database.symbol("p");
   void* handle = nullptr;
   ASSERT_EQ(1, c__ztbfindlastrecord(database.handle(), p.handle(), &handle));
-  ztb::Record record(database.handle(), handle);
+  ztb::Record record(p, handle);
   int at = kRows * kColumns;
   do {
     --at;
