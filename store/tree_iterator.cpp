@@ -6,7 +6,12 @@
 namespace ztb::dmap {
 namespace {
 
-constinit thread_local std::array<int, maxDimension> keyBuffer{};
+// The buffer of this thread. Finding it is a call, which compilers would make again for every
+// element of a key if they saw into this function.
+[[gnu::noinline]] int* threadKeys() {
+  static constinit thread_local std::array<int, maxDimension> keys{};
+  return keys.data();
+}
 
 }  // namespace
 
@@ -47,13 +52,14 @@ RecordView TreeIterator::get() const {
     return {nullptr, scalar()};
   }
   const gtree::Path& here = path();
+  int* const keys = threadKeys();
   for (std::size_t level = 0; level < here.depth; ++level) {
     if (here.node[level] == nullptr) {
       return {};
     }
-    keyBuffer[level] = here.node[level]->key;
+    keys[level] = here.node[level]->key;
   }
-  return {keyBuffer.data(), here.node[here.depth - 1U]->values()};
+  return {keys, here.node[here.depth - 1U]->values()};
 }
 
 bool TreeIterator::equals(const IDMapIterator& other) const {
