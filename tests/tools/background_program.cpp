@@ -15,7 +15,7 @@
 namespace tooltest {
 
 BackgroundProgram::BackgroundProgram(std::string folder, const std::vector<std::string>& arguments,
-                                     const std::string& errors) {
+                                     const std::string& errors, const std::string& output) {
   watch_ = inotify_init1(IN_CLOEXEC);
   EXPECT_GE(inotify_add_watch(watch_, folder.c_str(), IN_MOVED_TO), 0);
   std::array<int, 2> ends{};
@@ -30,7 +30,7 @@ BackgroundProgram::BackgroundProgram(std::string folder, const std::vector<std::
     // Its end of the pipe is open in it and in its children as long as they run.
     close(ends[0]);
     if (chdir(folder.c_str()) == 0) {
-      const int out = open("/dev/null", O_WRONLY);
+      const int out = open(output.c_str(), O_WRONLY);
       const int err = open(errors.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
       if (dup2(out, STDOUT_FILENO) >= 0 && dup2(err, STDERR_FILENO) >= 0) {
         execv(ZTB_PROGRAM, argv.data());

@@ -12,9 +12,9 @@ namespace tooltest {
 // A run in a folder; it is killed at the end of this object's life if it still goes on.
 class BackgroundProgram {
  public:
-  // Standard error goes to the file `errors` in the folder.
+  // Standard error goes to the file `errors` in the folder, standard output to `output`.
   BackgroundProgram(std::string folder, const std::vector<std::string>& arguments,
-                    const std::string& errors);
+                    const std::string& errors, const std::string& output = "/dev/null");
   BackgroundProgram(const BackgroundProgram&) = delete;
   BackgroundProgram& operator=(const BackgroundProgram&) = delete;
   ~BackgroundProgram();
