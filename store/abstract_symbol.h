@@ -132,9 +132,6 @@ class AbstractZTBSymbol {
   int userInfo;
   int symbolNumber;
   bool loaded = true;          // the records are in the store
-  // Why the records could not be read from their file, as every use of them says, until they are
-  // given up; null otherwise. The symbol is then loaded and empty.
-  std::unique_ptr<std::string> unreadable;
   bool usedAsDomain = false;   // another symbol names this set as a domain
   bool writeRecorded = false;  // written to while write recording was on
   std::string name;
@@ -144,6 +141,9 @@ class AbstractZTBSymbol {
   AbstractZTBSymbol* aliasTarget;  // the symbol that answers for this one; itself if no alias
   std::vector<AbstractZTBSymbol*> domainSymbols;  // null: known by name only
   std::vector<std::string> domainNames;
+  // Why the records could not be read from their file, as every use of them says, until they are
+  // given up; null otherwise. The symbol is then loaded and empty.
+  std::unique_ptr<std::string> unreadable;
   unsigned timesEmptied = 0;  // how often all records went at once, by which handles tell that
 
  protected:

@@ -11,6 +11,7 @@ namespace {
 
 class List : public TXStrHashList<int> {
  public:
+  using TXStrHashList::compareEntries;
   using TXStrHashList::entryEqual;
   using TXStrHashList::hash;
   using TXStrHashList::TXStrHashList;
@@ -50,6 +51,24 @@ TEST(StringHashList, keepsFirstSpellingAndFirstObject) {
   EXPECT_EQ(1, list.size());
   EXPECT_STREQ("Alpha", list.textByNumber(0));
   EXPECT_EQ(1, list.refByKey("aLPHa"));
+}
+
+TEST(StringHashList, comparesEntriesByTheirFirstDifferenceWithCaseFolded) {
+  const List list;
+  EXPECT_EQ(0, list.compareEntries("Milk", "mILK"));
+  EXPECT_EQ('A' - 'C', list.compareEntries("ma", "MC"));
+  EXPECT_EQ('C' - 'A', list.compareEntries("mcx", "may"));
+  // As unsigned bytes, of which small letters alone are folded.
+  EXPECT_EQ(0xE4 - 'Z', list.compareEntries("\xE4", "z"));
+  EXPECT_EQ('[' - 'A', list.compareEntries("[", "a"));
+}
+
+TEST(StringHashList, comparesTheBeginningOfAnEntryByTheLengthThatItLacks) {
+  const List list;
+  EXPECT_EQ(-3, list.compareEntries("mi", "MILKY"));
+  EXPECT_EQ(3, list.compareEntries("milky", "mi"));
+  EXPECT_GT(0, list.compareEntries("", "a"));
+  EXPECT_EQ(0, list.compareEntries("", ""));
 }
 
 TEST(StringHashList, copiesTheKey) {
