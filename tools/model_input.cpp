@@ -1,16 +1,16 @@
 #include "tools/model_input.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
-#include <array>
 #include <optional>
 #include <utility>
 
-#include "tools/data_file.h"
 #include "tools/element_text.h"
 #include "tools/failure.h"
 #include "tools/number_text.h"
 #include "tools/output.h"
+#include "tools/record_walk.h"
 
 namespace tool {
 
@@ -20,11 +20,10 @@ std::vector<ztb::DomainArgument> anyLabels(int dimension) {
   return {static_cast<std::size_t>(dimension), ztb::DomainArgument("*")};
 }
 
-std::vector<std::string> keysOf(ztb::Record& record, int dimension) {
-  std::vector<std::string> keys;
-  for (int position = 0; position < dimension; ++position) {
-    keys.push_back(record.key(position).str());
-  }
+// Labels of the record at which a walk stands.
+std::vector<const char*> keysOf(const ExchangeFile& file, const RecordWalk& walk) {
+  std::vector<const char*> keys;
+  for (const int key : walk.keys()) keys.push_back(file.label(key).data());
   return keys;
 }
 
@@ -34,10 +33,12 @@ std::vector<const char*> pointersTo(const std::vector<std::string>& labels) {
   return pointers;
 }
 
-double fieldOf(const ztb::Record& record, std::size_t field) {
-  const std::array<double, ztb::fieldCount> values = {
-      record.level(), record.marginal(), record.lower(), record.upper(), record.scale()};
-  return values.at(field);
+// A symbol of the model in messages, such as "buy(*)".
+std::string signature(const ztb::Symbol& symbol) {
+  if (symbol.dimension() == 0) return symbol.name().str();
+  std::vector<std::string> names;
+  for (const ztb::Domain& domain : symbol.domains()) names.push_back(domain.name.str());
+  return fmt::format("{}({})", symbol.name().view(), fmt::join(names, ", "));
 }
 
 // Places of the fields of a record.
@@ -55,84 +56,79 @@ ModelInput::ModelInput(ModelSession& session) : session_(session) {
   }
 }
 
-void ModelInput::applyFile(const std::string& file) {
-  DataFile data(file);
-  std::vector<ztb::Symbol> parameters;
-  std::vector<std::pair<ztb::Symbol, ztb::Symbol>> variables;
-  std::vector<std::pair<ztb::Symbol, ztb::Symbol>> equations;
-  for (const ztb::Symbol& source : data.symbols()) {
-    const std::string name = source.name().str();
-    if (source.type() == ztb::Type::alias || source.type() == ztb::Type::set) continue;
-    data.requireIntact(source);
-    if (source.type() == ztb::Type::parameter) {
-      if (session_.drives(name)) {
-        parameters.push_back(source);
+void ModelInput::applyFile(const std::string& path) {
+  const ExchangeFile file(path);
+  std::vector<const FileSymbol*> parameters;
+  std::vector<std::pair<const FileSymbol*, ztb::Symbol>> variables;
+  std::vector<std::pair<const FileSymbol*, ztb::Symbol>> equations;
+  for (const FileSymbol& source : file.symbols()) {
+    if (source.isAlias() || source.type == ztb::Type::set) continue;
+    if (source.type == ztb::Type::parameter) {
+      if (session_.drives(source.name)) {
+        parameters.push_back(&source);
       } else {
-        printError(fmt::format("ztb: {}: the model has no columns {}_var for parameter {}", file,
-                               name, name));
+        printError(fmt::format("ztb: {}: the model has no columns {}_var for parameter {}", path,
+                               source.name, source.name));
       }
       continue;
     }
-    const std::optional<ztb::Symbol> target = session_.database().findSymbol(name);
-    if (target && target->type() == source.type() && target->dimension() == source.dimension()) {
-      (source.type() == ztb::Type::variable ? variables : equations).emplace_back(source, *target);
+    const std::optional<ztb::Symbol> target = session_.database().findSymbol(source.name);
+    if (target && target->type() == source.type && target->dimension() == source.dimension) {
+      (source.type == ztb::Type::variable ? variables : equations).emplace_back(&source, *target);
     } else {
-      printError(fmt::format("ztb: {}: the model has no {} like it", file, signature(source)));
+      printError(fmt::format("ztb: {}: the model has no {} like it", path, signature(source)));
     }
   }
   // The last update before a solve decides whether bounds that were set count; one of an equation
   // decides that they do not.
-  for (const auto& [source, target] : equations) applySolution(file, source, target);
-  for (const auto& [source, target] : variables) applySolution(file, source, target);
-  for (const ztb::Symbol& source : parameters) applyParameter(file, source);
+  for (const auto& [source, target] : equations) applySolution(file, *source, target);
+  for (const auto& [source, target] : variables) applySolution(file, *source, target);
+  for (const FileSymbol* source : parameters) applyParameter(file, *source);
 }
 
-void ModelInput::applyParameter(const std::string& file, const ztb::Symbol& source) {
+void ModelInput::applyParameter(const ExchangeFile& file, const FileSymbol& source) {
   try {
-    ztb::Symbol target = session_.parameter(source.name().str(), source.dimension());
-    for (ztb::Record& record : source.records()) {
-      const std::vector<std::string> labels = keysOf(record, source.dimension());
-      std::vector<const char*> keys = pointersTo(labels);
-      target.merge(ztb::Keys(keys)).setLevel(record.level());
+    ztb::Symbol target = session_.parameter(source.name, source.dimension);
+    for (RecordWalk walk(file, source); walk.next();) {
+      std::vector<const char*> keys = keysOf(file, walk);
+      target.merge(ztb::Keys(keys)).setLevel(walk.values()[levelField]);
     }
     reportUnmatched(file, source, session_.applyParameter(target));
-  } catch (const std::exception& error) {
-    throw Failure(withFile(file, fmt::format("{}: {}", signature(source), error.what())));
+  } catch (const ztb::Error& error) {
+    throw Failure(withFile(file.path(), fmt::format("{}: {}", signature(source), error.what())));
   }
 }
 
-void ModelInput::applySolution(const std::string& file, const ztb::Symbol& source,
+void ModelInput::applySolution(const ExchangeFile& file, const FileSymbol& source,
                                const ztb::Symbol& target) {
   try {
-    if (source.type() == ztb::Type::variable) {
+    if (source.type == ztb::Type::variable) {
       applyField(file, source, target, ztb::Action::lower, lowerField);
       applyField(file, source, target, ztb::Action::upper, upperField);
     }
     applyField(file, source, target, ztb::Action::level, levelField);
     applyField(file, source, target, ztb::Action::marginal, marginalField);
-  } catch (const std::exception& error) {
-    throw Failure(withFile(file, fmt::format("{}: {}", signature(source), error.what())));
+  } catch (const ztb::Error& error) {
+    throw Failure(withFile(file.path(), fmt::format("{}: {}", signature(source), error.what())));
   }
 }
 
-void ModelInput::applyField(const std::string& file, const ztb::Symbol& source,
+void ModelInput::applyField(const ExchangeFile& file, const FileSymbol& source,
                             const ztb::Symbol& target, ztb::Action action, std::size_t field) {
   const std::string name = fmt::format("values{}", scratch_.symbolCount());
-  ztb::Symbol values =
-      scratch_.addSymbol(name, ztb::Type::parameter, anyLabels(source.dimension()));
-  for (ztb::Record& record : source.records()) {
-    const std::vector<std::string> labels = keysOf(record, source.dimension());
-    std::vector<const char*> keys = pointersTo(labels);
-    values.merge(ztb::Keys(keys)).setLevel(fieldOf(record, field));
+  ztb::Symbol values = scratch_.addSymbol(name, ztb::Type::parameter, anyLabels(source.dimension));
+  for (RecordWalk walk(file, source); walk.next();) {
+    std::vector<const char*> keys = keysOf(file, walk);
+    values.merge(ztb::Keys(keys)).setLevel(walk.values()[field]);
   }
   const int unmatched = session_.update(target, action, values, ztb::Missing::keep);
   if (field == levelField) reportUnmatched(file, source, unmatched);
 }
 
-void ModelInput::reportUnmatched(const std::string& file, const ztb::Symbol& source,
+void ModelInput::reportUnmatched(const ExchangeFile& file, const FileSymbol& source,
                                  int count) const {
   if (count == 0) return;
-  printError(fmt::format("ztb: {}: {} of {} stand for nothing in the model", file,
+  printError(fmt::format("ztb: {}: {} of {} stand for nothing in the model", file.path(),
                          count == 1 ? "1 record" : fmt::format("{} records", count),
                          signature(source)));
 }

@@ -7,6 +7,7 @@
 #include <vector>
 #include <ztb/ztb.hpp>
 
+#include "tools/exchange_file.h"
 #include "tools/model_session.h"
 
 namespace tool {
@@ -18,19 +19,19 @@ class ModelInput {
   // Applies an RXF file: bounds, levels and marginals of variables, levels and marginals of
   // equations, then parameters that drive columns. Other symbols, and records that meet no row or
   // column, are told on standard error. Throws Failure that names the file.
-  void applyFile(const std::string& file);
+  void applyFile(const std::string& path);
 
   // Applies "demand[oslo]=30": a parameter that drives columns, or a variable, which is fixed.
   // Throws UsageError for a text that cannot be read, Failure for what the model does not have.
   void applySetting(const std::string& setting);
 
  private:
-  void applyParameter(const std::string& file, const ztb::Symbol& source);
-  void applySolution(const std::string& file, const ztb::Symbol& source, const ztb::Symbol& target);
-  void applyField(const std::string& file, const ztb::Symbol& source, const ztb::Symbol& target,
+  void applyParameter(const ExchangeFile& file, const FileSymbol& source);
+  void applySolution(const ExchangeFile& file, const FileSymbol& source, const ztb::Symbol& target);
+  void applyField(const ExchangeFile& file, const FileSymbol& source, const ztb::Symbol& target,
                   ztb::Action action, std::size_t field);
   void fixVariable(const ztb::Symbol& variable, const std::vector<const char*>& keys, double value);
-  void reportUnmatched(const std::string& file, const ztb::Symbol& source, int count) const;
+  void reportUnmatched(const ExchangeFile& file, const FileSymbol& source, int count) const;
 
   ModelSession& session_;
   // Holds values on their way into the model, under the label numbers of the session's database.

@@ -3,9 +3,10 @@
 #include <fmt/format.h>
 
 #include <array>
+#include <functional>
 
-#include "tools/data_file.h"
 #include "tools/failure.h"
+#include "tools/record_walk.h"
 
 namespace tool {
 
@@ -25,7 +26,9 @@ ztb::Symbol makeSet(ztb::Database& database, const std::string& over, const std:
 
 class SweepResults::Labels {
  public:
-  Labels(const ztb::Database& source, ztb::Database& target) : source_(source), target_(target) {}
+  // `labelOf` gives the text of a label number of the other side.
+  Labels(std::function<std::string(int)> labelOf, ztb::Database& target)
+      : labelOf_(std::move(labelOf)), target_(target) {}
 
   int operator()(int number) {
     const auto place = static_cast<std::size_t>(number);
@@ -33,13 +36,13 @@ class SweepResults::Labels {
       numbers_.resize(place + 1);
     }
     if (numbers_[place] == 0) {
-      numbers_[place] = target_.mergeLabel(source_.label(number));
+      numbers_[place] = target_.mergeLabel(labelOf_(number));
     }
     return numbers_[place];
   }
 
  private:
-  const ztb::Database& source_;
+  std::function<std::string(int)> labelOf_;
   ztb::Database& target_;
   std::vector<int> numbers_;
 };
@@ -60,12 +63,12 @@ SweepResults::SweepResults(const std::string& over, const std::string& text,
 SweepResults::~SweepResults() = default;
 
 std::string SweepResults::inputsOf(const std::string& file) {
-  DataFile results(file);
-  const auto inputs = results.database().findSymbol(kInputs);
-  if (!inputs || inputs->type() != ztb::Type::set) {
+  const ExchangeFile results(file);
+  const FileSymbol* inputs = results.findSymbol(kInputs);
+  if (inputs == nullptr || inputs->type != ztb::Type::set) {
     throw Failure(withFile(file, "is no result of a sweep"));
   }
-  return inputs->text().str();
+  return inputs->text;
 }
 
 ztb::Symbol SweepResults::add(const std::string& name, int dimension) {
@@ -109,7 +112,8 @@ void SweepResults::takeSolution(const std::string& label, const std::string& nam
   ztb::Symbol level = database_.symbol(name + "_level");
   ztb::Symbol marginal = database_.symbol(name + "_marginal");
   if (!solvedLabels_) {
-    solvedLabels_ = std::make_unique<Labels>(solved, database_);
+    solvedLabels_ = std::make_unique<Labels>(
+        [&solved](int number) { return solved.label(number).str(); }, database_);
   }
   std::vector<int> target(static_cast<std::size_t>(level.dimension()));
   target[0] = database_.mergeLabel(label);
@@ -122,28 +126,28 @@ void SweepResults::takeSolution(const std::string& label, const std::string& nam
   }
 }
 
-void SweepResults::absorbParameter(const ztb::Symbol& source, Labels& labels) {
-  const std::string name = source.name().str();
-  if (!database_.findSymbol(name)) {
-    reported_.push_back(add(name, source.dimension()));
+void SweepResults::absorbParameter(const ExchangeFile& file, const FileSymbol& source,
+                                   Labels& labels) {
+  if (!database_.findSymbol(source.name)) {
+    reported_.push_back(add(source.name, source.dimension));
   }
-  ztb::Symbol target = database_.symbol(name);
+  ztb::Symbol target = database_.symbol(source.name);
   std::array<int, ZTB_MAX_DIMENSION> numbers{};
-  for (const auto [keys, values] : source.rows()) {
+  for (RecordWalk walk(file, source); walk.next();) {
+    const std::span<const int> keys = walk.keys();
     for (std::size_t position = 0; position < keys.size(); ++position) {
       numbers.at(position) = labels(keys[position]);
     }
-    target.put(std::span(numbers).first(keys.size()), values[0]);
+    target.put(std::span(numbers).first(keys.size()), walk.values()[0]);
   }
 }
 
-void SweepResults::absorb(const std::string& file) {
-  DataFile source(file);
-  Labels labels(source.database(), database_);
-  for (const ztb::Symbol& symbol : source.symbols()) {
-    if (symbol.type() == ztb::Type::parameter) {
-      source.requireIntact(symbol);
-      absorbParameter(symbol, labels);
+void SweepResults::absorb(const std::string& path) {
+  const ExchangeFile file(path);
+  Labels labels([&file](int number) { return std::string(file.label(number)); }, database_);
+  for (const FileSymbol& symbol : file.symbols()) {
+    if (symbol.type == ztb::Type::parameter) {
+      absorbParameter(file, symbol, labels);
     }
   }
 }

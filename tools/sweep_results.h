@@ -16,6 +16,8 @@
 #include <vector>
 #include <ztb/ztb.hpp>
 
+#include "tools/exchange_file.h"
+
 namespace tool {
 
 struct ScenarioOutcome {
@@ -46,7 +48,7 @@ class SweepResults {
   // which is the same one in each call.
   void takeSolution(const std::string& label, const std::string& name, const ztb::Database& solved);
   // Adds all results of another sweep's file.
-  void absorb(const std::string& file);
+  void absorb(const std::string& path);
 
   // Outcome of each scenario that has one, by label.
   [[nodiscard]] std::map<std::string, ScenarioOutcome> outcomes() const;
@@ -60,7 +62,7 @@ class SweepResults {
   ztb::Symbol add(const std::string& name, int dimension);
   // Label numbers of another database in this one.
   class Labels;
-  void absorbParameter(const ztb::Symbol& source, Labels& labels);
+  void absorbParameter(const ExchangeFile& file, const FileSymbol& source, Labels& labels);
 
   ztb::Database database_;
   ztb::Symbol set_;

@@ -7,53 +7,56 @@
 
 #include "tools/failure.h"
 #include "tools/model_session.h"
+#include "tools/record_walk.h"
 #include "tools/words.h"
 
 namespace tool {
 
 namespace {
 
-ztb::Symbol sweptSet(DataFile& file, const std::string& over) {
-  const std::optional<ztb::Symbol> found = file.database().findSymbol(over);
-  if (!found || over == "*") {
+const FileSymbol& sweptSet(const ExchangeFile& file, const std::string& over) {
+  const FileSymbol* named = file.findSymbol(over);
+  if (named == nullptr || file.resolved(*named).isUniverse()) {
     throw Failure(withFile(file.path(), fmt::format("has no set {} to sweep over", over)));
   }
-  if (found->type() != ztb::Type::set) {
+  const FileSymbol& found = file.resolved(*named);
+  if (found.type != ztb::Type::set) {
     throw Failure(withFile(
-        file.path(), fmt::format("{} is a {}; --over wants a set", over, typeWord(found->type()))));
+        file.path(), fmt::format("{} is a {}; --over wants a set", over, typeWord(found.type))));
   }
-  if (found->dimension() != 1) {
+  if (found.dimension != 1) {
     throw Failure(withFile(file.path(), fmt::format("set {} has {} positions; --over wants one",
-                                                    over, found->dimension())));
+                                                    over, found.dimension)));
   }
-  file.requireIntact(*found);
-  if (found->recordCount() == 0) {
+  if (found.recordCount == 0) {
     throw Failure(withFile(file.path(), fmt::format("set {} is empty", over)));
   }
-  return *found;
+  return found;
 }
 
-bool isOver(const ztb::Symbol& parameter, const ztb::Symbol& set) {
-  if (parameter.dimension() == 0) {
+bool isOver(const ExchangeFile& file, const FileSymbol& parameter, const FileSymbol& set) {
+  if (parameter.dimension == 0) {
     return false;
   }
-  const ztb::Domain domain = parameter.domains().front();
-  return domain.set ? *domain.set == set : sameFolded(domain.name.view(), set.name().view());
+  const FileDomain& domain = parameter.domains.front();
+  return domain.set < 0 ? sameFolded(domain.name, set.name)
+                        : file.resolved(file.symbolAt(domain.set)).number == set.number;
 }
 
 }  // namespace
 
 SweepScenarios::SweepScenarios(const std::string& path, const std::string& over) {
-  DataFile file(path);
-  const ztb::Symbol set = sweptSet(file, over);
-  over_ = set.name().str();
-  text_ = set.text().str();
-  for (ztb::Record& record : set.records()) {
-    scenarios_.push_back({.label = record.key(0).str(), .text = record.text().str()});
+  const ExchangeFile file(path);
+  const FileSymbol& set = sweptSet(file, over);
+  over_ = set.name;
+  text_ = set.text;
+  for (RecordWalk walk(file, set); walk.next();) {
+    scenarios_.push_back(
+        {.label = std::string(file.label(walk.keys()[0])), .text = std::string(walk.text())});
   }
-  for (const ztb::Symbol& symbol : file.symbols()) {
-    if (symbol.type() == ztb::Type::parameter) {
-      (isOver(symbol, set) ? driving_ : others_).push_back(symbol.name().str());
+  for (const FileSymbol& symbol : file.symbols()) {
+    if (symbol.type == ztb::Type::parameter) {
+      (isOver(file, symbol, set) ? driving_ : others_).push_back(symbol.name);
     }
   }
   if (driving_.empty()) {
@@ -65,20 +68,21 @@ SweepScenarios::SweepScenarios(const std::string& path, const std::string& over)
 ScenarioData::ScenarioData(const std::string& path, const SweepScenarios& scenarios,
                            std::span<const std::size_t> chosen, ModelSession& session)
     : session_(session) {
-  DataFile file(path);
+  const ExchangeFile file(path);
   numbers_.assign(static_cast<std::size_t>(file.labelCount()) + 1, 0);
-  for (int number = 0; number <= file.labelCount(); ++number) {
-    labels_.emplace_back(file.label(number));
-  }
   // Place of a scenario among those chosen, by the number of its label.
   std::vector<int> places(numbers_.size(), -1);
   for (std::size_t place = 0; place < chosen.size(); ++place) {
-    const std::string& label = scenarios.scenarios()[chosen[place]].label;
-    places[static_cast<std::size_t>(*file.database().findLabel(label))] = static_cast<int>(place);
+    const std::optional<int> label =
+        file.file().findLabel(scenarios.scenarios()[chosen[place]].label);
+    if (!label) {
+      throw Failure(withFile(path, "has changed since the sweep began"));
+    }
+    places[static_cast<std::size_t>(*label)] = static_cast<int>(place);
   }
-  const auto append = [this](Records& records, std::span<const int> keys, double value) {
+  const auto append = [&](Records& records, std::span<const int> keys, double value) {
     for (const int key : keys) {
-      records.keys.push_back(sessionNumber(key));
+      records.keys.push_back(sessionNumber(file, key));
     }
     records.values.push_back(value);
   };
@@ -86,23 +90,22 @@ ScenarioData::ScenarioData(const std::string& path, const SweepScenarios& scenar
     if (!session.drives(name)) {
       continue;
     }
-    const ztb::Symbol source = file.symbol(name);
-    file.requireIntact(source);
+    const FileSymbol& source = file.symbol(name);
     Records records;
-    for (const auto [keys, values] : source.rows()) {
-      append(records, keys, values[0]);
+    for (RecordWalk walk(file, source); walk.next();) {
+      append(records, walk.keys(), walk.values()[0]);
     }
-    write(session.parameter(name, source.dimension()), records);
+    write(session.parameter(name, source.dimension), records);
   }
   for (const std::string& name : scenarios.driving()) {
-    const ztb::Symbol source = file.symbol(name);
-    file.requireIntact(source);
-    Parameter parameter{.symbol = session.parameter(name, source.dimension() - 1),
+    const FileSymbol& source = file.symbol(name);
+    Parameter parameter{.symbol = session.parameter(name, source.dimension - 1),
                         .records = std::vector<Records>(chosen.size())};
-    for (const auto [keys, values] : source.rows()) {
-      const int place = places[static_cast<std::size_t>(keys[0])];
+    for (RecordWalk walk(file, source); walk.next();) {
+      const int place = places[static_cast<std::size_t>(walk.keys()[0])];
       if (place >= 0) {
-        append(parameter.records[static_cast<std::size_t>(place)], keys.subspan(1), values[0]);
+        append(parameter.records[static_cast<std::size_t>(place)], walk.keys().subspan(1),
+               walk.values()[0]);
       }
     }
     parameters_.push_back(std::move(parameter));
@@ -130,12 +133,12 @@ void ScenarioData::write(ztb::Symbol symbol, const Records& records) {
   }
 }
 
-int ScenarioData::sessionNumber(int fileNumber) {
-  int& number = numbers_[static_cast<std::size_t>(fileNumber)];
-  if (number == 0) {
-    number = session_.database().mergeLabel(labels_[static_cast<std::size_t>(fileNumber)]);
+int ScenarioData::sessionNumber(const ExchangeFile& file, int number) {
+  int& session = numbers_[static_cast<std::size_t>(number)];
+  if (session == 0) {
+    session = session_.database().mergeLabel(std::string(file.label(number)));
   }
-  return number;
+  return session;
 }
 
 }  // namespace tool

@@ -8,7 +8,7 @@
 #include <vector>
 #include <ztb/ztb.hpp>
 
-#include "tools/data_file.h"
+#include "tools/exchange_file.h"
 
 namespace tool {
 
@@ -68,11 +68,11 @@ class ScenarioData {
   };
 
   void write(ztb::Symbol symbol, const Records& records);
-  int sessionNumber(int fileNumber);
+  int sessionNumber(const ExchangeFile& file, int number);
 
   ModelSession& session_;
   std::vector<Parameter> parameters_;
-  std::vector<std::string> labels_;
+  // Numbers of the file's labels in the session's database; 0 where not asked for yet.
   std::vector<int> numbers_;
   std::vector<std::string> unmatched_;
 };
