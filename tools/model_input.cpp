@@ -94,7 +94,7 @@ void ModelInput::applyParameter(const ExchangeFile& file, const FileSymbol& sour
       target.merge(ztb::Keys(keys)).setLevel(walk.values()[levelField]);
     }
     reportUnmatched(file, source, session_.applyParameter(target));
-  } catch (const ztb::Error& error) {
+  } catch (const std::exception& error) {
     throw Failure(withFile(file.path(), fmt::format("{}: {}", signature(source), error.what())));
   }
 }
@@ -108,7 +108,7 @@ void ModelInput::applySolution(const ExchangeFile& file, const FileSymbol& sourc
     }
     applyField(file, source, target, ztb::Action::level, levelField);
     applyField(file, source, target, ztb::Action::marginal, marginalField);
-  } catch (const ztb::Error& error) {
+  } catch (const std::exception& error) {
     throw Failure(withFile(file.path(), fmt::format("{}: {}", signature(source), error.what())));
   }
 }

@@ -1,8 +1,9 @@
 // Which labels the wrappers let into a database, looked at before any of them enters it.
 //
 // The library takes a label of blanks alone for no label at all, takes an empty one like any other,
-// and keeps the labels before one that it refuses. A wrapper refuses blank and empty labels, so
-// that none comes into being by mistake; an empty label that a file brought is used like any other.
+// and keeps the labels before one that it refuses. A wrapper refuses blank labels, and a record
+// brings no empty label into being, so that none comes by mistake; one that a file brought or that
+// was added by itself is used like any other.
 #ifndef ZTB_LABEL_CHECK_HPP_
 #define ZTB_LABEL_CHECK_HPP_
 
@@ -74,9 +75,10 @@ inline void requireLabels(ztbRec* database, const char* operation, KeyLabels lab
   }
 }
 
-// Number of a label, added if it is new. Throws for a label that is refused, with nothing added.
+// Number of a label, the empty one too, added if it is new. Throws for a label that is refused,
+// with nothing added.
 inline int mergeLabel(ztbRec* database, const char* operation, const char* label) {
-  if (!isPlain(label)) [[unlikely]] {
+  if (!isPlain(label) && (label == nullptr || *label != '\0')) [[unlikely]] {
     requireLabel(database, operation, label);
   }
   int number = 0;

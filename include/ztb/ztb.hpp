@@ -115,8 +115,9 @@ class Database {
 
   // Labels are numbered from 1 to labelCount(), in the order in which they came.
   [[nodiscard]] int labelCount() const { return info(ZTB_INFO_UEL_COUNT); }
-  // Number of a label, added if it is new. Throws for one that is refused: too long, blank, empty
-  // (unless a file brought it), with a control character or both kinds of quotes.
+  // Number of a label, added if it is new; the only way in for the empty label, which a record does
+  // not bring along. Throws for one that is refused: too long, blank, with a control character or
+  // both kinds of quotes.
   int mergeLabel(ZString label) {
     return detail::mergeLabel(handle_, "ztbMergeUel", label.c_str());
   }

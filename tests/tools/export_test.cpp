@@ -16,6 +16,7 @@ class ExportTest : public ProgramTest {
     ztb::Database database;
     ztb::Symbol food = database.addSet("food", {"*"}, "Things, to eat");
     food.add("Ham, smoked").setText("1 lb.");
+    database.mergeLabel("");
     food.add("");
     database.addAlias("f", food);
     database.addParameter("price", {food}).add("Ham, smoked").setLevel(27.4);

@@ -94,6 +94,7 @@ TEST_F(RoundTripTest, KeepsEveryKindOfLabel) {
         std::string(), std::string("\xE9t\xE9"), std::string("\xEF\xBB\xBFx"), std::string("1e3"),
         std::string("na"), std::string("\"quoted\""), std::string("="), std::string(63, 'x'),
         std::string("\x7F\x80\xFF")}) {
+    database.mergeLabel(label);
     s.add(label);
   }
   database.mergeLabel("never used, and last");

@@ -18,6 +18,7 @@ class ShowTest : public ProgramTest {
     food.add("Whole Wheat").setText("two\nlines");
     food.add("Ham, smoked");
     food.add("a*b");
+    database.mergeLabel("");
     food.add("");
     database.addAlias("f", food);
     ztb::Symbol iron = database.addParameter("holds", {food, "*"}, "Per dollar");

@@ -213,7 +213,6 @@ TEST(WrapperLabels, BlankAndEmptyOnesAreRefusedOnTheWayIn) {
   ztb::Database database;
   ztb::Symbol p = database.addParameter("p", {"*", "*"});
   EXPECT_EQ(failure([&] { database.mergeLabel("  "); }), "ztbMergeUel: Label is blank");
-  EXPECT_EQ(failure([&] { database.mergeLabel(""); }), "ztbMergeUel: Label is empty");
   EXPECT_EQ(failure([&] { p.add("new", " "); }), "ztbAddRecord: Label is blank");
   EXPECT_EQ(failure([&] { p.merge("new", ""); }), "ztbMergeRecord: Label is empty");
   EXPECT_EQ(failure([&] { p.merge("new", "a\tb"); }),
@@ -227,8 +226,7 @@ TEST(WrapperLabels, BlankAndEmptyOnesAreRefusedOnTheWayIn) {
 
 TEST(WrapperLabels, AnEmptyOneThatIsThereIsUsed) {
   ztb::Database database;
-  int number = 0;
-  ASSERT_EQ(c__ztbmergeuel(database.handle(), "", &number), 1);
+  EXPECT_EQ(database.mergeLabel(""), 1);
   ztb::Symbol p = database.addParameter("p", {"*"});
   p.merge("").setLevel(2);
   EXPECT_EQ(p.find("")->level(), 2);
