@@ -44,6 +44,11 @@ Totals totalsOf(const ExchangeFile& file) {
   return totals;
 }
 
+// Bytes that the records take in a database, about.
+unsigned long long memoryOf(const ExchangeFile& file, const FileSymbol& symbol) {
+  return ztbRxfMemory(file.file().handle(), symbol.number, static_cast<int>(defaultStore));
+}
+
 void printJson(const ExchangeFile& file) {
   const Totals totals = totalsOf(file);
   Json json;
@@ -56,6 +61,7 @@ void printJson(const ExchangeFile& file) {
     Json entry = jsonSymbol(file, symbol, defaultStore);
     if (!symbol.isAlias()) {
       entry["records"] = symbol.recordCount;
+      entry["memory"] = memoryOf(file, symbol);
     }
     json["symbols"].push_back(std::move(entry));
   }

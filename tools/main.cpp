@@ -15,6 +15,7 @@
 #include "tools/failure.h"
 #include "tools/import_command.h"
 #include "tools/info_command.h"
+#include "tools/memory_option.h"
 #include "tools/output.h"
 #include "tools/pivot_command.h"
 #include "tools/show_command.h"
@@ -56,6 +57,10 @@ int run(int argc, char** argv) {
   tool::addPivotCommand(app);
   tool::addSolveCommand(app);
   tool::addSweepCommand(app, status);
+  for (CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; })) {
+    // An import reads tables; what it holds of them is not limited.
+    if (command->get_name() != "import") tool::addMemoryOption(command);
+  }
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

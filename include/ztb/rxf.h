@@ -105,8 +105,13 @@ unsigned long long ztbRxfMemory(const ztbRxfFile* file, int symbol, int store);
  * none. A symbol whose records would go beyond it, by the estimate of ztbRxfMemory for the tree map
  * and with what was read before, cannot be read: "Limit exceeded: its 33554432 records need about
  * 2.1 GB in memory, the limit is 1 GB". Nothing has been taken then. What passes from file to file
- * when an unread symbol is written is not counted, nor is what is read by the functions here. */
-void ztbRxfMemoryLimit(unsigned long long bytes);
+ * when an unread symbol is written is not counted, nor is what is read by the functions here.
+ * Gives the limit that the thread had before. */
+unsigned long long ztbRxfMemoryLimit(unsigned long long bytes);
+
+/* How many files databases have opened in the calling thread since it set its limit. A database
+ * whose opening is not counted uses another copy of this library than the program, and has none. */
+int ztbRxfMemoryLimitTaken(void);
 
 /* Begins to read the records of a symbol; those of an alias are its set's. 1, or 0 with the reason
  * in `message` and *records null. Several may be read at once. */

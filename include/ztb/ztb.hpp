@@ -28,6 +28,7 @@
 #include <vector>
 #include <ztb/error.hpp>
 #include <ztb/label_check.hpp>
+#include <ztb/memory_limit.hpp>
 #include <ztb/record.hpp>
 #include <ztb/symbol.hpp>
 #include <ztb/text.hpp>
@@ -91,12 +92,28 @@ class Database {
     database.openFile(fileName);
     return database;
   }
+  // The same with a limit on memory. Only programs that use this one link librxfcclib64.so.
+  [[nodiscard]] static Database open(ZString fileName, const OpenOptions& options) {
+    Database database;
+    database.openFile(fileName, options);
+    return database;
+  }
   // The same for a database that was just made; after a failure it can only be ended.
   void openFile(ZString fileName) {
     if (const Text text = lastError(); text.view().starts_with("RXF create did not succeed")) {
       throw Error("ztbInitFromRXF", text.str());
     }
     detail::require(c__ztbinitfromrxf(handle_, fileName.c_str()), handle_, "ztbInitFromRXF");
+  }
+  // The limit of the thread is afterwards what it was.
+  void openFile(ZString fileName, const OpenOptions& options) {
+    if (options.maxMemory == 0) {
+      openFile(fileName);
+      return;
+    }
+    const detail::MemoryLimitScope limit(options.maxMemory);
+    openFile(fileName);
+    limit.requireTaken();
   }
   // Closes the file; with loadRemaining, what was not read yet is read first, else it is lost.
   void closeFile(bool loadRemaining) {

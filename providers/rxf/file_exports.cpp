@@ -187,8 +187,12 @@ RXF_EXPORT const char* ztbRxfDomain(const ztbRxfFile* file, int symbol, int posi
   return entry->domains[static_cast<std::size_t>(position)].c_str();
 }
 
-RXF_EXPORT void ztbRxfMemoryLimit(unsigned long long bytes) {
-  rxffile::MemoryLimit::setForThread(bytes);
+RXF_EXPORT unsigned long long ztbRxfMemoryLimit(unsigned long long bytes) {
+  return rxffile::MemoryLimit::setForThread(bytes);
+}
+
+RXF_EXPORT int ztbRxfMemoryLimitTaken() {
+  return rxffile::MemoryLimit::takenByThread();
 }
 
 RXF_EXPORT unsigned long long ztbRxfMemory(const ztbRxfFile* file, int symbol, int store) {

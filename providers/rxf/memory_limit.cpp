@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cmath>
+#include <utility>
 
 #include "providers/rxf/failure.h"
 #include "providers/rxf/memory_estimate.h"
@@ -11,6 +12,7 @@ namespace rxffile {
 namespace {
 
 thread_local std::uint64_t limitOfThread = 0;
+thread_local int takenOfThread = 0;
 thread_local int symbolsBeingWritten = 0;
 
 // Bytes for people: "1 GB", "2.1 GB".
@@ -25,8 +27,20 @@ DetailText sizeText(std::uint64_t bytes) {
 
 }  // namespace
 
-void MemoryLimit::setForThread(std::uint64_t bytes) {
-  limitOfThread = bytes;
+std::uint64_t MemoryLimit::setForThread(std::uint64_t bytes) {
+  takenOfThread = 0;
+  return std::exchange(limitOfThread, bytes);
+}
+
+MemoryLimit MemoryLimit::takeFromThread() {
+  ++takenOfThread;
+  MemoryLimit limit;
+  limit.limit_ = limitOfThread;
+  return limit;
+}
+
+int MemoryLimit::takenByThread() {
+  return takenOfThread;
 }
 
 MemoryLimit::SymbolWriting::SymbolWriting() {
@@ -36,8 +50,6 @@ MemoryLimit::SymbolWriting::SymbolWriting() {
 MemoryLimit::SymbolWriting::~SymbolWriting() {
   --symbolsBeingWritten;
 }
-
-MemoryLimit::MemoryLimit() : limit_(limitOfThread) {}
 
 void MemoryLimit::count(std::uint32_t number, const SymbolEntry& entry) {
   if (limit_ == 0 || symbolsBeingWritten > 0) return;

@@ -17,8 +17,13 @@ namespace rxffile {
 
 class MemoryLimit {
  public:
-  // Sets the limit of the calling thread for files that it opens afterwards.
-  static void setForThread(std::uint64_t bytes);
+  // Sets the limit of the calling thread for files that it opens afterwards, and gives the limit
+  // that it had.
+  static std::uint64_t setForThread(std::uint64_t bytes);
+  // The limit of the calling thread, for a file that it opens.
+  static MemoryLimit takeFromThread();
+  // How many files have taken the limit of the calling thread since it was set.
+  static int takenByThread();
 
   // While an object of this kind is there, its thread writes a symbol.
   class SymbolWriting {
@@ -29,14 +34,14 @@ class MemoryLimit {
     ~SymbolWriting();
   };
 
-  MemoryLimit();
+  MemoryLimit() = default;
 
   // Counts a symbol's records, once for each symbol. Throws Failure with limitExceeded, and counts
   // nothing, when they go beyond the limit.
   void count(std::uint32_t number, const SymbolEntry& entry);
 
  private:
-  std::uint64_t limit_;
+  std::uint64_t limit_ = 0;
   std::uint64_t used_ = 0;
   std::vector<bool> counted_;  // by symbol number
 };

@@ -65,7 +65,7 @@ int RxfObject::openRead(const char* fileName) {
     auto reader = std::make_unique<RxfReader>(calls_, fileName);
     stream_ = std::make_unique<RecordStream>(reader->file());
     reader_ = std::move(reader);
-    memoryLimit_ = MemoryLimit();
+    memoryLimit_ = MemoryLimit::takeFromThread();
     piece_ = &stream_->piece();
   });
 }

@@ -13,8 +13,12 @@
 namespace rxftest {
 namespace {
 
-void setLimit(unsigned long long bytes) {
-  exported<void(unsigned long long)>("ztbRxfMemoryLimit")(bytes);
+unsigned long long setLimit(unsigned long long bytes) {
+  return exported<unsigned long long(unsigned long long)>("ztbRxfMemoryLimit")(bytes);
+}
+
+int filesThatTookIt() {
+  return exported<int()>("ztbRxfMemoryLimitTaken")();
 }
 
 // Parameters p and q of one position with 1000 records each: 64 bytes a record, by a node of 32
@@ -97,6 +101,29 @@ TEST_F(Limit, isThatOfTheThreadAndTheTimeOfTheOpening) {
   EXPECT_EQ(start(after, 1), -1);
   EXPECT_EQ(after.errorText(29),
             "Limit exceeded: its 1000 records need about 64 kB in memory, the limit is 1 bytes");
+}
+
+TEST_F(Limit, isGivenBackWhenAnotherIsSet) {
+  EXPECT_EQ(setLimit(5), 0U);
+  EXPECT_EQ(setLimit(7), 5U);
+  std::thread([] { EXPECT_EQ(setLimit(3), 0U); }).join();
+  EXPECT_EQ(setLimit(0), 7U);
+}
+
+TEST_F(Limit, tellsHowManyFilesTookItSinceItWasSet) {
+  setLimit(5);
+  EXPECT_EQ(filesThatTookIt(), 0);
+  PeerFile first;
+  ASSERT_EQ(first.openRead(path_), 0);
+  EXPECT_EQ(filesThatTookIt(), 1);
+  PeerFile missing;
+  EXPECT_NE(missing.openRead(folder_.file("none.rxf")), 0);
+  PeerFile second;
+  ASSERT_EQ(second.openRead(path_), 0);
+  EXPECT_EQ(filesThatTookIt(), 2);
+  std::thread([] { EXPECT_EQ(filesThatTookIt(), 0); }).join();
+  setLimit(5);
+  EXPECT_EQ(filesThatTookIt(), 0);
 }
 
 TEST_F(Limit, doesNotHoldWhatGoesOnIntoAnotherFile) {

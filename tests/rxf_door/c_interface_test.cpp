@@ -170,6 +170,7 @@ TEST_F(RxfCTest, TheLibraryExportsTheseNamesOfItsOwn) {
                                           "ztbRxfLabelCount",
                                           "ztbRxfMemory",
                                           "ztbRxfMemoryLimit",
+                                          "ztbRxfMemoryLimitTaken",
                                           "ztbRxfMessage",
                                           "ztbRxfNextBlock",
                                           "ztbRxfOpen",

@@ -2,6 +2,8 @@
 
 #include <pybind11/stl.h>
 
+#include <ztb/rxf.hpp>
+
 #include "bindings/python/native/hand_made.h"
 #include "bindings/python/native/interruption.h"
 #include "bindings/python/native/strings.h"
@@ -37,7 +39,7 @@ std::array<double, ZTB_SPECIAL_VALUE_COUNT> Database::internalSpecialValues() co
   return values;
 }
 
-void Database::open(const py::object& path) {
+void Database::open(const py::object& path, unsigned long long maxMemory) {
   ztb::Text text;
   c__ztbgetlasterror(handle(), text.buffer());
   if (text.view().starts_with("RXF create did not succeed")) {
@@ -45,7 +47,9 @@ void Database::open(const py::object& path) {
   }
   const std::string name = pathFromPython(path);
   runWithoutInterpreter([&](Interruption&) {
+    const ztb::detail::MemoryLimitScope limit(maxMemory);
     connection_->require(c__ztbinitfromrxf(handle(), name.c_str()), "ztbInitFromRXF");
+    if (maxMemory != 0) limit.requireTaken();
   });
 }
 
@@ -150,6 +154,26 @@ int Database::info(int key) const {
   return value;
 }
 
+namespace {
+
+// For each symbol of a file but the aliases its name and the bytes that its records take in a
+// database.
+std::vector<std::pair<py::str, unsigned long long>> memoryNeeded(const py::object& path,
+                                                                 int store) {
+  const std::string name = pathFromPython(path);
+  std::optional<ztb::RxfFile> file;
+  runWithoutInterpreter([&](Interruption&) { file.emplace(name); });
+  std::vector<std::pair<py::str, unsigned long long>> result;
+  for (const ztb::RxfSymbol& symbol : file->symbols()) {
+    if (symbol.isAlias()) continue;
+    result.emplace_back(toPython(symbol.name),
+                        file->memory(symbol, static_cast<ztb::Store>(store)));
+  }
+  return result;
+}
+
+}  // namespace
+
 void bindDatabase(py::module_& module) {
   py::class_<Database> type(module, "Database", py::is_final());
   refuseHandMade(type);
@@ -172,6 +196,7 @@ void bindDatabase(py::module_& module) {
       .def("add_symbol", inTurn(&Database::addSymbol))
       .def("add_alias", inTurn(&Database::addAlias));
   module.def("create", [](const py::object& systemDirectory) { return Database(systemDirectory); });
+  module.def("memory_needed", &memoryNeeded);
 }
 
 }  // namespace python

@@ -31,7 +31,8 @@ class Database {
   void setSpecialValues(const std::array<double, ZTB_SPECIAL_VALUE_COUNT>& values);
   [[nodiscard]] std::array<double, ZTB_SPECIAL_VALUE_COUNT> internalSpecialValues() const;
 
-  void open(const py::object& path);
+  // Its records may take so many bytes; 0 is no limit.
+  void open(const py::object& path, unsigned long long maxMemory);
   void write(const py::object& path, bool checkDomains);
   void closeFile(bool loadRemaining);
 

@@ -10,7 +10,7 @@
     array([11.,  0.])
 """
 
-from .database import Database, open
+from .database import Database, memory_needed, open
 from .errors import Error, NotFoundError
 from .special import (
     CODE_EPSILON,
@@ -67,6 +67,7 @@ __all__ = [
     "Values",
     "Variable",
     "Violation",
+    "memory_needed",
     "open",
     "special_code",
     "special_codes",

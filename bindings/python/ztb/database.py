@@ -4,12 +4,13 @@ from __future__ import annotations
 
 import os
 from types import TracebackType
-from typing import Any, Iterator, List, Optional, Sequence, Tuple, Type, Union, cast
+from typing import Any, Dict, Iterator, List, Optional, Sequence, Tuple, Type, Union, cast
 
 import numpy as np
 import numpy.typing as npt
 
 from . import _native
+from .sizes import Size, bytes_of
 from .special import SPECIAL_VALUES
 from .symbol import Alias, DomainLike, Equation, Parameter, Set, Symbol, Variable, wrap
 
@@ -32,6 +33,11 @@ class Database:
     ``store`` chooses what holds the records in memory: ``"map"``, ``"vector"`` or ``"trie"``.
     ``system_directory`` is a folder to look for the exchange-file library in; by default that is
     the folder of the library itself. Threads that share a database take turns with it.
+
+    ``max_memory`` limits what the records of the file may take in memory: a number of bytes, or a
+    text such as ``"2G"`` (K, M, G and T are powers of 1024). A symbol that would go beyond it, by
+    the estimate of :func:`ztb.memory_needed` for the map and with those read before, raises
+    :class:`ztb.Error` when it is touched, and nothing of it is read.
     """
 
     def __init__(
@@ -39,17 +45,18 @@ class Database:
         path: Optional[Path] = None,
         *,
         store: str = "map",
+        max_memory: Optional[Size] = None,
         system_directory: Optional[Path] = None,
     ) -> None:
-        if store not in _STORES:
-            raise ValueError(f"no store {store!r}, expected one of {', '.join(_STORES)}")
+        number = _store_number(store)
+        limit = 0 if max_memory is None else bytes_of(max_memory, "max_memory")
         self._native = _native.create(system_directory)
         self._labels: npt.NDArray[np.object_] = np.array([None], dtype=object)
         self._native.set_special_values(SPECIAL_VALUES)
-        self._native.select_store(_STORES.index(store))
+        self._native.select_store(number)
         if path is not None:
             try:
-                self._native.open(path)
+                self._native.open(path, limit)
             except BaseException:
                 self._native.close()
                 raise
@@ -221,6 +228,22 @@ def _require_below(count: int, subtype: int) -> None:
         raise ValueError(f"no subtype {subtype}, expected 0 to {count - 1}")
 
 
-def open(path: Path, *, store: str = "map") -> Database:  # noqa: A001
+def _store_number(store: str) -> int:
+    if store not in _STORES:
+        raise ValueError(f"no store {store!r}, expected one of {', '.join(_STORES)}")
+    return _STORES.index(store)
+
+
+def open(  # noqa: A001
+    path: Path, *, store: str = "map", max_memory: Optional[Size] = None
+) -> Database:
     """Opens an RXF file; see :class:`Database`."""
-    return Database(path, store=store)
+    return Database(path, store=store, max_memory=max_memory)
+
+
+def memory_needed(path: Path, *, store: str = "map") -> Dict[str, int]:
+    """The bytes, about, that the records of each symbol of an RXF file take in a database.
+
+    No record is read. Aliases have none of their own and are left out.
+    """
+    return dict(_native.memory_needed(path, _store_number(store)))

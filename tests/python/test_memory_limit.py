@@ -1,0 +1,69 @@
+"""Limits on the memory that the records of a file take."""
+
+import pytest
+
+import ztb
+
+
+@pytest.fixture
+def path(db, tmp_path):
+    """Parameters p and q of 1000 records each, which take 64 bytes a record in the map."""
+    labels = [f"l{number}" for number in range(1000)]
+    for name in ("p", "q"):
+        symbol = db.add_parameter(name, ["*"])
+        for label in labels:
+            symbol[label] = 1
+    db.add_alias("s", db.add_set("few"))
+    path = tmp_path / "a.rxf"
+    db.write(path)
+    return path
+
+
+def test_a_symbol_that_needs_more_is_refused_before_it_is_read(path):
+    with ztb.open(path, max_memory=63999) as db:
+        for _ in range(2):
+            with pytest.raises(ztb.Error) as raised:
+                len(db["p"])
+            assert str(raised.value) == (
+                f"Symbol p could not be read from {path}: Limit exceeded: its 1000 records need "
+                "about 64 kB in memory, the limit is 64 kB"
+            )
+
+
+def test_the_symbols_of_a_database_count_together(path):
+    with ztb.open(path, max_memory="100k") as db:
+        assert len(db["p"]) == 1000
+        with pytest.raises(ztb.Error, match="what was read before about 64 kB, the limit is 102.4 kB"):
+            len(db["q"])
+    with ztb.Database(path, max_memory="128K") as db:
+        assert len(db["p"]) + len(db["q"]) == 2000
+
+
+def test_the_limit_holds_for_that_database_alone(path):
+    with ztb.open(path, max_memory=1), ztb.open(path) as db:
+        assert len(db["p"]) == 1000
+
+
+@pytest.mark.parametrize("size", [0, -1, 2**64, "", "0", "2GB", "1.5G", "-1", " 2", "2G ", "٢", "much"])
+def test_anything_but_a_size_is_refused(path, size):
+    with pytest.raises(ValueError) as raised:
+        ztb.open(path, max_memory=size)
+    assert str(raised.value) == (
+        f"max_memory {size!r} is no size, expected bytes from 1 on, or a text of a whole number "
+        "with or without K, M, G or T, as '2G'"
+    )
+
+
+@pytest.mark.parametrize("size", [True, 2.5, b"2G"])
+def test_a_size_of_another_type_is_refused(path, size):
+    with pytest.raises(TypeError):
+        ztb.open(path, max_memory=size)
+
+
+def test_the_need_is_told_without_reading(path):
+    assert ztb.memory_needed(path) == {"p": 64000, "q": 64000, "few": 0}
+    assert ztb.memory_needed(path, store="vector")["p"] < 64000
+    with pytest.raises(ztb.Error, match="No such file"):
+        ztb.memory_needed(path.parent / "none.rxf")
+    with pytest.raises(ValueError, match="no store 'heap'"):
+        ztb.memory_needed(path, store="heap")

@@ -1,0 +1,71 @@
+// --max-memory of the command.
+#include <nlohmann/json.hpp>
+
+#include "tests/tools/program.h"
+
+namespace {
+
+using tooltest::Outcome;
+using tooltest::ProgramTest;
+
+// Parameter p of one position with 1000 records, which take 64 bytes a record in the map.
+class MaxMemory : public ProgramTest {
+ protected:
+  void SetUp() override {
+    std::string table = "key,p\n";
+    for (int i = 0; i < 1000; ++i) table += "l" + std::to_string(i) + ",1\n";
+    write("p.csv", table);
+    ztbFine({"import", "a.rxf", "--from", "p.csv", "--parameter", "p(key)"});
+  }
+};
+
+TEST_F(MaxMemory, DoesNoHarmWhereFilesAreWalkedOver) {
+  for (const std::vector<std::string>& arguments : {std::vector<std::string>{"info", "a.rxf"},
+                                                    {"show", "a.rxf", "p", "--csv"},
+                                                    {"check", "a.rxf"},
+                                                    {"diff", "a.rxf", "a.rxf"}}) {
+    std::vector<std::string> limited = arguments;
+    limited.insert(limited.end(), {"--max-memory", "1"});
+    EXPECT_EQ(ztbFine(limited), ztbFine(arguments)) << arguments.front();
+  }
+  ztbFine({"copy", "a.rxf", "p", "b.rxf", "--max-memory", "1K"});
+  EXPECT_NE(ztbFine({"check", "b.rxf"}), "");
+}
+
+TEST_F(MaxMemory, LimitsTheDataOfASolve) {
+  write("m.lp",
+        "Minimize\n v: x\nSubject To\n c: x - p_var(l7) >= 0\nBounds\n p_var(l7) = 3\nEnd\n");
+  expectFails(1,
+              "ztb: a.rxf: Limit exceeded: its 1000 records need about 64 kB in memory, the limit "
+              "is 64 kB\n",
+              {"solve", "m.lp", "--data", "a.rxf", "--max-memory", "63999"});
+  const Outcome outcome = ztb({"solve", "m.lp", "--data", "a.rxf", "--max-memory", "64000"});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.output.find("objective   1\n"), 0U) << "the value in the file, not the 3";
+}
+
+TEST_F(MaxMemory, RefusesWhatIsNoSize) {
+  for (const std::string size : {"0", "2GB", "much"}) {
+    const Outcome outcome = ztb({"info", "a.rxf", "--max-memory", size});
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_EQ(outcome.errors,
+              "ztb: --max-memory: '" + size +
+                  "' is no size, expected a whole number from 1 on, with or without K, M, G or T; "
+                  "see ztb info --help\n");
+  }
+}
+
+TEST_F(MaxMemory, IsAnOptionOfEveryCommandThatOpensFiles) {
+  for (const std::string command :
+       {"info", "show", "export", "diff", "check", "copy", "pivot", "solve", "sweep"}) {
+    EXPECT_NE(ztbFine({command, "--help"}).find("--max-memory"), std::string::npos) << command;
+  }
+  EXPECT_EQ(ztbFine({"import", "--help"}).find("--max-memory"), std::string::npos);
+}
+
+TEST_F(MaxMemory, IsForeseenByInfo) {
+  const nlohmann::json json = nlohmann::json::parse(ztbFine({"info", "a.rxf", "--json"}));
+  EXPECT_EQ(json["symbols"][0]["memory"], 64000);
+}
+
+}  // namespace
