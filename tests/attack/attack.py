@@ -350,7 +350,7 @@ def two_writers(attack):
     rounds = attack.times(400)
     writers = [
         subprocess.Popen(["sh", "-c", script.format(rounds, attack.ztb, name)],
-                         env=attack.environment, cwd=attack.folder)
+                         env=attack.environment, cwd=attack.folder, stdout=subprocess.DEVNULL)
         for name in ("one", "two")
     ]  # fmt: skip
     while any(writer.poll() is None for writer in writers):
