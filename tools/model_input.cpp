@@ -8,6 +8,7 @@
 
 #include "tools/element_text.h"
 #include "tools/failure.h"
+#include "tools/memory_room.h"
 #include "tools/number_text.h"
 #include "tools/output.h"
 #include "tools/record_walk.h"
@@ -58,6 +59,7 @@ ModelInput::ModelInput(ModelSession& session) : session_(session) {
 
 void ModelInput::applyFile(const std::string& path) {
   const ExchangeFile file(path);
+  MemoryRoom room(file);
   std::vector<const FileSymbol*> parameters;
   std::vector<std::pair<const FileSymbol*, ztb::Symbol>> variables;
   std::vector<std::pair<const FileSymbol*, ztb::Symbol>> equations;
@@ -65,6 +67,7 @@ void ModelInput::applyFile(const std::string& path) {
     if (source.isAlias() || source.type == ztb::Type::set) continue;
     if (source.type == ztb::Type::parameter) {
       if (session_.drives(source.name)) {
+        room.take(source);
         parameters.push_back(&source);
       } else {
         printError(fmt::format("ztb: {}: the model has no columns {}_var for parameter {}", path,
@@ -74,6 +77,7 @@ void ModelInput::applyFile(const std::string& path) {
     }
     const std::optional<ztb::Symbol> target = session_.database().findSymbol(source.name);
     if (target && target->type() == source.type && target->dimension() == source.dimension) {
+      room.take(source);
       (source.type == ztb::Type::variable ? variables : equations).emplace_back(&source, *target);
     } else {
       printError(fmt::format("ztb: {}: the model has no {} like it", path, signature(source)));

@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "tools/failure.h"
+#include "tools/memory_room.h"
 #include "tools/model_session.h"
 #include "tools/record_walk.h"
 #include "tools/words.h"
@@ -69,6 +70,7 @@ ScenarioData::ScenarioData(const std::string& path, const SweepScenarios& scenar
                            std::span<const std::size_t> chosen, ModelSession& session)
     : session_(session) {
   const ExchangeFile file(path);
+  MemoryRoom room(file);
   numbers_.assign(static_cast<std::size_t>(file.labelCount()) + 1, 0);
   // Place of a scenario among those chosen, by the number of its label.
   std::vector<int> places(numbers_.size(), -1);
@@ -91,6 +93,7 @@ ScenarioData::ScenarioData(const std::string& path, const SweepScenarios& scenar
       continue;
     }
     const FileSymbol& source = file.symbol(name);
+    room.take(source);
     Records records;
     for (RecordWalk walk(file, source); walk.next();) {
       append(records, walk.keys(), walk.values()[0]);
@@ -99,6 +102,7 @@ ScenarioData::ScenarioData(const std::string& path, const SweepScenarios& scenar
   }
   for (const std::string& name : scenarios.driving()) {
     const FileSymbol& source = file.symbol(name);
+    room.take(source);
     Parameter parameter{.symbol = session.parameter(name, source.dimension - 1),
                         .records = std::vector<Records>(chosen.size())};
     for (RecordWalk walk(file, source); walk.next();) {

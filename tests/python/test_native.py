@@ -50,7 +50,7 @@ def test_things_of_a_closed_database_are_errors(diet):
     for use in [
         lambda: labels.numbers(["a"]),
         lambda: diet._native.new_labels(),
-        lambda: diet._native.open("x.rxf"),
+        lambda: diet._native.open("x.rxf", 0),
         lambda: diet._native.close_file(True),
         lambda: universe.rows(),
         *(native.rows for native in natives),

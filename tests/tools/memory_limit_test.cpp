@@ -36,8 +36,8 @@ TEST_F(MaxMemory, LimitsTheDataOfASolve) {
   write("m.lp",
         "Minimize\n v: x\nSubject To\n c: x - p_var(l7) >= 0\nBounds\n p_var(l7) = 3\nEnd\n");
   expectFails(1,
-              "ztb: a.rxf: Limit exceeded: its 1000 records need about 64 kB in memory, the limit "
-              "is 64 kB\n",
+              "ztb: a.rxf: symbol p: 1000 records need about 64 kB in memory, the limit is 64 kB "
+              "(--max-memory)\n",
               {"solve", "m.lp", "--data", "a.rxf", "--max-memory", "63999"});
   const Outcome outcome = ztb({"solve", "m.lp", "--data", "a.rxf", "--max-memory", "64000"});
   EXPECT_EQ(outcome.status, 0);
