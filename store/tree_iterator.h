@@ -1,6 +1,6 @@
 // Iterator of `DMapGTree`: a path in the tree, or for a scalar a pointer into the inline values.
-// Using one as the other throws std::bad_variant_access. The key pointer of every view is one buffer
-// of the thread, overwritten by the next `get` of any tree iterator on it.
+// Using one as the other throws std::bad_variant_access. The key pointer of every view is one
+// buffer of the thread, overwritten by the next `get` of any tree iterator on it.
 #ifndef ZTB_STORE_TREE_ITERATOR_H_
 #define ZTB_STORE_TREE_ITERATOR_H_
 

@@ -59,15 +59,15 @@ static void endAfter(int met) {
 
 #define NEXT(name) ((__typeof__(&name))dlsym(RTLD_NEXT, #name))
 
-#define TRANSFER(name, call, pointer)                                   \
-  ssize_t name(int fd, pointer data, size_t size, off_t offset) {       \
-    const int met = reached(call);                                      \
-    if (met && fails()) return -1;                                      \
-    if (met) endBefore();                                               \
-    if (met && strcmp(how(), "short") == 0 && size > 1) --size;         \
-    const ssize_t result = NEXT(name)(fd, data, size, offset);          \
-    endAfter(met);                                                      \
-    return result;                                                      \
+#define TRANSFER(name, call, pointer)                             \
+  ssize_t name(int fd, pointer data, size_t size, off_t offset) { \
+    const int met = reached(call);                                \
+    if (met && fails()) return -1;                                \
+    if (met) endBefore();                                         \
+    if (met && strcmp(how(), "short") == 0 && size > 1) --size;   \
+    const ssize_t result = NEXT(name)(fd, data, size, offset);    \
+    endAfter(met);                                                \
+    return result;                                                \
   }
 
 TRANSFER(pread, "pread", void*)
@@ -75,14 +75,14 @@ TRANSFER(pread64, "pread", void*)
 TRANSFER(pwrite, "pwrite", const void*)
 TRANSFER(pwrite64, "pwrite", const void*)
 
-#define PLAIN(name, call, parameters, arguments)        \
-  int name parameters {                                 \
-    const int met = reached(call);                      \
-    if (met && fails()) return -1;                      \
-    if (met) endBefore();                               \
-    const int result = NEXT(name) arguments;            \
-    endAfter(met);                                      \
-    return result;                                      \
+#define PLAIN(name, call, parameters, arguments) \
+  int name parameters {                          \
+    const int met = reached(call);               \
+    if (met && fails()) return -1;               \
+    if (met) endBefore();                        \
+    const int result = NEXT(name) arguments;     \
+    endAfter(met);                               \
+    return result;                               \
   }
 
 PLAIN(fsync, "fsync", (int fd), (fd))
@@ -91,21 +91,21 @@ PLAIN(ftruncate, "ftruncate", (int fd, off_t length), (fd, length))
 PLAIN(ftruncate64, "ftruncate", (int fd, off_t length), (fd, length))
 PLAIN(fchmod, "fchmod", (int fd, mode_t mode), (fd, mode))
 
-#define OPEN(name)                                                        \
-  int name(const char* path, int flags, ...) {                            \
-    mode_t mode = 0;                                                      \
-    if ((flags & O_CREAT) != 0) {                                         \
-      va_list more;                                                       \
-      va_start(more, flags);                                              \
-      mode = va_arg(more, mode_t);                                        \
-      va_end(more);                                                       \
-    }                                                                     \
-    const int met = (flags & O_ACCMODE) != O_RDONLY && reached("open");   \
-    if (met && fails()) return -1;                                        \
-    if (met) endBefore();                                                 \
-    const int result = NEXT(name)(path, flags, mode);                     \
-    endAfter(met);                                                        \
-    return result;                                                        \
+#define OPEN(name)                                                      \
+  int name(const char* path, int flags, ...) {                          \
+    mode_t mode = 0;                                                    \
+    if ((flags & O_CREAT) != 0) {                                       \
+      va_list more;                                                     \
+      va_start(more, flags);                                            \
+      mode = va_arg(more, mode_t);                                      \
+      va_end(more);                                                     \
+    }                                                                   \
+    const int met = (flags & O_ACCMODE) != O_RDONLY && reached("open"); \
+    if (met && fails()) return -1;                                      \
+    if (met) endBefore();                                               \
+    const int result = NEXT(name)(path, flags, mode);                   \
+    endAfter(met);                                                      \
+    return result;                                                      \
   }
 
 OPEN(open)

@@ -51,7 +51,8 @@ TEST(PeerThreads, OneLoadsAFamilyAndTheOthersWaitForIt) {
         }
       }
     });
-    EXPECT_EQ(peertest::countLines(peertest::peerLog("complete", peertest::nmtmdFile), "nmtXAPIVersion 2"),
+    EXPECT_EQ(peertest::countLines(peertest::peerLog("complete", peertest::nmtmdFile),
+                                   "nmtXAPIVersion 2"),
               1);
     const auto log = peertest::peerLog("complete", peertest::lomudFile);
     EXPECT_EQ(peertest::countLines(log, "pbiXAPIVersion 26"), 1);
