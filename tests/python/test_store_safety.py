@@ -179,7 +179,7 @@ def test_frames_replace_the_same_records_again_and_again(db):
             assert dict(s.items()) == {("c",) * dimension: "2.0"}
 
 
-@pytest.mark.parametrize("store", ["map", "vector"])
+@pytest.mark.parametrize("store", STORES)
 def test_arrays_replace_the_same_records_again_and_again(db):
     for dimension in (1, 2, 3):
         sets = [db.add_set(f"d{dimension}{place}") for place in range(dimension)]
@@ -252,9 +252,25 @@ def test_blank_and_empty_labels_are_no_labels(db):
     with pytest.raises(ztb.Error, match="Label is empty"):
         p["new", ""] = 2
     with pytest.raises(ztb.Error, match="Label is empty"):
-        db.add_labels(["new", ""])
+        p.from_pandas(pd.Series([2.0], index=pd.MultiIndex.from_tuples([("new", "")])))
     assert ("a", "") not in p
     assert dict(p) == {("a", "b"): 1.0} and db.labels == labels
+
+
+@pytest.mark.parametrize("store", ["map", "vector", "trie"])
+def test_an_empty_label_comes_by_itself_or_from_a_file_and_is_used_like_any_other(store, tmp_path):
+    with ztb.Database(store=store) as db:
+        db.add_labels(["a", "", "A", ""])
+        assert db.labels == ["a", ""]
+        p = db.add_parameter("p", ["*", "*"])
+        p["a", ""] = 1
+        p.from_pandas(p.to_pandas() * 2)
+        db.write(tmp_path / "a.rxf")
+    with ztb.open(tmp_path / "a.rxf", store=store) as db:
+        assert db.labels == ["a", ""]
+        assert dict(db["p"]) == {("a", ""): 2.0}
+        db["p"]["a", ""] = 3
+        assert db["p"]["a", ""] == 3
 
 
 def test_refused_records_leave_no_labels_behind(db):

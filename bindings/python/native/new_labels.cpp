@@ -34,7 +34,7 @@ std::string folded(const std::string& label) {
 NewLabels::NewLabels(Shared connection)
     : connection_(std::move(connection)), known_(labelCount(*connection_)) {}
 
-py::array_t<int> NewLabels::numbers(const py::iterable& labels) {
+py::array_t<int> NewLabels::numbers(const py::iterable& labels, Empty empty) {
   // What the iterable does may take long, and may come back to the database.
   std::vector<std::string> all;
   for (const py::handle label : labels) {
@@ -44,14 +44,16 @@ py::array_t<int> NewLabels::numbers(const py::iterable& labels) {
   py::array_t<int> result(static_cast<py::ssize_t>(all.size()));
   int* const numbers = result.mutable_data();
   for (std::size_t place = 0; place < all.size(); ++place) {
-    numbers[place] = number(all[place]);
+    numbers[place] = number(all[place], empty);
   }
   return result;
 }
 
-int NewLabels::number(const std::string& label) {
+int NewLabels::number(const std::string& label, Empty empty) {
   requireNotBlank(label);
-  const int number = ztb::detail::requireLabel(connection_->handle(), "ztbMergeUel", label.c_str());
+  const auto find = label.empty() && empty == Empty::allowed ? ztb::detail::findLabel
+                                                             : ztb::detail::requireLabel;
+  const int number = find(connection_->handle(), "ztbMergeUel", label.c_str());
   if (number != ztb::detail::newLabel) {
     return number;
   }
@@ -85,7 +87,7 @@ void addLabels(const Shared& connection, const py::iterable& labels) {
     const Use use(*connection);
     added.emplace(connection);
   }
-  added->numbers(labels);
+  added->numbers(labels, NewLabels::Empty::allowed);
   const Use use(*connection);
   added->add();
 }
@@ -93,7 +95,9 @@ void addLabels(const Shared& connection, const py::iterable& labels) {
 void bindNewLabels(py::module_& module) {
   py::class_<NewLabels> type(module, "NewLabels", py::is_final());
   refuseHandMade(type);
-  type.def("numbers", &NewLabels::numbers);
+  type.def("numbers", [](NewLabels& labels, const py::iterable& texts) {
+    return labels.numbers(texts, NewLabels::Empty::refused);
+  });
 }
 
 }  // namespace python

@@ -19,11 +19,14 @@ namespace py = pybind11;
 // database as it is until add(). So whatever is refused in between leaves no label behind.
 class NewLabels {
  public:
+  // Whether the empty label may be new: a record brings none into being.
+  enum class Empty { refused, allowed };
+
   explicit NewLabels(Shared connection);
 
   // The numbers of labels. Throws for what is no label; new ones of the same call then count as
   // never seen.
-  py::array_t<int> numbers(const py::iterable& labels);
+  py::array_t<int> numbers(const py::iterable& labels, Empty empty);
 
   // The largest number that a label has, new ones included.
   [[nodiscard]] int largest() const { return known_ + static_cast<int>(labels_.size()); }
@@ -35,7 +38,7 @@ class NewLabels {
   [[nodiscard]] const Shared& connection() const { return connection_; }
 
  private:
-  int number(const std::string& label);
+  int number(const std::string& label, Empty empty);
 
   Shared connection_;
   // Labels of the database.
@@ -45,7 +48,8 @@ class NewLabels {
   std::unordered_map<std::string, int> numbers_;
 };
 
-// Adds labels to the database, those that it does not have; none if one is refused.
+// Adds labels to the database, those that it does not have, the empty one too; none if one is
+// refused.
 void addLabels(const Shared& connection, const py::iterable& labels);
 
 // Adds the class to the module.

@@ -103,7 +103,10 @@ class Database:
         return self._label_array()[1:].tolist()
 
     def add_labels(self, labels: Sequence[str]) -> None:
-        """Adds labels to the universe, those that it does not have yet; none if one is refused."""
+        """Adds labels to the universe, those that it does not have yet; none if one is refused.
+
+        This is the only way in for the empty label, which a record does not bring along.
+        """
         self._native.add_labels(labels)
 
     # ---- symbols ----
