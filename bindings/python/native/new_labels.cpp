@@ -51,8 +51,8 @@ py::array_t<int> NewLabels::numbers(const py::iterable& labels, Empty empty) {
 
 int NewLabels::number(const std::string& label, Empty empty) {
   requireNotBlank(label);
-  const auto find = label.empty() && empty == Empty::allowed ? ztb::detail::findLabel
-                                                             : ztb::detail::requireLabel;
+  const auto find =
+      label.empty() && empty == Empty::allowed ? ztb::detail::findLabel : ztb::detail::requireLabel;
   const int number = find(connection_->handle(), "ztbMergeUel", label.c_str());
   if (number != ztb::detail::newLabel) {
     return number;
