@@ -18,8 +18,10 @@
 
 #include <ztb/rxf.h>
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
+#include <limits>
 #include <optional>
 #include <span>
 #include <string>
@@ -205,13 +207,15 @@ class RxfRecords {
   }
 
   // The present block: its records, and of these the label numbers at a position and the values of
-  // a slot, from 0. Valid until next() or rewind().
+  // a slot, from 0; none of one that there is not. Valid until next() or rewind().
   [[nodiscard]] std::size_t size() const noexcept { return size_; }
   [[nodiscard]] std::span<const int> keys(int position) const {
-    return {ztbRxfKeys(handle_, position), size_};
+    const int* keys = ztbRxfKeys(handle_, position);
+    return {keys, keys == nullptr ? 0 : size_};
   }
   [[nodiscard]] std::span<const double> values(int slot) const {
-    return {ztbRxfValues(handle_, slot), size_};
+    const double* values = ztbRxfValues(handle_, slot);
+    return {values, values == nullptr ? 0 : size_};
   }
   [[nodiscard]] int dimension() const noexcept { return dimension_; }
   [[nodiscard]] int valueCount() const noexcept { return valueCount_; }
@@ -256,14 +260,17 @@ class RxfOutput {
   bool addSymbol(const ztbRxfSymbolInfo& info, const std::vector<std::string>& domains) {
     std::vector<const char*> names;
     for (const std::string& domain : domains) names.push_back(domain.c_str());
-    // A scalar has no names, but the address of its names is handed on all the same.
-    names.push_back(nullptr);
+    // The names that are missing, and one at least: a scalar's address is handed on all the same.
+    constexpr std::size_t most = ZTB_MAX_DIMENSION;
+    names.resize(std::max(names.size(), most), nullptr);
     return ztbRxfAddSymbol(handle_, &info, names.data()) != 0;
   }
-  // Columns of `count` records: an array for each position, and for each slot.
+  // Columns of `count` records, at most 2147483647: an array for each position, and for each slot.
   bool addRecords(std::size_t count, const std::vector<const int*>& keys,
                   const std::vector<const double*>& values) {
-    return ztbRxfAddRecords(handle_, static_cast<int>(count), keys.data(), values.data()) != 0;
+    constexpr std::size_t most = std::numeric_limits<int>::max();
+    const int records = count > most ? -1 : static_cast<int>(count);
+    return ztbRxfAddRecords(handle_, records, keys.data(), values.data()) != 0;
   }
   int addText(ZString text) { return ztbRxfAddText(handle_, text.c_str()); }
 

@@ -73,6 +73,17 @@ bool checkedDomain(ztbRxfOutput& output, const char* const* domains) {
   return false;
 }
 
+// REQUIRES: within the limit on positions; this comes from a symbol that was begun.
+void requireDomainNames(const char* const* domains, const ztbRxfSymbolInfo& info) {
+  for (int d = 0; d < info.dimension; ++d) {
+    if (domains == nullptr || domains[d] == nullptr) {
+      throw Failure(
+          ErrorNumber::callsOutOfOrder,
+          DetailText("%s without a name for the domain at position %d", info.name, d + 1));
+    }
+  }
+}
+
 bool addSymbol(ztbRxfOutput& output, const ztbRxfSymbolInfo& info, const char* const* domains) {
   finish(output);
   if (info.type == ZTB_ALIAS) {
@@ -89,8 +100,9 @@ bool addSymbol(ztbRxfOutput& output, const ztbRxfSymbolInfo& info, const char* c
   output.symbolOpen = true;
   output.dim = static_cast<std::size_t>(info.dimension);
   output.slots = static_cast<std::size_t>(rxffile::slotsOfType(info.type));
-  const bool named = info.domainKind != ZTB_RXF_DOMAIN_NONE && domains != nullptr;
-  if (named && (info.domainKind != ZTB_RXF_DOMAIN_CHECKED || !checkedDomain(output, domains))) {
+  if (info.domainKind == ZTB_RXF_DOMAIN_NONE) return true;
+  requireDomainNames(domains, info);
+  if (info.domainKind != ZTB_RXF_DOMAIN_CHECKED || !checkedDomain(output, domains)) {
     output.domainNames.assign(domains, domains + output.dim);
   }
   return true;
@@ -99,6 +111,10 @@ bool addSymbol(ztbRxfOutput& output, const ztbRxfSymbolInfo& info, const char* c
 bool addRecords(ztbRxfOutput& output, int count, const int* const* keys,
                 const double* const* values) {
   if (!output.symbolOpen) return output.object.write(nullptr, nullptr);
+  if (count < 0) {
+    throw Failure(ErrorNumber::limitExceeded,
+                  DetailText("a call adds 0 to 2147483647 records, saw %d", count));
+  }
   std::array<int, rxffile::kMaxDimension> key{};
   std::array<double, rxffile::kMaxSlots> value{};
   bool all = true;
@@ -154,8 +170,12 @@ RXF_EXPORT int ztbRxfAddLabel(ztbRxfOutput* output, const char* label) {
 
 RXF_EXPORT int ztbRxfAddSymbol(ztbRxfOutput* output, const ztbRxfSymbolInfo* info,
                                const char* const* domains) {
-  if (info == nullptr) return 0;
-  return guarded(output, [&](ztbRxfOutput& o) { return addSymbol(o, *info, domains); });
+  return guarded(output, [&](ztbRxfOutput& o) {
+    if (info == nullptr) {
+      throw Failure(ErrorNumber::callsOutOfOrder, DetailText("a symbol without a description"));
+    }
+    return addSymbol(o, *info, domains);
+  });
 }
 
 RXF_EXPORT int ztbRxfAddRecords(ztbRxfOutput* output, int count, const int* const* keys,

@@ -214,6 +214,24 @@ TEST_F(ModelUpdateValue, pendingRecordsOfADataSymbolDoNotCount) {
   EXPECT_EQ(1, noMatch_);
 }
 
+TEST_F(ModelUpdateValue, aDataSymbolThatCouldNotBeReadFailsTheUpdate) {
+  rxf_.file("data.rxf");
+  rxf_.addLabel("flour");
+  rxf_.addSymbol("values", 1, 1, 0, "");
+  renew();
+  ASSERT_EQ(1, lib().c__ztbinitfromrxf(db(), "data.rxf"));
+  ASSERT_EQ(1, lib().c__ztbregisterpbi(db(), model_.handle()));
+  rxf_.fail("rxfDataReadRawStart", 0, -1);
+  rxf_.raise("rxfDataReadRawStart", 0, 8);
+  void* const values = db().find("values");
+  const std::string text = "Symbol values could not be read from data.rxf: Scripted error 8";
+  void* record = nullptr;
+  EXPECT_FAILURE(db(), text, lib().c__ztbfindfirstrecord(db(), values, &record));
+  log();
+  EXPECT_FAILURE(db(), text, update(values, 4, values, 0));
+  EXPECT_EQ(Lines(), log()) << "nothing of the model changes";
+}
+
 TEST_F(ModelUpdateValue, aSymbolOfTooManyPositionsIsRefused) {
   void* const values = data("values", {{"flour", 1}});
   for (const double dim : {21.0, -1.0}) {

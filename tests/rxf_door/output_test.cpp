@@ -96,6 +96,41 @@ TEST_F(RxfOutputTest, PublishesNothingThatWasRefused) {
   EXPECT_EQ(folder_.names(), std::vector<std::string>{"a.rxf"});
 }
 
+// What makes no sense is refused like any other content, and no file without it is published.
+TEST_F(RxfOutputTest, PublishesNothingAfterACallThatMakesNoSense) {
+  const int key = 1;
+  const double value = 1;
+  const auto text = [&](auto fill) {
+    writeFile(path_, "old");
+    ztb::RxfOutput output(path_);
+    output.addLabel("a");
+    EXPECT_FALSE(fill(output));
+    const std::string told = publishingText(output);
+    EXPECT_EQ(readFile(path_), "old");
+    return told;
+  };
+  const std::string one = "1 RXF Error(s). First Error: ";
+  ztbRxfOutput* made = nullptr;
+  ASSERT_EQ(ztbRxfCreate(&made, path_.c_str(), "", nullptr, 0), 1);
+  EXPECT_EQ(ztbRxfAddSymbol(made, nullptr, nullptr), 0);
+  std::array<char, 256> message{};
+  EXPECT_EQ(ztbRxfPublish(&made, message.data(), 256), 0);
+  EXPECT_EQ(message.data(), one + "Call out of order: a symbol without a description");
+  for (const int kind : {ZTB_RXF_DOMAIN_NAMES, ZTB_RXF_DOMAIN_CHECKED}) {
+    EXPECT_EQ(text([&](ztb::RxfOutput& output) {
+                return output.addSymbol(info("p", kParameter, 3, kind), {"*"});
+              }),
+              one + "Call out of order: p without a name for the domain at position 2");
+  }
+  for (const std::size_t count : {static_cast<std::size_t>(-3), (std::size_t{1} << 32U) + 1}) {
+    EXPECT_EQ(text([&](ztb::RxfOutput& output) {
+                EXPECT_TRUE(output.addSymbol(info("p", kParameter, 1), {}));
+                return output.addRecords(count, {&key}, {&value});
+              }),
+              one + "Limit exceeded: a call adds 0 to 2147483647 records, saw -1");
+  }
+}
+
 TEST_F(RxfOutputTest, HoldsRecordsAgainstCheckedDomains) {
   writeFile(path_, "old");
   ztb::RxfOutput output(path_);

@@ -162,6 +162,37 @@ TEST_F(RxfRecordsTest, GivesTheRecordsOfAnAliasesSet) {
   EXPECT_EQ(readOn(records, nullptr), set.records);
 }
 
+TEST_F(RxfRecordsTest, GivesTheRecordsOfAnAliasOfASetOfTwoPositions) {
+  Content content;
+  content.labels = {"a", "b"};
+  content.texts = {"one"};
+  Symbol set{"s", kSet, 2, 0, "", {record({1, 2}, {1}), record({2, 1}, {0})}, 3, {"*", "*"}, ""};
+  content.symbols = {set, {"t", kAlias, 2, 1, "", {}, 0, {}, "s"}};
+  PeerFile peer;
+  ASSERT_EQ(peer.openWrite(path_), 0);
+  writeContent(peer, content);
+  ASSERT_EQ(peer.close(), 0);
+  const ztb::RxfFile file(path_);
+  const ztb::RxfSymbol alias = file.symbol("t");
+  EXPECT_EQ(alias.dimension, 2);
+  EXPECT_EQ(alias.recordCount, 2);
+  EXPECT_EQ(alias.aliasTarget, 1);
+  EXPECT_EQ(alias.domains, (std::vector<std::string_view>{"*", "*"}));
+  ztb::RxfRecords records(file, alias);
+  EXPECT_EQ(readOn(records, nullptr), set.records);
+}
+
+TEST_F(RxfRecordsTest, GivesNothingOfAColumnThatThereIsNot) {
+  writeSymbol(2, {"p", kParameter, 1, 0, "", {record({1}, {1}), record({2}, {2})}, 0, {}, ""});
+  const ztb::RxfFile file(path_);
+  ztb::RxfRecords records(file, file.symbol("p"));
+  ASSERT_TRUE(records.next());
+  EXPECT_EQ(records.keys(0).size(), 2U);
+  EXPECT_TRUE(records.keys(1).empty());
+  EXPECT_TRUE(records.keys(-1).empty());
+  EXPECT_TRUE(records.values(1).empty());
+}
+
 TEST_F(RxfRecordsTest, RewindsFromAnywhere) {
   Symbol symbol{"p", kParameter, 1, 0, "", {}, 0, {}, ""};
   for (int i = 1; i <= static_cast<int>(kBlock) + 5; ++i) {
