@@ -4,6 +4,9 @@
 #include <xxhash.h>
 
 #include <cstdint>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
 
 namespace rxftest {
 
@@ -39,6 +42,23 @@ void reseal(std::string& bytes) {
     putChecksum(bytes, at + kHeadChecksumAt, at, kHeadChecksumAt);
     at += kHead + length;
   }
+}
+
+void forgeFile(const std::string& path, const std::string& from, const std::string& to) {
+  std::ifstream in(path, std::ios::binary);
+  std::string bytes{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+  const std::size_t at = bytes.find(from);
+  if (at == std::string::npos || bytes.find(from, at + 1) != std::string::npos) {
+    throw std::runtime_error("the bytes to be forged do not stand once in " + path);
+  }
+  reseal(bytes.replace(at, from.size(), to));
+  std::ofstream(path, std::ios::binary | std::ios::trunc) << bytes;
+}
+
+std::string ascendingTexts(char step) {
+  // No special values; decimal, exponent 0, order 1, width 0; what is added, the first.
+  const std::string zeros(7, '\0');
+  return std::string("\0\1\0\1\0", 5) + step + zeros + '\1' + zeros;
 }
 
 }  // namespace rxftest

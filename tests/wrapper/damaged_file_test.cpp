@@ -9,6 +9,7 @@
 #include <ztb/rxf.hpp>
 #include <ztb/ztb.hpp>
 
+#include "tests/rxf/reseal.h"
 #include "tests/support/temp_folder.h"
 
 namespace {
@@ -129,6 +130,49 @@ TEST_F(DamagedFileTest, AFileThatTakesItsNameWhileItIsOpenChangesNothing) {
   std::filesystem::rename(other_, path_);
   EXPECT_EQ(database.symbol("p").recordCount(), 90'000);
   EXPECT_EQ(database.symbol("p").find("l300", "l300")->level(), 299 * 299 + 0.5);
+}
+
+// What is forged behind right checksums.
+TEST(ForgedTexts, TwinsAreRefusedAndAMissingOneFailsItsSet) {
+  const ztbtest::TempFolder folder;
+  const std::string path = folder.file("a.rxf");
+  const auto make = [&] {
+    ztb::Database database;
+    ztb::Symbol s = database.addSet("s", {"*"});
+    s.add("a").setText("first");
+    s.add("b").setText("other");
+    database.write(path);
+  };
+  const auto failure = [&](auto use) -> std::string {
+    try {
+      use();
+    } catch (const ztb::Error& error) {
+      return error.what();
+    }
+    return "nothing was thrown";
+  };
+  for (const char* twin : {"first", "FIRST"}) {
+    make();
+    rxftest::forgeFile(path, "other", twin);
+    const std::string text =
+        "File is damaged: text table of " + path + ", chunk 1, entry 2: text stands twice";
+    EXPECT_EQ(failure([&] { static_cast<void>(ztb::Database::open(path)); }),
+              "Error opening RXF file: " + text);
+    EXPECT_EQ(failure([&] { const ztb::RxfFile file(path); }), text);
+  }
+  make();
+  rxftest::forgeFile(path, rxftest::ascendingTexts(1), rxftest::ascendingTexts(2));
+  const ztb::Database database = ztb::Database::open(path);
+  const std::string text = failure([&] { static_cast<void>(database.symbol("s").recordCount()); });
+  EXPECT_EQ(text.find("Symbol s could not be read from " + path +
+                      ": File is damaged: block 1 of 1 of symbol s: "),
+            0U)
+      << text;
+  EXPECT_EQ(failure([&] { static_cast<void>(database.symbol("s").find("a")); }), text);
+  const ztb::RxfFile file(path);
+  ztb::RxfRecords records(file, file.symbol("s"));
+  const std::string told = failure([&] { records.next(); });
+  EXPECT_EQ(told.find("File is damaged: block 1 of 1 of symbol s in " + path + ": "), 0U) << told;
 }
 
 }  // namespace
