@@ -49,6 +49,32 @@ def test_routes_are_written_and_read(world, routes, tmp_path):
         assert copy["types"].axes() == world["types"].axes()
 
 
+def test_damaged_routes_are_whole_or_an_error(world, routes, tmp_path):
+    path = tmp_path / "routes.rxf"
+    world.write(path)
+    data = path.read_bytes()
+    whole = {name: dict(world[name]) for name in world}
+    refused = 0
+    for at in range(0, len(data), len(data) // 40):
+        damaged = bytearray(data)
+        damaged[at] ^= 0x10
+        path.write_bytes(damaged)
+        try:
+            with ztb.open(path) as copy:
+                for name in copy:
+                    try:
+                        assert dict(copy[name]) == whole[name], (at, name)
+                    except ztb.Error as error:
+                        assert f"Symbol {name} could not be read from {path}: " in str(error)
+                        with pytest.raises(ztb.Error, match=f"Symbol {name} could not be read"):
+                            copy.write(tmp_path / "copy.rxf")
+                        refused += 1
+        except ztb.Error as error:
+            assert str(error).startswith("Error opening RXF file: "), (at, error)
+            refused += 1
+    assert refused >= 40 and not (tmp_path / "copy.rxf").exists()
+
+
 def test_routes_break_their_domains_where_an_airport_is_missing(world, routes, airports):
     def broken(known):
         frame = routes.index.to_frame(index=False)

@@ -3,9 +3,11 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <fstream>
 #include <numeric>
 #include <random>
 #include <set>
+#include <utility>
 
 #include "tests/support/temp_folder.h"
 #include "tests/transfer/arrays.h"
@@ -72,6 +74,51 @@ TEST_P(AirRoutesTest, areImportedWrittenAndReadBack) {
   const Database unread(file);
   EXPECT_SUCCESS(copy, lib().c__ztbinitfromdb(copy, unread));
   EXPECT_TRUE(routes().types == dataOf(copy, copy.find("types")));
+}
+
+TEST_P(AirRoutesTest, areWholeOrAnErrorWhereTheirFileIsDamaged) {
+  import(routes().airports);
+  const TempFolder folder;
+  const std::string file = folder.file("routes.rxf");
+  ASSERT_EQ(1, lib().c__ztbwriterxf(db, file.c_str(), 1)) << db.lastError();
+  const std::uintmax_t size = std::filesystem::file_size(file);
+  int refused = 0;
+  for (std::uintmax_t at = 0; at < size; at += size / 40) {
+    SCOPED_TRACE(at);
+    const auto turnByte = [&] {
+      std::fstream bytes(file, std::ios::binary | std::ios::in | std::ios::out);
+      bytes.seekg(static_cast<std::streamoff>(at));
+      const char byte = static_cast<char>(bytes.get() ^ 0x10);
+      bytes.seekp(static_cast<std::streamoff>(at)).put(byte);
+    };
+    turnByte();
+    Database opened;
+    if (lib().c__ztbinitfromrxf(opened, file.c_str()) == 0) {
+      EXPECT_EQ(0U, opened.lastError().find("Error opening RXF file: ")) << opened.lastError();
+      ++refused;
+    } else {
+      bool whole = true;
+      for (const auto& [name, symbol] :
+           {std::pair("airline", airline), std::pair("airport", airport),
+            std::pair("types", types)}) {
+        void* record = nullptr;
+        if (lib().c__ztbfindfirstrecord(opened, opened.find(name), &record) == 1) {
+          lib().c__ztbfreesymboliterator(opened, record);
+          EXPECT_TRUE(dataOf(db, symbol) == dataOf(opened, opened.find(name)));
+          continue;
+        }
+        const std::string text = opened.lastError();
+        EXPECT_EQ(0U, text.find(std::string("Symbol ") + name + " could not be read from "))
+            << text;
+        EXPECT_FAILURE(opened, text, lib().c__ztbwriterxf(opened, folder.file("b.rxf").c_str(), 1));
+        whole = false;
+      }
+      refused += whole ? 0 : 1;
+    }
+    turnByte();
+  }
+  EXPECT_LE(40, refused);
+  EXPECT_FALSE(std::filesystem::exists(folder.file("b.rxf")));
 }
 
 TEST_P(AirRoutesTest, breakTheirDomainsWhereAnAirportIsMissing) {
