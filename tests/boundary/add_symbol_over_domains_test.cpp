@@ -71,6 +71,24 @@ TEST_F(AddSymbolX, aNullDomainIsTheUniverseByItsTwoNamesAndAnyOtherNameStays) {
   EXPECT_EQ("", names[3].str());
 }
 
+TEST_F(AddSymbolX, aLongNameOfADomainComesBackCutToItsRoom) {
+  const std::string name(300, 'n');
+  const std::string shown(255, 'n');
+  EXPECT_SUCCESS(db, add("p", ZTB_PARAMETER, {nullptr, nullptr}, {name.c_str(), "short"}));
+  std::array<void*, 2> domains{untouched, untouched};
+  TextBuffers names;
+  ASSERT_EQ(1, lib().c__ztbgetdomain(db, symbol, 2, domains.data(), names));
+  EXPECT_EQ(shown, names[0].str());
+  EXPECT_EQ("short", names[1].str());
+  StringBlock block;
+  ASSERT_EQ(1, lib().d__ztbgetdomain(db, symbol, 2, domains.data(), block));
+  EXPECT_EQ(shown, block.shortString(0));
+  EXPECT_EQ("short", block.shortString(1));
+  ASSERT_EQ(1, lib().n__ztbgetdomain(db, symbol, 2, domains.data(), block));
+  EXPECT_EQ(shown, block.flatString(0));
+  EXPECT_EQ("short", block.flatString(1));
+}
+
 TEST_F(AddSymbolX, aNameOfASetThatExistsStaysANameOnly) {
   db.addSet("i");
   ASSERT_EQ(1, add("p", ZTB_PARAMETER, {nullptr}, {"i"}));

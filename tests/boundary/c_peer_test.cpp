@@ -24,7 +24,7 @@ class CPeer : public testing::Test {
 TEST_F(CPeer, aDatabaseBecomesTheMirrorOfItsFile) {
   open();
   EXPECT_EQ(3, database_.info(ZTB_INFO_UEL_COUNT));
-  EXPECT_EQ(3, database_.info(ZTB_INFO_SYMBOL_COUNT));
+  EXPECT_EQ(4, database_.info(ZTB_INFO_SYMBOL_COUNT));
   EXPECT_EQ(2, database_.findUel("Genoa"));
 
   void* port = database_.find("port");
@@ -62,6 +62,20 @@ TEST_F(CPeer, itsDomainsAreTheDatabasesSets) {
 TEST_F(CPeer, whatItRefusesIsToldInItsWords) {
   EXPECT_FAILURE(database_, "Error opening RXF file: there is no file but \"ports\"",
                  lib().c__ztbinitfromrxf(database_, "rivers"));
+}
+
+TEST_F(CPeer, aSymbolThatItCannotGiveWholeIsUnreadable) {
+  open();
+  void* const tide = database_.find("tide");
+  for (int times = 0; times < 2; ++times) {
+    void* record = nullptr;
+    EXPECT_FAILURE(database_, "Symbol tide could not be read from ports: its records do not add up",
+                   lib().c__ztbfindfirstrecord(database_, tide, &record));
+    EXPECT_EQ(nullptr, record);
+  }
+  EXPECT_EQ(3, database_.recordCount(database_.find("depth"))) << "the others can be read";
+  EXPECT_SUCCESS(database_, lib().c__ztbclearsymbol(database_, tide));
+  EXPECT_EQ(0, database_.recordCount(tide));
 }
 
 TEST_F(CPeer, anOperationThatItLacksEndsTheProcessWithItsReason) {

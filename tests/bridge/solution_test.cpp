@@ -303,6 +303,28 @@ TEST_F(Solution, ofASymbolThatTheModelLacksIsEmpty) {
   EXPECT_EQ((Lines{"dict nmtSymIndex \"elsewhere\""}), log());
 }
 
+TEST_F(Solution, ofANewSolveTakesThePlaceOfWhatAFileDidNotGive) {
+  rxf_.file("data.rxf");
+  for (const char* label : {"flour", "milk", "iron", "protein"}) rxf_.addLabel(label);
+  rxf_.addSymbol("buy", 1, 2, 3, "");
+  renew();
+  ASSERT_EQ(1, lib().c__ztbinitfromrxf(db(), "data.rxf"));
+  rxf_.fail("rxfDataReadRawStart", 0, -1);
+  rxf_.raise("rxfDataReadRawStart", 0, 8);
+  void* record = nullptr;
+  const auto findFirst = [&] {
+    return lib().c__ztbfindfirstrecord(db(), db().find("buy"), &record);
+  };
+  const std::string text = "Symbol buy could not be read from data.rxf: Scripted error 8";
+  EXPECT_FAILURE(db(), text, findFirst());
+  ASSERT_EQ(1, lib().c__ztbcloserxf(db(), 0));
+  ASSERT_EQ(1, lib().c__ztbregisterpbi(db(), model_.handle()));
+  ASSERT_EQ(1, lib().c__ztbinitupdate(db(), nullptr));
+  EXPECT_FAILURE(db(), text, findFirst());
+  ASSERT_EQ(1, solve("dual")) << db().lastError();
+  EXPECT_EQ((Lines{"flour : 0 1 0 inf 1", "milk : 1 1 1 100 4"}), records("buy"));
+}
+
 TEST_F(Solution, ofTooManyPositionsIsRefusedAndNotTriedAgain) {
   model_.answer("nmtSymDim", 0, 21);
   void* record = nullptr;
