@@ -1,4 +1,4 @@
-#include "tools/csv_reader.h"
+#include "tools/tables/csv_reader.h"
 
 #include <gtest/gtest.h>
 
@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "tests/support/temp_folder.h"
-#include "tools/failure.h"
+#include "tools/text/failure.h"
 
 namespace {
 

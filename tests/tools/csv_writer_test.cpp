@@ -1,4 +1,4 @@
-#include "tools/csv_writer.h"
+#include "tools/tables/csv_writer.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -13,8 +13,8 @@
 #include <vector>
 
 #include "tests/support/temp_folder.h"
-#include "tools/csv_reader.h"
-#include "tools/failure.h"
+#include "tools/tables/csv_reader.h"
+#include "tools/text/failure.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // Elements of symbols as a user types them.
-#include "tools/element_text.h"
+#include "tools/models/element_text.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "tools/failure.h"
+#include "tools/text/failure.h"
 
 #include <gtest/gtest.h>
 

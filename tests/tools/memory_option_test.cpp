@@ -1,4 +1,4 @@
-#include "tools/memory_option.h"
+#include "tools/commands/memory_option.h"
 
 #include <gtest/gtest.h>
 

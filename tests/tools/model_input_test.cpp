@@ -1,5 +1,5 @@
 // What the data of a file leave in a model before it is solved, as a solver finds it there.
-#include "tools/model_input.h"
+#include "tools/models/model_input.h"
 
 #include <gtest/gtest.h>
 
@@ -10,8 +10,8 @@
 #include <string>
 
 #include "tests/support/temp_folder.h"
-#include "tools/failure.h"
-#include "tools/model_session.h"
+#include "tools/models/model_session.h"
+#include "tools/text/failure.h"
 
 // Operations of the model library that its header leaves to the core.
 extern "C" {

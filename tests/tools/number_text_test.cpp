@@ -1,4 +1,4 @@
-#include "tools/number_text.h"
+#include "tools/text/number_text.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "tools/record_table.h"
+#include "tools/tables/record_table.h"
 
 #include <gtest/gtest.h>
 

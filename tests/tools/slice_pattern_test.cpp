@@ -1,10 +1,10 @@
-#include "tools/slice_pattern.h"
+#include "tools/files/slice_pattern.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 
-#include "tools/failure.h"
+#include "tools/text/failure.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "tools/symbol_columns.h"
+#include "tools/tables/symbol_columns.h"
 
 #include <gtest/gtest.h>
 

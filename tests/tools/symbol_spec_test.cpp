@@ -1,10 +1,10 @@
-#include "tools/symbol_spec.h"
+#include "tools/tables/symbol_spec.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 
-#include "tools/failure.h"
+#include "tools/text/failure.h"
 
 namespace {
 

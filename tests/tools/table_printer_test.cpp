@@ -1,4 +1,4 @@
-#include "tools/table_printer.h"
+#include "tools/text/table_printer.h"
 
 #include <gtest/gtest.h>
 

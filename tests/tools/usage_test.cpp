@@ -36,8 +36,26 @@ TEST_F(UsageTest, WrongUsageEndsWithTwo) {
   expectFails(2, "ztb: --csv is required; see ztb export --help\n", {"export", "a.rxf", "--all"});
   expectFails(2, "ztb: --head: '-1' is no whole number of at least 0; see ztb show --help\n",
               {"show", "a.rxf", "s", "--head=-1"});
-  EXPECT_EQ(ztb({"show", "a.rxf", "s", "--bogus"}).status, 2);
+  expectFails(2, "ztb: no option --bogus; see ztb show --help\n",
+              {"show", "a.rxf", "s", "--bogus"});
+  expectFails(2, "ztb: --tolerance: 'x' is no number; see ztb diff --help\n",
+              {"diff", "a.rxf", "b.rxf", "--tolerance", "x"});
+  expectFails(
+      2,
+      "ztb: --jobs: '99999999999' is too large, at most 2147483647 is expected; see ztb "
+      "sweep --help\n",
+      {"sweep", "m.lp", "--scenarios", "s", "--over", "s", "--out", "o", "--jobs", "99999999999"});
   EXPECT_EQ(ztb({"show", "a.rxf", "s", "--csv", "--json"}).status, 2);
+}
+
+// What a misspelt option leaves over would otherwise be told as too many or too few files.
+TEST_F(UsageTest, AMisspeltNameIsNamed) {
+  expectFails(2, "ztb: no option --haed, is --head meant?; see ztb show --help\n",
+              {"show", "--haed", "3", "a.rxf"});
+  expectFails(2, "ztb: no option --jsn, is --json meant?; see ztb info --help\n",
+              {"info", "--jsn=1", "a.rxf", "b.rxf"});
+  expectFails(2, "ztb: no command 'shwo', is show meant?; ztb --help lists the commands\n",
+              {"shwo", "a.rxf"});
 }
 
 TEST_F(UsageTest, ImportSaysWhatIsMissing) {

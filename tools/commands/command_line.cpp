@@ -1,0 +1,230 @@
+#include "tools/commands/command_line.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cctype>
+#include <charconv>
+#include <limits>
+#include <numeric>
+#include <utility>
+
+#include "tools/text/failure.h"
+
+namespace tool {
+
+namespace {
+
+template <class Number>
+std::string wholeNumberFault(const std::string& text) {
+  const bool digits = !text.empty() && std::ranges::all_of(text, [](unsigned char c) {
+    return std::isdigit(c) != 0;
+  });
+  if (!digits) return "'" + text + "' is no whole number of at least 0";
+  Number number = 0;
+  if (std::from_chars(text.data(), text.data() + text.size(), number).ec != std::errc()) {
+    return "'" + text + "' is too large, at most " +
+           std::to_string(std::numeric_limits<Number>::max()) + " is expected";
+  }
+  return "";
+}
+
+std::string realFault(const std::string& text) {
+  double number = 0;
+  const char* const end = text.data() + text.size();
+  const auto [stop, error] = std::from_chars(text.data(), end, number);
+  return error == std::errc() && stop == end && !text.empty() ? "" : "'" + text + "' is no number";
+}
+
+template <class Number>
+Number numberOf(const std::string& text) {
+  Number number = 0;
+  std::from_chars(text.data(), text.data() + text.size(), number);
+  return number;
+}
+
+// How many letters must be put in, left out or exchanged to make one word of the other.
+std::size_t distance(const std::string& left, const std::string& right) {
+  std::vector<std::size_t> row(right.size() + 1);
+  std::iota(row.begin(), row.end(), std::size_t{0});
+  for (std::size_t i = 0; i < left.size(); ++i) {
+    std::size_t diagonal = row[0];
+    row[0] = i + 1;
+    for (std::size_t j = 0; j < right.size(); ++j) {
+      const std::size_t exchanged = diagonal + (left[i] == right[j] ? 0 : 1);
+      diagonal = row[j + 1];
+      row[j + 1] = std::min({exchanged, row[j] + 1, row[j + 1] + 1});
+    }
+  }
+  return row.back();
+}
+
+// The one of the names that a misspelt word most likely means, in words; nothing when none is near.
+std::string suggestion(const std::string& word, const std::vector<std::string>& names) {
+  const auto nearest = std::ranges::min_element(
+      names, {}, [&](const std::string& name) { return distance(word, name); });
+  if (nearest == names.end() || distance(word, *nearest) > 2) return "";
+  return ", is " + *nearest + " meant?";
+}
+
+std::vector<std::string> optionNames(const CLI::App& command) {
+  std::vector<std::string> names;
+  for (const CLI::Option* option : command.get_options()) {
+    if (!option->get_lnames().empty()) names.push_back("--" + option->get_lnames().front());
+  }
+  return names;
+}
+
+std::vector<std::string> commandNames(const CLI::App& app) {
+  std::vector<std::string> names;
+  for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; })) {
+    names.push_back(command->get_name());
+  }
+  return names;
+}
+
+// What is wrong with the command line, and where to find help. A misspelt name comes first: it is
+// why others seem to be missing or too many.
+std::string usageText(const CLI::App& app, const CLI::ParseError& error) {
+  const std::vector<CLI::App*> commands = app.get_subcommands();
+  const CLI::App& command = commands.empty() ? app : *commands.front();
+  const std::string help = commands.empty() ? "--help" : command.get_name() + " --help";
+  for (const std::string& word : command.remaining()) {
+    if (word.size() > 1 && word.front() == '-') {
+      const std::string name = word.substr(0, word.find('='));
+      return "no option " + name + suggestion(name, optionNames(command)) + "; see ztb " + help;
+    }
+    if (commands.empty()) {
+      return "no command '" + word + "'" + suggestion(word, commandNames(app)) +
+             "; ztb --help lists the commands";
+    }
+  }
+  return std::string(error.what()) + "; see ztb " + help;
+}
+
+}  // namespace
+
+Option& Option::required() {
+  option_->required();
+  return *this;
+}
+
+Option& Option::typeName(const std::string& name) {
+  option_->type_name(name);
+  return *this;
+}
+
+Option& Option::defaultText(const std::string& text) {
+  option_->default_str(text);
+  return *this;
+}
+
+Option& Option::excludes(const Option& other) {
+  option_->excludes(other.option_);
+  return *this;
+}
+
+Option Command::text(const std::string& name, std::string& into, const std::string& help) {
+  return Option(command_->add_option(name, into, help));
+}
+
+Option Command::text(const std::string& name, std::optional<std::string>& into,
+                     const std::string& help) {
+  return Option(command_->add_option(name, into, help));
+}
+
+Option Command::texts(const std::string& name, std::vector<std::string>& into,
+                      const std::string& help) {
+  CLI::Option* option = command_->add_option(name, into, help);
+  if (name.front() == '-') option->allow_extra_args(false);
+  return Option(option);
+}
+
+Option Command::words(const std::string& name, std::vector<std::string>& into, std::size_t least,
+                      const std::string& help) {
+  return Option(command_->add_option(name, into, help)->expected(static_cast<int>(least), -1));
+}
+
+Option Command::flag(const std::string& name, bool& into, const std::string& help) {
+  return Option(command_->add_flag(name, into, help));
+}
+
+Option Command::number(const std::string& name, std::size_t& into, const std::string& help) {
+  return checked(
+             name, wholeNumberFault<std::size_t>,
+             [&into](const std::string& text) { into = numberOf<std::size_t>(text); }, help)
+      .typeName("N");
+}
+
+Option Command::number(const std::string& name, int& into, const std::string& help) {
+  return checked(
+             name, wholeNumberFault<int>,
+             [&into](const std::string& text) { into = numberOf<int>(text); }, help)
+      .typeName("N");
+}
+
+Option Command::number(const std::string& name, std::optional<int>& into, const std::string& help) {
+  return checked(
+             name, wholeNumberFault<int>,
+             [&into](const std::string& text) { into = numberOf<int>(text); }, help)
+      .typeName("N");
+}
+
+Option Command::real(const std::string& name, std::optional<double>& into,
+                     const std::string& help) {
+  return checked(
+             name, realFault, [&into](const std::string& text) { into = numberOf<double>(text); },
+             help)
+      .typeName("X");
+}
+
+Option Command::each(const std::string& name, std::function<void(const std::string&)> take,
+                     const std::string& help) {
+  return Option(
+      command_->add_option_function<std::string>(name, std::move(take), help)->trigger_on_parse());
+}
+
+Option Command::checked(const std::string& name,
+                        std::function<std::string(const std::string&)> fault,
+                        std::function<void(const std::string&)> take, const std::string& help) {
+  CLI::Option* option = command_->add_option_function<std::string>(name, std::move(take), help);
+  option->check(CLI::Validator(
+      [fault = std::move(fault)](const std::string& text) { return fault(text); }, ""));
+  return Option(option);
+}
+
+void Command::footer(const std::string& text) {
+  command_->footer(text);
+}
+
+void Command::action(std::function<int()> run) {
+  command_->callback([run = std::move(run), chosen = chosen_] { *chosen = run; });
+}
+
+CommandLine::CommandLine(const std::string& name, const std::string& version,
+                         const std::string& description, const std::string& footer)
+    : app_(std::make_unique<CLI::App>(description)) {
+  app_->name(name);
+  app_->set_version_flag("--version", version);
+  app_->require_subcommand(1);
+  app_->footer(footer);
+}
+
+CommandLine::~CommandLine() = default;
+
+Command CommandLine::add(const std::string& name, const std::string& help) {
+  return {app_->add_subcommand(name, help), chosen_};
+}
+
+int CommandLine::run(int argc, char** argv) {
+  try {
+    app_->parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    if (error.get_exit_code() == 0) {
+      return app_->exit(error);
+    }
+    throw UsageError(usageText(*app_, error));
+  }
+  return chosen_();
+}
+
+}  // namespace tool

@@ -1,0 +1,78 @@
+// The ztb command. Exit codes: 0 fine, 1 failed (diff: the files differ), 2 wrong usage.
+
+#include <csignal>
+#include <cstdio>
+#include <exception>
+#include <string>
+#include <ztb/display_text.hpp>
+
+#include "tools/commands/command_line.h"
+#include "tools/commands/commands.h"
+#include "tools/text/failure.h"
+#include "tools/text/output.h"
+#include "tools/text/words.h"
+
+namespace {
+
+int run(int argc, char** argv) {
+  tool::CommandLine line(
+      "ztb", "ztb " ZTB_VERSION,
+      "Looks at, makes, copies and compares RXF files: sets, parameters, variables and equations\n"
+      "over one universe of labels.",
+      "ztb COMMAND --help tells more about a command, with examples.\n"
+      "Exit codes: 0 fine, 1 failed (or diff found differences), 2 wrong usage.");
+  tool::addInfoCommand(line);
+  tool::addShowCommand(line);
+  tool::addImportCommand(line);
+  tool::addExportCommand(line);
+  tool::addDiffCommand(line);
+  tool::addCheckCommand(line);
+  tool::addCopyCommand(line);
+  tool::addPivotCommand(line);
+  tool::addSolveCommand(line);
+  tool::addSweepCommand(line);
+  const int status = line.run(argc, argv);
+  tool::flushOutput();
+  return status;
+}
+
+// A message may quote an argument; one that would fill the screen is told by its beginning and its
+// length.
+std::string withShortArguments(std::string text, int argc, char** argv) {
+  for (int i = 1; i < argc; ++i) {
+    const std::string argument = ztb::displayText(argv[i]);
+    constexpr std::size_t longest = 1024;
+    if (argument.size() <= longest) continue;
+    const std::string shorter = tool::shortened(argv[i]);
+    for (std::size_t at = 0; (at = text.find(argument, at)) != std::string::npos;) {
+      text.replace(at, argument.size(), shorter);
+      at += shorter.size();
+    }
+  }
+  return text;
+}
+
+int fail(const std::string& text, int status) {
+  std::fflush(stdout);
+  tool::printError("ztb: " + text);
+  return status;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+#ifdef SIGXFSZ
+  // A limit on the size of files is then an error of the write.
+  std::signal(SIGXFSZ, SIG_IGN);
+#endif
+  const auto textOf = [&](const std::exception& error) {
+    return withShortArguments(ztb::displayText(error.what()), argc, argv);
+  };
+  try {
+    return run(argc, argv);
+  } catch (const tool::UsageError& error) {
+    return fail(textOf(error), tool::exitUsage);
+  } catch (const std::exception& error) {
+    return fail(textOf(error), tool::exitFailed);
+  }
+}

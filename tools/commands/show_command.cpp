@@ -1,0 +1,308 @@
+#include <fmt/format.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <functional>
+#include <limits>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tools/commands/command_line.h"
+#include "tools/commands/commands.h"
+#include "tools/commands/memory_option.h"
+#include "tools/commands/store_option.h"
+#include "tools/files/exchange_file.h"
+#include "tools/files/record_walk.h"
+#include "tools/files/slice_filter.h"
+#include "tools/tables/csv_writer.h"
+#include "tools/tables/symbol_columns.h"
+#include "tools/text/failure.h"
+#include "tools/text/json_text.h"
+#include "tools/text/number_text.h"
+#include "tools/text/output.h"
+#include "tools/text/progress.h"
+#include "tools/text/table_printer.h"
+#include "tools/text/words.h"
+
+namespace tool {
+
+namespace {
+
+struct ShowOptions {
+  std::string file;
+  std::string symbol;
+  std::optional<std::string> slice;
+  std::optional<std::string> fields;
+  std::size_t head = std::numeric_limits<std::size_t>::max();
+  ztb::Store store = ztb::Store::map;
+  bool csv = false;
+  bool json = false;
+};
+
+// The records of one symbol as cells: labels first, then text or values.
+class ShownRecords {
+ public:
+  explicit ShownRecords(const ShowOptions& options)
+      : file_(options.file),
+        symbol_(file_.resolved(file_.symbol(options.symbol))),
+        store_(options.store),
+        head_(options.head),
+        keyColumns_(tool::keyColumns(symbol_.name, symbol_.type, domainNames(symbol_))),
+        walk_(file_, symbol_) {
+    chooseContent(options.fields);
+    if (options.slice) {
+      filter_ = SliceFilter(*options.slice, file_, symbol_);
+    }
+  }
+
+  [[nodiscard]] const ExchangeFile& file() const { return file_; }
+  [[nodiscard]] const FileSymbol& symbol() const { return symbol_; }
+  [[nodiscard]] const std::vector<std::string>& keyColumns() const { return keyColumns_; }
+  [[nodiscard]] const std::vector<std::string>& contentColumns() const { return contentColumns_; }
+  [[nodiscard]] bool hasTexts() const {
+    return symbol_.type == ztb::Type::set && !symbol_.isUniverse();
+  }
+  [[nodiscard]] ztb::Store store() const { return store_; }
+  // Places of contentColumns() among the values of a record.
+  [[nodiscard]] const std::vector<std::size_t>& fields() const { return fields_; }
+
+  // Reads the first block, so that its damage is told before anything is printed.
+  void requireFirstBlock() {
+    walk_.next();
+    walk_.rewind();
+  }
+
+  // Visits the records that are to be shown, from the first on; gives how many there were, and
+  // whether others follow.
+  struct Walked {
+    std::size_t records = 0;
+    bool more = false;
+  };
+  Walked walk(const std::function<void(const RecordWalk&)>& visit) {
+    Walked walked;
+    walk_.rewind();
+    while (walk_.next()) {
+      if (!filter_.matches(walk_.keys())) {
+        continue;
+      }
+      if (walked.records == head_) {
+        walked.more = true;
+        break;
+      }
+      ++walked.records;
+      visit(walk_);
+    }
+    return walked;
+  }
+
+ private:
+  void chooseContent(const std::optional<std::string>& chosen) {
+    if (!chosen) {
+      contentColumns_ =
+          symbol_.isUniverse() ? std::vector<std::string>{} : tool::contentColumns(symbol_.type);
+      for (std::size_t field = 0; field < contentColumns_.size(); ++field) {
+        fields_.push_back(field);
+      }
+      return;
+    }
+    if (symbol_.valueCount != static_cast<int>(ztb::fieldCount)) {
+      throw UsageError(
+          fmt::format("--field {}: {} is a {}; only variables and equations have fields", *chosen,
+                      signature(symbol_), typeWord(symbol_.type)));
+    }
+    for (const std::string& word : splitAtCommas(*chosen)) {
+      const auto* found = std::ranges::find_if(
+          fieldWords, [&](std::string_view field) { return sameFolded(field, word); });
+      if (found == fieldWords.end()) {
+        throw UsageError(fmt::format(
+            "--field {}: '{}' is no field, expected level, marginal, lower, upper or scale",
+            *chosen, word));
+      }
+      contentColumns_.emplace_back(*found);
+      fields_.push_back(static_cast<std::size_t>(found - fieldWords.begin()));
+    }
+  }
+
+  ExchangeFile file_;
+  const FileSymbol& symbol_;
+  ztb::Store store_;
+  std::size_t head_;
+  std::vector<std::string> keyColumns_;
+  std::vector<std::string> contentColumns_;
+  std::vector<std::size_t> fields_;
+  SliceFilter filter_;
+  RecordWalk walk_;
+};
+
+void printCsv(ShownRecords& shown) {
+  CsvWriter csv(stdout, "standard output");
+  for (const std::string& column : shown.keyColumns()) {
+    csv.field(column);
+  }
+  for (const std::string& column : shown.contentColumns()) {
+    csv.field(column);
+  }
+  csv.endRecord();
+  shown.walk([&](const RecordWalk& record) {
+    for (const int key : record.keys()) {
+      csv.label(shown.file().label(key));
+    }
+    if (shown.hasTexts()) {
+      csv.field(record.text());
+    } else {
+      for (const std::size_t field : shown.fields()) {
+        csv.field(NumberText(record.values()[field]).view());
+      }
+    }
+    csv.endRecord();
+  });
+  csv.close();
+}
+
+void printJson(ShownRecords& shown) {
+  std::string head = jsonText(jsonSymbol(shown.file(), shown.symbol(), shown.store()));
+  head.back() = ',';
+  print(head + "\"records\":[");
+  const char* separator = "\n";
+  shown.walk([&](const RecordWalk& record) {
+    Json json;
+    json["keys"] = Json::array();
+    for (const int key : record.keys()) {
+      json["keys"].push_back(shown.file().label(key));
+    }
+    if (shown.hasTexts()) {
+      json["text"] = record.text();
+    } else {
+      for (std::size_t index = 0; index < shown.fields().size(); ++index) {
+        json[shown.contentColumns()[index]] = jsonNumber(record.values()[shown.fields()[index]]);
+      }
+    }
+    print(separator + jsonText(json));
+    separator = ",\n";
+  });
+  print("\n]}\n");
+}
+
+// Ends the progress line, unless the output goes to a file: elsewhere it may come to the same
+// terminal.
+void beginOutput(std::optional<Progress>& progress) {
+  struct stat status {};
+  if (fstat(STDOUT_FILENO, &status) == 0 && S_ISREG(status.st_mode)) {
+    progress->step("writing");
+  } else {
+    progress.reset();
+  }
+}
+
+// Calls use with the cells of each record; the texts of a set are left out without withTexts.
+ShownRecords::Walked walkCells(ShownRecords& shown, bool withTexts,
+                               const std::function<void(std::span<const std::string_view>)>& use) {
+  std::vector<std::string_view> cells;
+  std::vector<NumberText> numbers;
+  numbers.reserve(shown.fields().size());
+  return shown.walk([&](const RecordWalk& record) {
+    cells.clear();
+    for (const int key : record.keys()) {
+      cells.push_back(shown.file().label(key));
+    }
+    numbers.clear();
+    if (!shown.hasTexts()) {
+      for (const std::size_t field : shown.fields()) {
+        cells.push_back(numbers.emplace_back(record.values()[field]).view());
+      }
+    } else if (withTexts) {
+      cells.push_back(record.text());
+    }
+    use(cells);
+  });
+}
+
+void printTable(ShownRecords& shown, std::optional<Progress>& progress) {
+  using Align = TablePrinter::Align;
+  TablePrinter table;
+  for (const std::string& column : shown.keyColumns()) {
+    table.addColumn(column, Align::left);
+  }
+  for (const std::string& column : shown.contentColumns()) {
+    if (!shown.hasTexts()) {
+      table.addColumn(column, Align::right);
+    } else {
+      table.addColumn(column, Align::left);
+    }
+  }
+  bool withTexts = false;
+  walkCells(shown, true, [&](std::span<const std::string_view> cells) {
+    table.measure(cells);
+    withTexts = withTexts || (shown.hasTexts() && !cells.back().empty());
+  });
+  if (shown.hasTexts() && !withTexts) {
+    table.dropLastColumn();
+  }
+  beginOutput(progress);
+
+  const std::string& text = shown.symbol().text;
+  print(fmt::format("{} {}{}{}\n\n", typeWord(shown.symbol().type), signature(shown.symbol()),
+                    text.empty() ? "" : ": ", printable(text)));
+  table.printHeader(stdout);
+  const ShownRecords::Walked walked =
+      walkCells(shown, withTexts,
+                [&](std::span<const std::string_view> cells) { table.printRow(stdout, cells); });
+  print(fmt::format("\n{}{}\n", counted(walked.records, "record"),
+                    walked.more ? " shown, others follow" : ""));
+}
+
+void runShow(const ShowOptions& options) {
+  std::optional<Progress> progress(std::in_place);
+  progress->step("reading " + options.file);
+  ShownRecords shown(options);
+  if (!options.csv && !options.json) {
+    printTable(shown, progress);
+    return;
+  }
+  shown.requireFirstBlock();
+  beginOutput(progress);
+  if (options.csv) {
+    printCsv(shown);
+  } else {
+    printJson(shown);
+  }
+}
+
+}  // namespace
+
+void addShowCommand(CommandLine& line) {
+  Command command = line.add("show", "Show the records of a symbol");
+  auto options = std::make_shared<ShowOptions>();
+  command.text("FILE", options->file, "RXF file").required();
+  command.text("SYMBOL", options->symbol, "Name of a symbol, or \"*\" for all labels").required();
+  command.text("--slice", options->slice, "A pattern for each position").typeName("PATTERNS");
+  command
+      .text("--field", options->fields,
+            "Fields of a variable or equation: level, marginal, lower, upper, scale")
+      .typeName("FIELD,...");
+  command.number("--head", options->head, "Show the first N records only");
+  addStoreOption(command, options->store);
+  const Option csv = command.flag("--csv", options->csv, "Print CSV");
+  command.flag("--json", options->json, "Print JSON").excludes(csv);
+  addMemoryOption(command);
+  command.footer(
+      "A slice has a pattern for each position, with commas between: a label, * for any label, or\n"
+      "part of a label with * for the rest. The case of letters does not matter. A label with a\n"
+      "comma or star in it goes in double quotes.\n"
+      "Special values are the words undef, na, inf, -inf, eps.\n\n"
+      "Examples:\n"
+      "  ztb show diet.rxf price\n"
+      "  ztb show diet.rxf nutrition --slice 'wheat*,*' --head 20\n"
+      "  ztb show diet.rxf nutrition --slice '\"Ham, smoked\",iron_mg'\n"
+      "  ztb show plan.rxf buy --field level,marginal --csv\n"
+      "  ztb show diet.rxf '*'");
+  command.action([options] {
+    runShow(*options);
+    return exitFine;
+  });
+}
+
+}  // namespace tool

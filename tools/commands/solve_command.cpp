@@ -1,0 +1,171 @@
+#include <fmt/format.h>
+
+#include <array>
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "tools/commands/command_line.h"
+#include "tools/commands/commands.h"
+#include "tools/commands/memory_option.h"
+#include "tools/models/model_input.h"
+#include "tools/models/model_session.h"
+#include "tools/text/failure.h"
+#include "tools/text/number_text.h"
+#include "tools/text/output.h"
+#include "tools/text/progress.h"
+#include "tools/text/table_printer.h"
+#include "tools/text/words.h"
+
+namespace tool {
+
+namespace {
+
+struct SolveOptions {
+  std::string model;
+  std::string modelData;
+  std::string data;
+  std::string solver;
+  std::string out;
+  std::vector<std::string> settings;
+  std::vector<std::string> shown;
+  std::vector<std::string> options;
+};
+
+void setOptions(ztb::Model& model, const std::vector<std::string>& options) {
+  for (const std::string& option : options) {
+    const std::size_t equals = option.find('=');
+    if (equals == std::string::npos) {
+      throw UsageError(
+          fmt::format("--option \"{}\" has no value; write it as \"TimeLimit=60\"", option));
+    }
+    try {
+      model.setOption(option.substr(0, equals), option.substr(equals + 1));
+    } catch (const ztb::Error& error) {
+      throw UsageError(fmt::format("--option \"{}\": {}", option, error.what()));
+    }
+  }
+}
+
+ztb::Symbol solvedSymbol(const ModelSession& session, const ztb::Database& database,
+                         const std::string& name) {
+  const auto symbol = database.findSymbol(name);
+  const bool isSolved =
+      symbol && (symbol->type() == ztb::Type::variable || symbol->type() == ztb::Type::equation);
+  if (isSolved) return *symbol;
+  throw Failure(
+      withFile(session.file(), fmt::format("the model has no variable or equation {}", name)));
+}
+
+// A row of cells for each record: labels, level, marginal, bounds.
+void showSymbol(const ztb::Symbol& symbol) {
+  const int dimension = symbol.dimension();
+  std::vector<std::vector<std::string>> rows;
+  for (ztb::Record& record : symbol.records()) {
+    std::vector<std::string> cells;
+    for (int position = 0; position < dimension; ++position) {
+      cells.push_back(printable(record.key(position).view()));
+    }
+    for (const double value : {record.level(), record.marginal(), record.lower(), record.upper()}) {
+      cells.emplace_back(NumberText(value).view());
+    }
+    rows.push_back(std::move(cells));
+  }
+
+  TablePrinter table;
+  for (int position = 1; position <= dimension; ++position) {
+    table.addColumn(position == 1 ? symbol.name().view() : std::string_view("*"),
+                    TablePrinter::Align::left);
+  }
+  for (const std::string_view field : {"level", "marginal", "lower", "upper"}) {
+    table.addColumn(field, TablePrinter::Align::right);
+  }
+  print(fmt::format("\n{}: {}\n", symbol.name().str(), counted(rows.size(), "record")));
+  const auto viewsOf = [](const std::vector<std::string>& cells) {
+    return std::vector<std::string_view>(cells.begin(), cells.end());
+  };
+  for (const auto& row : rows) table.measure(viewsOf(row));
+  table.printHeader(stdout);
+  for (const auto& row : rows) table.printRow(stdout, viewsOf(row));
+}
+
+void run(const SolveOptions& options) {
+  refuseReplacing({options.model, options.modelData, options.data}, options.out);
+  Progress progress;
+  progress.step("reading " + options.model);
+  ModelSession session(options.model, options.modelData);
+  session.reportNotes();
+  setOptions(session.model(), options.options);
+  for (const std::string& name : options.shown) {
+    (void)solvedSymbol(session, session.database(), name);
+  }
+  ModelInput input(session);
+  if (!options.data.empty()) input.applyFile(options.data);
+  for (const std::string& setting : options.settings) input.applySetting(setting);
+
+  const std::string solver = options.solver.empty() ? session.standardSolver() : options.solver;
+  progress.step("solving with " + solver);
+  double seconds = 0;
+  try {
+    seconds = session.tie().solve(solver);
+  } catch (const ztb::Error& error) {
+    throw Failure(withFile(options.model, error.what()));
+  }
+
+  ztb::Model& model = session.model();
+  if (model.hasSolution()) {
+    print(fmt::format("objective   {}\n", NumberText(model.objective()).view()));
+  }
+  print(fmt::format("status      {}, {}\n", ztbModelStatusText(model.status()),
+                    ztbModelSolveStatusText(model.solveStatus())));
+  print(fmt::format("solver      {}\ntime        {:.3f} s\niterations  {:.0f}\n", solver, seconds,
+                    model.iterations()));
+  if (!model.hasSolution()) {
+    throw Failure(withFile(options.model,
+                           fmt::format("no solution: {}", ztbModelStatusText(model.status()))));
+  }
+  for (const std::string& name : options.shown) {
+    showSymbol(solvedSymbol(session, session.database(), name));
+  }
+  if (!options.out.empty()) {
+    progress.step("writing " + options.out);
+    try {
+      session.database().write(options.out);
+    } catch (const ztb::Error& error) {
+      throw Failure(withFile(options.out, error.what()));
+    }
+  }
+}
+
+}  // namespace
+
+void addSolveCommand(CommandLine& line) {
+  auto options = std::make_shared<SolveOptions>();
+  Command command = line.add("solve", "Solve a model, with data from a file");
+  command.text("MODEL", options->model, "Model file: .lp, .mps, .mps.gz or .mod").required();
+  command.text("--model-data", options->modelData, "Data file of a .mod model");
+  command.text("--data", options->data,
+               "RXF file: parameters NAME drive the model's columns NAME_var; variables "
+               "give bounds and levels, equations levels");
+  command.texts("--set", options->settings, "Set one value, as in \"demand[oslo]=30\"");
+  command.text("--solver", options->solver,
+               "Solver of the catalogue; without it clp for linear models, cbc with "
+               "integers, ipopt with products of columns");
+  command.texts("--option", options->options, "Option of the solver, as in TimeLimit=60");
+  command.text("--out", options->out, "Write parameters and solution to this RXF file");
+  command.texts("--show", options->shown, "Print the solution of a variable or equation");
+  addMemoryOption(command);
+  command.footer(
+      "Examples:\n"
+      "  ztb solve diet.lp --show buy\n"
+      "  ztb solve transport.lp --data demand.rxf --set \"demand[oslo]=30\" --out solution.rxf\n"
+      "  ztb solve plan.mod --model-data plan.dat --solver glpk --option TimeLimit=60\n"
+      "Exit codes: 0 solved, 1 no solution or failed, 2 wrong usage.");
+  command.action([options] {
+    run(*options);
+    return exitFine;
+  });
+}
+
+}  // namespace tool

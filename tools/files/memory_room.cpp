@@ -1,0 +1,50 @@
+#include "tools/files/memory_room.h"
+
+#include <fmt/format.h>
+
+#include <array>
+
+#include "tools/text/failure.h"
+#include "tools/text/words.h"
+
+namespace tool {
+
+namespace {
+
+unsigned long long limitOfThread() {
+  const unsigned long long limit = ztbRxfMemoryLimit(0);
+  ztbRxfMemoryLimit(limit);
+  return limit;
+}
+
+// "64 kB", "2.1 GB".
+std::string sizeText(unsigned long long bytes) {
+  static constexpr std::array<const char*, 5> units{"bytes", "kB", "MB", "GB", "TB"};
+  auto size = static_cast<double>(bytes);
+  std::size_t unit = 0;
+  for (; size >= 1000 && unit + 1 < units.size(); ++unit) size /= 1000;
+  std::string number = fmt::format("{:.1f}", size);
+  if (number.ends_with(".0")) number.resize(number.size() - 2);
+  return number + ' ' + units.at(unit);
+}
+
+}  // namespace
+
+void MemoryRoom::take(const FileSymbol& symbol) {
+  const unsigned long long limit = limitOfThread();
+  if (limit == 0) return;
+  const unsigned long long needed =
+      ztbRxfMemory(file_.file().handle(), symbol.number, static_cast<int>(ztb::Store::map));
+  if (used_ > limit || needed > limit - used_) {
+    const std::string before =
+        used_ == 0 ? "" : fmt::format(", what was read before about {}", sizeText(used_));
+    throw Failure(withFile(
+        file_.path(),
+        fmt::format("symbol {}: {} need about {} in memory{}, the limit is {} (--max-memory)",
+                    symbol.name, counted(symbol.recordCount, "record"), sizeText(needed), before,
+                    sizeText(limit))));
+  }
+  used_ += needed;
+}
+
+}  // namespace tool

@@ -1,0 +1,43 @@
+// A file that is written beside its name and gets the name when it is whole.
+//
+// A link, pipe or device that stands under the name is refused, and one that is put there meanwhile
+// is replaced and never written to. A file that stands there is replaced and hands on its
+// permission bits.
+#ifndef ZTB_TOOLS_FILES_NEW_FILE_H_
+#define ZTB_TOOLS_FILES_NEW_FILE_H_
+
+#include <sys/types.h>
+
+#include <cstdio>
+#include <string>
+
+namespace tool {
+
+class NewFile {
+ public:
+  // Throws Failure if the file cannot be made.
+  explicit NewFile(std::string path);
+  NewFile(const NewFile&) = delete;
+  NewFile& operator=(const NewFile&) = delete;
+  // Removes what was not published.
+  ~NewFile();
+
+  [[nodiscard]] std::FILE* stream() { return stream_; }
+
+  // Gives the file its name. Throws Failure if not all could be written or the name is not to be
+  // had. Called once.
+  void publish();
+
+ private:
+  void lookAtOld();
+  [[noreturn]] void fail() const;
+
+  std::string path_;
+  std::string temporary_;
+  mode_t mode_ = 0;
+  std::FILE* stream_ = nullptr;
+};
+
+}  // namespace tool
+
+#endif  // ZTB_TOOLS_FILES_NEW_FILE_H_

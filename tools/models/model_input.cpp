@@ -1,0 +1,195 @@
+#include "tools/models/model_input.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <optional>
+#include <utility>
+
+#include "tools/files/memory_room.h"
+#include "tools/files/record_walk.h"
+#include "tools/models/element_text.h"
+#include "tools/text/failure.h"
+#include "tools/text/number_text.h"
+#include "tools/text/output.h"
+
+namespace tool {
+
+namespace {
+
+std::vector<ztb::DomainArgument> anyLabels(int dimension) {
+  return {static_cast<std::size_t>(dimension), ztb::DomainArgument("*")};
+}
+
+// Labels of the record at which a walk stands.
+std::vector<const char*> keysOf(const ExchangeFile& file, const RecordWalk& walk) {
+  std::vector<const char*> keys;
+  for (const int key : walk.keys()) keys.push_back(file.label(key).data());
+  return keys;
+}
+
+std::vector<const char*> pointersTo(const std::vector<std::string>& labels) {
+  std::vector<const char*> pointers;
+  for (const std::string& label : labels) pointers.push_back(label.c_str());
+  return pointers;
+}
+
+// A symbol of the model in messages, such as "buy(*)".
+std::string signature(const ztb::Symbol& symbol) {
+  if (symbol.dimension() == 0) return symbol.name().str();
+  std::vector<std::string> names;
+  for (const ztb::Domain& domain : symbol.domains()) names.push_back(domain.name.str());
+  return fmt::format("{}({})", symbol.name().view(), fmt::join(names, ", "));
+}
+
+// Places of the fields of a record.
+constexpr std::size_t levelField = 0;
+constexpr std::size_t marginalField = 1;
+constexpr std::size_t lowerField = 2;
+constexpr std::size_t upperField = 3;
+
+}  // namespace
+
+ModelInput::ModelInput(ModelSession& session) : session_(session) {
+  const ztb::Database& database = session.database();
+  for (int label = 1; label <= database.labelCount(); ++label) {
+    scratch_.mergeLabel(database.label(label).str());
+  }
+}
+
+void ModelInput::applyFile(const std::string& path) {
+  const ExchangeFile file(path);
+  MemoryRoom room(file);
+  std::vector<const FileSymbol*> parameters;
+  std::vector<std::pair<const FileSymbol*, ztb::Symbol>> variables;
+  std::vector<std::pair<const FileSymbol*, ztb::Symbol>> equations;
+  for (const FileSymbol& source : file.symbols()) {
+    if (source.isAlias() || source.type == ztb::Type::set) continue;
+    if (source.type == ztb::Type::parameter) {
+      if (session_.drives(source.name)) {
+        room.take(source);
+        parameters.push_back(&source);
+      } else {
+        printError(fmt::format("ztb: {}: the model has no columns {}_var for parameter {}", path,
+                               source.name, source.name));
+      }
+      continue;
+    }
+    const std::optional<ztb::Symbol> target = session_.database().findSymbol(source.name);
+    if (target && target->type() == source.type && target->dimension() == source.dimension) {
+      room.take(source);
+      (source.type == ztb::Type::variable ? variables : equations).emplace_back(&source, *target);
+    } else {
+      printError(fmt::format("ztb: {}: the model has no {} like it", path, signature(source)));
+    }
+  }
+  // The last update before a solve decides whether bounds that were set count; one of an equation
+  // decides that they do not.
+  for (const auto& [source, target] : equations) applySolution(file, *source, target);
+  for (const auto& [source, target] : variables) applySolution(file, *source, target);
+  for (const FileSymbol* source : parameters) applyParameter(file, *source);
+}
+
+void ModelInput::applyParameter(const ExchangeFile& file, const FileSymbol& source) {
+  try {
+    ztb::Symbol target = session_.parameter(source.name, source.dimension);
+    for (RecordWalk walk(file, source); walk.next();) {
+      std::vector<const char*> keys = keysOf(file, walk);
+      target.merge(ztb::Keys(keys)).setLevel(walk.values()[levelField]);
+    }
+    reportUnmatched(file, source, session_.applyParameter(target));
+  } catch (const std::exception& error) {
+    throw Failure(withFile(file.path(), fmt::format("{}: {}", signature(source), error.what())));
+  }
+}
+
+void ModelInput::applySolution(const ExchangeFile& file, const FileSymbol& source,
+                               const ztb::Symbol& target) {
+  try {
+    if (source.type == ztb::Type::variable) {
+      applyField(file, source, target, ztb::Action::lower, lowerField);
+      applyField(file, source, target, ztb::Action::upper, upperField);
+    }
+    applyField(file, source, target, ztb::Action::level, levelField);
+    applyField(file, source, target, ztb::Action::marginal, marginalField);
+  } catch (const std::exception& error) {
+    throw Failure(withFile(file.path(), fmt::format("{}: {}", signature(source), error.what())));
+  }
+}
+
+void ModelInput::applyField(const ExchangeFile& file, const FileSymbol& source,
+                            const ztb::Symbol& target, ztb::Action action, std::size_t field) {
+  const std::string name = fmt::format("values{}", scratch_.symbolCount());
+  ztb::Symbol values = scratch_.addSymbol(name, ztb::Type::parameter, anyLabels(source.dimension));
+  for (RecordWalk walk(file, source); walk.next();) {
+    std::vector<const char*> keys = keysOf(file, walk);
+    values.merge(ztb::Keys(keys)).setLevel(walk.values()[field]);
+  }
+  const int unmatched = session_.update(target, action, values, ztb::Missing::keep);
+  if (field == levelField) reportUnmatched(file, source, unmatched);
+}
+
+void ModelInput::reportUnmatched(const ExchangeFile& file, const FileSymbol& source,
+                                 int count) const {
+  if (count == 0) return;
+  printError(fmt::format("ztb: {}: {} of {} stand for nothing in the model", file.path(),
+                         count == 1 ? "1 record" : fmt::format("{} records", count),
+                         signature(source)));
+}
+
+void ModelInput::applySetting(const std::string& setting) {
+  const std::size_t equals = setting.rfind('=');
+  std::string problem;
+  double value = 0;
+  ElementText element;
+  if (equals == std::string::npos) {
+    problem = "an \"=\" and a number are missing";
+  } else {
+    element = parseElement(std::string_view(setting).substr(0, equals), problem);
+    if (problem.empty()) {
+      value = parseNumber(std::string_view(setting).substr(equals + 1), problem);
+    }
+  }
+  if (!problem.empty()) {
+    throw UsageError(
+        fmt::format("--set \"{}\": {}; write it as \"demand[oslo]=30\"", setting, problem));
+  }
+
+  const bool drives = session_.drives(element.symbol);
+  const auto symbol =
+      session_.database().findSymbol(drives ? element.symbol + "_var" : element.symbol);
+  if (!symbol || symbol->type() != ztb::Type::variable) {
+    throw Failure(withFile(session_.file(), fmt::format("--set \"{}\": the model has no columns {} "
+                                                        "or {}_var",
+                                                        setting, element.symbol, element.symbol)));
+  }
+  std::vector<const char*> keys = pointersTo(element.labels);
+  if (symbol->dimension() != static_cast<int>(keys.size()) || !symbol->find(ztb::Keys(keys))) {
+    throw Failure(
+        withFile(session_.file(), fmt::format("--set \"{}\": the model has no such element "
+                                              "of {}",
+                                              setting, signature(*symbol))));
+  }
+  try {
+    if (!drives) {
+      fixVariable(*symbol, keys, value);
+      return;
+    }
+    ztb::Symbol parameter = session_.parameter(element.symbol, symbol->dimension());
+    parameter.merge(ztb::Keys(keys)).setLevel(value);
+    session_.applyParameter(parameter);
+  } catch (const std::exception& error) {
+    throw Failure(fmt::format("--set \"{}\": {}", setting, error.what()));
+  }
+}
+
+void ModelInput::fixVariable(const ztb::Symbol& variable, const std::vector<const char*>& keys,
+                             double value) {
+  const std::string name = fmt::format("values{}", scratch_.symbolCount());
+  ztb::Symbol values =
+      scratch_.addSymbol(name, ztb::Type::parameter, anyLabels(variable.dimension()));
+  values.merge(ztb::Keys(keys)).setLevel(value);
+  session_.update(variable, ztb::Action::fix, values, ztb::Missing::keep);
+}
+
+}  // namespace tool

@@ -1,0 +1,110 @@
+#include "tools/models/model_session.h"
+
+#include <fmt/format.h>
+
+#include <filesystem>
+#include <optional>
+#include <system_error>
+
+#include "tools/text/failure.h"
+#include "tools/text/output.h"
+
+namespace tool {
+
+namespace {
+
+constexpr const char* kEnding = "_var";
+constexpr int kNotesShown = 5;
+
+ztb::Model openModel(const std::string& file, const std::string& dataFile) {
+  try {
+    return ztb::Model::open(file, dataFile);
+  } catch (const ztb::Error& error) {
+    throw Failure(withFile(file, error.what()));
+  }
+}
+
+}  // namespace
+
+ModelSession::ModelSession(const std::string& modelFile, const std::string& dataFile)
+    : file_(modelFile), model_(openModel(modelFile, dataFile)), tie_(database_, model_) {}
+
+std::string ModelSession::standardSolver() {
+  return solverOf(boundsCount_ ? model_.updatedKind() : model_.kind());
+}
+
+std::string ModelSession::standardSolverOfParameters() {
+  return solverOf(model_.updatedKind());
+}
+
+std::string ModelSession::solverOf(int kind) const {
+  switch (kind) {
+    case ztbKindLinear:
+      return "clp";
+    case ztbKindMixedInteger:
+      return "cbc";
+    case ztbKindQuadratic:
+      return "ipopt";
+    default:
+      throw Failure(
+          withFile(file_,
+                   "the model has integer columns and products of columns that can move; no solver "
+                   "of the catalogue that comes with ZTB takes both. Name one with --solver"));
+  }
+}
+
+bool ModelSession::drives(const std::string& name) const {
+  const std::optional<ztb::Symbol> columns = database_.findSymbol(name + kEnding);
+  return columns && columns->type() == ztb::Type::variable;
+}
+
+ztb::Symbol ModelSession::parameter(const std::string& name, int dimension) {
+  if (!drives(name)) {
+    throw Failure(withFile(file_, "the model has no columns " + name + kEnding));
+  }
+  const int columns = database_.symbol(name + kEnding).dimension();
+  if (columns != dimension) {
+    throw Failure(withFile(file_, "the columns " + name + kEnding + " have " +
+                                      std::to_string(columns) + " positions, parameter " + name +
+                                      " has " + std::to_string(dimension)));
+  }
+  if (const auto present = database_.findSymbol(name)) {
+    if (present->type() == ztb::Type::parameter) return *present;
+    throw Failure(withFile(file_, name + " is a variable or equation of the model, and " + name +
+                                      kEnding + " cannot be driven by a parameter of this name"));
+  }
+  const std::vector<ztb::DomainArgument> anyLabel(static_cast<std::size_t>(dimension), "*");
+  return database_.addSymbol(name, ztb::Type::parameter, anyLabel);
+}
+
+int ModelSession::update(const ztb::Symbol& modelSymbol, ztb::Action action,
+                         const ztb::Symbol& data, ztb::Missing missing) {
+  boundsCount_ = modelSymbol.type() != ztb::Type::equation;
+  return tie_.update(modelSymbol, action, data, missing);
+}
+
+int ModelSession::applyParameter(const ztb::Symbol& parameter) {
+  return update(parameter, ztb::Action::fix, parameter, ztb::Missing::base);
+}
+
+void ModelSession::reportNotes() const {
+  const int count = model_.noteCount();
+  for (int n = 0; n < count && n < kNotesShown; ++n) {
+    printError(fmt::format("ztb: {}: {}", file_, model_.note(n)));
+  }
+  if (count > kNotesShown) {
+    printError(fmt::format("ztb: {}: {} more names had to be changed", file_, count - kNotesShown));
+  }
+}
+
+void refuseReplacing(std::initializer_list<std::string> inputs, const std::string& out) {
+  for (const std::string& input : inputs) {
+    std::error_code error;
+    if (!input.empty() && std::filesystem::equivalent(input, out, error)) {
+      throw UsageError(
+          fmt::format("{}: would be replaced by the results; name another --out", out));
+    }
+  }
+}
+
+}  // namespace tool

@@ -1,0 +1,62 @@
+// A model tied to a database of its own: what `ztb solve` and `ztb sweep` work on.
+//
+// A parameter `price` drives the columns price_var of the model. Data files and the command line
+// name parameters, variables and equations of the model by their names in the database.
+#ifndef ZTB_TOOLS_MODELS_MODEL_SESSION_H_
+#define ZTB_TOOLS_MODELS_MODEL_SESSION_H_
+
+#include <initializer_list>
+#include <string>
+#include <ztb/model.hpp>
+
+namespace tool {
+
+class ModelSession {
+ public:
+  // Opens a model file; `dataFile` belongs to a .mod and may be empty. Throws Failure.
+  ModelSession(const std::string& modelFile, const std::string& dataFile);
+  ModelSession(const ModelSession&) = delete;
+  ModelSession& operator=(const ModelSession&) = delete;
+
+  [[nodiscard]] ztb::Model& model() { return model_; }
+  [[nodiscard]] ztb::Database& database() { return database_; }
+  [[nodiscard]] ztb::ModelTie& tie() { return tie_; }
+  [[nodiscard]] const std::string& file() const { return file_; }
+
+  // The solver for the kind that the next solve will find, or that a solve will find once
+  // parameters were applied. Throws Failure when there is none for it.
+  [[nodiscard]] std::string standardSolver();
+  [[nodiscard]] std::string standardSolverOfParameters();
+
+  // Updates the model; the same as tie().update.
+  int update(const ztb::Symbol& modelSymbol, ztb::Action action, const ztb::Symbol& data,
+             ztb::Missing missing);
+
+  // Whether the model has columns NAME_var.
+  [[nodiscard]] bool drives(const std::string& name) const;
+  // The parameter that drives NAME_var, made without records when it is first asked for. Throws
+  // Failure when the model has no such columns or they have another dimension.
+  ztb::Symbol parameter(const std::string& name, int dimension);
+  // Writes the parameter's records into the model; columns without a record go back to their first
+  // value. Gives the records that met no column.
+  int applyParameter(const ztb::Symbol& parameter);
+
+  // Names that had to be changed when the model was read, on standard error: a few and their count.
+  void reportNotes() const;
+
+ private:
+  [[nodiscard]] std::string solverOf(int kind) const;
+
+  std::string file_;
+  ztb::Model model_;
+  ztb::Database database_;
+  ztb::ModelTie tie_;
+  bool boundsCount_ = false;  // the next solve goes by the bounds that updates gave
+};
+
+// Throws UsageError when the result file `out` is one of the files that are read.
+void refuseReplacing(std::initializer_list<std::string> inputs, const std::string& out);
+
+}  // namespace tool
+
+#endif  // ZTB_TOOLS_MODELS_MODEL_SESSION_H_

@@ -1,0 +1,99 @@
+#include "tools/sweep/sweep_inputs.h"
+
+#include <fmt/format.h>
+
+#include <array>
+#include <cstdint>
+#include <fstream>
+#include <memory>
+#include <new>
+
+#define XXH_INLINE_ALL
+#include <xxhash.h>
+
+#include "tools/text/failure.h"
+#include "tools/text/words.h"
+
+namespace tool {
+
+namespace {
+
+struct Part {
+  const char* key;
+  const char* difference;
+};
+
+constexpr std::array<Part, 6> kParts{{{"model", "another model file"},
+                                      {"data", "another --model-data"},
+                                      {"scenarios", "another scenario file"},
+                                      {"over", "another --over"},
+                                      {"solver", "another --solver"},
+                                      {"report", "another --report"}}};
+
+// XXH3 with 64 bits of a text or of the bytes of a file.
+std::uint64_t ofText(std::string_view text) {
+  return XXH3_64bits(text.data(), text.size());
+}
+
+std::uint64_t ofFile(const std::string& path) {
+  struct FreeState {
+    void operator()(XXH3_state_t* state) const { XXH3_freeState(state); }
+  };
+  const std::unique_ptr<XXH3_state_t, FreeState> state(XXH3_createState());
+  std::ifstream in(path, std::ios::binary);
+  std::array<char, 65536> buffer{};
+  if (!state || XXH3_64bits_reset(state.get()) != XXH_OK) {
+    throw std::bad_alloc();
+  }
+  if (in) {
+    do {
+      in.read(buffer.data(), buffer.size());
+      XXH3_64bits_update(state.get(), buffer.data(), static_cast<std::size_t>(in.gcount()));
+    } while (in);
+  }
+  if (!in.eof()) {
+    throw Failure(withFile(path, "cannot be read"));
+  }
+  return XXH3_64bits_digest(state.get());
+}
+
+// The word "key=..." of a text of such words.
+std::string_view wordOf(std::string_view text, std::string_view key) {
+  while (!text.empty()) {
+    const std::string_view word = text.substr(0, text.find(' '));
+    if (word.starts_with(key) && word.substr(key.size()).starts_with('=')) {
+      return word;
+    }
+    text.remove_prefix(std::min(text.size(), word.size() + 1));
+  }
+  return {};
+}
+
+}  // namespace
+
+std::string sweepInputs(const SweepOptions& options) {
+  std::string reports;
+  for (const std::string& report : options.reports) {
+    reports += folded(report) + ' ';
+  }
+  const std::array<std::uint64_t, kParts.size()> sums{
+      ofFile(options.model),     options.modelData.empty() ? ofText("") : ofFile(options.modelData),
+      ofFile(options.scenarios), ofText(folded(options.over)),
+      ofText(options.solver),    ofText(reports)};
+  std::string text;
+  for (std::size_t part = 0; part < kParts.size(); ++part) {
+    text += fmt::format("{}{}={:016x}", part == 0 ? "" : " ", kParts.at(part).key, sums.at(part));
+  }
+  return text;
+}
+
+std::string sweepInputsDifference(std::string_view one, std::string_view other) {
+  for (const Part& part : kParts) {
+    if (wordOf(one, part.key) != wordOf(other, part.key)) {
+      return part.difference;
+    }
+  }
+  return "";
+}
+
+}  // namespace tool

@@ -1,0 +1,122 @@
+#include "tools/sweep/sweep_lock.h"
+
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <charconv>
+#include <chrono>
+#include <cstring>
+#include <system_error>
+#include <thread>
+#include <utility>
+
+#include "tools/text/failure.h"
+
+namespace tool {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::chrono::milliseconds kBetweenTries{20};
+constexpr int kTries = 100;
+constexpr int kMostLinks = 40;
+
+// The file that a path leads to over links, which need not exist yet.
+fs::path behindLinks(fs::path path) {
+  std::error_code error;
+  for (int links = 0; links < kMostLinks && fs::is_symlink(path, error); ++links) {
+    path = path.parent_path() / fs::read_symlink(path, error);
+  }
+  return path;
+}
+
+fs::path lockOf(const std::string& out) {
+  const fs::path result = behindLinks(out);
+  std::error_code error;
+  const fs::path folder =
+      fs::canonical(result.has_parent_path() ? result.parent_path() : ".", error);
+  return (error ? result.parent_path() : folder) / fmt::format(".{}.lock", result.filename().string());
+}
+
+}  // namespace
+
+SweepLock::SweepLock(const std::string& out) : out_(out), path_(lockOf(out)) {
+  for (int tried = 0; tried < kTries; ++tried) {
+    if (tried > 0) {
+      std::this_thread::sleep_for(kBetweenTries);
+    }
+    open();
+    if (tryToTake()) {
+      tellHolder();
+      return;
+    }
+    if (tried + 1 == kTries) {
+      const std::string who = holder();
+      ::close(std::exchange(descriptor_, -1));
+      throw Failure(withFile(out_, fmt::format("another sweep is writing this result ({})", who)));
+    }
+    ::close(std::exchange(descriptor_, -1));
+  }
+}
+
+SweepLock::~SweepLock() {
+  // The file goes while it is still locked, so that whoever waits for it finds it gone.
+  ::unlink(path_.c_str());
+  ::close(descriptor_);
+}
+
+void SweepLock::open() {
+  descriptor_ = ::open(path_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0644);
+  if (descriptor_ < 0) {
+    const fs::path folder = fs::path(out_).parent_path();
+    const bool noFolder = errno == ENOENT || errno == ENOTDIR;
+    throw Failure(withFile(noFolder ? folder.string() : path_.string(), std::strerror(errno)));
+  }
+}
+
+bool SweepLock::tryToTake() {
+  if (::flock(descriptor_, LOCK_EX | LOCK_NB) == 0) {
+    return isStillThere();
+  }
+  if (errno == EWOULDBLOCK || errno == EINTR) {
+    return false;
+  }
+  const std::string reason = std::strerror(errno);
+  ::close(std::exchange(descriptor_, -1));
+  throw Failure(withFile(path_.string(), "cannot be locked: " + reason));
+}
+
+// The sweep that held the lock may have removed the file since it was opened here.
+bool SweepLock::isStillThere() const {
+  struct stat opened {};
+  struct stat named {};
+  return ::fstat(descriptor_, &opened) == 0 && ::stat(path_.c_str(), &named) == 0 &&
+         opened.st_ino == named.st_ino && opened.st_dev == named.st_dev;
+}
+
+std::string SweepLock::holder() const {
+  std::array<char, 32> text{};
+  const ssize_t length = ::pread(descriptor_, text.data(), text.size(), 0);
+  int process = 0;
+  if (length > 0) {
+    std::from_chars(text.data(), text.data() + length, process);
+  }
+  return process > 0 ? fmt::format("process {}", process) : "its process is not known";
+}
+
+// A lock that does not say who holds it is as good, so no result is looked at but to satisfy the
+// compiler.
+void SweepLock::tellHolder() const {
+  const std::string text = fmt::format("{}\n", getpid());
+  if (::ftruncate(descriptor_, 0) != 0 || ::pwrite(descriptor_, text.data(), text.size(), 0) < 0) {
+    return;
+  }
+}
+
+}  // namespace tool

@@ -1,0 +1,150 @@
+#include "tools/sweep/sweep_worker.h"
+
+#include <fmt/format.h>
+
+#include <chrono>
+#include <exception>
+#include <string_view>
+
+#include "tools/models/model_session.h"
+#include "tools/sweep/sweep_parts.h"
+#include "tools/sweep/sweep_results.h"
+#include "tools/text/failure.h"
+
+namespace tool {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr int kScenariosInPart = 100;
+constexpr std::chrono::seconds kTimeOfPart{5};
+// Publishing waits for the disk; it takes at most about a tenth of the time.
+constexpr int kRestBetweenParts = 10;
+// What the library says when no scenario can be solved.
+constexpr std::string_view kNoSuchSolver = "Invalid solver name";
+
+class SweepWorker {
+ public:
+  SweepWorker(const SweepOptions& options, const SweepScenarios& scenarios,
+              const std::string& inputs, const SweepWork& work, const WorkerChannel& channel)
+      : scenarios_(scenarios),
+        work_(work),
+        channel_(channel),
+        session_(options.model, options.modelData),
+        solver_(options.solver.empty() ? session_.standardSolverOfParameters() : options.solver),
+        results_(scenarios.over(), scenarios.text(), inputs),
+        parts_(options.out),
+        part_(work.firstPart) {
+    for (const std::size_t place : work.chosen) {
+      const Scenario& scenario = scenarios.scenarios()[place];
+      results_.addScenario(scenario.label, scenario.text);
+    }
+    for (const std::string& name : options.reports) {
+      addReport(name);
+    }
+    if (work.reportsNotes) {
+      session_.reportNotes();
+    }
+  }
+
+  void run(const std::string& scenarioFile) {
+    ScenarioData data(scenarioFile, scenarios_, work_.chosen, session_);
+    for (std::size_t place = 0; place < work_.chosen.size(); ++place) {
+      if (place == work_.publishBefore && unpublished_ > 0) {
+        publish();
+      }
+      runScenario(data, place);
+      channel_.send(SweepMessage::done);
+      ++unpublished_;
+      if (isPartDue()) {
+        publish();
+      }
+    }
+    if (unpublished_ > 0) {
+      publish();
+    }
+    for (const std::string& name : data.unmatched()) {
+      channel_.send(SweepMessage::unmatched, name);
+    }
+  }
+
+ private:
+  void addReport(const std::string& name) {
+    const auto symbol = session_.database().findSymbol(name);
+    if (!symbol ||
+        (symbol->type() != ztb::Type::variable && symbol->type() != ztb::Type::equation)) {
+      throw Failure(
+          withFile(session_.file(), fmt::format("the model has no variable or equation {}", name)));
+    }
+    reports_.push_back(symbol->name().str());
+    results_.addReport(reports_.back(), symbol->dimension());
+  }
+
+  void runScenario(ScenarioData& data, std::size_t place) {
+    const std::string& label = scenarios_.scenarios()[work_.chosen[place]].label;
+    ScenarioOutcome outcome{.status = ztbModelNoSolution, .solveStatus = ztbSolveFailed};
+    try {
+      data.apply(place);
+      session_.tie().solve(solver_);
+      const ztb::Model& model = session_.model();
+      outcome = {.status = model.status(), .solveStatus = model.solveStatus()};
+      if (model.hasSolution()) {
+        outcome.objective = model.objective();
+      }
+    } catch (const std::exception& error) {
+      if (std::string_view(error.what()).starts_with(kNoSuchSolver)) {
+        throw Failure(withFile(session_.file(), error.what()));
+      }
+      channel_.send(SweepMessage::scenarioFailed,
+                    fmt::format("{} {}", work_.chosen[place], error.what()));
+    }
+    results_.setOutcome(label, outcome);
+    if (outcome.objective) {
+      for (const std::string& report : reports_) {
+        results_.takeSolution(label, report, session_.database());
+      }
+    }
+  }
+
+  [[nodiscard]] bool isPartDue() const {
+    const Clock::duration time = Clock::now() - published_;
+    return time >= kTimeOfPart ||
+           (unpublished_ >= kScenariosInPart && time >= kRestBetweenParts * publishing_);
+  }
+
+  void publish() {
+    const Clock::time_point start = Clock::now();
+    results_.write(parts_.file(part_));
+    results_.clear();
+    part_ += work_.partStep;
+    unpublished_ = 0;
+    published_ = Clock::now();
+    publishing_ = published_ - start;
+    channel_.send(SweepMessage::published);
+  }
+
+  const SweepScenarios& scenarios_;
+  const SweepWork& work_;
+  const WorkerChannel& channel_;
+  ModelSession session_;
+  std::string solver_;
+  SweepResults results_;
+  SweepParts parts_;
+  std::vector<std::string> reports_;
+  int part_;
+  int unpublished_ = 0;
+  // When the last part was published, and how long that took.
+  Clock::time_point published_ = Clock::now();
+  Clock::duration publishing_{0};
+};
+
+}  // namespace
+
+void runSweepWorker(const SweepOptions& options, const SweepScenarios& scenarios,
+                    const std::string& inputs, const SweepWork& work,
+                    const WorkerChannel& channel) {
+  SweepWorker(options, scenarios, inputs, work, channel).run(options.scenarios);
+}
+
+}  // namespace tool

@@ -1,0 +1,179 @@
+#include "tools/sweep/worker_processes.h"
+
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <poll.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstring>
+#include <exception>
+#include <utility>
+
+#include "tools/text/failure.h"
+
+namespace tool {
+
+namespace {
+
+// A signal may break these calls off.
+template <class Call>
+auto repeated(Call call) {
+  auto result = call();
+  while (result < 0 && errno == EINTR) {
+    result = call();
+  }
+  return result;
+}
+
+[[noreturn]] void runWorker(pid_t parent, int descriptor,
+                            const std::function<void(const WorkerChannel&)>& work) {
+  // The parent may have ended before this call.
+  if (prctl(PR_SET_PDEATHSIG, SIGKILL) != 0 || getppid() != parent) {
+    _exit(exitFailed);
+  }
+  const WorkerChannel channel(descriptor);
+  try {
+    work(channel);
+  } catch (const std::exception& error) {
+    channel.send(WorkerMessage::failed, error.what());
+  }
+  std::fflush(stdout);
+  std::fflush(stderr);
+  // Nothing that was made before the fork is this process's to end.
+  _exit(exitFine);
+}
+
+}  // namespace
+
+void WorkerChannel::send(char kind, std::string text) const {
+  std::ranges::replace_if(
+      text, [](char c) { return static_cast<unsigned char>(c) < ' '; }, ' ');
+  const std::string line = kind + text + '\n';
+  std::size_t written = 0;
+  while (written < line.size()) {
+    const ssize_t count = repeated(
+        [&] { return ::write(descriptor_, line.data() + written, line.size() - written); });
+    if (count < 0) {
+      // Nobody listens any more.
+      _exit(exitFailed);
+    }
+    written += static_cast<std::size_t>(count);
+  }
+}
+
+WorkerProcesses::~WorkerProcesses() {
+  for (std::size_t number = 0; number < workers_.size(); ++number) {
+    if (workers_[number].descriptor >= 0) {
+      kill(number);
+      end(number);
+    }
+  }
+}
+
+void WorkerProcesses::start(const std::function<void(const WorkerChannel&)>& work) {
+  std::fflush(stdout);
+  std::fflush(stderr);
+  std::array<int, 2> ends{};
+  if (pipe2(ends.data(), O_CLOEXEC) != 0) {
+    throw Failure(fmt::format("no pipe for a worker process: {}", std::strerror(errno)));
+  }
+  const pid_t parent = getpid();
+  const pid_t process = fork();
+  if (process == 0) {
+    close(ends[0]);
+    runWorker(parent, ends[1], work);
+  }
+  const int error = errno;
+  close(ends[1]);
+  if (process < 0) {
+    close(ends[0]);
+    throw Failure(fmt::format("no worker process: {}", std::strerror(error)));
+  }
+  workers_.push_back({.process = process, .descriptor = ends[0], .unread = ""});
+}
+
+void WorkerProcesses::kill(std::size_t worker) {
+  if (workers_[worker].descriptor >= 0) {
+    ::kill(workers_[worker].process, SIGKILL);
+  }
+}
+
+bool WorkerProcesses::busy() const {
+  return !messages_.empty() ||
+         std::ranges::any_of(workers_, [](const Worker& worker) { return worker.descriptor >= 0; });
+}
+
+std::optional<WorkerMessage> WorkerProcesses::next(std::chrono::milliseconds time) {
+  if (messages_.empty()) {
+    std::vector<pollfd> waited;
+    std::vector<std::size_t> numbers;
+    for (std::size_t number = 0; number < workers_.size(); ++number) {
+      if (workers_[number].descriptor >= 0) {
+        waited.push_back({.fd = workers_[number].descriptor, .events = POLLIN, .revents = 0});
+        numbers.push_back(number);
+      }
+    }
+    if (waited.empty() || poll(waited.data(), waited.size(), static_cast<int>(time.count())) <= 0) {
+      return std::nullopt;
+    }
+    for (std::size_t place = 0; place < waited.size(); ++place) {
+      if (waited[place].revents != 0) {
+        receive(numbers[place]);
+      }
+    }
+  }
+  if (messages_.empty()) {
+    return std::nullopt;
+  }
+  WorkerMessage message = std::move(messages_.front());
+  messages_.pop_front();
+  return message;
+}
+
+void WorkerProcesses::receive(std::size_t number) {
+  Worker& worker = workers_[number];
+  std::array<char, 65536> buffer{};
+  const ssize_t count =
+      repeated([&] { return ::read(worker.descriptor, buffer.data(), buffer.size()); });
+  if (count <= 0) {
+    end(number);
+    return;
+  }
+  worker.unread.append(buffer.data(), static_cast<std::size_t>(count));
+  std::size_t begin = 0;
+  for (std::size_t stop = worker.unread.find('\n'); stop != std::string::npos;
+       stop = worker.unread.find('\n', begin)) {
+    messages_.push_back({.worker = number,
+                         .kind = worker.unread[begin],
+                         .text = worker.unread.substr(begin + 1, stop - begin - 1)});
+    begin = stop + 1;
+  }
+  worker.unread.erase(0, begin);
+}
+
+void WorkerProcesses::end(std::size_t number) {
+  Worker& worker = workers_[number];
+  close(std::exchange(worker.descriptor, -1));
+  int status = 0;
+  repeated([&] { return waitpid(worker.process, &status, 0); });
+  if (WIFSIGNALED(status)) {
+    messages_.push_back(
+        {.worker = number,
+         .kind = WorkerMessage::died,
+         .text = fmt::format("its worker process was ended by signal {}", WTERMSIG(status))});
+  } else if (WEXITSTATUS(status) != exitFine) {
+    messages_.push_back(
+        {.worker = number,
+         .kind = WorkerMessage::died,
+         .text = fmt::format("its worker process ended with exit code {}", WEXITSTATUS(status))});
+  }
+}
+
+}  // namespace tool

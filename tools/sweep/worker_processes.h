@@ -1,0 +1,79 @@
+// Processes that share a job and tell the parent, in lines of text through a pipe, how they get on.
+//
+// They are forked, so each has to be started while the program has one thread and holds nothing
+// that may not be copied. They end when the parent does, in whatever way that ends.
+#ifndef ZTB_TOOLS_SWEEP_WORKER_PROCESSES_H_
+#define ZTB_TOOLS_SWEEP_WORKER_PROCESSES_H_
+
+#include <sys/types.h>
+
+#include <chrono>
+#include <cstddef>
+#include <deque>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tool {
+
+// A worker's end of its pipe.
+class WorkerChannel {
+ public:
+  explicit WorkerChannel(int descriptor) : descriptor_(descriptor) {}
+  // Control characters in the text become blanks.
+  void send(char kind, std::string text = "") const;
+
+ private:
+  int descriptor_;
+};
+
+struct WorkerMessage {
+  // Beside the kinds that workers send: the worker could not do its work; text is why. What it had
+  // left undone stays undone.
+  static constexpr char failed = '!';
+  // The worker was ended from outside; text is how.
+  static constexpr char died = '#';
+
+  std::size_t worker = 0;  // in the order of their starts, from 0
+  char kind = 0;
+  std::string text;
+};
+
+class WorkerProcesses {
+ public:
+  WorkerProcesses() = default;
+  WorkerProcesses(const WorkerProcesses&) = delete;
+  WorkerProcesses& operator=(const WorkerProcesses&) = delete;
+  // Kills the workers that still run.
+  ~WorkerProcesses();
+
+  // Runs `work` in a new process. What it throws is sent as a message of the kind failed. Throws
+  // Failure if there is no process to be had.
+  void start(const std::function<void(const WorkerChannel&)>& work);
+
+  // Ends a worker that runs, stopped ones too; the message that it died follows.
+  void kill(std::size_t worker);
+
+  // Whether some worker runs, or messages are left.
+  [[nodiscard]] bool busy() const;
+  // The next message; nothing when none came within the time, or when the last worker ended.
+  std::optional<WorkerMessage> next(std::chrono::milliseconds time);
+
+ private:
+  struct Worker {
+    pid_t process = -1;
+    int descriptor = -1;  // -1: the worker has ended
+    std::string unread;   // the beginning of a line
+  };
+
+  void receive(std::size_t number);
+  void end(std::size_t number);
+
+  std::vector<Worker> workers_;
+  std::deque<WorkerMessage> messages_;
+};
+
+}  // namespace tool
+
+#endif  // ZTB_TOOLS_SWEEP_WORKER_PROCESSES_H_

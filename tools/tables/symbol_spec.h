@@ -1,0 +1,47 @@
+// The words in which the command line says what a symbol is made from.
+//
+//   --set        NAME                                       the labels of column NAME
+//   --set        NAME(KEY, ...) [: TEXTCOLUMN] ["text"]
+//   --parameter  NAME(KEY, ...) [= VALUECOLUMN] ["text"]    the value column is NAME if not given
+//   KEY          COLUMN [in SET]
+//
+// A column or text with a comma, bracket, colon, equals sign or quote in it stands in single or
+// double quotes. "in SET" names the domain, "in *" the universe; without it, the domain is the
+// one-dimensional set of the column's name, if one was made before, and the universe otherwise.
+#ifndef ZTB_TOOLS_TABLES_SYMBOL_SPEC_H_
+#define ZTB_TOOLS_TABLES_SYMBOL_SPEC_H_
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tool {
+
+enum class SpecKind { set, distinctSet, parameter };
+
+struct KeySpec {
+  std::string column;
+  std::optional<std::string> domain;
+};
+
+struct SymbolSpec {
+  SpecKind kind = SpecKind::set;
+  // The option and its argument as typed, for messages.
+  std::string source;
+  std::string name;
+  std::vector<KeySpec> keys;
+  // Column of the explanatory texts of a set (empty for none) or of the values of a parameter.
+  std::string contentColumn;
+  // Explanatory text of the symbol itself.
+  std::string text;
+};
+
+// Name of the option of a kind: "--set", "--distinct-set", "--parameter".
+const char* optionOf(SpecKind kind);
+
+// Throws UsageError, which says what is expected and where, for anything else.
+SymbolSpec parseSymbolSpec(SpecKind kind, const std::string& argument);
+
+}  // namespace tool
+
+#endif  // ZTB_TOOLS_TABLES_SYMBOL_SPEC_H_

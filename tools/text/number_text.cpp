@@ -1,0 +1,117 @@
+#include "tools/text/number_text.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <bit>
+#include <charconv>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+
+#include "tools/text/words.h"
+
+namespace tool {
+
+namespace {
+
+struct SpecialWord {
+  std::string_view word;
+  std::uint64_t bits;
+};
+
+constexpr std::uint64_t undefinedBits = 0x7E37E43C8800759C;
+constexpr std::uint64_t notAvailableBits = 0x7FF8000000000000;
+constexpr std::uint64_t plusInfinityBits = 0x7FF0000000000000;
+constexpr std::uint64_t minusInfinityBits = 0xFFF0000000000000;
+constexpr std::uint64_t epsilonBits = 0x0000000000000001;
+
+// The first word of a value is the one that is written.
+constexpr std::array<SpecialWord, 6> specialWords{{{"undef", undefinedBits},
+                                                   {"na", notAvailableBits},
+                                                   {"inf", plusInfinityBits},
+                                                   {"-inf", minusInfinityBits},
+                                                   {"eps", epsilonBits},
+                                                   {"nan", notAvailableBits}}};
+
+constexpr std::string_view patternPrefix = "nan:0x";
+
+const SpecialWord* findSpecial(std::uint64_t bits) {
+  const auto* found = std::ranges::find(specialWords, bits, &SpecialWord::bits);
+  return found == specialWords.end() ? nullptr : found;
+}
+
+std::string_view trimBlanks(std::string_view text) {
+  const std::size_t first = text.find_first_not_of(' ');
+  if (first == std::string_view::npos) {
+    return {};
+  }
+  return text.substr(first, text.find_last_not_of(' ') - first + 1);
+}
+
+// The NaN whose pattern stands behind patternPrefix.
+double parsePattern(std::string_view digits, std::string& problem) {
+  std::uint64_t bits = 0;
+  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), bits, 16);
+  const auto value = std::bit_cast<double>(bits);
+  if (error != std::errc{} || end != digits.data() + digits.size() || !std::isnan(value)) {
+    problem = fmt::format("'{}{}' is not the bit pattern of a NaN", patternPrefix, digits);
+    return 0;
+  }
+  return value;
+}
+
+}  // namespace
+
+NumberText::NumberText(double value) {
+  const auto bits = std::bit_cast<std::uint64_t>(value);
+  const SpecialWord* special = findSpecial(bits);
+  if (special != nullptr) {
+    std::ranges::copy(special->word, chars_.begin());
+    size_ = special->word.size();
+  } else if (std::isnan(value)) {
+    char* end = fmt::format_to_n(chars_.data(), chars_.size(), "nan:0x{:016x}", bits).out;
+    size_ = static_cast<std::size_t>(end - chars_.data());
+  } else {
+    char* end = std::to_chars(chars_.data(), chars_.data() + chars_.size(), value).ptr;
+    size_ = static_cast<std::size_t>(end - chars_.data());
+  }
+}
+
+bool isSpecial(double value) {
+  return std::isnan(value) || findSpecial(std::bit_cast<std::uint64_t>(value)) != nullptr;
+}
+
+bool sameBits(double left, double right) {
+  return std::bit_cast<std::uint64_t>(left) == std::bit_cast<std::uint64_t>(right);
+}
+
+double parseNumber(std::string_view text, std::string& problem) {
+  std::string_view number = trimBlanks(text);
+  if (number.empty()) {
+    problem = "is empty, expected a number";
+    return 0;
+  }
+  if (number.size() > 1 && number.front() == '+' && number[1] != '-' && number[1] != '+') {
+    number.remove_prefix(1);
+  }
+  for (const SpecialWord& special : specialWords) {
+    if (sameFolded(number, special.word)) {
+      return std::bit_cast<double>(special.bits);
+    }
+  }
+  if (startsFolded(number, patternPrefix)) {
+    return parsePattern(number.substr(patternPrefix.size()), problem);
+  }
+  double value = 0;
+  const auto [end, error] = std::from_chars(number.data(), number.data() + number.size(), value);
+  if (error == std::errc::result_out_of_range) {
+    problem = fmt::format("{} is outside the range of a double", inQuotes(text));
+  } else if (error != std::errc{} || end != number.data() + number.size() ||
+             !std::isfinite(value)) {
+    problem = fmt::format("{} is not a number", inQuotes(text));
+  }
+  return value;
+}
+
+}  // namespace tool

@@ -1,0 +1,40 @@
+#include "tools/text/output.h"
+
+#include <fmt/format.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <string>
+#include <ztb/display_text.hpp>
+
+#include "tools/text/failure.h"
+
+namespace tool {
+
+void print(std::string_view text) {
+  while (!text.empty()) {
+    const std::size_t end = text.find('\n');
+    const std::string_view line = text.substr(0, end);
+    const bool ends = end != std::string_view::npos;
+    text.remove_prefix(line.size() + (ends ? 1 : 0));
+    // A failure stays marked in the stream until flushOutput asks.
+    if (ztb::isDisplayable(line)) {
+      static_cast<void>(std::fwrite(line.data(), 1, line.size() + (ends ? 1 : 0), stdout));
+    } else {
+      static_cast<void>(std::fputs((ztb::displayText(line) + (ends ? "\n" : "")).c_str(), stdout));
+    }
+  }
+}
+
+void printError(std::string_view line) {
+  static_cast<void>(std::fputs((ztb::displayText(line) + "\n").c_str(), stderr));
+}
+
+void flushOutput() {
+  if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
+    throw Failure(fmt::format("standard output: cannot be written: {}", std::strerror(errno)));
+  }
+}
+
+}  // namespace tool

@@ -1,0 +1,67 @@
+#include "tools/text/progress.h"
+
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdio>
+#include <ztb/display_text.hpp>
+
+namespace tool {
+
+namespace {
+
+constexpr std::chrono::milliseconds beforeFirst{1000};
+constexpr std::chrono::milliseconds betweenDrawings{200};
+constexpr const char* wipeLine = "\r\x1b[K";
+
+}  // namespace
+
+Progress::Progress() {
+  if (isatty(STDERR_FILENO) != 0) {
+    thread_ = std::thread([this] { run(); });
+  }
+}
+
+Progress::~Progress() {
+  if (!thread_.joinable()) {
+    return;
+  }
+  {
+    const std::lock_guard lock(mutex_);
+    ended_ = true;
+  }
+  wake_.notify_one();
+  thread_.join();
+  if (drawn_) {
+    std::fputs(wipeLine, stderr);
+  }
+}
+
+void Progress::step(const std::string& text) {
+  const std::lock_guard lock(mutex_);
+  text_ = ztb::displayText(text);
+  count(0);
+}
+
+void Progress::run() {
+  std::unique_lock lock(mutex_);
+  auto pause = beforeFirst;
+  while (!wake_.wait_for(lock, pause, [this] { return ended_; })) {
+    draw();
+    pause = betweenDrawings;
+  }
+}
+
+void Progress::draw() {
+  const std::size_t records = records_.load(std::memory_order_relaxed);
+  std::string line = wipeLine + text_;
+  if (records > 0) {
+    line += fmt::format(": {} records", records);
+  }
+  std::fputs(line.c_str(), stderr);
+  std::fflush(stderr);
+  drawn_ = true;
+}
+
+}  // namespace tool
