@@ -1,6 +1,6 @@
 /* A peer in C: an exchange-file library that has one file, "ports", in its memory. It shows what a
- * peer needs: entry points, the operations that it offers, and honest answers. docs/peers.md tells
- * how databases find it.
+ * peer needs: entry points, the operations that it offers, and honest answers.
+ * docs/reference/peers.md tells how databases find it.
  *
  *   cc -shared -fPIC ports.c -o librxfcclib64.so
  *

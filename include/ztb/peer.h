@@ -50,7 +50,7 @@
  *   guards itself.
  *   Libraries are opened once and never closed.
  *
- * docs/peers.md tells how libraries are found and which messages there are.
+ * docs/reference/peers.md tells how libraries are found and which messages there are.
  */
 #ifndef ZTB_PEER_H_
 #define ZTB_PEER_H_

@@ -1,6 +1,6 @@
 // Records on the vector and the trie store, added, changed and removed as on the tree map, or
 // refused before anything has changed. Wrappers stand on this; the exported names themselves do on
-// these stores what docs/stores.md tells.
+// these stores what docs/reference/stores.md tells.
 //
 // On the tree map each function costs a branch more than the library's own call. On the others:
 //   vector  a look at the last record, and a lookup for a key that is not behind it. A key between

@@ -1,5 +1,5 @@
-// The reader of LP files, with quadratic terms in square brackets; docs/model-files.md tells what
-// it takes.
+// The reader of LP files, with quadratic terms in square brackets;
+// docs/reference/model-files.md tells what it takes.
 #ifndef ZTB_PROVIDERS_MODEL_LP_READER_H_
 #define ZTB_PROVIDERS_MODEL_LP_READER_H_
 

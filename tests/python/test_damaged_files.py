@@ -12,7 +12,7 @@ STORES = ["map", "vector", "trie"]
 
 
 def reseal(data):
-    """The bytes with checksums that are right again; docs/rxf-format.md tells their places."""
+    """The bytes with checksums that are right again, in the places of docs/reference/rxf-format.md."""
     library = ctypes.CDLL("libxxhash.so.0")
     library.XXH3_64bits.restype = ctypes.c_uint64
     library.XXH3_64bits.argtypes = [ctypes.c_char_p, ctypes.c_size_t]

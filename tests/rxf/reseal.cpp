@@ -12,7 +12,7 @@ namespace rxftest {
 
 namespace {
 
-// Sizes and places as docs/rxf-format.md gives them.
+// Sizes and places as docs/reference/rxf-format.md gives them.
 constexpr std::size_t kHeader = 96;
 constexpr std::size_t kHead = 40;
 constexpr std::size_t kBodyLengthAt = 16;

@@ -1,4 +1,4 @@
-// The examples of docs/rxf.md, compiled from there and run.
+// The examples of docs/reference/rxf.md, compiled from there and run.
 #include <gtest/gtest.h>
 
 #include <array>
