@@ -1,7 +1,5 @@
 #include "providers/model/glpk_reader.h"
 
-#include <glpk.h>
-
 #include <algorithm>
 #include <charconv>
 #include <cstddef>
@@ -11,6 +9,7 @@
 #include <vector>
 
 #include "providers/model/file_bounds.h"
+#include "providers/model/glpk_functions.h"
 #include "providers/model/glpk_session.h"
 #include "providers/model/lp_tokens.h"
 #include "providers/model/model_error.h"
@@ -70,7 +69,7 @@ class Conversion {
   ModelData mps() {
     // GLPK takes the right-hand side of the objective for its constant; it is the constant with the
     // sign turned.
-    model_.objectiveConstant = 0 - glp_get_obj_coef(problem_, 0);
+    model_.objectiveConstant = 0 - glpk().get_obj_coef(problem_, 0);
     takeObjective();
     takeColumns();
     for (ColumnData& column : model_.columns) {
@@ -81,7 +80,7 @@ class Conversion {
   }
 
   ModelData mathProg() {
-    model_.objectiveConstant = glp_get_obj_coef(problem_, 0);
+    model_.objectiveConstant = glpk().get_obj_coef(problem_, 0);
     takeObjective();
     takeColumns();
     takeRows();
@@ -90,41 +89,41 @@ class Conversion {
 
  private:
   void takeObjective() {
-    if (const char* const name = glp_get_obj_name(problem_)) {
+    if (const char* const name = glpk().get_obj_name(problem_)) {
       model_.rows[0].name = name;
       hasObjective_ = true;
     }
-    model_.maximize = glp_get_obj_dir(problem_) == GLP_MAX;
+    model_.maximize = glpk().get_obj_dir(problem_) == GLP_MAX;
   }
 
   void takeColumns() {
-    const int count = glp_get_num_cols(problem_);
+    const int count = glpk().get_num_cols(problem_);
     for (int j = 1; j <= count; ++j) {
       ColumnData column;
-      column.name = nameOr(glp_get_col_name(problem_, j), "C" + std::to_string(j));
-      const int kind = glp_get_col_kind(problem_, j);
+      column.name = nameOr(glpk().get_col_name(problem_, j), "C" + std::to_string(j));
+      const int kind = glpk().get_col_kind(problem_, j);
       if (kind == GLP_IV) column.kind = ColumnKind::integer;
       if (kind == GLP_BV) column.kind = ColumnKind::binary;
-      column.lower = fromFile(glp_get_col_lb(problem_, j));
-      column.upper = fromFile(glp_get_col_ub(problem_, j));
+      column.lower = fromFile(glpk().get_col_lb(problem_, j));
+      column.upper = fromFile(glpk().get_col_ub(problem_, j));
       if (column.lower == kInfinity || column.upper == -kInfinity) {
         throw ModelError(file_ + ": variable " + shown(column.name) +
                          " has an infinite bound that no value satisfies, expected a size below "
                          "1e30");
       }
-      const double cost = glp_get_obj_coef(problem_, j);
+      const double cost = glpk().get_obj_coef(problem_, j);
       if (cost != 0) model_.terms.push_back({0, j - 1, cost});
       model_.columns.push_back(std::move(column));
     }
   }
 
   void takeRows() {
-    const int count = glp_get_num_rows(problem_);
+    const int count = glpk().get_num_rows(problem_);
     for (int i = 1; i <= count; ++i) {
-      RowData row{nameOr(glp_get_row_name(problem_, i), "R" + std::to_string(i))};
+      RowData row{nameOr(glpk().get_row_name(problem_, i), "R" + std::to_string(i))};
       if (isObjective(i, row.name)) continue;
-      if (const char* const wrong = setRowBounds(row, fromFile(glp_get_row_lb(problem_, i)),
-                                                 fromFile(glp_get_row_ub(problem_, i)))) {
+      if (const char* const wrong = setRowBounds(row, fromFile(glpk().get_row_lb(problem_, i)),
+                                                 fromFile(glpk().get_row_ub(problem_, i)))) {
         throw ModelError(file_ + ": row " + shown(row.name) + " " + wrong);
       }
       takeTerms(i, static_cast<int>(model_.rows.size()));
@@ -135,17 +134,17 @@ class Conversion {
   // The objective of a MathProg model stands among the rows too, as a free one.
   bool isObjective(int i, const std::string& name) {
     if (!hasObjective_ || name != model_.rows[0].name) return false;
-    if (glp_get_row_type(problem_, i) != GLP_FR) return false;
+    if (glpk().get_row_type(problem_, i) != GLP_FR) return false;
     hasObjective_ = false;
     return true;
   }
 
   void takeTerms(int i, int row) {
-    const int length = glp_get_mat_row(problem_, i, nullptr, nullptr);
+    const int length = glpk().get_mat_row(problem_, i, nullptr, nullptr);
     const auto size = static_cast<std::size_t>(length) + 1;
     std::vector<int> columns(size);
     std::vector<double> values(size);
-    glp_get_mat_row(problem_, i, columns.data(), values.data());
+    glpk().get_mat_row(problem_, i, columns.data(), values.data());
     for (std::size_t k = size - 1; k > 0; --k) {
       model_.terms.push_back({row, columns[k] - 1, values[k]});
     }
@@ -166,8 +165,8 @@ struct MpsStep {
 
 void runMpsStep(void* argument) {
   auto& step = *static_cast<MpsStep*>(argument);
-  step.problem = glp_create_prob();
-  step.read = glp_read_mps(step.problem, step.format, nullptr, step.file) == 0;
+  step.problem = glpk().create_prob();
+  step.read = glpk().read_mps(step.problem, step.format, nullptr, step.file) == 0;
 }
 
 std::optional<ModelData> tryMps(const std::string& file, int format, Refusal& refusal) {
@@ -192,15 +191,24 @@ struct MathProgStep {
 
 void runMathProgStep(void* argument) {
   auto& step = *static_cast<MathProgStep*>(argument);
-  glp_tran* const translator = glp_mpl_alloc_wksp();
-  const bool read = glp_mpl_read_model(translator, step.file, 0) == 0 &&
-                    (step.dataFile == nullptr || glp_mpl_read_data(translator, step.dataFile) == 0);
-  if (read && glp_mpl_generate(translator, nullptr) == 0) {
-    step.problem = glp_create_prob();
-    glp_mpl_build_prob(translator, step.problem);
+  glp_tran* const translator = glpk().mpl_alloc_wksp();
+  const bool read =
+      glpk().mpl_read_model(translator, step.file, 0) == 0 &&
+      (step.dataFile == nullptr || glpk().mpl_read_data(translator, step.dataFile) == 0);
+  if (read && glpk().mpl_generate(translator, nullptr) == 0) {
+    step.problem = glpk().create_prob();
+    glpk().mpl_build_prob(translator, step.problem);
     step.generated = true;
   }
-  glp_mpl_free_wksp(translator);
+  glpk().mpl_free_wksp(translator);
+}
+
+void openGlpk(const std::string& file) {
+  try {
+    glpk();
+  } catch (const ModelError& error) {
+    throw ModelError(file + ": " + error.what());
+  }
 }
 
 void checkLength(const std::string& file) {
@@ -212,6 +220,7 @@ void checkLength(const std::string& file) {
 }  // namespace
 
 ModelData readMps(const std::string& file) {
+  openGlpk(file);
   checkLength(file);
   Refusal fixed;
   if (auto model = tryMps(file, GLP_MPS_DECK, fixed)) return std::move(*model);
@@ -225,6 +234,7 @@ ModelData readMps(const std::string& file) {
 }
 
 ModelData readMathProg(const std::string& file, const std::string& dataFile) {
+  openGlpk(file);
   checkLength(file);
   checkLength(dataFile);
   ModelData model;

@@ -1,4 +1,5 @@
-// Readers of MPS and MathProg files, by GLPK; docs/reference/model-files.md tells what they take.
+// Readers of MPS and MathProg files, by GLPK, which is opened at run time;
+// docs/reference/model-files.md tells what they take.
 #ifndef ZTB_PROVIDERS_MODEL_GLPK_READER_H_
 #define ZTB_PROVIDERS_MODEL_GLPK_READER_H_
 

@@ -1,11 +1,12 @@
 #include "providers/model/glpk_session.h"
 
-#include <glpk.h>
 #include <pthread.h>
 
 #include <exception>
 #include <new>
 #include <system_error>
+
+#include "providers/model/glpk_functions.h"
 
 namespace lomu {
 
@@ -48,12 +49,12 @@ void runOnThread(std::size_t stackBytes, const std::function<void()>& work) {
 }  // namespace
 
 GlpkSession::GlpkSession() {
-  glp_term_hook(keepMessage, this);
-  glp_error_hook(leave, this);
+  glpk().term_hook(keepMessage, this);
+  glpk().error_hook(leave, this);
 }
 
 GlpkSession::~GlpkSession() {
-  glp_free_env();
+  glpk().free_env();
 }
 
 void GlpkSession::run(std::size_t stackBytes, const std::function<void(GlpkSession&)>& work) {
