@@ -6,13 +6,13 @@
 #include <optional>
 #include <string>
 #include <vector>
+#include <ztb/column_names.hpp>
 
 #include "tools/commands/command_line.h"
 #include "tools/commands/commands.h"
 #include "tools/commands/memory_option.h"
 #include "tools/files/database_diff.h"
 #include "tools/files/exchange_file.h"
-#include "tools/tables/symbol_columns.h"
 #include "tools/text/failure.h"
 #include "tools/text/json_text.h"
 #include "tools/text/number_text.h"
@@ -71,7 +71,7 @@ std::string contentText(const SymbolDifference& symbol, const RecordDifference& 
     if (changed && sameBits(record.before.values[field], record.after.values[field])) {
       continue;
     }
-    std::string part = one.values.size() > 1 ? fmt::format("{} ", fieldWords[field]) : "";
+    std::string part = one.values.size() > 1 ? fmt::format("{} ", ztb::fieldNames[field]) : "";
     part += NumberText(one.values[field]).view();
     if (changed) {
       part += fmt::format(" -> {}", NumberText(record.after.values[field]).view());
@@ -122,7 +122,7 @@ void printText(const DiffArguments& arguments, const DatabaseDifference& differe
 
 Json jsonContent(ztb::Type type, const RecordContent& content) {
   Json json = Json::object();
-  const std::vector<std::string> columns = contentColumns(type);
+  const std::vector<std::string> columns = ztb::contentColumns(type);
   if (type == ztb::Type::set) {
     json[columns.front()] = content.text;
   }

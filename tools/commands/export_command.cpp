@@ -6,6 +6,7 @@
 #include <string>
 #include <system_error>
 #include <vector>
+#include <ztb/column_names.hpp>
 
 #include "tools/commands/command_line.h"
 #include "tools/commands/commands.h"
@@ -14,7 +15,6 @@
 #include "tools/files/record_walk.h"
 #include "tools/tables/csv_writer.h"
 #include "tools/tables/manifest.h"
-#include "tools/tables/symbol_columns.h"
 #include "tools/text/failure.h"
 #include "tools/text/number_text.h"
 #include "tools/text/output.h"
@@ -89,10 +89,10 @@ std::size_t writeRecords(const std::filesystem::path& folder, const ExchangeFile
                          const FileSymbol& symbol, Progress& progress) {
   progress.step("writing " + recordsPath(folder, symbol.name).string());
   CsvWriter csv(recordsPath(folder, symbol.name).string());
-  for (const std::string& column : keyColumns(symbol.name, symbol.type, domainNames(symbol))) {
+  for (const std::string& column : ztb::keyColumns(symbol.name, symbol.type, domainNames(symbol))) {
     csv.field(column);
   }
-  for (const std::string& column : contentColumns(symbol.type)) {
+  for (const std::string& column : ztb::contentColumns(symbol.type)) {
     csv.field(column);
   }
   csv.endRecord();

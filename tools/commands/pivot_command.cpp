@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 #include <vector>
+#include <ztb/column_names.hpp>
 
 #include "tools/commands/command_line.h"
 #include "tools/commands/commands.h"
@@ -15,7 +16,6 @@
 #include "tools/files/slice_filter.h"
 #include "tools/tables/csv_writer.h"
 #include "tools/tables/pivot_cube.h"
-#include "tools/tables/symbol_columns.h"
 #include "tools/text/failure.h"
 #include "tools/text/number_text.h"
 #include "tools/text/output.h"
@@ -77,12 +77,12 @@ ztb::Field fieldOf(const std::optional<std::string>& word, const FileSymbol& sym
                                  *word, signature(symbol), typeWord(symbol.type)));
   }
   const auto* found = std::ranges::find_if(
-      fieldWords, [&](std::string_view known) { return sameFolded(known, *word); });
-  if (found == fieldWords.end()) {
+      ztb::fieldNames, [&](std::string_view known) { return sameFolded(known, *word); });
+  if (found == ztb::fieldNames.end()) {
     throw UsageError(fmt::format(
         "--field {}: is no field, expected level, marginal, lower, upper or scale", *word));
   }
-  return static_cast<ztb::Field>(found - fieldWords.begin());
+  return static_cast<ztb::Field>(found - ztb::fieldNames.begin());
 }
 
 // One side of the table: the combinations of labels that some record has, in the order of their
@@ -138,7 +138,7 @@ class PivotTable {
   explicit PivotTable(const PivotOptions& options)
       : file_(options.file),
         symbol_(file_.resolved(file_.symbol(options.symbol))),
-        keyColumns_(tool::keyColumns(symbol_.name, symbol_.type, domainNames(symbol_))) {
+        keyColumns_(ztb::keyColumns(symbol_.name, symbol_.type, domainNames(symbol_))) {
     if (symbol_.type == ztb::Type::set || symbol_.dimension == 0) {
       throw UsageError(
           fmt::format("{} is a {}; a table is made of a parameter, variable or "

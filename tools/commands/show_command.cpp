@@ -9,6 +9,7 @@
 #include <optional>
 #include <string>
 #include <vector>
+#include <ztb/column_names.hpp>
 
 #include "tools/commands/command_line.h"
 #include "tools/commands/commands.h"
@@ -18,7 +19,6 @@
 #include "tools/files/record_walk.h"
 #include "tools/files/slice_filter.h"
 #include "tools/tables/csv_writer.h"
-#include "tools/tables/symbol_columns.h"
 #include "tools/text/failure.h"
 #include "tools/text/json_text.h"
 #include "tools/text/number_text.h"
@@ -50,7 +50,7 @@ class ShownRecords {
         symbol_(file_.resolved(file_.symbol(options.symbol))),
         store_(options.store),
         head_(options.head),
-        keyColumns_(tool::keyColumns(symbol_.name, symbol_.type, domainNames(symbol_))),
+        keyColumns_(ztb::keyColumns(symbol_.name, symbol_.type, domainNames(symbol_))),
         walk_(file_, symbol_) {
     chooseContent(options.fields);
     if (options.slice) {
@@ -102,7 +102,7 @@ class ShownRecords {
   void chooseContent(const std::optional<std::string>& chosen) {
     if (!chosen) {
       contentColumns_ =
-          symbol_.isUniverse() ? std::vector<std::string>{} : tool::contentColumns(symbol_.type);
+          symbol_.isUniverse() ? std::vector<std::string>{} : ztb::contentColumns(symbol_.type);
       for (std::size_t field = 0; field < contentColumns_.size(); ++field) {
         fields_.push_back(field);
       }
@@ -115,14 +115,14 @@ class ShownRecords {
     }
     for (const std::string& word : splitAtCommas(*chosen)) {
       const auto* found = std::ranges::find_if(
-          fieldWords, [&](std::string_view field) { return sameFolded(field, word); });
-      if (found == fieldWords.end()) {
+          ztb::fieldNames, [&](std::string_view field) { return sameFolded(field, word); });
+      if (found == ztb::fieldNames.end()) {
         throw UsageError(fmt::format(
             "--field {}: '{}' is no field, expected level, marginal, lower, upper or scale",
             *chosen, word));
       }
       contentColumns_.emplace_back(*found);
-      fields_.push_back(static_cast<std::size_t>(found - fieldWords.begin()));
+      fields_.push_back(static_cast<std::size_t>(found - ztb::fieldNames.begin()));
     }
   }
 

@@ -5,8 +5,8 @@
 #include <cstdio>
 #include <span>
 #include <string_view>
+#include <ztb/column_names.hpp>
 
-#include "tools/tables/symbol_columns.h"
 #include "tools/text/json_text.h"
 #include "tools/text/output.h"
 #include "tools/text/table_printer.h"
@@ -140,7 +140,7 @@ void DomainCheck::eachOutside(const FileSymbol& symbol, const Use& use) const {
 void DomainCheck::printTable(const Found& found) const {
   const FileSymbol& symbol = *found.symbol;
   TablePrinter table;
-  for (const std::string& column : keyColumns(symbol.name, symbol.type, domainNames(symbol))) {
+  for (const std::string& column : ztb::keyColumns(symbol.name, symbol.type, domainNames(symbol))) {
     table.addColumn(column, TablePrinter::Align::left);
   }
   table.addColumn("outside", TablePrinter::Align::left);

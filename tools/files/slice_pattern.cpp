@@ -23,7 +23,7 @@ bool matchesWildcard(std::string_view pattern, std::string_view text) {
       star = inPattern++;
       starText = inText;
     } else if (inPattern < pattern.size() &&
-               foldChar(pattern[inPattern]) == foldChar(text[inText])) {
+               ztb::foldedChar(pattern[inPattern]) == ztb::foldedChar(text[inText])) {
       ++inPattern;
       ++inText;
     } else if (star != std::string_view::npos) {

@@ -5,11 +5,11 @@
 #include <filesystem>
 #include <numeric>
 #include <optional>
+#include <ztb/column_names.hpp>
 
 #include "tools/tables/csv_reader.h"
 #include "tools/tables/domain_argument.h"
 #include "tools/tables/manifest.h"
-#include "tools/tables/symbol_columns.h"
 #include "tools/text/failure.h"
 #include "tools/text/words.h"
 
@@ -65,7 +65,7 @@ void readRecords(const std::filesystem::path& folder, const FolderSymbol& symbol
                  RecordImport& records, ProblemList& problems) {
   CsvReader reader(recordsPath(folder, symbol.entry.name).string(), ',');
   const std::size_t keyCount = symbol.entry.domains.size();
-  const std::size_t contentCount = contentColumns(symbol.entry.type).size();
+  const std::size_t contentCount = ztb::contentColumns(symbol.entry.type).size();
   if (!reader.next(problems)) {
     problems.add(reader.path(), {}, "has no header line");
     return;

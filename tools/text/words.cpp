@@ -29,16 +29,6 @@ std::string beginningOf(std::string_view text) {
 
 }  // namespace
 
-std::string folded(std::string_view text) {
-  std::string result(text);
-  std::ranges::transform(result, result.begin(), foldChar);
-  return result;
-}
-
-bool sameFolded(std::string_view left, std::string_view right) {
-  return std::ranges::equal(left, right, {}, foldChar, foldChar);
-}
-
 bool startsFolded(std::string_view text, std::string_view prefix) {
   return text.size() >= prefix.size() && sameFolded(text.substr(0, prefix.size()), prefix);
 }

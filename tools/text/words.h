@@ -9,19 +9,14 @@
 #include <string>
 #include <string_view>
 #include <vector>
+#include <ztb/case_folding.hpp>
 #include <ztb/ztb.hpp>
 
 namespace tool {
 
-// A char with a capital ASCII letter made small.
-constexpr char foldChar(char c) {
-  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-// A text with the capital ASCII letters made small.
-std::string folded(std::string_view text);
-
-bool sameFolded(std::string_view left, std::string_view right);
+// Names and words compare as the database compares them.
+using ztb::folded;
+using ztb::sameFolded;
 bool startsFolded(std::string_view text, std::string_view prefix);
 
 // "set", "parameter", "variable", "equation", "alias".
@@ -31,10 +26,6 @@ std::optional<ztb::Type> typeOfWord(std::string_view word);
 // "map", "vector", "trie".
 std::string_view storeWord(ztb::Store store);
 std::optional<ztb::Store> storeOfWord(std::string_view word);
-
-// "level", "marginal", "lower", "upper", "scale", at the place of the field.
-inline constexpr std::array<std::string_view, ztb::fieldCount> fieldWords{
-    "level", "marginal", "lower", "upper", "scale"};
 
 // The beginning of a text, fit for a terminal, with "..." and its length behind it, as in
 // "aaaa... (1048576 bytes)".
