@@ -326,11 +326,29 @@ inline OwnedRecord storeFirstInTrie(const SymbolPlace& place, std::span<const in
 // Whether a record that exists is refused or handed out.
 enum class Present { refused, found };
 
+// Throws where the type has no defaults: those of a variable or equation go by its subtype, which
+// may be any number.
+inline void requireDefaults(const SymbolPlace& place, const char* operation) {
+  static constexpr int lastOfVariables = 9;
+  static constexpr int lastOfEquations = 6;
+  if (place.type != ZTB_VARIABLE && place.type != ZTB_EQUATION) {
+    return;
+  }
+  const int subtype = place.info(ZTB_SYMBOL_INFO_USER_INFO);
+  const int last = place.type == ZTB_VARIABLE ? lastOfVariables : lastOfEquations;
+  if (subtype < 0 || subtype > last) {
+    throw Error(operation, "subtype " + std::to_string(subtype) + " of symbol " + place.name() +
+                               " is outside [0," + std::to_string(last) + "]");
+  }
+}
+
 // Adds a record with the defaults of its type, and its labels where they are new. Throws before
 // anything has changed, labels included.
 inline OwnedRecord makeRecord(const SymbolPlace& place, const char* operation, KeyLabels labels,
                               Present present) {
+  requireOwnRecords(place, operation);
   requireLabels(place.database, operation, labels);
+  requireDefaults(place, operation);
   void* record = nullptr;
   if (place.onMap() && place.dimension > 0) {
     const auto make = present == Present::found ? c__ztbmergerecord : c__ztbaddrecord;
@@ -338,7 +356,6 @@ inline OwnedRecord makeRecord(const SymbolPlace& place, const char* operation, K
             operation);
     return {place.database, record};
   }
-  requireOwnRecords(place, operation);
   const int count = place.recordCount();
   OwnedRecord found = place.store == ZTB_STORAGE_VECTOR
                           ? findInVector(place, operation, labels, count)

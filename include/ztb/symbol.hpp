@@ -97,6 +97,16 @@ class Symbol {
     require(c__ztbcopysymbol(database(), handle(), from.handle()), "ztbCopySymbol");
   }
 
+  // What an alias stands for; any other symbol itself.
+  [[nodiscard]] Symbol unaliased() const {
+    if (type() != Type::alias) {
+      return *this;
+    }
+    void* target = nullptr;
+    require(c__ztbfindsymbol(database(), name().c_str(), &target), "ztbFindSymbol");
+    return {database(), target};
+  }
+
   // Walks over all records. An alias has none of its own: walk the set that it stands for.
   [[nodiscard]] Records records() const { return Records(first()); }
   [[nodiscard]] Rows rows() const { return {first(), keyCount(), rowValueCount()}; }
@@ -137,7 +147,8 @@ class Symbol {
   // Adds a record with the type's default values, and its labels where they are new. add throws
   // when the record exists, merge finds it with its values. Throws, with no label added, for a
   // label that is refused: too long, blank, empty (unless a file brought it), with a control
-  // character or both kinds of quotes. The vector takes records that come behind all others and
+  // character or both kinds of quotes; for an alias; for a variable or equation whose subtype
+  // has no default values. The vector takes records that come behind all others and
   // throws for those between.
   Record add(Keys keys) { return make("ztbAddRecord", keys, detail::Present::refused); }
   Record merge(Keys keys) { return make("ztbMergeRecord", keys, detail::Present::found); }
@@ -261,16 +272,6 @@ class Symbol {
     std::array<const char*, std::max<std::size_t>(count, 1)> pointers;
   };
 
-  // What an alias stands for; any other symbol itself.
-  [[nodiscard]] Symbol unaliased() const {
-    if (type() != Type::alias) {
-      return *this;
-    }
-    void* target = nullptr;
-    require(c__ztbfindsymbol(database(), name().c_str(), &target), "ztbFindSymbol");
-    return {database(), target};
-  }
-
   [[nodiscard]] std::size_t keyCount() const noexcept { return place_.positions(); }
   // The walk over the universe fills no values.
   [[nodiscard]] std::size_t rowValueCount() const {
@@ -331,6 +332,7 @@ class Symbol {
            int checkNumbers) {
     constexpr const char* operation = "ztbMergeRecordInt";
     checkCount(numbers.size(), operation);
+    detail::requireOwnRecords(place_, operation);
     if (place_.onMap()) {
       require(c__ztbmergerecordint(database(), handle(), numbers.data(), checkNumbers, 0, nullptr,
                                    1, values.data()),
@@ -342,7 +344,9 @@ class Symbol {
   void putElement(std::span<const int> numbers, const char* text, int checkNumbers) {
     constexpr const char* operation = "ztbMergeSetRecordInt";
     checkCount(numbers.size(), operation);
-    if (place_.onMap()) {
+    detail::requireOwnRecords(place_, operation);
+    // What is no set is refused by the library's own call.
+    if (place_.onMap() || place_.type != ZTB_SET) {
       require(c__ztbmergesetrecordint(database(), handle(), numbers.data(), checkNumbers, 0,
                                       nullptr, text),
               operation);

@@ -196,7 +196,8 @@ class Database {
                      ZString text = "") {
     return addSymbol(name, Type::equation, domains, text, subtype);
   }
-  // Adds a second name for a set or for the universe.
+  // Adds a second name for a set or for the universe, both of this database; for what an alias
+  // stands for when one is given. Throws for anything else.
   Symbol addAlias(ZString name, const Symbol& target, ZString text = "");
 
   // Chooses the store of symbols that are made or opened from now on.
@@ -287,16 +288,25 @@ inline Symbol Database::addSymbol(ZString name, Type type, DomainArguments domai
 }
 
 inline Symbol Database::addAlias(ZString name, const Symbol& target, ZString text) {
+  constexpr const char* operation = "ztbAddSymbol";
+  if (target.database() != handle_) {
+    throw Error(operation, "Symbol " + target.name().str() + " belongs to another database");
+  }
+  const Symbol set = target.unaliased();
+  if (set.type() != Type::set) {
+    throw Error(operation,
+                "Symbol " + set.name().str() + " is no set, which alone an alias can stand for");
+  }
   // The library wants the position of the target, which its number does not tell when it came from
   // a file. Any position that is not a set's stands for the universe.
   int position = symbolCount() - 1;
-  while (position >= 0 && !(symbolAt(position) == target)) {
+  while (position >= 0 && !(symbolAt(position) == set)) {
     --position;
   }
   void* handle = nullptr;
-  detail::require(c__ztbaddsymbol(handle_, name.c_str(), target.dimension(), ZTB_ALIAS, position,
+  detail::require(c__ztbaddsymbol(handle_, name.c_str(), set.dimension(), ZTB_ALIAS, position,
                                   text.c_str(), &handle),
-                  handle_, "ztbAddSymbol");
+                  handle_, operation);
   return {handle_, handle};
 }
 

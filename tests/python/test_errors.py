@@ -124,6 +124,19 @@ def test_sets_of_another_database_are_refused(diet):
             other.add_alias("a", diet["food"])
 
 
+def test_an_alias_stands_for_a_set_and_nothing_else(diet, tmp_path):
+    dish = diet.add_alias("dish", diet["food"])
+    diet.add_alias("meal", dish)
+    with pytest.raises(ValueError, match="holds.* is no set, which alone an alias can stand for"):
+        diet.add_alias("bad", diet["holds"])
+    with ztb.Database() as other, pytest.raises(ValueError, match="alias dish belongs to another"):
+        other.add_alias("bad", dish)
+    assert "bad" not in diet
+    diet.write(tmp_path / "a.rxf")
+    with ztb.open(tmp_path / "a.rxf") as copy:
+        assert copy["meal"] == copy["food"] and len(copy["meal"]) == 2
+
+
 def test_unknown_words_are_value_errors(db):
     with pytest.raises(ValueError, match="no store 'tree', expected one of map, vector, trie"):
         ztb.Database(store="tree")

@@ -1,5 +1,10 @@
 """Limits on the memory that the records of a file take."""
 
+import pathlib
+import shutil
+import subprocess
+import sys
+
 import pytest
 
 import ztb
@@ -67,3 +72,28 @@ def test_the_need_is_told_without_reading(path):
         ztb.memory_needed(path.parent / "none.rxf")
     with pytest.raises(ValueError, match="no store 'heap'"):
         ztb.memory_needed(path, store="heap")
+
+
+def test_a_limit_is_refused_where_databases_use_another_copy_of_the_library(path, tmp_path):
+    library = pathlib.Path(ztb.__file__).parents[2] / "lib" / "librxfcclib64.so"
+    shutil.copy(library, tmp_path)
+    # A process of its own, since a library that has been opened once stays open.
+    program = (
+        "import sys, ztb\n"
+        "file, folder = sys.argv[1:]\n"
+        "ztb.Database(file, system_directory=folder).close()\n"
+        "try:\n"
+        "    ztb.Database(file, system_directory=folder, max_memory=1)\n"
+        "except ztb.Error as error:\n"
+        "    print(error)\n"
+    )
+    result = subprocess.run(
+        [sys.executable, "-c", program, str(path), str(tmp_path)],
+        stdout=subprocess.PIPE,
+        text=True,
+        check=True,
+    )
+    assert result.stdout == (
+        "No memory limit can be set: databases use another exchange-file library than the one "
+        "that this program is linked with\n"
+    )

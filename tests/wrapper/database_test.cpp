@@ -135,6 +135,28 @@ TEST(Database, MakesAnAliasOfTheUniverse) {
   EXPECT_EQ(database.symbol("all"), database.universe());
 }
 
+TEST(Database, MakesAliasesOfSetsAlone) {
+  ztb::Database database;
+  ztb::Symbol p = database.addParameter("p", {"*"});
+  ztb::Symbol s = database.addSet("s", {"*", "*"});
+  const ztb::Symbol t = database.addAlias("t", s);
+  EXPECT_EQ(database.addAlias("u", t).dimension(), 2);
+  EXPECT_EQ(database.symbol("u"), s) << "what the alias stands for";
+  ztb::Database other;
+  const auto refusal = [&](const ztb::Symbol& target) -> std::string {
+    try {
+      database.addAlias("bad", target);
+    } catch (const ztb::Error& error) {
+      return error.what();
+    }
+    return "";
+  };
+  EXPECT_EQ(refusal(p), "Symbol p is no set, which alone an alias can stand for");
+  EXPECT_EQ(refusal(other.addSet("foreign", {"*"})), "Symbol foreign belongs to another database");
+  EXPECT_EQ(refusal(other.universe()), "Symbol * belongs to another database");
+  EXPECT_FALSE(database.findSymbol("bad"));
+}
+
 TEST(Database, MapsSpecialValues) {
   ztb::Database database;
   ztb::Symbol p = database.addParameter("p", {});

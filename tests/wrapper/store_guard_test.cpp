@@ -209,6 +209,56 @@ TEST_F(TrieGuard, RefusesATextThatIsTooLongAndKeepsTheOldOne) {
   EXPECT_EQ(s.find("a")->text(), "old");
 }
 
+// On every store.
+class Refusals : public testing::TestWithParam<ztb::Store> {
+ protected:
+  Refusals() { database_.selectStore(GetParam()); }
+
+  ztb::Database database_;
+};
+
+TEST_P(Refusals, ARecordThatFindsNoDefaultValuesLeavesNoLabels) {
+  ztb::Symbol x = database_.addVariable("x", 3, {"*"});
+  ztb::Symbol e = database_.addEquation("e", 0, {"*"});
+  x.add("a").setLevel(1);
+  x.setUserInfo(10);
+  e.setUserInfo(-1);
+  const std::string text = "subtype 10 of symbol x is outside [0,9]";
+  EXPECT_EQ(failure([&] { x.merge("new"); }), "ztbMergeRecord: " + text);
+  EXPECT_EQ(failure([&] { x.merge("a"); }), "ztbMergeRecord: " + text);
+  EXPECT_EQ(failure([&] { e.add("new"); }),
+            "ztbAddRecord: subtype -1 of symbol e is outside [0,6]");
+  EXPECT_EQ(database_.labelCount(), 1);
+  EXPECT_EQ(x.find("a")->level(), 1);
+}
+
+TEST_P(Refusals, AnAliasTakesNoRecords) {
+  ztb::Symbol s = database_.addSet("s", {"*"});
+  s.add("a");
+  ztb::Symbol t = database_.addAlias("t", s);
+  const std::array number{1};
+  const std::string text = "Symbol t is an alias, which has no records";
+  EXPECT_EQ(failure([&] { t.add("new"); }), "ztbAddRecord: " + text);
+  EXPECT_EQ(failure([&] { t.merge("a"); }), "ztbMergeRecord: " + text);
+  EXPECT_EQ(failure([&] { t.put(number, 1); }), "ztbMergeRecordInt: " + text);
+  EXPECT_EQ(failure([&] { t.putElement(number, ""); }), "ztbMergeSetRecordInt: " + text);
+  EXPECT_EQ(database_.labelCount(), 1);
+  EXPECT_FALSE(t.find("a"));
+}
+
+TEST_P(Refusals, WhatIsNoSetTakesNoElements) {
+  ztb::Symbol p = database_.addParameter("p", {"*"});
+  const std::array number{database_.mergeLabel("a")};
+  for (const char* text : {"text", static_cast<const char*>(nullptr)}) {
+    EXPECT_EQ(failure([&] { p.putElement(number, text); }),
+              "ztbMergeSetRecordInt: ztbMergeSetRecordInt can only be used with set symbols");
+  }
+  EXPECT_EQ(p.recordCount(), 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(Stores, Refusals,
+                         testing::Values(ztb::Store::map, ztb::Store::vector, ztb::Store::trie));
+
 TEST(WrapperLabels, BlankAndEmptyOnesAreRefusedOnTheWayIn) {
   ztb::Database database;
   ztb::Symbol p = database.addParameter("p", {"*", "*"});

@@ -19,6 +19,7 @@ Path = Union[str, "os.PathLike[str]"]
 _STORES = ("map", "vector", "trie")
 
 _FREE = 5
+_UNIVERSE = -1
 _VARIABLE_SUBTYPES = 10
 _EQUATION_SUBTYPES = 7
 
@@ -178,12 +179,19 @@ class Database:
         _require_below(_EQUATION_SUBTYPES, subtype)
         return cast(Equation, self._add(name, 3, domains, text, subtype))
 
-    def add_alias(self, name: str, target: Set) -> Alias:
-        """Adds a second name for a set."""
+    def add_alias(self, name: str, target: Union[Set, Alias]) -> Alias:
+        """Adds a second name for a set; for what an alias stands for when one is given."""
+        if isinstance(target, Alias):
+            if target._database is not self:
+                raise ValueError(f"alias {target.name} belongs to another database")
+            if target.set is None:
+                return self._add_alias(name, _UNIVERSE, 1)
+            target = target.set
+        if not isinstance(target, Set):
+            raise ValueError(f"{target!r} is no set, which alone an alias can stand for")
         for position in range(self._native.symbol_count()):
             if self._native.symbol_at(position) == target._native:
-                native = self._native.add_alias(name, position, target.dimension, "")
-                return cast(Alias, wrap(self, native))
+                return self._add_alias(name, position, target.dimension)
         raise ValueError(f"set {target.name} belongs to another database")
 
     # ---- helpers of this package ----
@@ -210,6 +218,9 @@ class Database:
         arguments = [self._domain_argument(domain) for domain in domains]
         native = self._native.add_symbol(name, kind, arguments, text, user_info)
         return cast("Symbol[Any]", wrap(self, native))
+
+    def _add_alias(self, name: str, position: int, dimension: int) -> Alias:
+        return cast(Alias, wrap(self, self._native.add_alias(name, position, dimension, "")))
 
     def _domain_argument(self, domain: DomainLike) -> Tuple[Optional[_native.Symbol], str]:
         if isinstance(domain, (Symbol, Alias)):
