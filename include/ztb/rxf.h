@@ -104,7 +104,7 @@ unsigned long long ztbRxfMemory(const ztbRxfFile* file, int symbol, int store);
  * the databases that the calling thread opens from then on, each for itself; 0, the default, is
  * none. A symbol whose records would go beyond it, by the estimate of ztbRxfMemory for the tree map
  * and with what was read before, cannot be read: "Limit exceeded: its 33554432 records need about
- * 2.1 GB in memory, the limit is 1 GB". Nothing has been taken then. What passes from file to file
+ * 2 GiB in memory, the limit is 1 GiB". Nothing has been taken then. What passes from file to file
  * when an unread symbol is written is not counted, nor is what is read by the functions here.
  * Gives the limit that the thread had before. */
 unsigned long long ztbRxfMemoryLimit(unsigned long long bytes);

@@ -31,14 +31,14 @@ def test_a_symbol_that_needs_more_is_refused_before_it_is_read(path):
                 len(db["p"])
             assert str(raised.value) == (
                 f"Symbol p could not be read from {path}: Limit exceeded: its 1000 records need "
-                "about 64 kB in memory, the limit is 64 kB"
+                "about 62.5 KiB in memory, the limit is 62.4 KiB"
             )
 
 
 def test_the_symbols_of_a_database_count_together(path):
     with ztb.open(path, max_memory="100k") as db:
         assert len(db["p"]) == 1000
-        with pytest.raises(ztb.Error, match="what was read before about 64 kB, the limit is 102.4 kB"):
+        with pytest.raises(ztb.Error, match="what was read before about 62.5 KiB, the limit is 100 KiB"):
             len(db["q"])
     with ztb.Database(path, max_memory="128K") as db:
         assert len(db["p"]) + len(db["q"]) == 2000

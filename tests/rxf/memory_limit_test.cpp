@@ -69,8 +69,9 @@ TEST_F(Limit, refusesASymbolThatNeedsMoreAndTellsWhat) {
   EXPECT_EQ(start(file, 1), -1);
   EXPECT_EQ(file.errorCount(), 1);
   EXPECT_EQ(file.takeLastError(), 29);
-  EXPECT_EQ(file.errorText(29),
-            "Limit exceeded: its 1000 records need about 64 kB in memory, the limit is 64 kB");
+  EXPECT_EQ(
+      file.errorText(29),
+      "Limit exceeded: its 1000 records need about 62.5 KiB in memory, the limit is 62.4 KiB");
 }
 
 TEST_F(Limit, countsEachSymbolOnceAndAllTogether) {
@@ -81,8 +82,8 @@ TEST_F(Limit, countsEachSymbolOnceAndAllTogether) {
   EXPECT_EQ(start(file, 1), 1000);
   EXPECT_EQ(start(file, 2), -1);
   EXPECT_EQ(file.errorText(29),
-            "Limit exceeded: its 1000 records need about 64 kB in memory, what was read before "
-            "about 64 kB, the limit is 100 kB");
+            "Limit exceeded: its 1000 records need about 62.5 KiB in memory, what was read before "
+            "about 62.5 KiB, the limit is 97.6 KiB");
 }
 
 TEST_F(Limit, isThatOfTheThreadAndTheTimeOfTheOpening) {
@@ -100,7 +101,7 @@ TEST_F(Limit, isThatOfTheThreadAndTheTimeOfTheOpening) {
   setLimit(0);
   EXPECT_EQ(start(after, 1), -1);
   EXPECT_EQ(after.errorText(29),
-            "Limit exceeded: its 1000 records need about 64 kB in memory, the limit is 1 bytes");
+            "Limit exceeded: its 1000 records need about 62.5 KiB in memory, the limit is 1 B");
 }
 
 TEST_F(Limit, isGivenBackWhenAnotherIsSet) {

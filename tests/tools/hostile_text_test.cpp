@@ -130,6 +130,36 @@ TEST_F(HostileTextTest, ArgumentsInMessages) {
           shown));
 }
 
+// An end of line would let a domain or a file say what the command has not said.
+TEST_F(HostileTextTest, NoNameSpeaksForTheCommand) {
+  const std::string domain = "x\nd.rxf: fine\x1b[2J\u202E";
+  const std::string shown = "x\\nd.rxf: fine\\x1b[2J<U+202E>";
+  const std::string file = "a\nd.rxf: fine";
+  const std::string shownFile = "a\\nd.rxf: fine";
+  for (const double level : {1., 2.}) {
+    ztb::Database database;
+    database.addParameter("cost", {domain}, "c").add("l").setLevel(level);
+    database.write(path(level == 1 ? "d.rxf" : file));
+  }
+  const std::string header = "parameter cost(" + shown + ")";
+  EXPECT_EQ(safely({"show", "d.rxf", "cost"}).substr(0, header.size()), header);
+  EXPECT_EQ(safely({"check", file, "--domains"}),
+            "cost(" + shown + "): position 1 is not checked: " + shown +
+                " is no set of one position in this file\n" + shownFile +
+                ": fine: 1 symbol, 1 label, 1 record\n");
+  EXPECT_EQ(safely({"diff", "d.rxf", file}),
+            "~ " + header +
+                "\n    records: 0 gone, 0 added, 1 changed\n    ~ (\"l\") 1 -> 2\n"
+                "d.rxf and " +
+                shownFile + " differ in 1 symbol\n");
+  const std::string counts = ": 1 symbol, 1 label, 1 record\n";
+  EXPECT_TRUE(safely({"info", file})
+                  .ends_with("\n" + shownFile + ": 1 symbol (1 parameter), 1 label, 1 record\n"));
+  EXPECT_EQ(safely({"copy", "d.rxf", "cost", file}), shownFile + counts);
+  EXPECT_EQ(safely({"export", "d.rxf", "--all", "--csv", "f\nolder"}), "f\\nolder" + counts);
+  EXPECT_EQ(safely({"import", file, "--dir", "f\nolder"}), shownFile + counts);
+}
+
 TEST_F(HostileTextTest, CellsOfTables) {
   write("t.csv", std::string("k,v\na,12\x1b[2J\x9b\nb,3\0"
                              "4\nc\x1b[2J,5\n",

@@ -1,7 +1,12 @@
 // ztb solve: models from files, data from a file and from the command line.
 #include <gmock/gmock.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include <array>
+#include <csignal>
 #include <string>
+#include <vector>
 #include <ztb/ztb.hpp>
 
 #include "tests/tools/program.h"
@@ -52,6 +57,27 @@ TEST_F(SolveTest, SetsParametersAndVariables) {
   EXPECT_EQ(objective({"--set", "demand[x]=5"}), "objective   15");
   EXPECT_EQ(objective({"--set", "rate(a)=1", "--set", "rate['b']=2"}), "objective   14");
   EXPECT_EQ(objective({"--set", "ship[a,x]=0"}), "objective   50");
+}
+
+TEST_F(SolveTest, WritesTheSolutionWhoeverReadsWhatIsPrinted) {
+  std::array<int, 2> ends{};
+  ASSERT_EQ(pipe(ends.data()), 0);
+  close(ends[0]);
+  const pid_t child = fork();
+  if (child == 0) {
+    dup2(ends[1], STDOUT_FILENO);
+    std::vector<const char*> argv{"ztb", "solve", "t.lp", "--out", "o.rxf"};
+    // Enough to be printed before the end.
+    for (int i = 0; i < 100; ++i) argv.insert(argv.end(), {"--show", "ship"});
+    argv.push_back(nullptr);
+    if (chdir(path(".").c_str()) == 0) execv(ZTB_PROGRAM, const_cast<char**>(argv.data()));
+    _exit(127);
+  }
+  close(ends[1]);
+  int status = 0;
+  waitpid(child, &status, 0);
+  EXPECT_EQ(WIFSIGNALED(status) ? WTERMSIG(status) : 0, SIGPIPE);
+  EXPECT_EQ(ztb::Database::open(path("o.rxf")).symbol("ship").find("a", "x")->level(), 6);
 }
 
 TEST_F(SolveTest, ShowsTheSolution) {

@@ -71,6 +71,41 @@ TEST_F(SweepGuardTest, ALockThatIsALinkIsNotFollowed) {
   EXPECT_EQ(read("mine"), "kept");
 }
 
+TEST_F(SweepGuardTest, ALockThatIsAnotherNameOfAFileIsNotWrittenTo) {
+  makeScenarios(1, {});
+  write("mine", "kept");
+  std::filesystem::create_hard_link(path("mine"), path(".out.rxf.lock"));
+  expectFails(1,
+              "ztb: " + std::filesystem::canonical(path(".")).string() +
+                  "/.out.rxf.lock: is no lock of a sweep; move it away\n",
+              sweep());
+  EXPECT_EQ(read("mine"), "kept");
+}
+
+TEST_F(SweepGuardTest, AnInputIsNoPipe) {
+  makeScenarios(1, {});
+  ASSERT_EQ(mkfifo(path("pipe").c_str(), 0600), 0);
+  expectFails(1, "ztb: pipe: cannot be read: it is no regular file\n",
+              sweep({"--model-data", "pipe"}));
+}
+
+// The worker that takes over reads the files anew. That the right ones stand there when the sweep
+// ends would not tell.
+TEST_F(SweepGuardTest, AWorkerThatTakesOverReadsNoOtherFile) {
+  makeScenarios(2, {});
+  std::filesystem::rename(path("sc.rxf"), path("other"));
+  makeScenarios(2, {1, 2});
+  BackgroundProgram run(path("."), sweep({"--jobs", "2"}), "errors");
+  while (run.children().size() < 2) {
+  }
+  std::filesystem::rename(path("other"), path("sc.rxf"));
+  ::kill(run.children().front(), SIGKILL);
+  EXPECT_FALSE(run.waitForFile("out.rxf")) << "a part or a result";
+  EXPECT_EQ(run.wait(), 1);
+  EXPECT_THAT(read("errors"), HasSubstr("ztb: out.rxf: another scenario file stood in its place "
+                                        "while the sweep ran"));
+}
+
 TEST_F(SweepGuardTest, APartOfOtherInputsThatAppearsOnTheWayIsNotCollected) {
   write("out.rxf", "an older result");
   makeScenarios(1, {});

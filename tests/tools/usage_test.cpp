@@ -1,4 +1,8 @@
+#include <sys/wait.h>
+
+#include <cstdlib>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "tests/tools/program.h"
@@ -26,6 +30,36 @@ TEST_F(UsageTest, HelpOfEveryCommandHasAnExample) {
 
 TEST_F(UsageTest, VersionIsPrinted) {
   EXPECT_EQ(ztbFine({"--version"}), "ztb 5.0.0\n");
+}
+
+TEST_F(UsageTest, HelpThatCannotBePrintedIsAFailure) {
+  for (const std::string option : {"--help", "--version", "show --help"}) {
+    const int status = std::system(
+        (std::string(ZTB_PROGRAM) + " " + option + " > /dev/full 2> " + path("err")).c_str());
+    EXPECT_EQ(WEXITSTATUS(status), 1) << option;
+    EXPECT_EQ(read("err"), "ztb: standard output: cannot be written: No space left on device\n");
+  }
+}
+
+// As of a variable of the shell that is not set.
+TEST_F(UsageTest, AnEmptyArgumentIsNotAnOptionLeftOut) {
+  const std::vector<std::string> sweep{"sweep",  "m.lp", "--scenarios", "s",
+                                       "--over", "s",    "--out",       "o"};
+  for (const auto& [command, option] :
+       std::vector<std::pair<std::vector<std::string>, std::string>>{
+           {{"solve", "m.lp"}, "--data"},
+           {{"solve", "m.lp"}, "--model-data"},
+           {{"solve", "m.lp"}, "--out"},
+           {{"solve", "m.lp"}, "--solver"},
+           {sweep, "--model-data"},
+           {sweep, "--solver"}}) {
+    std::vector<std::string> arguments = command;
+    arguments.insert(arguments.end(), {option, ""});
+    expectFails(
+        2,
+        "ztb: " + option + ": an empty argument is given; see ztb " + command.front() + " --help\n",
+        arguments);
+  }
 }
 
 TEST_F(UsageTest, WrongUsageEndsWithTwo) {

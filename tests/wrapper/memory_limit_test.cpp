@@ -49,7 +49,7 @@ std::string failureOf(Use use) {
 TEST_F(MemoryLimitTest, RefusesWhatNeedsMoreBeforeItTakesIt) {
   const ztb::Database database = ztb::Database::open(path_, {.maxMemory = 63'999});
   const std::string text =
-      refusal("p", "its 1000 records need about 64 kB in memory, the limit is 64 kB");
+      refusal("p", "its 1000 records need about 62.5 KiB in memory, the limit is 62.4 KiB");
   const ztb::Symbol p = database.symbol("p");
   EXPECT_EQ(failureOf([&] { static_cast<void>(p.recordCount()); }), text);
   EXPECT_EQ(failureOf([&] { static_cast<void>(p.find("l1")); }), text);
@@ -59,10 +59,11 @@ TEST_F(MemoryLimitTest, CountsTheSymbolsOfADatabaseTogether) {
   ztb::Database database;
   database.openFile(path_, {.maxMemory = 100'000});
   EXPECT_EQ(database.symbol("p").find("l999")->level(), 1000);
-  EXPECT_EQ(failureOf([&] { static_cast<void>(database.symbol("q").recordCount()); }),
-            refusal("q",
-                    "its 1000 records need about 64 kB in memory, what was read before about 64 "
-                    "kB, the limit is 100 kB"));
+  EXPECT_EQ(
+      failureOf([&] { static_cast<void>(database.symbol("q").recordCount()); }),
+      refusal("q",
+              "its 1000 records need about 62.5 KiB in memory, what was read before about 62.5 "
+              "KiB, the limit is 97.6 KiB"));
   EXPECT_EQ(database.symbol("p").recordCount(), 1000);
   const ztb::Database enough = ztb::Database::open(path_, {.maxMemory = 128'000});
   EXPECT_EQ(enough.symbol("p").recordCount(), 1000);

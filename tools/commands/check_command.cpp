@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <vector>
+#include <ztb/display_text.hpp>
 
 #include "tools/commands/command_line.h"
 #include "tools/commands/commands.h"
@@ -49,9 +50,10 @@ std::string summary(const ExchangeFile& file) {
   for (const FileSymbol& symbol : file.symbols()) {
     records += symbol.isAlias() ? 0 : symbol.recordCount;
   }
-  return fmt::format(
-      "{}: fine: {}, {}, {}\n", file.path(), counted(file.symbols().size(), "symbol"),
-      counted(static_cast<std::size_t>(file.labelCount()), "label"), counted(records, "record"));
+  return fmt::format("{}: fine: {}, {}, {}\n", ztb::displayText(file.path()),
+                     counted(file.symbols().size(), "symbol"),
+                     counted(static_cast<std::size_t>(file.labelCount()), "label"),
+                     counted(records, "record"));
 }
 
 struct CheckOptions {

@@ -6,9 +6,11 @@
 #include <charconv>
 #include <limits>
 #include <numeric>
+#include <sstream>
 #include <utility>
 
 #include "tools/text/failure.h"
+#include "tools/text/output.h"
 
 namespace tool {
 
@@ -118,6 +120,13 @@ Option& Option::defaultText(const std::string& text) {
   return *this;
 }
 
+Option& Option::notEmpty() {
+  option_->check(CLI::Validator(
+      [](const std::string& text) { return text.empty() ? "an empty argument is given" : ""; },
+      ""));
+  return *this;
+}
+
 Option& Option::excludes(const Option& other) {
   option_->excludes(other.option_);
   return *this;
@@ -220,7 +229,10 @@ int CommandLine::run(int argc, char** argv) {
     app_->parse(argc, argv);
   } catch (const CLI::ParseError& error) {
     if (error.get_exit_code() == 0) {
-      return app_->exit(error);
+      std::ostringstream text;
+      app_->exit(error, text, text);
+      print(text.str());
+      return 0;
     }
     throw UsageError(usageText(*app_, error));
   }

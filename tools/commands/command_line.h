@@ -27,6 +27,9 @@ class Option {
   Option& typeName(const std::string& name);
   // The value that the help shows as the one without the option.
   Option& defaultText(const std::string& text);
+  // Refuses an empty word, as a shell makes it of a variable that is not set: taken for an option
+  // left out, it would leave data out or a result unwritten without a word.
+  Option& notEmpty();
   // Both on one command line are wrong usage.
   Option& excludes(const Option& other);
 

@@ -6,6 +6,7 @@
 #include <string>
 #include <system_error>
 #include <vector>
+#include <ztb/display_text.hpp>
 
 #include "tools/commands/command_line.h"
 #include "tools/commands/commands.h"
@@ -222,7 +223,7 @@ void runCopy(const CopyOptions& options) {
   } catch (const ztb::Error& failure) {
     throw Failure(withFile(target, failure.what()));
   }
-  print(fmt::format("{}: {}, {}, {}\n", target, counted(symbols.size(), "symbol"),
+  print(fmt::format("{}: {}, {}, {}\n", ztb::displayText(target), counted(symbols.size(), "symbol"),
                     counted(static_cast<std::size_t>(copy.labelCount()), "label"),
                     counted(copy.recordCount(), "record")));
 }

@@ -115,8 +115,8 @@ void printText(const DiffArguments& arguments, const DatabaseDifference& differe
     print(fmt::format("no difference: {}, {}\n", counted(difference.comparedSymbols, "symbol"),
                       counted(difference.comparedRecords, "record")));
   } else {
-    print(fmt::format("{} and {} differ in {}\n", arguments.before, arguments.after,
-                      counted(difference.symbols.size(), "symbol")));
+    print(fmt::format("{} and {} differ in {}\n", printable(arguments.before),
+                      printable(arguments.after), counted(difference.symbols.size(), "symbol")));
   }
 }
 

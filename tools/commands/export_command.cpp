@@ -7,6 +7,7 @@
 #include <system_error>
 #include <vector>
 #include <ztb/column_names.hpp>
+#include <ztb/display_text.hpp>
 
 #include "tools/commands/command_line.h"
 #include "tools/commands/commands.h"
@@ -135,9 +136,9 @@ void runExport(const ExportOptions& options) {
     }
   }
   writeManifest(folder, entries);
-  print(fmt::format("{}: {}, {}, {}\n", options.folder, counted(symbols.size(), "symbol"),
-                    counted(static_cast<std::size_t>(file.labelCount()), "label"),
-                    counted(records, "record")));
+  print(fmt::format(
+      "{}: {}, {}, {}\n", ztb::displayText(options.folder), counted(symbols.size(), "symbol"),
+      counted(static_cast<std::size_t>(file.labelCount()), "label"), counted(records, "record")));
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <vector>
+#include <ztb/display_text.hpp>
 
 #include "tools/commands/command_line.h"
 #include "tools/commands/commands.h"
@@ -105,7 +106,7 @@ void runImport(const ImportOptions& options) {
     throw Failure(fmt::format("{}: not written: {} in the input", options.out,
                               counted(problems.count(), "problem")));
   }
-  print(fmt::format("{}: {}, {}, {}\n", options.out,
+  print(fmt::format("{}: {}, {}, {}\n", ztb::displayText(options.out),
                     counted(static_cast<std::size_t>(database.symbolCount()), "symbol"),
                     counted(static_cast<std::size_t>(database.labelCount()), "label"),
                     counted(records.recordCount(), "record")));

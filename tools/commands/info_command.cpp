@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <vector>
+#include <ztb/display_text.hpp>
 
 #include "tools/commands/command_line.h"
 #include "tools/commands/commands.h"
@@ -115,7 +116,8 @@ void printTotals(const ExchangeFile& file, const Totals& totals) {
     }
   }
   const std::string ofKinds = kinds.empty() ? "" : fmt::format(" ({})", fmt::join(kinds, ", "));
-  print(fmt::format("{}: {}{}, {}, {}\n", file.path(), counted(totals.symbols, "symbol"), ofKinds,
+  print(fmt::format("{}: {}{}, {}, {}\n", ztb::displayText(file.path()),
+                    counted(totals.symbols, "symbol"), ofKinds,
                     counted(static_cast<std::size_t>(file.labelCount()), "label"),
                     counted(totals.records, "record")));
 }

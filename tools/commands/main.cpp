@@ -3,6 +3,7 @@
 #include <csignal>
 #include <cstdio>
 #include <exception>
+#include <new>
 #include <string>
 #include <ztb/display_text.hpp>
 
@@ -61,6 +62,7 @@ int fail(const std::string& text, int status) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  tool::occupyStandardStreams();
 #ifdef SIGXFSZ
   // A limit on the size of files is then an error of the write.
   std::signal(SIGXFSZ, SIG_IGN);
@@ -72,6 +74,8 @@ int main(int argc, char** argv) {
     return run(argc, argv);
   } catch (const tool::UsageError& error) {
     return fail(textOf(error), tool::exitUsage);
+  } catch (const std::bad_alloc&) {
+    return fail("out of memory", tool::exitFailed);
   } catch (const std::exception& error) {
     return fail(textOf(error), tool::exitFailed);
   }

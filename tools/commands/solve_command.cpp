@@ -114,6 +114,15 @@ void run(const SolveOptions& options) {
   }
 
   ztb::Model& model = session.model();
+  // Before anything is printed, since a reader who has seen enough ends this process.
+  if (model.hasSolution() && !options.out.empty()) {
+    progress.step("writing " + options.out);
+    try {
+      session.database().write(options.out);
+    } catch (const ztb::Error& error) {
+      throw Failure(withFile(options.out, error.what()));
+    }
+  }
   if (model.hasSolution()) {
     print(fmt::format("objective   {}\n", NumberText(model.objective()).view()));
   }
@@ -128,14 +137,6 @@ void run(const SolveOptions& options) {
   for (const std::string& name : options.shown) {
     showSymbol(solvedSymbol(session, session.database(), name));
   }
-  if (!options.out.empty()) {
-    progress.step("writing " + options.out);
-    try {
-      session.database().write(options.out);
-    } catch (const ztb::Error& error) {
-      throw Failure(withFile(options.out, error.what()));
-    }
-  }
 }
 
 }  // namespace
@@ -144,16 +145,20 @@ void addSolveCommand(CommandLine& line) {
   auto options = std::make_shared<SolveOptions>();
   Command command = line.add("solve", "Solve a model, with data from a file");
   command.text("MODEL", options->model, "Model file: .lp, .mps, .mps.gz or .mod").required();
-  command.text("--model-data", options->modelData, "Data file of a .mod model");
-  command.text("--data", options->data,
-               "RXF file: parameters NAME drive the model's columns NAME_var; variables "
-               "give bounds and levels, equations levels");
+  command.text("--model-data", options->modelData, "Data file of a .mod model").notEmpty();
+  command
+      .text("--data", options->data,
+            "RXF file: parameters NAME drive the model's columns NAME_var; variables "
+            "give bounds and levels, equations levels")
+      .notEmpty();
   command.texts("--set", options->settings, "Set one value, as in \"demand[oslo]=30\"");
-  command.text("--solver", options->solver,
-               "Solver of the catalogue; without it clp for linear models, cbc with "
-               "integers, ipopt with products of columns");
+  command
+      .text("--solver", options->solver,
+            "Solver of the catalogue; without it clp for linear models, cbc with "
+            "integers, ipopt with products of columns")
+      .notEmpty();
   command.texts("--option", options->options, "Option of the solver, as in TimeLimit=60");
-  command.text("--out", options->out, "Write parameters and solution to this RXF file");
+  command.text("--out", options->out, "Write parameters and solution to this RXF file").notEmpty();
   command.texts("--show", options->shown, "Print the solution of a variable or equation");
   addMemoryOption(command);
   command.footer(

@@ -53,7 +53,12 @@ class Sweep {
     const Clock::time_point start = Clock::now();
     const std::vector<std::size_t> pending = prepare();
     SweepCrew crew(options_, scenarios_, inputs_);
-    crew.solve(pending, firstPart_);
+    try {
+      crew.solve(pending, firstPart_);
+    } catch (const Failure&) {
+      requireSameInputs();
+      throw;
+    }
     requireSameInputs();
     SweepResults results(scenarios_.over(), scenarios_.text(), inputs_);
     collect(results);
@@ -233,12 +238,15 @@ void addSweepCommand(CommandLine& line) {
       .typeName("SET")
       .required();
   command.text("--out", options->out, "RXF file to make").typeName("FILE").required();
-  command.text("--model-data", options->modelData, "Data file of a .mod").typeName("FILE");
+  command.text("--model-data", options->modelData, "Data file of a .mod")
+      .typeName("FILE")
+      .notEmpty();
   command
       .text("--solver", options->solver,
             "Solver of the catalogue; without it clp for linear models, cbc with integers, "
             "ipopt with products")
-      .typeName("NAME");
+      .typeName("NAME")
+      .notEmpty();
   command
       .texts("--report", options->reports,
              "Variable or equation whose levels and marginals are kept; may be repeated")

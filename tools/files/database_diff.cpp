@@ -6,10 +6,13 @@
 #include <algorithm>
 #include <cmath>
 #include <compare>
+#include <new>
 #include <span>
 
+#include "tools/files/memory_room.h"
 #include "tools/files/record_walk.h"
 #include "tools/tables/record_table.h"
+#include "tools/text/failure.h"
 #include "tools/text/number_text.h"
 #include "tools/text/words.h"
 
@@ -26,15 +29,16 @@ class Side {
       : walk_(file, symbol), numbers_(numbers), isSet_(symbol.type == ztb::Type::set) {
     progress.step(fmt::format("reading {} of {}", symbol.name, file.path()));
     if (!inOrder) {
-      table_.emplace(static_cast<std::size_t>(symbol.dimension),
-                     isSet_ ? 0 : static_cast<std::size_t>(symbol.valueCount));
-      while (walk_.next()) {
-        number();
-        table_->add(keys_, isSet_ ? std::span<const double>() : walk_.values(),
-                    isSet_ ? walk_.text() : std::string_view());
-        progress.count(table_->size());
+      MemoryRoom(file).take(symbol);
+      try {
+        takeIn(symbol, progress);
+      } catch (const std::bad_alloc&) {
+        table_.reset();
+        throw Failure(withFile(
+            file.path(), fmt::format("symbol {}: its {} do not fit into memory, where they are "
+                                     "sorted",
+                                     symbol.name, counted(symbol.recordCount, "record"))));
       }
-      order_ = table_->order();
     }
     next();
   }
@@ -68,6 +72,18 @@ class Side {
   }
 
  private:
+  void takeIn(const FileSymbol& symbol, Progress& progress) {
+    table_.emplace(static_cast<std::size_t>(symbol.dimension),
+                   isSet_ ? 0 : static_cast<std::size_t>(symbol.valueCount));
+    while (walk_.next()) {
+      number();
+      table_->add(keys_, isSet_ ? std::span<const double>() : walk_.values(),
+                  isSet_ ? walk_.text() : std::string_view());
+      progress.count(table_->size());
+    }
+    order_ = table_->order();
+  }
+
   // Gives the keys of the record at hand their common numbers.
   void number() {
     keys_.clear();

@@ -172,7 +172,7 @@ void DomainCheck::print() const {
     tool::print(
         fmt::format("{}: position {} is not checked: {} is no set of one position in this file\n",
                     signature(*unchecked.symbol), unchecked.position + 1,
-                    unchecked.symbol->domains[unchecked.position].name));
+                    printable(unchecked.symbol->domains[unchecked.position].name)));
   }
 }
 

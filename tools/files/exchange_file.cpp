@@ -3,6 +3,8 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
+#include <ztb/display_text.hpp>
+
 #include "tools/text/failure.h"
 
 namespace tool {
@@ -86,7 +88,11 @@ std::string signature(const FileSymbol& symbol) {
   if (symbol.dimension == 0 || symbol.isUniverse()) {
     return symbol.name;
   }
-  return fmt::format("{}({})", symbol.name, fmt::join(domainNames(symbol), ", "));
+  std::vector<std::string> domains = domainNames(symbol);
+  for (std::string& domain : domains) {
+    domain = ztb::displayText(domain);
+  }
+  return fmt::format("{}({})", symbol.name, fmt::join(domains, ", "));
 }
 
 }  // namespace tool

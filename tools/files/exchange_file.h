@@ -74,7 +74,8 @@ class ExchangeFile {
   FileSymbol universe_;
 };
 
-// "price(food)", "nutrition(food, nutrient)", "pi" for a scalar, "*" for the universe.
+// "price(food)", "nutrition(food, nutrient)", "pi" for a scalar, "*" for the universe; fit for a
+// terminal, whatever the domains are called.
 std::string signature(const FileSymbol& symbol);
 
 // Names of the domains of a symbol, one for each position; "*" stands for the universe, and for any

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <array>
+#include <cmath>
 
 #include "tools/text/failure.h"
 #include "tools/text/words.h"
@@ -17,13 +18,15 @@ unsigned long long limitOfThread() {
   return limit;
 }
 
-// "64 kB", "2.1 GB".
-std::string sizeText(unsigned long long bytes) {
-  static constexpr std::array<const char*, 5> units{"bytes", "kB", "MB", "GB", "TB"};
+// "62.5 KiB", "2 GiB": powers of 1024, as --max-memory takes them. `round` is std::ceil for what is
+// needed and std::floor for what there is, so that a need never reads like a limit that it is
+// above.
+std::string sizeText(unsigned long long bytes, double (*round)(double)) {
+  static constexpr std::array<const char*, 5> units{"B", "KiB", "MiB", "GiB", "TiB"};
   auto size = static_cast<double>(bytes);
   std::size_t unit = 0;
-  for (; size >= 1000 && unit + 1 < units.size(); ++unit) size /= 1000;
-  std::string number = fmt::format("{:.1f}", size);
+  for (; size >= 1024 && unit + 1 < units.size(); ++unit) size /= 1024;
+  std::string number = fmt::format("{:.1f}", round(size * 10) / 10);
   if (number.ends_with(".0")) number.resize(number.size() - 2);
   return number + ' ' + units.at(unit);
 }
@@ -37,12 +40,13 @@ void MemoryRoom::take(const FileSymbol& symbol) {
       ztbRxfMemory(file_.file().handle(), symbol.number, static_cast<int>(ztb::Store::map));
   if (used_ > limit || needed > limit - used_) {
     const std::string before =
-        used_ == 0 ? "" : fmt::format(", what was read before about {}", sizeText(used_));
+        used_ == 0 ? ""
+                   : fmt::format(", what was read before about {}", sizeText(used_, std::ceil));
     throw Failure(withFile(
         file_.path(),
         fmt::format("symbol {}: {} need about {} in memory{}, the limit is {} (--max-memory)",
-                    symbol.name, counted(symbol.recordCount, "record"), sizeText(needed), before,
-                    sizeText(limit))));
+                    symbol.name, counted(symbol.recordCount, "record"), sizeText(needed, std::ceil),
+                    before, sizeText(limit, std::floor))));
   }
   used_ += needed;
 }

@@ -4,9 +4,11 @@
 
 #include <array>
 #include <cstdint>
+#include <filesystem>
 #include <fstream>
 #include <memory>
 #include <new>
+#include <system_error>
 
 #define XXH_INLINE_ALL
 #include <xxhash.h>
@@ -40,6 +42,11 @@ std::uint64_t ofFile(const std::string& path) {
     void operator()(XXH3_state_t* state) const { XXH3_freeState(state); }
   };
   const std::unique_ptr<XXH3_state_t, FreeState> state(XXH3_createState());
+  // A pipe gives its content only once, and others read the file as well.
+  std::error_code error;
+  if (std::filesystem::exists(path, error) && !std::filesystem::is_regular_file(path, error)) {
+    throw Failure(withFile(path, "cannot be read: it is no regular file"));
+  }
   std::ifstream in(path, std::ios::binary);
   std::array<char, 65536> buffer{};
   if (!state || XXH3_64bits_reset(state.get()) != XXH_OK) {

@@ -41,7 +41,8 @@ fs::path lockOf(const std::string& out) {
   std::error_code error;
   const fs::path folder =
       fs::canonical(result.has_parent_path() ? result.parent_path() : ".", error);
-  return (error ? result.parent_path() : folder) / fmt::format(".{}.lock", result.filename().string());
+  return (error ? result.parent_path() : folder) /
+         fmt::format(".{}.lock", result.filename().string());
 }
 
 }  // namespace
@@ -72,11 +73,16 @@ SweepLock::~SweepLock() {
 }
 
 void SweepLock::open() {
-  descriptor_ = ::open(path_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0644);
+  descriptor_ = ::open(path_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0644);
   if (descriptor_ < 0) {
     const fs::path folder = fs::path(out_).parent_path();
     const bool noFolder = errno == ENOENT || errno == ENOTDIR;
     throw Failure(withFile(noFolder ? folder.string() : path_.string(), std::strerror(errno)));
+  }
+  struct stat opened {};
+  if (::fstat(descriptor_, &opened) != 0 || !S_ISREG(opened.st_mode) || opened.st_nlink > 1) {
+    ::close(std::exchange(descriptor_, -1));
+    throw Failure(withFile(path_.string(), "is no lock of a sweep; move it away"));
   }
 }
 

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "tools/models/model_session.h"
+#include "tools/sweep/sweep_inputs.h"
 #include "tools/sweep/sweep_parts.h"
 #include "tools/sweep/sweep_results.h"
 #include "tools/text/failure.h"
@@ -28,7 +29,9 @@ class SweepWorker {
  public:
   SweepWorker(const SweepOptions& options, const SweepScenarios& scenarios,
               const std::string& inputs, const SweepWork& work, const WorkerChannel& channel)
-      : scenarios_(scenarios),
+      : options_(options),
+        scenarios_(scenarios),
+        inputs_(inputs),
         work_(work),
         channel_(channel),
         session_(options.model, options.modelData),
@@ -48,8 +51,9 @@ class SweepWorker {
     }
   }
 
-  void run(const std::string& scenarioFile) {
-    ScenarioData data(scenarioFile, scenarios_, work_.chosen, session_);
+  void run() {
+    ScenarioData data(options_.scenarios, scenarios_, work_.chosen, session_);
+    requireSameInputs();
     for (std::size_t place = 0; place < work_.chosen.size(); ++place) {
       if (place == work_.publishBefore && unpublished_ > 0) {
         publish();
@@ -70,6 +74,16 @@ class SweepWorker {
   }
 
  private:
+  // This worker opened the files by itself, and maybe long after the sweep began: others may stand
+  // in their places, and the ones of before again at the end.
+  void requireSameInputs() const {
+    const std::string difference = sweepInputsDifference(sweepInputs(options_), inputs_);
+    if (!difference.empty()) {
+      throw Failure(withFile(options_.out,
+                             fmt::format("{} stood in its place while the sweep ran", difference)));
+    }
+  }
+
   void addReport(const std::string& name) {
     const auto symbol = session_.database().findSymbol(name);
     if (!symbol ||
@@ -124,7 +138,9 @@ class SweepWorker {
     channel_.send(SweepMessage::published);
   }
 
+  const SweepOptions& options_;
   const SweepScenarios& scenarios_;
+  const std::string& inputs_;
   const SweepWork& work_;
   const WorkerChannel& channel_;
   ModelSession session_;
@@ -144,7 +160,7 @@ class SweepWorker {
 void runSweepWorker(const SweepOptions& options, const SweepScenarios& scenarios,
                     const std::string& inputs, const SweepWork& work,
                     const WorkerChannel& channel) {
-  SweepWorker(options, scenarios, inputs, work, channel).run(options.scenarios);
+  SweepWorker(options, scenarios, inputs, work, channel).run();
 }
 
 }  // namespace tool

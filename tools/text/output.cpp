@@ -1,5 +1,6 @@
 #include "tools/text/output.h"
 
+#include <fcntl.h>
 #include <fmt/format.h>
 
 #include <cerrno>
@@ -11,6 +12,14 @@
 #include "tools/text/failure.h"
 
 namespace tool {
+
+void occupyStandardStreams() {
+  for (int stream = 0; stream <= 2; ++stream) {
+    if (fcntl(stream, F_GETFD) < 0) {
+      static_cast<void>(open("/dev/null", stream == 0 ? O_WRONLY : O_RDONLY));
+    }
+  }
+}
 
 void print(std::string_view text) {
   while (!text.empty()) {
