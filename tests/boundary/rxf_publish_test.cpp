@@ -155,7 +155,8 @@ TEST_F(PublishRxf, aMountPointCannotBeReplacedAndTheWriteSaysSo) {
   expectOldFileAlone();
 }
 
-// Only root can become another user; tests/rxf has the same with system calls that answer so.
+// Only root can become another user; tests/rxf/output_file_test.cpp has the same with system calls
+// that answer so.
 TEST_F(PublishRxf, aFileOfAnotherUserInAStickyFolderCannotBeReplacedAndTheWriteSaysSo) {
   if (geteuid() == 0) {
     ASSERT_EQ(0, chmod(folder.path().c_str(), 01777));

@@ -6,6 +6,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
+
 #include "providers/rxf/failure.h"
 #include "tests/rxf/temp_folder.h"
 
@@ -211,6 +213,43 @@ TEST(OutputFile, whatCannotBeReplacedIsToldApart) {
   EXPECT_EQ(openingError("/dev/null"), ErrorNumber::notRegularFile);
   ASSERT_EQ(mkfifo(folder.file("pipe").c_str(), 0600), 0);
   EXPECT_EQ(openingError(folder.file("pipe")), ErrorNumber::notRegularFile);
+}
+
+// As it is for a user who is not root and owns neither the file nor its sticky folder.
+class StickyFolder : public SystemCalls {
+ public:
+  int stat(const char* path, struct stat* status) override {
+    const int result = SystemCalls::stat(path, status);
+    status->st_uid = geteuid() + 1;
+    if (S_ISDIR(status->st_mode)) status->st_mode |= S_ISVTX;
+    return result;
+  }
+  int rename(const char*, const char*) override {
+    errno = EPERM;
+    return -1;
+  }
+};
+
+TEST(OutputFile, aFileOfAnotherUserInAStickyFolderCannotBeReplaced) {
+  const TempFolder folder;
+  writeFile(folder.file("x"), "old");
+  StickyFolder calls;
+  {
+    OutputFile file(calls, folder.file("x"));
+    file.append("new", 3);
+    file.sync();
+    try {
+      file.publish();
+      ADD_FAILURE() << "published";
+    } catch (const Failure& failure) {
+      EXPECT_EQ(failure.number(), ErrorNumber::noPermission);
+      EXPECT_EQ(std::string(failure.what()),
+                folder.file("x") +
+                    " cannot be replaced: it belongs to another user and lies in a sticky folder");
+    }
+  }
+  EXPECT_EQ(readFile(folder.file("x")), "old");
+  EXPECT_EQ(folder.names(), std::vector<std::string>{"x"});
 }
 
 TEST(OutputFile, rewindingDropsWhatStoodBehind) {

@@ -137,6 +137,36 @@ TEST_F(ToolAirRoutesTest, ofOneAirlineMakeATable) {
   EXPECT_TRUE(found == expected);
 }
 
+// Whatever byte is hit, anywhere in the file: the whole content or an error.
+TEST_F(ToolAirRoutesTest, areNotShownWhereTheirFileIsDamaged) {
+  const std::string good = read("routes.rxf");
+  const std::string shown = ztbFine({"show", "routes.rxf", "types", "--csv"});
+  const std::vector<std::vector<std::string>> commands{
+      {"show", "bad.rxf", "types", "--csv"},
+      {"export", "bad.rxf", "types", "--csv", "out"},
+      {"copy", "bad.rxf", "types", "copy.rxf"},
+      {"diff", "routes.rxf", "bad.rxf"}};
+  for (std::size_t hit = 0; hit < 16; ++hit) {
+    const std::size_t at = good.size() * hit / 16 + 5;
+    std::string bad = good;
+    bad[at] = static_cast<char>(~bad[at]);
+    write("bad.rxf", bad);
+    const Outcome checked = ztb({"check", "bad.rxf"});
+    EXPECT_EQ(checked.status, 1) << at;
+    EXPECT_NE(checked.errors.find("bad.rxf"), std::string::npos) << checked.errors;
+    const std::vector<std::string>& command = commands[hit % commands.size()];
+    const Outcome outcome = ztb(command);
+    EXPECT_EQ(outcome.status == 0, outcome.errors.empty()) << command.front() << ' ' << at;
+    if (command.front() == "show" && outcome.status == 0) {
+      EXPECT_EQ(outcome.output, shown) << at;
+    }
+    EXPECT_EQ(exists("copy.rxf"), command.front() == "copy" && outcome.status == 0) << at;
+    EXPECT_EQ(exists("out/types.csv"), command.front() == "export" && outcome.status == 0) << at;
+    std::filesystem::remove(path("copy.rxf"));
+    std::filesystem::remove_all(path("out"));
+  }
+}
+
 TEST_F(ToolAirRoutesTest, areCopiedWithTheirSets) {
   ztbFine({"copy", "routes.rxf", "types", "copy.rxf"});
   EXPECT_EQ(ztb({"diff", "routes.rxf", "copy.rxf"}).status, 0);

@@ -3,6 +3,7 @@
 #include <nlohmann/json.hpp>
 #include <ztb/ztb.hpp>
 
+#include "tests/rxf/reseal.h"
 #include "tests/tools/background_program.h"
 #include "tests/tools/program.h"
 #include "tests/tools/terminal.h"
@@ -158,6 +159,37 @@ TEST_F(HostileTextTest, NoNameSpeaksForTheCommand) {
   EXPECT_EQ(safely({"copy", "d.rxf", "cost", file}), shownFile + counts);
   EXPECT_EQ(safely({"export", "d.rxf", "--all", "--csv", "f\nolder"}), "f\\nolder" + counts);
   EXPECT_EQ(safely({"import", file, "--dir", "f\nolder"}), shownFile + counts);
+}
+
+// No symbol of a file has such a name, whatever its checksums say.
+TEST_F(HostileTextTest, ForgedNamesOfSymbols) {
+  ztb::Database database;
+  database.addParameter("cost", {"*"}).add("l").setLevel(1);
+  database.write(path("f.rxf"));
+  std::string bytes = read("f.rxf");
+  const std::size_t at = bytes.rfind("cost");
+  ASSERT_NE(at, std::string::npos);
+  bytes.replace(at, 4, "c\x1b[m");
+  rxftest::reseal(bytes);
+  write("f.rxf", bytes);
+  write("m.lp", "minimize\n obj: x\nsubject to\n c: x >= 1\nend\n");
+  for (const std::vector<std::string>& arguments :
+       {std::vector<std::string>{"info", "f.rxf"},
+        {"check", "f.rxf"},
+        {"show", "f.rxf", "c\x1b[m"},
+        {"export", "f.rxf", "--all", "--csv", "out"},
+        {"copy", "f.rxf", "c\x1b[m", "o.rxf"},
+        {"diff", "a.rxf", "f.rxf"},
+        {"pivot", "f.rxf", "c\x1b[m", "--rows", "1", "--columns", "1"},
+        {"solve", "m.lp", "--data", "f.rxf"},
+        {"sweep", "m.lp", "--scenarios", "f.rxf", "--over", "c\x1b[m", "--out", "o.rxf"}}) {
+    EXPECT_EQ(
+        safely(arguments),
+        "ztb: File is damaged: symbol table of f.rxf, chunk 1, entry 1: name: it holds something "
+        "else than letters, digits and underscores\n")
+        << arguments.front();
+  }
+  EXPECT_FALSE(exists("out") || exists("o.rxf"));
 }
 
 TEST_F(HostileTextTest, CellsOfTables) {

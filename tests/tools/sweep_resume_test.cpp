@@ -132,6 +132,28 @@ TEST_F(SweepResumeTest, RefusesPartsOfOtherInputs) {
             "10 scenarios, 6 of them kept: 10 optimal");
 }
 
+TEST_F(SweepResumeTest, LeavesWhatItWasToReplaceUntilItIsReplaced) {
+  leavePart(10, 6);
+  write("out.rxf", "something else");
+  EXPECT_EQ(counts(ztbFine(sweep({"--report", "ship", "--resume"}))),
+            "10 scenarios, 6 of them kept: 10 optimal");
+  expectObjectives("out.rxf", 10);
+}
+
+TEST_F(SweepResumeTest, PartsOfAResultThatCannotBeWrittenServeUnderAnotherName) {
+  makeScenarios(3);
+  std::filesystem::create_directory(path("taken"));
+  expectFails(
+      1,
+      "ztb: Is a folder: taken; what was solved stays in taken.part1 and its like; --resume "
+      "takes them once they are named as the parts of another --out\n",
+      sweep({}, "taken"));
+  std::filesystem::rename(path("taken.part1"), path("free.rxf.part1"));
+  EXPECT_EQ(counts(ztbFine(sweep({"--resume"}, "free.rxf"))),
+            "3 scenarios, 3 of them kept: 3 optimal");
+  expectObjectives("free.rxf", 3);
+}
+
 TEST_F(SweepResumeTest, RefusesAnotherSetAndFilesThatAreNoResults) {
   makeScenarios(10);
   ztbFine(sweep());

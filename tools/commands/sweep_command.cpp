@@ -62,7 +62,14 @@ class Sweep {
     requireSameInputs();
     SweepResults results(scenarios_.over(), scenarios_.text(), inputs_);
     collect(results);
-    results.write(options_.out);
+    try {
+      results.write(options_.out);
+    } catch (const Failure& error) {
+      throw Failure(fmt::format(
+          "{}; what was solved stays in {} and its like; --resume takes them once they are named "
+          "as the parts of another --out",
+          error.what(), parts_.file(1)));
+    }
     parts_.remove();
     const std::map<std::string, ScenarioOutcome> outcomes = results.outcomes();
     const SweepSummary summary(scenarios_.scenarios(), outcomes);
@@ -111,12 +118,7 @@ class Sweep {
     const std::vector<int> numbers = parts_.numbers();
     std::error_code error;
     if (std::filesystem::exists(options_.out, error)) {
-      const std::string difference = differenceOf(options_.out);
-      if (difference.empty()) {
-        kept_.push_back(options_.out);
-      } else if (numbers.empty()) {
-        refuse(options_.out, difference);
-      }
+      findKeptResult(numbers.empty());
     }
     for (const int number : numbers) {
       requireFitting(parts_.file(number));
@@ -128,6 +130,19 @@ class Sweep {
           parts_.file(numbers.back()),
           fmt::format("its number leaves no room for further parts (at most {}); rename it to {}",
                       SweepParts::kLargestNumber, parts_.file(1))));
+    }
+  }
+
+  // Keeps the scenarios of the result file, if it is of these inputs. Any other one is what an
+  // interrupted sweep was to replace, when that has left parts, and otherwise no sweep to resume.
+  void findKeptResult(bool isAlone) {
+    try {
+      requireFitting(options_.out);
+      kept_.push_back(options_.out);
+    } catch (const Failure&) {
+      if (isAlone) {
+        throw;
+      }
     }
   }
 
