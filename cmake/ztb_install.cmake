@@ -2,8 +2,9 @@
 # moved to, with a CMake package and a pkg-config file that find everything by relative paths.
 #
 #   find_package(ztb)   gives ztb::ztbcclib64, the library for C, and ztb::ztb, the C++ wrapper;
+#                       ztb::model for programs that solve models (ztb/model.h, model.hpp);
 #                       ztb::rxf for programs that look into exchange files (ztb/rxf.h, rxf.hpp)
-#   pkg-config ztb      the same for other build systems; ztb-rxf for exchange files
+#   pkg-config ztb      the same for other build systems; ztb-model, ztb-rxf
 
 include(CMakePackageConfigHelpers)
 
@@ -26,6 +27,11 @@ add_library(ztb::rxf ALIAS rxfcclib64)
 # Programs that open models link this one.
 install(TARGETS lomudclib64 EXPORT ztb-targets LIBRARY DESTINATION lib)
 add_library(ztb::lomudclib64 ALIAS lomudclib64)
+add_library(ztb_model INTERFACE)
+target_link_libraries(ztb_model INTERFACE ztb_wrapper lomudclib64)
+set_target_properties(ztb_model PROPERTIES EXPORT_NAME model)
+add_library(ztb::model ALIAS ztb_model)
+install(TARGETS ztb_model EXPORT ztb-targets)
 install(FILES ${PROJECT_SOURCE_DIR}/providers/model/vltcmpNT.txt DESTINATION lib)
 if(TARGET ztb)
   install(TARGETS ztb RUNTIME DESTINATION bin)
@@ -44,7 +50,7 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/ztb-config.cmake
               ${CMAKE_CURRENT_BINARY_DIR}/ztb-config-version.cmake
         DESTINATION ${ZTB_PACKAGE_FOLDER})
 
-foreach(package ztb ztb-rxf)
+foreach(package ztb ztb-model ztb-rxf)
   configure_file(${PROJECT_SOURCE_DIR}/cmake/${package}.pc.in
     ${CMAKE_CURRENT_BINARY_DIR}/${package}.pc @ONLY)
   install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${package}.pc DESTINATION lib/pkgconfig)

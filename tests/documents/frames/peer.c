@@ -1,0 +1,3 @@
+// FRAGMENTS
+void XCreate(void** object) { (void)object; }
+int main(void) { return 0; }
