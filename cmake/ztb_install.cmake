@@ -24,7 +24,7 @@ install(TARGETS nmtmdclib64 LIBRARY DESTINATION lib)
 set_target_properties(rxfcclib64 PROPERTIES EXPORT_NAME rxf)
 install(TARGETS rxfcclib64 EXPORT ztb-targets LIBRARY DESTINATION lib)
 add_library(ztb::rxf ALIAS rxfcclib64)
-# Programs that open models link this one.
+# Programs that open models link this one, by ztb::model.
 install(TARGETS lomudclib64 EXPORT ztb-targets LIBRARY DESTINATION lib)
 add_library(ztb::lomudclib64 ALIAS lomudclib64)
 add_library(ztb_model INTERFACE)

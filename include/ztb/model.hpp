@@ -1,5 +1,5 @@
 // C++20 wrapper of ztb/model.h and of the model operations of ztb/ztb.h. Programs that use it link
-// liblomudclib64.so.
+// liblomudclib64.so: ztb::model in CMake, ztb-model in pkg-config.
 //
 //   ztb::Model model = ztb::Model::open("diet.lp");
 //   ztb::Database database;
