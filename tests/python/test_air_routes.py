@@ -115,7 +115,7 @@ def test_routes_of_each_large_airline_pivot_as_pandas_does(world, routes):
         one.add(airline)
         own.from_pandas(pd.Index(table.index.union(table.columns)))
         cube = world["types"].to_numpy([one, own, own], drop=True)[0]
-        axis = [key[0] for key in own]
+        axis = list(own)
         ours = pd.DataFrame(cube, index=axis, columns=axis)
         assert (ours.loc[table.index, table.columns] == table).all(axis=None)
         assert ours.to_numpy().sum() == table.to_numpy().sum()

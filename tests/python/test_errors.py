@@ -57,9 +57,7 @@ def test_wrong_number_of_labels_is_a_value_error(diet):
             diet["holds"][key] = 1
 
 
-def test_labels_are_strings(diet):
-    with pytest.raises(TypeError, match="a str is expected, not 3"):
-        diet["holds"][3, "iron"]
+def test_labels_hold_no_null_character(diet):
     with pytest.raises(ValueError, match="null character"):
         diet["food"].add("a\0b")
 
@@ -76,7 +74,7 @@ def test_text_that_is_too_long_leaves_no_record(db):
 def test_a_value_that_is_no_number_leaves_no_record(db):
     p = db.add_parameter("p", ["*"])
     x = db.add_variable("x", ["*"])
-    with pytest.raises(ValueError):
+    with pytest.raises(TypeError, match=r"the value 'many' \(str\) of symbol p is no number"):
         p["a"] = "many"
     with pytest.raises(ValueError, match="too many values"):
         x["a"] = (1, 2, 3, 4, 5, 6)

@@ -18,7 +18,7 @@ def test_a_file_gives_back_what_was_written(diet, tmp_path):
     with ztb.open(path) as copy:
         assert list(copy) == ["food", "nutrient", "holds", "x", "dish"]
         assert copy.labels == diet.labels
-        assert dict(copy["food"]) == {("Milk",): "1 qt.", ("Tofu",): ""}
+        assert dict(copy["food"]) == {"Milk": "1 qt.", "Tofu": ""}
         assert dict(copy["holds"]) == dict(diet["holds"])
         assert ztb.special_codes(copy["x"]["Milk"]).tolist() == [-1, 1, 0, 4, -1]
         assert copy["x"].user_info == 3 and copy["x"].text == "Amounts"

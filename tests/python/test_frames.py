@@ -22,7 +22,7 @@ def test_one_position_is_a_plain_index(diet):
     food["Milk"] = "1 qt."
     series = food.to_pandas()
     assert not isinstance(series.index, pd.MultiIndex)
-    assert series.index.name == "key1"
+    assert series.index.name == "food"
     assert series.to_dict() == {"Milk": "1 qt.", "Tofu": ""}
 
 
@@ -141,7 +141,7 @@ def test_a_refused_series_leaves_the_records(diet, index, text):
 
 def test_labels_that_are_no_text_are_refused(db):
     p = db.add_parameter("p", ["*"])
-    with pytest.raises(TypeError, match="1.5 is neither a str nor an int"):
+    with pytest.raises(TypeError, match=r"1\.5 \(float\) is no label, expected a str, an int, or a date"):
         p.from_pandas(pd.Series([1.0], index=[1.5]))
     with pytest.raises(ztb.Error, match="63"):
         p.from_pandas(pd.Series([1.0], index=["x" * 64]))

@@ -2,7 +2,6 @@
 
 #include <pybind11/pybind11.h>
 
-#include <array>
 #include <chrono>
 #include <stdexcept>
 
@@ -19,36 +18,16 @@ constexpr std::chrono::milliseconds betweenLooks{50};
 
 }  // namespace
 
-Connection::Connection(const std::string* systemDirectory) {
-  std::array<char, ZTB_TEXT_BUFFER_SIZE> message{};
-  const int size = static_cast<int>(message.size());
-  if (systemDirectory != nullptr) {
-    ztbcreated(&handle_, systemDirectory->c_str(), message.data(), size);
-  } else {
-    ztbcreate(&handle_, message.data(), size);
-  }
-  if (handle_ == nullptr) {
-    throw ztb::Error("ztbCreate", message.data());
-  }
-}
-
-void Connection::close() noexcept {
-  if (handle_ != nullptr) {
-    ztbfree(&handle_);
-  }
-}
-
-ztbRec* Connection::handle() const {
-  if (handle_ == nullptr) {
+ztb::Database& Connection::database() {
+  if (!database_) {
     throw ztb::Error("Database", "The database is closed");
   }
-  return handle_;
+  return *database_;
 }
 
-void Connection::failLookup(const char* operation) const {
-  ztb::Text text;
-  c__ztbgetlasterror(handle_, text.buffer());
-  if (text.view().starts_with("Cannot find ")) {
+void Connection::failLookup(const char* operation) {
+  const ztb::Text text = database().lastError();
+  if (ztb::detail::nothingFound(handle())) {
     throw NotFound(operation, text.str());
   }
   throw ztb::Error(operation, text.str());
@@ -60,22 +39,15 @@ void Connection::requireSame(const Connection& other) const {
   }
 }
 
-void Connection::load(void* symbol) {
-  ztbRec* const database = handle();
-  if (loaded_.contains(symbol)) {
-    return;
+void Connection::load(const ztb::Symbol& symbol) {
+  if (!isLoaded(symbol)) {
+    runOrLeave(shared_from_this(), [symbol] { static_cast<void>(symbol.recordCount()); });
   }
-  int fileBacked = 0;
-  require(c__ztbinfo(database, ZTB_INFO_FILE_BACKED, &fileBacked, nullptr, nullptr), "ztbInfo");
-  if (fileBacked != 0) {
-    runOrLeave(shared_from_this(), [this, database, symbol] {
-      int count = 0;
-      require(c__ztbsymbolinfo(database, symbol, ZTB_SYMBOL_INFO_RECORD_COUNT, &count, nullptr,
-                               nullptr),
-              "ztbSymbolInfo");
-    });
-  }
-  loaded_.insert(symbol);
+  loaded_.insert(symbol.handle());
+}
+
+bool Connection::isLoaded(const ztb::Symbol& symbol) {
+  return loaded_.contains(symbol.handle()) || !database().fileBacked();
 }
 
 void Connection::leaveTurn() {

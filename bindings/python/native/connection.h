@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <memory>
+#include <optional>
 #include <semaphore>
 #include <string>
 #include <thread>
@@ -26,35 +27,35 @@ class Use;
 // reaching into freed memory.
 class Connection : public std::enable_shared_from_this<Connection> {
  public:
-  // With a folder, peer libraries are looked for there.
-  explicit Connection(const std::string* systemDirectory);
+  explicit Connection(ztb::Database database) : database_(std::move(database)) {}
   Connection(const Connection&) = delete;
   Connection& operator=(const Connection&) = delete;
-  ~Connection() { close(); }
+  ~Connection() = default;
 
-  void close() noexcept;
-  [[nodiscard]] bool closed() const noexcept { return handle_ == nullptr; }
+  void close() noexcept { database_.reset(); }
+  [[nodiscard]] bool closed() const noexcept { return !database_; }
 
-  // The handle of the C interface. Throws when the database is closed.
-  [[nodiscard]] ztbRec* handle() const;
+  // The database, and its handle of the C interface. Throws when it is closed.
+  [[nodiscard]] ztb::Database& database();
+  [[nodiscard]] ztbRec* handle() { return database().handle(); }
 
   // Throws unless `result`, the status of an operation, is a success.
-  void require(int result, const char* operation) const {
-    if (result == 0) [[unlikely]] {
-      ztb::detail::fail(handle_, operation);
-    }
+  void require(int result, const char* operation) {
+    ztb::detail::require(result, handle(), operation);
   }
 
   // Throws NotFound if the latest failure says that there is no such thing, and ztb::Error
   // otherwise.
-  [[noreturn]] void failLookup(const char* operation) const;
+  [[noreturn]] void failLookup(const char* operation);
 
   // Throws std::invalid_argument, a ValueError in Python, unless `other` is the same database.
   void requireSame(const Connection& other) const;
 
   // Reads the records of a symbol, unless they were read before. Ctrl-C leaves that to go on by
   // itself: the next turn begins when it has ended.
-  void load(void* symbol);
+  void load(const ztb::Symbol& symbol);
+  // Whether the records of a symbol are in memory, so that asking for them reads no file.
+  [[nodiscard]] bool isLoaded(const ztb::Symbol& symbol);
 
   // The turn that a Use holds: leaves it to work that goes on, and ends it there.
   void leaveTurn();
@@ -63,7 +64,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
  private:
   friend class Use;
 
-  ztbRec* handle_ = nullptr;
+  std::optional<ztb::Database> database_;
   std::unordered_set<const void*> loaded_;
   std::binary_semaphore free_{1};
   // The thread inside of an operation, and what holds its turn.
@@ -114,25 +115,6 @@ auto inTurn(Result (Class::*operation)(Arguments...)) {
     return (self.*operation)(std::forward<Arguments>(arguments)...);
   };
 }
-
-// Owns a record handle for the length of a call.
-class RecordHandle {
- public:
-  RecordHandle(const Connection& connection, void* record)
-      : database_(connection.handle()), record_(record) {}
-  RecordHandle(const RecordHandle&) = delete;
-  RecordHandle& operator=(const RecordHandle&) = delete;
-  ~RecordHandle() {
-    if (record_ != nullptr) {
-      c__ztbfreesymboliterator(database_, record_);
-    }
-  }
-  [[nodiscard]] void* get() const { return record_; }
-
- private:
-  ztbRec* database_;
-  void* record_;
-};
 
 }  // namespace python
 

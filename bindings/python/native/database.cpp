@@ -2,6 +2,10 @@
 
 #include <pybind11/stl.h>
 
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
 #include <ztb/rxf.hpp>
 
 #include "bindings/python/native/hand_made.h"
@@ -10,14 +14,10 @@
 
 namespace python {
 
-Database::Database(const py::object& systemDirectory) {
-  if (systemDirectory.is_none()) {
-    connection_ = std::make_shared<Connection>(nullptr);
-  } else {
-    const std::string folder = pathFromPython(systemDirectory);
-    connection_ = std::make_shared<Connection>(&folder);
-  }
-}
+Database::Database(const py::object& systemDirectory)
+    : connection_(std::make_shared<Connection>(
+          systemDirectory.is_none() ? ztb::Database()
+                                    : ztb::Database(pathFromPython(systemDirectory)))) {}
 
 void Database::close() {
   const py::gil_scoped_release released;
@@ -25,84 +25,48 @@ void Database::close() {
 }
 
 void Database::selectStore(int store) {
-  connection_->require(c__ztbselectrecordstorage(handle(), nullptr, store),
-                       "ztbSelectRecordStorage");
-}
-
-void Database::setSpecialValues(const std::array<double, ZTB_SPECIAL_VALUE_COUNT>& values) {
-  c__ztbsetspecialvalues(handle(), values.data());
-}
-
-std::array<double, ZTB_SPECIAL_VALUE_COUNT> Database::internalSpecialValues() const {
-  std::array<double, ZTB_SPECIAL_VALUE_COUNT> values{};
-  c__ztbgetspecialvalues(handle(), values.data());
-  return values;
+  client().selectStore(static_cast<ztb::Store>(store));
 }
 
 void Database::open(const py::object& path, unsigned long long maxMemory) {
-  ztb::Text text;
-  c__ztbgetlasterror(handle(), text.buffer());
-  if (text.view().starts_with("RXF create did not succeed")) {
-    throw ztb::Error("ztbInitFromRXF", text.str());
-  }
   const std::string name = pathFromPython(path);
-  runWithoutInterpreter([&](Interruption&) {
-    const ztb::detail::MemoryLimitScope limit(maxMemory);
-    connection_->require(c__ztbinitfromrxf(handle(), name.c_str()), "ztbInitFromRXF");
-    if (maxMemory != 0) limit.requireTaken();
-  });
+  runWithoutInterpreter([&](Interruption&) { client().openFile(name, {.maxMemory = maxMemory}); });
 }
 
 void Database::write(const py::object& path, bool checkDomains) {
   const std::string name = pathFromPython(path);
-  runWithoutInterpreter([&](Interruption&) {
-    connection_->require(c__ztbwriterxf(handle(), name.c_str(), checkDomains ? 0 : 1),
-                         "ztbWriteRXF");
-  });
+  runWithoutInterpreter([&](Interruption&) { client().write(name, checkDomains); });
 }
 
 void Database::closeFile(bool loadRemaining) {
-  runWithoutInterpreter([&](Interruption&) {
-    connection_->require(c__ztbcloserxf(handle(), loadRemaining ? 1 : 0), "ztbCloseRXF");
-  });
+  runWithoutInterpreter([&](Interruption&) { client().closeFile(loadRemaining); });
 }
 
 py::list Database::labels(int first) const {
   const int count = labelCount();
   py::list result;
-  ztb::Text text;
   for (int number = first; number <= count; ++number) {
-    connection_->require(c__ztbgetuelbyindex(handle(), number, text.buffer()), "ztbGetUelByIndex");
-    result.append(toPython(text.view()));
+    result.append(toPython(client().label(number)));
   }
   return result;
 }
 
-int Database::findLabel(const py::str& label) const {
-  const std::string bytes = fromPython(label);
-  int number = 0;
-  if (c__ztbfinduel(handle(), bytes.c_str(), &number) == 0) {
-    ztb::detail::failLabel(handle(), "ztbFindUel", bytes.c_str());
-  }
-  return number;
+int Database::findLabel(const py::object& label) const {
+  return client().findLabel(labelFromPython(label)).value_or(ztb::detail::newLabel);
 }
 
 Symbol Database::symbolAt(int position) const {
-  int status = 0;
-  void* symbol = c__ztbgetsymbolbynumberpy(handle(), position, &status);
-  connection_->require(status, "ztbGetSymbolByNumber");
-  return {connection_, symbol};
+  return {connection_, client().symbolAt(position)};
 }
 
 Symbol Database::findSymbol(const py::str& name, bool wantAlias) const {
   const std::string bytes = fromPython(name);
-  int status = 0;
-  void* symbol = wantAlias ? c__ztbfindsymbolwithaliaspy(handle(), bytes.c_str(), &status)
-                           : c__ztbfindsymbolpy(handle(), bytes.c_str(), &status);
-  if (status == 0) {
+  const std::optional<ztb::Symbol> found =
+      wantAlias ? client().findSymbolOrAlias(bytes) : client().findSymbol(bytes);
+  if (!found) {
     connection_->failLookup("ztbFindSymbol");
   }
-  return {connection_, symbol};
+  return {connection_, *found};
 }
 
 Symbol Database::addSymbol(const py::str& name, int type,
@@ -111,47 +75,26 @@ Symbol Database::addSymbol(const py::str& name, int type,
   if (type < ZTB_SET || type > ZTB_EQUATION) {
     throw py::value_error("no symbol type " + std::to_string(type));
   }
-  const std::string nameBytes = fromPython(name);
-  const std::string textBytes = fromPython(text);
-  const int dimension = static_cast<int>(domains.size());
-  int status = 0;
-  void* symbol = nullptr;
-  if (dimension == 0 || dimension > ZTB_MAX_DIMENSION) {
-    symbol = c__ztbaddsymbolpy(handle(), nameBytes.c_str(), dimension, type, userInfo,
-                               textBytes.c_str(), &status);
-    connection_->require(status, "ztbAddSymbol");
-    return {connection_, symbol};
+  std::vector<std::string> names;
+  for (const DomainArgument& domain : domains) {
+    names.push_back(fromPython(domain.second));
   }
-  std::array<void*, ZTB_MAX_DIMENSION> sets{};
-  std::array<std::string, ZTB_MAX_DIMENSION> names;
-  std::array<const char*, ZTB_MAX_DIMENSION> pointers{};
+  std::vector<ztb::DomainArgument> arguments;
   for (std::size_t position = 0; position < domains.size(); ++position) {
-    if (domains[position].first) {
-      connection_->requireSame(*domains[position].first->connection());
-      sets[position] = domains[position].first->handle();
+    if (const std::optional<Symbol>& set = domains[position].first) {
+      connection_->requireSame(*set->connection());
+      arguments.emplace_back(set->client());
+    } else {
+      arguments.emplace_back(names[position]);
     }
-    names[position] = fromPython(domains[position].second);
-    pointers[position] = names[position].c_str();
   }
-  symbol = c__ztbaddsymbolxpy(handle(), nameBytes.c_str(), dimension, type, userInfo,
-                              textBytes.c_str(), sets.data(), pointers.data(), &status);
-  // The operation succeeds, too, when no symbol could be made.
-  connection_->require(symbol != nullptr ? status : 0, "ztbAddSymbolX");
-  return {connection_, symbol};
+  return {connection_, client().addSymbol(fromPython(name), static_cast<ztb::Type>(type), arguments,
+                                          fromPython(text), userInfo)};
 }
 
-Symbol Database::addAlias(const py::str& name, int position, int dimension, const py::str& text) {
-  int status = 0;
-  void* alias = c__ztbaddsymbolpy(handle(), fromPython(name).c_str(), dimension, ZTB_ALIAS,
-                                  position, fromPython(text).c_str(), &status);
-  connection_->require(status, "ztbAddSymbol");
-  return {connection_, alias};
-}
-
-int Database::info(int key) const {
-  int value = 0;
-  connection_->require(c__ztbinfo(handle(), key, &value, nullptr, nullptr), "ztbInfo");
-  return value;
+Symbol Database::addAlias(const py::str& name, const Symbol& target, const py::str& text) {
+  connection_->requireSame(*target.connection());
+  return {connection_, client().addAlias(fromPython(name), target.client(), fromPython(text))};
 }
 
 namespace {

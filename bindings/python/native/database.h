@@ -4,7 +4,6 @@
 
 #include <pybind11/pybind11.h>
 
-#include <array>
 #include <optional>
 #include <string>
 #include <vector>
@@ -28,38 +27,40 @@ class Database {
   [[nodiscard]] bool closed() const { return connection_->closed(); }
 
   void selectStore(int store);
-  void setSpecialValues(const std::array<double, ZTB_SPECIAL_VALUE_COUNT>& values);
-  [[nodiscard]] std::array<double, ZTB_SPECIAL_VALUE_COUNT> internalSpecialValues() const;
+  void setSpecialValues(const ztb::SpecialValues& values) { client().setSpecialValues(values); }
+  [[nodiscard]] ztb::SpecialValues internalSpecialValues() const {
+    return client().specialValues();
+  }
 
   // Its records may take so many bytes; 0 is no limit.
   void open(const py::object& path, unsigned long long maxMemory);
   void write(const py::object& path, bool checkDomains);
   void closeFile(bool loadRemaining);
 
-  [[nodiscard]] int labelCount() const { return info(ZTB_INFO_UEL_COUNT); }
+  [[nodiscard]] int labelCount() const { return client().labelCount(); }
   // Labels from a number on.
   [[nodiscard]] py::list labels(int first) const;
   // The number of a label; -1 if there is none.
-  [[nodiscard]] int findLabel(const py::str& label) const;
+  [[nodiscard]] int findLabel(const py::object& label) const;
   // Adds labels, those that are new; none if one is refused.
   void addLabels(const py::iterable& labels) const { python::addLabels(connection_, labels); }
   // Numbers labels that come with records.
   [[nodiscard]] NewLabels newLabels() const { return NewLabels(connection_); }
 
-  [[nodiscard]] int symbolCount() const { return info(ZTB_INFO_SYMBOL_COUNT_WITH_ALIAS); }
+  [[nodiscard]] int symbolCount() const { return client().symbolCount(); }
   [[nodiscard]] Symbol symbolAt(int position) const;
   // Throws NotFound. An alias is resolved to its set, unless it is wanted itself.
   [[nodiscard]] Symbol findSymbol(const py::str& name, bool wantAlias) const;
   Symbol addSymbol(const py::str& name, int type, const std::vector<DomainArgument>& domains,
                    const py::str& text, int userInfo);
-  // `position` is that of a set among all symbols, -1 for the universe.
-  Symbol addAlias(const py::str& name, int position, int dimension, const py::str& text);
+  // A second name for a set of this database or for its universe.
+  Symbol addAlias(const py::str& name, const Symbol& target, const py::str& text);
 
   [[nodiscard]] const Shared& connection() const { return connection_; }
 
  private:
-  [[nodiscard]] ztbRec* handle() const { return connection_->handle(); }
-  [[nodiscard]] int info(int key) const;
+  // Throws when the database is closed.
+  [[nodiscard]] ztb::Database& client() const { return connection_->database(); }
 
   Shared connection_;
 };

@@ -1,7 +1,9 @@
 #include "bindings/python/native/new_labels.h"
 
 #include <optional>
+#include <string_view>
 #include <utility>
+#include <ztb/case_folding.hpp>
 #include <ztb/label_check.hpp>
 
 #include "bindings/python/native/hand_made.h"
@@ -11,34 +13,21 @@ namespace python {
 
 namespace {
 
-int labelCount(const Connection& connection) {
-  int count = 0;
-  connection.require(c__ztbinfo(connection.handle(), ZTB_INFO_UEL_COUNT, &count, nullptr, nullptr),
-                     "ztbInfo");
-  return count;
-}
-
 // A label as the database compares it: without trailing blanks, ASCII letters in one case.
-std::string folded(const std::string& label) {
-  std::string result = label.substr(0, label.find_last_not_of(' ') + 1);
-  for (char& letter : result) {
-    if (letter >= 'A' && letter <= 'Z') {
-      letter = static_cast<char>(letter - 'A' + 'a');
-    }
-  }
-  return result;
+std::string compared(const std::string& label) {
+  return ztb::folded(std::string_view(label).substr(0, label.find_last_not_of(' ') + 1));
 }
 
 }  // namespace
 
 NewLabels::NewLabels(Shared connection)
-    : connection_(std::move(connection)), known_(labelCount(*connection_)) {}
+    : connection_(std::move(connection)), known_(connection_->database().labelCount()) {}
 
 py::array_t<int> NewLabels::numbers(const py::iterable& labels, Empty empty) {
   // What the iterable does may take long, and may come back to the database.
   std::vector<std::string> all;
   for (const py::handle label : labels) {
-    all.push_back(fromPython(label));
+    all.push_back(labelFromPython(label));
   }
   const Use use(*connection_);
   py::array_t<int> result(static_cast<py::ssize_t>(all.size()));
@@ -57,7 +46,7 @@ int NewLabels::number(const std::string& label, Empty empty) {
   if (number != ztb::detail::newLabel) {
     return number;
   }
-  const auto [known, isNew] = numbers_.try_emplace(folded(label), largest() + 1);
+  const auto [known, isNew] = numbers_.try_emplace(compared(label), largest() + 1);
   if (isNew) {
     labels_.push_back(label);
   }
@@ -68,13 +57,11 @@ void NewLabels::add() {
   if (labels_.empty()) {
     return;
   }
-  if (labelCount(*connection_) != known_) {
+  if (connection_->database().labelCount() != known_) {
     throw ztb::Error("ztbMergeUel", "Labels were added to the database meanwhile");
   }
   for (const std::string& label : labels_) {
-    int number = 0;
-    connection_->require(c__ztbmergeuel(connection_->handle(), label.c_str(), &number),
-                         "ztbMergeUel");
+    connection_->database().mergeLabel(label);
   }
   known_ = largest();
   labels_.clear();

@@ -1,8 +1,8 @@
 #include "bindings/python/native/records.h"
 
 #include <array>
+#include <optional>
 #include <string>
-#include <ztb/store_removal.hpp>
 
 #include "bindings/python/native/strings.h"
 
@@ -21,14 +21,14 @@ class Key {
                             " has " + std::to_string(symbol.dimension()) + " positions");
     }
     for (std::size_t position = 0; position < count_; ++position) {
-      labels_[position] = fromPython(labels[position]);
+      labels_[position] = labelFromPython(labels[position]);
       pointers_[position] = labels_[position].c_str();
     }
   }
   Key(const Key&) = delete;
   Key& operator=(const Key&) = delete;
 
-  [[nodiscard]] guard::KeyLabels labels() const { return {pointers_.data(), count_}; }
+  operator ztb::Keys() const { return {pointers_.data(), count_}; }
 
  private:
   std::array<std::string, ZTB_MAX_DIMENSION> labels_;
@@ -36,33 +36,43 @@ class Key {
   std::size_t count_;
 };
 
-guard::OwnedRecord find(const Symbol& symbol, const Key& key) {
+// The operations that write the fields of a record, at the places of their values.
+using FieldSetter = void (ztb::Record::*)(double);
+constexpr std::array<FieldSetter, ztb::fieldCount> fieldSetters = {
+    &ztb::Record::setLevel, &ztb::Record::setMarginal, &ztb::Record::setLower,
+    &ztb::Record::setUpper, &ztb::Record::setScale};
+
+std::optional<ztb::Record> find(const Symbol& symbol, const Key& key) {
   symbol.load();
-  return guard::findRecord(symbol.place(), key.labels());
+  return symbol.client().find(key);
 }
 
-guard::OwnedRecord requireFound(const Symbol& symbol, const py::tuple& labels) {
-  const Key key(symbol, labels);
-  guard::OwnedRecord record = find(symbol, key);
-  if (!record) {
-    // Here the library was not asked, and has no text of its own.
-    if (symbol.dimension() == 0 || guard::anyBlank(key.labels())) {
-      throw NotFound("ztbFindRecord", "Cannot find record " + guard::keyText(key.labels()) +
-                                          " in Symbol " + symbol.name());
-    }
-    symbol.connection()->failLookup("ztbFindRecord");
+[[noreturn]] void failFind(const Symbol& symbol, const Key& key) {
+  // Here the library was not asked, and has no text of its own.
+  if (symbol.dimension() == 0 || guard::anyBlank(key)) {
+    throw NotFound("ztbFindRecord",
+                   "Cannot find record " + guard::keyText(key) + " in Symbol " + symbol.name());
   }
-  return record;
+  symbol.connection()->failLookup("ztbFindRecord");
 }
 
-guard::OwnedRecord make(const Symbol& symbol, const py::tuple& labels) {
+ztb::Record requireFound(const Symbol& symbol, const py::tuple& labels) {
+  const Key key(symbol, labels);
+  std::optional<ztb::Record> record = find(symbol, key);
+  if (!record) {
+    failFind(symbol, key);
+  }
+  return std::move(*record);
+}
+
+ztb::Record make(const Symbol& symbol, const py::tuple& labels) {
   const Key key(symbol, labels);
   requireRecords(symbol);
   symbol.load();
-  for (const char* label : key.labels()) {
+  for (const char* label : static_cast<ztb::Keys>(key)) {
     requireNotBlank(label);
   }
-  return guard::makeRecord(symbol.place(), "ztbMergeRecord", key.labels(), guard::Present::found);
+  return symbol.client().merge(key);
 }
 
 }  // namespace
@@ -83,17 +93,21 @@ void requireRecords(const Symbol& symbol) {
   }
 }
 
+void requireSet(const Symbol& symbol) {
+  if (symbol.type() != ZTB_SET) {
+    throw py::value_error("symbol " + symbol.name() + " is no set");
+  }
+}
+
 void clear(const Symbol& symbol) {
-  guard::clearRecords(symbol.place());
+  symbol.client().clear();
 }
 
 py::tuple recordValues(const Symbol& symbol, const py::tuple& labels) {
-  const guard::OwnedRecord record = requireFound(symbol, labels);
-  guard::KeyNumbers keys{};
-  guard::Slots values{};
-  symbol.require(c__ztbgetrecordraw(symbol.database(), record.get(), symbol.dimension(),
-                                    keys.data(), values.data()),
-                 "ztbGetRecordRaw");
+  const ztb::Record record = requireFound(symbol, labels);
+  std::array<int, ZTB_MAX_DIMENSION> keys{};
+  FieldValues values{};
+  record.raw(keys.data(), values.data());
   py::tuple result(symbol.valueCount());
   for (std::size_t field = 0; field < result.size(); ++field) {
     result[field] = values[field];
@@ -102,42 +116,42 @@ py::tuple recordValues(const Symbol& symbol, const py::tuple& labels) {
 }
 
 py::str recordText(const Symbol& symbol, const py::tuple& labels) {
-  const guard::OwnedRecord record = requireFound(symbol, labels);
-  ztb::Text text;
-  symbol.require(c__ztbgetelemtext(symbol.database(), record.get(), text.buffer()),
-                 "ztbGetElemText");
-  return toPython(text.view());
+  return toPython(requireFound(symbol, labels).text());
 }
 
 bool hasRecord(const Symbol& symbol, const py::tuple& labels) {
-  return static_cast<bool>(find(symbol, Key(symbol, labels)));
+  return find(symbol, Key(symbol, labels)).has_value();
+}
+
+void writeValues(ztb::Record& record, std::span<const double> values) {
+  for (std::size_t field = 0; field < values.size(); ++field) {
+    (record.*fieldSetters[field])(values[field]);
+  }
 }
 
 void putRecord(const Symbol& symbol, const py::tuple& labels, const py::tuple& values) {
   if (values.size() > static_cast<std::size_t>(symbol.valueCount())) {
     throw py::value_error("too many values for a record of " + symbol.name());
   }
-  guard::Slots numbers{};
+  FieldValues numbers{};
   for (std::size_t field = 0; field < values.size(); ++field) {
     numbers[field] = py::cast<double>(values[field]);
   }
-  const guard::OwnedRecord record = make(symbol, labels);
-  for (std::size_t field = 0; field < values.size(); ++field) {
-    symbol.require(fieldSetters[field](symbol.database(), record.get(), numbers[field]),
-                   "ztbSetLevel");
-  }
+  ztb::Record record = make(symbol, labels);
+  writeValues(record, {numbers.data(), values.size()});
 }
 
 void putText(const Symbol& symbol, const py::tuple& labels, const py::str& text) {
   const std::string bytes = textFromPython(text, "");
-  const guard::OwnedRecord record = make(symbol, labels);
-  symbol.require(c__ztbsetelemtext(symbol.database(), record.get(), bytes.c_str()),
-                 "ztbSetElemText");
+  make(symbol, labels).setText(bytes);
 }
 
 void removeRecord(const Symbol& symbol, const py::tuple& labels) {
-  const guard::OwnedRecord record = requireFound(symbol, labels);
-  guard::removeRecord(symbol.place(), record.get());
+  const Key key(symbol, labels);
+  symbol.load();
+  if (!symbol.client().remove(key)) {
+    failFind(symbol, key);
+  }
 }
 
 }  // namespace python

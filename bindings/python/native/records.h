@@ -2,13 +2,21 @@
 #ifndef ZTB_BINDINGS_PYTHON_NATIVE_RECORDS_H_
 #define ZTB_BINDINGS_PYTHON_NATIVE_RECORDS_H_
 
+#include <array>
+#include <span>
+
 #include "bindings/python/native/symbol.h"
 
 namespace python {
 
+// Level, marginal, lower, upper, scale.
+using FieldValues = std::array<double, ztb::fieldCount>;
+
 // Throws ValueError unless the symbol can have records: an alias has none, and a new record of a
 // variable or equation takes its values from the subtype.
 void requireRecords(const Symbol& symbol);
+// Throws ValueError unless the symbol is a set.
+void requireSet(const Symbol& symbol);
 
 // Removes all records; those of a file that were not read yet never will be.
 void clear(const Symbol& symbol);
@@ -25,6 +33,8 @@ bool hasRecord(const Symbol& symbol, const py::tuple& labels);
 
 // Makes the record if it is not there, and writes the first of its values, as many as are given.
 void putRecord(const Symbol& symbol, const py::tuple& labels, const py::tuple& values);
+// Writes the first fields of a record, as many as there are values.
+void writeValues(ztb::Record& record, std::span<const double> values);
 void putText(const Symbol& symbol, const py::tuple& labels, const py::str& text);
 void removeRecord(const Symbol& symbol, const py::tuple& labels);
 

@@ -32,13 +32,21 @@ py::str toPython(std::string_view bytes) {
 
 std::string fromPython(py::handle text) {
   if (PyUnicode_Check(text.ptr()) == 0) {
-    throw py::type_error("a str is expected, not " + std::string(py::repr(text)));
+    throw py::type_error("a str is expected, not " + std::string(py::repr(text)) + " (" +
+                         Py_TYPE(text.ptr())->tp_name + ")");
   }
   PyObject* bytes = PyUnicode_AsEncodedString(text.ptr(), encoding, escape);
   if (bytes == nullptr) {
     throw py::error_already_set();
   }
   return contentOf(py::reinterpret_steal<py::bytes>(bytes), text);
+}
+
+std::string labelFromPython(py::handle label) {
+  if (PyUnicode_Check(label.ptr()) != 0) {
+    return fromPython(label);
+  }
+  return fromPython(py::module_::import("ztb.labels").attr("label_text")(label));
 }
 
 std::string pathFromPython(py::handle path) {

@@ -17,6 +17,10 @@ py::str toPython(std::string_view bytes);
 // Throws TypeError for anything but a str, and ValueError for one with a null char in it.
 std::string fromPython(py::handle text);
 
+// A label: a str as it is, anything else by the rule of ztb.labels, which throws TypeError for what
+// no label is made from. Throws ValueError for one with a null char in it.
+std::string labelFromPython(py::handle label);
+
 // A file name, as a str or path object.
 std::string pathFromPython(py::handle path);
 

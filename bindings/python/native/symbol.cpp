@@ -2,59 +2,67 @@
 
 #include <pybind11/stl.h>
 
-#include <array>
+#include <functional>
+#include <optional>
+#include <utility>
+#include <ztb/column_names.hpp>
 
-#include "bindings/python/native/bulk.h"
+#include "bindings/python/native/cubes.h"
 #include "bindings/python/native/hand_made.h"
+#include "bindings/python/native/interruption.h"
 #include "bindings/python/native/records.h"
+#include "bindings/python/native/rows.h"
 #include "bindings/python/native/strings.h"
 
 namespace python {
 
-Symbol::Symbol(Shared connection, void* handle)
-    : connection_(std::move(connection)), place_(connection_->handle(), handle) {}
+int Symbol::recordCount() const {
+  load();
+  return client().recordCount();
+}
 
-void Symbol::setUserInfo(int userInfo) {
-  require(c__ztbsetuserinfo(database(), handle(), userInfo), "ztbSetUserInfo");
+py::object Symbol::recordCountIfRead() const {
+  return connection_->isLoaded(client()) ? py::object(py::int_(client().recordCount()))
+                                         : py::none();
 }
 
 py::list Symbol::domains() const {
-  std::array<void*, ZTB_MAX_DIMENSION> sets{};
-  std::array<char*, ZTB_MAX_DIMENSION> names{};
-  std::array<ztb::Text, ZTB_MAX_DIMENSION> texts;
-  for (std::size_t position = 0; position < names.size(); ++position) {
-    names[position] = texts[position].buffer();
-  }
-  require(c__ztbgetdomain(database(), handle(), dimension(), sets.data(), names.data()),
-          "ztbGetDomain");
   py::list result;
-  for (std::size_t position = 0; position < static_cast<std::size_t>(dimension()); ++position) {
-    py::object set = py::none();
-    if (sets[position] != nullptr) {
-      set = py::cast(Symbol(connection_, sets[position]));
-    }
-    result.append(py::make_tuple(set, toPython(texts[position].view())));
+  for (const ztb::Domain& domain : client().domains()) {
+    const py::object set =
+        domain.set ? py::cast(Symbol(connection_, *domain.set)) : py::object(py::none());
+    result.append(py::make_tuple(set, toPython(domain.name)));
   }
   return result;
 }
 
-int Symbol::recordCount() const {
-  load();
-  return info(ZTB_SYMBOL_INFO_RECORD_COUNT);
+py::list Symbol::columns() const {
+  std::vector<std::string> names;
+  for (const ztb::Domain& domain : client().domains()) {
+    names.push_back(domain.name.str());
+  }
+  py::list result;
+  for (const std::string& column : ztb::keyColumns(name(), client().type(), names)) {
+    result.append(toPython(column));
+  }
+  return result;
 }
 
-int Symbol::info(int key) const {
-  int value = 0;
-  require(c__ztbsymbolinfo(database(), handle(), key, &value, nullptr, nullptr), "ztbSymbolInfo");
-  return value;
-}
-
-std::string Symbol::textInfo(int key) const {
-  ztb::Text text;
-  int value = 0;
-  require(c__ztbsymbolinfo(database(), handle(), key, &value, nullptr, text.buffer()),
-          "ztbSymbolInfo");
-  return text.str();
+void copyFrom(const Symbol& symbol, const Symbol& source) {
+  // Turns are taken in one order everywhere, so that no two threads wait for each other.
+  Connection* first = symbol.connection().get();
+  Connection* second = source.connection().get();
+  if (std::less<>()(second, first)) {
+    std::swap(first, second);
+  }
+  const Use useFirst(*first);
+  std::optional<Use> useSecond;
+  if (first != second) {
+    useSecond.emplace(*second);
+  }
+  // What an alias stands for is read.
+  source.connection()->load(source.connection()->database().symbol(source.name()));
+  runWithoutInterpreter([&](Interruption&) { symbol.client().copyFrom(source.client()); });
 }
 
 void bindSymbol(py::module_& module) {
@@ -68,7 +76,9 @@ void bindSymbol(py::module_& module) {
       .def_property_readonly("type", &Symbol::type)
       .def_property("user_info", inTurn(&Symbol::userInfo), inTurn(&Symbol::setUserInfo))
       .def("record_count", inTurn(&Symbol::recordCount))
+      .def("record_count_if_read", inTurn(&Symbol::recordCountIfRead))
       .def("domains", inTurn(&Symbol::domains))
+      .def("columns", inTurn(&Symbol::columns))
       .def("clear", inTurn(&clear))
       .def("values", inTurn(&recordValues))
       .def("element_text", inTurn(&recordText))
@@ -76,8 +86,8 @@ void bindSymbol(py::module_& module) {
       .def("put", inTurn(&putRecord))
       .def("put_text", inTurn(&putText))
       .def("remove", inTurn(&removeRecord))
-      .def("rows", inTurn(&rows))
-      .def("texts", inTurn(&texts))
+      .def("rows", inTurn(&rows), py::arg("most") = py::none())
+      .def("texts", inTurn(&texts), py::arg("most") = py::none())
       .def("put_rows", inTurn(&putRows))
       .def("put_elements", &putElements)
       .def("to_dense", inTurn(&toDense))

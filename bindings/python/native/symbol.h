@@ -5,12 +5,10 @@
 #include <pybind11/numpy.h>
 #include <pybind11/pybind11.h>
 
-#include <array>
-#include <cstddef>
 #include <string>
 #include <utility>
 #include <vector>
-#include <ztb/store_guard.hpp>
+#include <ztb/ztb.hpp>
 
 #include "bindings/python/native/connection.h"
 
@@ -22,53 +20,56 @@ namespace py = pybind11;
 using Numbers = py::array_t<int, py::array::c_style | py::array::forcecast>;
 using Values = py::array_t<double, py::array::c_style | py::array::forcecast>;
 
-// Refers to a symbol of a database and keeps the database's memory alive. No member keeps a record
+// A symbol of the C++ wrapper that keeps its database's memory alive. No member keeps a record
 // handle between two calls.
 class Symbol {
  public:
-  Symbol(Shared connection, void* handle);
+  Symbol(Shared connection, const ztb::Symbol& symbol)
+      : connection_(std::move(connection)), symbol_(symbol) {}
 
-  [[nodiscard]] int dimension() const { return place_.dimension; }
-  [[nodiscard]] int type() const { return place_.type; }
-  [[nodiscard]] int userInfo() const { return info(ZTB_SYMBOL_INFO_USER_INFO); }
-  void setUserInfo(int userInfo);
-  [[nodiscard]] int recordCount() const;
-  [[nodiscard]] std::string name() const { return textInfo(ZTB_SYMBOL_INFO_NAME); }
-  [[nodiscard]] std::string text() const { return textInfo(ZTB_SYMBOL_INFO_TEXT); }
+  // The symbol of the wrapper. Throws when the database is closed.
+  [[nodiscard]] ztb::Symbol& client() const {
+    static_cast<void>(connection_->database());
+    return symbol_;
+  }
+
+  [[nodiscard]] int dimension() const { return symbol_.dimension(); }
+  [[nodiscard]] int type() const { return static_cast<int>(symbol_.type()); }
+  [[nodiscard]] int userInfo() const { return client().userInfo(); }
+  void setUserInfo(int userInfo) { client().setUserInfo(userInfo); }
+  [[nodiscard]] std::string name() const { return client().name().str(); }
+  [[nodiscard]] std::string text() const { return client().text().str(); }
   // Values of a record: five for variables and equations, one otherwise.
-  [[nodiscard]] int valueCount() const { return static_cast<int>(place_.slotCount()); }
+  [[nodiscard]] int valueCount() const { return static_cast<int>(symbol_.valueCount()); }
+
+  [[nodiscard]] int recordCount() const;
+  // The same, but None where that would read a file.
+  [[nodiscard]] py::object recordCountIfRead() const;
 
   // For each position the domain set, None when it is known by name only, and the name.
   [[nodiscard]] py::list domains() const;
+  // For each position the name of its column in tables.
+  [[nodiscard]] py::list columns() const;
 
   [[nodiscard]] ztbRec* database() const { return connection_->handle(); }
-  [[nodiscard]] void* handle() const { return place_.handle; }
-  // What decides how the records are handled. Throws when the database is closed.
-  [[nodiscard]] const ztb::detail::SymbolPlace& place() const {
-    static_cast<void>(database());
-    return place_;
-  }
+  [[nodiscard]] void* handle() const { return symbol_.handle(); }
   [[nodiscard]] const Shared& connection() const { return connection_; }
   // Reads the records, unless they were read before.
-  void load() const { connection_->load(handle()); }
+  void load() const { connection_->load(client()); }
   void require(int result, const char* operation) const { connection_->require(result, operation); }
 
   friend bool operator==(const Symbol& left, const Symbol& right) {
-    return left.handle() == right.handle();
+    return left.symbol_ == right.symbol_;
   }
 
  private:
-  [[nodiscard]] int info(int key) const;
-  [[nodiscard]] std::string textInfo(int key) const;
-
   Shared connection_;
-  ztb::detail::SymbolPlace place_;
+  // A plain value whose own constness says nothing about the records.
+  mutable ztb::Symbol symbol_;
 };
 
-// The operations that write the fields of a record, at the places of their values.
-using FieldSetter = int (*)(ztbRec*, void*, double);
-inline constexpr std::array<FieldSetter, ZTB_SCALE + 1> fieldSetters = {
-    c__ztbsetlevel, c__ztbsetmarginal, c__ztbsetlower, c__ztbsetupper, c__ztbsetscale};
+// Replaces the records by those of another symbol, of any database.
+void copyFrom(const Symbol& symbol, const Symbol& source);
 
 // Adds the class to the module, with the members of the other files.
 void bindSymbol(py::module_& module);

@@ -10,8 +10,12 @@
     array([11.,  0.])
 """
 
+from . import _native
 from .database import Database, memory_needed, open
-from .errors import Error, NotFoundError
+from .errors import DamagedFileError, Error, MissingFileError, NotFoundError
+from .labels import Key, Label, label_text
+from .numeric import Equation, Parameter, Variable
+from .selection import Selection
 from .special import (
     CODE_EPSILON,
     CODE_MINUS_INFINITY,
@@ -28,18 +32,11 @@ from .special import (
     special_code,
     special_codes,
 )
-from .symbol import (
-    FIELDS,
-    Alias,
-    Domain,
-    Equation,
-    Parameter,
-    Set,
-    Symbol,
-    Values,
-    Variable,
-    Violation,
-)
+from .symbol import Alias, Domain, Set, Symbol, Texts, Violation
+from .values import FIELDS, Values
+
+#: The version of the package and of the library that it was built for.
+__version__: str = _native.version
 
 __all__ = [
     "Alias",
@@ -49,6 +46,7 @@ __all__ = [
     "CODE_ORDINARY",
     "CODE_PLUS_INFINITY",
     "CODE_UNDEFINED",
+    "DamagedFileError",
     "Database",
     "Domain",
     "EPS",
@@ -56,17 +54,24 @@ __all__ = [
     "Error",
     "FIELDS",
     "INF",
+    "Key",
+    "Label",
+    "MissingFileError",
     "NA",
     "NEG_INF",
     "NotFoundError",
     "Parameter",
     "SPECIAL_VALUES",
+    "Selection",
     "Set",
     "Symbol",
+    "Texts",
     "UNDEF",
     "Values",
     "Variable",
     "Violation",
+    "__version__",
+    "label_text",
     "memory_needed",
     "open",
     "special_code",

@@ -3,33 +3,36 @@
 from __future__ import annotations
 
 import os
-from types import TracebackType
-from typing import Any, Dict, Iterator, List, Optional, Sequence, Tuple, Type, Union, cast
+from typing import Any, Dict, Iterator, Iterable, List, Mapping, Optional, Tuple, Union, cast
 
-import numpy as np
-import numpy.typing as npt
-
-from . import _native
+from . import _native, display, partial
+from .errors import MissingFileError
+from .home import Home
+from .numeric import Equation, Parameter, Variable
 from .sizes import Size, bytes_of
 from .special import SPECIAL_VALUES
-from .symbol import Alias, DomainLike, Equation, Parameter, Set, Symbol, Variable, wrap
+from .symbol import KINDS, Alias, DomainLike, DomainsLike, Set, Symbol, several, set_of
 
 Path = Union[str, "os.PathLike[str]"]
 
 _STORES = ("map", "vector", "trie")
 
 _FREE = 5
-_UNIVERSE = -1
 _VARIABLE_SUBTYPES = 10
 _EQUATION_SUBTYPES = 7
 
+_CLASSES: Dict[int, Any] = {0: Set, 1: Parameter, 2: Variable, 3: Equation, 4: Alias}
 
-class Database:
-    """A database of sparse, indexed data.
+
+class Database(display.Shows, Home, Mapping[str, Symbol[Any]]):
+    """A database of sparse, indexed data: a mapping from names to symbols.
 
     With a path it mirrors an RXF file: labels and symbols are read now, the records of each symbol
     when they are first touched. Used in a ``with`` statement, it is closed at the end; symbols of a
     closed database raise :class:`ztb.Error`.
+
+    A path without a file is a :class:`ztb.MissingFileError`, which is a ``FileNotFoundError``; what
+    is damaged, or no RXF file at all, a :class:`ztb.DamagedFileError`.
 
     ``store`` chooses what holds the records in memory: ``"map"``, ``"vector"`` or ``"trie"``.
     ``system_directory`` is a folder to look for the exchange-file library in; by default that is
@@ -51,81 +54,77 @@ class Database:
     ) -> None:
         number = _store_number(store)
         limit = 0 if max_memory is None else bytes_of(max_memory, "max_memory")
-        self._native = _native.create(system_directory)
-        self._labels: npt.NDArray[np.object_] = np.array([None], dtype=object)
+        super().__init__(_native.create(system_directory))
+        self._system_directory = system_directory
         self._native.set_special_values(SPECIAL_VALUES)
         self._native.select_store(number)
         if path is not None:
             try:
                 self._native.open(path, limit)
+            except MissingFileError as error:
+                self._native.close()
+                error.filename = os.fspath(path)
+                raise
             except BaseException:
                 self._native.close()
                 raise
 
-    # ---- lifetime and files ----
+    # ---- files ----
 
-    def close(self) -> None:
-        """Frees the database; what was not written is lost. May be called again."""
-        self._native.close()
-
-    @property
-    def closed(self) -> bool:
-        return self._native.closed
-
-    def __enter__(self) -> "Database":
-        return self
-
-    def __exit__(
+    def write(
         self,
-        kind: Optional[Type[BaseException]],
-        error: Optional[BaseException],
-        trace: Optional[TracebackType],
+        path: Path,
+        *,
+        only: Optional[Iterable[Union[str, Symbol[Any], Alias]]] = None,
+        rename: Optional[Mapping[str, str]] = None,
+        check_domains: bool = False,
     ) -> None:
-        self.close()
-
-    def write(self, path: Path, *, check_domains: bool = False) -> None:
         """Writes everything to an RXF file, which may be the one that was opened.
+
+        With ``only``, a name or several, just these symbols are written, together with the sets
+        and aliases that they cannot be without (those named as domains, the set behind an alias),
+        and only labels that records of theirs hold. ``rename`` gives symbols other names in the
+        file. The database keeps all symbols and names; the file is made from a copy of the records
+        in memory.
 
         With ``check_domains`` a label outside the set that is its domain is an error. On failure
         an old file stays as it was; only where its folder could not be brought to the disk, which
         comes last and is told, the new one stands.
         """
-        self._native.write(path, check_domains)
+        if only is None and not rename:
+            self._native.write(path, check_domains)
+            return
+        names = None if only is None else _names(only)
+        copy = _native.create(self._system_directory)
+        try:
+            copy.set_special_values(SPECIAL_VALUES)
+            partial.fill(copy, self, names, dict(rename or {}))
+            copy.write(path, check_domains)
+        finally:
+            copy.close()
 
     def close_file(self, *, load_remaining: bool = True) -> None:
         """Closes the file that the database mirrors. What is not read yet is read first, or lost."""
         self._native.close_file(load_remaining)
 
-    # ---- labels ----
-
-    @property
-    def labels(self) -> List[str]:
-        """All labels in the order in which they came."""
-        return self._label_array()[1:].tolist()
-
-    def add_labels(self, labels: Sequence[str]) -> None:
-        """Adds labels to the universe, those that it does not have yet; none if one is refused.
-
-        This is the only way in for the empty label, which a record does not bring along.
-        """
-        self._native.add_labels(labels)
-
     # ---- symbols ----
 
     def __getitem__(self, name: str) -> Symbol[Any]:
         """The symbol of a name, case folded; for an alias the set that it stands for."""
+        if not isinstance(name, str):
+            raise TypeError(f"{name!r} ({type(name).__name__}) is no name of a symbol, which is a str")
         if name == "*":
             raise KeyError("* is the universe, no symbol; see Database.labels")
-        return cast("Symbol[Any]", wrap(self, self._native.find_symbol(name, False)))
+        return cast("Symbol[Any]", self._wrap(self._native.find_symbol(name, False)))
 
     def __contains__(self, name: object) -> bool:
         try:
-            return isinstance(name, str) and bool(self[name])
+            return isinstance(name, str) and bool(self[name].name)
         except KeyError:
             return False
 
     def __iter__(self) -> Iterator[str]:
-        return (symbol.name for symbol in self.symbols())
+        return iter([symbol.name for symbol in self.symbols()])
 
     def __len__(self) -> int:
         """The number of symbols, aliases included."""
@@ -134,107 +133,140 @@ class Database:
     def __bool__(self) -> bool:
         return True
 
+    def __eq__(self, other: object) -> bool:
+        return self is other
+
+    def __hash__(self) -> int:
+        return id(self)
+
     def symbols(self) -> List[Union[Symbol[Any], Alias]]:
         """All symbols, aliases included, in the order in which they were made."""
         return [
-            wrap(self, self._native.symbol_at(position))
+            self._wrap(self._native.symbol_at(position))
             for position in range(self._native.symbol_count())
         ]
 
-    def add_set(
-        self, name: str, domains: Sequence[DomainLike] = ("*",), text: str = ""
-    ) -> Set:
+    def add_set(self, name: str, domains: DomainsLike = ("*",), text: str = "") -> Set:
         """Adds a set.
 
         A domain is a set or alias of this database or its name; ``"*"`` is the universe, and any
-        other name is kept as a name.
+        other name is kept as a name. One that stands alone is that of a single position.
         """
         return cast(Set, self._add(name, 0, domains, text, 0))
 
-    def add_parameter(
-        self, name: str, domains: Sequence[DomainLike] = (), text: str = ""
-    ) -> Parameter:
-        """Adds a parameter; without domains it has one value."""
+    def add_parameter(self, name: str, domains: DomainsLike = (), text: str = "") -> Parameter:
+        """Adds a parameter; without domains it has one value. Domains are as for a set."""
         return cast(Parameter, self._add(name, 1, domains, text, 0))
 
     def add_variable(
         self,
         name: str,
-        domains: Sequence[DomainLike] = (),
+        domains: DomainsLike = (),
         text: str = "",
         *,
         subtype: int = _FREE,
     ) -> Variable:
         """Adds a variable; the subtype, 0 to 9, tells what values a new record has.
 
-        That is 1 for a binary variable, 3 for a positive one, 5 for a free one.
+        That is 1 for a binary variable, 3 for a positive one, 5 for a free one. Domains are as for
+        a set.
         """
         _require_below(_VARIABLE_SUBTYPES, subtype)
         return cast(Variable, self._add(name, 2, domains, text, subtype))
 
     def add_equation(
-        self, name: str, domains: Sequence[DomainLike] = (), text: str = "", *, subtype: int = 0
+        self, name: str, domains: DomainsLike = (), text: str = "", *, subtype: int = 0
     ) -> Equation:
-        """Adds an equation of a subtype from 0 to 6, which tells what values a new record has."""
+        """Adds an equation of a subtype from 0 to 6, which tells what values a new record has.
+
+        Domains are as for a set.
+        """
         _require_below(_EQUATION_SUBTYPES, subtype)
         return cast(Equation, self._add(name, 3, domains, text, subtype))
 
     def add_alias(self, name: str, target: Union[Set, Alias]) -> Alias:
         """Adds a second name for a set; for what an alias stands for when one is given."""
+        if isinstance(target, Symbol) and not isinstance(target, Set):
+            raise ValueError(f"{target.name} is no set, which alone an alias can stand for")
+        if not isinstance(target, (Set, Alias)):
+            raise TypeError(
+                f"{target!r} ({type(target).__name__}) is no set, which alone an alias can stand for"
+            )
+        self._require_own(target)
+        native = target._native
         if isinstance(target, Alias):
-            if target._database is not self:
-                raise ValueError(f"alias {target.name} belongs to another database")
-            if target.set is None:
-                return self._add_alias(name, _UNIVERSE, 1)
-            target = target.set
-        if not isinstance(target, Set):
-            raise ValueError(f"{target!r} is no set, which alone an alias can stand for")
-        for position in range(self._native.symbol_count()):
-            if self._native.symbol_at(position) == target._native:
-                return self._add_alias(name, position, target.dimension)
-        raise ValueError(f"set {target.name} belongs to another database")
+            native = self._native.find_symbol(target.name, False)
+        return cast(Alias, self._wrap(self._native.add_alias(name, native, "")))
+
+    # ---- how it shows itself ----
+
+    def _title(self) -> str:
+        labels = display.counted(self._native.label_count(), "label")
+        return f"ztb.Database of {labels}"
+
+    def _listing(self) -> display.Listing:
+        rows = [_row(symbol) for symbol in self._first_symbols()]
+        columns = ("kind", "symbol", "records", "text")
+        return display.Listing("", columns, rows, len(self), "symbol")
+
+    def _first_symbols(self) -> List[_native.Symbol]:
+        count = min(self._native.symbol_count(), display.MOST_ROWS)
+        return [self._native.symbol_at(position) for position in range(count)]
 
     # ---- helpers of this package ----
 
-    def _label_array(self) -> npt.NDArray[np.object_]:
-        """Labels by their numbers; the entry 0 is none. Numbers never change."""
-        # Another thread may be here, too: each goes on from what it found.
-        labels = self._labels
-        known = len(labels) - 1
-        if self._native.label_count() > known:
-            new = np.array(self._native.labels(known + 1), dtype=object)
-            labels = self._labels = np.concatenate((labels, new))
-        return labels
-
-    def _set(self, native: Optional[_native.Symbol]) -> Optional[Set]:
-        return None if native is None or native.name == "*" else Set(self, native)
-
-    def _set_of_alias(self, name: str) -> Optional[Set]:
-        return self._set(self._native.find_symbol(name, False))
+    def _wrap(self, native: _native.Symbol) -> Union[Symbol[Any], Alias]:
+        """The object for a symbol, by its type."""
+        wrapped: Union[Symbol[Any], Alias] = _CLASSES[native.type](self, native)
+        return wrapped
 
     def _add(
-        self, name: str, kind: int, domains: Sequence[DomainLike], text: str, user_info: int
+        self, name: str, kind: int, domains: DomainsLike, text: str, user_info: int
     ) -> Symbol[Any]:
-        arguments = [self._domain_argument(domain) for domain in domains]
+        arguments = [self._domain_argument(domain) for domain in several(domains)]
         native = self._native.add_symbol(name, kind, arguments, text, user_info)
-        return cast("Symbol[Any]", wrap(self, native))
-
-    def _add_alias(self, name: str, position: int, dimension: int) -> Alias:
-        return cast(Alias, wrap(self, self._native.add_alias(name, position, dimension, "")))
+        return cast("Symbol[Any]", self._wrap(native))
 
     def _domain_argument(self, domain: DomainLike) -> Tuple[Optional[_native.Symbol], str]:
         if isinstance(domain, (Symbol, Alias)):
-            if domain._database is not self:
-                raise ValueError(f"set {domain.name} belongs to another database")
+            self._require_own(domain)
             return domain._native, domain.name
         if domain is None or domain == "*":
             return None, "*"
+        if not isinstance(domain, str):
+            raise TypeError(
+                f"{domain!r} ({type(domain).__name__}) is no domain, expected a set, an alias or a "
+                "name"
+            )
         try:
             native = self._native.find_symbol(domain, True)
         except KeyError:
             return None, domain
         is_set = native.type in (0, 4) and native.dimension == 1
         return (native if is_set else None), domain
+
+    def _require_own(self, symbol: Union[Symbol[Any], Alias]) -> None:
+        if symbol._database is not self:
+            kind = "alias" if isinstance(symbol, Alias) else "set"
+            raise ValueError(f"{kind} {symbol.name} belongs to another database")
+
+
+def _row(symbol: _native.Symbol) -> display.Row:
+    domains = ", ".join(name for _, name in symbol.domains()) if symbol.type != 4 else None
+    name = symbol.name if domains is None else f"{symbol.name}({domains})"
+    count = symbol.record_count_if_read() if symbol.type != 4 else None
+    records = "" if count is None else str(count)
+    return [KINDS[symbol.type], display.cell(name), records, display.cell(symbol.text)]
+
+
+def _names(only: Iterable[Union[str, Symbol[Any], Alias]]) -> List[str]:
+    chosen = [only] if isinstance(only, (str, Symbol, Alias)) else only
+    names = []
+    for symbol in chosen:
+        if not isinstance(symbol, (str, Symbol, Alias)):
+            raise TypeError(f"{symbol!r} ({type(symbol).__name__}) is no symbol, nor the name of one")
+        names.append(symbol if isinstance(symbol, str) else symbol.name)
+    return names
 
 
 def _require_below(count: int, subtype: int) -> None:

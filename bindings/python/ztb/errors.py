@@ -1,5 +1,10 @@
 """What a failed operation raises."""
 
+from __future__ import annotations
+
+import errno
+import os
+
 
 class Error(Exception):
     """A failed operation; ``str()`` is the library's text, made fit for a terminal.
@@ -19,3 +24,20 @@ class Error(Exception):
 
 class NotFoundError(Error, KeyError):
     """There is no such symbol, label or record."""
+
+
+class MissingFileError(Error, FileNotFoundError):
+    """There is no such file, or no folder to write it into; a ``FileNotFoundError`` too."""
+
+    def __init__(self, text: str, operation: str = "", exact: str | None = None) -> None:
+        super().__init__(text, operation, exact)
+        self.errno = errno.ENOENT
+        self.strerror = os.strerror(errno.ENOENT)
+
+
+class DamagedFileError(Error):
+    """What stands in a file is no whole RXF file: damaged, cut short, or something else.
+
+    Raised when the file is opened, or when records are first touched; nothing of what is damaged
+    is delivered.
+    """

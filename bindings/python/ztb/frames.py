@@ -5,33 +5,29 @@ Labels are looked at once for each distinct label of a position, records never o
 
 from __future__ import annotations
 
-from typing import TYPE_CHECKING, Any, Iterable, List, Tuple, Union
+from typing import Any, Callable, Hashable, Optional, Sequence, Union
 
 import numpy as np
 import numpy.typing as npt
 import pandas as pd
 
 from . import _native
-from .symbol import FIELDS, field_number
+from .cells import NAN_CHOICES, floats_of, texts_of
+from .home import Home
+from .positions import Labelled, labelled
+from .values import FIELDS, Values, field_number
 
-if TYPE_CHECKING:
-    from .symbol import Parameter, Set, Symbol, _FiveValues
-
-
-def index_names(symbol: "Symbol[Any]") -> List[str]:
-    """A name for each position: that of its domain, ``key1``, ``key2`` over the universe."""
-    names: List[str] = []
-    for position, domain in enumerate(symbol.domains, start=1):
-        name = f"key{position}" if domain.name == "*" else domain.name
-        names.append(name if name not in names else f"{name}_{position}")
-    return names
+Numbers = npt.NDArray[np.int32]
 
 
-def _index(symbol: "Symbol[Any]", keys: npt.NDArray[np.int32]) -> pd.Index:
+# ---- out ----
+
+
+def _index(symbol: _native.Symbol, home: Home, keys: Numbers) -> pd.Index:
     if symbol.dimension == 0:
         return pd.RangeIndex(len(keys))
-    labels = symbol.database._label_array()
-    names = index_names(symbol)
+    labels = home._label_array()
+    names = symbol.columns()
     levels = []
     codes = []
     for column in keys.T:
@@ -44,35 +40,29 @@ def _index(symbol: "Symbol[Any]", keys: npt.NDArray[np.int32]) -> pd.Index:
     return pd.MultiIndex(levels=levels, codes=codes, names=names, verify_integrity=False)
 
 
-def set_to_series(symbol: "Set") -> "pd.Series[str]":
-    index = _index(symbol, symbol._native.rows()[0])
-    return pd.Series(symbol._native.texts(), index=index, name=symbol.name, dtype=object)
+def series_of(
+    symbol: _native.Symbol, home: Home, keys: Numbers, content: npt.NDArray[Any]
+) -> "pd.Series[Any]":
+    """A series of texts or numbers over labels."""
+    return pd.Series(content, index=_index(symbol, home, keys), name=symbol.name)
 
 
-def parameter_to_series(symbol: "Parameter") -> "pd.Series[float]":
-    keys, values = symbol._native.rows()
-    return pd.Series(values[:, 0], index=_index(symbol, keys), name=symbol.name)
+def fields_of(
+    symbol: _native.Symbol, home: Home, keys: Numbers, content: npt.NDArray[Any]
+) -> pd.DataFrame:
+    """A frame with a column for each field over labels."""
+    return pd.DataFrame(content, index=_index(symbol, home, keys), columns=list(FIELDS))
 
 
-def values_to_frame(symbol: "_FiveValues") -> pd.DataFrame:
-    keys, values = symbol._native.rows()
-    return pd.DataFrame(values, index=_index(symbol, keys), columns=list(FIELDS))
-
-
-def _text_of(label: object) -> str:
-    if isinstance(label, str):
-        return label
-    if isinstance(label, (int, np.integer)) and not isinstance(label, bool):
-        return str(label)
-    raise TypeError(f"the label {label!r} is neither a str nor an int")
+# ---- in ----
 
 
 def _numbers(
-    symbol: "Symbol[Any]",
-    labels: Iterable[object],
+    symbol: _native.Symbol,
+    labels: Any,
     codes: npt.NDArray[Any],
     new_labels: _native.NewLabels,
-) -> npt.NDArray[np.int32]:
+) -> Numbers:
     """The label numbers of a position, given as places in a list of labels.
 
     New labels are numbered in the order in which records first name them, which an index, having
@@ -87,58 +77,118 @@ def _numbers(
     first[codes[::-1]] = np.arange(rows - 1, -1, -1)
     order = np.argsort(first, kind="stable")[: np.count_nonzero(first < rows)]
     numbers = np.zeros(len(all_labels), dtype=np.int32)
-    texts = [_text_of(label) for label in all_labels[order]]
-    numbers[order] = new_labels.numbers(texts)
-    return numbers[codes]
+    numbers[order] = new_labels.numbers(all_labels[order])
+    rows_numbers: Numbers = numbers[codes]
+    return rows_numbers
 
 
-def _keys(
-    symbol: "Symbol[Any]", index: pd.Index, new_labels: _native.NewLabels
-) -> npt.NDArray[np.int32]:
-    """The label numbers of an index, a row for each entry."""
-    if symbol.dimension == 0:
-        return np.empty((len(index), 0), dtype=np.int32)
-    if index.nlevels != symbol.dimension:
-        raise ValueError(
-            f"the index has {index.nlevels} levels, symbol {symbol.name} has "
-            f"{symbol.dimension} positions"
-        )
-    if isinstance(index, pd.MultiIndex):
-        columns: List[Tuple[Any, Any]] = list(zip(index.levels, index.codes))
-    else:
-        codes, labels = pd.factorize(index)
-        columns = [(labels, codes)]
-    keys = np.empty((len(index), symbol.dimension), dtype=np.int32)
-    for position, (labels, codes) in enumerate(columns):
-        keys[:, position] = _numbers(symbol, labels, np.asarray(codes), new_labels)
+def _keys(symbol: _native.Symbol, data: Labelled, new_labels: _native.NewLabels) -> Numbers:
+    """The label numbers of all positions, a row for each row of the data."""
+    keys = np.empty((data.rows, symbol.dimension), dtype=np.int32)
+    for position, (labels, codes) in enumerate(data.positions):
+        keys[:, position] = _numbers(symbol, labels, codes, new_labels)
     return keys
 
 
-def set_from_pandas(symbol: "Set", data: Union["pd.Series[str]", pd.Index]) -> None:
-    new_labels = symbol.database._native.new_labels()
-    index = data if isinstance(data, pd.Index) else data.index
-    texts = None if isinstance(data, pd.Index) else data.fillna("").tolist()
-    symbol._native.put_elements(_keys(symbol, index, new_labels), texts, new_labels)
+def set_from_pandas(
+    symbol: _native.Symbol,
+    home: Home,
+    data: Union["pd.Series[str]", pd.DataFrame, pd.Index],
+    keys: Optional[Sequence[Hashable]],
+) -> None:
+    """Replaces the elements of a set."""
+    rows = labelled(symbol, data, keys, least_columns=0)
+    texts = None
+    if rows.columns is not None and len(rows.columns.columns) > 0:
+        texts = texts_of(rows.columns, symbol.name)
+    new_labels = home._native.new_labels()
+    symbol.put_elements(_keys(symbol, rows, new_labels), texts, new_labels)
 
 
 def parameter_from_pandas(
-    symbol: "Parameter", data: Union["pd.Series[float]", pd.DataFrame]
+    symbol: _native.Symbol,
+    home: Home,
+    data: Union["pd.Series[float]", pd.DataFrame],
+    keys: Optional[Sequence[Hashable]],
+    nan: str,
 ) -> None:
-    values = data.to_numpy(dtype=np.float64)
-    if values.ndim == 2 and values.shape[1] != 1:
-        raise ValueError(f"a frame of one column is expected, not of {values.shape[1]}")
-    new_labels = symbol.database._native.new_labels()
-    keys = _keys(symbol, data.index, new_labels)
-    symbol._native.put_rows(keys, values.reshape(-1, 1), [0], new_labels)
+    """Replaces the records of a parameter."""
+    rows = labelled(symbol, data, keys, least_columns=1)
+    count = len(rows.columns.columns)
+    if count != 1:
+        raise ValueError(
+            f"a frame of one column is expected, not of {count}"
+            f" ({', '.join(map(str, rows.columns.columns))})"
+        )
+    _put(symbol, home, rows, [0], nan, None)
 
 
 def values_from_pandas(
-    symbol: "_FiveValues", data: Union["pd.Series[float]", pd.DataFrame]
+    symbol: _native.Symbol,
+    home: Home,
+    data: Union["pd.Series[float]", pd.DataFrame],
+    keys: Optional[Sequence[Hashable]],
+    nan: str,
+    defaults: Optional[Values],
 ) -> None:
-    columns = ["level"] if isinstance(data, pd.Series) else list(data.columns)
-    fields = [field_number(column) for column in columns]
+    """Replaces the records of a variable or equation; ``defaults`` are for ``nan="skip"``."""
+    rows = labelled(symbol, data, keys, least_columns=1)
+    names = ["level"] if isinstance(data, pd.Series) else list(rows.columns.columns)
+    fields = [field_number(name) for name in names]
     if len(set(fields)) != len(fields):
         raise ValueError("a field has two columns")
-    values = data.to_numpy(dtype=np.float64).reshape(len(data), len(fields))
-    new_labels = symbol.database._native.new_labels()
-    symbol._native.put_rows(_keys(symbol, data.index, new_labels), values, fields, new_labels)
+    _put(symbol, home, rows, fields, nan, defaults)
+
+
+def _put(
+    symbol: _native.Symbol,
+    home: Home,
+    rows: Labelled,
+    fields: Sequence[int],
+    nan: str,
+    defaults: Optional[Values],
+) -> None:
+    if nan not in NAN_CHOICES:
+        raise ValueError(f"nan={nan!r} is no choice, expected one of {', '.join(NAN_CHOICES)}")
+    values = floats_of(rows.columns, symbol.name)
+    if nan != "na":
+        missing = np.isnan(values)
+        if nan == "error" and missing.any():
+            row = int(np.flatnonzero(missing.any(axis=1))[0])
+            raise ValueError(
+                f"row {row}: a value of symbol {symbol.name} is missing; nan='skip' makes no "
+                "record of it, nan='na' stores it as not available"
+            )
+        kept = ~missing.all(axis=1)
+        if defaults is not None:
+            values = np.where(missing, np.array(defaults)[fields], values)
+        values = values[kept]
+        rows = rows.where(kept)
+    new_labels = home._native.new_labels()
+    symbol.put_rows(_keys(symbol, rows, new_labels), values, fields, new_labels)
+
+
+# ---- chosen by marks ----
+
+
+def choice_of_marks(
+    symbol: _native.Symbol, home: Home, marks: "pd.Series[bool]"
+) -> Callable[[Numbers], npt.NDArray[np.bool_]]:
+    """Chooses the records whose labels have a true mark."""
+    chosen = marks.index[marks.fillna(False).to_numpy(dtype=np.bool_)]
+    # New labels get numbers that no record has.
+    wanted = _keys(symbol, labelled(symbol, chosen, None, 0), home._native.new_labels())
+
+    def choice(keys: Numbers) -> npt.NDArray[np.bool_]:
+        if symbol.dimension == 0:
+            return np.full(len(keys), len(wanted) > 0)
+        marked: npt.NDArray[np.bool_] = _rows_index(keys).isin(_rows_index(wanted))
+        return marked
+
+    return choice
+
+
+def _rows_index(keys: Numbers) -> pd.Index:
+    if keys.shape[1] == 1:
+        return pd.Index(keys[:, 0])
+    return pd.MultiIndex.from_arrays(list(keys.T))

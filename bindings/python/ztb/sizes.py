@@ -15,6 +15,7 @@ _LARGEST = 2**64 - 1
 
 def bytes_of(size: Size, name: str) -> int:
     """The bytes of a size; ``name`` is that of the argument, for the errors."""
+    count: int
     if isinstance(size, str):
         match = _SIZE.fullmatch(size)
         count = int(match[1]) * 1024 ** _UNITS[match[2].upper()] if match else 0

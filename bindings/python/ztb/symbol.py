@@ -1,43 +1,33 @@
-"""Symbols: mappings from tuples of labels to values, arrays and frames."""
+"""Symbols: mappings from labels to what records hold. Sets are here, what holds numbers is in
+:mod:`ztb.numeric`.
+"""
 
 from __future__ import annotations
 
 import sys
-from collections.abc import ItemsView, MutableMapping, ValuesView
-from typing import TYPE_CHECKING, Any, Generic, Iterator, List, NamedTuple, Optional, Sequence
-from typing import Tuple, TypeVar, Union
+from collections.abc import ItemsView, ValuesView
+from typing import TYPE_CHECKING, Any, Hashable, Iterable, Iterator, List, MutableMapping
+from typing import NamedTuple, Optional, Sequence, Tuple, TypeVar, Union, overload
 
 import numpy as np
 import numpy.typing as npt
 
-from . import _native
+from . import _native, display
+from .home import Home
+from .labels import Key, Label, labels_of_key
+from .selection import Numbers, Selection, choice_of, is_partial
 
 if TYPE_CHECKING:
     import pandas as pd
 
-    from .database import Database
-
-#: Labels of a record: a tuple with one for each position; for one position the label alone will do.
-Key = Union[str, Tuple[str, ...]]
-
 Value = TypeVar("Value")
 
-#: The fields of a variable or equation, at the places of their values.
-FIELDS = ("level", "marginal", "lower", "upper", "scale")
+#: Labels of records, with a slice or several labels at one position or more.
+PartialKey = Any
 
-
-#: As many cells of numbers as the library can count.
-_MOST_CELLS = 2**31 - 1
-
-
-class Values(NamedTuple):
-    """The values of a record of a variable or equation."""
-
-    level: float
-    marginal: float
-    lower: float
-    upper: float
-    scale: float
+_SET, _PARAMETER, _VARIABLE, _EQUATION, _ALIAS = range(5)
+#: The kinds of symbols by their type numbers, as they are written.
+KINDS = ("set", "parameter", "variable", "equation", "alias")
 
 
 class Domain(NamedTuple):
@@ -59,10 +49,10 @@ class Violation(NamedTuple):
     positions: Tuple[int, ...]
 
 
-class Alias:
+class Alias(display.Shows):
     """A second name for a set. It has no records of its own."""
 
-    def __init__(self, database: "Database", native: _native.Symbol) -> None:
+    def __init__(self, database: Home, native: _native.Symbol) -> None:
         self._database = database
         self._native = native
 
@@ -74,52 +64,61 @@ class Alias:
     @property
     def set(self) -> Optional["Set"]:
         """The set that it stands for; ``None`` for the universe."""
-        return self._database._set_of_alias(self.name)
+        return set_of(self._database, self._database._native.find_symbol(self.name, False))
 
-    def __repr__(self) -> str:
-        return f"<ztb.Alias {self.name}>"
+    def _title(self) -> str:
+        target = self.set
+        name = "*" if target is None else target.name
+        return f"ztb.Alias {display.cell(self.name)} of {display.cell(name)}"
 
 
-class _Items(ItemsView):
+class _Items(ItemsView[Any, Value]):
     """Reads all records in one go."""
 
-    _mapping: "Symbol[Any]"
+    def __init__(self, symbol: "Symbol[Value]") -> None:
+        super().__init__(symbol)
+        self._symbol = symbol
 
-    def __iter__(self) -> Iterator[Tuple[Tuple[str, ...], Any]]:
-        return iter(zip(self._mapping._keys(), self._mapping._all_values()))
+    def __iter__(self) -> Iterator[Tuple[Any, Value]]:
+        keys, content = self._symbol._table()
+        return iter(zip(self._symbol._keys_of(keys), self._symbol._values_of(content)))
 
 
-class _Values(ValuesView):
+class _Values(ValuesView[Value]):
     """Reads all records in one go."""
 
-    _mapping: "Symbol[Any]"
+    def __init__(self, symbol: "Symbol[Value]") -> None:
+        super().__init__(symbol)
+        self._symbol = symbol
 
-    def __iter__(self) -> Iterator[Any]:
-        return iter(self._mapping._all_values())
+    def __iter__(self) -> Iterator[Value]:
+        return iter(self._symbol._values_of(self._symbol._table()[1]))
 
 
-class Symbol(MutableMapping, Generic[Value]):
+class Symbol(display.Shows, MutableMapping[Any, Value]):
     """A symbol of a database: a mapping from tuples of labels to values.
 
     Records come in the order of their label numbers. Labels are compared with the case of ASCII
-    letters folded. Two symbols are equal if they are the same symbol of the same database; compare
-    ``dict(a) == dict(b)`` for their records. Iterating reads all keys first, so the records may be
-    changed meanwhile.
+    letters folded; :mod:`ztb.labels` tells what a label is made from. A key with slices, or with
+    several labels at a position, gives a :class:`Selection`. Two symbols are equal if they are the
+    same symbol of the same database; compare ``dict(a) == dict(b)`` for their records. Iterating
+    reads all keys first, so the records may be changed meanwhile.
     """
 
-    def __init__(self, database: "Database", native: _native.Symbol) -> None:
+    def __init__(self, database: Home, native: _native.Symbol) -> None:
         self._database = database
         self._native = native
 
     # ---- what it is ----
 
     @property
-    def database(self) -> "Database":
+    def database(self) -> Home:
         """The database that it belongs to."""
         return self._database
 
     @property
     def name(self) -> str:
+        """Its name, as it was spelled first."""
         return self._native.name
 
     @property
@@ -145,7 +144,7 @@ class Symbol(MutableMapping, Generic[Value]):
     def domains(self) -> Tuple[Domain, ...]:
         """The domain of each position."""
         return tuple(
-            Domain(name, self._database._set(native)) for native, name in self._native.domains()
+            Domain(name, set_of(self._database, native)) for native, name in self._native.domains()
         )
 
     def __eq__(self, other: object) -> bool:
@@ -154,45 +153,84 @@ class Symbol(MutableMapping, Generic[Value]):
     def __hash__(self) -> int:
         return hash(self._native)
 
-    def __repr__(self) -> str:
-        domains = ", ".join(domain.name for domain in self.domains)
-        return f"<ztb.{type(self).__name__} {self.name}({domains})>"
+    # ---- how it shows itself ----
+
+    def _title(self) -> str:
+        domains = ", ".join(display.cell(name) for _, name in self._native.domains())
+        return f"ztb.{type(self).__name__} {display.cell(self.name)}({domains})"
+
+    def _listing(self) -> display.Listing:
+        rows = self._shown(*self._table(display.MOST_ROWS))
+        return display.Listing(self.text, self._columns(), rows, len(self), "record")
+
+    def _shown(self, keys: Numbers, content: npt.NDArray[Any]) -> List[display.Row]:
+        return [
+            [*map(display.cell, labels), *map(display.cell, row)]
+            for labels, row in zip(self._label_tuples(keys), content.reshape(len(keys), -1))
+        ]
+
+    def _columns(self) -> List[str]:
+        return [*self._native.columns(), *self._content_columns()]
+
+    def _content_columns(self) -> List[str]:
+        raise NotImplementedError
 
     # ---- mapping ----
 
     def __len__(self) -> int:
         return self._native.record_count()
 
-    def __iter__(self) -> Iterator[Tuple[str, ...]]:
-        return iter(self._keys())
+    def __iter__(self) -> Iterator[Any]:
+        return iter(self._keys_of(self._native.rows()[0]))
 
     def __contains__(self, key: object) -> bool:
-        return self._native.contains(_labels(key))
+        return self._native.contains(labels_of_key(key))
 
-    def __getitem__(self, key: Key) -> Value:
-        raise NotImplementedError
+    # A partial key is any other: the first that fits decides.
+    @overload
+    def __getitem__(self, key: Key) -> Value: ...  # type: ignore[misc]
+    @overload
+    def __getitem__(self, key: PartialKey) -> Selection[Value]: ...
+    def __getitem__(self, key: Any) -> Any:
+        try:
+            return self._value(labels_of_key(key))
+        except (TypeError, ValueError):
+            if not is_partial(key):
+                raise
+        return Selection(self, self._database, choice_of(self._native, self._database, key))
 
     def __setitem__(self, key: Key, value: Any) -> None:
-        raise NotImplementedError
+        _require_whole(key)
+        self._set_value(labels_of_key(key), value)
 
     def __delitem__(self, key: Key) -> None:
-        self._native.remove(_labels(key))
+        _require_whole(key)
+        self._native.remove(labels_of_key(key))
 
-    def items(self) -> ItemsView:
+    def items(self) -> ItemsView[Any, Value]:
+        """All keys with their values, read in one go."""
         return _Items(self)
 
-    def values(self) -> ValuesView:
+    def values(self) -> ValuesView[Value]:
+        """All values, read in one go."""
         return _Values(self)
 
     def clear(self) -> None:
         """Removes all records."""
         self._native.clear()
 
+    def _value(self, labels: Tuple[Any, ...]) -> Value:
+        raise NotImplementedError
+
+    def _set_value(self, labels: Tuple[Any, ...], value: Any) -> None:
+        raise NotImplementedError
+
     # ---- bulk ----
 
-    def axes(self, domains: Optional[Sequence["DomainLike"]] = None) -> Tuple[List[str], ...]:
-        """The labels along each axis of :meth:`to_numpy` with the same domains."""
-        return tuple(_labels_of(set_) for set_ in self._domain_sets(domains))
+    def axes(self, domains: Optional["DomainsLike"] = None) -> Tuple[List[str], ...]:
+        """The labels along each axis of ``to_numpy`` with the same domains."""
+        labels = self._database._label_array()
+        return tuple(labels[numbers].tolist() for numbers in self._axis_numbers(domains))
 
     def copy_from(self, source: Union["Symbol[Any]", Alias]) -> None:
         """Replaces the records by those of a symbol of this or another database.
@@ -211,32 +249,44 @@ class Symbol(MutableMapping, Generic[Value]):
             for key, flags in zip(self._label_tuples(keys), outside)
         ]
 
-    # ---- helpers ----
+    # ---- records as arrays ----
 
-    def _label_tuples(self, keys: npt.NDArray[np.int32]) -> List[Tuple[str, ...]]:
+    def _table(self, most: Optional[int] = None) -> Tuple[Numbers, npt.NDArray[Any]]:
+        """Rows of label numbers and of what the records hold, of ``most`` records at most."""
+        return self._native.rows(most)
+
+    def _keys_of(self, keys: Numbers) -> List[Any]:
+        return self._label_tuples(keys)
+
+    def _values_of(self, content: npt.NDArray[Any]) -> List[Value]:
+        raise NotImplementedError
+
+    def _frame_of(self, keys: Numbers, content: npt.NDArray[Any]) -> Any:
+        raise NotImplementedError
+
+    def _label_tuples(self, keys: Numbers) -> List[Tuple[str, ...]]:
         labels = self._database._label_array()
         if self.dimension == 0:
             return [()] * len(keys)
         return list(zip(*(labels[column].tolist() for column in keys.T)))
 
-    def _keys(self) -> List[Tuple[str, ...]]:
-        return self._label_tuples(self._native.rows()[0])
+    # ---- domains of arrays ----
 
-    def _all_values(self) -> List[Value]:
-        raise NotImplementedError
-
-    def _domain_sets(self, domains: Optional[Sequence["DomainLike"]]) -> List["Set"]:
-        if domains is None:
-            domains = [domain.set for domain in self.domains]
-        elif len(domains) != self.dimension:
+    def _domain_sets(self, domains: Optional["DomainsLike"]) -> List["Set"]:
+        given = self._own_domains() if domains is None else several(domains)
+        if len(given) != self.dimension:
             raise ValueError(
-                f"{len(domains)} domains given, symbol {self.name} has {self.dimension} positions"
+                f"{len(given)} domains given, symbol {self.name} has {self.dimension} positions"
             )
-        return [self._domain_set(domain, place) for place, domain in enumerate(domains)]
+        return [self._domain_set(domain, place) for place, domain in enumerate(given)]
+
+    def _own_domains(self) -> List["DomainLike"]:
+        return [domain.set for domain in self.domains]
 
     def _domain_set(self, domain: "DomainLike", position: int) -> "Set":
         if isinstance(domain, str) and domain != "*":
-            domain = self._database[domain]
+            native = self._database._native.find_symbol(domain, False)
+            domain = Set(self._database, native) if native.type == _SET else domain
         elif isinstance(domain, Alias):
             domain = domain.set
         if domain is None or domain == "*":
@@ -249,8 +299,11 @@ class Symbol(MutableMapping, Generic[Value]):
             raise ValueError(f"set {domain.name} belongs to another database")
         return domain
 
+    def _axis_numbers(self, domains: Optional["DomainsLike"]) -> List[npt.NDArray[np.int32]]:
+        return [set_._native.rows()[0][:, 0] for set_ in self._domain_sets(domains)]
+
     def _requested(
-        self, array: npt.NDArray[Any], domains: Optional[Sequence["DomainLike"]], most: int
+        self, array: npt.NDArray[Any], domains: Optional["DomainsLike"], most: int
     ) -> List[_native.Symbol]:
         """The sets of an array that is to come in and has ``most`` cells at most; checked first,
         since a refusal by the library comes when the records are gone already."""
@@ -266,48 +319,93 @@ class Symbol(MutableMapping, Generic[Value]):
         return [set_._native for set_ in sets]
 
     def _dense(
-        self, domains: Optional[Sequence["DomainLike"]], field: int, drop: bool
+        self, domains: Optional["DomainsLike"], field: int, drop: bool
     ) -> npt.NDArray[Any]:
         sets = self._domain_sets(domains)
         cube, dropped = self._native.to_dense([set_._native for set_ in sets], field)
+        self._require_none_dropped(dropped, drop)
+        return cube
+
+    def _sparse(
+        self, content: int, domains: Optional["DomainsLike"], rows: int, drop: bool
+    ) -> Any:
+        from . import sparse
+
+        keys, table = self._native.rows()
+        matrix, dropped = sparse.to_coo(
+            keys, table[:, content], self._axis_numbers(domains), rows, self.name
+        )
+        self._require_none_dropped(dropped, drop)
+        return matrix
+
+    def _require_none_dropped(self, dropped: int, drop: bool) -> None:
         if dropped and not drop:
             raise ValueError(
                 f"{dropped} records of symbol {self.name} have labels outside the domains; "
                 "drop=True leaves them out"
             )
-        return cube
 
 
 class Set(Symbol[str]):
-    """A set: its records are elements, whose values are explanatory texts."""
+    """A set: its records are elements, whose values are explanatory texts.
 
-    def __getitem__(self, key: Key) -> str:
-        return self._native.element_text(_labels(key))
+    A set of one position iterates as labels, which are its keys then; any other as tuples.
+    ``s[key] = text`` adds an element or edits its text; :attr:`texts` edits alone.
+    """
 
-    def __setitem__(self, key: Key, value: str) -> None:
-        self._native.put_text(_labels(key), value)
+    def _value(self, labels: Tuple[Any, ...]) -> str:
+        return self._native.element_text(labels)
 
-    def add(self, *labels: str) -> None:
+    def _set_value(self, labels: Tuple[Any, ...], value: Any) -> None:
+        if not isinstance(value, str):
+            raise TypeError(
+                f"{value!r} ({type(value).__name__}) is no text for an element of set "
+                f"{self.name}, expected a str"
+            )
+        self._native.put_text(labels, value)
+
+    @property
+    def texts(self) -> "Texts":
+        """The texts of the elements, as a mapping that adds and removes no element."""
+        return Texts(self)
+
+    def add(self, *labels: Label) -> None:
         """Adds an element, unless it is there already."""
         if labels not in self:
             self._native.put(labels, ())
 
-    def extend(self, labels: Sequence[Key]) -> None:
+    def extend(self, labels: Iterable[Key]) -> None:
         """Adds elements, those that are not there already."""
+        if isinstance(labels, str):
+            raise TypeError(f"{labels!r} is one label, expected several; add() takes one")
         for key in labels:
-            self.add(*_labels(key))
+            self.add(*labels_of_key(key))
 
-    def _all_values(self) -> List[str]:
-        return self._native.texts()
+    def _keys_of(self, keys: Numbers) -> List[Any]:
+        if self.dimension != 1:
+            return self._label_tuples(keys)
+        labels: List[str] = self._database._label_array()[keys[:, 0]].tolist()
+        return labels
+
+    def _table(self, most: Optional[int] = None) -> Tuple[Numbers, npt.NDArray[Any]]:
+        texts = np.array(self._native.texts(most), dtype=object)
+        return self._native.rows(most)[0], texts
+
+    def _values_of(self, content: npt.NDArray[Any]) -> List[str]:
+        texts: List[str] = content.tolist()
+        return texts
+
+    def _content_columns(self) -> List[str]:
+        return ["text"]
 
     def to_numpy(
-        self, domains: Optional[Sequence["DomainLike"]] = None, *, drop: bool = False
+        self, domains: Optional["DomainsLike"] = None, *, drop: bool = False
     ) -> npt.NDArray[np.bool_]:
         """Whether each combination of labels is an element, as :meth:`Parameter.to_numpy`."""
-        return self._dense(domains, 0, drop) != 0
+        return np.not_equal(self._dense(domains, 0, drop), 0)
 
     def from_numpy(
-        self, array: npt.ArrayLike, domains: Optional[Sequence["DomainLike"]] = None
+        self, array: npt.ArrayLike, domains: Optional["DomainsLike"] = None
     ) -> None:
         """Replaces the elements by one, without text, for each cell that is true."""
         cells = np.asarray(array, dtype=np.bool_)
@@ -315,146 +413,87 @@ class Set(Symbol[str]):
 
     def to_pandas(self) -> "pd.Series[str]":
         """The texts as a series over the labels."""
+        return self._frame_of(*self._table())
+
+    def _frame_of(self, keys: Numbers, content: npt.NDArray[Any]) -> "pd.Series[str]":
         from . import frames
 
-        return frames.set_to_series(self)
+        return frames.series_of(self._native, self._database, keys, content)
 
-    def from_pandas(self, data: Union["pd.Series[str]", "pd.Index"]) -> None:
-        """Replaces the elements by those of a series of texts, or of an index, without texts."""
-        from . import frames
-
-        frames.set_from_pandas(self, data)
-
-
-class Parameter(Symbol[float]):
-    """A parameter: each record has one value."""
-
-    def __getitem__(self, key: Key) -> float:
-        return self._native.values(_labels(key))[0]
-
-    def __setitem__(self, key: Key, value: float) -> None:
-        self._native.put(_labels(key), (float(value),))
-
-    @property
-    def value(self) -> float:
-        """The value of a parameter of dimension 0."""
-        return self[()]
-
-    @value.setter
-    def value(self, value: float) -> None:
-        self[()] = value
-
-    def _all_values(self) -> List[float]:
-        return self._native.rows()[1][:, 0].tolist()
-
-    def to_numpy(
-        self, domains: Optional[Sequence["DomainLike"]] = None, *, drop: bool = False
-    ) -> npt.NDArray[np.float64]:
-        """The values as a dense array, 0 where there is no record.
-
-        Each axis runs over the elements of the set that is the domain of its position, in the
-        order of :meth:`axes`; ``domains`` gives other sets, or names of sets. A record with a label
-        outside them is an error, unless ``drop`` leaves it out. An array has 2**31 - 1 cells at
-        most.
-        """
-        return self._dense(domains, 0, drop)
-
-    def from_numpy(
+    def from_pandas(
         self,
-        array: npt.ArrayLike,
-        domains: Optional[Sequence["DomainLike"]] = None,
+        data: Union["pd.Series[str]", "pd.Index", "pd.DataFrame"],
         *,
-        keep_zeros: bool = False,
+        keys: Optional[Sequence[Hashable]] = None,
     ) -> None:
-        """Replaces the records by one for each cell of a dense array that is not zero.
+        """Replaces the elements by those of a series of texts over labels, of an index, without
+        texts, or of a frame with label columns and perhaps one of texts.
 
-        The axes are those of :meth:`to_numpy`. With ``keep_zeros`` every cell becomes a record.
-        """
-        cells = np.asarray(array, dtype=np.float64)
-        self._native.from_dense(self._requested(cells, domains, _MOST_CELLS), cells, keep_zeros)
-
-    def to_pandas(self) -> "pd.Series[float]":
-        """The values as a series over the labels: a MultiIndex for two positions or more."""
-        from . import frames
-
-        return frames.parameter_to_series(self)
-
-    def from_pandas(self, data: Union["pd.Series[float]", "pd.DataFrame"]) -> None:
-        """Replaces the records by those of a series, or of a frame of one column, over labels."""
-        from . import frames
-
-        frames.parameter_from_pandas(self, data)
-
-
-class _FiveValues(Symbol[Values]):
-    """A symbol whose records have five values."""
-
-    def __getitem__(self, key: Key) -> Values:
-        return Values(*self._native.values(_labels(key)))
-
-    def __setitem__(self, key: Key, value: Union[float, Sequence[float]]) -> None:
-        """Writes the values that are given, first the level; a number is the level alone."""
-        values = value if isinstance(value, (tuple, list)) else (value,)
-        self._native.put(_labels(key), tuple(float(number) for number in values))
-
-    def _all_values(self) -> List[Values]:
-        return [Values(*row) for row in self._native.rows()[1].tolist()]
-
-    def to_numpy(
-        self,
-        domains: Optional[Sequence["DomainLike"]] = None,
-        *,
-        field: str = "level",
-        drop: bool = False,
-    ) -> npt.NDArray[np.float64]:
-        """One field as a dense array, as :meth:`Parameter.to_numpy`."""
-        return self._dense(domains, field_number(field), drop)
-
-    def to_pandas(self) -> "pd.DataFrame":
-        """The values as a frame with a column for each field, over the labels."""
-        from . import frames
-
-        return frames.values_to_frame(self)
-
-    def from_pandas(self, data: Union["pd.Series[float]", "pd.DataFrame"]) -> None:
-        """Replaces the records by those of a frame whose columns are fields; a series has levels.
-
-        Fields without a column take the defaults of the symbol's kind.
+        What :meth:`Parameter.from_pandas` tells of levels, columns and ``keys`` holds here, too. A
+        missing text is none.
         """
         from . import frames
 
-        frames.values_from_pandas(self, data)
+        frames.set_from_pandas(self._native, self._database, data, keys)
 
 
-class Variable(_FiveValues):
-    """A variable."""
+class Texts(MutableMapping[Any, str]):
+    """The texts of a set's elements, by its keys: for editing them, and nothing else.
+
+    Writing one of no element is a :class:`ztb.NotFoundError`; deleting one leaves the element
+    without a text.
+    """
+
+    def __init__(self, elements: Set) -> None:
+        self._elements = elements
+
+    def __len__(self) -> int:
+        return len(self._elements)
+
+    def __iter__(self) -> Iterator[Any]:
+        return iter(self._elements)
+
+    def __getitem__(self, key: Key) -> str:
+        return self._elements._value(labels_of_key(key))
+
+    def __setitem__(self, key: Key, text: str) -> None:
+        self[key]
+        self._elements[key] = text
+
+    def __delitem__(self, key: Key) -> None:
+        self[key] = ""
+
+    def __repr__(self) -> str:
+        return f"<texts of {self._elements!r}>"
 
 
-class Equation(_FiveValues):
-    """An equation."""
-
-
+#: The domain of a position: a set or alias, a name, or None or "*" for the universe.
 DomainLike = Union[str, Set, Alias, None]
-
-_CLASSES = {0: Set, 1: Parameter, 2: Variable, 3: Equation, 4: Alias}
-
-
-def wrap(database: "Database", native: _native.Symbol) -> Union[Symbol[Any], Alias]:
-    """The object for a symbol, by its type."""
-    return _CLASSES[native.type](database, native)
+#: Domains of all positions; that of a single position may stand alone.
+DomainsLike = Union[str, Set, Alias, Sequence[DomainLike]]
 
 
-def field_number(field: str) -> int:
-    """The place of a field among the values of a record."""
-    if field not in FIELDS:
-        raise ValueError(f"no field {field!r}, expected one of {', '.join(FIELDS)}")
-    return FIELDS.index(field)
+def several(domains: DomainsLike) -> List[DomainLike]:
+    """Domains as a list, also where one stands alone."""
+    if isinstance(domains, (str, Symbol, Alias)):
+        return [domains]
+    try:
+        return list(domains)
+    except TypeError:
+        raise TypeError(
+            f"{domains!r} ({type(domains).__name__}) is no domain, expected a set, an alias, a "
+            "name, or a sequence of these"
+        ) from None
 
 
-def _labels(key: object) -> Tuple[str, ...]:
-    return key if isinstance(key, tuple) else (key,)  # type: ignore[return-value]
+def set_of(database: Home, native: Optional[_native.Symbol]) -> Optional[Set]:
+    """The set of a native symbol; ``None`` for the universe."""
+    return None if native is None or native.name == "*" else Set(database, native)
 
 
-def _labels_of(set_: Set) -> List[str]:
-    labels = set_._database._label_array()
-    return labels[set_._native.rows()[0][:, 0]].tolist()
+def _require_whole(key: object) -> None:
+    if is_partial(key):
+        raise TypeError(
+            "records are written and deleted by whole keys, one label for each position; "
+            "from_pandas and from_numpy write many"
+        )

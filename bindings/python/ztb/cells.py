@@ -1,0 +1,65 @@
+"""Columns of pandas objects as the arrays that go into symbols."""
+
+from __future__ import annotations
+
+import numbers
+from typing import Any, List
+
+import numpy as np
+import numpy.typing as npt
+import pandas as pd
+
+#: What may become of missing values.
+NAN_CHOICES = ("skip", "na", "error")
+
+#: What pandas calls the content of a column of objects that are all numbers.
+_NUMBERS = ("integer", "floating", "mixed-integer-float", "boolean", "decimal", "empty")
+
+
+def floats_of(columns: pd.DataFrame, symbol: str) -> npt.NDArray[np.float64]:
+    """The cells as doubles, a row for each row; missing ones are the NaN that is ``ztb.NA``."""
+    if all(dtype == np.float64 for dtype in columns.dtypes):
+        return np.asarray(columns, dtype=np.float64)
+    cells = [_floats(columns.iloc[:, place], symbol) for place in range(len(columns.columns))]
+    return np.column_stack(cells)
+
+
+def _floats(column: "pd.Series[Any]", symbol: str) -> npt.NDArray[np.float64]:
+    if isinstance(column.dtype, pd.CategoricalDtype):
+        column = column.astype(object)
+    if column.dtype != object:
+        types = pd.api.types
+        if not types.is_numeric_dtype(column.dtype) or types.is_complex_dtype(column.dtype):
+            raise TypeError(f"values of type {column.dtype} for symbol {symbol}, numbers expected")
+        return _with_nan(column)
+    if pd.api.types.infer_dtype(column, skipna=True) not in _NUMBERS:
+        for row, value in enumerate(column):
+            if not pd.isna(value) and not isinstance(value, (numbers.Real, np.number)):
+                raise TypeError(
+                    f"row {row}: the value {value!r} ({type(value).__name__}) of symbol {symbol} "
+                    "is no number"
+                )
+    return _with_nan(column)
+
+
+def _with_nan(column: "pd.Series[Any]") -> npt.NDArray[np.float64]:
+    floats: npt.NDArray[np.float64] = column.to_numpy(dtype=np.float64, na_value=np.nan)
+    return floats
+
+
+def texts_of(columns: pd.DataFrame, symbol: str) -> List[str]:
+    """The texts of a frame of one column; a missing one is empty."""
+    if len(columns.columns) != 1:
+        raise ValueError(
+            f"one column of texts is expected, not {len(columns.columns)}"
+            f" ({', '.join(map(str, columns.columns))})"
+        )
+    column = columns.iloc[:, 0].astype(object)
+    texts: List[Any] = column.where(column.notna(), "").tolist()
+    for row, text in enumerate(texts):
+        if not isinstance(text, str):
+            raise TypeError(
+                f"row {row}: {text!r} ({type(text).__name__}) is no text for an element of set "
+                f"{symbol}, expected a str"
+            )
+    return texts
