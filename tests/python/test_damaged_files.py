@@ -51,7 +51,7 @@ def forge(path, old, new):
 @pytest.mark.parametrize("twin", [b"first", b"FIRST"])
 def test_a_file_that_names_a_text_twice_is_not_opened(path, twin):
     forge(path, b"other", twin)
-    with pytest.raises(ztb.Error) as failure:
+    with pytest.raises(ztb.DamagedFileError) as failure:
         ztb.open(path)
     assert str(failure.value) == (
         f"Error opening RXF file: File is damaged: text table of {path}, chunk 1, entry 2: "
@@ -67,8 +67,14 @@ def test_a_record_that_names_a_text_that_there_is_not_fails_its_set(path, tmp_pa
     other = tmp_path / "b.rxf"
     with ztb.open(path, store=store) as db:
         for use in [lambda: len(db["s"]), lambda: dict(db["s"]), lambda: db.write(other)]:
-            with pytest.raises(ztb.Error, match=text):
+            with pytest.raises(ztb.DamagedFileError, match=text):
                 use()
         assert dict(db["p"]) == {("a",): 2.0} and not other.exists()
         db["s"].clear()
         db.write(other)
+
+
+def test_a_file_that_is_cut_short_is_damaged(path):
+    path.write_bytes(path.read_bytes()[:-40])
+    with pytest.raises(ztb.DamagedFileError, match="Error opening RXF file: File is cut short"):
+        ztb.open(path)

@@ -1,5 +1,7 @@
 """RXF files: written, mirrored, refused."""
 
+import errno
+import pickle
 import subprocess
 import sys
 
@@ -63,11 +65,32 @@ def test_closing_the_file_reads_the_rest_first(diet, tmp_path):
 
 
 def test_a_missing_or_foreign_file_is_an_error_that_names_it(tmp_path):
-    with pytest.raises(ztb.Error, match="No such file"):
-        ztb.open(tmp_path / "none.rxf")
+    path = tmp_path / "none.rxf"
+    for use in [lambda: ztb.open(path), lambda: ztb.memory_needed(path)]:
+        with pytest.raises(FileNotFoundError, match="No such file: ") as failure:
+            use()
+        assert isinstance(failure.value, ztb.Error) and failure.value.errno == errno.ENOENT
+        assert isinstance(pickle.loads(pickle.dumps(failure.value)), ztb.MissingFileError)
+    with pytest.raises(FileNotFoundError) as failure:
+        ztb.open(path)
+    assert failure.value.filename == str(path)
+    with ztb.Database() as db, pytest.raises(FileNotFoundError, match="the folder does not exist"):
+        db.write(tmp_path / "none" / "a.rxf")
     (tmp_path / "a.rxf").write_text("no data")
-    with pytest.raises(ztb.Error, match=r"Not an RXF file.*a\.rxf"):
+    with pytest.raises(ztb.DamagedFileError, match=r"Not an RXF file.*a\.rxf"):
         ztb.open(tmp_path / "a.rxf")
+
+
+def test_a_folder_and_a_name_that_speaks_of_damage_are_no_damage(tmp_path):
+    folder = tmp_path / "File is damaged"
+    folder.mkdir()
+    for use in [lambda: ztb.open(folder), lambda: ztb.Database().write(folder)]:
+        with pytest.raises(ztb.Error, match="Is a folder") as failure:
+            use()
+        assert type(failure.value) is ztb.Error
+    with pytest.raises(KeyError) as failure:
+        ztb.Database()["No such file: x"]
+    assert type(failure.value) is ztb.NotFoundError
 
 
 # A process loads the file library once, so that this wants one of its own.

@@ -39,7 +39,7 @@ def _floats(column: "pd.Series[Any]", symbol: str) -> npt.NDArray[np.float64]:
                     f"row {row}: the value {value!r} ({type(value).__name__}) of symbol {symbol} "
                     "is no number"
                 )
-    return _with_nan(column)
+    return _with_nan(column.where(column.notna(), np.nan))
 
 
 def _with_nan(column: "pd.Series[Any]") -> npt.NDArray[np.float64]:

@@ -94,10 +94,11 @@ class Selection(display.Shows, Mapping[Any, Value]):
 
 def is_partial(key: object) -> bool:
     """Whether a key has a slice, or several labels, where a label could be."""
-    return any(
-        isinstance(part, slice) or (isinstance(part, Iterable) and not isinstance(part, str))
-        for part in labels_of_key(key)
-    )
+    return any(isinstance(part, slice) or _is_several(part) for part in labels_of_key(key))
+
+
+def _is_several(part: object) -> bool:
+    return isinstance(part, Iterable) and not isinstance(part, (str, bytes))
 
 
 def choice_of(native: _native.Symbol, home: Home, key: object) -> Choice:
@@ -133,7 +134,7 @@ def _test_of(home: Home, part: Any) -> Optional[Choice]:
         first = 0 if part.start is None else home._number(part.start)
         last = np.iinfo(np.int32).max if part.stop is None else home._number(part.stop)
         return lambda column: (column >= first) & (column <= last)
-    if isinstance(part, Iterable) and not isinstance(part, str):
+    if _is_several(part):
         numbers = np.array([home._number(label) for label in part], dtype=np.int32)
         return lambda column: np.isin(column, numbers)
     number = home._number(part)

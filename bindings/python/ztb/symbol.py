@@ -164,9 +164,10 @@ class Symbol(display.Shows, MutableMapping[Any, Value]):
         return display.Listing(self.text, self._columns(), rows, len(self), "record")
 
     def _shown(self, keys: Numbers, content: npt.NDArray[Any]) -> List[display.Row]:
+        cells = content if content.ndim == 2 else content[:, np.newaxis]
         return [
             [*map(display.cell, labels), *map(display.cell, row)]
-            for labels, row in zip(self._label_tuples(keys), content.reshape(len(keys), -1))
+            for labels, row in zip(self._label_tuples(keys), cells)
         ]
 
     def _columns(self) -> List[str]:
