@@ -64,6 +64,7 @@ class Examples:
         self.environment["PYTHONPATH"] = os.pathsep.join(map(str, packages))
         self.environment["PYTHONDONTWRITEBYTECODE"] = "1"
         self.environment["MPLBACKEND"] = "Agg"
+        self.environment["MPLCONFIGDIR"] = tempfile.gettempdir()
         self.environment.pop("LD_LIBRARY_PATH", None)
         self.printed = ""
         self.python, self.python_printed = "", ""
