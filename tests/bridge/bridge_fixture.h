@@ -20,8 +20,8 @@
 #include <utility>
 #include <vector>
 
-#include "tests/scripted_model/scripted_model_client.h"
-#include "tests/scripted_rxf/scripted_rxf_client.h"
+#include "tests/support/scripted_model/scripted_model_client.h"
+#include "tests/support/scripted_rxf/scripted_rxf_client.h"
 #include "tests/support/database.h"
 
 namespace ztbtest {

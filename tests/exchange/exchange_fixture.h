@@ -18,7 +18,7 @@
 
 #include "core/ztb.h"
 #include "peers/rxf_family.h"
-#include "tests/scripted_rxf/scripted_rxf_client.h"
+#include "tests/support/scripted_rxf/scripted_rxf_client.h"
 
 namespace ztb::exchangetest {
 

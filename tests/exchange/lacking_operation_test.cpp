@@ -5,7 +5,7 @@
 
 #include "core/ztb.h"
 #include "tests/exchange/child_scenario.h"
-#include "tests/scripted_rxf/scripted_rxf_client.h"
+#include "tests/support/scripted_rxf/scripted_rxf_client.h"
 
 namespace ztb::exchangetest {
 namespace {

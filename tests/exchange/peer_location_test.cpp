@@ -9,7 +9,7 @@
 #include "core/ztb.h"
 #include "peers/rxf_family.h"
 #include "tests/exchange/child_scenario.h"
-#include "tests/scripted_rxf/scripted_rxf_client.h"
+#include "tests/support/scripted_rxf/scripted_rxf_client.h"
 #include "tests/support/temp_folder.h"
 
 namespace ztb::exchangetest {

@@ -9,7 +9,7 @@
 
 #include "peers/rxf_family.h"
 #include "tests/peers/child_process.h"
-#include "tests/scripted_rxf/scripted_rxf_client.h"
+#include "tests/support/scripted_rxf/scripted_rxf_client.h"
 
 namespace ztb::peers {
 namespace {

@@ -1,4 +1,4 @@
-#include "tests/scripted_model/script.h"
+#include "tests/support/scripted_model/script.h"
 
 #include <algorithm>
 #include <charconv>
@@ -7,7 +7,7 @@
 #include <cstring>
 #include <sstream>
 
-#include "tests/scripted_model/scripted_model.h"
+#include "tests/support/scripted_model/scripted_model.h"
 
 namespace scriptedmodel {
 

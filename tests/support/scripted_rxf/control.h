@@ -1,7 +1,7 @@
 // A control function of a scripted peer, found in the peer's library by its name.
 
-#ifndef ZTB_TESTS_SCRIPTED_RXF_CONTROL_H_
-#define ZTB_TESTS_SCRIPTED_RXF_CONTROL_H_
+#ifndef ZTB_TESTS_SUPPORT_SCRIPTED_RXF_CONTROL_H_
+#define ZTB_TESTS_SUPPORT_SCRIPTED_RXF_CONTROL_H_
 
 #include <dlfcn.h>
 
@@ -28,4 +28,4 @@ class Control<Result(Args...)> {
 
 }  // namespace scripted
 
-#endif  // ZTB_TESTS_SCRIPTED_RXF_CONTROL_H_
+#endif  // ZTB_TESTS_SUPPORT_SCRIPTED_RXF_CONTROL_H_

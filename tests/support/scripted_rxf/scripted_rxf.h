@@ -13,8 +13,8 @@
  * domains. A file that is written appears at rxfClose; an object that is freed before leaves none.
  */
 
-#ifndef ZTB_TESTS_SCRIPTED_RXF_SCRIPTED_RXF_H_
-#define ZTB_TESTS_SCRIPTED_RXF_SCRIPTED_RXF_H_
+#ifndef ZTB_TESTS_SUPPORT_SCRIPTED_RXF_SCRIPTED_RXF_H_
+#define ZTB_TESTS_SUPPORT_SCRIPTED_RXF_SCRIPTED_RXF_H_
 
 #define SCRIPTED_EXPORT __attribute__((visibility("default")))
 
@@ -101,4 +101,4 @@ SCRIPTED_EXPORT const char* scriptedDump(const char* fileName);
 }
 #endif
 
-#endif /* ZTB_TESTS_SCRIPTED_RXF_SCRIPTED_RXF_H_ */
+#endif /* ZTB_TESTS_SUPPORT_SCRIPTED_RXF_SCRIPTED_RXF_H_ */

@@ -1,4 +1,4 @@
-#include "tests/scripted_rxf/scripted_file.h"
+#include "tests/support/scripted_rxf/scripted_file.h"
 
 #include <algorithm>
 #include <charconv>

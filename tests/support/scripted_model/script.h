@@ -1,8 +1,8 @@
 // The model of the scripted peers, what they were told to do and what they did: one of each for the
 // process. Operations use what stands here without allocating memory.
 
-#ifndef ZTB_TESTS_SCRIPTED_MODEL_SCRIPT_H_
-#define ZTB_TESTS_SCRIPTED_MODEL_SCRIPT_H_
+#ifndef ZTB_TESTS_SUPPORT_SCRIPTED_MODEL_SCRIPT_H_
+#define ZTB_TESTS_SUPPORT_SCRIPTED_MODEL_SCRIPT_H_
 
 #include <ztb/peer.h>
 
@@ -172,4 +172,4 @@ int version(const char* family, int api, char* msg, int* compatibility);
 
 }  // namespace scriptedmodel
 
-#endif  // ZTB_TESTS_SCRIPTED_MODEL_SCRIPT_H_
+#endif  // ZTB_TESTS_SUPPORT_SCRIPTED_MODEL_SCRIPT_H_

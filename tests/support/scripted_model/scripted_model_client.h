@@ -3,16 +3,16 @@
 // The library is opened by its path, so the library under test, which opens the same file from
 // directory() at its own time, meets the same state.
 
-#ifndef ZTB_TESTS_SCRIPTED_MODEL_SCRIPTED_MODEL_CLIENT_H_
-#define ZTB_TESTS_SCRIPTED_MODEL_SCRIPTED_MODEL_CLIENT_H_
+#ifndef ZTB_TESTS_SUPPORT_SCRIPTED_MODEL_SCRIPTED_MODEL_CLIENT_H_
+#define ZTB_TESTS_SUPPORT_SCRIPTED_MODEL_SCRIPTED_MODEL_CLIENT_H_
 
 #include <dlfcn.h>
 
 #include <stdexcept>
 #include <string>
 
-#include "tests/scripted_model/scripted_model.h"
-#include "tests/scripted_rxf/control.h"
+#include "tests/support/scripted_model/scripted_model.h"
+#include "tests/support/scripted_rxf/control.h"
 
 namespace scripted {
 
@@ -55,4 +55,4 @@ class ModelClient {
 
 }  // namespace scripted
 
-#endif  // ZTB_TESTS_SCRIPTED_MODEL_SCRIPTED_MODEL_CLIENT_H_
+#endif  // ZTB_TESTS_SUPPORT_SCRIPTED_MODEL_SCRIPTED_MODEL_CLIENT_H_

@@ -1,7 +1,7 @@
 // Content of one file of the scripted exchange-file peer.
 
-#ifndef ZTB_TESTS_SCRIPTED_RXF_SCRIPTED_FILE_H_
-#define ZTB_TESTS_SCRIPTED_RXF_SCRIPTED_FILE_H_
+#ifndef ZTB_TESTS_SUPPORT_SCRIPTED_RXF_SCRIPTED_FILE_H_
+#define ZTB_TESTS_SUPPORT_SCRIPTED_RXF_SCRIPTED_FILE_H_
 
 #include <array>
 #include <cstddef>
@@ -60,4 +60,4 @@ std::string parenthesised(const std::vector<std::string>& names);
 
 }  // namespace scripted
 
-#endif  // ZTB_TESTS_SCRIPTED_RXF_SCRIPTED_FILE_H_
+#endif  // ZTB_TESTS_SUPPORT_SCRIPTED_RXF_SCRIPTED_FILE_H_

@@ -12,8 +12,8 @@
  * memory; the functions below do.
  */
 
-#ifndef ZTB_TESTS_SCRIPTED_MODEL_SCRIPTED_MODEL_H_
-#define ZTB_TESTS_SCRIPTED_MODEL_SCRIPTED_MODEL_H_
+#ifndef ZTB_TESTS_SUPPORT_SCRIPTED_MODEL_SCRIPTED_MODEL_H_
+#define ZTB_TESTS_SUPPORT_SCRIPTED_MODEL_SCRIPTED_MODEL_H_
 
 #define SCRIPTED_EXPORT __attribute__((visibility("default")))
 
@@ -98,4 +98,4 @@ SCRIPTED_EXPORT const char* scriptedModelDump(void);
 }
 #endif
 
-#endif /* ZTB_TESTS_SCRIPTED_MODEL_SCRIPTED_MODEL_H_ */
+#endif /* ZTB_TESTS_SUPPORT_SCRIPTED_MODEL_SCRIPTED_MODEL_H_ */

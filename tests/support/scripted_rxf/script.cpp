@@ -1,8 +1,8 @@
-#include "tests/scripted_rxf/script.h"
+#include "tests/support/scripted_rxf/script.h"
 
 #include <string>
 
-#include "tests/scripted_rxf/scripted_rxf.h"
+#include "tests/support/scripted_rxf/scripted_rxf.h"
 
 namespace scripted {
 

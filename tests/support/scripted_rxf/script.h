@@ -1,8 +1,8 @@
 // What the scripted exchange-file peer was told to do, what it did, and the files it has: one of
 // each for the process.
 
-#ifndef ZTB_TESTS_SCRIPTED_RXF_SCRIPT_H_
-#define ZTB_TESTS_SCRIPTED_RXF_SCRIPT_H_
+#ifndef ZTB_TESTS_SUPPORT_SCRIPTED_RXF_SCRIPT_H_
+#define ZTB_TESTS_SUPPORT_SCRIPTED_RXF_SCRIPT_H_
 
 #include <array>
 #include <map>
@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/scripted_rxf/scripted_file.h"
+#include "tests/support/scripted_rxf/scripted_file.h"
 
 namespace scripted {
 
@@ -69,4 +69,4 @@ class Call {
 
 }  // namespace scripted
 
-#endif  // ZTB_TESTS_SCRIPTED_RXF_SCRIPT_H_
+#endif  // ZTB_TESTS_SUPPORT_SCRIPTED_RXF_SCRIPT_H_

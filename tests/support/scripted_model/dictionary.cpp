@@ -4,8 +4,8 @@
 #include <span>
 #include <string_view>
 
-#include "tests/scripted_model/script.h"
-#include "tests/scripted_model/scripted_model.h"
+#include "tests/support/scripted_model/script.h"
+#include "tests/support/scripted_model/scripted_model.h"
 
 using namespace scriptedmodel;
 

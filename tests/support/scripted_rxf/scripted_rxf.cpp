@@ -1,6 +1,6 @@
 // The operations and entry points of the scripted exchange-file peer.
 
-#include "tests/scripted_rxf/scripted_rxf.h"
+#include "tests/support/scripted_rxf/scripted_rxf.h"
 
 #include <ztb/peer.h>
 
@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/scripted_rxf/script.h"
+#include "tests/support/scripted_rxf/script.h"
 
 namespace {
 

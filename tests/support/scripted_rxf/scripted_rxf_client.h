@@ -3,8 +3,8 @@
 // The peer's library is opened by its path, so the library under test, which opens the same file
 // from directory() at its own time, meets the same state.
 
-#ifndef ZTB_TESTS_SCRIPTED_RXF_SCRIPTED_RXF_CLIENT_H_
-#define ZTB_TESTS_SCRIPTED_RXF_SCRIPTED_RXF_CLIENT_H_
+#ifndef ZTB_TESTS_SUPPORT_SCRIPTED_RXF_SCRIPTED_RXF_CLIENT_H_
+#define ZTB_TESTS_SUPPORT_SCRIPTED_RXF_SCRIPTED_RXF_CLIENT_H_
 
 #include <dlfcn.h>
 
@@ -12,8 +12,8 @@
 #include <string>
 #include <vector>
 
-#include "tests/scripted_rxf/control.h"
-#include "tests/scripted_rxf/scripted_rxf.h"
+#include "tests/support/scripted_rxf/control.h"
+#include "tests/support/scripted_rxf/scripted_rxf.h"
 
 namespace scripted {
 
@@ -70,4 +70,4 @@ class Client {
 
 }  // namespace scripted
 
-#endif  // ZTB_TESTS_SCRIPTED_RXF_SCRIPTED_RXF_CLIENT_H_
+#endif  // ZTB_TESTS_SUPPORT_SCRIPTED_RXF_SCRIPTED_RXF_CLIENT_H_

@@ -1,7 +1,7 @@
 // Solver environment and solver catalogue of the scripted model peers.
 
-#include "tests/scripted_model/script.h"
-#include "tests/scripted_model/scripted_model.h"
+#include "tests/support/scripted_model/script.h"
+#include "tests/support/scripted_model/scripted_model.h"
 
 using namespace scriptedmodel;
 
