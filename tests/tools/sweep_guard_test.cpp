@@ -91,6 +91,30 @@ TEST_F(SweepGuardTest, AnInputIsNoPipe) {
 
 // The worker that takes over reads the files anew. That the right ones stand there when the sweep
 // ends would not tell.
+TEST_F(SweepGuardTest, ATableThatTheModelReadsIsAnInput) {
+  write("m.mod",
+        "set S;\nparam weight{S};\ntable t IN 'CSV' 'w.csv' : S <- [item], weight;\n"
+        "var need_var;\nvar x{S} >= 0;\nminimize cost: sum{s in S} weight[s] * x[s];\n"
+        "s.t. meet: sum{s in S} x[s] >= need_var;\nend;\n");
+  write("w.csv", "item,weight\na,2\nb,3\n");
+  write("needs.csv", "s,need\ns1,5\ns2,7\n");
+  ztbFine({"import", "sc.rxf", "--from", "needs.csv", "--set", "s", "--parameter", "need(s)"});
+  const std::vector<std::string> sweep = {"sweep", "m.mod",    "--scenarios", "sc.rxf", "--over",
+                                          "s",     "--resume", "--out",       "out.rxf"};
+  ztbFine(sweep);
+  // The cheaper item, at 2 each.
+  const auto objectives = [this] {
+    return ztbFine({"show", "out.rxf", "sweep_objective", "--csv"});
+  };
+  EXPECT_THAT(objectives(), testing::EndsWith("\ns1,10\ns2,14\n"));
+  write("w.csv", "item,weight\na,4\nb,3\n");
+  expectFails(1,
+              "ztb: out.rxf: is from a sweep with another table of the model; without --resume all "
+              "is solved anew\n",
+              sweep);
+  EXPECT_THAT(objectives(), testing::EndsWith("\ns1,10\ns2,14\n"));
+}
+
 TEST_F(SweepGuardTest, AWorkerThatTakesOverReadsNoOtherFile) {
   makeScenarios(2, {});
   std::filesystem::rename(path("sc.rxf"), path("other"));

@@ -6,13 +6,16 @@
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <memory>
 #include <new>
+#include <optional>
 #include <system_error>
 
 #define XXH_INLINE_ALL
 #include <xxhash.h>
 
+#include "tools/models/table_files.h"
 #include "tools/text/failure.h"
 #include "tools/text/words.h"
 
@@ -25,12 +28,16 @@ struct Part {
   const char* difference;
 };
 
-constexpr std::array<Part, 6> kParts{{{"model", "another model file"},
+// The word of the files that a MathProg model reads tables from; only such models have it.
+constexpr const char* kTables = "tables";
+
+constexpr std::array<Part, 7> kParts{{{"model", "another model file"},
                                       {"data", "another --model-data"},
                                       {"scenarios", "another scenario file"},
                                       {"over", "another --over"},
                                       {"solver", "another --solver"},
-                                      {"report", "another --report"}}};
+                                      {"report", "another --report"},
+                                      {kTables, "another table of the model"}}};
 
 // XXH3 with 64 bits of a text or of the bytes of a file.
 std::uint64_t ofText(std::string_view text) {
@@ -64,6 +71,24 @@ std::uint64_t ofFile(const std::string& path) {
   return XXH3_64bits_digest(state.get());
 }
 
+// Names and contents of the table files of a MathProg model; nothing of any other model, or of one
+// without such files.
+std::optional<std::uint64_t> ofTables(const std::string& model) {
+  if (!folded(model).ends_with(".mod")) {
+    return std::nullopt;
+  }
+  std::ifstream in(model, std::ios::binary);
+  const std::string text{std::istreambuf_iterator<char>(in), {}};
+  std::string sums;
+  for (const std::string& name : tableInputs(text)) {
+    std::error_code error;
+    if (std::filesystem::is_regular_file(name, error)) {
+      sums += fmt::format("{} {:016x}\n", name, ofFile(name));
+    }
+  }
+  return sums.empty() ? std::nullopt : std::optional(ofText(sums));
+}
+
 // The word "key=..." of a text of such words.
 std::string_view wordOf(std::string_view text, std::string_view key) {
   while (!text.empty()) {
@@ -83,13 +108,16 @@ std::string sweepInputs(const SweepOptions& options) {
   for (const std::string& report : options.reports) {
     reports += folded(report) + ' ';
   }
-  const std::array<std::uint64_t, kParts.size()> sums{
+  const std::array<std::uint64_t, 6> sums{
       ofFile(options.model),     options.modelData.empty() ? ofText("") : ofFile(options.modelData),
       ofFile(options.scenarios), ofText(folded(options.over)),
       ofText(options.solver),    ofText(reports)};
   std::string text;
-  for (std::size_t part = 0; part < kParts.size(); ++part) {
+  for (std::size_t part = 0; part < sums.size(); ++part) {
     text += fmt::format("{}{}={:016x}", part == 0 ? "" : " ", kParts.at(part).key, sums.at(part));
+  }
+  if (const std::optional<std::uint64_t> tables = ofTables(options.model)) {
+    text += fmt::format(" {}={:016x}", kTables, *tables);
   }
   return text;
 }
