@@ -218,7 +218,8 @@ RXF_EXPORT int C__rxfUELRegisterDone(void* rxf) {
 }
 
 RXF_EXPORT int C__rxfAddAlias(void* rxf, const char* aliasName, const char* targetName) {
-  return guarded(rxf, [&](RxfObject& o) { return o.addAlias(aliasName, targetName); });
+  return guarded(
+      rxf, [&](RxfObject& o) { return o.gaveUpWriting() || o.addAlias(aliasName, targetName); });
 }
 
 RXF_EXPORT int C__rxfAddSetText(void* rxf, const char* text, int* number) {
@@ -229,8 +230,9 @@ RXF_EXPORT int C__rxfAddSetText(void* rxf, const char* text, int* number) {
 
 RXF_EXPORT int C__rxfDataWriteRawStart(void* rxf, const char* name, const char* text, int dim,
                                        int type, int userInfo) {
-  return guarded(rxf,
-                 [&](RxfObject& o) { return o.startWriting(name, text, dim, type, userInfo); });
+  return guarded(rxf, [&](RxfObject& o) {
+    return o.gaveUpWriting() || o.startWriting(name, text, dim, type, userInfo);
+  });
 }
 
 RXF_EXPORT int C__rxfDataWriteRaw(void* rxf, const int* keys, const double* values) {

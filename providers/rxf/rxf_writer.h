@@ -91,6 +91,7 @@ class RxfWriter {
 
   // From now on every call is ignored and nothing will be published.
   void abandon() noexcept { stage_ = Stage::abandoned; }
+  [[nodiscard]] bool abandoned() const { return stage_ == Stage::abandoned; }
 
   [[nodiscard]] const std::string& path() const { return file_.path(); }
 

@@ -330,7 +330,7 @@ def full_disk(attack):
                 attack.count("old file")
                 if content(target) != old:
                     attack.break_("a full disk costs the old file")
-                if b"No space left" not in done.stderr:
+                if b"Disk full" not in done.stderr:
                     attack.break_(f"a full disk is not told: {done.stderr.decode()}")
             os.remove(os.path.join(disk, "ballast"))
     finally:

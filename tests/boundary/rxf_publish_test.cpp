@@ -181,6 +181,25 @@ TEST_F(PublishRxf, aFileSizeLimitIsAFailureAndNoDeath) {
   expectOldFileAlone();
 }
 
+// The symbols behind the one that did not fit are not what is told.
+TEST_F(PublishRxf, aLimitThatIsMetBeforeTheLastSymbolIsToldAsWhatItIs) {
+  const std::string text = inChild([&]() -> std::string {
+    Database db;
+    void* many = db.addParameter("p");
+    constexpr int count = 70000;
+    for (int i = 1; i <= count; ++i) {
+      db.put(many, {std::to_string(i).c_str()}, 1.0 / i);
+    }
+    db.put(db.addParameter("q"), {"1"}, 1.0);
+    db.addAlias("j", db.addSet("i"));
+    const struct rlimit limit = {4096, 4096};
+    if (setrlimit(RLIMIT_FSIZE, &limit) != 0) return "no limit";
+    return write(db, file, noCheck) == 0 ? db.lastError() : "written";
+  });
+  EXPECT_EQ("1 RXF Error(s). First Error: Writing failed: " + file + ": File too large", text);
+  expectOldFileAlone();
+}
+
 TEST_F(PublishRxf, aTypeThatAFileCannotHoldIsToldWithItsSymbol) {
   for (const int type : {5, -1, 99}) {
     Database other;

@@ -4,7 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <cmath>
+#include <bit>
+#include <cstdint>
 #include <string>
 #include <vector>
 #include <ztb/ztb.hpp>
@@ -24,14 +25,14 @@ TEST_F(VersionOneTest, HasItsSymbolsAndTexts) {
                     std::string(symbol.text()));
   }
   EXPECT_EQ(found, (std::vector<std::string>{
-                       "city/1/Where things are made and sold", "town/1/The same", "road/2/",
+                       "city/1/Where things are made and sold", "town/1/", "road/2/",
                        "special/1/One of each", "pi/0/A number alone", "x/1/Bought", "e/0/",
                        "many/1/More than a block holds", "loose/2/", "none/1/No record"}));
   EXPECT_EQ(database_.symbol("x").type(), ztb::Type::variable);
   EXPECT_EQ(database_.symbol("x").userInfo(), 3);
   EXPECT_EQ(database_.symbol("e").type(), ztb::Type::equation);
   EXPECT_EQ(database_.symbol("e").userInfo(), 2);
-  EXPECT_EQ(database_.symbol("town").type(), ztb::Type::alias);
+  EXPECT_EQ(database_.symbolAt(1).type(), ztb::Type::alias);
 }
 
 TEST_F(VersionOneTest, HasItsDomains) {
@@ -56,7 +57,10 @@ TEST_F(VersionOneTest, HasEachSpecialValue) {
   const ztb::SpecialValues values = database_.specialValues();
   const std::array<const char*, 5> labels{"undef", "na", "inf", "-inf", "eps"};
   for (std::size_t kind = 0; kind < labels.size(); ++kind) {
-    EXPECT_EQ(special.find(labels.at(kind))->level(), values.at(kind)) << labels.at(kind);
+    // Undefined and not available are no numbers, told apart by their bits.
+    EXPECT_EQ(std::bit_cast<std::uint64_t>(special.find(labels.at(kind))->level()),
+              std::bit_cast<std::uint64_t>(values.at(kind)))
+        << labels.at(kind);
   }
   EXPECT_EQ(special.find("tenth")->level(), 0.1);
   EXPECT_EQ(special.find("huge")->level(), -1.7976931348623157e299);
