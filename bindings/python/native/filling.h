@@ -2,9 +2,11 @@
 #ifndef ZTB_BINDINGS_PYTHON_NATIVE_FILLING_H_
 #define ZTB_BINDINGS_PYTHON_NATIVE_FILLING_H_
 
+#include <cstddef>
 #include <span>
 #include <utility>
 #include <ztb/store_guard.hpp>
+#include <ztb/store_removal.hpp>
 
 #include "bindings/python/native/symbol.h"
 
@@ -31,6 +33,15 @@ class Filling {
       ztb::detail::storeDirectly(place_, numbers, takesContent() ? content : ztb::detail::Content{},
                                  false);
     }
+  }
+
+  // Writes the content that `contentOf` tells for the place of each record, in their order.
+  // REQUIRES: all records were added.
+  template <class ContentOf>
+  void writeContents(ContentOf&& contentOf) const {
+    ztb::detail::forEachRecord(place_, [&](std::size_t place, void* record) {
+      ztb::detail::writeContent(place_, record, contentOf(place));
+    });
   }
 
  private:

@@ -2,7 +2,9 @@
 
 #include <array>
 #include <optional>
+#include <span>
 #include <string>
+#include <utility>
 
 #include "bindings/python/native/strings.h"
 
@@ -75,6 +77,13 @@ ztb::Record make(const Symbol& symbol, const py::tuple& labels) {
   return symbol.client().merge(key);
 }
 
+// Writes the first fields of a record, as many as there are values.
+void writeValues(ztb::Record& record, std::span<const double> values) {
+  for (std::size_t field = 0; field < values.size(); ++field) {
+    (record.*fieldSetters[field])(values[field]);
+  }
+}
+
 }  // namespace
 
 void requireRecords(const Symbol& symbol) {
@@ -121,12 +130,6 @@ py::str recordText(const Symbol& symbol, const py::tuple& labels) {
 
 bool hasRecord(const Symbol& symbol, const py::tuple& labels) {
   return find(symbol, Key(symbol, labels)).has_value();
-}
-
-void writeValues(ztb::Record& record, std::span<const double> values) {
-  for (std::size_t field = 0; field < values.size(); ++field) {
-    (record.*fieldSetters[field])(values[field]);
-  }
 }
 
 void putRecord(const Symbol& symbol, const py::tuple& labels, const py::tuple& values) {

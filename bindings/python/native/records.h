@@ -3,7 +3,6 @@
 #define ZTB_BINDINGS_PYTHON_NATIVE_RECORDS_H_
 
 #include <array>
-#include <span>
 
 #include "bindings/python/native/symbol.h"
 
@@ -33,8 +32,6 @@ bool hasRecord(const Symbol& symbol, const py::tuple& labels);
 
 // Makes the record if it is not there, and writes the first of its values, as many as are given.
 void putRecord(const Symbol& symbol, const py::tuple& labels, const py::tuple& values);
-// Writes the first fields of a record, as many as there are values.
-void writeValues(ztb::Record& record, std::span<const double> values);
 void putText(const Symbol& symbol, const py::tuple& labels, const py::str& text);
 void removeRecord(const Symbol& symbol, const py::tuple& labels);
 

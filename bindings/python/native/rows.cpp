@@ -178,11 +178,10 @@ void putRows(const Symbol& symbol, const Numbers& keys, const Values& values,
       filling.add(keyOf(row), {.values = slots.data()});
     }
     if (!filling.takesContent()) {
-      ssize_t place = 0;
-      for (ztb::Record& record : symbol.client().records()) {
-        fill(place++);
-        writeValues(record, {slots.data(), static_cast<std::size_t>(symbol.valueCount())});
-      }
+      filling.writeContents([&](std::size_t place) {
+        fill(static_cast<ssize_t>(place));
+        return ztb::detail::Content{.values = slots.data()};
+      });
     }
   });
 }
@@ -212,12 +211,9 @@ void putElements(const Symbol& symbol, const Numbers& keys, const py::object& te
       filling.add(numbers + row * symbol.dimension(), {.text = textOf(place)});
     }
     if (!filling.takesContent() && !given.empty()) {
-      ssize_t place = 0;
-      for (ztb::Record& record : symbol.client().records()) {
-        if (const char* const text = textOf(place++); text != nullptr) {
-          record.setText(text);
-        }
-      }
+      filling.writeContents([&](std::size_t place) {
+        return ztb::detail::Content{.text = textOf(static_cast<ssize_t>(place))};
+      });
     }
   });
 }
