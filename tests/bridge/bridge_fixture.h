@@ -20,9 +20,9 @@
 #include <utility>
 #include <vector>
 
+#include "tests/support/database.h"
 #include "tests/support/scripted_model/scripted_model_client.h"
 #include "tests/support/scripted_rxf/scripted_rxf_client.h"
-#include "tests/support/database.h"
 
 namespace ztbtest {
 

@@ -15,5 +15,5 @@ int main() {
   towns.add("seville");
   const std::vector<double> amounts{1, 2, 3};
   ztb::Record record = *towns.find("seville");
-// FRAGMENTS
+  // FRAGMENTS
 }

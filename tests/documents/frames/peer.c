@@ -1,3 +1,7 @@
 // FRAGMENTS
-void XCreate(void** object) { (void)object; }
-int main(void) { return 0; }
+void XCreate(void** object) {
+  (void)object;
+}
+int main(void) {
+  return 0;
+}

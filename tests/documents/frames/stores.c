@@ -7,7 +7,7 @@ int main(void) {
   void* symbol = NULL;
   int store = 0;
   if (!ztbcreate(&db, text, sizeof text)) return 1;
-// FRAGMENTS
+  // FRAGMENTS
   if (!c__ztbsymbolinfo(db, symbol, ZTB_SYMBOL_INFO_STORAGE, &store, NULL, NULL)) return 2;
   return store != ZTB_STORAGE_TRIE || !ztbfree(&db);
 }
