@@ -81,7 +81,7 @@ def _metadata(project: Dict[str, Any]) -> bytes:
         lines.append(f"Provides-Extra: {extra}")
         lines.extend(f'Requires-Dist: {name}; extra == "{extra}"' for name in names)
     lines.append("Description-Content-Type: text/markdown")
-    text = "\n".join(lines) + "\n\n" + (PROJECT / project["readme"]).read_text()
+    text: str = "\n".join(lines) + "\n\n" + (PROJECT / project["readme"]).read_text()
     return text.encode()
 
 
