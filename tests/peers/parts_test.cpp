@@ -2,13 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
-#include <string>
-#include <thread>
-#include <vector>
-
 #include "peers/bounded_text.h"
 #include "peers/platform.h"
+#include "tests/peers/child_process.h"
+#include "tests/peers/contender.h"
 
 namespace ztb::peers {
 namespace {
@@ -47,33 +44,39 @@ TEST(BoundedText, WithoutRoomNothingIsWritten) {
   EXPECT_STREQ(buffer, "##");
 }
 
+// Enters a lock that is held, unless the lock fails to keep it out, and leaves it again.
+void visit(platform::Lock& lock) {
+  lock.enter();
+  lock.leave();
+}
+
 TEST(PlatformLock, KeepsOtherThreadsOut) {
-  platform::Lock lock;
-  long counter = 0;
-  const auto count = [&] {
-    for (int i = 0; i < 20000; ++i) {
-      lock.enter();
-      ++counter;
-      lock.leave();
-    }
-  };
-  std::vector<std::thread> threads;
-  for (int i = 0; i < 4; ++i) threads.emplace_back(count);
-  for (std::thread& thread : threads) thread.join();
-  EXPECT_EQ(counter, 80000);
+  peertest::expectPassesInChild([] {
+    platform::Lock lock;
+    lock.enter();
+    peertest::expectWaitsFor(lock, [&] { visit(lock); });
+  });
 }
 
 TEST(PlatformLock, ItsHolderMayEnterAgain) {
-  platform::Lock lock;
-  lock.enter();
-  lock.enter();
-  lock.leave();
-  lock.leave();
-  std::thread other([&] {
-    lock.enter();
-    lock.leave();
+  peertest::expectPassesInChild([] {
+    platform::Lock lock;
+    const peertest::Contender again([&] {
+      lock.enter();
+      visit(lock);
+      lock.leave();
+    });
+    EXPECT_TRUE(again.ends()) << "waits for itself";
   });
-  other.join();
+}
+
+TEST(PlatformLock, KeepsOtherThreadsOutUntilItIsLeftAsOftenAsItWasEntered) {
+  peertest::expectPassesInChild([] {
+    platform::Lock lock;
+    lock.enter();
+    visit(lock);
+    peertest::expectWaitsFor(lock, [&] { visit(lock); });
+  });
 }
 
 }  // namespace

@@ -1,125 +1,113 @@
-#include "providers/rxf/error_log.h"
+// The errors of an object, as who uses the library gets at them: how many there were, which are
+// pending, and what each was about.
 
 #include <gtest/gtest.h>
 
-#include <array>
+#include <fstream>
+#include <map>
+#include <regex>
 #include <string>
 
-#include "providers/rxf/error_table.h"
+#include "tests/rxf/peer_file.h"
+#include "tests/rxf/temp_folder.h"
 
-namespace rxffile {
+namespace rxftest {
 namespace {
 
-std::string textOf(const ErrorLog& log, int number) {
-  std::array<char, 256> text{};
-  log.compose(number, text.data());
-  return text.data();
-}
-
-TEST(ErrorLog, givesTheLatestFirstAndZeroWhenEmpty) {
-  ErrorLog log;
-  log.record(ErrorNumber::recordTwice, DetailText("one"));
-  log.record(ErrorNumber::diskFull, DetailText("two"));
-  log.record(ErrorNumber::diskFull, DetailText("three"));
-  EXPECT_EQ(log.count(), 3);
-  EXPECT_EQ(log.takeLatest(), 9);
-  EXPECT_EQ(log.takeLatest(), 9);
-  EXPECT_EQ(log.takeLatest(), 21);
-  EXPECT_EQ(log.takeLatest(), 0);
-  EXPECT_EQ(log.count(), 3) << "taking does not lower the count";
-}
-
-TEST(ErrorLog, keepsTheDetailOfTheEarliestPendingError) {
-  ErrorLog log;
-  log.record(ErrorNumber::recordTwice, DetailText("in p, behind record %d", 7));
-  log.record(ErrorNumber::recordTwice, DetailText("in q"));
-  EXPECT_EQ(textOf(log, 21), "Record stands twice: in p, behind record 7");
-  log.takeLatest();
-  log.takeLatest();
-  EXPECT_EQ(textOf(log, 21), "Record stands twice: in p, behind record 7");
-  log.record(ErrorNumber::recordTwice, DetailText("in r"));
-  EXPECT_EQ(textOf(log, 21), "Record stands twice: in r");
-}
-
-TEST(ErrorLog, millionsOfErrorsAreAllGivenBack) {
-  ErrorLog log;
-  constexpr int many = 3000000;
-  for (int i = 0; i < many; ++i) log.record(ErrorNumber::keyOutsideLabels, DetailText());
-  log.record(ErrorNumber::outsideDomain, DetailText());
-  int taken = 0;
-  while (log.takeLatest() != 0) ++taken;
-  EXPECT_EQ(taken, many + 1);
-}
-
-TEST(ErrorLog, aTextIsCutAt255Bytes) {
-  ErrorLog log;
-  log.record(ErrorNumber::damaged, DetailText("%s", std::string(400, 'x').c_str()));
-  EXPECT_EQ(textOf(log, 8).size(), 255U);
-}
-
-TEST(ErrorLog, anUnknownNumberIsNamed) {
-  const ErrorLog log;
-  EXPECT_EQ(textOf(log, 4711), "Unknown error number 4711");
-  EXPECT_EQ(textOf(log, 0), "Unknown error number 0");
-  EXPECT_EQ(textOf(log, -1), "Unknown error number -1");
-}
-
-TEST(ErrorTable, aNumberKeepsItsText) {
-  const std::array<const char*, 37> texts = {
-      "No such file",
-      "No permission",
-      "Is a folder",
-      "Not a regular file",
-      "Not an RXF file",
-      "File has a newer version of the format",
-      "File is cut short",
-      "File is damaged",
-      "Disk full",
-      "Writing failed",
-      "Reading failed",
-      "File cannot be opened",
-      "File name not acceptable",
-      "Label not acceptable",
-      "Label stands twice",
-      "Symbol name not acceptable",
-      "Symbol stands twice",
-      "Alias target is no set written before",
-      "Key outside the registered labels",
-      "Keys not in ascending order",
-      "Record stands twice",
-      "Domain is no set written before",
-      "Domain set is not one-dimensional",
-      "Record outside its domain",
-      "Call out of order",
-      "Text longer than 255 bytes",
-      "Dimension outside 0 to 20",
-      "Symbol type not known",
-      "Limit exceeded",
-      "No such symbol number",
-      "No such label number",
-      "An alias has no records of its own",
-      "Out of memory",
-      "Internal error",
-      "File was changed while it was open",
-      "Text stands twice",
-      "Text not in the table",
-  };
-  int number = 0;
-  for (const char* text : texts) {
-    EXPECT_STREQ(generalErrorText(++number), text) << number;
+// A file being written with the labels a, b and c.
+class ErrorLog : public testing::Test {
+ protected:
+  void SetUp() override {
+    ASSERT_EQ(file_.openWrite(folder_.file("x.rxf")), 0);
+    file_.startLabels();
+    for (const char* label : {"a", "b", "c"}) file_.addLabel(label);
+    file_.finishLabels();
   }
-  EXPECT_EQ(number + 1, kErrorNumberEnd);
+
+  // Writes a symbol of one dimension with a record at each key.
+  void writeSymbol(const char* name, const std::vector<int>& keys) {
+    const double value = 1;
+    ASSERT_TRUE(file_.startWriting(name, "", 1, 1, 0));
+    for (const int key : keys) file_.write(&key, &value);
+    ASSERT_TRUE(file_.finishWriting());
+  }
+
+  TempFolder folder_;
+  PeerFile file_;
+};
+
+TEST_F(ErrorLog, givesTheLatestFirstAndZeroWhenEmpty) {
+  writeSymbol("p", {2, 2, 9, 9});
+  EXPECT_EQ(file_.errorCount(), 3);
+  EXPECT_EQ(file_.takeLastError(), 19);
+  EXPECT_EQ(file_.takeLastError(), 19);
+  EXPECT_EQ(file_.takeLastError(), 21);
+  EXPECT_EQ(file_.takeLastError(), 0);
+  EXPECT_EQ(file_.errorCount(), 3) << "taking does not lower the count";
 }
 
-TEST(ErrorTable, everyNumberHasATextOfItsOwn) {
-  for (int number = 1; number < kErrorNumberEnd; ++number) {
-    ASSERT_NE(generalErrorText(number), nullptr) << number;
-    for (int other = 1; other < number; ++other) {
-      EXPECT_STRNE(generalErrorText(number), generalErrorText(other));
+TEST_F(ErrorLog, keepsTheDetailOfTheEarliestPendingError) {
+  writeSymbol("p", {1, 1});
+  writeSymbol("q", {1, 2, 2});
+  EXPECT_EQ(file_.errorText(21), "Record stands twice: p, behind record 1");
+  file_.takeLastError();
+  file_.takeLastError();
+  EXPECT_EQ(file_.errorText(21), "Record stands twice: p, behind record 1");
+  writeSymbol("r", {1, 2, 3, 3});
+  EXPECT_EQ(file_.errorText(21), "Record stands twice: r, behind record 3");
+}
+
+TEST_F(ErrorLog, millionsOfErrorsAreAllGivenBack) {
+  constexpr int many = 3000000;
+  writeSymbol("p", std::vector<int>(many, 9));
+  writeSymbol("q", {1, 1});
+  EXPECT_EQ(file_.errorCount(), many + 1);
+  EXPECT_EQ(file_.takeLastError(), 21);
+  int taken = 0;
+  while (file_.takeLastError() == 19) ++taken;
+  EXPECT_EQ(taken, many);
+}
+
+TEST_F(ErrorLog, aTextIsCutAt255Bytes) {
+  const std::string missing = folder_.file(std::string(200, 'x') + "/" + std::string(200, 'y'));
+  PeerFile reader;
+  EXPECT_EQ(reader.openRead(missing), 1);
+  EXPECT_EQ(reader.errorText(1), ("No such file: " + missing).substr(0, 255));
+}
+
+TEST_F(ErrorLog, anUnknownNumberIsNamed) {
+  EXPECT_EQ(file_.errorText(4711), "Unknown error number 4711");
+  EXPECT_EQ(file_.errorText(0), "Unknown error number 0");
+  EXPECT_EQ(file_.errorText(-1), "Unknown error number -1");
+}
+
+// Numbers and texts as the description of the format promises them.
+std::map<int, std::string> promisedTexts() {
+  std::ifstream in(ZTB_SOURCE_FOLDER "/docs/reference/rxf-format.md");
+  std::map<int, std::string> texts;
+  const std::regex cell(R"(\| (\d+) \| ([^|]*[^| ]) )");
+  bool reached = false;
+  for (std::string line; std::getline(in, line);) {
+    if (line.starts_with("## ")) reached = line == "## Error numbers of the library";
+    if (!reached) continue;
+    for (std::sregex_iterator at(line.begin(), line.end(), cell), end; at != end; ++at) {
+      texts[std::stoi((*at)[1])] = (*at)[2];
     }
   }
-  EXPECT_EQ(generalErrorText(kErrorNumberEnd), nullptr);
+  return texts;
+}
+
+TEST_F(ErrorLog, aNumberHasTheTextThatTheFormatsDescriptionPromises) {
+  const std::map<int, std::string> texts = promisedTexts();
+  ASSERT_GE(texts.size(), 37U);
+  for (const auto& [number, text] : texts) {
+    EXPECT_EQ(file_.errorText(number), text) << number;
+  }
+  const int behind = texts.rbegin()->first + 1;
+  EXPECT_EQ(static_cast<int>(texts.size()), behind - 1) << "a number is left out";
+  EXPECT_EQ(file_.errorText(behind), "Unknown error number " + std::to_string(behind))
+      << "a number that is not described";
 }
 
 }  // namespace
-}  // namespace rxffile
+}  // namespace rxftest

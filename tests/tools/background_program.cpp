@@ -82,6 +82,17 @@ std::vector<pid_t> BackgroundProgram::children() const {
   return children;
 }
 
+pid_t BackgroundProgram::waitForChildBut(pid_t known) const {
+  siginfo_t ended{};
+  while (ended.si_pid == 0) {
+    for (const pid_t child : children()) {
+      if (child != known) return child;
+    }
+    EXPECT_EQ(waitid(P_PID, static_cast<id_t>(process_), &ended, WEXITED | WNOHANG | WNOWAIT), 0);
+  }
+  return 0;
+}
+
 void BackgroundProgram::kill() {
   ::kill(process_, SIGKILL);
 }

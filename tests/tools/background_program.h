@@ -24,6 +24,8 @@ class BackgroundProgram {
   bool waitForFile(const std::string& prefix);
   // The processes that it started and that still run.
   std::vector<pid_t> children() const;
+  // Waits for a child that is not `known` and gives its process; 0 when the program has ended.
+  pid_t waitForChildBut(pid_t known) const;
   void kill();
   // Waits for the end: the exit code, or minus the signal's number.
   int wait();

@@ -8,6 +8,7 @@
 #include <ztb/ztb.hpp>
 
 #include "tests/tools/background_program.h"
+#include "tests/tools/endless_sweep.h"
 #include "tests/tools/sweep_fixture.h"
 
 namespace {
@@ -15,15 +16,10 @@ namespace {
 using testing::HasSubstr;
 using testing::StartsWith;
 using tooltest::BackgroundProgram;
+using tooltest::EndlessSweepTest;
 using tooltest::Outcome;
+using tooltest::ProcessorTimeLimit;
 using tooltest::SweepTest;
-
-// Long enough that a run has most of its work before it when its first part is there.
-#ifdef __SANITIZE_ADDRESS__
-constexpr int kMany = 4000;
-#else
-constexpr int kMany = 20000;
-#endif
 
 class SweepResumeTest : public SweepTest {
  protected:
@@ -58,26 +54,6 @@ class SweepResumeTest : public SweepTest {
                                           "; without --resume all is solved anew\n"));
   }
 };
-
-TEST_F(SweepResumeTest, AfterAKillGivesWhatAnUninterruptedRunGives) {
-  makeScenarios(kMany);
-  {
-    BackgroundProgram run(path("."), sweep({"--report", "ship", "--jobs", "2"}), "errors");
-    ASSERT_TRUE(run.waitForFile("out.rxf.part"));
-    run.kill();
-    ASSERT_EQ(run.wait(), -SIGKILL);
-  }
-  ASSERT_FALSE(exists("out.rxf"));
-  ASSERT_GT(parts("out.rxf"), 0);
-  const std::string output = ztbFine(sweep({"--report", "ship", "--jobs", "3", "--resume"}));
-  EXPECT_THAT(counts(output), testing::MatchesRegex("[0-9]+ scenarios, [1-9][0-9]+ of them kept: " +
-                                                    std::to_string(kMany) + " optimal"));
-  EXPECT_EQ(parts("out.rxf"), 0);
-  expectObjectives("out.rxf", kMany);
-  ztbFine(sweep({"--report", "ship"}, "whole.rxf"));
-  EXPECT_THAT(ztb({"diff", "out.rxf", "whole.rxf", "--tolerance", "1e-9"}).output,
-              StartsWith("no difference"));
-}
 
 TEST_F(SweepResumeTest, SolvesOnlyWhatIsNotInTheParts) {
   leavePart(10, 6);
@@ -185,19 +161,67 @@ TEST_F(SweepResumeTest, KeepsACompleteResultButTriesFailedScenariosAgain) {
   expectObjectives("out.rxf", 10, 0, {4, 5});
 }
 
-TEST_F(SweepResumeTest, WhatAWorkerThatIsKilledHadLeftToDoIsDoneByAnother) {
-  makeScenarios(kMany);
-  BackgroundProgram run(path("."), sweep({"--report", "ship", "--jobs", "2"}), "errors");
-  ASSERT_TRUE(run.waitForFile("out.rxf.part"));
-  const std::vector<pid_t> workers = run.children();
-  ASSERT_EQ(workers.size(), 2U);
-  kill(workers[1], SIGKILL);
-  EXPECT_EQ(run.wait(), 0);
-  EXPECT_THAT(read("errors"),
-              testing::MatchesRegex("ztb: scenario sc[0-9]+: its worker process was "
-                                    "ended by signal 9; it is solved again\n"));
-  EXPECT_EQ(parts("out.rxf"), 0);
-  expectObjectives("out.rxf", kMany);
+// Runs that cannot end before they are interrupted, as their first scenario has no end.
+class InterruptedSweepTest : public EndlessSweepTest {
+ protected:
+  // Kills the one worker, and the one that takes over, both of which have the endless scenario
+  // before them: it has failed then, and a third one goes on with the rest.
+  static void killTwoWorkers(const BackgroundProgram& run) {
+    pid_t killed = 0;
+    for (int time = 0; time < 2; ++time) {
+      killed = run.waitForChildBut(killed);
+      ASSERT_NE(killed, 0) << "the run has ended";
+      kill(killed, SIGKILL);
+    }
+  }
+
+  // All chose nothing, which costs nothing, but for the first one, which failed.
+  void expectAllButTheFirst(int count) const {
+    const ztb::Database out = ztb::Database::open(path("out.rxf"));
+    EXPECT_EQ(out.symbol("sweep_status").recordCount(), count);
+    EXPECT_EQ(out.symbol("sweep_solve_status").find("sc1")->level(), 13);
+    EXPECT_FALSE(out.symbol("sweep_objective").find("sc1"));
+    for (int number = 2; number <= count; ++number) {
+      const std::string label = "sc" + std::to_string(number);
+      EXPECT_EQ(out.symbol("sweep_solve_status").find(label)->level(), 1) << label;
+      EXPECT_EQ(out.symbol("sweep_objective").find(label)->level(), 0) << label;
+    }
+  }
+
+  static constexpr const char* kTwoDeaths =
+      "ztb: scenario sc1: its worker process was ended by signal 9; it is solved again\n"
+      "ztb: scenario sc1: failed: its worker process was ended by signal 9\n";
+
+  const ProcessorTimeLimit limit_{60};
+};
+
+TEST_F(InterruptedSweepTest, AfterAKillTheRestIsSolved) {
+  makeScenarios(10, {1});
+  {
+    // The second worker publishes sc6 to sc10, the first one nothing.
+    BackgroundProgram run(path("."), sweep({"--jobs", "2"}), "errors");
+    ASSERT_TRUE(run.waitForFile("out.rxf.part2"));
+    run.kill();
+    ASSERT_EQ(run.wait(), -SIGKILL);
+  }
+  ASSERT_FALSE(exists("out.rxf"));
+  write("output", "");
+  BackgroundProgram rest(path("."), sweep({"--resume"}), "errors", "output");
+  killTwoWorkers(rest);
+  EXPECT_EQ(rest.wait(), 1);
+  EXPECT_THAT(read("output"), StartsWith("10 scenarios, 5 of them kept: 9 optimal, 1 failed in "));
+  EXPECT_EQ(read("errors"), kTwoDeaths);
+  EXPECT_FALSE(exists("out.rxf.part2"));
+  expectAllButTheFirst(10);
+}
+
+TEST_F(InterruptedSweepTest, WhatAWorkerThatIsKilledHadLeftToDoIsDoneByAnother) {
+  makeScenarios(5, {1});
+  BackgroundProgram run(path("."), sweep(), "errors");
+  killTwoWorkers(run);
+  EXPECT_EQ(run.wait(), 1);
+  EXPECT_EQ(read("errors"), kTwoDeaths);
+  expectAllButTheFirst(5);
 }
 
 }  // namespace
