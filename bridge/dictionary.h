@@ -6,6 +6,7 @@
 #include <array>
 #include <stdexcept>
 #include <string>
+#include <ztb/model_names.hpp>
 
 #include "core/handles.h"
 #include "core/ztb.h"
@@ -19,9 +20,6 @@ inline constexpr int dictionaryEquation = 6;
 
 // Room for a symbol name or a label of a dictionary.
 inline constexpr int dictionaryNameSize = 64;
-
-// What stands behind a parameter's name in the variable that carries the parameter into the model.
-inline constexpr const char* parameterSuffix = "_var";
 
 inline std::string dictionarySymbolName(void* nmt, int index) {
   std::array<char, dictionaryNameSize> name = {};

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <fstream>
+#include <ztb/case_folding.hpp>
 
-#include "providers/model/distinct_names.h"
 #include "providers/model/model_error.h"
 #include "providers/model/solver_library.h"
 
@@ -114,9 +114,9 @@ Catalogue Catalogue::parse(std::string_view text, const std::string& file,
       const std::vector<std::string> words = wordsOf(content);
       if (words.empty()) continue;
       CatalogueRow row = reader.read(words);
-      const bool twice = std::any_of(
-          catalogue.rows_.begin(), catalogue.rows_.end(),
-          [&](const CatalogueRow& r) { return foldedName(r.name) == foldedName(row.name); });
+      const bool twice =
+          std::any_of(catalogue.rows_.begin(), catalogue.rows_.end(),
+                      [&](const CatalogueRow& r) { return ztb::sameFolded(r.name, row.name); });
       if (twice) throw ModelError("solver \"" + row.name + "\" stands twice");
       catalogue.rows_.push_back(std::move(row));
     } catch (const ModelError& error) {
@@ -129,7 +129,7 @@ Catalogue Catalogue::parse(std::string_view text, const std::string& file,
 
 int Catalogue::number(std::string_view name) const {
   const auto found = std::find_if(rows_.begin(), rows_.end(), [&](const CatalogueRow& row) {
-    return foldedName(row.name) == foldedName(name);
+    return ztb::sameFolded(row.name, name);
   });
   if (found == rows_.end() || !SolverLibrary::canOpen(found->library)) return 0;
   return static_cast<int>(found - rows_.begin()) + 1;

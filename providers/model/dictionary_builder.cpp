@@ -1,6 +1,8 @@
 #include "providers/model/dictionary_builder.h"
 
 #include <algorithm>
+#include <ztb/case_folding.hpp>
+#include <ztb/model_names.hpp>
 
 namespace lomu {
 
@@ -109,7 +111,7 @@ int DictionaryBuilder::symbolFor(SymbolType type, const ElementName& name,
 }
 
 int DictionaryBuilder::newSymbol(SymbolType type, const std::string& modelName, int dimension) {
-  const std::string name = symbolNames_.take(acceptableName(modelName), kParameterEnding);
+  const std::string name = symbolNames_.take(acceptableName(modelName), ztb::parameterSuffix);
   const int number = static_cast<int>(dictionary_.symbols_.size()) + 1;
   DictionarySymbol symbol{name, "", type, dimension, 0, {}};
   if (name != modelName) {
@@ -118,7 +120,7 @@ int DictionaryBuilder::newSymbol(SymbolType type, const std::string& modelName, 
                                  modelName + "\" of dimension " + std::to_string(dimension) +
                                  " is called \"" + name + "\"");
   }
-  dictionary_.numberOf_.emplace(foldedName(name), number);
+  dictionary_.numberOf_.emplace(ztb::folded(name), number);
   dictionary_.symbols_.push_back(std::move(symbol));
   keysTaken_.emplace_back();
   return number;

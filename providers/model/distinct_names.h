@@ -11,15 +11,6 @@ namespace lomu {
 
 inline constexpr std::size_t kMaxNameLength = 63;
 
-constexpr char foldedCharacter(char c) {
-  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-std::string foldedName(std::string_view name);
-
-// The ending of the variables that stand for parameters; it stays at the end of a changed name.
-inline constexpr std::string_view kParameterEnding = "_var";
-
 class DistinctNames {
  public:
   // `wanted`, if it fits and is free. Otherwise the first of wanted_2, wanted_3, ... that is free,

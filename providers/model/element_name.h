@@ -4,20 +4,20 @@
 
 #include <string>
 #include <string_view>
-#include <vector>
+#include <ztb/model_names.hpp>
 
 namespace lomu {
 
-struct ElementName {
-  std::string symbol;
-  std::vector<std::string> labels;  // none: a scalar
-};
+using ElementName = ztb::ElementText;
 
-// Takes names such as x[seville,oslo], x(seville,oslo) and x['a b',7] apart. Blanks around a label
-// fall off unless it is quoted, in single or double quotes; a quote doubled inside stands for
-// itself. Brackets inside a label have to be balanced. A name with an empty label, more than 20
-// labels, nothing before the bracket or a bracket left open is a plain name, labels none.
-ElementName parseElementName(std::string_view name);
+// Takes names such as x[seville,oslo], x(seville,oslo) and x['a b',7] apart. A name that is no
+// element, with an empty label, say, or a bracket left open, is a plain name, labels none.
+inline ElementName parseElementName(std::string_view name) {
+  std::string problem;
+  ElementName element = ztb::readElement(name, problem);
+  if (!problem.empty()) return {.symbol = std::string(name), .labels = {}};
+  return element;
+}
 
 }  // namespace lomu
 

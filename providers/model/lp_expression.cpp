@@ -2,6 +2,7 @@
 
 #include <string>
 #include <utility>
+#include <ztb/case_folding.hpp>
 
 #include "providers/model/file_bounds.h"
 #include "providers/model/lp_sections.h"
@@ -34,7 +35,7 @@ void LpExpression::add(const LpExpression& other, double factor) {
 
 bool isInfinityWord(const LpToken& token) {
   return token.kind == LpTokenKind::name &&
-         (sameWord(token.text, "inf") || sameWord(token.text, "infinity"));
+         (ztb::sameFolded(token.text, "inf") || ztb::sameFolded(token.text, "infinity"));
 }
 
 namespace {

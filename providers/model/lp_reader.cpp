@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <utility>
 #include <vector>
+#include <ztb/case_folding.hpp>
 
 #include "providers/model/file_bounds.h"
 #include "providers/model/lp_expression.h"
@@ -97,7 +98,7 @@ class LpReader {
     const LpTokenKind kind = tokens_.next().kind;
     if (kind != LpTokenKind::name || isInfinityWord(tokens_.next())) return readBoundFromValue();
     const int column = takeColumn();
-    if (tokens_.next().kind == LpTokenKind::name && sameWord(tokens_.next().text, "free")) {
+    if (tokens_.next().kind == LpTokenKind::name && ztb::sameFolded(tokens_.next().text, "free")) {
       tokens_.take();
       setBound(column, LpRelation::greaterOrEqual, -kInfinity, 0);
       setBound(column, LpRelation::lessOrEqual, kInfinity, 0);

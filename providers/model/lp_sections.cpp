@@ -2,6 +2,7 @@
 
 #include <array>
 #include <string_view>
+#include <ztb/case_folding.hpp>
 
 namespace lomu {
 
@@ -62,8 +63,9 @@ const Keyword* keywordAt(const LpTokens& tokens) {
   if (word.kind != LpTokenKind::name || !word.startsLine) return nullptr;
   if (after.kind == LpTokenKind::colon) return nullptr;
   for (const Keyword& keyword : kKeywords) {
-    if (!sameWord(word.text, keyword.word)) continue;
-    if (keyword.secondWord.empty() || sameWord(after.text, keyword.secondWord)) return &keyword;
+    if (!ztb::sameFolded(word.text, keyword.word)) continue;
+    if (keyword.secondWord.empty() || ztb::sameFolded(after.text, keyword.secondWord))
+      return &keyword;
   }
   return nullptr;
 }

@@ -4,6 +4,7 @@
 #include <charconv>
 #include <system_error>
 #include <utility>
+#include <ztb/model_names.hpp>
 
 #include "providers/model/model_error.h"
 
@@ -42,10 +43,6 @@ bool beginsName(char c) {
   return continuesName(c) && !isDigit(c) && c != '.' && c != '/';
 }
 
-char lowered(char c) {
-  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
 }  // namespace
 
 std::string shown(std::string_view text) {
@@ -55,11 +52,6 @@ std::string shown(std::string_view text) {
   }
   if (text.size() > kMaxShown) result += "...";
   return result + '"';
-}
-
-bool sameWord(std::string_view a, std::string_view b) {
-  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                    [](char x, char y) { return lowered(x) == lowered(y); });
 }
 
 LpTokens::LpTokens(std::string file, std::string_view text) : file_(std::move(file)), text_(text) {
@@ -200,45 +192,30 @@ void LpTokens::scanName() {
 
 void LpTokens::scanNameBracket(std::size_t begin) {
   const char closing = at() == '[' ? ']' : ')';
-  ++position_;
-  std::size_t depth = 1;
-  bool startsLabel = true;
-  while (depth > 0) {
+  ztb::LabelScanner labels;
+  for (++position_;; ++position_) {
     const char c = at();
     const std::string_view name = text_.substr(begin, position_ - begin);
-    if (c == '\n') {
+    if (labels.inQuotes()) {
+      if (isControl(c)) {
+        fail(line_, "the quote in the name " + shown(name) +
+                        " is not closed, expected it closed on the same line");
+      }
+    } else if (c == '\n') {
       fail(line_, "the bracket in the name " + shown(name) + " is not closed, expected \"" +
                       closing + "\" on the same line");
-    }
-    if (c == ' ' || isControl(c)) {
+    } else if (c == ' ' || isControl(c)) {
       fail(line_, "a blank in the name " + shown(name) +
                       ", expected none but between quotes in its bracket");
     }
-    if (startsLabel && (c == '\'' || c == '"')) {
-      scanQuoted(begin);
-    } else {
-      if (isOpen(c)) ++depth;
-      if (isClose(c) && --depth == 0 && c != closing) {
-        fail(line_, "the name " + shown(name) + " ends with " + shown({&c, 1}) + ", expected \"" +
-                        closing + "\"");
-      }
-      ++position_;
+    if (labels.take(c) != ztb::LabelScanner::Char::end) continue;
+    if (c != closing) {
+      fail(line_, "the name " + shown(name) + " ends with " + shown({&c, 1}) + ", expected \"" +
+                      closing + "\"");
     }
-    startsLabel = depth == 1 && c == ',';
+    ++position_;
+    return;
   }
-}
-
-void LpTokens::scanQuoted(std::size_t begin) {
-  const char quote = at();
-  ++position_;
-  while (at() != quote || at(1) == quote) {
-    if (isControl(at())) {
-      fail(line_, "the quote in the name " + shown(text_.substr(begin, position_ - begin)) +
-                      " is not closed, expected it closed on the same line");
-    }
-    position_ += at() == quote ? 2 : 1;
-  }
-  ++position_;
 }
 
 }  // namespace lomu

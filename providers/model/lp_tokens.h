@@ -66,7 +66,6 @@ class LpTokens {
   double scanNumber();
   void scanName();
   void scanNameBracket(std::size_t begin);
-  void scanQuoted(std::size_t begin);
 
   std::string file_;
   std::string_view text_;
@@ -79,9 +78,6 @@ class LpTokens {
 
 // The text in double quotes, long ones cut, bytes that do not print as '?'.
 std::string shown(std::string_view text);
-
-// Whether two texts are the same but for the case of ASCII letters.
-bool sameWord(std::string_view a, std::string_view b);
 
 }  // namespace lomu
 

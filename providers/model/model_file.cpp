@@ -7,6 +7,7 @@
 #include <limits>
 #include <string_view>
 #include <system_error>
+#include <ztb/case_folding.hpp>
 
 #include "providers/model/glpk_reader.h"
 #include "providers/model/lp_reader.h"
@@ -20,7 +21,8 @@ namespace {
 enum class FileKind { lp, mps, mathProg };
 
 bool endsWith(std::string_view file, std::string_view ending) {
-  return file.size() > ending.size() && sameWord(file.substr(file.size() - ending.size()), ending);
+  return file.size() > ending.size() &&
+         ztb::sameFolded(file.substr(file.size() - ending.size()), ending);
 }
 
 FileKind kindOf(const std::string& file) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <ztb/case_folding.hpp>
 
 #include "providers/model/model_error.h"
 
@@ -29,17 +30,9 @@ std::string quoted(std::string_view text) {
   return "\"" + std::string(text) + "\"";
 }
 
-bool sameFolded(std::string_view a, std::string_view b) {
-  const auto fold = [](char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-  };
-  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                    [&](char x, char y) { return fold(x) == fold(y); });
-}
-
 std::size_t indexOf(std::string_view name) {
   const auto found = std::find_if(kTable.begin(), kTable.end(), [&](const OptionInfo& option) {
-    return sameFolded(option.name, name);
+    return ztb::sameFolded(option.name, name);
   });
   if (found != kTable.end()) return static_cast<std::size_t>(found - kTable.begin());
   std::string known;

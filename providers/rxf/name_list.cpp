@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <ztb/case_folding.hpp>
 
 #include "providers/rxf/checksum.h"
 #include "providers/rxf/limits.h"
@@ -13,7 +14,7 @@ std::uint32_t NameList::hashOf(std::string_view name) {
   std::array<char, kMaxTextLength> folded;
   const std::size_t length = std::min(name.size(), folded.size());
   std::transform(name.begin(), name.begin() + static_cast<std::ptrdiff_t>(length), folded.begin(),
-                 foldCase);
+                 ztb::foldedChar);
   return static_cast<std::uint32_t>(checksum(folded.data(), length));
 }
 
@@ -21,7 +22,7 @@ std::size_t NameList::slotFor(std::string_view name, std::uint32_t hash) const {
   const std::size_t mask = slots_.size() - 1;
   std::size_t i = hash & mask;
   while (slots_[i].number != 0 &&
-         (slots_[i].hash != hash || !sameFolded(names_.at(slots_[i].number), name))) {
+         (slots_[i].hash != hash || !ztb::sameFolded(names_.at(slots_[i].number), name))) {
     i = (i + 1) & mask;
   }
   return i;

@@ -1,6 +1,7 @@
 #include "providers/rxf/names.h"
 
 #include <algorithm>
+#include <ztb/case_folding.hpp>
 
 #include "providers/rxf/limits.h"
 
@@ -9,7 +10,7 @@ namespace rxffile {
 namespace {
 
 constexpr bool isLetter(char c) {
-  const char folded = foldCase(c);
+  const char folded = ztb::foldedChar(c);
   return folded >= 'a' && folded <= 'z';
 }
 
@@ -18,12 +19,6 @@ constexpr bool isNamePart(char c) {
 }
 
 }  // namespace
-
-bool sameFolded(std::string_view a, std::string_view b) {
-  return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
-           return foldCase(x) == foldCase(y);
-         });
-}
 
 const char* nameRefusal(std::string_view name) {
   if (name.empty()) return "it is empty";

@@ -1,4 +1,4 @@
-// What a symbol name and a label may look like, and how both are compared.
+// What a symbol name and a label may look like.
 #ifndef ZTB_PROVIDERS_RXF_NAMES_H_
 #define ZTB_PROVIDERS_RXF_NAMES_H_
 
@@ -8,14 +8,6 @@ namespace rxffile {
 
 // The name of the universe of labels where a set's name could stand.
 inline constexpr std::string_view kUniverseName = "*";
-
-// A folded ASCII letter, any other byte unchanged.
-constexpr char foldCase(char c) {
-  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-// Equality under ASCII case folding.
-bool sameFolded(std::string_view a, std::string_view b);
 
 // Null when `name` is acceptable: 1 to 63 characters, a letter first, then letters, digits and
 // underscores. Otherwise the reason.

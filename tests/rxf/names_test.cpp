@@ -45,12 +45,5 @@ TEST(Labels, controlCharactersAreRefusedAndHighBytesAreNot) {
   EXPECT_EQ(labelRefusal("\xFF\x80\x7F"), nullptr);
 }
 
-TEST(Names, onlyAsciiLettersFold) {
-  EXPECT_TRUE(sameFolded("aBc_Z", "AbC_z"));
-  EXPECT_FALSE(sameFolded("\xC3\xA9", "\xC3\x89"));
-  EXPECT_FALSE(sameFolded("[", "{"));
-  EXPECT_FALSE(sameFolded("@", "`"));
-}
-
 }  // namespace
 }  // namespace rxffile

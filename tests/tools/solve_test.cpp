@@ -55,7 +55,7 @@ TEST_F(SolveTest, TellsObjectiveStatusAndSolver) {
 
 TEST_F(SolveTest, SetsParametersAndVariables) {
   EXPECT_EQ(objective({"--set", "demand[x]=5"}), "objective   15");
-  EXPECT_EQ(objective({"--set", "rate(a)=1", "--set", "rate['b']=2"}), "objective   14");
+  EXPECT_EQ(objective({"--set", "rate(a)=1", "--set", " rate ['b'] =2"}), "objective   14");
   EXPECT_EQ(objective({"--set", "ship[a,x]=0"}), "objective   50");
 }
 

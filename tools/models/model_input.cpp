@@ -5,10 +5,10 @@
 
 #include <optional>
 #include <utility>
+#include <ztb/model_names.hpp>
 
 #include "tools/files/memory_room.h"
 #include "tools/files/record_walk.h"
-#include "tools/models/element_text.h"
 #include "tools/text/failure.h"
 #include "tools/text/number_text.h"
 #include "tools/text/output.h"
@@ -19,6 +19,19 @@ namespace {
 
 std::vector<ztb::DomainArgument> anyLabels(int dimension) {
   return {static_cast<std::size_t>(dimension), ztb::DomainArgument("*")};
+}
+
+std::string_view trimmed(std::string_view text) {
+  while (text.starts_with(' ')) text.remove_prefix(1);
+  while (text.ends_with(' ')) text.remove_suffix(1);
+  return text;
+}
+
+// An element as it was typed: blanks around it, and around its symbol's name, do not count.
+ztb::ElementText typedElement(std::string_view text, std::string& problem) {
+  ztb::ElementText element = ztb::readElement(trimmed(text), problem);
+  element.symbol = trimmed(element.symbol);
+  return element;
 }
 
 // Labels of the record at which a walk stands.
@@ -141,11 +154,11 @@ void ModelInput::applySetting(const std::string& setting) {
   const std::size_t equals = setting.rfind('=');
   std::string problem;
   double value = 0;
-  ElementText element;
+  ztb::ElementText element;
   if (equals == std::string::npos) {
     problem = "an \"=\" and a number are missing";
   } else {
-    element = parseElement(std::string_view(setting).substr(0, equals), problem);
+    element = typedElement(std::string_view(setting).substr(0, equals), problem);
     if (problem.empty()) {
       value = parseNumber(std::string_view(setting).substr(equals + 1), problem);
     }
@@ -156,8 +169,8 @@ void ModelInput::applySetting(const std::string& setting) {
   }
 
   const bool drives = session_.drives(element.symbol);
-  const auto symbol =
-      session_.database().findSymbol(drives ? element.symbol + "_var" : element.symbol);
+  const auto symbol = session_.database().findSymbol(drives ? element.symbol + ztb::parameterSuffix
+                                                            : element.symbol);
   if (!symbol || symbol->type() != ztb::Type::variable) {
     throw Failure(withFile(session_.file(), fmt::format("--set \"{}\": the model has no columns {} "
                                                         "or {}_var",

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <optional>
 #include <system_error>
+#include <ztb/model_names.hpp>
 
 #include "tools/text/failure.h"
 #include "tools/text/output.h"
@@ -13,7 +14,6 @@ namespace tool {
 
 namespace {
 
-constexpr const char* kEnding = "_var";
 constexpr int kNotesShown = 5;
 
 ztb::Model openModel(const std::string& file, const std::string& dataFile) {
@@ -54,24 +54,25 @@ std::string ModelSession::solverOf(int kind) const {
 }
 
 bool ModelSession::drives(const std::string& name) const {
-  const std::optional<ztb::Symbol> columns = database_.findSymbol(name + kEnding);
+  const std::optional<ztb::Symbol> columns = database_.findSymbol(name + ztb::parameterSuffix);
   return columns && columns->type() == ztb::Type::variable;
 }
 
 ztb::Symbol ModelSession::parameter(const std::string& name, int dimension) {
   if (!drives(name)) {
-    throw Failure(withFile(file_, "the model has no columns " + name + kEnding));
+    throw Failure(withFile(file_, "the model has no columns " + name + ztb::parameterSuffix));
   }
-  const int columns = database_.symbol(name + kEnding).dimension();
+  const int columns = database_.symbol(name + ztb::parameterSuffix).dimension();
   if (columns != dimension) {
-    throw Failure(withFile(file_, "the columns " + name + kEnding + " have " +
+    throw Failure(withFile(file_, "the columns " + name + ztb::parameterSuffix + " have " +
                                       std::to_string(columns) + " positions, parameter " + name +
                                       " has " + std::to_string(dimension)));
   }
   if (const auto present = database_.findSymbol(name)) {
     if (present->type() == ztb::Type::parameter) return *present;
     throw Failure(withFile(file_, name + " is a variable or equation of the model, and " + name +
-                                      kEnding + " cannot be driven by a parameter of this name"));
+                                      ztb::parameterSuffix +
+                                      " cannot be driven by a parameter of this name"));
   }
   const std::vector<ztb::DomainArgument> anyLabel(static_cast<std::size_t>(dimension), "*");
   return database_.addSymbol(name, ztb::Type::parameter, anyLabel);
