@@ -1,0 +1,25 @@
+cmake_minimum_required(VERSION 3.25)
+
+# Fails unless two libraries export the same names.
+#   cmake -DNM=nm -DLIBRARY=one.so -DDESCRIBED=other.so -P same_names.cmake
+foreach(file LIBRARY DESCRIBED)
+  execute_process(COMMAND ${NM} -D --defined-only --format=posix ${${file}}
+    OUTPUT_VARIABLE lines COMMAND_ERROR_IS_FATAL ANY)
+  string(REGEX MATCHALL "(^|\n)[^ \n]+" names "${lines}")
+  list(TRANSFORM names STRIP)
+  list(LENGTH names count)
+  if(count EQUAL 0)
+    message(FATAL_ERROR "${${file}} exports nothing")
+  endif()
+  set(${file}_NAMES ${names})
+endforeach()
+foreach(name ${LIBRARY_NAMES})
+  if(NOT name IN_LIST DESCRIBED_NAMES)
+    message(SEND_ERROR "${name} is exported, but no file in tests/abi/CMakeLists.txt defines it")
+  endif()
+endforeach()
+foreach(name ${DESCRIBED_NAMES})
+  if(NOT name IN_LIST LIBRARY_NAMES)
+    message(SEND_ERROR "${name} is described, but not exported")
+  endif()
+endforeach()
