@@ -47,6 +47,15 @@ int guarded(void* rxf, const Body& body) noexcept {
   }
 }
 
+// The same for a step of writing behind which others follow. Where writing was given up, as on a
+// full disk, before this step or by it, the error is counted and the result is not 0: who is told
+// of a refused step tells of that instead, and takes a refused domain for none.
+template <typename Body>
+int writingStep(void* rxf, const Body& body) noexcept {
+  const int done = guarded(rxf, [&](RxfObject& o) { return o.gaveUpWriting() || body(o); });
+  return done != 0 ? done : guarded(rxf, [](RxfObject& o) { return o.gaveUpWriting(); });
+}
+
 void create(void** object) noexcept {
   if (object == nullptr) return;
   *object = new (std::nothrow) RxfObject(rxffile::operatingSystem());
@@ -218,8 +227,7 @@ RXF_EXPORT int C__rxfUELRegisterDone(void* rxf) {
 }
 
 RXF_EXPORT int C__rxfAddAlias(void* rxf, const char* aliasName, const char* targetName) {
-  return guarded(
-      rxf, [&](RxfObject& o) { return o.gaveUpWriting() || o.addAlias(aliasName, targetName); });
+  return writingStep(rxf, [&](RxfObject& o) { return o.addAlias(aliasName, targetName); });
 }
 
 RXF_EXPORT int C__rxfAddSetText(void* rxf, const char* text, int* number) {
@@ -230,9 +238,8 @@ RXF_EXPORT int C__rxfAddSetText(void* rxf, const char* text, int* number) {
 
 RXF_EXPORT int C__rxfDataWriteRawStart(void* rxf, const char* name, const char* text, int dim,
                                        int type, int userInfo) {
-  return guarded(rxf, [&](RxfObject& o) {
-    return o.gaveUpWriting() || o.startWriting(name, text, dim, type, userInfo);
-  });
+  return writingStep(rxf,
+                     [&](RxfObject& o) { return o.startWriting(name, text, dim, type, userInfo); });
 }
 
 RXF_EXPORT int C__rxfDataWriteRaw(void* rxf, const int* keys, const double* values) {
@@ -244,7 +251,7 @@ RXF_EXPORT int C__rxfDataWriteDone(void* rxf) {
 }
 
 RXF_EXPORT int C__rxfSymbolSetDomain(void* rxf, const char** names) {
-  return guarded(rxf, [&](RxfObject& o) { return o.setDomain(names); });
+  return writingStep(rxf, [&](RxfObject& o) { return o.setDomain(names); });
 }
 
 RXF_EXPORT int C__rxfSymbolSetDomainX(void* rxf, int number, const char** names) {

@@ -79,9 +79,7 @@ class RxfObject {
   // Ends reading, also one that failed.
   bool finishReading();
 
-  // Whether writing failed in a way that leaves no file to be completed, as on a full disk. The
-  // error is counted; who goes on all the same is let to the end, where it is told, since a symbol
-  // that was refused now would hide it.
+  // Whether writing failed in a way that leaves no file to be completed; the error is counted.
   [[nodiscard]] bool gaveUpWriting() const { return writer_ != nullptr && writer_->abandoned(); }
 
   // The file that is written.
