@@ -1,3 +1,6 @@
+// How a symbol enters a database: its name is free, its number and store, its domains, and of an
+// alias the set that it stands for. The operations that add symbols stand in symbol_operations.cpp.
+
 #include <cstring>
 
 #include "core/ztb.h"
