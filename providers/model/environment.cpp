@@ -52,8 +52,8 @@ SolverLimits Environment::limits() {
   limits.seconds = options_.number(OptionId::timeLimit);
   limits.iterations = static_cast<int>(options_.number(OptionId::iterationLimit));
   limits.relativeGap = options_.number(OptionId::relativeGap);
-  limits.terminated = [](void* context) {
-    return static_cast<Environment*>(context)->terminated_.load();
+  limits.terminated = [](void* context) -> std::int32_t {
+    return static_cast<Environment*>(context)->terminated_.load() ? 1 : 0;
   };
   limits.context = this;
   return limits;

@@ -10,7 +10,7 @@
 
 #include "providers/model/catalogue.h"
 #include "providers/model/options.h"
-#include "providers/model/solver_api.h"
+#include "providers/model/solver.h"
 
 namespace lomu {
 

@@ -211,20 +211,19 @@ const SolverProblem& Instance::solverProblem() {
   std::transform(columns_.begin(), columns_.end(), solverLevel_.begin(),
                  [](const SolutionRecord& r) { return r.level; });
 
-  static const std::vector<SolverProduct> kNone;
   problem_.columnCount = columnCount();
   problem_.rowCount = rowCount() - 1;
   problem_.cost = solverCost_.data();
   problem_.lower = lowers().data();
   problem_.upper = uppers().data();
   problem_.isInteger = isInteger_.data();
-  problem_.hasIntegers = hasIntegers_;
+  problem_.hasIntegers = hasIntegers_ ? 1 : 0;
   problem_.rowLower = solverRowLower_.data();
   problem_.rowUpper = solverRowUpper_.data();
   problem_.start = solverStart_.data();
   problem_.rowOf = solverRowOf_.data();
   problem_.value = solverValue_.data();
-  problem_.products = linearized ? &kNone : &solverProducts_;
+  setProducts(problem_, linearized ? std::span<const SolverProduct>() : solverProducts_);
   problem_.level = solverLevel_.data();
   return problem_;
 }

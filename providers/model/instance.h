@@ -19,7 +19,7 @@
 #include <vector>
 
 #include "providers/model/model_data.h"
-#include "providers/model/solver_api.h"
+#include "providers/model/solver.h"
 #include "providers/model/sparse_matrix.h"
 
 namespace lomu {
@@ -155,7 +155,7 @@ class Instance {
   double iterations_ = 0;
 
   // What solverProblem() points to.
-  SolverProblem problem_;
+  SolverProblem problem_{};
   std::vector<double> solverCost_, solverRowLower_, solverRowUpper_, solverValue_, solverLevel_;
   std::vector<int> solverStart_, solverRowOf_;
   std::vector<std::size_t> solverEntryOf_;  // the entry of matrix_ behind each solver entry

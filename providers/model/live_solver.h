@@ -8,7 +8,7 @@
 
 #include "providers/model/catalogue.h"
 #include "providers/model/model.h"
-#include "providers/model/solver_api.h"
+#include "providers/model/solver.h"
 
 namespace lomu {
 

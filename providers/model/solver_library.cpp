@@ -2,18 +2,100 @@
 
 #include <dlfcn.h>
 
+#include <algorithm>
+#include <array>
+#include <new>
+#include <vector>
+
 #include "providers/model/model_error.h"
 
 namespace lomu {
 
-MakeSolver* SolverLibrary::open(const std::string& path) {
+namespace {
+
+// The table of a library, of whatever version.
+const ztbSolverFunctions& open(const std::string& path) {
   void* library = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
   if (library == nullptr)
     throw ModelError(std::string("the solver cannot be opened: ") + dlerror());
-  void* found = dlsym(library, "ztbMakeSolver");
-  if (found == nullptr) throw ModelError(path + " is no solver library: it has no ztbMakeSolver");
-  return reinterpret_cast<MakeSolver*>(found);
+  void* found = dlsym(library, "ztbSolverLibrary");
+  if (found == nullptr) {
+    throw ModelError(path + " is no solver library: it has no ztbSolverLibrary");
+  }
+  const ztbSolverFunctions* functions = reinterpret_cast<decltype(&ztbSolverLibrary)>(found)();
+  if (functions == nullptr) throw ModelError(path + " gives no table of functions");
+  return *functions;
 }
+
+// Calls the functions of a library, and takes results out of its plain arrays.
+class LibrarySolver : public Solver {
+ public:
+  explicit LibrarySolver(const ztbSolverFunctions& functions)
+      : functions_(functions), solver_(functions.make()) {
+    if (solver_ == nullptr) throw std::bad_alloc();
+  }
+  ~LibrarySolver() override { functions_.free(solver_); }
+
+  bool load(const SolverProblem& problem, std::string& reason) override {
+    const bool taken =
+        told(functions_.load(solver_, &problem, reason_.data(), static_cast<int>(reason_.size())));
+    if (!taken) reason = reason_.data();
+    return taken;
+  }
+
+  bool update(const SolverProblem& problem) override {
+    return told(functions_.update(solver_, &problem));
+  }
+
+  void solve(const SolverLimits& limits, SolverResult& result) override {
+    position_.assign(result.position.size(), ztbSolverBasic);
+    rowPosition_.assign(result.rowPosition.size(), ztbSolverBasic);
+    reason_[0] = '\0';
+    ztbSolverResult plain = {.outcome = ztbSolverFailed,
+                             .hasPoint = 0,
+                             .iterations = 0,
+                             .level = result.level.data(),
+                             .position = position_.data(),
+                             .rowMarginal = result.rowMarginal.data(),
+                             .rowPosition = rowPosition_.data(),
+                             .reason = reason_.data(),
+                             .reasonSize = static_cast<int>(reason_.size())};
+    functions_.solve(solver_, &limits, &plain);
+    result.outcome = static_cast<Outcome>(plain.outcome);
+    result.hasPoint = plain.hasPoint != 0;
+    result.iterations = plain.iterations;
+    takePositions(position_, result.position);
+    takePositions(rowPosition_, result.rowPosition);
+    result.reason = reason_.data();
+    if (plain.outcome < ztbSolverOptimal || plain.outcome > ztbSolverFailed) {
+      result.outcome = Outcome::failed;
+      result.hasPoint = false;
+      result.reason = "it gave outcome " + std::to_string(plain.outcome) + ", expected " +
+                      std::to_string(ztbSolverOptimal) + " to " + std::to_string(ztbSolverFailed);
+    }
+  }
+
+ private:
+  static bool told(int answer) {
+    if (answer == ztbSolverNoMemory) throw std::bad_alloc();
+    return answer == ztbSolverYes;
+  }
+
+  static void takePositions(const std::vector<std::int32_t>& from, std::vector<Position>& to) {
+    std::transform(from.begin(), from.end(), to.begin(), [](std::int32_t position) {
+      const bool known = position >= ztbSolverAtLower && position <= ztbSolverSuperbasic;
+      return known ? static_cast<Position>(position) : Position::superbasic;
+    });
+  }
+
+  const ztbSolverFunctions& functions_;
+  void* solver_;
+  std::array<char, 1024> reason_{};
+  // Kept, so that repeated solves allocate nothing.
+  std::vector<std::int32_t> position_, rowPosition_;
+};
+
+}  // namespace
 
 bool SolverLibrary::canOpen(const std::string& path) {
   try {
@@ -25,9 +107,13 @@ bool SolverLibrary::canOpen(const std::string& path) {
 }
 
 std::unique_ptr<Solver> SolverLibrary::makeSolver(const std::string& path) {
-  std::unique_ptr<Solver> solver(open(path)(kSolverApiVersion));
-  if (solver == nullptr) throw ModelError(path + " is of another version than this library");
-  return solver;
+  const ztbSolverFunctions& functions = open(path);
+  if (functions.version != ztbSolverVersion) {
+    throw ModelError(path + " has version " + std::to_string(functions.version) +
+                     " of the interface to solvers, expected version " +
+                     std::to_string(ztbSolverVersion));
+  }
+  return std::make_unique<LibrarySolver>(functions);
 }
 
 }  // namespace lomu

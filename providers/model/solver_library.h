@@ -5,19 +5,19 @@
 #include <memory>
 #include <string>
 
-#include "providers/model/solver_api.h"
+#include "providers/model/solver.h"
 
 namespace lomu {
 
 class SolverLibrary {
  public:
+  // Whether there is a solver library, of whatever version.
   static bool canOpen(const std::string& path);
 
-  // A new solver of the library; throws ModelError with the reason.
+  // A new solver of the library. Throws std::bad_alloc, and ModelError with the reason: a library
+  // of another version of the interface, say. Of the solver's functions, none throws anything but
+  // std::bad_alloc.
   static std::unique_ptr<Solver> makeSolver(const std::string& path);
-
- private:
-  static MakeSolver* open(const std::string& path);
 };
 
 }  // namespace lomu

@@ -199,7 +199,7 @@ TEST(Instance, SwitchesLeftOnDoNotCountOnceAProductMoves) {
   EXPECT_EQ(instance.solverProblem().rowLower[0], 99);
   instance.setAlternativeUpper(1, 5);
   instance.useAlternativeBounds(true);
-  EXPECT_EQ(instance.solverProblem().products->size(), 2U);
+  EXPECT_EQ(instance.solverProblem().productCount, 2);
   EXPECT_EQ(instance.solverProblem().rowLower[0], 6);
   EXPECT_THAT(copied(instance.solverProblem().value, 2), ElementsAre(0, 0));
   instance.forceLinear(false);
@@ -213,10 +213,10 @@ TEST(Instance, LinearizesProductsAtThePresentLevels) {
   ASSERT_TRUE(instance.linearize(offset.data(), true));
   // p x at (2, 4) is 4 p + 2 x - 8; x q at (4, 3) is 3 x + 4 q - 12.
   EXPECT_THAT(offset, ElementsAre(-8, -12));
-  EXPECT_EQ(instance.solverProblem().products->size(), 2U);
+  EXPECT_EQ(instance.solverProblem().productCount, 2);
   instance.forceLinear(true);
   const SolverProblem& problem = instance.solverProblem();
-  EXPECT_TRUE(problem.products->empty());
+  EXPECT_EQ(problem.productCount, 0);
   EXPECT_THAT(copied(problem.cost, 3), ElementsAre(4, 0, 3));
   EXPECT_THAT(copied(problem.value, 2), ElementsAre(4, 3));
 

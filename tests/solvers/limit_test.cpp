@@ -15,7 +15,9 @@ using lomu::SolverResult;
 // Agrees with going on for a number of times.
 struct Patience {
   int times;
-  static bool ended(void* context) { return static_cast<Patience*>(context)->times-- <= 0; }
+  static std::int32_t ended(void* context) {
+    return static_cast<Patience*>(context)->times-- <= 0 ? 1 : 0;
+  }
 };
 
 class Limit : public testing::TestWithParam<const char*> {

@@ -23,7 +23,7 @@ class PointCheck : public testing::Test {
     model_.row({1, 1}, 1, 3);
     model_.row({1e8, -1e8}, -kInf, kInf);
   }
-  std::string found(double x, double y) { return violation(model_.problem(), {x, y}); }
+  std::string found(double x, double y) { return lomu::violation(model_.problem(), {x, y}); }
 
   SmallModel model_;
 };

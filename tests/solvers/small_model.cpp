@@ -1,10 +1,11 @@
 #include "tests/solvers/small_model.h"
 
-#include <dlfcn.h>
 #include <gtest/gtest.h>
 
-#include <stdexcept>
+#include <algorithm>
 #include <utility>
+
+#include "providers/model/solver_library.h"
 
 namespace ztbtest {
 
@@ -46,11 +47,10 @@ const lomu::SolverProblem& SmallModel::problem() {
   problem_.start = start_.data();
   problem_.rowOf = rowOf_.data();
   problem_.value = value_.data();
-  problem_.products = &products;
+  lomu::setProducts(problem_, products);
   problem_.level = level.data();
   problem_.coefficientsAsOf = coefficientsAsOf;
-  problem_.hasIntegers = false;
-  for (const char flag : isInteger) problem_.hasIntegers = problem_.hasIntegers || flag != 0;
+  problem_.hasIntegers = std::ranges::count(isInteger, 0) != std::ssize(isInteger) ? 1 : 0;
   return problem_;
 }
 
@@ -76,17 +76,8 @@ double SmallModel::activity(std::size_t rowNumber, const std::vector<double>& at
   return sum;
 }
 
-lomu::Solver* makeSolver(const std::string& name, int apiVersion) {
-  const std::string path = std::string(ZTB_SOLVER_FOLDER) + "/libztb" + name + ".so";
-  void* library = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
-  if (library == nullptr) throw std::runtime_error(dlerror());
-  void* entry = dlsym(library, "ztbMakeSolver");
-  if (entry == nullptr) throw std::runtime_error(dlerror());
-  return reinterpret_cast<MakeSolver*>(entry)(apiVersion);
-}
-
 std::unique_ptr<lomu::Solver> openSolver(const std::string& name) {
-  return std::unique_ptr<lomu::Solver>(makeSolver(name, lomu::kSolverApiVersion));
+  return lomu::SolverLibrary::makeSolver(std::string(ZTB_SOLVER_FOLDER) + "/libztb" + name + ".so");
 }
 
 lomu::SolverResult resultFor(const SmallModel& model) {

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "providers/model/solver_api.h"
+#include "providers/model/solver.h"
 
 namespace ztbtest {
 
@@ -36,15 +36,13 @@ struct SmallModel {
   [[nodiscard]] double activity(std::size_t rowNumber, const std::vector<double>& at) const;
 
  private:
-  lomu::SolverProblem problem_;
+  lomu::SolverProblem problem_{};
   std::vector<int> start_, rowOf_;
   std::vector<double> value_;
 };
 
 // A solver of one of the libraries: "clp", "cbc", "glpk" or "ipopt".
 std::unique_ptr<lomu::Solver> openSolver(const std::string& name);
-// What the library's entry gives for an interface version.
-lomu::Solver* makeSolver(const std::string& name, int apiVersion);
 
 // A result sized for the model.
 lomu::SolverResult resultFor(const SmallModel& model);

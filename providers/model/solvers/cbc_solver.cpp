@@ -7,6 +7,7 @@
 #include "providers/model/solvers/cbc_engine.h"
 #include "providers/model/solvers/column_by_column.h"
 #include "providers/model/solvers/point_check.h"
+#include "providers/model/solvers/solver_face.h"
 
 namespace lomu {
 
@@ -46,6 +47,6 @@ void CbcSolver::solve(const SolverLimits& limits, SolverResult& result) {
 
 }  // namespace lomu
 
-[[gnu::visibility("default")]] lomu::Solver* ztbMakeSolver(int apiVersion) {
-  return apiVersion == lomu::kSolverApiVersion ? new lomu::CbcSolver : nullptr;
+const ztbSolverFunctions* ztbSolverLibrary() {
+  return &lomu::solverFunctions<lomu::CbcSolver>;
 }

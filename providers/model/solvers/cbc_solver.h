@@ -13,7 +13,7 @@ class CbcSolver : public Solver {
   void solve(const SolverLimits& limits, SolverResult& result) override;
 
  private:
-  SolverProblem problem_;
+  SolverProblem problem_{};
   LinearForm form_;
 };
 

@@ -7,6 +7,7 @@
 
 #include "providers/model/solvers/column_by_column.h"
 #include "providers/model/solvers/point_check.h"
+#include "providers/model/solvers/solver_face.h"
 
 namespace lomu {
 
@@ -29,9 +30,8 @@ bool ClpSolver::load(const SolverProblem& problem, std::string& reason) {
 
 // Bounds decide what a product comes to.
 bool ClpSolver::onlyBoundsMayDiffer(const SolverProblem& problem) const {
-  const bool hasProducts = problem.products != nullptr && !problem.products->empty();
   return problem.coefficientsAsOf != 0 && problem.coefficientsAsOf == problem_.coefficientsAsOf &&
-         !hasProducts && !problem.hasIntegers;
+         problem.productCount == 0 && problem.hasIntegers == 0;
 }
 
 bool ClpSolver::update(const SolverProblem& problem) {
@@ -68,6 +68,6 @@ void ClpSolver::solve(const SolverLimits& limits, SolverResult& result) {
 
 }  // namespace lomu
 
-[[gnu::visibility("default")]] lomu::Solver* ztbMakeSolver(int apiVersion) {
-  return apiVersion == lomu::kSolverApiVersion ? new lomu::ClpSolver : nullptr;
+const ztbSolverFunctions* ztbSolverLibrary() {
+  return &lomu::solverFunctions<lomu::ClpSolver>;
 }

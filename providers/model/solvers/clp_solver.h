@@ -16,7 +16,7 @@ class ClpSolver : public Solver {
  private:
   [[nodiscard]] bool onlyBoundsMayDiffer(const SolverProblem& problem) const;
 
-  SolverProblem problem_;
+  SolverProblem problem_{};
   LinearForm next_;  // what an update fills, kept so that updates allocate nothing
   ClpProgram program_;
 };

@@ -5,6 +5,7 @@
 
 #include "providers/model/solvers/column_by_column.h"
 #include "providers/model/solvers/point_check.h"
+#include "providers/model/solvers/solver_face.h"
 
 namespace lomu {
 
@@ -45,6 +46,6 @@ void GlpkSolver::solve(const SolverLimits& limits, SolverResult& result) {
 
 }  // namespace lomu
 
-[[gnu::visibility("default")]] lomu::Solver* ztbMakeSolver(int apiVersion) {
-  return apiVersion == lomu::kSolverApiVersion ? new lomu::GlpkSolver : nullptr;
+const ztbSolverFunctions* ztbSolverLibrary() {
+  return &lomu::solverFunctions<lomu::GlpkSolver>;
 }

@@ -14,7 +14,7 @@ class GlpkSolver : public Solver {
   void solve(const SolverLimits& limits, SolverResult& result) override;
 
  private:
-  SolverProblem problem_;
+  SolverProblem problem_{};
   LinearForm form_;
   GlpkProgram program_;
 };

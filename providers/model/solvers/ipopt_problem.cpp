@@ -27,10 +27,8 @@ IpoptProblem::IpoptProblem(const SolverProblem& problem, Watch& watch)
       rowNumber_(at(problem.rowCount), kNowhere),
       level_(at(problem.columnCount)),
       rowMarginal_(at(problem.rowCount)) {
-  if (problem.products != nullptr) {
-    std::copy_if(problem.products->begin(), problem.products->end(), std::back_inserter(products_),
-                 [](const SolverProduct& p) { return p.value != 0; });
-  }
+  std::ranges::copy_if(productsOf(problem), std::back_inserter(products_),
+                       [](const SolverProduct& p) { return p.value != 0; });
   findMoving();
   findRows();
 }

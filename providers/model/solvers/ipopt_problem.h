@@ -10,7 +10,7 @@
 #include <IpTNLP.hpp>
 #include <vector>
 
-#include "providers/model/solver_api.h"
+#include "providers/model/solver.h"
 #include "providers/model/solvers/watch.h"
 
 namespace lomu {

@@ -11,6 +11,7 @@
 #include "providers/model/solvers/column_by_column.h"
 #include "providers/model/solvers/ipopt_problem.h"
 #include "providers/model/solvers/point_check.h"
+#include "providers/model/solvers/solver_face.h"
 
 namespace lomu {
 
@@ -66,7 +67,7 @@ void setOptions(Ipopt::IpoptApplication& application, int iterations, bool linea
 bool IpoptSolver::load(const SolverProblem& problem, std::string& reason) {
   LinearForm form;
   SolverProblem linear = problem;
-  linear.products = nullptr;
+  setProducts(linear, {});
   std::string why;
   if (!form.take(linear, why)) {
     reason = "ipopt solves continuous models: " + why;
@@ -193,14 +194,11 @@ void IpoptSolver::decideUnsolved(const Run& first, Watch& watch, SolverResult& r
   }
   const std::vector<double> noCost(static_cast<std::size_t>(problem_.columnCount), 0.0);
   std::vector<SolverProduct> rowProducts;
-  if (problem_.products != nullptr) {
-    std::copy_if(problem_.products->begin(), problem_.products->end(),
-                 std::back_inserter(rowProducts),
-                 [](const SolverProduct& p) { return p.row != kObjectiveRow; });
-  }
+  std::ranges::copy_if(productsOf(problem_), std::back_inserter(rowProducts),
+                       [](const SolverProduct& p) { return p.row != kObjectiveRow; });
   SolverProblem feasibility = problem_;
   feasibility.cost = noCost.data();
-  feasibility.products = &rowProducts;
+  setProducts(feasibility, rowProducts);
   const Run second = run(feasibility, watch, result);
   if (second.outcome == Outcome::failed) {
     if (second.localInfeasibility) result.outcome = Outcome::infeasible;
@@ -239,7 +237,7 @@ bool IpoptSolver::fallsWithoutEnd(Watch& watch, SolverResult& result) const {
   directions.rowLower = form.rowLower.data();
   directions.rowUpper = form.rowUpper.data();
   directions.value = form.value.data();
-  directions.products = nullptr;
+  setProducts(directions, {});
   directions.level = nullptr;
   const Run found = run(directions, watch, result);
   return found.outcome == Outcome::optimal && found.objective < -1e-6 * largest;
@@ -254,13 +252,11 @@ void IpoptSolver::leavePositions(SolverResult& result) const {
       activity[static_cast<std::size_t>(problem_.rowOf[e])] += problem_.value[e] * result.level[k];
     }
   }
-  if (problem_.products != nullptr) {
-    for (const SolverProduct& p : *problem_.products) {
-      if (p.row == kObjectiveRow) continue;
-      activity[static_cast<std::size_t>(p.row)] +=
-          p.value * result.level[static_cast<std::size_t>(p.column1)] *
-          result.level[static_cast<std::size_t>(p.column2)];
-    }
+  for (const SolverProduct& p : productsOf(problem_)) {
+    if (p.row == kObjectiveRow) continue;
+    activity[static_cast<std::size_t>(p.row)] += p.value *
+                                                 result.level[static_cast<std::size_t>(p.column1)] *
+                                                 result.level[static_cast<std::size_t>(p.column2)];
   }
   for (int i = 0; i < problem_.rowCount; ++i) {
     const auto k = static_cast<std::size_t>(i);
@@ -271,6 +267,6 @@ void IpoptSolver::leavePositions(SolverResult& result) const {
 
 }  // namespace lomu
 
-[[gnu::visibility("default")]] lomu::Solver* ztbMakeSolver(int apiVersion) {
-  return apiVersion == lomu::kSolverApiVersion ? new lomu::IpoptSolver : nullptr;
+const ztbSolverFunctions* ztbSolverLibrary() {
+  return &lomu::solverFunctions<lomu::IpoptSolver>;
 }

@@ -37,7 +37,7 @@ class IpoptSolver : public Solver {
   [[nodiscard]] bool fallsWithoutEnd(Watch& watch, SolverResult& result) const;
   void leavePositions(SolverResult& result) const;
 
-  SolverProblem problem_;
+  SolverProblem problem_{};
 };
 
 }  // namespace lomu

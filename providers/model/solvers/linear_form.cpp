@@ -65,9 +65,8 @@ bool LinearForm::take(const SolverProblem& problem, std::string& reason) {
 }
 
 bool LinearForm::foldProducts(const SolverProblem& problem, std::string& reason) {
-  if (problem.products == nullptr) return true;
   const auto standsStill = [&](int j) { return problem.lower[j] == problem.upper[j]; };
-  for (const SolverProduct& product : *problem.products) {
+  for (const SolverProduct& product : productsOf(problem)) {
     if (product.value == 0) continue;
     int still = product.column1;
     int moving = product.column2;

@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "providers/model/solver_api.h"
+#include "providers/model/solver.h"
 
 namespace lomu {
 

@@ -24,8 +24,7 @@ void forEachTerm(const SolverProblem& problem, const std::vector<double>& level,
       add(static_cast<std::size_t>(problem.rowOf[e]), problem.value[e] * at);
     }
   }
-  if (problem.products == nullptr) return;
-  for (const SolverProduct& p : *problem.products) {
+  for (const SolverProduct& p : productsOf(problem)) {
     if (p.row == kObjectiveRow) continue;
     add(static_cast<std::size_t>(p.row), p.value * level[static_cast<std::size_t>(p.column1)] *
                                              level[static_cast<std::size_t>(p.column2)]);

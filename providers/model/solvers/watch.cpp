@@ -13,7 +13,7 @@ double Watch::secondsUsed() const {
 
 bool Watch::mustStop() {
   if (stopped_) return true;
-  if (limits_.terminated != nullptr && limits_.terminated(limits_.context)) {
+  if (limits_.terminated != nullptr && limits_.terminated(limits_.context) != 0) {
     stopped_ = true;
     reason_ = Outcome::terminated;
   } else if (secondsUsed() >= limits_.seconds) {

@@ -4,7 +4,7 @@
 
 #include <chrono>
 
-#include "providers/model/solver_api.h"
+#include "providers/model/solver.h"
 
 namespace lomu {
 
