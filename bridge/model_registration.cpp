@@ -33,10 +33,12 @@ bool makeReady(const ZTB& db, GetReady getReady, GetReadyD getReadyD, char* mess
 template <class Body>
 int tracingFailure(ZTB& db, const Body& body) {
   const auto olderText = std::to_array(db.lastError);
+  const int olderKind = db.errorKind;
   db.lastError[0] = '\0';
   const int result = body();
   if (db.lastError[0] == '\0') {
     std::ranges::copy(olderText, db.lastError);
+    db.errorKind = olderKind;
   } else if (result != success) {
     printProgress(db.lastError);
   }
@@ -152,10 +154,10 @@ class DictionaryLoader {
 int ZTB::RegisterPBI(void* model) {
   char message[readyMessageSize] = {};
   if (!makeReady(*this, peers::pbiGetReady, peers::pbiGetReadyD, message)) {
-    return fail("Error in pbiGetReady: %s", message);
+    return failAs(ZTB_ERROR_NO_LIBRARY, "Error in pbiGetReady: %s", message);
   }
   if (!makeReady(*this, peers::nmtGetReady, peers::nmtGetReadyD, message)) {
-    return fail("Error in nmtGetReady: %s", message);
+    return failAs(ZTB_ERROR_NO_LIBRARY, "Error in nmtGetReady: %s", message);
   }
   if (snv != nullptr && !isPreparedModel(model)) {
     undoPreparation();

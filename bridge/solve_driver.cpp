@@ -53,7 +53,7 @@ class SolveDriver {
     }
     solver_ = peers::rgyAlgNumber(db_.rgy, solverName_);
     if (solver_ <= 0) {
-      return db_.fail("Invalid solver name: %s", solverName_);
+      return db_.failAs(ZTB_ERROR_NOT_FOUND, "Invalid solver name: %s", solverName_);
     }
     changed_ = solver_ != db_.solverNumber;
     if (db_.altBounds) {
@@ -138,7 +138,7 @@ class SolveDriver {
                               return peers::rgyAlgCallSolver(db_.rgy, solver_, db_.solverAlg,
                                                              db_.pbi);
                             }) != 0) {
-      return db_.fail("callsolver failed");
+      return db_.failAs(ZTB_ERROR_SOLVER, "callsolver failed");
     }
     peers::pbiViewRestore(db_.pbi, &view);
     return success;
@@ -147,10 +147,10 @@ class SolveDriver {
   int makeLiveSolver() {
     char message[ZTB::messageSize] = {};
     if (peers::rgyAlgCreate(db_.rgy, solver_, &db_.solverAlg, db_.sysDir.c_str(), message) == 0) {
-      return db_.fail("%s", message);
+      return db_.failAs(ZTB_ERROR_SOLVER, "%s", message);
     }
     if (peers::rgyAlgReadyAPI(db_.rgy, solver_, db_.solverAlg, db_.pbi) != 0) {
-      return db_.fail("readyapi failed");
+      return db_.failAs(ZTB_ERROR_SOLVER, "readyapi failed");
     }
     return success;
   }
@@ -162,7 +162,7 @@ class SolveDriver {
       return peers::snvCallSolver(db_.snv, db_.pbi, "", solverName_, linkType, 0, "", "", noLimit,
                                   noCountLimit, noCountLimit, noLimit, noLimit, &unused, message);
     });
-    return result == 0 ? success : db_.fail("%s", message);
+    return result == 0 ? success : db_.failAs(ZTB_ERROR_SOLVER, "%s", message);
   }
 
   void dropSolution() {

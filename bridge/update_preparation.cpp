@@ -62,11 +62,11 @@ int ZTB::InitUpdate() {
   const char* directory = sysDir.c_str();
   if (!(sysDir.empty() ? peers::snvGetReady(message, size)
                        : peers::snvGetReadyD(directory, message, size))) {
-    return fail("%s", message);
+    return failAs(ZTB_ERROR_NO_LIBRARY, "%s", message);
   }
   if (rgy == nullptr && !(sysDir.empty() ? peers::rgyCreate(&rgy, message, size)
                                          : peers::rgyCreateD(&rgy, directory, message, size))) {
-    return fail("%s", message);
+    return failAs(ZTB_ERROR_NO_LIBRARY, "%s", message);
   }
   snv = peers::pbiEnvironment(pbi);
   modelReplaced = false;
@@ -74,7 +74,7 @@ int ZTB::InitUpdate() {
   peers::snvGetStrOpt(snv, "NameSysDir", modelDirectory);
   const std::string catalogue = std::string(modelDirectory) + catalogueFileName;
   if (peers::rgyReadConfigVUC(rgy, catalogue.c_str(), modelDirectory) != 0) {
-    return fail("Could not read configuration file");
+    return failAs(ZTB_ERROR_SOLVER, "Could not read configuration file");
   }
   colCount = peers::pbiN(pbi);
   rowCount = peers::pbiM(pbi);

@@ -15,7 +15,7 @@ AbstractZTBSymbol* ZTB::addSymbol(const SymbolDescription& description,
     initFrom = Source::db;
   }
   if (symbols.contains(description.name)) {
-    fail("Symbol %s exists already", description.name.c_str());
+    failAs(ZTB_ERROR_EXISTS, "Symbol %s exists already", description.name.c_str());
     return nullptr;
   }
   SymbolDescription numbered = description;
@@ -53,8 +53,8 @@ bool ZTB::setDomains(AbstractZTBSymbol& symbol, AbstractZTBSymbol* const* domain
     if (domain == nullptr) {
       const char* name = domainNames == nullptr ? nullptr : domainNames[d];
       if (name == nullptr) {
-        return fail("Domain %d of Symbol %s has neither a set nor a name", d + 1,
-                    symbol.name.c_str()) == success;
+        return failAs(ZTB_ERROR_DOMAIN, "Domain %d of Symbol %s has neither a set nor a name",
+                      d + 1, symbol.name.c_str()) == success;
       }
       if (std::strcmp(name, "*") == 0 || std::strcmp(name, " ") == 0) {
         symbol.domainSymbols.back() = universe.get();
@@ -77,14 +77,15 @@ bool ZTB::setDomains(AbstractZTBSymbol& symbol, AbstractZTBSymbol* const* domain
 bool ZTB::acceptDomain(const AbstractZTBSymbol& domain) {
   const char* name = domain.name.c_str();
   if (domain.dim != 1) {
-    return fail("1 <> Dim of Symbol %s", name) == success;
+    return failAs(ZTB_ERROR_DOMAIN, "1 <> Dim of Symbol %s", name) == success;
   }
   if (domain.type != dmap::typeSet && domain.type != dmap::typeAlias) {
-    return fail("Symbol %s not a set/alias", name) == success;
+    return failAs(ZTB_ERROR_DOMAIN, "Symbol %s not a set/alias", name) == success;
   }
   if (domain.database != this) {
-    return (domain.name == "*" ? fail("Universe from different database")
-                               : fail("Symbol %s not in this database", name)) == success;
+    return (domain.name == "*"
+                ? failAs(ZTB_ERROR_DOMAIN, "Universe from different database")
+                : failAs(ZTB_ERROR_DOMAIN, "Symbol %s not in this database", name)) == success;
   }
   return true;
 }

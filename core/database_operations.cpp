@@ -25,13 +25,14 @@ int lifetimeOperation(ztbRec** pztb, const char* name, Body&& body) {
       std::printf("Out of memory in %s\n", name);
       return failure;
     }
-    return databaseOf(*pztb).fail("Out of memory in %s", name);
+    return databaseOf(*pztb).failAs(ZTB_ERROR_OUT_OF_MEMORY, "Out of memory in %s", name);
   } catch (const std::exception& e) {
     if (*pztb == nullptr) {
       std::printf("Unexpected exception in %s: %s\n", name, e.what());
       return failure;
     }
-    return databaseOf(*pztb).fail("Unexpected exception in %s: %s", name, e.what());
+    return databaseOf(*pztb).failAs(ZTB_ERROR_INTERNAL, "Unexpected exception in %s: %s", name,
+                                    e.what());
   }
 }
 

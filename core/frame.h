@@ -37,10 +37,10 @@ inline void traceOperation(const char* name) {
 }
 
 inline ZTB& databaseOf(ztbRec* handle) {
-  return *reinterpret_cast<ZTB*>(handle);
+  return *static_cast<ZTB*>(handle);
 }
 inline ztbRec* handleOf(ZTB* database) {
-  return reinterpret_cast<ztbRec*>(database);
+  return database;
 }
 
 // Runs `body(database)`. Running out of memory gives "Out of memory in NAME", also on standard
@@ -53,10 +53,12 @@ template <class Body>
   try {
     return std::forward<Body>(body)(db);
   } catch (const std::exception& e) {
-    if (name.outOfMemory != nullptr && dynamic_cast<const std::bad_alloc*>(&e) != nullptr) {
+    const bool outOfMemory = dynamic_cast<const std::bad_alloc*>(&e) != nullptr;
+    if (outOfMemory && name.outOfMemory != nullptr) {
       return db.failOutOfMemory(name.outOfMemory);
     }
-    return db.fail("Unexpected exception in %s: %s", name.exception, e.what());
+    return db.failAs(outOfMemory ? ZTB_ERROR_OUT_OF_MEMORY : ZTB_ERROR_INTERNAL,
+                     "Unexpected exception in %s: %s", name.exception, e.what());
   }
 }
 

@@ -39,8 +39,8 @@ int addRecord(ZTB& db, void* sym, const char** keys, void** recPtr) {
   const double* defaults = defaultRecord(*symbol);
   *recPtr = symbol->addRecord(numbers.data(), defaults, defaults).release();
   if (*recPtr == nullptr) {
-    return db.fail("Record %s exists already for symbol %s", recordText(keys, symbol->dim).c_str(),
-                   symbol->name.c_str());
+    return db.failAs(ZTB_ERROR_EXISTS, "Record %s exists already for symbol %s",
+                     recordText(keys, symbol->dim).c_str(), symbol->name.c_str());
   }
   markWritten(db, *symbol);
   return success;

@@ -18,7 +18,7 @@ int findLabel(ZTB& db, const char* label, void** recPtr) {
     return failure;
   }
   if (number == -1) {
-    return db.fail("Cannot find element %s in Universe", label);
+    return db.failAs(ZTB_ERROR_NOT_FOUND, "Cannot find element %s in Universe", label);
   }
   *recPtr = makeUniverseRecord(db.recordStorage, db.universe.get(), number).release();
   return *recPtr == nullptr ? failure : success;
@@ -39,7 +39,8 @@ int findRecord(ZTB& db, void* sym, const char** keys, void** recPtr) {
   }
   const char* name = symbol->name.c_str();
   if (symbol->isEmpty()) {
-    return db.fail("Cannot find any record in Symbol %s (%s is empty)", name, name);
+    return db.failAs(ZTB_ERROR_NOT_FOUND, "Cannot find any record in Symbol %s (%s is empty)", name,
+                     name);
   }
   requireKeyRoom(*symbol);
   requireKeys(*symbol, keys);
@@ -50,14 +51,15 @@ int findRecord(ZTB& db, void* sym, const char** keys, void** recPtr) {
       return failure;
     }
     if (number == -1) {
-      return db.fail("Cannot find element %s (on position %d) in Symbol %s", keys[d], d + 1, name);
+      return db.failAs(ZTB_ERROR_NOT_FOUND, "Cannot find element %s (on position %d) in Symbol %s",
+                       keys[d], d + 1, name);
     }
     numbers[static_cast<std::size_t>(d)] = number;
   }
   *recPtr = symbol->findRecord(numbers.data()).release();
   if (*recPtr == nullptr) {
-    return db.fail("Cannot find record %s in Symbol %s", recordText(keys, symbol->dim).c_str(),
-                   name);
+    return db.failAs(ZTB_ERROR_NOT_FOUND, "Cannot find record %s in Symbol %s",
+                     recordText(keys, symbol->dim).c_str(), name);
   }
   return success;
 }
@@ -73,7 +75,7 @@ int findEndRecord(ZTB& db, void* sym, End end, void** recPtr) {
   if (isUniverse(db, symbol)) {
     const int lastLabel = db.uels.size() - 1;
     if (lastLabel == 0) {
-      return db.fail("Cannot find a record in Universe");
+      return db.failAs(ZTB_ERROR_NOT_FOUND, "Cannot find a record in Universe");
     }
     *recPtr =
         makeUniverseRecord(db.recordStorage, symbol, end == End::first ? 1 : lastLabel).release();
@@ -83,7 +85,8 @@ int findEndRecord(ZTB& db, void* sym, End end, void** recPtr) {
     return failure;
   }
   if (symbol->isEmpty()) {
-    return db.fail("Cannot find a record in Symbol %s", symbol->name.c_str());
+    return db.failAs(ZTB_ERROR_NOT_FOUND, "Cannot find a record in Symbol %s",
+                     symbol->name.c_str());
   }
   RecordHandle record = end == End::first ? symbol->firstRecord() : symbol->lastRecord();
   *recPtr = record.release();
@@ -104,7 +107,7 @@ int findEndRecordInSlice(ZTB& db, void* sym, const char** keys, End end, void** 
   }
   const char* name = symbol->name.c_str();
   if (symbol->isEmpty()) {
-    return db.fail("Cannot find a record in Symbol %s", name);
+    return db.failAs(ZTB_ERROR_NOT_FOUND, "Cannot find a record in Symbol %s", name);
   }
   requireKeyRoom(*symbol);
   requireKeys(*symbol, keys);
@@ -118,16 +121,17 @@ int findEndRecordInSlice(ZTB& db, void* sym, const char** keys, End end, void** 
       return failure;
     }
     if (number == -1) {
-      return db.fail("Cannot find slice element %s (on position %d) in Symbol %s", keys[d], d + 1,
-                     name);
+      return db.failAs(ZTB_ERROR_NOT_FOUND,
+                       "Cannot find slice element %s (on position %d) in Symbol %s", keys[d], d + 1,
+                       name);
     }
     mask[static_cast<std::size_t>(d)] = number;
   }
   RecordHandle record = end == End::first ? symbol->firstRecordInSlice(mask.data())
                                           : symbol->lastRecordInSlice(mask.data());
   if (record == nullptr) {
-    return db.fail("Cannot find a record for slice %s in Symbol %s",
-                   recordText(keys, symbol->dim).c_str(), name);
+    return db.failAs(ZTB_ERROR_NOT_FOUND, "Cannot find a record for slice %s in Symbol %s",
+                     recordText(keys, symbol->dim).c_str(), name);
   }
   *recPtr = record.release();
   return success;

@@ -58,7 +58,7 @@ int findSymbol(ZTB& db, const char* name, bool resolveAlias, void** symPtr) {
   }
   AbstractZTBSymbol* symbol = db.lookUp(name);
   if (symbol == nullptr) {
-    return db.fail("Cannot find symbol %s", name);
+    return db.failAs(ZTB_ERROR_NOT_FOUND, "Cannot find symbol %s", name);
   }
   *symPtr = resolveAlias ? symbol->aliasTarget : symbol;
   return success;

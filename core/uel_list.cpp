@@ -1,5 +1,7 @@
 #include "core/uel_list.h"
 
+#include <ztb/errors.h>
+
 #include <cctype>
 #include <cstdio>
 #include <cstring>
@@ -8,26 +10,33 @@
 
 namespace ztb::uellist {
 
-UELList::UELList(char* message, std::size_t messageSize)
-    : message_(message), messageSize_(messageSize) {
+UELList::UELList(char* message, std::size_t messageSize, int* kind)
+    : message_(message), messageSize_(messageSize), kind_(kind) {
   labels_.store(" ", 1, 0);
+}
+
+bool UELList::refuse() {
+  if (kind_ != nullptr) {
+    *kind_ = ZTB_ERROR_REFUSED;
+  }
+  return false;
 }
 
 bool UELList::normalise(const char* label, Normalised& result) {
   if (label == nullptr) {
-    return false;
+    return refuse();
   }
   char quote = '\0';
   const char* end = label;
   for (; *end != '\0'; ++end) {
     if (static_cast<unsigned char>(*end) < 32) {
-      return false;
+      return refuse();
     }
     if (*end == '\'' || *end == '"') {
       if (quote != '\0' && quote != *end) {
         std::snprintf(message_, messageSize_, "Label with single and double quote not allowed >%s<",
                       label);
-        return false;
+        return refuse();
       }
       quote = *end;
     }
@@ -40,7 +49,7 @@ bool UELList::normalise(const char* label, Normalised& result) {
   if (length > maxLabelLength) {
     std::snprintf(message_, messageSize_, "Label exceeds maximum size of %d: >%s<",
                   static_cast<int>(maxLabelLength), label);
-    return false;
+    return refuse();
   }
   if (length == 0 && end != label) {
     length = 1;

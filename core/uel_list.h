@@ -36,8 +36,8 @@ class UELList final : public IUELList {
   // `message`, `messageSize` chars, receives the text of a refusal, where there is one:
   // "Label with single and double quote not allowed >%s<" or
   // "Label exceeds maximum size of %d: >%s<". A null label and one with a control char are refused
-  // without a text.
-  UELList(char* message, std::size_t messageSize);
+  // without a text. `kind`, unless null, becomes ZTB_ERROR_REFUSED with each refusal.
+  UELList(char* message, std::size_t messageSize, int* kind = nullptr);
 
   [[nodiscard]] bool find(const char* label, int* number) override;
   [[nodiscard]] bool merge(const char* label, int* number) override;
@@ -60,10 +60,13 @@ class UELList final : public IUELList {
   };
 
   bool normalise(const char* label, Normalised& result);
+  // False, for a refusal, whose text is there already.
+  bool refuse();
 
   rxf::collections::strhash::TXStrHashList<int> labels_;
   char* message_;
   std::size_t messageSize_;
+  int* kind_;
 };
 
 }  // namespace ztb::uellist

@@ -14,7 +14,8 @@ constinit std::atomic<std::int32_t> debugLevel = 0;
 
 ZTB::ZTB() : ZTB(nullptr) {}
 
-ZTB::ZTB(const char* systemDirectory) : sysDir(systemDirectory == nullptr ? "" : systemDirectory) {
+ZTB::ZTB(const char* systemDirectory)
+    : ztbRec{ZTB_ERROR_NONE}, sysDir(systemDirectory == nullptr ? "" : systemDirectory) {
   SymbolDescription description;
   description.name = "*";
   description.dim = 1;
@@ -28,7 +29,7 @@ ZTB::ZTB(const char* systemDirectory) : sysDir(systemDirectory == nullptr ? "" :
                         : peers::rxfCreateD(&rxf, sysDir.c_str(), peerMessage, sizeof peerMessage);
   if (!made) {
     rxf = nullptr;
-    fail("RXF create did not succeed: %s", peerMessage);
+    failAs(ZTB_ERROR_NO_LIBRARY, "RXF create did not succeed: %s", peerMessage);
   }
 }
 
@@ -59,11 +60,21 @@ int ZTB::fail(const char* format, ...) {
   va_start(arguments, format);
   std::vsnprintf(lastError, sizeof lastError, format, arguments);
   va_end(arguments);
+  errorKind = ZTB_ERROR_REFUSED;
+  return failure;
+}
+
+int ZTB::failAs(int kind, const char* format, ...) {
+  std::va_list arguments;
+  va_start(arguments, format);
+  std::vsnprintf(lastError, sizeof lastError, format, arguments);
+  va_end(arguments);
+  errorKind = kind;
   return failure;
 }
 
 int ZTB::failOutOfMemory(const char* operation) {
-  fail("Out of memory in %s", operation);
+  failAs(ZTB_ERROR_OUT_OF_MEMORY, "Out of memory in %s", operation);
   std::puts(lastError);
   return failure;
 }

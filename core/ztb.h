@@ -4,8 +4,8 @@
 // it. Two databases may be used from two threads: what they share is the trace level, and the peer
 // families, which guard their loading. The object owns its labels, texts, symbols, the universe
 // symbol, the exchange-file object, the solver catalogue and a live solver; a model with its
-// environment and dictionary stays the caller's. A failure leaves its text in `lastError`, which a
-// success does not clear.
+// environment and dictionary stays the caller's. A failure leaves its text in `lastError` and its
+// kind in `errorKind`, which a success does not clear.
 #ifndef ZTB_CORE_ZTB_H_
 #define ZTB_CORE_ZTB_H_
 
@@ -54,7 +54,7 @@ struct HvexEntries {
   ztbHostGetElemText getElemText = nullptr;
 };
 
-class ZTB {
+class ZTB : public ztbRec {
  public:
   static constexpr std::size_t messageSize = 256;
   static constexpr std::size_t peerMessageSize = 228;
@@ -68,8 +68,10 @@ class ZTB {
   ZTB& operator=(const ZTB&) = delete;
   ~ZTB();
 
-  // Puts a formatted text, cut to 255 chars, into `lastError`; `failure`.
+  // Puts a formatted text, cut to 255 chars, into `lastError`, and its kind beside it: a ZTB_ERROR_
+  // code, ZTB_ERROR_REFUSED where none is given; `failure`.
   [[gnu::format(printf, 2, 3)]] int fail(const char* format, ...);
+  [[gnu::format(printf, 3, 4)]] int failAs(int kind, const char* format, ...);
   // The same for running out of memory: "Out of memory in OPERATION", also on standard output.
   int failOutOfMemory(const char* operation);
 
@@ -91,7 +93,8 @@ class ZTB {
   }
   // Fails with the text that an unreadable symbol keeps; true, with nothing done, for another.
   bool requireReadable(const AbstractZTBSymbol& symbol) {
-    return symbol.unreadable == nullptr || fail("%s", symbol.unreadable->c_str()) == success;
+    return symbol.unreadable == nullptr ||
+           failAs(symbol.unreadable->kind, "%s", symbol.unreadable->text.c_str()) == success;
   }
   // Empties a symbol that is about to get other records; those that are still in a source are given
   // up without being read. False for an unreadable one, as above.
@@ -187,7 +190,7 @@ class ZTB {
   bool writeRecording = false;
   char peerMessage[peerMessageSize] = {};
   char lastError[messageSize] = {};
-  uellist::UELList uels{lastError, messageSize};
+  uellist::UELList uels{lastError, messageSize, &errorKind};
 
  private:
   bool isPreparedModel(void* model) const;
@@ -195,7 +198,7 @@ class ZTB {
   bool load(AbstractZTBSymbol& symbol);
   bool loadAllSymbols();
   bool loadFromRXF(AbstractZTBSymbol& symbol);
-  bool failReading(const AbstractZTBSymbol& symbol, const char* reason);
+  bool failReading(const AbstractZTBSymbol& symbol, int kind, const char* reason);
   bool allReadable();
   void markAliasTarget(AbstractZTBSymbol& alias);
   bool setDomains(AbstractZTBSymbol& symbol, AbstractZTBSymbol* const* domains,

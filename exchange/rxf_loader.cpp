@@ -20,7 +20,7 @@ int RxfLoader::open(const std::string& fileName) {
     printProgress("Error opening rxf file");
     char text[peerTextSize] = {};
     peers::rxfErrorStr(db_.rxf, error, text);
-    return db_.fail("Error opening RXF file: %s", text);
+    return db_.failAs(ztbErrorKindOfRxf(error), "Error opening RXF file: %s", text);
   }
   printProgress("Opening rxf file was successful");
   return success;
@@ -160,7 +160,7 @@ int ZTB::InitFromRXF(const std::string& fileName) {
     return fail("Database has been initialized, cannot initialize from %s", fileName.c_str());
   }
   if (rxf == nullptr) {
-    return fail("RXF create did not succeed: %s", peerMessage);
+    return failAs(ZTB_ERROR_NO_LIBRARY, "RXF create did not succeed: %s", peerMessage);
   }
   initFrom = Source::rxf;
   rxfFileName = fileName;
@@ -191,12 +191,13 @@ bool ZTB::readSymbolFromRXF(AbstractZTBSymbol& symbol, void* target) {
   const auto passOn = [target](const int* keys, const double* values) {
     peers::rxfDataWriteRaw(target, keys, values);
   };
-  const bool whole = target == nullptr ? readRecords(rxf, name, reason, keep)
-                                       : readRecords(rxf, name, reason, passOn);
-  return whole || failReading(symbol, reason);
+  int error = 0;
+  const bool whole = target == nullptr ? readRecords(rxf, name, reason, error, keep)
+                                       : readRecords(rxf, name, reason, error, passOn);
+  return whole || failReading(symbol, kindOfReadError(error), reason);
 }
 
-bool ZTB::failReading(const AbstractZTBSymbol& symbol, const char* reason) {
+bool ZTB::failReading(const AbstractZTBSymbol& symbol, int kind, const char* reason) {
   // The reason stands at the end of a text that is cut there, so a long path makes room for it.
   constexpr std::size_t shortestPath = 24;
   constexpr std::size_t dots = 3;
@@ -208,34 +209,35 @@ bool ZTB::failReading(const AbstractZTBSymbol& symbol, const char* reason) {
   const std::size_t room = std::max(left, shortestPath);
   const char* path = rxfFileName.c_str();
   if (rxfFileName.size() <= room) {
-    return fail(format, name, "", path, reason) == success;
+    return failAs(kind, format, name, "", path, reason) == success;
   }
   path += rxfFileName.size() - (room - dots);
   // A cut never leaves a part of a UTF-8 sequence.
   while ((static_cast<unsigned char>(*path) & 0xC0U) == 0x80U) {
     ++path;
   }
-  return fail(format, name, "...", path, reason) == success;
+  return failAs(kind, format, name, "...", path, reason) == success;
 }
 
 bool ZTB::loadFromRXF(AbstractZTBSymbol& symbol) {
   // Taken before anything is read, so that a failure can be kept when no memory is left.
-  auto text = std::make_unique<std::string>();
-  text->reserve(messageSize);
+  auto unreadable = std::make_unique<AbstractZTBSymbol::Unreadable>();
+  unreadable->text.reserve(messageSize);
   symbol.loaded = true;
   try {
     if (readSymbolFromRXF(symbol, nullptr)) {
       return true;
     }
   } catch (const std::bad_alloc&) {
-    failReading(symbol, "out of memory");
+    failReading(symbol, ZTB_ERROR_OUT_OF_MEMORY, "out of memory");
   } catch (const std::exception& e) {
-    failReading(symbol, e.what());
+    failReading(symbol, ZTB_ERROR_INTERNAL, e.what());
   }
   if (symbol.type != dmap::typeAlias) {
     symbol.releaseRecords();
-    text->assign(lastError);
-    symbol.unreadable = std::move(text);
+    unreadable->text.assign(lastError);
+    unreadable->kind = errorKind;
+    symbol.unreadable = std::move(unreadable);
   }
   return false;
 }

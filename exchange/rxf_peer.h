@@ -47,22 +47,45 @@ class RecordStream {
 // when it cannot give all records.
 inline constexpr int peerReadFailed = -1;
 
-// Why the peer could not go on: the text of the error that came first. The queue is empty then.
-inline void takeReason(void* rxf, char (&reason)[peerTextSize]) {
-  int code = 0;
-  for (int next = peers::rxfGetLastError(rxf); next != 0; next = peers::rxfGetLastError(rxf)) {
-    code = next;
+// Errors that are taken from a peer at most, where it does not tell that it has more: one that
+// never comes to an end must not hold the core for ever.
+inline constexpr int mostErrorsTaken = 100'000;
+
+// Takes the pending errors of a peer, latest first: how many there were, and the number of the one
+// that came first, 0 for none.
+struct PeerErrors {
+  PeerErrors(void* rxf, int most) {
+    for (int next = peers::rxfGetLastError(rxf); next != 0; next = peers::rxfGetLastError(rxf)) {
+      first = next;
+      ++count;
+      if (count == most) {
+        break;
+      }
+    }
   }
+  int count = 0;
+  int first = 0;
+};
+
+// Why the peer could not go on: the number and text of the error that came first. The queue is
+// empty then.
+inline void takeReason(void* rxf, char (&reason)[peerTextSize], int& error) {
+  error = PeerErrors(rxf, mostErrorsTaken).first;
   std::strcpy(reason, "the exchange-file library gives no reason");
-  if (code != 0) {
-    peers::rxfErrorStr(rxf, code, reason);
+  if (error != 0) {
+    peers::rxfErrorStr(rxf, error, reason);
   }
+}
+// The kind of a failed read; a peer that gives no reason may have damage to hide.
+inline int kindOfReadError(int error) {
+  return error == 0 ? ZTB_ERROR_IO : ztbErrorKindOfRxf(error);
 }
 
 // The records of one symbol of an open file: calls `deliver(keys, values)` for each of them. False,
-// with the peer's reason, when the peer cannot give all; what was delivered is then worth nothing.
+// with the peer's reason and error number, when the peer cannot give all; what was delivered is
+// then worth nothing.
 template <class Deliver>
-bool readRecords(void* rxf, const char* symbolName, char (&reason)[peerTextSize],
+bool readRecords(void* rxf, const char* symbolName, char (&reason)[peerTextSize], int& error,
                  Deliver&& deliver) {
   int number = 0;
   int count = 0;
@@ -81,7 +104,7 @@ bool readRecords(void* rxf, const char* symbolName, char (&reason)[peerTextSize]
     }
   }
   if (!whole) {
-    takeReason(rxf, reason);
+    takeReason(rxf, reason, error);
   }
   return whole;
 }

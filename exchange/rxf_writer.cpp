@@ -39,7 +39,8 @@ int RxfWriter::create() {
   const bool made = db_.sysDir.empty()
                         ? peers::rxfCreate(&target_, message, sizeof message)
                         : peers::rxfCreateD(&target_, db_.sysDir.c_str(), message, sizeof message);
-  return made ? success : db_.fail("RXF create did not succeed: %s", message);
+  return made ? success
+              : db_.failAs(ZTB_ERROR_NO_LIBRARY, "RXF create did not succeed: %s", message);
 }
 
 int RxfWriter::open(const std::string& fileName) {
@@ -48,7 +49,7 @@ int RxfWriter::open(const std::string& fileName) {
   if (error != 0) {
     char text[peerTextSize] = {};
     peers::rxfErrorStr(target_, error, text);
-    return db_.fail("%s: %s", text, fileName.c_str());
+    return db_.failAs(ztbErrorKindOfRxf(error), "%s: %s", text, fileName.c_str());
   }
   peers::rxfStoreDomainSetsSet(target_, 0);
   return success;
@@ -199,7 +200,7 @@ int RxfWriter::writeRecords(AbstractZTBSymbol& symbol) {
     }
     db_.LoadSymbolFromModel(symbol, target_);
   } else if (db_.initFrom == Source::hvex && !db_.readSymbolFromHVEX(symbol, target_)) {
-    return db_.fail("Problems writing symbol %s to RXF", symbol.name.c_str());
+    return db_.failAs(ZTB_ERROR_IO, "Problems writing symbol %s to RXF", symbol.name.c_str());
   }
   return success;
 }
@@ -212,22 +213,23 @@ void RxfWriter::writeTexts() {
 }
 
 int RxfWriter::finish() {
-  const int result = peers::rxfErrorCount(target_) > ignoredErrors_ ? failPeerErrors() : success;
+  const int errors = peers::rxfErrorCount(target_);
+  const int result = errors > ignoredErrors_ ? failPeerErrors(errors) : success;
   peers::rxfClose(target_);
   return result;
 }
 
-int RxfWriter::failPeerErrors() {
+int RxfWriter::failPeerErrors(int told) {
   int code = peers::rxfGetLastError(target_);
   int count = 1;
-  for (int next = peers::rxfGetLastError(target_); next != 0;
-       next = peers::rxfGetLastError(target_)) {
-    ++count;
-    code = next;
+  if (const PeerErrors more(target_, std::max(told, mostErrorsTaken) - 1); more.count > 0) {
+    count += more.count;
+    code = more.first;
   }
   char text[peerTextSize] = {};
   peers::rxfErrorStr(target_, code, text);
-  return db_.fail("%d RXF Error(s). First Error: %s", count, text);
+  return db_.failAs(code == 0 ? ZTB_ERROR_IO : ztbErrorKindOfRxf(code),
+                    "%d RXF Error(s). First Error: %s", count, text);
 }
 
 int ZTB::WriteRXF(const std::string& fileName, int noDomainCheck) {

@@ -43,7 +43,8 @@ class RxfWriter {
   void recordDomainNames(const AbstractZTBSymbol& symbol, int position);
   int writeRecords(AbstractZTBSymbol& symbol);
   [[nodiscard]] double textNumberInFile(double level) const;
-  int failPeerErrors();
+  // The failure by the errors of the peer, which told how many they were.
+  int failPeerErrors(int told);
 
   ZTB& db_;
   bool checkDomains_;

@@ -143,7 +143,11 @@ class AbstractZTBSymbol {
   std::vector<std::string> domainNames;
   // Why the records could not be read from their file, as every use of them says, until they are
   // given up; null otherwise. The symbol is then loaded and empty.
-  std::unique_ptr<std::string> unreadable;
+  struct Unreadable {
+    std::string text;
+    int kind = 0;
+  };
+  std::unique_ptr<Unreadable> unreadable;
   unsigned timesEmptied = 0;  // how often all records went at once, by which handles tell that
 
  protected:

@@ -46,18 +46,19 @@ RankTables::RankTables(void* const* domains, int count, const ZTB& db)
 bool checkDomain(ZTB& db, const AbstractZTBSymbol& symbol, AbstractZTBSymbol* domain) {
   const char* name = symbol.name.c_str();
   if (domain == nullptr) {
-    return db.fail("No domain symbol handle specified for symbol %s", name) == success;
+    return db.failAs(ZTB_ERROR_DOMAIN, "No domain symbol handle specified for symbol %s", name) ==
+           success;
   }
   if (domain->name == "*") {
-    return db.fail("Cannot use universe as domain symbol %s", name) == success;
+    return db.failAs(ZTB_ERROR_DOMAIN, "Cannot use universe as domain symbol %s", name) == success;
   }
   if (domain->database != symbol.database) {
-    return db.fail("Symbol %s and domain symbol %s in different databases", name,
-                   domain->name.c_str()) == success;
+    return db.failAs(ZTB_ERROR_DOMAIN, "Symbol %s and domain symbol %s in different databases",
+                     name, domain->name.c_str()) == success;
   }
   if (domain->dim != 1) {
-    return db.fail("Domain symbol %s has dimension %d, needs to be 1", domain->name.c_str(),
-                   domain->dim) == success;
+    return db.failAs(ZTB_ERROR_DOMAIN, "Domain symbol %s has dimension %d, needs to be 1",
+                     domain->name.c_str(), domain->dim) == success;
   }
   return db.ensureLoaded(*domain);
 }
@@ -66,8 +67,9 @@ bool checkCard(ZTB& db, const AbstractZTBSymbol& domain, int position, int cells
   if (domain.recordCount() == cells) {
     return true;
   }
-  return db.fail("Cube dimension %d is %d while card(%s) is %zd.", position + 1, cells,
-                 domain.name.c_str(), static_cast<ssize_t>(domain.recordCount())) == success;
+  return db.failAs(ZTB_ERROR_DOMAIN, "Cube dimension %d is %d while card(%s) is %zd.", position + 1,
+                   cells, domain.name.c_str(),
+                   static_cast<ssize_t>(domain.recordCount())) == success;
 }
 
 std::int64_t cellCount(const int* vDim, int dim) {

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <string>
 #include <string_view>
+#include <ztb/cpp20.hpp>
 
 namespace ztb::inline client {
 

@@ -11,6 +11,7 @@
 #include <string_view>
 #include <vector>
 #include <ztb/case_folding.hpp>
+#include <ztb/cpp20.hpp>
 #include <ztb/symbol.hpp>
 
 namespace ztb::inline client {

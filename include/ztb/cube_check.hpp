@@ -11,6 +11,7 @@
 #include <span>
 #include <string>
 #include <vector>
+#include <ztb/cpp20.hpp>
 #include <ztb/error.hpp>
 #include <ztb/store_guard.hpp>
 
@@ -45,15 +46,20 @@ inline int cellCount(const SymbolPlace& place, const char* operation, std::size_
 inline void requireDomain(const SymbolPlace& place, const char* operation,
                           const SymbolPlace& domain) {
   if (domain.info(ZTB_SYMBOL_INFO_NUMBER) == -1 && domain.name() == "*") {
-    throw Error(operation, "Cannot use universe as domain symbol " + place.name());
+    throw Error(operation, "Cannot use universe as domain symbol " + place.name(),
+                ErrorKind::domain);
   }
   if (domain.database != place.database) {
-    throw Error(operation, "Symbol " + place.name() + " and domain symbol " + domain.name() +
-                               " in different databases");
+    throw Error(operation,
+                "Symbol " + place.name() + " and domain symbol " + domain.name() +
+                    " in different databases",
+                ErrorKind::domain);
   }
   if (domain.dimension != 1) {
-    throw Error(operation, "Domain symbol " + domain.name() + " has dimension " +
-                               std::to_string(domain.dimension) + ", needs to be 1");
+    throw Error(operation,
+                "Domain symbol " + domain.name() + " has dimension " +
+                    std::to_string(domain.dimension) + ", needs to be 1",
+                ErrorKind::domain);
   }
 }
 

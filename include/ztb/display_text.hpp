@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <string>
 #include <string_view>
+#include <ztb/cpp20.hpp>
 
 namespace ztb::inline client {
 

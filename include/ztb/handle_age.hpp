@@ -10,6 +10,7 @@
 #include <mutex>
 #include <string>
 #include <unordered_map>
+#include <ztb/cpp20.hpp>
 #include <ztb/error.hpp>
 #include <ztb/store_guard.hpp>
 

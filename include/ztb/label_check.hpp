@@ -13,6 +13,7 @@
 #include <array>
 #include <cstddef>
 #include <span>
+#include <ztb/cpp20.hpp>
 #include <ztb/error.hpp>
 
 namespace ztb::inline client::detail {

@@ -6,6 +6,7 @@
 
 #include <ztb/rxf.h>
 
+#include <ztb/cpp20.hpp>
 #include <ztb/error.hpp>
 
 namespace ztb::inline client {
@@ -34,7 +35,8 @@ class MemoryLimitScope {
     if (ztbRxfMemoryLimitTaken() == 0) {
       throw Error("ztbRxfMemoryLimit",
                   "No memory limit can be set: databases use another exchange-file library than "
-                  "the one that this program is linked with");
+                  "the one that this program is linked with",
+                  ErrorKind::noLibrary);
     }
   }
 

@@ -17,6 +17,8 @@
 #ifndef ZTB_MODEL_H_
 #define ZTB_MODEL_H_
 
+#include <ztb/errors.h>
+
 #ifdef __cplusplus
 extern "C" {
 #endif
@@ -69,6 +71,10 @@ enum {
  * .mps may be followed by .gz. A refusal names file and line. */
 int ztbModelOpen(ztbModel** model, const char* file, const char* dataFile, char* message,
                  int messageSize);
+
+/* The kind of the latest failure of a function here in the calling thread, a ZTB_ERROR_ code of
+ * ztb/errors.h; ZTB_ERROR_NONE before the first. A success does not clear it. */
+int ztbModelErrorKind(void);
 
 /* Makes an empty model: no columns, and row 0, the objective, named "objective", minimized. */
 int ztbModelCreate(ztbModel** model, char* message, int messageSize);

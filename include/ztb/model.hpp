@@ -20,6 +20,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <ztb/cpp20.hpp>
 #include <ztb/ztb.hpp>
 
 namespace ztb::inline client {
@@ -33,7 +34,7 @@ class Model {
     require(ztbModelCreate(&handle_, message.data(), kMessageSize), "ztbModelCreate", message);
   }
   // A model file (.lp, .mps, .mps.gz, .mod with or without a data file).
-  [[nodiscard]] static Model open(ZString file, ZString dataFile = "") {
+  [[nodiscard]] static Model open(const ZString& file, const ZString& dataFile = "") {
     Message message{};
     ztbModel* handle = nullptr;
     require(ztbModelOpen(&handle, file.c_str(), dataFile.c_str(), message.data(), kMessageSize),
@@ -49,16 +50,16 @@ class Model {
   Model& operator=(const Model&) = delete;
   ~Model() { ztbModelFree(&handle_); }
 
-  void setObjective(ZString name, bool maximize = false, double constant = 0) {
+  void setObjective(const ZString& name, bool maximize = false, double constant = 0) {
     check(ztbModelSetObjective(handle_, name.c_str(), maximize ? 1 : 0, constant),
           "ztbModelSetObjective");
   }
-  int addColumn(ZString name, double lower, double upper, int kind = ztbColumnContinuous) {
+  int addColumn(const ZString& name, double lower, double upper, int kind = ztbColumnContinuous) {
     const int number = ztbModelAddColumn(handle_, name.c_str(), kind, lower, upper);
     check(number >= 0, "ztbModelAddColumn");
     return number;
   }
-  int addRow(ZString name, int type, double rhs, double range = 0) {
+  int addRow(const ZString& name, int type, double rhs, double range = 0) {
     const int number = ztbModelAddRow(handle_, name.c_str(), type, rhs, range);
     check(number >= 0, "ztbModelAddRow");
     return number;
@@ -70,7 +71,7 @@ class Model {
     check(ztbModelAddProduct(handle_, row, column1, column2, value), "ztbModelAddProduct");
   }
 
-  void setOption(ZString name, ZString value) {
+  void setOption(const ZString& name, const ZString& value) {
     check(ztbModelSetOption(handle_, name.c_str(), value.c_str()), "ztbModelSetOption");
   }
 
@@ -114,11 +115,12 @@ class Model {
   using Message = std::array<char, kMessageSize>;
 
   explicit Model(ztbModel* handle) noexcept : handle_(handle) {}
+  static ErrorKind latestKind() noexcept { return static_cast<ErrorKind>(ztbModelErrorKind()); }
   static void require(int result, const char* operation, const Message& message) {
-    if (result == 0) throw Error(operation, message.data());
+    if (result == 0) throw Error(operation, message.data(), latestKind());
   }
   void check(int result, const char* operation) const {
-    if (result == 0) throw Error(operation, ztbModelMessage(handle_));
+    if (result == 0) throw Error(operation, ztbModelMessage(handle_), latestKind());
   }
 
   ztbModel* handle_ = nullptr;
@@ -154,10 +156,12 @@ class ModelTie {
   // Solves and gives the processor time that the solver took, in seconds. A solver that finds no
   // solution has solved: Model::status tells. Symbols of the model have the new solution
   // afterwards.
-  double solve(ZString solver) {
+  double solve(const ZString& solver) {
     double seconds = 0;
     if (c__ztbcallsolvertimed(database_->handle(), solver.c_str(), &seconds) == 0) {
-      fail("ztbCallSolverTimed", hidesReason() ? model_->message() : "");
+      // Of a solver that failed the model knows more than the database.
+      const bool bySolver = database_->lastErrorKind() == ErrorKind::solver;
+      fail("ztbCallSolverTimed", bySolver ? model_->message() : "");
     }
     return seconds;
   }
@@ -173,16 +177,15 @@ class ModelTie {
     ztbCatalogueCheck(file.c_str(), reason.data(), static_cast<int>(reason.size()));
     fail("ztbInitUpdate", reason.data());
   }
-  // Whether the library only tells that the solver, or the model library, failed.
-  [[nodiscard]] bool hidesReason() const {
-    const std::string text = database_->lastError().str();
-    return text == "callsolver failed" || text == "readyapi failed";
-  }
   // The library's text, with `more` behind it where that says more.
   [[noreturn]] void fail(const char* operation, const std::string& more) const {
     std::string text = database_->lastError().str();
-    if (!more.empty() && more != text) text += ": " + more;
-    throw Error(operation, text);
+    if (more.starts_with(text)) {
+      text = more;
+    } else if (!more.empty()) {
+      text += ": " + more;
+    }
+    throw Error(operation, text, database_->lastErrorKind());
   }
 
   Database* database_;

@@ -6,11 +6,13 @@
 
 #include <cstddef>
 #include <utility>
+#include <ztb/cpp20.hpp>
 #include <ztb/error.hpp>
 #include <ztb/handle_age.hpp>
 #include <ztb/store_guard.hpp>
 #include <ztb/store_removal.hpp>
 #include <ztb/text.hpp>
+#include <ztb/z_string.hpp>
 
 namespace ztb::inline client {
 
@@ -114,7 +116,7 @@ class Record {
     return text;
   }
   // Gives a set record a text of at most ZTB_MAX_TEXT_LENGTH chars; an empty one takes it away.
-  void setText(ZString text) {
+  void setText(const ZString& text) {
     require(c__ztbsetelemtext(place_.database, current("ztbSetElemText"), text.c_str()),
             "ztbSetElemText");
   }

@@ -65,6 +65,10 @@ typedef struct ztbRxfSymbolInfo {
  * opened when another is published under its name. */
 int ztbRxfOpen(ztbRxfFile** file, const char* path, char* message, int messageSize);
 
+/* The kind of the latest failure of a function here in the calling thread, a ZTB_ERROR_ code of
+ * ztb/errors.h; ZTB_ERROR_NONE before the first. A success does not clear it. */
+int ztbRxfErrorKind(void);
+
 /* Closes the file and sets *file to null. Records that are being read can be read on. */
 void ztbRxfClose(ztbRxfFile** file);
 

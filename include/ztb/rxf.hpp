@@ -28,17 +28,28 @@
 #include <string_view>
 #include <utility>
 #include <vector>
+#include <ztb/cpp20.hpp>
 #include <ztb/error.hpp>
+#include <ztb/keys.hpp>
 #include <ztb/symbol.hpp>
-#include <ztb/text.hpp>
+#include <ztb/z_string.hpp>
 
 namespace ztb::inline client {
+
+namespace detail {
+
+// The kind of the latest failure of the functions of ztb/rxf.h in this thread.
+inline ErrorKind rxfErrorKind() noexcept {
+  return static_cast<ErrorKind>(ztbRxfErrorKind());
+}
+
+}  // namespace detail
 
 // Records of a file that cannot be handed out: what() names file, symbol, block and reason.
 class RxfDamage : public Error {
  public:
-  RxfDamage(const std::string& text, int block, unsigned long long offset)
-      : Error("ztbRxfNextBlock", text), block_(block), offset_(offset) {}
+  RxfDamage(const std::string& text, ErrorKind kind, int block, unsigned long long offset)
+      : Error("ztbRxfNextBlock", text, kind), block_(block), offset_(offset) {}
 
   // The number of the block, from 1, and the offset of its head in the file.
   [[nodiscard]] int block() const noexcept { return block_; }
@@ -70,10 +81,10 @@ struct RxfSymbol {
 // An open file.
 class RxfFile {
  public:
-  explicit RxfFile(ZString path) {
+  explicit RxfFile(const ZString& path) {
     std::array<char, messageSize> message{};
     if (ztbRxfOpen(&handle_, path.c_str(), message.data(), messageSize) == 0) {
-      throw Error("ztbRxfOpen", message.data());
+      throw Error("ztbRxfOpen", message.data(), detail::rxfErrorKind());
     }
   }
   RxfFile(RxfFile&& other) noexcept : handle_(std::exchange(other.handle_, nullptr)) {}
@@ -96,7 +107,7 @@ class RxfFile {
     return existing(ztbRxfLabel(handle_, number), "ztbRxfLabel", "label", number);
   }
   // The case of ASCII letters does not matter, here and for names.
-  [[nodiscard]] std::optional<int> findLabel(ZString label) const {
+  [[nodiscard]] std::optional<int> findLabel(const ZString& label) const {
     const int number = ztbRxfFindLabel(handle_, label.c_str());
     return number == 0 ? std::nullopt : std::optional(number);
   }
@@ -112,7 +123,8 @@ class RxfFile {
   [[nodiscard]] RxfSymbol symbol(int number) const {
     ztbRxfSymbolInfo info;
     if (ztbRxfSymbol(handle_, number, &info) == 0) {
-      throw Error("ztbRxfSymbol", "No symbol has the number " + std::to_string(number));
+      throw Error("ztbRxfSymbol", "No symbol has the number " + std::to_string(number),
+                  ErrorKind::notFound);
     }
     RxfSymbol symbol{number,
                      info.name,
@@ -130,13 +142,15 @@ class RxfFile {
     }
     return symbol;
   }
-  [[nodiscard]] std::optional<RxfSymbol> findSymbol(ZString name) const {
+  [[nodiscard]] std::optional<RxfSymbol> findSymbol(const ZString& name) const {
     const int number = ztbRxfFindSymbol(handle_, name.c_str());
     return number < 0 ? std::nullopt : std::optional(symbol(number));
   }
-  [[nodiscard]] RxfSymbol symbol(ZString name) const {
+  [[nodiscard]] RxfSymbol operator[](const ZString& name) const { return symbol(name); }
+  [[nodiscard]] RxfSymbol symbol(const ZString& name) const {
     if (const std::optional<RxfSymbol> found = findSymbol(name)) return *found;
-    throw Error("ztbRxfFindSymbol", "Cannot find symbol " + std::string(name.c_str()));
+    throw Error("ztbRxfFindSymbol", "Cannot find symbol " + std::string(name.c_str()),
+                ErrorKind::notFound);
   }
   // All, in the order of the file.
   [[nodiscard]] std::vector<RxfSymbol> symbols() const {
@@ -161,7 +175,8 @@ class RxfFile {
                                    int number) {
     if (text == nullptr) {
       throw Error(operation,
-                  std::string("No ") + what + " has the number " + std::to_string(number));
+                  std::string("No ") + what + " has the number " + std::to_string(number),
+                  ErrorKind::notFound);
     }
     return text;
   }
@@ -178,7 +193,7 @@ class RxfRecords {
     std::array<char, RxfFile::messageSize> message{};
     if (ztbRxfRecordsOpen(&handle_, file.handle(), symbol.number, message.data(),
                           RxfFile::messageSize) == 0) {
-      throw Error("ztbRxfRecordsOpen", message.data());
+      throw Error("ztbRxfRecordsOpen", message.data(), detail::rxfErrorKind());
     }
   }
   RxfRecords(RxfRecords&& other) noexcept
@@ -202,7 +217,9 @@ class RxfRecords {
   bool next() {
     const int count = ztbRxfNextBlock(handle_);
     size_ = count < 0 ? 0 : static_cast<std::size_t>(count);
-    if (count < 0) throw RxfDamage(ztbRxfMessage(handle_), blockNumber(), blockOffset());
+    if (count < 0) {
+      throw RxfDamage(ztbRxfMessage(handle_), detail::rxfErrorKind(), blockNumber(), blockOffset());
+    }
     return count > 0;
   }
 
@@ -244,10 +261,10 @@ class RxfRecords {
 // publish(), and when it throws, nothing is published and what was there stays.
 class RxfOutput {
  public:
-  explicit RxfOutput(ZString path, ZString producer = "") {
+  explicit RxfOutput(const ZString& path, const ZString& producer = "") {
     std::array<char, messageSize> message{};
     if (ztbRxfCreate(&handle_, path.c_str(), producer.c_str(), message.data(), messageSize) == 0) {
-      throw Error("ztbRxfCreate", message.data());
+      throw Error("ztbRxfCreate", message.data(), detail::rxfErrorKind());
     }
   }
   RxfOutput(const RxfOutput&) = delete;
@@ -255,11 +272,11 @@ class RxfOutput {
   ~RxfOutput() { ztbRxfDiscard(&handle_); }
 
   // Each of these gives false, and a text the number 0, for what is refused; publish() tells why.
-  bool addLabel(ZString label) { return ztbRxfAddLabel(handle_, label.c_str()) != 0; }
+  bool addLabel(const ZString& label) { return ztbRxfAddLabel(handle_, label.c_str()) != 0; }
   // See ztbRxfAddSymbol; `domains` has a name for each position, and of an alias its set.
-  bool addSymbol(const ztbRxfSymbolInfo& info, const std::vector<std::string>& domains) {
-    std::vector<const char*> names;
-    for (const std::string& domain : domains) names.push_back(domain.c_str());
+  bool addSymbol(const ztbRxfSymbolInfo& info, const Keys& domains) {
+    const detail::KeyLabels given = domains.labels();
+    std::vector<const char*> names(given.begin(), given.end());
     // The names that are missing, and one at least: a scalar's address is handed on all the same.
     constexpr std::size_t most = ZTB_MAX_DIMENSION;
     names.resize(std::max(names.size(), most), nullptr);
@@ -272,12 +289,12 @@ class RxfOutput {
     const int records = count > most ? -1 : static_cast<int>(count);
     return ztbRxfAddRecords(handle_, records, keys.data(), values.data()) != 0;
   }
-  int addText(ZString text) { return ztbRxfAddText(handle_, text.c_str()); }
+  int addText(const ZString& text) { return ztbRxfAddText(handle_, text.c_str()); }
 
   void publish() {
     std::array<char, messageSize> message{};
     if (ztbRxfPublish(&handle_, message.data(), messageSize) == 0) {
-      throw Error("ztbRxfPublish", message.data());
+      throw Error("ztbRxfPublish", message.data(), detail::rxfErrorKind());
     }
   }
 

@@ -18,10 +18,12 @@
 #include <array>
 #include <cstddef>
 #include <cstring>
+#include <optional>
 #include <span>
 #include <string>
 #include <utility>
 #include <vector>
+#include <ztb/cpp20.hpp>
 #include <ztb/error.hpp>
 #include <ztb/label_check.hpp>
 #include <ztb/text.hpp>
@@ -126,20 +128,18 @@ inline OwnedRecord lastRecord(const SymbolPlace& place) {
   return {place.database, record};
 }
 
-// The answer of a question or step; a failure, which the library tells by its text alone, throws.
+// The answer of a question or step; a failure, which the library tells by its kind alone, throws.
 template <class Ask>
 bool answer(ztbRec* database, const char* operation, Ask&& ask) {
   const auto failed = [&] {
-    Text text;
-    c__ztbgetlasterror(database, text.buffer());
-    return text.view().starts_with("Unexpected exception in ") ||
-           text.view().starts_with("Out of memory in ");
+    const ErrorKind kind = kindOf(database);
+    return kind == ErrorKind::internal || kind == ErrorKind::outOfMemory;
   };
   if (ask()) {
     return true;
   }
   if (failed()) {
-    // The text may be that of an older failure: ask again with one of our own there.
+    // The kind may be that of an older failure: ask again with one of our own there.
     int none = 0;
     c__ztbinfo(database, -1, &none, nullptr, nullptr);
     if (ask()) {
@@ -363,7 +363,8 @@ inline OwnedRecord makeRecord(const SymbolPlace& place, const char* operation, K
   if (found) {
     if (present == Present::refused) {
       throw Error(operation,
-                  "Record " + keyText(labels) + " exists already for symbol " + place.name());
+                  "Record " + keyText(labels) + " exists already for symbol " + place.name(),
+                  ErrorKind::exists);
     }
     return found;
   }
@@ -390,6 +391,25 @@ inline bool isStorable(const SymbolPlace& place, std::span<const int> numbers,
   const bool fits = content.text == nullptr || std::strlen(content.text) <= ZTB_MAX_TEXT_LENGTH;
   return labels && fits && (place.type == ZTB_SET) == (content.values == nullptr);
 }
+
+// Gives a variable or equation a subtype that has default values while it lives: records are stored
+// with these before their own values follow.
+class AnySubtype {
+ public:
+  explicit AnySubtype(const SymbolPlace& place)
+      : place_(place), subtype_(place.info(ZTB_SYMBOL_INFO_USER_INFO)) {
+    set(0);
+  }
+  AnySubtype(const AnySubtype&) = delete;
+  AnySubtype& operator=(const AnySubtype&) = delete;
+  ~AnySubtype() { set(subtype_); }
+
+ private:
+  void set(int subtype) { c__ztbsetuserinfo(place_.database, place_.handle, subtype); }
+
+  const SymbolPlace& place_;
+  int subtype_;
+};
 
 // Adds or overwrites a record by label numbers; without content, one that exists stays as it is.
 // Not for the tree map, whose own calls do this.
@@ -425,6 +445,10 @@ inline void putRecord(const SymbolPlace& place, const char* operation, std::span
   } else {
     // Given with its content, a key behind the only row of a vector would overwrite that row, and
     // one that a trie does not hold another record.
+    std::optional<AnySubtype> subtype;
+    if (!content.empty()) {
+      subtype.emplace(place);
+    }
     const OwnedRecord record = storeDirectly(place, numbers, {}, true);
     writeContent(place, record.get(), content);
   }

@@ -13,6 +13,7 @@
 #include <cstddef>
 #include <span>
 #include <vector>
+#include <ztb/cpp20.hpp>
 #include <ztb/error.hpp>
 #include <ztb/store_guard.hpp>
 
@@ -34,25 +35,6 @@ class PlainSpecialValues {
  private:
   ztbRec* database_;
   std::array<double, ZTB_SPECIAL_VALUE_COUNT> user_{};
-};
-
-// Gives a variable or equation a subtype that has default values while it lives: records are stored
-// with these before their own values follow.
-class AnySubtype {
- public:
-  explicit AnySubtype(const SymbolPlace& place)
-      : place_(place), subtype_(place.info(ZTB_SYMBOL_INFO_USER_INFO)) {
-    set(0);
-  }
-  AnySubtype(const AnySubtype&) = delete;
-  AnySubtype& operator=(const AnySubtype&) = delete;
-  ~AnySubtype() { set(subtype_); }
-
- private:
-  void set(int subtype) { c__ztbsetuserinfo(place_.database, place_.handle, subtype); }
-
-  const SymbolPlace& place_;
-  int subtype_;
 };
 
 // Calls visit with a handle on each record, in order. The symbol must not change meanwhile.

@@ -12,16 +12,20 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <utility>
 #include <vector>
+#include <ztb/cpp20.hpp>
 #include <ztb/cube_check.hpp>
 #include <ztb/error.hpp>
 #include <ztb/handle_age.hpp>
+#include <ztb/keys.hpp>
 #include <ztb/label_check.hpp>
 #include <ztb/record.hpp>
 #include <ztb/store_guard.hpp>
 #include <ztb/store_removal.hpp>
 #include <ztb/text.hpp>
 #include <ztb/walk.hpp>
+#include <ztb/z_string.hpp>
 
 namespace ztb::inline client {
 
@@ -39,12 +43,6 @@ enum class Store {
   vector = ZTB_STORAGE_VECTOR,  // least memory; takes new records behind all others only
   trie = ZTB_STORAGE_TRIE       // shared keys; records are added by a lookup in long lists
 };
-
-// Any label, as one of the keys of a slice.
-inline constexpr const char* anyLabel = " ";
-
-// The keys of a record or slice: one label for each position.
-using Keys = std::span<const char* const>;
 
 struct Domain;
 
@@ -111,38 +109,41 @@ class Symbol {
   [[nodiscard]] Records records() const { return Records(first()); }
   [[nodiscard]] Rows rows() const { return {first(), keyCount(), rowValueCount()}; }
 
-  // Walks over a slice: a label or anyLabel for each position. Labels that the database does not
-  // have match nothing, blank ones among them. The records of the whole symbol behind the first
-  // match are looked at.
-  [[nodiscard]] Records slice(Keys keys) const { return Records(firstOf(keys)); }
-  [[nodiscard]] Rows sliceRows(Keys keys) const {
-    return {firstOf(keys), keyCount(), rowValueCount()};
+  // Walks over a slice: a label or anyLabel for each position, as arguments or, where their number
+  // is known at run time only, as a range (see Keys). Labels that the database does not have match
+  // nothing, blank ones among them. The records of the whole symbol behind the first match are
+  // looked at.
+  [[nodiscard]] Records slice(const Keys& keys) const { return Records(firstOf(keys.labels())); }
+  [[nodiscard]] Rows sliceRows(const Keys& keys) const {
+    return {firstOf(keys.labels()), keyCount(), rowValueCount()};
   }
   template <class... Labels>
   requires(std::convertible_to<const Labels&, ZString>&&...) [[nodiscard]] Records
       slice(const Labels&... labels) const {
-    return slice(Keys(KeyArray<sizeof...(Labels)>(labels...)));
+    return Records(firstOf(detail::KeyArguments<sizeof...(Labels)>(labels...)));
   }
   template <class... Labels>
   requires(std::convertible_to<const Labels&, ZString>&&...) [[nodiscard]] Rows
       sliceRows(const Labels&... labels) const {
-    return sliceRows(Keys(KeyArray<sizeof...(Labels)>(labels...)));
+    return {firstOf(detail::KeyArguments<sizeof...(Labels)>(labels...)), keyCount(),
+            rowValueCount()};
   }
 
   // The record with these labels, or nothing. No label is added; a blank one is never found.
-  [[nodiscard]] std::optional<Record> find(Keys keys) const {
-    checkCount(keys.size(), "ztbFindRecord");
-    detail::OwnedRecord found = detail::findRecord(place_, keys);
-    if (!found) {
-      return std::nullopt;
-    }
-    return own(found.release());
-  }
+  [[nodiscard]] std::optional<Record> find(const Keys& keys) const { return lookUp(keys.labels()); }
   template <class... Labels>
   requires(std::convertible_to<const Labels&, ZString>&&...)
       [[nodiscard]] std::optional<Record> find(const Labels&... labels) const {
-    return find(Keys(KeyArray<sizeof...(Labels)>(labels...)));
+    return lookUp(detail::KeyArguments<sizeof...(Labels)>(labels...));
   }
+
+  // The record with this label, or with these labels: price["Milk"], holds[{"Milk", "iron"}].
+  // Throws Error of kind notFound if there is none; nothing is added.
+  template <std::convertible_to<ZString> Label>
+  [[nodiscard]] Record operator[](const Label& label) const {
+    return existing(detail::KeyArguments<1>(label));
+  }
+  [[nodiscard]] Record operator[](const Keys& keys) const { return existing(keys.labels()); }
 
   // Adds a record with the type's default values, and its labels where they are new. add throws
   // when the record exists, merge finds it with its values. Throws, with no label added, for a
@@ -150,15 +151,21 @@ class Symbol {
   // character or both kinds of quotes; for an alias; for a variable or equation whose subtype
   // has no default values. The vector takes records that come behind all others and
   // throws for those between.
-  Record add(Keys keys) { return make("ztbAddRecord", keys, detail::Present::refused); }
-  Record merge(Keys keys) { return make("ztbMergeRecord", keys, detail::Present::found); }
+  Record add(const Keys& keys) {
+    return make("ztbAddRecord", keys.labels(), detail::Present::refused);
+  }
+  Record merge(const Keys& keys) {
+    return make("ztbMergeRecord", keys.labels(), detail::Present::found);
+  }
   template <class... Labels>
   requires(std::convertible_to<const Labels&, ZString>&&...) Record add(const Labels&... labels) {
-    return add(Keys(KeyArray<sizeof...(Labels)>(labels...)));
+    return make("ztbAddRecord", detail::KeyArguments<sizeof...(Labels)>(labels...),
+                detail::Present::refused);
   }
   template <class... Labels>
   requires(std::convertible_to<const Labels&, ZString>&&...) Record merge(const Labels&... labels) {
-    return merge(Keys(KeyArray<sizeof...(Labels)>(labels...)));
+    return make("ztbMergeRecord", detail::KeyArguments<sizeof...(Labels)>(labels...),
+                detail::Present::found);
   }
 
   // Adds or overwrites a record of a parameter, variable or equation by label numbers, without a
@@ -179,26 +186,19 @@ class Symbol {
 
   // Adds or overwrites a record of a set by label numbers, with a text of at most
   // ZTB_MAX_TEXT_LENGTH chars, or null for none (a record that exists then keeps its text).
-  void putElement(std::span<const int> numbers, const char* text) { putElement(numbers, text, 1); }
-  void putElementUnchecked(std::span<const int> numbers, const char* text) {
-    putElement(numbers, text, 0);
+  void putElement(std::span<const int> numbers, const ZString& text) {
+    putElement(numbers, text.c_str(), 1);
+  }
+  void putElementUnchecked(std::span<const int> numbers, const ZString& text) {
+    putElement(numbers, text.c_str(), 0);
   }
 
   // Removes the record with these labels; false if there is none. On the vector and the trie store
   // this takes time for each record of the symbol, and handles on the symbol throw from then on.
-  bool remove(Keys keys) {
-    checkCount(keys.size(), "ztbDeleteRecord");
-    detail::OwnedRecord found = detail::findRecord(place_, keys);
-    if (!found) {
-      return false;
-    }
-    endHandles();
-    detail::removeRecord(place_, found.get());
-    return true;
-  }
+  bool remove(const Keys& keys) { return removeOn(keys.labels()); }
   template <class... Labels>
   requires(std::convertible_to<const Labels&, ZString>&&...) bool remove(const Labels&... labels) {
-    return remove(Keys(KeyArray<sizeof...(Labels)>(labels...)));
+    return removeOn(detail::KeyArguments<sizeof...(Labels)>(labels...));
   }
 
   // Removes all records for which chosen(Row) is true, in one pass, and tells how many they were.
@@ -262,16 +262,6 @@ class Symbol {
  private:
   friend class Record;
 
-  // The labels of a call as an array of pointers; a scalar's has one unused place.
-  template <std::size_t count>
-  struct KeyArray {
-    template <class... Labels>
-    explicit KeyArray(const Labels&... labels) noexcept
-        : pointers{static_cast<ZString>(labels).c_str()...} {}
-    operator Keys() const noexcept { return {pointers.data(), count}; }
-    std::array<const char*, std::max<std::size_t>(count, 1)> pointers;
-  };
-
   [[nodiscard]] std::size_t keyCount() const noexcept { return place_.positions(); }
   // The walk over the universe fills no values.
   [[nodiscard]] std::size_t rowValueCount() const {
@@ -310,7 +300,7 @@ class Symbol {
   [[nodiscard]] Record first() const {
     return own(recordCount() > 0 ? detail::firstRecord(place_).release() : nullptr);
   }
-  [[nodiscard]] Record firstOf(Keys keys) const {
+  [[nodiscard]] Record firstOf(detail::KeyLabels keys) const {
     constexpr const char* operation = "ztbFindFirstRecordSlice";
     checkCount(keys.size(), operation);
     void* record = nullptr;
@@ -324,7 +314,33 @@ class Symbol {
     return own(record, Standing::inSlice);
   }
 
-  Record make(const char* operation, Keys keys, detail::Present present) {
+  [[nodiscard]] std::optional<Record> lookUp(detail::KeyLabels keys) const {
+    checkCount(keys.size(), "ztbFindRecord");
+    detail::OwnedRecord found = detail::findRecord(place_, keys);
+    if (!found) {
+      return std::nullopt;
+    }
+    return own(found.release());
+  }
+  [[nodiscard]] Record existing(detail::KeyLabels keys) const {
+    if (std::optional<Record> found = lookUp(keys)) [[likely]] {
+      return std::move(*found);
+    }
+    throw Error("ztbFindRecord",
+                "Cannot find record " + detail::keyText(keys) + " in Symbol " + place_.name(),
+                ErrorKind::notFound);
+  }
+  bool removeOn(detail::KeyLabels keys) {
+    checkCount(keys.size(), "ztbDeleteRecord");
+    detail::OwnedRecord found = detail::findRecord(place_, keys);
+    if (!found) {
+      return false;
+    }
+    endHandles();
+    detail::removeRecord(place_, found.get());
+    return true;
+  }
+  Record make(const char* operation, detail::KeyLabels keys, detail::Present present) {
     checkCount(keys.size(), operation);
     return own(detail::makeRecord(place_, operation, keys, present).release());
   }

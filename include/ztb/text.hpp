@@ -1,4 +1,4 @@
-// Strings across the ZTB interface: arguments without a copy, results without an allocation.
+// Texts that the library hands out, without an allocation.
 #ifndef ZTB_TEXT_HPP_
 #define ZTB_TEXT_HPP_
 
@@ -9,23 +9,9 @@
 #include <ostream>
 #include <string>
 #include <string_view>
+#include <ztb/cpp20.hpp>
 
 namespace ztb::inline client {
-
-// A zero-terminated string given to the library; made from a literal, a char pointer or a
-// std::string, and valid as long as that. A std::string_view is refused, since it need not end
-// in a zero.
-class ZString {
- public:
-  ZString(const char* text) noexcept : text_(text) {}
-  ZString(const std::string& text) noexcept : text_(text.c_str()) {}
-  ZString(std::string_view) = delete;
-
-  [[nodiscard]] const char* c_str() const noexcept { return text_; }
-
- private:
-  const char* text_;
-};
 
 // A name, label or explanatory text that the library handed out, held in place: no allocation.
 class Text {
@@ -37,7 +23,6 @@ class Text {
   [[nodiscard]] bool empty() const noexcept { return chars_[0] == '\0'; }
   [[nodiscard]] std::string str() const { return std::string(view()); }
   operator std::string_view() const noexcept { return view(); }
-  operator ZString() const noexcept { return {chars_.data()}; }
 
   // Where the library writes: ZTB_TEXT_BUFFER_SIZE chars.
   [[nodiscard]] char* buffer() noexcept { return chars_.data(); }

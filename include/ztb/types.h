@@ -2,12 +2,17 @@
 #ifndef ZTB_TYPES_H_
 #define ZTB_TYPES_H_
 
+#include <ztb/errors.h>
+
 #ifdef __cplusplus
 extern "C" {
 #endif
 
-/* A database. Only pointers to it cross the interface. */
-typedef struct ztbRec ztbRec;
+/* The front of a database; the rest is the library's own, so that only pointers to it cross the
+ * interface. To be read only. */
+typedef struct ztbRec {
+  int errorKind; /* of the latest failure, as ztbErrorKind tells it */
+} ztbRec;
 
 /* What a host engine offers to a database that is attached to it. Names and texts have a length
  * byte in front and no terminator; userMem is the host's own word. All but the log return 0 for

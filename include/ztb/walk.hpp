@@ -9,6 +9,7 @@
 #include <iterator>
 #include <span>
 #include <utility>
+#include <ztb/cpp20.hpp>
 #include <ztb/record.hpp>
 
 namespace ztb::inline client {

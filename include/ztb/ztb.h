@@ -102,6 +102,12 @@ int c__xcheck(const char* name, int argCount, const int* codes, char* msg);
 /* Copies the text of the latest failure, at most 255 chars. 1 if there is one. */
 int c__ztbgetlasterror(ztbRec* ztb, char* msg);
 
+/* The kind of the latest failure, a ZTB_ERROR_ code of ztb/errors.h; ZTB_ERROR_NONE before the
+ * first. A success does not clear it. */
+static inline int ztbErrorKind(const ztbRec* ztb) {
+  return ztb->errorKind;
+}
+
 /* Trace level of the whole process: above 0 every operation prints its name to standard
  * output; 2 adds the progress of loading. */
 int c__ztbsetdebug(ztbRec* ztb, int level);

@@ -1,14 +1,15 @@
 // C++20 wrapper of libztbcclib64.so: header only, on the exported c__ names alone.
 //
 //   ztb::Database diet = ztb::Database::open("diet.rxf");
-//   ztb::Symbol price = diet.symbol("price");
+//   ztb::Symbol price = diet["price"];
 //   for (ztb::Record& record : price.records()) {
 //     std::cout << record.key(0) << ' ' << record.level() << '\n';
 //   }
 //   price.merge("Milk").setLevel(11);
 //   diet.write("diet.rxf");
 //
-// A failed operation throws ztb::Error with the library's text; "not found" is an empty optional.
+// A failed operation throws ztb::Error with the library's text and a kind; "not found" is an empty
+// optional, but for [], which throws. Names, labels and texts may be std::string_view.
 // Nothing is cached and nothing allocated per record: a member costs its calls of the library.
 // A Symbol is a plain value that refers to its Database, a Record owns its handle; both end before
 // the Database does. A database is used by one thread at a time, for reading too; two databases may
@@ -19,6 +20,7 @@
 #include <ztb/ztb.h>
 
 #include <array>
+#include <concepts>
 #include <cstddef>
 #include <initializer_list>
 #include <optional>
@@ -26,12 +28,15 @@
 #include <string>
 #include <utility>
 #include <vector>
+#include <ztb/cpp20.hpp>
 #include <ztb/error.hpp>
 #include <ztb/label_check.hpp>
 #include <ztb/memory_limit.hpp>
 #include <ztb/record.hpp>
 #include <ztb/symbol.hpp>
+#include <ztb/symbols.hpp>
 #include <ztb/text.hpp>
+#include <ztb/z_string.hpp>
 
 namespace ztb::inline client {
 
@@ -42,17 +47,16 @@ using SpecialValues = std::array<double, ZTB_SPECIAL_VALUE_COUNT>;
 // or a name ("*" for the universe) that is kept as such.
 class DomainArgument {
  public:
-  DomainArgument(const Symbol& set) noexcept : handle_(set.handle()) {}
-  DomainArgument(ZString name) noexcept : name_(name.c_str()) {}
-  DomainArgument(const char* name) noexcept : name_(name) {}
-  DomainArgument(const std::string& name) noexcept : name_(name.c_str()) {}
+  DomainArgument(const Symbol& set) : handle_(set.handle()) {}
+  template <std::convertible_to<ZString> Name>
+  DomainArgument(const Name& name) : name_(ZString(name).c_str()) {}
 
   [[nodiscard]] void* handle() const noexcept { return handle_; }
-  [[nodiscard]] const char* name() const noexcept { return name_; }
+  [[nodiscard]] const char* name() const noexcept { return name_.c_str(); }
 
  private:
   void* handle_ = nullptr;
-  const char* name_ = "*";
+  std::string name_ = "*";
 };
 
 using DomainArguments = std::span<const DomainArgument>;
@@ -66,14 +70,14 @@ class Database {
   Database() {
     std::array<char, ZTB_TEXT_BUFFER_SIZE> message{};
     if (ztbcreate(&handle_, message.data(), static_cast<int>(message.size())) == 0) {
-      throw Error("ztbCreate", message.data());
+      throw Error("ztbCreate", message.data(), ErrorKind::outOfMemory);
     }
   }
-  explicit Database(ZString systemDirectory) {
+  explicit Database(const ZString& systemDirectory) {
     std::array<char, ZTB_TEXT_BUFFER_SIZE> message{};
     ztbcreated(&handle_, systemDirectory.c_str(), message.data(), static_cast<int>(message.size()));
     if (handle_ == nullptr) {
-      throw Error("ztbCreateD", "Error while creating object");
+      throw Error("ztbCreateD", "Error while creating object", ErrorKind::outOfMemory);
     }
   }
   Database(Database&& other) noexcept : handle_(std::exchange(other.handle_, nullptr)) {}
@@ -87,26 +91,26 @@ class Database {
 
   // The mirror of an RXF file: labels, texts, symbols and domains are read now, the records of each
   // symbol when they are first touched. The file stays open.
-  [[nodiscard]] static Database open(ZString fileName) {
+  [[nodiscard]] static Database open(const ZString& fileName) {
     Database database;
     database.openFile(fileName);
     return database;
   }
   // The same with a limit on memory. Only programs that use this one link librxfcclib64.so.
-  [[nodiscard]] static Database open(ZString fileName, const OpenOptions& options) {
+  [[nodiscard]] static Database open(const ZString& fileName, const OpenOptions& options) {
     Database database;
     database.openFile(fileName, options);
     return database;
   }
   // The same for a database that was just made; after a failure it can only be ended.
-  void openFile(ZString fileName) {
-    if (const Text text = lastError(); text.view().starts_with("RXF create did not succeed")) {
-      throw Error("ztbInitFromRXF", text.str());
+  void openFile(const ZString& fileName) {
+    if (lastErrorKind() == ErrorKind::noLibrary) {
+      detail::fail(handle_, "ztbInitFromRXF");
     }
     detail::require(c__ztbinitfromrxf(handle_, fileName.c_str()), handle_, "ztbInitFromRXF");
   }
   // The limit of the thread is afterwards what it was.
-  void openFile(ZString fileName, const OpenOptions& options) {
+  void openFile(const ZString& fileName, const OpenOptions& options) {
     if (options.maxMemory == 0) {
       openFile(fileName);
       return;
@@ -123,7 +127,7 @@ class Database {
   // checkDomains, records of symbols whose domains are sets are checked against them. On failure
   // the old file stays; only where the folder of the new one could not be brought to the disk,
   // which comes last and is told, the new one stands.
-  void write(ZString fileName, bool checkDomains = false) {
+  void write(const ZString& fileName, bool checkDomains = false) {
     detail::require(c__ztbwriterxf(handle_, fileName.c_str(), checkDomains ? 0 : 1), handle_,
                     "ztbWriteRXF");
   }
@@ -135,12 +139,12 @@ class Database {
   // Number of a label, added if it is new; the only way in for the empty label, which a record does
   // not bring along. Throws for one that is refused: too long, blank, with a control character or
   // both kinds of quotes.
-  int mergeLabel(ZString label) {
+  int mergeLabel(const ZString& label) {
     return detail::mergeLabel(handle_, "ztbMergeUel", label.c_str());
   }
   // Nothing if the database does not have the label; it never has a blank one. Throws for one that
   // no database can hold.
-  [[nodiscard]] std::optional<int> findLabel(ZString label) const {
+  [[nodiscard]] std::optional<int> findLabel(const ZString& label) const {
     const int number = detail::findLabel(handle_, "ztbFindUel", label.c_str());
     return number == detail::newLabel ? std::nullopt : std::optional<int>(number);
   }
@@ -159,46 +163,52 @@ class Database {
                     "ztbGetSymbolByNumber");
     return {handle_, handle};
   }
+  // All of them, to be walked over, as often as wanted:
+  //   for (ztb::Symbol symbol : database.symbols()) { ... symbol.name() ... }
+  // Symbols that are added on the way are met too.
+  [[nodiscard]] Symbols symbols() const noexcept { return Symbols(handle_); }
   [[nodiscard]] Symbol universe() const { return symbolAt(-1); }
   // A symbol by name, case folded; "*" is the universe. An alias is resolved to its set. Throws if
   // there is none.
-  [[nodiscard]] Symbol symbol(ZString name) const {
+  [[nodiscard]] Symbol symbol(const ZString& name) const {
     void* handle = nullptr;
     detail::require(c__ztbfindsymbol(handle_, name.c_str(), &handle), handle_, "ztbFindSymbol");
     return {handle_, handle};
   }
+  [[nodiscard]] Symbol operator[](const ZString& name) const { return symbol(name); }
   // The same, but nothing if there is none.
-  [[nodiscard]] std::optional<Symbol> findSymbol(ZString name) const {
+  [[nodiscard]] std::optional<Symbol> findSymbol(const ZString& name) const {
     return find(c__ztbfindsymbol, name, "ztbFindSymbol");
   }
   // The same; an alias stays the alias.
-  [[nodiscard]] std::optional<Symbol> findSymbolOrAlias(ZString name) const {
+  [[nodiscard]] std::optional<Symbol> findSymbolOrAlias(const ZString& name) const {
     return find(c__ztbfindsymbolwithalias, name, "ztbFindSymbolWithAlias");
   }
 
-  // Adds a symbol with a domain for each position; userInfo is the subtype of a variable (0 to 9)
-  // or equation (0 to 6). Names have 1 to 63 chars, a letter first, then letters, digits,
-  // underscores.
-  Symbol addSymbol(ZString name, Type type, DomainArguments domains, ZString text = "",
-                   int userInfo = 0);
-  Symbol addSet(ZString name, std::initializer_list<DomainArgument> domains, ZString text = "") {
+  // Adds a symbol, which is no alias, with a domain for each position; userInfo is the subtype of a
+  // variable (0 to 9) or equation (0 to 6). Names have 1 to 63 chars, a letter first, then letters,
+  // digits, underscores.
+  Symbol addSymbol(const ZString& name, Type type, DomainArguments domains,
+                   const ZString& text = "", int userInfo = 0);
+  Symbol addSet(const ZString& name, std::initializer_list<DomainArgument> domains,
+                const ZString& text = "") {
     return addSymbol(name, Type::set, domains, text);
   }
-  Symbol addParameter(ZString name, std::initializer_list<DomainArgument> domains,
-                      ZString text = "") {
+  Symbol addParameter(const ZString& name, std::initializer_list<DomainArgument> domains,
+                      const ZString& text = "") {
     return addSymbol(name, Type::parameter, domains, text);
   }
-  Symbol addVariable(ZString name, int subtype, std::initializer_list<DomainArgument> domains,
-                     ZString text = "") {
+  Symbol addVariable(const ZString& name, int subtype,
+                     std::initializer_list<DomainArgument> domains, const ZString& text = "") {
     return addSymbol(name, Type::variable, domains, text, subtype);
   }
-  Symbol addEquation(ZString name, int subtype, std::initializer_list<DomainArgument> domains,
-                     ZString text = "") {
+  Symbol addEquation(const ZString& name, int subtype,
+                     std::initializer_list<DomainArgument> domains, const ZString& text = "") {
     return addSymbol(name, Type::equation, domains, text, subtype);
   }
   // Adds a second name for a set or for the universe, both of this database; for what an alias
   // stands for when one is given. Throws for anything else.
-  Symbol addAlias(ZString name, const Symbol& target, ZString text = "");
+  Symbol addAlias(const ZString& name, const Symbol& target, const ZString& text = "");
 
   // Chooses the store of symbols that are made or opened from now on.
   void selectStore(Store store) {
@@ -238,6 +248,8 @@ class Database {
     return text;
   }
 
+  [[nodiscard]] ErrorKind lastErrorKind() const noexcept { return detail::kindOf(handle_); }
+
   // The handle of the C interface; stays owned by this object.
   [[nodiscard]] ztbRec* handle() const noexcept { return handle_; }
 
@@ -249,7 +261,7 @@ class Database {
     detail::require(c__ztbinfo(handle_, key, &value, nullptr, nullptr), handle_, "ztbInfo");
     return value;
   }
-  [[nodiscard]] std::optional<Symbol> find(Finder finder, ZString name,
+  [[nodiscard]] std::optional<Symbol> find(Finder finder, const ZString& name,
                                            const char* operation) const {
     void* handle = nullptr;
     if (finder(handle_, name.c_str(), &handle) == 0) {
@@ -264,9 +276,18 @@ class Database {
   ztbRec* handle_ = nullptr;
 };
 
-inline Symbol Database::addSymbol(ZString name, Type type, DomainArguments domains, ZString text,
-                                  int userInfo) {
+inline Symbol Database::addSymbol(const ZString& name, Type type, DomainArguments domains,
+                                  const ZString& text, int userInfo) {
   const int dimension = static_cast<int>(domains.size());
+  if (type < Type::set || type > Type::equation) {
+    throw Error(
+        "ztbAddSymbol",
+        type == Type::alias
+            ? "Symbol " + std::string(name.c_str()) +
+                  " cannot be added as an alias without the set it stands for, addAlias does"
+            : "Type " + std::to_string(static_cast<int>(type)) + " of symbol " + name.c_str() +
+                  " is outside [0,3]");
+  }
   void* handle = nullptr;
   if (dimension == 0 || dimension > ZTB_MAX_DIMENSION) {
     detail::require(c__ztbaddsymbol(handle_, name.c_str(), dimension, static_cast<int>(type),
@@ -287,7 +308,7 @@ inline Symbol Database::addSymbol(ZString name, Type type, DomainArguments domai
   return {handle_, handle};
 }
 
-inline Symbol Database::addAlias(ZString name, const Symbol& target, ZString text) {
+inline Symbol Database::addAlias(const ZString& name, const Symbol& target, const ZString& text) {
   constexpr const char* operation = "ztbAddSymbol";
   if (target.database() != handle_) {
     throw Error(operation, "Symbol " + target.name().str() + " belongs to another database");

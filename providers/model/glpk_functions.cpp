@@ -13,7 +13,8 @@ constexpr const char* kLibrary = "libglpk.so.40";
 
 void* find(void* library, const std::string& path, const char* name) {
   void* const found = dlsym(library, name);
-  if (found == nullptr) throw ModelError(path + " is no GLPK: it has no " + name);
+  if (found == nullptr)
+    throw ModelError(path + " is no GLPK: it has no " + name, ZTB_ERROR_NO_LIBRARY);
   return found;
 }
 
@@ -25,7 +26,8 @@ GlpkFunctions GlpkFunctions::open(const std::string& path) {
     throw ModelError(
         "MPS and MathProg files are read by GLPK (package libglpk40), which cannot be "
         "opened: " +
-        std::string(dlerror()));
+            std::string(dlerror()),
+        ZTB_ERROR_NO_LIBRARY);
   }
   GlpkFunctions functions{};
 #define ZTB_GLPK_FIND(name) \

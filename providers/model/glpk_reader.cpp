@@ -107,9 +107,11 @@ class Conversion {
       column.lower = fromFile(glpk().get_col_lb(problem_, j));
       column.upper = fromFile(glpk().get_col_ub(problem_, j));
       if (column.lower == kInfinity || column.upper == -kInfinity) {
-        throw ModelError(file_ + ": variable " + shown(column.name) +
-                         " has an infinite bound that no value satisfies, expected a size below "
-                         "1e30");
+        throw ModelError(
+            file_ + ": variable " + shown(column.name) +
+                " has an infinite bound that no value satisfies, expected a size below "
+                "1e30",
+            ZTB_ERROR_DAMAGED_FILE);
       }
       const double cost = glpk().get_obj_coef(problem_, j);
       if (cost != 0) model_.terms.push_back({0, j - 1, cost});
@@ -124,7 +126,7 @@ class Conversion {
       if (isObjective(i, row.name)) continue;
       if (const char* const wrong = setRowBounds(row, fromFile(glpk().get_row_lb(problem_, i)),
                                                  fromFile(glpk().get_row_ub(problem_, i)))) {
-        throw ModelError(file_ + ": row " + shown(row.name) + " " + wrong);
+        throw ModelError(file_ + ": row " + shown(row.name) + " " + wrong, ZTB_ERROR_DAMAGED_FILE);
       }
       takeTerms(i, static_cast<int>(model_.rows.size()));
       model_.rows.push_back(std::move(row));
@@ -207,7 +209,7 @@ void openGlpk(const std::string& file) {
   try {
     glpk();
   } catch (const ModelError& error) {
-    throw ModelError(file + ": " + error.what());
+    throw ModelError(file + ": " + error.what(), error.kind());
   }
 }
 
@@ -230,7 +232,7 @@ ModelData readMps(const std::string& file) {
   if (refusal.text.ends_with("invalid indicator record")) {
     refusal.text += ", expected ROWS, COLUMNS, RHS, RANGES, BOUNDS or ENDATA";
   }
-  throw ModelError(refusal.text);
+  throw ModelError(refusal.text, ZTB_ERROR_DAMAGED_FILE);
 }
 
 ModelData readMathProg(const std::string& file, const std::string& dataFile) {
@@ -241,7 +243,7 @@ ModelData readMathProg(const std::string& file, const std::string& dataFile) {
   GlpkSession::run(kMathProgStack, [&](GlpkSession& session) {
     MathProgStep step{file.c_str(), dataFile.empty() ? nullptr : dataFile.c_str(), nullptr, false};
     if (!session.guarded(runMathProgStep, &step) || !step.generated) {
-      throw ModelError(refusalOf(session.messages(), file, dataFile).text);
+      throw ModelError(refusalOf(session.messages(), file, dataFile).text, ZTB_ERROR_DAMAGED_FILE);
     }
     model = Conversion(file, step.problem).mathProg();
   });

@@ -74,7 +74,7 @@ bool LpTokens::takeIf(LpTokenKind kind) {
 }
 
 void LpTokens::fail(std::size_t line, const std::string& text) const {
-  throw ModelError(file_ + ":" + std::to_string(line) + ": " + text);
+  throw ModelError(file_ + ":" + std::to_string(line) + ": " + text, ZTB_ERROR_DAMAGED_FILE);
 }
 
 void LpTokens::failExpecting(const std::string& what) const {

@@ -2,13 +2,23 @@
 #ifndef ZTB_PROVIDERS_MODEL_MODEL_ERROR_H_
 #define ZTB_PROVIDERS_MODEL_MODEL_ERROR_H_
 
+#include <ztb/errors.h>
+
 #include <stdexcept>
+#include <string>
 
 namespace lomu {
 
 class ModelError : public std::runtime_error {
  public:
-  using std::runtime_error::runtime_error;
+  // `kind` is a ZTB_ERROR_ code.
+  explicit ModelError(const std::string& text, int kind = ZTB_ERROR_REFUSED)
+      : std::runtime_error(text), kind_(kind) {}
+
+  [[nodiscard]] int kind() const noexcept { return kind_; }
+
+ private:
+  int kind_;
 };
 
 }  // namespace lomu

@@ -31,15 +31,24 @@ struct ztbModelRec {
 
 namespace {
 
-// Runs `body` and hands the text of what it throws to `refused`; true when it threw nothing.
+// The kind of the latest failure of the calling thread, a ZTB_ERROR_ code.
+thread_local int latestErrorKind = ZTB_ERROR_NONE;
+
+// Runs `body` and hands the text of what it throws to `refused`; true when it threw nothing. The
+// kind of the failure is that of the thread then.
 template <typename Body, typename Refused>
 bool attempt(const Body& body, const Refused& refused) noexcept {
   try {
     body();
     return true;
+  } catch (const ModelError& error) {
+    latestErrorKind = error.kind();
+    refused(error.what());
   } catch (const std::bad_alloc&) {
+    latestErrorKind = ZTB_ERROR_OUT_OF_MEMORY;
     refused("out of memory");
   } catch (const std::exception& error) {
+    latestErrorKind = ZTB_ERROR_INTERNAL;
     refused(error.what());
   }
   return false;
@@ -111,6 +120,7 @@ MODEL_EXPORT int ztbModelOpen(ztbModel** model, const char* file, const char* da
                               char* message, int messageSize) {
   if (model != nullptr) *model = nullptr;
   if (file == nullptr || *file == '\0') {
+    latestErrorKind = ZTB_ERROR_REFUSED;
     copyText("no model file was named", message, messageSize);
     return 0;
   }
@@ -119,6 +129,10 @@ MODEL_EXPORT int ztbModelOpen(ztbModel** model, const char* file, const char* da
 
 MODEL_EXPORT int ztbModelCreate(ztbModel** model, char* message, int messageSize) {
   return make(model, nullptr, nullptr, message, messageSize);
+}
+
+MODEL_EXPORT int ztbModelErrorKind() {
+  return latestErrorKind;
 }
 
 MODEL_EXPORT void ztbModelFree(ztbModel** model) {

@@ -32,26 +32,31 @@ FileKind kindOf(const std::string& file) {
   throw ModelError(file + ": unknown ending, expected .lp, .mps, .mps.gz or .mod");
 }
 
+[[noreturn]] void failReading(const std::string& file, const std::error_code& error) {
+  throw ModelError(
+      file + ": " + error.message() + ", expected a file that can be read",
+      error == std::errc::no_such_file_or_directory ? ZTB_ERROR_NO_FILE : ZTB_ERROR_IO);
+}
+
 // Opens an ordinary file with something in it and gives its size.
 std::ifstream open(const std::string& file, std::uintmax_t& size) {
   std::error_code error;
   const auto status = std::filesystem::status(file, error);
-  if (error) throw ModelError(file + ": " + error.message() + ", expected a file that can be read");
+  if (error) failReading(file, error);
   if (std::filesystem::is_directory(status)) {
-    throw ModelError(file + ": this is a folder, expected a file");
+    throw ModelError(file + ": this is a folder, expected a file", ZTB_ERROR_IO);
   }
   if (!std::filesystem::is_regular_file(status)) {
-    throw ModelError(file + ": this is no ordinary file, expected one");
+    throw ModelError(file + ": this is no ordinary file, expected one", ZTB_ERROR_IO);
   }
   errno = 0;
   std::ifstream in(file, std::ios::binary);
-  if (!in) {
-    throw ModelError(file + ": " + std::generic_category().message(errno) +
-                     ", expected a file that can be read");
-  }
+  if (!in) failReading(file, {errno, std::generic_category()});
   size = std::filesystem::file_size(file, error);
-  if (error) throw ModelError(file + ": " + error.message() + ", expected a file that can be read");
-  if (size == 0) throw ModelError(file + ":1: the file is empty, expected text");
+  if (error) failReading(file, error);
+  if (size == 0) {
+    throw ModelError(file + ":1: the file is empty, expected text", ZTB_ERROR_DAMAGED_FILE);
+  }
   if (size > static_cast<std::uintmax_t>(std::numeric_limits<int>::max())) {
     throw ModelError(file + ": the file has " + std::to_string(size) + " bytes, expected at most " +
                      std::to_string(std::numeric_limits<int>::max()));
@@ -71,7 +76,8 @@ std::string readText(const std::string& file) {
   in.read(text.data(), static_cast<std::streamsize>(text.size()));
   if (in.gcount() != static_cast<std::streamsize>(text.size())) {
     throw ModelError(file + ": reading ended after " + std::to_string(in.gcount()) +
-                     " bytes, expected " + std::to_string(size));
+                         " bytes, expected " + std::to_string(size),
+                     ZTB_ERROR_IO);
   }
   return text;
 }
@@ -88,7 +94,8 @@ void checkNesting(const std::string& file, std::string_view text) {
     if ((c == ')' || c == ']' || c == '}') && depth > 0) --depth;
     if (depth > kMaxNesting) {
       throw ModelError(file + ":" + std::to_string(line) + ": brackets within brackets, expected " +
-                       "at most " + std::to_string(kMaxNesting) + " levels");
+                           "at most " + std::to_string(kMaxNesting) + " levels",
+                       ZTB_ERROR_DAMAGED_FILE);
     }
   }
 }

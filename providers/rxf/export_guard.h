@@ -3,6 +3,8 @@
 #ifndef ZTB_PROVIDERS_RXF_EXPORT_GUARD_H_
 #define ZTB_PROVIDERS_RXF_EXPORT_GUARD_H_
 
+#include <ztb/errors.h>
+
 #include <algorithm>
 #include <cstring>
 #include <exception>
@@ -27,18 +29,30 @@ inline void copyMessage(std::string_view text, char* buffer, int size) {
   buffer[length] = '\0';
 }
 
-// Runs `body` and hands the text of what it throws to `refused`; true when it threw nothing.
+// The kind of the latest failure of the calling thread, a ZTB_ERROR_ code.
+inline int& latestErrorKind() noexcept {
+  static thread_local int kind = ZTB_ERROR_NONE;
+  return kind;
+}
+
+inline MessageText failureText(ErrorNumber number, const DetailText& detail) {
+  latestErrorKind() = ztbErrorKindOfRxf(static_cast<int>(number));
+  return {number, detail};
+}
+
+// Runs `body` and hands the text of what it throws to `refused`; true when it threw nothing. The
+// kind of the failure is that of the thread then.
 template <typename Body, typename Refused>
 bool attempt(const Body& body, const Refused& refused) noexcept {
   try {
     body();
     return true;
   } catch (const Failure& failure) {
-    refused(MessageText(failure.number(), failure.detail()));
+    refused(failureText(failure.number(), failure.detail()));
   } catch (const std::bad_alloc&) {
-    refused(MessageText(ErrorNumber::outOfMemory, DetailText()));
+    refused(failureText(ErrorNumber::outOfMemory, DetailText()));
   } catch (const std::exception& error) {
-    refused(MessageText(ErrorNumber::internalError, DetailText("%s", error.what())));
+    refused(failureText(ErrorNumber::internalError, DetailText("%s", error.what())));
   }
   return false;
 }

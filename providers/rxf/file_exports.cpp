@@ -102,6 +102,10 @@ RXF_EXPORT int ztbRxfOpen(ztbRxfFile** file, const char* path, char* message, in
       [&](const MessageText& text) { copyMessage(text.c_str(), message, messageSize); });
 }
 
+RXF_EXPORT int ztbRxfErrorKind() {
+  return rxffile::latestErrorKind();
+}
+
 RXF_EXPORT void ztbRxfClose(ztbRxfFile** file) {
   if (file == nullptr) return;
   delete *file;

@@ -155,6 +155,7 @@ RXF_EXPORT int ztbRxfCreate(ztbRxfOutput** output, const char* path, const char*
                  std::array<char, 256> text{};
                  made->object.errorText(error, text.data());
                  copyMessage(text.data(), message, messageSize);
+                 rxffile::latestErrorKind() = ztbErrorKindOfRxf(error);
                  return;
                }
                made->object.startLabels();
@@ -204,7 +205,9 @@ RXF_EXPORT int ztbRxfPublish(ztbRxfOutput** output, char* message, int messageSi
     if (closing == 0) return 1;
   }
   std::array<char, 256> text{};
-  owned->object.errorText(count > 0 ? earliest : closing, text.data());
+  const int error = count > 0 ? earliest : closing;
+  owned->object.errorText(error, text.data());
+  rxffile::latestErrorKind() = ztbErrorKindOfRxf(error);
   std::array<char, 320> whole{};
   std::snprintf(whole.data(), whole.size(), "%d RXF Error(s). First Error: %s",
                 count > 0 ? count : 1, text.data());

@@ -83,6 +83,14 @@ TEST_F(Unreadable, tellsTheErrorThatCameFirst) {
   EXPECT_EQ(0, peers::rxfGetLastError(db_->rxf)) << "the queue is empty";
 }
 
+TEST_F(Unreadable, byAPeerWhoseErrorsDoNotEndIsToldAllTheSame) {
+  peer_.fail("rxfDataReadRawStart", 0, -1);
+  peer_.failAlways("rxfGetLastError", 8);
+  EXPECT_FALSE(db_->ensureLoaded(at("cost")));
+  EXPECT_STREQ(text, db_->lastError);
+  EXPECT_EQ(ZTB_ERROR_DAMAGED_FILE, db_->errorKind);
+}
+
 TEST_F(Unreadable, withoutAReasonOfThePeerSaysSo) {
   peer_.fail("rxfDataReadRawStart", 0, -1);
   EXPECT_FALSE(db_->ensureLoaded(at("cost")));

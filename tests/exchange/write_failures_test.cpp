@@ -101,6 +101,16 @@ TEST_F(WriteFailures, ofSeveralErrorsTheOneDrainedLastIsNamed) {
   EXPECT_STREQ("3 RXF Error(s). First Error: Scripted error 31", db_->lastError);
 }
 
+// The peer tells one error and gives no end of them.
+TEST_F(WriteFailures, aPeerWhoseErrorsDoNotEndIsLeftAtSomePoint) {
+  addLabels({"a"});
+  peer_.raise("rxfUELRegisterRaw", 0, 31);
+  peer_.failAlways("rxfGetLastError", 8);
+  EXPECT_EQ(0, write());
+  EXPECT_STREQ("100000 RXF Error(s). First Error: Scripted error 8", db_->lastError);
+  EXPECT_EQ(ZTB_ERROR_DAMAGED_FILE, db_->errorKind);
+}
+
 TEST_F(WriteFailures, aRecordThatAStrictDomainRefusesIsReportedAtTheEnd) {
   addLabels({"a", "b"});
   AbstractZTBSymbol& i = add("i", 1, dmap::typeSet);

@@ -11,7 +11,7 @@ namespace {
 static_assert(!std::is_copy_constructible_v<ztb::Database>);
 static_assert(std::is_nothrow_move_constructible_v<ztb::Database>);
 static_assert(std::is_trivially_copyable_v<ztb::Symbol>);
-static_assert(!std::is_constructible_v<ztb::ZString, std::string_view>);
+static_assert(std::is_convertible_v<std::string_view, ztb::ZString>);
 
 TEST(Database, StartsEmpty) {
   const ztb::Database database;

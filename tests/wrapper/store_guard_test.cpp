@@ -72,6 +72,24 @@ TEST_F(VectorGuard, TakesAKeyBehindTheOnlyRow) {
   EXPECT_EQ(levels(p_), "aa=1 ab=2 ");
 }
 
+// As on the map, the values are given, and the subtype has no part in them.
+TEST(StoreGuard, PutsRecordsOfASubtypeWithoutDefaultsOnEachStore) {
+  for (const ztb::Store store : {ztb::Store::map, ztb::Store::vector, ztb::Store::trie}) {
+    On on(store);
+    ztb::Symbol x = on.database.addVariable("x", 42, {"*", "*"});
+    on.database.mergeLabel("a");
+    on.database.mergeLabel("b");
+    for (const std::array<int, 2> key : {std::array{1, 1}, std::array{1, 2}, std::array{2, 1}}) {
+      x.put(key, {key[0] + 0.0, key[1] + 0.0, -1, 8, 2});
+    }
+    EXPECT_EQ(levels(x), "aa=1 ab=1 ba=2 ");
+    EXPECT_EQ(x.userInfo(), 42);
+    EXPECT_EQ(x.find("a", "b")->upper(), 8);
+    EXPECT_EQ(x.find("a", "b")->marginal(), 2);
+    EXPECT_EQ(x.find("b", "a")->scale(), 2);
+  }
+}
+
 TEST_F(VectorGuard, RefusesElementsBetweenOthers) {
   ztb::Symbol s = database.addSet("s", {"*"});
   database.mergeLabel("a");

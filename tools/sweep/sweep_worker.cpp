@@ -4,7 +4,6 @@
 
 #include <chrono>
 #include <exception>
-#include <string_view>
 
 #include "tools/models/model_session.h"
 #include "tools/sweep/sweep_inputs.h"
@@ -22,8 +21,12 @@ constexpr int kScenariosInPart = 100;
 constexpr std::chrono::seconds kTimeOfPart{5};
 // Publishing waits for the disk; it takes at most about a tenth of the time.
 constexpr int kRestBetweenParts = 10;
-// What the library says when no scenario can be solved.
-constexpr std::string_view kNoSuchSolver = "Invalid solver name";
+
+// No scenario can be solved.
+class NoSuchSolver : public Failure {
+ public:
+  using Failure::Failure;
+};
 
 class SweepWorker {
  public:
@@ -95,21 +98,29 @@ class SweepWorker {
     results_.addReport(reports_.back(), symbol->dimension());
   }
 
+  void solve() {
+    try {
+      session_.tie().solve(solver_);
+    } catch (const ztb::Error& error) {
+      if (error.kind() != ztb::ErrorKind::notFound) throw;
+      throw NoSuchSolver(withFile(session_.file(), error.what()));
+    }
+  }
+
   void runScenario(ScenarioData& data, std::size_t place) {
     const std::string& label = scenarios_.scenarios()[work_.chosen[place]].label;
     ScenarioOutcome outcome{.status = ztbModelNoSolution, .solveStatus = ztbSolveFailed};
     try {
       data.apply(place);
-      session_.tie().solve(solver_);
+      solve();
       const ztb::Model& model = session_.model();
       outcome = {.status = model.status(), .solveStatus = model.solveStatus()};
       if (model.hasSolution()) {
         outcome.objective = model.objective();
       }
+    } catch (const NoSuchSolver&) {
+      throw;
     } catch (const std::exception& error) {
-      if (std::string_view(error.what()).starts_with(kNoSuchSolver)) {
-        throw Failure(withFile(session_.file(), error.what()));
-      }
       channel_.send(SweepMessage::scenarioFailed,
                     fmt::format("{} {}", work_.chosen[place], error.what()));
     }

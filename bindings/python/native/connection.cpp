@@ -20,17 +20,9 @@ constexpr std::chrono::milliseconds betweenLooks{50};
 
 ztb::Database& Connection::database() {
   if (!database_) {
-    throw ztb::Error("Database", "The database is closed");
+    throw ztb::Error("Database", "The database is closed", ztb::ErrorKind::closed);
   }
   return *database_;
-}
-
-void Connection::failLookup(const char* operation) {
-  const ztb::Text text = database().lastError();
-  if (ztb::detail::nothingFound(handle())) {
-    throw NotFound(operation, text.str());
-  }
-  throw ztb::Error(operation, text.str());
 }
 
 void Connection::requireSame(const Connection& other) const {

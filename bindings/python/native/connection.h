@@ -15,12 +15,6 @@
 
 namespace python {
 
-// A lookup that found nothing; a KeyError in Python.
-class NotFound : public ztb::Error {
- public:
-  using ztb::Error::Error;
-};
-
 class Use;
 
 // Owns a database. Symbols keep it alive; after close() every use fails with ztb::Error instead of
@@ -43,10 +37,6 @@ class Connection : public std::enable_shared_from_this<Connection> {
   void require(int result, const char* operation) {
     ztb::detail::require(result, handle(), operation);
   }
-
-  // Throws NotFound if the latest failure says that there is no such thing, and ztb::Error
-  // otherwise.
-  [[noreturn]] void failLookup(const char* operation);
 
   // Throws std::invalid_argument, a ValueError in Python, unless `other` is the same database.
   void requireSame(const Connection& other) const;

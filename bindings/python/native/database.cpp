@@ -64,7 +64,7 @@ Symbol Database::findSymbol(const py::str& name, bool wantAlias) const {
   const std::optional<ztb::Symbol> found =
       wantAlias ? client().findSymbolOrAlias(bytes) : client().findSymbol(bytes);
   if (!found) {
-    connection_->failLookup("ztbFindSymbol");
+    ztb::detail::fail(connection_->handle(), "ztbFindSymbol");
   }
   return {connection_, *found};
 }

@@ -49,7 +49,7 @@ class Database {
 
   [[nodiscard]] int symbolCount() const { return client().symbolCount(); }
   [[nodiscard]] Symbol symbolAt(int position) const;
-  // Throws NotFound. An alias is resolved to its set, unless it is wanted itself.
+  // Throws where there is none. An alias is resolved to its set, unless it is wanted itself.
   [[nodiscard]] Symbol findSymbol(const py::str& name, bool wantAlias) const;
   Symbol addSymbol(const py::str& name, int type, const std::vector<DomainArgument>& domains,
                    const py::str& text, int userInfo);

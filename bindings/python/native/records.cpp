@@ -30,7 +30,8 @@ class Key {
   Key(const Key&) = delete;
   Key& operator=(const Key&) = delete;
 
-  operator ztb::Keys() const { return {pointers_.data(), count_}; }
+  operator guard::KeyLabels() const { return {pointers_.data(), count_}; }
+  operator ztb::Keys() const { return guard::KeyLabels(*this); }
 
  private:
   std::array<std::string, ZTB_MAX_DIMENSION> labels_;
@@ -52,10 +53,11 @@ std::optional<ztb::Record> find(const Symbol& symbol, const Key& key) {
 [[noreturn]] void failFind(const Symbol& symbol, const Key& key) {
   // Here the library was not asked, and has no text of its own.
   if (symbol.dimension() == 0 || guard::anyBlank(key)) {
-    throw NotFound("ztbFindRecord",
-                   "Cannot find record " + guard::keyText(key) + " in Symbol " + symbol.name());
+    throw ztb::Error("ztbFindRecord",
+                     "Cannot find record " + guard::keyText(key) + " in Symbol " + symbol.name(),
+                     ztb::ErrorKind::notFound);
   }
-  symbol.connection()->failLookup("ztbFindRecord");
+  guard::fail(symbol.connection()->handle(), "ztbFindRecord");
 }
 
 ztb::Record requireFound(const Symbol& symbol, const py::tuple& labels) {
@@ -71,7 +73,7 @@ ztb::Record make(const Symbol& symbol, const py::tuple& labels) {
   const Key key(symbol, labels);
   requireRecords(symbol);
   symbol.load();
-  for (const char* label : static_cast<ztb::Keys>(key)) {
+  for (const char* label : static_cast<guard::KeyLabels>(key)) {
     requireNotBlank(label);
   }
   return symbol.client().merge(key);

@@ -21,8 +21,8 @@ void requireSet(const Symbol& symbol);
 void clear(const Symbol& symbol);
 
 // All that follow take the labels of a record as a tuple with one for each position, and throw
-// NotFound where there is no such record, unless they make it. On every store they do what they do
-// on the tree map, or throw before anything has changed, labels included.
+// an Error of kind notFound where there is no such record, unless they make it. On every store they
+// do what they do on the tree map, or throw before anything has changed, labels included.
 
 // The values of a record: one for a set or parameter, five for a variable or equation.
 py::tuple recordValues(const Symbol& symbol, const py::tuple& labels);

@@ -16,14 +16,18 @@ Call::Call(void* object, const char* operation, const std::string& arguments)
   Script& s = script();
   s.log += std::to_string(object_->number) + ' ' + operation + arguments + '\n';
   std::erase_if(s.plans, [&](Plan& plan) {
-    if (plan.operation != operation || plan.callsToGo-- > 0) return false;
+    if (plan.operation != operation) return false;
+    if (plan.callsToGo > 0) {
+      --plan.callsToGo;
+      return false;
+    }
     if (plan.fails) {
       failure_ = plan.number;
     } else {
       ++object_->errorCount;
       object_->pendingErrors.push_back(plan.number);
     }
-    return true;
+    return plan.once;
   });
 }
 
@@ -56,6 +60,11 @@ void scriptedReset(void) {
 void scriptedFail(const char* operation, int afterCalls, int result) {
   script().plans.push_back(
       {.operation = operation, .callsToGo = afterCalls, .fails = true, .number = result});
+}
+
+void scriptedFailAlways(const char* operation, int result) {
+  script().plans.push_back(
+      {.operation = operation, .callsToGo = 0, .fails = true, .number = result, .once = false});
 }
 
 void scriptedRaise(const char* operation, int afterCalls, int errorNumber) {

@@ -35,6 +35,7 @@ struct Plan {
   int callsToGo = 0;
   bool fails = false;  // gives `number` as result; otherwise raises it as an error
   int number = 0;
+  bool once = true;
 };
 
 struct Script {

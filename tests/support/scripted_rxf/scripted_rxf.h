@@ -54,6 +54,9 @@ SCRIPTED_EXPORT void scriptedReset(void);
  * changed index, too. Plans add up; each is used once. */
 SCRIPTED_EXPORT void scriptedFail(const char* operation, int afterCalls, int result);
 
+/* Every further call of `operation` fails so. */
+SCRIPTED_EXPORT void scriptedFailAlways(const char* operation, int result);
+
 /* After `afterCalls` further calls of `operation`, one call counts an error with this number and
  * puts it into the queue of its object, whatever else the call does. */
 SCRIPTED_EXPORT void scriptedRaise(const char* operation, int afterCalls, int errorNumber);

@@ -53,6 +53,7 @@ class Client {
   Control<decltype(scriptedObjects)> objects{library_, "scriptedObjects"};
   Control<decltype(scriptedReset)> reset{library_, "scriptedReset"};
   Control<decltype(scriptedFail)> fail{library_, "scriptedFail"};
+  Control<decltype(scriptedFailAlways)> failAlways{library_, "scriptedFailAlways"};
   Control<decltype(scriptedRaise)> raise{library_, "scriptedRaise"};
   Control<decltype(scriptedErrorText)> errorText{library_, "scriptedErrorText"};
   Control<decltype(scriptedLack)> lack{library_, "scriptedLack"};
