@@ -8,39 +8,42 @@
 
 include(CMakePackageConfigHelpers)
 
-# The C++ wrapper is headers alone.
+# The C++ wrapper is headers alone. What C++ it needs stands in ztb-config.cmake, where programs in C
+# alone can do without it.
 add_library(ztb_wrapper INTERFACE)
-target_compile_features(ztb_wrapper INTERFACE cxx_std_20)
+target_compile_features(ztb_wrapper INTERFACE $<BUILD_INTERFACE:cxx_std_20>)
 target_link_libraries(ztb_wrapper INTERFACE ztbcclib64)
 set_target_properties(ztb_wrapper PROPERTIES EXPORT_NAME ztb)
 add_library(ztb::ztb ALIAS ztb_wrapper)
 add_library(ztb::ztbcclib64 ALIAS ztbcclib64)
 
-install(TARGETS ztbcclib64 ztb_wrapper EXPORT ztb-targets LIBRARY DESTINATION lib)
+install(TARGETS ztbcclib64 ztb_wrapper EXPORT ztb-targets LIBRARY DESTINATION ${ZTB_LIBRARY_FOLDER} COMPONENT libraries)
 # The library opens these at run time; they are found in the same folder, and the solver catalogue
 # beside them.
-install(TARGETS nmtmdclib64 LIBRARY DESTINATION lib)
+install(TARGETS nmtmdclib64 LIBRARY DESTINATION ${ZTB_LIBRARY_FOLDER} COMPONENT libraries)
 # Programs that look into exchange files link this one, which the library opens too.
 set_target_properties(rxfcclib64 PROPERTIES EXPORT_NAME rxf)
-install(TARGETS rxfcclib64 EXPORT ztb-targets LIBRARY DESTINATION lib)
+install(TARGETS rxfcclib64 EXPORT ztb-targets LIBRARY DESTINATION ${ZTB_LIBRARY_FOLDER} COMPONENT libraries)
 add_library(ztb::rxf ALIAS rxfcclib64)
 # Programs that open models link this one, by ztb::model.
-install(TARGETS lomudclib64 EXPORT ztb-targets LIBRARY DESTINATION lib)
+install(TARGETS lomudclib64 EXPORT ztb-targets LIBRARY DESTINATION ${ZTB_LIBRARY_FOLDER} COMPONENT libraries)
 add_library(ztb::lomudclib64 ALIAS lomudclib64)
 add_library(ztb_model INTERFACE)
 target_link_libraries(ztb_model INTERFACE ztb_wrapper lomudclib64)
 set_target_properties(ztb_model PROPERTIES EXPORT_NAME model)
 add_library(ztb::model ALIAS ztb_model)
 install(TARGETS ztb_model EXPORT ztb-targets)
-install(FILES ${PROJECT_SOURCE_DIR}/providers/model/vltcmpNT.txt DESTINATION lib)
+install(FILES ${PROJECT_SOURCE_DIR}/providers/model/vltcmpNT.txt
+  DESTINATION ${ZTB_LIBRARY_FOLDER} COMPONENT libraries)
 if(TARGET ztb)
-  install(TARGETS ztb RUNTIME DESTINATION bin)
+  install(TARGETS ztb RUNTIME DESTINATION bin COMPONENT command)
 endif()
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/ztb DESTINATION include
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/ztb DESTINATION include COMPONENT development
   FILES_MATCHING PATTERN "*.h" PATTERN "*.hpp")
 
-set(ZTB_PACKAGE_FOLDER lib/cmake/ztb)
-install(EXPORT ztb-targets NAMESPACE ztb:: DESTINATION ${ZTB_PACKAGE_FOLDER})
+set(ZTB_PACKAGE_FOLDER ${ZTB_LIBRARY_FOLDER}/cmake/ztb)
+install(EXPORT ztb-targets NAMESPACE ztb::
+  DESTINATION ${ZTB_PACKAGE_FOLDER} COMPONENT development)
 configure_package_config_file(
   ${PROJECT_SOURCE_DIR}/cmake/ztb-config.cmake.in ${CMAKE_CURRENT_BINARY_DIR}/ztb-config.cmake
   INSTALL_DESTINATION ${ZTB_PACKAGE_FOLDER})
@@ -48,10 +51,14 @@ write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/ztb-config-version.
   COMPATIBILITY SameMajorVersion)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/ztb-config.cmake
               ${CMAKE_CURRENT_BINARY_DIR}/ztb-config-version.cmake
-        DESTINATION ${ZTB_PACKAGE_FOLDER})
+        DESTINATION ${ZTB_PACKAGE_FOLDER} COMPONENT development)
 
+# The files of pkg-config tell the folders relative to their own.
+file(RELATIVE_PATH ZTB_UP_TO_PREFIX /${ZTB_LIBRARY_FOLDER}/pkgconfig /)
+string(REGEX REPLACE "/$" "" ZTB_UP_TO_PREFIX ${ZTB_UP_TO_PREFIX})
 foreach(package ztb ztb-model ztb-rxf)
   configure_file(${PROJECT_SOURCE_DIR}/cmake/${package}.pc.in
     ${CMAKE_CURRENT_BINARY_DIR}/${package}.pc @ONLY)
-  install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${package}.pc DESTINATION lib/pkgconfig)
+  install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${package}.pc
+    DESTINATION ${ZTB_LIBRARY_FOLDER}/pkgconfig COMPONENT development)
 endforeach()

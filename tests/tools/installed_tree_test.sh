@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# An installed tree works wherever it is moved to, with no setting: the command, a program that finds
-# it by its CMake package, and one that finds it by pkg-config.
+# An installed tree works wherever it is moved to, with no setting: the command, and programs in C and
+# C++ for each of its libraries that find it by its CMake package and by pkg-config.
 #
 #   installed_tree_test.sh BUILD_FOLDER SOURCE_FOLDER C_COMPILER CXX_COMPILER
 set -euo pipefail
@@ -34,26 +34,151 @@ by-package/diet diet.rxf | grep -q 'Spinach  *918.4' || fail 'the example found 
 "$tree/bin/ztb" show diet.rxf price --slice milk --csv | grep -qx 'Milk,12.5' ||
   fail 'the example changed no price'
 
-cat >client.c <<'END'
+# A program in C and one in C++ for each of the three libraries, by the CMake package and by
+# pkg-config. Each prints what the programs of its library have to print.
+cat >ztb.c <<'END'
 #include <stdio.h>
 #include <ztb/ztb.h>
 int main(void) {
   ztbRec* ztb = NULL;
+  void* symbol = NULL;
   char text[ZTB_TEXT_BUFFER_SIZE];
   int labels = 0;
   if (!ztbcreate(&ztb, text, sizeof text) || !c__ztbinitfromrxf(ztb, "diet.rxf") ||
       !c__ztbinfo(ztb, ZTB_INFO_UEL_COUNT, &labels, NULL, NULL)) {
     return 1;
   }
+  if (c__ztbfindsymbol(ztb, "none", &symbol) || ztbErrorKind(ztb) != ZTB_ERROR_NOT_FOUND) return 2;
   printf("%d labels\n", labels);
   return !ztbfree(&ztb);
 }
 END
-# The flags are words to be split.
-flags=$(PKG_CONFIG_PATH=$tree/lib/pkgconfig pkg-config --cflags --libs ztb)
-# shellcheck disable=SC2086
-"$c_compiler" -std=c99 -Wall -Wextra -Werror client.c $flags -Wl,-rpath,"$tree/lib" -o client
-[ "$(./client)" = '86 labels' ] || fail 'the C program read something else'
+cat >ztb.cpp <<'END'
+#include <iostream>
+#include <ztb/ztb.hpp>
+int main() {
+  const ztb::Database diet = ztb::Database::open("diet.rxf");
+  if (diet["price"].recordCount() == 0 || diet.findSymbol("none")) return 1;
+  std::cout << diet.labelCount() << " labels\n";
+}
+END
+cat >model.c <<'END'
+#include <stdio.h>
+#include <ztb/model.h>
+#include <ztb/ztb.h>
+int main(void) {
+  char text[512];
+  ztbModel* model = NULL;
+  ztbRec* ztb = NULL;
+  double seconds = 0;
+  if (ztbModelOpen(&model, "none.lp", NULL, text, sizeof text) ||
+      ztbModelErrorKind() != ZTB_ERROR_NO_FILE) {
+    return 1;
+  }
+  if (!ztbModelOpen(&model, "diet.lp", NULL, text, sizeof text) ||
+      !ztbcreate(&ztb, text, sizeof text) || !c__ztbinitfromdict(ztb, ztbModelPbi(model)) ||
+      !c__ztbinitupdate(ztb, ztbModelPbi(model)) ||
+      !c__ztbcallsolvertimed(ztb, "clp", &seconds)) {
+    return 2;
+  }
+  printf("%.2f dollars\n", ztbModelObjective(model));
+  ztbfree(&ztb);
+  ztbModelFree(&model);
+  return 0;
+}
+END
+cat >model.cpp <<'END'
+#include <cstdio>
+#include <ztb/model.hpp>
+int main() {
+  ztb::Model model = ztb::Model::open("diet.lp");
+  ztb::Database database;
+  ztb::ModelTie tie(database, model);
+  tie.solve("clp");
+  std::printf("%.2f dollars\n", model.objective());
+}
+END
+cat >rxf.c <<'END'
+#include <stdio.h>
+#include <ztb/rxf.h>
+int main(void) {
+  char text[512];
+  ztbRxfFile* file = NULL;
+  if (ztbRxfOpen(&file, "none.rxf", text, sizeof text) || ztbRxfErrorKind() != ZTB_ERROR_NO_FILE) {
+    return 1;
+  }
+  if (!ztbRxfOpen(&file, "diet.rxf", text, sizeof text)) return 2;
+  printf("%d symbols\n", ztbRxfSymbolCount(file));
+  ztbRxfClose(&file);
+  return 0;
+}
+END
+cat >rxf.cpp <<'END'
+#include <iostream>
+#include <ztb/rxf.hpp>
+int main() {
+  const ztb::RxfFile file("diet.rxf");
+  std::cout << file.symbols().size() << " symbols\n";
+}
+END
+# A limit on memory takes two of them.
+cat >limit.cpp <<'END'
+#include <iostream>
+#include <ztb/ztb.hpp>
+int main() {
+  const ztb::Database diet = ztb::Database::open("diet.rxf", {.maxMemory = 6000});
+  std::cout << diet["price"].recordCount() << " prices\n";
+  try {
+    return diet["nutrition"].recordCount();
+  } catch (const ztb::Error& error) {
+    if (error.kind() != ztb::ErrorKind::limit) throw;
+  }
+}
+END
+cp "$source/examples/diet/diet.lp" .
+expect_printed() {
+  printed=$("$1") || fail "$1 ends with an error"
+  case $(basename "$1") in
+  ztb*) [ "$printed" = '86 labels' ] ;;
+  model*) [ "$printed" = '39.66 dollars' ] ;;
+  rxf*) [ "$printed" = '4 symbols' ] ;;
+  limit*) [ "$printed" = '77 prices' ] ;;
+  esac || fail "$1 prints: $printed"
+}
+tried=0
+for language in C CXX; do
+  mkdir "$language"
+  if [ $language = C ]; then ending=c names='ztb model rxf'; else ending=cpp names='ztb model rxf limit'; fi
+  {
+    printf 'cmake_minimum_required(VERSION 3.16)\nproject(programs %s)\nfind_package(ztb REQUIRED)\n' \
+      $language
+    for name in $names; do
+      printf 'add_executable(%s_program ../%s.%s)\n' "$name" "$name" $ending
+      libraries=ztb::$name
+      [ "$name" != limit ] || libraries='ztb::ztb ztb::rxf'
+      printf 'target_link_libraries(%s_program %s)\n' "$name" "$libraries"
+    done
+  } >$language/CMakeLists.txt
+  cmake -S $language -B $language/build -DCMAKE_PREFIX_PATH="$tree" -DCMAKE_C_COMPILER="$c_compiler" \
+    -DCMAKE_CXX_COMPILER="$cxx_compiler" >configure.log 2>&1 || fail "$(cat configure.log)"
+  cmake --build $language/build >build.log 2>&1 || fail "$(cat build.log)"
+  for name in $names; do
+    expect_printed "./$language/build/${name}_program"
+    package=ztb-$name compile=("$c_compiler" -std=c99)
+    [ "$name" != ztb ] || package=ztb
+    [ "$name" != limit ] || package='ztb ztb-rxf'
+    [ $language = C ] || compile=("$cxx_compiler" -std=c++20)
+    # The packages and flags are words to be split.
+    # shellcheck disable=SC2086
+    flags=$(PKG_CONFIG_PATH=$tree/lib/pkgconfig pkg-config --cflags --libs $package)
+    # shellcheck disable=SC2086
+    "${compile[@]}" -Wall -Wextra -Werror "$name.$ending" $flags -Wl,-rpath,"$tree/lib" \
+      -o "${name}_$ending"
+    expect_printed "./${name}_$ending"
+    tried=$((tried + 1))
+  done
+done
+[ $tried -eq 7 ] || fail "$tried programs were tried"
 
 # Headers stand alone.
 for header in "$tree"/include/ztb/*.hpp; do

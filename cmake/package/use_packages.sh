@@ -1,0 +1,56 @@
+#!/usr/bin/env bash
+# Installs the packages in /packages, uses each and removes them all; for a root folder that is
+# thrown away.
+set -euo pipefail
+export DEBIAN_FRONTEND=noninteractive LC_ALL=C.UTF-8
+cd /packages
+fail() {
+  printf 'FAILED: %s\n' "$1" >&2
+  exit 1
+}
+
+apt-get update -qq
+# The command alone brings the libraries, and needs no solver.
+apt-get install -qq -y --no-install-recommends ./libztb5_*.deb ./ztb_*.deb >/dev/null
+cd diet
+printed=$(ztb import diet.rxf --from foods.csv --set food \
+  --parameter 'price(food) = price_cents_1939' --from requirements.csv --set nutrient \
+  --from nutrition.csv --parameter 'nutrition(food, nutrient) = per_dollar')
+[ "$printed" = 'diet.rxf: 4 symbols, 86 labels, 733 records' ] || fail "ztb import printed: $printed"
+ztb show diet.rxf price --slice macaroni --csv | grep -qx 'Macaroni,14.1' ||
+  fail 'the command shows no price of macaroni'
+if ztb solve diet.lp --solver clp >log 2>&1; then
+  fail 'the command solved a model without a solver'
+fi
+
+apt-get install -qq -y --no-install-recommends ../ztb-solvers_*.deb >/dev/null
+for solver in clp cbc glpk ipopt; do
+  ztb solve diet.lp --solver $solver | grep -Eq '^objective +39\.66' ||
+    fail "$solver does not solve the diet"
+done
+
+apt-get install -qq -y --no-install-recommends ../python3-ztb_*.deb >/dev/null
+python3 -c 'import ztb
+with ztb.open("diet.rxf") as db:
+    assert db["price"]["Macaroni"] == 14.1, db["price"]["Macaroni"]' || fail 'Python does not read the file'
+ls /usr/lib/python3/dist-packages/ztb/__pycache__ >/dev/null || fail 'the package is not compiled'
+
+apt-get install -qq -y --no-install-recommends ../libztb-dev_*.deb cmake g++ make pkg-config >/dev/null
+cmake -S /usr/share/doc/libztb-dev/examples/diet -B /tmp/built >/dev/null
+cmake --build /tmp/built >/dev/null
+/tmp/built/diet diet.rxf >log || fail "the example fails: $(cat log)"
+printf '#include <ztb/ztb.h>\nint main(void) { ztbRec* z = 0; char m[256];\n' >small.c
+printf 'return !(ztbcreate(&z, m, 256) && ztbfree(&z)); }\n' >>small.c
+# The flags are words to be split.
+# shellcheck disable=SC2046
+gcc small.c $(pkg-config --cflags --libs ztb ztb-model ztb-rxf) -o small
+./small || fail 'a program in C fails'
+
+cd /packages
+apt-get purge -qq -y libztb5 libztb-dev ztb python3-ztb ztb-solvers >/dev/null
+apt-get autoremove -qq -y --purge >/dev/null
+if left=$(find /usr /etc /var -path /var/lib/apt -prune -o -path /var/cache -prune -o \
+  \( -name '*ztb*' -o -name '*rxfcclib*' -o -name '*lomudclib*' -o -name 'vltcmpNT*' \) -print |
+  grep .); then
+  fail "removing the packages left: $left"
+fi
