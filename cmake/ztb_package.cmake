@@ -24,6 +24,11 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
 
 set(package_sources ${PROJECT_SOURCE_DIR}/cmake/package)
+# Descriptions are wrapped where a terminal would.
+string(JOIN "\n" about_ztb
+  "ZTB keeps the sets, parameters, variables and equations of optimization"
+  "models in memory, reads and writes exchange files, and ties data to"
+  "models and solvers.")
 set(same_version "libztb5 (= ${PROJECT_VERSION})")
 set(CPACK_COMPONENTS_ALL "")
 
@@ -53,25 +58,25 @@ function(ztb_package component name section synopsis)
 endfunction()
 
 ztb_package(libraries libztb5 libs "in-memory database of indexed data for models"
-  DESCRIPTION "ZTB keeps the sets, parameters, variables and equations of optimization models in memory, reads and writes exchange files, and ties data to models and solvers.\nThis package holds its libraries."
+  DESCRIPTION "${about_ztb}\nThis package holds its libraries."
   RECOMMENDS ztb-solvers
   SUGGESTS libglpk40
   CONTROL ${package_sources}/libztb5/triggers)
 ztb_package(development libztb-dev libdevel "in-memory database of indexed data for models, headers"
-  DESCRIPTION "ZTB keeps the sets, parameters, variables and equations of optimization models in memory, reads and writes exchange files, and ties data to models and solvers.\nThis package holds what programs in C and C++ need that use it."
+  DESCRIPTION "${about_ztb}\nThis package holds what programs in C and C++ need that use it."
   DEPENDS ${same_version}
   SUGGESTS "cmake, pkg-config")
 ztb_package(command ztb math "command for data of models: import, show, compare, solve, sweep"
-  DESCRIPTION "ZTB keeps the sets, parameters, variables and equations of optimization models in memory, reads and writes exchange files, and ties data to models and solvers.\nThis package holds its command."
+  DESCRIPTION "${about_ztb}\nThis package holds its command."
   DEPENDS ${same_version}
   RECOMMENDS ztb-solvers)
 ztb_package(python python3-ztb python "in-memory database of indexed data for models, Python"
-  DESCRIPTION "ZTB keeps the sets, parameters, variables and equations of optimization models in memory, reads and writes exchange files, and ties data to models and solvers.\nThis package holds the package for Python 3."
+  DESCRIPTION "${about_ztb}\nThis package holds the package for Python 3."
   DEPENDS "${same_version}, python3 (>= ${Python3_VERSION_MAJOR}.${Python3_VERSION_MINOR}~), python3 (<< ${Python3_VERSION_MAJOR}.${Python3_VERSION_MINOR}.99), python3-numpy"
   RECOMMENDS "python3-pandas, ztb-solvers"
   CONTROL ${package_sources}/python3-ztb/postinst ${package_sources}/python3-ztb/prerm)
 ztb_package(solvers ztb-solvers math "solver libraries for ZTB: Clp, Cbc, GLPK, Ipopt"
-  DESCRIPTION "ZTB keeps the sets, parameters, variables and equations of optimization models in memory, reads and writes exchange files, and ties data to models and solvers.\nThis package holds what ties ZTB to the solvers."
+  DESCRIPTION "${about_ztb}\nThis package holds what ties ZTB to the solvers."
   DEPENDS ${same_version}
   CONTROL ${package_sources}/libztb5/triggers)
 set(CPACK_DEBIAN_LIBRARIES_PACKAGE_MULTIARCH same)

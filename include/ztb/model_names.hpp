@@ -14,6 +14,7 @@
 #include <string>
 #include <string_view>
 #include <vector>
+#include <ztb/cpp20.hpp>
 
 namespace ztb::inline client {
 
