@@ -17,8 +17,8 @@ function(ztb_discover_tests target)
     math(EXPR last "${processes} - 1")
     foreach(index RANGE ${last})
       add_test(NAME ${target}.${index} COMMAND ${target})
-      set_tests_properties(${target}.${index} PROPERTIES ENVIRONMENT
-        "${environment};GTEST_TOTAL_SHARDS=${processes};GTEST_SHARD_INDEX=${index}")
+      set(own ${environment} GTEST_TOTAL_SHARDS=${processes} GTEST_SHARD_INDEX=${index})
+      set_tests_properties(${target}.${index} PROPERTIES ENVIRONMENT "${own}")
     endforeach()
   else()
     gtest_discover_tests(${target} TEST_PREFIX ${target}. DISCOVERY_TIMEOUT 60
