@@ -37,6 +37,14 @@ install(FILES ${PROJECT_SOURCE_DIR}/providers/model/vltcmpNT.txt
   DESTINATION ${ZTB_LIBRARY_FOLDER} COMPONENT libraries)
 if(TARGET ztb)
   install(TARGETS ztb RUNTIME DESTINATION bin COMPONENT command)
+  if(TARGET ztb_texts)
+    get_target_property(texts ztb_texts BINARY_DIR)
+    install(FILES ${texts}/ztb.1 DESTINATION share/man/man1 COMPONENT command)
+    install(FILES ${texts}/ztb.bash DESTINATION share/bash-completion/completions RENAME ztb
+      COMPONENT command)
+    install(FILES ${texts}/_ztb DESTINATION share/zsh/site-functions COMPONENT command)
+    install(FILES ${texts}/ztb.fish DESTINATION share/fish/vendor_completions.d COMPONENT command)
+  endif()
 endif()
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/ztb DESTINATION include COMPONENT development
   FILES_MATCHING PATTERN "*.h" PATTERN "*.hpp")

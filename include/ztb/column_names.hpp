@@ -35,9 +35,10 @@ inline std::vector<std::string> contentColumns(Type type) {
 }
 
 // A name for the column of each position of a symbol, whose domains have these names: that of its
-// domain; over the universe, the symbol's own name for a one-dimensional set and key1, key2, ...
-// otherwise. All differ from each other and from contentColumns(type) under case folding: one that
-// is taken gets the first free number behind it, from 2 on. The universe, "*", has a label.
+// domain. Over the universe it is the symbol's own name for a one-dimensional set, "label" for the
+// only position of any other symbol and for the universe, "*", itself, and "dim_1", "dim_2", ... by
+// their place for positions among several. All differ from each other and from contentColumns(type)
+// under case folding: one that is taken gets the first free number behind it, from 2 on.
 inline std::vector<std::string> keyColumns(std::string_view symbol, Type type,
                                            std::span<const std::string> domains) {
   const bool plainSet = type == Type::set && domains.size() == 1;
@@ -49,10 +50,10 @@ inline std::vector<std::string> keyColumns(std::string_view symbol, Type type,
   std::vector<std::string> result;
   for (std::size_t position = 0; position < domains.size(); ++position) {
     std::string base = domains[position];
-    if (symbol == "*") {
+    if (symbol == "*" || (base == "*" && domains.size() == 1 && !plainSet)) {
       base = "label";
     } else if (base == "*") {
-      base = plainSet ? std::string(symbol) : "key" + std::to_string(position + 1);
+      base = plainSet ? std::string(symbol) : "dim_" + std::to_string(position + 1);
     }
     std::string name = base;
     for (int number = 2; isTaken(name); ++number) {

@@ -28,7 +28,7 @@ def test_one_position_is_a_plain_index(diet):
 
 def test_index_names_differ(diet):
     p = diet.add_parameter("p", ["food", "food", "*", "nowhere"])
-    assert p.to_pandas().index.names == ["food", "food_2", "key3", "nowhere"]
+    assert p.to_pandas().index.names == ["food", "food_2", "dim_3", "nowhere"]
 
 
 def test_a_variable_is_a_frame_with_its_fields(diet):

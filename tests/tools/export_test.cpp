@@ -38,7 +38,7 @@ TEST_F(ExportTest, WritesSymbolsLabelsAndRecords) {
   EXPECT_EQ(read("new/out/food.csv"), "food,text\n\"Ham, smoked\",1 lb.\n\"\",\n");
   EXPECT_EQ(read("new/out/price.csv"), "food,value\n\"Ham, smoked\",27.4\n");
   EXPECT_EQ(read("new/out/buy.csv"),
-            "food,key2,level,marginal,lower,upper,scale\n\"\",z,0,0,0,inf,1\n");
+            "food,dim_2,level,marginal,lower,upper,scale\n\"\",z,0,0,0,inf,1\n");
   EXPECT_FALSE(exists("new/out/f.csv"));
 }
 

@@ -77,7 +77,8 @@ TEST_F(FolderImportTest, ReportsRecordsOfAnotherShape) {
   write("in/p.csv", "a,value\nx,one\nx,1\nx,2\n");
   expectProblems(
       "in/p.csv:2:3: value: 'one' is not a number\n"
-      "in/p.csv:4:1: record (\"x\") of p stands in line 3 already\n",
+      "in/p.csv:4:1: record (\"x\") of p stands in line 3 already (the case of letters does not "
+      "matter)\n",
       "2 problems");
 }
 

@@ -65,7 +65,7 @@ TEST_F(HostileTextTest, TablesSpellItOutAndStayAligned) {
   EXPECT_EQ(safely({"show", "a.rxf", "cost"}),
             "parameter cost(part, *): \\x1b]0;owned\\x07\\x1b[2J\\x0d\\n<U+2028>gone<U+E0041>\n"
             "\n"
-            "part               key2            value\n"
+            "part               dim_2           value\n"
             "-----------------  --------------  -----\n"
             "bad\\x9b31m         bad<U+009B>31m      1\n"
             "ex<U+202E>gpj\\x7f  half\\xe2\\x82        2\n"
@@ -105,7 +105,7 @@ TEST_F(HostileTextTest, ForProgramsItIsExact) {
   EXPECT_TRUE(has(text, "\xC2\x9B")) << "the escape reads back as the character";
   EXPECT_TRUE(has(text, "\u202E"));
   EXPECT_TRUE(has(text, "\u2028gone\U000E0041"));
-  EXPECT_EQ(ztbFine({"show", "a.rxf", "cost", "--csv"}), "part,key2,value\n" + kByteLabel + "," +
+  EXPECT_EQ(ztbFine({"show", "a.rxf", "cost", "--csv"}), "part,dim_2,value\n" + kByteLabel + "," +
                                                              kC1Label + ",1\n" + kTurnedLabel +
                                                              "," + kHalfLabel + ",2\n");
   ztbFine({"export", "a.rxf", "--all", "--csv", "out"});
@@ -209,7 +209,7 @@ TEST_F(HostileTextTest, LongOnesAreToldByTheirLength) {
   write("t.csv", "k,v\n" + longest + ",1\nb," + longest + "\n");
   EXPECT_EQ(safely({"import", "o.rxf", "--from", "t.csv", "--parameter", "v(k)"}),
             "t.csv:2:1: k: label '" + beginning +
-                "...' (1048576 bytes) has 1048576 characters, at most 63 are allowed\n"
+                "...' (1048576 bytes) has 1048576 bytes, at most 63 are allowed\n"
                 "t.csv:3:3: v: '" +
                 beginning +
                 "...' (1048576 bytes) is not a number\n"
@@ -247,7 +247,7 @@ TEST_F(HostileTextTest, CsvOnATerminalIsForItsReader) {
   EXPECT_EQ(program.wait(), 0);
   // The terminal itself puts the returns in.
   EXPECT_EQ(terminal.text(),
-            "part,key2,value\r\n"
+            "part,dim_2,value\r\n"
             "bad\\x9b31m,bad<U+009B>31m,1\r\n"
             "ex<U+202E>gpj\\x7f,half\\xe2\\x82,2\r\n");
 }

@@ -36,7 +36,9 @@ TEST_F(ImportProblemTest, BadNumbers) {
 
 TEST_F(ImportProblemTest, RecordsTwice) {
   expectProblems("i,j,v\nx,y,1\nx,z,2\nX,y,3\n", {"--parameter", "v(i, j)"},
-                 "a.csv:4:1: record (\"x\",\"y\") of v stands in line 2 already\n", "1 problem");
+                 "a.csv:4:1: record (\"x\",\"y\") of v stands in line 2 already (the case of "
+                 "letters does not matter)\n",
+                 "1 problem");
 }
 
 TEST_F(ImportProblemTest, ASecondRowForAScalar) {
@@ -48,7 +50,7 @@ TEST_F(ImportProblemTest, LabelsThatCannotBe) {
   const std::string longLabel(64, 'x');
   expectProblems("i\n" + longLabel + "\n\"a\tb\"\n\"it's \"\"it\"\"\"\n   \n", {"--set", "i"},
                  "a.csv:2:1: i: label '" + longLabel +
-                     "' has 64 characters, at most 63 are allowed\n"
+                     "' has 64 bytes, at most 63 are allowed\n"
                      "a.csv:3:1: i: label 'a\\tb' holds a control character\n"
                      "a.csv:4:1: i: label >it's \"it\"< holds both kinds of quote\n"
                      "a.csv:5:1: i: a label cannot be blanks alone\n",
@@ -71,7 +73,7 @@ TEST_F(ImportProblemTest, ABadLabelOnceForAllSymbolsOfARow) {
 TEST_F(ImportProblemTest, TextsThatCannotBe) {
   expectProblems("i,t\nx," + std::string(256, 't') + "\ny,\"" + std::string("a\0b", 3) + "\"\n",
                  {"--set", "i : t"},
-                 "a.csv:2:3: t: text has 256 characters, at most 255 are allowed\n"
+                 "a.csv:2:3: t: text has 256 bytes, at most 255 are allowed\n"
                  "a.csv:3:3: t: text holds a zero byte\n",
                  "2 problems");
 }

@@ -59,9 +59,91 @@ TEST_F(ImportTest, TakesDomainsThatAreNamed) {
            "--parameter", "cost(from in node, to in NODE)", "--parameter",
            "other(node in *) = cost"});
   const ztb::Database database = open();
-  EXPECT_EQ(database.symbol("cost").domains()[0].name, "node");
-  EXPECT_EQ(database.symbol("cost").domains()[1].name, "node");
+  EXPECT_EQ(database.symbol("cost").domains()[0].set->name(), "node");
+  EXPECT_EQ(database.symbol("cost").domains()[1].set->name(), "node");
   EXPECT_EQ(database.symbol("other").domains()[0].name, "*");
+}
+
+// As aliases of the set, in front of the symbol that needs them first.
+TEST_F(ImportTest, KeepsTheNamesOfColumnsOverANamedSet) {
+  write("airports.csv", "airport\nLHR\nOSL\n");
+  write("routes.csv", "from,to,miles,stops\nLHR,OSL,751,0\n");
+  EXPECT_EQ(ztbFine({"import", "out.rxf", "--check-domains", "--from", "airports.csv", "--set",
+                     "airport", "--from", "routes.csv", "--parameter",
+                     "miles(from in airport, to in airport)", "--parameter", "stops(from, to)"}),
+            "out.rxf: 5 symbols, 2 labels, 4 records\n");
+  for (const char* name : {"miles", "stops"}) {
+    EXPECT_EQ(ztbFine({"show", "out.rxf", name, "--csv", "--head", "0"}), "from,to,value\n");
+    const std::vector<ztb::Domain> domains = open().symbol(name).domains();
+    EXPECT_EQ(domains[0].name, "from");
+    EXPECT_EQ(domains[1].name, "to");
+  }
+  EXPECT_EQ(ztbFine({"check", "out.rxf", "--domains"}),
+            "out.rxf: fine: 5 symbols, 2 labels, 4 records\n");
+  ztbFine({"export", "out.rxf", "--all", "--csv", "exported"});
+  EXPECT_EQ(read("exported/miles.csv"), "from,to,value\nLHR,OSL,751\n");
+  ztbFine({"import", "again.rxf", "--dir", "exported"});
+  EXPECT_EQ(ztbFine({"diff", "out.rxf", "again.rxf"}), "no difference: 5 symbols, 4 records\n");
+}
+
+TEST_F(ImportTest, KeepsTheNamesOfColumnsWithoutASet) {
+  write("routes.csv", "airline,from,to city,miles\nBA,LHR,OSL,751\n");
+  ztbFine({"import", "out.rxf", "--from", "routes.csv", "--parameter",
+           "miles(airline, from, to city)", "--set", "leg(from, to city)", "--set",
+           "line(airline)"});
+  EXPECT_EQ(ztbFine({"show", "out.rxf", "miles", "--csv"}),
+            "airline,from,to city,value\nBA,LHR,OSL,751\n");
+  EXPECT_EQ(ztbFine({"show", "out.rxf", "leg", "--csv"}), "from,to city,text\nLHR,OSL,\n");
+  // A plain set stays one over all labels, under its own name.
+  EXPECT_EQ(ztbFine({"show", "out.rxf", "line", "--csv"}), "line,text\nBA,\n");
+  EXPECT_EQ(open().symbol("line").domains()[0].name, "*");
+  EXPECT_FALSE(open().symbol("miles").domains()[1].set);
+}
+
+TEST_F(ImportTest, TellsWhichNamesOfColumnsItCannotKeep) {
+  write("a.csv", "node,from it,p,v\nx,x,x,1\n");
+  const Outcome outcome =
+      ztb({"import", "out.rxf", "--from", "a.csv", "--set", "node", "--parameter",
+           "p(from it in node) = v", "--parameter", "q(p in node) = v"});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.errors,
+            "ztb: warning: --parameter p(from it in node) = v: a position is called node and not "
+            "'from it': 'from it' is not a valid name for a VELT symbol\n"
+            "ztb: warning: --parameter q(p in node) = v: a position is called node and not 'p': "
+            "another symbol has this name\n");
+}
+
+TEST_F(ImportTest, ReadsVariablesWithTheBoundsOfTheirKind) {
+  write("a.csv", "i,amount,cap,lower\nx,1.5,9,-2\n");
+  ztbFine({"import", "out.rxf", "--from", "a.csv", "--variable",
+           "positive buy(i) = level: amount, upper: cap 'Bought'", "--variable", "take(i) = amount",
+           "--variable", "binary all(i)"});
+  EXPECT_EQ(ztbFine({"show", "out.rxf", "buy", "--csv"}),
+            "i,level,marginal,lower,upper,scale\nx,1.5,0,0,9,1\n");
+  EXPECT_EQ(ztbFine({"show", "out.rxf", "take", "--csv"}),
+            "i,level,marginal,lower,upper,scale\nx,1.5,0,-inf,inf,1\n");
+  EXPECT_EQ(ztbFine({"show", "out.rxf", "all", "--csv"}),
+            "i,level,marginal,lower,upper,scale\nx,0,0,-2,1,1\n");
+  EXPECT_EQ(open().symbol("buy").text(), "Bought");
+  EXPECT_EQ(open().symbol("buy").userInfo(), 3);
+  write("b.csv", "i\nx\n");
+  expectFails(1,
+              "b.csv:1:1: no column level, marginal, lower, upper, scale; the columns are i\n"
+              "ztb: out.rxf: not written: 1 problem in the input\n",
+              {"import", "out.rxf", "--from", "b.csv", "--variable", "x(i)"});
+}
+
+TEST_F(ImportTest, ReadsDecimalCommas) {
+  write("a.csv", "i;v\nx;1,5\ny;-,25\n");
+  ztbFine({"import", "out.rxf", "--separator", ";", "--decimal", ",", "--from", "a.csv",
+           "--parameter", "v(i)"});
+  EXPECT_EQ(open().symbol("v").find("x")->level(), 1.5);
+  EXPECT_EQ(open().symbol("v").find("y")->level(), -0.25);
+  expectFails(2,
+              "ztb: --decimal ,: the comma parts the fields; give --separator ';' or tab as well\n",
+              {"import", "out.rxf", "--decimal", ",", "--from", "a.csv", "--parameter", "v(i)"});
+  expectFails(2, "ztb: --decimal x: expected a point or a comma\n",
+              {"import", "out.rxf", "--decimal", "x", "--from", "a.csv", "--parameter", "v(i)"});
 }
 
 TEST_F(ImportTest, ReadsAScalar) {

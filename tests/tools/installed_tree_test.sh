@@ -186,3 +186,12 @@ for header in "$tree"/include/ztb/*.hpp; do
   "$cxx_compiler" -std=c++20 -Wall -Wextra -Wpedantic -Wshadow -Werror -fsyntax-only \
     -I"$tree/include" alone.cpp
 done
+
+# The manual page and what completes the command line, as this very program tells them.
+for text in 'manual:man/man1/ztb.1' 'completion bash:bash-completion/completions/ztb' \
+  'completion zsh:zsh/site-functions/_ztb' 'completion fish:fish/vendor_completions.d/ztb.fish'; do
+  # The words are to be split.
+  # shellcheck disable=SC2086
+  "$tree/bin/ztb" ${text%%:*} | cmp - "$tree/share/${text#*:}" || fail "no ${text%%:*} in its place"
+done
+MANPATH=$tree/share/man man -w ztb | grep -qx "$tree/share/man/man1/ztb.1" || fail 'man finds no page'

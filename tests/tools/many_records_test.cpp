@@ -130,7 +130,7 @@ TEST_F(ManyRecordsTest, InFewBytesAreLookedAtInLittleMemory) {
             "big.rxf: fine: 1 symbol, 512 labels, 33554432 records\n");
   EXPECT_NE(ztbFine({"info", "big.rxf"}).find(" 33554432 "), std::string::npos);
   EXPECT_EQ(ztbFine({"show", "big.rxf", "p", "--csv", "--head", "2"}),
-            "key1,key2,key3,value\nl1,l1,l1,1\nl1,l1,l2,1\n");
+            "dim_1,dim_2,dim_3,value\nl1,l1,l1,1\nl1,l1,l2,1\n");
   EXPECT_EQ(ztbFine({"copy", "big.rxf", "p", "copy.rxf"}),
             "copy.rxf: 1 symbol, 512 labels, 33554432 records\n");
 }

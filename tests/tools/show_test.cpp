@@ -47,14 +47,14 @@ TEST_F(ShowTest, AlignsLabelsAndNumbers) {
   EXPECT_EQ(show({"holds"}),
             "parameter holds(food, *): Per dollar\n"
             "\n"
-            "food         key2                   value\n"
-            "-----------  ----  ----------------------\n"
-            "Wheat Flour  iron                     365\n"
-            "Wheat Flour  zinc                     0.1\n"
-            "Whole Wheat  iron                      -0\n"
-            "Ham, smoked  iron                   undef\n"
-            "a*b          iron                     inf\n"
-            "             zinc  nan:0x7ff8000000000001\n"
+            "food         dim_2                   value\n"
+            "-----------  -----  ----------------------\n"
+            "Wheat Flour  iron                      365\n"
+            "Wheat Flour  zinc                      0.1\n"
+            "Whole Wheat  iron                       -0\n"
+            "Ham, smoked  iron                    undef\n"
+            "a*b          iron                      inf\n"
+            "             zinc   nan:0x7ff8000000000001\n"
             "\n"
             "6 records\n");
 }
@@ -91,8 +91,8 @@ TEST_F(ShowTest, ShowsAScalar) {
 }
 
 TEST_F(ShowTest, ShowsASymbolWithoutRecords) {
-  EXPECT_EQ(show({"empty"}), "parameter empty(*)\n\nkey1  value\n----  -----\n\n0 records\n");
-  EXPECT_EQ(show({"empty", "--csv"}), "key1,value\n");
+  EXPECT_EQ(show({"empty"}), "parameter empty(*)\n\nlabel  value\n-----  -----\n\n0 records\n");
+  EXPECT_EQ(show({"empty", "--csv"}), "label,value\n");
 }
 
 TEST_F(ShowTest, ShowsTheLabelsOfTheUniverse) {
@@ -102,32 +102,33 @@ TEST_F(ShowTest, ShowsTheLabelsOfTheUniverse) {
 
 TEST_F(ShowTest, WritesCsvThatQuotesWhatNeedsIt) {
   EXPECT_EQ(show({"holds", "--csv", "--slice", "*,zinc"}),
-            "food,key2,value\nWheat Flour,zinc,0.1\n\"\",zinc,nan:0x7ff8000000000001\n");
+            "food,dim_2,value\nWheat Flour,zinc,0.1\n\"\",zinc,nan:0x7ff8000000000001\n");
 }
 
 TEST_F(ShowTest, TakesAQuotedLabelOfASliceAsItStands) {
   EXPECT_EQ(show({"holds", "--csv", "--slice", "\"Ham, smoked\",*"}),
-            "food,key2,value\n\"Ham, smoked\",iron,undef\n");
-  EXPECT_EQ(show({"holds", "--csv", "--slice", "\"a*b\",iron"}), "food,key2,value\na*b,iron,inf\n");
+            "food,dim_2,value\n\"Ham, smoked\",iron,undef\n");
+  EXPECT_EQ(show({"holds", "--csv", "--slice", "\"a*b\",iron"}),
+            "food,dim_2,value\na*b,iron,inf\n");
   EXPECT_EQ(show({"holds", "--csv", "--slice", "\"\",*"}),
-            "food,key2,value\n\"\",zinc,nan:0x7ff8000000000001\n");
+            "food,dim_2,value\n\"\",zinc,nan:0x7ff8000000000001\n");
 }
 
 TEST_F(ShowTest, ShowsNothingForAPatternThatMatchesNothing) {
-  EXPECT_EQ(show({"holds", "--csv", "--slice", "q*,*"}), "food,key2,value\n");
+  EXPECT_EQ(show({"holds", "--csv", "--slice", "q*,*"}), "food,dim_2,value\n");
 }
 
 TEST_F(ShowTest, StopsAfterHeadRecords) {
   EXPECT_EQ(show({"holds", "--head", "2", "--slice", "*,iron"}),
             "parameter holds(food, *): Per dollar\n"
             "\n"
-            "food         key2  value\n"
-            "-----------  ----  -----\n"
-            "Wheat Flour  iron    365\n"
-            "Whole Wheat  iron     -0\n"
+            "food         dim_2  value\n"
+            "-----------  -----  -----\n"
+            "Wheat Flour  iron     365\n"
+            "Whole Wheat  iron      -0\n"
             "\n"
             "2 records shown, others follow\n");
-  EXPECT_EQ(show({"holds", "--head", "0", "--csv"}), "food,key2,value\n");
+  EXPECT_EQ(show({"holds", "--head", "0", "--csv"}), "food,dim_2,value\n");
 }
 
 TEST_F(ShowTest, PrintsJsonWithSpecialValuesAsWords) {

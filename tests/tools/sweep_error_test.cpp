@@ -59,7 +59,7 @@ TEST_F(SweepErrorTest, ASymbolThatCannotBeReported) {
   std::string model = read("m.lp");
   model.insert(model.find("Bounds"), " more: " + name + "(a) >= 0\n");
   write("m.lp", model);
-  expectFails(1, "ztb: " + name + "_marginal: the name has 66 characters, at most 63 are allowed\n",
+  expectFails(1, "ztb: " + name + "_marginal: the name has 66 bytes, at most 63 are allowed\n",
               sweep({"--report", name}));
   EXPECT_FALSE(exists("out.rxf"));
 }

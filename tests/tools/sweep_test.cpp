@@ -10,8 +10,10 @@
 
 namespace {
 
+using testing::AllOf;
 using testing::HasSubstr;
 using testing::MatchesRegex;
+using testing::Not;
 using testing::StartsWith;
 using tooltest::Outcome;
 using tooltest::ScenarioValues;
@@ -36,6 +38,15 @@ TEST_F(SweepTest, EachScenarioHasItsOptimum) {
   }
   EXPECT_EQ(out.symbol("ship_level").recordCount(), 80) << "zeros are records too";
   EXPECT_EQ(out.symbol("ship_marginal").recordCount(), 80);
+}
+
+TEST_F(SweepTest, ItsChecksumsDoNotFillTheTableOfSymbols) {
+  makeScenarios(2);
+  ztbFine(sweep());
+  EXPECT_THAT(ztbFine({"info", "out.rxf"}),
+              AllOf(HasSubstr("  (checksums of what the sweep was made from)\n"),
+                    Not(HasSubstr("scenarios="))));
+  EXPECT_THAT(ztbFine({"info", "out.rxf", "--json"}), HasSubstr("scenarios="));
 }
 
 TEST_F(SweepTest, TellsTheExtremeObjectives) {

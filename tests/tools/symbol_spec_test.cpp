@@ -52,6 +52,25 @@ TEST(SymbolSpec, TakesAScalar) {
   EXPECT_EQ(spec.contentColumn, "value");
 }
 
+TEST(SymbolSpec, TakesAVariableWithItsFields) {
+  const SymbolSpec spec = parseSymbolSpec(
+      SpecKind::variable, "Positive buy(food) = level: amount, UPPER: 'most, ever' \"Bought\"");
+  EXPECT_EQ(spec.name, "buy");
+  EXPECT_EQ(spec.subtype, 3);
+  ASSERT_EQ(spec.fields.size(), 2U);
+  EXPECT_EQ(spec.fields[0].field, 0U);
+  EXPECT_EQ(spec.fields[0].column, "amount");
+  EXPECT_EQ(spec.fields[1].field, 3U);
+  EXPECT_EQ(spec.fields[1].column, "most, ever");
+  EXPECT_EQ(spec.text, "Bought");
+  const SymbolSpec plain = parseSymbolSpec(SpecKind::variable, "x() = amount");
+  EXPECT_EQ(plain.subtype, 5);
+  ASSERT_EQ(plain.fields.size(), 1U);
+  EXPECT_EQ(plain.fields[0].field, 0U);
+  EXPECT_EQ(plain.fields[0].column, "amount");
+  EXPECT_TRUE(parseSymbolSpec(SpecKind::variable, "x(i)").fields.empty());
+}
+
 TEST(SymbolSpec, TakesQuotedColumns) {
   const SymbolSpec spec =
       parseSymbolSpec(SpecKind::parameter, "p(\"unit, (kg)\" in *, 'it''s') = \"a = b\" \"t\"");
@@ -83,6 +102,18 @@ TEST(SymbolSpec, SaysWhatIsExpectedAndWhere) {
                 "--set x(y,): the name of a key column is expected at char 5");
   expectRefused(SpecKind::distinctSet, "x(y) = z",
                 "--distinct-set x(y) = z: ':' and the text column are expected at char 6");
+  expectRefused(SpecKind::variable, "whole x(i)",
+                "--variable whole x(i): free, positive, negative, binary or integer is expected "
+                "before the name at char 8");
+  expectRefused(SpecKind::variable, "x(i) = level: a, lvl: b",
+                "--variable x(i) = level: a, lvl: b: 'lvl' is no field, expected level, marginal, "
+                "lower, upper or scale at char 21");
+  expectRefused(SpecKind::variable, "x(i) = level: a, level: b",
+                "--variable x(i) = level: a, level: b: level is given twice at char 23");
+  expectRefused(
+      SpecKind::variable, "x(i) = level: a, upper",
+      "--variable x(i) = level: a, upper: ':' and the column of the field are expected at "
+      "char 23");
   expectRefused(SpecKind::parameter, "x",
                 "--parameter x: '(' and the key columns are expected; a scalar is written with () "
                 "at char 2");

@@ -15,8 +15,8 @@ using tooltest::ProgramTest;
 class UsageTest : public ProgramTest {};
 
 TEST_F(UsageTest, HelpOfEveryCommandHasAnExample) {
-  for (const char* command :
-       {"info", "show", "import", "export", "diff", "check", "copy", "pivot"}) {
+  for (const char* command : {"info", "show", "import", "export", "diff", "check", "copy", "pivot",
+                              "solve", "sweep", "help", "completion", "manual"}) {
     const Outcome outcome = ztb({command, "--help"});
     EXPECT_EQ(outcome.status, 0) << command;
     EXPECT_EQ(outcome.errors, "") << command;
@@ -63,7 +63,7 @@ TEST_F(UsageTest, AnEmptyArgumentIsNotAnOptionLeftOut) {
 }
 
 TEST_F(UsageTest, WrongUsageEndsWithTwo) {
-  expectFails(2, "ztb: A subcommand is required; see ztb --help\n", {});
+  expectFails(2, "ztb: no command is given; ztb --help lists the commands\n", {});
   expectFails(2, "ztb: no command 'bogus'; ztb --help lists the commands\n", {"bogus", "x"});
   expectFails(2, "ztb: FILE is required; see ztb info --help\n", {"info"});
   expectFails(2, "ztb: SYMBOL is required; see ztb show --help\n", {"show", "a.rxf"});
@@ -94,11 +94,12 @@ TEST_F(UsageTest, AMisspeltNameIsNamed) {
 
 TEST_F(UsageTest, ImportSaysWhatIsMissing) {
   expectFails(2,
-              "ztb: nothing to import: give --from FILE with --set or --parameter, or --dir DIR\n",
+              "ztb: nothing to import: give --from FILE with --set, --parameter or --variable, or "
+              "--dir DIR\n",
               {"import", "o.rxf"});
   expectFails(2, "ztb: --set x: a --from FILE must stand before it\n",
               {"import", "o.rxf", "--set", "x"});
-  expectFails(2, "ztb: --from a.csv: no --set or --parameter behind it reads from it\n",
+  expectFails(2, "ztb: --from a.csv: no --set, --parameter or --variable behind it reads from it\n",
               {"import", "o.rxf", "--from", "a.csv"});
   expectFails(2, "ztb: --dir and --from exclude each other\n",
               {"import", "o.rxf", "--dir", "d", "--from", "a.csv", "--set", "x"});

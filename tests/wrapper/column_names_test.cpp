@@ -17,7 +17,12 @@ TEST(ColumnNames, NamesContentByType) {
 
 TEST(ColumnNames, NamesKeysAfterDomains) {
   EXPECT_EQ(ztb::keyColumns("p", ztb::Type::parameter, Names{"food", "*", "nutrient"}),
-            (Names{"food", "key2", "nutrient"}));
+            (Names{"food", "dim_2", "nutrient"}));
+}
+
+TEST(ColumnNames, NamesTheOnlyPositionOverTheUniverse) {
+  EXPECT_EQ(ztb::keyColumns("p", ztb::Type::parameter, Names{"*"}), (Names{"label"}));
+  EXPECT_EQ(ztb::keyColumns("x", ztb::Type::variable, Names{"*"}), (Names{"label"}));
 }
 
 TEST(ColumnNames, KeepsColumnNamesApart) {
@@ -30,7 +35,7 @@ TEST(ColumnNames, KeepsColumnNamesApart) {
 TEST(ColumnNames, NamesASetOverTheUniverseAfterItself) {
   EXPECT_EQ(ztb::keyColumns("food", ztb::Type::set, Names{"*"}), (Names{"food"}));
   EXPECT_EQ(ztb::keyColumns("text", ztb::Type::set, Names{"*"}), (Names{"text_2"}));
-  EXPECT_EQ(ztb::keyColumns("arc", ztb::Type::set, Names{"*", "*"}), (Names{"key1", "key2"}));
+  EXPECT_EQ(ztb::keyColumns("arc", ztb::Type::set, Names{"*", "*"}), (Names{"dim_1", "dim_2"}));
   EXPECT_EQ(ztb::keyColumns("*", ztb::Type::set, Names{"*"}), (Names{"label"}));
 }
 

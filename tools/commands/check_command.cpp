@@ -113,7 +113,7 @@ void runCheck(const CheckOptions& options) {
 void addCheckCommand(CommandLine& line) {
   Command command = line.add("check", "Check that a file is intact");
   auto options = std::make_shared<CheckOptions>();
-  command.text("FILE", options->path, "RXF file").required();
+  command.text("FILE", options->path, "RXF file, - for standard input").required();
   command.flag("--domains", options->domains,
                "Also list every record with a label outside its domain");
   command.flag("--json", options->json, "Print these records as JSON");

@@ -100,7 +100,30 @@ std::string usageText(const CLI::App& app, const CLI::ParseError& error) {
              "; ztb --help lists the commands";
     }
   }
+  if (commands.empty()) return "no command is given; ztb --help lists the commands";
   return std::string(error.what()) + "; see ztb " + help;
+}
+
+OptionDescription described(const CLI::Option& option) {
+  const bool isOption = !option.get_lnames().empty();
+  const bool takesValue = option.get_items_expected_max() > 0;
+  return {.name = isOption ? "--" + option.get_lnames().front() : option.get_name(true, false),
+          .value = takesValue ? option.get_type_name() : "",
+          .help = option.get_description(),
+          .required = option.get_required()};
+}
+
+CommandDescription described(const CLI::App& command) {
+  CommandDescription result{.name = command.get_name(),
+                            .help = command.get_description(),
+                            .arguments = {},
+                            .options = {},
+                            .footer = command.get_footer()};
+  for (const CLI::Option* option : command.get_options()) {
+    (option->get_lnames().empty() ? result.arguments : result.options)
+        .push_back(described(*option));
+  }
+  return result;
 }
 
 }  // namespace
@@ -164,6 +187,14 @@ Option Command::number(const std::string& name, std::size_t& into, const std::st
       .typeName("N");
 }
 
+Option Command::number(const std::string& name, std::optional<std::size_t>& into,
+                       const std::string& help) {
+  return checked(
+             name, wholeNumberFault<std::size_t>,
+             [&into](const std::string& text) { into = numberOf<std::size_t>(text); }, help)
+      .typeName("N");
+}
+
 Option Command::number(const std::string& name, int& into, const std::string& help) {
   return checked(
              name, wholeNumberFault<int>,
@@ -211,7 +242,7 @@ void Command::action(std::function<int()> run) {
 
 CommandLine::CommandLine(const std::string& name, const std::string& version,
                          const std::string& description, const std::string& footer)
-    : app_(std::make_unique<CLI::App>(description)) {
+    : version_(version), app_(std::make_unique<CLI::App>(description)) {
   app_->name(name);
   app_->set_version_flag("--version", version);
   app_->require_subcommand(1);
@@ -222,6 +253,32 @@ CommandLine::~CommandLine() = default;
 
 Command CommandLine::add(const std::string& name, const std::string& help) {
   return {app_->add_subcommand(name, help), chosen_};
+}
+
+void CommandLine::printHelp(const std::string& command) {
+  const std::vector<std::string> names = commandNames(*app_);
+  if (command.empty()) {
+    // The program's own, not that of the command that asks for it.
+    print(
+        app_->get_formatter()->make_help(app_.get(), app_->get_name(), CLI::AppFormatMode::Normal));
+  } else if (std::ranges::find(names, command) != names.end()) {
+    print(app_->get_subcommand(command)->help(app_->get_name(), CLI::AppFormatMode::Normal));
+  } else {
+    throw UsageError("no command '" + command + "'" + suggestion(command, names) +
+                     "; ztb --help lists the commands");
+  }
+}
+
+ProgramDescription CommandLine::description() const {
+  ProgramDescription result{.name = app_->get_name(),
+                            .version = version_,
+                            .help = app_->get_description(),
+                            .footer = app_->get_footer(),
+                            .commands = {}};
+  for (const CLI::App* command : app_->get_subcommands([](const CLI::App*) { return true; })) {
+    result.commands.push_back(described(*command));
+  }
+  return result;
 }
 
 int CommandLine::run(int argc, char** argv) {

@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+#include "tools/commands/description.h"
+
 namespace CLI {
 class App;
 class Option;
@@ -53,6 +55,7 @@ class Command {
   Option flag(const std::string& name, bool& into, const std::string& help);
   // Digits; a sign, a fraction or a word is wrong usage, and so is more than the type holds.
   Option number(const std::string& name, std::size_t& into, const std::string& help);
+  Option number(const std::string& name, std::optional<std::size_t>& into, const std::string& help);
   Option number(const std::string& name, int& into, const std::string& help);
   Option number(const std::string& name, std::optional<int>& into, const std::string& help);
   Option real(const std::string& name, std::optional<double>& into, const std::string& help);
@@ -83,11 +86,18 @@ class CommandLine {
 
   Command add(const std::string& name, const std::string& help);
 
+  // Prints the help of a command, or of the program for an empty name. Throws UsageError where no
+  // command has the name.
+  void printHelp(const std::string& command);
+  // All that was added.
+  [[nodiscard]] ProgramDescription description() const;
+
   // Runs the command that the words name and gives its exit code. Throws UsageError for words that
   // make no command line.
   int run(int argc, char** argv);
 
  private:
+  std::string version_;
   std::unique_ptr<CLI::App> app_;
   std::function<int()> chosen_;  // the action of the command that was named
 };

@@ -38,6 +38,15 @@ void addSolveCommand(CommandLine& line);
 // file.
 void addSweepCommand(CommandLine& line);
 
+// ztb help COMMAND: the help of a command.
+void addHelpCommand(CommandLine& line);
+
+// ztb completion SHELL: a script that completes the command line in a shell.
+void addCompletionCommand(CommandLine& line);
+
+// ztb manual: the manual page.
+void addManualCommand(CommandLine& line);
+
 }  // namespace tool
 
 #endif  // ZTB_TOOLS_COMMANDS_COMMANDS_H_

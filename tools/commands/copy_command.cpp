@@ -12,6 +12,7 @@
 #include "tools/commands/commands.h"
 #include "tools/commands/memory_option.h"
 #include "tools/files/exchange_file.h"
+#include "tools/files/standard_streams.h"
 #include "tools/text/failure.h"
 #include "tools/text/output.h"
 #include "tools/text/progress.h"
@@ -206,6 +207,7 @@ void runCopy(const CopyOptions& options) {
     throw UsageError(
         fmt::format("{}: would be replaced by a part of itself; name another file", target));
   }
+  OutputFile output(target);
   Progress progress;
   progress.step("opening " + options.source);
   const ExchangeFile file(options.source);
@@ -219,11 +221,13 @@ void runCopy(const CopyOptions& options) {
   const std::vector<const FileSymbol*> symbols = selection.symbols();
   Copy copy(file, symbols, progress);
   try {
-    copy.write(target, options.checkDomains);
+    copy.write(output.path(), options.checkDomains);
   } catch (const ztb::Error& failure) {
-    throw Failure(withFile(target, failure.what()));
+    throw Failure(withFile(output.name(), failure.what()));
   }
-  print(fmt::format("{}: {}, {}, {}\n", ztb::displayText(target), counted(symbols.size(), "symbol"),
+  output.finish();
+  print(fmt::format("{}: {}, {}, {}\n", ztb::displayText(output.name()),
+                    counted(symbols.size(), "symbol"),
                     counted(static_cast<std::size_t>(copy.labelCount()), "label"),
                     counted(copy.recordCount(), "record")));
 }
@@ -233,8 +237,10 @@ void runCopy(const CopyOptions& options) {
 void addCopyCommand(CommandLine& line) {
   Command command = line.add("copy", "Copy symbols, with what they need, to a file of their own");
   auto options = std::make_shared<CopyOptions>();
-  command.text("SRC", options->source, "RXF file").required();
-  command.words("SYMBOL", options->words, 2, "Symbols to copy, and DST, the RXF file to make")
+  command.text("SRC", options->source, "RXF file, - for standard input").required();
+  command
+      .words("SYMBOL", options->words, 2,
+             "Symbols to copy, and DST, the RXF file to make, - for standard output")
       .typeName("... DST")
       .required();
   command.flag("--check-domains", options->checkDomains,

@@ -197,8 +197,8 @@ int runDiff(const DiffArguments& arguments) {
 void addDiffCommand(CommandLine& line) {
   Command command = line.add("diff", "Compare two files");
   auto arguments = std::make_shared<DiffArguments>();
-  command.text("A", arguments->before, "RXF file").required();
-  command.text("B", arguments->after, "RXF file").required();
+  command.text("A", arguments->before, "RXF file, - for standard input").required();
+  command.text("B", arguments->after, "RXF file, - for standard input").required();
   command.real("--tolerance", arguments->tolerance,
                "Largest absolute difference of two numbers that counts as none");
   command.number("--head", arguments->head, "Differing records to print for each symbol")

@@ -86,10 +86,8 @@ void writeLabels(const std::filesystem::path& folder, const ExchangeFile& file) 
   csv.close();
 }
 
-std::size_t writeRecords(const std::filesystem::path& folder, const ExchangeFile& file,
-                         const FileSymbol& symbol, Progress& progress) {
-  progress.step("writing " + recordsPath(folder, symbol.name).string());
-  CsvWriter csv(recordsPath(folder, symbol.name).string());
+std::size_t writeRecords(CsvWriter& csv, const ExchangeFile& file, const FileSymbol& symbol,
+                         Progress& progress) {
   for (const std::string& column : ztb::keyColumns(symbol.name, symbol.type, domainNames(symbol))) {
     csv.field(column);
   }
@@ -116,6 +114,18 @@ std::size_t writeRecords(const std::filesystem::path& folder, const ExchangeFile
   return records;
 }
 
+// Writes the table of the one symbol that is chosen to standard output.
+void writeTable(const ExchangeFile& file, const std::vector<const FileSymbol*>& symbols,
+                Progress& progress) {
+  if (symbols.size() != 1 || symbols.front()->isAlias()) {
+    throw UsageError(
+        fmt::format("--csv -: standard output takes the table of one symbol, {} chosen",
+                    counted(symbols.size(), "symbol") + (symbols.size() == 1 ? " is" : " are")));
+  }
+  CsvWriter csv(stdout, "standard output");
+  writeRecords(csv, file, *symbols.front(), progress);
+}
+
 void runExport(const ExportOptions& options) {
   if (options.all == !options.symbols.empty()) {
     throw UsageError("give the names of symbols, or --all");
@@ -124,6 +134,11 @@ void runExport(const ExportOptions& options) {
   progress.step("opening " + options.file);
   const ExchangeFile file(options.file);
   const std::vector<const FileSymbol*> symbols = chosenSymbols(file, options);
+  if (options.folder == "-") {
+    progress.step("writing");
+    writeTable(file, symbols, progress);
+    return;
+  }
   const std::filesystem::path folder = options.folder;
   prepareFolder(folder);
   writeLabels(folder, file);
@@ -132,7 +147,10 @@ void runExport(const ExportOptions& options) {
   for (const FileSymbol* symbol : symbols) {
     entries.push_back(describe(file, *symbol));
     if (!symbol->isAlias()) {
-      records += writeRecords(folder, file, *symbol, progress);
+      const std::string path = recordsPath(folder, symbol->name).string();
+      progress.step("writing " + path);
+      CsvWriter csv(path);
+      records += writeRecords(csv, file, *symbol, progress);
     }
   }
   writeManifest(folder, entries);
@@ -146,10 +164,12 @@ void runExport(const ExportOptions& options) {
 void addExportCommand(CommandLine& line) {
   Command command = line.add("export", "Write symbols out as CSV");
   auto options = std::make_shared<ExportOptions>();
-  command.text("FILE", options->file, "RXF file").required();
+  command.text("FILE", options->file, "RXF file, - for standard input").required();
   command.texts("SYMBOL", options->symbols, "Symbols to export");
   command.flag("--all", options->all, "Export all symbols");
-  command.text("--csv", options->folder, "Folder to write to, made if it is not there")
+  command
+      .text("--csv", options->folder,
+            "Folder to write to, made if it is not there; - for one table to standard output")
       .typeName("DIR")
       .required();
   addMemoryOption(command);

@@ -10,6 +10,7 @@
 #include "tools/commands/command_line.h"
 #include "tools/commands/commands.h"
 #include "tools/commands/store_option.h"
+#include "tools/files/standard_streams.h"
 #include "tools/tables/folder_import.h"
 #include "tools/tables/problem_list.h"
 #include "tools/tables/record_import.h"
@@ -29,6 +30,7 @@ struct ImportOptions {
   std::optional<std::string> folder;
   std::vector<TableSource> sources;
   std::string separator = ",";
+  std::string decimal = ".";
   ztb::Store store = ztb::Store::map;
   bool checkDomains = false;
   bool skipEmpty = false;
@@ -45,17 +47,29 @@ char separatorOf(const std::string& text) {
   return text.front();
 }
 
+char decimalOf(const std::string& text, char separator) {
+  if (text != "." && text != ",") {
+    throw UsageError(fmt::format("--decimal {}: expected a point or a comma", text));
+  }
+  if (text.front() == separator) {
+    throw UsageError(
+        "--decimal ,: the comma parts the fields; give --separator ';' or tab as well");
+  }
+  return text.front();
+}
+
 void checkUsage(const ImportOptions& options) {
   if (options.folder && !options.sources.empty()) {
     throw UsageError("--dir and --from exclude each other");
   }
   if (!options.folder && options.sources.empty()) {
-    throw UsageError("nothing to import: give --from FILE with --set or --parameter, or --dir DIR");
+    throw UsageError(
+        "nothing to import: give --from FILE with --set, --parameter or --variable, or --dir DIR");
   }
   for (const TableSource& source : options.sources) {
     if (source.symbols.empty()) {
-      throw UsageError(
-          fmt::format("--from {}: no --set or --parameter behind it reads from it", source.path));
+      throw UsageError(fmt::format(
+          "--from {}: no --set, --parameter or --variable behind it reads from it", source.path));
     }
   }
 }
@@ -74,7 +88,10 @@ void rewriteFrom(ztb::Store store, const std::string& path, bool checkDomains) {
 void runImport(const ImportOptions& options) {
   checkUsage(options);
   const TableImportOptions tables{.separator = separatorOf(options.separator),
-                                  .skipEmpty = options.skipEmpty};
+                                  .skipEmpty = options.skipEmpty,
+                                  .namesAlone = !options.checkDomains};
+  const char decimal = decimalOf(options.decimal, tables.separator);
+  OutputFile output(options.out);
   std::optional<Progress> progress(std::in_place);
   ProblemList problems(options.maxErrors);
   ProblemList warnings(options.maxErrors);
@@ -83,30 +100,36 @@ void runImport(const ImportOptions& options) {
   if (options.checkDomains) {
     records.checkDomains();
   }
+  std::vector<std::string> lostRoles;
   if (options.folder) {
     importFolder(database, *options.folder, records, problems);
   } else {
-    importTables(database, options.sources, tables, records, problems);
+    records.setDecimalChar(decimal);
+    lostRoles = importTables(database, options.sources, tables, records, problems);
   }
   if (problems.empty()) {
-    progress->step("writing " + options.out);
+    progress->step("writing " + output.name());
     try {
-      database.write(options.out, options.checkDomains);
+      database.write(output.path(), options.checkDomains);
       if (options.store != ztb::Store::map) {
-        rewriteFrom(options.store, options.out, options.checkDomains);
+        rewriteFrom(options.store, output.path(), options.checkDomains);
       }
     } catch (const ztb::Error& error) {
-      throw Failure(withFile(options.out, error.what()));
+      throw Failure(withFile(output.name(), error.what()));
     }
+    output.finish();
   }
   progress.reset();
+  for (const std::string& lost : lostRoles) {
+    printError("ztb: warning: " + lost);
+  }
   std::fputs(warnings.report().c_str(), stderr);
   if (!problems.empty()) {
     std::fputs(problems.report().c_str(), stderr);
-    throw Failure(fmt::format("{}: not written: {} in the input", options.out,
+    throw Failure(fmt::format("{}: not written: {} in the input", output.name(),
                               counted(problems.count(), "problem")));
   }
-  print(fmt::format("{}: {}, {}, {}\n", ztb::displayText(options.out),
+  print(fmt::format("{}: {}, {}, {}\n", ztb::displayText(output.name()),
                     counted(static_cast<std::size_t>(database.symbolCount()), "symbol"),
                     counted(static_cast<std::size_t>(database.labelCount()), "label"),
                     counted(records.recordCount(), "record")));
@@ -134,7 +157,7 @@ void addSymbolOption(Command command, const std::shared_ptr<ImportOptions>& opti
 void addImportCommand(CommandLine& line) {
   Command command = line.add("import", "Make a file from CSV");
   auto options = std::make_shared<ImportOptions>();
-  command.text("OUT", options->out, "RXF file to write").required();
+  command.text("OUT", options->out, "RXF file to write, - for standard output").required();
   command
       .each(
           "--from",
@@ -149,6 +172,9 @@ void addImportCommand(CommandLine& line) {
                   "The same; an element that stands in many rows is taken once");
   addSymbolOption(command, options, SpecKind::parameter,
                   "Make a parameter: NAME(KEY, ...) = VALUECOLUMN \"text\"");
+  addSymbolOption(command, options, SpecKind::variable,
+                  "Make a variable: [KIND] NAME(KEY, ...) = LEVELCOLUMN \"text\", or = FIELD: "
+                  "COLUMN, ...; KIND is free, positive, negative, binary or integer");
   command.text("--dir", options->folder, "Folder that ztb export --csv left").typeName("DIR");
   command.flag("--check-domains", options->checkDomains,
                "Each label must be in the set that is its domain");
@@ -156,14 +182,18 @@ void addImportCommand(CommandLine& line) {
   command
       .text("--separator", options->separator, "Char between the fields of FILE, or the word tab")
       .typeName("CHAR");
+  command.text("--decimal", options->decimal, "Char where the fraction of a number begins: . or ,")
+      .typeName(".|,");
   addStoreOption(command, options->store);
   command.number("--max-errors", options->maxErrors, "Problems to print, the rest is counted")
       .defaultText(std::to_string(options->maxErrors));
   command.footer(
       "KEY is the name of a column, whose fields are the labels of that position; KEY in SET "
       "names\n"
-      "its domain. Without it the domain is the one-dimensional set of the column's name, if it\n"
-      "was made before. --set NAME is short for --set NAME(NAME). A scalar is NAME() = COLUMN.\n"
+      "its domain, and makes COLUMN an alias of it, so that the name is kept. Without it the "
+      "domain\n"
+      "is the one-dimensional set of the column's name, if it was made before, or the name alone.\n"
+      "--set NAME is short for --set NAME(NAME). A scalar is NAME() = COLUMN.\n"
       "Names and texts with one of ( ) , : = in them stand in quotes.\n"
       "Numbers may be the words undef, na, inf, -inf, eps. Nothing is written if a file has a\n"
       "problem: each is shown with file, line and column.\n\n"

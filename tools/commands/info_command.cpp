@@ -11,7 +11,9 @@
 #include "tools/commands/command_line.h"
 #include "tools/commands/commands.h"
 #include "tools/commands/memory_option.h"
+#include "tools/commands/table_options.h"
 #include "tools/files/exchange_file.h"
+#include "tools/sweep/sweep_inputs.h"
 #include "tools/text/failure.h"
 #include "tools/text/json_text.h"
 #include "tools/text/output.h"
@@ -26,6 +28,7 @@ namespace {
 struct InfoOptions {
   std::string file;
   bool json = false;
+  TableOptions table;
 };
 
 // What holds the records of a file once a database reads them, unless it was told otherwise.
@@ -80,12 +83,12 @@ std::array<std::string, 7> cellsOf(const ExchangeFile& file, const FileSymbol& s
                 : fmt::format("{}", fmt::join(domainNames(symbol), ", ")),
           alias ? std::string() : std::to_string(symbol.recordCount),
           alias ? std::string() : std::string(storeWord(defaultStore)),
-          symbol.text};
+          isSweepInputs(symbol.text) ? "(checksums of what the sweep was made from)" : symbol.text};
 }
 
-void printTable(const ExchangeFile& file) {
+void printTable(const ExchangeFile& file, const TableOptions& options) {
   using Align = TablePrinter::Align;
-  TablePrinter table;
+  TablePrinter table(options.style());
   table.addColumn("Symbol", Align::left);
   table.addColumn("Type", Align::left);
   table.addColumn("Dim", Align::right);
@@ -132,7 +135,7 @@ void runInfo(const InfoOptions& options) {
     return;
   }
   if (!file.symbols().empty()) {
-    printTable(file);
+    printTable(file, options.table);
     print("\n");
   }
   printTotals(file, totalsOf(file));
@@ -143,8 +146,9 @@ void runInfo(const InfoOptions& options) {
 void addInfoCommand(CommandLine& line) {
   Command command = line.add("info", "Show what is in a file");
   auto options = std::make_shared<InfoOptions>();
-  command.text("FILE", options->file, "RXF file").required();
+  command.text("FILE", options->file, "RXF file, - for standard input").required();
   command.flag("--json", options->json, "Print JSON");
+  addWidthOption(command, options->table);
   addMemoryOption(command);
   command.footer(
       "Lists the symbols with type, dimension, domains, record count, record store in memory and\n"

@@ -32,6 +32,9 @@ int run(int argc, char** argv) {
   tool::addPivotCommand(line);
   tool::addSolveCommand(line);
   tool::addSweepCommand(line);
+  tool::addHelpCommand(line);
+  tool::addCompletionCommand(line);
+  tool::addManualCommand(line);
   const int status = line.run(argc, argv);
   tool::flushOutput();
   return status;

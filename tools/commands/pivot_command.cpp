@@ -4,6 +4,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -12,10 +13,11 @@
 #include "tools/commands/command_line.h"
 #include "tools/commands/commands.h"
 #include "tools/commands/memory_option.h"
+#include "tools/commands/table_options.h"
 #include "tools/files/exchange_file.h"
 #include "tools/files/slice_filter.h"
 #include "tools/tables/csv_writer.h"
-#include "tools/tables/pivot_cube.h"
+#include "tools/tables/pivot_grid.h"
 #include "tools/text/failure.h"
 #include "tools/text/number_text.h"
 #include "tools/text/output.h"
@@ -35,6 +37,7 @@ struct PivotOptions {
   std::optional<std::string> slice;
   std::optional<std::string> field;
   bool csv = false;
+  TableOptions table;
 };
 
 using Positions = std::vector<std::size_t>;
@@ -85,54 +88,6 @@ ztb::Field fieldOf(const std::optional<std::string>& word, const FileSymbol& sym
   return static_cast<ztb::Field>(found - ztb::fieldNames.begin());
 }
 
-// One side of the table: the combinations of labels that some record has, in the order of their
-// places, the first position slowest.
-class Side {
- public:
-  Side(Positions positions, const PivotCube& cube)
-      : positions_(std::move(positions)), cube_(cube), occurs_(1) {
-    for (const std::size_t position : positions_) {
-      occurs_.resize(occurs_.size() * cube.labels(position).size());
-    }
-  }
-
-  [[nodiscard]] std::size_t size() const { return entries_.size(); }
-  [[nodiscard]] const Positions& positions() const { return positions_; }
-
-  // Notes that a record stands at these places.
-  void note(std::span<const std::size_t> places) {
-    std::size_t number = 0;
-    for (const std::size_t position : positions_) {
-      number = number * cube_.labels(position).size() + places[position];
-    }
-    occurs_[number] = true;
-  }
-  // Makes the entries out of what was noted.
-  void finish() {
-    for (std::size_t number = 0; number < occurs_.size(); ++number) {
-      if (occurs_[number]) {
-        entries_.push_back(number);
-      }
-    }
-  }
-
-  // Fills in the places of an entry.
-  void place(std::size_t entry, std::span<std::size_t> places) const {
-    std::size_t number = entries_[entry];
-    for (std::size_t i = positions_.size(); i-- > 0;) {
-      const std::size_t size = cube_.labels(positions_[i]).size();
-      places[positions_[i]] = number % size;
-      number /= size;
-    }
-  }
-
- private:
-  Positions positions_;
-  const PivotCube& cube_;
-  std::vector<bool> occurs_;
-  std::vector<std::size_t> entries_;
-};
-
 class PivotTable {
  public:
   explicit PivotTable(const PivotOptions& options)
@@ -154,61 +109,76 @@ class PivotTable {
     if (options.slice) {
       filter = SliceFilter(*options.slice, file_, symbol_);
     }
-    cube_.emplace(file_, symbol_, field, filter);
+    grid_.emplace(file_, symbol_, field, filter, rows, columns);
     requireRestFixed(taken);
-    places_.resize(keyColumns_.size());
-    rows_.emplace(rows, *cube_);
-    columns_.emplace(columns, *cube_);
-    noteRecords();
   }
 
-  void printText() {
-    std::vector<NumberText> numbers;
-    TablePrinter table;
-    for (const std::size_t position : rows_->positions()) {
-      table.addColumn(keyColumns_[position], TablePrinter::Align::left);
+  void printText(const TableOptions& options) {
+    TablePrinter table(options.style());
+    const std::vector<TablePrinter::Part> parts = measured(table, options.digits);
+    // The number of the part that each column stands in.
+    std::vector<std::size_t> partOf;
+    for (std::size_t part = 0; part < parts.size(); ++part) {
+      partOf.insert(partOf.end(), parts[part].end - parts[part].begin, part);
     }
-    for (std::size_t column = 0; column < columns_->size(); ++column) {
-      table.addColumn(columnTitle(column), TablePrinter::Align::right);
-    }
-    eachRow([&](const std::vector<std::string_view>& cells) { table.measure(cells); });
+    std::vector<PivotGrid::Cell> cells = grid_->cells();
+    std::ranges::stable_sort(cells, {},
+                             [&](const PivotGrid::Cell& cell) { return partOf[cell.column]; });
+
     const std::string& text = symbol_.text;
     print(fmt::format("{} {}{}{}\n\n", typeWord(symbol_.type), signature(symbol_),
                       text.empty() ? "" : ": ", printable(text)));
-    table.printHeader(stdout);
-    eachRow([&](const std::vector<std::string_view>& cells) { table.printRow(stdout, cells); });
-    print(fmt::format("\n{} x {}, {}\n", counted(rows_->size(), "row"),
-                      counted(columns_->size(), "column"),
-                      counted(cube_->recordCount(), "record")));
+    auto cell = cells.begin();
+    for (std::size_t part = 0; part < parts.size(); ++part) {
+      const auto end = std::find_if(cell, cells.end(), [&](const PivotGrid::Cell& other) {
+        return partOf[other.column] != part;
+      });
+      print(part == 0 ? "" : "\n");
+      table.printHeader(stdout, parts[part]);
+      const std::size_t first = parts[part].begin - leading();
+      const std::size_t count = parts[part].end - parts[part].begin;
+      eachRow({cell, end}, first, count, options.digits,
+              [&](const std::vector<std::string_view>& row) {
+                table.printRow(stdout, parts[part], row);
+              });
+      cell = end;
+    }
+    print(fmt::format("\n{} x {}, {}\n", counted(grid_->rows().size(), "row"),
+                      counted(grid_->columns().size(), "column"),
+                      counted(grid_->cells().size(), "record")));
   }
 
-  void printCsv() {
+  void printCsv(int digits) {
     CsvWriter csv(stdout, "standard output");
-    for (const std::size_t position : rows_->positions()) {
+    for (const std::size_t position : grid_->rows().positions()) {
       csv.field(keyColumns_[position]);
     }
-    for (std::size_t column = 0; column < columns_->size(); ++column) {
+    for (std::size_t column = 0; column < grid_->columns().size(); ++column) {
       csv.field(columnTitle(column));
     }
     csv.endRecord();
-    eachRow([&](const std::vector<std::string_view>& cells) {
-      for (std::size_t cell = 0; cell < cells.size(); ++cell) {
-        if (cell < rows_->positions().size()) {
-          csv.label(cells[cell]);
-        } else {
-          csv.field(cells[cell]);
-        }
-      }
-      csv.endRecord();
-    });
+    eachRow(grid_->cells(), 0, grid_->columns().size(), digits,
+            [&](const std::vector<std::string_view>& row) {
+              for (std::size_t cell = 0; cell < row.size(); ++cell) {
+                if (cell < leading()) {
+                  csv.label(row[cell]);
+                } else {
+                  csv.field(row[cell]);
+                }
+              }
+              csv.endRecord();
+            });
     csv.close();
   }
 
  private:
+  // Columns of labels in front of the values.
+  [[nodiscard]] std::size_t leading() const { return grid_->rows().positions().size(); }
+
   // A position on neither side must have one label.
   void requireRestFixed(const Positions& taken) const {
     for (std::size_t position = 0; position < keyColumns_.size(); ++position) {
-      const std::size_t labels = cube_->labels(position).size();
+      const std::size_t labels = grid_->labelCount(position);
       if (std::ranges::find(taken, position) == taken.end() && labels > 1) {
         throw UsageError(fmt::format(
             "position {} ({}) is in neither --rows nor --columns and has {}; choose one "
@@ -218,67 +188,65 @@ class PivotTable {
     }
   }
 
-  void noteRecords() {
-    std::vector<std::size_t> places(keyColumns_.size());
-    for (std::size_t cell = 0; cell < cube_->cellCount(); ++cell) {
-      if (cube_->isRecord(cell)) {
-        std::size_t rest = cell;
-        for (std::size_t position = places.size(); position-- > 0;) {
-          places[position] = rest % cube_->labels(position).size();
-          rest /= cube_->labels(position).size();
-        }
-        rows_->note(places);
-        columns_->note(places);
+  // Adds the columns, as wide as their cells, and gives the parts that have room in a line.
+  std::vector<TablePrinter::Part> measured(TablePrinter& table, int digits) const {
+    for (const std::size_t position : grid_->rows().positions()) {
+      table.addColumn(keyColumns_[position], TablePrinter::Align::left);
+    }
+    for (std::size_t column = 0; column < grid_->columns().size(); ++column) {
+      table.addColumn(columnTitle(column), TablePrinter::Align::right);
+    }
+    for (std::size_t row = 0; row < grid_->rows().size(); ++row) {
+      for (std::size_t index = 0; index < leading(); ++index) {
+        table.measure(index, file_.label(grid_->rows().labels(row)[index]));
       }
     }
-    rows_->finish();
-    columns_->finish();
+    for (const PivotGrid::Cell& cell : grid_->cells()) {
+      table.measure(leading() + cell.column, NumberText(cell.value, digits).view());
+    }
+    return table.parts(leading());
   }
 
   // The labels of a column, with dots between.
-  std::string columnTitle(std::size_t column) {
-    columns_->place(column, places_);
+  [[nodiscard]] std::string columnTitle(std::size_t column) const {
     std::string title;
-    for (const std::size_t position : columns_->positions()) {
+    for (const int label : grid_->columns().labels(column)) {
       title += title.empty() ? "" : ".";
-      title += labelAt(position);
+      title += file_.label(label);
     }
     return title;
   }
 
-  [[nodiscard]] std::string_view labelAt(std::size_t position) const {
-    return file_.label(cube_->labels(position)[places_[position]]);
-  }
-
-  // Calls `use` with the cells of each row: labels, then values, blank where there is no record.
-  void eachRow(const std::function<void(const std::vector<std::string_view>&)>& use) {
+  // Calls `use` with each row that one of the cells stands in: its labels, then the values of
+  // `count` columns from `first` on, blank where there is no record.
+  void eachRow(std::span<const PivotGrid::Cell> cells, std::size_t first, std::size_t count,
+               int digits, const std::function<void(const std::vector<std::string_view>&)>& use) {
     std::vector<NumberText> numbers;
-    numbers.reserve(columns_->size());
-    std::vector<std::string_view> cells;
-    for (std::size_t row = 0; row < rows_->size(); ++row) {
+    std::vector<std::string_view> row;
+    while (!cells.empty()) {
+      const std::size_t number = cells.front().row;
+      std::size_t inRow = 0;
       numbers.clear();
-      cells.clear();
-      rows_->place(row, places_);
-      for (const std::size_t position : rows_->positions()) {
-        cells.push_back(labelAt(position));
+      for (; inRow < cells.size() && cells[inRow].row == number; ++inRow) {
+        numbers.emplace_back(cells[inRow].value, digits);
       }
-      for (std::size_t column = 0; column < columns_->size(); ++column) {
-        columns_->place(column, places_);
-        const std::size_t cell = cube_->cellOf(places_);
-        cells.push_back(cube_->isRecord(cell) ? numbers.emplace_back(cube_->value(cell)).view()
-                                              : std::string_view());
+      row.clear();
+      for (const int label : grid_->rows().labels(number)) {
+        row.push_back(file_.label(label));
       }
-      use(cells);
+      row.resize(leading() + count);
+      for (std::size_t index = 0; index < inRow; ++index) {
+        row[leading() + cells[index].column - first] = numbers[index].view();
+      }
+      use(row);
+      cells = cells.subspan(inRow);
     }
   }
 
   ExchangeFile file_;
   const FileSymbol& symbol_;
   std::vector<std::string> keyColumns_;
-  std::optional<PivotCube> cube_;
-  std::optional<Side> rows_;
-  std::optional<Side> columns_;
-  std::vector<std::size_t> places_;
+  std::optional<PivotGrid> grid_;
 };
 
 void runPivot(const PivotOptions& options) {
@@ -287,9 +255,9 @@ void runPivot(const PivotOptions& options) {
   PivotTable table(options);
   progress.reset();
   if (options.csv) {
-    table.printCsv();
+    table.printCsv(options.table.digits);
   } else {
-    table.printText();
+    table.printText(options.table);
   }
 }
 
@@ -298,7 +266,7 @@ void runPivot(const PivotOptions& options) {
 void addPivotCommand(CommandLine& line) {
   Command command = line.add("pivot", "Show a symbol as a two-way table");
   auto options = std::make_shared<PivotOptions>();
-  command.text("FILE", options->file, "RXF file").required();
+  command.text("FILE", options->file, "RXF file, - for standard input").required();
   command.text("SYMBOL", options->symbol, "A parameter, variable or equation").required();
   command.text("--rows", options->rows, "Positions that go down the table")
       .typeName("POSITION,...")
@@ -311,11 +279,15 @@ void addPivotCommand(CommandLine& line) {
   command.text("--field", options->field, "Field of a variable or equation; level")
       .typeName("FIELD");
   command.flag("--csv", options->csv, "Print CSV");
+  addWidthOption(command, options->table);
+  addDigitsOption(command, options->table);
   addMemoryOption(command);
   command.footer(
       "A position is its number, from 1, or the name of its column in ztb show. A position on\n"
       "neither side has to be cut down to one label with --slice. A cell without a record is "
-      "blank.\n\n"
+      "blank.\n"
+      "A table that is wider than the line is shown in parts, each with the rows that have a cell "
+      "in it.\n\n"
       "Examples:\n"
       "  ztb pivot diet.rxf nutrition --rows food --columns nutrient\n"
       "  ztb pivot routes.rxf types --rows 2 --columns 3 --slice 'LH,*,*' --csv");

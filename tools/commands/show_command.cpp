@@ -15,6 +15,7 @@
 #include "tools/commands/commands.h"
 #include "tools/commands/memory_option.h"
 #include "tools/commands/store_option.h"
+#include "tools/commands/table_options.h"
 #include "tools/files/exchange_file.h"
 #include "tools/files/record_walk.h"
 #include "tools/files/slice_filter.h"
@@ -24,6 +25,7 @@
 #include "tools/text/number_text.h"
 #include "tools/text/output.h"
 #include "tools/text/progress.h"
+#include "tools/text/screen.h"
 #include "tools/text/table_printer.h"
 #include "tools/text/words.h"
 
@@ -36,11 +38,25 @@ struct ShowOptions {
   std::string symbol;
   std::optional<std::string> slice;
   std::optional<std::string> fields;
-  std::size_t head = std::numeric_limits<std::size_t>::max();
+  std::optional<std::size_t> head;
+  bool all = false;
   ztb::Store store = ztb::Store::map;
   bool csv = false;
   bool json = false;
+  TableOptions table;
 };
+
+// A table of more records than one reads on a screen ends early there, and tells so.
+constexpr std::size_t recordsOnTerminal = 1000;
+
+std::size_t recordsShown(const ShowOptions& options) {
+  if (options.head) {
+    return *options.head;
+  }
+  const bool isTable = !options.csv && !options.json;
+  return isTable && !options.all && outputIsTerminal() ? recordsOnTerminal
+                                                       : std::numeric_limits<std::size_t>::max();
+}
 
 // The records of one symbol as cells: labels first, then text or values.
 class ShownRecords {
@@ -49,7 +65,8 @@ class ShownRecords {
       : file_(options.file),
         symbol_(file_.resolved(file_.symbol(options.symbol))),
         store_(options.store),
-        head_(options.head),
+        head_(recordsShown(options)),
+        digits_(options.table.digits),
         keyColumns_(ztb::keyColumns(symbol_.name, symbol_.type, domainNames(symbol_))),
         walk_(file_, symbol_) {
     chooseContent(options.fields);
@@ -66,6 +83,8 @@ class ShownRecords {
     return symbol_.type == ztb::Type::set && !symbol_.isUniverse();
   }
   [[nodiscard]] ztb::Store store() const { return store_; }
+  // A value as it is shown.
+  [[nodiscard]] NumberText number(double value) const { return NumberText(value, digits_); }
   // Places of contentColumns() among the values of a record.
   [[nodiscard]] const std::vector<std::size_t>& fields() const { return fields_; }
 
@@ -130,6 +149,7 @@ class ShownRecords {
   const FileSymbol& symbol_;
   ztb::Store store_;
   std::size_t head_;
+  int digits_;
   std::vector<std::string> keyColumns_;
   std::vector<std::string> contentColumns_;
   std::vector<std::size_t> fields_;
@@ -154,7 +174,7 @@ void printCsv(ShownRecords& shown) {
       csv.field(record.text());
     } else {
       for (const std::size_t field : shown.fields()) {
-        csv.field(NumberText(record.values()[field]).view());
+        csv.field(shown.number(record.values()[field]).view());
       }
     }
     csv.endRecord();
@@ -211,7 +231,7 @@ ShownRecords::Walked walkCells(ShownRecords& shown, bool withTexts,
     numbers.clear();
     if (!shown.hasTexts()) {
       for (const std::size_t field : shown.fields()) {
-        cells.push_back(numbers.emplace_back(record.values()[field]).view());
+        cells.push_back(numbers.emplace_back(shown.number(record.values()[field])).view());
       }
     } else if (withTexts) {
       cells.push_back(record.text());
@@ -220,9 +240,10 @@ ShownRecords::Walked walkCells(ShownRecords& shown, bool withTexts,
   });
 }
 
-void printTable(ShownRecords& shown, std::optional<Progress>& progress) {
+void printTable(ShownRecords& shown, const ShowOptions& options,
+                std::optional<Progress>& progress) {
   using Align = TablePrinter::Align;
-  TablePrinter table;
+  TablePrinter table(options.table.style());
   for (const std::string& column : shown.keyColumns()) {
     table.addColumn(column, Align::left);
   }
@@ -252,6 +273,10 @@ void printTable(ShownRecords& shown, std::optional<Progress>& progress) {
                 [&](std::span<const std::string_view> cells) { table.printRow(stdout, cells); });
   print(fmt::format("\n{}{}\n", counted(walked.records, "record"),
                     walked.more ? " shown, others follow" : ""));
+  if (walked.more && !options.head) {
+    print(fmt::format("{} has {}; --all shows them all, --head N the first N\n",
+                      shown.symbol().name, counted(shown.symbol().recordCount, "record")));
+  }
 }
 
 void runShow(const ShowOptions& options) {
@@ -259,7 +284,7 @@ void runShow(const ShowOptions& options) {
   progress->step("reading " + options.file);
   ShownRecords shown(options);
   if (!options.csv && !options.json) {
-    printTable(shown, progress);
+    printTable(shown, options, progress);
     return;
   }
   shown.requireFirstBlock();
@@ -276,14 +301,21 @@ void runShow(const ShowOptions& options) {
 void addShowCommand(CommandLine& line) {
   Command command = line.add("show", "Show the records of a symbol");
   auto options = std::make_shared<ShowOptions>();
-  command.text("FILE", options->file, "RXF file").required();
+  command.text("FILE", options->file, "RXF file, - for standard input").required();
   command.text("SYMBOL", options->symbol, "Name of a symbol, or \"*\" for all labels").required();
   command.text("--slice", options->slice, "A pattern for each position").typeName("PATTERNS");
   command
       .text("--field", options->fields,
             "Fields of a variable or equation: level, marginal, lower, upper, scale")
       .typeName("FIELD,...");
-  command.number("--head", options->head, "Show the first N records only");
+  const Option head = command.number("--head", options->head, "Show the first N records only");
+  command
+      .flag("--all", options->all,
+            "Show all records; without it a table on a terminal ends after " +
+                std::to_string(recordsOnTerminal))
+      .excludes(head);
+  addWidthOption(command, options->table);
+  addDigitsOption(command, options->table);
   addStoreOption(command, options->store);
   const Option csv = command.flag("--csv", options->csv, "Print CSV");
   command.flag("--json", options->json, "Print JSON").excludes(csv);

@@ -4,11 +4,15 @@
 #include <cstdio>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
+#include <ztb/column_names.hpp>
 
 #include "tools/commands/command_line.h"
 #include "tools/commands/commands.h"
 #include "tools/commands/memory_option.h"
+#include "tools/commands/table_options.h"
+#include "tools/files/standard_streams.h"
 #include "tools/models/model_input.h"
 #include "tools/models/model_session.h"
 #include "tools/text/failure.h"
@@ -31,6 +35,8 @@ struct SolveOptions {
   std::vector<std::string> settings;
   std::vector<std::string> shown;
   std::vector<std::string> options;
+  bool notes = false;
+  TableOptions table;
 };
 
 void setOptions(ztb::Model& model, const std::vector<std::string>& options) {
@@ -59,7 +65,7 @@ ztb::Symbol solvedSymbol(const ModelSession& session, const ztb::Database& datab
 }
 
 // A row of cells for each record: labels, level, marginal, bounds.
-void showSymbol(const ztb::Symbol& symbol) {
+void showSymbol(const ztb::Symbol& symbol, const TableOptions& options) {
   const int dimension = symbol.dimension();
   std::vector<std::vector<std::string>> rows;
   for (ztb::Record& record : symbol.records()) {
@@ -68,15 +74,15 @@ void showSymbol(const ztb::Symbol& symbol) {
       cells.push_back(printable(record.key(position).view()));
     }
     for (const double value : {record.level(), record.marginal(), record.lower(), record.upper()}) {
-      cells.emplace_back(NumberText(value).view());
+      cells.emplace_back(NumberText(value, options.digits).view());
     }
     rows.push_back(std::move(cells));
   }
 
-  TablePrinter table;
-  for (int position = 1; position <= dimension; ++position) {
-    table.addColumn(position == 1 ? symbol.name().view() : std::string_view("*"),
-                    TablePrinter::Align::left);
+  TablePrinter table(options.style());
+  const std::vector<std::string> domains(static_cast<std::size_t>(dimension), "*");
+  for (const std::string& column : ztb::keyColumns(symbol.name().view(), symbol.type(), domains)) {
+    table.addColumn(column, TablePrinter::Align::left);
   }
   for (const std::string_view field : {"level", "marginal", "lower", "upper"}) {
     table.addColumn(field, TablePrinter::Align::right);
@@ -90,12 +96,21 @@ void showSymbol(const ztb::Symbol& symbol) {
   for (const auto& row : rows) table.printRow(stdout, viewsOf(row));
 }
 
+// Why a solve gave none.
+std::string withoutSolution(const ztb::Model& model) {
+  const std::string_view status = ztbModelStatusText(model.status());
+  return status == "no solution" ? fmt::format("no solution, the solver ended with: {}",
+                                               ztbModelSolveStatusText(model.solveStatus()))
+                                 : fmt::format("no solution: {}", status);
+}
+
 void run(const SolveOptions& options) {
   refuseReplacing({options.model, options.modelData, options.data}, options.out);
+  OutputFile output(options.out);
   Progress progress;
   progress.step("reading " + options.model);
   ModelSession session(options.model, options.modelData);
-  session.reportNotes();
+  session.reportNotes(options.notes);
   setOptions(session.model(), options.options);
   for (const std::string& name : options.shown) {
     (void)solvedSymbol(session, session.database(), name);
@@ -116,12 +131,13 @@ void run(const SolveOptions& options) {
   ztb::Model& model = session.model();
   // Before anything is printed, since a reader who has seen enough ends this process.
   if (model.hasSolution() && !options.out.empty()) {
-    progress.step("writing " + options.out);
+    progress.step("writing " + output.name());
     try {
-      session.database().write(options.out);
+      session.database().write(output.path());
     } catch (const ztb::Error& error) {
-      throw Failure(withFile(options.out, error.what()));
+      throw Failure(withFile(output.name(), error.what()));
     }
+    output.finish();
   }
   if (model.hasSolution()) {
     print(fmt::format("objective   {}\n", NumberText(model.objective()).view()));
@@ -131,11 +147,10 @@ void run(const SolveOptions& options) {
   print(fmt::format("solver      {}\ntime        {:.3f} s\niterations  {:.0f}\n", solver, seconds,
                     model.iterations()));
   if (!model.hasSolution()) {
-    throw Failure(withFile(options.model,
-                           fmt::format("no solution: {}", ztbModelStatusText(model.status()))));
+    throw Failure(withFile(options.model, withoutSolution(model)));
   }
   for (const std::string& name : options.shown) {
-    showSymbol(solvedSymbol(session, session.database(), name));
+    showSymbol(solvedSymbol(session, session.database(), name), options.table);
   }
 }
 
@@ -144,12 +159,17 @@ void run(const SolveOptions& options) {
 void addSolveCommand(CommandLine& line) {
   auto options = std::make_shared<SolveOptions>();
   Command command = line.add("solve", "Solve a model, with data from a file");
-  command.text("MODEL", options->model, "Model file: .lp, .mps, .mps.gz or .mod").required();
-  command.text("--model-data", options->modelData, "Data file of a .mod model").notEmpty();
+  command.text("MODEL", options->model, "Model file: .lp, .mps, .mps.gz or .mod")
+      .typeName("FILE")
+      .required();
+  command.text("--model-data", options->modelData, "Data file of a .mod model")
+      .typeName("FILE")
+      .notEmpty();
   command
       .text("--data", options->data,
             "RXF file: parameters NAME drive the model's columns NAME_var; variables "
-            "give bounds and levels, equations levels")
+            "give bounds and levels, equations levels; - for standard input")
+      .typeName("FILE")
       .notEmpty();
   command.texts("--set", options->settings, "Set one value, as in \"demand[oslo]=30\"");
   command
@@ -158,8 +178,17 @@ void addSolveCommand(CommandLine& line) {
             "integers, ipopt with products of columns")
       .notEmpty();
   command.texts("--option", options->options, "Option of the solver, as in TimeLimit=60");
-  command.text("--out", options->out, "Write parameters and solution to this RXF file").notEmpty();
+  command
+      .text("--out", options->out,
+            "Write parameters and solution to this RXF file, - for standard output; what is "
+            "printed then goes to standard error")
+      .typeName("FILE")
+      .notEmpty();
   command.texts("--show", options->shown, "Print the solution of a variable or equation");
+  command.flag("--notes", options->notes,
+               "Tell each name that had to be changed for the database, not only their count");
+  addWidthOption(command, options->table);
+  addDigitsOption(command, options->table);
   addMemoryOption(command);
   command.footer(
       "Examples:\n"

@@ -20,7 +20,7 @@ inline void addStoreOption(Command command, ztb::Store& store) {
           },
           [&store](const std::string& word) { store = *storeOfWord(word); },
           "What holds the records in memory: map (the default), vector or trie")
-      .typeName("STORE");
+      .typeName("map|vector|trie");
 }
 
 }  // namespace tool

@@ -139,7 +139,7 @@ void DomainCheck::eachOutside(const FileSymbol& symbol, const Use& use) const {
 
 void DomainCheck::printTable(const Found& found) const {
   const FileSymbol& symbol = *found.symbol;
-  TablePrinter table;
+  TablePrinter table(outputStyle(std::nullopt));
   for (const std::string& column : ztb::keyColumns(symbol.name, symbol.type, domainNames(symbol))) {
     table.addColumn(column, TablePrinter::Align::left);
   }

@@ -5,6 +5,7 @@
 
 #include <ztb/display_text.hpp>
 
+#include "tools/files/standard_streams.h"
 #include "tools/text/failure.h"
 
 namespace tool {
@@ -12,10 +13,15 @@ namespace tool {
 namespace {
 
 ztb::RxfFile openFile(const std::string& path) {
+  const std::string file = inputFile(path);
   try {
-    return ztb::RxfFile(path);
+    return ztb::RxfFile(file);
   } catch (const ztb::Error& error) {
-    throw Failure(withFile(path, error.what()));
+    std::string text = error.what();
+    if (const std::size_t at = text.find(file); file != path && at != std::string::npos) {
+      text.replace(at, file.size(), inputName(path));
+    }
+    throw Failure(withFile(inputName(path), text));
   }
 }
 
@@ -33,7 +39,8 @@ FileDomain domainOf(const ztb::RxfFile& file, std::string_view name) {
 
 }  // namespace
 
-ExchangeFile::ExchangeFile(const std::string& path) : path_(path), file_(openFile(path)) {
+ExchangeFile::ExchangeFile(const std::string& path)
+    : path_(inputName(path)), file_(openFile(path)) {
   const int count = file_.labelCount();
   labels_.resize(static_cast<std::size_t>(count) + 1);
   for (int number = 1; number <= count; ++number) {

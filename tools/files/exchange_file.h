@@ -37,9 +37,10 @@ struct FileSymbol {
 
 class ExchangeFile {
  public:
-  // Throws Failure that names the file if it cannot be opened.
+  // "-" is standard input. Throws Failure that names the file if it cannot be opened.
   explicit ExchangeFile(const std::string& path);
 
+  // The name of the file in messages.
   [[nodiscard]] const std::string& path() const { return path_; }
   [[nodiscard]] const ztb::RxfFile& file() const { return file_; }
 

@@ -14,8 +14,6 @@ namespace tool {
 
 namespace {
 
-constexpr int kNotesShown = 5;
-
 ztb::Model openModel(const std::string& file, const std::string& dataFile) {
   try {
     return ztb::Model::open(file, dataFile);
@@ -88,13 +86,14 @@ int ModelSession::applyParameter(const ztb::Symbol& parameter) {
   return update(parameter, ztb::Action::fix, parameter, ztb::Missing::base);
 }
 
-void ModelSession::reportNotes() const {
+void ModelSession::reportNotes(bool all) const {
   const int count = model_.noteCount();
-  for (int n = 0; n < count && n < kNotesShown; ++n) {
+  for (int n = 0; n < count && (all || count == 1); ++n) {
     printError(fmt::format("ztb: {}: {}", file_, model_.note(n)));
   }
-  if (count > kNotesShown) {
-    printError(fmt::format("ztb: {}: {} more names had to be changed", file_, count - kNotesShown));
+  if (!all && count > 1) {
+    printError(fmt::format("ztb: {}: {} names had to be changed for the database: {}, ...", file_,
+                           count, model_.note(0)));
   }
 }
 

@@ -41,8 +41,9 @@ class ModelSession {
   // value. Gives the records that met no column.
   int applyParameter(const ztb::Symbol& parameter);
 
-  // Names that had to be changed when the model was read, on standard error: a few and their count.
-  void reportNotes() const;
+  // Names that had to be changed when the model was read, on standard error: all, or one line with
+  // their count and the first.
+  void reportNotes(bool all) const;
 
  private:
   [[nodiscard]] std::string solverOf(int kind) const;

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <filesystem>
@@ -120,6 +121,12 @@ std::string sweepInputs(const SweepOptions& options) {
     text += fmt::format(" {}={:016x}", kTables, *tables);
   }
   return text;
+}
+
+bool isSweepInputs(std::string_view text) {
+  return std::ranges::all_of(kParts, [&](const Part& part) {
+    return std::string_view(part.key) == kTables || !wordOf(text, part.key).empty();
+  });
 }
 
 std::string sweepInputsDifference(std::string_view one, std::string_view other) {

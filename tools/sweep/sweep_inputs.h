@@ -14,6 +14,9 @@ namespace tool {
 // Throws Failure if a file cannot be read.
 std::string sweepInputs(const SweepOptions& options);
 
+// Whether a text is one of these.
+bool isSweepInputs(std::string_view text);
+
 // What two such texts differ in first, such as "another model file"; empty if in nothing.
 std::string sweepInputsDifference(std::string_view one, std::string_view other);
 

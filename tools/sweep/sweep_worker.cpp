@@ -50,7 +50,7 @@ class SweepWorker {
       addReport(name);
     }
     if (work.reportsNotes) {
-      session_.reportNotes();
+      session_.reportNotes(false);
     }
   }
 

@@ -85,6 +85,8 @@ void readRecords(const std::filesystem::path& folder, const FolderSymbol& symbol
   ImportTarget target{.symbol = symbol.symbol,
                       .keyColumns = std::vector<std::size_t>(keyCount),
                       .valueColumns = {},
+                      .valueFields = {},
+                      .defaults = {},
                       .textColumn = std::nullopt,
                       .distinct = false,
                       .skipEmpty = false};
@@ -94,6 +96,8 @@ void readRecords(const std::filesystem::path& folder, const FolderSymbol& symbol
   } else {
     target.valueColumns.resize(contentCount);
     std::iota(target.valueColumns.begin(), target.valueColumns.end(), keyCount);
+    target.valueFields.resize(contentCount);
+    std::iota(target.valueFields.begin(), target.valueFields.end(), std::size_t{0});
   }
   records.readRows(reader, columns, {target});
 }

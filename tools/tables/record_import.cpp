@@ -12,6 +12,9 @@ namespace tool {
 
 namespace {
 
+// Labels have one spelling, the first; that of the line that is told may be another one.
+constexpr std::string_view kFolding = " (the case of letters does not matter)";
+
 // What is wrong with a label, or nothing. The library would take one of blanks alone for no label,
 // and would end it at a zero char.
 std::string labelProblem(std::string_view label) {
@@ -26,7 +29,7 @@ std::string labelProblem(std::string_view label) {
     return fmt::format("label >{}< holds both kinds of quote", shortened(label));
   }
   if (trimmed.size() > ZTB_MAX_NAME_LENGTH) {
-    return fmt::format("label {} has {} characters, at most {} are allowed", inQuotes(trimmed),
+    return fmt::format("label {} has {} bytes, at most {} are allowed", inQuotes(trimmed),
                        trimmed.size(), static_cast<int>(ZTB_MAX_NAME_LENGTH));
   }
   return {};
@@ -143,7 +146,7 @@ bool RecordImport::readValues(const CsvReader& reader, const ImportTarget& targe
   values_.clear();
   for (const std::size_t column : target.valueColumns) {
     std::string reason;
-    values_.push_back(parseNumber(reader.fields()[column].text, reason));
+    values_.push_back(parseNumber(reader.fields()[column].text, reason, decimal_));
     if (!reason.empty()) {
       problem(reader, column, reason);
       good = false;
@@ -158,7 +161,7 @@ bool RecordImport::acceptText(const CsvReader& reader, const CsvField& field) {
   const auto column = static_cast<std::size_t>(&field - reader.fields().data());
   if (field.text.size() > ZTB_MAX_TEXT_LENGTH) {
     problem(reader, column,
-            fmt::format("text has {} characters, at most {} are allowed", field.text.size(),
+            fmt::format("text has {} bytes, at most {} are allowed", field.text.size(),
                         static_cast<int>(ZTB_MAX_TEXT_LENGTH)));
     return false;
   }
@@ -198,8 +201,11 @@ void RecordImport::store(const CsvReader& reader, const ImportTarget& target,
       const std::string_view text = table.text(record);
       symbol.putElementUnchecked(table.keys(record), text.empty() ? nullptr : text.data());
     } else {
-      std::array<double, ztb::fieldCount> values{};
-      std::ranges::copy(table.values(record), values.begin());
+      std::array<double, ztb::fieldCount> values = target.defaults;
+      const std::span<const double> read = table.values(record);
+      for (std::size_t value = 0; value < read.size(); ++value) {
+        values[target.valueFields[value]] = read[value];
+      }
       symbol.putUnchecked(table.keys(record), values);
     }
   }
@@ -209,8 +215,9 @@ void RecordImport::reportDuplicate(const CsvReader& reader, const ImportTarget& 
                                    const RecordTable& table, std::size_t first,
                                    std::size_t second) {
   problems_.add(reader.path(), table.place(second, 0),
-                fmt::format("record {} of {} stands in line {} already", recordText(table, second),
-                            target.symbol.name().view(), table.place(first, 0).line));
+                fmt::format("record {} of {} stands in line {} already{}",
+                            recordText(table, second), target.symbol.name().view(),
+                            table.place(first, 0).line, target.keyColumns.empty() ? "" : kFolding));
 }
 
 std::string RecordImport::recordText(const RecordTable& table, std::size_t record) const {

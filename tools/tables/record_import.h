@@ -2,6 +2,7 @@
 #ifndef ZTB_TOOLS_TABLES_RECORD_IMPORT_H_
 #define ZTB_TOOLS_TABLES_RECORD_IMPORT_H_
 
+#include <array>
 #include <cstddef>
 #include <map>
 #include <optional>
@@ -23,6 +24,9 @@ struct ImportTarget {
   ztb::Symbol symbol;
   std::vector<std::size_t> keyColumns;
   std::vector<std::size_t> valueColumns;
+  // The value of a record that each of valueColumns gives; the others are those of defaults.
+  std::vector<std::size_t> valueFields;
+  std::array<double, ztb::fieldCount> defaults{};
   std::optional<std::size_t> textColumn;
   // A record that stands in many rows is taken once, as its first row has it.
   bool distinct = false;
@@ -48,6 +52,9 @@ class RecordImport {
 
   // Reads the labels of a one-column file, so that they get their numbers in its order.
   void readLabels(CsvReader& reader);
+
+  // From now on numbers have this char where others have a point.
+  void setDecimalChar(char decimal) { decimal_ = decimal; }
 
   [[nodiscard]] std::size_t recordCount() const { return recordCount_; }
 
@@ -75,6 +82,7 @@ class RecordImport {
   ProblemList& warnings_;
   Progress& progress_;
   bool checkDomains_ = false;
+  char decimal_ = '.';
   std::size_t recordCount_ = 0;
   const std::vector<std::string>* columns_ = nullptr;
   // Label number of each column of the row at hand, as far as it was asked for.

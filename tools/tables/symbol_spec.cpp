@@ -2,15 +2,27 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <array>
 #include <string_view>
+#include <ztb/column_names.hpp>
 
 #include "tools/text/failure.h"
+#include "tools/text/words.h"
 
 namespace tool {
 
 namespace {
 
 constexpr std::string_view delimiters = "(),:='\"";
+
+struct VariableKind {
+  std::string_view word;
+  int subtype;
+};
+
+constexpr std::array<VariableKind, 5> variableKinds{
+    {{"free", 5}, {"positive", 3}, {"negative", 4}, {"binary", 1}, {"integer", 2}}};
 
 class SpecParser {
  public:
@@ -21,12 +33,15 @@ class SpecParser {
 
   SymbolSpec parse() {
     spec_.name = plainWords();
+    if (spec_.kind == SpecKind::variable) {
+      takeKind();
+    }
     if (spec_.name.empty()) {
       fail("the name of a symbol is expected");
     }
     if (accept('(')) {
       parseKeys();
-    } else if (spec_.kind == SpecKind::parameter) {
+    } else if (hasValues()) {
       fail("'(' and the key columns are expected; a scalar is written with ()");
     } else {
       spec_.keys.push_back({.column = spec_.name, .domain = std::nullopt});
@@ -36,13 +51,34 @@ class SpecParser {
       spec_.text = quotedText();
     }
     if (at_ < argument_.size()) {
-      fail(spec_.kind == SpecKind::parameter ? "'=' and the value column are expected"
-                                             : "':' and the text column are expected");
+      fail(hasValues() ? "'=' and the value column are expected"
+                       : "':' and the text column are expected");
     }
     return spec_;
   }
 
  private:
+  [[nodiscard]] bool hasValues() const {
+    return spec_.kind == SpecKind::parameter || spec_.kind == SpecKind::variable;
+  }
+
+  // Takes the word in front of a variable's name that tells its kind.
+  void takeKind() {
+    spec_.subtype = variableKinds.front().subtype;
+    const std::size_t blank = spec_.name.find(' ');
+    if (blank == std::string::npos) {
+      return;
+    }
+    const std::string word = spec_.name.substr(0, blank);
+    const auto* kind = std::ranges::find_if(
+        variableKinds, [&](const VariableKind& known) { return sameFolded(known.word, word); });
+    if (kind == variableKinds.end()) {
+      fail("free, positive, negative, binary or integer is expected before the name");
+    }
+    spec_.subtype = kind->subtype;
+    spec_.name = spec_.name.substr(spec_.name.find_first_not_of(' ', blank));
+  }
+
   void parseKeys() {
     if (accept(')')) {
       return;
@@ -88,15 +124,52 @@ class SpecParser {
   }
 
   void parseContent() {
-    const bool parameter = spec_.kind == SpecKind::parameter;
-    if (!accept(parameter ? '=' : ':')) {
-      spec_.contentColumn = parameter ? spec_.name : "";
+    if (!accept(hasValues() ? '=' : ':')) {
+      spec_.contentColumn = spec_.kind == SpecKind::parameter ? spec_.name : "";
       return;
     }
-    spec_.contentColumn = atQuote() ? quotedText() : plainWords();
-    if (spec_.contentColumn.empty()) {
+    if (spec_.kind == SpecKind::variable) {
+      parseFields();
+    } else {
+      spec_.contentColumn = columnName();
+    }
+  }
+
+  // One column is that of the levels; otherwise each has the name of its field in front.
+  void parseFields() {
+    const std::string first = columnName();
+    if (!accept(':')) {
+      spec_.fields.push_back({.field = 0, .column = first});
+      return;
+    }
+    spec_.fields.push_back({.field = fieldNamed(first), .column = columnName()});
+    while (accept(',')) {
+      const std::size_t field = fieldNamed(columnName());
+      if (std::ranges::find(spec_.fields, field, &FieldSpec::field) != spec_.fields.end()) {
+        fail(fmt::format("{} is given twice", ztb::fieldNames.at(field)));
+      }
+      if (!accept(':')) {
+        fail("':' and the column of the field are expected");
+      }
+      spec_.fields.push_back({.field = field, .column = columnName()});
+    }
+  }
+
+  [[nodiscard]] std::size_t fieldNamed(const std::string& word) const {
+    const auto* found = std::ranges::find_if(
+        ztb::fieldNames, [&](std::string_view known) { return sameFolded(known, word); });
+    if (found == ztb::fieldNames.end()) {
+      fail(fmt::format("'{}' is no field, expected level, marginal, lower, upper or scale", word));
+    }
+    return static_cast<std::size_t>(found - ztb::fieldNames.begin());
+  }
+
+  std::string columnName() {
+    std::string name = atQuote() ? quotedText() : plainWords();
+    if (name.empty()) {
       fail("the name of a column is expected");
     }
+    return name;
   }
 
   // The chars up to a delimiter, without the blanks around them.
@@ -165,6 +238,8 @@ const char* optionOf(SpecKind kind) {
       return "--set";
     case SpecKind::distinctSet:
       return "--distinct-set";
+    case SpecKind::variable:
+      return "--variable";
     default:
       return "--parameter";
   }

@@ -4,9 +4,12 @@
 #include <fmt/ranges.h>
 
 #include <algorithm>
-#include <map>
+#include <array>
 #include <optional>
 #include <ranges>
+#include <string_view>
+#include <utility>
+#include <ztb/column_names.hpp>
 
 #include "tools/tables/csv_reader.h"
 #include "tools/text/failure.h"
@@ -16,38 +19,123 @@ namespace tool {
 
 namespace {
 
-// The domain of a key column: the named set, or the set of the column's name if one was made
-// before.
-ztb::DomainArgument domainOf(const ztb::Database& database, const SymbolSpec& spec,
-                             const KeySpec& key) {
-  const bool named = key.domain.has_value();
-  const std::string& name = named ? *key.domain : key.column;
-  if (name == "*") {
-    return {"*"};
-  }
-  const std::optional<ztb::Symbol> set = database.findSymbol(name);
-  if (set && set->type() == ztb::Type::set && set->dimension() == 1) {
-    return {*set};
-  }
-  if (named) {
-    throw UsageError(
-        fmt::format("{}: domain {} is no one-dimensional set made before", spec.source, name));
-  }
-  return {"*"};
+// Whether a column's name can stand as a domain that no set is behind.
+bool canBeDomain(const std::string& name) {
+  return !name.empty() && name.size() <= ZTB_MAX_NAME_LENGTH && name.front() != ' ' &&
+         name.back() != ' ' && name.front() != '*' &&
+         std::ranges::none_of(name, [](unsigned char c) {
+           return c < ' ' ||
+                  std::string_view(",()'\"").find(static_cast<char>(c)) != std::string_view::npos;
+         });
 }
 
-ztb::Symbol makeSymbol(ztb::Database& database, const SymbolSpec& spec) {
-  std::vector<ztb::DomainArgument> domains;
-  for (const KeySpec& key : spec.keys) {
-    domains.push_back(domainOf(database, spec, key));
+// Makes the symbols of an import, with their domains.
+class SymbolMaker {
+ public:
+  SymbolMaker(ztb::Database& database, const std::vector<TableSource>& sources, bool namesAlone)
+      : database_(database), namesAlone_(namesAlone) {
+    for (const TableSource& source : sources) {
+      for (const SymbolSpec& spec : source.symbols) {
+        names_.push_back(spec.name);
+      }
+    }
   }
-  const ztb::Type type = spec.kind == SpecKind::parameter ? ztb::Type::parameter : ztb::Type::set;
-  try {
-    return database.addSymbol(spec.name, type, domains, spec.text);
-  } catch (const ztb::Error& error) {
-    throw UsageError(fmt::format("{}: {}", spec.source, error.what()));
+
+  ztb::Symbol make(const SymbolSpec& spec) {
+    std::vector<ztb::DomainArgument> domains;
+    for (const KeySpec& key : spec.keys) {
+      domains.push_back(domainOf(spec, key));
+    }
+    try {
+      return database_.addSymbol(spec.name, typeOf(spec.kind), domains, spec.text, spec.subtype);
+    } catch (const ztb::Error& error) {
+      throw UsageError(fmt::format("{}: {}", spec.source, error.what()));
+    }
   }
-}
+
+  [[nodiscard]] std::vector<std::string> lostRoles() { return std::move(lostRoles_); }
+
+ private:
+  static ztb::Type typeOf(SpecKind kind) {
+    switch (kind) {
+      case SpecKind::parameter:
+        return ztb::Type::parameter;
+      case SpecKind::variable:
+        return ztb::Type::variable;
+      default:
+        return ztb::Type::set;
+    }
+  }
+
+  // The set or alias of one position that has this name.
+  [[nodiscard]] std::optional<ztb::Symbol> setNamed(const std::string& name) const {
+    const std::optional<ztb::Symbol> found = database_.findSymbolOrAlias(name);
+    const bool isSet =
+        found && found->unaliased().type() == ztb::Type::set && found->unaliased().dimension() == 1;
+    return isSet ? found : std::nullopt;
+  }
+
+  ztb::DomainArgument domainOf(const SymbolSpec& spec, const KeySpec& key) {
+    if (!key.domain) {
+      return domainOfColumn(spec, key.column);
+    }
+    if (*key.domain == "*") {
+      return {"*"};
+    }
+    const std::optional<ztb::Symbol> set = setNamed(*key.domain);
+    if (!set) {
+      throw UsageError(fmt::format("{}: domain {} is no one-dimensional set made before",
+                                   spec.source, *key.domain));
+    }
+    return {roleOf(spec, key.column, *set)};
+  }
+
+  // Without a set that is named, the domain is the set of the column's name, or this name alone. A
+  // plain set is over the universe, and so is a position that has its name from a later symbol.
+  ztb::DomainArgument domainOfColumn(const SymbolSpec& spec, const std::string& column) const {
+    if (const std::optional<ztb::Symbol> set = setNamed(column)) {
+      return {*set};
+    }
+    const bool plainSet = typeOf(spec.kind) == ztb::Type::set && spec.keys.size() == 1;
+    if (namesAlone_ && !plainSet && canBeDomain(column) && !isTaken(column)) {
+      return {column};
+    }
+    return {"*"};
+  }
+
+  // A set under the name of the column that is over it: the set itself, or an alias of it. Where
+  // another symbol has the name, or no symbol can, it is the set.
+  ztb::Symbol roleOf(const SymbolSpec& spec, const std::string& column, const ztb::Symbol& set) {
+    if (sameFolded(column, set.name().view())) {
+      return set;
+    }
+    if (const std::optional<ztb::Symbol> known = setNamed(column);
+        known && known->unaliased().handle() == set.unaliased().handle()) {
+      return *known;
+    }
+    std::string reason = "another symbol has this name";
+    if (!isTaken(column) && !database_.findSymbolOrAlias(column)) {
+      try {
+        return database_.addAlias(column, set);
+      } catch (const ztb::Error& error) {
+        reason = error.what();
+      }
+    }
+    lostRoles_.push_back(fmt::format("{}: a position is called {} and not {}: {}", spec.source,
+                                     set.name().view(), inQuotes(column), reason));
+    return set;
+  }
+
+  [[nodiscard]] bool isTaken(const std::string& name) const {
+    return std::ranges::any_of(names_,
+                               [&](const std::string& other) { return sameFolded(other, name); });
+  }
+
+  ztb::Database& database_;
+  bool namesAlone_;
+  std::vector<std::string> names_;
+  std::vector<std::string> lostRoles_;
+};
 
 // Finds columns by name in the header of one file: as written, else with the case of letters
 // folded.
@@ -68,6 +156,23 @@ class Header {
   [[nodiscard]] bool read() const { return read_; }
   [[nodiscard]] const std::vector<std::string>& names() const { return names_; }
 
+  // The places of the columns that have the names of fields, with these; reported if there is none.
+  std::vector<FieldSpec> fields() {
+    std::vector<FieldSpec> result;
+    for (std::size_t field = 0; field < ztb::fieldCount; ++field) {
+      const std::string name(ztb::fieldNames.at(field));
+      if (!matching([&](const std::string& other) { return sameFolded(other, name); }).empty()) {
+        result.push_back({.field = field, .column = name});
+      }
+    }
+    if (result.empty()) {
+      problems_.add(reader_.path(), position_,
+                    fmt::format("no column {}; the columns are {}",
+                                fmt::join(ztb::fieldNames, ", "), columnList()));
+    }
+    return result;
+  }
+
   // The place of a column; reported, and 0, if there is none or more than one.
   std::size_t find(const std::string& name) {
     auto found = matching([&](const std::string& other) { return other == name; });
@@ -75,11 +180,10 @@ class Header {
       found = matching([&](const std::string& other) { return sameFolded(other, name); });
     }
     if (found.size() != 1) {
-      problems_.add(
-          reader_.path(), position_,
-          fmt::format("{} {}; the columns are {}",
-                      found.empty() ? "no column" : "more than one column", inQuotes(name),
-                      fmt::join(names_ | std::views::transform(shortened), ", ")));
+      problems_.add(reader_.path(), position_,
+                    fmt::format("{} {}; the columns are {}",
+                                found.empty() ? "no column" : "more than one column",
+                                inQuotes(name), columnList()));
       return 0;
     }
     return found.front();
@@ -97,6 +201,10 @@ class Header {
     return found;
   }
 
+  [[nodiscard]] std::string columnList() const {
+    return fmt::format("{}", fmt::join(names_ | std::views::transform(shortened), ", "));
+  }
+
   CsvReader& reader_;
   ProblemList& problems_;
   bool read_ = false;
@@ -104,19 +212,35 @@ class Header {
   std::vector<std::string> names_;
 };
 
+// The values of a record of a variable before any is set.
+std::array<double, ztb::fieldCount> defaultsOf(int subtype) {
+  ztb::Database scratch;
+  const ztb::Record record = scratch.addVariable("v", subtype, {}).add();
+  return {record.level(), record.marginal(), record.lower(), record.upper(), record.scale()};
+}
+
 ImportTarget planTarget(const SymbolSpec& spec, const ztb::Symbol& symbol, Header& header,
                         const TableImportOptions& options) {
   ImportTarget target{.symbol = symbol,
                       .keyColumns = {},
                       .valueColumns = {},
+                      .valueFields = {},
+                      .defaults = {},
                       .textColumn = std::nullopt,
                       .distinct = spec.kind == SpecKind::distinctSet,
-                      .skipEmpty = options.skipEmpty && spec.kind == SpecKind::parameter};
+                      .skipEmpty = options.skipEmpty && symbol.type() != ztb::Type::set};
   for (const KeySpec& key : spec.keys) {
     target.keyColumns.push_back(header.find(key.column));
   }
   if (spec.kind == SpecKind::parameter) {
     target.valueColumns.push_back(header.find(spec.contentColumn));
+    target.valueFields.push_back(0);
+  } else if (spec.kind == SpecKind::variable) {
+    target.defaults = defaultsOf(spec.subtype);
+    for (const FieldSpec& field : spec.fields.empty() ? header.fields() : spec.fields) {
+      target.valueColumns.push_back(header.find(field.column));
+      target.valueFields.push_back(field.field);
+    }
   } else if (!spec.contentColumn.empty()) {
     target.textColumn = header.find(spec.contentColumn);
   }
@@ -125,13 +249,16 @@ ImportTarget planTarget(const SymbolSpec& spec, const ztb::Symbol& symbol, Heade
 
 }  // namespace
 
-void importTables(ztb::Database& database, const std::vector<TableSource>& sources,
-                  const TableImportOptions& options, RecordImport& records, ProblemList& problems) {
+std::vector<std::string> importTables(ztb::Database& database,
+                                      const std::vector<TableSource>& sources,
+                                      const TableImportOptions& options, RecordImport& records,
+                                      ProblemList& problems) {
+  SymbolMaker maker(database, sources, options.namesAlone);
   std::vector<std::vector<ztb::Symbol>> symbols;
   for (const TableSource& source : sources) {
     std::vector<ztb::Symbol>& made = symbols.emplace_back();
     for (const SymbolSpec& spec : source.symbols) {
-      made.push_back(makeSymbol(database, spec));
+      made.push_back(maker.make(spec));
     }
   }
   for (std::size_t index = 0; index < sources.size(); ++index) {
@@ -150,6 +277,7 @@ void importTables(ztb::Database& database, const std::vector<TableSource>& sourc
       records.readRows(reader, header.names(), targets);
     }
   }
+  return maker.lostRoles();
 }
 
 }  // namespace tool

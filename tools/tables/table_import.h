@@ -1,5 +1,9 @@
-// Makes sets and parameters from plain tables, as the options --from, --set, --distinct-set and
-// --parameter ask.
+// Makes sets, parameters and variables from plain tables, as the options --from, --set,
+// --distinct-set, --parameter and --variable ask.
+//
+// The name of a key column is kept as the role of its position. Over a set of another name it
+// becomes an alias of that set, made in front of the symbol; where no set is named, the name alone
+// is the domain.
 #ifndef ZTB_TOOLS_TABLES_TABLE_IMPORT_H_
 #define ZTB_TOOLS_TABLES_TABLE_IMPORT_H_
 
@@ -21,13 +25,19 @@ struct TableSource {
 struct TableImportOptions {
   char separator = ',';
   bool skipEmpty = false;
+  // Whether positions without a set have their column's name as domain. The domains of a symbol are
+  // kept as checked ones only where a set or the universe is behind each.
+  bool namesAlone = true;
 };
 
 // Adds the symbols to the database in the order of sources, then reads the records. Throws
 // UsageError for a symbol that cannot be made or a domain that is no one-dimensional set made
-// before; what is wrong with a file goes to problems.
-void importTables(ztb::Database& database, const std::vector<TableSource>& sources,
-                  const TableImportOptions& options, RecordImport& records, ProblemList& problems);
+// before; what is wrong with a file goes to problems. Gives a text for each role that could not be
+// kept.
+std::vector<std::string> importTables(ztb::Database& database,
+                                      const std::vector<TableSource>& sources,
+                                      const TableImportOptions& options, RecordImport& records,
+                                      ProblemList& problems);
 
 }  // namespace tool
 

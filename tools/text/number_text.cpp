@@ -27,14 +27,19 @@ constexpr std::uint64_t minusInfinityBits = 0xFFF0000000000000;
 constexpr std::uint64_t epsilonBits = 0x0000000000000001;
 
 // The first word of a value is the one that is written.
-constexpr std::array<SpecialWord, 6> specialWords{{{"undef", undefinedBits},
+constexpr std::array<SpecialWord, 8> specialWords{{{"undef", undefinedBits},
                                                    {"na", notAvailableBits},
                                                    {"inf", plusInfinityBits},
                                                    {"-inf", minusInfinityBits},
                                                    {"eps", epsilonBits},
-                                                   {"nan", notAvailableBits}}};
+                                                   {"nan", notAvailableBits},
+                                                   {"infinity", plusInfinityBits},
+                                                   {"-infinity", minusInfinityBits}}};
 
 constexpr std::string_view patternPrefix = "nan:0x";
+
+// With these any double is told from any other.
+constexpr int mostDigits = std::numeric_limits<double>::max_digits10;
 
 const SpecialWord* findSpecial(std::uint64_t bits) {
   const auto* found = std::ranges::find(specialWords, bits, &SpecialWord::bits);
@@ -61,9 +66,29 @@ double parsePattern(std::string_view digits, std::string& problem) {
   return value;
 }
 
+// Whether a decimal number that no double holds is too small for one rather than too large: its
+// first digit that is no zero then stands behind the point by more places than the exponent moves.
+bool isNearZero(std::string_view number) {
+  const std::size_t mark = std::min(number.find_first_of("eE"), number.size());
+  const std::string_view digits = number.substr(0, mark);
+  std::string_view exponentText = number.substr(std::min(mark + 1, number.size()));
+  const bool negative = exponentText.starts_with('-');
+  exponentText.remove_prefix(negative || exponentText.starts_with('+') ? 1 : 0);
+  long long exponent = 0;
+  if (std::from_chars(exponentText.data(), exponentText.data() + exponentText.size(), exponent)
+          .ec == std::errc::result_out_of_range) {
+    return negative;
+  }
+  const std::size_t point = std::min(digits.find('.'), digits.size());
+  const std::size_t first = digits.find_first_of("123456789");
+  return static_cast<long long>(point) - static_cast<long long>(first) +
+             (negative ? -exponent : exponent) <
+         0;
+}
+
 }  // namespace
 
-NumberText::NumberText(double value) {
+NumberText::NumberText(double value, int digits) {
   const auto bits = std::bit_cast<std::uint64_t>(value);
   const SpecialWord* special = findSpecial(bits);
   if (special != nullptr) {
@@ -73,7 +98,11 @@ NumberText::NumberText(double value) {
     char* end = fmt::format_to_n(chars_.data(), chars_.size(), "nan:0x{:016x}", bits).out;
     size_ = static_cast<std::size_t>(end - chars_.data());
   } else {
-    char* end = std::to_chars(chars_.data(), chars_.data() + chars_.size(), value).ptr;
+    char* const room = chars_.data() + chars_.size();
+    char* end = digits == 0 ? std::to_chars(chars_.data(), room, value).ptr
+                            : std::to_chars(chars_.data(), room, value, std::chars_format::general,
+                                            std::min(digits, mostDigits))
+                                  .ptr;
     size_ = static_cast<std::size_t>(end - chars_.data());
   }
 }
@@ -86,7 +115,7 @@ bool sameBits(double left, double right) {
   return std::bit_cast<std::uint64_t>(left) == std::bit_cast<std::uint64_t>(right);
 }
 
-double parseNumber(std::string_view text, std::string& problem) {
+double parseNumber(std::string_view text, std::string& problem, char decimal) {
   std::string_view number = trimBlanks(text);
   if (number.empty()) {
     problem = "is empty, expected a number";
@@ -103,9 +132,19 @@ double parseNumber(std::string_view text, std::string& problem) {
   if (startsFolded(number, patternPrefix)) {
     return parsePattern(number.substr(patternPrefix.size()), problem);
   }
+  std::string withPoint;
+  if (decimal != '.') {
+    withPoint = number;
+    for (char& c : withPoint) {
+      c = c == decimal ? '.' : c == '.' ? decimal : c;
+    }
+    number = withPoint;
+  }
   double value = 0;
   const auto [end, error] = std::from_chars(number.data(), number.data() + number.size(), value);
-  if (error == std::errc::result_out_of_range) {
+  if (error == std::errc::result_out_of_range && isNearZero(number)) {
+    value = number.front() == '-' ? -0.0 : 0.0;
+  } else if (error == std::errc::result_out_of_range) {
     problem = fmt::format("{} is outside the range of a double", inQuotes(text));
   } else if (error != std::errc{} || end != number.data() + number.size() ||
              !std::isfinite(value)) {

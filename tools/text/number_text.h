@@ -15,7 +15,8 @@ namespace tool {
 // A number as text, held in place.
 class NumberText {
  public:
-  explicit NumberText(double value);
+  // `digits` is the most digits of an ordinary number, 0 for as many as it takes.
+  explicit NumberText(double value, int digits = 0);
   [[nodiscard]] std::string_view view() const { return {chars_.data(), size_}; }
 
  private:
@@ -30,8 +31,10 @@ bool isSpecial(double value);
 bool sameBits(double left, double right);
 
 // Reads a number or a word for a special value, the letters in either case, with blanks or a plus
-// sign in front allowed. On failure problem says what is wrong with text, else it stays empty.
-double parseNumber(std::string_view text, std::string& problem);
+// sign in front allowed. `decimal` stands where the fraction begins; a point does so no longer when
+// it is another char. A number nearer to zero than any double is zero. On failure problem says what
+// is wrong with text, else it stays empty.
+double parseNumber(std::string_view text, std::string& problem, char decimal = '.');
 
 }  // namespace tool
 

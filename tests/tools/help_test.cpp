@@ -1,0 +1,80 @@
+#include <sys/wait.h>
+
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "tests/tools/program.h"
+
+namespace {
+
+using tooltest::Outcome;
+using tooltest::ProgramTest;
+
+class HelpTest : public ProgramTest {
+ protected:
+  // What a shell command prints, run in the folder of the test.
+  std::string shell(const std::string& command) const {
+    const int status = std::system(
+        ("cd '" + path(".") + "' && { " + command + "; } > printed 2> errors < /dev/null").c_str());
+    EXPECT_EQ(WEXITSTATUS(status), 0) << read("errors");
+    EXPECT_EQ(read("errors"), "");
+    return read("printed");
+  }
+
+  // What bash offers for the last of these words, each on a line.
+  std::string offered(const std::string& words) const {
+    write("completion", ztbFine({"completion", "bash"}));
+    return shell("bash --norc -c 'source ./completion; COMP_WORDS=(" + words +
+                 "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _ztb; printf \"%s\\n\" "
+                 "\"${COMPREPLY[@]}\"'");
+  }
+};
+
+TEST_F(HelpTest, OfACommandIsThatOfItsOption) {
+  const std::string help = ztbFine({"help", "show"});
+  EXPECT_EQ(help, ztbFine({"show", "--help"}));
+  EXPECT_NE(help.find("--slice PATTERNS"), std::string::npos);
+  EXPECT_EQ(ztbFine({"help"}), ztbFine({"--help"}));
+  expectFails(2, "ztb: no command 'shwo', is show meant?; ztb --help lists the commands\n",
+              {"help", "shwo"});
+}
+
+TEST_F(HelpTest, BashCompletesCommandsOptionsAndChoices) {
+  EXPECT_EQ(offered("ztb p"), "pivot\n");
+  EXPECT_EQ(offered("ztb s"), "show\nsolve\nsweep\n");
+  EXPECT_EQ(offered("ztb show f.rxf --s"), "--slice\n--store\n");
+  EXPECT_EQ(offered("ztb show f.rxf s --store \"\""), "map\nvector\ntrie\n");
+  EXPECT_EQ(offered("ztb show f.rxf s --store = t"), "trie\n");
+  EXPECT_EQ(offered("ztb completion \"\""), "bash\nzsh\nfish\n");
+  // Nothing of its own, so that bash offers files.
+  EXPECT_EQ(offered("ztb show \"\""), "\n");
+  EXPECT_EQ(offered("ztb import o.rxf --from \"\""), "\n");
+}
+
+// Every option that the help lists, in the language of each shell.
+TEST_F(HelpTest, OtherShellsGetTheSameOptions) {
+  const std::string zsh = ztbFine({"completion", "zsh"});
+  const std::string fish = ztbFine({"completion", "fish"});
+  EXPECT_EQ(zsh.substr(0, 13), "#compdef ztb\n");
+  for (const std::string option : {"slice", "head", "width", "digits", "decimal", "tolerance"}) {
+    EXPECT_NE(zsh.find("'*--" + option + "="), std::string::npos) << option;
+    EXPECT_NE(fish.find(" -l " + option + " "), std::string::npos) << option;
+  }
+  EXPECT_NE(zsh.find("(map vector trie)"), std::string::npos);
+  EXPECT_NE(fish.find("-x -a 'map vector trie'"), std::string::npos);
+  expectFails(2, "ztb: 'csh' is no shell, expected bash, zsh or fish\n", {"completion", "csh"});
+}
+
+// man tells of what roff does not understand.
+TEST_F(HelpTest, ManShowsThePage) {
+  write("ztb.1", ztbFine({"manual"}));
+  const std::string page = shell("MANWIDTH=80 man --warnings -E UTF-8 -l ztb.1 | col -b");
+  for (const char* text : {"ztb show FILE SYMBOL [options]", "--slice PATTERNS",
+                           "ztb show diet.rxf nutrition --slice 'wheat*,*' --head 20",
+                           "ztb solve MODEL [options]", "0 fine, 1 failed"}) {
+    EXPECT_NE(page.find(text), std::string::npos) << text;
+  }
+}
+
+}  // namespace

@@ -1,0 +1,93 @@
+// What is shown on a terminal, and how wide.
+
+#include <fcntl.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <string>
+#include <vector>
+#include <ztb/ztb.hpp>
+
+#include "tests/tools/background_program.h"
+#include "tests/tools/program.h"
+#include "tests/tools/terminal.h"
+
+namespace {
+
+using tooltest::ProgramTest;
+using tooltest::Terminal;
+
+class ScreenTest : public ProgramTest {
+ protected:
+  void SetUp() override {
+    ztb::Database database;
+    ztb::Symbol p = database.addParameter("p", {"*"});
+    for (int label = 1; label <= 1500; ++label) {
+      p.add("a rather long label, number " + std::to_string(label)).setLevel(label);
+    }
+    database.write(path("a.rxf"));
+    unsetenv("NO_COLOR");
+    setenv("TERM", "xterm", 1);
+  }
+  void TearDown() override { unsetenv("NO_COLOR"); }
+
+  // What a terminal of so many places in a line gets.
+  std::string shown(unsigned short width, const std::vector<std::string>& arguments) const {
+    Terminal terminal;
+    const int screen = open(terminal.path().c_str(), O_RDWR | O_NOCTTY);
+    const struct winsize size { .ws_row = 24, .ws_col = width, .ws_xpixel = 0, .ws_ypixel = 0 };
+    EXPECT_EQ(ioctl(screen, TIOCSWINSZ, &size), 0);
+    tooltest::BackgroundProgram program(path("."), arguments, "errors", terminal.path());
+    close(screen);
+    terminal.leaveToPrograms();
+    EXPECT_FALSE(terminal.waitFor("what no table holds"));
+    EXPECT_EQ(program.wait(), 0);
+    return terminal.text();
+  }
+};
+
+// The terminal itself puts the returns in. A line of 20 places: 14 for the label.
+TEST_F(ScreenTest, TablesFitTheTerminal) {
+  EXPECT_EQ(shown(21, {"show", "a.rxf", "p", "--head", "1"}),
+            "parameter p(*)\r\n"
+            "\r\n"
+            "\x1b[1mlabel           value\x1b[0m\r\n"
+            "--------------  -----\r\n"
+            "a rather long\xE2\x80\xA6      1\r\n"
+            "\r\n"
+            "1 record shown, others follow\r\n");
+}
+
+TEST_F(ScreenTest, TheWidthAskedForComesFirst) {
+  EXPECT_NE(shown(21, {"show", "a.rxf", "p", "--head", "1", "--width", "0"})
+                .find("a rather long label, number 1      1\r\n"),
+            std::string::npos);
+  EXPECT_NE(ztbFine({"show", "a.rxf", "p", "--head", "1", "--width", "21"})
+                .find("\na rather long\xE2\x80\xA6      1\n"),
+            std::string::npos);
+}
+
+TEST_F(ScreenTest, NoColourWhereItIsNotWanted) {
+  setenv("NO_COLOR", "1", 1);
+  EXPECT_EQ(shown(80, {"show", "a.rxf", "p", "--head", "1"}).find('\x1b'), std::string::npos);
+  unsetenv("NO_COLOR");
+  setenv("TERM", "dumb", 1);
+  EXPECT_EQ(shown(80, {"show", "a.rxf", "p", "--head", "1"}).find('\x1b'), std::string::npos);
+  EXPECT_EQ(ztbFine({"show", "a.rxf", "p", "--head", "1"}).find('\x1b'), std::string::npos);
+}
+
+TEST_F(ScreenTest, ManyRecordsEndWithALimitThatIsTold) {
+  const std::string limited = shown(80, {"show", "a.rxf", "p"});
+  EXPECT_NE(limited.find("\r\na rather long label, number 1000   1000\r\n"
+                         "\r\n"
+                         "1000 records shown, others follow\r\n"
+                         "p has 1500 records; --all shows them all, --head N the first N\r\n"),
+            std::string::npos)
+      << limited.substr(limited.size() - 300);
+  EXPECT_NE(shown(80, {"show", "a.rxf", "p", "--all"}).find("\r\n1500 records\r\n"),
+            std::string::npos);
+  EXPECT_NE(ztbFine({"show", "a.rxf", "p"}).find("\n1500 records\n"), std::string::npos);
+}
+
+}  // namespace

@@ -1,0 +1,35 @@
+// The options of commands that print tables for people.
+#ifndef ZTB_TOOLS_COMMANDS_TABLE_OPTIONS_H_
+#define ZTB_TOOLS_COMMANDS_TABLE_OPTIONS_H_
+
+#include <cstddef>
+#include <optional>
+#include <string>
+
+#include "tools/commands/command_line.h"
+#include "tools/text/table_printer.h"
+
+namespace tool {
+
+struct TableOptions {
+  std::optional<std::size_t> width;
+  int digits = 0;  // of numbers; 0 for as many as it takes
+
+  [[nodiscard]] TableStyle style() const { return outputStyle(width); }
+};
+
+// Adds --width; `options` must live as long as the command.
+inline void addWidthOption(Command command, TableOptions& options) {
+  command.number("--width", options.width,
+                 "Places in a line of a table, 0 for no bound; without it those of the terminal");
+}
+
+// Adds --digits.
+inline void addDigitsOption(Command command, TableOptions& options) {
+  command.number("--digits", options.digits,
+                 "Round numbers to N digits; 0, the default, for all that tell them apart");
+}
+
+}  // namespace tool
+
+#endif  // ZTB_TOOLS_COMMANDS_TABLE_OPTIONS_H_
