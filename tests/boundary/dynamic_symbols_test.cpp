@@ -146,7 +146,8 @@ TEST(BuiltLibrary, exportsExactlyTheNamesOfTheInterface) {
 }
 
 TEST(BuiltLibrary, exportsExactlyTheNamesOfThePublicHeader) {
-  EXPECT_EQ(Names{}, without(declaredNames(), expectedNames())) << "declared in excess";
+  const Names definedInTheHeader = {"ztbErrorKind"};
+  EXPECT_EQ(definedInTheHeader, without(declaredNames(), expectedNames())) << "declared in excess";
   EXPECT_EQ(Names{}, without(expectedNames(), declaredNames())) << "not declared";
 }
 

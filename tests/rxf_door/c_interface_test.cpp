@@ -163,6 +163,7 @@ TEST_F(RxfCTest, TheLibraryExportsTheseNamesOfItsOwn) {
                                           "ztbRxfCreate",
                                           "ztbRxfDiscard",
                                           "ztbRxfDomain",
+                                          "ztbRxfErrorKind",
                                           "ztbRxfFindLabel",
                                           "ztbRxfFindSymbol",
                                           "ztbRxfKeys",

@@ -73,7 +73,7 @@ std::string SweepResults::inputsOf(const std::string& file) {
 
 ztb::Symbol SweepResults::add(const std::string& name, int dimension) {
   if (name.size() > kMaxName) {
-    throw Failure(fmt::format("{}: the name has {} characters, at most {} are allowed", name,
+    throw Failure(fmt::format("{}: the name has {} bytes, at most {} are allowed", name,
                               name.size(), kMaxName));
   }
   std::vector<ztb::DomainArgument> domains(static_cast<std::size_t>(dimension), "*");
