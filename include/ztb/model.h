@@ -140,7 +140,9 @@ void ztbModelTerminate(ztbModel* model);
  * after a solve that worked. */
 const char* ztbModelMessage(ztbModel* model);
 
-/* Names that the dictionary had to change, one text each: 0 <= number < count. */
+/* What a user is to be told of a model that was taken all the same, one text each: 0 <= number <
+ * count. What the reading of its file left, from ztbModelOpen on; these also go to the log when
+ * ztbModelPbi is called first. And names that the dictionary had to change, from ztbModelPbi on. */
 int ztbModelNoteCount(ztbModel* model);
 const char* ztbModelNote(ztbModel* model, int number);
 

@@ -20,7 +20,7 @@ extern "C" {
 #endif
 
 /* Grows with every change of this file that a library has to be built anew for. */
-enum { ztbSolverVersion = 3 };
+enum { ztbSolverVersion = 4 };
 
 /* In the place of a row. */
 enum { ztbSolverObjective = -1 };
@@ -32,6 +32,14 @@ typedef struct ztbSolverProduct {
   int32_t column2;
   double value;
 } ztbSolverProduct;
+
+/* A special ordered set: of its columns, which stand in their order in the problem's setColumns
+ * from `first` on, at most one (kind 1) or two neighbours (kind 2) are not 0. */
+typedef struct ztbSolverSet {
+  int32_t kind;
+  int32_t first;
+  int32_t count;
+} ztbSolverSet;
 
 typedef struct ztbSolverProblem {
   int32_t columnCount;
@@ -50,6 +58,13 @@ typedef struct ztbSolverProblem {
   int64_t productCount;
   const double* level; /* where a solver that starts from a point may start; may be null */
   int32_t hasIntegers; /* 0 or 1 */
+  /* One flag a column: it is 0, or within its bounds; null when no column is so. A solver that does
+   * not know such columns, or sets, refuses a problem that has them. */
+  const char* isSemiContinuous;
+  const ztbSolverSet* sets;
+  int32_t setCount;
+  const int32_t* setColumns;
+  const double* setWeights; /* of the places of setColumns, ascending within a set */
   /* Shape, cost, values and products are those of any other problem with the same number; 0
    * promises nothing. */
   uint64_t coefficientsAsOf;

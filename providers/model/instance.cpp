@@ -86,6 +86,7 @@ Instance::Instance(const ModelData& data)
     lower_.push_back(c.lower);
     upper_.push_back(c.upper);
   }
+  takeSets(data);
   alternativeLower_ = lower_;
   alternativeUpper_ = upper_;
   for (int j = 0; j < columnCount(); ++j) columns_[at(j)].level = levelWithin(j);
@@ -115,8 +116,30 @@ Instance::Instance(const ModelData& data)
   }
 }
 
+void Instance::takeSets(const ModelData& data) {
+  const auto isSemiContinuous = [](const ColumnData& c) { return c.semiContinuous; };
+  if (std::any_of(data.columns.begin(), data.columns.end(), isSemiContinuous)) {
+    isSemiContinuous_.resize(data.columns.size());
+    std::transform(data.columns.begin(), data.columns.end(), isSemiContinuous_.begin(),
+                   isSemiContinuous);
+  }
+  for (const OrderedSet& set : data.sets) {
+    solverSets_.push_back({.kind = set.kind,
+                           .first = static_cast<std::int32_t>(setColumns_.size()),
+                           .count = static_cast<std::int32_t>(set.members.size())});
+    std::vector<SetMember> members = set.members;
+    std::stable_sort(members.begin(), members.end(),
+                     [](const SetMember& a, const SetMember& b) { return a.weight < b.weight; });
+    for (const SetMember& member : members) {
+      setColumns_.push_back(member.column);
+      setWeights_.push_back(member.weight);
+    }
+  }
+  hasIntegers_ = hasIntegers_ || !isSemiContinuous_.empty() || !solverSets_.empty();
+}
+
 bool Instance::isLinear(const std::vector<double>& lower, const std::vector<double>& upper) const {
-  const auto standsStill = [&](int j) { return lower[at(j)] == upper[at(j)]; };
+  const auto standsStill = [&](int j) { return lower[at(j)] == upper[at(j)] && !mayBeZero(j); };
   return std::all_of(products_.begin(), products_.end(), [&](const Product& p) {
     return standsStill(p.column1) || standsStill(p.column2);
   });
@@ -135,7 +158,9 @@ ModelType Instance::shownType() const {
 
 // Not std::clamp: a caller's bounds may cross.
 double Instance::levelWithin(int j) const {
-  return std::max(lowers()[at(j)], std::min(uppers()[at(j)], columns_[at(j)].level));
+  const double level = columns_[at(j)].level;
+  if (level == 0 && mayBeZero(j)) return level;
+  return std::max(lowers()[at(j)], std::min(uppers()[at(j)], level));
 }
 
 double Instance::inner(double value) const {
@@ -225,6 +250,11 @@ const SolverProblem& Instance::solverProblem() {
   problem_.value = solverValue_.data();
   setProducts(problem_, linearized ? std::span<const SolverProduct>() : solverProducts_);
   problem_.level = solverLevel_.data();
+  problem_.isSemiContinuous = isSemiContinuous_.empty() ? nullptr : isSemiContinuous_.data();
+  problem_.sets = solverSets_.data();
+  problem_.setCount = static_cast<std::int32_t>(solverSets_.size());
+  problem_.setColumns = setColumns_.data();
+  problem_.setWeights = setWeights_.data();
   return problem_;
 }
 
@@ -270,8 +300,9 @@ void Instance::takeColumns(const SolverResult& result) {
       marginal -= row.marginal * value;
     }
     const Position position = result.position[j];
+    const bool isZero = mayBeZero(static_cast<int>(j)) && !outside(level, 0, 0);
     columns_[j] = {level, position == Position::basic ? 0 : marginal, static_cast<int>(position),
-                   outside(level, lower[j], upper[j]) ? 2 : 0};
+                   isZero || !outside(level, lower[j], upper[j]) ? 0 : 2};
   }
 }
 

@@ -123,7 +123,11 @@ class Instance {
                               const std::vector<double>& upper) const;
   [[nodiscard]] ModelType typeBy(const std::vector<double>& lower,
                                  const std::vector<double>& upper) const;
+  [[nodiscard]] bool mayBeZero(int j) const {
+    return !isSemiContinuous_.empty() && isSemiContinuous_[at(j)] != 0;
+  }
   [[nodiscard]] double levelWithin(int j) const;
+  void takeSets(const ModelData& data);
   void takeCoefficients(bool linearized);
   void takeColumns(const SolverResult& result);
   void addProducts(const SolverResult& result);
@@ -133,7 +137,7 @@ class Instance {
   std::vector<SolutionRecord> rows_;
   std::vector<ColumnKind> kinds_;
   std::vector<char> isInteger_;
-  bool hasIntegers_ = false;
+  bool hasIntegers_ = false;  // or what takes a search all the same: semi-continuous columns, sets
   std::vector<double> lower_, upper_;
   std::vector<double> alternativeLower_, alternativeUpper_;
   std::vector<RowType> rowTypes_;
@@ -160,6 +164,10 @@ class Instance {
   std::vector<int> solverStart_, solverRowOf_;
   std::vector<std::size_t> solverEntryOf_;  // the entry of matrix_ behind each solver entry
   std::vector<SolverProduct> solverProducts_;
+  std::vector<char> isSemiContinuous_;
+  std::vector<ztbSolverSet> solverSets_;
+  std::vector<int> setColumns_;
+  std::vector<double> setWeights_;
 };
 
 }  // namespace lomu

@@ -6,7 +6,10 @@
 namespace lomu {
 
 Model::Model(const ModelData& data, std::shared_ptr<Environment> itsEnvironment)
-    : instance(data), dictionary(data), environment(std::move(itsEnvironment)) {}
+    : instance(data), dictionary(data), environment(std::move(itsEnvironment)), notes(data.notes) {
+  for (const std::string& note : notes) environment->log(note);
+  notes.insert(notes.end(), dictionary.notes().begin(), dictionary.notes().end());
+}
 
 void Model::noteFailure(const std::exception& error) noexcept {
   const char* text = failureText(error);

@@ -6,6 +6,7 @@
 #include <exception>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "providers/model/dictionary.h"
 #include "providers/model/environment.h"
@@ -14,6 +15,7 @@
 namespace lomu {
 
 struct Model {
+  // The notes of the reading go to the log.
   Model(const ModelData& data, std::shared_ptr<Environment> itsEnvironment);
 
   // Leaves the text of a failure as the message and in the log.
@@ -22,7 +24,8 @@ struct Model {
   Instance instance;
   Dictionary dictionary;
   std::shared_ptr<Environment> environment;
-  std::string message;  // why the last solve or call failed
+  std::string message;             // why the last solve or call failed
+  std::vector<std::string> notes;  // of the reading of the file, then of the dictionary
 };
 
 // The text of an exception for a user.

@@ -1,6 +1,7 @@
 // A model as it is read or built: names, kinds, bounds, terms, in the order in which they came.
 //
-// Row 0 is the objective. Terms may repeat; they add up.
+// Row 0 is the objective. Terms may repeat; they add up. Notes are what the user is to be told of a
+// file that was read all the same.
 #ifndef ZTB_PROVIDERS_MODEL_MODEL_DATA_H_
 #define ZTB_PROVIDERS_MODEL_MODEL_DATA_H_
 
@@ -16,11 +17,14 @@ enum class ColumnKind { continuous = 0, integer = 1, binary = 2 };
 
 enum class RowType { equal = 0, greaterOrEqual = 1, lessOrEqual = 2, free = 3 };
 
+// A semi-continuous column is 0, or within its bounds (and an integer there, if it is of that
+// kind).
 struct ColumnData {
   std::string name;
   ColumnKind kind = ColumnKind::continuous;
   double lower = 0;
   double upper = kInfinity;
+  bool semiContinuous = false;
 };
 
 // A range of 0 is none; otherwise a >= row ends at rhs + range and a <= row begins at rhs - range.
@@ -44,6 +48,19 @@ struct Product {
   double value;
 };
 
+struct SetMember {
+  int column;
+  double weight;
+};
+
+// A special ordered set: of its columns, in ascending order of their weights, at most one (kind 1)
+// or two neighbours (kind 2) are not 0.
+struct OrderedSet {
+  std::string name;
+  int kind = 1;
+  std::vector<SetMember> members;
+};
+
 struct ModelData {
   bool maximize = false;
   double objectiveConstant = 0;
@@ -51,6 +68,8 @@ struct ModelData {
   std::vector<RowData> rows{RowData{"objective"}};
   std::vector<Term> terms;
   std::vector<Product> products;
+  std::vector<OrderedSet> sets;
+  std::vector<std::string> notes;
 };
 
 }  // namespace lomu

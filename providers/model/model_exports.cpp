@@ -6,6 +6,7 @@
 #include <memory>
 #include <new>
 #include <string>
+#include <vector>
 
 #include "providers/model/fixed_text.h"
 #include "providers/model/model.h"
@@ -57,6 +58,10 @@ bool attempt(const Body& body, const Refused& refused) noexcept {
 // Where the last refusal or failed solve stands.
 std::string& messageOf(ztbModelRec& model) {
   return model.model == nullptr ? model.message : model.model->message;
+}
+
+const std::vector<std::string>& notesOf(const ztbModelRec& model) {
+  return model.model == nullptr ? model.builder.data().notes : model.model->notes;
 }
 
 // The same for a model that exists, the text going into its message.
@@ -236,13 +241,12 @@ MODEL_EXPORT const char* ztbModelMessage(ztbModel* model) {
 }
 
 MODEL_EXPORT int ztbModelNoteCount(ztbModel* model) {
-  const bool inUse = model != nullptr && model->model != nullptr;
-  return inUse ? static_cast<int>(model->model->dictionary.notes().size()) : 0;
+  return model == nullptr ? 0 : static_cast<int>(notesOf(*model).size());
 }
 
 MODEL_EXPORT const char* ztbModelNote(ztbModel* model, int number) {
   if (number < 0 || number >= ztbModelNoteCount(model)) return "";
-  return model->model->dictionary.notes()[static_cast<std::size_t>(number)].c_str();
+  return notesOf(*model)[static_cast<std::size_t>(number)].c_str();
 }
 
 MODEL_EXPORT int ztbCatalogueCheck(const char* file, char* message, int messageSize) {

@@ -234,6 +234,62 @@ TEST(Instance, TakesLevelsIntoTheirBoundsForTheGradient) {
   EXPECT_THAT(offset, ElementsAre(-20, -30));
 }
 
+TEST(Instance, HandsOutSetsInTheOrderOfTheirWeights) {
+  ModelData data = smallModel();
+  data.columns[0].semiContinuous = true;
+  data.columns[0].lower = 2;
+  data.columns[1].kind = ColumnKind::continuous;
+  data.sets = {{"s", 2, {{1, 7.5}, {0, 3}}}, {"t", 1, {{0, 1}}}};
+  Instance instance(data);
+  EXPECT_EQ(instance.type(), ModelType::mixedInteger);
+  EXPECT_EQ(instance.column(0).level, 0) << "0 is allowed beside the bounds";
+  const SolverProblem& problem = instance.solverProblem();
+  EXPECT_EQ(problem.hasIntegers, 1);
+  EXPECT_EQ(problem.isSemiContinuous[0], 1);
+  EXPECT_EQ(problem.isSemiContinuous[1], 0);
+  ASSERT_EQ(problem.setCount, 2);
+  EXPECT_EQ(problem.sets[0].kind, 2);
+  EXPECT_EQ(problem.sets[0].first, 0);
+  EXPECT_EQ(problem.sets[0].count, 2);
+  EXPECT_EQ(problem.sets[1].kind, 1);
+  EXPECT_EQ(problem.sets[1].first, 2);
+  EXPECT_EQ(problem.sets[1].count, 1);
+  EXPECT_THAT(std::vector<int>(problem.setColumns, problem.setColumns + 3), ElementsAre(0, 1, 0));
+  EXPECT_THAT(copied(problem.setWeights, 3), ElementsAre(3, 7.5, 1));
+}
+
+TEST(Instance, HasNoSemiContinuousColumnsUnlessTheModelHas) {
+  Instance instance(smallModel());
+  EXPECT_EQ(instance.solverProblem().isSemiContinuous, nullptr);
+  EXPECT_EQ(instance.solverProblem().setCount, 0);
+}
+
+TEST(Instance, TakesZeroOfASemiContinuousColumnForWithinBounds) {
+  ModelData data = smallModel();
+  data.columns[0].semiContinuous = true;
+  data.columns[0].lower = 2;
+  Instance instance(data);
+  SolverResult result;
+  result.outcome = Outcome::optimal;
+  result.hasPoint = true;
+  result.level = {0, 1};
+  result.position = {Position::basic, Position::basic};
+  result.rowMarginal = {0, 0};
+  result.rowPosition = {Position::basic, Position::basic};
+  instance.takeResult(result);
+  EXPECT_EQ(instance.column(0).condition, 0);
+  result.level = {1, 1};
+  instance.takeResult(result);
+  EXPECT_EQ(instance.column(0).condition, 2);
+}
+
+// A factor that may be 0 or 2 does not stand still.
+TEST(Instance, IsQuadraticWithAFactorThatMayBeZero) {
+  ModelData data = productModel();
+  data.columns[0].semiContinuous = true;
+  EXPECT_EQ(Instance(data).type(), ModelType::mixedIntegerQuadratic);
+}
+
 TEST(Instance, CountsAnOffsetThatIsNotFinite) {
   ModelData data = productModel();
   data.columns[2].upper = kInfinity;

@@ -87,13 +87,18 @@ int ModelSession::applyParameter(const ztb::Symbol& parameter) {
 }
 
 void ModelSession::reportNotes(bool all) const {
+  int first = 0;
   const int count = model_.noteCount();
-  for (int n = 0; n < count && (all || count == 1); ++n) {
+  // Notes of the reading begin with the file, and there is at most one of a kind.
+  for (; first < count && model_.note(first).starts_with(file_ + ":"); ++first) {
+    printError(fmt::format("ztb: {}", model_.note(first)));
+  }
+  for (int n = first; n < count && (all || count == first + 1); ++n) {
     printError(fmt::format("ztb: {}: {}", file_, model_.note(n)));
   }
-  if (!all && count > 1) {
+  if (!all && count > first + 1) {
     printError(fmt::format("ztb: {}: {} names had to be changed for the database: {}, ...", file_,
-                           count, model_.note(0)));
+                           count - first, model_.note(first)));
   }
 }
 

@@ -41,8 +41,8 @@ class ModelSession {
   // value. Gives the records that met no column.
   int applyParameter(const ztb::Symbol& parameter);
 
-  // Names that had to be changed when the model was read, on standard error: all, or one line with
-  // their count and the first.
+  // On standard error, what the reading of the file noted, and names that had to be changed: all, or
+  // one line with their count and the first.
   void reportNotes(bool all) const;
 
  private:
