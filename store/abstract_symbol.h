@@ -107,6 +107,9 @@ class AbstractZTBSymbol {
 
   // The value slots of the record with these keys, or null; good until the symbol next changes.
   virtual const double* findValues(const int* keys) = 0;
+  // Moves a position on, or back, to the first record of a slice from there on, itself included.
+  // False, with the position as it was, without one. REQUIRES: it stands on a record.
+  virtual bool seekInSlice(dmap::IDMapIterator& position, const int* mask, bool forward) = 0;
   // `storeRecord` without a handle: whether the store took or had the record.
   virtual bool putRecord(const int* keys, const double* values, bool overwrite) = 0;
   // Inserts all records of a symbol on another store into this one, which is new.

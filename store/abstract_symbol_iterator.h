@@ -19,16 +19,6 @@ class AbstractZTBSymbol;
 
 enum class IterationMode : std::int32_t { symbol = 0, slice = 1, universe = 2 };
 
-// Whether a key lies in the slice: at every position the mask is 0 or equal.
-inline bool matchesMask(const int* mask, const int* keys, int dim) {
-  for (int d = 0; d < dim; ++d) {
-    if (mask[d] != 0 && mask[d] != keys[d]) {
-      return false;
-    }
-  }
-  return true;
-}
-
 class AbstractZTBSymbolIterator {
  public:
   static constexpr std::size_t messageSize = 256;

@@ -7,18 +7,11 @@
 namespace ztb::dmap {
 namespace {
 
-// Adds a record to a map, or overwrites it there if that is wanted. The map's own insert_or_assign
-// would look for the place of a new key twice. Kept apart from the choice of the member, which is
-// then a plain jump.
+// Kept apart from the choice of the member, which is then a plain jump.
 template <class Member>
-[[gnu::noinline]] void* storeInMap(void* map, void* hint, const int* keys, const double* values,
-                                   bool overwrite) {
-  const auto slots = Member::values(values);
-  const auto position = Member::map(map).insert(Member::position(hint), {Member::key(keys), slots});
-  if (overwrite) {
-    position->second = slots;
-  }
-  return Member::untyped(position);
+[[gnu::noinline]] void* putInMap(void* map, void* hint, const int* keys, const double* values,
+                                 bool overwrite) {
+  return Member::map(map).put(Member::position(hint), keys, values, overwrite);
 }
 
 }  // namespace
@@ -30,7 +23,7 @@ DMap::DMap(int dim, int type) : IDMap(StorageKind::dMap, dim, type) {
     visitMapFamily(dim_, type_, [this](auto member) {
       auto* map = new typename decltype(member)::Map;
       map_ = map;
-      end_ = member.untyped(map->end());
+      end_ = map->end();
     });
   }
 }
@@ -47,18 +40,6 @@ void* DMap::setScalar(const double* values) {
   return scalarValues_;
 }
 
-DMapIterator DMap::insert(const int* keys, const double* values) {
-  if (dim_ == 0) {
-    return at(setScalar(values));
-  }
-  if (map_ == nullptr) {
-    return {};
-  }
-  return at(visitMapFamily(dim_, type_, [&](auto member) {
-    return member.untyped(member.map(map_).insert({member.key(keys), member.values(values)}).first);
-  }));
-}
-
 void* DMap::stored(void* hint, const int* keys, const double* values, bool overwrite) {
   if (dim_ == 0) {
     return setScalar(values);
@@ -67,7 +48,7 @@ void* DMap::stored(void* hint, const int* keys, const double* values, bool overw
     return nullptr;
   }
   return visitMapFamily(dim_, type_, [=, this](auto member) {
-    return storeInMap<decltype(member)>(map_, hint, keys, values, overwrite);
+    return putInMap<decltype(member)>(map_, hint, keys, values, overwrite);
   });
 }
 
@@ -103,9 +84,8 @@ DMapIterator DMap::lowerBound(const int* keys) {
   if (map_ == nullptr) {
     return {};
   }
-  return at(visitMapFamily(dim_, type_, [&](auto member) {
-    return member.untyped(member.map(map_).lower_bound(member.key(keys)));
-  }));
+  return at(visitMapFamily(
+      dim_, type_, [&](auto member) -> void* { return member.map(map_).lowerBound(keys); }));
 }
 
 void* DMap::found(const int* keys) {
@@ -115,9 +95,8 @@ void* DMap::found(const int* keys) {
   if (map_ == nullptr) {
     return nullptr;
   }
-  return visitMapFamily(dim_, type_, [&](auto member) {
-    return member.untyped(member.map(map_).find(member.key(keys)));
-  });
+  return visitMapFamily(dim_, type_,
+                        [&](auto member) -> void* { return member.map(map_).find(keys); });
 }
 
 DMapIterator DMap::begin() {
@@ -127,8 +106,8 @@ DMapIterator DMap::begin() {
   if (map_ == nullptr) {
     return {};
   }
-  return at(visitMapFamily(
-      dim_, type_, [this](auto member) { return member.untyped(member.map(map_).begin()); }));
+  return at(visitMapFamily(dim_, type_,
+                           [this](auto member) -> void* { return member.map(map_).begin(); }));
 }
 
 void DMap::clear() {
@@ -137,6 +116,25 @@ void DMap::clear() {
   } else if (map_ != nullptr) {
     visitMapFamily(dim_, type_, [this](auto member) { member.map(map_).clear(); });
   }
+}
+
+bool DMap::seekInSlice(DMapIterator& position, const int* mask, bool forward) {
+  if (dim_ == 0) {
+    return true;
+  }
+  if (map_ == nullptr) {
+    return false;
+  }
+  void* found = visitMapFamily(dim_, type_, [&](auto member) -> void* {
+    auto& map = member.map(map_);
+    const auto here = member.position(position.position());
+    return forward ? map.firstInSlice(here, mask) : map.lastInSlice(here, mask);
+  });
+  if (found == end_) {
+    return false;
+  }
+  position.moveTo(found);
+  return true;
 }
 
 int DMap::indexOf(const DMapIterator& position) {

@@ -1,5 +1,5 @@
-// The default store: a standard ordered map whose nodes hold key and value slots by value, so that
-// a record costs one allocation. Correct for any order of insertion; lookup is logarithmic. A
+// The default store: an ordered map whose nodes hold key and value slots by value and come from
+// blocks of the map's own. Correct for any order of insertion; lookup is logarithmic. A
 // scalar's one record stands inline. An iterator stays good across insertions and the erasure of
 // other records. A dimension outside 0 to 20 gives a store that holds nothing: its operations
 // return the null iterator.
@@ -26,7 +26,9 @@ class DMap final : public IDMap<DMapIterator> {
   }
   // `append` without its result.
   void load(const int* keys, const double* values) { stored(end_, keys, values, false); }
-  DMapIterator insert(const int* keys, const double* values) override;
+  DMapIterator insert(const int* keys, const double* values) override {
+    return append(keys, values);
+  }
   DMapIterator insertHint(const int* keys, const double* values,
                           const DMapIterator& hint) override {
     return at(stored(hint.position(), keys, values, false));
@@ -64,6 +66,9 @@ class DMap final : public IDMap<DMapIterator> {
   [[nodiscard]] bool isEndBound(const DMapIterator& bound, const int* /*keys*/) {
     return isEnd(bound);
   }
+  // Moves on, or back, to the first record of a slice from the position on, itself included; false,
+  // with the position as it was, without one. REQUIRES: the position stands on a record.
+  bool seekInSlice(DMapIterator& position, const int* mask, bool forward);
 
  private:
   // An iterator is made where it is wanted, out of the pointer that the search gave: built behind a

@@ -4,6 +4,8 @@
 #include <iterator>
 #include <stdexcept>
 
+#include "store/slice_mask.h"
+
 namespace ztb::dmap {
 
 DMapGTree::DMapGTree(int dim, int type)
@@ -146,6 +148,39 @@ TreeIterator DMapGTree::iteratorAt(int index) {
 void DMapGTree::reserve(int records) {
   if (tree_ != nullptr) {
     tree_->setBlockCapacity(records);
+  }
+}
+
+bool DMapGTree::seekInSlice(TreeIterator& position, const int* mask, bool forward) {
+  if (dim_ == 0) {
+    return true;
+  }
+  TreeIterator sought = position;
+  if (tree_->isIntact()) {
+    gtree::Path path = position.path();
+    if (!tree_->seekInSlice(path, mask, forward)) {
+      return false;
+    }
+    position = at(path);
+    return true;
+  }
+  const TreeIterator first = begin();
+  while (true) {
+    const RecordView record = sought.get();
+    if (record.values == nullptr) {
+      throw std::logic_error("the position stands on no record");
+    }
+    if (matchesMask(mask, record.keys, dim_)) {
+      position = sought;
+      return true;
+    }
+    if (!forward && sought.equals(first)) {
+      return false;
+    }
+    forward ? sought.next() : sought.prev();
+    if (isEnd(sought)) {
+      return false;
+    }
   }
 }
 

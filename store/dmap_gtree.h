@@ -73,6 +73,9 @@ class DMapGTree final : public IDMap<TreeIterator> {
   [[nodiscard]] bool isEnd(const TreeIterator& position) const;
   // Whether a key whose lower bound this is sorts behind all records of its branch.
   [[nodiscard]] bool isEndBound(const TreeIterator& bound, const int* keys) const;
+  // Moves on, or back, to the first record of a slice from the position on, itself included; false,
+  // with the position as it was, without one. REQUIRES: the position stands on a record.
+  bool seekInSlice(TreeIterator& position, const int* mask, bool forward);
 
  private:
   TreeIterator at(const gtree::Path& path) { return {dim_, type_, tree_.get(), path}; }

@@ -2,7 +2,7 @@
 #ifndef ZTB_STORE_DMAP_ITERATOR_H_
 #define ZTB_STORE_DMAP_ITERATOR_H_
 
-#include "store/idmap.h"
+#include "store/map_family.h"
 
 namespace ztb::dmap {
 
@@ -15,13 +15,24 @@ class DMapIterator final : public BaseDMapIterator {
 
   // In-order successor; on a scalar one double onward.
   // REQUIRES: the iterator is not null and, but for a scalar, not at the end.
-  void next() override;
+  void next() override {
+    position_ =
+        dim() == 0 ? static_cast<double*>(position_) + 1 : nextPosition(dim(), type(), position_);
+  }
   // In-order predecessor, from the end the last record; on a scalar one double back.
   // REQUIRES: the iterator is not null and, but for a scalar, not at the beginning.
-  void prev() override;
+  void prev() override {
+    position_ =
+        dim() == 0 ? static_cast<double*>(position_) - 1 : prevPosition(dim(), type(), position_);
+  }
   // On a scalar `keys` and `values` are both the position.
   // REQUIRES: the iterator stands on a record.
-  [[nodiscard]] RecordView get() const override;
+  [[nodiscard]] RecordView get() const override {
+    if (dim() == 0) {
+      return {static_cast<const int*>(position_), static_cast<double*>(position_)};
+    }
+    return viewAt(dim(), type(), position_);
+  }
   [[nodiscard]] bool equals(const IDMapIterator& other) const override {
     const auto& right = static_cast<const DMapIterator&>(other);
     return dim() == right.dim() && type() == right.type() && position_ == right.position_;
@@ -29,6 +40,7 @@ class DMapIterator final : public BaseDMapIterator {
   [[nodiscard]] bool isNull() const override { return position_ == nullptr; }
 
   [[nodiscard]] void* position() const { return position_; }
+  void moveTo(void* position) { position_ = position; }
   // What stands for the address of a record's values where there is no record, at the end.
   [[nodiscard]] const void* endAddress() const { return position_; }
 

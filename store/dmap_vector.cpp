@@ -177,6 +177,7 @@ VectorIterator DMapVector::placeBefore(int row, const int* keys, const double* v
                      valueArray_.data() + (count + 1) * slots_);
   write(row, keys, values);
   ++rowCount_;
+  ascendingRows_ = std::min(ascendingRows_, row);
   return at(row);
 }
 
@@ -219,6 +220,7 @@ void DMapVector::erase(const VectorIterator& position) {
     const auto row = static_cast<std::size_t>(position.row());
     keyArray_.erase(row * width_, (row + 1) * width_);
     valueArray_.erase(row * slots_, (row + 1) * slots_);
+    ascendingRows_ = std::min(ascendingRows_, position.row());
   }
   --rowCount_;
   rowCapacity_ = rowCount_;
@@ -287,6 +289,7 @@ void DMapVector::clear() {
   valueArray_.setSize(0);
   rowCount_ = 0;
   rowCapacity_ = 0;
+  ascendingRows_ = 0;
 }
 
 void DMapVector::release() {
@@ -294,6 +297,7 @@ void DMapVector::release() {
   valueArray_.release();
   rowCount_ = 0;
   rowCapacity_ = 0;
+  ascendingRows_ = 0;
   rowsOfMemory_ = noMemory();
 }
 

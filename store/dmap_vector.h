@@ -81,6 +81,10 @@ class DMapVector final : public IDMap<VectorIterator> {
   // Whether a key whose lower bound this is sorts behind all records; a single row is the bound of
   // such keys too.
   [[nodiscard]] bool isEndBound(const VectorIterator& bound, const int* keys) const;
+  // Moves on, or back, to the first row of a slice from the position on, itself included; false,
+  // with the position as it was, without one. Rows that ascend are searched, others looked at.
+  // REQUIRES: the position stands on a row.
+  bool seekInSlice(VectorIterator& position, const int* mask, bool forward);
 
  private:
   VectorIterator at(int row) { return {dim_, type_, row, &keyArray_, &valueArray_}; }
@@ -98,15 +102,19 @@ class DMapVector final : public IDMap<VectorIterator> {
   [[nodiscard]] bool fitsBefore(int row, const int* keys) const;
   template <class Order>
   [[nodiscard]] int boundRow(const Order& order) const;
+  [[nodiscard]] bool ascends();
+  [[nodiscard]] int firstNotBelow(int row, const int* keys) const;
+  [[nodiscard]] int lastNotAbove(int row, const int* keys) const;
   VectorIterator placeBefore(int row, const int* keys, const double* values);
 
   FlatArray<int> keyArray_;
   FlatArray<double> valueArray_;
-  int rowCapacity_ = 0;  // rows for which both arrays are sized
-  int rowCount_ = 0;     // rows in use; not maintained on a scalar
-  std::size_t width_;    // keys of a row
-  std::size_t slots_;    // values of a row
-  int rowsOfMemory_;     // rows for which both arrays have memory; below any count without keys
+  int rowCapacity_ = 0;    // rows for which both arrays are sized
+  int rowCount_ = 0;       // rows in use; not maintained on a scalar
+  std::size_t width_;      // keys of a row
+  std::size_t slots_;      // values of a row
+  int ascendingRows_ = 0;  // of the first, how many are known to ascend; a look at more comes later
+  int rowsOfMemory_;       // rows for which both arrays have memory; below any count without keys
 };
 
 }  // namespace ztb::dmap

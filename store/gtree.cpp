@@ -172,19 +172,6 @@ Path GTree::insertBranch(const int* keys, const double* values) {
   return path;
 }
 
-inline GTree::Node* GTree::reach(Node* node, int keyElement) const {
-  if (holdsRing_) {
-    while (node != nullptr && node->key < keyElement) {
-      node = node->following();
-    }
-  } else {
-    while (node != nullptr && node->key < keyElement) {
-      node = node->next;
-    }
-  }
-  return node;
-}
-
 std::pair<bool, Path> GTree::findPath(const int* keys, const Path* startHint) const {
   Path path(dim_);
   Node* node = root_;
@@ -401,6 +388,7 @@ void GTree::erase(const Path& path) {
     moveLastPathBack();
   }
   recentPath_ = Path(dim_);
+  isIntact_ = false;
   if (before != nullptr) {
     before->next = path.node[last]->next;
   } else if (dim_ > 1) {
@@ -445,6 +433,7 @@ void GTree::clear() {
   count_ = 0;
   root_ = nullptr;
   holdsRing_ = false;
+  isIntact_ = true;
   recentPath_ = Path(dim_);
 }
 

@@ -139,6 +139,13 @@ class GTree {
   [[nodiscard]] Path nextPathOrEnd(Path path) const;
   // From `endPath` the greatest record. Otherwise the predecessor, or the path itself without one.
   [[nodiscard]] Path prev(const Path& path) const;
+  // Moves a path to the first record of a slice from it on, or back, itself included; false, with
+  // the path anywhere, without one. Steps over branches that cannot hold one.
+  // REQUIRES: `isIntact()`.
+  [[nodiscard]] bool seekInSlice(Path& path, const int* mask, bool forward) const;
+  // Whether no record was taken out of these nodes: all branches hold records, and no list is a
+  // ring.
+  [[nodiscard]] bool isIntact() const { return isIntact_; }
   // Unlinks the record. Of a list that becomes empty, only one directly below the first level has
   // its parent unlinked, and the first node of the first level never is: with siblings behind it,
   // their list is then closed into a ring. Throws std::logic_error, with nothing changed, where the
@@ -196,6 +203,10 @@ class GTree {
   // The first node from this one on that is not below the key element; null without one.
   Node* reach(Node* node, int keyElement) const;
   void copyKeys(const Path& path, int* keys) const;
+  [[nodiscard]] bool toFirstNotBelow(Path& path, const int* keys) const;
+  [[nodiscard]] bool firstNotBelow(Node* list, int level, const int* keys, Path& path) const;
+  [[nodiscard]] bool lastNotAbove(Node* list, int level, const int* keys, Path& path) const;
+  void fillLeast(Path& path, int level) const;
 
   Pool nodes_;
   Pool values_;
@@ -207,6 +218,7 @@ class GTree {
   Path lastPath_;
   std::size_t valueSize_;   // bytes of a record's slots
   bool holdsRing_ = false;  // since `erase` closed one; lists are walked without a look otherwise
+  bool isIntact_ = true;
   // Where `insertAnywhere` was last, so that ascending keys do not walk all siblings again and
   // again. Every node of it is linked; its first is null when there is no such place.
   Path recentPath_;
@@ -224,6 +236,19 @@ extern const Path endPath;
 inline Node* requireNode(Node* node) {
   if (node == nullptr) {
     throwMissingNode();
+  }
+  return node;
+}
+
+inline GTree::Node* GTree::reach(Node* node, int keyElement) const {
+  if (holdsRing_) {
+    while (node != nullptr && node->key < keyElement) {
+      node = node->following();
+    }
+  } else {
+    while (node != nullptr && node->key < keyElement) {
+      node = node->next;
+    }
   }
   return node;
 }

@@ -1,51 +1,35 @@
-// The forty instantiations of the ordered map, one for each dimension from 1 to 20 with one or five
-// value slots, and the one place where a run-time dimension and slot count choose among them.
+// The forty instantiations of the map of records, one for each dimension from 1 to 20 with one or
+// five value slots, and the one place where a run-time dimension and slot count choose among them.
 #ifndef ZTB_STORE_MAP_FAMILY_H_
 #define ZTB_STORE_MAP_FAMILY_H_
 
-#include <array>
-#include <bit>
-#include <cstddef>
-#include <cstring>
-#include <map>
-
 #include "store/idmap.h"
+
+#if defined(ZTB_PLAIN_STORES)
+#include "store/plain_map.h"
+#else
+#include "store/record_tree.h"
+#endif
 
 namespace ztb::dmap {
 
-template <std::size_t dim>
-using Key = std::array<int, dim>;
+#if defined(ZTB_PLAIN_STORES)
+template <int dim, int slots>
+using RecordMap = PlainMap<dim, slots>;
+#else
+template <int dim, int slots>
+using RecordMap = RecordTree<dim, slots>;
+#endif
 
-template <std::size_t slots>
-using Slots = std::array<double, slots>;
-
-template <std::size_t dim, std::size_t slots>
-using RecordMap = std::map<Key<dim>, Slots<slots>>;
-
-// What a visitor is given: the types of one member of the family and the conversions between its
-// iterators and the untyped position that store iterators carry.
-template <std::size_t dimension, std::size_t slotsOfRecord>
+// What a visitor is given: a member of the family, and its positions as the untyped ones that store
+// iterators carry.
+template <int dim, int slots>
 struct MapMember {
-  using Map = RecordMap<dimension, slotsOfRecord>;
-  using Position = typename Map::iterator;
-  static constexpr std::size_t dim = dimension;
-  static constexpr std::size_t slots = slotsOfRecord;
-  static_assert(sizeof(Position) == sizeof(void*));
+  using Map = RecordMap<dim, slots>;
+  using Position = typename Map::Position;
 
   static Map& map(void* untyped) { return *static_cast<Map*>(untyped); }
-  static Position position(void* untyped) { return std::bit_cast<Position>(untyped); }
-  static void* untyped(Position position) { return std::bit_cast<void*>(position); }
-
-  static Key<dim> key(const int* keys) {
-    Key<dim> result;
-    std::memcpy(result.data(), keys, sizeof result);
-    return result;
-  }
-  static Slots<slots> values(const double* values) {
-    Slots<slots> result;
-    std::memcpy(result.data(), values, sizeof result);
-    return result;
-  }
+  static Position position(void* untyped) { return static_cast<Position>(untyped); }
 };
 
 // Whether the family has a member for this dimension.
@@ -53,7 +37,7 @@ constexpr bool inMapFamily(int dim) {
   return dim >= 1 && dim <= maxDimension;
 }
 
-template <std::size_t slots, class Visitor>
+template <int slots, class Visitor>
 [[gnu::always_inline]] inline decltype(auto) visitDimension(int dim, Visitor& visitor) {
   switch (dim) {
     case 1:
@@ -100,14 +84,42 @@ template <std::size_t slots, class Visitor>
 }
 
 // Calls `visitor(MapMember<dim, slots>{})` and hands its result on. A switch, not a table of
-// functions: the compiler sees through it, and where the members' code doesn't differ, as in a step
-// from node to node, no choice is left at run time. Always inlined, so that the visitor's captures
-// stay in registers.
+// functions: the compiler sees through it. Always inlined, so that the visitor's captures stay in
+// registers.
 // REQUIRES: inMapFamily(dim).
 template <class Visitor>
 [[gnu::always_inline]] inline decltype(auto) visitMapFamily(int dim, int type, Visitor&& visitor) {
   return slotCount(type) == 1 ? visitDimension<1>(dim, visitor)
                               : visitDimension<maxSlots>(dim, visitor);
+}
+
+// Steps and views, which a tree of records needs no choice for.
+inline void* nextPosition([[maybe_unused]] int dim, [[maybe_unused]] int type, void* position) {
+#if defined(ZTB_PLAIN_STORES)
+  return visitMapFamily(
+      dim, type, [=](auto member) -> void* { return decltype(member)::Map::next(position); });
+#else
+  return static_cast<TreeLink*>(position)->next();
+#endif
+}
+
+inline void* prevPosition([[maybe_unused]] int dim, [[maybe_unused]] int type, void* position) {
+#if defined(ZTB_PLAIN_STORES)
+  return visitMapFamily(
+      dim, type, [=](auto member) -> void* { return decltype(member)::Map::prev(position); });
+#else
+  return static_cast<TreeLink*>(position)->prev();
+#endif
+}
+
+inline RecordView viewAt(int dim, [[maybe_unused]] int type, void* position) {
+#if defined(ZTB_PLAIN_STORES)
+  return visitMapFamily(dim, type,
+                        [=](auto member) { return decltype(member)::Map::view(position); });
+#else
+  auto* node = static_cast<TreeLink*>(position);
+  return {keyOfNode(node), valuesOfNode(node, dim)};
+#endif
 }
 
 }  // namespace ztb::dmap

@@ -99,24 +99,16 @@ class ZTBSymbol final : public AbstractZTBSymbol {
   }
 
   RecordHandle firstRecordInSlice(const int* mask) override {
-    const auto [passed, position] =
-        walk([&](const dmap::RecordView& record) { return !matchesMask(mask, record.keys, dim); });
-    return passed ? nullptr : handleOn(position, mask);
+    return store_.empty() ? nullptr : soughtInSlice(store_.begin(), mask, true);
   }
 
   RecordHandle lastRecordInSlice(const int* mask) override {
     if (store_.empty()) {
       return nullptr;
     }
-    const Iterator first = store_.begin();
     Iterator position = store_.end();
-    do {
-      position.prev();
-      if (matchesMask(mask, recordAt(position).keys, dim)) {
-        return handleOn(position, mask);
-      }
-    } while (position.notEquals(first));
-    return nullptr;
+    position.prev();
+    return soughtInSlice(position, mask, false);
   }
 
   std::pair<bool, double*> mergeRecord(const int* keys, const double* variableValues,
@@ -190,6 +182,10 @@ class ZTBSymbol final : public AbstractZTBSymbol {
     return isEndPosition(position) ? nullptr : position.get().values;
   }
 
+  bool seekInSlice(dmap::IDMapIterator& position, const int* mask, bool forward) override {
+    return store_.seekInSlice(static_cast<Iterator&>(position), mask, forward);
+  }
+
   bool putRecord(const int* keys, const double* values, bool overwrite) override {
     if (overwrite) {
       lastPosition_ = store_.insertOrAssign(lastPosition_, keys, values);
@@ -238,6 +234,11 @@ class ZTBSymbol final : public AbstractZTBSymbol {
   }
   RecordHandle handleOn(const Iterator& position, const int* mask) {
     return std::make_unique<ZTBSymbolIterator<Iterator>>(this, position, mask);
+  }
+
+  // A handle on the first record of the slice from the position on; null without one.
+  RecordHandle soughtInSlice(Iterator position, const int* mask, bool forward) {
+    return store_.seekInSlice(position, mask, forward) ? handleOn(position, mask) : nullptr;
   }
 
   // A handle that is made before its record, so that running out of memory for it changes nothing.

@@ -165,11 +165,6 @@ class ZTBSymbolIterator final : public AbstractZTBSymbolIterator {
     if (mode_ == IterationMode::universe || ended() || position_.isNull() || atEnd()) {
       throwNoRecord();
     }
-    return recordHere();
-  }
-
-  // The record at the position, which is not at the end.
-  [[nodiscard]] dmap::RecordView recordHere() const {
     const dmap::RecordView record = position_.get();
     if (record.values == nullptr) {
       throwNoRecord();
@@ -185,10 +180,6 @@ class ZTBSymbolIterator final : public AbstractZTBSymbolIterator {
     if (ended()) {
       throwNoRecord();
     }
-  }
-
-  [[nodiscard]] bool inSlice() const {
-    return maskLength_ == 0 || matchesMask(sliceMask_.get(), recordHere().keys, maskLength_);
   }
 
   // A handle stands at the end only after the symbol's last record was deleted through it; there
@@ -210,26 +201,21 @@ class ZTBSymbolIterator final : public AbstractZTBSymbolIterator {
   bool stepInSlice() {
     requireNotEnded();
     const Iterator here = position_;
-    for (stepFromRecord(); !atEnd(); position_.next()) {
-      if (inSlice()) {
-        return true;
-      }
-    }
-    position_ = here;
-    return false;
+    stepFromRecord();
+    return !atEnd() && seek(true) ? true : stayOn(here);
   }
 
   // Steps back to the previous record of the slice; without one the position stays.
   // REQUIRES: not at the beginning.
   bool stepBackInSlice() {
     const Iterator here = position_;
-    do {
-      stepBack();
-      if (inSlice()) {
-        return true;
-      }
-    } while (!atBegin());
-    position_ = here;
+    stepBack();
+    return seek(false) ? true : stayOn(here);
+  }
+
+  bool seek(bool forward) { return symbol_->seekInSlice(position_, sliceMask_.get(), forward); }
+  bool stayOn(const Iterator& position) {
+    position_ = position;
     return false;
   }
 

@@ -90,6 +90,9 @@ class SpyStore final : public dmap::IDMap<dmap::DMapIterator> {
   }
   [[nodiscard]] bool isEnd(const Iterator& position) { return inner_.end().equals(position); }
   [[nodiscard]] bool isEndBound(const Iterator& bound, const int* /*keys*/) { return isEnd(bound); }
+  bool seekInSlice(Iterator& position, const int* mask, bool forward) {
+    return inner_.seekInSlice(position, mask, forward);
+  }
 
  private:
   static void check() {
