@@ -157,6 +157,10 @@ class AbstractZTBSymbol {
   AbstractZTBSymbol(ZTB* owner, SymbolDescription description);
 };
 
+inline bool AbstractZTBSymbolIterator::ended() const {
+  return timesEmptied_ != symbol_->timesEmptied;
+}
+
 }  // namespace ztb
 
 #endif  // ZTB_STORE_ABSTRACT_SYMBOL_H_

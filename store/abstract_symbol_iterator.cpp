@@ -10,10 +10,6 @@ namespace ztb {
 AbstractZTBSymbolIterator::AbstractZTBSymbolIterator(AbstractZTBSymbol* symbol)
     : symbol_(symbol), timesEmptied_(symbol == nullptr ? 0 : symbol->timesEmptied) {}
 
-bool AbstractZTBSymbolIterator::ended() const {
-  return timesEmptied_ != symbol_->timesEmptied;
-}
-
 void AbstractZTBSymbolIterator::moveToSymbolOf(const AbstractZTBSymbolIterator& other) {
   if (symbol_->storageKind() != other.symbol_->storageKind()) {
     throw std::logic_error("symbols " + symbol_->name + " and " + other.symbol_->name +

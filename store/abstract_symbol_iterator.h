@@ -76,7 +76,7 @@ class AbstractZTBSymbolIterator {
   explicit AbstractZTBSymbolIterator(AbstractZTBSymbol* symbol);
 
   // Whether the records among which this handle stood are no longer there.
-  [[nodiscard]] bool ended() const;
+  [[nodiscard]] inline bool ended() const;
   // Follows the records of another handle.
   void takeRecordsOf(const AbstractZTBSymbolIterator& other) {
     timesEmptied_ = other.timesEmptied_;

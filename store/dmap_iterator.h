@@ -2,6 +2,8 @@
 #ifndef ZTB_STORE_DMAP_ITERATOR_H_
 #define ZTB_STORE_DMAP_ITERATOR_H_
 
+#include <optional>
+
 #include "store/map_family.h"
 
 namespace ztb::dmap {
@@ -39,10 +41,27 @@ class DMapIterator final : public BaseDMapIterator {
   }
   [[nodiscard]] bool isNull() const override { return position_ == nullptr; }
 
-  [[nodiscard]] void* position() const { return position_; }
-  void moveTo(void* position) { position_ = position; }
+  // Whether the iterator stands at the end of its map, where that shows without a look at the map.
+  // REQUIRES: not the null iterator.
+  [[nodiscard]] std::optional<bool> isAtEnd() const {
+#if !defined(ZTB_PLAIN_STORES)
+    if (dim() != 0) {
+      return static_cast<TreeLink*>(position_)->isHead();
+    }
+#endif
+    return {};
+  }
+
+  [[nodiscard]] void* position() const {
+    return position_;
+  }
+  void moveTo(void* position) {
+    position_ = position;
+  }
   // What stands for the address of a record's values where there is no record, at the end.
-  [[nodiscard]] const void* endAddress() const { return position_; }
+  [[nodiscard]] const void* endAddress() const {
+    return position_;
+  }
 
  private:
   void* position_ = nullptr;

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <optional>
 #include <stdexcept>
 
 #include "store/abstract_symbol.h"
@@ -158,7 +159,14 @@ class ZTBSymbolIterator final : public AbstractZTBSymbolIterator {
 
  private:
   [[nodiscard]] const char* symbolName() const { return symbol_->name.c_str(); }
-  [[nodiscard]] bool atEnd() const { return symbol_->isEndPosition(position_); }
+  [[nodiscard]] bool atEnd() const {
+    if constexpr (requires { position_.isAtEnd(); }) {
+      if (const std::optional<bool> known = position_.isAtEnd()) {
+        return *known;
+      }
+    }
+    return symbol_->isEndPosition(position_);
+  }
   [[nodiscard]] bool atBegin() const { return symbol_->isBegin(position_) || symbol_->isEmpty(); }
 
   [[nodiscard]] dmap::RecordView current() const {
