@@ -29,6 +29,9 @@ struct Library {
 // std::runtime_error with the loader's text when it cannot be opened or lacks a name.
 const Library& lib();
 
+// Any build of the library, opened in the same way; it stays open.
+Library openLibrary(const std::string& path);
+
 // Path of the file that lib() opens.
 std::string libraryPath();
 

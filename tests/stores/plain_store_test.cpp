@@ -1,0 +1,248 @@
+// A million random operations on the library and on a build of it whose default store is a standard
+// map: every result, every text and every value is the same.
+#include <gtest/gtest.h>
+#include <ztb/types.h>
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "tests/support/library.h"
+
+namespace ztbtest {
+namespace {
+
+constexpr int labelCount = 40;
+
+// What an operation gave, as bytes.
+class Answer {
+ public:
+  explicit Answer(int result) { add(&result, sizeof result); }
+  void add(const void* bytes, std::size_t size) {
+    bytes_.append(static_cast<const char*>(bytes), size);
+  }
+  void add(const char* text) { bytes_.append(text); }
+  bool operator==(const Answer&) const = default;
+
+ private:
+  std::string bytes_;
+};
+
+struct Operation {
+  unsigned kind;
+  int symbol;
+  std::array<int, 6> keys;
+  double value;
+  bool flag;
+};
+
+// One database with symbols of several dimensions, and a record handle on each.
+class Side {
+ public:
+  explicit Side(const Library& library) : library_(library) {
+    std::array<char, 256> message{};
+    library_.ztbcreate(&database_, message.data(), static_cast<int>(message.size()));
+    for (int label = 1; label <= labelCount; ++label) {
+      int number = 0;
+      labels_.push_back("label " + std::to_string(label));
+      library_.c__ztbmergeuel(database_, labels_.back().c_str(), &number);
+    }
+    for (const auto& [dim, type] : shapes) {
+      void* symbol = nullptr;
+      const std::string name = "s" + std::to_string(symbols_.size());
+      library_.c__ztbaddsymbol(database_, name.c_str(), dim, type, 0, "", &symbol);
+      symbols_.push_back(symbol);
+    }
+    records_.resize(symbols_.size());
+  }
+  Side(const Side&) = delete;
+  Side& operator=(const Side&) = delete;
+  ~Side() {
+    for (std::size_t s = 0; s < records_.size(); ++s) {
+      drop(s);
+    }
+    library_.ztbfree(&database_);
+  }
+
+  static constexpr std::array<std::array<int, 2>, 6> shapes{{{1, ZTB_PARAMETER},
+                                                             {2, ZTB_VARIABLE},
+                                                             {3, ZTB_PARAMETER},
+                                                             {6, ZTB_EQUATION},
+                                                             {2, ZTB_SET},
+                                                             {0, ZTB_PARAMETER}}};
+
+  Answer apply(const Operation& operation) {
+    const auto s = static_cast<std::size_t>(operation.symbol);
+    void* symbol = symbols_[s];
+    void*& record = records_[s];
+    const int dim = shapes[s][0];
+    const bool isSet = shapes[s][1] == ZTB_SET;
+    std::array<const char*, 6> labels{};
+    std::array<double, 5> values{};
+    values.fill(operation.value);
+    for (std::size_t d = 0; d < labels.size(); ++d) {
+      const int key = operation.keys[d];
+      labels[d] = key == 0 ? " " : labels_[static_cast<std::size_t>(key - 1)].c_str();
+    }
+    std::array<int, 6> numbers = operation.keys;
+    std::replace(numbers.begin(), numbers.end(), 0, 1);
+    switch (operation.kind) {
+      case 0:
+      case 1:
+      case 2:
+        return answer(
+            isSet ? library_.c__ztbaddrecordraw(database_, symbol, numbers.data(), nullptr,
+                                                operation.flag ? "text" : nullptr)
+                  : library_.c__ztbmergerecordint(database_, symbol, numbers.data(), 1, 0, nullptr,
+                                                  operation.flag ? 1 : 0, values.data()));
+      case 3:
+        drop(s);
+        return at(library_.c__ztbmergerecord(database_, symbol, labels.data(), &record), s);
+      case 4:
+        drop(s);
+        return at(library_.c__ztbaddrecord(database_, symbol, labels.data(), &record), s);
+      case 5:
+        drop(s);
+        return at(library_.c__ztbfindrecord(database_, symbol, labels.data(), &record), s);
+      case 6:
+        drop(s);
+        return at(operation.flag ? library_.c__ztbfindfirstrecord(database_, symbol, &record)
+                                 : library_.c__ztbfindlastrecord(database_, symbol, &record),
+                  s);
+      case 7:
+      case 8:
+        drop(s);
+        return at(
+            operation.flag
+                ? library_.c__ztbfindfirstrecordslice(database_, symbol, labels.data(), &record)
+                : library_.c__ztbfindlastrecordslice(database_, symbol, labels.data(), &record),
+            s);
+      case 9:
+        return at(library_.c__ztbrecordmovenext(database_, record), s);
+      case 10:
+        return at(library_.c__ztbrecordmoveprev(database_, record), s);
+      case 11:
+        return at(operation.flag ? library_.c__ztbrecordhasnext(database_, record)
+                                 : library_.c__ztbrecordhasprev(database_, record),
+                  s);
+      case 12:
+        return record == nullptr || isSet
+                   ? Answer(-1)
+                   : at(library_.c__ztbsetlevel(database_, record, operation.value), s);
+      case 13: {
+        if (record == nullptr) {
+          return Answer(-1);
+        }
+        const Answer deleted = answer(library_.c__ztbdeleterecord(database_, record));
+        drop(s);
+        return deleted;
+      }
+      case 14:
+        return content(s, dim);
+      default:
+        // Rarely, and never while a handle stands somewhere.
+        drop(s);
+        return answer(operation.flag && operation.value < 0.02
+                          ? library_.c__ztbclearsymbol(database_, symbol)
+                          : 1);
+    }
+  }
+
+  // All records of a symbol, in their order.
+  Answer content(std::size_t s, int dim) {
+    Answer all(dim);
+    void* record = nullptr;
+    int goesOn = library_.c__ztbfindfirstrecord(database_, symbols_[s], &record);
+    for (int count = 0; goesOn == 1 && count < 200; ++count) {
+      addRecord(all, record, dim);
+      goesOn = library_.c__ztbrecordmovenext(database_, record);
+    }
+    if (record != nullptr) {
+      library_.c__ztbfreesymboliterator(database_, record);
+    }
+    return all;
+  }
+
+ private:
+  Answer answer(int result) {
+    Answer given(result);
+    if (result != 1) {
+      std::array<char, 256> text{};
+      library_.c__ztbgetlasterror(database_, text.data());
+      given.add(text.data());
+    }
+    return given;
+  }
+
+  // The same, and the record under the symbol's handle.
+  Answer at(int result, std::size_t s) {
+    Answer given = answer(result);
+    if (records_[s] != nullptr) {
+      addRecord(given, records_[s], shapes[s][0]);
+    }
+    return given;
+  }
+
+  void addRecord(Answer& given, void* record, int dim) {
+    std::array<int, 6> keys{};
+    std::array<double, 5> values{};
+    library_.c__ztbgetrecordraw(database_, record, dim, keys.data(), values.data());
+    given.add(keys.data(), sizeof keys);
+    given.add(values.data(), sizeof values);
+  }
+
+  void drop(std::size_t s) {
+    if (records_[s] != nullptr) {
+      library_.c__ztbfreesymboliterator(database_, records_[s]);
+      records_[s] = nullptr;
+    }
+  }
+
+  const Library& library_;
+  ztbRec* database_ = nullptr;
+  std::vector<std::string> labels_;
+  std::vector<void*> symbols_;
+  std::vector<void*> records_;
+};
+
+TEST(PlainStores, GiveWhatTheRealOnesGive) {
+  static const Library plain = openLibrary(ZTB_PLAIN_LIBRARY);
+  ASSERT_NE(plain.handle, lib().handle);
+  Side real(lib());
+  Side standard(plain);
+  std::mt19937 random(11);
+  const auto below = [&](int count) {
+    return static_cast<int>(random() % static_cast<unsigned>(count));
+  };
+  int ascending = 0;
+  for (int step = 0; step < 1000000; ++step) {
+    Operation operation{};
+    operation.kind = random() % 16;
+    operation.symbol = below(static_cast<int>(Side::shapes.size()));
+    // Now few labels, now many; now keys in order, which a store takes in another way.
+    const int range = 2 + (step / 5000) % 38;
+    const bool sorted = (step / 2000) % 3 == 0;
+    for (int& key : operation.keys) {
+      key = below(range) + (operation.kind == 7 || operation.kind == 8 ? 0 : 1);
+    }
+    if (sorted && operation.kind < 3) {
+      ++ascending;
+      operation.keys[0] = 1 + (ascending / 1600) % labelCount;
+      operation.keys[1] = 1 + (ascending / 40) % labelCount;
+      operation.keys[2] = 1 + ascending % labelCount;
+    }
+    operation.value = below(100) / 50.0;
+    operation.flag = random() % 2 == 0;
+    ASSERT_EQ(real.apply(operation) == standard.apply(operation), true)
+        << "step " << step << ", operation " << operation.kind << " on symbol " << operation.symbol;
+  }
+  for (std::size_t s = 0; s < Side::shapes.size(); ++s) {
+    EXPECT_EQ(real.content(s, Side::shapes[s][0]) == standard.content(s, Side::shapes[s][0]), true);
+  }
+}
+
+}  // namespace
+}  // namespace ztbtest
