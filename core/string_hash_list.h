@@ -5,8 +5,10 @@
 // is built at the first insertion or lookup and rebuilt by insertions only, in fixed steps. An
 // insertion that runs out of memory leaves the list as it was.
 //
-// The entries own what they point to, and the table is a plain array, so that a lookup goes one
-// pointer less far than through a vector. There is no map of a sorted order and no word that tells
+// An entry and its text are one piece of memory, and entries stand behind each other in blocks; the
+// table is a plain array. A lookup computes the hash once, as it folds the key, and looks at texts
+// of the same hash only. Hash and comparison are not virtual, since nothing overrides them and each
+// lookup would make two calls more. There is no map of a sorted order and no word that tells
 // whether it is sorted: no operation would make one, and each insertion would have to ask for it.
 #ifndef ZTB_CORE_STRING_HASH_LIST_H_
 #define ZTB_CORE_STRING_HASH_LIST_H_
@@ -17,8 +19,12 @@
 #include <cstring>
 #include <limits>
 #include <memory>
+#include <new>
 #include <stdexcept>
+#include <type_traits>
 #include <vector>
+
+#include "core/text_blocks.h"
 
 namespace rxf::collections::strhash {
 
@@ -45,14 +51,40 @@ constexpr char upperAscii(char c) {
 }
 
 // The hash of a key before it is cut to a table's size. Bytes of 128 and above count as negative.
-inline std::uint32_t hashOf(const char* key) {
-  std::uint32_t h = 0;
-  for (; *key != '\0'; ++key) {
-    h = h * 211U + static_cast<std::uint32_t>(
-                       static_cast<std::int32_t>(static_cast<signed char>(upperAscii(*key))));
+class Hash {
+ public:
+  void add(char c) {
+    sum_ = sum_ * 211U + static_cast<std::uint32_t>(
+                             static_cast<std::int32_t>(static_cast<signed char>(upperAscii(c))));
   }
-  return h & 0x7FFFFFFFU;
+  [[nodiscard]] std::uint32_t value() const { return sum_ & 0x7FFFFFFFU; }
+
+ private:
+  std::uint32_t sum_ = 0;
+};
+
+inline std::uint32_t hashOf(const char* key) {
+  Hash hash;
+  for (; *key != '\0'; ++key) {
+    hash.add(*key);
+  }
+  return hash.value();
 }
+
+// Remainders by one number, for which a product stands in for the division.
+class Remainder {
+ public:
+  explicit Remainder(std::uint32_t divisor)
+      : divisor_(divisor), inverse_(std::numeric_limits<std::uint64_t>::max() / divisor + 1) {}
+  [[nodiscard]] std::uint32_t of(std::uint32_t number) const {
+    __extension__ using Wide = unsigned __int128;
+    return static_cast<std::uint32_t>((static_cast<Wide>(inverse_ * number) * divisor_) >> 64);
+  }
+
+ private:
+  std::uint32_t divisor_;
+  std::uint64_t inverse_;
+};
 
 // Whether two keys are equal but for ASCII case.
 inline bool equalFolded(const char* a, const char* b) {
@@ -83,12 +115,18 @@ inline int compareFolded(const char* a, const char* b) {
 template <class T>
 class TXStrHashList {
  public:
+  // The text follows it at once, with its terminator.
   struct Bucket {
-    std::unique_ptr<char[]> text;
-    Bucket* next = nullptr;
-    int number = 0;
-    T object{};
+    Bucket* next;
+    std::uint32_t hash;
+    int number;
+    std::size_t length;
+    T object;
+
+    [[nodiscard]] char* text() { return reinterpret_cast<char*>(this + 1); }
+    [[nodiscard]] const char* text() const { return reinterpret_cast<const char*>(this + 1); }
   };
+  static_assert(std::is_trivially_destructible_v<T>);
 
   explicit TXStrHashList(bool oneBased = false) : oneBased_(oneBased) {}
   TXStrHashList(const TXStrHashList&) = delete;
@@ -96,48 +134,44 @@ class TXStrHashList {
 
  protected:
   // Chain of a key. REQUIRES: the table has been built.
-  [[nodiscard]] virtual std::size_t hash(const char* key) const {
-    return hashOf(key) % static_cast<std::uint32_t>(hashTableSize_);
-  }
-  [[nodiscard]] virtual bool entryEqual(const char* a, const char* b) const {
-    return equalFolded(a, b);
-  }
+  [[nodiscard]] std::size_t hash(const char* key) const { return chainOf_.of(hashOf(key)); }
+  [[nodiscard]] static bool entryEqual(const char* a, const char* b) { return equalFolded(a, b); }
   // Below, above or 0 as the first key sorts before, behind or with the second, ASCII case folded.
-  [[nodiscard]] virtual int compareEntries(const char* a, const char* b) const {
+  [[nodiscard]] static int compareEntries(const char* a, const char* b) {
     return compareFolded(a, b);
   }
 
  public:
-  virtual ~TXStrHashList() = default;
+  ~TXStrHashList() = default;
 
- protected:
-  // Gives back what an entry's object holds: nothing.
-  virtual void freeItem(T& /*object*/) {}
-
- public:
   // Number of the key's entry, which is made if there is none; an entry that exists keeps its text
   // and its object. `length` does not count the terminator.
   int store(const char* key, std::size_t length, T object) {
+    return store(key, length, hashOf(key), object);
+  }
+  // The same, for a key whose hash is known.
+  int store(const char* key, std::size_t length, std::uint32_t hashOfKey, T object) {
     if (count_ >= reHashCount_) {
       buildTable();
     }
-    if (const Bucket* present = bucketOf(key)) {
+    if (const Bucket* present = bucketOf(key, length, hashOfKey)) {
       return outside(present->number);
     }
-    auto bucket = std::make_unique<Bucket>();
-    bucket->text = std::make_unique_for_overwrite<char[]>(length + 1);
-    std::memcpy(bucket->text.get(), key, length);
-    bucket->text[length] = '\0';
-    bucket->number = count_;
-    bucket->object = object;
-    buckets_.push_back(std::move(bucket));
-    link(*buckets_.back());
+    buckets_.reserve(buckets_.size() == buckets_.capacity() ? 2 * buckets_.size() + 1 : 0);
+    Bucket* bucket = new (memory_.take(sizeof(Bucket) + length + 1))
+        Bucket{nullptr, hashOfKey, count_, length, object};
+    std::memcpy(bucket->text(), key, length);
+    bucket->text()[length] = '\0';
+    buckets_.push_back(bucket);
+    link(*bucket);
     return outside(count_++);
   }
 
   // Number of the key's entry, or -1.
-  int indexOf(const char* key) {
-    const Bucket* bucket = lookUp(key);
+  int indexOf(const char* key) { return indexOf(key, std::strlen(key), hashOf(key)); }
+  int indexOf(const char* key, std::size_t length, std::uint32_t hashOfKey) {
+    requireTable();
+    const Bucket* bucket = bucketOf(key, length, hashOfKey);
     return bucket == nullptr ? -1 : outside(bucket->number);
   }
 
@@ -146,7 +180,7 @@ class TXStrHashList {
   // REQUIRES: `number` was handed out by this list. The same holds for `textByNumber`.
   T& refByNumber(int number) { return buckets_[inside(number)]->object; }
   [[nodiscard]] const char* textByNumber(int number) const {
-    return buckets_[inside(number)]->text.get();
+    return buckets_[inside(number)]->text();
   }
 
   // Object of the key's entry. Throws std::logic_error when the key is absent.
@@ -170,7 +204,7 @@ class TXStrHashList {
   }
 
   void link(Bucket& bucket) {
-    Bucket*& head = hashTable_[hash(bucket.text.get())];
+    Bucket*& head = hashTable_[chainOf_.of(bucket.hash)];
     bucket.next = head;
     head = &bucket;
   }
@@ -183,29 +217,41 @@ class TXStrHashList {
     const int chains = tableSizes[step].hashTableSize;
     hashTable_ = std::make_unique<Bucket*[]>(static_cast<std::size_t>(chains));
     hashTableSize_ = chains;
+    chainOf_ = Remainder(static_cast<std::uint32_t>(chains));
     reHashCount_ = tableSizes[step].reHashCount;
-    for (const auto& bucket : buckets_) {
+    for (Bucket* bucket : buckets_) {
       link(*bucket);
     }
   }
 
-  [[nodiscard]] Bucket* bucketOf(const char* key) const {
-    Bucket* bucket = hashTable_[hash(key)];
-    while (bucket != nullptr && !entryEqual(bucket->text.get(), key)) {
+  [[nodiscard]] Bucket* bucketOf(const char* key, std::size_t length,
+                                 std::uint32_t hashOfKey) const {
+    Bucket* bucket = hashTable_[chainOf_.of(hashOfKey)];
+    while (bucket != nullptr && !holds(*bucket, key, length, hashOfKey)) {
       bucket = bucket->next;
     }
     return bucket;
   }
+  static bool holds(const Bucket& bucket, const char* key, std::size_t length,
+                    std::uint32_t hashOfKey) {
+    return bucket.hash == hashOfKey && bucket.length == length &&
+           (std::memcmp(bucket.text(), key, length) == 0 || entryEqual(bucket.text(), key));
+  }
 
-  Bucket* lookUp(const char* key) {
+  void requireTable() {
     if (hashTable_ == nullptr) {
       buildTable();
     }
-    return bucketOf(key);
+  }
+  Bucket* lookUp(const char* key) {
+    requireTable();
+    return bucketOf(key, std::strlen(key), hashOf(key));
   }
 
-  std::vector<std::unique_ptr<Bucket>> buckets_;
+  TextBlocks memory_;
+  std::vector<Bucket*> buckets_;
   std::unique_ptr<Bucket*[]> hashTable_;  // null until it is first needed
+  Remainder chainOf_{1};
   int hashTableSize_ = 0;
   int reHashCount_ = 0;
   int count_ = 0;

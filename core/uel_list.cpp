@@ -26,6 +26,8 @@ bool UELList::normalise(const char* label, Normalised& result) {
   if (label == nullptr) {
     return refuse();
   }
+  // What a label cannot hold, and its hash, in one pass.
+  rxf::collections::strhash::Hash hash;
   char quote = '\0';
   const char* end = label;
   for (; *end != '\0'; ++end) {
@@ -40,6 +42,7 @@ bool UELList::normalise(const char* label, Normalised& result) {
       }
       quote = *end;
     }
+    hash.add(*end);
   }
   const char* last = end;
   while (last != label && std::isspace(static_cast<unsigned char>(last[-1])) != 0) {
@@ -56,10 +59,12 @@ bool UELList::normalise(const char* label, Normalised& result) {
   }
   result.length = length;
   result.text = label;
+  result.hash = hash.value();
   if (label[length] != '\0') {
     std::memcpy(result.room, label, length);
     result.room[length] = '\0';
     result.text = result.room;
+    result.hash = rxf::collections::strhash::hashOf(result.room);
   }
   return true;
 }
@@ -69,7 +74,7 @@ bool UELList::find(const char* label, int* number) {
   if (!normalise(label, normalised)) {
     return false;
   }
-  *number = labels_.indexOf(normalised.text);
+  *number = labels_.indexOf(normalised.text, normalised.length, normalised.hash);
   return true;
 }
 
@@ -78,7 +83,7 @@ bool UELList::merge(const char* label, int* number) {
   if (!normalise(label, normalised)) {
     return false;
   }
-  *number = labels_.store(normalised.text, normalised.length, 0);
+  *number = labels_.store(normalised.text, normalised.length, normalised.hash, 0);
   return true;
 }
 

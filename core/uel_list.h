@@ -7,6 +7,7 @@
 #define ZTB_CORE_UEL_LIST_H_
 
 #include <cstddef>
+#include <cstdint>
 
 #include "core/string_hash_list.h"
 
@@ -56,6 +57,7 @@ class UELList final : public IUELList {
   struct Normalised {
     const char* text;
     std::size_t length;
+    std::uint32_t hash;
     char room[maxLabelLength + 1];
   };
 

@@ -11,6 +11,7 @@ namespace ztbtest {
 namespace {
 
 const char* longLabel = "a label that is longer than what a small string holds";
+const std::string aTextThatFillsABlock(255, 't');
 const char* newKeys[] = {"new one that is longer than a small string", "another new one"};
 const char* oldKeys[] = {"a", "b"};
 const char* anyKeys[] = {" ", "b"};
@@ -309,7 +310,7 @@ TEST_F(HandleFaults, newText) {
          lib().c__ztbfindfirstrecord(db, i(db), &first);
        },
        [this](Database& db) {
-         return lib().c__ztbsetelemtext(db, first, "a new text longer than a small string");
+         return lib().c__ztbsetelemtext(db, first, aTextThatFillsABlock.c_str());
        },
        1, [this](Database& db) { lib().c__ztbfreesymboliterator(db, first); }});
 }
