@@ -132,6 +132,6 @@ def test_a_text_is_a_str(db):
         s["a"] = 3
     with pytest.raises(TypeError, match=r"row 1: 3 \(int\) is no text for an element of set s"):
         s.from_pandas(pd.Series(["x", 3], index=["a", "b"]))
-    with pytest.raises(TypeError, match="'Milk' is one label, expected several; add.. takes one"):
+    with pytest.raises(TypeError, match="'Milk' is one label, expected several, as in"):
         s.extend("Milk")
     assert len(s) == 0 and db.labels == []

@@ -93,7 +93,7 @@ def test_a_refused_array_leaves_the_records(diet):
         assert dict(holds) == before
     with pytest.raises(KeyError):
         holds.from_numpy(np.ones((2, 3)), ["food", "nosuch"])
-    with pytest.raises(ValueError):
+    with pytest.raises(TypeError):
         holds.from_numpy([["a", "b", "c"], ["d", "e", "f"]])
     assert dict(holds) == before
 

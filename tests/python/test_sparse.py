@@ -57,6 +57,21 @@ def test_one_position_is_a_column_and_a_field_a_matrix(diet):
     assert scalar.to_coo(rows=0).toarray().tolist() == [[3]]
 
 
+def test_a_set_is_a_matrix_of_truth(diet):
+    pairs = diet.add_set("pairs", ["food", "nutrient"])
+    pairs["Tofu", "iron"] = "some"
+    pairs.add("Milk", "kcal")
+    matrix = pairs.to_coo()
+    assert isinstance(matrix, sparse.coo_array) and matrix.dtype == np.bool_ and matrix.nnz == 2
+    assert matrix.toarray().tolist() == [[False, False, True], [True, False, False]]
+    few = diet.add_set("few", "food")
+    few.add("Milk")
+    with pytest.raises(ValueError, match="1 records of symbol pairs have labels outside the domains"):
+        pairs.to_coo([few, "nutrient"])
+    assert pairs.to_coo([few, "nutrient"], drop=True).toarray().tolist() == [[False, False, True]]
+    assert few.to_coo(["food"]).toarray().tolist() == [[True], [False]]
+
+
 def test_a_matrix_too_large_to_count_is_refused(db):
     s = db.add_set("s")
     s.extend(map(str, range(100)))

@@ -47,7 +47,7 @@ def test_a_key_assigned_twice_is_one_record(db, store, tmp_path):
 def test_every_key_can_be_assigned_again(db):
     p = db.add_parameter("p", ["*", "*"])
     keys = [(first, second) for first in "abc" for second in "abc"]
-    db.add_labels("abc")
+    db.add_labels(["a", "b", "c"])
     for turn in range(3):
         for value, key in enumerate(keys):
             p[key] = value + 10 * turn
@@ -214,7 +214,7 @@ def test_an_array_of_truth_follows_the_labels_of_its_axis():
 
 def test_a_key_before_others_is_added_or_refused_unchanged(db, store):
     p = db.add_parameter("p", ["*", "*"])
-    db.add_labels("abc")
+    db.add_labels(["a", "b", "c"])
     p["b", "b"] = 1
     p["c", "a"] = 2
     before, labels = dict(p.items()), db.labels

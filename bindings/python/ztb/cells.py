@@ -9,9 +9,6 @@ import numpy as np
 import numpy.typing as npt
 import pandas as pd
 
-#: What may become of missing values.
-NAN_CHOICES = ("skip", "na", "error")
-
 #: What pandas calls the content of a column of objects that are all numbers.
 _NUMBERS = ("integer", "floating", "mixed-integer-float", "boolean", "decimal", "empty")
 

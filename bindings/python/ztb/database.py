@@ -5,7 +5,7 @@ from __future__ import annotations
 import os
 from typing import Any, Dict, Iterator, Iterable, List, Mapping, Optional, Tuple, Union, cast
 
-from . import _native, display, partial
+from . import _native, arguments, display, partial
 from .errors import MissingFileError
 from .home import Home
 from .numeric import Equation, Parameter, Variable
@@ -91,6 +91,8 @@ class Database(display.Shows, Home, Mapping[str, Symbol[Any]]):
         an old file stays as it was; only where its folder could not be brought to the disk, which
         comes last and is told, the new one stands.
         """
+        if rename is not None and not isinstance(rename, Mapping):
+            raise TypeError(f"{arguments.shown(rename)} is no mapping from names to names")
         if only is None and not rename:
             self._native.write(path, check_domains)
             return
@@ -112,7 +114,7 @@ class Database(display.Shows, Home, Mapping[str, Symbol[Any]]):
     def __getitem__(self, name: str) -> Symbol[Any]:
         """The symbol of a name, case folded; for an alias the set that it stands for."""
         if not isinstance(name, str):
-            raise TypeError(f"{name!r} ({type(name).__name__}) is no name of a symbol, which is a str")
+            raise TypeError(f"{arguments.shown(name)} is no name of a symbol, which is a str")
         if name == "*":
             raise KeyError("* is the universe, no symbol; see Database.labels")
         return cast("Symbol[Any]", self._wrap(self._native.find_symbol(name, False)))
@@ -193,6 +195,7 @@ class Database(display.Shows, Home, Mapping[str, Symbol[Any]]):
                 f"{target!r} ({type(target).__name__}) is no set, which alone an alias can stand for"
             )
         self._require_own(target)
+        arguments.text(name, "name of an alias")
         native = target._native
         if isinstance(target, Alias):
             native = self._native.find_symbol(target.name, False)
@@ -223,8 +226,10 @@ class Database(display.Shows, Home, Mapping[str, Symbol[Any]]):
     def _add(
         self, name: str, kind: int, domains: DomainsLike, text: str, user_info: int
     ) -> Symbol[Any]:
-        arguments = [self._domain_argument(domain) for domain in several(domains)]
-        native = self._native.add_symbol(name, kind, arguments, text, user_info)
+        arguments.text(name, "name of a symbol")
+        arguments.text(text, f"text of symbol {name}")
+        pairs = [self._domain_argument(domain) for domain in several(domains)]
+        native = self._native.add_symbol(name, kind, pairs, text, user_info)
         return cast("Symbol[Any]", self._wrap(native))
 
     def _domain_argument(self, domain: DomainLike) -> Tuple[Optional[_native.Symbol], str]:
@@ -262,15 +267,15 @@ def _row(symbol: _native.Symbol) -> display.Row:
 def _names(only: Iterable[Union[str, Symbol[Any], Alias]]) -> List[str]:
     chosen = [only] if isinstance(only, (str, Symbol, Alias)) else only
     names = []
-    for symbol in chosen:
+    for symbol in arguments.several(chosen, "symbol"):
         if not isinstance(symbol, (str, Symbol, Alias)):
-            raise TypeError(f"{symbol!r} ({type(symbol).__name__}) is no symbol, nor the name of one")
+            raise TypeError(f"{arguments.shown(symbol)} is no symbol, nor the name of one")
         names.append(symbol if isinstance(symbol, str) else symbol.name)
     return names
 
 
 def _require_below(count: int, subtype: int) -> None:
-    if not 0 <= subtype < count:
+    if not 0 <= arguments.whole(subtype, "subtype") < count:
         raise ValueError(f"no subtype {subtype}, expected 0 to {count - 1}")
 
 
@@ -284,6 +289,8 @@ def open(  # noqa: A001
     path: Path, *, store: str = "map", max_memory: Optional[Size] = None
 ) -> Database:
     """Opens an RXF file; see :class:`Database`."""
+    if path is None:
+        raise TypeError("None (NoneType) is no path of a file; Database() makes an empty database")
     return Database(path, store=store, max_memory=max_memory)
 
 

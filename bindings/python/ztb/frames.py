@@ -12,8 +12,9 @@ import numpy.typing as npt
 import pandas as pd
 
 from . import _native
-from .cells import NAN_CHOICES, floats_of, texts_of
+from .cells import floats_of, texts_of
 from .home import Home
+from .missing import missing_value, require_choice
 from .positions import Labelled, labelled
 from .values import FIELDS, Values, field_number
 
@@ -105,39 +106,31 @@ def set_from_pandas(
     symbol.put_elements(_keys(symbol, rows, new_labels), texts, new_labels)
 
 
-def parameter_from_pandas(
+def numbers_from_pandas(
     symbol: _native.Symbol,
     home: Home,
     data: Union["pd.Series[float]", pd.DataFrame],
     keys: Optional[Sequence[Hashable]],
     nan: str,
+    defaults: Optional[Callable[[], Values]],
 ) -> None:
-    """Replaces the records of a parameter."""
+    """Replaces the records of a parameter; or, with ``defaults``, of a variable or equation: those
+    of a new record, for ``nan="skip"``."""
+    require_choice(nan)
     rows = labelled(symbol, data, keys, least_columns=1)
-    count = len(rows.columns.columns)
-    if count != 1:
-        raise ValueError(
-            f"a frame of one column is expected, not of {count}"
-            f" ({', '.join(map(str, rows.columns.columns))})"
-        )
-    _put(symbol, home, rows, [0], nan, None)
-
-
-def values_from_pandas(
-    symbol: _native.Symbol,
-    home: Home,
-    data: Union["pd.Series[float]", pd.DataFrame],
-    keys: Optional[Sequence[Hashable]],
-    nan: str,
-    defaults: Optional[Values],
-) -> None:
-    """Replaces the records of a variable or equation; ``defaults`` are for ``nan="skip"``."""
-    rows = labelled(symbol, data, keys, least_columns=1)
-    names = ["level"] if isinstance(data, pd.Series) else list(rows.columns.columns)
-    fields = [field_number(name) for name in names]
+    columns = list(rows.columns.columns)
+    if defaults is None:
+        if len(columns) != 1:
+            raise ValueError(
+                f"a frame of one column is expected, not of {len(columns)}"
+                f" ({', '.join(map(str, columns))})"
+            )
+        _put(symbol, home, rows, [0], nan, None)
+        return
+    fields = [0] if isinstance(data, pd.Series) else [field_number(name) for name in columns]
     if len(set(fields)) != len(fields):
         raise ValueError("a field has two columns")
-    _put(symbol, home, rows, fields, nan, defaults)
+    _put(symbol, home, rows, fields, nan, defaults() if nan == "skip" else None)
 
 
 def _put(
@@ -148,17 +141,12 @@ def _put(
     nan: str,
     defaults: Optional[Values],
 ) -> None:
-    if nan not in NAN_CHOICES:
-        raise ValueError(f"nan={nan!r} is no choice, expected one of {', '.join(NAN_CHOICES)}")
     values = floats_of(rows.columns, symbol.name)
     if nan != "na":
         missing = np.isnan(values)
         if nan == "error" and missing.any():
             row = int(np.flatnonzero(missing.any(axis=1))[0])
-            raise ValueError(
-                f"row {row}: a value of symbol {symbol.name} is missing; nan='skip' makes no "
-                "record of it, nan='na' stores it as not available"
-            )
+            raise missing_value(f"row {row}", symbol.name)
         kept = ~missing.all(axis=1)
         if defaults is not None:
             values = np.where(missing, np.array(defaults)[fields], values)

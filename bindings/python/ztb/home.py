@@ -3,12 +3,12 @@
 from __future__ import annotations
 
 from types import TracebackType
-from typing import Any, List, Optional, Sequence, Type, TypeVar
+from typing import Any, Iterable, List, Optional, Type, TypeVar
 
 import numpy as np
 import numpy.typing as npt
 
-from . import _native
+from . import _native, arguments
 from .errors import NotFoundError
 from .labels import Label, label_text
 
@@ -55,12 +55,13 @@ class Home:
         labels: List[str] = self._label_array()[1:].tolist()
         return labels
 
-    def add_labels(self, labels: Sequence[Label]) -> None:
+    def add_labels(self, labels: Iterable[Label]) -> None:
         """Adds labels to the universe, those that it does not have yet; none if one is refused.
 
-        This is the only way in for the empty label, which a record does not bring along.
+        This is the only way in for the empty label, which a record does not bring along. A single
+        ``str`` is one label, not several: that is a ``TypeError``.
         """
-        self._native.add_labels(labels)
+        self._native.add_labels(arguments.several(labels, "label"))
 
     def _number(self, label: object) -> int:
         """The number of a label that the database has."""

@@ -2,15 +2,18 @@
 
 from __future__ import annotations
 
-from typing import TYPE_CHECKING, Any, Hashable, Iterator, List, Mapping, Optional, Sequence
-from typing import Tuple, Union
+from typing import TYPE_CHECKING, Any, Callable, Hashable, Iterator, List, Mapping, Optional
+from typing import Sequence, Tuple, Union
 
 import numpy as np
 import numpy.typing as npt
 
+from . import arrays
+from .arguments import number
+from .missing import missing_value, require_choice
 from .selection import Numbers
-from .symbol import DomainsLike, Symbol
-from .values import FIELDS, Values, defaults, field_number, number
+from .symbol import DomainsLike, Symbol, Value
+from .values import FIELDS, Values, defaults, field_number
 
 if TYPE_CHECKING:
     import pandas as pd
@@ -19,7 +22,50 @@ if TYPE_CHECKING:
 _MOST_CELLS = 2**31 - 1
 
 
-class Parameter(Symbol[float]):
+class _Numeric(Symbol[Value]):
+    """A symbol whose records hold numbers."""
+
+    def from_pandas(
+        self,
+        data: Union["pd.Series[float]", "pd.DataFrame"],
+        *,
+        keys: Optional[Sequence[Hashable]] = None,
+        nan: str = "na",
+    ) -> None:
+        """Replaces the records by those of a series or frame over labels, or of a frame with a column
+        of labels for each position and others of values.
+
+        A parameter takes one column of values. Those of a variable or equation are fields, and fields
+        without a column take the defaults of the symbol's kind; a series has levels.
+
+        Levels and label columns are matched by their names with those of ``to_pandas``, in any
+        order; levels without names, or with none of these names, stand in the order of the
+        positions. ``keys`` names the levels or columns of the positions instead. A level that
+        has the name of another position is an error.
+
+        ``nan`` tells what becomes of missing values: ``"na"`` stores them as :data:`ztb.NA`, a NaN
+        with the bits of :data:`ztb.UNDEF` as that; ``"skip"`` makes no record of them, or of a row
+        of fields without any value, where a single missing one takes its default; ``"error"`` is a
+        ``ValueError``. A missing label always is. What is refused changes nothing.
+        """
+        from . import frames
+
+        frames.numbers_from_pandas(
+            self._native, self._database, data, keys, nan, self._defaults_of_fields()
+        )
+
+    def _defaults_of_fields(self) -> Optional[Callable[[], Values]]:
+        """Gives the values that a new record has, where one has fields."""
+        raise NotImplementedError
+
+    def _field_sparse(
+        self, field: int, domains: Optional[DomainsLike], rows: int, drop: bool
+    ) -> Any:
+        keys, table = self._native.rows()
+        return self._sparse(keys, table[:, field], domains, rows, drop)
+
+
+class Parameter(_Numeric[float]):
     """A parameter: each record has one value."""
 
     def __iter__(self) -> Iterator[Tuple[str, ...]]:
@@ -47,6 +93,9 @@ class Parameter(Symbol[float]):
     def _content_columns(self) -> List[str]:
         return ["value"]
 
+    def _defaults_of_fields(self) -> None:
+        return None
+
     def to_numpy(
         self, domains: Optional[DomainsLike] = None, *, drop: bool = False
     ) -> npt.NDArray[np.float64]:
@@ -68,7 +117,7 @@ class Parameter(Symbol[float]):
         :meth:`to_numpy` with the last position fastest; so two positions give a matrix, and one
         position a column. Each record is an entry, those whose value is 0 too.
         """
-        return self._sparse(0, domains, rows, drop)
+        return self._field_sparse(0, domains, rows, drop)
 
     def from_numpy(
         self,
@@ -76,13 +125,42 @@ class Parameter(Symbol[float]):
         domains: Optional[DomainsLike] = None,
         *,
         keep_zeros: bool = False,
+        nan: str = "na",
     ) -> None:
         """Replaces the records by one for each cell of a dense array that is not zero.
 
         The axes are those of :meth:`to_numpy`. With ``keep_zeros`` every cell becomes a record.
+        ``nan`` tells what becomes of missing cells (NaN, ``None``, ``pandas.NA``, those of a masked
+        array), as for :meth:`from_pandas`. A series or frame, whose labels an array has no place
+        for, is a ``TypeError``.
         """
-        cells = np.asarray(array, dtype=np.float64)
-        self._native.from_dense(self._requested(cells, domains, _MOST_CELLS), cells, keep_zeros)
+        require_choice(nan)
+        cells = arrays.floats(array, self.name)
+        sets = self._requested(cells, domains, _MOST_CELLS)
+        absent = np.isnan(cells)
+        if nan == "na" or not absent.any():
+            self._native.from_dense(sets, cells, keep_zeros)
+        elif nan == "error":
+            raise missing_value(arrays.first_cell(absent), self.name)
+        elif keep_zeros:
+            self._put_cells(cells, ~absent, domains)
+        else:
+            self._native.from_dense(sets, np.where(absent, 0.0, cells), False)
+
+    def _put_cells(
+        self,
+        cells: npt.NDArray[np.float64],
+        chosen: npt.NDArray[np.bool_],
+        domains: Optional[DomainsLike],
+    ) -> None:
+        """Replaces the records by one for each chosen cell."""
+        keys = np.empty((np.count_nonzero(chosen), cells.ndim), dtype=np.int32)
+        for position, (axis, places) in enumerate(
+            zip(self._axis_numbers(domains), np.nonzero(chosen))
+        ):
+            keys[:, position] = axis[places]
+        values = cells[chosen][:, np.newaxis]
+        self._native.put_rows(keys, values, [0], self._database._native.new_labels())
 
     def to_pandas(self) -> "pd.Series[float]":
         """The values as a series over the labels: a MultiIndex for two positions or more."""
@@ -93,31 +171,8 @@ class Parameter(Symbol[float]):
 
         return frames.series_of(self._native, self._database, keys, content[:, 0])
 
-    def from_pandas(
-        self,
-        data: Union["pd.Series[float]", "pd.DataFrame"],
-        *,
-        keys: Optional[Sequence[Hashable]] = None,
-        nan: str = "na",
-    ) -> None:
-        """Replaces the records by those of a series, or of a frame of one column, over labels; or
-        of a frame with a column of labels for each position and one of values.
 
-        Levels and label columns are matched by their names with those of :meth:`to_pandas`, in any
-        order; levels without names, or with none of these names, stand in the order of the
-        positions. ``keys`` names the levels or columns of the positions instead. A level that
-        has the name of another position is an error.
-
-        ``nan`` tells what becomes of missing values: ``"na"`` stores them as :data:`ztb.NA`, a NaN
-        with the bits of :data:`ztb.UNDEF` as that; ``"skip"`` makes no record of them; ``"error"``
-        is a ``ValueError``. A missing label always is. What is refused changes nothing.
-        """
-        from . import frames
-
-        frames.parameter_from_pandas(self._native, self._database, data, keys, nan)
-
-
-class _FiveValues(Symbol[Values]):
+class _FiveValues(_Numeric[Values]):
     """A symbol whose records have five values."""
 
     def __iter__(self) -> Iterator[Tuple[str, ...]]:
@@ -153,6 +208,9 @@ class _FiveValues(Symbol[Values]):
     def _content_columns(self) -> List[str]:
         return list(FIELDS)
 
+    def _defaults_of_fields(self) -> Callable[[], Values]:
+        return lambda: self.defaults
+
     def to_numpy(
         self,
         domains: Optional[DomainsLike] = None,
@@ -172,7 +230,7 @@ class _FiveValues(Symbol[Values]):
         drop: bool = False,
     ) -> Any:
         """One field as a sparse matrix, as :meth:`Parameter.to_coo`."""
-        return self._sparse(field_number(field), domains, rows, drop)
+        return self._field_sparse(field_number(field), domains, rows, drop)
 
     def to_pandas(self) -> "pd.DataFrame":
         """The values as a frame with a column for each field, over the labels."""
@@ -182,24 +240,6 @@ class _FiveValues(Symbol[Values]):
         from . import frames
 
         return frames.fields_of(self._native, self._database, keys, content)
-
-    def from_pandas(
-        self,
-        data: Union["pd.Series[float]", "pd.DataFrame"],
-        *,
-        keys: Optional[Sequence[Hashable]] = None,
-        nan: str = "na",
-    ) -> None:
-        """Replaces the records by those of a frame whose columns are fields; a series has levels.
-
-        Fields without a column take the defaults of the symbol's kind. Labels, ``keys`` and
-        ``nan`` are as for :meth:`Parameter.from_pandas`; ``nan="skip"`` makes no record of a row
-        without any value, and a single missing one takes its default.
-        """
-        from . import frames
-
-        kind = self.defaults if nan == "skip" else None
-        frames.values_from_pandas(self._native, self._database, data, keys, nan, kind)
 
 
 class Variable(_FiveValues):

@@ -12,6 +12,7 @@ import numpy.typing as npt
 import pandas as pd
 
 from . import _native
+from .arguments import several
 
 
 class Labelled(NamedTuple):
@@ -114,7 +115,7 @@ def _order(symbol: _native.Symbol, index: pd.Index) -> List[int]:
 def _by_keys(
     symbol: _native.Symbol, data: Any, columns: pd.DataFrame, keys: Sequence[Hashable]
 ) -> Labelled:
-    names: List[Hashable] = [keys] if isinstance(keys, str) else list(keys)
+    names: List[Hashable] = [keys] if isinstance(keys, str) else list(several(keys, "name"))
     if len(names) != symbol.dimension:
         raise ValueError(
             f"{len(names)} keys given, symbol {symbol.name} has {symbol.dimension} positions"

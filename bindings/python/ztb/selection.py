@@ -10,7 +10,7 @@ from typing import Any, Callable, Iterator, List, Mapping, Optional, Protocol, T
 import numpy as np
 import numpy.typing as npt
 
-from . import _native, display
+from . import _native, arguments, display
 from .home import Home
 from .labels import labels_of_key
 
@@ -103,6 +103,8 @@ def _is_several(part: object) -> bool:
 
 def choice_of(native: _native.Symbol, home: Home, key: object) -> Choice:
     """What a partial key chooses. Labels that the database does not have are an error."""
+    if arguments.is_frame(key):
+        raise TypeError("a frame chooses no records, expected a series of truth")
     if str(getattr(key, "dtype", "")) in ("bool", "boolean") and hasattr(key, "index"):
         from . import frames
 

@@ -2,9 +2,10 @@
 
 from __future__ import annotations
 
-import operator
 import re
 from typing import SupportsIndex, Union
+
+from . import arguments
 
 Size = Union[SupportsIndex, str]
 
@@ -22,7 +23,7 @@ def bytes_of(size: Size, name: str) -> int:
     elif isinstance(size, bool):
         raise TypeError(f"{name} is a bool, expected a number of bytes or a text")
     else:
-        count = operator.index(size)
+        count = arguments.whole(size, f"number of bytes, nor a text, for {name}")
     if not 0 < count <= _LARGEST:
         raise ValueError(
             f"{name} {size!r} is no size, expected bytes from 1 on, or a text of a whole number "

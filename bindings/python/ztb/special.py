@@ -25,6 +25,8 @@ from typing import Tuple
 import numpy as np
 import numpy.typing as npt
 
+from . import arguments
+
 
 def _double(bits: int) -> float:
     return float(struct.unpack("<d", struct.pack("<Q", bits))[0])
@@ -51,6 +53,8 @@ _BITS = np.array(SPECIAL_VALUES, dtype=np.float64).view(np.uint64)
 
 def special_codes(values: npt.ArrayLike) -> npt.NDArray[np.int8]:
     """The code of each value, ``CODE_ORDINARY`` for a number; an array of the same shape."""
+    if np.asarray(values).dtype.kind not in "biufO":
+        raise TypeError(f"values of type {np.asarray(values).dtype}, numbers expected")
     bits = np.array(values, dtype=np.float64, ndmin=1).view(np.uint64)
     codes = np.full(bits.shape, CODE_ORDINARY, dtype=np.int8)
     for code, special in enumerate(_BITS):
@@ -60,4 +64,6 @@ def special_codes(values: npt.ArrayLike) -> npt.NDArray[np.int8]:
 
 def special_code(value: float) -> int:
     """The code of one value, ``CODE_ORDINARY`` for a number."""
+    if value is None or isinstance(value, (str, bytes)):
+        raise TypeError(f"{arguments.shown(value)} is no number")
     return int(special_codes(value)[()])

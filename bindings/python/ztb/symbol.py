@@ -12,7 +12,7 @@ from typing import NamedTuple, Optional, Sequence, Tuple, TypeVar, Union, overlo
 import numpy as np
 import numpy.typing as npt
 
-from . import _native, display
+from . import _native, arguments, arrays, display
 from .home import Home
 from .labels import Key, Label, labels_of_key
 from .selection import Numbers, Selection, choice_of, is_partial
@@ -138,7 +138,10 @@ class Symbol(display.Shows, MutableMapping[Any, Value]):
 
     @user_info.setter
     def user_info(self, value: int) -> None:
-        self._native.user_info = value
+        number = arguments.whole(value, "user information")
+        if not -(2**31) <= number < 2**31:
+            raise ValueError(f"user information is a number of 32 bits, which {number} is not")
+        self._native.user_info = number
 
     @property
     def domains(self) -> Tuple[Domain, ...]:
@@ -240,6 +243,8 @@ class Symbol(display.Shows, MutableMapping[Any, Value]):
         cross by their strings. An alias gives the records of the set that it stands for. A symbol
         is not copied onto itself, nor an alias onto its set: that is an error and changes nothing.
         """
+        if not isinstance(source, (Symbol, Alias)):
+            raise TypeError(f"{arguments.shown(source)} is no symbol to copy records from")
         self._native.copy_from(source._native)
 
     def violations(self) -> List[Violation]:
@@ -328,13 +333,18 @@ class Symbol(display.Shows, MutableMapping[Any, Value]):
         return cube
 
     def _sparse(
-        self, content: int, domains: Optional["DomainsLike"], rows: int, drop: bool
+        self,
+        keys: Numbers,
+        values: npt.NDArray[Any],
+        domains: Optional["DomainsLike"],
+        rows: int,
+        drop: bool,
     ) -> Any:
         from . import sparse
 
-        keys, table = self._native.rows()
+        count = arguments.whole(rows, "number of positions")
         matrix, dropped = sparse.to_coo(
-            keys, table[:, content], self._axis_numbers(domains), rows, self.name
+            keys, values, self._axis_numbers(domains), count, self.name
         )
         self._require_none_dropped(dropped, drop)
         return matrix
@@ -358,12 +368,7 @@ class Set(Symbol[str]):
         return self._native.element_text(labels)
 
     def _set_value(self, labels: Tuple[Any, ...], value: Any) -> None:
-        if not isinstance(value, str):
-            raise TypeError(
-                f"{value!r} ({type(value).__name__}) is no text for an element of set "
-                f"{self.name}, expected a str"
-            )
-        self._native.put_text(labels, value)
+        self._native.put_text(labels, arguments.text(value, f"text for an element of set {self.name}"))
 
     @property
     def texts(self) -> "Texts":
@@ -377,9 +382,7 @@ class Set(Symbol[str]):
 
     def extend(self, labels: Iterable[Key]) -> None:
         """Adds elements, those that are not there already."""
-        if isinstance(labels, str):
-            raise TypeError(f"{labels!r} is one label, expected several; add() takes one")
-        for key in labels:
+        for key in arguments.several(labels, "label"):
             self.add(*labels_of_key(key))
 
     def _keys_of(self, keys: Numbers) -> List[Any]:
@@ -405,12 +408,29 @@ class Set(Symbol[str]):
         """Whether each combination of labels is an element, as :meth:`Parameter.to_numpy`."""
         return np.not_equal(self._dense(domains, 0, drop), 0)
 
+    def to_coo(
+        self, domains: Optional["DomainsLike"] = None, *, rows: int = 1, drop: bool = False
+    ) -> Any:
+        """The elements as a sparse matrix of truth, as :meth:`Parameter.to_coo`: each is an entry
+        that is true."""
+        keys = self._native.rows()[0]
+        return self._sparse(keys, np.ones(len(keys), dtype=np.bool_), domains, rows, drop)
+
     def from_numpy(
-        self, array: npt.ArrayLike, domains: Optional["DomainsLike"] = None
+        self,
+        array: npt.ArrayLike,
+        domains: Optional["DomainsLike"] = None,
+        *,
+        nan: str = "error",
     ) -> None:
-        """Replaces the elements by one, without text, for each cell that is true."""
-        cells = np.asarray(array, dtype=np.bool_)
-        self._native.elements_from_dense(self._requested(cells, domains, sys.maxsize), cells)
+        """Replaces the elements by one, without text, for each cell that is true, or a number but
+        zero.
+
+        A missing cell (NaN, ``None``, ``pandas.NA``, one of a masked array) is a ``ValueError``;
+        ``nan="skip"`` makes no element of it.
+        """
+        marks = arrays.truths(array, self.name, nan)
+        self._native.elements_from_dense(self._requested(marks, domains, sys.maxsize), marks)
 
     def to_pandas(self) -> "pd.Series[str]":
         """The texts as a series over the labels."""

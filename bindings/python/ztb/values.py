@@ -33,16 +33,6 @@ def field_number(field: object) -> int:
     return FIELDS.index(field)
 
 
-def number(value: object, symbol: str) -> float:
-    """A value that is to go into a symbol, as a double."""
-    if not isinstance(value, (str, bytes, bytearray)):
-        try:
-            return float(value)  # type: ignore[arg-type]
-        except TypeError:
-            pass
-    raise TypeError(f"the value {value!r} ({type(value).__name__}) of symbol {symbol} is no number")
-
-
 @functools.lru_cache(maxsize=None)
 def defaults(kind: int, subtype: int) -> Values:
     """The values of a new record of a variable or equation, by its type number and subtype."""

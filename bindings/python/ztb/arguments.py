@@ -1,0 +1,62 @@
+"""Arguments of a wrong type or of no sense, refused in the words of this package."""
+
+from __future__ import annotations
+
+import operator
+from collections.abc import Iterable as IterableClass
+from typing import Any, Iterable
+
+import numpy as np
+
+#: What float() takes, and what is no real number all the same.
+_NO_NUMBERS = (str, bytes, bytearray, np.complexfloating, np.datetime64, np.timedelta64)
+
+
+def shown(value: object) -> str:
+    """A value with its type, as errors name it."""
+    return f"{value!r} ({type(value).__name__})"
+
+
+def text(value: object, what: str) -> str:
+    """An argument that is a ``str``."""
+    if isinstance(value, str):
+        return value
+    raise TypeError(f"{shown(value)} is no {what}, expected a str")
+
+
+def whole(value: object, what: str) -> int:
+    """An argument that is a whole number."""
+    if not isinstance(value, bool):
+        try:
+            return operator.index(value)  # type: ignore[arg-type]
+        except TypeError:
+            pass
+    raise TypeError(f"{shown(value)} is no {what}, expected an int")
+
+
+def several(values: object, what: str) -> Iterable[Any]:
+    """An argument that holds several values; a text or a frame is not several."""
+    if isinstance(values, str):
+        raise TypeError(f"{values!r} is one {what}, expected several, as in [{values!r}]")
+    if isinstance(values, IterableClass) and not isinstance(values, (bytes, bytearray)):
+        if not is_frame(values):
+            return values
+        raise TypeError(f"a {type(values).__name__} holds no {what}s, expected a list or the like")
+    raise TypeError(f"{shown(values)} holds no {what}s, expected a list or the like")
+
+
+def is_frame(value: object) -> bool:
+    """Whether it is a frame of pandas, which is not imported for that."""
+    return hasattr(value, "iloc") and hasattr(value, "columns")
+
+
+def number(value: object, symbol: str) -> float:
+    """A value that is to go into a symbol, as a double."""
+    if not isinstance(value, _NO_NUMBERS):
+        try:
+            return float(value)  # type: ignore[arg-type]
+        except TypeError:
+            pass
+        except OverflowError:
+            raise OverflowError(f"a value of symbol {symbol} is larger than any double") from None
+    raise TypeError(f"the value {shown(value)} of symbol {symbol} is no number")
