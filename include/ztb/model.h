@@ -67,8 +67,8 @@ enum {
 /* Opens a model file; its kind is told by the ending:
  *   .lp            CPLEX LP, with quadratic terms in square brackets
  *   .mps           MPS, fixed or free (by the look of it)
- *   .mod           MathProg; `dataFile`, unless null or empty, is its data file
- * .mps may be followed by .gz. A refusal names file and line. */
+ *   .mod           MathProg; `dataFile`, unless null or empty, takes the place of its data section
+ * .lp and .mps may be followed by .gz. A refusal names file, line and column. */
 int ztbModelOpen(ztbModel** model, const char* file, const char* dataFile, char* message,
                  int messageSize);
 
@@ -145,6 +145,38 @@ const char* ztbModelMessage(ztbModel* model);
  * ztbModelPbi is called first. And names that the dictionary had to change, from ztbModelPbi on. */
 int ztbModelNoteCount(ztbModel* model);
 const char* ztbModelNote(ztbModel* model, int number);
+
+/* How much of everything a model has; rows without the objective. */
+typedef struct ztbModelSize {
+  int columns, integers, binaries, semiContinuous; /* integers and binaries apart */
+  int rows, sets, families;
+  long long terms, products;
+  int maximize;
+  double constant;          /* of the objective */
+  double smallest, largest; /* sizes of coefficients; 0 when there is none */
+} ztbModelSize;
+
+/* Columns, or rows, that share the name in front of their labels, and the number of those. */
+typedef struct ztbModelFamily {
+  const char* name;
+  int isRow; /* 0: columns; 1: rows, the objective among them */
+  int dimension;
+  int count;
+  int kind;                         /* of columns or type of rows; -1: not all the same */
+  long long entries;                /* terms and products that they stand in */
+  double smallest, largest;         /* sizes of their coefficients; 0 when there is none */
+  double smallestSide, largestSide; /* of bounds, or right-hand sides and ranges; likewise */
+} ztbModelFamily;
+
+/* These work until ztbModelPbi is called for the model. Families count from 0; a name is valid
+ * until the model is changed or freed. */
+int ztbModelGetSize(ztbModel* model, ztbModelSize* size);
+int ztbModelGetFamily(ztbModel* model, int number, ztbModelFamily* family);
+
+/* Writes the model as a file that reads back as the same model, .lp or .mps by the ending. A file
+ * that was there is replaced once the new one is whole. Refused: names that the format cannot hold.
+ */
+int ztbModelWrite(ztbModel* model, const char* file);
 
 /* 1 if the catalogue file can be read, else 0 with the file, the line and what is wrong with it. */
 int ztbCatalogueCheck(const char* file, char* message, int messageSize);

@@ -33,7 +33,7 @@ class Model {
     Message message{};
     require(ztbModelCreate(&handle_, message.data(), kMessageSize), "ztbModelCreate", message);
   }
-  // A model file (.lp, .mps, .mps.gz, .mod with or without a data file).
+  // A model file (.lp, .mps, both also with .gz; .mod with or without a data file).
   [[nodiscard]] static Model open(const ZString& file, const ZString& dataFile = "") {
     Message message{};
     ztbModel* handle = nullptr;
@@ -98,9 +98,24 @@ class Model {
   // Why the last call that failed did; empty when none did, and after a solve that worked.
   [[nodiscard]] std::string message() const { return ztbModelMessage(handle_); }
 
-  // Names that had to be changed, one text each.
+  // What the reading of a file noted, and names that had to be changed, one text each.
   [[nodiscard]] int noteCount() const { return ztbModelNoteCount(handle_); }
   [[nodiscard]] std::string note(int number) const { return ztbModelNote(handle_, number); }
+
+  // How much of everything the model has, and its families of columns and rows; ztb/model.h tells
+  // more. Until the model is tied to a database.
+  [[nodiscard]] ztbModelSize size() {
+    ztbModelSize size{};
+    check(ztbModelGetSize(handle_, &size), "ztbModelGetSize");
+    return size;
+  }
+  [[nodiscard]] ztbModelFamily family(int number) {
+    ztbModelFamily family{};
+    check(ztbModelGetFamily(handle_, number, &family), "ztbModelGetFamily");
+    return family;
+  }
+  // Writes the model as .lp or .mps, until it is tied to a database.
+  void write(const ZString& file) { check(ztbModelWrite(handle_, file.c_str()), "ztbModelWrite"); }
 
   // For ztb.h; the model cannot be built further.
   [[nodiscard]] void* pbi() {

@@ -1,12 +1,9 @@
 #include "providers/model/dictionary.h"
 
 #include <algorithm>
-#include <array>
 #include <utility>
-#include <ztb/case_folding.hpp>
 
 #include "providers/model/dictionary_builder.h"
-#include "providers/model/distinct_names.h"
 
 namespace lomu {
 
@@ -16,11 +13,7 @@ Dictionary::Dictionary(const ModelData& data) : spare_(std::make_unique<Dictiona
 }
 
 int Dictionary::find(std::string_view name) const {
-  if (name.size() > kMaxNameLength) return 0;
-  std::array<char, kMaxNameLength> folded{};
-  std::transform(name.begin(), name.end(), folded.begin(), ztb::foldedChar);
-  const auto found = numberOf_.find(std::string_view(folded.data(), name.size()));
-  return found == numberOf_.end() ? 0 : found->second;
+  return numberOf_.find(symbols_, name) + 1;
 }
 
 DictionarySearch* Dictionary::openSearch(int symbol, const int* keys) {

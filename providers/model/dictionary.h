@@ -13,15 +13,15 @@
 #ifndef ZTB_PROVIDERS_MODEL_DICTIONARY_H_
 #define ZTB_PROVIDERS_MODEL_DICTIONARY_H_
 
-#include <functional>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 #include "providers/model/dictionary_search.h"
 #include "providers/model/model_data.h"
+#include "providers/model/name_index.h"
 
 namespace lomu {
 
@@ -32,14 +32,16 @@ struct DictionarySymbol {
   std::string text;  // the model's own name, where it had to be changed
   SymbolType type;
   int dimension;
-  int userInfo;               // kind of the variable's bounds, or type of the first row
-  std::vector<int> elements;  // row or column numbers, ascending by key
+  int userInfo;                   // kind of the variable's bounds, or type of the first row
+  std::span<const int> elements;  // row or column numbers, ascending by key; the dictionary's
 };
 
 class Dictionary {
  public:
   Dictionary() = default;
   explicit Dictionary(const ModelData& data);
+  Dictionary(const Dictionary&) = delete;
+  Dictionary& operator=(const Dictionary&) = delete;
 
   [[nodiscard]] const std::vector<std::string>& labels() const { return labels_; }
   [[nodiscard]] const std::vector<DictionarySymbol>& symbols() const { return symbols_; }
@@ -82,14 +84,8 @@ class Dictionary {
 
   std::vector<std::string> labels_;
   std::vector<DictionarySymbol> symbols_;
-  // So that a name can be looked for without a copy of it.
-  struct NameHash {
-    using is_transparent = void;
-    std::size_t operator()(std::string_view name) const {
-      return std::hash<std::string_view>()(name);
-    }
-  };
-  std::unordered_map<std::string, int, NameHash, std::equal_to<>> numberOf_;  // by folded name
+  NameIndex<FoldedNames> numberOf_;  // places in symbols_
+  std::vector<int> elements_;        // of all symbols, one symbol after the other
   std::vector<Entry> columns_;
   std::vector<Entry> rows_;
   std::vector<int> keys_;

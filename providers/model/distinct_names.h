@@ -5,7 +5,9 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
-#include <unordered_set>
+#include <utility>
+
+#include "providers/model/name_index.h"
 
 namespace lomu {
 
@@ -15,11 +17,31 @@ class DistinctNames {
  public:
   // `wanted`, if it fits and is free. Otherwise the first of wanted_2, wanted_3, ... that is free,
   // with as much of `wanted` as leaves room. `ending` stays at the end: price_var gives
-  // price_2_var.
-  std::string take(std::string_view wanted, std::string_view ending = {});
+  // price_2_var. REQUIRES: `items` are those that took their names here, and the next one is added
+  // with this name.
+  template <typename Items>
+  std::string take(const Items& items, std::string_view wanted, std::string_view ending = {}) {
+    if (wanted.size() <= kMaxNameLength && takes(items, wanted)) return std::string(wanted);
+    unsigned& number = lastNumber_.try_emplace(ztb::folded(wanted), 1U).first->second;
+    for (;;) {
+      std::string name = numbered(wanted, ending, ++number);
+      if (takes(items, name)) return name;
+    }
+  }
+
+  // The names that were taken, by the numbers of their items; nothing is left here.
+  NameIndex<FoldedNames> release() { return std::exchange(taken_, {}); }
 
  private:
-  std::unordered_set<std::string> taken_;                 // folded
+  template <typename Items>
+  bool takes(const Items& items, std::string_view name) {
+    const int number = static_cast<int>(items.size());
+    return taken_.enter(items, name, number) == number;
+  }
+  // A long name gets a number all the same when its cut is free: the cut is no name of its own.
+  static std::string numbered(std::string_view wanted, std::string_view ending, unsigned number);
+
+  NameIndex<FoldedNames> taken_;
   std::unordered_map<std::string, unsigned> lastNumber_;  // of a folded name
 };
 

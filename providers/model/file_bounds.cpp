@@ -12,7 +12,6 @@ const char* setRowBounds(RowData& row, double lower, double upper) {
   if (std::isnan(lower) || std::isnan(upper) || lower == kInfinity || upper == -kInfinity) {
     return "has an infinite number where no value satisfies it, expected a size below 1e30";
   }
-  if (lower > upper) return "begins above its end, expected the smaller number first";
   row.type = RowType::free;
   row.rhs = 0;
   row.range = 0;

@@ -13,7 +13,8 @@ inline constexpr double kFileInfinity = 1e30;
 double fromFile(double number);
 
 // Gives the row type, right-hand side and range for lower <= row <= upper; two finite bounds that
-// differ make a <= row. Null, or what is wrong with the bounds (then the row is as it was).
+// differ make a <= row, with a negative range where they contradict each other. Null, or what is
+// wrong with the bounds (then the row is as it was).
 const char* setRowBounds(RowData& row, double lower, double upper);
 
 }  // namespace lomu

@@ -24,7 +24,7 @@ GlpkFunctions GlpkFunctions::open(const std::string& path) {
   void* const library = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
   if (library == nullptr) {
     throw ModelError(
-        "MPS and MathProg files are read by GLPK (package libglpk40), which cannot be "
+        "MathProg files are read by GLPK (package libglpk40), which cannot be "
         "opened: " +
             std::string(dlerror()),
         ZTB_ERROR_NO_LIBRARY);

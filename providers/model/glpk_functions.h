@@ -1,6 +1,6 @@
 // The functions of GLPK that the readers of model files call, taken from its shared library when
 // the first file needs it. Nothing of GLPK is linked, so the model library works without it, LP
-// files are read without it, and who ships the model library need not ship GLPK.
+// and MPS files are read without it, and who ships the model library need not ship GLPK.
 #ifndef ZTB_PROVIDERS_MODEL_GLPK_FUNCTIONS_H_
 #define ZTB_PROVIDERS_MODEL_GLPK_FUNCTIONS_H_
 
@@ -13,7 +13,6 @@ namespace lomu {
 // One row a function, named without its "glp_".
 #define ZTB_GLPK_FUNCTIONS(ROW) \
   ROW(create_prob)              \
-  ROW(read_mps)                 \
   ROW(get_obj_coef)             \
   ROW(get_obj_name)             \
   ROW(get_obj_dir)              \

@@ -21,7 +21,6 @@ namespace {
 // GLPK formats messages with a file name in them into 4096 bytes.
 constexpr std::size_t kMaxFileName = 1000;
 // MathProg expressions are parsed and evaluated by recursion, about 1 KB a level.
-constexpr std::size_t kMpsStack = 1 << 20;
 constexpr std::size_t kMathProgStack = 64 << 20;
 
 struct Refusal {
@@ -65,19 +64,6 @@ std::string nameOr(const char* name, const std::string& otherwise) {
 class Conversion {
  public:
   Conversion(std::string file, glp_prob* problem) : file_(std::move(file)), problem_(problem) {}
-
-  ModelData mps() {
-    // GLPK takes the right-hand side of the objective for its constant; it is the constant with the
-    // sign turned.
-    model_.objectiveConstant = 0 - glpk().get_obj_coef(problem_, 0);
-    takeObjective();
-    takeColumns();
-    for (ColumnData& column : model_.columns) {
-      if (column.lower == 0 && column.upper < 0) column.lower = -kInfinity;
-    }
-    takeRows();
-    return std::move(model_);
-  }
 
   ModelData mathProg() {
     model_.objectiveConstant = glpk().get_obj_coef(problem_, 0);
@@ -158,32 +144,6 @@ class Conversion {
   bool hasObjective_ = false;
 };
 
-struct MpsStep {
-  const char* file;
-  int format;
-  glp_prob* problem;
-  bool read;
-};
-
-void runMpsStep(void* argument) {
-  auto& step = *static_cast<MpsStep*>(argument);
-  step.problem = glpk().create_prob();
-  step.read = glpk().read_mps(step.problem, step.format, nullptr, step.file) == 0;
-}
-
-std::optional<ModelData> tryMps(const std::string& file, int format, Refusal& refusal) {
-  std::optional<ModelData> model;
-  GlpkSession::run(kMpsStack, [&](GlpkSession& session) {
-    MpsStep step{file.c_str(), format, nullptr, false};
-    if (session.guarded(runMpsStep, &step) && step.read) {
-      model = Conversion(file, step.problem).mps();
-    } else {
-      refusal = refusalOf(session.messages(), file, {});
-    }
-  });
-  return model;
-}
-
 struct MathProgStep {
   const char* file;
   const char* dataFile;
@@ -194,8 +154,9 @@ struct MathProgStep {
 void runMathProgStep(void* argument) {
   auto& step = *static_cast<MathProgStep*>(argument);
   glp_tran* const translator = glpk().mpl_alloc_wksp();
+  const int skipsOwnData = step.dataFile == nullptr ? 0 : 1;
   const bool read =
-      glpk().mpl_read_model(translator, step.file, 0) == 0 &&
+      glpk().mpl_read_model(translator, step.file, skipsOwnData) == 0 &&
       (step.dataFile == nullptr || glpk().mpl_read_data(translator, step.dataFile) == 0);
   if (read && glpk().mpl_generate(translator, nullptr) == 0) {
     step.problem = glpk().create_prob();
@@ -220,20 +181,6 @@ void checkLength(const std::string& file) {
 }
 
 }  // namespace
-
-ModelData readMps(const std::string& file) {
-  openGlpk(file);
-  checkLength(file);
-  Refusal fixed;
-  if (auto model = tryMps(file, GLP_MPS_DECK, fixed)) return std::move(*model);
-  Refusal free;
-  if (auto model = tryMps(file, GLP_MPS_FILE, free)) return std::move(*model);
-  Refusal& refusal = fixed.line > free.line ? fixed : free;
-  if (refusal.text.ends_with("invalid indicator record")) {
-    refusal.text += ", expected ROWS, COLUMNS, RHS, RANGES, BOUNDS or ENDATA";
-  }
-  throw ModelError(refusal.text, ZTB_ERROR_DAMAGED_FILE);
-}
 
 ModelData readMathProg(const std::string& file, const std::string& dataFile) {
   openGlpk(file);

@@ -17,7 +17,7 @@ double rowLower(RowType type, double rhs, double range) {
     case RowType::greaterOrEqual:
       return rhs;
     case RowType::lessOrEqual:
-      return range > 0 ? rhs - range : -kInfinity;
+      return range != 0 ? rhs - range : -kInfinity;
     default:
       return -kInfinity;
   }
@@ -29,7 +29,7 @@ double rowUpper(RowType type, double rhs, double range) {
     case RowType::lessOrEqual:
       return rhs;
     case RowType::greaterOrEqual:
-      return range > 0 ? rhs + range : kInfinity;
+      return range != 0 ? rhs + range : kInfinity;
     default:
       return kInfinity;
   }

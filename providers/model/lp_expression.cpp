@@ -124,8 +124,8 @@ class ExpressionReader {
 
   void checkCoefficient(const LpToken& number) const {
     if (number.number < kFileInfinity) return;
-    tokens_.fail(number.line, "the coefficient " + std::string(number.text.substr(0, 40)) +
-                                  " is out of range, expected a size below 1e30");
+    tokens_.fail(number.position, "the coefficient " + std::string(number.text.substr(0, 40)) +
+                                      " is out of range, expected a size below 1e30");
   }
 
   void addTerm(double value) {
@@ -139,7 +139,7 @@ class ExpressionReader {
   void addConstant(double value) { result_.constant += value; }
 
   void readBracket(double sign) {
-    const std::size_t line = tokens_.take().line;
+    const std::size_t line = tokens_.take().position.line;
     const std::size_t begin = result_.products.size();
     do {
       const double termSign = readSigns();

@@ -1,14 +1,16 @@
 #include "providers/model/lp_reader.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <utility>
-#include <vector>
 #include <ztb/case_folding.hpp>
 
 #include "providers/model/file_bounds.h"
+#include "providers/model/file_notes.h"
 #include "providers/model/lp_expression.h"
 #include "providers/model/lp_rows.h"
 #include "providers/model/lp_sections.h"
+#include "providers/model/lp_sets.h"
 #include "providers/model/lp_tokens.h"
 
 namespace lomu {
@@ -18,7 +20,10 @@ namespace {
 class LpReader {
  public:
   LpReader(const std::string& file, std::string_view text)
-      : tokens_(file, text), columns_(model_.columns), rows_(tokens_, columns_, model_) {}
+      : notes_(file),
+        tokens_(file, text),
+        columns_(model_.columns),
+        rows_(tokens_, columns_, model_) {}
 
   ModelData read() {
     const auto sense = lpSection(tokens_);
@@ -29,20 +34,20 @@ class LpReader {
     takeLpSection(tokens_);
     model_.maximize = sense == LpSection::maximize;
     rows_.readObjective();
-    while (tokens_.next().kind != LpTokenKind::end) readSection();
-    rows_.nameObjective();
+    while (!over_) readSection();
+    rows_.nameTheRest();
     bindBinaries();
+    model_.notes = notes_.texts();
     return std::move(model_);
   }
 
  private:
-  struct Binary {
-    int column;
-    std::size_t line;
-  };
-
   void readSection() {
-    switch (lpSection(tokens_).value_or(LpSection::unsupported)) {
+    if (tokens_.next().kind == LpTokenKind::end) {
+      tokens_.failExpecting("another section or End: the file is cut off");
+    }
+    const LpSection section = lpSection(tokens_).value_or(LpSection::unsupported);
+    switch (section) {
       case LpSection::rows:
         if (std::exchange(hasRows_, true)) tokens_.failExpecting("one section of rows only");
         takeLpSection(tokens_);
@@ -59,10 +64,17 @@ class LpReader {
         takeLpSection(tokens_);
         while (!sectionEnds()) readBinary();
         return;
-      case LpSection::end:
+      case LpSection::semiContinuous:
         takeLpSection(tokens_);
-        if (tokens_.next().kind != LpTokenKind::end) tokens_.failExpecting("nothing after End");
+        while (!sectionEnds()) at(takeColumn()).semiContinuous = true;
         return;
+      case LpSection::sets:
+      case LpSection::sets1:
+      case LpSection::sets2:
+        takeLpSection(tokens_);
+        return readLpSets(tokens_, columns_, section, model_);
+      case LpSection::end:
+        return end();
       case LpSection::minimize:
       case LpSection::maximize:
         tokens_.failExpecting("one objective only");
@@ -71,27 +83,42 @@ class LpReader {
     }
   }
 
+  void end() {
+    over_ = true;
+    if (const auto& behind = tokens_.behindEnd()) {
+      notes_.add("behind", behind->line, behind->column, "what stands behind End is passed over");
+    }
+  }
+
   [[noreturn]] void failUnsupported() const {
-    tokens_.fail(tokens_.next().line,
+    tokens_.fail(tokens_.next().position,
                  "a section " + shown(tokens_.next().text) +
-                     " is not supported, expected Subject To, Bounds, Generals, Binaries or End");
+                     " is not supported, expected Subject To, Bounds, Generals, Binaries, "
+                     "Semi-Continuous, SOS or End");
   }
 
   [[nodiscard]] bool sectionEnds() const {
     return tokens_.next().kind == LpTokenKind::end || lpSection(tokens_);
   }
 
+  [[nodiscard]] ColumnData& at(int column) {
+    return model_.columns[static_cast<std::size_t>(column)];
+  }
+
+  // The column that is named next; it may be new here.
   int takeColumn() {
     if (tokens_.next().kind != LpTokenKind::name || isInfinityWord(tokens_.next())) {
       tokens_.failExpecting("the name of a variable");
     }
     const LpToken name = tokens_.take();
-    const auto column = columns_.find(name.text);
-    if (!column) {
-      tokens_.fail(name.line, shown(name.text) +
-                                  " is no variable so far, expected one of the objective or a row");
+    if (const auto known = columns_.find(name.text)) return *known;
+    constexpr std::string_view kSubject = "only here";
+    if (!notes_.count(kSubject)) {
+      notes_.add(kSubject, name.position.line, name.position.column,
+                 "the variable " + shown(name.text) +
+                     " stands in no row and not in the objective; it is taken all the same");
     }
-    return *column;
+    return columns_.findOrAdd(name.text);
   }
 
   void readBound() {
@@ -100,36 +127,31 @@ class LpReader {
     const int column = takeColumn();
     if (tokens_.next().kind == LpTokenKind::name && ztb::sameFolded(tokens_.next().text, "free")) {
       tokens_.take();
-      setBound(column, LpRelation::greaterOrEqual, -kInfinity, 0);
-      setBound(column, LpRelation::lessOrEqual, kInfinity, 0);
+      setBound(column, LpRelation::greaterOrEqual, -kInfinity, {});
+      setBound(column, LpRelation::lessOrEqual, kInfinity, {});
       return;
     }
     const LpRelation relation = takeRelation(tokens_);
-    const std::size_t line = tokens_.next().line;
-    setBound(column, relation, takeValue(), line);
+    const LpPosition position = tokens_.next().position;
+    setBound(column, relation, takeValue(), position);
   }
 
   // value <= x, or value <= x <= value.
   void readBoundFromValue() {
-    const std::size_t line = tokens_.next().line;
+    const LpPosition position = tokens_.next().position;
     const double first = takeValue();
     const LpRelation relation = takeRelation(tokens_);
     const int column = takeColumn();
-    setBound(column, mirrored(relation), first, line);
-    const std::size_t secondLine = tokens_.next().line;
+    setBound(column, mirrored(relation), first, position);
+    const LpPosition secondPosition = tokens_.next().position;
     const auto second = takeRelationIf(tokens_);
     if (!second) return;
     if (*second != relation || relation == LpRelation::equal) {
-      tokens_.fail(secondLine,
+      tokens_.fail(secondPosition,
                    "the two relations of the bound do not go together, expected two \"<=\" or two "
                    "\">=\"");
     }
-    setBound(column, *second, takeValue(), secondLine);
-    const ColumnData& data = model_.columns[static_cast<std::size_t>(column)];
-    if (data.lower > data.upper) {
-      tokens_.fail(secondLine, "the lower bound of " + shown(data.name) +
-                                   " is above the upper one, expected the smaller first");
-    }
+    setBound(column, *second, takeValue(), secondPosition);
   }
 
   double takeValue() {
@@ -149,61 +171,48 @@ class LpReader {
     return fromFile(sign * tokens_.take().number);
   }
 
-  void setBound(int column, LpRelation relation, double value, std::size_t line) {
-    const auto at = static_cast<std::size_t>(column);
-    ColumnData& data = model_.columns[at];
+  void setBound(int column, LpRelation relation, double value, LpPosition position) {
+    ColumnData& data = at(column);
     if (relation != LpRelation::lessOrEqual) {
-      if (value == kInfinity) failInfinite(data, "lower", line);
+      if (value == kInfinity) failInfinite(data, "lower", position);
       data.lower = value;
     }
     if (relation != LpRelation::greaterOrEqual) {
-      if (value == -kInfinity) failInfinite(data, "upper", line);
+      if (value == -kInfinity) failInfinite(data, "upper", position);
       data.upper = value;
-      if (upperGiven_.size() <= at) upperGiven_.resize(model_.columns.size());
-      upperGiven_[at] = true;
     }
   }
 
   [[noreturn]] void failInfinite(const ColumnData& data, const std::string& side,
-                                 std::size_t line) const {
-    tokens_.fail(line, "the " + side + " bound of " + shown(data.name) +
-                           " is infinite on the wrong side, expected a value that can be reached");
+                                 LpPosition position) const {
+    tokens_.fail(position, "the " + side + " bound of " + shown(data.name) +
+                               " is infinite on the wrong side, expected a value that can be "
+                               "reached");
   }
 
   void readInteger() {
-    ColumnData& data = model_.columns[static_cast<std::size_t>(takeColumn())];
+    ColumnData& data = at(takeColumn());
     if (data.kind != ColumnKind::binary) data.kind = ColumnKind::integer;
   }
 
-  void readBinary() {
-    const std::size_t line = tokens_.next().line;
-    const int column = takeColumn();
-    model_.columns[static_cast<std::size_t>(column)].kind = ColumnKind::binary;
-    binaries_.push_back({column, line});
-  }
+  void readBinary() { at(takeColumn()).kind = ColumnKind::binary; }
 
-  // Bounds that are given stay, so that a binary variable can be fixed.
+  // Bounds that are given narrow those of a binary variable, so that it can be fixed.
   void bindBinaries() {
-    upperGiven_.resize(model_.columns.size());
-    for (const Binary& binary : binaries_) {
-      const auto at = static_cast<std::size_t>(binary.column);
-      ColumnData& data = model_.columns[at];
-      if (!upperGiven_[at]) data.upper = 1;
-      if (data.lower < 0 || data.upper > 1) {
-        tokens_.fail(binary.line, shown(data.name) +
-                                      " is binary but has bounds beyond 0 and 1, expected bounds "
-                                      "within them or none");
-      }
+    for (ColumnData& column : model_.columns) {
+      if (column.kind != ColumnKind::binary) continue;
+      column.lower = std::max(column.lower, 0.0);
+      column.upper = std::min(column.upper, 1.0);
     }
   }
 
   ModelData model_;
+  FileNotes notes_;
   LpTokens tokens_;
   LpColumns columns_;
   LpRowReader rows_;
-  std::vector<bool> upperGiven_;
-  std::vector<Binary> binaries_;
   bool hasRows_ = false;
+  bool over_ = false;
 };
 
 }  // namespace

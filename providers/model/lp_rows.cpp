@@ -33,18 +33,19 @@ LpRelation takeRelation(LpTokens& tokens) {
 }
 
 void LpRowReader::readObjective() {
-  const std::size_t line = tokens_.next().line;
+  const LpPosition position = tokens_.next().position;
+  std::string& name = model_.rows[0].name;
+  name.clear();
   if (auto label = takeLabel()) {
-    enterName(*label, line);
-    model_.rows[0].name = std::move(*label);
-    objectiveNamed_ = true;
+    enterName(*label, position);
+    name = std::move(*label);
   }
   const LpExpression sum = readLpExpression(tokens_, columns_, LpPlace::objective);
   if (tokens_.next().kind != LpTokenKind::end && !lpSection(tokens_)) {
     tokens_.failExpecting(R"("+", "-" or a section such as Subject To after the objective)");
   }
   if (!std::isfinite(fromFile(sum.constant))) {
-    tokens_.fail(line, "the constant of the objective is infinite, expected a size below 1e30");
+    tokens_.fail(position, "the constant of the objective is infinite, expected a size below 1e30");
   }
   model_.objectiveConstant = sum.constant;
   addTerms(sum, 0);
@@ -54,42 +55,41 @@ void LpRowReader::readRows() {
   while (tokens_.next().kind != LpTokenKind::end && !lpSection(tokens_)) readRow();
 }
 
-void LpRowReader::nameObjective() {
-  if (objectiveNamed_) return;
-  std::string& name = model_.rows[0].name;
-  while (lineOfName_.contains(name)) name += '_';
+void LpRowReader::nameTheRest() {
+  for (std::size_t i = 0; i < model_.rows.size(); ++i) {
+    std::string& name = model_.rows[i].name;
+    if (!name.empty()) continue;
+    name = i == 0 ? "objective" : "R" + std::to_string(i);
+    while (!lineOfName_.try_emplace(name, 0).second) name += '_';
+  }
 }
 
 void LpRowReader::readRow() {
-  const std::size_t line = tokens_.next().line;
-  auto label = takeLabel();
-  std::string name = label ? std::move(*label) : "R" + std::to_string(model_.rows.size());
-  enterName(name, line);
-  readRow(line, std::move(name));
-}
-
-void LpRowReader::readRow(std::size_t line, std::string name) {
+  const LpPosition position = tokens_.next().position;
+  const auto label = takeLabel();
+  if (label) enterName(*label, position);
+  const std::string name = label.value_or("");
   LpExpression left = readSide(LpPlace::leftSide);
   LpRelation relation = takeRelation(tokens_);
   LpExpression right = readSide(LpPlace::rightSide);
-  const std::size_t secondLine = tokens_.next().line;
-  if (const auto second = takeRelationIf(tokens_)) {
+  const LpPosition second = tokens_.next().position;
+  if (const auto secondRelation = takeRelationIf(tokens_)) {
     const LpExpression third = readSide(LpPlace::rightSide);
     if (!left.isConstant() || !third.isConstant()) {
-      tokens_.fail(secondLine, "a second relation in row " + shown(name) +
-                                   ", whose first and last side are not both numbers; expected "
-                                   "such as -3 <= x + y <= 5, or a label before a new row");
+      tokens_.fail(second, "a second relation in row " + shownRow(name) +
+                               ", whose first and last side are not both numbers; expected "
+                               "such as -3 <= x + y <= 5, or a label before a new row");
     }
-    if (*second != relation || relation == LpRelation::equal) {
-      tokens_.fail(secondLine, "the two relations of row " + shown(name) +
-                                   R"( do not go together, expected two "<=" or two ">=")");
+    if (*secondRelation != relation || relation == LpRelation::equal) {
+      tokens_.fail(second, "the two relations of row " + shownRow(name) +
+                               R"( do not go together, expected two "<=" or two ">=")");
     }
     const bool ascends = relation == LpRelation::lessOrEqual;
     const double lower = ascends ? left.constant : third.constant;
     const double upper = ascends ? third.constant : left.constant;
-    return addRow(line, std::move(name), right, lower, upper);
+    return addRow(position, name, right, lower, upper);
   }
-  if (left.isConstant()) {
+  if (left.isConstant() && !right.isConstant()) {
     std::swap(left, right);
     relation = mirrored(relation);
   }
@@ -99,7 +99,12 @@ void LpRowReader::readRow(std::size_t line, std::string name) {
   double upper = rhs;
   if (relation == LpRelation::lessOrEqual) lower = -kInfinity;
   if (relation == LpRelation::greaterOrEqual) upper = kInfinity;
-  addRow(line, std::move(name), left, lower, upper);
+  addRow(position, name, left, lower, upper);
+}
+
+// The name that the row has or would have.
+std::string LpRowReader::shownRow(const std::string& name) const {
+  return shown(name.empty() ? "R" + std::to_string(model_.rows.size()) : name);
 }
 
 LpExpression LpRowReader::readSide(LpPlace place) {
@@ -126,23 +131,20 @@ std::optional<std::string> LpRowReader::takeLabel() {
   return label;
 }
 
-void LpRowReader::enterName(const std::string& name, std::size_t line) {
-  const auto [entry, isNew] = lineOfName_.try_emplace(name, line);
+void LpRowReader::enterName(const std::string& name, LpPosition position) {
+  const auto [entry, isNew] = lineOfName_.try_emplace(name, position.line);
   if (isNew) return;
-  tokens_.fail(line, "the row name " + shown(name) + " stands in line " +
-                         std::to_string(entry->second) + " already, expected another one");
+  tokens_.fail(position, "the row name " + shown(name) + " stands in line " +
+                             std::to_string(entry->second) + " already, expected another one");
 }
 
-void LpRowReader::addRow(std::size_t line, std::string name, const LpExpression& expression,
+void LpRowReader::addRow(LpPosition position, std::string name, const LpExpression& expression,
                          double lower, double upper) {
-  if (expression.isConstant()) {
-    tokens_.fail(line, "row " + shown(name) + " has no variable, expected one");
-  }
   RowData row{std::move(name)};
   lower = fromFile(lower - expression.constant);
   upper = fromFile(upper - expression.constant);
   if (const char* const wrong = setRowBounds(row, lower, upper)) {
-    tokens_.fail(line, "row " + shown(row.name) + " " + wrong);
+    tokens_.fail(position, "row " + shownRow(row.name) + " " + wrong);
   }
   addTerms(expression, static_cast<int>(model_.rows.size()));
   model_.rows.push_back(std::move(row));

@@ -32,17 +32,18 @@ class LpRowReader {
   void readObjective();
   // Reads rows up to the keyword of the next section.
   void readRows();
-  // Names the objective if the file did not. To be called when all rows are read.
-  void nameObjective();
+  // Names the objective and the rows that the file did not name. To be called when all are read.
+  void nameTheRest();
 
  private:
   void readRow();
-  void readRow(std::size_t line, std::string name);
   LpExpression readSide(LpPlace place);
   std::optional<std::string> takeLabel();
-  void enterName(const std::string& name, std::size_t line);
+  [[nodiscard]] std::string shownRow(const std::string& name) const;
+  void enterName(const std::string& name, LpPosition position);
   // Adds row: lower <= expression <= upper; the constant of the expression goes into the bounds.
-  void addRow(std::size_t line, std::string name, const LpExpression& expression, double lower,
+  // A row without a label has no name yet.
+  void addRow(LpPosition position, std::string name, const LpExpression& expression, double lower,
               double upper);
   void addTerms(const LpExpression& expression, int row);
 
@@ -50,7 +51,6 @@ class LpRowReader {
   LpColumns& columns_;
   ModelData& model_;
   std::unordered_map<std::string, std::size_t> lineOfName_;
-  bool objectiveNamed_ = false;
 };
 
 }  // namespace lomu

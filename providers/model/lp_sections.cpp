@@ -1,5 +1,6 @@
 #include "providers/model/lp_sections.h"
 
+#include <algorithm>
 #include <array>
 #include <string_view>
 #include <ztb/case_folding.hpp>
@@ -46,11 +47,13 @@ constexpr auto kKeywords = std::to_array<Keyword>({
     {"binary", "", LpSection::binaries},
     {"bins", "", LpSection::binaries},
     {"bin", "", LpSection::binaries},
-    {"semi", "", LpSection::unsupported},
-    {"semis", "", LpSection::unsupported},
-    {"sos", "", LpSection::unsupported},
-    {"sos1", "", LpSection::unsupported},
-    {"sos2", "", LpSection::unsupported},
+    {"semi", "continuous", LpSection::semiContinuous},
+    {"semi", "-", LpSection::semiContinuous},
+    {"semi", "", LpSection::semiContinuous},
+    {"semis", "", LpSection::semiContinuous},
+    {"sos", "", LpSection::sets},
+    {"sos1", "", LpSection::sets1},
+    {"sos2", "", LpSection::sets2},
     {"lazy", "constraints", LpSection::unsupported},
     {"user", "cuts", LpSection::unsupported},
     {"pwlobj", "", LpSection::unsupported},
@@ -78,9 +81,20 @@ std::optional<LpSection> lpSection(const LpTokens& tokens) {
   return keyword->section;
 }
 
+bool beginsLpKeyword(std::string_view word) {
+  return std::any_of(kKeywords.begin(), kKeywords.end(),
+                     [&](const Keyword& keyword) { return ztb::sameFolded(word, keyword.word); });
+}
+
 LpSection takeLpSection(LpTokens& tokens) {
   const Keyword* const keyword = keywordAt(tokens);
   tokens.take();
+  if (keyword->secondWord == "-") {
+    tokens.take();
+    if (!ztb::sameFolded(tokens.next().text, "continuous")) {
+      tokens.failExpecting("Semi-Continuous");
+    }
+  }
   if (!keyword->secondWord.empty()) tokens.take();
   return keyword->section;
 }

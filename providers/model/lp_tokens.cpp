@@ -4,6 +4,7 @@
 #include <charconv>
 #include <system_error>
 #include <utility>
+#include <ztb/case_folding.hpp>
 #include <ztb/model_names.hpp>
 
 #include "providers/model/model_error.h"
@@ -73,13 +74,15 @@ bool LpTokens::takeIf(LpTokenKind kind) {
   return true;
 }
 
-void LpTokens::fail(std::size_t line, const std::string& text) const {
-  throw ModelError(file_ + ":" + std::to_string(line) + ": " + text, ZTB_ERROR_DAMAGED_FILE);
+void LpTokens::fail(LpPosition position, const std::string& text) const {
+  throw ModelError(file_ + ":" + std::to_string(position.line) + ":" +
+                       std::to_string(position.column) + ": " + text,
+                   ZTB_ERROR_DAMAGED_FILE);
 }
 
 void LpTokens::failExpecting(const std::string& what) const {
   const bool over = next_.kind == LpTokenKind::end;
-  fail(next_.line,
+  fail(next_.position,
        "found " + (over ? "the end of the file" : shown(next_.text)) + ", expected " + what);
 }
 
@@ -87,6 +90,7 @@ void LpTokens::skipBlanks() {
   for (; more(); ++position_) {
     if (at() == '\n') {
       ++line_;
+      lineBegin_ = position_ + 1;
       startsLine_ = true;
     } else if (at() == '\\') {
       while (at(1) != '\n') ++position_;
@@ -99,7 +103,7 @@ void LpTokens::skipBlanks() {
 LpToken LpTokens::scan() {
   skipBlanks();
   LpToken token;
-  token.line = line_;
+  token.position = here();
   token.startsLine = std::exchange(startsLine_, false);
   if (!more()) return token;
   const std::size_t begin = position_;
@@ -113,18 +117,34 @@ LpToken LpTokens::scan() {
     token.kind = scanOperator();
   }
   token.text = text_.substr(begin, position_ - begin);
+  if (token.startsLine && ztb::sameFolded(token.text, "end")) endHere();
   return token;
+}
+
+// Cuts off the text behind the word just scanned, unless that is a label.
+void LpTokens::endHere() {
+  const std::size_t end = position_;
+  const LpPosition place = here();
+  const std::size_t lineBegin = lineBegin_;
+  skipBlanks();
+  if (more() && at() != ':') behindEnd_ = here();
+  if (!more() || at() != ':') text_ = text_.substr(0, end);
+  position_ = end;
+  line_ = place.line;
+  lineBegin_ = lineBegin;
+  startsLine_ = false;
 }
 
 LpTokenKind LpTokens::scanOperator() {
   const char c = at();
   const char after = at(1);
+  const LpPosition place = here();
   ++position_;
   switch (c) {
     case '+':
       return LpTokenKind::plus;
     case '-':
-      if (after == '>') fail(line_, "\"->\": rows under a condition are not supported");
+      if (after == '>') fail(place, "\"->\": rows under a condition are not supported");
       return LpTokenKind::minus;
     case '*':
       return LpTokenKind::times;
@@ -150,10 +170,10 @@ LpTokenKind LpTokens::scanOperator() {
       break;
   }
   if (isOpen(c) || isClose(c)) {
-    fail(line_, shown({&c, 1}) + " without a name right before it, expected a name or a number");
+    fail(place, shown({&c, 1}) + " without a name right before it, expected a name or a number");
   }
-  if (isControl(c)) fail(line_, "a byte of value " + std::to_string(+c) + ", expected text");
-  fail(line_, shown({&c, 1}) + " cannot stand here, expected a name, a number or an operator");
+  if (isControl(c)) fail(place, "a byte of value " + std::to_string(+c) + ", expected text");
+  fail(place, shown({&c, 1}) + " cannot stand here, expected a name, a number or an operator");
 }
 
 double LpTokens::scanNumber() {
@@ -161,12 +181,12 @@ double LpTokens::scanNumber() {
   const char* const begin = text_.data() + position_;
   const auto [end, error] = std::from_chars(begin, text_.data() + text_.size(), value);
   if (error == std::errc::invalid_argument) {
-    fail(line_, "a point without digits, expected a number");
+    fail(here(), "a point without digits, expected a number");
   }
   const auto length = static_cast<std::size_t>(end - begin);
   if (error == std::errc::result_out_of_range) {
-    fail(line_, "the number " + std::string(text_.substr(position_, std::min(length, kMaxShown))) +
-                    " is out of range, expected a size from 2.3e-308 to 1.7e308");
+    fail(here(), "the number " + std::string(text_.substr(position_, std::min(length, kMaxShown))) +
+                     " is out of range, expected a size from 2.3e-308 to 1.7e308");
   }
   position_ += length;
   return value;
@@ -174,6 +194,7 @@ double LpTokens::scanNumber() {
 
 void LpTokens::scanName() {
   const std::size_t begin = position_;
+  const LpPosition place = here();
   while (more()) {
     if (isOpen(at())) {
       scanNameBracket(begin);
@@ -185,7 +206,7 @@ void LpTokens::scanName() {
   }
   const std::string_view name = text_.substr(begin, position_ - begin);
   if (name.size() > kMaxName) {
-    fail(line_, "the name " + shown(name) + " has " + std::to_string(name.size()) +
+    fail(place, "the name " + shown(name) + " has " + std::to_string(name.size()) +
                     " characters, expected at most " + std::to_string(kMaxName));
   }
 }
@@ -198,20 +219,20 @@ void LpTokens::scanNameBracket(std::size_t begin) {
     const std::string_view name = text_.substr(begin, position_ - begin);
     if (labels.inQuotes()) {
       if (isControl(c)) {
-        fail(line_, "the quote in the name " + shown(name) +
-                        " is not closed, expected it closed on the same line");
+        fail(here(), "the quote in the name " + shown(name) +
+                         " is not closed, expected it closed on the same line");
       }
     } else if (c == '\n') {
-      fail(line_, "the bracket in the name " + shown(name) + " is not closed, expected \"" +
-                      closing + "\" on the same line");
+      fail(here(), "the bracket in the name " + shown(name) + " is not closed, expected \"" +
+                       closing + "\" on the same line");
     } else if (c == ' ' || isControl(c)) {
-      fail(line_, "a blank in the name " + shown(name) +
-                      ", expected none but between quotes in its bracket");
+      fail(here(), "a blank in the name " + shown(name) +
+                       ", expected none but between quotes in its bracket");
     }
     if (labels.take(c) != ztb::LabelScanner::Char::end) continue;
     if (c != closing) {
-      fail(line_, "the name " + shown(name) + " ends with " + shown({&c, 1}) + ", expected \"" +
-                      closing + "\"");
+      fail(here(), "the name " + shown(name) + " ends with " + shown({&c, 1}) + ", expected \"" +
+                       closing + "\"");
     }
     ++position_;
     return;

@@ -2,12 +2,14 @@
 //
 // A comment goes from a backslash to the end of its line. A name takes in a bracket that follows it
 // at once, up to the closing one: x[seville,oslo], buy('Wheat Flour (Enriched)'). A bracket after a
-// blank or an operator is a token of its own. The text stays the caller's and has to outlive the
-// tokens.
+// blank or an operator is a token of its own. Tokens end with an "End" that starts a line and that
+// no colon follows: what stands behind it is not looked at. The text stays the caller's and has to
+// outlive the tokens.
 #ifndef ZTB_PROVIDERS_MODEL_LP_TOKENS_H_
 #define ZTB_PROVIDERS_MODEL_LP_TOKENS_H_
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -30,11 +32,17 @@ enum class LpTokenKind {
   end
 };
 
+// A place in the file; both count from 1, columns in bytes.
+struct LpPosition {
+  std::size_t line = 1;
+  std::size_t column = 1;
+};
+
 struct LpToken {
   LpTokenKind kind = LpTokenKind::end;
   std::string_view text;
   double number = 0;
-  std::size_t line = 1;
+  LpPosition position;
   bool startsLine = false;
 };
 
@@ -50,9 +58,12 @@ class LpTokens {
   LpToken take();
   bool takeIf(LpTokenKind kind);
 
-  // Throws ModelError "file:line: text".
-  [[noreturn]] void fail(std::size_t line, const std::string& text) const;
-  // Throws ModelError "file:line: found <next token>, expected <what>".
+  // Where something but blanks and comments stands behind End.
+  [[nodiscard]] const std::optional<LpPosition>& behindEnd() const { return behindEnd_; }
+
+  // Throws ModelError "file:line:column: text".
+  [[noreturn]] void fail(LpPosition position, const std::string& text) const;
+  // Throws ModelError "file:line:column: found <next token>, expected <what>".
   [[noreturn]] void failExpecting(const std::string& what) const;
 
  private:
@@ -60,8 +71,10 @@ class LpTokens {
   [[nodiscard]] char at(std::size_t ahead = 0) const {
     return position_ + ahead < text_.size() ? text_[position_ + ahead] : '\n';
   }
+  [[nodiscard]] LpPosition here() const { return {line_, position_ - lineBegin_ + 1}; }
   void skipBlanks();
   LpToken scan();
+  void endHere();
   LpTokenKind scanOperator();
   double scanNumber();
   void scanName();
@@ -71,7 +84,9 @@ class LpTokens {
   std::string_view text_;
   std::size_t position_ = 0;
   std::size_t line_ = 1;
+  std::size_t lineBegin_ = 0;
   bool startsLine_ = true;
+  std::optional<LpPosition> behindEnd_;
   LpToken next_;
   LpToken second_;
 };

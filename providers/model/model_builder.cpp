@@ -36,43 +36,47 @@ std::string inRange(const std::string& what, int number, std::size_t count) {
 // Adds a row or column with a name that is free, both or neither: room is made before the name is
 // taken, so that nothing can fail behind it. Gives its number.
 template <typename Item>
-int append(std::vector<Item>& items, Item item, std::unordered_set<std::string>& names,
-           const std::string& what) {
+int append(std::vector<Item>& items, Item item, NameIndex<>& names, const std::string& what) {
   if (items.size() >= kMaxCount) throw ModelError("the model has as many " + what + "s as it can");
   if (items.size() == items.capacity()) items.reserve(2 * items.size() + 1);
-  if (!names.insert(item.name).second) {
+  const int number = static_cast<int>(items.size());
+  if (names.enter(items, item.name, number) != number) {
     throw ModelError(what + " \"" + item.name + "\" stands twice");
   }
   items.push_back(std::move(item));
-  return static_cast<int>(items.size()) - 1;
+  return number;
+}
+
+template <typename Items>
+void enterAll(const Items& items, std::size_t first, NameIndex<>& names, const std::string& what) {
+  for (std::size_t i = first; i < items.size(); ++i) {
+    const int number = static_cast<int>(i);
+    if (names.enter(items, items[i].name, number) == number) continue;
+    throw ModelError(what + " \"" + items[i].name + "\" stands twice");
+  }
 }
 
 }  // namespace
 
 ModelBuilder::ModelBuilder(ModelData data) : data_(std::move(data)) {
-  for (const ColumnData& column : data_.columns) {
-    if (!columnNames_.insert(column.name).second) {
-      throw ModelError("column \"" + column.name + "\" stands twice");
-    }
-  }
-  for (const RowData& row : data_.rows) {
-    if (!rowNames_.insert(row.name).second)
-      throw ModelError("row \"" + row.name + "\" stands twice");
-  }
+  enterAll(data_.columns, 0, columnNames_, "column");
+  enterAll(data_.rows, 1, rowNames_, "row");
+  checkFreeRow(data_.rows.front().name);
 }
 
 void ModelBuilder::setObjective(const char* name, bool maximize, double constant) {
   std::string wanted = checkedName(name, "the objective");
   checkFinite(constant, "the objective's constant");
-  std::string& present = data_.rows.front().name;
-  rowNames_.insert(present);
-  if (wanted != present && !rowNames_.insert(wanted).second) {
-    throw ModelError("row \"" + wanted + "\" stands twice");
-  }
-  if (wanted != present) rowNames_.erase(present);
-  present = std::move(wanted);
+  checkFreeRow(wanted);
+  data_.rows.front().name = std::move(wanted);
   data_.maximize = maximize;
   data_.objectiveConstant = constant;
+}
+
+// Whether no row but the objective has the name.
+void ModelBuilder::checkFreeRow(const std::string& name) const {
+  if (rowNames_.find(data_.rows, name) == NameIndex<>::kNone) return;
+  throw ModelError("row \"" + name + "\" stands twice");
 }
 
 int ModelBuilder::addColumn(const char* name, int kind, double lower, double upper) {
@@ -103,7 +107,9 @@ int ModelBuilder::addRow(const char* name, int type, double rhs, double range) {
     throw ModelError("row \"" + row.name +
                      "\": a range is 0, or above 0 for a >= or <= row, and finite");
   }
-  rowNames_.insert(data_.rows.front().name);
+  if (row.name == data_.rows.front().name) {
+    throw ModelError("row \"" + row.name + "\" stands twice");
+  }
   return append(data_.rows, std::move(row), rowNames_, "row");
 }
 

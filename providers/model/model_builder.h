@@ -3,9 +3,9 @@
 #define ZTB_PROVIDERS_MODEL_MODEL_BUILDER_H_
 
 #include <string>
-#include <unordered_set>
 
 #include "providers/model/model_data.h"
+#include "providers/model/name_index.h"
 
 namespace lomu {
 
@@ -25,12 +25,13 @@ class ModelBuilder {
   [[nodiscard]] const ModelData& data() const { return data_; }
 
  private:
+  void checkFreeRow(const std::string& name) const;
   void checkRow(int row) const;
   void checkColumn(int column) const;
 
   ModelData data_;
-  std::unordered_set<std::string> columnNames_;
-  std::unordered_set<std::string> rowNames_;
+  NameIndex<> columnNames_;
+  NameIndex<> rowNames_;  // but for that of the objective, which may change
 };
 
 }  // namespace lomu

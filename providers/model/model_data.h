@@ -28,6 +28,7 @@ struct ColumnData {
 };
 
 // A range of 0 is none; otherwise a >= row ends at rhs + range and a <= row begins at rhs - range.
+// A negative one is that of a row which no point satisfies.
 struct RowData {
   std::string name;
   RowType type = RowType::free;

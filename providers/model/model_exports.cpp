@@ -13,6 +13,8 @@
 #include "providers/model/model_builder.h"
 #include "providers/model/model_error.h"
 #include "providers/model/model_file.h"
+#include "providers/model/model_shape.h"
+#include "providers/model/model_writer.h"
 #include "providers/model/status_texts.h"
 
 #define MODEL_EXPORT extern "C" [[gnu::visibility("default")]]
@@ -28,6 +30,7 @@ struct ztbModelRec {
   std::shared_ptr<Environment> environment = std::make_shared<Environment>();
   std::unique_ptr<Model> model;  // once it is built
   std::string message;
+  std::unique_ptr<lomu::ModelShape> shape;  // of the builder's model, while that stays as it is
 };
 
 namespace {
@@ -88,6 +91,7 @@ int added(ztbModel* model, const Add& add) noexcept {
   int number = -1;
   change(model, [&] {
     requireOpen(*model);
+    model->shape.reset();
     number = add(model->builder);
   });
   return number;
@@ -97,8 +101,17 @@ template <typename Body>
 int built(ztbModel* model, const Body& body) noexcept {
   return change(model, [&] {
     requireOpen(*model);
+    model->shape.reset();
     body(model->builder);
   });
+}
+
+const lomu::ModelShape& shapeOf(ztbModel& model) {
+  requireOpen(model);
+  if (model.shape == nullptr) {
+    model.shape = std::make_unique<lomu::ModelShape>(model.builder.data());
+  }
+  return *model.shape;
 }
 
 // A model of a file, of none for a null `file`.
@@ -175,6 +188,7 @@ MODEL_EXPORT void* ztbModelPbi(ztbModel* model) {
     if (model->model != nullptr) return;
     model->model = std::make_unique<Model>(model->builder.data(), model->environment);
     model->builder = ModelBuilder();
+    model->shape.reset();
     model->model->message.swap(model->message);
   });
   return model == nullptr ? nullptr : model->model.get();
@@ -247,6 +261,33 @@ MODEL_EXPORT int ztbModelNoteCount(ztbModel* model) {
 MODEL_EXPORT const char* ztbModelNote(ztbModel* model, int number) {
   if (number < 0 || number >= ztbModelNoteCount(model)) return "";
   return notesOf(*model)[static_cast<std::size_t>(number)].c_str();
+}
+
+MODEL_EXPORT int ztbModelGetSize(ztbModel* model, ztbModelSize* size) {
+  return change(model, [&] {
+    if (size == nullptr) throw ModelError("there is no place for the size");
+    *size = shapeOf(*model).size;
+  });
+}
+
+MODEL_EXPORT int ztbModelGetFamily(ztbModel* model, int number, ztbModelFamily* family) {
+  return change(model, [&] {
+    if (family == nullptr) throw ModelError("there is no place for the family");
+    const auto& families = shapeOf(*model).families;
+    if (number < 0 || static_cast<std::size_t>(number) >= families.size()) {
+      throw ModelError("there is no family " + std::to_string(number) + ", the model has " +
+                       std::to_string(families.size()));
+    }
+    *family = families[static_cast<std::size_t>(number)];
+  });
+}
+
+MODEL_EXPORT int ztbModelWrite(ztbModel* model, const char* file) {
+  return change(model, [&] {
+    if (file == nullptr || *file == '\0') throw ModelError("no file to write was named");
+    requireOpen(*model);
+    lomu::writeModelFile(model->builder.data(), file);
+  });
 }
 
 MODEL_EXPORT int ztbCatalogueCheck(const char* file, char* message, int messageSize) {

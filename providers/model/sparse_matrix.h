@@ -19,6 +19,9 @@ struct SparseMatrix {
 
   // The entry of a place that exists.
   [[nodiscard]] std::size_t entry(int row, int column) const;
+
+ private:
+  std::size_t gather(std::size_t begin, std::size_t end, std::size_t to);
 };
 
 }  // namespace lomu

@@ -22,6 +22,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       require(product.column1, model.columns);
       require(product.column2, model.columns);
     }
+    for (const auto& set : model.sets) {
+      for (const auto& member : set.members) require(member.column, model.columns);
+    }
   } catch (const lomu::ModelError& error) {
     if (!std::string_view(error.what()).starts_with("f:")) std::abort();
   }

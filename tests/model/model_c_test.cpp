@@ -5,6 +5,8 @@
 
 #include <array>
 #include <cmath>
+#include <cstdio>
+#include <fstream>
 #include <limits>
 #include <string>
 
@@ -158,6 +160,93 @@ TEST_F(ModelC, TellsChangedNames) {
   EXPECT_STREQ(ztbModelNote(model_, 0), "variable \"x.1\" of dimension 0 is called \"x_1\"");
   EXPECT_STREQ(ztbModelNote(model_, 1), "");
   EXPECT_STREQ(ztbModelNote(model_, -1), "");
+}
+
+// 3 x[a] + 0.5 x[b] with x[a] + 4 x[b] <= 7 and a product of the two.
+TEST_F(ModelC, TellsItsSizeAndFamilies) {
+  ztbModelAddColumn(model_, "x[a]", ztbColumnContinuous, 0, 20);
+  ztbModelAddColumn(model_, "x[b]", ztbColumnInteger, -2, kInf);
+  ztbModelAddRow(model_, "limit", ztbRowLessOrEqual, 7, 0);
+  ztbModelAddTerm(model_, 0, 0, 3);
+  ztbModelAddTerm(model_, 0, 1, 0.5);
+  ztbModelAddTerm(model_, 1, 0, 1);
+  ztbModelAddTerm(model_, 1, 1, -4);
+  ztbModelAddProduct(model_, 1, 0, 1, 8);
+  ztbModelSize size{};
+  ASSERT_EQ(ztbModelGetSize(model_, &size), 1) << message();
+  EXPECT_EQ(size.columns, 2);
+  EXPECT_EQ(size.integers, 1);
+  EXPECT_EQ(size.binaries, 0);
+  EXPECT_EQ(size.rows, 1);
+  EXPECT_EQ(size.terms, 4);
+  EXPECT_EQ(size.products, 1);
+  EXPECT_EQ(size.families, 3);
+  EXPECT_EQ(size.smallest, 0.5);
+  EXPECT_EQ(size.largest, 8);
+  ztbModelFamily family{};
+  ASSERT_EQ(ztbModelGetFamily(model_, 0, &family), 1);
+  EXPECT_STREQ(family.name, "x");
+  EXPECT_EQ(family.isRow, 0);
+  EXPECT_EQ(family.dimension, 1);
+  EXPECT_EQ(family.count, 2);
+  EXPECT_EQ(family.kind, -1);
+  EXPECT_EQ(family.entries, 5);
+  EXPECT_EQ(family.smallestSide, 2);
+  EXPECT_EQ(family.largestSide, 20);
+  ASSERT_EQ(ztbModelGetFamily(model_, 2, &family), 1);
+  EXPECT_STREQ(family.name, "limit");
+  EXPECT_EQ(family.isRow, 1);
+  EXPECT_EQ(family.kind, ztbRowLessOrEqual);
+  EXPECT_EQ(family.entries, 3);
+  EXPECT_EQ(family.largest, 8);
+  EXPECT_EQ(ztbModelGetFamily(model_, 3, &family), 0);
+  EXPECT_EQ(message(), "there is no family 3, the model has 3");
+  ztbModelAddColumn(model_, "y", ztbColumnContinuous, 0, 1);
+  ASSERT_EQ(ztbModelGetSize(model_, &size), 1);
+  EXPECT_EQ(size.families, 4) << "counted afresh when the model has changed";
+  ASSERT_NE(ztbModelPbi(model_), nullptr);
+  EXPECT_EQ(ztbModelGetSize(model_, &size), 0);
+  EXPECT_EQ(message(), "the model is in use and cannot be built further");
+}
+
+TEST_F(ModelC, WritesAFileThatOpens) {
+  ztbModelAddColumn(model_, "x", ztbColumnContinuous, 0.1, 20);
+  ztbModelAddTerm(model_, 0, 0, 3);
+  const std::string file = testing::TempDir() + "ztb_model_c_test.mps";
+  ASSERT_EQ(ztbModelWrite(model_, file.c_str()), 1) << message();
+  ztbModel* read = nullptr;
+  std::array<char, 256> text{};
+  ASSERT_EQ(ztbModelOpen(&read, file.c_str(), nullptr, text.data(), 256), 1) << text.data();
+  ztbModelFamily family{};
+  EXPECT_EQ(ztbModelGetFamily(read, 0, &family), 1);
+  EXPECT_EQ(family.smallestSide, 0.1);
+  ztbModelFree(&read);
+  std::remove(file.c_str());
+  EXPECT_EQ(ztbModelWrite(model_, ""), 0);
+  EXPECT_EQ(message(), "no file to write was named");
+}
+
+TEST(ModelCNotes, OfTheReadingComeBeforeThoseOfTheDictionary) {
+  const std::string file = testing::TempDir() + "ztb_model_c_notes.lp";
+  const std::string log = file + ".log";
+  std::ofstream(file) << "min x.1\nend\nrest\n";
+  ztbModel* model = nullptr;
+  ASSERT_EQ(ztbModelOpen(&model, file.c_str(), nullptr, nullptr, 0), 1);
+  ASSERT_EQ(ztbModelNoteCount(model), 1);
+  const std::string note = file + ":3:1: what stands behind End is passed over";
+  EXPECT_EQ(ztbModelNote(model, 0), note);
+  ztbModelSetOption(model, "LogFile", log.c_str());
+  ASSERT_NE(ztbModelPbi(model), nullptr);
+  ASSERT_EQ(ztbModelNoteCount(model), 2);
+  EXPECT_EQ(ztbModelNote(model, 0), note);
+  EXPECT_STREQ(ztbModelNote(model, 1), "variable \"x.1\" of dimension 0 is called \"x_1\"");
+  std::ifstream in(log);
+  std::string line;
+  std::getline(in, line);
+  EXPECT_EQ(line, note);
+  ztbModelFree(&model);
+  std::remove(file.c_str());
+  std::remove(log.c_str());
 }
 
 TEST(ModelCWithoutModel, RefusesQuietly) {

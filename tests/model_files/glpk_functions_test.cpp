@@ -20,7 +20,7 @@ std::string refusal(const std::string& library) {
 
 TEST(GlpkFunctionsTest, MissingLibraryIsToldWithItsPackage) {
   EXPECT_EQ(
-      "MPS and MathProg files are read by GLPK (package libglpk40), which cannot be opened: "
+      "MathProg files are read by GLPK (package libglpk40), which cannot be opened: "
       "libnosuchglpk.so.40: cannot open shared object file: No such file or directory",
       refusal("libnosuchglpk.so.40"));
 }

@@ -11,8 +11,10 @@ namespace {
 using modelfiles::columnNames;
 using modelfiles::columnText;
 using modelfiles::lp;
+using modelfiles::notesText;
 using modelfiles::rowNames;
 using modelfiles::rowText;
+using modelfiles::setText;
 
 TEST(LpForm, objectiveRowsAndNamesInOrderOfAppearance) {
   const auto model =
@@ -54,12 +56,70 @@ TEST(LpForm, keywordsMayFollowOtherTextOnlyOnANewLine) {
   EXPECT_EQ("1 x >= 1", rowText(lp("min x\nst\nend: x >= 1"), "end"));
 }
 
-TEST(LpForm, endMayBeMissing) {
-  EXPECT_EQ("1 x >= 1", rowText(lp("min x\nst\nx >= 1"), "R1"));
+TEST(LpForm, whatStandsBehindEndIsPassedOverWithANote) {
+  const auto model = modelfiles::wholeLp("min x\nst\nx >= 1\nEnd\n\\ remark\n\n  <\x01 rubbish");
+  EXPECT_EQ("1 x >= 1", rowText(model, "R1"));
+  EXPECT_EQ("m.lp:7:3: what stands behind End is passed over\n", notesText(model));
+  EXPECT_EQ("", notesText(modelfiles::wholeLp("min x\nend\n \\ remark\n")));
 }
 
 TEST(LpForm, rowsWithoutNameAreNamedByPosition) {
   EXPECT_EQ("objective R1 c R3", rowNames(lp("min x\nst\nx >= 1\nc: x <= 4\nx <= 5\nend")));
+}
+
+TEST(LpForm, aLabelMayBeTheNameOfARowWithout) {
+  const auto model = lp("min x\nst\nx >= 1\nR1: x <= 4\nR3: x <= 5\nx <= 6\nR4: x <= 7");
+  EXPECT_EQ("objective R1_ R1 R3 R4_ R4", rowNames(model));
+  EXPECT_EQ("1 x >= 1", rowText(model, "R1_"));
+  EXPECT_EQ("1 x <= 6", rowText(model, "R4_"));
+}
+
+// 3 <= 5 always holds, 5 <= 3 never.
+TEST(LpForm, rowsOfConstantsAreRowsWithoutTerms) {
+  const auto model = lp("min x\nst\na: 3 <= 5\nb: 5 <= 3\nc: 2 = 2\nd: 1 <= 2 <= 3");
+  EXPECT_EQ(" <= 2", rowText(model, "a"));
+  EXPECT_EQ(" <= -2", rowText(model, "b"));
+  EXPECT_EQ(" = 0", rowText(model, "c"));
+  EXPECT_EQ("-1 <=  <= 1", rowText(model, "d"));
+}
+
+TEST(LpForm, contradictingBoundsAreTheModels) {
+  const auto model = lp("min x\nst\nc: 5 <= x + y <= 3\nbounds\n4 <= x <= 3");
+  EXPECT_EQ("5 <= 1 x + 1 y <= 3", rowText(model, "c"));
+  EXPECT_EQ("4 <= x <= 3", columnText(model, "x"));
+}
+
+TEST(LpForm, variablesOfBoundsAndKindsAloneAreTakenWithANote) {
+  const auto model = lp("min x\nbounds\n y <= 3\nbin\n b\ngen\n i");
+  EXPECT_EQ("x y b i", columnNames(model));
+  EXPECT_EQ("0 <= y <= 3", columnText(model, "y"));
+  EXPECT_EQ("0 <= b <= 1 binary", columnText(model, "b"));
+  EXPECT_EQ("0 <= i <= inf integer", columnText(model, "i"));
+  EXPECT_EQ(
+      "m.lp:3:2: the variable \"y\" stands in no row and not in the objective; it is taken all the "
+      "same (and 2 more)\n",
+      notesText(model));
+}
+
+TEST(LpForm, semiContinuousVariables) {
+  for (const std::string header : {"Semi-Continuous", "semi continuous", "SEMI", "semis"}) {
+    const auto model = lp("min x + y\nbounds\n2 <= x <= 9\ny <= 4\ngen\ny\n" + header + "\n x y");
+    EXPECT_EQ("2 <= x <= 9 or 0", columnText(model, "x")) << header;
+    EXPECT_EQ("0 <= y <= 4 integer or 0", columnText(model, "y")) << header;
+  }
+}
+
+TEST(LpForm, specialOrderedSets) {
+  const auto model =
+      lp("min x + y + z\nSOS\n one: S1 :: x : 3 y:1\n z : 2.5\n two: s2:: x:-1 y:0\n S1 :: z:1\n"
+         "sos2\n a: x:1 y:2\n b: S2 :: y:1\nsos1\n x:1 z:4");
+  ASSERT_EQ(6U, model.sets.size());
+  EXPECT_EQ("one: S1 :: x:3 y:1 z:2.5", setText(model, 0));
+  EXPECT_EQ("two: S2 :: x:-1 y:0", setText(model, 1));
+  EXPECT_EQ("S3: S1 :: z:1", setText(model, 2));
+  EXPECT_EQ("a: S2 :: x:1 y:2", setText(model, 3));
+  EXPECT_EQ("b: S2 :: y:1", setText(model, 4));
+  EXPECT_EQ("S6: S1 :: x:1 z:4", setText(model, 5));
 }
 
 TEST(LpForm, objectiveWithoutNameGivesWayToARow) {
@@ -232,6 +292,12 @@ TEST(LpForm, theLastOfSeveralBoundsHolds) {
 TEST(LpForm, binariesMayBeFixedByBounds) {
   EXPECT_EQ("1 <= x <= 1 binary", columnText(lp("min x\nbounds\nx = 1\nbin\nx"), "x"));
   EXPECT_EQ("0 <= x <= 0 binary", columnText(lp("min x\nbin\nx\nbounds\nx = 0"), "x"));
+}
+
+TEST(LpForm, boundsOfABinaryAreNarrowedTo0And1) {
+  EXPECT_EQ("0 <= x <= 1 binary", columnText(lp("min x\nbounds\nx <= 5\nbin\nx"), "x"));
+  EXPECT_EQ("0 <= x <= 1 binary", columnText(lp("min x\nbin\nx\nbounds\nx free"), "x"));
+  EXPECT_EQ("2 <= x <= 1 binary", columnText(lp("min x\nbin\nx\nbounds\nx >= 2"), "x"));
 }
 
 TEST(LpForm, binaryWinsOverInteger) {

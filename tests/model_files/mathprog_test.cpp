@@ -72,6 +72,15 @@ TEST_F(MathProg, dataFileGoesWithTheModel) {
   EXPECT_EQ(modelfiles::canonicalText(together), modelfiles::canonicalText(apart));
 }
 
+TEST_F(MathProg, dataFileTakesThePlaceOfTheModelsData) {
+  const auto model = lomu::readModelFile(write("m.mod", std::string(kModel) + kData),
+                                         write("m.dat",
+                                               "data;\nset I := bern;\nparam demand := bern 6;\n"
+                                               "end;\n"));
+  EXPECT_EQ("profit lim[bern] rng fix open", rowNames(model));
+  EXPECT_EQ("1 x[bern] <= 5", rowText(model, "lim[bern]"));
+}
+
 TEST_F(MathProg, modelWithoutObjective) {
   const auto model =
       lomu::readModelFile(write("m.mod", "var x >= 0;\ns.t. c: x >= 1;\nend;\n"), "");

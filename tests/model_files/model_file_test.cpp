@@ -28,7 +28,7 @@ class ModelFile : public testing::Test {
 };
 
 TEST_F(ModelFile, endingTellsTheReaderInAnyCase) {
-  EXPECT_EQ("min 1 x + 0", rowText(lomu::readModelFile(write("a.LP", "min x\n"), ""), 0));
+  EXPECT_EQ("min 1 x + 0", rowText(lomu::readModelFile(write("a.LP", "min x\nend\n"), ""), 0));
   EXPECT_EQ("min 1 x + 0",
             rowText(lomu::readModelFile(write("a.Mod", "var x; minimize o: x; end;\n"), ""), 0));
   const std::string mps = "NAME\nROWS\n N c\nCOLUMNS\n x c 1\nENDATA\n";
@@ -37,18 +37,19 @@ TEST_F(ModelFile, endingTellsTheReaderInAnyCase) {
 
 TEST_F(ModelFile, errorOfAnLpFileNamesFileAndLine) {
   const std::string file = write("a.lp", "min x\nst\nfoo\n");
-  EXPECT_EQ(file + ":4: found the end of the file, expected \"<=\", \">=\" or \"=\"",
+  EXPECT_EQ(file + ":4:1: found the end of the file, expected \"<=\", \">=\" or \"=\"",
             fileRefusal(file));
 }
 
 TEST_F(ModelFile, unknownEnding) {
-  for (const std::string name : {"a.txt", "a", ".lp", "a.lp.gz", "a.gz", "a.mps.zip", ""}) {
-    EXPECT_EQ(name + ": unknown ending, expected .lp, .mps, .mps.gz or .mod", fileRefusal(name));
+  for (const std::string name : {"a.txt", "a", ".lp", "a.mod.gz", "a.gz", "a.mps.zip", ""}) {
+    EXPECT_EQ(name + ": unknown ending, expected .lp, .lp.gz, .mps, .mps.gz or .mod",
+              fileRefusal(name));
   }
 }
 
 TEST_F(ModelFile, missingFile) {
-  for (const std::string name : {"a.lp", "a.mps", "a.mps.gz", "a.mod"}) {
+  for (const std::string name : {"a.lp", "a.lp.gz", "a.mps", "a.mps.gz", "a.mod"}) {
     const std::string file = folder_.file(name);
     EXPECT_EQ(file + ": No such file or directory, expected a file that can be read",
               fileRefusal(file));
@@ -68,20 +69,41 @@ TEST_F(ModelFile, noOrdinaryFile) {
 }
 
 TEST_F(ModelFile, emptyFile) {
-  for (const std::string name : {"a.lp", "a.mps", "a.mps.gz", "a.mod"}) {
+  for (const std::string name : {"a.lp", "a.lp.gz", "a.mps", "a.mps.gz", "a.mod"}) {
     const std::string file = write(name, "");
-    EXPECT_EQ(file + ":1: the file is empty, expected text", fileRefusal(file));
+    EXPECT_EQ(file + ":1:1: the file is empty, expected text", fileRefusal(file));
   }
 }
 
 TEST_F(ModelFile, fileNameTooLongForTheReader) {
   std::string file = folder_.path().string();
   while (file.size() < 1000) file += "/.";
-  file += "/a.mps";
-  write("a.mps", "NAME\nROWS\n N c\nCOLUMNS\n x c 1\nENDATA\n");
+  file += "/a.mod";
+  write("a.mod", "var x;\nend;\n");
   EXPECT_EQ(file + ": the file name has " + std::to_string(file.size()) +
                 " characters, expected at most 1000",
             fileRefusal(file));
+}
+
+TEST_F(ModelFile, packedFilesAreReadLikePlainOnes) {
+  write("a.lp", "min 2 x\nst\nc: x >= 1\nend\n");
+  ASSERT_EQ("", modelfiles::outputOf("gzip -k '" + folder_.file("a.lp") + "' 2>&1"));
+  EXPECT_EQ("min 2 x + 0", rowText(lomu::readModelFile(folder_.file("a.lp.gz"), ""), 0));
+}
+
+TEST_F(ModelFile, packedFileThatIsCutOffOrNotPackedIsRefused) {
+  std::string text = "min 0 x0\nst\n";
+  for (int i = 1; i < 5000; ++i) text += "x" + std::to_string(i * i) + " >= 1\n";
+  write("a.lp", text + "end\n");
+  const std::string file = folder_.file("a.lp.gz");
+  ASSERT_EQ("", modelfiles::outputOf("gzip -k '" + folder_.file("a.lp") + "' 2>&1"));
+  std::filesystem::resize_file(file, std::filesystem::file_size(file) / 2);
+  const std::string refusal = fileRefusal(file);
+  EXPECT_EQ(file + ": the packed file is damaged or cut off (",
+            refusal.substr(0, refusal.find('(') + 1));
+  write("b.lp.gz", text + "end\n");
+  EXPECT_EQ(folder_.file("b.lp.gz") + ": the file is not packed, expected what gzip writes",
+            fileRefusal(folder_.file("b.lp.gz")));
 }
 
 TEST_F(ModelFile, dataFileGoesWithMathProgOnly) {

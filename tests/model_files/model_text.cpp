@@ -45,6 +45,7 @@ std::string columnText(const ColumnData& column) {
       numberText(column.lower) + " <= " + column.name + " <= " + numberText(column.upper);
   if (column.kind == lomu::ColumnKind::integer) text += " integer";
   if (column.kind == lomu::ColumnKind::binary) text += " binary";
+  if (column.semiContinuous) text += " or 0";
   return text;
 }
 
@@ -70,11 +71,30 @@ std::string sumText(const ModelData& model, int row) {
 }  // namespace
 
 ModelData lp(const std::string& text) {
+  return lomu::readLp("m.lp", text + "\nend\n");
+}
+
+ModelData wholeLp(const std::string& text) {
   return lomu::readLp("m.lp", text);
 }
 
 std::string lpRefusal(const std::string& text) {
-  return refusal([&] { lp(text); });
+  return refusal([&] { wholeLp(text); });
+}
+
+std::string setText(const ModelData& model, std::size_t number) {
+  const lomu::OrderedSet& set = model.sets.at(number);
+  std::string text = set.name + ": S" + std::to_string(set.kind) + " ::";
+  for (const lomu::SetMember& member : set.members) {
+    text += " " + model.columns.at(member.column).name + ":" + numberText(member.weight);
+  }
+  return text;
+}
+
+std::string notesText(const ModelData& model) {
+  std::string text;
+  for (const std::string& note : model.notes) text += note + "\n";
+  return text;
 }
 
 std::string fileRefusal(const std::string& file, const std::string& dataFile) {
@@ -91,7 +111,8 @@ std::string rowText(const ModelData& model, int row) {
     case RowType::equal:
       return sum + " = " + numberText(data.rhs);
     case RowType::greaterOrEqual:
-      return sum + " >= " + numberText(data.rhs);
+      if (data.range == 0) return sum + " >= " + numberText(data.rhs);
+      return numberText(data.rhs) + " <= " + sum + " <= " + numberText(data.rhs + data.range);
     case RowType::lessOrEqual:
       if (data.range == 0) return sum + " <= " + numberText(data.rhs);
       return numberText(data.rhs - data.range) + " <= " + sum + " <= " + numberText(data.rhs);

@@ -31,6 +31,9 @@ void addCopyCommand(CommandLine& line);
 // ztb pivot FILE SYMBOL: a symbol as a two-way table.
 void addPivotCommand(CommandLine& line);
 
+// ztb model MODEL: what a model consists of.
+void addModelCommand(CommandLine& line);
+
 // ztb solve MODEL: solves a model, with data from a file and from the command line.
 void addSolveCommand(CommandLine& line);
 

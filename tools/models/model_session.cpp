@@ -12,8 +12,6 @@
 
 namespace tool {
 
-namespace {
-
 ztb::Model openModel(const std::string& file, const std::string& dataFile) {
   try {
     return ztb::Model::open(file, dataFile);
@@ -21,8 +19,6 @@ ztb::Model openModel(const std::string& file, const std::string& dataFile) {
     throw Failure(withFile(file, error.what()));
   }
 }
-
-}  // namespace
 
 ModelSession::ModelSession(const std::string& modelFile, const std::string& dataFile)
     : file_(modelFile), model_(openModel(modelFile, dataFile)), tie_(database_, model_) {}

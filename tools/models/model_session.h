@@ -11,6 +11,9 @@
 
 namespace tool {
 
+// Opens a model file; `dataFile` belongs to a .mod and may be empty. Throws Failure.
+ztb::Model openModel(const std::string& file, const std::string& dataFile);
+
 class ModelSession {
  public:
   // Opens a model file; `dataFile` belongs to a .mod and may be empty. Throws Failure.

@@ -1,0 +1,57 @@
+#include "providers/model/model_writer.h"
+
+#include <cmath>
+
+#include "providers/model/file_bounds.h"
+#include "providers/model/format_writers.h"
+#include "providers/model/lp_tokens.h"
+#include "providers/model/model_error.h"
+#include "providers/model/text_source.h"
+#include "providers/model/text_target.h"
+
+namespace lomu {
+
+namespace {
+
+void checkNumber(const std::string& file, double number, const std::string& what) {
+  if (std::abs(number) < kFileInfinity) return;
+  throw ModelError(file + ": " + what + " is " + std::to_string(number) +
+                   ", which model files take for infinite; expected a size below 1e30");
+}
+
+// What every format takes for something else.
+void checkNumbers(const ModelData& model, const std::string& file) {
+  const auto row = [&](int number) {
+    return shown(model.rows[static_cast<std::size_t>(number)].name);
+  };
+  checkNumber(file, model.objectiveConstant, "the constant of the objective");
+  for (const Term& term : model.terms) {
+    checkNumber(file, term.value, "a coefficient of row " + row(term.row));
+  }
+  for (const Product& product : model.products) {
+    checkNumber(file, 2 * product.value, "a coefficient of row " + row(product.row));
+  }
+  for (const RowData& data : model.rows) {
+    checkNumber(file, data.rhs, "the right-hand side of row " + shown(data.name));
+    checkNumber(file, data.range, "the range of row " + shown(data.name));
+  }
+}
+
+}  // namespace
+
+void writeModelFile(const ModelData& model, const std::string& file) {
+  const bool isLp = hasEnding(file, ".lp");
+  if (!isLp && !hasEnding(file, ".mps")) {
+    throw ModelError(file + ": unknown ending, expected .lp or .mps");
+  }
+  checkNumbers(model, file);
+  TextTarget target(file);
+  if (isLp) {
+    writeLp(model, file, target);
+  } else {
+    writeMps(model, file, target);
+  }
+  target.publish();
+}
+
+}  // namespace lomu

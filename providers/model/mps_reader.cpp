@@ -1,0 +1,399 @@
+#include "providers/model/mps_reader.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstddef>
+#include <initializer_list>
+#include <limits>
+#include <optional>
+#include <string_view>
+#include <utility>
+#include <vector>
+#include <ztb/case_folding.hpp>
+
+#include "providers/model/lp_tokens.h"
+#include "providers/model/mps_bounds.h"
+#include "providers/model/mps_extras.h"
+#include "providers/model/mps_model.h"
+
+namespace lomu {
+
+namespace {
+
+constexpr std::size_t kMaxCount = std::numeric_limits<int>::max();
+
+// The vector of a section whose lines count: the first that it names.
+class FirstVector {
+ public:
+  explicit FirstVector(std::string_view section) : section_(section) {}
+
+  // Whether the present line counts; `name` is that of its vector, in the field or left out.
+  bool takes(MpsModel& model, std::string_view name, std::size_t field) {
+    if (!std::exchange(seen_, true)) name_ = name;
+    if (name == name_) return true;
+    if (model.notes.count(section_)) return false;
+    model.notes.add(section_, model.lines.line(), model.lines.columnOf(field),
+                    "the vector " + shown(name) + " of " + std::string(section_) +
+                        " is passed over: the first, " + shown(name_) + ", counts");
+    return false;
+  }
+
+ private:
+  std::string_view section_;
+  bool seen_ = false;
+  std::string name_;
+};
+
+class MpsReader {
+ public:
+  MpsReader(const std::string& file, MpsFormat format)
+      : model_(file, format), lines_(model_.lines), data_(model_.data) {}
+
+  ModelData read() {
+    data_.rows[0].name.clear();
+    while (!over_) {
+      if (!lines_.next()) failAtEnd();
+      if (lines_.isHeader()) {
+        readHeader();
+      } else {
+        (this->*readData_)();
+      }
+    }
+    if (lines_.skipToText()) {
+      model_.notes.add("behind", lines_.line(), 1, "what stands behind ENDATA is passed over");
+    }
+    finish();
+    return std::move(data_);
+  }
+
+ private:
+  using Read = void (MpsReader::*)();
+  struct Section {
+    std::string_view name;
+    Read header;
+    Read data;
+    bool hasTypes;  // fixed format has a field for them
+  };
+
+  static std::optional<Section> sectionOf(std::string_view name) {
+    using R = MpsReader;
+    static constexpr std::array<Section, 14> kSections{{
+        {"NAME", &R::readNothing, &R::refuseData, false},
+        {"ROWS", &R::readNothing, &R::readRow, true},
+        {"COLUMNS", &R::readNothing, &R::readColumn, false},
+        {"RHS", &R::readNothing, &R::readRhs, false},
+        {"RANGES", &R::readNothing, &R::readRange, false},
+        {"BOUNDS", &R::readNothing, &R::readBound, true},
+        {"SOS", &R::readNothing, &R::readSet, true},
+        {"OBJSENSE", &R::readSenseOfHeader, &R::readSense, false},
+        {"OBJNAME", &R::readObjectiveOfHeader, &R::readObjective, false},
+        {"QUADOBJ", &R::beginTriangle, &R::readProduct, false},
+        {"QSECTION", &R::beginTriangle, &R::readProduct, false},
+        {"QMATRIX", &R::beginMatrix, &R::readProduct, false},
+        {"QCMATRIX", &R::beginMatrixOfRow, &R::readProduct, false},
+        {"ENDATA", &R::end, &R::refuseData, false},
+    }};
+    for (const Section& section : kSections) {
+      if (ztb::sameFolded(section.name, name)) return section;
+    }
+    return std::nullopt;
+  }
+
+  [[noreturn]] void failAtEnd() const {
+    const std::size_t line = lines_.line() + 1;
+    throw MpsError(lines_.file() + ":" + std::to_string(line) +
+                       ":1: found the end of the file, expected ENDATA",
+                   line);
+  }
+
+  void readHeader() {
+    const auto section = sectionOf(lines_[0]);
+    if (!section) {
+      lines_.failExpecting(0,
+                           "a section: NAME, OBJSENSE, OBJNAME, ROWS, COLUMNS, RHS, RANGES, "
+                           "BOUNDS, SOS, QUADOBJ, QMATRIX, QSECTION, QCMATRIX or ENDATA");
+    }
+    lines_.expectTypes(section->hasTypes);
+    readData_ = section->data;
+    (this->*section->header)();
+  }
+
+  void readNothing() {}
+  void end() { over_ = true; }
+  void refuseData() { lines_.failExpecting(0, "a section such as ROWS, in the first column"); }
+
+  void readSenseOfHeader() {
+    if (lines_.count() > 1) takeSense(1);
+  }
+  void readSense() { takeSense(lines_[0].empty() ? 1 : 0); }
+  void takeSense(std::size_t field) {
+    const std::string_view word = field < lines_.count() ? lines_[field] : std::string_view();
+    const auto isAny = [&](std::initializer_list<std::string_view> words) {
+      return std::any_of(words.begin(), words.end(),
+                         [&](std::string_view known) { return ztb::sameFolded(known, word); });
+    };
+    data_.maximize = isAny({"MAX", "MAXIMIZE", "MAXIMISE", "MAXIMUM"});
+    if (!data_.maximize && !isAny({"MIN", "MINIMIZE", "MINIMISE", "MINIMUM"})) {
+      lines_.failExpecting(field, "MAX or MIN");
+    }
+  }
+
+  void readObjectiveOfHeader() {
+    if (lines_.count() > 1) objectiveName_ = lines_[1];
+  }
+  void readObjective() { objectiveName_ = lines_[lines_[0].empty() ? 1 : 0]; }
+
+  void beginTriangle() { products_.beginTriangle(); }
+  void beginMatrix() { products_.beginMatrix(); }
+  void beginMatrixOfRow() { products_.beginMatrixOfRow(); }
+  void readProduct() { products_.read(); }
+  void readSet() { sets_.read(); }
+
+  void readRow() {
+    if (lines_.count() < 2 || lines_[1].empty()) lines_.failExpecting(1, "the name of a row");
+    model_.endAt(2);
+    RowData row{std::string(lines_[1])};
+    switch (lines_[0].size() == 1 ? ztb::foldedChar(lines_[0][0]) : ' ') {
+      case 'n':
+        break;
+      case 'e':
+        row.type = RowType::equal;
+        break;
+      case 'l':
+        row.type = RowType::lessOrEqual;
+        break;
+      case 'g':
+        row.type = RowType::greaterOrEqual;
+        break;
+      default:
+        lines_.failExpecting(0, "the type of a row: N, E, L or G");
+    }
+    const bool isObjective = row.type == RowType::free && !hasObjective_ &&
+                             (objectiveName_.empty() || objectiveName_ == row.name);
+    if (data_.rows.size() >= kMaxCount) lines_.fail(0, "the model has as many rows as it can");
+    const int number = isObjective ? 0 : static_cast<int>(data_.rows.size());
+    if (model_.rows.enter(data_.rows, row.name, number) != number) {
+      lines_.fail(1, "the row name " + shown(row.name) + " stands twice, expected another one");
+    }
+    hasObjective_ = hasObjective_ || isObjective;
+    if (isObjective) {
+      data_.rows[0].name = std::move(row.name);
+    } else {
+      data_.rows.push_back(std::move(row));
+    }
+  }
+
+  void readColumn() {
+    if (lines_.count() > 2 && lines_[1] == "'MARKER'") return readMarker();
+    if (data_.columns.empty() ||
+        lines_[0] != data_.columns[static_cast<std::size_t>(column_)].name) {
+      beginColumn();
+    }
+    if (lines_.count() < 2) lines_.failExpecting(1, "the name of a row");
+    dropComment();
+    model_.endAt(5);
+    const int number = column_;
+    for (std::size_t field = 1; field < lines_.count(); field += 2) {
+      const int row = model_.row(field);
+      const double value = model_.coefficient(field + 1);
+      if (data_.terms.size() >= kMaxCount) {
+        lines_.fail(field, "the model has as many coefficients as it can");
+      }
+      data_.terms.push_back({row, number, value});
+    }
+  }
+
+  void readMarker() {
+    const std::string_view word = lines_[lines_.count() - 1];
+    if (word == "'INTORG'") {
+      integers_ = true;
+    } else if (word == "'INTEND'") {
+      integers_ = false;
+    } else {
+      lines_.failExpecting(lines_.count() - 1, "'INTORG' or 'INTEND'");
+    }
+  }
+
+  void beginColumn() {
+    const std::string_view name = lines_[0];
+    if (name.empty()) lines_.failExpecting(0, "the name of a column");
+    if (data_.columns.size() >= kMaxCount) {
+      lines_.fail(0, "the model has as many columns as it can");
+    }
+    const int number = static_cast<int>(data_.columns.size());
+    column_ = model_.columns.enter(data_.columns, name, number);
+    if (column_ != number) {
+      constexpr std::string_view kSubject = "column in two blocks";
+      if (model_.notes.count(kSubject)) return;
+      model_.notes.add(kSubject, lines_.line(), lines_.columnOf(0),
+                       "the column " + shown(name) + " stands in two blocks, which are added");
+      return;
+    }
+    ColumnData column{std::string(name)};
+    if (integers_) column.kind = ColumnKind::integer;
+    data_.columns.push_back(std::move(column));
+  }
+
+  // In the third and the fifth place a '$' begins a comment, unless a row is called so.
+  void dropComment() {
+    for (std::size_t field = 1; field < lines_.count(); field += 2) {
+      if (!lines_[field].starts_with('$')) continue;
+      if (model_.rows.find(data_.rows, lines_[field]) != NameIndex<>::kNone) continue;
+      lines_.dropFrom(field);
+    }
+  }
+
+  // Calls take(row, value, field) for each pair of the line if its vector counts.
+  template <typename Take>
+  void readPairs(FirstVector& vector, const Take& take) {
+    const std::size_t begin = lines_.count() % 2;
+    const std::string_view name = begin == 1 ? lines_[0] : std::string_view();
+    if (lines_.count() < 2) lines_.failExpecting(lines_.count(), "a row and a number");
+    model_.endAt(4 + begin);
+    if (!vector.takes(model_, name, 0)) return;
+    for (std::size_t field = begin; field < lines_.count(); field += 2) {
+      take(model_.row(field), lines_.number(field + 1), field + 1);
+    }
+  }
+
+  void readRhs() {
+    readPairs(rhs_, [&](int row, double value, std::size_t field) {
+      RowData& data = data_.rows[static_cast<std::size_t>(row)];
+      if (row == 0) {
+        data_.objectiveConstant = 0 - model_.coefficient(field);
+        return;
+      }
+      const bool hasNone = data.type == RowType::equal         ? std::isinf(value)
+                           : data.type == RowType::lessOrEqual ? value == -kInfinity
+                                                               : value == kInfinity;
+      if (hasNone && data.type != RowType::free) {
+        lines_.fail(field, "row " + shown(data.name) +
+                               " has an infinite number where no value satisfies it, expected a "
+                               "size below 1e30");
+      }
+      data.rhs = value;
+    });
+  }
+
+  void readRange() {
+    readPairs(ranges_, [&](int row, double value, std::size_t field) {
+      const RowData& data = data_.rows[static_cast<std::size_t>(row)];
+      if (data.type == RowType::free || row == 0) {
+        constexpr std::string_view kSubject = "range of a free row";
+        if (model_.notes.count(kSubject)) return;
+        model_.notes.add(kSubject, lines_.line(), lines_.columnOf(field),
+                         "the range of the free row " + shown(data.name) + " is passed over");
+        return;
+      }
+      if (rangeOf_.empty()) rangeOf_.assign(data_.rows.size(), kNoRange);
+      rangeOf_[static_cast<std::size_t>(row)] = value;
+    });
+  }
+
+  // A type, a vector, a column and a number; the vector may be missing, and the number where the
+  // type needs none.
+  void readBound() {
+    const std::string_view type = lines_[0];
+    const auto value = MpsBounds::valueOf(type);
+    if (value == MpsBounds::Value::noType) {
+      lines_.failExpecting(0, "the type of a bound: UP, LO, FX, FR, MI, PL, BV, LI, UI, SC or SI");
+    }
+    const bool needed = value == MpsBounds::Value::needed;
+    std::size_t column = needed && lines_.count() < 4 ? 1 : 2;
+    if (!needed && (lines_.count() < 3 || (lines_.count() == 3 && !isColumn(2) && isColumn(1)))) {
+      column = 1;
+    }
+    model_.endAt(4);
+    const std::string_view name = column == 2 ? lines_[1] : std::string_view();
+    if (!vectorOfBounds_.takes(model_, name, 1)) return;
+    const int number = model_.column(column);
+    if (needed && column + 1 >= lines_.count()) lines_.failExpecting(column + 1, "a number");
+    bounds_.apply(lines_, type, number, column + 1);
+  }
+
+  [[nodiscard]] bool isColumn(std::size_t field) const {
+    return model_.columns.find(data_.columns, lines_[field]) != NameIndex<>::kNone;
+  }
+
+  void finish() {
+    if (!hasObjective_) nameObjective();
+    bounds_.settle();
+    for (std::size_t i = 1; i < rangeOf_.size(); ++i) applyRange(data_.rows[i], rangeOf_[i]);
+    for (RowData& row : data_.rows) {
+      if (std::isinf(row.rhs)) row = RowData{std::move(row.name)};
+      if (row.type == RowType::free) row.rhs = 0;
+    }
+    data_.notes = model_.notes.texts();
+  }
+
+  void nameObjective() {
+    if (!objectiveName_.empty()) {
+      throw ModelError(lines_.file() + ": there is no free row " + shown(objectiveName_) +
+                           ", which OBJNAME names",
+                       ZTB_ERROR_DAMAGED_FILE);
+    }
+    std::string& name = data_.rows[0].name;
+    name = "objective";
+    while (model_.rows.find(data_.rows, name) > 0) name += '_';
+  }
+
+  // A range widens the row by its size, to the side that the type leaves open; an = row to the side
+  // of its sign.
+  static void applyRange(RowData& row, double range) {
+    if (std::isnan(range)) return;
+    const double size = std::abs(range);
+    if (std::isinf(size)) {
+      if (row.type == RowType::equal) {
+        row.type = range > 0 ? RowType::greaterOrEqual : RowType::lessOrEqual;
+      }
+      return;
+    }
+    if (size == 0) {
+      row.type = RowType::equal;
+      return;
+    }
+    if (row.type == RowType::equal) {
+      row.type = range > 0 ? RowType::greaterOrEqual : RowType::lessOrEqual;
+    }
+    row.range = size;
+  }
+
+  static constexpr double kNoRange = std::numeric_limits<double>::quiet_NaN();
+
+  MpsModel model_;
+  MpsLines& lines_;
+  ModelData& data_;
+  MpsBounds bounds_{data_.columns, model_.notes};
+  MpsProducts products_{model_};
+  MpsSets sets_{model_};
+  FirstVector rhs_{"RHS"};
+  FirstVector ranges_{"RANGES"};
+  FirstVector vectorOfBounds_{"BOUNDS"};
+
+  Read readData_ = &MpsReader::refuseData;
+  bool over_ = false;
+  bool hasObjective_ = false;
+  std::string objectiveName_;  // as OBJNAME gives it
+  int column_ = 0;             // of the present block of COLUMNS
+  bool integers_ = false;      // between markers
+  std::vector<double> rangeOf_;
+};
+
+}  // namespace
+
+ModelData readMps(const std::string& file) {
+  std::optional<MpsError> free;
+  try {
+    return MpsReader(file, MpsFormat::free).read();
+  } catch (const MpsError& error) {
+    free = error;
+  }
+  try {
+    return MpsReader(file, MpsFormat::fixed).read();
+  } catch (const MpsError& error) {
+    throw error.line() > free->line() ? error : *free;
+  }
+}
+
+}  // namespace lomu
