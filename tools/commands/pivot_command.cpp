@@ -122,8 +122,10 @@ class PivotTable {
       partOf.insert(partOf.end(), parts[part].end - parts[part].begin, part);
     }
     std::vector<PivotGrid::Cell> cells = grid_->cells();
-    std::ranges::stable_sort(cells, {},
-                             [&](const PivotGrid::Cell& cell) { return partOf[cell.column]; });
+    if (parts.size() > 1) {
+      std::ranges::stable_sort(cells, {},
+                               [&](const PivotGrid::Cell& cell) { return partOf[cell.column]; });
+    }
 
     const std::string& text = symbol_.text;
     print(fmt::format("{} {}{}{}\n\n", typeWord(symbol_.type), signature(symbol_),

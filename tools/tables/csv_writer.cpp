@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <utility>
@@ -17,8 +18,8 @@ namespace {
 constexpr std::size_t pendingLimit = std::size_t{1} << 16U;
 
 bool needsQuotes(std::string_view text) {
-  return text.find_first_of(",\"\r\n") != std::string_view::npos || text.front() == ' ' ||
-         text.back() == ' ';
+  const auto parts = [](char c) { return c == ',' || c == '"' || c == '\r' || c == '\n'; };
+  return std::ranges::any_of(text, parts) || text.front() == ' ' || text.back() == ' ';
 }
 
 [[noreturn]] void failWrite(const std::string& name) {

@@ -26,9 +26,9 @@ class PivotSide {
   }
 
   // Takes the labels of a record. finish() makes the entries out of all that were taken, and gives
-  // the entry of each record.
+  // the entry of each record; labels are numbered up to labelCount.
   void take(std::span<const int> keys);
-  std::vector<std::size_t> finish();
+  std::vector<std::size_t> finish(std::size_t labelCount);
 
  private:
   std::vector<std::size_t> positions_;

@@ -17,6 +17,15 @@ constexpr std::size_t gap = 2;
 // Columns are not made narrower than this.
 constexpr std::size_t narrowest = 8;
 
+// Whether text is printable ASCII, as most is: it then stands as it is, each char in one place.
+bool isPlain(std::string_view text) {
+  bool plain = true;
+  for (const char c : text) {
+    plain &= c >= ' ' && c <= '~';
+  }
+  return plain;
+}
+
 }  // namespace
 
 TableStyle outputStyle(const std::optional<std::size_t>& width) {
@@ -35,8 +44,7 @@ void TablePrinter::measure(std::span<const std::string_view> cells) {
 }
 
 void TablePrinter::measure(std::size_t column, std::string_view cell) {
-  const std::size_t width =
-      ztb::isDisplayable(cell) ? displayWidth(cell) : displayWidth(printable(cell));
+  const std::size_t width = isPlain(cell) ? cell.size() : displayWidth(printable(cell));
   columns_[column].cells = std::max(columns_[column].cells, width);
   columns_[column].width = std::max(columns_[column].width, width);
 }
@@ -58,7 +66,7 @@ void TablePrinter::printHeader(std::FILE* out, const Part& part) {
   for (std::size_t cell = 0; cell < cells; ++cell) {
     const Column& column = columnOf(cell, part);
     const bool last = cell + 1 == cells;
-    appendCell(column, column.header, last);
+    appendCell(column, column.header, displayWidth(column.header), last);
     rule += std::string(column.width, '-');
     rule += last ? "" : std::string(gap, ' ');
   }
@@ -72,10 +80,11 @@ void TablePrinter::printRow(std::FILE* out, const Part& part,
   line_.clear();
   for (std::size_t cell = 0; cell < cells.size(); ++cell) {
     const bool last = cell + 1 == cells.size();
-    if (ztb::isDisplayable(cells[cell])) {
-      appendCell(columnOf(cell, part), cells[cell], last);
+    if (isPlain(cells[cell])) {
+      appendCell(columnOf(cell, part), cells[cell], cells[cell].size(), last);
     } else {
-      appendCell(columnOf(cell, part), printable(cells[cell]), last);
+      const std::string text = printable(cells[cell]);
+      appendCell(columnOf(cell, part), text, displayWidth(text), last);
     }
   }
   line_.erase(line_.find_last_not_of(' ') + 1);
@@ -150,11 +159,15 @@ std::vector<TablePrinter::Part> TablePrinter::parts(std::size_t leading) {
   return result;
 }
 
-void TablePrinter::appendCell(const Column& column, std::string_view text, bool last) {
-  const std::size_t width = displayWidth(text);
+void TablePrinter::appendCell(const Column& column, std::string_view text, std::size_t width,
+                              bool last) {
   if (width > column.width) {
     const std::string beginning = cutToWidth(text, column.width);
-    return appendCell(column, beginning, last);
+    return appendCell(column, beginning, displayWidth(beginning), last);
+  }
+  if (text.empty()) {
+    line_.append(last ? 0 : column.width + gap, ' ');
+    return;
   }
   const std::size_t padding = column.width - width;
   if (column.align == Align::right) {

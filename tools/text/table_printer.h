@@ -74,7 +74,8 @@ class TablePrinter {
   [[nodiscard]] std::size_t lineWidth() const;
   void fit();
   void narrowLeading();
-  void appendCell(const Column& column, std::string_view text, bool last);
+  // Appends displayable text that takes `width` places.
+  void appendCell(const Column& column, std::string_view text, std::size_t width, bool last);
   // The column of a cell: leading ones, then those from `begin` on.
   [[nodiscard]] const Column& columnOf(std::size_t cell, const Part& part) const {
     return columns_[cell < leading_ ? cell : part.begin + cell - leading_];
