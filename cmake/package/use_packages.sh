@@ -17,6 +17,11 @@ printed=$(ztb import diet.rxf --from foods.csv --set food \
   --parameter 'price(food) = price_cents_1939' --from requirements.csv --set nutrient \
   --from nutrition.csv --parameter 'nutrition(food, nutrient) = per_dollar')
 [ "$printed" = 'diet.rxf: 4 symbols, 86 labels, 733 records' ] || fail "ztb import printed: $printed"
+gzip -dc /usr/share/man/man1/ztb.1.gz | grep -q '^\.TH' || fail 'there is no manual page'
+for file in bash-completion/completions/ztb zsh/site-functions/_ztb \
+  fish/vendor_completions.d/ztb.fish doc/ztb/README.md doc/ztb/tutorial/data.md doc/ztb/copyright; do
+  [ -s "/usr/share/$file" ] || fail "there is no /usr/share/$file"
+done
 ztb show diet.rxf price --slice macaroni --csv | grep -qx 'Macaroni,14.1' ||
   fail 'the command shows no price of macaroni'
 if ztb solve diet.lp --solver clp >log 2>&1; then
