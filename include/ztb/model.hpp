@@ -170,13 +170,17 @@ class ModelTie {
 
   // Solves and gives the processor time that the solver took, in seconds. A solver that finds no
   // solution has solved: Model::status tells. Symbols of the model have the new solution
-  // afterwards.
+  // afterwards. The error of a solver that did not solve says so, and behind that what the library
+  // and the solver say.
   double solve(const ZString& solver) {
     double seconds = 0;
     if (c__ztbcallsolvertimed(database_->handle(), solver.c_str(), &seconds) == 0) {
+      if (database_->lastErrorKind() != ErrorKind::solver) {
+        fail("ztbCallSolverTimed", "");
+      }
       // Of a solver that failed the model knows more than the database.
-      const bool bySolver = database_->lastErrorKind() == ErrorKind::solver;
-      fail("ztbCallSolverTimed", bySolver ? model_->message() : "");
+      fail("ztbCallSolverTimed", model_->message(),
+           "solver " + std::string(solver.c_str()) + " did not solve the model: ");
     }
     return seconds;
   }
@@ -192,15 +196,16 @@ class ModelTie {
     ztbCatalogueCheck(file.c_str(), reason.data(), static_cast<int>(reason.size()));
     fail("ztbInitUpdate", reason.data());
   }
-  // The library's text, with `more` behind it where that says more.
-  [[noreturn]] void fail(const char* operation, const std::string& more) const {
+  // The library's text, with `more` behind it where that says more, and plain words in front.
+  [[noreturn]] void fail(const char* operation, const std::string& more,
+                         const std::string& plainly = "") const {
     std::string text = database_->lastError().str();
     if (more.starts_with(text)) {
       text = more;
     } else if (!more.empty()) {
       text += ": " + more;
     }
-    throw Error(operation, text, database_->lastErrorKind());
+    throw Error(operation, plainly + text, database_->lastErrorKind());
   }
 
   Database* database_;

@@ -1,6 +1,7 @@
 // How solves end: statuses told apart, refusals with their reasons, limits, terminate, the log.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <ztb/solver.h>
 
 #include <fstream>
 #include <limits>
@@ -89,10 +90,12 @@ INSTANTIATE_TEST_SUITE_P(All, LinearSolvers, testing::Values("clp", "glpk"),
 TEST(Refusals, ASolverThatDoesNotTakeTheKindOfModel) {
   ztb::Model integers = small(2, ztbColumnInteger);
   EXPECT_EQ(failure(integers, "clp"),
-            "readyapi failed: solver \"clp\" solves LP; the model is MIP");
+            "solver clp did not solve the model: readyapi failed: solver \"clp\" solves LP; the "
+            "model is MIP");
   ztb::Model products = small(2);
   products.addProduct(0, 0, 0, 1);
-  EXPECT_EQ(failure(products, "cbc"), "solver \"cbc\" solves LP, MIP; the model is QP");
+  EXPECT_EQ(failure(products, "cbc"),
+            "solver cbc did not solve the model: solver \"cbc\" solves LP, MIP; the model is QP");
 }
 
 TEST(Refusals, ASolverThatTheCatalogueDoesNotHave) {
@@ -118,6 +121,18 @@ TEST_F(Catalogues, ASolverWithoutItsLibraryOnlyDropsItsRow) {
   EXPECT_EQ(failure(model_, "gone"), "Invalid solver name: gone");
   EXPECT_EQ(failure(model_, "CLP"), "");
   EXPECT_EQ(model_.status(), ztbModelOptimal);
+}
+
+TEST_F(Catalogues, ALibraryOfAnotherVersionIsRefusedWithBothNamed) {
+  const std::string libraries = ZTB_PLAIN_SOLVERS;
+  for (const char* inPlace : {"yes", "no"}) {
+    write("older LP " + std::string(inPlace) + " " + libraries + "/libplain_older.so\n");
+    EXPECT_EQ(failure(model_, "older"),
+              "solver older did not solve the model: " + libraries +
+                  "/libplain_older.so has version 2 of the interface to solvers, expected "
+                  "version " +
+                  std::to_string(ztbSolverVersion));
+  }
 }
 
 TEST_F(Catalogues, ARowThatCannotBeReadIsNamedWithItsLine) {
