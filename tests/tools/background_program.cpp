@@ -83,14 +83,25 @@ std::vector<pid_t> BackgroundProgram::children() const {
 }
 
 pid_t BackgroundProgram::waitForChildBut(pid_t known) const {
-  siginfo_t ended{};
-  while (ended.si_pid == 0) {
+  while (!hasEnded()) {
     for (const pid_t child : children()) {
       if (child != known) return child;
     }
-    EXPECT_EQ(waitid(P_PID, static_cast<id_t>(process_), &ended, WEXITED | WNOHANG | WNOWAIT), 0);
   }
   return 0;
+}
+
+bool BackgroundProgram::waitForChildren(std::size_t count) const {
+  while (!hasEnded()) {
+    if (children().size() >= count) return true;
+  }
+  return false;
+}
+
+bool BackgroundProgram::hasEnded() const {
+  siginfo_t ended{};
+  EXPECT_EQ(waitid(P_PID, static_cast<id_t>(process_), &ended, WEXITED | WNOHANG | WNOWAIT), 0);
+  return ended.si_pid != 0;
 }
 
 void BackgroundProgram::kill() {

@@ -4,6 +4,7 @@
 
 #include <sys/types.h>
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -26,11 +27,15 @@ class BackgroundProgram {
   std::vector<pid_t> children() const;
   // Waits for a child that is not `known` and gives its process; 0 when the program has ended.
   pid_t waitForChildBut(pid_t known) const;
+  // Waits until it has `count` children at once; false when the program has ended.
+  bool waitForChildren(std::size_t count) const;
   void kill();
   // Waits for the end: the exit code, or minus the signal's number.
   int wait();
 
  private:
+  [[nodiscard]] bool hasEnded() const;
+
   pid_t process_ = -1;
   int watch_ = -1;
   // Becomes readable when the program and its children have ended.

@@ -120,8 +120,7 @@ TEST_F(SweepGuardTest, AWorkerThatTakesOverReadsNoOtherFile) {
   std::filesystem::rename(path("sc.rxf"), path("other"));
   makeScenarios(2, {1, 2});
   BackgroundProgram run(path("."), sweep({"--jobs", "2"}), "errors");
-  while (run.children().size() < 2) {
-  }
+  ASSERT_TRUE(run.waitForChildren(2)) << "the sweep ended without two workers";
   std::filesystem::rename(path("other"), path("sc.rxf"));
   ::kill(run.children().front(), SIGKILL);
   EXPECT_FALSE(run.waitForFile("out.rxf")) << "a part or a result";

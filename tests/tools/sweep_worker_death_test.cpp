@@ -67,9 +67,9 @@ TEST_F(SweepWorkerDeathTest, AStoppedWorkerDoesNotHoldTheSweep) {
   const ProcessorTimeLimit limit(60);
   // The worker of the endless scenario, stopped: nothing of it would ever end.
   BackgroundProgram run(path("."), sweep({"--stall", "5"}), "errors");
-  while (run.children().empty()) {
-  }
-  kill(run.children().front(), SIGSTOP);
+  const pid_t worker = run.waitForChildBut(0);
+  ASSERT_NE(worker, 0) << "the sweep ended without a worker";
+  kill(worker, SIGSTOP);
   EXPECT_EQ(run.wait(), 1);
   EXPECT_THAT(read("errors"), HasSubstr("solved nothing for 5 s (--stall) and was ended"));
   expectAllButFailed(3, {3});
