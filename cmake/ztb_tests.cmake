@@ -25,3 +25,38 @@ function(ztb_discover_tests target)
       PROPERTIES ENVIRONMENT "${environment}")
   endif()
 endfunction()
+
+# Compiles the `*_test.cpp` files of a program in groups, which takes less than half the time: what
+# they share of the test framework is made once a group. The unnamed namespace of each file becomes
+# one with a name, so that names of one file do not meet those of another.
+function(ztb_join_tests target)
+  get_target_property(sources ${target} SOURCES)
+  get_target_property(folder ${target} SOURCE_DIR)
+  set(tests ${sources})
+  list(FILTER tests INCLUDE REGEX "_test[.]cpp$")
+  list(LENGTH tests left)
+  if(left LESS 2)
+    return()
+  endif()
+  list(REMOVE_ITEM sources ${tests})
+  set(program [[
+    FNR == 1 { print "#line 1 \"" FILENAME "\""; ++file }
+    /^namespace [{]$/ { print "namespace joined_" group "_" file " {"; next }
+    { print }]])
+  set(number 0)
+  file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/joined)
+  while(left GREATER 0)
+    list(SUBLIST tests 0 8 group)
+    list(REMOVE_ITEM tests ${group})
+    list(TRANSFORM group PREPEND ${folder}/)
+    set(joined ${CMAKE_BINARY_DIR}/joined/${target}_${number}.cpp)
+    execute_process(COMMAND awk -v group=${number} "${program}" ${group} OUTPUT_FILE ${joined}.new
+      COMMAND_ERROR_IS_FATAL ANY)
+    configure_file(${joined}.new ${joined} COPYONLY)
+    set_property(DIRECTORY ${PROJECT_SOURCE_DIR} APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${group})
+    list(APPEND sources ${joined})
+    list(LENGTH tests left)
+    math(EXPR number "${number} + 1")
+  endwhile()
+  set_target_properties(${target} PROPERTIES SOURCES "${sources}")
+endfunction()
