@@ -13,6 +13,8 @@ set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME ztb)
 set(CPACK_PACKAGE_VENDOR "The ZTB authors")
 set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
+# Each package has a synopsis of its own; what the project is would come in front of it.
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_COMPONENTS_GROUPING IGNORE)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
@@ -73,11 +75,17 @@ ztb_package(command ztb math "command for data of models: import, show, compare,
   DESCRIPTION "${about_ztb}\nThis package holds its command."
   DEPENDS ${same_version}
   RECOMMENDS ztb-solvers)
-ztb_package(python python3-ztb python "in-memory database of indexed data for models, Python"
-  DESCRIPTION "${about_ztb}\nThis package holds the package for Python 3."
-  DEPENDS "${same_version}, python3 (>= ${Python3_VERSION_MAJOR}.${Python3_VERSION_MINOR}~), python3 (<< ${Python3_VERSION_MAJOR}.${Python3_VERSION_MINOR}.99), python3-numpy"
-  RECOMMENDS "python3-pandas, ztb-solvers"
-  CONTROL ${package_sources}/python3-ztb/postinst ${package_sources}/python3-ztb/prerm)
+# The extension module is for one version of Python.
+if(ZTB_BUILD_PYTHON)
+  string(REGEX MATCH "^([0-9]+)\\.([0-9]+)" python_version "${ZTB_PYTHON_VERSION}")
+  math(EXPR next_python "${CMAKE_MATCH_2} + 1")
+  set(next_python ${CMAKE_MATCH_1}.${next_python})
+  ztb_package(python python3-ztb python "in-memory database of indexed data for models, Python"
+    DESCRIPTION "${about_ztb}\nThis package holds the package for Python 3."
+    DEPENDS "${same_version}, python3 (>= ${python_version}~), python3 (<< ${next_python}~), python3-numpy"
+    RECOMMENDS "python3-pandas, ztb-solvers"
+    CONTROL ${package_sources}/python3-ztb/postinst ${package_sources}/python3-ztb/prerm)
+endif()
 ztb_package(solvers ztb-solvers math "solver libraries for ZTB: Clp, Cbc, GLPK, Ipopt"
   DESCRIPTION "${about_ztb}\nThis package holds what ties ZTB to the solvers."
   DEPENDS ${same_version}
