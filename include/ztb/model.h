@@ -72,6 +72,26 @@ enum {
 int ztbModelOpen(ztbModel** model, const char* file, const char* dataFile, char* message,
                  int messageSize);
 
+/* Records of a set or parameter for a MathProg model. `labels` has dimension entries a record, one
+ * record after the other; `values` an entry a record of a parameter, null for a set. */
+typedef struct ztbModelFill {
+  const char* name;
+  int isSet;
+  int dimension; /* of a set: of its elements */
+  long long count;
+  const char* const* labels;
+  const double* values;
+  int taken; /* set by the call: 1 if the model declares it */
+} ztbModelFill;
+
+/* As ztbModelOpen, with the records of `fills` in the place of the data that the model itself, or
+ * its data file, has for sets and parameters of these names, letters in any case. Fills of other
+ * names, and all of them for other kinds of files, are not taken. Labels that are spelled as
+ * numbers are numbers to the model. Refused: what the model computes itself, and values that are
+ * not finite. */
+int ztbModelOpenFilled(ztbModel** model, const char* file, const char* dataFile,
+                       ztbModelFill* fills, int fillCount, char* message, int messageSize);
+
 /* The kind of the latest failure of a function here in the calling thread, a ZTB_ERROR_ code of
  * ztb/errors.h; ZTB_ERROR_NONE before the first. A success does not clear it. */
 int ztbModelErrorKind(void);

@@ -17,6 +17,7 @@
 #include <ztb/model.h>
 
 #include <array>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -39,6 +40,17 @@ class Model {
     ztbModel* handle = nullptr;
     require(ztbModelOpen(&handle, file.c_str(), dataFile.c_str(), message.data(), kMessageSize),
             "ztbModelOpen", message);
+    return Model(handle);
+  }
+  // The same with records for the sets and parameters of a MathProg model, which are marked as
+  // taken where it declares them.
+  [[nodiscard]] static Model open(const ZString& file, const ZString& dataFile,
+                                  std::span<ztbModelFill> fills) {
+    Message message{};
+    ztbModel* handle = nullptr;
+    require(ztbModelOpenFilled(&handle, file.c_str(), dataFile.c_str(), fills.data(),
+                               static_cast<int>(fills.size()), message.data(), kMessageSize),
+            "ztbModelOpenFilled", message);
     return Model(handle);
   }
   Model(Model&& other) noexcept : handle_(std::exchange(other.handle_, nullptr)) {}

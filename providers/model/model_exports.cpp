@@ -5,6 +5,7 @@
 #include <exception>
 #include <memory>
 #include <new>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -115,8 +116,8 @@ const lomu::ModelShape& shapeOf(ztbModel& model) {
 }
 
 // A model of a file, of none for a null `file`.
-int make(ztbModel** model, const char* file, const char* dataFile, char* message,
-         int messageSize) noexcept {
+int make(ztbModel** model, const char* file, const char* dataFile, std::span<ztbModelFill> fills,
+         char* message, int messageSize) noexcept {
   copyText("", message, messageSize);
   return attempt(
       [&] {
@@ -125,7 +126,7 @@ int make(ztbModel** model, const char* file, const char* dataFile, char* message
         auto made = std::make_unique<ztbModelRec>();
         if (file != nullptr) {
           made->builder =
-              ModelBuilder(lomu::readModelFile(file, dataFile == nullptr ? "" : dataFile));
+              ModelBuilder(lomu::readModelFile(file, dataFile == nullptr ? "" : dataFile, fills));
         }
         *model = made.release();
       },
@@ -136,17 +137,24 @@ int make(ztbModel** model, const char* file, const char* dataFile, char* message
 
 MODEL_EXPORT int ztbModelOpen(ztbModel** model, const char* file, const char* dataFile,
                               char* message, int messageSize) {
+  return ztbModelOpenFilled(model, file, dataFile, nullptr, 0, message, messageSize);
+}
+
+MODEL_EXPORT int ztbModelOpenFilled(ztbModel** model, const char* file, const char* dataFile,
+                                    ztbModelFill* fills, int fillCount, char* message,
+                                    int messageSize) {
   if (model != nullptr) *model = nullptr;
   if (file == nullptr || *file == '\0') {
     latestErrorKind = ZTB_ERROR_REFUSED;
     copyText("no model file was named", message, messageSize);
     return 0;
   }
-  return make(model, file, dataFile, message, messageSize);
+  const auto count = static_cast<std::size_t>(fills == nullptr ? 0 : fillCount);
+  return make(model, file, dataFile, {fills, count}, message, messageSize);
 }
 
 MODEL_EXPORT int ztbModelCreate(ztbModel** model, char* message, int messageSize) {
-  return make(model, nullptr, nullptr, message, messageSize);
+  return make(model, nullptr, nullptr, {}, message, messageSize);
 }
 
 MODEL_EXPORT int ztbModelErrorKind() {

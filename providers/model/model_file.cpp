@@ -6,6 +6,8 @@
 
 #include "providers/model/glpk_reader.h"
 #include "providers/model/lp_reader.h"
+#include "providers/model/mathprog_fill.h"
+#include "providers/model/memory_file.h"
 #include "providers/model/model_error.h"
 #include "providers/model/mps_reader.h"
 #include "providers/model/text_source.h"
@@ -41,30 +43,51 @@ void checkNesting(const std::string& file, std::string_view text) {
   }
 }
 
-ModelData read(FileKind kind, const std::string& file, const std::string& dataFile) {
+ModelData readFilled(const std::string& file, const std::string& dataFile,
+                     std::span<ztbModelFill> fills) {
+  checkNesting(file, readText(file));
+  if (!dataFile.empty()) checkReadable(dataFile);
+  const std::string data = fills.empty() ? "" : filledData(file, dataFile, fills);
+  if (data.empty()) return readMathProg(file, dataFile);
+  const MemoryFile filled(data);
+  try {
+    return readMathProg(file, filled.path());
+  } catch (const ModelError& error) {
+    // The place in what was made up here tells nobody anything.
+    const std::string text = error.what();
+    if (!text.starts_with(filled.path())) throw;
+    const std::size_t place = text.find(": ", filled.path().size());
+    throw ModelError(file + ": the data that fill it: " +
+                         text.substr(place == std::string::npos ? 0 : place + 2),
+                     error.kind());
+  }
+}
+
+ModelData read(FileKind kind, const std::string& file, const std::string& dataFile,
+               std::span<ztbModelFill> fills) {
   switch (kind) {
     case FileKind::lp:
       return readLp(file, readText(file));
     case FileKind::mps:
       return readMps(file);
     default:
-      checkNesting(file, readText(file));
-      if (!dataFile.empty()) checkReadable(dataFile);
-      return readMathProg(file, dataFile);
+      return readFilled(file, dataFile, fills);
   }
 }
 
 }  // namespace
 
-ModelData readModelFile(const std::string& file, const std::string& dataFile) {
+ModelData readModelFile(const std::string& file, const std::string& dataFile,
+                        std::span<ztbModelFill> fills) {
   const FileKind kind = kindOf(file);
+  for (ztbModelFill& fill : fills) fill.taken = 0;
   if (kind != FileKind::mathProg && !dataFile.empty()) {
     throw ModelError(file +
                      ": this kind of model takes no data file, expected none beside it but " +
                      dataFile + " was given");
   }
   try {
-    return read(kind, file, dataFile);
+    return read(kind, file, dataFile, fills);
   } catch (const std::system_error& error) {
     throw ModelError(file + ": " + error.what());
   }

@@ -249,6 +249,33 @@ TEST(ModelCNotes, OfTheReadingComeBeforeThoseOfTheDictionary) {
   std::remove(log.c_str());
 }
 
+// x[a] >= 2 and x[b] >= 3, from outside; an LP file takes nothing.
+TEST(ModelCFills, MarksWhatTheModelTakes) {
+  const std::string file = testing::TempDir() + "ztb_model_c_fill.mod";
+  std::ofstream(file)
+      << "set I; param p{I};\nvar x{i in I} >= p[i];\nminimize o: sum{i in I} x[i];\n"
+         "end;\n";
+  const std::array<const char*, 2> labels{"a", "b"};
+  const std::array<double, 2> values{2, 3};
+  std::array<ztbModelFill, 3> fills{{{"I", 1, 1, 2, labels.data(), nullptr, 0},
+                                     {"P", 0, 1, 2, labels.data(), values.data(), 0},
+                                     {"q", 0, 1, 2, labels.data(), values.data(), 1}}};
+  ztbModel* model = nullptr;
+  std::array<char, 256> text{};
+  ASSERT_EQ(ztbModelOpenFilled(&model, file.c_str(), nullptr, fills.data(), 3, text.data(), 256), 1)
+      << text.data();
+  EXPECT_EQ(fills[0].taken, 1);
+  EXPECT_EQ(fills[1].taken, 1);
+  EXPECT_EQ(fills[2].taken, 0);
+  ztbModelFamily family{};
+  EXPECT_EQ(ztbModelGetFamily(model, 0, &family), 1);
+  EXPECT_EQ(family.count, 2);
+  EXPECT_EQ(family.smallestSide, 2);
+  EXPECT_EQ(family.largestSide, 3);
+  ztbModelFree(&model);
+  std::remove(file.c_str());
+}
+
 TEST(ModelCWithoutModel, RefusesQuietly) {
   EXPECT_EQ(ztbModelAddColumn(nullptr, "x", 0, 0, 1), -1);
   EXPECT_EQ(ztbModelPbi(nullptr), nullptr);

@@ -3,8 +3,11 @@
 #include <glpk.h>
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <string>
+#include <vector>
 
+#include "providers/model/model_error.h"
 #include "providers/model/model_file.h"
 #include "tests/model_files/model_text.h"
 #include "tests/support/temp_folder.h"
@@ -79,6 +82,111 @@ TEST_F(MathProg, dataFileTakesThePlaceOfTheModelsData) {
                                                "end;\n"));
   EXPECT_EQ("profit lim[bern] rng fix open", rowNames(model));
   EXPECT_EQ("1 x[bern] <= 5", rowText(model, "lim[bern]"));
+}
+
+class MathProgFill : public MathProg {
+ protected:
+  static ztbModelFill set(const char* name, const std::vector<const char*>& labels,
+                          int dimension = 1) {
+    return {name,          1,       dimension, static_cast<long long>(labels.size()) / dimension,
+            labels.data(), nullptr, 0};
+  }
+  static ztbModelFill parameter(const char* name, const std::vector<const char*>& labels,
+                                const std::vector<double>& values) {
+    return {name,
+            0,
+            static_cast<int>(labels.size() / values.size()),
+            static_cast<long long>(values.size()),
+            labels.data(),
+            values.data(),
+            0};
+  }
+  std::string refusalOf(const std::string& file, std::vector<ztbModelFill> fills) {
+    try {
+      lomu::readModelFile(file, "", fills);
+    } catch (const lomu::ModelError& error) {
+      return error.what();
+    }
+    return "not refused";
+  }
+};
+
+TEST_F(MathProgFill, takesThePlaceOfTheModelsOwnData) {
+  const std::vector<const char*> places{"bern", "o'hare \"x\""};
+  const std::vector<double> amounts{6, 0.1};
+  std::vector<ztbModelFill> fills{set("i", places), parameter("Demand", places, amounts),
+                                  parameter("other", places, amounts)};
+  const auto model = lomu::readModelFile(write("m.mod", std::string(kModel) + kData), "", fills);
+  EXPECT_EQ("profit lim[bern] lim['o''hare \"x\"'] rng fix open", rowNames(model));
+  EXPECT_EQ("1 x[bern] <= 5", rowText(model, "lim[bern]"));
+  EXPECT_EQ(1, fills[0].taken);
+  EXPECT_EQ(1, fills[1].taken);
+  EXPECT_EQ(0, fills[2].taken);
+}
+
+TEST_F(MathProgFill, leavesTheDataOfOtherSymbols) {
+  const std::vector<const char*> places{"a b", "oslo"};
+  const std::vector<double> amounts{8, 9};
+  std::vector<ztbModelFill> fills{parameter("demand", places, amounts)};
+  const std::string data =
+      "# demand;\ndata; set I := 'a b' oslo; param demand := 'a b' 3 oslo 4; end;\n";
+  const auto own = lomu::readModelFile(write("m.mod", std::string(kModel) + data), "", fills);
+  EXPECT_EQ("1 x['a b'] <= 7", rowText(own, "lim['a b']"));
+  EXPECT_EQ("1 x[oslo] <= 8", rowText(own, "lim[oslo]"));
+  const auto apart = lomu::readModelFile(write("m.mod", std::string(kModel) + "end;\n"),
+                                         write("m.dat", kData), fills);
+  EXPECT_EQ(modelfiles::canonicalText(own), modelfiles::canonicalText(apart));
+}
+
+// Years are numbers to the model; pairs, a scalar, and sets and parameters without records.
+TEST_F(MathProgFill, takesNumbersPairsScalarsAndNothing) {
+  const std::string text =
+      "set T; set L, dimen 2; set E default {}; param rate; param cap{T}; param none{T} default "
+      "3;\n"
+      "var x{t in T} >= 0;\nmaximize o: sum{t in T} x[t] + card(L) + card(E);\n"
+      "s.t. c{t in T}: x[t] <= cap[t] * rate + none[t] + t;\nend;\n";
+  const std::vector<const char*> years{"2030", "2031"};
+  const std::vector<const char*> pairs{"a", "b", "c", "d", "e", "f"};
+  const std::vector<double> caps{5, 7};
+  const std::vector<double> rate{0.5};
+  std::vector<ztbModelFill> fills{set("T", years),
+                                  set("L", pairs, 2),
+                                  set("E", {}),
+                                  parameter("cap", years, caps),
+                                  parameter("rate", {}, rate),
+                                  {"none", 0, 1, 0, nullptr, nullptr, 0}};
+  const auto model = lomu::readModelFile(write("m.mod", text), "", fills);
+  EXPECT_EQ("max 1 x[2030] + 1 x[2031] + 3", rowText(model, 0));
+  EXPECT_EQ("1 x[2030] <= 2035.5", rowText(model, "c[2030]"));
+}
+
+TEST_F(MathProgFill, refusesWhatCannotBeFilled) {
+  const std::vector<const char*> labels{"a"};
+  const std::vector<double> values{1};
+  const std::vector<double> infinite{std::numeric_limits<double>::infinity()};
+  const std::string file =
+      write("m.mod",
+            "set I := {'b'};\nparam p{I};\nparam q{I};\nvar x;\nminimize o: x;\ndata;\n"
+            "param: p q := b 1 2;\nend;\n");
+  EXPECT_EQ(file +
+                ": set \"I\" is computed by the model and cannot be filled, expected one without "
+                "\":=\"",
+            refusalOf(file, {set("I", labels)}));
+  EXPECT_EQ(file +
+                ": the data give \"p\" in one table with others, so that it cannot be replaced; "
+                "expected a statement of its own",
+            refusalOf(file, {parameter("p", labels, values)}));
+  EXPECT_EQ(file +
+                ": parameter \"p\" is to be filled with a value that is no finite number, "
+                "expected one",
+            refusalOf(file, {parameter("p", labels, infinite)}));
+  // In GLPK's words, with the line of the model where it met the value.
+  const std::string other = write("n.mod", "param p{1..2};\nvar x;\nminimize o: p[1] * x;\nend;\n");
+  EXPECT_EQ(other + ":3: p[a] out of domain", refusalOf(other, {parameter("p", labels, values)}));
+  const std::vector<const char*> pair{"a", "b"};
+  const std::string third = write("o.mod", "set I;\nvar x{I};\nminimize o: 0;\nend;\n");
+  const std::string told = third + ": the data that fill it: ";
+  EXPECT_EQ(told, refusalOf(third, {set("I", pair, 2)}).substr(0, told.size()));
 }
 
 TEST_F(MathProg, modelWithoutObjective) {

@@ -308,4 +308,39 @@ TEST_F(SolveTest, RefusesValuesThatAreNone) {
               {"solve", "t.lp", "--set", "rate[a]=na"});
 }
 
+// 2 units of a, 3 of b and 4 of c at 1, 10 and 100: 432. In the model's own data there is a alone.
+TEST_F(SolveTest, FillsTheSetsAndParametersOfAMathProgModel) {
+  write("m.mod",
+        "set Item; param need{Item}; param cost{Item};\nvar buy{i in Item} >= need[i];\n"
+        "minimize total: sum{i in Item} cost[i] * buy[i];\n"
+        "data;\nset Item := a;\nparam need := a 7;\nparam cost := a 1 b 10 c 100;\nend;\n");
+  ztb::Database database;
+  ztb::Symbol items = database.addSet("item", {"*"});
+  ztb::Symbol need = database.addParameter("Need", {"*"});
+  double amount = 2;
+  for (const char* const name : {"a", "b", "c"}) {
+    items.add(name);
+    need.add(name).setLevel(amount++);
+  }
+  database.addParameter("unknown", {}).add().setLevel(1);
+  database.write(path("d.rxf"));
+  const tooltest::Outcome outcome = ztb({"solve", "m.mod", "--data", "d.rxf"});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_NE(outcome.output.find("objective   432\n"), std::string::npos) << outcome.output;
+  EXPECT_EQ(outcome.errors,
+            "ztb: d.rxf: the model has no columns unknown_var for parameter unknown\n");
+  EXPECT_NE(ztbFine({"solve", "m.mod"}).find("objective   7\n"), std::string::npos);
+}
+
+TEST_F(SolveTest, RefusesToFillWithWhatIsNoNumber) {
+  write("m.mod", "param p;\nvar x >= p;\nminimize o: x;\nend;\n");
+  ztb::Database database;
+  database.addParameter("p", {}).add().setLevel(database.specialValues()[ZTB_NOT_AVAILABLE]);
+  database.write(path("d.rxf"));
+  expectFails(1,
+              "ztb: m.mod: parameter \"p\" is to be filled with a value that is no finite number, "
+              "expected one\n",
+              {"solve", "m.mod", "--data", "d.rxf"});
+}
+
 }  // namespace

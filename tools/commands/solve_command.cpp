@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdio>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -12,6 +13,7 @@
 #include "tools/commands/commands.h"
 #include "tools/commands/memory_option.h"
 #include "tools/commands/table_options.h"
+#include "tools/files/exchange_file.h"
 #include "tools/files/standard_streams.h"
 #include "tools/models/model_input.h"
 #include "tools/models/model_session.h"
@@ -109,14 +111,19 @@ void run(const SolveOptions& options) {
   OutputFile output(options.out);
   Progress progress;
   progress.step("reading " + options.model);
-  ModelSession session(options.model, options.modelData);
+  std::optional<ExchangeFile> data;
+  if (!options.data.empty()) data.emplace(options.data);
+  std::optional<ModelFills> fills;
+  if (data && takesFills(options.model)) fills.emplace(*data);
+  ModelFills* const filling = fills ? &*fills : nullptr;
+  ModelSession session(options.model, options.modelData, filling);
   session.reportNotes(options.notes);
   setOptions(session.model(), options.options);
   for (const std::string& name : options.shown) {
     (void)solvedSymbol(session, session.database(), name);
   }
   ModelInput input(session);
-  if (!options.data.empty()) input.applyFile(options.data);
+  if (data) input.applyFile(*data, filling);
   for (const std::string& setting : options.settings) input.applySetting(setting);
 
   const std::string solver = options.solver.empty() ? session.standardSolver() : options.solver;

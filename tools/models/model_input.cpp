@@ -71,13 +71,18 @@ ModelInput::ModelInput(ModelSession& session) : session_(session) {
 }
 
 void ModelInput::applyFile(const std::string& path) {
-  const ExchangeFile file(path);
+  applyFile(ExchangeFile(path), nullptr);
+}
+
+void ModelInput::applyFile(const ExchangeFile& file, const ModelFills* fills) {
+  const std::string& path = file.path();
   MemoryRoom room(file);
   std::vector<const FileSymbol*> parameters;
   std::vector<std::pair<const FileSymbol*, ztb::Symbol>> variables;
   std::vector<std::pair<const FileSymbol*, ztb::Symbol>> equations;
   for (const FileSymbol& source : file.symbols()) {
     if (source.isAlias() || source.type == ztb::Type::set) continue;
+    if (fills != nullptr && fills->took(source.name)) continue;
     if (source.type == ztb::Type::parameter) {
       if (session_.drives(source.name)) {
         room.take(source);

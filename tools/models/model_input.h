@@ -19,7 +19,9 @@ class ModelInput {
   // Applies an RXF file: bounds, levels and marginals of variables, levels and marginals of
   // equations, then parameters that drive columns. Other symbols, and records that meet no row or
   // column, are told on standard error. Throws Failure that names the file.
+  // What `fills`, unless null, gave to the model when it was opened is passed over.
   void applyFile(const std::string& path);
+  void applyFile(const ExchangeFile& file, const ModelFills* fills);
 
   // Applies "demand[oslo]=30": a parameter that drives columns, or a variable, which is fixed.
   // Throws UsageError for a text that cannot be read, Failure for what the model does not have.

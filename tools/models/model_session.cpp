@@ -12,16 +12,18 @@
 
 namespace tool {
 
-ztb::Model openModel(const std::string& file, const std::string& dataFile) {
+ztb::Model openModel(const std::string& file, const std::string& dataFile, ModelFills* fills) {
   try {
-    return ztb::Model::open(file, dataFile);
+    return fills == nullptr ? ztb::Model::open(file, dataFile)
+                            : ztb::Model::open(file, dataFile, fills->all());
   } catch (const ztb::Error& error) {
     throw Failure(withFile(file, error.what()));
   }
 }
 
-ModelSession::ModelSession(const std::string& modelFile, const std::string& dataFile)
-    : file_(modelFile), model_(openModel(modelFile, dataFile)), tie_(database_, model_) {}
+ModelSession::ModelSession(const std::string& modelFile, const std::string& dataFile,
+                           ModelFills* fills)
+    : file_(modelFile), model_(openModel(modelFile, dataFile, fills)), tie_(database_, model_) {}
 
 std::string ModelSession::standardSolver() {
   return solverOf(boundsCount_ ? model_.updatedKind() : model_.kind());

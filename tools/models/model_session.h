@@ -9,15 +9,20 @@
 #include <string>
 #include <ztb/model.hpp>
 
+#include "tools/models/model_fills.h"
+
 namespace tool {
 
-// Opens a model file; `dataFile` belongs to a .mod and may be empty. Throws Failure.
-ztb::Model openModel(const std::string& file, const std::string& dataFile);
+// Opens a model file; `dataFile` belongs to a .mod and may be empty, as does what fills its sets
+// and parameters. Throws Failure.
+ztb::Model openModel(const std::string& file, const std::string& dataFile,
+                     ModelFills* fills = nullptr);
 
 class ModelSession {
  public:
   // Opens a model file; `dataFile` belongs to a .mod and may be empty. Throws Failure.
-  ModelSession(const std::string& modelFile, const std::string& dataFile);
+  ModelSession(const std::string& modelFile, const std::string& dataFile,
+               ModelFills* fills = nullptr);
   ModelSession(const ModelSession&) = delete;
   ModelSession& operator=(const ModelSession&) = delete;
 
@@ -44,8 +49,8 @@ class ModelSession {
   // value. Gives the records that met no column.
   int applyParameter(const ztb::Symbol& parameter);
 
-  // On standard error, what the reading of the file noted, and names that had to be changed: all, or
-  // one line with their count and the first.
+  // On standard error, what the reading of the file noted, and names that had to be changed: all,
+  // or one line with their count and the first.
   void reportNotes(bool all) const;
 
  private:
