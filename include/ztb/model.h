@@ -148,6 +148,20 @@ int ztbModelSolveStatus(ztbModel* model);
 double ztbModelObjective(ztbModel* model);
 double ztbModelIterations(ztbModel* model);
 
+/* What no objective can be better than, as far as the last solve knows: the objective itself once
+ * it is proved to be best, an infinity where nothing is known. */
+double ztbModelBound(ztbModel* model);
+
+/* The time of the last solve in seconds: by the wall clock, which limits go by, and of the
+ * processor, in the thread that solved. */
+double ztbModelSeconds(ztbModel* model);
+double ztbModelProcessorSeconds(ztbModel* model);
+
+/* How many solves of this model were followed by a cold one so far: a live solver claimed something
+ * without a proof that holds, or gave up, and the model was solved once more from the beginning.
+ * The log tells each. */
+int ztbModelColdSolves(ztbModel* model);
+
 /* Words for the codes above, such as "optimal" and "time limit". */
 const char* ztbModelStatusText(int status);
 const char* ztbModelSolveStatusText(int status);

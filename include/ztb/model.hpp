@@ -107,6 +107,13 @@ class Model {
   }
   [[nodiscard]] double objective() const { return ztbModelObjective(handle_); }
   [[nodiscard]] double iterations() const { return ztbModelIterations(handle_); }
+  // What no objective can be better than, as far as the last solve knows.
+  [[nodiscard]] double bound() const { return ztbModelBound(handle_); }
+  // Of the last solve: time by the wall clock, and of the processor.
+  [[nodiscard]] double seconds() const { return ztbModelSeconds(handle_); }
+  [[nodiscard]] double processorSeconds() const { return ztbModelProcessorSeconds(handle_); }
+  // Solves that were followed by another one from the beginning, since nothing proved the first.
+  [[nodiscard]] int coldSolves() const { return ztbModelColdSolves(handle_); }
   // Why the last call that failed did; empty when none did, and after a solve that worked.
   [[nodiscard]] std::string message() const { return ztbModelMessage(handle_); }
 

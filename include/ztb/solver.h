@@ -20,7 +20,7 @@ extern "C" {
 #endif
 
 /* Grows with every change of this file that a library has to be built anew for. */
-enum { ztbSolverVersion = 4 };
+enum { ztbSolverVersion = 5 };
 
 /* In the place of a row. */
 enum { ztbSolverObjective = -1 };
@@ -56,8 +56,12 @@ typedef struct ztbSolverProblem {
   const double* value;
   const ztbSolverProduct* products;
   int64_t productCount;
-  const double* level; /* where a solver that starts from a point may start; may be null */
-  int32_t hasIntegers; /* 0 or 1 */
+  const double* level;  /* where a solver that starts from a point may start; may be null */
+  int32_t levelIsStart; /* 1: a search over integers is asked to begin with `level` as a solution */
+  int32_t hasIntegers;  /* 0 or 1 */
+  /* A basis to begin with, as ztbSolverPosition: an entry a column and a row. Null: none. */
+  const int32_t* position;
+  const int32_t* rowPosition;
   /* One flag a column: it is 0, or within its bounds; null when no column is so. A solver that does
    * not know such columns, or sets, refuses a problem that has them. */
   const char* isSemiContinuous;
@@ -74,8 +78,12 @@ typedef struct ztbSolverLimits {
   double seconds;
   int32_t iterations;
   double relativeGap;
+  int32_t barrier; /* 1: by an interior point method, where the solver has one */
   /* Whether the solve is to end, asked now and then; may be null. */
   int32_t (*terminated)(void* context);
+  /* Tells how far a search is: its best objective and bound, infinite as long as there is none. May
+   * be null, and takes the same context. */
+  void (*progress)(void* context, double objective, double bound);
   void* context;
 } ztbSolverLimits;
 
@@ -99,20 +107,44 @@ typedef enum ztbSolverPosition {
 } ztbSolverPosition;
 
 /* What a solve leaves. The caller gives the arrays, with an entry a column or a row: zeros in them,
- * and ztbSolverBasic for each position. */
+ * and ztbSolverBasic for each position.
+ *
+ * A claim of a solver that lives from solve to solve is believed when there is a proof of it, else
+ * the problem is loaded and solved once more. That of an optimum are the marginals. That no point
+ * exists is proved by a ray of the rows: weights whose sum of the rows is out of reach of the
+ * columns. That the objective falls without end, by a point and a ray of the columns: a direction
+ * that stays within rows and bounds and lowers the cost. The sign of a ray does not count. */
 typedef struct ztbSolverResult {
   int32_t outcome;  /* a ztbSolverOutcome; ztbSolverFailed at first */
   int32_t hasPoint; /* 1: the levels satisfy all rows and bounds; 0 at first */
   double iterations;
+  double bound;       /* no objective is below; at first minus infinity */
+  int32_t startTaken; /* 1: the search began with the point that it was asked to; 0 at first */
   double* level;
   int32_t* position;
   /* The change of the minimized objective per unit of right-hand side. */
   double* rowMarginal;
   int32_t* rowPosition;
+  /* A proof; each is there when its flag, 0 at first, is 1. */
+  int32_t hasColumnRay;
+  int32_t hasRowRay;
+  double* columnRay;
+  double* rowRay;
   /* Why a solve failed: room for reasonSize bytes, empty at first. */
   char* reason;
   int32_t reasonSize;
 } ztbSolverResult;
+
+/* How far costs of columns and right-hand sides of rows can each move, one at a time, while the
+ * basis of the last solve stays optimal. The caller gives the arrays; infinities where there is no
+ * end. Of a row, the side that it stands at moves; of a basic one, any side, as far as the level of
+ * the row. */
+typedef struct ztbSolverRanges {
+  double* costLower; /* an entry a column */
+  double* costUpper;
+  double* rhsLower; /* an entry a row */
+  double* rhsUpper;
+} ztbSolverRanges;
 
 /* What a function of a library gives. */
 enum { ztbSolverNo = 0, ztbSolverYes = 1, ztbSolverNoMemory = -1 };
@@ -135,6 +167,10 @@ typedef struct ztbSolverFunctions {
   int32_t (*update)(void* solver, const ztbSolverProblem* problem);
 
   void (*solve)(void* solver, const ztbSolverLimits* limits, ztbSolverResult* result);
+
+  /* The ranges of the last solve, which found an optimum without integers. ztbSolverNo when there
+   * are none. Null for a solver that has no ranges. */
+  int32_t (*ranges)(void* solver, ztbSolverRanges* ranges);
 } ztbSolverFunctions;
 
 /* The one function that a solver library exports. The table lives as long as the library is open.

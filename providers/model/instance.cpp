@@ -263,7 +263,10 @@ void Instance::takeResult(const SolverResult& result) {
   modelStatus_ = statuses.model;
   solveStatus_ = statuses.solve;
   iterations_ = result.iterations;
-  if (!result.hasPoint) return;
+  if (!result.hasPoint) {
+    takeBound(result);
+    return;
+  }
 
   // Levels of rows and marginals of columns come from the model itself, products included, so that
   // every solver leaves the same for the same point.
@@ -282,6 +285,22 @@ void Instance::takeResult(const SolverResult& result) {
     const double high = rowUpper(rowTypes_[i], rhs_[i], range_[i]);
     rows_[i].condition = outside(rows_[i].level, low, high) ? 2 : 0;
   }
+  takeBound(result);
+}
+
+// Against a point the bound is told by how far it is below; that what does not move adds to the
+// objective is in the point's value then.
+void Instance::takeBound(const SolverResult& result) {
+  const double sign = maximize_ ? -1 : 1;
+  if (!result.hasPoint) {
+    bound_ = products_.empty() ? sign * result.bound - rhs_[0] : -sign * kInfinity;
+    return;
+  }
+  bound_ = rows_[0].level;
+  if (result.outcome == Outcome::optimal && std::isinf(result.bound)) return;
+  double cost = 0;
+  for (std::size_t j = 0; j < columns_.size(); ++j) cost += solverCost_[j] * result.level[j];
+  bound_ -= sign * std::max(0.0, cost - result.bound);
 }
 
 // The records of the columns, but for products, and what the columns add to the rows' levels. The

@@ -91,6 +91,8 @@ class Instance {
   [[nodiscard]] int modelStatus() const { return modelStatus_; }
   [[nodiscard]] int solveStatus() const { return solveStatus_; }
   [[nodiscard]] double iterations() const { return iterations_; }
+  // What no objective is better than; the infinity of the better direction where nothing is known.
+  [[nodiscard]] double bound() const { return bound_; }
 
   // What a solver is given, by the present switches; valid until the instance changes.
   const SolverProblem& solverProblem();
@@ -130,6 +132,7 @@ class Instance {
   void takeSets(const ModelData& data);
   void takeCoefficients(bool linearized);
   void takeColumns(const SolverResult& result);
+  void takeBound(const SolverResult& result);
   void addProducts(const SolverResult& result);
 
   bool maximize_;
@@ -157,6 +160,7 @@ class Instance {
   int modelStatus_ = 13;
   int solveStatus_ = 13;
   double iterations_ = 0;
+  double bound_ = 0;
 
   // What solverProblem() points to.
   SolverProblem problem_{};

@@ -1,5 +1,7 @@
 #include "providers/model/live_solver.h"
 
+#include <time.h>
+
 #include <algorithm>
 #include <array>
 #include <cstdio>
@@ -9,6 +11,16 @@
 #include "providers/model/status_texts.h"
 
 namespace lomu {
+
+namespace {
+
+double clockSeconds(clockid_t clock) {
+  timespec time{};
+  clock_gettime(clock, &time);
+  return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
+}
+
+}  // namespace
 
 LiveSolver::LiveSolver(const CatalogueRow& row)
     : row_(row), solver_(SolverLibrary::makeSolver(row.library)) {}
@@ -26,7 +38,7 @@ void LiveSolver::load(Model& model) {
                      std::string(kindOf(model.instance.type())));
   }
   std::string reason;
-  if (!solver_->load(model.instance.solverProblem(), reason)) {
+  if (!solver_.load(model.instance.solverProblem(), reason)) {
     throw ModelError("solver \"" + row_.name + "\" refused the model: " + reason);
   }
   model_ = &model;
@@ -34,22 +46,23 @@ void LiveSolver::load(Model& model) {
 
 bool LiveSolver::update() {
   return model_ != nullptr && takes(model_->instance) &&
-         solver_->update(model_->instance.solverProblem());
+         solver_.update(model_->instance.solverProblem());
 }
 
 void LiveSolver::solve(const SolverLimits& limits) {
   Instance& instance = model_->instance;
-  const auto columns = static_cast<std::size_t>(instance.columnCount());
-  const auto rows = static_cast<std::size_t>(instance.rowCount()) - 1;
-  result_.level.assign(columns, 0);
-  result_.position.assign(columns, Position::basic);
-  result_.rowMarginal.assign(rows, 0);
-  result_.rowPosition.assign(rows, Position::basic);
-  result_.outcome = Outcome::failed;
-  result_.hasPoint = false;
-  result_.iterations = 0;
-  result_.reason.clear();
-  solver_->solve(limits, result_);
+  result_.begin(static_cast<std::size_t>(instance.columnCount()),
+                static_cast<std::size_t>(instance.rowCount()) - 1);
+  const double begin = clockSeconds(CLOCK_MONOTONIC);
+  const double processorBegin = clockSeconds(CLOCK_THREAD_CPUTIME_ID);
+  solver_.solve(limits, result_);
+  model_->seconds = clockSeconds(CLOCK_MONOTONIC) - begin;
+  model_->processorSeconds = clockSeconds(CLOCK_THREAD_CPUTIME_ID) - processorBegin;
+  if (!solver_.doubt().empty()) {
+    ++model_->coldSolves;
+    model_->environment->log(row_.name + ": " + solver_.doubt() +
+                             "; solved once more from the beginning");
+  }
   instance.takeResult(result_);
 
   // The objective of a solve without a point would be that of an older one.

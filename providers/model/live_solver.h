@@ -3,10 +3,10 @@
 #ifndef ZTB_PROVIDERS_MODEL_LIVE_SOLVER_H_
 #define ZTB_PROVIDERS_MODEL_LIVE_SOLVER_H_
 
-#include <memory>
 #include <string>
 
 #include "providers/model/catalogue.h"
+#include "providers/model/checked_solver.h"
 #include "providers/model/model.h"
 #include "providers/model/solver.h"
 
@@ -23,7 +23,8 @@ class LiveSolver {
   [[nodiscard]] bool holds(const Model& model) const { return model_ == &model; }
   // Takes over the present state of the loaded model; false when the solver cannot.
   bool update();
-  // Solves and leaves statuses and solution in the model. Throws ModelError with the solver's
+  // Solves and leaves statuses and solution in the model; a cold solve is counted there, and told
+  // in the log. Throws ModelError with the solver's
   // reason when it gave up. REQUIRES load.
   void solve(const SolverLimits& limits);
 
@@ -31,7 +32,7 @@ class LiveSolver {
   [[nodiscard]] bool takes(const Instance& instance) const;
 
   CatalogueRow row_;
-  std::unique_ptr<Solver> solver_;
+  CheckedSolver solver_;
   Model* model_ = nullptr;
   SolverResult result_;  // kept, so that repeated solves allocate nothing
 };

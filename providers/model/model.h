@@ -24,6 +24,9 @@ struct Model {
   Instance instance;
   Dictionary dictionary;
   std::shared_ptr<Environment> environment;
+  int coldSolves = 0;              // how often a live solver was not believed
+  double seconds = 0;              // of the last solve, by the wall clock
+  double processorSeconds = 0;     // and by that of the thread
   std::string message;             // why the last solve or call failed
   std::vector<std::string> notes;  // of the reading of the file, then of the dictionary
 };

@@ -246,6 +246,26 @@ MODEL_EXPORT double ztbModelIterations(ztbModel* model) {
   return inUse ? model->model->instance.iterations() : 0;
 }
 
+MODEL_EXPORT double ztbModelBound(ztbModel* model) {
+  const bool inUse = model != nullptr && model->model != nullptr;
+  return inUse ? model->model->instance.bound() : 0;
+}
+
+MODEL_EXPORT double ztbModelSeconds(ztbModel* model) {
+  const bool inUse = model != nullptr && model->model != nullptr;
+  return inUse ? model->model->seconds : 0;
+}
+
+MODEL_EXPORT double ztbModelProcessorSeconds(ztbModel* model) {
+  const bool inUse = model != nullptr && model->model != nullptr;
+  return inUse ? model->model->processorSeconds : 0;
+}
+
+MODEL_EXPORT int ztbModelColdSolves(ztbModel* model) {
+  const bool inUse = model != nullptr && model->model != nullptr;
+  return inUse ? model->model->coldSolves : 0;
+}
+
 MODEL_EXPORT const char* ztbModelStatusText(int status) {
   return lomu::modelStatusText(status);
 }

@@ -7,6 +7,7 @@
 #include <ztb/solver.h>
 
 #include <cstddef>
+#include <limits>
 #include <span>
 #include <string>
 #include <vector>
@@ -27,7 +28,8 @@ inline void setProducts(SolverProblem& problem, std::span<const SolverProduct> p
 }
 
 struct SolverLimits : ztbSolverLimits {
-  SolverLimits() : SolverLimits(ztbSolverLimits{1e10, 2147483647, 1e-9, nullptr, nullptr}) {}
+  SolverLimits()
+      : SolverLimits(ztbSolverLimits{1e10, 2147483647, 1e-9, 0, nullptr, nullptr, nullptr}) {}
   explicit SolverLimits(const ztbSolverLimits& limits) : ztbSolverLimits(limits) {}
 };
 
@@ -50,19 +52,41 @@ enum class Position {
   superbasic = ztbSolverSuperbasic
 };
 
-// What a solve left. Vectors are sized by the caller before the solve: columns, rows.
+// What a solve left. begin() makes it ready for one.
 // `hasPoint` tells whether the levels hold a point that satisfies all rows and bounds;
 // `rowMarginal` is the change of the minimized objective per unit of right-hand side.
 struct SolverResult {
   Outcome outcome = Outcome::failed;
   bool hasPoint = false;
   double iterations = 0;
+  double bound = -std::numeric_limits<double>::infinity();
+  bool startTaken = false;
   std::vector<double> level;
   std::vector<Position> position;
   std::vector<double> rowMarginal;
   std::vector<Position> rowPosition;
+  // Proofs of claims, as ztb/solver.h has them; empty without one.
+  std::vector<double> columnRay;
+  std::vector<double> rowRay;
   std::string reason;  // of a failure
+
+  void begin(std::size_t columns, std::size_t rows) {
+    outcome = Outcome::failed;
+    hasPoint = false;
+    iterations = 0;
+    bound = -std::numeric_limits<double>::infinity();
+    startTaken = false;
+    level.assign(columns, 0.0);
+    position.assign(columns, Position::basic);
+    rowMarginal.assign(rows, 0.0);
+    rowPosition.assign(rows, Position::basic);
+    columnRay.clear();
+    rowRay.clear();
+    reason.clear();
+  }
 };
+
+using SolverRanges = ztbSolverRanges;
 
 class Solver {
  public:
@@ -75,6 +99,7 @@ class Solver {
   virtual bool load(const SolverProblem& problem, std::string& reason) = 0;
   virtual bool update(const SolverProblem& problem) = 0;
   virtual void solve(const SolverLimits& limits, SolverResult& result) = 0;
+  virtual bool ranges(SolverRanges& /*ranges*/) { return false; }
 };
 
 }  // namespace lomu

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <limits>
 #include <new>
 #include <vector>
 
@@ -50,20 +51,32 @@ class LibrarySolver : public Solver {
   void solve(const SolverLimits& limits, SolverResult& result) override {
     position_.assign(result.position.size(), ztbSolverBasic);
     rowPosition_.assign(result.rowPosition.size(), ztbSolverBasic);
+    result.columnRay.assign(result.level.size(), 0.0);
+    result.rowRay.assign(result.rowMarginal.size(), 0.0);
     reason_[0] = '\0';
     ztbSolverResult plain = {.outcome = ztbSolverFailed,
                              .hasPoint = 0,
                              .iterations = 0,
+                             .bound = -std::numeric_limits<double>::infinity(),
+                             .startTaken = 0,
                              .level = result.level.data(),
                              .position = position_.data(),
                              .rowMarginal = result.rowMarginal.data(),
                              .rowPosition = rowPosition_.data(),
+                             .hasColumnRay = 0,
+                             .hasRowRay = 0,
+                             .columnRay = result.columnRay.data(),
+                             .rowRay = result.rowRay.data(),
                              .reason = reason_.data(),
                              .reasonSize = static_cast<int>(reason_.size())};
     functions_.solve(solver_, &limits, &plain);
     result.outcome = static_cast<Outcome>(plain.outcome);
     result.hasPoint = plain.hasPoint != 0;
     result.iterations = plain.iterations;
+    result.bound = plain.bound;
+    result.startTaken = plain.startTaken != 0;
+    if (plain.hasColumnRay == 0) result.columnRay.clear();
+    if (plain.hasRowRay == 0) result.rowRay.clear();
     takePositions(position_, result.position);
     takePositions(rowPosition_, result.rowPosition);
     result.reason = reason_.data();
@@ -73,6 +86,10 @@ class LibrarySolver : public Solver {
       result.reason = "it gave outcome " + std::to_string(plain.outcome) + ", expected " +
                       std::to_string(ztbSolverOptimal) + " to " + std::to_string(ztbSolverFailed);
     }
+  }
+
+  bool ranges(SolverRanges& ranges) override {
+    return functions_.ranges != nullptr && told(functions_.ranges(solver_, &ranges));
   }
 
  private:

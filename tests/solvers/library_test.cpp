@@ -89,10 +89,10 @@ TEST(SolverLibrary, InCAsksWhetherToEnd) {
 TEST(SolverLibrary, OfAnotherVersionIsRefused) {
   EXPECT_EQ(
       refusal(plainPath("plain_older")),
-      plainPath("plain_older") + " has version 2 of the interface to solvers, expected version 4");
+      plainPath("plain_older") + " has version 4 of the interface to solvers, expected version 5");
   EXPECT_EQ(
       refusal(plainPath("plain_newer")),
-      plainPath("plain_newer") + " has version 5 of the interface to solvers, expected version 4");
+      plainPath("plain_newer") + " has version 6 of the interface to solvers, expected version 5");
   EXPECT_TRUE(SolverLibrary::canOpen(plainPath("plain_newer"))) << "so that the reason is told";
 }
 

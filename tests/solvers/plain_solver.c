@@ -12,8 +12,14 @@
 #define PLAIN_OUTCOME ztbSolverOptimal
 #endif
 
+/* What a solve after an update claims, whatever is true. */
+#ifndef PLAIN_WARM_OUTCOME
+#define PLAIN_WARM_OUTCOME PLAIN_OUTCOME
+#endif
+
 typedef struct PlainSolver {
   ztbSolverProblem problem;
+  int isUpdated;
 } PlainSolver;
 
 static void* makePlain(void) {
@@ -28,11 +34,13 @@ static int32_t loadPlain(void* solver, const ztbSolverProblem* problem, char* re
     return ztbSolverNo;
   }
   ((PlainSolver*)solver)->problem = *problem;
+  ((PlainSolver*)solver)->isUpdated = 0;
   return ztbSolverYes;
 }
 
 static int32_t updatePlain(void* solver, const ztbSolverProblem* problem) {
   ((PlainSolver*)solver)->problem = *problem;
+  ((PlainSolver*)solver)->isUpdated = 1;
   return ztbSolverYes;
 }
 
@@ -51,13 +59,13 @@ static void solvePlain(void* solver, const ztbSolverLimits* limits, ztbSolverRes
       return;
     }
   }
-  result->outcome = PLAIN_OUTCOME;
+  result->outcome = ((PlainSolver*)solver)->isUpdated ? PLAIN_WARM_OUTCOME : PLAIN_OUTCOME;
   result->hasPoint = 1;
   result->iterations = problem->columnCount;
 }
 
-static const ztbSolverFunctions plainFunctions = {PLAIN_VERSION, makePlain,   free,
-                                                  loadPlain,     updatePlain, solvePlain};
+static const ztbSolverFunctions plainFunctions = {PLAIN_VERSION, makePlain,  free, loadPlain,
+                                                  updatePlain,   solvePlain, NULL};
 
 const ztbSolverFunctions* ztbSolverLibrary(void) {
   return &plainFunctions;

@@ -3,10 +3,14 @@
 #include <ClpDualRowSteepest.hpp>
 #include <ClpEventHandler.hpp>
 #include <ClpPackedMatrix.hpp>
+#include <ClpSolve.hpp>
 #include <CoinPackedMatrix.hpp>
 #include <algorithm>
 #include <cmath>
+#include <memory>
 #include <utility>
+
+#include "providers/model/solvers/claim_check.h"
 
 namespace lomu {
 
@@ -23,6 +27,9 @@ constexpr int kUseWork = kUseFactorization | 4;
 // From so many iterations on, the weights that Clp's choice of rows has gathered serve the next
 // solve worse than new ones.
 constexpr double kWeightsWearOut = 100;
+
+// As many as Clp's program makes.
+constexpr int kPresolvePasses = 5;
 
 // Clp asks after every iteration whether it may go on.
 class StopHandler : public ClpEventHandler {
@@ -89,6 +96,7 @@ void ClpProgram::load(LinearForm form) {
   part_.choose(form_);
   handOver();
   method_ = Method::dual;
+  isFresh_ = true;
   isWhole_ = true;
 }
 
@@ -261,6 +269,32 @@ void ClpProgram::runUnscaled(Watch& watch) {
   simplex_.scaling(scaling);
 }
 
+// As Clp's program solves a file: presolved, by the method that it chooses.
+void ClpProgram::runFresh(Watch& watch) {
+  const StopHandler handler(&watch);
+  simplex_.passInEventHandler(&handler);
+  simplex_.setMaximumIterations(watch.iterationsLeft(iterations_));
+  simplex_.defaultFactorizationFrequency();
+  const int perturbation = simplex_.perturbation();
+  constexpr int kPerturbWhereUseful = 50;
+  simplex_.setPerturbation(kPerturbWhereUseful);
+  ClpSolve choice;
+  choice.setSolveType(watch.wantsBarrier() ? ClpSolve::useBarrier : ClpSolve::automatic);
+  choice.setPresolveType(ClpSolve::presolveOn, kPresolvePasses);
+  simplex_.initialSolve(choice);
+  simplex_.setPerturbation(perturbation);
+  iterations_ += simplex_.numberIterations();
+  const ClpEventHandler none;
+  simplex_.passInEventHandler(&none);
+  reuse_ = kLeaveWork;
+}
+
+void ClpProgram::runLive(Watch& watch) {
+  // What a solve leaves is of use only when it ends well.
+  run(simplex_, method_, watch, std::exchange(reuse_, kLeaveWork));
+  if (simplex_.status() == 0) reuse_ = kUseWork;
+}
+
 void ClpProgram::solve(Watch& watch, SolverResult& result) {
   isWhole_ = false;
   if (iterations_ >= kWeightsWearOut) {
@@ -268,15 +302,17 @@ void ClpProgram::solve(Watch& watch, SolverResult& result) {
     simplex_.setDualRowPivotAlgorithm(unweighted);
   }
   iterations_ = 0;
-  // What a solve leaves is of use only when it ends well.
-  run(simplex_, method_, watch, std::exchange(reuse_, kLeaveWork));
+  if (std::exchange(isFresh_, false)) {
+    runFresh(watch);
+  } else {
+    runLive(watch);
+  }
   // 2 to 4: the solution of the scaled problem is none of the problem itself.
   const bool badlyScaled =
       simplex_.status() == 0 && simplex_.secondaryStatus() >= 2 && simplex_.secondaryStatus() <= 4;
   if (badlyScaled || simplex_.status() == 4) {
+    reuse_ = kLeaveWork;
     runUnscaled(watch);
-  } else if (simplex_.status() == 0) {
-    reuse_ = kUseWork;
   }
 
   result.hasPoint = false;
@@ -286,6 +322,8 @@ void ClpProgram::solve(Watch& watch, SolverResult& result) {
   } else if (simplex_.status() == 0) {
     result.outcome = Outcome::optimal;
     result.hasPoint = true;
+  } else if (simplex_.status() == 1 && leaveRowRay(simplex_, result)) {
+    result.outcome = Outcome::infeasible;
   } else {
     decideUnsolvable(watch, result);
   }
@@ -298,13 +336,35 @@ void ClpProgram::forgetWork() {
   reuse_ = kLeaveWork;
 }
 
+bool ClpProgram::leaveRowRay(const ClpSimplex& simplex, SolverResult& result) const {
+  const std::unique_ptr<double[]> ray(simplex.infeasibilityRay());
+  if (ray == nullptr) return false;
+  result.rowRay.assign(ray.get(), ray.get() + form_.rowCount);
+  if (provesInfeasible(form_.problem(), result.rowRay)) return true;
+  result.rowRay.clear();
+  return false;
+}
+
+void ClpProgram::leaveColumnRay(SolverResult& result) const {
+  const std::unique_ptr<double[]> ray(simplex_.unboundedRay());
+  if (ray == nullptr) return;
+  result.columnRay.assign(result.level.size(), 0.0);
+  for (std::size_t c = 0; c < part_.columns().size(); ++c) {
+    result.columnRay[static_cast<std::size_t>(part_.columns()[c])] = ray[c];
+  }
+  leavePoint(result);
+}
+
 // Clp found no optimum. Whether there is a feasible point at all is asked without a cost, where
-// unboundedness cannot come in between.
+// unboundedness cannot come in between, and any basis is one for the dual method, which leaves a
+// proof.
 void ClpProgram::decideUnsolvable(Watch& watch, SolverResult& result) {
   ClpSimplex feasibility(simplex_);
   const std::vector<double> noCost(part_.columns().size(), 0.0);
   feasibility.chgObjCoefficients(noCost.data());
-  run(feasibility, Method::primal, watch, kNothing);
+  run(feasibility, Method::dual, watch, kNothing);
+  const bool proven = feasibility.status() == 1 && leaveRowRay(feasibility, result);
+  if (feasibility.status() != 0 && !proven) run(feasibility, Method::primal, watch, kNothing);
   if (feasibility.status() == 1) {
     result.outcome = Outcome::infeasible;
     return;
@@ -322,6 +382,7 @@ void ClpProgram::decideUnsolvable(Watch& watch, SolverResult& result) {
       return;
     }
     if (simplex_.status() == 2) {
+      leaveColumnRay(result);
       result.outcome = Outcome::unbounded;
       return;
     }

@@ -1,4 +1,5 @@
-// A linear problem in Clp that lives from solve to solve: what changed is handed over, and the next
+// A linear problem in Clp that lives from solve to solve: the first solve is that of Clp's own
+// program, presolve and choice of method included; then what changed is handed over, and the next
 // solve begins at the basis where the last one ended. Integrality is not looked at.
 #ifndef ZTB_PROVIDERS_MODEL_SOLVERS_CLP_PROGRAM_H_
 #define ZTB_PROVIDERS_MODEL_SOLVERS_CLP_PROGRAM_H_
@@ -56,8 +57,14 @@ class ClpProgram {
   [[nodiscard]] Changes changesTo(const LinearForm& form) const;
   // `reuse`: what Clp is to use of its last solve.
   void run(ClpSimplex& simplex, Method method, Watch& watch, int reuse);
+  void runFresh(Watch& watch);
+  void runLive(Watch& watch);
   void runUnscaled(Watch& watch);
   void decideUnsolvable(Watch& watch, SolverResult& result);
+  // Whether Clp left a proof that no point exists; it is in `result` then.
+  bool leaveRowRay(const ClpSimplex& simplex, SolverResult& result) const;
+  // Leaves what Clp has as a proof that there is no end, with its point.
+  void leaveColumnRay(SolverResult& result) const;
   [[nodiscard]] bool wasLimited() const { return simplex_.status() == 3 || simplex_.status() == 5; }
   void leavePoint(SolverResult& result) const;
 
@@ -65,6 +72,7 @@ class ClpProgram {
   LinearForm form_;
   MovingPart part_;  // what Clp sees of it
   bool isWhole_ = false;
+  bool isFresh_ = true;                            // not solved yet
   std::vector<int> changedColumns_, changedRows_;  // as lookAtBounds found them
   Method method_ = Method::dual;
   int reuse_ = 0;          // what the next run may use of the last one

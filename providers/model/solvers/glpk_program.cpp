@@ -4,6 +4,8 @@
 #include <cmath>
 #include <utility>
 
+#include "providers/model/solvers/claim_check.h"
+
 namespace lomu {
 
 namespace {
@@ -11,6 +13,12 @@ namespace {
 // The simplex method of GLPK has no callback; it is stopped after this many iterations, and then
 // twice as many, to ask whether it may go on.
 constexpr int kFirstStretch = 500;
+
+// Of a presolved problem GLPK tells how far it is after so many iterations.
+constexpr int kLineEvery = 200;
+
+// How far a level may be outside of its bounds and still be inside.
+constexpr double kRoom = 1e-9;
 
 // GLPK counts the most time that it can be given in milliseconds.
 int milliseconds(double seconds) {
@@ -44,7 +52,7 @@ std::size_t at(int k) {
 }  // namespace
 
 GlpkProgram::~GlpkProgram() {
-  Job job{this, Task::drop, nullptr, 0, 0, 0};
+  Job job{this, Task::drop, nullptr, 0, 0, 0, nullptr};
   if (problem_ != nullptr && isOfThisThread()) call(job);
 }
 
@@ -57,6 +65,13 @@ void GlpkProgram::perform(void* context) {
       break;
     case Task::change:
       program.change();
+      break;
+    case Task::presolved:
+      job.code = program.presolved(job);
+      break;
+    case Task::proof:
+      if (job.result->outcome == Outcome::infeasible) program.rowRay(*job.result);
+      if (job.result->outcome == Outcome::unbounded) program.columnRay(*job.result);
       break;
     case Task::simplex:
       job.code = program.simplex(job);
@@ -72,7 +87,8 @@ void GlpkProgram::perform(void* context) {
 }
 
 bool GlpkProgram::call(Job& job) {
-  if (guardedGlpkCall(&GlpkProgram::perform, &job, reason_)) return true;
+  Watch* const watch = job.task == Task::presolved ? job.watch : nullptr;
+  if (guardedGlpkCall(&GlpkProgram::perform, &job, reason_, watch)) return true;
   problem_ = nullptr;
   return false;
 }
@@ -82,14 +98,14 @@ void GlpkProgram::take(const LinearForm& form) {
   const bool keep = problem_ != nullptr && isOfThisThread() && form.sameShape(form_);
   indexes_.resize(at(form.rowCount) + 1);
   values_.resize(indexes_.size());
-  Job job{this, keep ? Task::change : Task::build, nullptr, 0, 0, 0};
+  Job job{this, keep ? Task::change : Task::build, nullptr, 0, 0, 0, nullptr};
   call(job);
   form_ = std::move(next_);
 }
 
 bool GlpkProgram::buildAgain() {
   next_ = form_;
-  Job job{this, Task::build, nullptr, 0, 0, 0};
+  Job job{this, Task::build, nullptr, 0, 0, 0, nullptr};
   return call(job);
 }
 
@@ -106,7 +122,7 @@ void GlpkProgram::build() {
     glp_set_col_kind(problem_, j + 1, next_.isInteger[at(j)] != 0 ? GLP_IV : GLP_CV);
   }
   glp_scale_prob(problem_, GLP_SF_AUTO);
-  glp_adv_basis(problem_, 0);
+  isFresh_ = true;
 }
 
 void GlpkProgram::change() {
@@ -151,6 +167,22 @@ void GlpkProgram::setMatrixColumn(int j) {
   glp_set_mat_col(problem_, j + 1, count, indexes_.data(), values_.data());
 }
 
+// GLPK asks nobody while it solves a problem of its presolver, but it writes lines, and a line can
+// be answered with an end.
+int GlpkProgram::presolved(const Job& job) {
+  glp_smcp options;
+  glp_init_smcp(&options);
+  options.presolve = GLP_ON;
+  options.msg_lev = GLP_MSG_ALL;
+  options.out_frq = kLineEvery;
+  options.it_lim = job.iterationLimit;
+  options.tm_lim = milliseconds(job.watch->secondsLeft());
+  const int code = glp_simplex(problem_, &options);
+  // Without an optimum the presolver leaves no basis to go on from.
+  if (code != 0 || glp_get_status(problem_) != GLP_OPT) glp_adv_basis(problem_, 0);
+  return code;
+}
+
 int GlpkProgram::simplex(const Job& job) {
   glp_smcp options;
   glp_init_smcp(&options);
@@ -180,7 +212,7 @@ Outcome GlpkProgram::runSimplex(Watch& watch, int method) {
     if (watch.mustStop()) return watch.reason();
     const int left = watch.iterationsLeft(iterations_);
     if (left == 0) return Outcome::iterationLimit;
-    Job job{this, Task::simplex, &watch, method, std::min(stretch, left), 0};
+    Job job{this, Task::simplex, &watch, method, std::min(stretch, left), 0, nullptr};
     const int before = glp_get_it_cnt(problem_);
     if (!call(job)) return Outcome::failed;
     iterations_ += glp_get_it_cnt(problem_) - before;
@@ -193,18 +225,40 @@ Outcome GlpkProgram::runSimplex(Watch& watch, int method) {
   }
 }
 
+// As GLPK's program solves a file. Optimal stands for an optimum, failed for anything else that is
+// no limit: without the presolver it is told apart.
+Outcome GlpkProgram::runPresolved(Watch& watch) {
+  if (watch.mustStop()) return watch.reason();
+  const int left = watch.iterationsLeft(iterations_);
+  if (left == 0) return Outcome::iterationLimit;
+  Job job{this, Task::presolved, &watch, 0, left, 0, nullptr};
+  const bool done = call(job);
+  if (watch.stopped()) return watch.reason();
+  if (!done) return Outcome::failed;
+  iterations_ += glp_get_it_cnt(problem_);
+  if (job.code == 0 && glp_get_status(problem_) == GLP_OPT) return Outcome::optimal;
+  if (job.code == GLP_ETMLIM) return Outcome::timeLimit;
+  if (job.code == GLP_EITLIM) return Outcome::iterationLimit;
+  return Outcome::failed;
+}
+
+Outcome GlpkProgram::runLive(Watch& watch) {
+  Outcome outcome = runSimplex(watch, GLP_DUALP);
+  // GLPK falls over some bases that a change made singular. Afresh it has another one.
+  if (problem_ == nullptr && buildAgain()) outcome = runSimplex(watch, GLP_DUALP);
+  // No dual feasible point leaves open whether there is a primal one; the primal method tells.
+  const bool open = outcome == Outcome::optimal && glp_get_status(problem_) != GLP_OPT &&
+                    glp_get_prim_stat(problem_) != GLP_NOFEAS;
+  return open ? runSimplex(watch, GLP_PRIMAL) : outcome;
+}
+
 void GlpkProgram::solveLinear(Watch& watch, SolverResult& result) {
   iterations_ = 0;
   result.hasPoint = false;
   result.outcome = Outcome::failed;
-  if (problem_ != nullptr) {
-    result.outcome = runSimplex(watch, GLP_DUALP);
-    // GLPK falls over some bases that a change made singular. Afresh it has another one.
-    if (problem_ == nullptr && buildAgain()) result.outcome = runSimplex(watch, GLP_DUALP);
-    // No dual feasible point leaves open whether there is a primal one; the primal method tells.
-    const bool open = result.outcome == Outcome::optimal && glp_get_status(problem_) != GLP_OPT &&
-                      glp_get_prim_stat(problem_) != GLP_NOFEAS;
-    if (open) result.outcome = runSimplex(watch, GLP_PRIMAL);
+  if (problem_ != nullptr && std::exchange(isFresh_, false)) result.outcome = runPresolved(watch);
+  if (result.outcome == Outcome::failed && (problem_ != nullptr || buildAgain())) {
+    result.outcome = runLive(watch);
   }
   if (result.outcome == Outcome::optimal) {
     const int status = glp_get_status(problem_);
@@ -218,15 +272,74 @@ void GlpkProgram::solveLinear(Watch& watch, SolverResult& result) {
       reason_ = "glpk: the simplex method ended with status " + std::to_string(status);
     }
   }
+  const bool claimsNone =
+      result.outcome == Outcome::infeasible || result.outcome == Outcome::unbounded;
   if (result.outcome == Outcome::failed) {
     result.reason = reason_;
+  } else if (claimsNone) {
+    Job job{this, Task::proof, nullptr, 0, 0, 0, &result};
+    call(job);
   } else {
-    result.hasPoint = result.outcome != Outcome::infeasible &&
-                      result.outcome != Outcome::unbounded &&
-                      glp_get_prim_stat(problem_) == GLP_FEAS;
+    result.hasPoint = problem_ != nullptr && glp_get_prim_stat(problem_) == GLP_FEAS;
   }
   if (result.hasPoint) leavePoint(result);
   result.iterations = iterations_;
+}
+
+// The weights of the rows with which those of the basic variables in `values_` come out.
+bool GlpkProgram::weighRows(SolverResult& result) {
+  glp_btran(problem_, values_.data());
+  result.rowRay.assign(values_.begin() + 1, values_.end());
+  return provesInfeasible(form_.problem(), result.rowRay);
+}
+
+// The dual method ends at a row of the tableau that is out of reach, the primal one where the sum
+// of what the basic variables miss their bounds by is least.
+void GlpkProgram::rowRay(SolverResult& result) {
+  if (!glp_bf_exists(problem_) && glp_factorize(problem_) != 0) return;
+  const int rows = form_.rowCount;
+  values_.assign(at(rows) + 1, 0.0);
+  const int blocking = glp_get_unbnd_ray(problem_);
+  const int place = blocking == 0      ? 0
+                    : blocking <= rows ? glp_get_row_bind(problem_, blocking)
+                                       : glp_get_col_bind(problem_, blocking - rows);
+  if (place > 0) {
+    values_[at(place)] = 1;
+    if (weighRows(result)) return;
+  }
+  values_.assign(values_.size(), 0.0);
+  for (int p = 1; p <= rows; ++p) {
+    const int k = glp_get_bhead(problem_, p);
+    const bool isRow = k <= rows;
+    const std::size_t number = at(isRow ? k - 1 : k - rows - 1);
+    const double level =
+        isRow ? glp_get_row_prim(problem_, k) : glp_get_col_prim(problem_, k - rows);
+    const double lower = isRow ? form_.rowLower[number] : form_.lower[number];
+    const double upper = isRow ? form_.rowUpper[number] : form_.upper[number];
+    const double room = kRoom * std::max(1.0, std::abs(level));
+    if (level < lower - room) values_[at(p)] = -1;
+    if (level > upper + room) values_[at(p)] = 1;
+  }
+  if (!weighRows(result)) result.rowRay.clear();
+}
+
+void GlpkProgram::columnRay(SolverResult& result) {
+  const int rows = form_.rowCount;
+  const int moving = glp_get_unbnd_ray(problem_);
+  const bool isBasic =
+      moving == 0 || (moving <= rows ? glp_get_row_stat(problem_, moving)
+                                     : glp_get_col_stat(problem_, moving - rows)) == GLP_BS;
+  if (isBasic || (!glp_bf_exists(problem_) && glp_factorize(problem_) != 0)) return;
+  indexes_.resize(at(rows) + 1);
+  values_.resize(indexes_.size());
+  const int count = glp_eval_tab_col(problem_, moving, indexes_.data(), values_.data());
+  result.columnRay.assign(result.level.size(), 0.0);
+  if (moving > rows) result.columnRay[at(moving - rows - 1)] = 1;
+  for (int k = 1; k <= count; ++k) {
+    const int basic = indexes_[at(k)];
+    if (basic > rows) result.columnRay[at(basic - rows - 1)] = values_[at(k)];
+  }
+  leavePoint(result);
 }
 
 void GlpkProgram::leavePoint(SolverResult& result) const {
@@ -251,8 +364,6 @@ int GlpkProgram::search(const Job& job) {
   options.msg_lev = GLP_MSG_OFF;
   options.tm_lim = milliseconds(job.watch->secondsLeft());
   options.mip_gap = job.watch->relativeGap();
-  options.mir_cuts = GLP_ON;
-  options.cov_cuts = GLP_ON;
   options.cb_func = &GlpkProgram::askInSearch;
   options.cb_info = const_cast<Job*>(&job);
   return glp_intopt(problem_, &options);
@@ -268,7 +379,7 @@ void GlpkProgram::searchIntegers(Watch& watch, SolverResult& result) {
   const int before = glp_get_it_cnt(problem_);
   const double most =
       std::min(2147483647.0, static_cast<double>(before) + watch.iterationsLeft(iterations_));
-  Job job{this, Task::search, &watch, 0, static_cast<int>(most), 0};
+  Job job{this, Task::search, &watch, 0, static_cast<int>(most), 0, nullptr};
   result.hasPoint = false;
   if (!call(job)) {
     result.outcome = Outcome::failed;

@@ -1,7 +1,8 @@
-// A problem in GLPK that lives from solve to solve: what changed is handed over, and the next
-// simplex begins at the basis where the last one ended. After an error inside of GLPK the problem
-// is given up and made afresh: at once where it was the first simplex of a solve, else for the
-// next. It is also made afresh when the next solve is on another thread: GLPK binds it to its own.
+// A problem in GLPK that lives from solve to solve: the first simplex is that of GLPK's own
+// program, with its presolver; then what changed is handed over, and the next one begins at the
+// basis where the last one ended. After an error inside of GLPK the problem is given up and made
+// afresh: at once where it was the first simplex of a solve, else for the next. It is also made
+// afresh when the next solve is on another thread: GLPK binds it to its own.
 #ifndef ZTB_PROVIDERS_MODEL_SOLVERS_GLPK_PROGRAM_H_
 #define ZTB_PROVIDERS_MODEL_SOLVERS_GLPK_PROGRAM_H_
 
@@ -27,7 +28,7 @@ class GlpkProgram : public IntegerEngine {
   void searchIntegers(Watch& watch, SolverResult& result) override;
 
  private:
-  enum class Task { build, change, simplex, search, drop };
+  enum class Task { build, change, presolved, simplex, proof, search, drop };
   // What a guarded call works on; without destructors.
   struct Job {
     GlpkProgram* program;
@@ -36,6 +37,7 @@ class GlpkProgram : public IntegerEngine {
     int method;
     int iterationLimit;
     int code;
+    SolverResult* result;
   };
 
   static void perform(void* context);
@@ -47,14 +49,21 @@ class GlpkProgram : public IntegerEngine {
   void setColumn(int j);
   void setRow(int i);
   void setMatrixColumn(int j);
+  int presolved(const Job& job);
   int simplex(const Job& job);
+  void rowRay(SolverResult& result);
+  void columnRay(SolverResult& result);
+  bool weighRows(SolverResult& result);
   int search(const Job& job);
   bool call(Job& job);
+  Outcome runPresolved(Watch& watch);
+  Outcome runLive(Watch& watch);
   Outcome runSimplex(Watch& watch, int method);
   void leavePoint(SolverResult& result) const;
 
   glp_prob* problem_ = nullptr;
   std::uint64_t thread_ = 0;  // on which problem_ was made
+  bool isFresh_ = true;       // problem_ was not solved yet
   LinearForm form_;           // what problem_ holds
   LinearForm next_;           // what it is to hold
   std::vector<int> indexes_;

@@ -38,6 +38,10 @@ bool cross(const std::vector<double>& lower, const std::vector<double>& upper) {
 }  // namespace
 
 bool LinearForm::take(const SolverProblem& problem, std::string& reason) {
+  if (problem.isSemiContinuous != nullptr || problem.setCount > 0) {
+    reason = "the model has semi-continuous columns or special ordered sets";
+    return false;
+  }
   columnCount = problem.columnCount;
   rowCount = problem.rowCount;
   copyInto(cost, problem.cost, columnCount);
@@ -62,6 +66,23 @@ bool LinearForm::take(const SolverProblem& problem, std::string& reason) {
     upper[j] = std::floor(upper[j] + kIntegerRoom);
   }
   return true;
+}
+
+SolverProblem LinearForm::problem() const {
+  SolverProblem problem{};
+  problem.columnCount = columnCount;
+  problem.rowCount = rowCount;
+  problem.cost = cost.data();
+  problem.lower = lower.data();
+  problem.upper = upper.data();
+  problem.isInteger = isInteger.data();
+  problem.hasIntegers = hasIntegers ? 1 : 0;
+  problem.rowLower = rowLower.data();
+  problem.rowUpper = rowUpper.data();
+  problem.start = start.data();
+  problem.rowOf = rowOf.data();
+  problem.value = value.data();
+  return problem;
 }
 
 bool LinearForm::foldProducts(const SolverProblem& problem, std::string& reason) {

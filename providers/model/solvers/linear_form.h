@@ -28,6 +28,9 @@ struct LinearForm {
   // linear or has numbers that no solver takes.
   bool take(const SolverProblem& problem, std::string& reason);
 
+  // The same as a problem without products, valid as long as the form stays as it is.
+  [[nodiscard]] SolverProblem problem() const;
+
   [[nodiscard]] bool sameShape(const LinearForm& other) const {
     return columnCount == other.columnCount && rowCount == other.rowCount && start == other.start &&
            rowOf == other.rowOf && isInteger == other.isInteger;

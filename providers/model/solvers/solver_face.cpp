@@ -16,6 +16,7 @@ SolverFace& faceOf(void* face) {
 }
 
 void putReason(std::string_view text, char* reason, std::int32_t reasonSize) {
+  if (reason == nullptr) return;
   std::snprintf(reason, static_cast<std::size_t>(reasonSize), "%.*s", static_cast<int>(text.size()),
                 text.data());
 }
@@ -53,11 +54,8 @@ std::int32_t SolverFace::load(void* face, const SolverProblem* problem, char* re
     std::string why;
     const bool taken = faceOf(face).solver->load(*problem, why);
     if (taken) {
-      SolverResult& result = faceOf(face).result;
-      result.level.resize(static_cast<std::size_t>(problem->columnCount));
-      result.position.resize(result.level.size());
-      result.rowMarginal.resize(static_cast<std::size_t>(problem->rowCount));
-      result.rowPosition.resize(result.rowMarginal.size());
+      faceOf(face).columns = static_cast<std::size_t>(problem->columnCount);
+      faceOf(face).rows = static_cast<std::size_t>(problem->rowCount);
     } else {
       putReason(why, reason, reasonSize);
     }
@@ -71,14 +69,7 @@ std::int32_t SolverFace::update(void* face, const SolverProblem* problem) {
 
 void SolverFace::solve(void* face, const ztbSolverLimits* limits, ztbSolverResult* result) {
   SolverResult& own = faceOf(face).result;
-  own.outcome = Outcome::failed;
-  own.hasPoint = false;
-  own.iterations = 0;
-  own.reason.clear();
-  std::ranges::fill(own.level, 0.0);
-  std::ranges::fill(own.position, Position::basic);
-  std::ranges::fill(own.rowMarginal, 0.0);
-  std::ranges::fill(own.rowPosition, Position::basic);
+  own.begin(faceOf(face).columns, faceOf(face).rows);
   try {
     faceOf(face).solver->solve(SolverLimits(*limits), own);
   } catch (const std::exception& error) {
@@ -91,11 +82,21 @@ void SolverFace::solve(void* face, const ztbSolverLimits* limits, ztbSolverResul
   result->outcome = static_cast<std::int32_t>(own.outcome);
   result->hasPoint = own.hasPoint ? 1 : 0;
   result->iterations = own.iterations;
+  result->bound = own.bound;
+  result->startTaken = own.startTaken ? 1 : 0;
+  result->hasColumnRay = own.columnRay.empty() ? 0 : 1;
+  result->hasRowRay = own.rowRay.empty() ? 0 : 1;
+  std::ranges::copy(own.columnRay, result->columnRay);
+  std::ranges::copy(own.rowRay, result->rowRay);
   std::ranges::copy(own.level, result->level);
   putPositions(own.position, result->position);
   std::ranges::copy(own.rowMarginal, result->rowMarginal);
   putPositions(own.rowPosition, result->rowPosition);
   putReason(own.reason, result->reason, result->reasonSize);
+}
+
+std::int32_t SolverFace::ranges(void* face, ztbSolverRanges* ranges) {
+  return attempted(nullptr, 0, [&] { return faceOf(face).solver->ranges(*ranges); });
 }
 
 }  // namespace lomu

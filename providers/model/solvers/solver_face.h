@@ -15,12 +15,15 @@ struct SolverFace {
 
   std::unique_ptr<Solver> solver;
   SolverResult result;  // kept, so that repeated solves allocate nothing
+  std::size_t columns = 0;
+  std::size_t rows = 0;
 
   static void free(void* face);
   static std::int32_t load(void* face, const SolverProblem* problem, char* reason,
                            std::int32_t reasonSize);
   static std::int32_t update(void* face, const SolverProblem* problem);
   static void solve(void* face, const ztbSolverLimits* limits, ztbSolverResult* result);
+  static std::int32_t ranges(void* face, ztbSolverRanges* ranges);
 };
 
 template <typename SolverClass>
@@ -37,6 +40,7 @@ inline constexpr ztbSolverFunctions solverFunctions = {
     .load = &SolverFace::load,
     .update = &SolverFace::update,
     .solve = &SolverFace::solve,
+    .ranges = &SolverFace::ranges,
 };
 
 }  // namespace lomu

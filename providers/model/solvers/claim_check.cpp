@@ -1,0 +1,186 @@
+#include "providers/model/solvers/claim_check.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "providers/model/solvers/linear_form.h"
+#include "providers/model/solvers/point_check.h"
+
+namespace lomu {
+
+namespace {
+
+// What rounding leaves of a sum, relative to its largest term.
+constexpr double kRounding = 1e-9;
+// How far a solver lets a point be outside.
+constexpr double kTolerance = 1e-6;
+// A level beyond this that is no bound is one that a solver ran to for want of an end.
+constexpr double kFarAway = 1e12;
+
+struct Sum {
+  double value = 0;
+  double largest = 0;
+
+  void add(double term) {
+    value += term;
+    largest = std::max(largest, std::abs(term));
+  }
+  [[nodiscard]] bool isRounding() const { return std::abs(value) <= kRounding * largest; }
+};
+
+Sum columnSum(const SolverProblem& problem, int j, const double* weights) {
+  Sum sum;
+  for (int e = problem.start[j]; e < problem.start[j + 1]; ++e) {
+    sum.add(weights[problem.rowOf[e]] * problem.value[e]);
+  }
+  return sum;
+}
+
+bool boundsCross(const SolverProblem& problem) {
+  const auto cross = [](const double* lower, const double* upper, int count) {
+    for (int k = 0; k < count; ++k) {
+      if (lower[k] > upper[k] || lower[k] == HUGE_VAL || upper[k] == -HUGE_VAL) return true;
+    }
+    return false;
+  };
+  return cross(problem.lower, problem.upper, problem.columnCount) ||
+         cross(problem.rowLower, problem.rowUpper, problem.rowCount);
+}
+
+// Whether the weighted rows are above anything that the columns reach. `sign` is that of the ray.
+bool isOutOfReach(const SolverProblem& problem, const std::vector<double>& ray, double sign) {
+  double size = 0;
+  for (const double weight : ray) size = std::max(size, std::abs(weight));
+  if (!(size > 0) || !std::isfinite(size)) return false;
+  std::vector<double> weights(ray.size());
+  double least = 0;  // of the weighted rows
+  double slack = 0;
+  double largest = 0;
+  for (std::size_t i = 0; i < ray.size(); ++i) {
+    const double weight = sign * ray[i] / size;
+    if (std::abs(weight) <= kRounding) continue;
+    const double side = weight > 0 ? problem.rowLower[i] : problem.rowUpper[i];
+    if (std::isinf(side)) return false;
+    weights[i] = weight;
+    least += weight * side;
+    largest = std::max(largest, std::abs(weight * side));
+    slack += kTolerance * std::abs(weight);
+  }
+  double most = 0;  // of the columns
+  for (int j = 0; j < problem.columnCount; ++j) {
+    const Sum sum = columnSum(problem, j, weights.data());
+    if (sum.value == 0) continue;
+    const double bound = sum.value > 0 ? problem.upper[j] : problem.lower[j];
+    if (std::isinf(bound)) {
+      if (sum.isRounding()) continue;
+      return false;
+    }
+    most += sum.value * bound;
+    largest = std::max(largest, sum.largest * std::abs(bound));
+    slack += kTolerance * std::abs(sum.value);
+  }
+  return least - most > slack + kRounding * largest;
+}
+
+bool fallsAlong(const SolverProblem& problem, const std::vector<double>& ray, double sign) {
+  double size = 0;
+  for (const double step : ray) size = std::max(size, std::abs(step));
+  if (!(size > 0) || !std::isfinite(size)) return false;
+  std::vector<Sum> activity(static_cast<std::size_t>(problem.rowCount));
+  Sum cost;
+  for (int j = 0; j < problem.columnCount; ++j) {
+    const double step = sign * ray[static_cast<std::size_t>(j)] / size;
+    if (step == 0) continue;
+    if (std::isfinite(step > 0 ? problem.upper[j] : problem.lower[j])) {
+      if (std::abs(step) <= kRounding) continue;
+      return false;
+    }
+    cost.add(problem.cost[j] * step);
+    for (int e = problem.start[j]; e < problem.start[j + 1]; ++e) {
+      activity[static_cast<std::size_t>(problem.rowOf[e])].add(problem.value[e] * step);
+    }
+  }
+  for (std::size_t i = 0; i < activity.size(); ++i) {
+    if (activity[i].isRounding()) continue;
+    if (std::isfinite(activity[i].value > 0 ? problem.rowUpper[i] : problem.rowLower[i])) {
+      return false;
+    }
+  }
+  return cost.value < -kTolerance * cost.largest;
+}
+
+}  // namespace
+
+bool provesInfeasible(const SolverProblem& problem, const std::vector<double>& rowRay) {
+  if (boundsCross(problem)) return true;
+  return std::ssize(rowRay) == problem.rowCount &&
+         (isOutOfReach(problem, rowRay, 1) || isOutOfReach(problem, rowRay, -1));
+}
+
+bool provesUnbounded(const SolverProblem& problem, const std::vector<double>& level,
+                     const std::vector<double>& columnRay) {
+  return std::ssize(columnRay) == problem.columnCount &&
+         (fallsAlong(problem, columnRay, 1) || fallsAlong(problem, columnRay, -1)) &&
+         violation(problem, level).empty();
+}
+
+std::string optimumDoubt(const SolverProblem& problem, const SolverResult& result) {
+  double gap = 0;
+  double size = 1;
+  for (int j = 0; j < problem.columnCount; ++j) {
+    const double level = result.level[static_cast<std::size_t>(j)];
+    const double lower = problem.lower[j];
+    const double upper = problem.upper[j];
+    size += std::abs(problem.cost[j] * level);
+    if (lower == upper) continue;
+    if (std::abs(level) > kFarAway && level != lower && level != upper) {
+      return "column " + std::to_string(j) + " is at " + std::to_string(level);
+    }
+    double marginal = problem.cost[j];
+    for (int e = problem.start[j]; e < problem.start[j + 1]; ++e) {
+      marginal -= result.rowMarginal[static_cast<std::size_t>(problem.rowOf[e])] * problem.value[e];
+    }
+    if (marginal == 0) continue;
+    const double way = marginal > 0 ? level - lower : upper - level;
+    gap += std::abs(marginal) * (std::isfinite(way) ? way : std::max(1.0, std::abs(level)));
+  }
+  for (std::size_t i = 0; i < result.rowMarginal.size(); ++i) {
+    const double marginal = result.rowMarginal[i];
+    if (marginal == 0) continue;
+    const bool isAtSide =
+        problem.rowLower[i] == problem.rowUpper[i] ||
+        result.rowPosition[i] == (marginal > 0 ? Position::atLower : Position::atUpper);
+    if (!isAtSide) gap += std::abs(marginal);
+  }
+  // Written so that a NaN is a doubt.
+  if (gap <= kTolerance * size) return {};
+  return "its marginals leave room for a better point";
+}
+
+std::string claimDoubt(const SolverProblem& problem, const SolverResult& result) {
+  LinearForm form;
+  std::string reason;
+  if (problem.productCount > 0 && !form.take(problem, reason)) return {};
+  const SolverProblem linear = problem.productCount > 0 ? form.problem() : problem;
+  switch (result.outcome) {
+    case Outcome::optimal: {
+      if (problem.hasIntegers != 0) return {};
+      const std::string doubt = optimumDoubt(linear, result);
+      return doubt.empty() ? doubt : "it claims an optimum, but " + doubt;
+    }
+    case Outcome::infeasible:
+      if (provesInfeasible(linear, result.rowRay)) return {};
+      return "it claims that no point exists, without a proof that holds";
+    case Outcome::unbounded:
+      if (problem.hasIntegers == 0 && provesUnbounded(linear, result.level, result.columnRay)) {
+        return {};
+      }
+      return "it claims that the objective has no end, without a proof that holds";
+    case Outcome::failed:
+      return "it gave up: " + result.reason;
+    default:
+      return {};
+  }
+}
+
+}  // namespace lomu

@@ -1,0 +1,36 @@
+// What a solver claims, held against the proof that it leaves: a ray or marginals. A proof has to
+// hold by more than the tolerances that solvers work with, so that no other solver may claim the
+// contrary.
+#ifndef ZTB_PROVIDERS_MODEL_SOLVERS_CLAIM_CHECK_H_
+#define ZTB_PROVIDERS_MODEL_SOLVERS_CLAIM_CHECK_H_
+
+#include <string>
+#include <vector>
+
+#include "providers/model/solver.h"
+
+namespace lomu {
+
+// For the functions below, a problem has no products but where a factor of each stands still.
+
+// Whether `rowRay`, or the same with the sign turned, gives a sum of the rows that the columns
+// cannot reach. An empty ray proves bounds that cross, and nothing else.
+bool provesInfeasible(const SolverProblem& problem, const std::vector<double>& rowRay);
+
+// Whether `level` is a point, and `columnRay`, or the same with the sign turned, a way from it that
+// stays within rows and bounds and lowers the cost.
+bool provesUnbounded(const SolverProblem& problem, const std::vector<double>& level,
+                     const std::vector<double>& columnRay);
+
+// Empty when the marginals of the rows prove that no point is better than the levels, to 1e-6 of
+// the terms of the objective, and no level is too large for its digits to tell anything; otherwise
+// what speaks against it.
+std::string optimumDoubt(const SolverProblem& problem, const SolverResult& result);
+
+// Empty when the outcome of `result` may be believed; otherwise why not. A limit is no claim; of an
+// optimum with integers nothing but its point can be looked at.
+std::string claimDoubt(const SolverProblem& problem, const SolverResult& result);
+
+}  // namespace lomu
+
+#endif  // ZTB_PROVIDERS_MODEL_SOLVERS_CLAIM_CHECK_H_

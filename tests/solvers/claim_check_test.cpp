@@ -1,0 +1,94 @@
+// Proofs that hold, and those that nearly do.
+#include "providers/model/solvers/claim_check.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "tests/solvers/small_model.h"
+
+namespace ztbtest {
+namespace {
+
+using lomu::provesInfeasible;
+using lomu::provesUnbounded;
+
+// x + y >= 4 and x - y <= -1 with x from 0 to 1, y from 0 to `most`: without a point while most is
+// below 3, for x + y is at most 1 + most.
+SmallModel narrow(double most) {
+  SmallModel model;
+  model.column(1, 0, 1);
+  model.column(1, 0, most);
+  model.row({1, 1}, 4, kInf);
+  model.row({1, -1}, -kInf, -1);
+  return model;
+}
+
+TEST(ClaimCheck, aRayOfTheRowsProvesThatNoPointExists) {
+  SmallModel model = narrow(2.5);
+  EXPECT_TRUE(provesInfeasible(model.problem(), {1, 0}));
+  EXPECT_TRUE(provesInfeasible(model.problem(), {-7, 0})) << "with the sign turned";
+  EXPECT_FALSE(provesInfeasible(model.problem(), {0, 1}));
+  EXPECT_FALSE(provesInfeasible(model.problem(), {0, 0}));
+  EXPECT_FALSE(provesInfeasible(model.problem(), {1}));
+  EXPECT_FALSE(provesInfeasible(model.problem(), {kInf, 0}));
+  EXPECT_FALSE(provesInfeasible(model.problem(), {}));
+}
+
+TEST(ClaimCheck, aRayProvesNothingWithinTheTolerance) {
+  SmallModel model = narrow(3);
+  EXPECT_FALSE(provesInfeasible(model.problem(), {1, 0}));
+  model.upper[1] = 3 - 1e-7;
+  EXPECT_FALSE(provesInfeasible(model.problem(), {1, 0}));
+  model.upper[1] = 3 - 1e-4;
+  EXPECT_TRUE(provesInfeasible(model.problem(), {1, 0}));
+}
+
+TEST(ClaimCheck, aColumnWithoutAnEndBreaksARay) {
+  SmallModel model = narrow(kInf);
+  EXPECT_FALSE(provesInfeasible(model.problem(), {1, 0}));
+}
+
+TEST(ClaimCheck, aRayOfTheColumnsProvesThatThereIsNoEnd) {
+  SmallModel model;
+  model.column(-1, 0, kInf);
+  model.column(0.5, 0, kInf);
+  model.row({1, -1}, -kInf, 3);
+  EXPECT_TRUE(provesUnbounded(model.problem(), {3, 0}, {2, 2}));
+  EXPECT_FALSE(provesUnbounded(model.problem(), {4, 0}, {2, 2})) << "from no point";
+  EXPECT_FALSE(provesUnbounded(model.problem(), {3, 0}, {2, 1})) << "leaves the row";
+  EXPECT_FALSE(provesUnbounded(model.problem(), {3, 0}, {0, 1})) << "raises the cost";
+  EXPECT_FALSE(provesUnbounded(model.problem(), {3, 0}, {}));
+  model.upper[1] = 1e9;
+  EXPECT_FALSE(provesUnbounded(model.problem(), {3, 0}, {2, 2})) << "leaves a bound";
+}
+
+// The ray of the live solvers of ours, each found by their own last step.
+class Rays : public testing::TestWithParam<const char*> {};
+
+TEST_P(Rays, areLeftByALiveSolver) {
+  SmallModel model = narrow(10);
+  const auto live = openSolver(GetParam());
+  std::string reason;
+  ASSERT_TRUE(live->load(model.problem(), reason)) << reason;
+  ASSERT_EQ(solveLive(*live, model).outcome, lomu::Outcome::optimal);
+
+  model.upper[1] = 2.5;
+  ASSERT_TRUE(live->update(model.problem()));
+  lomu::SolverResult result = solveLive(*live, model);
+  EXPECT_EQ(result.outcome, lomu::Outcome::infeasible);
+  EXPECT_TRUE(provesInfeasible(model.problem(), result.rowRay));
+
+  model.upper[1] = kInf;
+  model.cost[1] = -1;
+  ASSERT_TRUE(live->update(model.problem()));
+  result = solveLive(*live, model);
+  EXPECT_EQ(result.outcome, lomu::Outcome::unbounded);
+  EXPECT_TRUE(provesUnbounded(model.problem(), result.level, result.columnRay));
+}
+
+INSTANTIATE_TEST_SUITE_P(Solvers, Rays, testing::Values("clp", "glpk"),
+                         [](const auto& tested) { return std::string(tested.param); });
+
+}  // namespace
+}  // namespace ztbtest
