@@ -132,6 +132,8 @@ void* ztbModelPbi(ztbModel* model);
  *   IterationLimit  iterations that a solve may take, 0 to 2147483647; default 2147483647
  *   RelativeGap     relative distance from the best bound at which a search over integers may stop,
  *                   0 to 1; default 1e-9
+ *   UseStart        1: a search over integers begins with the levels of the columns as a solution;
+ *                   default 0
  * A get copies at most `size` bytes with the final zero. */
 int ztbModelSetOption(ztbModel* model, const char* name, const char* value);
 int ztbModelGetOption(ztbModel* model, const char* name, char* value, int size);
@@ -156,6 +158,11 @@ double ztbModelBound(ztbModel* model);
  * processor, in the thread that solved. */
 double ztbModelSeconds(ztbModel* model);
 double ztbModelProcessorSeconds(ztbModel* model);
+
+/* 1 if the last solve began with the solution that option UseStart asked for: the integers stood
+ * within their bounds and the rest of the columns could be completed to a point. Else 0, and always
+ * 0 for solvers other than cbc. */
+int ztbModelStartTaken(ztbModel* model);
 
 /* How many solves of this model were followed by a cold one so far: a live solver claimed something
  * without a proof that holds, or gave up, and the model was solved once more from the beginning.

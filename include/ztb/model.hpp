@@ -112,6 +112,8 @@ class Model {
   // Of the last solve: time by the wall clock, and of the processor.
   [[nodiscard]] double seconds() const { return ztbModelSeconds(handle_); }
   [[nodiscard]] double processorSeconds() const { return ztbModelProcessorSeconds(handle_); }
+  // Whether the last solve began with the solution that option UseStart asked for.
+  [[nodiscard]] bool startTaken() const { return ztbModelStartTaken(handle_) != 0; }
   // Solves that were followed by another one from the beginning, since nothing proved the first.
   [[nodiscard]] int coldSolves() const { return ztbModelColdSolves(handle_); }
   // Why the last call that failed did; empty when none did, and after a solve that worked.

@@ -250,6 +250,7 @@ const SolverProblem& Instance::solverProblem() {
   problem_.value = solverValue_.data();
   setProducts(problem_, linearized ? std::span<const SolverProduct>() : solverProducts_);
   problem_.level = solverLevel_.data();
+  problem_.levelIsStart = levelsAreStart_ ? 1 : 0;
   problem_.isSemiContinuous = isSemiContinuous_.empty() ? nullptr : isSemiContinuous_.data();
   problem_.sets = solverSets_.data();
   problem_.setCount = static_cast<std::int32_t>(solverSets_.size());

@@ -63,6 +63,8 @@ class Instance {
   void useAlternativeBounds(bool on) { alternativeBounds_ = on; }
   void useAlternativeRhs(bool on) { alternativeRhs_ = on; }
   void forceLinear(bool on) { forcedLinear_ = on; }
+  // Whether solvers are told to take the levels as a solution to begin with.
+  void useLevelsAsStart(bool on) { levelsAreStart_ = on; }
 
   // Records of columns and rows; REQUIRES hasColumn or hasRow for the functions below.
   SolutionRecord& column(int j) { return columns_[at(j)]; }
@@ -155,6 +157,7 @@ class Instance {
   bool alternativeBounds_ = false;
   bool alternativeRhs_ = false;
   bool forcedLinear_ = false;
+  bool levelsAreStart_ = false;
   std::vector<std::unique_ptr<View>> views_;
 
   int modelStatus_ = 13;

@@ -37,6 +37,8 @@ void LiveSolver::load(Model& model) {
     throw ModelError("solver \"" + row_.name + "\" solves " + kinds + "; the model is " +
                      std::string(kindOf(model.instance.type())));
   }
+  const bool wantsStart = model.environment->options().number(OptionId::useStart) != 0;
+  model.instance.useLevelsAsStart(wantsStart);
   std::string reason;
   if (!solver_.load(model.instance.solverProblem(), reason)) {
     throw ModelError("solver \"" + row_.name + "\" refused the model: " + reason);
@@ -64,6 +66,7 @@ void LiveSolver::solve(const SolverLimits& limits) {
                              "; solved once more from the beginning");
   }
   instance.takeResult(result_);
+  model_->startTaken = result_.startTaken;
 
   // The objective of a solve without a point would be that of an older one.
   std::array<char, 48> objective{};

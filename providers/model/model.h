@@ -25,6 +25,7 @@ struct Model {
   Dictionary dictionary;
   std::shared_ptr<Environment> environment;
   int coldSolves = 0;              // how often a live solver was not believed
+  bool startTaken = false;         // by the last solve
   double seconds = 0;              // of the last solve, by the wall clock
   double processorSeconds = 0;     // and by that of the thread
   std::string message;             // why the last solve or call failed

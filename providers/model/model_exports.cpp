@@ -261,6 +261,11 @@ MODEL_EXPORT double ztbModelProcessorSeconds(ztbModel* model) {
   return inUse ? model->model->processorSeconds : 0;
 }
 
+MODEL_EXPORT int ztbModelStartTaken(ztbModel* model) {
+  const bool inUse = model != nullptr && model->model != nullptr;
+  return inUse && model->model->startTaken ? 1 : 0;
+}
+
 MODEL_EXPORT int ztbModelColdSolves(ztbModel* model) {
   const bool inUse = model != nullptr && model->model != nullptr;
   return inUse ? model->model->coldSolves : 0;

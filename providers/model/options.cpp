@@ -24,6 +24,8 @@ constexpr std::array<OptionInfo, kOptionCount> kTable{{
      "iterations that a solve may take"},
     {"RelativeGap", OptionKind::real, 0, 1, "1e-9",
      "relative distance from the best bound at which a search over integers may stop"},
+    {"UseStart", OptionKind::whole, 0, 1, "0",
+     "1: a search over integers begins with the levels of the columns as a solution"},
 }};
 
 std::string quoted(std::string_view text) {

@@ -8,8 +8,16 @@
 
 namespace lomu {
 
-enum class OptionId { nameSysDir, logFile, logScreen, timeLimit, iterationLimit, relativeGap };
-inline constexpr std::size_t kOptionCount = 6;
+enum class OptionId {
+  nameSysDir,
+  logFile,
+  logScreen,
+  timeLimit,
+  iterationLimit,
+  relativeGap,
+  useStart
+};
+inline constexpr std::size_t kOptionCount = 7;
 
 enum class OptionKind { text, whole, real };
 

@@ -57,7 +57,7 @@ TEST(Options, RefuseWhatIsNotInTheirRange) {
 TEST(Options, RefuseUnknownNamesAndLongTexts) {
   EXPECT_EQ(refusal("Speed", "1"),
             "there is no option \"Speed\"; options are NameSysDir, LogFile, LogScreen, TimeLimit, "
-            "IterationLimit, RelativeGap");
+            "IterationLimit, RelativeGap, UseStart");
   EXPECT_EQ(refusal("LogFile", std::string(255, 'f')), "");
   EXPECT_EQ(refusal("LogFile", std::string(256, 'f')),
             "the value of option \"LogFile\" has 256 bytes, at most 255 are allowed");

@@ -85,4 +85,31 @@ TEST_P(Knapsacks, HaveTheOptimumOfTheSolversOwnPrograms) {
 
 INSTANTIATE_TEST_SUITE_P(Seeds, Knapsacks, testing::Range(1U, 9U));
 
+// max x + y, both integer from 0 to 3, 2 x + 2 y <= 7: 3.
+TEST(MipStart, IsTakenWhenItsIntegersCanBeCompleted) {
+  ztb::Model model;
+  model.setObjective("total", true);
+  const int x = model.addColumn("x", 0, 3, ztbColumnInteger);
+  const int y = model.addColumn("y", 0, 3, ztbColumnInteger);
+  const int row = model.addRow("room", ztbRowLessOrEqual, 7);
+  for (const int column : {x, y}) {
+    model.addTerm(0, column, 1);
+    model.addTerm(row, column, 2);
+  }
+  model.setOption("UseStart", "1");
+  ztb::Database database;
+  ztb::ModelTie tie(database, model);
+  ztb::Symbol start = database.addParameter("start", {});
+  for (const double level : {1.0, 3.0}) {
+    start.put({}, level);
+    for (const char* name : {"x", "y"}) {
+      tie.update(database.symbol(name), ztb::Action::level, start, ztb::Missing::keep);
+    }
+    tie.solve("cbc");
+    EXPECT_EQ(model.status(), ztbModelOptimal);
+    EXPECT_NEAR(model.objective(), 3, 1e-9);
+    EXPECT_EQ(model.startTaken(), level == 1) << "3 and 3 do not go in";
+  }
+}
+
 }  // namespace

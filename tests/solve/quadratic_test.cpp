@@ -21,7 +21,7 @@ TEST(Quadratic, TheNearestPointOfALine) {
   model.addTerm(row, y, 2);
   ztb::Database database;
   ztb::ModelTie(database, model).solve("ipopt");
-  EXPECT_EQ(model.status(), ztbModelLocallyOptimal);
+  EXPECT_EQ(model.status(), ztbModelOptimal);
   EXPECT_NEAR(model.objective(), 5, 1e-6);
   EXPECT_NEAR(database.symbol("x").find()->level(), 1, 1e-6);
   EXPECT_NEAR(database.symbol("y").find()->level(), 2, 1e-6);

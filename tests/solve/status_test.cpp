@@ -129,7 +129,7 @@ TEST_F(Catalogues, ALibraryOfAnotherVersionIsRefusedWithBothNamed) {
     write("older LP " + std::string(inPlace) + " " + libraries + "/libplain_older.so\n");
     EXPECT_EQ(failure(model_, "older"),
               "solver older did not solve the model: " + libraries +
-                  "/libplain_older.so has version 2 of the interface to solvers, expected "
+                  "/libplain_older.so has version 4 of the interface to solvers, expected "
                   "version " +
                   std::to_string(ztbSolverVersion));
   }

@@ -69,5 +69,13 @@ INSTANTIATE_TEST_SUITE_P(Problems, Netlib,
                                   std::get<1>(tested.param).name;
                          });
 
+// An interior method, on a problem whose entries are scaled badly.
+TEST(NetlibByIpopt, israel) {
+  SmallModel model = read(std::string(ZTB_NETLIB) + "/israel.mps");
+  const lomu::SolverResult result = solveFresh("ipopt", model);
+  ASSERT_EQ(result.outcome, lomu::Outcome::optimal) << result.reason;
+  EXPECT_NEAR(model.objective(result.level), -896644.82186, 1e-6 * 896644.82186);
+}
+
 }  // namespace
 }  // namespace ztbtest

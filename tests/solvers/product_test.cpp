@@ -25,13 +25,30 @@ TEST(Product, projectsAPointOnAPolygon) {
   model.row({-1, 2}, -2, kInf);
   model.products = {{kObjectiveRow, 0, 0, 1.0}, {kObjectiveRow, 1, 1, 1.0}};
   const SolverResult result = solveFresh("ipopt", model);
-  ASSERT_EQ(result.outcome, Outcome::locallyOptimal) << result.reason;
+  ASSERT_EQ(result.outcome, Outcome::optimal) << result.reason;
   EXPECT_NEAR(result.level[0], 1.4, 1e-6);
   EXPECT_NEAR(result.level[1], 1.7, 1e-6);
   EXPECT_NEAR(result.rowMarginal[0], 0.8, 1e-6);
   EXPECT_EQ(result.rowPosition[0], Position::atLower);
   EXPECT_EQ(result.rowMarginal[1], 0);
   EXPECT_EQ(result.rowPosition[1], Position::basic);
+}
+
+// (x + y)^2 + c x z with all columns from -1 to 1: curved upwards without the second term, and not
+// with it, however small c is.
+TEST(Product, ofAnObjectiveThatCurvesUpwardsHasABestPoint) {
+  SmallModel model;
+  for (int j = 0; j < 3; ++j) model.column(0.1 * j, -1, 1);
+  model.products = {
+      {kObjectiveRow, 0, 0, 1.0}, {kObjectiveRow, 0, 1, 2.0}, {kObjectiveRow, 1, 1, 1.0}};
+  EXPECT_EQ(solveFresh("ipopt", model).outcome, Outcome::optimal);
+  model.products.push_back({kObjectiveRow, 0, 2, 1e-3});
+  EXPECT_EQ(solveFresh("ipopt", model).outcome, Outcome::locallyOptimal);
+  // z^2 outweighs it, but the direction x = -y has nothing to set against x z.
+  model.products.push_back({kObjectiveRow, 2, 2, 1.0});
+  EXPECT_EQ(solveFresh("ipopt", model).outcome, Outcome::locallyOptimal);
+  model.products.push_back({kObjectiveRow, 1, 1, 1e-3});
+  EXPECT_EQ(solveFresh("ipopt", model).outcome, Outcome::optimal);
 }
 
 // min -x y, x + y <= 8: (4, 4), and a unit more is worth 4.

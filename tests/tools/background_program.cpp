@@ -72,6 +72,12 @@ bool BackgroundProgram::waitForFile(const std::string& prefix) {
   }
 }
 
+bool BackgroundProgram::goesOn() const {
+  siginfo_t ended{};
+  return waitid(P_PID, static_cast<id_t>(process_), &ended, WEXITED | WNOHANG | WNOWAIT) == 0 &&
+         ended.si_pid == 0;
+}
+
 std::vector<pid_t> BackgroundProgram::children() const {
   const std::string id = std::to_string(process_);
   std::ifstream in("/proc/" + id + "/task/" + id + "/children");

@@ -23,6 +23,8 @@ class BackgroundProgram {
   // Blocks until a file whose name begins with `prefix` was moved into place in the folder; false
   // if the program can have ended without one.
   bool waitForFile(const std::string& prefix);
+  pid_t process() const { return process_; }
+  bool goesOn() const;
   // The processes that it started and that still run.
   std::vector<pid_t> children() const;
   // Waits for a child that is not `known` and gives its process; 0 when the program has ended.

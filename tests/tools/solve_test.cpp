@@ -343,4 +343,37 @@ TEST_F(SolveTest, RefusesToFillWithWhatIsNoNumber) {
               {"solve", "m.mod", "--data", "d.rxf"});
 }
 
+// Three things, of which two go in: a and b are worth 9, a and c 7, b and c 6.
+constexpr const char* kThings = R"(Maximize
+ worth: 5 take(a) + 4 take(b) + 2 take(c)
+Subject To
+ room: take(a) + take(b) + take(c) <= 2
+Binaries
+ take(a) take(b) take(c)
+End
+)";
+
+TEST_F(SolveTest, BeginsWithAStartAndTellsWhetherItWasTaken) {
+  write("things.lp", kThings);
+  ztbFine({"solve", "things.lp", "--set", "take(a)=0", "--out", "start.rxf"});  // b and c
+  EXPECT_THAT(ztbFine({"solve", "things.lp", "--start", "start.rxf"}),
+              testing::AllOf(StartsWith("objective   9\n"), HasSubstr("\nstart       taken\n")));
+
+  // All three at once are no solution.
+  write("all.lp",
+        "Maximize\n worth: 5 take(a) + 4 take(b) + 2 take(c)\nSubject To\n"
+        " room: take(a) + take(b) + take(c) <= 3\nBinaries\n take(a) take(b) take(c)\nEnd\n");
+  ztbFine({"solve", "all.lp", "--out", "all.rxf"});
+  EXPECT_THAT(
+      ztbFine({"solve", "things.lp", "--start", "all.rxf"}),
+      testing::AllOf(StartsWith("objective   9\n"), HasSubstr("\nstart       not taken\n")));
+}
+
+TEST_F(SolveTest, RefusesAStartOfAnotherModel) {
+  write("things.lp", kThings);
+  ztbFine({"solve", "t.lp", "--out", "other.rxf"});
+  expectFails(1, "ztb: other.rxf: has no variable of the model to start from\n",
+              {"solve", "things.lp", "--start", "other.rxf"});
+}
+
 }  // namespace

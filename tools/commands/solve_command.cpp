@@ -1,6 +1,8 @@
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdio>
 #include <memory>
 #include <optional>
@@ -17,6 +19,7 @@
 #include "tools/files/standard_streams.h"
 #include "tools/models/model_input.h"
 #include "tools/models/model_session.h"
+#include "tools/models/solve_interrupt.h"
 #include "tools/text/failure.h"
 #include "tools/text/number_text.h"
 #include "tools/text/output.h"
@@ -33,6 +36,7 @@ struct SolveOptions {
   std::string modelData;
   std::string data;
   std::string solver;
+  std::string start;
   std::string out;
   std::vector<std::string> settings;
   std::vector<std::string> shown;
@@ -106,8 +110,19 @@ std::string withoutSolution(const ztb::Model& model) {
                                  : fmt::format("no solution: {}", status);
 }
 
+// How far from the best a solution may be that a limit or a signal left.
+void printBound(const ztb::Model& model) {
+  const double bound = model.bound();
+  if (!std::isfinite(bound)) return;
+  print(fmt::format("bound       {}\n", NumberText(bound).view()));
+  if (!model.hasSolution()) return;
+  const double distance = std::abs(model.objective() - bound);
+  print(fmt::format("gap         {:.3g} %\n",
+                    100 * distance / std::max(1e-9, std::abs(model.objective()))));
+}
+
 void run(const SolveOptions& options) {
-  refuseReplacing({options.model, options.modelData, options.data}, options.out);
+  refuseReplacing({options.model, options.modelData, options.data, options.start}, options.out);
   OutputFile output(options.out);
   Progress progress;
   progress.step("reading " + options.model);
@@ -125,12 +140,13 @@ void run(const SolveOptions& options) {
   ModelInput input(session);
   if (data) input.applyFile(*data, filling);
   for (const std::string& setting : options.settings) input.applySetting(setting);
+  if (!options.start.empty()) input.applyStart(options.start);
 
   const std::string solver = options.solver.empty() ? session.standardSolver() : options.solver;
   progress.step("solving with " + solver);
-  double seconds = 0;
   try {
-    seconds = session.tie().solve(solver);
+    const SolveInterrupt interrupt(session.model());
+    session.tie().solve(solver);
   } catch (const ztb::Error& error) {
     throw Failure(withFile(options.model, error.what()));
   }
@@ -151,8 +167,13 @@ void run(const SolveOptions& options) {
   }
   print(fmt::format("status      {}, {}\n", ztbModelStatusText(model.status()),
                     ztbModelSolveStatusText(model.solveStatus())));
-  print(fmt::format("solver      {}\ntime        {:.3f} s\niterations  {:.0f}\n", solver, seconds,
-                    model.iterations()));
+  if (model.status() == ztbModelFeasible || !model.hasSolution()) printBound(model);
+  if (!options.start.empty()) {
+    print(fmt::format("start       {}\n", model.startTaken() ? "taken" : "not taken"));
+  }
+  print(fmt::format(
+      "solver      {}\ntime        {:.3f} s\nprocessor   {:.3f} s\niterations  {:.0f}\n", solver,
+      model.seconds(), model.processorSeconds(), model.iterations()));
   if (!model.hasSolution()) {
     throw Failure(withFile(options.model, withoutSolution(model)));
   }
@@ -183,6 +204,11 @@ void addSolveCommand(CommandLine& line) {
       .text("--solver", options->solver,
             "Solver of the catalogue; without it clp for linear models, cbc with "
             "integers, ipopt with products of columns")
+      .notEmpty();
+  command
+      .text("--start", options->start,
+            "RXF file: a search over integers by cbc begins with the levels of its variables")
+      .typeName("FILE")
       .notEmpty();
   command.texts("--option", options->options, "Option of the solver, as in TimeLimit=60");
   command

@@ -108,6 +108,24 @@ void ModelInput::applyFile(const ExchangeFile& file, const ModelFills* fills) {
   for (const FileSymbol* source : parameters) applyParameter(file, *source);
 }
 
+void ModelInput::applyStart(const std::string& path) {
+  const ExchangeFile file(path);
+  MemoryRoom room(file);
+  bool found = false;
+  for (const FileSymbol& source : file.symbols()) {
+    if (source.isAlias() || source.type != ztb::Type::variable) continue;
+    const std::optional<ztb::Symbol> target = session_.database().findSymbol(source.name);
+    const bool fits =
+        target && target->type() == ztb::Type::variable && target->dimension() == source.dimension;
+    if (!fits) continue;
+    room.take(source);
+    applyField(file, source, *target, ztb::Action::level, levelField);
+    found = true;
+  }
+  if (!found) throw Failure(withFile(path, "has no variable of the model to start from"));
+  session_.model().setOption("UseStart", "1");
+}
+
 void ModelInput::applyParameter(const ExchangeFile& file, const FileSymbol& source) {
   try {
     ztb::Symbol target = session_.parameter(source.name, source.dimension);

@@ -23,6 +23,9 @@ class ModelInput {
   void applyFile(const std::string& path);
   void applyFile(const ExchangeFile& file, const ModelFills* fills);
 
+  // Applies the levels of the variables of an RXF file, as a solution to begin with.
+  void applyStart(const std::string& path);
+
   // Applies "demand[oslo]=30": a parameter that drives columns, or a variable, which is fixed.
   // Throws UsageError for a text that cannot be read, Failure for what the model does not have.
   void applySetting(const std::string& setting);

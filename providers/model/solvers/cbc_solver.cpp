@@ -33,6 +33,7 @@ void CbcSolver::solve(const SolverLimits& limits, SolverResult& result) {
     Watch watch(limits);
     CbcEngine engine;
     engine.take(form_);
+    if (problem_.levelIsStart != 0) engine.setStart(problem_.level);
     solveWithIntegers(engine, form_, watch, result);
     confirmPoint(problem_, result);
     return;

@@ -372,6 +372,11 @@ int GlpkProgram::search(const Job& job) {
 void GlpkProgram::askInSearch(glp_tree* tree, void* context) {
   auto* job = static_cast<Job*>(context);
   const int used = glp_get_it_cnt(glp_ios_get_prob(tree));
+  const int best = glp_ios_best_node(tree);
+  if (best != 0) job->result->bound = glp_ios_node_bound(tree, best);
+  glp_prob* const problem = glp_ios_get_prob(tree);
+  const bool hasPoint = glp_mip_status(problem) == GLP_FEAS;
+  job->watch->tell(hasPoint ? glp_mip_obj_val(problem) : HUGE_VAL, job->result->bound);
   if (job->watch->mustStop() || used >= job->iterationLimit) glp_ios_terminate(tree);
 }
 
@@ -379,7 +384,7 @@ void GlpkProgram::searchIntegers(Watch& watch, SolverResult& result) {
   const int before = glp_get_it_cnt(problem_);
   const double most =
       std::min(2147483647.0, static_cast<double>(before) + watch.iterationsLeft(iterations_));
-  Job job{this, Task::search, &watch, 0, static_cast<int>(most), 0, nullptr};
+  Job job{this, Task::search, &watch, 0, static_cast<int>(most), 0, &result};
   result.hasPoint = false;
   if (!call(job)) {
     result.outcome = Outcome::failed;
@@ -391,6 +396,7 @@ void GlpkProgram::searchIntegers(Watch& watch, SolverResult& result) {
   result.hasPoint = status == GLP_OPT || status == GLP_FEAS;
   if (job.code == 0 || job.code == GLP_EMIPGAP) {
     result.outcome = result.hasPoint ? Outcome::optimal : Outcome::infeasible;
+    if (job.code == 0) result.bound = -HUGE_VAL;  // the best point tells it
   } else if (job.code == GLP_ETMLIM) {
     result.outcome = Outcome::timeLimit;
   } else if (job.code == GLP_ESTOP) {

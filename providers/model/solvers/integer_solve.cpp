@@ -18,6 +18,8 @@ void decideUnbounded(IntegerEngine& engine, const LinearForm& form, Watch& watch
   engine.solveLinear(watch, result);
   result.iterations += before;
   if (result.outcome == Outcome::optimal) engine.searchIntegers(watch, result);
+  result.rowRay.clear();
+  result.columnRay.clear();
   if (result.outcome == Outcome::optimal) result.outcome = Outcome::unbounded;
   result.hasPoint = false;
 }
@@ -61,7 +63,18 @@ void solveFixed(IntegerEngine& engine, const LinearForm& form, SolverResult& res
 
 void solveWithIntegers(IntegerEngine& engine, const LinearForm& form, Watch& watch,
                        SolverResult& result) {
+  if (form.hasIntegers && !engine.needsLinearFirst()) {
+    engine.searchIntegers(watch, result);
+    if (result.hasPoint) {
+      solveFixed(engine, form, result);
+      return;
+    }
+    if (result.outcome != Outcome::infeasible && result.outcome != Outcome::failed) return;
+  }
+  const Outcome searched = result.outcome;
+  const double iterations = result.iterations;
   engine.solveLinear(watch, result);
+  result.iterations += iterations;
   if (!form.hasIntegers) return;
   if (result.outcome == Outcome::unbounded) {
     decideUnbounded(engine, form, watch, result);
@@ -69,6 +82,10 @@ void solveWithIntegers(IntegerEngine& engine, const LinearForm& form, Watch& wat
   }
   result.hasPoint = false;
   if (result.outcome != Outcome::optimal) return;
+  if (!engine.needsLinearFirst()) {
+    result.outcome = searched;
+    return;
+  }
   engine.searchIntegers(watch, result);
   if (result.hasPoint) solveFixed(engine, form, result);
 }

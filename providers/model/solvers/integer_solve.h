@@ -1,6 +1,7 @@
-// Problems with integers, the same way for every engine: the problem without integrality first, for
-// it tells infeasible from unbounded, then the search, then the linear problem with the integers
-// fixed at the point found, which gives levels, positions and marginals.
+// Problems with integers, the same way for every engine: the problem without integrality first,
+// where the search does not solve it itself, then the search, then the linear problem with the
+// integers fixed at the point found, which gives levels, positions and marginals. Where there is no
+// point, the problem without integrality tells infeasible from unbounded.
 #ifndef ZTB_PROVIDERS_MODEL_SOLVERS_INTEGER_SOLVE_H_
 #define ZTB_PROVIDERS_MODEL_SOLVERS_INTEGER_SOLVE_H_
 
@@ -21,8 +22,9 @@ class IntegerEngine {
   // Solves without integrality. REQUIRES bounds that do not cross and a matrix that is not zero.
   virtual void solveLinear(Watch& watch, SolverResult& result) = 0;
   // Searches for the best point with integers. Fills outcome, hasPoint and levels, and adds to the
-  // iterations. REQUIRES that solveLinear just found an optimum.
+  // iterations. REQUIRES, where it needs one, that solveLinear just found an optimum.
   virtual void searchIntegers(Watch& watch, SolverResult& result) = 0;
+  [[nodiscard]] virtual bool needsLinearFirst() const { return true; }
 };
 
 // Solves what `engine` holds, which is `form`; at the end it holds a form of the same shape.

@@ -106,6 +106,46 @@ bool IpoptProblem::get_bounds_info(int columns, double* lower, double* upper, in
   return true;
 }
 
+bool IpoptProblem::get_scaling_parameters(double& objectiveScale, bool& useColumns, int columns,
+                                          double* columnScale, bool& useRows, int rows,
+                                          double* rowScale) {
+  constexpr int kPasses = 4;
+  useColumns = useRows = true;
+  std::fill(columnScale, columnScale + columns, 1.0);
+  std::fill(rowScale, rowScale + rows, 1.0);
+  // An entry is value * rowScale / columnScale, for Ipopt multiplies the columns' levels.
+  const auto balance = [&](int count, const auto& placeOf, const auto& apply) {
+    std::vector<double> least(at(count), HUGE_VAL);
+    std::vector<double> most(at(count), 0.0);
+    for (const Entry& entry : jacobian_) {
+      const double value =
+          entry.factor == kNowhere ? entry.value : entry.value * level_[at(entry.factor)];
+      const double size = std::abs(value) * rowScale[entry.row] / columnScale[entry.column];
+      if (size == 0) continue;
+      const std::size_t place = at(placeOf(entry));
+      least[place] = std::min(least[place], size);
+      most[place] = std::max(most[place], size);
+    }
+    for (std::size_t k = 0; k < most.size(); ++k) {
+      if (most[k] > 0) apply(k, std::sqrt(least[k] * most[k]));
+    }
+  };
+  for (int pass = 0; pass < kPasses; ++pass) {
+    balance(
+        rows, [](const Entry& e) { return e.row; },
+        [&](std::size_t i, double mean) { rowScale[i] /= mean; });
+    balance(
+        columns, [](const Entry& e) { return e.column; },
+        [&](std::size_t j, double mean) { columnScale[j] *= mean; });
+  }
+  double largest = 0;
+  for (std::size_t k = 0; k < moving_.size(); ++k) {
+    largest = std::max(largest, std::abs(problem_.cost[moving_[k]]) / columnScale[k]);
+  }
+  objectiveScale = largest > 0 ? 1 / largest : 1;
+  return true;
+}
+
 bool IpoptProblem::get_starting_point(int columns, bool /*wantsX*/, double* x, bool /*wantsZ*/,
                                       double* /*zLower*/, double* /*zUpper*/, int /*rows*/,
                                       bool /*wantsLambda*/, double* /*lambda*/) {

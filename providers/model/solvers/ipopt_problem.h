@@ -24,6 +24,8 @@ class IpoptProblem : public Ipopt::TNLP {
   // Whether the product of two columns that move is in a row, or in the objective.
   [[nodiscard]] bool rowsHaveProducts() const { return rowsHaveProducts_; }
   [[nodiscard]] bool objectiveHasProducts() const { return objectiveHasProducts_; }
+  // The products of columns that both move.
+  [[nodiscard]] const std::vector<SolverProduct>& curved() const { return curved_; }
 
   // What Ipopt left: levels of all columns, marginals of all rows, iterations.
   [[nodiscard]] const std::vector<double>& level() const { return level_; }
@@ -35,6 +37,10 @@ class IpoptProblem : public Ipopt::TNLP {
                     IndexStyleEnum& style) override;
   bool get_bounds_info(int columns, double* lower, double* upper, int rows, double* rowLower,
                        double* rowUpper) override;
+  // Of a linear problem: rows and columns each with entries around 1.
+  bool get_scaling_parameters(double& objectiveScale, bool& useColumns, int columns,
+                              double* columnScale, bool& useRows, int rows,
+                              double* rowScale) override;
   bool get_starting_point(int columns, bool wantsX, double* x, bool wantsZ, double* zLower,
                           double* zUpper, int rows, bool wantsLambda, double* lambda) override;
   bool eval_f(int columns, const double* x, bool isNew, double& value) override;

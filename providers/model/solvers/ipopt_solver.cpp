@@ -2,13 +2,12 @@
 
 #include <IpIpoptApplication.hpp>
 #include <algorithm>
-#include <chrono>
 #include <cmath>
 #include <exception>
 #include <mutex>
-#include <thread>
 
 #include "providers/model/solvers/column_by_column.h"
+#include "providers/model/solvers/convexity.h"
 #include "providers/model/solvers/ipopt_problem.h"
 #include "providers/model/solvers/point_check.h"
 #include "providers/model/solvers/solver_face.h"
@@ -24,18 +23,11 @@ constexpr double kAtBound = 1e-6;
 // without an end; nothing that converges takes as many iterations.
 constexpr double kDiverged = 1e12;
 constexpr int kMostIterations = 10000;
+// Nothing linear that Ipopt solves takes more than a few dozen.
+constexpr int kMostLinearIterations = 500;
 
 // Ipopt's linear solver keeps its state in variables of the process: one run at a time.
 std::mutex turn;
-
-// Waits until no other thread is in Ipopt; false, with nothing held, when `watch` says stop before.
-bool waitForTurn(Watch& watch) {
-  while (!turn.try_lock()) {
-    if (watch.mustStop()) return false;
-    std::this_thread::sleep_for(std::chrono::milliseconds(1));
-  }
-  return true;
-}
 
 Position positionOf(double level, double lower, double upper) {
   const auto near = [&](double side) {
@@ -47,16 +39,25 @@ Position positionOf(double level, double lower, double upper) {
   return near(lower) ? Position::atLower : Position::basic;
 }
 
-void setOptions(Ipopt::IpoptApplication& application, int iterations, bool linearRows) {
+bool isLinear(const IpoptProblem& problem) {
+  return !problem.rowsHaveProducts() && !problem.objectiveHasProducts();
+}
+
+int mostIterations(const IpoptProblem& problem) {
+  return isLinear(problem) ? kMostLinearIterations : kMostIterations;
+}
+
+void setOptions(Ipopt::IpoptApplication& application, int iterations, const IpoptProblem& problem) {
   const Ipopt::SmartPtr<Ipopt::OptionsList> options = application.Options();
   options->SetIntegerValue("print_level", 0);
   options->SetStringValue("sb", "yes");
   options->SetStringValue("linear_solver", "mumps");
-  options->SetIntegerValue("max_iter", std::min(iterations, kMostIterations));
+  options->SetIntegerValue("max_iter", std::min(iterations, mostIterations(problem)));
   options->SetNumericValue("diverging_iterates_tol", kDiverged);
   options->SetNumericValue("tol", 1e-9);
   options->SetNumericValue("bound_relax_factor", 1e-9);
-  if (!linearRows) return;
+  if (isLinear(problem)) options->SetStringValue("nlp_scaling_method", "user-scaling");
+  if (problem.rowsHaveProducts()) return;
   options->SetStringValue("jac_c_constant", "yes");
   options->SetStringValue("jac_d_constant", "yes");
   options->SetStringValue("hessian_constant", "yes");
@@ -115,7 +116,7 @@ void IpoptSolver::solveWithin(Watch& watch, SolverResult& result) {
     return;
   }
   const bool limited = first.outcome != Outcome::optimal;
-  if (!limited && (first.rowsHaveProducts || first.objectiveHasProducts)) {
+  if (!limited && !first.isConvex) {
     result.outcome = Outcome::locallyOptimal;
   }
   result.hasPoint = first.hasPoint;
@@ -128,6 +129,7 @@ IpoptSolver::Run IpoptSolver::run(const SolverProblem& problem, Watch& watch,
   const Ipopt::SmartPtr<IpoptProblem> asked = new IpoptProblem(problem, watch);
   run.rowsHaveProducts = asked->rowsHaveProducts();
   run.objectiveHasProducts = asked->objectiveHasProducts();
+  run.isConvex = !run.rowsHaveProducts && curvesUpwards(asked->curved(), problem.columnCount);
   if (!asked->anythingMoves()) {
     result.level = asked->level();
     std::fill(result.rowMarginal.begin(), result.rowMarginal.end(), 0.0);
@@ -135,6 +137,7 @@ IpoptSolver::Run IpoptSolver::run(const SolverProblem& problem, Watch& watch,
     run.outcome = run.localInfeasibility ? Outcome::failed : Outcome::optimal;
     run.hasPoint = true;
     run.rowsHaveProducts = run.objectiveHasProducts = false;
+    run.isConvex = true;
     return run;
   }
   if (watch.mustStop()) {
@@ -142,14 +145,14 @@ IpoptSolver::Run IpoptSolver::run(const SolverProblem& problem, Watch& watch,
     return run;
   }
 
-  if (!waitForTurn(watch)) {
+  std::unique_lock<std::mutex> lock(turn, std::defer_lock);
+  if (!watch.waitFor(lock)) {
     run.outcome = watch.reason();
     return run;
   }
-  const std::lock_guard lock(turn, std::adopt_lock);
   // Made without a console; no file of options is read.
   const Ipopt::SmartPtr<Ipopt::IpoptApplication> application = new Ipopt::IpoptApplication(false);
-  setOptions(*application, watch.iterationsLeft(result.iterations), !run.rowsHaveProducts);
+  setOptions(*application, watch.iterationsLeft(result.iterations), *asked);
   if (application->Initialize("") != Ipopt::Solve_Succeeded) {
     result.reason = "ipopt does not start";
     return run;
@@ -168,8 +171,9 @@ IpoptSolver::Run IpoptSolver::run(const SolverProblem& problem, Watch& watch,
       break;
     case Ipopt::Maximum_Iterations_Exceeded:
       run.outcome =
-          asked->iterations() < kMostIterations ? Outcome::iterationLimit : Outcome::failed;
-      result.reason = "ipopt came to no end in " + std::to_string(kMostIterations) + " iterations";
+          asked->iterations() < mostIterations(*asked) ? Outcome::iterationLimit : Outcome::failed;
+      result.reason =
+          "ipopt came to no end in " + std::to_string(mostIterations(*asked)) + " iterations";
       break;
     case Ipopt::Maximum_CpuTime_Exceeded:
       run.outcome = Outcome::timeLimit;

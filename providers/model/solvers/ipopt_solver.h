@@ -29,6 +29,7 @@ class IpoptSolver : public Solver {
     bool diverged = false;
     bool rowsHaveProducts = false;
     bool objectiveHasProducts = false;
+    bool isConvex = false;  // a local optimum is a global one
   };
 
   void solveWithin(Watch& watch, SolverResult& result);

@@ -1,6 +1,7 @@
 #include "providers/model/solvers/watch.h"
 
 #include <algorithm>
+#include <thread>
 
 namespace lomu {
 
@@ -21,6 +22,14 @@ bool Watch::mustStop() {
     reason_ = Outcome::timeLimit;
   }
   return stopped_;
+}
+
+bool Watch::waitFor(std::unique_lock<std::mutex>& lock) {
+  while (!lock.try_lock()) {
+    if (mustStop()) return false;
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
+  return true;
 }
 
 double Watch::secondsLeft() const {

@@ -3,6 +3,7 @@
 #define ZTB_PROVIDERS_MODEL_SOLVERS_WATCH_H_
 
 #include <chrono>
+#include <mutex>
 
 #include "providers/model/solver.h"
 
@@ -15,6 +16,12 @@ class Watch {
 
   // True once the time is over or the caller wants an end; stays true from then on.
   bool mustStop();
+  // Waits for a lock; false, without it, when mustStop() comes first.
+  bool waitFor(std::unique_lock<std::mutex>& lock);
+  // Tells the caller how far a search is; the values are those of the minimized problem.
+  void tell(double objective, double bound) const {
+    if (limits_.progress != nullptr) limits_.progress(limits_.context, objective, bound);
+  }
   // Why mustStop() is true: timeLimit or terminated.
   [[nodiscard]] Outcome reason() const { return reason_; }
   [[nodiscard]] bool stopped() const { return stopped_; }

@@ -1,0 +1,200 @@
+"""Fresh solves beside each solver's own program: processor time of the whole run, reading included.
+
+    fresh_solve.py ZTB WORKING_FOLDER [MPS files and folders ...]
+
+Each problem is run by `ztb solve` and by clp, cbc and glpsol in turn, the least of three runs counts,
+and the objectives are compared. Problems are the netlib files beside the project, where they are,
+some made here (see MADE), and those named.
+"""
+
+import math
+import os
+import pathlib
+import random
+import re
+import subprocess
+import sys
+
+RUNS = 3
+SECONDS = 120
+PROGRAMS = {
+    "clp": lambda file: ["clp", file],
+    "cbc": lambda file: ["cbc", file, "-ratioGap", "1e-9", "-solve", "-quit"],
+    "glpk": lambda file: ["glpsol", "--freemps", file, "-o", "/dev/stdout"],
+}
+OBJECTIVE = {
+    "clp": re.compile(r"Optimal objective (\S+)"),
+    "cbc": re.compile(r"^(?:Optimal objective|Objective value:) +(\S+)", re.MULTILINE),
+    "glpk": re.compile(r"^Objective: .* = (\S+)", re.MULTILINE),
+    "ztb": re.compile(r"^objective +(\S+)", re.MULTILINE),
+}
+
+
+class Problem:
+    """Columns as (cost, upper bound or None, {row: value}), the first of them integer."""
+
+    def __init__(self, rows, columns, integers=0):
+        self.rows, self.columns, self.integers = rows, columns, integers
+
+    def write(self, file):
+        lines = ["NAME          MADE", "ROWS", " N  cost"]
+        lines += [f" {kind}  r{i}" for i, (kind, _) in enumerate(self.rows)]
+        lines.append("COLUMNS")
+        for j, (cost, _, entries) in enumerate(self.columns):
+            if j == 0 and self.integers:
+                lines.append("    M1        'MARKER'                 'INTORG'")
+            if j == self.integers and self.integers:
+                lines.append("    M2        'MARKER'                 'INTEND'")
+            lines.append(f"    {f'x{j}':<10}{'cost':<10}{cost:>12}")
+            lines += [f"    {f'x{j}':<10}{f'r{i}':<10}{v:>12}" for i, v in entries.items()]
+        if self.integers >= len(self.columns):
+            lines.append("    M2        'MARKER'                 'INTEND'")
+        lines.append("RHS")
+        lines += [f"    {'rhs':<10}{f'r{i}':<10}{v:>12}" for i, (_, v) in enumerate(self.rows) if v]
+        lines.append("BOUNDS")
+        for j, (_, upper, _) in enumerate(self.columns):
+            if upper is not None:
+                lines.append(f" UP {'b':<10}{f'x{j}':<10}{upper:>12}")
+        lines.append("ENDATA")
+        file.write_text("\n".join(lines) + "\n")
+
+
+def facility(places, clients, seed):
+    """Which places to open, with capacities; each client is served in shares."""
+    r = random.Random(seed)
+    need = [r.randint(5, 35) for _ in range(clients)]
+    rows = [("E", 1)] * clients + [("L", 0)] * (places + places * clients)
+    opened = [(r.randint(100, 200), 1, {clients + p: -r.randint(60, 160)}) for p in range(places)]
+    served = []
+    for p in range(places):
+        for c in range(clients):
+            link = clients + places + p * clients + c
+            opened[p][2][link] = -1
+            cost = round(r.uniform(1, 10) * need[c], 3)
+            served.append((cost, None, {c: 1, clients + p: need[c], link: 1}))
+    return Problem(rows, opened + served, places)
+
+
+def knapsacks(rows, things, seed):
+    """Several knapsacks at once."""
+    r = random.Random(seed)
+    columns = []
+    for _ in range(things):
+        size = [r.randint(5, 1000) for _ in range(rows)]
+        columns.append((-(sum(size) // rows + r.randint(1, 100)), 1, dict(enumerate(size))))
+    room = [("L", sum(c[2][i] for c in columns) // 2) for i in range(rows)]
+    return Problem(room, columns, things)
+
+
+def cover(rows, sets, seed):
+    """The cheapest sets that cover all rows."""
+    r = random.Random(seed)
+    columns = [
+        (r.randint(1, 100), 1, {i: 1 for i in r.sample(range(rows), max(2, rows // 40))})
+        for _ in range(sets)
+    ]
+    for i in range(rows):
+        columns[i % sets][2][i] = 1
+    return Problem([("G", 1)] * rows, columns, sets)
+
+
+def transport(sources, targets, seed):
+    """From sources to targets."""
+    r = random.Random(seed)
+    need = [r.randint(5, 50) for _ in range(targets)]
+    rows = [("L", sum(need) * 2 // sources + r.randint(0, 20)) for _ in range(sources)]
+    rows += [("G", n) for n in need]
+    columns = [
+        (r.randint(1, 500), None, {s: 1, sources + t: 1})
+        for s in range(sources)
+        for t in range(targets)
+    ]
+    return Problem(rows, columns)
+
+
+def production(products, periods, seed):
+    """Products over periods with stocks and twelve machines."""
+    r = random.Random(seed)
+    use = [[round(r.random(), 3) for _ in range(12)] for _ in range(products)]
+    rows = [("E", r.randint(10, 100)) for _ in range(products * periods)]
+    rows += [
+        ("L", round(60 * sum(u[k] for u in use), 2)) for _ in range(periods) for k in range(12)
+    ]
+    columns = []
+    for p in range(products):
+        for t in range(periods):
+            here = p * periods + t
+            machines = {products * periods + t * 12 + k: use[p][k] for k in range(12)}
+            columns.append((round(r.uniform(5, 15), 3), None, {here: 1} | machines))
+            kept = {here + 1: 1} if t + 1 < periods else {}
+            columns.append((round(r.uniform(0.1, 1), 3), None, {here: -1} | kept))
+            columns.append((100, None, {here: 1}))
+    return Problem(rows, columns)
+
+
+MADE = {
+    "facility": lambda: facility(10, 30, 1),
+    "knapsacks": lambda: knapsacks(5, 28, 3),
+    "puzzle": lambda: knapsacks(1, 12, 5),
+    "cover": lambda: cover(150, 400, 2),
+    "transport": lambda: transport(60, 200, 6),
+    "production": lambda: production(40, 40, 7),
+}
+
+
+def run(command):
+    """What a command prints, and its processor time; None when it takes too long."""
+    before = os.times()
+    try:
+        done = subprocess.run(command, capture_output=True, text=True, timeout=SECONDS, check=False)
+    except subprocess.TimeoutExpired:
+        return None
+    after = os.times()
+    used = after.children_user - before.children_user
+    used += after.children_system - before.children_system
+    return done.stdout, used
+
+
+def best_of(command):
+    runs = [run(command) for _ in range(RUNS)]
+    if None in runs:
+        return None
+    return runs[0][0], min(used for _, used in runs)
+
+
+def number(pattern, text):
+    found = pattern.search(text)
+    return float(found.group(1)) if found else math.nan
+
+
+def main():
+    program, folder = sys.argv[1], pathlib.Path(sys.argv[2])
+    files = []
+    for made, problem in MADE.items():
+        files.append(folder / f"{made}.mps")
+        problem().write(files[-1])
+    for given in map(pathlib.Path, sys.argv[3:]):
+        files += sorted(given.glob("*.mps")) if given.is_dir() else [given]
+    for solver, command in PROGRAMS.items():
+        print(f"\n{'fresh solve by ' + solver:<26}{'own program':>12}{'ztb solve':>12}{'ratio':>8}")
+        ratios = []
+        for file in files:
+            if solver == "clp" and "'MARKER'" in file.read_text():
+                continue
+            own = best_of(command(str(file)))
+            ours = best_of([program, "solve", str(file), "--solver", solver])
+            if own is None or ours is None:
+                print(f"{file.stem:<26}longer than {SECONDS} s")
+                continue
+            expected = number(OBJECTIVE[solver], own[0])
+            told = number(OBJECTIVE["ztb"], ours[0])
+            ratio = ours[1] / max(own[1], 1e-3)
+            ratios.append(ratio)
+            same = abs(told - expected) <= 1e-6 * max(1, abs(expected))
+            note = "" if same else f"  {told} instead of {expected}"
+            print(f"{file.stem:<26}{own[1]:>10.3f} s{ours[1]:>10.3f} s{ratio:>8.2f}{note}")
+        mean = math.exp(sum(map(math.log, ratios)) / len(ratios))
+        print(f"{'geometric mean':<26}{'':>24}{mean:>8.2f}")
+
+
+main()

@@ -1,0 +1,27 @@
+// SIGINT and SIGTERM during a solve end the solve, and not the process: the best point found so far
+// is kept.
+#ifndef ZTB_TOOLS_MODELS_SOLVE_INTERRUPT_H_
+#define ZTB_TOOLS_MODELS_SOLVE_INTERRUPT_H_
+
+#include <csignal>
+#include <ztb/model.hpp>
+
+namespace tool {
+
+// Holds while it lives, for one model of the process at a time. A second signal ends the process,
+// as ever.
+class SolveInterrupt {
+ public:
+  explicit SolveInterrupt(const ztb::Model& model);
+  SolveInterrupt(const SolveInterrupt&) = delete;
+  SolveInterrupt& operator=(const SolveInterrupt&) = delete;
+  ~SolveInterrupt();
+
+ private:
+  struct sigaction interrupt_ {};
+  struct sigaction terminate_ {};
+};
+
+}  // namespace tool
+
+#endif  // ZTB_TOOLS_MODELS_SOLVE_INTERRUPT_H_
