@@ -300,7 +300,7 @@ void Instance::takeBound(const SolverResult& result) {
   bound_ = rows_[0].level;
   if (result.outcome == Outcome::optimal && std::isinf(result.bound)) return;
   double cost = 0;
-  for (std::size_t j = 0; j < columns_.size(); ++j) cost += solverCost_[j] * result.level[j];
+  for (std::size_t j = 0; j < solverCost_.size(); ++j) cost += solverCost_[j] * result.level[j];
   bound_ -= sign * std::max(0.0, cost - result.bound);
 }
 

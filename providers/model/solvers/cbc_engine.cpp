@@ -1,22 +1,22 @@
 #include "providers/model/solvers/cbc_engine.h"
 
 #include <CbcEventHandler.hpp>
+#include <CbcHeuristic.hpp>
+#include <CbcHeuristicFPump.hpp>
 #include <CbcModel.hpp>
-#include <CbcSolver.hpp>
+#include <CglFlowCover.hpp>
+#include <CglGomory.hpp>
+#include <CglKnapsackCover.hpp>
+#include <CglMixedIntegerRounding2.hpp>
+#include <CglProbing.hpp>
 #include <ClpEventHandler.hpp>
 #include <OsiClpSolverInterface.hpp>
 #include <algorithm>
-#include <array>
 #include <cmath>
-#include <cstdio>
-#include <mutex>
 
 namespace lomu {
 
 namespace {
-
-// One search at a time.
-std::mutex turn;
 
 class StopHandler : public CbcEventHandler {
  public:
@@ -59,29 +59,25 @@ void fill(OsiClpSolverInterface& interface, const LinearForm& form) {
   }
 }
 
-std::array<char, 32> textOf(double number) {
-  std::array<char, 32> text{};
-  std::snprintf(text.data(), text.size(), "%.17g", number);
-  return text;
-}
-
-int goOn(CbcModel* /*model*/, int /*where*/) {
-  return 0;
-}
-
-// What the program is told on its command line, beside what it does by itself.
-void runProgram(CbcModel& model, const Watch& watch) {
-  CbcSolverUsefulData data;
-  data.noPrinting_ = true;
-  data.useSignalHandler_ = false;
-  CbcMain0(model, data);
-  const std::array<char, 32> seconds = textOf(watch.secondsLeft());
-  const std::array<char, 32> gap = textOf(watch.relativeGap());
-  const std::array arguments{"cbc",      "-logLevel",    "0",         "-timeMode", "elapsed",
-                             "-seconds", seconds.data(), "-ratioGap", gap.data(),  "-increment",
-                             "1e-9",     "-solve",       "-quit"};
-  CbcMain1(static_cast<int>(arguments.size()), const_cast<const char**>(arguments.data()), model,
-           goOn, data);
+// Cuts at the root and below it where they prove useful, and two quick ways to a first solution.
+void addHelp(CbcModel& model) {
+  constexpr int kWhereUseful = -1;
+  CglProbing probing;
+  probing.setMaxPass(1);
+  probing.setMaxProbe(10);
+  CglGomory gomory;
+  CglKnapsackCover cover;
+  CglMixedIntegerRounding2 rounding;
+  CglFlowCover flow;
+  model.addCutGenerator(&probing, kWhereUseful, "Probing");
+  model.addCutGenerator(&gomory, kWhereUseful, "Gomory");
+  model.addCutGenerator(&cover, kWhereUseful, "Knapsack");
+  model.addCutGenerator(&rounding, kWhereUseful, "MixedIntegerRounding2");
+  model.addCutGenerator(&flow, kWhereUseful, "FlowCover");
+  CbcRounding round(model);
+  model.addHeuristic(&round);
+  CbcHeuristicFPump pump(model);
+  model.addHeuristic(&pump);
 }
 
 Outcome outcomeOf(const CbcModel& model, const Watch& watch) {
@@ -136,11 +132,6 @@ void CbcEngine::searchIntegers(Watch& watch, SolverResult& result) {
     return;
   }
   result.startTaken = completeStart(watch, result);
-  std::unique_lock<std::mutex> lock(turn, std::defer_lock);
-  if (!watch.waitFor(lock)) {
-    result.outcome = watch.reason();
-    return;
-  }
   OsiClpSolverInterface interface;
   fill(interface, form_);
   LinearStopHandler linearHandler(&watch);
@@ -151,14 +142,20 @@ void CbcEngine::searchIntegers(Watch& watch, SolverResult& result) {
   const StopHandler handler(&watch);
   model.passInEventHandler(&handler);
   model.setMaximumNumberIterations(watch.iterationsLeft(result.iterations));
+  model.setUseElapsedTime(true);
+  model.setMaximumSeconds(watch.secondsLeft());
+  model.setAllowableFractionGap(watch.relativeGap());
+  model.setAllowableGap(0);
+  // A better solution counts however little it is better by.
+  model.setCutoffIncrement(1e-9);
+  addHelp(model);
+  model.initialSolve();
   if (result.startTaken) {
-    std::vector<std::pair<std::string, double>> named;
-    for (int j = 0; j < form_.columnCount; ++j) {
-      named.emplace_back(model.solver()->getColName(j), start_[static_cast<std::size_t>(j)]);
-    }
-    model.setMIPStart(named);
+    double cost = 0;
+    for (std::size_t j = 0; j < start_.size(); ++j) cost += form_.cost[j] * start_[j];
+    model.setBestSolution(start_.data(), form_.columnCount, cost, true);
   }
-  runProgram(model, watch);
+  model.branchAndBound();
 
   result.iterations += model.getIterationCount();
   result.outcome = outcomeOf(model, watch);

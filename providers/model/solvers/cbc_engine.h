@@ -1,6 +1,6 @@
-// Clp for the linear problems and Cbc's own program, preprocessing, cuts, heuristics and all, for
-// the search over integers. The program keeps some of its state in variables of the process, so
-// searches take turns.
+// Clp for the linear problems and Cbc for the search over integers. Not Cbc's own program in one
+// call: where presolve leaves next to nothing, that one was seen to call a problem infeasible that
+// is not.
 #ifndef ZTB_PROVIDERS_MODEL_SOLVERS_CBC_ENGINE_H_
 #define ZTB_PROVIDERS_MODEL_SOLVERS_CBC_ENGINE_H_
 
