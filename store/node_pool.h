@@ -39,6 +39,8 @@ class NodePool {
     free_ = freed;
     poison(node);
   }
+  // Nodes for which there is memory, those in use included.
+  [[nodiscard]] std::size_t reserved() const { return nodes_; }
   // Takes all nodes back, and gives their memory back.
   void releaseAll() noexcept;
 
@@ -70,7 +72,7 @@ class NodePool {
   }
 
   std::size_t nodeSize_;
-  std::size_t blockNodes_ = 0;  // of the latest block
+  std::size_t nodes_ = 0;  // of all blocks
   Block* latest_ = nullptr;
   std::byte* next_ = nullptr;  // what is left of the latest block
   std::byte* end_ = nullptr;

@@ -226,5 +226,14 @@ TEST(NodePoolTest, NodesOfAllBlocksAreApart) {
   }
 }
 
+// What lies ready for nodes to come is at most a fourth of what is in use, and a few nodes.
+TEST(NodePoolTest, LeavesLittleMemoryUnused) {
+  NodePool pool(48);
+  for (std::size_t count = 1; count <= 30000; ++count) {
+    pool.take();
+    ASSERT_LE(pool.reserved(), count + count / 4 + 4) << count;
+  }
+}
+
 }  // namespace
 }  // namespace ztb::dmap
