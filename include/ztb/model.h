@@ -119,6 +119,21 @@ int ztbModelAddRow(ztbModel* model, const char* name, int type, double rhs, doub
 int ztbModelAddTerm(ztbModel* model, int row, int column, double value);
 int ztbModelAddProduct(ztbModel* model, int row, int column1, int column2, double value);
 
+/* Says which numbers of the model a symbol drives, in a text such as
+ *   price(food) = cost of buy
+ *   demand(city) = rhs of demand
+ *   cap(plant, month) = upper of make(plant, month, *)
+ *   low = lower of buy('Milk')
+ *   yield(crop, soil) = coefficient of grow in harvest(soil)
+ * The symbol's positions have names; those of a variable or equation are named likewise, stand for
+ * one label in quotes or for any as *, or are those of the symbol in their order where it stands
+ * alone. Each number gets a column of a variable named after the symbol with _var behind, price_var
+ * above, which ztbUpdateModelSymbol fixes like that of any parameter in a model; until then it
+ * stands at what the model has. Such columns no solver sees. A refusal tells what the model lacks
+ * and which it has. From the first statement on nothing can be added to the model, and none comes
+ * behind ztbModelPbi. */
+int ztbModelDrive(ztbModel* model, const char* statement);
+
 /* The model instance for ztb.h; null with the reason in ztbModelMessage. From the first call on the
  * model cannot be built further. */
 void* ztbModelPbi(ztbModel* model);
@@ -176,6 +191,38 @@ const char* ztbModelSolveStatusText(int status);
 /* Asks a running solve to end; may be called from another thread or a signal handler. The next
  * solve clears the request. */
 void ztbModelTerminate(ztbModel* model);
+
+/* Parts of a model that a conflict is made of: a row that is an equation, a side of a row, both
+ * bounds of a column that stands still, a bound of a column. */
+enum {
+  ztbPartRow = 0,
+  ztbPartRowLower = 1,
+  ztbPartRowUpper = 2,
+  ztbPartColumn = 3,
+  ztbPartColumnLower = 4,
+  ztbPartColumnUpper = 5
+};
+
+/* Finds out why the last solve had no solution: rows and bounds, as it had them, that cannot hold
+ * together, and do without any one of them. Takes `seconds` at most, then what is left by then is
+ * the answer. Refused when there is a solution, and for a model with products that can move. Uses
+ * the solvers clp and, with integers, cbc of the catalogue. */
+int ztbModelExplain(ztbModel* model, double seconds);
+
+/* What ztbModelExplain found: how many members, 0 <= member < count; each in words, such as
+ * "demand(oslo) >= 30, driven by demand_var(oslo)", and as a part with the number of its row or
+ * column; 1 if each was shown to be needed, and if they hold together but for the columns that have
+ * to be integers within their bounds. */
+int ztbModelConflictCount(ztbModel* model);
+const char* ztbModelConflictText(ztbModel* model, int member);
+int ztbModelConflictMember(ztbModel* model, int member, int* part, int* number);
+int ztbModelConflictIsIrreducible(ztbModel* model);
+int ztbModelConflictIsByIntegers(ztbModel* model);
+
+/* Has `watch` called now and then while a solve runs, by the thread that solves, with `context`: the
+ * solve ends as by ztbModelTerminate when it gives anything but 0. Not during calls of a solver
+ * that never asks whether to end. Null: none any more. It must not use the model. */
+void ztbModelSetWatch(ztbModel* model, int (*watch)(void* context), void* context);
 
 /* The reason of the last refusal or failed solve of this model; empty when there was none, and
  * after a solve that worked. */

@@ -21,6 +21,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 #include <ztb/cpp20.hpp>
 #include <ztb/ztb.hpp>
 
@@ -83,6 +84,12 @@ class Model {
     check(ztbModelAddProduct(handle_, row, column1, column2, value), "ztbModelAddProduct");
   }
 
+  // Says which numbers of the model a symbol drives: "price(food) = cost of buy"; ztbModelDrive
+  // tells all forms. Before the model is tied to a database.
+  void drive(const ZString& statement) {
+    check(ztbModelDrive(handle_, statement.c_str()), "ztbModelDrive");
+  }
+
   void setOption(const ZString& name, const ZString& value) {
     check(ztbModelSetOption(handle_, name.c_str(), value.c_str()), "ztbModelSetOption");
   }
@@ -96,6 +103,31 @@ class Model {
   [[nodiscard]] int updatedKind() {
     (void)pbi();
     return ztbModelUpdatedKind(handle_);
+  }
+
+  // Why the last solve had no solution: rows and bounds that cannot hold together, in words such
+  // as "demand(oslo) >= 30", and what ztbModelConflictIsIrreducible and its like tell.
+  struct Conflict {
+    struct Member {
+      std::string text;
+      int part = 0;    // ztbPartRow and so on
+      int number = 0;  // of the row or column
+    };
+    std::vector<Member> members;
+    bool irreducible = false;
+    bool byIntegers = false;
+  };
+  [[nodiscard]] Conflict explain(double seconds = 1e8) {
+    check(ztbModelExplain(handle_, seconds), "ztbModelExplain");
+    Conflict conflict{{},
+                      ztbModelConflictIsIrreducible(handle_) != 0,
+                      ztbModelConflictIsByIntegers(handle_) != 0};
+    for (int n = 0; n < ztbModelConflictCount(handle_); ++n) {
+      Conflict::Member member{ztbModelConflictText(handle_, n)};
+      ztbModelConflictMember(handle_, n, &member.part, &member.number);
+      conflict.members.push_back(std::move(member));
+    }
+    return conflict;
   }
 
   // What the last solve left.

@@ -53,7 +53,11 @@ SolverLimits Environment::limits() {
   limits.iterations = static_cast<int>(options_.number(OptionId::iterationLimit));
   limits.relativeGap = options_.number(OptionId::relativeGap);
   limits.terminated = [](void* context) -> std::int32_t {
-    return static_cast<Environment*>(context)->terminated_.load() ? 1 : 0;
+    const auto* environment = static_cast<Environment*>(context);
+    if (environment->terminated_.load()) return 1;
+    return environment->watch_ != nullptr && environment->watch_(environment->watchContext_) != 0
+               ? 1
+               : 0;
   };
   limits.context = this;
   return limits;

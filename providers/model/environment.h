@@ -33,6 +33,12 @@ class Environment {
   void terminate() { terminated_.store(true); }
   void clearTerminate() { terminated_.store(false); }
 
+  // Asked during solves, by the thread that solves, whether to end; null: nobody is.
+  void setWatch(int (*watch)(void* context), void* context) {
+    watch_ = watch;
+    watchContext_ = context;
+  }
+
   // The limits of the options, with the request to terminate.
   [[nodiscard]] SolverLimits limits();
 
@@ -43,6 +49,8 @@ class Environment {
  private:
   Options options_;
   std::atomic<bool> terminated_{false};
+  int (*watch_)(void* context) = nullptr;
+  void* watchContext_ = nullptr;
   std::string catalogueDirectory_;
   std::unique_ptr<Catalogue> catalogue_;
 };

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cmath>
+#include <numeric>
 
 namespace lomu {
 
@@ -72,13 +73,16 @@ Statuses statusesOf(const SolverResult& result) {
 
 }  // namespace
 
-Instance::Instance(const ModelData& data)
+Instance::Instance(const ModelData& data, const DrivenNumbers& driven)
     : maximize_(data.maximize),
       columns_(data.columns.size()),
       rows_(data.rows.size()),
       matrix_(data),
       linearized_(matrix_.value),
-      products_(data.products) {
+      products_(data.products),
+      carrierCount_(driven.carrierCount),
+      driven_(driven.numbers),
+      drivenStart_(at(driven.carrierCount) + 1, 0) {
   for (const ColumnData& c : data.columns) {
     kinds_.push_back(c.kind);
     isInteger_.push_back(c.kind == ColumnKind::continuous ? 0 : 1);
@@ -99,9 +103,17 @@ Instance::Instance(const ModelData& data)
   rhs_[0] = -data.objectiveConstant;
   alternativeRhsOf_ = rhs_;
 
+  std::stable_sort(
+      driven_.begin(), driven_.end(),
+      [](const DrivenNumber& a, const DrivenNumber& b) { return a.carrier < b.carrier; });
+  for (const DrivenNumber& number : driven_) {
+    ++drivenStart_[at(number.carrier - solverColumnCount()) + 1];
+  }
+  std::partial_sum(drivenStart_.begin(), drivenStart_.end(), drivenStart_.begin());
+
   // A solver sees the constraint rows alone, so the objective's entries are left out of its matrix.
   solverStart_.push_back(0);
-  for (std::size_t j = 0; j < columns_.size(); ++j) {
+  for (std::size_t j = 0; j < at(solverColumnCount()); ++j) {
     for (std::size_t e = matrix_.start[j]; e < matrix_.start[j + 1]; ++e) {
       if (matrix_.rowOf[e] == 0) continue;
       solverRowOf_.push_back(matrix_.rowOf[e] - 1);
@@ -169,6 +181,75 @@ double Instance::inner(double value) const {
   return value;
 }
 
+void Instance::setAlternativeLower(int j, double value) {
+  alternativeLower_[at(j)] = inner(value);
+  if (j >= solverColumnCount()) drive(j, lower_[at(j)] = alternativeLower_[at(j)]);
+}
+
+void Instance::setAlternativeUpper(int j, double value) {
+  alternativeUpper_[at(j)] = inner(value);
+  if (j >= solverColumnCount()) drive(j, upper_[at(j)] = alternativeUpper_[at(j)]);
+}
+
+std::span<const DrivenNumber> Instance::drivenBy(int carrier) const {
+  const std::size_t k = at(carrier - solverColumnCount());
+  return std::span(driven_).subspan(drivenStart_[k], drivenStart_[k + 1] - drivenStart_[k]);
+}
+
+void Instance::drive(int carrier, double value) {
+  for (const DrivenNumber& number : drivenBy(carrier)) {
+    if (number.kind == DrivenKind::rhs) {
+      rhs_[at(number.row)] = value;
+      alternativeRhsOf_[at(number.row)] = value;
+    } else if (number.kind == DrivenKind::coefficient) {
+      const std::size_t e = matrix_.entry(number.row, number.column);
+      if (matrix_.value[e] == value) continue;
+      matrix_.value[e] = value;
+      // The gradients, if there are any, are added anew before each solve.
+      linearized_[e] = value;
+      coefficientsChanged_ = true;
+    } else {
+      driveBound(number, value);
+    }
+  }
+}
+
+// A binary column stays within 0 and 1.
+void Instance::driveBound(const DrivenNumber& number, double value) {
+  const std::size_t j = at(number.column);
+  const bool isBinary = kinds_[j] == ColumnKind::binary;
+  if (number.kind == DrivenKind::lower) {
+    lower_[j] = alternativeLower_[j] = isBinary ? std::max(value, 0.0) : value;
+  } else {
+    upper_[j] = alternativeUpper_[j] = isBinary ? std::min(value, 1.0) : value;
+  }
+}
+
+double Instance::rowSide(int i, bool upper) const {
+  const std::size_t row = at(i);
+  return upper ? rowUpper(rowTypes_[row], rhs_[row], range_[row])
+               : rowLower(rowTypes_[row], rhs_[row], range_[row]);
+}
+
+int Instance::carrierOf(DrivenKind kind, int number) const {
+  const auto found = std::ranges::find_if(driven_, [&](const DrivenNumber& one) {
+    return one.kind == kind && number == (kind == DrivenKind::rhs ? one.row : one.column);
+  });
+  return found == driven_.end() ? -1 : found->carrier;
+}
+
+int Instance::unusableCarrier() const {
+  for (int j = solverColumnCount(); j < columnCount(); ++j) {
+    const double value = alternativeLower_[at(j)];
+    if (value != alternativeUpper_[at(j)]) return j;
+    const auto drivesCoefficient = [](const DrivenNumber& number) {
+      return number.kind == DrivenKind::coefficient;
+    };
+    if (!std::isfinite(value) && std::ranges::any_of(drivenBy(j), drivesCoefficient)) return j;
+  }
+  return -1;
+}
+
 bool Instance::linearize(double* offset, bool update) {
   std::fill(offset, offset + rowCount(), 0.0);
   if (products_.empty()) return true;
@@ -202,12 +283,13 @@ void Instance::restoreView(void* view) {
   views_.erase(found);
 }
 
-// Without products the coefficients never change.
+// Without products the coefficients change by data alone.
 void Instance::takeCoefficients(bool linearized) {
-  if (products_.empty() && problem_.coefficientsAsOf != 0) return;
+  if (products_.empty() && problem_.coefficientsAsOf != 0 && !coefficientsChanged_) return;
+  coefficientsChanged_ = false;
   const std::vector<double>& values = linearized ? linearized_ : matrix_.value;
-  solverCost_.assign(columns_.size(), 0.0);
-  for (std::size_t j = 0; j < columns_.size(); ++j) {
+  solverCost_.assign(at(solverColumnCount()), 0.0);
+  for (std::size_t j = 0; j < solverCost_.size(); ++j) {
     const std::size_t first = matrix_.start[j];
     const bool hasCost = first < matrix_.start[j + 1] && matrix_.rowOf[first] == 0;
     if (hasCost) solverCost_[j] = maximize_ ? -values[first] : values[first];
@@ -236,7 +318,7 @@ const SolverProblem& Instance::solverProblem() {
   std::transform(columns_.begin(), columns_.end(), solverLevel_.begin(),
                  [](const SolutionRecord& r) { return r.level; });
 
-  problem_.columnCount = columnCount();
+  problem_.columnCount = solverColumnCount();
   problem_.rowCount = rowCount() - 1;
   problem_.cost = solverCost_.data();
   problem_.lower = lowers().data();
@@ -279,6 +361,7 @@ void Instance::takeResult(const SolverResult& result) {
   rows_[0] = {0, -1, static_cast<int>(Position::basic), 0};  // with this weight one sum serves all
   takeColumns(result);
   addProducts(result);
+  takeCarriers();
   rows_[0].level -= rhs_[0];
   rows_[0].marginal = 0;
   for (std::size_t i = 1; i < rows_.size(); ++i) {
@@ -310,7 +393,7 @@ void Instance::takeBound(const SolverResult& result) {
 void Instance::takeColumns(const SolverResult& result) {
   const double* lower = lowers().data();
   const double* upper = uppers().data();
-  for (std::size_t j = 0; j < columns_.size(); ++j) {
+  for (std::size_t j = 0; j < at(solverColumnCount()); ++j) {
     const double level = result.level[j];
     double marginal = 0;
     for (std::size_t e = matrix_.start[j]; e < matrix_.start[j + 1]; ++e) {
@@ -323,6 +406,32 @@ void Instance::takeColumns(const SolverResult& result) {
     const bool isZero = mayBeZero(static_cast<int>(j)) && !outside(level, 0, 0);
     columns_[j] = {level, position == Position::basic ? 0 : marginal, static_cast<int>(position),
                    isZero || !outside(level, lower[j], upper[j]) ? 0 : 2};
+  }
+}
+
+// The change of the objective, as the model states it, per unit of a number that data give. Of a
+// column whose bounds are equal, the one counts that its marginal pushes against.
+double Instance::worthOf(const DrivenNumber& number) const {
+  if (number.kind == DrivenKind::rhs) return rows_[at(number.row)].marginal;
+  const SolutionRecord& column = columns_[at(number.column)];
+  if (number.kind == DrivenKind::coefficient) {
+    return -rows_[at(number.row)].marginal * column.level;
+  }
+  const bool isLower = number.kind == DrivenKind::lower;
+  const std::size_t j = at(number.column);
+  if (lowers()[j] == uppers()[j]) {
+    const double marginal = maximize_ ? -column.marginal : column.marginal;
+    return (isLower ? marginal > 0 : marginal < 0) ? column.marginal : 0;
+  }
+  const Position position = isLower ? Position::atLower : Position::atUpper;
+  return column.status == static_cast<int>(position) ? column.marginal : 0;
+}
+
+void Instance::takeCarriers() {
+  for (int j = solverColumnCount(); j < columnCount(); ++j) {
+    double marginal = 0;
+    for (const DrivenNumber& number : drivenBy(j)) marginal += worthOf(number);
+    columns_[at(j)] = {alternativeLower_[at(j)], marginal, static_cast<int>(Position::atLower), 0};
   }
 }
 

@@ -6,7 +6,11 @@
 // bounds, alternative right-hand side, and forced linearity, under which products of columns are
 // replaced by their gradient at the last linearize(), as long as each has a factor that stands
 // still: a model that is forced presents itself as linear, but any other is solved as it is. Own
-// bounds and right-hand sides never change.
+// bounds and right-hand sides never change, but for those that are driven.
+//
+// The last columns may be carriers of data: each stands still at the number that data give it, and
+// what it drives (a coefficient, a right-hand side, a bound) stands at that number, whatever the
+// switches say. Solvers do not see carriers.
 //
 // The level of the objective row is the objective's value, constant included. Marginals are the
 // change of the objective, as the model states it, per unit of right-hand side or of a bound.
@@ -15,9 +19,11 @@
 #define ZTB_PROVIDERS_MODEL_INSTANCE_H_
 
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
+#include "providers/model/driven_numbers.h"
 #include "providers/model/model_data.h"
 #include "providers/model/solver.h"
 #include "providers/model/sparse_matrix.h"
@@ -43,10 +49,12 @@ struct SolutionRecord {
 class Instance {
  public:
   // REQUIRES: the rows and columns that terms and products name exist.
-  explicit Instance(const ModelData& data);
+  explicit Instance(const ModelData& data, const DrivenNumbers& driven = {});
 
   [[nodiscard]] int columnCount() const { return static_cast<int>(columns_.size()); }
   [[nodiscard]] int rowCount() const { return static_cast<int>(rows_.size()); }
+  // The columns that solvers see, which come first.
+  [[nodiscard]] int solverColumnCount() const { return columnCount() - carrierCount_; }
   [[nodiscard]] bool hasColumn(int j) const { return j >= 0 && j < columnCount(); }
   [[nodiscard]] bool hasRow(int i) const { return i >= 0 && i < rowCount(); }
   // A model whose products all have a factor with equal bounds is linear. By the bounds that
@@ -71,13 +79,22 @@ class Instance {
   SolutionRecord& row(int i) { return rows_[at(i)]; }
   [[nodiscard]] double lower(int j) const { return outer(lowers()[at(j)]); }
   [[nodiscard]] double upper(int j) const { return outer(uppers()[at(j)]); }
-  void setAlternativeLower(int j, double value) { alternativeLower_[at(j)] = inner(value); }
-  void setAlternativeUpper(int j, double value) { alternativeUpper_[at(j)] = inner(value); }
+  void setAlternativeLower(int j, double value);
+  void setAlternativeUpper(int j, double value);
   [[nodiscard]] RowType rowType(int i) const { return rowTypes_[at(i)]; }
   // The row's own right-hand side, whatever the switch says: a caller that shifts it after a failed
   // solve shifts from the same place. The objective's is its constant with the sign turned.
   [[nodiscard]] double rhs(int i) const { return outer(rhs_[at(i)]); }
   void setAlternativeRhs(int i, double value) { alternativeRhsOf_[at(i)] = inner(value); }
+
+  // The first carrier that does not stand at one number, or drives a coefficient with an infinite
+  // one; -1 when there is none. No model can be solved that has one.
+  [[nodiscard]] int unusableCarrier() const;
+
+  // A side of a row, upper or lower, and the carrier that drives a right-hand side or bound; -1
+  // where none does.
+  [[nodiscard]] double rowSide(int i, bool upper) const;
+  [[nodiscard]] int carrierOf(DrivenKind kind, int number) const;
 
   // Evaluates the products at the present levels, taken into their bounds. `offset[i]` becomes what
   // the linear form of row i has to be shifted by: row = linear form + offset. With `update` the
@@ -132,6 +149,12 @@ class Instance {
   }
   [[nodiscard]] double levelWithin(int j) const;
   void takeSets(const ModelData& data);
+  // What a carrier drives.
+  [[nodiscard]] std::span<const DrivenNumber> drivenBy(int carrier) const;
+  void drive(int carrier, double value);
+  void driveBound(const DrivenNumber& number, double value);
+  [[nodiscard]] double worthOf(const DrivenNumber& number) const;
+  void takeCarriers();
   void takeCoefficients(bool linearized);
   void takeColumns(const SolverResult& result);
   void takeBound(const SolverResult& result);
@@ -151,6 +174,11 @@ class Instance {
   SparseMatrix matrix_;             // the linear terms, and a zero wherever a gradient may come
   std::vector<double> linearized_;  // the values of matrix_ with the gradients in
   std::vector<Product> products_;
+
+  int carrierCount_;
+  std::vector<DrivenNumber> driven_;      // by carrier
+  std::vector<std::size_t> drivenStart_;  // of each carrier in driven_, and the end
+  bool coefficientsChanged_ = false;      // since the solver's were taken
 
   double plusInfinity_ = kInfinity;
   double minusInfinity_ = -kInfinity;

@@ -31,6 +31,7 @@ bool LiveSolver::takes(const Instance& instance) const {
 }
 
 void LiveSolver::load(Model& model) {
+  model.requireUsableData();
   if (!takes(model.instance)) {
     std::string kinds;
     for (const std::string& kind : row_.kinds) kinds += (kinds.empty() ? "" : ", ") + kind;
@@ -47,13 +48,16 @@ void LiveSolver::load(Model& model) {
 }
 
 bool LiveSolver::update() {
+  // The solve refuses such data, and the solver lives on for others.
+  if (model_ != nullptr && model_->instance.unusableCarrier() >= 0) return true;
   return model_ != nullptr && takes(model_->instance) &&
          solver_.update(model_->instance.solverProblem());
 }
 
 void LiveSolver::solve(const SolverLimits& limits) {
+  model_->requireUsableData();
   Instance& instance = model_->instance;
-  result_.begin(static_cast<std::size_t>(instance.columnCount()),
+  result_.begin(static_cast<std::size_t>(instance.solverColumnCount()),
                 static_cast<std::size_t>(instance.rowCount()) - 1);
   const double begin = clockSeconds(CLOCK_MONOTONIC);
   const double processorBegin = clockSeconds(CLOCK_THREAD_CPUTIME_ID);

@@ -1,14 +1,90 @@
 #include "providers/model/model.h"
 
+#include <algorithm>
 #include <new>
 #include <utility>
 
+#include "providers/model/model_error.h"
+#include "providers/model/number_text.h"
+
 namespace lomu {
 
-Model::Model(const ModelData& data, std::shared_ptr<Environment> itsEnvironment)
-    : instance(data), dictionary(data), environment(std::move(itsEnvironment)), notes(data.notes) {
+Model::Model(const ModelData& data, std::shared_ptr<Environment> itsEnvironment,
+             const DrivenNumbers& driven)
+    : instance(data, driven), dictionary(data), environment(std::move(itsEnvironment)), notes(data.notes) {
   for (const std::string& note : notes) environment->log(note);
   notes.insert(notes.end(), dictionary.notes().begin(), dictionary.notes().end());
+}
+
+void Model::requireUsableData() const {
+  const int carrier = instance.unusableCarrier();
+  if (carrier < 0) return;
+  throw ModelError(columnName(carrier) + " has to stand at one number, and at a finite one where " +
+                   "it drives a coefficient, but stands from " +
+                   numberText(instance.lower(carrier)) + " to " +
+                   numberText(instance.upper(carrier)));
+}
+
+void Model::explain(double mostSeconds) {
+  conflict = {};
+  conflictTexts.clear();
+  requireUsableData();
+  SolverLimits limits = environment->limits();
+  limits.seconds = std::min(limits.seconds, mostSeconds);
+  environment->clearTerminate();
+  Conflict found = findConflict(instance.solverProblem(), environment->catalogue(), limits);
+  // Rows of the problem begin behind the objective.
+  for (ConflictMember& member : found.members) {
+    if (member.part <= ConflictPart::rowUpper) ++member.number;
+  }
+  std::vector<std::string> texts;
+  for (const ConflictMember& member : found.members) texts.push_back(memberText(member));
+  conflict = std::move(found);
+  conflictTexts = std::move(texts);
+}
+
+std::string Model::memberText(const ConflictMember& member) const {
+  const bool ofRow = member.part <= ConflictPart::rowUpper;
+  const bool isLower =
+      member.part == ConflictPart::rowLower || member.part == ConflictPart::columnLower;
+  const bool isUpper =
+      member.part == ConflictPart::rowUpper || member.part == ConflictPart::columnUpper;
+  const double value =
+      !ofRow ? (isUpper ? instance.upper(member.number) : instance.lower(member.number))
+             : instance.rowSide(member.number, isUpper);
+  std::string text = ofRow ? rowName(member.number) : columnName(member.number);
+  text += (isLower ? " >= " : isUpper ? " <= " : " = ") + numberText(value);
+  const std::vector<DrivenKind> kinds =
+      ofRow ? std::vector{DrivenKind::rhs} : std::vector{DrivenKind::lower, DrivenKind::upper};
+  for (const DrivenKind kind : kinds) {
+    if ((isLower && kind == DrivenKind::upper) || (isUpper && kind == DrivenKind::lower)) continue;
+    const int carrier = instance.carrierOf(kind, member.number);
+    if (carrier >= 0) text += ", driven by " + columnName(carrier);
+  }
+  return text;
+}
+
+namespace {
+
+std::string nameOf(const Dictionary& dictionary, const Dictionary::Place& place) {
+  const auto nameAt = [](const auto& list, int number) -> const auto& {
+    return list[static_cast<std::size_t>(number) - 1];
+  };
+  std::string name = nameAt(dictionary.symbols(), place.symbol).name;
+  for (int k = 0; k < place.dimension; ++k) {
+    name += (k == 0 ? "(" : ", ") + nameAt(dictionary.labels(), place.keys[k]);
+  }
+  return place.dimension > 0 ? name + ")" : name;
+}
+
+}  // namespace
+
+std::string Model::columnName(int column) const {
+  return nameOf(dictionary, dictionary.columnPlace(column));
+}
+
+std::string Model::rowName(int row) const {
+  return nameOf(dictionary, dictionary.rowPlace(row));
 }
 
 void Model::noteFailure(const std::exception& error) noexcept {

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "providers/model/conflict.h"
 #include "providers/model/dictionary.h"
 #include "providers/model/environment.h"
 #include "providers/model/instance.h"
@@ -16,7 +17,20 @@ namespace lomu {
 
 struct Model {
   // The notes of the reading go to the log.
-  Model(const ModelData& data, std::shared_ptr<Environment> itsEnvironment);
+  Model(const ModelData& data, std::shared_ptr<Environment> itsEnvironment,
+        const DrivenNumbers& driven = {});
+
+  // Throws ModelError that names the data with which the model cannot be solved, if there are any.
+  void requireUsableData() const;
+
+  // Finds out why the last solve had no solution, and leaves it as `conflict`. Throws ModelError.
+  void explain(double mostSeconds);
+  // A member of the conflict, such as "demand(oslo) >= 30", and what data drive its number.
+  [[nodiscard]] std::string memberText(const ConflictMember& member) const;
+
+  // Names as in the database.
+  [[nodiscard]] std::string columnName(int column) const;
+  [[nodiscard]] std::string rowName(int row) const;
 
   // Leaves the text of a failure as the message and in the log.
   void noteFailure(const std::exception& error) noexcept;
@@ -30,6 +44,8 @@ struct Model {
   double processorSeconds = 0;     // and by that of the thread
   std::string message;             // why the last solve or call failed
   std::vector<std::string> notes;  // of the reading of the file, then of the dictionary
+  Conflict conflict;
+  std::vector<std::string> conflictTexts;  // of its members
 };
 
 // The text of an exception for a user.

@@ -65,6 +65,7 @@ ModelBuilder::ModelBuilder(ModelData data) : data_(std::move(data)) {
 }
 
 void ModelBuilder::setObjective(const char* name, bool maximize, double constant) {
+  requireUndriven();
   std::string wanted = checkedName(name, "the objective");
   checkFinite(constant, "the objective's constant");
   checkFreeRow(wanted);
@@ -80,6 +81,7 @@ void ModelBuilder::checkFreeRow(const std::string& name) const {
 }
 
 int ModelBuilder::addColumn(const char* name, int kind, double lower, double upper) {
+  requireUndriven();
   ColumnData column{checkedName(name, "a column"), ColumnKind::continuous, lower, upper};
   if (kind < 0 || kind > static_cast<int>(ColumnKind::binary)) {
     throw ModelError("column \"" + column.name + "\": the kind is 0, 1 or 2, not " +
@@ -95,6 +97,7 @@ int ModelBuilder::addColumn(const char* name, int kind, double lower, double upp
 }
 
 int ModelBuilder::addRow(const char* name, int type, double rhs, double range) {
+  requireUndriven();
   RowData row{checkedName(name, "a row"), RowType::free, rhs, range};
   if (type < 0 || type > static_cast<int>(RowType::free)) {
     throw ModelError("row \"" + row.name + "\": the type is 0, 1, 2 or 3, not " +
@@ -114,6 +117,7 @@ int ModelBuilder::addRow(const char* name, int type, double rhs, double range) {
 }
 
 void ModelBuilder::addTerm(int row, int column, double value) {
+  requireUndriven();
   checkRow(row);
   checkColumn(column);
   checkFinite(value, "a coefficient");
@@ -122,6 +126,7 @@ void ModelBuilder::addTerm(int row, int column, double value) {
 }
 
 void ModelBuilder::addProduct(int row, int column1, int column2, double value) {
+  requireUndriven();
   checkRow(row);
   checkColumn(column1);
   checkColumn(column2);
@@ -130,6 +135,19 @@ void ModelBuilder::addProduct(int row, int column1, int column2, double value) {
     throw ModelError("the model has as many products as it can");
   }
   data_.products.push_back({row, column1, column2, value});
+}
+
+void ModelBuilder::drive(const char* statement) {
+  if (statement == nullptr) throw ModelError("a drive needs a statement");
+  if (driven_.carrierCount == 0) driving_ = std::make_unique<Driving>(data_);
+  driving_->add(data_, driven_, statement);
+}
+
+// The dictionary of the driving knows the model as it was.
+void ModelBuilder::requireUndriven() const {
+  if (driven_.carrierCount > 0) {
+    throw ModelError("the model is driven by symbols and cannot be built further");
+  }
 }
 
 void ModelBuilder::checkRow(int row) const {

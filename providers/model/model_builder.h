@@ -2,8 +2,10 @@
 #ifndef ZTB_PROVIDERS_MODEL_MODEL_BUILDER_H_
 #define ZTB_PROVIDERS_MODEL_MODEL_BUILDER_H_
 
+#include <memory>
 #include <string>
 
+#include "providers/model/driving.h"
 #include "providers/model/model_data.h"
 #include "providers/model/name_index.h"
 
@@ -22,16 +24,25 @@ class ModelBuilder {
   void addTerm(int row, int column, double value);
   void addProduct(int row, int column1, int column2, double value);
 
+  // Makes a symbol drive numbers of the model, as Driving::add. From the first statement on nothing
+  // else can be added.
+  void drive(const char* statement);
+
   [[nodiscard]] const ModelData& data() const { return data_; }
+  // What symbols drive in it.
+  [[nodiscard]] const DrivenNumbers& driven() const { return driven_; }
 
  private:
   void checkFreeRow(const std::string& name) const;
+  void requireUndriven() const;
   void checkRow(int row) const;
   void checkColumn(int column) const;
 
   ModelData data_;
   NameIndex<> columnNames_;
   NameIndex<> rowNames_;  // but for that of the objective, which may change
+  std::unique_ptr<Driving> driving_;  // from the first statement on
+  DrivenNumbers driven_;
 };
 
 }  // namespace lomu

@@ -191,10 +191,23 @@ MODEL_EXPORT int ztbModelAddProduct(ztbModel* model, int row, int column1, int c
   return built(model, [&](ModelBuilder& b) { b.addProduct(row, column1, column2, value); });
 }
 
+MODEL_EXPORT int ztbModelDrive(ztbModel* model, const char* statement) {
+  return change(model, [&] {
+    if (model->model != nullptr) {
+      throw ModelError(
+          "the model is in use and can be driven by no further symbols; say what they drive "
+          "before");
+    }
+    model->builder.drive(statement);
+    model->shape.reset();
+  });
+}
+
 MODEL_EXPORT void* ztbModelPbi(ztbModel* model) {
   change(model, [&] {
     if (model->model != nullptr) return;
-    model->model = std::make_unique<Model>(model->builder.data(), model->environment);
+    model->model = std::make_unique<Model>(model->builder.data(), model->environment,
+                                           model->builder.driven());
     model->builder = ModelBuilder();
     model->shape.reset();
     model->model->message.swap(model->message);
@@ -283,6 +296,44 @@ MODEL_EXPORT void ztbModelTerminate(ztbModel* model) {
   if (model != nullptr) model->environment->terminate();
 }
 
+MODEL_EXPORT void ztbModelSetWatch(ztbModel* model, int (*watch)(void*), void* context) {
+  if (model != nullptr) model->environment->setWatch(watch, context);
+}
+
+MODEL_EXPORT int ztbModelExplain(ztbModel* model, double seconds) {
+  return change(model, [&] {
+    if (model->model == nullptr) throw ModelError("the model was not solved yet");
+    model->model->explain(seconds);
+  });
+}
+
+MODEL_EXPORT int ztbModelConflictCount(ztbModel* model) {
+  const bool inUse = model != nullptr && model->model != nullptr;
+  return inUse ? static_cast<int>(model->model->conflictTexts.size()) : 0;
+}
+
+MODEL_EXPORT const char* ztbModelConflictText(ztbModel* model, int member) {
+  if (member < 0 || member >= ztbModelConflictCount(model)) return "";
+  return model->model->conflictTexts[static_cast<std::size_t>(member)].c_str();
+}
+
+MODEL_EXPORT int ztbModelConflictMember(ztbModel* model, int member, int* part, int* number) {
+  if (member < 0 || member >= ztbModelConflictCount(model)) return 0;
+  const lomu::ConflictMember& found =
+      model->model->conflict.members[static_cast<std::size_t>(member)];
+  *part = static_cast<int>(found.part);
+  *number = found.number;
+  return 1;
+}
+
+MODEL_EXPORT int ztbModelConflictIsIrreducible(ztbModel* model) {
+  return ztbModelConflictCount(model) > 0 && model->model->conflict.irreducible ? 1 : 0;
+}
+
+MODEL_EXPORT int ztbModelConflictIsByIntegers(ztbModel* model) {
+  return ztbModelConflictCount(model) > 0 && model->model->conflict.byIntegers ? 1 : 0;
+}
+
 MODEL_EXPORT const char* ztbModelMessage(ztbModel* model) {
   return model == nullptr ? "" : messageOf(*model).c_str();
 }
@@ -319,6 +370,9 @@ MODEL_EXPORT int ztbModelWrite(ztbModel* model, const char* file) {
   return change(model, [&] {
     if (file == nullptr || *file == '\0') throw ModelError("no file to write was named");
     requireOpen(*model);
+    if (model->builder.driven().carrierCount > 0) {
+      throw ModelError("the model is driven by symbols and cannot be written any more");
+    }
     lomu::writeModelFile(model->builder.data(), file);
   });
 }

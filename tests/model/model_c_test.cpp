@@ -37,6 +37,41 @@ TEST_F(ModelC, NumbersColumnsFromZeroAndRowsFromOne) {
   EXPECT_EQ(ztbModelPbi(model_), ztbModelPbi(model_));
 }
 
+TEST_F(ModelC, IsDrivenByStatements) {
+  EXPECT_EQ(ztbModelAddColumn(model_, "buy[Milk]", ztbColumnContinuous, 0, kInf), 0);
+  EXPECT_EQ(ztbModelAddRow(model_, "need", ztbRowGreaterOrEqual, 4, 0), 1);
+  EXPECT_EQ(ztbModelAddTerm(model_, 1, 0, 2), 1);
+  EXPECT_EQ(ztbModelDrive(model_, nullptr), 0);
+  EXPECT_EQ(message(), "a drive needs a statement");
+  EXPECT_EQ(ztbModelDrive(model_, "price(food) = cost of sell"), 0);
+  EXPECT_EQ(message(),
+            "drive \"price(food) = cost of sell\": the model has no variable sell; its variables "
+            "are: buy");
+  EXPECT_EQ(ztbModelDrive(model_, "price(food) = cost of buy"), 1);
+  EXPECT_EQ(ztbModelAddColumn(model_, "x", ztbColumnContinuous, 0, 1), -1);
+  EXPECT_EQ(message(), "the model is driven by symbols and cannot be built further");
+  EXPECT_NE(ztbModelPbi(model_), nullptr);
+  EXPECT_EQ(ztbModelDrive(model_, "need = rhs of need"), 0);
+  EXPECT_EQ(message(),
+            "the model is in use and can be driven by no further symbols; say what they drive "
+            "before");
+  EXPECT_EQ(ztbModelDrive(nullptr, "need = rhs of need"), 0);
+}
+
+TEST_F(ModelC, HasNoConflictBeforeOneWasFound) {
+  EXPECT_EQ(ztbModelExplain(model_, 1), 0);
+  EXPECT_EQ(message(), "the model was not solved yet");
+  EXPECT_EQ(ztbModelConflictCount(model_), 0);
+  EXPECT_STREQ(ztbModelConflictText(model_, 0), "");
+  int part = -1;
+  int number = -1;
+  EXPECT_EQ(ztbModelConflictMember(model_, 0, &part, &number), 0);
+  EXPECT_EQ(part, -1);
+  EXPECT_EQ(ztbModelConflictIsIrreducible(model_), 0);
+  EXPECT_EQ(ztbModelConflictIsByIntegers(model_), 0);
+  EXPECT_EQ(ztbModelConflictCount(nullptr), 0);
+}
+
 TEST_F(ModelC, RefusesColumnsThatCannotBe) {
   EXPECT_EQ(ztbModelAddColumn(model_, "", 0, 0, 1), -1);
   EXPECT_EQ(message(), "a column needs a name");

@@ -1,4 +1,4 @@
-"""Runs the Python example of a README in a folder of its own: run_readme_example.py README.md"""
+"""Runs the Python examples of a README in a folder of their own: run_readme_example.py README.md"""
 
 import os
 import re
@@ -7,9 +7,10 @@ import tempfile
 
 with open(sys.argv[1], encoding="utf-8") as readme:
     examples = re.findall(r"```python\n(.*?)```", readme.read(), re.DOTALL)
-assert len(examples) == 1, f"{len(examples)} Python examples in {sys.argv[1]}"
-assert len(examples[0].splitlines()) <= 20
+assert len(examples) == 2, f"{len(examples)} Python examples in {sys.argv[1]}"
+assert all(len(example.splitlines()) <= 20 for example in examples)
 with tempfile.TemporaryDirectory() as folder:
     os.chdir(folder)
-    exec(compile(examples[0], "README.md", "exec"), {})
+    for example in examples:
+        exec(compile(example, "README.md", "exec"), {})
     os.chdir("/")

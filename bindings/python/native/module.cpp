@@ -10,6 +10,7 @@
 #include "bindings/python/native/database.h"
 #include "bindings/python/native/errors.h"
 #include "bindings/python/native/left_work.h"
+#include "bindings/python/native/model.h"
 #include "bindings/python/native/strings.h"
 #include "bindings/python/native/symbol.h"
 
@@ -26,6 +27,7 @@ PYBIND11_MODULE(_native, module) {
   python::bindSymbol(module);
   python::bindNewLabels(module);
   python::bindDatabase(module);
+  python::bindModel(module);
   pybind11::module_::import("atexit").attr("register")(
       pybind11::cpp_function(&python::awaitLeftWork));
 }

@@ -13,7 +13,9 @@
 from . import _native
 from .database import Database, memory_needed, open
 from .errors import DamagedFileError, Error, MissingFileError, NotFoundError
+from .families import Expression, Family
 from .labels import Key, Label, label_text
+from .model import Conflict, Model, Solution, Tie
 from .numeric import Equation, Parameter, Variable
 from .selection import Selection
 from .special import (
@@ -46,17 +48,21 @@ __all__ = [
     "CODE_ORDINARY",
     "CODE_PLUS_INFINITY",
     "CODE_UNDEFINED",
+    "Conflict",
     "DamagedFileError",
     "Database",
     "Domain",
     "EPS",
     "Equation",
     "Error",
+    "Expression",
     "FIELDS",
+    "Family",
     "INF",
     "Key",
     "Label",
     "MissingFileError",
+    "Model",
     "NA",
     "NEG_INF",
     "NotFoundError",
@@ -64,8 +70,10 @@ __all__ = [
     "SPECIAL_VALUES",
     "Selection",
     "Set",
+    "Solution",
     "Symbol",
     "Texts",
+    "Tie",
     "UNDEF",
     "Values",
     "Variable",

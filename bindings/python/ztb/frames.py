@@ -24,7 +24,8 @@ Numbers = npt.NDArray[np.int32]
 # ---- out ----
 
 
-def _index(symbol: _native.Symbol, home: Home, keys: Numbers) -> pd.Index:
+def index_of(symbol: _native.Symbol, home: Home, keys: Numbers) -> pd.Index:
+    """The labels of records as an index: a MultiIndex for two positions or more."""
     if symbol.dimension == 0:
         return pd.RangeIndex(len(keys))
     labels = home._label_array()
@@ -45,14 +46,14 @@ def series_of(
     symbol: _native.Symbol, home: Home, keys: Numbers, content: npt.NDArray[Any]
 ) -> "pd.Series[Any]":
     """A series of texts or numbers over labels."""
-    return pd.Series(content, index=_index(symbol, home, keys), name=symbol.name)
+    return pd.Series(content, index=index_of(symbol, home, keys), name=symbol.name)
 
 
 def fields_of(
     symbol: _native.Symbol, home: Home, keys: Numbers, content: npt.NDArray[Any]
 ) -> pd.DataFrame:
     """A frame with a column for each field over labels."""
-    return pd.DataFrame(content, index=_index(symbol, home, keys), columns=list(FIELDS))
+    return pd.DataFrame(content, index=index_of(symbol, home, keys), columns=list(FIELDS))
 
 
 # ---- in ----

@@ -20,6 +20,8 @@ class Home:
 
     def __init__(self, native: _native.Database) -> None:
         self._native = native
+        #: What records are read from and that has to live as long: a model.
+        self._source: Any = None
         self._labels: npt.NDArray[np.object_] = np.array([None], dtype=object)
 
     def __getitem__(self, name: str) -> Any:

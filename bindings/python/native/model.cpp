@@ -1,0 +1,312 @@
+#include "bindings/python/native/model.h"
+
+#include <pybind11/stl.h>
+
+#include <array>
+#include <chrono>
+#include <cstddef>
+
+#include "bindings/python/native/filling.h"
+#include "bindings/python/native/hand_made.h"
+#include "bindings/python/native/interruption.h"
+#include "bindings/python/native/records.h"
+#include "bindings/python/native/strings.h"
+
+namespace python {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+// Builds the names of a family of rows or columns, as name['label','label'].
+class FamilyNames {
+ public:
+  FamilyNames(const py::object& name, const std::vector<Model::Position>& positions,
+              py::ssize_t count)
+      : positions_(positions) {
+    if (py::isinstance<py::list>(name)) {
+      for (const py::handle one : name) whole_.push_back(fromPython(one));
+      if (static_cast<py::ssize_t>(whole_.size()) != count) {
+        throw py::value_error(std::to_string(whole_.size()) + " names for " +
+                              std::to_string(count) + " rows or columns");
+      }
+      return;
+    }
+    name_ = fromPython(name);
+    for (const Model::Position& position : positions) {
+      if (position.second.ndim() != 1 || position.second.size() != count) {
+        throw py::value_error(name_ + ": " + std::to_string(count) + " rows or columns, " +
+                              std::to_string(position.second.size()) + " labels for them");
+      }
+      quoted_.emplace_back();
+      for (const py::handle label : position.first) {
+        quoted_.back().push_back(quoted(labelFromPython(label)));
+      }
+    }
+  }
+
+  // REQUIRES: 0 <= number < count.
+  [[nodiscard]] std::string at(py::ssize_t number) const {
+    if (!whole_.empty()) return whole_[static_cast<std::size_t>(number)];
+    std::string text = name_;
+    for (std::size_t k = 0; k < positions_.size(); ++k) {
+      const int place = positions_[k].second.at(number);
+      if (place < 0 || static_cast<std::size_t>(place) >= quoted_[k].size()) {
+        throw py::value_error(name_ + ": there is no label number " + std::to_string(place));
+      }
+      text += (k == 0 ? '[' : ',') + quoted_[k][static_cast<std::size_t>(place)];
+    }
+    return positions_.empty() ? text : text + ']';
+  }
+
+ private:
+  static std::string quoted(const std::string& label) {
+    std::string text = "'";
+    for (const char c : label) {
+      text += c;
+      if (c == '\'') text += c;
+    }
+    return text + '\'';
+  }
+
+  std::vector<std::string> whole_;
+  std::string name_;
+  const std::vector<Model::Position>& positions_;
+  std::vector<std::vector<std::string>> quoted_;
+};
+
+void requireSameSize(const py::array& one, const py::array& other) {
+  if (one.ndim() != 1 || other.ndim() != 1 || one.size() != other.size()) {
+    throw py::value_error("arrays of the same length are expected, not of " +
+                          std::to_string(one.size()) + " and " + std::to_string(other.size()));
+  }
+}
+
+// What is asked now and then during a solve.
+class SolveWatch {
+ public:
+  SolveWatch(Interruption& interruption, const py::object& progress, double every)
+      : interruption_(interruption),
+        progress_(progress),
+        every_(std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(every))),
+        next_(start_ + every_) {}
+
+  static int asked(void* watch) { return static_cast<SolveWatch*>(watch)->ends() ? 1 : 0; }
+
+  // Throws what the callback raised. REQUIRES: the interpreter's lock.
+  void raise() {
+    if (error_) throw py::error_already_set(std::move(*error_));
+  }
+
+ private:
+  bool ends() {
+    if (ended_ || interruption_.asked()) return true;
+    if (progress_.is_none() || Clock::now() < next_) return false;
+    const py::gil_scoped_acquire acquired;
+    try {
+      const double seconds = std::chrono::duration<double>(Clock::now() - start_).count();
+      ended_ = progress_(seconds).is(py::bool_(false));
+    } catch (py::error_already_set& error) {
+      error_.emplace(std::move(error));
+      ended_ = true;
+    }
+    next_ = Clock::now() + every_;
+    return ended_;
+  }
+
+  Interruption& interruption_;
+  const py::object& progress_;
+  Clock::duration every_;
+  Clock::time_point start_ = Clock::now();
+  Clock::time_point next_;
+  bool ended_ = false;
+  std::optional<py::error_already_set> error_;
+};
+
+// A model that is watched in its scope.
+class Watched {
+ public:
+  Watched(ztbModel* model, SolveWatch& watch) : model_(model) {
+    ztbModelSetWatch(model_, &SolveWatch::asked, &watch);
+  }
+  Watched(const Watched&) = delete;
+  Watched& operator=(const Watched&) = delete;
+  ~Watched() { ztbModelSetWatch(model_, nullptr, nullptr); }
+
+ private:
+  ztbModel* model_;
+};
+
+}  // namespace
+
+void Model::setObjective(const py::str& name, bool maximize, double constant) {
+  model_.setObjective(fromPython(name), maximize, constant);
+}
+
+int Model::addColumns(const py::object& name, const std::vector<Position>& positions,
+                      const Numbers& kinds, const Values& lower, const Values& upper) {
+  requireSameSize(lower, kinds);
+  requireSameSize(lower, upper);
+  const FamilyNames names(name, positions, lower.size());
+  int first = 0;
+  for (py::ssize_t k = 0; k < lower.size(); ++k) {
+    const int number = model_.addColumn(names.at(k), lower.at(k), upper.at(k), kinds.at(k));
+    if (k == 0) first = number;
+  }
+  return first;
+}
+
+int Model::addRows(const py::object& name, const std::vector<Position>& positions,
+                   const Numbers& types, const Values& rhs, const Values& range) {
+  requireSameSize(rhs, types);
+  requireSameSize(rhs, range);
+  const FamilyNames names(name, positions, rhs.size());
+  int first = 0;
+  for (py::ssize_t k = 0; k < rhs.size(); ++k) {
+    const int number = model_.addRow(names.at(k), types.at(k), rhs.at(k), range.at(k));
+    if (k == 0) first = number;
+  }
+  return first;
+}
+
+void Model::addTerms(const Numbers& rows, const Numbers& columns, const Values& values) {
+  requireSameSize(rows, columns);
+  requireSameSize(rows, values);
+  const int* const row = rows.data();
+  const int* const column = columns.data();
+  const double* const value = values.data();
+  for (py::ssize_t k = 0; k < values.size(); ++k) model_.addTerm(row[k], column[k], value[k]);
+}
+
+void Model::drive(const py::str& statement) {
+  model_.drive(fromPython(statement));
+}
+
+void Model::setOption(const py::str& name, const py::str& value) {
+  model_.setOption(fromPython(name), fromPython(value));
+}
+
+py::str Model::option(const py::str& name) const {
+  std::array<char, 4096> value{};
+  if (ztbModelGetOption(model_.handle(), fromPython(name).c_str(), value.data(),
+                        static_cast<int>(value.size())) == 0) {
+    throw ztb::Error("ztbModelGetOption", model_.message());
+  }
+  return toPython(value.data());
+}
+
+py::list Model::notes() const {
+  py::list result;
+  for (int n = 0; n < model_.noteCount(); ++n) result.append(toPython(model_.note(n)));
+  return result;
+}
+
+void Model::tie(const Database& database) {
+  const Shared& connection = database.connection();
+  const Use use(*connection);
+  tie_.emplace(connection->database(), model_);
+  connection_ = connection;
+}
+
+ztb::ModelTie& Model::requireTie() {
+  if (!tie_) throw py::value_error("the model is not tied to a database");
+  static_cast<void>(connection_->database());
+  return *tie_;
+}
+
+int Model::update(const Symbol& modelSymbol, int action, const Symbol& data, int missing) {
+  ztb::ModelTie& tie = requireTie();
+  const Use use(*connection_);
+  connection_->requireSame(*modelSymbol.connection());
+  connection_->requireSame(*data.connection());
+  return tie.update(modelSymbol.client(), static_cast<ztb::Action>(action), data.client(),
+                    static_cast<ztb::Missing>(missing));
+}
+
+void Model::putValues(const Symbol& data, const Numbers& keys, const Values& values) {
+  const Use use(*data.connection());
+  if (keys.ndim() != 2 || keys.shape(1) != data.dimension() || values.ndim() != 1 ||
+      values.size() != keys.shape(0)) {
+    throw py::value_error("rows of " + std::to_string(data.dimension()) +
+                          " label numbers and as many values are expected");
+  }
+  const double* const value = values.data();
+  const int* const key = keys.data();
+  clear(data);
+  Filling filling(data);
+  for (py::ssize_t row = 0; row < values.size(); ++row) {
+    filling.add(key + row * data.dimension(), {.values = value + row});
+  }
+  if (filling.takesContent()) return;
+  filling.writeContents(
+      [&](std::size_t place) { return ztb::detail::Content{.values = value + place}; });
+}
+
+double Model::solve(const py::str& solver, const py::object& progress, double every) {
+  ztb::ModelTie& tie = requireTie();
+  const std::string name = fromPython(solver);
+  const Use use(*connection_);
+  double seconds = 0;
+  std::optional<SolveWatch> watch;
+  runWithoutInterpreter([&](Interruption& interruption) {
+    watch.emplace(interruption, progress, every);
+    const Watched watched(model_.handle(), *watch);
+    seconds = tie.solve(name);
+  });
+  watch->raise();
+  return seconds;
+}
+
+py::tuple Model::explain(double seconds) {
+  requireTie();
+  const Use use(*connection_);
+  ztb::Model::Conflict conflict;
+  const py::none nobody;
+  runWithoutInterpreter([&](Interruption& interruption) {
+    SolveWatch watch(interruption, nobody, 0);
+    const Watched watched(model_.handle(), watch);
+    conflict = model_.explain(seconds);
+  });
+  py::list members;
+  for (const auto& member : conflict.members) {
+    members.append(py::make_tuple(toPython(member.text), member.part, member.number));
+  }
+  return py::make_tuple(conflict.irreducible, conflict.byIntegers, members);
+}
+
+void bindModel(py::module_& module) {
+  py::class_<Model> type(module, "Model", py::is_final());
+  refuseHandMade(type);
+  type.def("set_objective", &Model::setObjective)
+      .def("add_columns", &Model::addColumns)
+      .def("add_rows", &Model::addRows)
+      .def("add_terms", &Model::addTerms)
+      .def("drive", &Model::drive)
+      .def("set_option", &Model::setOption)
+      .def("option", &Model::option)
+      .def("kind", &Model::kind)
+      .def("updated_kind", &Model::updatedKind)
+      .def("status", &Model::status)
+      .def("solve_status", &Model::solveStatus)
+      .def("objective", &Model::objective)
+      .def("iterations", &Model::iterations)
+      .def("notes", &Model::notes)
+      .def("tie", &Model::tie)
+      .def("update", &Model::update)
+      .def("put_values", &Model::putValues)
+      .def("solve", &Model::solve)
+      .def("explain", &Model::explain);
+  module.def("new_model", [] { return Model(ztb::Model()); });
+  module.def("open_model", [](const py::object& path, const py::object& data) {
+    const std::string file = pathFromPython(path);
+    const std::string dataFile = data.is_none() ? std::string() : pathFromPython(data);
+    std::optional<ztb::Model> model;
+    runWithoutInterpreter([&](Interruption&) { model = ztb::Model::open(file, dataFile); });
+    return Model(std::move(*model));
+  });
+  module.def("status_text", [](int status) { return std::string(ztbModelStatusText(status)); });
+  module.def("solve_status_text",
+             [](int status) { return std::string(ztbModelSolveStatusText(status)); });
+}
+
+}  // namespace python

@@ -1,0 +1,75 @@
+// A model as the extension module hands it to the Python layer.
+#ifndef ZTB_BINDINGS_PYTHON_NATIVE_MODEL_H_
+#define ZTB_BINDINGS_PYTHON_NATIVE_MODEL_H_
+
+#include <pybind11/pybind11.h>
+
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+#include <ztb/model.hpp>
+
+#include "bindings/python/native/connection.h"
+#include "bindings/python/native/database.h"
+#include "bindings/python/native/symbol.h"
+
+namespace python {
+
+// A model of the C++ wrapper, and the database that it is tied to once it is. The database, whose
+// symbols read solutions out of the model, does not keep it alive: the Python layer does.
+class Model {
+ public:
+  explicit Model(ztb::Model model) : model_(std::move(model)) {}
+
+  // The labels of one position: distinct ones, and the place among them for each row or column.
+  using Position = std::pair<py::list, Numbers>;
+
+  void setObjective(const py::str& name, bool maximize, double constant);
+  // Add a family of columns or rows, one for each lower bound or right-hand side, and give the
+  // number of the first. `name` is that of the family, or a list with a whole name for each.
+  int addColumns(const py::object& name, const std::vector<Position>& positions,
+                 const Numbers& kinds, const Values& lower, const Values& upper);
+  int addRows(const py::object& name, const std::vector<Position>& positions, const Numbers& types,
+              const Values& rhs, const Values& range);
+  void addTerms(const Numbers& rows, const Numbers& columns, const Values& values);
+  void drive(const py::str& statement);
+
+  void setOption(const py::str& name, const py::str& value);
+  [[nodiscard]] py::str option(const py::str& name) const;
+  [[nodiscard]] int kind() { return model_.kind(); }
+  [[nodiscard]] int updatedKind() { return model_.updatedKind(); }
+  [[nodiscard]] int status() const { return model_.status(); }
+  [[nodiscard]] int solveStatus() const { return model_.solveStatus(); }
+  [[nodiscard]] double objective() const { return model_.objective(); }
+  [[nodiscard]] double iterations() const { return model_.iterations(); }
+  [[nodiscard]] py::list notes() const;
+
+  // Ties an empty database to the model, which is then built and driven no further.
+  void tie(const Database& database);
+  // Writes the records of `data` into the model; the number of those that met nothing.
+  int update(const Symbol& modelSymbol, int action, const Symbol& data, int missing);
+  // Replaces the records of parameter `data`, by rows of label numbers in ascending order.
+  void putValues(const Symbol& data, const Numbers& keys, const Values& values);
+  // Solves without the interpreter's lock; the processor time. A signal whose handler raises ends
+  // it. `progress`, unless None, is called about every `every` seconds with those that passed, and
+  // ends the solve when it raises, or gives False.
+  double solve(const py::str& solver, const py::object& progress, double every);
+  // Why the last solve had no solution: whether that was shown to be irreducible, whether it is by
+  // integers, and of each member the text, the part and the number.
+  py::tuple explain(double seconds);
+
+ private:
+  ztb::ModelTie& requireTie();
+
+  ztb::Model model_;
+  Shared connection_;
+  std::optional<ztb::ModelTie> tie_;
+};
+
+// Adds the class to the module.
+void bindModel(py::module_& module);
+
+}  // namespace python
+
+#endif  // ZTB_BINDINGS_PYTHON_NATIVE_MODEL_H_

@@ -1,0 +1,326 @@
+"""Variables over sets, and expressions in them: what rows of a model are built from.
+
+Nothing here takes a step of Python for a record: labels of a position are looked at once each,
+rows and columns are matched by pandas.
+"""
+
+from __future__ import annotations
+
+from numbers import Real
+from typing import TYPE_CHECKING, Any, List, NamedTuple, Sequence, Tuple, Union
+
+import numpy as np
+import numpy.typing as npt
+
+from . import _native
+from .labels import label_text
+from .numeric import Parameter
+from .symbol import Alias, Set
+
+if TYPE_CHECKING:
+    import pandas as pd
+
+#: A number, or one for each element: a parameter, a series over labels, or an array.
+Data = Union[float, Parameter, "pd.Series[Any]", npt.ArrayLike]
+#: What a family runs over: a set, an index with names, or (name, labels).
+Over = Any
+
+_COLUMN = "\0column"
+_ROW = "\0row"
+_VALUE = "\0value"
+
+
+def _texts(values: Any) -> npt.NDArray[np.object_]:
+    """Labels as texts."""
+    import pandas as pd
+
+    codes, distinct = pd.factorize(np.asarray(values, dtype=object))
+    if len(codes) and codes.min() < 0:
+        raise ValueError(f"label {int(np.flatnonzero(codes < 0)[0])} is missing")
+    texts = np.empty(len(distinct), dtype=object)
+    texts[:] = [label_text(label) for label in distinct]
+    result: npt.NDArray[np.object_] = texts[codes]
+    return result
+
+
+def _part_frame(part: Over) -> "pd.DataFrame":
+    import pandas as pd
+
+    if isinstance(part, Alias):
+        target = part.set
+        if target is None:
+            raise TypeError("all labels are no set to build over, give a set or an index")
+        return pd.DataFrame({part.name: _texts(list(target))})
+    if isinstance(part, Set):
+        index = part.to_pandas().index
+        names = part._native.columns()
+        columns = [index] if part.dimension == 1 else [
+            index.get_level_values(level) for level in range(part.dimension)
+        ]
+        return pd.DataFrame({name: _texts(column) for name, column in zip(names, columns)})
+    if isinstance(part, pd.Index):
+        if any(name is None for name in part.names):
+            raise ValueError("an index without a name says nothing of its position; name it")
+        return pd.DataFrame(
+            {
+                str(name): _texts(part.get_level_values(level))
+                for level, name in enumerate(part.names)
+            }
+        )
+    if isinstance(part, tuple) and len(part) == 2 and isinstance(part[0], str):
+        return pd.DataFrame({part[0]: _texts(list(part[1]))})
+    raise TypeError(
+        f"{part!r} ({type(part).__name__}) is nothing to build over, expected a set, an index with "
+        "a name, or (name, labels)"
+    )
+
+
+def frame_over(over: Over) -> "pd.DataFrame":
+    """All combinations of the parts as a frame of labels, a column for each position."""
+    import pandas as pd
+
+    parts = [over]
+    if over is None:
+        parts = []
+    elif isinstance(over, list) or (
+        isinstance(over, tuple) and not (len(over) == 2 and isinstance(over[0], str))
+    ):
+        parts = list(over)
+    frame = pd.DataFrame(index=pd.RangeIndex(1))
+    for part in parts:
+        new = _part_frame(part)
+        taken = set(frame.columns) & set(new.columns)
+        if taken:
+            raise ValueError(
+                f"two positions are called {sorted(taken)[0]}; give one another name, as in "
+                "(name, labels)"
+            )
+        frame = new if not len(frame.columns) else frame.merge(new, how="cross")
+    if len(frame.columns) and frame.duplicated().any():
+        row = int(np.flatnonzero(frame.duplicated())[0])
+        raise ValueError(f"element {tuple(frame.iloc[row])} stands twice")
+    return frame.reset_index(drop=True)
+
+
+def native_positions(frame: "pd.DataFrame") -> List[Tuple[List[Any], npt.NDArray[np.int32]]]:
+    """The labels of each position and their places, as the extension module takes them."""
+    import pandas as pd
+
+    result = []
+    for name in frame.columns:
+        codes, distinct = pd.factorize(frame[name])
+        result.append((list(distinct), codes.astype(np.int32)))
+    return result
+
+
+def _series_frame(data: "pd.Series[Any]", names: Sequence[str]) -> "pd.DataFrame":
+    """Data over labels as a frame of label columns and one of values; ``names`` are for levels
+    that have none."""
+    import pandas as pd
+
+    index = data.index
+    levels = [None if name is None else str(name) for name in index.names]
+    if all(name is None for name in levels):
+        if len(levels) != len(names):
+            raise ValueError(
+                f"data over {len(levels)} levels without names do not fit positions {tuple(names)}"
+            )
+        levels = list(names)
+    if any(name is None for name in levels) or len(set(levels)) != len(levels):
+        raise ValueError(f"levels {tuple(index.names)} need a name each, all different")
+    frame = pd.DataFrame(
+        {str(name): _texts(index.get_level_values(k)) for k, name in enumerate(levels)}
+    )
+    frame[_VALUE] = np.asarray(data, dtype=np.float64)
+    return frame
+
+
+def _series_of(data: Any) -> Any:
+    """A parameter as a series, a scalar one as its number; anything else as it is."""
+    if isinstance(data, Parameter):
+        return data.to_pandas() if data.dimension else data.value
+    return data
+
+
+def aligned(data: Data, frame: "pd.DataFrame", what: str) -> npt.NDArray[np.float64]:
+    """A number for each row of a frame of labels: 0 where a series has no record."""
+    import pandas as pd
+
+    data = _series_of(data)
+    count = len(frame)
+    if isinstance(data, pd.Series):
+        table = _series_frame(data, list(frame.columns))
+        keys = [name for name in table.columns if name != _VALUE]
+        strange = [name for name in keys if name not in frame.columns]
+        if strange:
+            raise ValueError(
+                f"{what}: {strange[0]} is no position of it, which are {tuple(frame.columns)}"
+            )
+        if table.duplicated(keys).any():
+            raise ValueError(f"{what}: two records have the same labels")
+        values = frame.merge(table, how="left", on=keys)[_VALUE].to_numpy(dtype=np.float64)
+        given = table[keys].merge(frame[keys], on=keys).shape[0]
+        if not given and len(table) and count:
+            raise ValueError(f"{what}: no record fits any element")
+        return np.asarray(np.nan_to_num(values, nan=0.0, posinf=np.inf, neginf=-np.inf))
+    array = np.asarray(data, dtype=np.float64)
+    if array.ndim == 0:
+        return np.full(count, float(array))
+    if array.size != count:
+        raise ValueError(f"{what}: {array.size} numbers for {count} elements")
+    return np.ascontiguousarray(array.ravel())
+
+
+class _Term(NamedTuple):
+    family: "Family"
+    names: Tuple[str, ...]
+    data: Any  # a number, a series, or an array over the family
+    sign: float
+
+
+class Expression:
+    """A sum of variables times data. ``x * price + 2 * y - z``; the variable stands before a
+    series or an array, a parameter or number on either side.
+
+    What positions a row does not have is summed over.
+    """
+
+    __array_ufunc__ = None
+
+    def __init__(self, terms: Sequence[_Term]) -> None:
+        self._terms = list(terms)
+
+    def __add__(self, other: Any) -> "Expression":
+        if not isinstance(other, Expression):
+            return NotImplemented
+        return Expression(self._terms + other._terms)
+
+    def __sub__(self, other: Any) -> "Expression":
+        if not isinstance(other, Expression):
+            return NotImplemented
+        return self + -other
+
+    def __neg__(self) -> "Expression":
+        return Expression([term._replace(sign=-term.sign) for term in self._terms])
+
+    def __mul__(self, data: Data) -> "Expression":
+        data = _series_of(data)
+        if isinstance(data, Real):
+            return Expression(
+                [term._replace(sign=term.sign * float(data)) for term in self._terms]
+            )
+        if isinstance(data, Expression):
+            raise TypeError("a product of variables is none of data and a variable")
+        if len(self._terms) != 1 or self._terms[0].data is not None:
+            raise TypeError("data multiply one variable at a time, as in x * a + y * b")
+        return Expression([self._terms[0]._replace(data=data)])
+
+    def __rmul__(self, data: Data) -> "Expression":
+        if not isinstance(data, (Real, Parameter)):
+            raise TypeError("the variable stands before a series or an array: x * data")
+        return self * data
+
+    def _entries(
+        self, rows: "pd.DataFrame", what: str
+    ) -> Tuple[npt.NDArray[np.int32], npt.NDArray[np.int32], npt.NDArray[np.float64]]:
+        """Row, column and value of each term in rows, a frame of labels and numbers."""
+        parts = [_matched(term, rows, what) for term in self._terms]
+        return (
+            np.concatenate([part[0] for part in parts]),
+            np.concatenate([part[1] for part in parts]),
+            np.concatenate([part[2] for part in parts]),
+        )
+
+
+def _merged(left: "pd.DataFrame", right: "pd.DataFrame") -> "pd.DataFrame":
+    shared = [name for name in left.columns if name in right.columns]
+    return left.merge(right, on=shared) if shared else left.merge(right, how="cross")
+
+
+def _matched(
+    term: _Term, rows: "pd.DataFrame", what: str
+) -> Tuple[npt.NDArray[np.int32], npt.NDArray[np.int32], npt.NDArray[np.float64]]:
+    import pandas as pd
+
+    family = term.family
+    table = family._frame.copy(deep=False)
+    table.columns = list(term.names)
+    table[_COLUMN] = np.arange(family._first, family._first + len(table))
+    if isinstance(term.data, pd.Series):
+        data = _series_frame(term.data, term.names)
+        strange = [
+            name
+            for name in data.columns
+            if name != _VALUE and name not in term.names and name not in rows.columns
+        ]
+        if strange:
+            raise ValueError(
+                f"{what}: {strange[0]} of the data is a position neither of {family.name}, which "
+                f"has {term.names}, nor of the row"
+            )
+        table = _merged(table, data)
+    elif term.data is not None:
+        table[_VALUE] = aligned(term.data, family._frame, what)
+    table = _merged(table, rows)
+    values = np.full(len(table), term.sign)
+    if term.data is not None:
+        values = values * table[_VALUE].to_numpy(dtype=np.float64)
+    return (
+        table[_ROW].to_numpy(dtype=np.int32),
+        table[_COLUMN].to_numpy(dtype=np.int32),
+        values,
+    )
+
+
+class Family(Expression):
+    """Variables over sets, made by :meth:`ztb.Model.variable`; an expression by itself."""
+
+    def __init__(self, name: str, first: int, frame: "pd.DataFrame") -> None:
+        self.name = name
+        self._first = first
+        self._frame = frame
+        super().__init__([_Term(self, tuple(frame.columns), None, 1.0)])
+
+    @property
+    def positions(self) -> Tuple[str, ...]:
+        """The names of its positions."""
+        return tuple(self._frame.columns)
+
+    def __len__(self) -> int:
+        return len(self._frame)
+
+    def named(self, *names: str) -> Expression:
+        """The same variables with other names of positions: ``stock.named("before")`` is matched
+        with data and rows by ``before``."""
+        if len(names) != len(self.positions) or len(set(names)) != len(names):
+            raise ValueError(
+                f"{self.name} has positions {self.positions}, expected as many different names, "
+                f"not {names}"
+            )
+        return Expression([self._terms[0]._replace(names=tuple(names))])
+
+    def __repr__(self) -> str:
+        positions = f"({', '.join(self.positions)})" if self.positions else ""
+        return f"<ztb.Family {self.name}{positions} of {len(self)} columns>"
+
+
+def add_rows(
+    native: _native.Model, name: str, over: Over, expression: Expression, sides: Any
+) -> int:
+    """Adds rows and their terms; ``sides`` gives types, right-hand sides and ranges for labels."""
+    frame = frame_over(over)
+    types, rhs, ranges = sides(frame)
+    rows = frame.copy(deep=False)
+    # Terms are matched before anything is added, so that what is refused leaves no rows.
+    rows[_ROW] = np.arange(len(rows))
+    at, columns, values = expression._entries(rows, name)
+    first = native.add_rows(name, native_positions(frame), types, rhs, ranges)
+    native.add_terms(at + np.int32(first), columns, values)
+    return len(frame)
+
+
+def add_objective(native: _native.Model, expression: Expression) -> None:
+    """Adds the terms of the objective."""
+    frame = frame_over(None)
+    frame[_ROW] = 0
+    native.add_terms(*expression._entries(frame, "the objective"))

@@ -1,0 +1,636 @@
+"""Models: opened from files, made of arrays or built over symbols, tied to a database and solved.
+
+    >>> import ztb
+    >>> model = ztb.Model()
+    >>> x = model.variable("x", ("food", ["Milk", "Tofu"]), upper=4)
+    >>> model.rows("fat", None, x * [3, 1], lower=9)
+    1
+    >>> model.minimize(x * [2, 1])
+    >>> solution = model.solve()
+    >>> solution.status, solution.objective
+    ('optimal', 6.0)
+"""
+
+from __future__ import annotations
+
+import os
+from dataclasses import dataclass, field
+from typing import TYPE_CHECKING, Any, Callable, Dict, List, Mapping, Optional
+from typing import Sequence, Tuple, Union
+
+import numpy as np
+import numpy.typing as npt
+
+from . import _native, families
+from .database import Database
+from .families import Data, Expression, Family, Over
+from .numeric import Equation, Parameter, Variable
+from .symbol import Symbol
+
+if TYPE_CHECKING:
+    import pandas as pd
+
+Path = Union[str, "os.PathLike[str]"]
+
+_KINDS = {"continuous": 0, "integer": 1, "binary": 2}
+_EQUAL, _GREATER, _LESS, _FREE = range(4)
+_ACTIONS = ("fix", "upper", "lower", "bounds", "level", "marginal")
+_MISSING = ("zero", "base", "keep")
+_SOLVERS = {1: "clp", 2: "cbc", 4: "ipopt"}
+_WITH_POINT = (1, 2, 6)
+_SUFFIX = "_var"
+
+#: Names of columns or rows for arrays: of a family, of each, or families and what they run over.
+Names = Union[None, str, Sequence[str], Mapping[str, Over]]
+
+
+class Model:
+    """An optimization model: its variables, its rows, and the solvers' way to it.
+
+    ``Model()`` is empty, to be built by :meth:`variable`, :meth:`rows` and :meth:`minimize`;
+    :meth:`open` reads a file, :meth:`from_arrays` takes a matrix. Say what data drive by
+    :meth:`drive`, then :meth:`tie` it to a database, or solve it, which ties it to one of its own.
+    From then on it is built and driven no further: its data change.
+    """
+
+    def __init__(self) -> None:
+        self._native = _native.new_model()
+        self._tie: Optional[Tie] = None
+        self._file: Optional[Tuple[Path, Optional[Path]]] = None
+        self._statements: List[str] = []
+
+    @classmethod
+    def open(cls, path: Path, data: Optional[Path] = None) -> "Model":
+        """Reads a model file: LP, MPS or MathProg, by its ending; ``data`` is that of a ``.mod``.
+
+        Raises :class:`ztb.Error` with file and line for what is no such model.
+        """
+        model = cls.__new__(cls)
+        model._native = _native.open_model(path, data)
+        model._tie = None
+        model._file = (path, data)
+        model._statements = []
+        return model
+
+    @classmethod
+    def from_arrays(
+        cls,
+        c: npt.ArrayLike,
+        A: Any,
+        lower: npt.ArrayLike = -np.inf,
+        upper: npt.ArrayLike = np.inf,
+        *,
+        bounds: Tuple[npt.ArrayLike, npt.ArrayLike] = (0.0, np.inf),
+        kind: Union[str, npt.ArrayLike] = "continuous",
+        columns: Names = None,
+        rows: Names = None,
+        maximize: bool = False,
+        constant: float = 0.0,
+        objective: str = "objective",
+    ) -> "Model":
+        """The model min (or max) ``c x + constant`` with ``lower <= A x <= upper`` and ``bounds``
+        on x.
+
+        ``A`` is a scipy sparse matrix, a tuple ``(data, indices, indptr)`` of its CSR arrays, or a
+        dense array. Numbers that hold for all may stand alone. ``kind`` is ``"continuous"``,
+        ``"integer"`` or ``"binary"``, or an array of 0, 1 and 2 for these. ``columns`` and ``rows``
+        name them: a family (``"buy"``, with labels ``"0"``, ``"1"``, ...), a name for each, or a
+        mapping from families to what they run over, in the order of the numbers:
+        ``{"buy": ("food", ["Milk", "Tofu"]), "spare": None}``. Without names they are ``x`` and
+        ``row``.
+        """
+        cost = np.atleast_1d(np.asarray(c, dtype=np.float64))
+        if cost.ndim != 1:
+            raise ValueError(f"c has {cost.ndim} axes, expected one")
+        at, column, value, shape = _entries(A, len(cost))
+        if shape[1] != len(cost):
+            raise ValueError(f"A has {shape[1]} columns, c has {len(cost)} numbers")
+        model = cls()
+        types, rhs, ranges = _sides(
+            _spread(lower, shape[0], "lower"), _spread(upper, shape[0], "upper"), "rows"
+        )
+        low = _spread(bounds[0], len(cost), "bounds")
+        high = _spread(bounds[1], len(cost), "bounds")
+        kinds = _kinds(kind, len(cost))
+        native = model._native
+        native.set_objective(objective, maximize, constant)
+        for name, positions, part in _named(columns, len(cost), "x", "columns"):
+            native.add_columns(name, positions, kinds[part], low[part], high[part])
+        for name, positions, part in _named(rows, shape[0], "row", "rows"):
+            native.add_rows(name, positions, types[part], rhs[part], ranges[part])
+        numbers = np.flatnonzero(cost).astype(np.int32)
+        native.add_terms(np.zeros(len(numbers), dtype=np.int32), numbers, cost[numbers])
+        native.add_terms(at + np.int32(1), column, value)
+        return model
+
+    # ---- building ----
+
+    def variable(
+        self,
+        name: str,
+        over: Over = None,
+        *,
+        lower: Data = 0.0,
+        upper: Data = np.inf,
+        kind: str = "continuous",
+    ) -> Family:
+        """Adds a variable over sets, one column for each combination of their elements.
+
+        ``over`` is a set, an index with names, ``(name, labels)``, a list of such, or nothing for a
+        single column. Bounds are numbers, or data over its positions, which are 0 where there is
+        no record, or arrays in its order. ``kind`` is ``"continuous"``, ``"integer"`` or
+        ``"binary"``; a binary variable is from 0 to 1.
+        """
+        if kind == "binary" and isinstance(upper, float) and np.isinf(upper):
+            upper = 1.0
+        frame = families.frame_over(over)
+        low = families.aligned(lower, frame, f"lower bounds of {name}")
+        high = families.aligned(upper, frame, f"upper bounds of {name}")
+        first = self._native.add_columns(
+            name, families.native_positions(frame), _kinds(kind, len(frame)), low, high
+        )
+        return Family(name, first, frame)
+
+    def rows(
+        self,
+        name: str,
+        over: Over,
+        expression: Expression,
+        *,
+        lower: Optional[Data] = None,
+        upper: Optional[Data] = None,
+        equal: Optional[Data] = None,
+    ) -> int:
+        """Adds a row for each element of ``over``: the expression, summed over all positions that
+        a row does not have, is at least ``lower``, at most ``upper``, or ``equal``.
+
+        Sides are numbers, data over the positions of the rows, which are 0 where there is no
+        record, or arrays in their order. Gives the number of rows.
+        """
+        if equal is not None and (lower is not None or upper is not None):
+            raise ValueError(f"{name}: equal stands alone, without lower and upper")
+        if equal is None and lower is None and upper is None:
+            raise ValueError(f"{name}: one of lower, upper and equal is expected")
+
+        def sides(frame: "pd.DataFrame") -> Any:
+            low = equal if lower is None else lower
+            high = equal if upper is None else upper
+            return _sides(
+                families.aligned(-np.inf if low is None else low, frame, name),
+                families.aligned(np.inf if high is None else high, frame, name),
+                name,
+            )
+
+        return families.add_rows(self._native, name, over, expression, sides)
+
+    def minimize(
+        self, expression: Expression, *, name: str = "objective", constant: float = 0.0
+    ) -> None:
+        """Sets the objective, to be as small as possible; called once."""
+        self._set_objective(expression, name, False, constant)
+
+    def maximize(
+        self, expression: Expression, *, name: str = "objective", constant: float = 0.0
+    ) -> None:
+        """Sets the objective, to be as large as possible; called once."""
+        self._set_objective(expression, name, True, constant)
+
+    def _set_objective(
+        self, expression: Expression, name: str, maximize: bool, constant: float
+    ) -> None:
+        self._native.set_objective(name, maximize, constant)
+        families.add_objective(self._native, expression)
+
+    def drive(self, statement: str) -> None:
+        """Says which numbers of the model a symbol drives: ``"price(food) = cost of buy"``.
+
+        Also ``rhs of`` an equation, ``upper of`` or ``lower of`` a variable, and ``coefficient of``
+        a variable ``in`` an equation. What the model has not is told with what it has.
+        """
+        self._native.drive(statement)
+        self._statements.append(statement)
+
+    # ---- use ----
+
+    def tie(self, db: Optional[Database] = None) -> "Tie":
+        """Ties the model to a database without labels and symbols, or to a new one."""
+        if self._tie is not None:
+            raise ValueError("the model is tied to a database already")
+        self._tie = Tie(self, Database() if db is None else db)
+        return self._tie
+
+    def solve(
+        self,
+        solver: Optional[str] = None,
+        *,
+        time_limit: Optional[float] = None,
+        progress: Optional[Callable[[float], Any]] = None,
+        every: float = 0.5,
+        options: Optional[Mapping[str, Any]] = None,
+    ) -> "Solution":
+        """Solves; see :meth:`Tie.solve`."""
+        tie = self._tie if self._tie is not None else self.tie()
+        return tie.solve(
+            solver, time_limit=time_limit, progress=progress, every=every, options=options
+        )
+
+    def explain(self, *, time_limit: float = 1e8) -> "Conflict":
+        """Why the last solve had no solution: rows and bounds that cannot hold together, and do
+        without any one of them.
+
+        Ctrl-C ends it. Raises :class:`ztb.Error` when there is a solution.
+        """
+        if self._tie is None:
+            raise ValueError("the model was not solved yet")
+        irreducible, by_integers, members = self._native.explain(float(time_limit))
+        return Conflict([text for text, _, _ in members], irreducible, by_integers)
+
+    @property
+    def notes(self) -> List[str]:
+        """What is to be told of the model: of the reading, and of names that had to change."""
+        return self._native.notes()
+
+
+@dataclass(frozen=True)
+class Conflict:
+    """Rows and bounds that cannot hold together, as texts such as ``"demand(oslo) >= 30"``."""
+
+    members: List[str]
+    #: Whether each was shown to be needed; not so where the time was over before.
+    irreducible: bool
+    #: Whether they hold together but for the columns that have to be integers.
+    by_integers: bool
+
+    def __str__(self) -> str:
+        return "\n".join(self.members)
+
+
+@dataclass(frozen=True)
+class Solution:
+    """What a solve left. Symbols of the tie hold the point until the next solve."""
+
+    status: str
+    solve_status: str
+    #: NaN where there is no point.
+    objective: float
+    solver: str
+    #: Processor time in the solver.
+    seconds: float
+    iterations: float
+    #: Whether there is a point: a best one, or one that a limit left.
+    has_point: bool
+    tie: "Tie" = field(repr=False, compare=False)
+
+    @property
+    def optimal(self) -> bool:
+        """Whether the point is a best one."""
+        return self.status in ("optimal", "locally optimal")
+
+    def __getitem__(self, name: str) -> "pd.DataFrame":
+        """The variable or equation of this name as a frame: level, marginal, lower, upper, scale."""
+        return self.symbol(name).to_pandas()
+
+    def symbol(self, name: str) -> Union[Variable, Equation]:
+        """The variable or equation of this name."""
+        found = self.tie.database[name]
+        if not isinstance(found, (Variable, Equation)):
+            raise KeyError(f"{name} is no variable or equation of the model")
+        return found
+
+    def levels(self, name: str) -> npt.NDArray[np.float64]:
+        """The levels of a variable or equation, in the order of its records."""
+        values: npt.NDArray[np.float64] = self.symbol(name)._native.rows()[1][:, 0]
+        return values
+
+
+class _Driven:
+    """The columns that a symbol drives, and the parameter that holds its data."""
+
+    def __init__(self, columns: _native.Symbol, data: Parameter) -> None:
+        self.columns = columns
+        self.data = data
+        #: The label numbers of the columns, in their order.
+        self.keys = columns.rows()[0]
+        #: The index of the last data, with the label numbers of its rows and their order.
+        self.index: Any = None
+        self.index_keys: Any = None
+        self.order: Any = None
+
+
+class Tie:
+    """A model tied to a database: data go in by name, solutions come out as symbols.
+
+    ``tie["price"] = data`` takes a series or frame over labels, an array in the order of
+    ``tie.index("price")``, a parameter, or a number; ``tie["buy"]`` is the symbol.
+    """
+
+    def __init__(self, model: Model, database: Database) -> None:
+        if database._source is not None:
+            raise ValueError("the database is tied to another model already")
+        if len(database) or database._native.label_count():
+            raise ValueError(
+                "the database holds labels or symbols already, and those of a model come first; "
+                "tie the model to a new one and give it data by name: tie['price'] = db['price']"
+            )
+        self._model = model
+        self._native = model._native
+        self._tied = False
+        self._driven: Dict[str, _Driven] = {}
+        self._database = database
+
+    @property
+    def database(self) -> Database:
+        """The database, with a symbol for each variable and equation of the model."""
+        self._require_tied()
+        return self._database
+
+    def drive(self, statement: str) -> None:
+        """Says what a symbol drives, as :meth:`Model.drive`; before the first data or solve."""
+        self._model.drive(statement)
+
+    def _require_tied(self) -> None:
+        if not self._tied:
+            self._native.tie(self._database._native)
+            # Symbols read the solution out of the model, and hold the database alone.
+            self._database._source = self._native
+            self._tied = True
+
+    def __getitem__(self, name: str) -> Symbol[Any]:
+        """The symbol of a name; of data that drive, the parameter that holds them."""
+        self._require_tied()
+        driven = self._driven.get(_native.folded(name))
+        return self._database[name] if driven is None else driven.data
+
+    def index(self, name: str) -> "pd.Index":
+        """The labels of the numbers that a symbol drives, in the order in which arrays have them."""
+        from . import frames
+
+        driven = self._find(name)
+        return frames.index_of(driven.columns, self._database, driven.keys)
+
+    def __setitem__(self, name: str, data: Any) -> None:
+        """Sets the data that drive the model. What has no record stays at what the model has."""
+        self.set(name, data)
+
+    def set(self, name: str, data: Any) -> int:
+        """Sets data, as ``tie[name] = data``; gives the number of records that meet nothing in the
+        model."""
+        driven = self._find(name)
+        keys, values = self._rows_of(name, driven, data)
+        self._native.put_values(driven.data._native, keys, values)
+        return self._native.update(driven.columns, 0, driven.data._native, 1)
+
+    def update(
+        self, name: str, data: Any, action: str = "fix", missing: str = "keep"
+    ) -> int:
+        """Writes data into a variable or equation: ``"fix"`` columns, or set their ``"lower"``,
+        ``"upper"`` or both ``"bounds"``, ``"level"`` or ``"marginal"``. What has no record is
+        left (``missing="keep"``), set to ``"zero"``, or to what the model has (``"base"``). Gives
+        the number of records that meet nothing in the model.
+        """
+        if action not in _ACTIONS:
+            raise ValueError(f"no action {action!r}, expected one of {', '.join(_ACTIONS)}")
+        if missing not in _MISSING:
+            raise ValueError(f"no missing={missing!r}, expected one of {', '.join(_MISSING)}")
+        symbol = self.database[name]
+        if not isinstance(symbol, (Variable, Equation)):
+            raise KeyError(f"{name} is no variable or equation of the model")
+        values = self._add_parameter(name, symbol.dimension)
+        _fill(values, data)
+        return self._native.update(
+            symbol._native, _ACTIONS.index(action), values._native, _MISSING.index(missing)
+        )
+
+    def solve(
+        self,
+        solver: Optional[str] = None,
+        *,
+        time_limit: Optional[float] = None,
+        progress: Optional[Callable[[float], Any]] = None,
+        every: float = 0.5,
+        options: Optional[Mapping[str, Any]] = None,
+    ) -> Solution:
+        """Solves, on a solver that lives on and starts from the solution before where it can.
+
+        Without ``solver`` it is clp for linear models, cbc with integers, ipopt with products.
+        ``time_limit`` is in seconds; ``options`` are those of the solver environment, such as
+        ``{"RelativeGap": 0.01}``, and stay. ``progress`` is called about every ``every`` seconds
+        with those that passed, and ends the solve when it gives ``False``. The interpreter's lock
+        is free meanwhile, and Ctrl-C ends the solve. No solution is no error: the status tells.
+        """
+        self._require_tied()
+        native = self._native
+        for option, value in (options or {}).items():
+            native.set_option(option, str(value))
+        name = solver or self._standard_solver()
+        limit = None
+        if time_limit is not None:
+            limit = native.option("TimeLimit")
+            native.set_option("TimeLimit", repr(float(time_limit)))
+        try:
+            seconds = native.solve(name, progress, every)
+        finally:
+            if limit is not None:
+                native.set_option("TimeLimit", limit)
+        status = native.status()
+        has_point = status in _WITH_POINT
+        return Solution(
+            _native.status_text(status),
+            _native.solve_status_text(native.solve_status()),
+            native.objective() if has_point else np.nan,
+            name,
+            seconds,
+            native.iterations(),
+            has_point,
+            self,
+        )
+
+    # ---- inside ----
+
+    def _standard_solver(self) -> str:
+        kind = self._native.updated_kind() if self._driven else self._native.kind()
+        if kind not in _SOLVERS:
+            raise ValueError(
+                "the model has integer columns and products of columns that can move; name a "
+                "solver that takes both"
+            )
+        return _SOLVERS[kind]
+
+    def _find(self, name: str) -> _Driven:
+        key = _native.folded(name)
+        driven = self._driven.get(key)
+        if driven is None:
+            self._require_tied()
+            try:
+                columns = self._database[name + _SUFFIX]
+            except KeyError:
+                raise KeyError(
+                    f"{name} drives nothing in the model; say what it drives before the first data "
+                    f'or solve: tie.drive("{name}(...) = cost of ...")'
+                ) from None
+            driven = _Driven(columns._native, self._add_parameter(name, columns.dimension))
+            self._driven[key] = driven
+        return driven
+
+    def _add_parameter(self, name: str, dimension: int) -> Parameter:
+        own = name
+        number = 1
+        while own in self._database:
+            own = f"{name}_data" if number == 1 else f"{name}_data{number}"
+            number += 1
+        return self._database.add_parameter(own, ["*"] * dimension)
+
+    def _rows_of(
+        self, name: str, driven: _Driven, data: Any
+    ) -> Tuple[npt.NDArray[np.int32], npt.NDArray[np.float64]]:
+        """Label numbers in ascending order, and values, of data."""
+        # Lists and tuples have an index too, which is another thing.
+        index = data.index if hasattr(data, "iloc") else None
+        is_series = index is not None and not hasattr(data, "columns")
+        # An index never changes, so the same one has the same labels.
+        if is_series and index is driven.index:
+            values = np.asarray(data, dtype=np.float64)
+            return driven.index_keys, values[driven.order]
+        if index is None and not isinstance(data, (Parameter, Mapping)):
+            array = np.asarray(data, dtype=np.float64)
+            if array.ndim == 0:
+                array = np.full(len(driven.keys), float(array))
+            if array.size != len(driven.keys):
+                raise ValueError(
+                    f"{name}: {array.size} numbers, expected {len(driven.keys)}, one for each "
+                    f"element of index({name!r})"
+                )
+            return driven.keys, np.ascontiguousarray(array.ravel())
+        _fill(driven.data, data)
+        keys, table = driven.data._native.rows()
+        values = table[:, 0]
+        if is_series:
+            self._remember(driven, index, keys)
+        return keys, values
+
+    def _remember(self, driven: _Driven, index: Any, keys: npt.NDArray[np.int32]) -> None:
+        """Keeps where the rows of an index stand among sorted keys, for data over the same one."""
+        import pandas as pd
+
+        probe = pd.Series(np.arange(len(index), dtype=np.float64), index=index)
+        driven.data.from_pandas(probe)
+        driven.order = driven.data._native.rows()[1][:, 0].astype(np.intp)
+        driven.index = index
+        driven.index_keys = keys
+
+
+def _fill(parameter: Parameter, data: Any) -> None:
+    """Replaces the records of a parameter by data of any kind."""
+    import pandas as pd
+
+    if isinstance(data, Parameter):
+        data = data.to_pandas() if data.dimension else data.value
+    if isinstance(data, Mapping) and not isinstance(data, (pd.Series, pd.DataFrame)):
+        parameter.clear()
+        for key, value in data.items():
+            parameter[key] = value
+    elif isinstance(data, (pd.Series, pd.DataFrame)):
+        parameter.from_pandas(data)
+    else:
+        parameter.clear()
+        parameter.value = float(data)
+
+
+# ---- arrays ----
+
+
+def _entries(
+    matrix: Any, columns: int
+) -> Tuple[npt.NDArray[np.int32], npt.NDArray[np.int32], npt.NDArray[np.float64], Tuple[int, int]]:
+    """Rows, columns and values of the entries of a matrix, and its shape."""
+    if isinstance(matrix, tuple):
+        if len(matrix) != 3:
+            raise ValueError("CSR arrays are a tuple (data, indices, indptr)")
+        data = np.asarray(matrix[0], dtype=np.float64)
+        indices = np.asarray(matrix[1], dtype=np.int32)
+        indptr = np.asarray(matrix[2], dtype=np.int64)
+        if len(indptr) < 1 or indptr[0] != 0 or indptr[-1] != len(data) or len(data) != len(indices):
+            raise ValueError("indptr goes from 0 to the number of data, which is that of indices")
+        if (np.diff(indptr) < 0).any():
+            raise ValueError("indptr does not ascend")
+        rows = np.repeat(np.arange(len(indptr) - 1, dtype=np.int32), np.diff(indptr))
+        return rows, indices, data, (len(indptr) - 1, columns)
+    if hasattr(matrix, "tocoo"):
+        entries = matrix.tocoo()
+        return (
+            entries.row.astype(np.int32),
+            entries.col.astype(np.int32),
+            entries.data.astype(np.float64),
+            entries.shape,
+        )
+    dense = np.atleast_2d(np.asarray(matrix, dtype=np.float64))
+    if dense.ndim != 2:
+        raise ValueError(f"A has {dense.ndim} axes, expected two")
+    at, column = np.nonzero(dense)
+    return (
+        at.astype(np.int32),
+        column.astype(np.int32),
+        dense[at, column],
+        (dense.shape[0], dense.shape[1]),
+    )
+
+
+def _spread(values: npt.ArrayLike, count: int, what: str) -> npt.NDArray[np.float64]:
+    array = np.asarray(values, dtype=np.float64)
+    if array.ndim == 0:
+        return np.full(count, float(array))
+    if array.shape != (count,):
+        raise ValueError(f"{what}: an array of {count} numbers is expected, not of {array.shape}")
+    return np.ascontiguousarray(array)
+
+
+def _kinds(kind: Union[str, npt.ArrayLike], count: int) -> npt.NDArray[np.int32]:
+    if isinstance(kind, str):
+        if kind not in _KINDS:
+            raise ValueError(f"no kind {kind!r}, expected one of {', '.join(_KINDS)}")
+        return np.full(count, _KINDS[kind], dtype=np.int32)
+    return _spread(kind, count, "kind").astype(np.int32)
+
+
+def _sides(
+    lower: npt.NDArray[np.float64], upper: npt.NDArray[np.float64], name: str
+) -> Tuple[npt.NDArray[np.int32], npt.NDArray[np.float64], npt.NDArray[np.float64]]:
+    """Types, right-hand sides and ranges of rows between two sides."""
+    wrong = ~(lower <= upper) | (lower == np.inf) | (upper == -np.inf)
+    if wrong.any():
+        row = int(np.flatnonzero(wrong)[0])
+        raise ValueError(
+            f"{name}: row {row} is from {lower[row]} to {upper[row]}, which nothing satisfies"
+        )
+    has_lower, has_upper = np.isfinite(lower), np.isfinite(upper)
+    types = np.where(has_upper, _LESS, np.where(has_lower, _GREATER, _FREE))
+    types = np.where(has_lower & (lower == upper), _EQUAL, types)
+    rhs = np.where(has_upper, upper, np.where(has_lower, lower, 0.0))
+    both = has_lower & has_upper & (lower < upper)
+    ranges = np.zeros(len(lower))
+    ranges[both] = upper[both] - lower[both]
+    return types.astype(np.int32), rhs, ranges
+
+
+def _named(names: Names, count: int, default: str, what: str) -> List[Tuple[Any, Any, slice]]:
+    """Families or names with their positions and the numbers that they name."""
+    if names is None or isinstance(names, str):
+        labels = [str(number) for number in range(count)]
+        position = (labels, np.arange(count, dtype=np.int32))
+        return [(names or default, [position], slice(0, count))] if count else []
+    if not isinstance(names, Mapping):
+        listed = [str(name) for name in names]
+        if len(listed) != count:
+            raise ValueError(f"{what}: {len(listed)} names for {count}")
+        return [(listed, [], slice(0, count))] if count else []
+    result: List[Tuple[Any, Any, slice]] = []
+    begin = 0
+    for family, over in names.items():
+        frame = families.frame_over(over)
+        result.append(
+            (family, families.native_positions(frame), slice(begin, begin + len(frame)))
+        )
+        begin += len(frame)
+    if begin != count:
+        raise ValueError(f"{what}: the families have {begin} elements, expected {count}")
+    return result

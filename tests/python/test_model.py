@@ -1,0 +1,441 @@
+"""Models: opened, made of arrays, built over symbols, driven and solved. scipy's own solver is the
+judge where no value is worked by hand."""
+
+import gc
+import os
+import signal
+import threading
+
+import numpy as np
+import pandas as pd
+import pytest
+import scipy.optimize
+import scipy.sparse
+
+import ztb
+
+PLAN = """Minimize
+ cost: 2 buy(x) + 3 buy(y)
+Subject To
+ need: buy(x) + buy(y) >= 4
+Bounds
+ buy(x) <= 3
+End
+"""
+
+
+def written(folder, text, name="m.lp"):
+    path = folder / name
+    path.write_text(text)
+    return path
+
+
+@pytest.fixture
+def plan(tmp_path):
+    return ztb.Model.open(written(tmp_path, PLAN))
+
+
+# ---- opened ----
+
+
+def test_a_file_is_solved(plan):
+    solution = plan.solve()
+    assert (solution.status, solution.solve_status) == ("optimal", "normal completion")
+    assert solution.optimal and solution.has_point and solution.solver == "clp"
+    assert solution.objective == pytest.approx(9)
+    assert solution["buy"]["level"].to_dict() == pytest.approx({"x": 3, "y": 1})
+    assert solution["need"].loc[0, "marginal"] == pytest.approx(3)
+    assert solution.levels("buy") == pytest.approx([3, 1])
+    assert solution.symbol("buy")["y"].level == pytest.approx(1)
+
+
+def test_a_file_that_is_none_is_told(tmp_path):
+    with pytest.raises(ztb.MissingFileError, match="gone.lp"):
+        ztb.Model.open(tmp_path / "gone.lp")
+    with pytest.raises(ztb.Error, match="m.lp:3:"):
+        ztb.Model.open(written(tmp_path, "Minimize\n cost: 2 2\n )"))
+
+
+@pytest.mark.parametrize(
+    "data",
+    [
+        np.array([5.0, 3.0]),
+        [5, 3],
+        pd.Series([3.0, 5.0], index=["y", "x"]),
+        pd.DataFrame({"food": ["y", "x"], "price": [3.0, 5.0]}).set_index("food"),
+        {"x": 5},
+        pd.Series({"x": 5.0}),
+    ],
+)
+def test_data_drive_a_model_as_it_stands(plan, data):
+    tie = plan.tie()
+    tie.drive("price(food) = cost of buy")
+    assert list(tie.index("price")) == ["x", "y"]
+    tie["price"] = data
+    assert plan.solve().objective == pytest.approx(12)
+    assert tie["price"]["x"] == 5
+    tie["price"] = {}
+    assert plan.solve().objective == pytest.approx(9)
+
+
+def test_a_number_drives_all(plan):
+    plan.drive("price(food) = cost of buy")
+    plan.drive("need = rhs of need")
+    tie = plan.tie()
+    tie["price"] = 1
+    tie["need"] = 10
+    assert plan.solve().objective == pytest.approx(10)
+    with ztb.Database() as db:
+        db.add_parameter("n").value = 2
+        tie["need"] = db["n"]
+    assert plan.solve().objective == pytest.approx(2)
+    assert tie["need"].name == "need_data"
+
+
+def test_the_same_index_is_looked_at_once_and_another_anew(plan):
+    plan.drive("price(food) = cost of buy")
+    tie = plan.tie()
+    index = pd.Index(["y", "x"])
+    for x, y, objective in [(1, 5, 3 + 5), (6, 2, 8), (2, 4, 10)]:
+        tie["price"] = pd.Series([y, x], index=index)
+        assert plan.solve().objective == pytest.approx(objective)
+    tie["price"] = pd.Series([4, 1], index=pd.Index(["x", "y"]))
+    assert plan.solve().objective == pytest.approx(4)
+    frame = pd.DataFrame({"dim_1": ["y", "x"], "value": [4, 2]}, index=pd.RangeIndex(2))
+    other = pd.DataFrame({"dim_1": ["x", "y"], "value": [4, 2]}, index=frame.index)
+    tie["price"] = frame.set_index("dim_1")
+    assert plan.solve().objective == pytest.approx(10)
+    tie["price"] = other.set_index("dim_1")
+    assert plan.solve().objective == pytest.approx(8)
+
+
+def test_records_that_meet_nothing_are_counted(plan):
+    plan.drive("price(food) = cost of buy")
+    assert plan.tie().set("price", {"x": 1, "z": 3}) == 1
+
+
+def test_bounds_of_variables_are_updated(plan):
+    tie = plan.tie()
+    assert tie.update("buy", {"x": 1}, "upper") == 0
+    assert plan.solve().objective == pytest.approx(2 + 9)
+    assert tie.update("buy", {"x": 0}, "fix") == 0
+    assert plan.solve().objective == pytest.approx(12)
+    with pytest.raises(ValueError, match="no action 'halve', expected one of fix, upper, lower"):
+        tie.update("buy", {}, "halve")
+    with pytest.raises(ValueError, match="no missing='all', expected one of zero, base, keep"):
+        tie.update("buy", {}, missing="all")
+
+
+def test_what_cannot_drive_is_told(plan):
+    with pytest.raises(ztb.Error, match="the model has no variable bui, is buy meant"):
+        plan.drive("price(food) = cost of bui")
+    plan.drive("price(food) = cost of buy")
+    tie = plan.tie()
+    with pytest.raises(KeyError, match="rent drives nothing in the model"):
+        tie["rent"] = 1
+    with pytest.raises(ValueError, match="price: 3 numbers, expected 2, one for each element"):
+        tie["price"] = [1, 2, 3]
+    with pytest.raises(ztb.Error, match="the model is in use and can be driven by no further"):
+        tie.drive("need = rhs of need")
+    tie["price"] = {"x": np.inf}
+    with pytest.raises(ztb.Error, match=r"price_var\(x\) has to stand at one number"):
+        plan.solve()
+    tie["price"] = {"x": 3}
+    assert plan.solve().objective == pytest.approx(12)
+
+
+def test_no_solution_is_no_error(plan):
+    plan.drive("most(food) = upper of buy")
+    tie = plan.tie()
+    tie["most"] = 1
+    solution = plan.solve()
+    assert solution.status == "infeasible" and not solution.has_point
+    assert np.isnan(solution.objective)
+
+
+def test_a_database_is_new_and_stays_with_its_model(plan):
+    with ztb.Database() as db:
+        db.add_labels(["x"])
+        with pytest.raises(ValueError, match="the database holds labels or symbols already"):
+            plan.tie(db)
+    db = ztb.Database()
+    tie = plan.tie(db)
+    with pytest.raises(ValueError, match="the model is tied to a database already"):
+        plan.tie()
+    tie.solve()
+    del tie, plan
+    gc.collect()
+    assert db["buy"]["x"].level == pytest.approx(3)
+    db.close()
+
+
+def test_a_closed_database_is_told(plan):
+    tie = plan.tie()
+    plan.solve()
+    tie.database.close()
+    with pytest.raises(ztb.Error, match="closed"):
+        plan.solve()
+
+
+def test_what_the_model_has_not_is_told(plan):
+    solution = plan.solve()
+    with pytest.raises(KeyError):
+        solution["sell"]
+    with pytest.raises(ztb.Error, match="Invalid solver name: nothing"):
+        plan.solve("nothing")
+    with pytest.raises(ztb.Error, match="TimeLimit"):
+        plan.solve(time_limit=-1)
+    assert plan.solve(time_limit=100, options={"RelativeGap": 0.5}).optimal
+
+
+# ---- arrays ----
+
+
+def judged(c, a, lower, upper, bounds):
+    """The optimum by scipy; None without a point."""
+    dense = a.toarray() if scipy.sparse.issparse(a) else np.asarray(a)
+    has_upper, has_lower = np.isfinite(upper), np.isfinite(lower)
+    result = scipy.optimize.linprog(
+        c,
+        A_ub=np.vstack([dense[has_upper], -dense[has_lower]]),
+        b_ub=np.concatenate([upper[has_upper], -lower[has_lower]]),
+        bounds=np.column_stack(bounds),
+        method="highs",
+    )
+    return result.fun if result.status == 0 else None
+
+
+@pytest.mark.parametrize("seed", range(20))
+def test_arrays_have_the_optimum_of_another_program(seed):
+    random = np.random.default_rng(seed)
+    m, n = 8, 12
+    a = scipy.sparse.random(m, n, 0.4, random_state=seed, data_rvs=random.standard_normal).tocsr()
+    middle = a @ random.uniform(0, 5, n)
+    lower = np.where(random.random(m) < 0.6, middle - random.random(m), -np.inf)
+    upper = np.where(random.random(m) < 0.6, middle + random.random(m), np.inf)
+    equal = random.random(m) < 0.2
+    lower[equal] = upper[equal] = middle[equal]
+    bounds = (np.zeros(n), np.full(n, 10.0))
+    c = random.standard_normal(n)
+    expected = judged(c, a, lower, upper, bounds)
+    for matrix in (a, (a.data, a.indices, a.indptr), a.toarray(), a.tocoo()):
+        model = ztb.Model.from_arrays(c, matrix, lower, upper, bounds=bounds)
+        assert model.solve().objective == pytest.approx(expected, rel=1e-7)
+    model = ztb.Model.from_arrays(-c, a, lower, upper, bounds=bounds, maximize=True, constant=3)
+    assert model.solve("glpk").objective == pytest.approx(3 - expected, rel=1e-7)
+
+
+def test_arrays_have_names():
+    model = ztb.Model.from_arrays(
+        [2, 3, 1],
+        [[1, 1, 0], [0, 0, 1]],
+        lower=[4, 1],
+        bounds=(0, [3, np.inf, np.inf]),
+        columns={"buy": ("food", ["Milk", "it's"]), "spare": None},
+        rows=["need", "least"],
+        kind=[0, 0, 1],
+        objective="cost",
+    )
+    model.drive("price(food) = cost of buy")
+    tie = model.tie()
+    solution = model.solve()
+    assert solution.solver == "cbc"
+    assert solution.objective == pytest.approx(10)
+    assert solution["buy"]["level"].to_dict() == pytest.approx({"Milk": 3, "it's": 1})
+    assert solution["spare"].loc[0, "level"] == 1
+    tie["price"] = {"it's": 1}
+    assert model.solve().objective == pytest.approx(5)
+    plain = ztb.Model.from_arrays([1, 1], [[1, 2]], 4).solve()
+    assert plain["x"]["level"].to_dict() == pytest.approx({"0": 0, "1": 2})
+    assert plain["row"].loc["0", "lower"] == 4
+
+
+@pytest.mark.parametrize(
+    "arguments, text",
+    [
+        (dict(c=[1], A=[[1, 2]]), "A has 2 columns, c has 1 numbers"),
+        (dict(c=[[1]], A=[[1]]), "c has 2 axes, expected one"),
+        (dict(c=[1], A=([1.0], [0], [0, 2])), "indptr goes from 0 to the number of data"),
+        (dict(c=[1], A=([1.0], [0])), r"CSR arrays are a tuple \(data, indices, indptr\)"),
+        (dict(c=[1], A=[[1]], lower=2, upper=1), "row 0 is from 2.0 to 1.0, which nothing"),
+        (dict(c=[1], A=[[1]], lower=[1, 2]), r"lower: an array of 1 numbers is expected"),
+        (dict(c=[1], A=[[1]], columns=["a", "b"]), "columns: 2 names for 1"),
+        (dict(c=[1], A=[[1]], columns={"a": ("i", "uvw")}), "the families have 3 elements"),
+        (dict(c=[1], A=[[1]], kind="whole"), "no kind 'whole', expected one of continuous"),
+    ],
+)
+def test_arrays_that_do_not_fit_are_told(arguments, text):
+    with pytest.raises(ValueError, match=text):
+        ztb.Model.from_arrays(**arguments)
+
+
+def test_a_place_out_of_the_matrix_is_told():
+    with pytest.raises(ztb.Error, match="there is no column 5, the model has 1"):
+        ztb.Model.from_arrays([1], ([1.0], [5], [0, 1]))
+
+
+# ---- built over symbols ----
+
+
+def test_a_diet_is_built_of_symbols(diet):
+    holds = diet["holds"]
+    need = diet.add_parameter("need", ["nutrient"])
+    need.from_pandas(pd.Series({"iron": 2.0, "zinc": 10.0, "kcal": 3.0}))
+    price = diet.add_parameter("price", ["food"])
+    price.from_pandas(pd.Series({"Milk": 4.0, "Tofu": 3.0}))
+    model = ztb.Model()
+    buy = model.variable("buy", diet["food"], upper=9)
+    assert model.rows("nutrition", diet["nutrient"], buy * holds, lower=need) == 3
+    model.minimize(price * buy, name="cost")
+    solution = model.solve()
+    # Milk alone has iron and kcal: 2 units for 2 of iron. Tofu alone has zinc: 2 for 10.
+    assert solution.objective == pytest.approx(2 * 4 + 2 * 3)
+    assert solution["nutrition"]["level"].to_dict() == pytest.approx(
+        {"iron": 2, "zinc": 10, "kcal": 6}
+    )
+    assert repr(buy) == "<ztb.Family buy(food) of 2 columns>"
+    assert buy.positions == ("food",) and len(buy) == 2
+
+
+def test_stock_goes_from_period_to_period():
+    months = [f"m{k}" for k in range(1, 5)]
+    demand = pd.Series([3.0, 7.0, 2.0, 8.0], index=pd.Index(months, name="month"))
+    cost = pd.Series([1.0, 4.0, 1.5, 4.5], index=demand.index)
+    model = ztb.Model()
+    make = model.variable("make", demand.index, upper=6)
+    stock = model.variable("stock", demand.index)
+    link = pd.MultiIndex.from_arrays([months[1:], months[:-1]], names=["month", "before"])
+    before = stock.named("before") * pd.Series(1.0, index=link)
+    model.rows("balance", demand.index, make + before - stock, equal=demand)
+    model.minimize(make * cost + 0.5 * stock)
+    solution = model.solve()
+    # m2 needs 7: 6 - 3 = 3 kept from m1 at 1 + 0.5, the rest, 4, made at 4. m4 needs 8: 4 kept from
+    # m3, whose own 2 take the rest, at 1.5 + 0.5, and 4 made at 4.5.
+    assert solution["stock"]["level"].to_dict() == pytest.approx(
+        dict(zip(months, [3, 0, 4, 0])), abs=1e-9
+    )
+    assert solution.objective == pytest.approx(6 + 1.5 + 16 + 9 + 2 + 18)
+
+
+def test_expressions_take_data_of_all_kinds():
+    model = ztb.Model()
+    pairs = [("from", ["a", "b"]), ("to", ["u", "v"])]
+    index = pd.MultiIndex.from_product([["a", "b"], ["u", "v"]], names=["from", "to"])
+    ship = model.variable("ship", pairs, upper=np.array([[4, 4], [4, 1]]))
+    assert model.rows("supply", ("from", ["a", "b"]), -ship, lower=-5) == 2
+    model.rows("demand", ("to", ["u", "v"]), ship, lower=[2, 3], upper=[2, 9])
+    model.rows("all", None, ship * 2, upper=20)
+    model.minimize(ship * pd.Series([3.0, 1.0, 1.0, 2.0], index=index))
+    solution = model.solve()
+    # u: 2 from b at 1; v: 3 from a at 1.
+    assert solution.objective == pytest.approx(5)
+    assert solution["demand"].loc["v", "level"] == pytest.approx(3)
+    assert solution["all"].loc[0, "level"] == pytest.approx(10)
+
+
+def test_integers_are_built_and_maximized():
+    model = ztb.Model()
+    take = model.variable("take", ("item", ["a", "b", "c"]), kind="binary")
+    more = model.variable("more", kind="integer", upper=2.5)
+    model.rows("room", None, take * [3, 4, 5] + 2 * more, upper=9)
+    model.maximize(take * [4, 5, 6] + more, constant=1)
+    # b and c fill it: 11; a, b and one more: 10.
+    assert model.solve().objective == pytest.approx(12)
+
+
+@pytest.mark.parametrize(
+    "build, text",
+    [
+        (lambda m, x: m.rows("r", None, x), "r: one of lower, upper and equal is expected"),
+        (lambda m, x: m.rows("r", None, x, lower=1, equal=1), "r: equal stands alone"),
+        (lambda m, x: m.rows("r", None, x * [1, 2, 3], lower=1), "r: 3 numbers for 2 elements"),
+        (
+            lambda m, x: m.rows(
+                "r", None, x * pd.Series([1.0], index=pd.Index(["a"], name="j")), lower=1
+            ),
+            "r: j of the data is a position neither of x",
+        ),
+        (
+            lambda m, x: m.rows(
+                "r", ("i", ["a"]), x, lower=pd.Series([1.0], index=pd.Index(["q"], name="i"))
+            ),
+            "r: no record fits any element",
+        ),
+        (lambda m, x: m.rows("r", None, x, lower=2, upper=1), "row 0 is from 2.0 to 1.0"),
+        (lambda m, x: m.variable("y", [("i", "ab"), ("i", "cd")]), "two positions are called i"),
+        (lambda m, x: m.variable("y", ("i", "aa")), "stands twice"),
+        (lambda m, x: m.variable("y", pd.Index(["a"])), "an index without a name"),
+        (lambda m, x: m.variable("y", kind="half"), "no kind 'half'"),
+        (lambda m, x: x.named("i", "j"), r"x has positions \('i',\), expected as many"),
+    ],
+)
+def test_what_cannot_be_built_is_told(build, text):
+    model = ztb.Model()
+    x = model.variable("x", ("i", ["a", "b"]))
+    with pytest.raises(ValueError, match=text):
+        build(model, x)
+    # It left nothing behind.
+    model.rows("r", None, x, lower=1)
+    model.minimize(x * [2, 3])
+    assert model.solve().objective == pytest.approx(2)
+
+
+def test_products_of_variables_are_no_expressions():
+    x = ztb.Model().variable("x", ("i", ["a", "b"]))
+    with pytest.raises(TypeError, match="a product of variables"):
+        x * x
+    with pytest.raises(TypeError, match="data multiply one variable at a time"):
+        (x + x) * [1, 2]
+    with pytest.raises(TypeError, match="the variable stands before"):
+        np.array([1, 2]) * x
+    with pytest.raises(TypeError, match="is nothing to build over"):
+        ztb.Model().variable("x", 7)
+
+
+# ---- long solves ----
+
+
+@pytest.fixture
+def endless():
+    """Rows of large numbers that no choice adds up to: a search over all of them."""
+    random = np.random.default_rng(3)
+    a = random.integers(0, 100, (5, 40)).astype(float)
+    half = np.floor(a.sum(axis=1) / 2)
+    return ztb.Model.from_arrays(
+        random.random(40), a, half, half, bounds=(0, 1), kind="integer"
+    )
+
+
+def test_progress_is_told_and_ends_a_solve(endless):
+    seen = []
+
+    def progress(seconds):
+        seen.append(seconds)
+        return len(seen) < 3
+
+    solution = endless.solve(progress=progress, every=0.05, time_limit=100)
+    assert solution.solve_status == "terminated"
+    assert len(seen) == 3 and seen == sorted(seen) and seen[0] >= 0.05
+
+
+def test_an_error_of_the_callback_comes_out(endless):
+    def progress(seconds):
+        raise OSError("enough")
+
+    with pytest.raises(OSError, match="enough"):
+        endless.solve(progress=progress, every=0.05, time_limit=100)
+
+
+def test_a_limit_ends_a_solve_and_is_given_back(endless):
+    assert endless.solve(time_limit=0.3).solve_status == "time limit"
+    assert float(endless._native.option("TimeLimit")) == 1e10
+
+
+def test_other_threads_run_during_a_solve_and_ctrl_c_ends_it(endless):
+    """The timer's thread needs the interpreter's lock to send the signal."""
+    timer = threading.Timer(0.3, lambda: os.kill(os.getpid(), signal.SIGINT))
+    timer.start()
+    with pytest.raises(KeyboardInterrupt):
+        endless.solve(time_limit=100)
+    timer.join()
+    assert endless.solve(time_limit=0.1).solve_status == "time limit"
