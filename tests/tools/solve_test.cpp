@@ -282,12 +282,13 @@ TEST_F(SolveTest, TellsWhatOfADataFileDoesNotFit) {
       "has 2\n");
 }
 
-TEST_F(SolveTest, AParameterCannotHaveTheNameOfARow) {
+TEST_F(SolveTest, AParameterMayHaveTheNameOfARow) {
   write("r.lp", "Minimize\n v: x\nSubject To\n cap: x - cap_var >= 0\nBounds\n cap_var = 2\nEnd\n");
-  expectFails(1,
-              "ztb: --set \"cap=3\": r.lp: cap is a variable or equation of the model, and cap_var "
-              "cannot be driven by a parameter of this name\n",
-              {"solve", "r.lp", "--set", "cap=3"});
+  EXPECT_THAT(ztbFine({"solve", "r.lp", "--set", "cap=3", "--out", "r.rxf"}),
+              StartsWith("objective   3\n"));
+  const ztb::Database result = ztb::Database::open(path("r.rxf"));
+  EXPECT_EQ(result.symbol("cap").type(), ztb::Type::equation);
+  EXPECT_EQ(result.symbol("cap_data").find()->level(), 3);
 }
 
 TEST_F(SolveTest, HasNoSolverForIntegersWithProducts) {

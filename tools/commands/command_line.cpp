@@ -5,9 +5,9 @@
 #include <cctype>
 #include <charconv>
 #include <limits>
-#include <numeric>
 #include <sstream>
 #include <utility>
+#include <ztb/nearest_name.hpp>
 
 #include "tools/text/failure.h"
 #include "tools/text/output.h"
@@ -44,30 +44,6 @@ Number numberOf(const std::string& text) {
   return number;
 }
 
-// How many letters must be put in, left out or exchanged to make one word of the other.
-std::size_t distance(const std::string& left, const std::string& right) {
-  std::vector<std::size_t> row(right.size() + 1);
-  std::iota(row.begin(), row.end(), std::size_t{0});
-  for (std::size_t i = 0; i < left.size(); ++i) {
-    std::size_t diagonal = row[0];
-    row[0] = i + 1;
-    for (std::size_t j = 0; j < right.size(); ++j) {
-      const std::size_t exchanged = diagonal + (left[i] == right[j] ? 0 : 1);
-      diagonal = row[j + 1];
-      row[j + 1] = std::min({exchanged, row[j] + 1, row[j + 1] + 1});
-    }
-  }
-  return row.back();
-}
-
-// The one of the names that a misspelt word most likely means, in words; nothing when none is near.
-std::string suggestion(const std::string& word, const std::vector<std::string>& names) {
-  const auto nearest = std::ranges::min_element(
-      names, {}, [&](const std::string& name) { return distance(word, name); });
-  if (nearest == names.end() || distance(word, *nearest) > 2) return "";
-  return ", is " + *nearest + " meant?";
-}
-
 std::vector<std::string> optionNames(const CLI::App& command) {
   std::vector<std::string> names;
   for (const CLI::Option* option : command.get_options()) {
@@ -93,10 +69,11 @@ std::string usageText(const CLI::App& app, const CLI::ParseError& error) {
   for (const std::string& word : command.remaining()) {
     if (word.size() > 1 && word.front() == '-') {
       const std::string name = word.substr(0, word.find('='));
-      return "no option " + name + suggestion(name, optionNames(command)) + "; see ztb " + help;
+      return "no option " + name + ztb::suggestion(name, optionNames(command)) + "; see ztb " +
+             help;
     }
     if (commands.empty()) {
-      return "no command '" + word + "'" + suggestion(word, commandNames(app)) +
+      return "no command '" + word + "'" + ztb::suggestion(word, commandNames(app)) +
              "; ztb --help lists the commands";
     }
   }
@@ -264,7 +241,7 @@ void CommandLine::printHelp(const std::string& command) {
   } else if (std::ranges::find(names, command) != names.end()) {
     print(app_->get_subcommand(command)->help(app_->get_name(), CLI::AppFormatMode::Normal));
   } else {
-    throw UsageError("no command '" + command + "'" + suggestion(command, names) +
+    throw UsageError("no command '" + command + "'" + ztb::suggestion(command, names) +
                      "; ztb --help lists the commands");
   }
 }

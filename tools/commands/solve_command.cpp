@@ -38,10 +38,12 @@ struct SolveOptions {
   std::string solver;
   std::string start;
   std::string out;
+  std::vector<std::string> drives;
   std::vector<std::string> settings;
   std::vector<std::string> shown;
   std::vector<std::string> options;
   bool notes = false;
+  bool explain = false;
   TableOptions table;
 };
 
@@ -121,6 +123,16 @@ void printBound(const ztb::Model& model) {
                     100 * distance / std::max(1e-9, std::abs(model.objective()))));
 }
 
+// Prints why the last solve had no solution.
+void explain(ModelSession& session) {
+  try {
+    print(fmt::format("these cannot hold together:\n  {}\n",
+                      conflictText(session.model().explain(), "\n  ")));
+  } catch (const ztb::Error& error) {
+    throw Failure(withFile(session.file(), fmt::format("--explain: {}", error.what())));
+  }
+}
+
 void run(const SolveOptions& options) {
   refuseReplacing({options.model, options.modelData, options.data, options.start}, options.out);
   OutputFile output(options.out);
@@ -131,7 +143,7 @@ void run(const SolveOptions& options) {
   std::optional<ModelFills> fills;
   if (data && takesFills(options.model)) fills.emplace(*data);
   ModelFills* const filling = fills ? &*fills : nullptr;
-  ModelSession session(options.model, options.modelData, filling);
+  ModelSession session(options.model, options.modelData, filling, options.drives);
   session.reportNotes(options.notes);
   setOptions(session.model(), options.options);
   for (const std::string& name : options.shown) {
@@ -174,6 +186,10 @@ void run(const SolveOptions& options) {
   print(fmt::format(
       "solver      {}\ntime        {:.3f} s\nprocessor   {:.3f} s\niterations  {:.0f}\n", solver,
       model.seconds(), model.processorSeconds(), model.iterations()));
+  if (options.explain && model.status() == ztbModelInfeasible) {
+    progress.step("looking for the rows and bounds that cannot hold together");
+    explain(session);
+  }
   if (!model.hasSolution()) {
     throw Failure(withFile(options.model, withoutSolution(model)));
   }
@@ -195,10 +211,14 @@ void addSolveCommand(CommandLine& line) {
       .notEmpty();
   command
       .text("--data", options->data,
-            "RXF file: parameters NAME drive the model's columns NAME_var; variables "
-            "give bounds and levels, equations levels; - for standard input")
+            "RXF file: parameters NAME drive the model's columns NAME_var, or what --drive says; "
+            "variables give bounds and levels, equations levels; - for standard input")
       .typeName("FILE")
       .notEmpty();
+  command.texts(
+      "--drive", options->drives,
+      "What a parameter drives in a model without columns NAME_var, as in \"price(food) = "
+      "cost of buy\"; may be repeated");
   command.texts("--set", options->settings, "Set one value, as in \"demand[oslo]=30\"");
   command
       .text("--solver", options->solver,
@@ -218,6 +238,9 @@ void addSolveCommand(CommandLine& line) {
       .typeName("FILE")
       .notEmpty();
   command.texts("--show", options->shown, "Print the solution of a variable or equation");
+  command.flag("--explain", options->explain,
+               "Of an infeasible model print rows and bounds that cannot hold together, and do "
+               "without any one of them; an --option TimeLimit holds for this too");
   command.flag("--notes", options->notes,
                "Tell each name that had to be changed for the database, not only their count");
   addWidthOption(command, options->table);
@@ -227,7 +250,10 @@ void addSolveCommand(CommandLine& line) {
       "Examples:\n"
       "  ztb solve diet.lp --show buy\n"
       "  ztb solve transport.lp --data demand.rxf --set \"demand[oslo]=30\" --out solution.rxf\n"
+      "  ztb solve plan.mps --drive \"demand(city) = rhs of demand\" --data demand.rxf\n"
       "  ztb solve plan.mod --model-data plan.dat --solver glpk --option TimeLimit=60\n"
+      "A --drive names cost, upper or lower of a variable, rhs of an equation, or coefficient of "
+      "a\nvariable in an equation: \"yield(crop, soil) = coefficient of grow in harvest(soil)\".\n"
       "Exit codes: 0 solved, 1 no solution or failed, 2 wrong usage.");
   command.action([options] {
     run(*options);

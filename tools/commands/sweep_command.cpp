@@ -15,6 +15,7 @@
 #include "tools/commands/memory_option.h"
 #include "tools/models/model_session.h"
 #include "tools/sweep/sweep_crew.h"
+#include "tools/sweep/sweep_explanation.h"
 #include "tools/sweep/sweep_inputs.h"
 #include "tools/sweep/sweep_lock.h"
 #include "tools/sweep/sweep_options.h"
@@ -74,7 +75,11 @@ class Sweep {
     const std::map<std::string, ScenarioOutcome> outcomes = results.outcomes();
     const SweepSummary summary(scenarios_.scenarios(), outcomes);
     reportUnmatched(crew.unmatched());
-    const bool allSolved = summary.reportUnsolved(crew.reasons());
+    std::map<std::size_t, std::string> reasons = crew.reasons();
+    if (options_.explain) {
+      reasons.merge(explainScenarios(options_, scenarios_, outcomes));
+    }
+    const bool allSolved = summary.reportUnsolved(reasons);
     summary.print(scenarios_.scenarios().size() - pending.size(), secondsSince(start));
     return allSolved;
   }
@@ -257,6 +262,11 @@ void addSweepCommand(CommandLine& line) {
       .typeName("FILE")
       .notEmpty();
   command
+      .texts("--drive", options->drives,
+             "What a parameter drives in a model without columns NAME_var, as in \"price(food) = "
+             "cost of buy\"; may be repeated")
+      .typeName("STATEMENT");
+  command
       .text("--solver", options->solver,
             "Solver of the catalogue; without it clp for linear models, cbc with integers, "
             "ipopt with products")
@@ -271,12 +281,16 @@ void addSweepCommand(CommandLine& line) {
       .number("--stall", options->stall,
               "End a worker process that solves nothing for so long; never without it")
       .typeName("SECONDS");
+  command.flag("--explain", options->explain,
+               "Tell of the first infeasible scenarios which rows and bounds cannot hold together, "
+               "and in what they differ from the nearest one with a solution");
   command.flag("--resume", options->resume,
                "Keep what an interrupted run has solved, and solve the rest");
   addMemoryOption(command);
   command.footer(
       "A parameter price(s, food) of the scenario file drives the columns price_var(food) of the\n"
-      "model. The result has sweep_objective(s), sweep_status(s), sweep_solve_status(s), and\n"
+      "model, or what --drive \"price(food) = cost of buy\" says. The result has "
+      "sweep_objective(s), sweep_status(s), sweep_solve_status(s), and\n"
       "SYM_level(s, ...) and SYM_marginal(s, ...) of each symbol reported.\n\n"
       "Example:\n"
       "  ztb sweep diet.lp --scenarios prices.rxf --over s --report buy --out sweep.rxf --jobs 2");

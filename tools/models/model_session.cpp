@@ -5,10 +5,12 @@
 #include <filesystem>
 #include <optional>
 #include <system_error>
+#include <ztb/case_folding.hpp>
 #include <ztb/model_names.hpp>
 
 #include "tools/text/failure.h"
 #include "tools/text/output.h"
+#include "tools/text/table_printer.h"
 
 namespace tool {
 
@@ -21,9 +23,26 @@ ztb::Model openModel(const std::string& file, const std::string& dataFile, Model
   }
 }
 
+namespace {
+
+ztb::Model openDriven(const std::string& file, const std::string& dataFile, ModelFills* fills,
+                      const std::vector<std::string>& drives) {
+  ztb::Model model = openModel(file, dataFile, fills);
+  try {
+    for (const std::string& statement : drives) model.drive(statement);
+  } catch (const ztb::Error& error) {
+    throw Failure(withFile(file, error.what()));
+  }
+  return model;
+}
+
+}  // namespace
+
 ModelSession::ModelSession(const std::string& modelFile, const std::string& dataFile,
-                           ModelFills* fills)
-    : file_(modelFile), model_(openModel(modelFile, dataFile, fills)), tie_(database_, model_) {}
+                           ModelFills* fills, const std::vector<std::string>& drives)
+    : file_(modelFile),
+      model_(openDriven(modelFile, dataFile, fills, drives)),
+      tie_(database_, model_) {}
 
 std::string ModelSession::standardSolver() {
   return solverOf(boundsCount_ ? model_.updatedKind() : model_.kind());
@@ -58,20 +77,24 @@ ztb::Symbol ModelSession::parameter(const std::string& name, int dimension) {
   if (!drives(name)) {
     throw Failure(withFile(file_, "the model has no columns " + name + ztb::parameterSuffix));
   }
-  const int columns = database_.symbol(name + ztb::parameterSuffix).dimension();
-  if (columns != dimension) {
+  const ztb::Symbol columns = database_.symbol(name + ztb::parameterSuffix);
+  if (columns.dimension() != dimension) {
     throw Failure(withFile(file_, "the columns " + name + ztb::parameterSuffix + " have " +
-                                      std::to_string(columns) + " positions, parameter " + name +
-                                      " has " + std::to_string(dimension)));
+                                      std::to_string(columns.dimension()) +
+                                      " positions, parameter " + name + " has " +
+                                      std::to_string(dimension)));
   }
-  if (const auto present = database_.findSymbol(name)) {
-    if (present->type() == ztb::Type::parameter) return *present;
-    throw Failure(withFile(file_, name + " is a variable or equation of the model, and " + name +
-                                      ztb::parameterSuffix +
-                                      " cannot be driven by a parameter of this name"));
+  const auto known = parameters_.find(ztb::folded(name));
+  if (known != parameters_.end()) return known->second;
+  std::string own = name;
+  for (int number = 1; database_.findSymbol(own); ++number) {
+    own = fmt::format("{}_data{}", name, number == 1 ? "" : std::to_string(number));
   }
   const std::vector<ztb::DomainArgument> anyLabel(static_cast<std::size_t>(dimension), "*");
-  return database_.addSymbol(name, ztb::Type::parameter, anyLabel);
+  const ztb::Symbol parameter = database_.addSymbol(own, ztb::Type::parameter, anyLabel);
+  parameters_.emplace(ztb::folded(name), parameter);
+  columns_.emplace(own, columns);
+  return parameter;
 }
 
 int ModelSession::update(const ztb::Symbol& modelSymbol, ztb::Action action,
@@ -81,7 +104,8 @@ int ModelSession::update(const ztb::Symbol& modelSymbol, ztb::Action action,
 }
 
 int ModelSession::applyParameter(const ztb::Symbol& parameter) {
-  return update(parameter, ztb::Action::fix, parameter, ztb::Missing::base);
+  return update(columns_.at(parameter.name().str()), ztb::Action::fix, parameter,
+                ztb::Missing::base);
 }
 
 void ModelSession::reportNotes(bool all) const {
@@ -98,6 +122,16 @@ void ModelSession::reportNotes(bool all) const {
     printError(fmt::format("ztb: {}: {} names had to be changed for the database: {}, ...", file_,
                            count - first, model_.note(first)));
   }
+}
+
+std::string conflictText(const ztb::Model::Conflict& conflict, const std::string& separator) {
+  std::string text;
+  for (const ztb::Model::Conflict::Member& member : conflict.members) {
+    text += (text.empty() ? "" : separator) + printable(member.text);
+  }
+  if (conflict.byIntegers) text += separator + "with columns that have to be integers";
+  if (!conflict.irreducible) text += separator + "some may not be needed: the time was over";
+  return text;
 }
 
 void refuseReplacing(std::initializer_list<std::string> inputs, const std::string& out) {

@@ -1,12 +1,15 @@
 // A model tied to a database of its own: what `ztb solve` and `ztb sweep` work on.
 //
-// A parameter `price` drives the columns price_var of the model. Data files and the command line
-// name parameters, variables and equations of the model by their names in the database.
+// A parameter `price` drives the columns price_var of the model, which stand in its file or come of
+// a statement such as "price(food) = cost of buy". Data files and the command line name parameters,
+// variables and equations of the model by their names in the database.
 #ifndef ZTB_TOOLS_MODELS_MODEL_SESSION_H_
 #define ZTB_TOOLS_MODELS_MODEL_SESSION_H_
 
 #include <initializer_list>
+#include <map>
 #include <string>
+#include <vector>
 #include <ztb/model.hpp>
 
 #include "tools/models/model_fills.h"
@@ -20,9 +23,10 @@ ztb::Model openModel(const std::string& file, const std::string& dataFile,
 
 class ModelSession {
  public:
-  // Opens a model file; `dataFile` belongs to a .mod and may be empty. Throws Failure.
+  // Opens a model file; `dataFile` belongs to a .mod and may be empty, as may what fills its sets
+  // and parameters. `drives` are statements of what symbols drive in it. Throws Failure.
   ModelSession(const std::string& modelFile, const std::string& dataFile,
-               ModelFills* fills = nullptr);
+               ModelFills* fills = nullptr, const std::vector<std::string>& drives = {});
   ModelSession(const ModelSession&) = delete;
   ModelSession& operator=(const ModelSession&) = delete;
 
@@ -42,8 +46,9 @@ class ModelSession {
 
   // Whether the model has columns NAME_var.
   [[nodiscard]] bool drives(const std::string& name) const;
-  // The parameter that drives NAME_var, made without records when it is first asked for. Throws
-  // Failure when the model has no such columns or they have another dimension.
+  // The parameter that drives NAME_var, made without records when it is first asked for. It has
+  // another name where a variable or equation of the model has this one. Throws Failure when the
+  // model has no such columns or they have another dimension.
   ztb::Symbol parameter(const std::string& name, int dimension);
   // Writes the parameter's records into the model; columns without a record go back to their first
   // value. Gives the records that met no column.
@@ -60,8 +65,13 @@ class ModelSession {
   ztb::Model model_;
   ztb::Database database_;
   ztb::ModelTie tie_;
+  std::map<std::string, ztb::Symbol> parameters_;  // by folded NAME
+  std::map<std::string, ztb::Symbol> columns_;     // that a parameter drives, by its own name
   bool boundsCount_ = false;  // the next solve goes by the bounds that updates gave
 };
+
+// The members of a conflict with `separator` between them, and what is to be known of them all.
+std::string conflictText(const ztb::Model::Conflict& conflict, const std::string& separator);
 
 // Throws UsageError when the result file `out` is one of the files that are read.
 void refuseReplacing(std::initializer_list<std::string> inputs, const std::string& out);

@@ -32,13 +32,17 @@ struct Part {
 // The word of the files that a MathProg model reads tables from; only such models have it.
 constexpr const char* kTables = "tables";
 
-constexpr std::array<Part, 7> kParts{{{"model", "another model file"},
+// The word of what --drive says; only sweeps that were given it have it.
+constexpr const char* kDrives = "drive";
+
+constexpr std::array<Part, 8> kParts{{{"model", "another model file"},
                                       {"data", "another --model-data"},
                                       {"scenarios", "another scenario file"},
                                       {"over", "another --over"},
                                       {"solver", "another --solver"},
                                       {"report", "another --report"},
-                                      {kTables, "another table of the model"}}};
+                                      {kTables, "another table of the model"},
+                                      {kDrives, "another --drive"}}};
 
 // XXH3 with 64 bits of a text or of the bytes of a file.
 std::uint64_t ofText(std::string_view text) {
@@ -120,12 +124,16 @@ std::string sweepInputs(const SweepOptions& options) {
   if (const std::optional<std::uint64_t> tables = ofTables(options.model)) {
     text += fmt::format(" {}={:016x}", kTables, *tables);
   }
+  std::string drives;
+  for (const std::string& statement : options.drives) drives += statement + '\n';
+  if (!drives.empty()) text += fmt::format(" {}={:016x}", kDrives, ofText(drives));
   return text;
 }
 
 bool isSweepInputs(std::string_view text) {
   return std::ranges::all_of(kParts, [&](const Part& part) {
-    return std::string_view(part.key) == kTables || !wordOf(text, part.key).empty();
+    const std::string_view key = part.key;
+    return key == kTables || key == kDrives || !wordOf(text, part.key).empty();
   });
 }
 

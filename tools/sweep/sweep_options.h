@@ -11,6 +11,7 @@ namespace tool {
 struct SweepOptions {
   std::string model;
   std::string modelData;  // empty: none
+  std::vector<std::string> drives;
   std::string scenarios;
   std::string over;
   std::string solver;  // empty: the standard one for the model
@@ -20,6 +21,7 @@ struct SweepOptions {
   // Seconds after which a worker that solves nothing is ended.
   std::optional<int> stall;
   bool resume = false;
+  bool explain = false;
 };
 
 }  // namespace tool

@@ -37,7 +37,7 @@ class SweepWorker {
         inputs_(inputs),
         work_(work),
         channel_(channel),
-        session_(options.model, options.modelData),
+        session_(options.model, options.modelData, nullptr, options.drives),
         solver_(options.solver.empty() ? session_.standardSolverOfParameters() : options.solver),
         results_(scenarios.over(), scenarios.text(), inputs),
         parts_(options.out),

@@ -34,6 +34,7 @@ from .special import (
     special_code,
     special_codes,
 )
+from .sweeps import SweepResult, sweep
 from .symbol import Alias, Domain, Set, Symbol, Texts, Violation
 from .values import FIELDS, Values
 
@@ -71,6 +72,7 @@ __all__ = [
     "Selection",
     "Set",
     "Solution",
+    "SweepResult",
     "Symbol",
     "Texts",
     "Tie",
@@ -84,4 +86,5 @@ __all__ = [
     "open",
     "special_code",
     "special_codes",
+    "sweep",
 ]

@@ -1,0 +1,212 @@
+"""Sweeps: a model solved for each scenario of a set, in several processes."""
+
+from __future__ import annotations
+
+import os
+import shutil
+import signal
+import subprocess
+import tempfile
+from pathlib import Path as FilePath
+from typing import TYPE_CHECKING, Any, Iterator, List, Mapping, Optional, Sequence, Union
+
+from .database import Database
+from .errors import Error
+from .model import Model, Path
+
+if TYPE_CHECKING:
+    import pandas as pd
+
+#: Scenarios: an RXF file, a database, or data by the names of what they drive.
+Scenarios = Union[Path, Database, Mapping[str, "pd.Series[Any]"]]
+
+
+class SweepResult:
+    """The results of a sweep: nothing is read before it is asked for.
+
+    It reads as a frame: ``result.frame`` has a row for each scenario, with its objective and
+    statuses; ``result["buy"]`` is a frame of the levels and marginals of a symbol reported, over
+    scenarios and the positions of the symbol.
+    """
+
+    def __init__(self, path: Path, over: str, folder: Any = None) -> None:
+        self._path = path
+        self._over = over
+        self._folder = folder
+        self._database: Optional[Database] = None
+
+    @property
+    def path(self) -> Path:
+        """The RXF file that holds them; one of its own goes with this object."""
+        return self._path
+
+    @property
+    def database(self) -> Database:
+        """The file as a database, opened when it is first asked for."""
+        if self._database is None:
+            self._database = Database(self._path)
+        return self._database
+
+    @property
+    def frame(self) -> "pd.DataFrame":
+        """Objective and statuses of each scenario, as words; NaN where there is no solution."""
+        import pandas as pd
+
+        from . import _native
+
+        def words(name: str, text: Any) -> Any:
+            return self._series(name).map(lambda code: text(int(code)))
+
+        statuses = words("sweep_status", _native.status_text)
+        return pd.DataFrame(
+            {
+                "objective": self._series("sweep_objective").reindex(statuses.index),
+                "status": statuses,
+                "solve_status": words("sweep_solve_status", _native.solve_status_text),
+            }
+        )
+
+    @property
+    def objective(self) -> "pd.Series[float]":
+        """The objective of each scenario that has a solution."""
+        return self._series("sweep_objective")
+
+    def __getitem__(self, name: str) -> "pd.DataFrame":
+        """Levels and marginals of a symbol that was reported."""
+        import pandas as pd
+
+        try:
+            return pd.DataFrame(
+                {field: self._series(f"{name}_{field}") for field in ("level", "marginal")}
+            )
+        except KeyError:
+            raise KeyError(f"{name} was not reported; name it: report=[{name!r}]") from None
+
+    def __len__(self) -> int:
+        return len(self.database[self._over])
+
+    def __iter__(self) -> Iterator[str]:
+        """The labels of the scenarios."""
+        return iter(self.database[self._over])
+
+    def __repr__(self) -> str:
+        return f"<ztb.SweepResult over {self._over} in {os.fspath(self._path)}>"
+
+    def _series(self, name: str) -> Any:
+        symbol: Any = self.database[name]
+        return symbol.to_pandas()
+
+
+def sweep(
+    model: Union[Path, Model],
+    scenarios: Scenarios,
+    over: str,
+    *,
+    report: Sequence[str] = (),
+    jobs: int = 1,
+    resume: bool = False,
+    solver: Optional[str] = None,
+    drive: Sequence[str] = (),
+    out: Optional[Path] = None,
+    data: Optional[Path] = None,
+) -> SweepResult:
+    """Solves a model for each element of the set ``over``, by ``jobs`` processes.
+
+    ``model`` is a file, or a model that was opened from one; what it says of :meth:`Model.drive`
+    holds here too. ``scenarios`` is an RXF file or a database with the set ``over`` and parameters
+    that have it as their first domain, or a mapping from the names of parameters to series whose
+    first level is the scenario. ``report`` names variables and equations to keep. The results stand
+    in the file ``out``, or in one that goes with the result; with ``resume`` those that an
+    interrupted sweep left in ``out`` are kept. A scenario without a solution is no error: its
+    status tells. Ctrl-C ends the sweep, and what was solved can be resumed.
+
+    This is ``ztb sweep``, whose page in the reference tells the rest; its program is found beside
+    the package or on ``PATH``.
+    """
+    if isinstance(model, Model):
+        if model._file is None:
+            raise ValueError(
+                "a sweep reads the model from a file in each process, and this one has none"
+            )
+        file, opened_with = model._file
+        data = opened_with if data is None else data
+        drive = [*model._statements, *drive]
+    else:
+        file = model
+    folder = tempfile.TemporaryDirectory(prefix="ztb-sweep-")
+    target = os.fspath(out) if out is not None else str(FilePath(folder.name) / "sweep.rxf")
+    if isinstance(scenarios, Mapping) and not isinstance(scenarios, Database):
+        scenarios = _database_of(scenarios, over)
+    if isinstance(scenarios, Database):
+        source = str(FilePath(folder.name) / "scenarios.rxf")
+        scenarios.write(source)
+    else:
+        source = os.fspath(scenarios)
+    command = [_program(), "sweep", os.fspath(file), "--scenarios", source, "--over", over]
+    command += ["--out", target, "--jobs", str(jobs)]
+    if data is not None:
+        command += ["--model-data", os.fspath(data)]
+    if solver is not None:
+        command += ["--solver", solver]
+    for name in [report] if isinstance(report, str) else report:
+        command += ["--report", name]
+    for statement in drive:
+        command += ["--drive", statement]
+    if resume:
+        command.append("--resume")
+    _run(command, target)
+    return SweepResult(target, over, folder)
+
+
+def _database_of(scenarios: Mapping[str, "pd.Series[Any]"], over: str) -> Database:
+    import pandas as pd
+
+    database = Database()
+    labels = pd.Index([])
+    for series in scenarios.values():
+        labels = labels.append(pd.Index(series.index.get_level_values(0)))
+    database.add_set(over).extend(labels.unique())
+    for name, series in scenarios.items():
+        parameter = database.add_parameter(name, [over] + ["*"] * (series.index.nlevels - 1))
+        # The levels stand in the order of the positions, whatever they are called.
+        parameter.from_pandas(series.rename_axis([None] * series.index.nlevels))
+    return database
+
+
+def _program() -> str:
+    package = FilePath(__file__).resolve().parent
+    for folder in (package, *package.parents[:5]):
+        for program in (folder / "ztb", folder / "bin" / "ztb"):
+            if program.is_file() and os.access(program, os.X_OK):
+                return str(program)
+    found = shutil.which("ztb")
+    if found is None:
+        raise Error("the program ztb is neither beside the package nor on PATH", "sweep")
+    return found
+
+
+def _run(command: List[str], target: str) -> None:
+    """Runs the program. A run that leaves scenarios without a solution has results all the same."""
+    before = _stamp(target)
+    process = subprocess.Popen(
+        command, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.PIPE
+    )
+    try:
+        errors = process.communicate()[1]
+    except BaseException:
+        process.send_signal(signal.SIGINT)
+        process.communicate()
+        raise
+    if process.returncode == 0 or (process.returncode == 1 and _stamp(target) != before):
+        return
+    text = errors.decode("utf-8", "surrogateescape").strip()
+    lines = [line[5:] if line.startswith("ztb: ") else line for line in text.splitlines()]
+    raise Error("\n".join(lines) or f"ztb ended with {process.returncode}", "sweep")
+
+
+def _stamp(path: str) -> Any:
+    try:
+        status = os.stat(path)
+    except OSError:
+        return None
+    return status.st_ino, status.st_mtime_ns, status.st_size

@@ -1,0 +1,77 @@
+"""Sweeps from Python, whose results read as frames."""
+
+import numpy as np
+import pandas as pd
+import pytest
+
+import ztb
+
+PLAIN = """Minimize
+ total: 3 ship(a,x) + 5 ship(b,x)
+Subject To
+ demand(x): ship(a,x) + ship(b,x) >= 10
+Bounds
+ ship(a,x) <= 6
+ ship(b,x) <= 20
+End
+"""
+DRIVE = ["rate(source) = cost of ship(source, *)", "demand(target) = rhs of demand"]
+SCENARIOS = ["s1", "s2", "s3"]
+
+
+@pytest.fixture
+def file(tmp_path):
+    path = tmp_path / "m.lp"
+    path.write_text(PLAIN)
+    return path
+
+
+@pytest.fixture
+def scenarios():
+    """Demands 10, 4 and 30, of which the last cannot be met; in s2 the rates change places."""
+    over = pd.Index(SCENARIOS, name="s")
+    both = pd.MultiIndex.from_product([over, ["x"]])
+    rates = pd.Series(
+        [5.0, 3.0], index=pd.MultiIndex.from_tuples([("s2", "a"), ("s2", "b")])
+    )
+    return {"demand": pd.Series([10.0, 4.0, 30.0], index=both), "rate": rates}
+
+
+@pytest.mark.parametrize("jobs", [1, 2])
+def test_each_scenario_has_its_result(file, scenarios, jobs):
+    model = ztb.Model.open(file)
+    for statement in DRIVE:
+        model.drive(statement)
+    result = ztb.sweep(model, scenarios, over="s", report=["ship"], jobs=jobs)
+    assert list(result) == SCENARIOS and len(result) == 3
+    assert result.objective.to_dict() == pytest.approx({"s1": 18 + 20, "s2": 12})
+    assert result.frame["status"].to_dict() == {
+        "s1": "optimal", "s2": "optimal", "s3": "infeasible",
+    }
+    assert np.isnan(result.frame.loc["s3", "objective"])
+    assert result["ship"]["level"]["s2", "b", "x"] == pytest.approx(4)
+    with pytest.raises(KeyError, match="demand was not reported"):
+        result["demand"]
+
+
+def test_a_sweep_is_resumed(file, scenarios, tmp_path):
+    with ztb.Database() as db:
+        db.add_set("s").extend(SCENARIOS)
+        for name, series in scenarios.items():
+            db.add_parameter(name, ["s", "*"]).from_pandas(series)
+        out = tmp_path / "out.rxf"
+        first = ztb.sweep(file, db, over="s", drive=DRIVE, out=out)
+        again = ztb.sweep(file, db, over="s", drive=DRIVE, out=out, resume=True)
+    assert first.path == str(out)
+    assert again.objective.to_dict() == first.objective.to_dict()
+    with pytest.raises(ztb.Error, match="is from a sweep with another --drive"):
+        ztb.sweep(file, scenarios, over="s", drive=DRIVE[:1], out=out, resume=True)
+
+
+def test_what_is_wrong_is_told(file, scenarios, tmp_path):
+    with pytest.raises(ztb.Error, match="the model has no variable shop, is ship meant"):
+        ztb.sweep(file, scenarios, over="s", drive=["rate(i, j) = cost of shop"])
+    with pytest.raises(ztb.Error, match="gone.lp"):
+        ztb.sweep(tmp_path / "gone.lp", scenarios, over="s")
+    with pytest.raises(ValueError, match="this one has none"):
+        ztb.sweep(ztb.Model(), scenarios, over="s")
