@@ -235,6 +235,23 @@ TEST_F(ImportTest, ChecksDomainsWhenAsked) {
   EXPECT_EQ(open().symbol("v").recordCount(), 2);
 }
 
+// A file holds the domains of a symbol either all checked or as names.
+TEST_F(ImportTest, KeepsNamesWithoutASetWhenCheckingUnlessBesideASet) {
+  write("i.csv", "i\nx\n");
+  write("p.csv", "i,from,to,v\nx,a,b,1\n");
+  const Outcome outcome =
+      ztb({"import", "out.rxf", "--check-domains", "--from", "i.csv", "--set", "i", "--from",
+           "p.csv", "--parameter", "v(from, to)", "--parameter", "w(i, to) = v"});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(
+      outcome.errors,
+      "ztb: --parameter 'w(i, to) = v': a position is not called 'to': with --check-domains a "
+      "name without a set is not kept beside a set\n");
+  EXPECT_EQ(ztbFine({"show", "out.rxf", "v", "--csv"}), "from,to,value\na,b,1\n");
+  EXPECT_EQ(ztbFine({"show", "out.rxf", "w", "--csv"}), "i,dim_2,value\nx,b,1\n");
+  EXPECT_TRUE(open().symbol("w").domains()[0].set);
+}
+
 // Rows that come in no order, 200,000 of them, end up as the records that they are.
 TEST_F(ImportTest, ReadsTwoHundredThousandRows) {
   std::string csv = "a,b,v\n";

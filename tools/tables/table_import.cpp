@@ -42,9 +42,10 @@ class SymbolMaker {
   }
 
   ztb::Symbol make(const SymbolSpec& spec) {
+    const bool keepsNames = namesAlone_ || !isOverASet(spec);
     std::vector<ztb::DomainArgument> domains;
     for (const KeySpec& key : spec.keys) {
-      domains.push_back(domainOf(spec, key));
+      domains.push_back(domainOf(spec, key, keepsNames));
     }
     try {
       return database_.addSymbol(spec.name, typeOf(spec.kind), domains, spec.text, spec.subtype);
@@ -75,9 +76,15 @@ class SymbolMaker {
     return isSet ? found : std::nullopt;
   }
 
-  ztb::DomainArgument domainOf(const SymbolSpec& spec, const KeySpec& key) {
+  [[nodiscard]] bool isOverASet(const SymbolSpec& spec) const {
+    return std::ranges::any_of(spec.keys, [this](const KeySpec& key) {
+      return key.domain ? *key.domain != "*" : setNamed(key.column).has_value();
+    });
+  }
+
+  ztb::DomainArgument domainOf(const SymbolSpec& spec, const KeySpec& key, bool keepsNames) {
     if (!key.domain) {
-      return domainOfColumn(spec, key.column);
+      return domainOfColumn(spec, key.column, keepsNames);
     }
     if (*key.domain == "*") {
       return {"*"};
@@ -92,13 +99,20 @@ class SymbolMaker {
 
   // Without a set that is named, the domain is the set of the column's name, or this name alone. A
   // plain set is over the universe, and so is a position that has its name from a later symbol.
-  ztb::DomainArgument domainOfColumn(const SymbolSpec& spec, const std::string& column) const {
+  ztb::DomainArgument domainOfColumn(const SymbolSpec& spec, const std::string& column,
+                                     bool keepsNames) {
     if (const std::optional<ztb::Symbol> set = setNamed(column)) {
       return {*set};
     }
     const bool plainSet = typeOf(spec.kind) == ztb::Type::set && spec.keys.size() == 1;
-    if (namesAlone_ && !plainSet && canBeDomain(column) && !isTaken(column)) {
-      return {column};
+    if (!plainSet && canBeDomain(column) && !isTaken(column)) {
+      if (keepsNames) {
+        return {column};
+      }
+      lostRoles_.push_back(
+          fmt::format("{}: a position is not called {}: with --check-domains a name without a set "
+                      "is not kept beside a set",
+                      spec.source, inQuotes(column)));
     }
     return {"*"};
   }

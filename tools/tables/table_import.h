@@ -25,8 +25,9 @@ struct TableSource {
 struct TableImportOptions {
   char separator = ',';
   bool skipEmpty = false;
-  // Whether positions without a set have their column's name as domain. The domains of a symbol are
-  // kept as checked ones only where a set or the universe is behind each.
+  // Whether positions without a set have their column's name as domain also beside one with a set.
+  // The domains of a symbol are kept as checked ones only where a set or the universe is behind
+  // each.
   bool namesAlone = true;
 };
 
