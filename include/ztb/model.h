@@ -219,8 +219,8 @@ int ztbModelConflictMember(ztbModel* model, int member, int* part, int* number);
 int ztbModelConflictIsIrreducible(ztbModel* model);
 int ztbModelConflictIsByIntegers(ztbModel* model);
 
-/* Has `watch` called now and then while a solve runs, by the thread that solves, with `context`: the
- * solve ends as by ztbModelTerminate when it gives anything but 0. Not during calls of a solver
+/* Has `watch` called now and then while a solve runs, by the thread that solves, with `context`:
+ * the solve ends as by ztbModelTerminate when it gives anything but 0. Not during calls of a solver
  * that never asks whether to end. Null: none any more. It must not use the model. */
 void ztbModelSetWatch(ztbModel* model, int (*watch)(void* context), void* context);
 

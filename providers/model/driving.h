@@ -25,9 +25,9 @@ class Driving {
   // REQUIRES: the model gets no further rows or columns but those of add.
   explicit Driving(const ModelData& data) : dictionary_(data) {}
 
-  // Adds the carriers of a statement to the model and says what they drive. `price` is carried by columns
-  // price_var. Throws ModelError for what the model does not have and for what another statement
-  // drives, and leaves everything as it was.
+  // Adds the carriers of a statement to the model and says what they drive. `price` is carried by
+  // columns price_var. Throws ModelError for what the model does not have and for what another
+  // statement drives, and leaves everything as it was.
   void add(ModelData& data, DrivenNumbers& driven, std::string_view text);
 
  private:

@@ -11,7 +11,10 @@ namespace lomu {
 
 Model::Model(const ModelData& data, std::shared_ptr<Environment> itsEnvironment,
              const DrivenNumbers& driven)
-    : instance(data, driven), dictionary(data), environment(std::move(itsEnvironment)), notes(data.notes) {
+    : instance(data, driven),
+      dictionary(data),
+      environment(std::move(itsEnvironment)),
+      notes(data.notes) {
   for (const std::string& note : notes) environment->log(note);
   notes.insert(notes.end(), dictionary.notes().begin(), dictionary.notes().end());
 }

@@ -40,7 +40,7 @@ class ModelBuilder {
 
   ModelData data_;
   NameIndex<> columnNames_;
-  NameIndex<> rowNames_;  // but for that of the objective, which may change
+  NameIndex<> rowNames_;              // but for that of the objective, which may change
   std::unique_ptr<Driving> driving_;  // from the first statement on
   DrivenNumbers driven_;
 };

@@ -206,8 +206,8 @@ MODEL_EXPORT int ztbModelDrive(ztbModel* model, const char* statement) {
 MODEL_EXPORT void* ztbModelPbi(ztbModel* model) {
   change(model, [&] {
     if (model->model != nullptr) return;
-    model->model = std::make_unique<Model>(model->builder.data(), model->environment,
-                                           model->builder.driven());
+    model->model =
+        std::make_unique<Model>(model->builder.data(), model->environment, model->builder.driven());
     model->builder = ModelBuilder();
     model->shape.reset();
     model->model->message.swap(model->message);

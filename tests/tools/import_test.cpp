@@ -245,8 +245,8 @@ TEST_F(ImportTest, KeepsNamesWithoutASetWhenCheckingUnlessBesideASet) {
   EXPECT_EQ(outcome.status, 0);
   EXPECT_EQ(
       outcome.errors,
-      "ztb: --parameter 'w(i, to) = v': a position is not called 'to': with --check-domains a "
-      "name without a set is not kept beside a set\n");
+      "ztb: warning: --parameter w(i, to) = v: a position is not called 'to': with --check-domains "
+      "a name without a set is not kept beside a set\n");
   EXPECT_EQ(ztbFine({"show", "out.rxf", "v", "--csv"}), "from,to,value\na,b,1\n");
   EXPECT_EQ(ztbFine({"show", "out.rxf", "w", "--csv"}), "i,dim_2,value\nx,b,1\n");
   EXPECT_TRUE(open().symbol("w").domains()[0].set);

@@ -120,8 +120,10 @@ void runImport(const ImportOptions& options) {
     output.finish();
   }
   progress.reset();
-  for (const std::string& lost : lostRoles) {
-    printError("ztb: warning: " + lost);
+  if (problems.empty()) {
+    for (const std::string& lost : lostRoles) {
+      printError("ztb: warning: " + lost);
+    }
   }
   std::fputs(warnings.report().c_str(), stderr);
   if (!problems.empty()) {

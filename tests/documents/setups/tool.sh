@@ -19,7 +19,7 @@ ztb import blends.rxf --from food.csv --set food --from dish.csv --set dish \
 printf 'airline,from,to,flights\nLH,FRA,OSL,3\nLH,FRA,SVQ,2\nLH,MUC,OSL,1\nIB,MAD,SVQ,9\n' >routes.csv
 ztb import routes.rxf --from routes.csv --parameter 'types(airline, from, to) = flights'
 
-# A transport model whose demand can be set, and one in MathProg.
+# A transport model whose demand can be set, the same without columns for it, and one in MathProg.
 cat >transport.lp <<'END'
 Minimize
  cost: 4 ship[turin,oslo] + 3 ship[turin,seville] + 2 ship[lyon,oslo] + 5 ship[lyon,seville]
@@ -35,6 +35,16 @@ End
 END
 printf 'city,tons\nseville,25\n' >demand.csv
 ztb import demand.rxf --from demand.csv --parameter 'demand(city) = tons'
+cat >network.lp <<'END'
+Minimize
+ cost: 4 ship[turin,oslo] + 3 ship[turin,seville] + 2 ship[lyon,oslo] + 5 ship[lyon,seville]
+Subject To
+ supply[turin]: ship[turin,oslo] + ship[turin,seville] <= 50
+ supply[lyon]: ship[lyon,oslo] + ship[lyon,seville] <= 40
+ meet[oslo]: ship[turin,oslo] + ship[lyon,oslo] >= 20
+ meet[seville]: ship[turin,seville] + ship[lyon,seville] >= 10
+End
+END
 cat >plan.mod <<'END'
 set PLANT;
 param limit{PLANT};
