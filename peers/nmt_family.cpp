@@ -3,19 +3,19 @@
 namespace ztb::peers {
 namespace {
 
-constexpr FamilyTable familyTable{.libraryBaseName = "nmtmdclib",
-                                  .apiVersion = ZTB_PEER_NMT_VERSION,
-                                  .createName = "nmtXCreate",
-                                  .createInDirectoryName = "CnmtXCreateD",
-                                  .freeName = "nmtXFree",
-                                  .checkName = "CnmtXCheck",
-                                  .versionName = "CnmtXAPIVersion",
-                                  .setLoadPathName = nullptr,
-                                  .getLoadPathName = nullptr};
+constexpr FamilyTable nmtTable{.libraryBaseName = "nmtmdclib",
+                               .apiVersion = ZTB_PEER_NMT_VERSION,
+                               .createName = "nmtXCreate",
+                               .createInDirectoryName = "CnmtXCreateD",
+                               .freeName = "nmtXFree",
+                               .checkName = "CnmtXCheck",
+                               .versionName = "CnmtXAPIVersion",
+                               .setLoadPathName = nullptr,
+                               .getLoadPathName = nullptr};
 
 }  // namespace
 
-constinit PeerFamily nmtFamily{familyTable};
+constinit PeerFamily nmtFamily{nmtTable};
 
 bool nmtGetReady(char* msg, int msgSize) {
   return nmtFamily.makeReady(nullptr, msg, msgSize);

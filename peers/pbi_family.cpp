@@ -3,19 +3,19 @@
 namespace ztb::peers {
 namespace {
 
-constexpr FamilyTable familyTable{.libraryBaseName = "lomudclib",
-                                  .apiVersion = ZTB_PEER_PBI_VERSION,
-                                  .createName = "pbiXCreate",
-                                  .createInDirectoryName = "CpbiXCreateD",
-                                  .freeName = "pbiXFree",
-                                  .checkName = "CpbiXCheck",
-                                  .versionName = "CpbiXAPIVersion",
-                                  .setLoadPathName = nullptr,
-                                  .getLoadPathName = nullptr};
+constexpr FamilyTable pbiTable{.libraryBaseName = "lomudclib",
+                               .apiVersion = ZTB_PEER_PBI_VERSION,
+                               .createName = "pbiXCreate",
+                               .createInDirectoryName = "CpbiXCreateD",
+                               .freeName = "pbiXFree",
+                               .checkName = "CpbiXCheck",
+                               .versionName = "CpbiXAPIVersion",
+                               .setLoadPathName = nullptr,
+                               .getLoadPathName = nullptr};
 
 }  // namespace
 
-constinit PeerFamily pbiFamily{familyTable};
+constinit PeerFamily pbiFamily{pbiTable};
 
 bool pbiGetReady(char* msg, int msgSize) {
   return pbiFamily.makeReady(nullptr, msg, msgSize);

@@ -3,19 +3,19 @@
 namespace ztb::peers {
 namespace {
 
-constexpr FamilyTable familyTable{.libraryBaseName = "lomudclib",
-                                  .apiVersion = ZTB_PEER_RGY_VERSION,
-                                  .createName = "rgyXCreate",
-                                  .createInDirectoryName = nullptr,
-                                  .freeName = "rgyXFree",
-                                  .checkName = "CrgyXCheck",
-                                  .versionName = "CrgyXAPIVersion",
-                                  .setLoadPathName = nullptr,
-                                  .getLoadPathName = nullptr};
+constexpr FamilyTable rgyTable{.libraryBaseName = "lomudclib",
+                               .apiVersion = ZTB_PEER_RGY_VERSION,
+                               .createName = "rgyXCreate",
+                               .createInDirectoryName = nullptr,
+                               .freeName = "rgyXFree",
+                               .checkName = "CrgyXCheck",
+                               .versionName = "CrgyXAPIVersion",
+                               .setLoadPathName = nullptr,
+                               .getLoadPathName = nullptr};
 
 }  // namespace
 
-constinit PeerFamily rgyFamily{familyTable};
+constinit PeerFamily rgyFamily{rgyTable};
 
 bool rgyCreate(void** handleOut, char* msg, int msgSize) {
   return rgyFamily.createObject(handleOut, nullptr, msg, msgSize);

@@ -3,19 +3,19 @@
 namespace ztb::peers {
 namespace {
 
-constexpr FamilyTable familyTable{.libraryBaseName = "rxfcclib",
-                                  .apiVersion = ZTB_PEER_RXF_VERSION,
-                                  .createName = "XCreate",
-                                  .createInDirectoryName = "XCreateD",
-                                  .freeName = "XFree",
-                                  .checkName = "C__XCheck",
-                                  .versionName = "C__XAPIVersion",
-                                  .setLoadPathName = "C__rxfSetLoadPath",
-                                  .getLoadPathName = "C__rxfGetLoadPath"};
+constexpr FamilyTable rxfTable{.libraryBaseName = "rxfcclib",
+                               .apiVersion = ZTB_PEER_RXF_VERSION,
+                               .createName = "XCreate",
+                               .createInDirectoryName = "XCreateD",
+                               .freeName = "XFree",
+                               .checkName = "C__XCheck",
+                               .versionName = "C__XAPIVersion",
+                               .setLoadPathName = "C__rxfSetLoadPath",
+                               .getLoadPathName = "C__rxfGetLoadPath"};
 
 }  // namespace
 
-constinit PeerFamily rxfFamily{familyTable};
+constinit PeerFamily rxfFamily{rxfTable};
 
 bool rxfCreate(void** handleOut, char* msg, int msgSize) {
   return rxfFamily.createObject(handleOut, nullptr, msg, msgSize);

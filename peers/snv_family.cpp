@@ -3,19 +3,19 @@
 namespace ztb::peers {
 namespace {
 
-constexpr FamilyTable familyTable{.libraryBaseName = "lomudclib",
-                                  .apiVersion = ZTB_PEER_SNV_VERSION,
-                                  .createName = "snvXCreate",
-                                  .createInDirectoryName = "CsnvXCreateD",
-                                  .freeName = "snvXFree",
-                                  .checkName = "CsnvXCheck",
-                                  .versionName = "CsnvXAPIVersion",
-                                  .setLoadPathName = nullptr,
-                                  .getLoadPathName = nullptr};
+constexpr FamilyTable snvTable{.libraryBaseName = "lomudclib",
+                               .apiVersion = ZTB_PEER_SNV_VERSION,
+                               .createName = "snvXCreate",
+                               .createInDirectoryName = "CsnvXCreateD",
+                               .freeName = "snvXFree",
+                               .checkName = "CsnvXCheck",
+                               .versionName = "CsnvXAPIVersion",
+                               .setLoadPathName = nullptr,
+                               .getLoadPathName = nullptr};
 
 }  // namespace
 
-constinit PeerFamily snvFamily{familyTable};
+constinit PeerFamily snvFamily{snvTable};
 
 bool snvGetReady(char* msg, int msgSize) {
   return snvFamily.makeReady(nullptr, msg, msgSize);

@@ -1,4 +1,6 @@
-// The c__ family: one name for each operation, a bare jump to it.
+// The c__ family: one name for each operation, a bare jump to it. The exported names are defined
+// here and not where the work is done: programs that link the core's objects, such as the unit
+// tests, may open the library beside them, and a name of theirs would then stand before its own.
 
 #include <ztb/ztb.h>
 

@@ -7,6 +7,7 @@
 #include <memory>
 #include <string>
 
+#include "providers/model/at.h"
 #include "providers/model/model_data.h"
 #include "providers/model/model_error.h"
 #include "providers/model/solver_library.h"
@@ -16,10 +17,6 @@ namespace lomu {
 namespace {
 
 using Clock = std::chrono::steady_clock;
-
-std::size_t at(int number) {
-  return static_cast<std::size_t>(number);
-}
 
 // Bounds alone change between the solves here.
 constexpr std::uint64_t kSameCoefficients = std::numeric_limits<std::uint64_t>::max();

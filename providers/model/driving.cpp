@@ -9,6 +9,7 @@
 #include <ztb/model_names.hpp>
 #include <ztb/nearest_name.hpp>
 
+#include "providers/model/at.h"
 #include "providers/model/element_name.h"
 #include "providers/model/model_error.h"
 #include "providers/model/number_text.h"
@@ -18,10 +19,6 @@ namespace lomu {
 namespace {
 
 constexpr std::size_t kMostListed = 12;
-
-std::size_t at(int number) {
-  return static_cast<std::size_t>(number);
-}
 
 const char* typeWord(SymbolType type) {
   return type == SymbolType::variable ? "variable" : "equation";

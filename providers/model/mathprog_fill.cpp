@@ -17,7 +17,7 @@ namespace lomu {
 
 namespace {
 
-std::string numberText(double number) {
+std::string shortestText(double number) {
   std::array<char, 32> text{};
   return {text.data(), std::to_chars(text.data(), text.data() + text.size(), number).ptr};
 }
@@ -27,7 +27,7 @@ std::string labelText(std::string_view label) {
   double number = 0;
   const auto [end, error] = std::from_chars(label.data(), label.data() + label.size(), number);
   const bool isNumber = error == std::errc() && end == label.data() + label.size() &&
-                        std::isfinite(number) && numberText(number) == label;
+                        std::isfinite(number) && shortestText(number) == label;
   if (isNumber) return std::string(label);
   std::string text = "'";
   for (const char c : label) {
@@ -54,7 +54,7 @@ std::string statementOf(const ztbModelFill& fill, const MathProgSymbol& symbol,
       throw ModelError(file + ": parameter " + shown(symbol.name) +
                        " is to be filled with a value that is no finite number, expected one");
     }
-    text += " " + numberText(value);
+    text += " " + shortestText(value);
   }
   return text + ";\n";
 }

@@ -20,7 +20,7 @@ using lomu::Dictionary;
 using lomu::DictionarySearch;
 using lomu::DictionarySymbol;
 
-constexpr ztbPeerOperation kOperations[] = {ZTB_PEER_NMT_OPERATIONS(ZTB_PEER_ENTRY)};
+constexpr ztbPeerOperation kNmtOperations[] = {ZTB_PEER_NMT_OPERATIONS(ZTB_PEER_ENTRY)};
 
 Dictionary& dictionary(void* nmt) {
   return *static_cast<Dictionary*>(nmt);
@@ -58,7 +58,8 @@ NMT_EXPORT void nmtXFree(void** object) {
 }
 
 NMT_EXPORT int CnmtXCheck(const char* operation, int argCount, const int* codes, char* msg) {
-  return ztbPeerCheck("NMT", kOperations, std::size(kOperations), operation, argCount, codes, msg);
+  return ztbPeerCheck("NMT", kNmtOperations, std::size(kNmtOperations), operation, argCount, codes,
+                      msg);
 }
 
 NMT_EXPORT int CnmtXAPIVersion(int api, char* msg, int* compatibility) {

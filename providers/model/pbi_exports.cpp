@@ -21,7 +21,7 @@ using lomu::Instance;
 using lomu::Model;
 using lomu::SolutionRecord;
 
-constexpr ztbPeerOperation kOperations[] = {ZTB_PEER_PBI_OPERATIONS(ZTB_PEER_ENTRY)};
+constexpr ztbPeerOperation kPbiOperations[] = {ZTB_PEER_PBI_OPERATIONS(ZTB_PEER_ENTRY)};
 
 Instance& instance(void* pbi) {
   return static_cast<Model*>(pbi)->instance;
@@ -73,7 +73,8 @@ PBI_EXPORT void pbiXFree(void** object) {
 }
 
 PBI_EXPORT int CpbiXCheck(const char* operation, int argCount, const int* codes, char* msg) {
-  return ztbPeerCheck("PBI", kOperations, std::size(kOperations), operation, argCount, codes, msg);
+  return ztbPeerCheck("PBI", kPbiOperations, std::size(kPbiOperations), operation, argCount, codes,
+                      msg);
 }
 
 PBI_EXPORT int CpbiXAPIVersion(int api, char* msg, int* compatibility) {

@@ -24,7 +24,7 @@ using lomu::copyText;
 using lomu::LiveSolver;
 using lomu::Model;
 
-constexpr ztbPeerOperation kOperations[] = {ZTB_PEER_RGY_OPERATIONS(ZTB_PEER_ENTRY)};
+constexpr ztbPeerOperation kRgyOperations[] = {ZTB_PEER_RGY_OPERATIONS(ZTB_PEER_ENTRY)};
 
 Catalogue& catalogue(void* rgy) {
   return *static_cast<Catalogue*>(rgy);
@@ -56,7 +56,8 @@ RGY_EXPORT void rgyXFree(void** object) {
 }
 
 RGY_EXPORT int CrgyXCheck(const char* operation, int argCount, const int* codes, char* msg) {
-  return ztbPeerCheck("RGY", kOperations, std::size(kOperations), operation, argCount, codes, msg);
+  return ztbPeerCheck("RGY", kRgyOperations, std::size(kRgyOperations), operation, argCount, codes,
+                      msg);
 }
 
 RGY_EXPORT int CrgyXAPIVersion(int api, char* msg, int* compatibility) {

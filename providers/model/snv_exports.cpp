@@ -24,7 +24,7 @@ using lomu::Environment;
 using lomu::Model;
 using lomu::ModelError;
 
-constexpr ztbPeerOperation kOperations[] = {ZTB_PEER_SNV_OPERATIONS(ZTB_PEER_ENTRY)};
+constexpr ztbPeerOperation kSnvOperations[] = {ZTB_PEER_SNV_OPERATIONS(ZTB_PEER_ENTRY)};
 
 Environment& environment(void* snv) {
   return *static_cast<Environment*>(snv);
@@ -69,7 +69,8 @@ SNV_EXPORT void snvXFree(void** object) {
 }
 
 SNV_EXPORT int CsnvXCheck(const char* operation, int argCount, const int* codes, char* msg) {
-  return ztbPeerCheck("SNV", kOperations, std::size(kOperations), operation, argCount, codes, msg);
+  return ztbPeerCheck("SNV", kSnvOperations, std::size(kSnvOperations), operation, argCount, codes,
+                      msg);
 }
 
 SNV_EXPORT int CsnvXAPIVersion(int api, char* msg, int* compatibility) {

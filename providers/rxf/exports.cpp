@@ -12,7 +12,7 @@
 #include "providers/rxf/system_calls.h"
 
 // With C linkage, a definition that differs from its prototype in ztb/peer.h does not compile.
-#define RXF_EXPORT extern "C"
+#define RXF_OPERATION extern "C"
 
 namespace {
 
@@ -63,60 +63,60 @@ void create(void** object) noexcept {
 
 }  // namespace
 
-RXF_EXPORT void XCreate(void** object) {
+RXF_OPERATION void XCreate(void** object) {
   create(object);
 }
 
-RXF_EXPORT void XCreateD(void** object, const char* directory) {
+RXF_OPERATION void XCreateD(void** object, const char* directory) {
   keepLoadPath(directory);
   create(object);
 }
 
-RXF_EXPORT void XFree(void** object) {
+RXF_OPERATION void XFree(void** object) {
   if (object == nullptr) return;
   delete static_cast<RxfObject*>(*object);
   *object = nullptr;
 }
 
-RXF_EXPORT int C__XCheck(const char* operation, int argCount, const int* codes, char* msg) {
+RXF_OPERATION int C__XCheck(const char* operation, int argCount, const int* codes, char* msg) {
   return ztbPeerCheck("RXF", kOperations, std::size(kOperations), operation, argCount, codes, msg);
 }
 
-RXF_EXPORT int C__XAPIVersion(int api, char* msg, int* compatibility) {
+RXF_OPERATION int C__XAPIVersion(int api, char* msg, int* compatibility) {
   return ztbPeerVersion("RXF", ZTB_PEER_RXF_VERSION, api, msg, compatibility);
 }
 
-RXF_EXPORT void C__rxfSetLoadPath(const char* directory) {
+RXF_OPERATION void C__rxfSetLoadPath(const char* directory) {
   keepLoadPath(directory);
 }
 
-RXF_EXPORT void C__rxfGetLoadPath(char* directory) {
+RXF_OPERATION void C__rxfGetLoadPath(char* directory) {
   if (directory != nullptr) {
     const std::scoped_lock lock(loadPathMutex);
     std::memcpy(directory, loadPath.data(), std::strlen(loadPath.data()) + 1);
   }
 }
 
-RXF_EXPORT int C__rxfOpenRead(void* rxf, const char* fileName, int* errorNumber) {
+RXF_OPERATION int C__rxfOpenRead(void* rxf, const char* fileName, int* errorNumber) {
   int error = static_cast<int>(rxffile::ErrorNumber::internalError);
   guarded(rxf, [&](RxfObject& o) { return error = o.openRead(fileName); });
   if (errorNumber != nullptr) *errorNumber = error;
   return error == 0 ? 1 : 0;
 }
 
-RXF_EXPORT int C__rxfOpenWrite(void* rxf, const char* fileName, const char* producer,
-                               int* errorNumber) {
+RXF_OPERATION int C__rxfOpenWrite(void* rxf, const char* fileName, const char* producer,
+                                  int* errorNumber) {
   int error = static_cast<int>(rxffile::ErrorNumber::internalError);
   guarded(rxf, [&](RxfObject& o) { return error = o.openWrite(fileName, producer); });
   if (errorNumber != nullptr) *errorNumber = error;
   return error == 0 ? 1 : 0;
 }
 
-RXF_EXPORT int C__rxfClose(void* rxf) {
+RXF_OPERATION int C__rxfClose(void* rxf) {
   return guarded(rxf, [](RxfObject& o) { return o.close(); });
 }
 
-RXF_EXPORT int C__rxfErrorStr(void* rxf, int errorNumber, char* text) {
+RXF_OPERATION int C__rxfErrorStr(void* rxf, int errorNumber, char* text) {
   if (text == nullptr) return 0;
   text[0] = '\0';
   return guarded(rxf, [&](RxfObject& o) {
@@ -125,15 +125,15 @@ RXF_EXPORT int C__rxfErrorStr(void* rxf, int errorNumber, char* text) {
   });
 }
 
-RXF_EXPORT int C__rxfErrorCount(void* rxf) {
+RXF_OPERATION int C__rxfErrorCount(void* rxf) {
   return guarded(rxf, [](RxfObject& o) { return o.errorCount(); });
 }
 
-RXF_EXPORT int C__rxfGetLastError(void* rxf) {
+RXF_OPERATION int C__rxfGetLastError(void* rxf) {
   return guarded(rxf, [](RxfObject& o) { return o.takeLastError(); });
 }
 
-RXF_EXPORT int C__rxfGetSpecialValues(void* rxf, double* values) {
+RXF_OPERATION int C__rxfGetSpecialValues(void* rxf, double* values) {
   if (values == nullptr) return 0;
   return guarded(rxf, [&](RxfObject& o) {
     o.specialValues(values);
@@ -141,56 +141,56 @@ RXF_EXPORT int C__rxfGetSpecialValues(void* rxf, double* values) {
   });
 }
 
-RXF_EXPORT int C__rxfSetSpecialValues(void* rxf, const double* values) {
+RXF_OPERATION int C__rxfSetSpecialValues(void* rxf, const double* values) {
   return guarded(rxf, [&](RxfObject& o) { return o.setSpecialValues(values); });
 }
 
-RXF_EXPORT int C__rxfSetReadSpecialValues(void* rxf, const double* values) {
+RXF_OPERATION int C__rxfSetReadSpecialValues(void* rxf, const double* values) {
   return guarded(rxf, [&](RxfObject& o) { return o.setReadSpecialValues(values); });
 }
 
-RXF_EXPORT int C__rxfSystemInfo(void* rxf, int* symbolCount, int* labelCount) {
+RXF_OPERATION int C__rxfSystemInfo(void* rxf, int* symbolCount, int* labelCount) {
   return guarded(rxf, [&](RxfObject& o) { return o.systemInfo(symbolCount, labelCount); });
 }
 
-RXF_EXPORT int C__rxfSymbolInfo(void* rxf, int number, char* name, int* dim, int* type) {
+RXF_OPERATION int C__rxfSymbolInfo(void* rxf, int number, char* name, int* dim, int* type) {
   return guarded(rxf, [&](RxfObject& o) { return o.symbolInfo(number, name, dim, type); });
 }
 
-RXF_EXPORT int C__rxfSymbolInfoX(void* rxf, int number, int* recordCount, int* userInfo,
-                                 char* text) {
+RXF_OPERATION int C__rxfSymbolInfoX(void* rxf, int number, int* recordCount, int* userInfo,
+                                    char* text) {
   return guarded(rxf,
                  [&](RxfObject& o) { return o.symbolInfoX(number, recordCount, userInfo, text); });
 }
 
-RXF_EXPORT int C__rxfSymbolGetDomainX(void* rxf, int number, char** names) {
+RXF_OPERATION int C__rxfSymbolGetDomainX(void* rxf, int number, char** names) {
   return guarded(rxf, [&](RxfObject& o) { return o.symbolDomain(number, names); });
 }
 
-RXF_EXPORT int C__rxfFindSymbol(void* rxf, const char* name, int* number) {
+RXF_OPERATION int C__rxfFindSymbol(void* rxf, const char* name, int* number) {
   const int found = guarded(rxf, [&](RxfObject& o) { return o.findSymbol(name); });
   if (number != nullptr) *number = found;
   return found != 0 ? 1 : 0;
 }
 
-RXF_EXPORT int C__rxfGetElemText(void* rxf, int number, char* text, int* node) {
+RXF_OPERATION int C__rxfGetElemText(void* rxf, int number, char* text, int* node) {
   if (node != nullptr) *node = 0;
   return guarded(rxf, [&](RxfObject& o) { return o.elementText(number, text); });
 }
 
-RXF_EXPORT int C__rxfUMUelInfo(void* rxf, int* labelCount, int* highMap) {
+RXF_OPERATION int C__rxfUMUelInfo(void* rxf, int* labelCount, int* highMap) {
   const int count = guarded(rxf, [](RxfObject& o) { return o.labelCount(); });
   if (labelCount != nullptr) *labelCount = count;
   if (highMap != nullptr) *highMap = 0;
   return 1;
 }
 
-RXF_EXPORT int C__rxfUMUelGet(void* rxf, int number, char* label, int* map) {
+RXF_OPERATION int C__rxfUMUelGet(void* rxf, int number, char* label, int* map) {
   if (map != nullptr) *map = 0;
   return guarded(rxf, [&](RxfObject& o) { return o.label(number, label); });
 }
 
-RXF_EXPORT int C__rxfDataReadRawStart(void* rxf, int symbolNumber, int* recordCount) {
+RXF_OPERATION int C__rxfDataReadRawStart(void* rxf, int symbolNumber, int* recordCount) {
   bool started = false;
   int count = RxfObject::kReadFailed;
   guarded(rxf, [&](RxfObject& o) { return count = o.startReading(symbolNumber, started); });
@@ -198,62 +198,62 @@ RXF_EXPORT int C__rxfDataReadRawStart(void* rxf, int symbolNumber, int* recordCo
   return started ? 1 : 0;
 }
 
-RXF_EXPORT int C__rxfDataReadRaw(void* rxf, int* keys, double* values, int* firstChanged) {
+RXF_OPERATION int C__rxfDataReadRaw(void* rxf, int* keys, double* values, int* firstChanged) {
   if (keys == nullptr || values == nullptr || firstChanged == nullptr) return 0;
   return guarded(rxf, [&](RxfObject& o) { return o.read(keys, values, firstChanged); });
 }
 
-RXF_EXPORT int C__rxfDataReadDone(void* rxf) {
+RXF_OPERATION int C__rxfDataReadDone(void* rxf) {
   return guarded(rxf, [](RxfObject& o) { return o.finishReading(); });
 }
 
-RXF_EXPORT void C__rxfStoreDomainSetsSet(void* rxf, int on) {
+RXF_OPERATION void C__rxfStoreDomainSetsSet(void* rxf, int on) {
   guarded(rxf, [&](RxfObject& o) {
     o.storeDomainSets(on != 0);
     return 1;
   });
 }
 
-RXF_EXPORT int C__rxfUELRegisterRawStart(void* rxf) {
+RXF_OPERATION int C__rxfUELRegisterRawStart(void* rxf) {
   return guarded(rxf, [](RxfObject& o) { return o.startLabels(); });
 }
 
-RXF_EXPORT int C__rxfUELRegisterRaw(void* rxf, const char* label) {
+RXF_OPERATION int C__rxfUELRegisterRaw(void* rxf, const char* label) {
   return guarded(rxf, [&](RxfObject& o) { return o.addLabel(label); });
 }
 
-RXF_EXPORT int C__rxfUELRegisterDone(void* rxf) {
+RXF_OPERATION int C__rxfUELRegisterDone(void* rxf) {
   return guarded(rxf, [](RxfObject& o) { return o.finishLabels(); });
 }
 
-RXF_EXPORT int C__rxfAddAlias(void* rxf, const char* aliasName, const char* targetName) {
+RXF_OPERATION int C__rxfAddAlias(void* rxf, const char* aliasName, const char* targetName) {
   return writingStep(rxf, [&](RxfObject& o) { return o.addAlias(aliasName, targetName); });
 }
 
-RXF_EXPORT int C__rxfAddSetText(void* rxf, const char* text, int* number) {
+RXF_OPERATION int C__rxfAddSetText(void* rxf, const char* text, int* number) {
   const int added = guarded(rxf, [&](RxfObject& o) { return o.addText(text); });
   if (number != nullptr) *number = added;
   return added != 0 ? 1 : 0;
 }
 
-RXF_EXPORT int C__rxfDataWriteRawStart(void* rxf, const char* name, const char* text, int dim,
-                                       int type, int userInfo) {
+RXF_OPERATION int C__rxfDataWriteRawStart(void* rxf, const char* name, const char* text, int dim,
+                                          int type, int userInfo) {
   return writingStep(rxf,
                      [&](RxfObject& o) { return o.startWriting(name, text, dim, type, userInfo); });
 }
 
-RXF_EXPORT int C__rxfDataWriteRaw(void* rxf, const int* keys, const double* values) {
+RXF_OPERATION int C__rxfDataWriteRaw(void* rxf, const int* keys, const double* values) {
   return guarded(rxf, [&](RxfObject& o) { return o.write(keys, values); });
 }
 
-RXF_EXPORT int C__rxfDataWriteDone(void* rxf) {
+RXF_OPERATION int C__rxfDataWriteDone(void* rxf) {
   return guarded(rxf, [](RxfObject& o) { return o.finishWriting(); });
 }
 
-RXF_EXPORT int C__rxfSymbolSetDomain(void* rxf, const char** names) {
+RXF_OPERATION int C__rxfSymbolSetDomain(void* rxf, const char** names) {
   return writingStep(rxf, [&](RxfObject& o) { return o.setDomain(names); });
 }
 
-RXF_EXPORT int C__rxfSymbolSetDomainX(void* rxf, int number, const char** names) {
+RXF_OPERATION int C__rxfSymbolSetDomainX(void* rxf, int number, const char** names) {
   return guarded(rxf, [&](RxfObject& o) { return o.setDomainNames(number, names); });
 }

@@ -29,10 +29,10 @@ constexpr std::array<Slots, 7> equationDefaults{{{0, 0, 0, 0, 1},
                                                  {0, 0, 0, infinity, 1},
                                                  {0, 0, 0, 0, 1}}};
 
-const char* const getters[] = {"ztbGetLevel", "ztbGetMarginal", "ztbGetLower", "ztbGetUpper",
-                               "ztbGetScale"};
-const char* const setters[] = {"ztbSetLevel", "ztbSetMarginal", "ztbSetLower", "ztbSetUpper",
-                               "ztbSetScale"};
+const char* const getterNames[] = {"ztbGetLevel", "ztbGetMarginal", "ztbGetLower", "ztbGetUpper",
+                                   "ztbGetScale"};
+const char* const setterNames[] = {"ztbSetLevel", "ztbSetMarginal", "ztbSetLower", "ztbSetUpper",
+                                   "ztbSetScale"};
 
 std::string recordText(const std::vector<std::string>& labels) {
   std::string text = "(\"";
@@ -268,7 +268,7 @@ Slots* Model::currentSlots() {
 Answer Model::readSlot(int slot) {
   const Slots* slots = currentSlots();
   if (slots == nullptr || slot >= current().slotCount()) {
-    return failUnexpected(getters[slot]);
+    return failUnexpected(getterNames[slot]);
   }
   return {1, valueText(mappedOut(slots->at(static_cast<size_t>(slot))))};
 }
@@ -276,7 +276,7 @@ Answer Model::readSlot(int slot) {
 Answer Model::writeSlot(int slot, double value) {
   Slots* slots = currentSlots();
   if (slots == nullptr || slot >= current().slotCount()) {
-    return failUnexpected(setters[slot]);
+    return failUnexpected(setterNames[slot]);
   }
   slots->at(static_cast<size_t>(slot)) = mappedIn(value);
   return {1, ""};

@@ -10,7 +10,7 @@ namespace ztbtest {
 
 namespace {
 
-constexpr double kInf = std::numeric_limits<double>::infinity();
+constexpr double kUnbounded = std::numeric_limits<double>::infinity();
 
 std::uint64_t nextNumber() {
   static std::uint64_t last = 0;
@@ -18,7 +18,7 @@ std::uint64_t nextNumber() {
 }
 
 double finite(double value) {
-  return std::abs(value) >= 1e300 ? std::copysign(kInf, value) : value;
+  return std::abs(value) >= 1e300 ? std::copysign(kUnbounded, value) : value;
 }
 
 }  // namespace
@@ -59,8 +59,8 @@ ChangingProblem::ChangingProblem(int columns, int rows, double density, int inte
   now_.rowCount = rows;
   now_.start.push_back(0);
   for (int j = 0; j < columns; ++j) {
-    const double low = happens(8) ? -kInf : std::floor(between(-5, 5));
-    const double high = happens(4) ? kInf : std::max(low, -5.0) + std::floor(between(1, 10));
+    const double low = happens(8) ? -kUnbounded : std::floor(between(-5, 5));
+    const double high = happens(4) ? kUnbounded : std::max(low, -5.0) + std::floor(between(1, 10));
     const double at = std::floor(between(std::max(low, -5.0), std::min(high, 15.0)));
     now_.lower.push_back(low);
     now_.upper.push_back(high);
@@ -78,8 +78,8 @@ ChangingProblem::ChangingProblem(int columns, int rows, double density, int inte
   }
   for (const double at : activity) {
     const std::size_t kind = below(4);
-    addRow(kind == 1 ? -kInf : at - (kind == 0 ? 0 : between(0, 2)),
-           kind == 2 ? kInf : at + (kind == 0 ? 0 : between(0, 2)));
+    addRow(kind == 1 ? -kUnbounded : at - (kind == 0 ? 0 : between(0, 2)),
+           kind == 2 ? kUnbounded : at + (kind == 0 ? 0 : between(0, 2)));
   }
   keep();
 }
@@ -88,13 +88,13 @@ ChangingProblem ChangingProblem::transport(int sources, int targets, unsigned se
   ChangingProblem made(0, 0, 0, 0, seed);
   made.now_.rowCount = sources + targets;
   made.now_.columnCount = sources * targets;
-  for (int s = 0; s < sources; ++s) made.addRow(-kInf, targets);
-  for (int t = 0; t < targets; ++t) made.addRow(sources, kInf);
+  for (int s = 0; s < sources; ++s) made.addRow(-kUnbounded, targets);
+  for (int t = 0; t < targets; ++t) made.addRow(sources, kUnbounded);
   for (int s = 0; s < sources; ++s) {
     for (int t = 0; t < targets; ++t) {
       made.now_.cost.push_back(1 + static_cast<double>(made.below(4)));
       made.now_.lower.push_back(0);
-      made.now_.upper.push_back(kInf);
+      made.now_.upper.push_back(kUnbounded);
       made.now_.isInteger.push_back(0);
       for (const int row : {s, sources + t}) {
         made.now_.rowOf.push_back(row);
@@ -146,10 +146,10 @@ void ChangingProblem::changeBounds() {
   const std::size_t j = below(now_.lower.size());
   switch (below(6)) {
     case 0:
-      now_.lower[j] = -kInf;
+      now_.lower[j] = -kUnbounded;
       break;
     case 1:
-      now_.upper[j] = kInf;
+      now_.upper[j] = kUnbounded;
       break;
     case 2:
       now_.lower[j] = now_.upper[j] = std::isinf(first_.lower[j]) ? 0 : first_.lower[j];

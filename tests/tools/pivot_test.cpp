@@ -105,8 +105,13 @@ TEST_F(PivotTest, refusesWhatHasNoTable) {
               "ztb: --field upper: ships(plant, good, *) is a parameter; only variables and "
               "equations have fields\n",
               {"pivot", "a.rxf", "ships", "--rows", "1", "--columns", "2,3", "--field", "upper"});
-  expectFails(2, "ztb: --field up: is no field, expected level, marginal, lower, upper or scale\n",
+  expectFails(2,
+              "ztb: --field up: 'up' is no field, expected level, marginal, lower, upper or "
+              "scale\n",
               {"pivot", "a.rxf", "flow", "--rows", "1", "--columns", "2", "--field", "up"});
+  expectFails(
+      2, "ztb: --field upper,lower: one field is expected\n",
+      {"pivot", "a.rxf", "flow", "--rows", "1", "--columns", "2", "--field", "upper,lower"});
 }
 
 // Two blanks part the columns, so that 14 places are enough for the labels and one column.

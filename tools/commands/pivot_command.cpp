@@ -12,6 +12,7 @@
 
 #include "tools/commands/command_line.h"
 #include "tools/commands/commands.h"
+#include "tools/commands/field_option.h"
 #include "tools/commands/memory_option.h"
 #include "tools/commands/table_options.h"
 #include "tools/files/exchange_file.h"
@@ -75,17 +76,11 @@ ztb::Field fieldOf(const std::optional<std::string>& word, const FileSymbol& sym
   if (!word) {
     return ztb::Field::level;
   }
-  if (symbol.valueCount != static_cast<int>(ztb::fieldCount)) {
-    throw UsageError(fmt::format("--field {}: {} is a {}; only variables and equations have fields",
-                                 *word, signature(symbol), typeWord(symbol.type)));
+  const std::vector<std::size_t> fields = fieldsOf(*word, symbol);
+  if (fields.size() != 1) {
+    throw UsageError(fmt::format("--field {}: one field is expected", *word));
   }
-  const auto* found = std::ranges::find_if(
-      ztb::fieldNames, [&](std::string_view known) { return sameFolded(known, *word); });
-  if (found == ztb::fieldNames.end()) {
-    throw UsageError(fmt::format(
-        "--field {}: is no field, expected level, marginal, lower, upper or scale", *word));
-  }
-  return static_cast<ztb::Field>(found - ztb::fieldNames.begin());
+  return static_cast<ztb::Field>(fields.front());
 }
 
 class PivotTable {

@@ -13,6 +13,7 @@
 
 #include "tools/commands/command_line.h"
 #include "tools/commands/commands.h"
+#include "tools/commands/field_option.h"
 #include "tools/commands/memory_option.h"
 #include "tools/commands/store_option.h"
 #include "tools/commands/table_options.h"
@@ -127,21 +128,9 @@ class ShownRecords {
       }
       return;
     }
-    if (symbol_.valueCount != static_cast<int>(ztb::fieldCount)) {
-      throw UsageError(
-          fmt::format("--field {}: {} is a {}; only variables and equations have fields", *chosen,
-                      signature(symbol_), typeWord(symbol_.type)));
-    }
-    for (const std::string& word : splitAtCommas(*chosen)) {
-      const auto* found = std::ranges::find_if(
-          ztb::fieldNames, [&](std::string_view field) { return sameFolded(field, word); });
-      if (found == ztb::fieldNames.end()) {
-        throw UsageError(fmt::format(
-            "--field {}: '{}' is no field, expected level, marginal, lower, upper or scale",
-            *chosen, word));
-      }
-      contentColumns_.emplace_back(*found);
-      fields_.push_back(static_cast<std::size_t>(found - ztb::fieldNames.begin()));
+    fields_ = fieldsOf(*chosen, symbol_);
+    for (const std::size_t field : fields_) {
+      contentColumns_.emplace_back(ztb::fieldNames.at(field));
     }
   }
 

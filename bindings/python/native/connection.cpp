@@ -5,18 +5,12 @@
 #include <chrono>
 #include <stdexcept>
 
+#include "bindings/python/native/interruption.h"
 #include "bindings/python/native/left_work.h"
 
 namespace python {
 
-namespace {
-
 namespace py = pybind11;
-
-// How long a thread waits for its turn between two looks for signals.
-constexpr std::chrono::milliseconds betweenLooks{50};
-
-}  // namespace
 
 ztb::Database& Connection::database() {
   if (!database_) {
@@ -61,7 +55,7 @@ Use::Use(Connection& connection) : connection_(connection) {
     bool mine = false;
     {
       const py::gil_scoped_release released;
-      mine = connection_.free_.try_acquire_for(betweenLooks);
+      mine = connection_.free_.try_acquire_for(betweenSignalLooks);
     }
     if (mine) {
       break;

@@ -6,11 +6,9 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr std::chrono::milliseconds betweenLooks{50};
-
 }  // namespace
 
-Interruption::Interruption() : next_(Clock::now() + betweenLooks) {}
+Interruption::Interruption() : next_(Clock::now() + betweenSignalLooks) {}
 
 bool Interruption::asked() {
   if (error_) {
@@ -24,7 +22,7 @@ bool Interruption::asked() {
   if (PyErr_CheckSignals() != 0) {
     error_.emplace();
   }
-  next_ = Clock::now() + betweenLooks;
+  next_ = Clock::now() + betweenSignalLooks;
   return error_.has_value();
 }
 

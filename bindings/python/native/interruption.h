@@ -14,6 +14,9 @@ namespace python {
 
 namespace py = pybind11;
 
+// How long native work and waits go on between two looks for signals.
+inline constexpr std::chrono::milliseconds betweenSignalLooks{50};
+
 // Looks for signals on behalf of work that the interpreter does not see. What a signal handler
 // raises, such as KeyboardInterrupt, waits here until the work has ended.
 class Interruption {

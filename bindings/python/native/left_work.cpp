@@ -10,13 +10,13 @@
 #include <thread>
 #include <utility>
 
+#include "bindings/python/native/interruption.h"
+
 namespace python {
 
 namespace {
 
 namespace py = pybind11;
-
-constexpr std::chrono::milliseconds betweenLooks{50};
 
 struct Job {
   std::mutex mutex;
@@ -68,7 +68,7 @@ void run(Job& job, Shared connection, const std::function<void()>& work) {
 bool isDone(Job& job) {
   const py::gil_scoped_release released;
   std::unique_lock lock(job.mutex);
-  return job.ended.wait_for(lock, betweenLooks, [&] { return job.done; });
+  return job.ended.wait_for(lock, betweenSignalLooks, [&] { return job.done; });
 }
 
 }  // namespace

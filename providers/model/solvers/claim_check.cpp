@@ -13,7 +13,7 @@ namespace {
 // What rounding leaves of a sum, relative to its largest term.
 constexpr double kRounding = 1e-9;
 // How far a solver lets a point be outside.
-constexpr double kTolerance = 1e-6;
+constexpr double kClaimTolerance = 1e-6;
 // A level beyond this that is no bound is one that a solver ran to for want of an end.
 constexpr double kFarAway = 1e12;
 
@@ -64,7 +64,7 @@ bool isOutOfReach(const SolverProblem& problem, const std::vector<double>& ray, 
     weights[i] = weight;
     least += weight * side;
     largest = std::max(largest, std::abs(weight * side));
-    slack += kTolerance * std::abs(weight);
+    slack += kClaimTolerance * std::abs(weight);
   }
   double most = 0;  // of the columns
   for (int j = 0; j < problem.columnCount; ++j) {
@@ -77,7 +77,7 @@ bool isOutOfReach(const SolverProblem& problem, const std::vector<double>& ray, 
     }
     most += sum.value * bound;
     largest = std::max(largest, sum.largest * std::abs(bound));
-    slack += kTolerance * std::abs(sum.value);
+    slack += kClaimTolerance * std::abs(sum.value);
   }
   return least - most > slack + kRounding * largest;
 }
@@ -106,7 +106,7 @@ bool fallsAlong(const SolverProblem& problem, const std::vector<double>& ray, do
       return false;
     }
   }
-  return cost.value < -kTolerance * cost.largest;
+  return cost.value < -kClaimTolerance * cost.largest;
 }
 
 }  // namespace
@@ -153,7 +153,7 @@ std::string optimumDoubt(const SolverProblem& problem, const SolverResult& resul
     if (!isAtSide) gap += std::abs(marginal);
   }
   // Written so that a NaN is a doubt.
-  if (gap <= kTolerance * size) return {};
+  if (gap <= kClaimTolerance * size) return {};
   return "its marginals leave room for a better point";
 }
 

@@ -32,14 +32,14 @@ constexpr double kWeightsWearOut = 100;
 constexpr int kPresolvePasses = 5;
 
 // Clp asks after every iteration whether it may go on.
-class StopHandler : public ClpEventHandler {
+class ClpStopHandler : public ClpEventHandler {
  public:
-  explicit StopHandler(Watch* watch) : watch_(watch) {}
+  explicit ClpStopHandler(Watch* watch) : watch_(watch) {}
   int event(Event which) override {
     const bool asked = which == endOfIteration || which == endOfFactorization;
     return asked && watch_->mustStop() ? 0 : -1;
   }
-  [[nodiscard]] ClpEventHandler* clone() const override { return new StopHandler(*this); }
+  [[nodiscard]] ClpEventHandler* clone() const override { return new ClpStopHandler(*this); }
 
  private:
   Watch* watch_;
@@ -248,7 +248,7 @@ void ClpProgram::update(LinearForm& form) {
 }
 
 void ClpProgram::run(ClpSimplex& simplex, Method method, Watch& watch, int reuse) {
-  const StopHandler handler(&watch);
+  const ClpStopHandler handler(&watch);
   simplex.passInEventHandler(&handler);
   simplex.setMaximumIterations(watch.iterationsLeft(iterations_));
   if (method == Method::primal) {
@@ -271,7 +271,7 @@ void ClpProgram::runUnscaled(Watch& watch) {
 
 // As Clp's program solves a file: presolved, by the method that it chooses.
 void ClpProgram::runFresh(Watch& watch) {
-  const StopHandler handler(&watch);
+  const ClpStopHandler handler(&watch);
   simplex_.passInEventHandler(&handler);
   simplex_.setMaximumIterations(watch.iterationsLeft(iterations_));
   simplex_.defaultFactorizationFrequency();

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <utility>
 
+#include "providers/model/at.h"
 #include "providers/model/solvers/claim_check.h"
 
 namespace lomu {
@@ -43,10 +44,6 @@ Position positionOf(int status, double lower, double upper) {
     default:
       return Position::atLower;
   }
-}
-
-std::size_t at(int k) {
-  return static_cast<std::size_t>(k);
 }
 
 }  // namespace

@@ -3,16 +3,14 @@
 #include <algorithm>
 #include <cmath>
 
+#include "providers/model/at.h"
+
 namespace lomu {
 
 namespace {
 
 // Beyond 1e19 a bound is none for Ipopt.
 constexpr double kNoBound = 2e19;
-
-std::size_t at(int k) {
-  return static_cast<std::size_t>(k);
-}
 
 double bound(double value) {
   return std::max(-kNoBound, std::min(kNoBound, value));

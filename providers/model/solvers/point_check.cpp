@@ -7,10 +7,10 @@ namespace lomu {
 
 namespace {
 
-constexpr double kTolerance = 1e-6;
+constexpr double kPointTolerance = 1e-6;
 
 bool outside(double value, double size, double lower, double upper) {
-  const double room = kTolerance * std::max(1.0, size);
+  const double room = kPointTolerance * std::max(1.0, size);
   // Written so that a NaN is outside.
   return !(value >= lower - room && value <= upper + room);
 }
