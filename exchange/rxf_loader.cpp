@@ -185,15 +185,22 @@ bool ZTB::readSymbolFromRXF(AbstractZTBSymbol& symbol, void* target) {
   }
   const char* name = symbol.name.c_str();
   char reason[peerTextSize] = {};
-  const auto keep = [&symbol](const int* keys, const double* values) {
-    symbol.appendRecord(keys, values);
+  const int valueCount = dmap::slotCount(symbol.type);
+  const auto keep = [&symbol](const int* keys, const double* values, int count) {
+    symbol.appendRecords(keys, values, count);
   };
-  const auto passOn = [target](const int* keys, const double* values) {
-    peers::rxfDataWriteRaw(target, keys, values);
+  const auto passOn = [&symbol, target, valueCount](const int* keys, const double* values,
+                                                    int count) {
+    for (int record = 0; record < count; ++record) {
+      peers::rxfDataWriteRaw(target, keys, values);
+      keys += symbol.dim;
+      values += valueCount;
+    }
   };
   int error = 0;
-  const bool whole = target == nullptr ? readRecords(rxf, name, reason, error, keep)
-                                       : readRecords(rxf, name, reason, error, passOn);
+  const bool whole = target == nullptr
+                         ? readRecords(rxf, name, symbol.dim, valueCount, reason, error, keep)
+                         : readRecords(rxf, name, symbol.dim, valueCount, reason, error, passOn);
   return whole || failReading(symbol, kindOfReadError(error), reason);
 }
 

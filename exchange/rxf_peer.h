@@ -3,7 +3,9 @@
 #define ZTB_EXCHANGE_RXF_PEER_H_
 
 #include <algorithm>
+#include <cstddef>
 #include <cstring>
+#include <memory>
 
 #include "exchange/special_values.h"
 #include "peers/rxf_family.h"
@@ -81,18 +83,14 @@ inline int kindOfReadError(int error) {
   return error == 0 ? ZTB_ERROR_IO : ztbErrorKindOfRxf(error);
 }
 
-// The records of one symbol of an open file: calls `deliver(keys, values)` for each of them. False,
-// with the peer's reason and error number, when the peer cannot give all; what was delivered is
-// then worth nothing.
+// Reads one by one; see readRecords().
 template <class Deliver>
-bool readRecords(void* rxf, const char* symbolName, char (&reason)[peerTextSize], int& error,
-                 Deliver&& deliver) {
-  int number = 0;
+bool readOneByOne(void* rxf, int number, char (&reason)[peerTextSize], int& error,
+                  Deliver&& deliver) {
   int count = 0;
   int firstChanged = 0;
   int keys[dmap::maxDimension] = {};
   double values[dmap::maxSlots] = {};
-  peers::rxfFindSymbol(rxf, symbolName, &number);
   peers::rxfDataReadRawStart(rxf, number, &count);
   const RecordStream stream(rxf);
   bool whole = count != peerReadFailed;
@@ -100,13 +98,58 @@ bool readRecords(void* rxf, const char* symbolName, char (&reason)[peerTextSize]
     peers::rxfDataReadRaw(rxf, keys, values, &firstChanged);
     whole = firstChanged != peerReadFailed;
     if (whole) {
-      deliver(keys, values);
+      deliver(keys, values, 1);
     }
   }
   if (!whole) {
     takeReason(rxf, reason, error);
   }
   return whole;
+}
+
+// Records that are asked for in one call.
+inline constexpr int blockRoom = 1024;
+
+// Reads in blocks, from a peer that can; see readRecords().
+template <class Deliver>
+bool readInBlocks(void* rxf, int number, int dim, int valueCount, char (&reason)[peerTextSize],
+                  int& error, Deliver&& deliver) {
+  const peers::FamilyState& peer = peers::rxfFamily.state;
+  int count = 0;
+  peer.ReadBlockStart(rxf, number, &count);
+  const RecordStream stream(rxf);
+  const int room = std::clamp(count, 1, blockRoom);
+  const auto keys = std::make_unique_for_overwrite<int[]>(static_cast<std::size_t>(room * dim));
+  const auto values =
+      std::make_unique_for_overwrite<double[]>(static_cast<std::size_t>(room * valueCount));
+  int left = count;
+  bool whole = count != peerReadFailed;
+  while (whole && left > 0) {
+    const int given = peer.ReadBlock(rxf, keys.get(), values.get(), std::min(left, room));
+    whole = given > 0;
+    if (whole) {
+      deliver(keys.get(), values.get(), given);
+      left -= given;
+    }
+  }
+  if (!whole) {
+    takeReason(rxf, reason, error);
+  }
+  return whole;
+}
+
+// The records of one symbol of an open file: calls `deliver(keys, values, count)` for one record
+// after another or many at once, the keys of each behind those of the one before, its values
+// likewise. False, with the peer's reason and error number, when the peer cannot give all; what was
+// delivered is then worth nothing.
+template <class Deliver>
+bool readRecords(void* rxf, const char* symbolName, int dim, int valueCount,
+                 char (&reason)[peerTextSize], int& error, Deliver&& deliver) {
+  int number = 0;
+  peers::rxfFindSymbol(rxf, symbolName, &number);
+  return peers::rxfFamily.state.ReadBlock != nullptr
+             ? readInBlocks(rxf, number, dim, valueCount, reason, error, deliver)
+             : readOneByOne(rxf, number, reason, error, deliver);
 }
 
 }  // namespace ztb

@@ -11,7 +11,9 @@ constexpr FamilyTable nmtTable{.libraryBaseName = "nmtmdclib",
                                .checkName = "CnmtXCheck",
                                .versionName = "CnmtXAPIVersion",
                                .setLoadPathName = nullptr,
-                               .getLoadPathName = nullptr};
+                               .getLoadPathName = nullptr,
+                               .readBlockStartName = nullptr,
+                               .readBlockName = nullptr};
 
 }  // namespace
 

@@ -11,7 +11,9 @@ constexpr FamilyTable pbiTable{.libraryBaseName = "lomudclib",
                                .checkName = "CpbiXCheck",
                                .versionName = "CpbiXAPIVersion",
                                .setLoadPathName = nullptr,
-                               .getLoadPathName = nullptr};
+                               .getLoadPathName = nullptr,
+                               .readBlockStartName = nullptr,
+                               .readBlockName = nullptr};
 
 }  // namespace
 

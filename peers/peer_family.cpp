@@ -173,7 +173,7 @@ int PeerFamily::LoadLibraryFamily(const char* fileName, char* msg, int msgSize) 
     report.append(reason.text());
     return 1;
   }
-  bindLoadPath();
+  bindOptional();
   if (const SlotBase* slot = bindSlots(reason.buffer())) return missing(slot->symbolName());
   report.append(reason.text());
   return 0;
@@ -192,6 +192,8 @@ void PeerFamily::forgetBindings() noexcept {
   state.XAPIVersion = nullptr;
   state.SetLoadPath = nullptr;
   state.GetLoadPath = nullptr;
+  state.ReadBlockStart = nullptr;
+  state.ReadBlock = nullptr;
   for (const SlotBase* slot = firstSlot_; slot != nullptr; slot = slot->next_) {
     slot->function_ = nullptr;
   }
@@ -213,9 +215,14 @@ const char* PeerFamily::bindEntryPoints() noexcept {
   return nullptr;
 }
 
-void PeerFamily::bindLoadPath() noexcept {
+void PeerFamily::bindOptional() noexcept {
   bind(state.SetLoadPath, table_.setLoadPathName);
   bind(state.GetLoadPath, table_.getLoadPathName);
+  if (!bind(state.ReadBlockStart, table_.readBlockStartName) ||
+      !bind(state.ReadBlock, table_.readBlockName)) {
+    state.ReadBlockStart = nullptr;
+    state.ReadBlock = nullptr;
+  }
 }
 
 const SlotBase* PeerFamily::bindSlots(char* reason) {

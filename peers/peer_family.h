@@ -30,8 +30,11 @@ using CheckFunction = int(const char* operation, int argCount, const int* codes,
 using VersionFunction = int(int api, char* msg, int* compatibility);
 using SetLoadPathFunction = void(const char* directory);
 using GetLoadPathFunction = void(char* directory);
+// Of the exchange-file family, see ztb/peer.h.
+using ReadBlockStartFunction = int(void* rxf, int symbolNumber, int* recordCount);
+using ReadBlockFunction = int(void* rxf, int* keys, double* values, int room);
 
-// What tells one family from another. An entry point or load-path name that is null isn't bound.
+// What tells one family from another. An entry point or other name that is null isn't bound.
 struct FamilyTable {
   const char* libraryBaseName;
   std::int32_t apiVersion;
@@ -42,6 +45,8 @@ struct FamilyTable {
   const char* versionName;
   const char* setLoadPathName;
   const char* getLoadPathName;
+  const char* readBlockStartName;
+  const char* readBlockName;
 };
 
 // State of a family, one for the process. Nothing in the library changes the indicators, the
@@ -58,6 +63,9 @@ struct FamilyState {
   VersionFunction* XAPIVersion = nullptr;
   SetLoadPathFunction* SetLoadPath = nullptr;
   GetLoadPathFunction* GetLoadPath = nullptr;
+  // Both or neither.
+  ReadBlockStartFunction* ReadBlockStart = nullptr;
+  ReadBlockFunction* ReadBlock = nullptr;
 
   std::int32_t screenIndicator = 1;  // print a stub's text on standard output
   std::int32_t exitIndicator = 1;    // end the process when a stub was called
@@ -118,7 +126,8 @@ class PeerFamily {
   void forgetBindings() noexcept;
   // Name of the first entry point that the library lacks, or null.
   const char* bindEntryPoints() noexcept;
-  void bindLoadPath() noexcept;
+  // What a library may lack.
+  void bindOptional() noexcept;
   // The first slot whose operation the peer offers but has no symbol for, or null. The peer's words
   // go to `reason`.
   const SlotBase* bindSlots(char* reason);

@@ -11,7 +11,9 @@ constexpr FamilyTable rgyTable{.libraryBaseName = "lomudclib",
                                .checkName = "CrgyXCheck",
                                .versionName = "CrgyXAPIVersion",
                                .setLoadPathName = nullptr,
-                               .getLoadPathName = nullptr};
+                               .getLoadPathName = nullptr,
+                               .readBlockStartName = nullptr,
+                               .readBlockName = nullptr};
 
 }  // namespace
 

@@ -11,7 +11,9 @@ constexpr FamilyTable rxfTable{.libraryBaseName = "rxfcclib",
                                .checkName = "C__XCheck",
                                .versionName = "C__XAPIVersion",
                                .setLoadPathName = "C__rxfSetLoadPath",
-                               .getLoadPathName = "C__rxfGetLoadPath"};
+                               .getLoadPathName = "C__rxfGetLoadPath",
+                               .readBlockStartName = "C__rxfDataReadBlockStart",
+                               .readBlockName = "C__rxfDataReadBlock"};
 
 }  // namespace
 

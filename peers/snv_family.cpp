@@ -11,7 +11,9 @@ constexpr FamilyTable snvTable{.libraryBaseName = "lomudclib",
                                .checkName = "CsnvXCheck",
                                .versionName = "CsnvXAPIVersion",
                                .setLoadPathName = nullptr,
-                               .getLoadPathName = nullptr};
+                               .getLoadPathName = nullptr,
+                               .readBlockStartName = nullptr,
+                               .readBlockName = nullptr};
 
 }  // namespace
 

@@ -63,8 +63,11 @@ class AbstractZTBSymbol {
   virtual RecordHandle addRecord(const int* keys, const double* variableValues,
                                  const double* equationValues) = 0;
   virtual void insertRecord(const int* keys, const double* values) = 0;
-  // Adds a record that sorts after all others; how files are loaded.
+  // Adds a record that sorts after all others.
   virtual void appendRecord(const int* keys, const double* values) = 0;
+  // The same for `count` records, the keys of each behind those of the one before, its values
+  // likewise; how files are loaded.
+  virtual void appendRecords(const int* keys, const double* values, int count) = 0;
 
   // Walks in the store's order. The pointers are good for the call only.
   virtual void forEachKey(const std::function<void(const int*)>& visit) = 0;

@@ -61,6 +61,14 @@ class ZTBSymbol final : public AbstractZTBSymbol {
 
   void insertRecord(const int* keys, const double* values) override { store_.insert(keys, values); }
   void appendRecord(const int* keys, const double* values) override { store_.load(keys, values); }
+  void appendRecords(const int* keys, const double* values, int count) override {
+    const int slots = dmap::slotCount(type);
+    for (int record = 0; record < count; ++record) {
+      store_.load(keys, values);
+      keys += dim;
+      values += slots;
+    }
+  }
 
   void forEachKey(const std::function<void(const int*)>& visit) override {
     walk([&](const dmap::RecordView& record) {

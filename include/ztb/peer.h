@@ -148,6 +148,16 @@ enum ztbPeerCode {
  *                       For either -1 an error is pending, and rxfGetLastError and rxfErrorStr give
  *                       the reason. No honest answer is below 0.
  *   rxfDataReadDone     ignored; ends reading, also before the last record and after a -1.
+ *   C__rxfDataReadBlockStart, C__rxfDataReadBlock   may be missing, and are no rows of the table:
+ *                       what a peer offers that can give many records in one call. Found by their
+ *                       symbols alone, and used in place of rxfDataReadRawStart and rxfDataReadRaw
+ *                       when both are there. The first says how many records follow, as
+ *                       rxfDataReadRawStart does, but need not have looked at them. The second
+ *                       gives the next ones, `room` at most: the keys of a record behind those of
+ *                       the one before, and its values (one, or five of a variable or equation)
+ *                       likewise. It returns how many, 0 behind the last, or -1 when the symbol
+ *                       cannot be read after all; the reason is pending then, and what was given
+ *                       counts for nothing.
  * Writing, in this order: labels, then symbols with their records, then texts
  *   rxfStoreDomainSetsSet    off before anything is written: the caller writes domain sets itself.
  *   rxfUELRegisterRawStart, rxfUELRegisterRaw, rxfUELRegisterDone   ignored; the next label gets
@@ -406,6 +416,9 @@ ZTB_PEER_EXPORT int C__XAPIVersion(int api, char* msg, int* compatibility);
  * second is looked up and not called. */
 ZTB_PEER_EXPORT void C__rxfSetLoadPath(const char* directory);
 ZTB_PEER_EXPORT void C__rxfGetLoadPath(char* directory);
+/* Reading in blocks; both may be missing. See Reading, above. */
+ZTB_PEER_EXPORT int C__rxfDataReadBlockStart(void* rxf, int symbolNumber, int* recordCount);
+ZTB_PEER_EXPORT int C__rxfDataReadBlock(void* rxf, int* keys, double* values, int room);
 
 ZTB_PEER_EXPORT void pbiXCreate(void** object);
 ZTB_PEER_EXPORT void CpbiXCreateD(void** object, const char* directory);

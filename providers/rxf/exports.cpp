@@ -16,6 +16,7 @@
 
 namespace {
 
+using rxffile::RecordStream;
 using rxffile::RxfObject;
 
 constexpr ztbPeerOperation kOperations[] = {ZTB_PEER_RXF_OPERATIONS(ZTB_PEER_ENTRY)};
@@ -190,17 +191,34 @@ RXF_OPERATION int C__rxfUMUelGet(void* rxf, int number, char* label, int* map) {
   return guarded(rxf, [&](RxfObject& o) { return o.label(number, label); });
 }
 
-RXF_OPERATION int C__rxfDataReadRawStart(void* rxf, int symbolNumber, int* recordCount) {
+namespace {
+
+int startReading(void* rxf, int symbolNumber, int* recordCount, RecordStream::Verify verify) {
   bool started = false;
   int count = RxfObject::kReadFailed;
-  guarded(rxf, [&](RxfObject& o) { return count = o.startReading(symbolNumber, started); });
+  guarded(rxf, [&](RxfObject& o) { return count = o.startReading(symbolNumber, started, verify); });
   if (recordCount != nullptr) *recordCount = count;
   return started ? 1 : 0;
+}
+
+}  // namespace
+
+RXF_OPERATION int C__rxfDataReadRawStart(void* rxf, int symbolNumber, int* recordCount) {
+  return startReading(rxf, symbolNumber, recordCount, RecordStream::Verify::ahead);
 }
 
 RXF_OPERATION int C__rxfDataReadRaw(void* rxf, int* keys, double* values, int* firstChanged) {
   if (keys == nullptr || values == nullptr || firstChanged == nullptr) return 0;
   return guarded(rxf, [&](RxfObject& o) { return o.read(keys, values, firstChanged); });
+}
+
+RXF_OPERATION int C__rxfDataReadBlockStart(void* rxf, int symbolNumber, int* recordCount) {
+  return startReading(rxf, symbolNumber, recordCount, RecordStream::Verify::onTheWay);
+}
+
+RXF_OPERATION int C__rxfDataReadBlock(void* rxf, int* keys, double* values, int room) {
+  if (keys == nullptr || values == nullptr) return RxfObject::kReadFailed;
+  return guarded(rxf, [&](RxfObject& o) { return o.readBlock(keys, values, room); });
 }
 
 RXF_OPERATION int C__rxfDataReadDone(void* rxf) {

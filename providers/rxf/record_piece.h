@@ -3,6 +3,7 @@
 #ifndef ZTB_PROVIDERS_RXF_RECORD_PIECE_H_
 #define ZTB_PROVIDERS_RXF_RECORD_PIECE_H_
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 
@@ -32,6 +33,23 @@ class RecordPiece {
     *firstChanged = keys_.firstChanged[at] + positionFrom_;
     at_ = at + 1;
     return true;
+  }
+
+  // Takes the next records, `room` at most, one behind the other, and returns how many: 0 when the
+  // piece is used up.
+  std::size_t takeMany(int* keys, double* values, std::size_t room) {
+    const std::size_t at = at_;
+    const std::size_t count = std::min(room, ready_ - at);
+    for (std::size_t j = 0; j < dim_; ++j) {
+      const auto* column = keys_.columns[j].data() + at;
+      for (std::size_t i = 0; i < count; ++i) keys[i * dim_ + j] = static_cast<int>(column[i]);
+    }
+    for (std::size_t s = 0; s < slots_; ++s) {
+      const double* column = values_[s].data() + at;
+      for (std::size_t i = 0; i < count; ++i) values[i * slots_ + s] = column[i];
+    }
+    at_ = at + count;
+    return count;
   }
 
   // Empties the piece for records of another shape.

@@ -11,14 +11,15 @@ constexpr std::size_t kKeptBytes = std::size_t{4} << 20U;
 
 void RecordStream::start(const SymbolEntry& entry, std::uint32_t number, std::string_view name,
                          std::uint32_t labelCount, std::uint32_t textCount,
-                         const SpecialTable& specials) {
+                         const SpecialTable& specials, Verify verify) {
   stop();
+  verify_ = verify;
   specials_ = specials;
   dim_ = static_cast<std::size_t>(entry.dim);
   piece_.shape(dim_, static_cast<std::size_t>(slotsOfType(entry.type)));
   reader_.start(entry, number, name, labelCount, textCount);
   try {
-    verifyBlocks();
+    if (verify_ == Verify::ahead) verifyBlocks();
   } catch (...) {
     stop();
     throw;
@@ -41,17 +42,22 @@ void RecordStream::verifyBlocks() {
   std::size_t held = 0;
   while (!reader_.atEnd()) {
     DecodedBlock& block = blockToKeep();
-    try {
-      reader_.next(block);
-    } catch (const Malformed& malformed) {
-      throw damageAt(reader_.place(), malformed);
-    }
+    readVerified(block);
     if (held < kKeptBytes) {
       held += block.held();
       ++kept_;
     } else {
       waiting_.push_back(reader_.place());
     }
+  }
+}
+
+// Reads the next block of the file.
+void RecordStream::readVerified(DecodedBlock& block) {
+  try {
+    reader_.next(block);
+  } catch (const Malformed& malformed) {
+    throw damageAt(reader_.place(), malformed);
   }
 }
 
@@ -93,7 +99,12 @@ void RecordStream::joinToPrevious(std::size_t count) {
 
 bool RecordStream::nextBlock() {
   current_ = nullptr;
-  if (deliveredKept_ < kept_) {
+  if (verify_ == Verify::onTheWay) {
+    if (reader_.atEnd()) return false;
+    DecodedBlock& block = blockToKeep();
+    readVerified(block);
+    current_ = &block;
+  } else if (deliveredKept_ < kept_) {
     current_ = blocks_[deliveredKept_++].get();
   } else if (deliveredWaiting_ < waiting_.size()) {
     const BlockReader::Place& waiting = waiting_[deliveredWaiting_++];

@@ -1,7 +1,8 @@
 // The records of one symbol of an open file, delivered one by one.
 //
 // A symbol is delivered whole or not at all: start() verifies every block of it before the first
-// record goes out, and what goes wrong is a Failure that names the block. A few verified blocks are
+// record goes out, or, for those who can take back what they got, each block before its own records
+// do; what goes wrong is a Failure that names the block. When all were verified, a few blocks are
 // kept, so that small symbols are decoded once; of larger ones the blocks behind those are read
 // again. Of a block that is not kept only its place and checksum are remembered, 24 bytes for 65536
 // records.
@@ -29,12 +30,16 @@ class RecordStream {
  public:
   explicit RecordStream(const InputFile& file) : reader_(file, decompressor_) {}
 
-  // Begins with a symbol, all of whose records are known to be right afterwards. `labelCount`
-  // bounds the keys and `textCount` a set's text numbers; special values are delivered as
-  // `specials` has them. `entry` is to stay until stop(). Failures: damaged, changed, cutShort,
-  // readFailed; nothing is open then.
+  // When the blocks are verified.
+  enum class Verify { ahead, onTheWay };
+
+  // Begins with a symbol, all of whose records are known to be right afterwards if they are
+  // verified ahead. `labelCount` bounds the keys and `textCount` a set's text numbers; special
+  // values are delivered as `specials` has them. `entry` is to stay until stop(). Failures:
+  // damaged, changed, cutShort, readFailed; nothing is open then.
   void start(const SymbolEntry& entry, std::uint32_t number, std::string_view name,
-             std::uint32_t labelCount, std::uint32_t textCount, const SpecialTable& specials);
+             std::uint32_t labelCount, std::uint32_t textCount, const SpecialTable& specials,
+             Verify verify);
 
   // The records that wait for delivery. When they are used up, refill() brings the next ones; false
   // when there are none. Failures: those of start(); no more is delivered then.
@@ -49,6 +54,7 @@ class RecordStream {
  private:
   bool nextBlock();
   void verifyBlocks();
+  void readVerified(DecodedBlock& block);
   [[nodiscard]] Failure damageAt(const BlockReader::Place& place, const Malformed& malformed) const;
   void joinToPrevious(std::size_t count);
   DecodedBlock& blockToKeep();
@@ -56,6 +62,7 @@ class RecordStream {
   Decompressor decompressor_;
   BlockReader reader_;
   bool open_ = false;
+  Verify verify_ = Verify::ahead;
   SpecialTable specials_;
   std::size_t dim_ = 0;
 

@@ -210,7 +210,7 @@ bool RxfObject::label(int number, char* label) {
   return true;
 }
 
-int RxfObject::startReading(int number, bool& started) {
+int RxfObject::startReading(int number, bool& started, RecordStream::Verify verify) {
   if (!reading("start of reading")) return kReadFailed;
   if (stream_->open()) recordOrder("start of reading before the end of the last");
   stream_->stop();
@@ -227,7 +227,7 @@ int RxfObject::startReading(int number, bool& started) {
   try {
     memoryLimit_.count(index, entry);
     stream_->start(entry, index, name, reader_->labels().size(), reader_->texts().size(),
-                   readSpecials_);
+                   readSpecials_, verify);
   } catch (...) {
     readFailed_ = true;
     takeException();
@@ -250,6 +250,24 @@ bool RxfObject::readOn(int* keys, double* values, int* firstChanged) {
   }
   *firstChanged = kReadFailed;
   return false;
+}
+
+int RxfObject::readBlock(int* keys, double* values, int room) {
+  if (readFailed_ || !reading("reading records")) return kReadFailed;
+  if (!stream_->open()) {
+    recordOrder("reading records without a start");
+    return kReadFailed;
+  }
+  const auto most = static_cast<std::size_t>(std::max(room, 1));
+  try {
+    std::size_t given = piece_->takeMany(keys, values, most);
+    if (given == 0 && stream_->refill()) given = piece_->takeMany(keys, values, most);
+    return static_cast<int>(given);
+  } catch (...) {
+    readFailed_ = true;
+    takeException();
+    return kReadFailed;
+  }
 }
 
 bool RxfObject::finishReading() {

@@ -63,11 +63,11 @@ class RxfObject {
   // the symbol can be delivered.
   static constexpr int kReadFailed = -1;
 
-  // Begins with a symbol, all of whose records have been verified then, and returns how many read()
-  // will deliver; kReadFailed, with `started` as it was, when there is no such symbol or it is not
-  // whole,
-  // or needs more memory than it may.
-  int startReading(int number, bool& started);
+  // Begins with a symbol, all of whose records have been verified then if `verify` is ahead, and
+  // returns how many read() or readBlock() will deliver; kReadFailed, with `started` as it was,
+  // when there is no such symbol or it is not whole, or needs more memory than it may.
+  int startReading(int number, bool& started,
+                   RecordStream::Verify verify = RecordStream::Verify::ahead);
   // Delivers the next record (see RecordPiece). False, with nothing written, when there is none;
   // false with kReadFailed as first changed position from the failure on, which is in the log once.
   // REQUIRES: no argument is null.
@@ -76,6 +76,9 @@ class RxfObject {
       return true;
     return readOn(keys, values, firstChanged);
   }
+  // Delivers the next records, `room` at most and at least one, and returns how many; 0 behind the
+  // last, kReadFailed from a failure on, which is in the log once. REQUIRES: no argument is null.
+  int readBlock(int* keys, double* values, int room);
   // Ends reading, also one that failed.
   bool finishReading();
 

@@ -52,8 +52,25 @@ TEST(PeerLoader, ReadyFamilyHasItsLibraryItsEntryPointsAndNoMessage) {
     EXPECT_NE(state.XAPIVersion, nullptr);
     EXPECT_NE(state.SetLoadPath, nullptr);
     EXPECT_NE(state.GetLoadPath, nullptr);
+    EXPECT_NE(state.ReadBlockStart, nullptr);
+    EXPECT_NE(state.ReadBlock, nullptr);
     rxfFree(&rxf);
   });
+}
+
+// Which peers read is decided by both functions, which need not be there.
+TEST(PeerLoader, TakesBothFunctionsThatReadBlocksOrNone) {
+  for (const char* kind : {"half_blocks", "no_blocks"}) {
+    expectPassesInChild([&] {
+      char msg[256] = "before";
+      void* rxf = nullptr;
+      ASSERT_TRUE(rxfCreateD(&rxf, peerDirectory(kind).c_str(), msg, sizeof msg));
+      EXPECT_STREQ(msg, "");
+      EXPECT_EQ(rxfFamily.state.ReadBlockStart, nullptr);
+      EXPECT_EQ(rxfFamily.state.ReadBlock, nullptr);
+      rxfFree(&rxf);
+    });
+  }
 }
 
 TEST(PeerLoader, EveryFamilyAsksForItsOwnVersion) {

@@ -70,7 +70,9 @@ TEST(PeerMessages, WithoutADirectoryTheBareFileNameIsTried) {
                                      .checkName = "CnspXCheck",
                                      .versionName = "CnspXAPIVersion",
                                      .setLoadPathName = nullptr,
-                                     .getLoadPathName = nullptr};
+                                     .getLoadPathName = nullptr,
+                                     .readBlockStartName = nullptr,
+                                     .readBlockName = nullptr};
   PeerFamily family(table);
   char msg[roomy];
   for (const char* directory : {static_cast<const char*>(nullptr), ""}) {

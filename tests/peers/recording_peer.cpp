@@ -156,6 +156,12 @@ EXPORT void C__rxfSetLoadPath(const char* directory) {
 EXPORT void C__rxfGetLoadPath(char* directory) {
   *directory = '\0';
 }
+EXPORT int C__rxfDataReadBlockStart(void* /*rxf*/, int /*number*/, int* /*count*/) {
+  return 0;
+}
+EXPORT int C__rxfDataReadBlock(void* /*rxf*/, int* /*keys*/, double* /*values*/, int /*room*/) {
+  return 0;
+}
 #else
 #define ROW_rxf(...)
 #endif

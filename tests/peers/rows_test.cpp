@@ -113,6 +113,8 @@ TEST(PeerRows, FamiliesStartWithTheirStateAtRest) {
     EXPECT_EQ(state.XAPIVersion, nullptr);
     EXPECT_EQ(state.SetLoadPath, nullptr);
     EXPECT_EQ(state.GetLoadPath, nullptr);
+    EXPECT_EQ(state.ReadBlockStart, nullptr);
+    EXPECT_EQ(state.ReadBlock, nullptr);
     EXPECT_EQ(state.screenIndicator, 1);
     EXPECT_EQ(state.exitIndicator, 1);
     EXPECT_EQ(state.errorCallback, nullptr);

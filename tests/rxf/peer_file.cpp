@@ -160,6 +160,18 @@ bool PeerFile::finishReading() {
   return function(rxf_) != 0;
 }
 
+int PeerFile::startBlocks(int number, bool& started) {
+  static auto* const function = exported<int(void*, int, int*)>("C__rxfDataReadBlockStart");
+  int count = -1;
+  started = function(rxf_, number, &count) != 0;
+  return count;
+}
+
+int PeerFile::readBlock(int* keys, double* values, int room) {
+  static auto* const function = exported<int(void*, int*, double*, int)>("C__rxfDataReadBlock");
+  return function(rxf_, keys, values, room);
+}
+
 void PeerFile::storeDomainSets(bool on) {
   static auto* function = exported<void(void*, int)>("C__rxfStoreDomainSetsSet");
   function(rxf_, on ? 1 : 0);

@@ -55,6 +55,8 @@ class PeerFile {
   int startReading(int number, bool& started);
   bool read(int* keys, double* values, int* firstChanged);
   bool finishReading();
+  int startBlocks(int number, bool& started);
+  int readBlock(int* keys, double* values, int room);
 
   void storeDomainSets(bool on);
   bool startLabels();
