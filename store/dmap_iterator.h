@@ -5,11 +5,15 @@
 #include <optional>
 
 #include "store/map_family.h"
+#include "store/slice_mask.h"
 
 namespace ztb::dmap {
 
 class DMapIterator final : public BaseDMapIterator {
  public:
+  // Whether get() is a look at memory and no walk.
+  static constexpr bool keysAtHand = true;
+
   // The null iterator.
   DMapIterator() : BaseDMapIterator(0, 0, StorageKind::dMap) {}
   DMapIterator(int dim, int type, void* position)
@@ -51,6 +55,34 @@ class DMapIterator final : public BaseDMapIterator {
 #endif
     return {};
   }
+
+#if !defined(ZTB_PLAIN_STORES)
+  // Steps on if that shows to lead from a record to a record, one that lies in the slice where
+  // there is a mask, without a look at the map; false, with nothing changed, where it does not.
+  // REQUIRES: not the null iterator.
+  bool stepToRecord(const int* mask) {
+    if (dim() == 0) {
+      return false;
+    }
+    auto* node = static_cast<TreeLink*>(position_);
+    if (node->isHead()) {
+      return false;
+    }
+    node = node->next();
+    if (node->isHead() || (mask != nullptr && !matchesMask(mask, keyOfNode(node), dim()))) {
+      return false;
+    }
+    position_ = node;
+    return true;
+  }
+
+  // The values of the record on which the iterator stands; null where that does not show without a
+  // look at the map.
+  [[nodiscard]] double* valuesAtHand() const {
+    auto* node = static_cast<TreeLink*>(position_);
+    return dim() == 0 || node == nullptr || node->isHead() ? nullptr : valuesOfNode(node, dim());
+  }
+#endif
 
   [[nodiscard]] void* position() const {
     return position_;

@@ -10,6 +10,7 @@
 #include "store/abstract_symbol.h"
 #include "store/abstract_symbol_iterator.h"
 #include "store/idmap.h"
+#include "store/slice_mask.h"
 
 namespace ztb {
 
@@ -42,30 +43,26 @@ class ZTBSymbolIterator final : public AbstractZTBSymbolIterator {
 
   void standOn(const Iterator& position) { position_ = position; }
 
-  double* values() override { return current().values; }
+  double* values() override {
+    if constexpr (requires { position_.valuesAtHand(); }) {
+      if (mode_ != IterationMode::universe && !ended()) {
+        if (double* values = position_.valuesAtHand()) {
+          return values;
+        }
+      }
+    }
+    return current().values;
+  }
   const int* keys() override { return current().keys; }
 
   bool moveNext(int lastLabel) override {
-    switch (mode_) {
-      case IterationMode::universe:
-        if (universePosition_ + 1 > lastLabel) {
-          return failMove("Last record reached in Universe", "");
-        }
-        ++universePosition_;
+    if constexpr (requires { position_.stepToRecord(sliceMask_.get()); }) {
+      if (mode_ != IterationMode::universe && !ended() &&
+          position_.stepToRecord(sliceMask_.get())) {
         return true;
-      case IterationMode::slice:
-        return stepInSlice() || failMove("Last record reached in slice of symbol ", symbolName());
-      case IterationMode::symbol:
-        break;
+      }
     }
-    requireNotEnded();
-    const Iterator here = position_;
-    stepFromRecord();
-    if (!atEnd()) {
-      return true;
-    }
-    position_ = here;
-    return failMove("Last record reached in symbol ", symbolName());
+    return moveOn(lastLabel);
   }
 
   bool movePrev() override {
@@ -158,6 +155,30 @@ class ZTBSymbolIterator final : public AbstractZTBSymbolIterator {
   }
 
  private:
+  // All of moveNext(), of which it does the most frequent case itself.
+  [[gnu::noinline]] bool moveOn(int lastLabel) {
+    switch (mode_) {
+      case IterationMode::universe:
+        if (universePosition_ + 1 > lastLabel) {
+          return failMove("Last record reached in Universe", "");
+        }
+        ++universePosition_;
+        return true;
+      case IterationMode::slice:
+        return stepInSlice() || failMove("Last record reached in slice of symbol ", symbolName());
+      case IterationMode::symbol:
+        break;
+    }
+    requireNotEnded();
+    const Iterator here = position_;
+    stepFromRecord();
+    if (!atEnd()) {
+      return true;
+    }
+    position_ = here;
+    return failMove("Last record reached in symbol ", symbolName());
+  }
+
   [[nodiscard]] const char* symbolName() const { return symbol_->name.c_str(); }
   [[nodiscard]] bool atEnd() const {
     if constexpr (requires { position_.isAtEnd(); }) {
@@ -210,7 +231,7 @@ class ZTBSymbolIterator final : public AbstractZTBSymbolIterator {
     requireNotEnded();
     const Iterator here = position_;
     stepFromRecord();
-    return !atEnd() && seek(true) ? true : stayOn(here);
+    return !atEnd() && (liesInSlice() || seek(true)) ? true : stayOn(here);
   }
 
   // Steps back to the previous record of the slice; without one the position stays.
@@ -218,7 +239,18 @@ class ZTBSymbolIterator final : public AbstractZTBSymbolIterator {
   bool stepBackInSlice() {
     const Iterator here = position_;
     stepBack();
-    return seek(false) ? true : stayOn(here);
+    return liesInSlice() || seek(false) ? true : stayOn(here);
+  }
+
+  // Whether the position shows by itself that its record lies in the slice: mostly the neighbour of
+  // one that does, and the store need not be asked.
+  bool liesInSlice() {
+    if constexpr (Iterator::keysAtHand) {
+      const int* keys = position_.get().keys;
+      return keys != nullptr && dmap::matchesMask(sliceMask_.get(), keys, dimension());
+    } else {
+      return false;
+    }
   }
 
   bool seek(bool forward) { return symbol_->seekInSlice(position_, sliceMask_.get(), forward); }

@@ -13,6 +13,9 @@ namespace ztb::dmap {
 
 class TreeIterator final : public BaseDMapIterator {
  public:
+  // Whether get() is a look at memory and no walk.
+  static constexpr bool keysAtHand = false;
+
   // The iterator that a lower bound gives for no result: dimension 0, and yet a path.
   TreeIterator() : BaseDMapIterator(0, 0, StorageKind::dMap), position_(gtree::endPath) {}
   TreeIterator(int dim, int type, gtree::GTree* tree, const gtree::Path& path)

@@ -12,6 +12,9 @@ namespace ztb::dmap {
 
 class VectorIterator final : public BaseDMapIterator {
  public:
+  // Whether get() is a look at memory and no walk.
+  static constexpr bool keysAtHand = true;
+
   // The null iterator.
   VectorIterator() : BaseDMapIterator(0, 0, StorageKind::dMap) {}
   VectorIterator(int dim, int type, int row, FlatArray<int>* keys, FlatArray<double>* values)
