@@ -1,7 +1,5 @@
 #include <fmt/format.h>
 
-#include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstdio>
 #include <memory>
@@ -20,6 +18,7 @@
 #include "tools/models/model_input.h"
 #include "tools/models/model_session.h"
 #include "tools/models/solve_interrupt.h"
+#include "tools/models/solve_report.h"
 #include "tools/text/failure.h"
 #include "tools/text/number_text.h"
 #include "tools/text/output.h"
@@ -44,6 +43,8 @@ struct SolveOptions {
   std::vector<std::string> options;
   bool notes = false;
   bool explain = false;
+  bool json = false;
+  bool csv = false;
   TableOptions table;
 };
 
@@ -117,23 +118,61 @@ void printBound(const ztb::Model& model) {
   const double bound = model.bound();
   if (!std::isfinite(bound)) return;
   print(fmt::format("bound       {}\n", NumberText(bound).view()));
-  if (!model.hasSolution()) return;
-  const double distance = std::abs(model.objective() - bound);
-  print(fmt::format("gap         {:.3g} %\n",
-                    100 * distance / std::max(1e-9, std::abs(model.objective()))));
+  if (const std::optional<double> gap = gapOf(model)) {
+    print(fmt::format("gap         {:.3g} %\n", 100 * *gap));
+  }
 }
 
-// Prints why the last solve had no solution.
-void explain(ModelSession& session) {
+// Why the last solve had no solution.
+ztb::Model::Conflict explained(ModelSession& session) {
   try {
-    print(fmt::format("these cannot hold together:\n  {}\n",
-                      conflictText(session.model().explain(), "\n  ")));
+    return session.model().explain();
   } catch (const ztb::Error& error) {
     throw Failure(withFile(session.file(), fmt::format("--explain: {}", error.what())));
   }
 }
 
+void printSummary(const SolveReport& report) {
+  const ztb::Model& model = report.session.model();
+  if (model.hasSolution()) {
+    print(fmt::format("objective   {}\n", NumberText(model.objective()).view()));
+  }
+  print(fmt::format("status      {}, {}\n", ztbModelStatusText(model.status()),
+                    ztbModelSolveStatusText(model.solveStatus())));
+  if (model.status() == ztbModelFeasible || !model.hasSolution()) printBound(model);
+  if (report.started) {
+    print(fmt::format("start       {}\n", model.startTaken() ? "taken" : "not taken"));
+  }
+  print(fmt::format(
+      "solver      {}\ntime        {:.3f} s\nprocessor   {:.3f} s\niterations  {:.0f}\n",
+      report.solver, model.seconds(), model.processorSeconds(), model.iterations()));
+}
+
+// What stands behind the summary, which took longer.
+void printDetails(const SolveOptions& options, const SolveReport& report) {
+  if (report.conflict) {
+    print(
+        fmt::format("these cannot hold together:\n  {}\n", conflictText(*report.conflict, "\n  ")));
+  }
+  for (const ztb::Symbol& symbol : report.shown) showSymbol(symbol, options.table);
+}
+
+void printReport(const SolveOptions& options, const SolveReport& report) {
+  if (options.json) {
+    printSolveJson(report);
+  } else if (!options.csv) {
+    printDetails(options, report);
+  } else if (options.shown.empty()) {
+    printSolveCsv(report);
+  } else if (!report.shown.empty()) {
+    printRecordsCsv(report.shown.front());
+  }
+}
+
 void run(const SolveOptions& options) {
+  if (options.csv && options.shown.size() > 1) {
+    throw UsageError("--csv prints one table: name one symbol with --show, or none");
+  }
   refuseReplacing({options.model, options.modelData, options.data, options.start}, options.out);
   OutputFile output(options.out);
   Progress progress;
@@ -174,27 +213,24 @@ void run(const SolveOptions& options) {
     }
     output.finish();
   }
-  if (model.hasSolution()) {
-    print(fmt::format("objective   {}\n", NumberText(model.objective()).view()));
-  }
-  print(fmt::format("status      {}, {}\n", ztbModelStatusText(model.status()),
-                    ztbModelSolveStatusText(model.solveStatus())));
-  if (model.status() == ztbModelFeasible || !model.hasSolution()) printBound(model);
-  if (!options.start.empty()) {
-    print(fmt::format("start       {}\n", model.startTaken() ? "taken" : "not taken"));
-  }
-  print(fmt::format(
-      "solver      {}\ntime        {:.3f} s\nprocessor   {:.3f} s\niterations  {:.0f}\n", solver,
-      model.seconds(), model.processorSeconds(), model.iterations()));
+  SolveReport report{.session = session,
+                     .solver = solver,
+                     .started = !options.start.empty(),
+                     .conflict = {},
+                     .shown = {}};
+  if (!options.json && !options.csv) printSummary(report);
   if (options.explain && model.status() == ztbModelInfeasible) {
     progress.step("looking for the rows and bounds that cannot hold together");
-    explain(session);
-  }
-  if (!model.hasSolution()) {
-    throw Failure(withFile(options.model, withoutSolution(model)));
+    report.conflict = explained(session);
   }
   for (const std::string& name : options.shown) {
-    showSymbol(solvedSymbol(session, session.database(), name), options.table);
+    if (model.hasSolution()) {
+      report.shown.push_back(solvedSymbol(session, session.database(), name));
+    }
+  }
+  printReport(options, report);
+  if (!model.hasSolution()) {
+    throw Failure(withFile(options.model, withoutSolution(model)));
   }
 }
 
@@ -243,6 +279,11 @@ void addSolveCommand(CommandLine& line) {
                "without any one of them; an --option TimeLimit holds for this too");
   command.flag("--notes", options->notes,
                "Tell each name that had to be changed for the database, not only their count");
+  const Option csv = command.flag(
+      "--csv", options->csv,
+      "Print a line of CSV with what the solve left, or the records of the symbol of --show");
+  command.flag("--json", options->json, "Print JSON, with the records of each symbol of --show")
+      .excludes(csv);
   addWidthOption(command, options->table);
   addDigitsOption(command, options->table);
   addMemoryOption(command);
