@@ -169,6 +169,12 @@ double ztbModelIterations(ztbModel* model);
  * it is proved to be best, an infinity where nothing is known. */
 double ztbModelBound(ztbModel* model);
 
+/* One field, ZTB_LEVEL to ZTB_SCALE of ztb/types.h, of all records of a variable or equation by its
+ * name in the database, in their order: as its symbol would have them if it were read now. Copies
+ * at most `count` and gives how many there are; -1 when there is no such variable, equation or
+ * field. */
+int ztbModelGetField(ztbModel* model, const char* symbol, int field, double* values, int count);
+
 /* The time of the last solve in seconds: by the wall clock, which limits go by, and of the
  * processor, in the thread that solved. */
 double ztbModelSeconds(ztbModel* model);
@@ -219,9 +225,17 @@ int ztbModelConflictMember(ztbModel* model, int member, int* part, int* number);
 int ztbModelConflictIsIrreducible(ztbModel* model);
 int ztbModelConflictIsByIntegers(ztbModel* model);
 
+/* How far the running solve is, or how far the last one came: the objective of the best point that
+ * it has found, and what no point can be better than, for as long as they are not known the
+ * infinity that is worse and the one that is better. Gives 1 once either is known. cbc and glpk
+ * tell both in a search over integers, clp what its method has of the two, ipopt nothing. May be
+ * called from another thread, and by a watch. */
+int ztbModelProgress(ztbModel* model, double* objective, double* bound);
+
 /* Has `watch` called now and then while a solve runs, by the thread that solves, with `context`:
  * the solve ends as by ztbModelTerminate when it gives anything but 0. Not during calls of a solver
- * that never asks whether to end. Null: none any more. It must not use the model. */
+ * that never asks whether to end. Null: none any more. Of the model it must use nothing but
+ * ztbModelProgress and ztbModelTerminate. */
 void ztbModelSetWatch(ztbModel* model, int (*watch)(void* context), void* context);
 
 /* The reason of the last refusal or failed solve of this model; empty when there was none, and

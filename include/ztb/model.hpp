@@ -16,7 +16,9 @@
 
 #include <ztb/model.h>
 
+#include <algorithm>
 #include <array>
+#include <cstddef>
 #include <span>
 #include <string>
 #include <string_view>
@@ -130,6 +132,18 @@ class Model {
     return conflict;
   }
 
+  // How far the running solve is, infinite as long as it is not known; of any thread.
+  struct Progress {
+    bool isKnown = false;
+    double objective = 0;
+    double bound = 0;
+  };
+  [[nodiscard]] Progress progress() const {
+    Progress progress;
+    progress.isKnown = ztbModelProgress(handle_, &progress.objective, &progress.bound) != 0;
+    return progress;
+  }
+
   // What the last solve left.
   [[nodiscard]] int status() const { return ztbModelStatus(handle_); }
   [[nodiscard]] int solveStatus() const { return ztbModelSolveStatus(handle_); }
@@ -144,6 +158,24 @@ class Model {
   // Of the last solve: time by the wall clock, and of the processor.
   [[nodiscard]] double seconds() const { return ztbModelSeconds(handle_); }
   [[nodiscard]] double processorSeconds() const { return ztbModelProcessorSeconds(handle_); }
+  // A field of all records of a variable or equation, in their order; into as many numbers as there
+  // are records.
+  [[nodiscard]] std::vector<double> values(const ZString& symbol, Field field = Field::level) {
+    std::vector<double> result(countOf(symbol, field));
+    copyValues(symbol, result, field);
+    return result;
+  }
+  void copyValues(const ZString& symbol, std::span<double> cells, Field field = Field::level) {
+    const int size = static_cast<int>(std::min<std::size_t>(cells.size(), kMostCells));
+    const int count =
+        ztbModelGetField(handle_, symbol.c_str(), static_cast<int>(field), cells.data(), size);
+    check(count >= 0, "ztbModelGetField");
+    if (static_cast<std::size_t>(count) != cells.size()) {
+      throw Error("ztbModelGetField", std::string(symbol.c_str()) + " has " +
+                                          std::to_string(count) + " records, and there are " +
+                                          std::to_string(cells.size()) + " numbers for them");
+    }
+  }
   // Whether the last solve began with the solution that option UseStart asked for.
   [[nodiscard]] bool startTaken() const { return ztbModelStartTaken(handle_) != 0; }
   // Solves that were followed by another one from the beginning, since nothing proved the first.
@@ -181,6 +213,14 @@ class Model {
  private:
   static constexpr int kMessageSize = 1024;
   using Message = std::array<char, kMessageSize>;
+
+  static constexpr std::size_t kMostCells = 2147483647;
+  std::size_t countOf(const ZString& symbol, Field field) {
+    const int count =
+        ztbModelGetField(handle_, symbol.c_str(), static_cast<int>(field), nullptr, 0);
+    check(count >= 0, "ztbModelGetField");
+    return static_cast<std::size_t>(count);
+  }
 
   explicit Model(ztbModel* handle) noexcept : handle_(handle) {}
   static ErrorKind latestKind() noexcept { return static_cast<ErrorKind>(ztbModelErrorKind()); }

@@ -47,6 +47,19 @@ void Environment::log(std::string_view text) const noexcept {
   std::fclose(stream);
 }
 
+void Environment::beginProgress(bool maximize, double constant) {
+  sign_.store(maximize ? -1 : 1);
+  constant_.store(constant);
+  bestTold_.store(kInfinity);
+  boundTold_.store(-kInfinity);
+}
+
+Environment::Progress Environment::progress() const {
+  const double sign = sign_.load();
+  const double constant = constant_.load();
+  return {sign * bestTold_.load() + constant, sign * boundTold_.load() + constant};
+}
+
 SolverLimits Environment::limits() {
   SolverLimits limits;
   limits.seconds = options_.number(OptionId::timeLimit);
@@ -58,6 +71,13 @@ SolverLimits Environment::limits() {
     return environment->watch_ != nullptr && environment->watch_(environment->watchContext_) != 0
                ? 1
                : 0;
+  };
+  // What solvers take for infinite differs.
+  limits.progress = [](void* context, double objective, double bound) {
+    constexpr double kBeyondNumbers = 1e30;
+    auto* environment = static_cast<Environment*>(context);
+    environment->bestTold_.store(objective < kBeyondNumbers ? objective : kInfinity);
+    environment->boundTold_.store(bound > -kBeyondNumbers ? bound : -kInfinity);
   };
   limits.context = this;
   return limits;

@@ -4,6 +4,7 @@
 #define ZTB_PROVIDERS_MODEL_ENVIRONMENT_H_
 
 #include <atomic>
+#include <cmath>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -39,6 +40,18 @@ class Environment {
     watchContext_ = context;
   }
 
+  // How far the running search is, in the terms of its model: the objective of the best point so
+  // far, and what no point is better than; infinite as long as they are not known.
+  struct Progress {
+    double objective;
+    double bound;
+    [[nodiscard]] bool isKnown() const { return std::isfinite(objective) || std::isfinite(bound); }
+  };
+  // Begins a solve of a model that maximizes, or not, with this constant in its objective.
+  void beginProgress(bool maximize, double constant);
+  // May be called from any thread.
+  [[nodiscard]] Progress progress() const;
+
   // The limits of the options, with the request to terminate.
   [[nodiscard]] SolverLimits limits();
 
@@ -51,6 +64,11 @@ class Environment {
   std::atomic<bool> terminated_{false};
   int (*watch_)(void* context) = nullptr;
   void* watchContext_ = nullptr;
+  // What the solver, which minimizes, has told; and how that becomes the model's.
+  std::atomic<double> bestTold_{kInfinity};
+  std::atomic<double> boundTold_{-kInfinity};
+  std::atomic<double> sign_{1};
+  std::atomic<double> constant_{0};
   std::string catalogueDirectory_;
   std::unique_ptr<Catalogue> catalogue_;
 };

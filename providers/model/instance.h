@@ -53,6 +53,7 @@ class Instance {
 
   [[nodiscard]] int columnCount() const { return static_cast<int>(columns_.size()); }
   [[nodiscard]] int rowCount() const { return static_cast<int>(rows_.size()); }
+  [[nodiscard]] bool maximizes() const { return maximize_; }
   // The columns that solvers see, which come first.
   [[nodiscard]] int solverColumnCount() const { return columnCount() - carrierCount_; }
   [[nodiscard]] bool hasColumn(int j) const { return j >= 0 && j < columnCount(); }
@@ -77,6 +78,12 @@ class Instance {
   // Records of columns and rows; REQUIRES hasColumn or hasRow for the functions below.
   SolutionRecord& column(int j) { return columns_[at(j)]; }
   SolutionRecord& row(int i) { return rows_[at(i)]; }
+  [[nodiscard]] const SolutionRecord& column(int j) const { return columns_[at(j)]; }
+  [[nodiscard]] const SolutionRecord& row(int i) const { return rows_[at(i)]; }
+  // Bounds and right-hand sides with the infinities of doubles.
+  [[nodiscard]] double plainLower(int j) const { return lowers()[at(j)]; }
+  [[nodiscard]] double plainUpper(int j) const { return uppers()[at(j)]; }
+  [[nodiscard]] double plainRhs(int i) const { return rhs_[at(i)]; }
   [[nodiscard]] double lower(int j) const { return outer(lowers()[at(j)]); }
   [[nodiscard]] double upper(int j) const { return outer(uppers()[at(j)]); }
   void setAlternativeLower(int j, double value);

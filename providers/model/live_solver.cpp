@@ -59,6 +59,7 @@ void LiveSolver::solve(const SolverLimits& limits) {
   Instance& instance = model_->instance;
   result_.begin(static_cast<std::size_t>(instance.solverColumnCount()),
                 static_cast<std::size_t>(instance.rowCount()) - 1);
+  model_->environment->beginProgress(instance.maximizes(), -instance.plainRhs(0));
   const double begin = clockSeconds(CLOCK_MONOTONIC);
   const double processorBegin = clockSeconds(CLOCK_THREAD_CPUTIME_ID);
   solver_.solve(limits, result_);

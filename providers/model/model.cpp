@@ -34,6 +34,7 @@ void Model::explain(double mostSeconds) {
   requireUsableData();
   SolverLimits limits = environment->limits();
   limits.seconds = std::min(limits.seconds, mostSeconds);
+  limits.progress = nullptr;  // the searches of a filter are of other problems
   environment->clearTerminate();
   Conflict found = findConflict(instance.solverProblem(), environment->catalogue(), limits);
   // Rows of the problem begin behind the objective.

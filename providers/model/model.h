@@ -5,7 +5,9 @@
 
 #include <exception>
 #include <memory>
+#include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "providers/model/conflict.h"
@@ -31,6 +33,10 @@ struct Model {
   // Names as in the database.
   [[nodiscard]] std::string columnName(int column) const;
   [[nodiscard]] std::string rowName(int row) const;
+
+  // A field, ZTB_LEVEL to ZTB_SCALE, of all elements of a variable or equation, in their order: as
+  // many as there is place for. Gives how many there are. Throws ModelError for what there is not.
+  int copyField(std::string_view symbol, int field, std::span<double> values) const;
 
   // Leaves the text of a failure as the message and in the log.
   void noteFailure(const std::exception& error) noexcept;

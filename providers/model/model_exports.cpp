@@ -264,6 +264,18 @@ MODEL_EXPORT double ztbModelBound(ztbModel* model) {
   return inUse ? model->model->instance.bound() : 0;
 }
 
+MODEL_EXPORT int ztbModelGetField(ztbModel* model, const char* symbol, int field, double* values,
+                                  int count) {
+  int there = -1;
+  change(model, [&] {
+    if (model->model == nullptr) throw ModelError("the model is tied to no database yet");
+    if (symbol == nullptr) throw ModelError("a field needs the name of its variable or equation");
+    const auto room = static_cast<std::size_t>(values == nullptr || count < 0 ? 0 : count);
+    there = model->model->copyField(symbol, field, {values, room});
+  });
+  return there;
+}
+
 MODEL_EXPORT double ztbModelSeconds(ztbModel* model) {
   const bool inUse = model != nullptr && model->model != nullptr;
   return inUse ? model->model->seconds : 0;
@@ -294,6 +306,14 @@ MODEL_EXPORT const char* ztbModelSolveStatusText(int status) {
 
 MODEL_EXPORT void ztbModelTerminate(ztbModel* model) {
   if (model != nullptr) model->environment->terminate();
+}
+
+MODEL_EXPORT int ztbModelProgress(ztbModel* model, double* objective, double* bound) {
+  if (model == nullptr) return 0;
+  const Environment::Progress progress = model->environment->progress();
+  if (objective != nullptr) *objective = progress.objective;
+  if (bound != nullptr) *bound = progress.bound;
+  return progress.isKnown() ? 1 : 0;
 }
 
 MODEL_EXPORT void ztbModelSetWatch(ztbModel* model, int (*watch)(void*), void* context) {

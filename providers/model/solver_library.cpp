@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <array>
 #include <limits>
+#include <map>
+#include <mutex>
 #include <new>
 #include <vector>
 
@@ -15,7 +17,7 @@ namespace lomu {
 namespace {
 
 // The table of a library, of whatever version.
-const ztbSolverFunctions& open(const std::string& path) {
+const ztbSolverFunctions& opened(const std::string& path) {
   void* library = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
   if (library == nullptr)
     throw ModelError(std::string("the solver cannot be opened: ") + dlerror());
@@ -26,6 +28,18 @@ const ztbSolverFunctions& open(const std::string& path) {
   const ztbSolverFunctions* functions = reinterpret_cast<decltype(&ztbSolverLibrary)>(found)();
   if (functions == nullptr) throw ModelError(path + " gives no table of functions");
   return *functions;
+}
+
+// The same; what was opened once is not looked for again, which each solve would do otherwise.
+const ztbSolverFunctions& open(const std::string& path) {
+  static std::mutex mutex;
+  static std::map<std::string, const ztbSolverFunctions*> known;
+  const std::lock_guard lock(mutex);
+  const auto found = known.find(path);
+  if (found != known.end()) return *found->second;
+  const ztbSolverFunctions& functions = opened(path);
+  known.emplace(path, &functions);
+  return functions;
 }
 
 // Calls the functions of a library, and takes results out of its plain arrays.

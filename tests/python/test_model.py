@@ -409,8 +409,8 @@ def endless():
 def test_progress_is_told_and_ends_a_solve(endless):
     seen = []
 
-    def progress(seconds):
-        seen.append(seconds)
+    def progress(state):
+        seen.append(state.seconds)
         return len(seen) < 3
 
     solution = endless.solve(progress=progress, every=0.05, time_limit=100)

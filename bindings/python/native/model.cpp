@@ -85,8 +85,10 @@ void requireSameSize(const py::array& one, const py::array& other) {
 // What is asked now and then during a solve.
 class SolveWatch {
  public:
-  SolveWatch(Interruption& interruption, const py::object& progress, double every)
-      : interruption_(interruption),
+  SolveWatch(const ztb::Model& model, Interruption& interruption, const py::object& progress,
+             double every)
+      : model_(model),
+        interruption_(interruption),
         progress_(progress),
         every_(std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(every))),
         next_(start_ + every_) {}
@@ -105,7 +107,8 @@ class SolveWatch {
     const py::gil_scoped_acquire acquired;
     try {
       const double seconds = std::chrono::duration<double>(Clock::now() - start_).count();
-      ended_ = progress_(seconds).is(py::bool_(false));
+      const ztb::Model::Progress progress = model_.progress();
+      ended_ = progress_(seconds, progress.objective, progress.bound).is(py::bool_(false));
     } catch (py::error_already_set& error) {
       error_.emplace(std::move(error));
       ended_ = true;
@@ -114,6 +117,7 @@ class SolveWatch {
     return ended_;
   }
 
+  const ztb::Model& model_;
   Interruption& interruption_;
   const py::object& progress_;
   Clock::duration every_;
@@ -223,10 +227,13 @@ int Model::update(const Symbol& modelSymbol, int action, const Symbol& data, int
                     static_cast<ztb::Missing>(missing));
 }
 
-void Model::putValues(const Symbol& data, const Numbers& keys, const Values& values) {
-  const Use use(*data.connection());
-  if (keys.ndim() != 2 || keys.shape(1) != data.dimension() || values.ndim() != 1 ||
-      values.size() != keys.shape(0)) {
+int Model::fix(const Symbol& columns, const Symbol& data, const Numbers& keys,
+               const Values& values) {
+  ztb::ModelTie& tie = requireTie();
+  const Use use(*connection_);
+  connection_->requireSame(*columns.connection());
+  connection_->requireSame(*data.connection());
+  if (keys.ndim() != 2 || keys.shape(1) != data.dimension() || values.size() != keys.shape(0)) {
     throw py::value_error("rows of " + std::to_string(data.dimension()) +
                           " label numbers and as many values are expected");
   }
@@ -237,24 +244,54 @@ void Model::putValues(const Symbol& data, const Numbers& keys, const Values& val
   for (py::ssize_t row = 0; row < values.size(); ++row) {
     filling.add(key + row * data.dimension(), {.values = value + row});
   }
-  if (filling.takesContent()) return;
-  filling.writeContents(
-      [&](std::size_t place) { return ztb::detail::Content{.values = value + place}; });
+  if (!filling.takesContent()) {
+    filling.writeContents(
+        [&](std::size_t place) { return ztb::detail::Content{.values = value + place}; });
+  }
+  return tie.update(columns.client(), ztb::Action::fix, data.client(), ztb::Missing::base);
 }
 
-double Model::solve(const py::str& solver, const py::object& progress, double every) {
+py::tuple Model::solve(const py::str& solver, const py::object& progress, double every) {
   ztb::ModelTie& tie = requireTie();
   const std::string name = fromPython(solver);
   const Use use(*connection_);
-  double seconds = 0;
   std::optional<SolveWatch> watch;
   runWithoutInterpreter([&](Interruption& interruption) {
-    watch.emplace(interruption, progress, every);
+    watch.emplace(model_, interruption, progress, every);
     const Watched watched(model_.handle(), *watch);
-    seconds = tie.solve(name);
+    tie.solve(name);
   });
   watch->raise();
-  return seconds;
+  return py::make_tuple(model_.status(), model_.solveStatus(), model_.objective(), model_.bound(),
+                        model_.seconds(), model_.processorSeconds(), model_.iterations());
+}
+
+int Model::countOf(const std::string& symbol, int field) const {
+  const int count = ztbModelGetField(model_.handle(), symbol.c_str(), field, nullptr, 0);
+  if (count < 0) throw ztb::Error("ztbModelGetField", model_.message(), ztb::ErrorKind::notFound);
+  return count;
+}
+
+Values Model::field(const py::str& symbol, int number) {
+  requireTie();
+  const Use use(*connection_);
+  const std::string name = fromPython(symbol);
+  const int count = countOf(name, number);
+  Values values(count);
+  ztbModelGetField(model_.handle(), name.c_str(), number, values.mutable_data(), count);
+  return values;
+}
+
+Values Model::fields(const py::str& symbol) {
+  requireTie();
+  const Use use(*connection_);
+  const std::string name = fromPython(symbol);
+  const int count = countOf(name, 0);
+  Values values({static_cast<py::ssize_t>(ztb::fieldCount), static_cast<py::ssize_t>(count)});
+  for (int number = 0; number < static_cast<int>(ztb::fieldCount); ++number) {
+    ztbModelGetField(model_.handle(), name.c_str(), number, values.mutable_data(number, 0), count);
+  }
+  return values;
 }
 
 py::tuple Model::explain(double seconds) {
@@ -263,7 +300,7 @@ py::tuple Model::explain(double seconds) {
   ztb::Model::Conflict conflict;
   const py::none nobody;
   runWithoutInterpreter([&](Interruption& interruption) {
-    SolveWatch watch(interruption, nobody, 0);
+    SolveWatch watch(model_, interruption, nobody, 0);
     const Watched watched(model_.handle(), watch);
     conflict = model_.explain(seconds);
   });
@@ -286,15 +323,13 @@ void bindModel(py::module_& module) {
       .def("option", &Model::option)
       .def("kind", &Model::kind)
       .def("updated_kind", &Model::updatedKind)
-      .def("status", &Model::status)
-      .def("solve_status", &Model::solveStatus)
-      .def("objective", &Model::objective)
-      .def("iterations", &Model::iterations)
       .def("notes", &Model::notes)
       .def("tie", &Model::tie)
       .def("update", &Model::update)
-      .def("put_values", &Model::putValues)
+      .def("fix", &Model::fix)
       .def("solve", &Model::solve)
+      .def("field", &Model::field)
+      .def("fields", &Model::fields)
       .def("explain", &Model::explain);
   module.def("new_model", [] { return Model(ztb::Model()); });
   module.def("open_model", [](const py::object& path, const py::object& data) {

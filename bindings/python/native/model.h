@@ -39,28 +39,32 @@ class Model {
   [[nodiscard]] py::str option(const py::str& name) const;
   [[nodiscard]] int kind() { return model_.kind(); }
   [[nodiscard]] int updatedKind() { return model_.updatedKind(); }
-  [[nodiscard]] int status() const { return model_.status(); }
-  [[nodiscard]] int solveStatus() const { return model_.solveStatus(); }
-  [[nodiscard]] double objective() const { return model_.objective(); }
-  [[nodiscard]] double iterations() const { return model_.iterations(); }
   [[nodiscard]] py::list notes() const;
 
   // Ties an empty database to the model, which is then built and driven no further.
   void tie(const Database& database);
   // Writes the records of `data` into the model; the number of those that met nothing.
   int update(const Symbol& modelSymbol, int action, const Symbol& data, int missing);
-  // Replaces the records of parameter `data`, by rows of label numbers in ascending order.
-  void putValues(const Symbol& data, const Numbers& keys, const Values& values);
-  // Solves without the interpreter's lock; the processor time. A signal whose handler raises ends
-  // it. `progress`, unless None, is called about every `every` seconds with those that passed, and
-  // ends the solve when it raises, or gives False.
-  double solve(const py::str& solver, const py::object& progress, double every);
+  // Replaces the records of parameter `data`, by rows of label numbers in ascending order, and
+  // fixes the columns `columns` at them, those without a record at what the model has. The number
+  // of the records that met nothing.
+  int fix(const Symbol& columns, const Symbol& data, const Numbers& keys, const Values& values);
+  // Solves without the interpreter's lock. A signal whose handler raises ends it. `progress`,
+  // unless None, is called about every `every` seconds with those that passed, the objective of the
+  // best point so far and the bound, and ends the solve when it raises, or gives False. Gives what
+  // the solve left: status, solve status, objective, bound, seconds, processor seconds, iterations.
+  py::tuple solve(const py::str& solver, const py::object& progress, double every);
+  // A field of all records of a variable or equation, in their order.
+  Values field(const py::str& symbol, int number);
+  // All fields, a row for each.
+  Values fields(const py::str& symbol);
   // Why the last solve had no solution: whether that was shown to be irreducible, whether it is by
   // integers, and of each member the text, the part and the number.
   py::tuple explain(double seconds);
 
  private:
   ztb::ModelTie& requireTie();
+  int countOf(const std::string& symbol, int field) const;
 
   ztb::Model model_;
   Shared connection_;

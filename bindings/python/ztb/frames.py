@@ -5,7 +5,7 @@ Labels are looked at once for each distinct label of a position, records never o
 
 from __future__ import annotations
 
-from typing import Any, Callable, Hashable, Optional, Sequence, Union
+from typing import Any, Callable, Hashable, List, Optional, Sequence, Tuple, Union
 
 import numpy as np
 import numpy.typing as npt
@@ -90,6 +90,19 @@ def _keys(symbol: _native.Symbol, data: Labelled, new_labels: _native.NewLabels)
     for position, (labels, codes) in enumerate(data.positions):
         keys[:, position] = _numbers(symbol, labels, codes, new_labels)
     return keys
+
+
+def label_numbers(symbol: _native.Symbol, home: Home, data: Any) -> Numbers:
+    """The label numbers of a series or frame whose labels the database has, a row for each row."""
+    return _keys(symbol, labelled(symbol, data, None, 1), home._native.new_labels())
+
+
+def label_columns(symbol: _native.Symbol, data: Any) -> Tuple[List[Hashable], Hashable]:
+    """The columns of a frame that hold labels, none where its index does, and the one of values."""
+    if isinstance(data, pd.Series):
+        return [], None
+    value = labelled(symbol, data, None, 1).columns.columns[0]
+    return [name for name in data.columns if name != value], value
 
 
 def set_from_pandas(

@@ -14,18 +14,20 @@
 from __future__ import annotations
 
 import os
-from dataclasses import dataclass, field
-from typing import TYPE_CHECKING, Any, Callable, Dict, List, Mapping, Optional
+from dataclasses import dataclass
+from typing import TYPE_CHECKING, Any, Callable, Dict, List, Mapping, NamedTuple, Optional
 from typing import Sequence, Tuple, Union
 
 import numpy as np
 import numpy.typing as npt
 
-from . import _native, families
+from . import _native, arrays, families
 from .database import Database
+from .driven import Driven, fill
 from .families import Data, Expression, Family, Over
 from .numeric import Equation, Parameter, Variable
 from .symbol import Symbol
+from .values import FIELDS
 
 if TYPE_CHECKING:
     import pandas as pd
@@ -37,6 +39,7 @@ _EQUAL, _GREATER, _LESS, _FREE = range(4)
 _ACTIONS = ("fix", "upper", "lower", "bounds", "level", "marginal")
 _MISSING = ("zero", "base", "keep")
 _SOLVERS = {1: "clp", 2: "cbc", 4: "ipopt"}
+_BEST = (1, 2)
 _WITH_POINT = (1, 2, 6)
 _SUFFIX = "_var"
 
@@ -224,7 +227,7 @@ class Model:
         solver: Optional[str] = None,
         *,
         time_limit: Optional[float] = None,
-        progress: Optional[Callable[[float], Any]] = None,
+        progress: Optional[Callable[[Progress], Any]] = None,
         every: float = 0.5,
         options: Optional[Mapping[str, Any]] = None,
     ) -> "Solution":
@@ -265,30 +268,73 @@ class Conflict:
         return "\n".join(self.members)
 
 
-@dataclass(frozen=True)
 class Solution:
-    """What a solve left. Symbols of the tie hold the point until the next solve."""
+    """What a solve left. Symbols, frames and arrays of the point are those of the last solve."""
 
-    status: str
-    solve_status: str
-    #: NaN where there is no point.
-    objective: float
-    solver: str
-    #: Processor time in the solver.
-    seconds: float
-    iterations: float
-    #: Whether there is a point: a best one, or one that a limit left.
-    has_point: bool
-    tie: "Tie" = field(repr=False, compare=False)
+    __slots__ = ("_left", "solver", "tie")
+
+    def __init__(self, left: _native.Left, solver: str, tie: "Tie") -> None:
+        self._left = left
+        #: The solver that was asked.
+        self.solver = solver
+        self.tie = tie
+
+    @property
+    def status(self) -> str:
+        """What was found, such as ``"optimal"``."""
+        return _native.status_text(self._left[0])
+
+    @property
+    def solve_status(self) -> str:
+        """How the solve ended, such as ``"normal completion"``."""
+        return _native.solve_status_text(self._left[1])
+
+    @property
+    def has_point(self) -> bool:
+        """Whether there is a point: a best one, or one that a limit left."""
+        return self._left[0] in _WITH_POINT
 
     @property
     def optimal(self) -> bool:
         """Whether the point is a best one."""
-        return self.status in ("optimal", "locally optimal")
+        return self._left[0] in _BEST
+
+    @property
+    def objective(self) -> float:
+        """The objective of the point; NaN where there is none."""
+        return self._left[2] if self._left[0] in _WITH_POINT else np.nan
+
+    @property
+    def bound(self) -> float:
+        """What no objective can be better than, as far as the solve knows."""
+        return self._left[3]
+
+    @property
+    def gap(self) -> float:
+        """The distance of objective and bound, as a share of the objective; NaN without either."""
+        return _gap(self.objective, self.bound)
+
+    @property
+    def seconds(self) -> float:
+        """The time of the solve by the clock."""
+        return self._left[4]
+
+    @property
+    def processor_seconds(self) -> float:
+        """The time that the processor took for it."""
+        return self._left[5]
+
+    @property
+    def iterations(self) -> float:
+        """The solver's iterations."""
+        return self._left[6]
 
     def __getitem__(self, name: str) -> "pd.DataFrame":
         """The variable or equation of this name as a frame: level, marginal, lower, upper, scale."""
-        return self.symbol(name).to_pandas()
+        import pandas as pd
+
+        fields = self.tie._fields(name)
+        return pd.DataFrame(fields.T, index=self.tie._result_index(name), columns=list(FIELDS))
 
     def symbol(self, name: str) -> Union[Variable, Equation]:
         """The variable or equation of this name."""
@@ -299,22 +345,34 @@ class Solution:
 
     def levels(self, name: str) -> npt.NDArray[np.float64]:
         """The levels of a variable or equation, in the order of its records."""
-        values: npt.NDArray[np.float64] = self.symbol(name)._native.rows()[1][:, 0]
-        return values
+        return self.tie._native.field(name, 0)
+
+    def marginals(self, name: str) -> npt.NDArray[np.float64]:
+        """The marginals of a variable or equation, in the order of its records."""
+        return self.tie._native.field(name, 1)
+
+    def __repr__(self) -> str:
+        return f"<ztb.Solution {self.status}, objective {self.objective:g}, by {self.solver}>"
 
 
-class _Driven:
-    """The columns that a symbol drives, and the parameter that holds its data."""
+class Progress(NamedTuple):
+    """How far a solve is."""
 
-    def __init__(self, columns: _native.Symbol, data: Parameter) -> None:
-        self.columns = columns
-        self.data = data
-        #: The label numbers of the columns, in their order.
-        self.keys = columns.rows()[0]
-        #: The index of the last data, with the label numbers of its rows and their order.
-        self.index: Any = None
-        self.index_keys: Any = None
-        self.order: Any = None
+    seconds: float
+    #: Of the best point so far, and what no point is better than; infinite while not known.
+    objective: float
+    bound: float
+
+    @property
+    def gap(self) -> float:
+        """The distance of the two as a share of the objective; NaN while either is not known."""
+        return _gap(self.objective, self.bound)
+
+
+def _gap(objective: float, bound: float) -> float:
+    if not (np.isfinite(objective) and np.isfinite(bound)):
+        return np.nan
+    return abs(objective - bound) / max(1e-9, abs(objective))
 
 
 class Tie:
@@ -335,7 +393,9 @@ class Tie:
         self._model = model
         self._native = model._native
         self._tied = False
-        self._driven: Dict[str, _Driven] = {}
+        self._driven: Dict[str, Driven] = {}  # by the names that were used, in any case
+        self._updates: Dict[str, Parameter] = {}
+        self._indexes: Dict[str, "pd.Index"] = {}
         self._database = database
 
     @property
@@ -358,7 +418,7 @@ class Tie:
     def __getitem__(self, name: str) -> Symbol[Any]:
         """The symbol of a name; of data that drive, the parameter that holds them."""
         self._require_tied()
-        driven = self._driven.get(_native.folded(name))
+        driven = self._driven.get(name) or self._driven.get(_native.folded(name))
         return self._database[name] if driven is None else driven.data
 
     def index(self, name: str) -> "pd.Index":
@@ -375,10 +435,10 @@ class Tie:
     def set(self, name: str, data: Any) -> int:
         """Sets data, as ``tie[name] = data``; gives the number of records that meet nothing in the
         model."""
-        driven = self._find(name)
-        keys, values = self._rows_of(name, driven, data)
-        self._native.put_values(driven.data._native, keys, values)
-        return self._native.update(driven.columns, 0, driven.data._native, 1)
+        driven = self._driven.get(name)
+        if driven is None:
+            driven = self._find(name)
+        return driven.set(data)
 
     def update(
         self, name: str, data: Any, action: str = "fix", missing: str = "keep"
@@ -395,8 +455,10 @@ class Tie:
         symbol = self.database[name]
         if not isinstance(symbol, (Variable, Equation)):
             raise KeyError(f"{name} is no variable or equation of the model")
-        values = self._add_parameter(name, symbol.dimension)
-        _fill(values, data)
+        values = self._updates.get(symbol.name)
+        if values is None:
+            values = self._updates[symbol.name] = self._add_parameter(name, symbol.dimension)
+        fill(values, data, lambda: symbol._native.rows()[0])
         return self._native.update(
             symbol._native, _ACTIONS.index(action), values._native, _MISSING.index(missing)
         )
@@ -406,7 +468,7 @@ class Tie:
         solver: Optional[str] = None,
         *,
         time_limit: Optional[float] = None,
-        progress: Optional[Callable[[float], Any]] = None,
+        progress: Optional[Callable[[Progress], Any]] = None,
         every: float = 0.5,
         options: Optional[Mapping[str, Any]] = None,
     ) -> Solution:
@@ -414,8 +476,8 @@ class Tie:
 
         Without ``solver`` it is clp for linear models, cbc with integers, ipopt with products.
         ``time_limit`` is in seconds; ``options`` are those of the solver environment, such as
-        ``{"RelativeGap": 0.01}``, and stay. ``progress`` is called about every ``every`` seconds
-        with those that passed, and ends the solve when it gives ``False``. The interpreter's lock
+        ``{"RelativeGap": 0.01}``, and stay. ``progress`` is called with a :class:`Progress` about
+        every ``every`` seconds, and ends the solve when it gives ``False``. The interpreter's lock
         is free meanwhile, and Ctrl-C ends the solve. No solution is no error: the status tells.
         """
         self._require_tied()
@@ -427,23 +489,13 @@ class Tie:
         if time_limit is not None:
             limit = native.option("TimeLimit")
             native.set_option("TimeLimit", repr(float(time_limit)))
+        told = None if progress is None else lambda *state: progress(Progress(*state))
         try:
-            seconds = native.solve(name, progress, every)
+            left = native.solve(name, told, every)
         finally:
             if limit is not None:
                 native.set_option("TimeLimit", limit)
-        status = native.status()
-        has_point = status in _WITH_POINT
-        return Solution(
-            _native.status_text(status),
-            _native.solve_status_text(native.solve_status()),
-            native.objective() if has_point else np.nan,
-            name,
-            seconds,
-            native.iterations(),
-            has_point,
-            self,
-        )
+        return Solution(left, name, self)
 
     # ---- inside ----
 
@@ -456,21 +508,33 @@ class Tie:
             )
         return _SOLVERS[kind]
 
-    def _find(self, name: str) -> _Driven:
+    def _find(self, name: str) -> Driven:
         key = _native.folded(name)
-        driven = self._driven.get(key)
-        if driven is None:
+        found = self._driven.get(key)
+        if found is None:
             self._require_tied()
             try:
                 columns = self._database[name + _SUFFIX]
             except KeyError:
-                raise KeyError(
-                    f"{name} drives nothing in the model; say what it drives before the first data "
-                    f'or solve: tie.drive("{name}(...) = cost of ...")'
-                ) from None
-            driven = _Driven(columns._native, self._add_parameter(name, columns.dimension))
-            self._driven[key] = driven
-        return driven
+                raise KeyError(self._nothing_driven(name)) from None
+            data = self._add_parameter(name, columns.dimension)
+            found = Driven(self._native, name, columns._native, data)
+            self._driven[key] = found
+        self._driven[name] = found
+        return found
+
+    def _nothing_driven(self, name: str) -> str:
+        """What to tell of a name that drives nothing."""
+        known = [
+            symbol.name[: -len(_SUFFIX)]
+            for symbol in self._database.values()
+            if isinstance(symbol, Variable) and symbol.name.endswith(_SUFFIX)
+        ]
+        there = f"what drives it is {', '.join(known)}" if known else "nothing does"
+        return (
+            f"{name} drives nothing in the model, {there}; say what it drives before the first "
+            f'data or solve: tie.drive("{name}(...) = cost of ...")'
+        )
 
     def _add_parameter(self, name: str, dimension: int) -> Parameter:
         own = name
@@ -480,60 +544,20 @@ class Tie:
             number += 1
         return self._database.add_parameter(own, ["*"] * dimension)
 
-    def _rows_of(
-        self, name: str, driven: _Driven, data: Any
-    ) -> Tuple[npt.NDArray[np.int32], npt.NDArray[np.float64]]:
-        """Label numbers in ascending order, and values, of data."""
-        # Lists and tuples have an index too, which is another thing.
-        index = data.index if hasattr(data, "iloc") else None
-        is_series = index is not None and not hasattr(data, "columns")
-        # An index never changes, so the same one has the same labels.
-        if is_series and index is driven.index:
-            values = np.asarray(data, dtype=np.float64)
-            return driven.index_keys, values[driven.order]
-        if index is None and not isinstance(data, (Parameter, Mapping)):
-            array = np.asarray(data, dtype=np.float64)
-            if array.ndim == 0:
-                array = np.full(len(driven.keys), float(array))
-            if array.size != len(driven.keys):
-                raise ValueError(
-                    f"{name}: {array.size} numbers, expected {len(driven.keys)}, one for each "
-                    f"element of index({name!r})"
-                )
-            return driven.keys, np.ascontiguousarray(array.ravel())
-        _fill(driven.data, data)
-        keys, table = driven.data._native.rows()
-        values = table[:, 0]
-        if is_series:
-            self._remember(driven, index, keys)
-        return keys, values
+    def _fields(self, name: str) -> npt.NDArray[np.float64]:
+        """All fields of the records of a variable or equation, a row for each field."""
+        return self._native.fields(name)
 
-    def _remember(self, driven: _Driven, index: Any, keys: npt.NDArray[np.int32]) -> None:
-        """Keeps where the rows of an index stand among sorted keys, for data over the same one."""
-        import pandas as pd
+    def _result_index(self, name: str) -> "pd.Index":
+        """The labels of the records of a variable or equation, which never change."""
+        index = self._indexes.get(name)
+        if index is None:
+            from . import frames
 
-        probe = pd.Series(np.arange(len(index), dtype=np.float64), index=index)
-        driven.data.from_pandas(probe)
-        driven.order = driven.data._native.rows()[1][:, 0].astype(np.intp)
-        driven.index = index
-        driven.index_keys = keys
-
-
-def _fill(parameter: Parameter, data: Any) -> None:
-    """Replaces the records of a parameter by data of any kind."""
-    import pandas as pd
-
-    if isinstance(data, Parameter):
-        data = data.to_pandas() if data.dimension else data.value
-    if isinstance(data, Mapping) and not isinstance(data, (pd.Series, pd.DataFrame)):
-        parameter.clear()
-        for key, value in data.items():
-            parameter[key] = value
-    elif isinstance(data, (pd.Series, pd.DataFrame)):
-        parameter.from_pandas(data)
-    else:
-        parameter.clear()
-        parameter.value = float(data)
+            symbol = self._database[name]._native
+            index = frames.index_of(symbol, self._database, symbol.rows()[0])
+            self._indexes[name] = index
+        return index
 
 
 # ---- arrays ----

@@ -6,6 +6,7 @@
 #include <ClpSolve.hpp>
 #include <CoinPackedMatrix.hpp>
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <memory>
 #include <utility>
@@ -31,18 +32,50 @@ constexpr double kWeightsWearOut = 100;
 // As many as Clp's program makes.
 constexpr int kPresolvePasses = 5;
 
-// Clp asks after every iteration whether it may go on.
+// How long a solve waits before it tells again how far it is.
+constexpr std::chrono::milliseconds kBetweenTellings{100};
+
+// Clp asks after every iteration whether it may go on, and tells now and then how far it is: the
+// objective of the primal method is that of a point, of the dual method it is a bound.
 class ClpStopHandler : public ClpEventHandler {
  public:
   explicit ClpStopHandler(Watch* watch) : watch_(watch) {}
+  // Tells of this form, of which Clp sees this part. Both outlive the handler.
+  ClpStopHandler(Watch* watch, const LinearForm& form, const MovingPart& part)
+      : watch_(watch), form_(&form), part_(&part) {}
   int event(Event which) override {
+    if (which == endOfFactorization && form_ != nullptr && Clock::now() >= next_) tell();
     const bool asked = which == endOfIteration || which == endOfFactorization;
     return asked && watch_->mustStop() ? 0 : -1;
   }
   [[nodiscard]] ClpEventHandler* clone() const override { return new ClpStopHandler(*this); }
 
  private:
+  using Clock = std::chrono::steady_clock;
+
+  void tell() {
+    const bool hasPoint = model_->algorithm() > 0 && model_->sumPrimalInfeasibilities() == 0;
+    const bool hasBound = model_->algorithm() < 0 && model_->sumDualInfeasibilities() == 0;
+    if (!hasPoint && !hasBound) return;
+    next_ = Clock::now() + kBetweenTellings;
+    const double objective = model_->objectiveValue() + unseen();
+    watch_->tell(hasPoint ? objective : HUGE_VAL, hasBound ? objective : -HUGE_VAL);
+  }
+
+  // What the columns that Clp does not see add to the objective.
+  [[nodiscard]] double unseen() const {
+    double sum = 0;
+    for (int j = 0; j < form_->columnCount; ++j) {
+      const auto column = static_cast<std::size_t>(j);
+      if (part_->place(j) == MovingPart::leftOut) sum += form_->cost[column] * form_->lower[column];
+    }
+    return sum;
+  }
+
   Watch* watch_;
+  const LinearForm* form_ = nullptr;
+  const MovingPart* part_ = nullptr;
+  Clock::time_point next_{};
 };
 
 // The columns of `part`. Clp drops tiny elements and does not like stored zeros, so they are left
@@ -248,7 +281,9 @@ void ClpProgram::update(LinearForm& form) {
 }
 
 void ClpProgram::run(ClpSimplex& simplex, Method method, Watch& watch, int reuse) {
-  const ClpStopHandler handler(&watch);
+  // Another problem than this one has another objective.
+  const ClpStopHandler handler =
+      &simplex == &simplex_ ? ClpStopHandler(&watch, form_, part_) : ClpStopHandler(&watch);
   simplex.passInEventHandler(&handler);
   simplex.setMaximumIterations(watch.iterationsLeft(iterations_));
   if (method == Method::primal) {
@@ -271,7 +306,7 @@ void ClpProgram::runUnscaled(Watch& watch) {
 
 // As Clp's program solves a file: presolved, by the method that it chooses.
 void ClpProgram::runFresh(Watch& watch) {
-  const ClpStopHandler handler(&watch);
+  const ClpStopHandler handler(&watch, form_, part_);
   simplex_.passInEventHandler(&handler);
   simplex_.setMaximumIterations(watch.iterationsLeft(iterations_));
   simplex_.defaultFactorizationFrequency();

@@ -1,0 +1,145 @@
+"""Data that drive a model: what is the same from step to step is looked at once."""
+
+from __future__ import annotations
+
+from typing import TYPE_CHECKING, Any, Callable, Hashable, List, Mapping, Optional, Tuple
+
+import numpy as np
+import numpy.typing as npt
+
+from . import _native, arrays
+from .numeric import Parameter
+
+if TYPE_CHECKING:
+    import pandas as pd
+
+Keys = npt.NDArray[np.int32]
+Numbers = npt.NDArray[np.float64]
+
+_DOUBLE = np.dtype(np.float64)
+
+
+class _Labels:
+    """The labels of a series or frame that was taken, so that the next one is told to have them."""
+
+    def __init__(self, data: Any, columns: List[Hashable], column: Hashable) -> None:
+        self.kind = type(data)
+        self.index = data.index
+        self.head = getattr(data, "columns", None)
+        #: The columns that hold labels, and what they held; none where the index does.
+        self.columns = [(name, data[name].to_numpy(copy=True)) for name in columns]
+        self.column = column
+        #: Label numbers in ascending order, and the row of each; None until they are asked for.
+        self.keys: Optional[Keys] = None
+        self.order: Optional[npt.NDArray[np.intp]] = None
+
+    def same(self, data: Any) -> bool:
+        """Whether data of this kind have the same labels in the same rows."""
+        if self.head is not None and not _same_index(self.head, data.columns):
+            return False
+        if not self.columns:
+            return _same_index(self.index, data.index)
+        for name, labels in self.columns:
+            new = data[name].to_numpy()
+            if new.dtype != labels.dtype or not np.array_equal(new, labels):
+                return False
+        return True
+
+    def values(self, data: Any) -> Any:
+        """The numbers of data of this kind, as an array of whatever type."""
+        return data.to_numpy() if self.head is None else data[self.column].to_numpy()
+
+
+def _same_index(one: "pd.Index", other: "pd.Index") -> bool:
+    # An index never changes.
+    return one is other or (
+        one.dtype == other.dtype and one.names == other.names and one.equals(other)
+    )
+
+
+class Driven:
+    """The columns that a symbol drives, and the parameter that holds its data."""
+
+    def __init__(
+        self, model: _native.Model, name: str, columns: _native.Symbol, data: Parameter
+    ) -> None:
+        self._model = model
+        self._name = name
+        self.columns = columns
+        self.data = data
+        self._native = data._native
+        #: The label numbers of the columns, in their order.
+        self.keys: Keys = columns.rows()[0]
+        self._count = len(self.keys)
+        self._labels: Optional[_Labels] = None
+
+    def set(self, data: Any) -> int:
+        """Takes data of any kind; the number of records that meet nothing."""
+        kind = type(data)
+        if kind is np.ndarray:
+            if data.dtype is _DOUBLE and data.size == self._count:
+                return self._model.fix(self.columns, self._native, self.keys, data)
+        elif self._labels is not None and kind is self._labels.kind:
+            known = self._known(self._labels, data)
+            if known is not None:
+                return self._model.fix(self.columns, self._native, *known)
+        fill(self.data, data, lambda: self.keys, self._name)
+        self._remember(data)
+        keys, table = self._native.rows()
+        return self._model.fix(self.columns, self._native, keys, table[:, 0])
+
+    def _known(self, labels: _Labels, data: Any) -> Optional[Tuple[Keys, Numbers]]:
+        """Label numbers and values of data with labels that are known; None for others."""
+        if not labels.same(data):
+            return None
+        values = labels.values(data)
+        if values.dtype != _DOUBLE:
+            return None
+        if labels.keys is None:
+            from . import frames
+
+            numbers = frames.label_numbers(self._native, self.data._database, data)
+            order = np.lexsort(numbers.T[::-1]) if numbers.shape[1] else np.arange(len(numbers))
+            labels.keys = np.ascontiguousarray(numbers[order])
+            if not np.array_equal(order, np.arange(len(order))):
+                labels.order = order
+        return labels.keys, values if labels.order is None else values[labels.order]
+
+    def _remember(self, data: Any) -> None:
+        """Keeps the labels of data, which were found to be sound."""
+        if not hasattr(data, "iloc"):
+            return
+        from . import frames
+
+        columns, column = frames.label_columns(self._native, data)
+        unique = getattr(data, "columns", data.index[:0]).is_unique
+        self._labels = _Labels(data, columns, column) if unique else None
+
+
+def fill(
+    parameter: Parameter, data: Any, keys: Callable[[], Keys], name: Optional[str] = None
+) -> None:
+    """Replaces the records of a parameter by data of any kind; arrays have a number for each of
+    ``keys``."""
+    if isinstance(data, Parameter):
+        data = data.to_pandas() if data.dimension else data.value
+    if hasattr(data, "iloc"):
+        parameter.from_pandas(data)
+        return
+    if isinstance(data, Mapping):
+        parameter.clear()
+        for key, value in data.items():
+            parameter[key] = value
+        return
+    numbers = arrays.floats(data, name or parameter.name)
+    rows = keys()
+    if numbers.ndim == 0:
+        numbers = np.full(len(rows), float(numbers))
+    if numbers.size != len(rows):
+        raise ValueError(
+            f"{name or parameter.name}: {numbers.size} numbers, expected {len(rows)}, one for each "
+            "element"
+        )
+    parameter._native.put_rows(
+        rows, numbers.reshape(-1, 1), [0], parameter._database._native.new_labels()
+    )

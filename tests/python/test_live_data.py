@@ -1,0 +1,161 @@
+"""What drives a model again and again: data whose labels were looked at before, and results as
+arrays and frames. The model is worked by hand."""
+
+import numpy as np
+import pandas as pd
+import pytest
+
+import ztb
+
+PLAN = """Minimize
+ cost: 2 buy(x) + 3 buy(y)
+Subject To
+ need: buy(x) + buy(y) >= 4
+Bounds
+ buy(x) <= 3
+End
+"""
+
+
+@pytest.fixture
+def tie(tmp_path):
+    path = tmp_path / "m.lp"
+    path.write_text(PLAN)
+    model = ztb.Model.open(path)
+    model.drive("price(food) = cost of buy")
+    return model.tie()
+
+
+def cost(tie):
+    """3 of x and 1 of y, or 4 of y alone: what the cheaper of the two makes."""
+    return tie.solve("clp").objective
+
+
+# ---- data ----
+
+
+@pytest.mark.parametrize(
+    "array",
+    [
+        np.array([5.0, 3.0]),
+        np.array([5, 3]),
+        np.array([5, 3], dtype=np.float32),
+        np.array([5.0, 0.0, 3.0])[::2],
+        np.array([[5.0, 3.0]], order="F"),
+        np.ma.array([5.0, 3.0], mask=[False, False]),
+    ],
+)
+def test_arrays_of_all_kinds_are_taken_in_their_order(tie, array):
+    for _ in range(2):
+        tie["price"] = array
+        assert cost(tie) == pytest.approx(12)
+        assert dict(tie["price"]) == {("x",): 5, ("y",): 3}
+    tie["price"] = [2, 3]
+    assert cost(tie) == pytest.approx(9)
+
+
+def test_arrays_that_do_not_fit_are_refused(tie):
+    for array in (np.zeros(3), np.zeros((2, 2)), [1.0]):
+        with pytest.raises(ValueError, match="price: . numbers, expected 2, one for each element"):
+            tie["price"] = array
+    with pytest.raises(TypeError):
+        tie["price"] = np.array(["5", "3"])
+    with pytest.raises(ztb.Error, match="Bad value"):
+        tie["price"] = np.array([np.nan, 3.0])
+    tie["price"] = np.array([5.0, 3.0])
+    assert cost(tie) == pytest.approx(12)
+
+
+def test_other_labels_in_an_index_that_looks_alike_are_seen(tie):
+    for labels, values, expected in [
+        (["y", "x"], [3.0, 5.0], 12),
+        (["y", "x"], [1.0, 5.0], 4),
+        (["y", "x"], [1.0, 0.5], 2.5),
+        (["x", "y"], [1.0, 0.5], 2),
+        (["x", "y"], [4.0, 2.0], 8),
+        (["x", "z"], [1.0, 9.0], 3 + 3),
+        (["x", "z"], [2.0, 9.0], 9),
+        (["y"], [1.0], 4),
+    ]:
+        tie["price"] = pd.Series(values, index=pd.Index(labels))
+        assert cost(tie) == pytest.approx(expected), labels
+
+
+def test_the_labels_of_a_frame_are_looked_at_in_each_step(tie):
+    label = tie.index("price").name
+    frame = pd.DataFrame({label: ["y", "x"], "price": [3.0, 5.0]})
+    for _ in range(3):
+        tie["price"] = frame
+        assert cost(tie) == pytest.approx(12)
+    frame.loc[0, "price"] = 1.0
+    tie["price"] = frame
+    assert cost(tie) == pytest.approx(4)
+    frame[label] = ["x", "y"]
+    tie["price"] = frame
+    assert cost(tie) == pytest.approx(3 + 5)
+    tie["price"] = frame.rename(columns={"price": "cost"})
+    assert cost(tie) == pytest.approx(3 + 5)
+    tie["price"] = frame[["price", label]]
+    assert cost(tie) == pytest.approx(3 + 5)
+
+
+def test_numbers_of_other_types_are_taken_with_labels_that_are_known(tie):
+    index = tie.index("price")
+    for values in ([5.0, 3.0], [5, 3], pd.array([5, 3], dtype="Int64")):
+        tie["price"] = pd.Series(values, index=index)
+        assert cost(tie) == pytest.approx(12)
+    with pytest.raises(TypeError, match="'5'"):
+        tie["price"] = pd.Series(["5", "3"], index=index)
+    with pytest.raises(ztb.Error, match="Bad value"):
+        tie["price"] = pd.Series([np.nan, 3.0], index=index)
+
+
+def test_names_are_found_in_any_case(tie):
+    tie["PRICE"] = np.array([5.0, 3.0])
+    tie["Price"] = np.array([2.0, 3.0])
+    assert tie["price"]["x"] == 2
+    assert len([name for name in tie.database if name.lower().startswith("price")]) == 2
+
+
+def test_updates_take_arrays_and_leave_one_symbol_behind(tie):
+    for upper, expected in [(1, 11), (2, 10), (0, 12)]:
+        tie.update("buy", np.array([upper, 100.0]), "upper")
+        assert cost(tie) == pytest.approx(expected)
+    assert [name for name in tie.database if name.startswith("buy")] == ["buy", "buy_data"]
+    with pytest.raises(ValueError, match="3 numbers, expected 2, one for each element"):
+        tie.update("buy", np.zeros(3), "upper")
+
+
+# ---- results ----
+
+
+def test_frames_and_arrays_have_what_the_symbols_have(tie):
+    for price in ([2.0, 3.0], [5.0, 3.0]):
+        tie["price"] = np.array(price)
+        solution = tie.solve()
+        for name in ("buy", "need", "cost"):
+            frame = solution.symbol(name).to_pandas()
+            pd.testing.assert_frame_equal(solution[name], frame)
+            assert solution.levels(name).tolist() == frame["level"].tolist()
+            assert solution.marginals(name).tolist() == frame["marginal"].tolist()
+    assert solution["buy"].loc["y", "upper"] == np.inf
+    with pytest.raises(KeyError, match="no variable or equation price"):
+        solution["price"]
+    with pytest.raises(ztb.NotFoundError, match="no variable or equation sell"):
+        solution.levels("sell")
+
+
+def test_a_solution_tells_bound_gap_and_times(tie):
+    solution = tie.solve()
+    assert solution.bound == pytest.approx(9) and solution.gap == 0
+    assert 0 <= solution.processor_seconds and 0 <= solution.seconds < 60
+    assert repr(solution) == "<ztb.Solution optimal, objective 9, by clp>"
+    tie.update("buy", 0, "upper")
+    without = tie.solve()
+    assert without.status == "infeasible" and np.isnan(without.gap)
+    assert solution.status == "optimal" and solution.objective == pytest.approx(9)
+
+
+def test_what_drives_nothing_is_told_with_what_does(tie):
+    with pytest.raises(KeyError, match="rent drives nothing in the model, what drives it is price"):
+        tie["rent"] = 1

@@ -1,0 +1,121 @@
+// How far a solve is, told while it runs.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <random>
+#include <string>
+#include <vector>
+#include <ztb/model.hpp>
+
+namespace {
+
+// The most worth of things that go into knapsacks, and 100 on top of it.
+ztb::Model knapsacks(int kind) {
+  ztb::Model model;
+  model.setObjective("worth", true, 100);
+  std::mt19937 random(5);
+  std::uniform_int_distribution<int> size(5, 1000);
+  constexpr int kRows = 5;
+  constexpr int kThings = 60;
+  for (int i = 0; i < kRows; ++i) {
+    model.addRow("room(" + std::to_string(i) + ")", ztbRowLessOrEqual, 250 * kThings);
+  }
+  for (int j = 0; j < kThings; ++j) {
+    model.addColumn("take(" + std::to_string(j) + ")", 0, 1, kind);
+    int sum = 0;
+    for (int i = 1; i <= kRows; ++i) {
+      const int taken = size(random);
+      sum += taken;
+      model.addTerm(i, j, taken);
+    }
+    model.addTerm(0, j, sum / kRows + size(random) % 100);
+  }
+  return model;
+}
+
+struct Seen {
+  ztb::Model* model;
+  std::vector<ztb::Model::Progress> all;
+  bool endsOnceBothAreKnown = false;
+};
+
+int look(void* context) {
+  auto* seen = static_cast<Seen*>(context);
+  const ztb::Model::Progress progress = seen->model->progress();
+  if (!progress.isKnown) return 0;
+  seen->all.push_back(progress);
+  const bool both = std::isfinite(progress.objective) && std::isfinite(progress.bound);
+  return seen->endsOnceBothAreKnown && both ? 1 : 0;
+}
+
+class SearchProgress : public testing::TestWithParam<const char*> {};
+
+TEST_P(SearchProgress, TellsTheBestPointAndTheBound) {
+  ztb::Model relaxed = knapsacks(ztbColumnContinuous);
+  ztb::Database relaxedDatabase;
+  ztb::ModelTie(relaxedDatabase, relaxed).solve("clp");
+
+  ztb::Model model = knapsacks(ztbColumnInteger);
+  ztb::Database database;
+  ztb::ModelTie tie(database, model);
+  EXPECT_FALSE(model.progress().isKnown) << "before a solve";
+  Seen seen{&model, {}, true};
+  ztbModelSetWatch(model.handle(), &look, &seen);
+  tie.solve(GetParam());
+  ztbModelSetWatch(model.handle(), nullptr, nullptr);
+  EXPECT_EQ(model.solveStatus(), ztbSolveTerminated);
+  ASSERT_FALSE(seen.all.empty());
+  const ztb::Model::Progress last = seen.all.back();
+  EXPECT_GT(last.objective, 100);
+  EXPECT_LT(last.objective, last.bound) << "a larger worth is better";
+  EXPECT_LE(last.bound, relaxed.objective() + 1e-6);
+  EXPECT_GE(model.objective(), last.objective - 1e-6) << "the point that was told of is left";
+}
+
+INSTANTIATE_TEST_SUITE_P(Solvers, SearchProgress, testing::Values("cbc", "glpk"));
+
+// What Clp tells is a bound or an objective, by its method; the part that stands still is in it.
+TEST(LinearProgress, IsOnTheRightSideOfTheOptimum) {
+  ztb::Model model;
+  model.setObjective("cost", false, 1000);
+  std::mt19937 random(7);
+  std::uniform_int_distribution<int> cost(1, 500);
+  constexpr int kSources = 30;
+  constexpr int kTargets = 60;
+  for (int s = 0; s < kSources; ++s) {
+    model.addRow("supply(" + std::to_string(s) + ")", ztbRowLessOrEqual, 2 * kTargets);
+  }
+  for (int t = 0; t < kTargets; ++t) {
+    model.addRow("demand(" + std::to_string(t) + ")", ztbRowGreaterOrEqual, 10 + t % 7);
+  }
+  for (int s = 0; s < kSources; ++s) {
+    for (int t = 0; t < kTargets; ++t) {
+      const int j = model.addColumn("ship(" + std::to_string(s) + "," + std::to_string(t) + ")", 0,
+                                    std::numeric_limits<double>::infinity());
+      model.addTerm(0, j, cost(random));
+      model.addTerm(1 + s, j, 1);
+      model.addTerm(1 + kSources + t, j, 1);
+    }
+  }
+  model.addTerm(0, model.addColumn("still", 3, 3), 7000);
+  ztb::Database database;
+  ztb::ModelTie tie(database, model);
+  Seen seen{&model, {}};
+  ztbModelSetWatch(model.handle(), &look, &seen);
+  tie.solve("clp");
+  ztbModelSetWatch(model.handle(), nullptr, nullptr);
+  ASSERT_EQ(model.status(), ztbModelOptimal);
+  const double optimum = model.objective();
+  EXPECT_GT(optimum, 22000) << "1000, and 3 times 7000";
+  ASSERT_FALSE(seen.all.empty());
+  // Clp moves costs and bounds a little while it works.
+  for (const ztb::Model::Progress& progress : seen.all) {
+    EXPECT_GE(progress.objective, optimum * (1 - 1e-3));
+    EXPECT_LE(progress.bound, optimum * (1 + 1e-3));
+    EXPECT_GE(std::max(progress.bound, -progress.objective), -1e6) << "one of them is known";
+  }
+}
+
+}  // namespace
