@@ -1,4 +1,5 @@
-// Signals during a solve: it ends, and what it found is told.
+// Signals during a solve: it ends, and what it found is told; and what a terminal is told
+// meanwhile.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -13,6 +14,7 @@
 
 #include "tests/tools/background_program.h"
 #include "tests/tools/program.h"
+#include "tests/tools/terminal.h"
 
 namespace {
 
@@ -124,6 +126,17 @@ TEST_F(ProgramTest, aLimitOfTimeTellsTheBestPointAndItsBound) {
   EXPECT_THAT(output, HasSubstr("\nstatus      feasible, time limit\n"));
   EXPECT_THAT(output, HasSubstr("\nbound       "));
   EXPECT_THAT(output, HasSubstr("\nprocessor   "));
+}
+
+TEST_F(ProgramTest, ATerminalIsToldHowFarASolveIs) {
+  write("hard.lp", knapsacks());
+  tooltest::Terminal terminal;
+  const BackgroundProgram run(path("."), {"solve", "hard.lp", "--solver", "cbc"}, terminal.path());
+  terminal.leaveToPrograms();
+  EXPECT_TRUE(
+      terminal.waitFor("\\r[^\\r]*solving with cbc: best [0-9.]+, bound [0-9.]+, gap "
+                       "[0-9.e-]+ %, [0-9]+ s"))
+      << terminal.text().substr(0, 400);
 }
 
 }  // namespace

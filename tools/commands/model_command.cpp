@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -27,6 +28,7 @@ namespace {
 struct ModelOptions {
   std::string file;
   std::string dataFile;
+  std::string fills;
   std::string write;
   bool json = false;
   bool all = false;
@@ -144,7 +146,8 @@ void printTotals(const ztbModelSize& size, const std::string& file) {
 void runModel(const ModelOptions& options) {
   auto progress = std::make_unique<Progress>();
   progress->step("reading " + options.file);
-  ztb::Model model = openModel(options.file, options.dataFile);
+  std::optional<ModelFills> fills = fillsOf(options.fills, options.file);
+  ztb::Model model = openModel(options.file, options.dataFile, fills ? &*fills : nullptr);
   if (!options.write.empty()) {
     progress->step("writing " + options.write);
     try {
@@ -154,6 +157,7 @@ void runModel(const ModelOptions& options) {
     }
   }
   progress.reset();
+  if (fills) fills->reportLeft();
   for (int n = 0; n < model.noteCount(); ++n) printError("ztb: " + model.note(n));
   if (options.json) return printJson(model, options.file);
   const ztbModelSize size = model.size();
@@ -175,6 +179,11 @@ void addModelCommand(CommandLine& line) {
       .typeName("FILE")
       .required();
   command.text("--model-data", options->dataFile, "Data file of a .mod model")
+      .typeName("FILE")
+      .notEmpty();
+  command
+      .text("--data", options->fills,
+            "RXF file that fills the sets and parameters of the same names of a .mod model")
       .typeName("FILE")
       .notEmpty();
   command.text("--write", options->write, "Write the model as this .lp or .mps file")

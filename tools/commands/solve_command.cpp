@@ -197,6 +197,7 @@ void run(const SolveOptions& options) {
   progress.step("solving with " + solver);
   try {
     const SolveInterrupt interrupt(session.model());
+    const Progress::Detail detail(progress, SolveProgress(session.model()));
     session.tie().solve(solver);
   } catch (const ztb::Error& error) {
     throw Failure(withFile(options.model, error.what()));

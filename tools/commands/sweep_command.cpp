@@ -224,7 +224,8 @@ class Sweep {
 };
 
 int runSweep(SweepOptions options) {
-  refuseReplacing({options.model, options.modelData, options.scenarios}, options.out);
+  refuseReplacing({options.model, options.modelData, options.data, options.scenarios}, options.out);
+  requireTakesFills(options.data, options.model);
   if (options.stall == 0) {
     throw UsageError("--stall 0: at least 1 is expected");
   }
@@ -259,6 +260,11 @@ void addSweepCommand(CommandLine& line) {
       .required();
   command.text("--out", options->out, "RXF file to make").typeName("FILE").required();
   command.text("--model-data", options->modelData, "Data file of a .mod")
+      .typeName("FILE")
+      .notEmpty();
+  command
+      .text("--data", options->data,
+            "RXF file that fills the sets and parameters of the same names of a .mod")
       .typeName("FILE")
       .notEmpty();
   command

@@ -1,28 +1,16 @@
 #include "tools/models/model_fills.h"
 
-#include <algorithm>
+#include <fmt/format.h>
+
 #include <cstddef>
-#include <limits>
+#include <string_view>
 #include <ztb/case_folding.hpp>
-#include <ztb/ztb.hpp>
 
 #include "tools/files/record_walk.h"
+#include "tools/text/failure.h"
+#include "tools/text/output.h"
 
 namespace tool {
-
-namespace {
-
-// The value as a number: an infinity or what has none is left to the model library to refuse.
-double plainValue(double value) {
-  static const ztb::SpecialValues special = ztb::Database().specialValues();
-  if (value == special[ZTB_EPSILON]) return 0;
-  for (const double spelled : special) {
-    if (value == spelled) return std::numeric_limits<double>::infinity();
-  }
-  return value;
-}
-
-}  // namespace
 
 bool takesFills(const std::string& modelFile) {
   constexpr std::string_view ending = ".mod";
@@ -31,7 +19,7 @@ bool takesFills(const std::string& modelFile) {
                          ending);
 }
 
-ModelFills::ModelFills(const ExchangeFile& file) {
+ModelFills::ModelFills(const ExchangeFile& file) : file_(file.path()) {
   texts_.resize(static_cast<std::size_t>(file.labelCount()) + 1);
   for (int number = 1; number <= file.labelCount(); ++number) {
     texts_[static_cast<std::size_t>(number)] = file.label(number);
@@ -39,34 +27,34 @@ ModelFills::ModelFills(const ExchangeFile& file) {
   for (const FileSymbol& symbol : file.symbols()) {
     const bool isSet = symbol.type == ztb::Type::set;
     if (symbol.isAlias() || (!isSet && symbol.type != ztb::Type::parameter)) continue;
-    Records records;
+    begin(symbol.name, isSet, symbol.dimension);
+    std::vector<const char*> labels;
     for (RecordWalk walk(file, symbol); walk.next();) {
+      labels.clear();
       for (const int key : walk.keys()) {
-        records.labels.push_back(texts_[static_cast<std::size_t>(key)].c_str());
+        labels.push_back(texts_[static_cast<std::size_t>(key)].c_str());
       }
-      if (!isSet) records.values.push_back(plainValue(walk.values()[0]));
+      add(labels, isSet ? 0 : walk.values()[0]);
     }
-    ztbModelFill fill{};
-    fill.isSet = isSet ? 1 : 0;
-    fill.dimension = symbol.dimension;
-    fill.count = isSet
-                     ? static_cast<long long>(records.labels.size()) / std::max(1, symbol.dimension)
-                     : static_cast<long long>(records.values.size());
-    names_.push_back(symbol.name);
-    records_.push_back(std::move(records));
-    fills_.push_back(fill);
-  }
-  for (std::size_t i = 0; i < fills_.size(); ++i) {
-    fills_[i].name = names_[i].c_str();
-    fills_[i].labels = records_[i].labels.data();
-    fills_[i].values = fills_[i].isSet != 0 ? nullptr : records_[i].values.data();
   }
 }
 
-bool ModelFills::took(std::string_view symbol) const {
-  return std::any_of(fills_.begin(), fills_.end(), [&](const ztbModelFill& fill) {
-    return fill.taken != 0 && ztb::sameFolded(fill.name, symbol);
-  });
+void ModelFills::reportLeft() const {
+  for (const std::string& name : parametersLeft()) {
+    printError(fmt::format("ztb: {}: the model declares no parameter {}", file_, name));
+  }
+}
+
+void requireTakesFills(const std::string& data, const std::string& modelFile) {
+  if (data.empty() || takesFills(modelFile)) return;
+  throw UsageError(fmt::format(
+      "--data {}: fills the sets and parameters of a .mod model, and {} is none", data, modelFile));
+}
+
+std::optional<ModelFills> fillsOf(const std::string& data, const std::string& modelFile) {
+  requireTakesFills(data, modelFile);
+  if (data.empty()) return std::nullopt;
+  return ModelFills(ExchangeFile(data));
 }
 
 }  // namespace tool

@@ -3,12 +3,10 @@
 #ifndef ZTB_TOOLS_MODELS_MODEL_FILLS_H_
 #define ZTB_TOOLS_MODELS_MODEL_FILLS_H_
 
-#include <ztb/model.h>
-
-#include <span>
+#include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
+#include <ztb/model_fills.hpp>
 
 #include "tools/files/exchange_file.h"
 
@@ -17,27 +15,24 @@ namespace tool {
 // Whether the file is one whose own sets and parameters can be filled.
 bool takesFills(const std::string& modelFile);
 
-class ModelFills {
+class ModelFills : public ztb::ModelFillList {
  public:
   // Reads the records of all sets and parameters. Throws Failure that names the file.
   explicit ModelFills(const ExchangeFile& file);
 
-  // For ztb::Model::open, which marks those that the model takes.
-  [[nodiscard]] std::span<ztbModelFill> all() { return fills_; }
-  // Whether the model took the symbol.
-  [[nodiscard]] bool took(std::string_view symbol) const;
+  // On standard error, the parameters that the model did not take.
+  void reportLeft() const;
 
  private:
-  struct Records {
-    std::vector<const char*> labels;
-    std::vector<double> values;
-  };
-
+  std::string file_;
   std::vector<std::string> texts_;  // labels by number, with a final zero
-  std::vector<std::string> names_;
-  std::vector<Records> records_;
-  std::vector<ztbModelFill> fills_;
 };
+
+// For a --data, which may be empty, that does nothing but fill: throws UsageError for a model that
+// takes none.
+void requireTakesFills(const std::string& data, const std::string& modelFile);
+// What it fills the model with; throws the same.
+std::optional<ModelFills> fillsOf(const std::string& data, const std::string& modelFile);
 
 }  // namespace tool
 

@@ -1,5 +1,7 @@
 #include "tools/models/solve_report.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -17,6 +19,10 @@
 namespace tool {
 
 namespace {
+
+double gapBetween(double objective, double bound) {
+  return std::abs(objective - bound) / std::max(1e-9, std::abs(objective));
+}
 
 // The fields of a record in the order of their names.
 std::array<double, ztb::fieldCount> fieldsOf(const ztb::Record& record) {
@@ -99,9 +105,21 @@ void printJsonRecords(const ztb::Symbol& symbol) {
 
 }  // namespace
 
+std::string SolveProgress::operator()() const {
+  const ztb::Model::Progress progress = model_->progress();
+  std::string text;
+  if (std::isfinite(progress.objective)) text += fmt::format("best {:.6g}, ", progress.objective);
+  if (std::isfinite(progress.bound)) text += fmt::format("bound {:.6g}, ", progress.bound);
+  if (std::isfinite(progress.objective) && std::isfinite(progress.bound)) {
+    text += fmt::format("gap {:.3g} %, ", 100 * gapBetween(progress.objective, progress.bound));
+  }
+  const std::chrono::duration<double> time = std::chrono::steady_clock::now() - begin_;
+  return text + fmt::format("{:.0f} s", time.count());
+}
+
 std::optional<double> gapOf(const ztb::Model& model) {
   if (!model.hasSolution() || !std::isfinite(model.bound())) return std::nullopt;
-  return std::abs(model.objective() - model.bound()) / std::max(1e-9, std::abs(model.objective()));
+  return gapBetween(model.objective(), model.bound());
 }
 
 void printSolveJson(const SolveReport& report) {

@@ -111,7 +111,8 @@ std::map<std::size_t, std::string> explainScenarios(
   std::map<std::size_t, std::string> texts;
   if (chosen.empty()) return texts;
   const std::vector<Records> records = readScenarios(options.scenarios, scenarios);
-  ModelSession session(options.model, options.modelData, nullptr, options.drives);
+  std::optional<ModelFills> fills = fillsOf(options.data, options.model);
+  ModelSession session(options.model, options.modelData, fills ? &*fills : nullptr, options.drives);
   const std::string solver =
       options.solver.empty() ? session.standardSolverOfParameters() : options.solver;
   ScenarioData data(options.scenarios, scenarios, chosen, session);

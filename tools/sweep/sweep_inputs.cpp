@@ -35,14 +35,18 @@ constexpr const char* kTables = "tables";
 // The word of what --drive says; only sweeps that were given it have it.
 constexpr const char* kDrives = "drive";
 
-constexpr std::array<Part, 8> kParts{{{"model", "another model file"},
+// The word of the file of --data, likewise.
+constexpr const char* kFills = "fills";
+
+constexpr std::array<Part, 9> kParts{{{"model", "another model file"},
                                       {"data", "another --model-data"},
                                       {"scenarios", "another scenario file"},
                                       {"over", "another --over"},
                                       {"solver", "another --solver"},
                                       {"report", "another --report"},
                                       {kTables, "another table of the model"},
-                                      {kDrives, "another --drive"}}};
+                                      {kDrives, "another --drive"},
+                                      {kFills, "another --data"}}};
 
 // XXH3 with 64 bits of a text or of the bytes of a file.
 std::uint64_t ofText(std::string_view text) {
@@ -127,13 +131,14 @@ std::string sweepInputs(const SweepOptions& options) {
   std::string drives;
   for (const std::string& statement : options.drives) drives += statement + '\n';
   if (!drives.empty()) text += fmt::format(" {}={:016x}", kDrives, ofText(drives));
+  if (!options.data.empty()) text += fmt::format(" {}={:016x}", kFills, ofFile(options.data));
   return text;
 }
 
 bool isSweepInputs(std::string_view text) {
   return std::ranges::all_of(kParts, [&](const Part& part) {
     const std::string_view key = part.key;
-    return key == kTables || key == kDrives || !wordOf(text, part.key).empty();
+    return key == kTables || key == kDrives || key == kFills || !wordOf(text, part.key).empty();
   });
 }
 

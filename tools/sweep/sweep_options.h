@@ -11,6 +11,7 @@ namespace tool {
 struct SweepOptions {
   std::string model;
   std::string modelData;  // empty: none
+  std::string data;       // that fills a MathProg model; empty: none
   std::vector<std::string> drives;
   std::string scenarios;
   std::string over;

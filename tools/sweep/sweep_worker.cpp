@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <exception>
+#include <optional>
 
 #include "tools/models/model_session.h"
 #include "tools/sweep/sweep_inputs.h"
@@ -37,7 +38,8 @@ class SweepWorker {
         inputs_(inputs),
         work_(work),
         channel_(channel),
-        session_(options.model, options.modelData, nullptr, options.drives),
+        fills_(fillsOf(options.data, options.model)),
+        session_(options.model, options.modelData, fills_ ? &*fills_ : nullptr, options.drives),
         solver_(options.solver.empty() ? session_.standardSolverOfParameters() : options.solver),
         results_(scenarios.over(), scenarios.text(), inputs),
         parts_(options.out),
@@ -51,6 +53,7 @@ class SweepWorker {
     }
     if (work.reportsNotes) {
       session_.reportNotes(false);
+      if (fills_) fills_->reportLeft();
     }
   }
 
@@ -154,6 +157,7 @@ class SweepWorker {
   const std::string& inputs_;
   const SweepWork& work_;
   const WorkerChannel& channel_;
+  std::optional<ModelFills> fills_;
   ModelSession session_;
   std::string solver_;
   SweepResults results_;

@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <cstdio>
+#include <utility>
 #include <ztb/display_text.hpp>
 
 namespace tool {
@@ -44,6 +45,17 @@ void Progress::step(const std::string& text) {
   count(0);
 }
 
+Progress::Detail::Detail(Progress& progress, std::function<std::string()> detail)
+    : progress_(progress) {
+  const std::lock_guard lock(progress_.mutex_);
+  progress_.detail_ = std::move(detail);
+}
+
+Progress::Detail::~Detail() {
+  const std::lock_guard lock(progress_.mutex_);
+  progress_.detail_ = nullptr;
+}
+
 void Progress::run() {
   std::unique_lock lock(mutex_);
   auto pause = beforeFirst;
@@ -56,7 +68,9 @@ void Progress::run() {
 void Progress::draw() {
   const std::size_t records = records_.load(std::memory_order_relaxed);
   std::string line = wipeLine + text_;
-  if (records > 0) {
+  if (detail_) {
+    line += ": " + ztb::displayText(detail_());
+  } else if (records > 0) {
     line += fmt::format(": {} records", records);
   }
   std::fputs(line.c_str(), stderr);

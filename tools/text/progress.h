@@ -5,6 +5,7 @@
 #include <atomic>
 #include <condition_variable>
 #include <cstddef>
+#include <functional>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -23,6 +24,19 @@ class Progress {
 
   // Begins a step, such as "reading foods.csv".
   void step(const std::string& text);
+  // Shows what `detail` gives behind the step, as "solving: gap 3 %", until the object ends; it is
+  // asked from another thread.
+  class Detail {
+   public:
+    Detail(Progress& progress, std::function<std::string()> detail);
+    Detail(const Detail&) = delete;
+    Detail& operator=(const Detail&) = delete;
+    ~Detail();
+
+   private:
+    Progress& progress_;
+  };
+
   // Records done in this step; cheap enough for each record.
   void count(std::size_t records) { records_.store(records, std::memory_order_relaxed); }
 
@@ -33,6 +47,7 @@ class Progress {
   std::mutex mutex_;
   std::condition_variable wake_;
   std::string text_;
+  std::function<std::string()> detail_;
   bool ended_ = false;
   bool drawn_ = false;
   std::atomic<std::size_t> records_{0};

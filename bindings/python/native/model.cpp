@@ -5,6 +5,7 @@
 #include <array>
 #include <chrono>
 #include <cstddef>
+#include <ztb/model_fills.hpp>
 
 #include "bindings/python/native/filling.h"
 #include "bindings/python/native/hand_made.h"
@@ -311,6 +312,31 @@ py::tuple Model::explain(double seconds) {
   return py::make_tuple(conflict.irreducible, conflict.byIntegers, members);
 }
 
+namespace {
+
+// The model, and the names of the parameters among the records that it did not take.
+py::tuple openModel(const std::string& file, const std::string& dataFile, const Database* records) {
+  std::optional<ztb::Model> model;
+  std::optional<ztb::DatabaseFills> fills;
+  std::optional<Use> use;
+  if (records != nullptr) use.emplace(*records->connection());
+  runWithoutInterpreter([&](Interruption&) {
+    if (records == nullptr) {
+      model = ztb::Model::open(file, dataFile);
+      return;
+    }
+    fills.emplace(records->connection()->database());
+    model = ztb::Model::open(file, dataFile, fills->all());
+  });
+  py::list left;
+  if (fills) {
+    for (const std::string& name : fills->parametersLeft()) left.append(toPython(name));
+  }
+  return py::make_tuple(Model(std::move(*model)), left);
+}
+
+}  // namespace
+
 void bindModel(py::module_& module) {
   py::class_<Model> type(module, "Model", py::is_final());
   refuseHandMade(type);
@@ -332,13 +358,12 @@ void bindModel(py::module_& module) {
       .def("fields", &Model::fields)
       .def("explain", &Model::explain);
   module.def("new_model", [] { return Model(ztb::Model()); });
-  module.def("open_model", [](const py::object& path, const py::object& data) {
-    const std::string file = pathFromPython(path);
-    const std::string dataFile = data.is_none() ? std::string() : pathFromPython(data);
-    std::optional<ztb::Model> model;
-    runWithoutInterpreter([&](Interruption&) { model = ztb::Model::open(file, dataFile); });
-    return Model(std::move(*model));
-  });
+  module.def("open_model",
+             [](const py::object& path, const py::object& data, const Database* records) {
+               const std::string file = pathFromPython(path);
+               const std::string dataFile = data.is_none() ? std::string() : pathFromPython(data);
+               return openModel(file, dataFile, records);
+             });
   module.def("status_text", [](int status) { return std::string(ztbModelStatusText(status)); });
   module.def("solve_status_text",
              [](int status) { return std::string(ztbModelSolveStatusText(status)); });

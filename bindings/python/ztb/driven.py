@@ -9,6 +9,7 @@ import numpy.typing as npt
 
 from . import _native, arrays
 from .numeric import Parameter
+from .symbol import Symbol
 
 if TYPE_CHECKING:
     import pandas as pd
@@ -126,6 +127,8 @@ def fill(
     if hasattr(data, "iloc"):
         parameter.from_pandas(data)
         return
+    if isinstance(data, Symbol):
+        raise TypeError(f"{name or parameter.name}: {data.name} is no parameter, and has no numbers")
     if isinstance(data, Mapping):
         parameter.clear()
         for key, value in data.items():

@@ -220,6 +220,13 @@ class Expression:
             raise TypeError("the variable stands before a series or an array: x * data")
         return self * data
 
+    def __radd__(self, other: Any) -> "Expression":
+        # What sum() begins with.
+        return self if isinstance(other, Real) and other == 0 else NotImplemented
+
+    def __truediv__(self, number: float) -> "Expression":
+        return self * (1 / number) if isinstance(number, Real) else NotImplemented
+
     def _entries(
         self, rows: "pd.DataFrame", what: str
     ) -> Tuple[npt.NDArray[np.int32], npt.NDArray[np.int32], npt.NDArray[np.float64]]:
@@ -275,8 +282,11 @@ def _matched(
 class Family(Expression):
     """Variables over sets, made by :meth:`ztb.Model.variable`; an expression by itself."""
 
-    def __init__(self, name: str, first: int, frame: "pd.DataFrame") -> None:
+    def __init__(
+        self, name: str, first: int, frame: "pd.DataFrame", model: _native.Model
+    ) -> None:
         self.name = name
+        self._model = model
         self._first = first
         self._frame = frame
         super().__init__([_Term(self, tuple(frame.columns), None, 1.0)])
@@ -313,14 +323,33 @@ def add_rows(
     rows = frame.copy(deep=False)
     # Terms are matched before anything is added, so that what is refused leaves no rows.
     rows[_ROW] = np.arange(len(rows))
-    at, columns, values = expression._entries(rows, name)
+    at, columns, values = _entries(native, expression, rows, name)
     first = native.add_rows(name, native_positions(frame), types, rhs, ranges)
     native.add_terms(at + np.int32(first), columns, values)
     return len(frame)
 
 
-def add_objective(native: _native.Model, expression: Expression) -> None:
-    """Adds the terms of the objective."""
+def objective_entries(
+    native: _native.Model, expression: Expression
+) -> Tuple[npt.NDArray[np.int32], npt.NDArray[np.int32], npt.NDArray[np.float64]]:
+    """Row, column and value of the terms of the objective."""
     frame = frame_over(None)
     frame[_ROW] = 0
-    native.add_terms(*expression._entries(frame, "the objective"))
+    return _entries(native, expression, frame, "the objective")
+
+
+def _entries(
+    native: _native.Model, expression: Any, rows: "pd.DataFrame", what: str
+) -> Tuple[npt.NDArray[np.int32], npt.NDArray[np.int32], npt.NDArray[np.float64]]:
+    if not isinstance(expression, Expression):
+        raise TypeError(
+            f"{what}: {expression!r} ({type(expression).__name__}) is no expression in variables"
+        )
+    for term in expression._terms:
+        if term.family._model is not native:
+            raise ValueError(f"{what}: {term.family.name} is a variable of another model")
+    at, columns, values = expression._entries(rows, what)
+    wrong = np.flatnonzero(~np.isfinite(values))
+    if len(wrong):
+        raise ValueError(f"{what}: a coefficient is {values[wrong[0]]}, a finite number is expected")
+    return at, columns, values

@@ -21,10 +21,11 @@ from typing import Sequence, Tuple, Union
 import numpy as np
 import numpy.typing as npt
 
-from . import _native, arrays, families
+from . import _native, arrays, families, fills, matrices
 from .database import Database
 from .driven import Driven, fill
 from .families import Data, Expression, Family, Over
+from .matrices import Names
 from .numeric import Equation, Parameter, Variable
 from .symbol import Symbol
 from .values import FIELDS
@@ -34,18 +35,14 @@ if TYPE_CHECKING:
 
 Path = Union[str, "os.PathLike[str]"]
 
-_KINDS = {"continuous": 0, "integer": 1, "binary": 2}
-_EQUAL, _GREATER, _LESS, _FREE = range(4)
 _ACTIONS = ("fix", "upper", "lower", "bounds", "level", "marginal")
 _MISSING = ("zero", "base", "keep")
 _SOLVERS = {1: "clp", 2: "cbc", 4: "ipopt"}
 _BEST = (1, 2)
 _WITH_POINT = (1, 2, 6)
 _SUFFIX = "_var"
-
-#: Names of columns or rows for arrays: of a family, of each, or families and what they run over.
-Names = Union[None, str, Sequence[str], Mapping[str, Over]]
-
+#: Seconds that no solve takes, the most that its limit may be.
+_LONG = 1e10
 
 class Model:
     """An optimization model: its variables, its rows, and the solvers' way to it.
@@ -59,19 +56,53 @@ class Model:
     def __init__(self) -> None:
         self._native = _native.new_model()
         self._tie: Optional[Tie] = None
-        self._file: Optional[Tuple[Path, Optional[Path]]] = None
+        #: The file, its data file, and what it was filled with.
+        self._file: Optional[Tuple[Path, Optional[Path], Optional[Database]]] = None
+        self._left: List[str] = []
+        self._has_objective = False
         self._statements: List[str] = []
 
     @classmethod
-    def open(cls, path: Path, data: Optional[Path] = None) -> "Model":
-        """Reads a model file: LP, MPS or MathProg, by its ending; ``data`` is that of a ``.mod``.
+    def open(
+        cls,
+        path: Path,
+        data: Union[None, Path, Database, Mapping[str, Any]] = None,
+        *,
+        model_data: Optional[Path] = None,
+    ) -> "Model":
+        """Reads a model file: LP, MPS or MathProg, by its ending.
 
-        Raises :class:`ztb.Error` with file and line for what is no such model.
+        ``data`` fills the sets and parameters that a MathProg model declares itself, by their
+        names: an RXF file, a database, or a mapping from names to series over labels, numbers, and
+        indexes or lists of labels for sets. ``model_data`` is a file in MathProg that takes the
+        place of the model's own data section; any file but an ``.rxf`` may be given as ``data``, too.
+        Parameters that the model does not declare stand in :attr:`notes`. Raises
+        :class:`ztb.Error` with file and line for what is no such model.
         """
+        records: Optional[Database] = None
+        if isinstance(data, Database):
+            records = data
+        elif isinstance(data, Mapping):
+            records = fills.database_of(data)
+        elif data is not None and os.fspath(data).lower().endswith(".rxf"):
+            records = Database(data)
+        elif data is not None:
+            if model_data is not None:
+                raise ValueError(f"{os.fspath(data)} is no .rxf file, and model_data is given")
+            model_data = data
+        if records is not None and not os.fspath(path).lower().endswith(".mod"):
+            raise ValueError(
+                f"data fill the sets and parameters of a .mod model, and {os.fspath(path)} is none; "
+                "say what they drive, and set them on the tie"
+            )
         model = cls.__new__(cls)
-        model._native = _native.open_model(path, data)
+        model._native, left = _native.open_model(
+            path, model_data, None if records is None else records._native
+        )
+        model._left = [f"the model declares no parameter {name}" for name in left]
         model._tie = None
-        model._file = (path, data)
+        model._has_objective = True
+        model._file = (path, model_data, records)
         model._statements = []
         return model
 
@@ -83,7 +114,7 @@ class Model:
         lower: npt.ArrayLike = -np.inf,
         upper: npt.ArrayLike = np.inf,
         *,
-        bounds: Tuple[npt.ArrayLike, npt.ArrayLike] = (0.0, np.inf),
+        bounds: Tuple[Optional[npt.ArrayLike], Optional[npt.ArrayLike]] = (0.0, np.inf),
         kind: Union[str, npt.ArrayLike] = "continuous",
         columns: Names = None,
         rows: Names = None,
@@ -95,31 +126,33 @@ class Model:
         on x.
 
         ``A`` is a scipy sparse matrix, a tuple ``(data, indices, indptr)`` of its CSR arrays, or a
-        dense array. Numbers that hold for all may stand alone. ``kind`` is ``"continuous"``,
-        ``"integer"`` or ``"binary"``, or an array of 0, 1 and 2 for these. ``columns`` and ``rows``
+        dense array. Numbers that hold for all may stand alone; ``None`` is no bound. ``kind`` is
+        ``"continuous"``, ``"integer"`` or ``"binary"``, or an array of these or of 0, 1 and 2 for
+        them; a binary column is from 0 to 1, whatever its bounds. ``columns`` and ``rows``
         name them: a family (``"buy"``, with labels ``"0"``, ``"1"``, ...), a name for each, or a
         mapping from families to what they run over, in the order of the numbers:
         ``{"buy": ("food", ["Milk", "Tofu"]), "spare": None}``. Without names they are ``x`` and
         ``row``.
         """
-        cost = np.atleast_1d(np.asarray(c, dtype=np.float64))
+        cost = np.atleast_1d(arrays.floats(getattr(c, "to_numpy", lambda: c)(), "c"))
         if cost.ndim != 1:
             raise ValueError(f"c has {cost.ndim} axes, expected one")
-        at, column, value, shape = _entries(A, len(cost))
+        at, column, value, shape = matrices.entries(A, len(cost))
         if shape[1] != len(cost):
             raise ValueError(f"A has {shape[1]} columns, c has {len(cost)} numbers")
         model = cls()
-        types, rhs, ranges = _sides(
-            _spread(lower, shape[0], "lower"), _spread(upper, shape[0], "upper"), "rows"
+        types, rhs, ranges = matrices.sides(
+            matrices.spread(lower, shape[0], "lower"),
+            matrices.spread(upper, shape[0], "upper"),
+            "rows",
         )
-        low = _spread(bounds[0], len(cost), "bounds")
-        high = _spread(bounds[1], len(cost), "bounds")
-        kinds = _kinds(kind, len(cost))
+        kinds = matrices.kinds(kind, len(cost))
+        low, high = matrices.within_kinds(kinds, *matrices.bounds_of(bounds, len(cost)))
         native = model._native
-        native.set_objective(objective, maximize, constant)
-        for name, positions, part in _named(columns, len(cost), "x", "columns"):
+        native.set_objective(str(objective), maximize, constant)
+        for name, positions, part in matrices.named(columns, len(cost), "x", "columns"):
             native.add_columns(name, positions, kinds[part], low[part], high[part])
-        for name, positions, part in _named(rows, shape[0], "row", "rows"):
+        for name, positions, part in matrices.named(rows, shape[0], "row", "rows"):
             native.add_rows(name, positions, types[part], rhs[part], ranges[part])
         numbers = np.flatnonzero(cost).astype(np.int32)
         native.add_terms(np.zeros(len(numbers), dtype=np.int32), numbers, cost[numbers])
@@ -144,15 +177,17 @@ class Model:
         no record, or arrays in its order. ``kind`` is ``"continuous"``, ``"integer"`` or
         ``"binary"``; a binary variable is from 0 to 1.
         """
-        if kind == "binary" and isinstance(upper, float) and np.isinf(upper):
-            upper = 1.0
         frame = families.frame_over(over)
-        low = families.aligned(lower, frame, f"lower bounds of {name}")
-        high = families.aligned(upper, frame, f"upper bounds of {name}")
-        first = self._native.add_columns(
-            name, families.native_positions(frame), _kinds(kind, len(frame)), low, high
+        kinds = matrices.kinds(kind, len(frame))
+        low, high = matrices.within_kinds(
+            kinds,
+            families.aligned(lower, frame, f"lower bounds of {name}"),
+            families.aligned(upper, frame, f"upper bounds of {name}"),
         )
-        return Family(name, first, frame)
+        first = self._native.add_columns(
+            name, families.native_positions(frame), kinds, low, high
+        )
+        return Family(name, first, frame, self._native)
 
     def rows(
         self,
@@ -178,7 +213,7 @@ class Model:
         def sides(frame: "pd.DataFrame") -> Any:
             low = equal if lower is None else lower
             high = equal if upper is None else upper
-            return _sides(
+            return matrices.sides(
                 families.aligned(-np.inf if low is None else low, frame, name),
                 families.aligned(np.inf if high is None else high, frame, name),
                 name,
@@ -201,8 +236,13 @@ class Model:
     def _set_objective(
         self, expression: Expression, name: str, maximize: bool, constant: float
     ) -> None:
+        if self._has_objective:
+            raise ValueError("the model has its objective already")
+        # Refused ones leave the model as it was.
+        entries = families.objective_entries(self._native, expression)
         self._native.set_objective(name, maximize, constant)
-        families.add_objective(self._native, expression)
+        self._native.add_terms(*entries)
+        self._has_objective = True
 
     def drive(self, statement: str) -> None:
         """Says which numbers of the model a symbol drives: ``"price(food) = cost of buy"``.
@@ -210,6 +250,8 @@ class Model:
         Also ``rhs of`` an equation, ``upper of`` or ``lower of`` a variable, and ``coefficient of``
         a variable ``in`` an equation. What the model has not is told with what it has.
         """
+        if not isinstance(statement, str):
+            raise TypeError(f"{statement!r} is no statement of what a symbol drives")
         self._native.drive(statement)
         self._statements.append(statement)
 
@@ -245,13 +287,15 @@ class Model:
         """
         if self._tie is None:
             raise ValueError("the model was not solved yet")
+        if not time_limit >= 0:
+            raise ValueError(f"time_limit={time_limit} is no number of seconds")
         irreducible, by_integers, members = self._native.explain(float(time_limit))
         return Conflict([text for text, _, _ in members], irreducible, by_integers)
 
     @property
     def notes(self) -> List[str]:
         """What is to be told of the model: of the reading, and of names that had to change."""
-        return self._native.notes()
+        return self._native.notes() + self._left
 
 
 @dataclass(frozen=True)
@@ -480,6 +524,12 @@ class Tie:
         every ``every`` seconds, and ends the solve when it gives ``False``. The interpreter's lock
         is free meanwhile, and Ctrl-C ends the solve. No solution is no error: the status tells.
         """
+        if progress is not None and not callable(progress):
+            raise TypeError(f"progress={progress!r} cannot be called")
+        if not 0 <= every < _LONG:
+            raise ValueError(f"every={every} is no number of seconds")
+        if solver is not None and not isinstance(solver, str):
+            raise TypeError(f"{solver!r} is no name of a solver")
         self._require_tied()
         native = self._native
         for option, value in (options or {}).items():
@@ -488,7 +538,7 @@ class Tie:
         limit = None
         if time_limit is not None:
             limit = native.option("TimeLimit")
-            native.set_option("TimeLimit", repr(float(time_limit)))
+            native.set_option("TimeLimit", repr(min(float(time_limit), _LONG)))
         told = None if progress is None else lambda *state: progress(Progress(*state))
         try:
             left = native.solve(name, told, every)
@@ -558,103 +608,3 @@ class Tie:
             index = frames.index_of(symbol, self._database, symbol.rows()[0])
             self._indexes[name] = index
         return index
-
-
-# ---- arrays ----
-
-
-def _entries(
-    matrix: Any, columns: int
-) -> Tuple[npt.NDArray[np.int32], npt.NDArray[np.int32], npt.NDArray[np.float64], Tuple[int, int]]:
-    """Rows, columns and values of the entries of a matrix, and its shape."""
-    if isinstance(matrix, tuple):
-        if len(matrix) != 3:
-            raise ValueError("CSR arrays are a tuple (data, indices, indptr)")
-        data = np.asarray(matrix[0], dtype=np.float64)
-        indices = np.asarray(matrix[1], dtype=np.int32)
-        indptr = np.asarray(matrix[2], dtype=np.int64)
-        if len(indptr) < 1 or indptr[0] != 0 or indptr[-1] != len(data) or len(data) != len(indices):
-            raise ValueError("indptr goes from 0 to the number of data, which is that of indices")
-        if (np.diff(indptr) < 0).any():
-            raise ValueError("indptr does not ascend")
-        rows = np.repeat(np.arange(len(indptr) - 1, dtype=np.int32), np.diff(indptr))
-        return rows, indices, data, (len(indptr) - 1, columns)
-    if hasattr(matrix, "tocoo"):
-        entries = matrix.tocoo()
-        return (
-            entries.row.astype(np.int32),
-            entries.col.astype(np.int32),
-            entries.data.astype(np.float64),
-            entries.shape,
-        )
-    dense = np.atleast_2d(np.asarray(matrix, dtype=np.float64))
-    if dense.ndim != 2:
-        raise ValueError(f"A has {dense.ndim} axes, expected two")
-    at, column = np.nonzero(dense)
-    return (
-        at.astype(np.int32),
-        column.astype(np.int32),
-        dense[at, column],
-        (dense.shape[0], dense.shape[1]),
-    )
-
-
-def _spread(values: npt.ArrayLike, count: int, what: str) -> npt.NDArray[np.float64]:
-    array = np.asarray(values, dtype=np.float64)
-    if array.ndim == 0:
-        return np.full(count, float(array))
-    if array.shape != (count,):
-        raise ValueError(f"{what}: an array of {count} numbers is expected, not of {array.shape}")
-    return np.ascontiguousarray(array)
-
-
-def _kinds(kind: Union[str, npt.ArrayLike], count: int) -> npt.NDArray[np.int32]:
-    if isinstance(kind, str):
-        if kind not in _KINDS:
-            raise ValueError(f"no kind {kind!r}, expected one of {', '.join(_KINDS)}")
-        return np.full(count, _KINDS[kind], dtype=np.int32)
-    return _spread(kind, count, "kind").astype(np.int32)
-
-
-def _sides(
-    lower: npt.NDArray[np.float64], upper: npt.NDArray[np.float64], name: str
-) -> Tuple[npt.NDArray[np.int32], npt.NDArray[np.float64], npt.NDArray[np.float64]]:
-    """Types, right-hand sides and ranges of rows between two sides."""
-    wrong = ~(lower <= upper) | (lower == np.inf) | (upper == -np.inf)
-    if wrong.any():
-        row = int(np.flatnonzero(wrong)[0])
-        raise ValueError(
-            f"{name}: row {row} is from {lower[row]} to {upper[row]}, which nothing satisfies"
-        )
-    has_lower, has_upper = np.isfinite(lower), np.isfinite(upper)
-    types = np.where(has_upper, _LESS, np.where(has_lower, _GREATER, _FREE))
-    types = np.where(has_lower & (lower == upper), _EQUAL, types)
-    rhs = np.where(has_upper, upper, np.where(has_lower, lower, 0.0))
-    both = has_lower & has_upper & (lower < upper)
-    ranges = np.zeros(len(lower))
-    ranges[both] = upper[both] - lower[both]
-    return types.astype(np.int32), rhs, ranges
-
-
-def _named(names: Names, count: int, default: str, what: str) -> List[Tuple[Any, Any, slice]]:
-    """Families or names with their positions and the numbers that they name."""
-    if names is None or isinstance(names, str):
-        labels = [str(number) for number in range(count)]
-        position = (labels, np.arange(count, dtype=np.int32))
-        return [(names or default, [position], slice(0, count))] if count else []
-    if not isinstance(names, Mapping):
-        listed = [str(name) for name in names]
-        if len(listed) != count:
-            raise ValueError(f"{what}: {len(listed)} names for {count}")
-        return [(listed, [], slice(0, count))] if count else []
-    result: List[Tuple[Any, Any, slice]] = []
-    begin = 0
-    for family, over in names.items():
-        frame = families.frame_over(over)
-        result.append(
-            (family, families.native_positions(frame), slice(begin, begin + len(frame)))
-        )
-        begin += len(frame)
-    if begin != count:
-        raise ValueError(f"{what}: the families have {begin} elements, expected {count}")
-    return result

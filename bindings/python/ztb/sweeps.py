@@ -10,6 +10,7 @@ import tempfile
 from pathlib import Path as FilePath
 from typing import TYPE_CHECKING, Any, Iterator, List, Mapping, Optional, Sequence, Union
 
+from . import fills
 from .database import Database
 from .errors import Error
 from .model import Model, Path
@@ -108,7 +109,8 @@ def sweep(
     solver: Optional[str] = None,
     drive: Sequence[str] = (),
     out: Optional[Path] = None,
-    data: Optional[Path] = None,
+    data: Union[None, Path, Database, Mapping[str, Any]] = None,
+    model_data: Optional[Path] = None,
 ) -> SweepResult:
     """Solves a model for each element of the set ``over``, by ``jobs`` processes.
 
@@ -118,19 +120,22 @@ def sweep(
     first level is the scenario. ``report`` names variables and equations to keep. The results stand
     in the file ``out``, or in one that goes with the result; with ``resume`` those that an
     interrupted sweep left in ``out`` are kept. A scenario without a solution is no error: its
-    status tells. Ctrl-C ends the sweep, and what was solved can be resumed.
+    status tells. ``data`` and ``model_data`` are those of :meth:`Model.open`. Ctrl-C ends the sweep,
+    and what was solved can be resumed.
 
     This is ``ztb sweep``, whose page in the reference tells the rest; its program is found beside
     the package or on ``PATH``.
     """
+    statements = [drive] if isinstance(drive, str) else list(drive)
     if isinstance(model, Model):
         if model._file is None:
             raise ValueError(
                 "a sweep reads the model from a file in each process, and this one has none"
             )
-        file, opened_with = model._file
-        data = opened_with if data is None else data
-        drive = [*model._statements, *drive]
+        if data is not None or model_data is not None:
+            raise ValueError("the model was opened with its data; name it by its file instead")
+        file, model_data, data = model._file
+        statements = [*model._statements, *statements]
     else:
         file = model
     folder = tempfile.TemporaryDirectory(prefix="ztb-sweep-")
@@ -144,13 +149,25 @@ def sweep(
         source = os.fspath(scenarios)
     command = [_program(), "sweep", os.fspath(file), "--scenarios", source, "--over", over]
     command += ["--out", target, "--jobs", str(jobs)]
+    if isinstance(data, Mapping) and not isinstance(data, Database):
+        data = fills.database_of(data)
+    if isinstance(data, Database):
+        filled = str(FilePath(folder.name) / "data.rxf")
+        data.write(filled)
+        data = filled
+    if data is not None and not os.fspath(data).lower().endswith(".rxf"):
+        if model_data is not None:
+            raise ValueError(f"{os.fspath(data)} is no .rxf file, and model_data is given")
+        data, model_data = None, data
     if data is not None:
-        command += ["--model-data", os.fspath(data)]
+        command += ["--data", os.fspath(data)]
+    if model_data is not None:
+        command += ["--model-data", os.fspath(model_data)]
     if solver is not None:
         command += ["--solver", solver]
     for name in [report] if isinstance(report, str) else report:
         command += ["--report", name]
-    for statement in drive:
+    for statement in statements:
         command += ["--drive", statement]
     if resume:
         command.append("--resume")

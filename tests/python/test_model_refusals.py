@@ -1,0 +1,189 @@
+"""What models are given that they cannot take, and what looks like it: told, or taken as it is meant,
+never as something else."""
+
+import numpy as np
+import pandas as pd
+import pytest
+import scipy.sparse
+
+import ztb
+
+
+def solved(*arguments, **options):
+    solution = ztb.Model.from_arrays(*arguments, **options).solve()
+    return solution.status, solution.levels("x").tolist()
+
+
+# ---- arrays ----
+
+
+@pytest.mark.parametrize(
+    "matrix, error, text",
+    [
+        (scipy.sparse.csr_matrix([[1j, 1]]), TypeError, "complex128"),
+        (([1.0], [0.7], [0, 1]), TypeError, "indices are of type float64"),
+        (([1.0], np.array([2**32]), [0, 1]), ValueError, "4294967296 is not within 0 and"),
+        (([1.0], [5], [0, 1]), ztb.Error, "there is no column 5, the model has 2"),
+        (([1.0], [-1], [0, 1]), ValueError, "indices: -1 is not within 0 and"),
+        (([1.0], [0], [0]), ValueError, "indptr goes from 0 to the number of data"),
+        (([1.0, 2.0], [0, 1], [0, 3]), ValueError, "indptr goes from 0 to the number"),
+        (([1.0, 2.0], [0, 1], [0, 2, 1, 2]), ValueError, "indptr does not ascend"),
+        (([1.0], [0]), ValueError, "a tuple"),
+        ([["1", "2"]], TypeError, "numbers expected"),
+        ([[1, 1, 1]], ValueError, "A has 3 columns, c has 2 numbers"),
+        (np.zeros((1, 1, 2)), ValueError, "A has 3 axes, expected two"),
+        ([[np.nan, 1]], ztb.Error, "a coefficient has to be a finite number"),
+    ],
+)
+def test_matrices_that_are_none(matrix, error, text):
+    with pytest.raises(error, match=text):
+        ztb.Model.from_arrays([1, 2], matrix, lower=1)
+
+
+@pytest.mark.parametrize(
+    "options, error, text",
+    [
+        ({"bounds": [(0, 1), (0, 2)]}, TypeError, "bounds is a tuple of the lower bounds and"),
+        ({"bounds": 5}, TypeError, "bounds is a tuple"),
+        ({"bounds": (np.nan, 1)}, ztb.Error, "a bound is no number"),
+        ({"bounds": (0, [1, 2, 3])}, ValueError, "upper bounds: an array of 2 numbers"),
+        ({"kind": "int"}, ValueError, "no kind 'int', expected one of continuous, integer, binary"),
+        ({"kind": [0, 7]}, ValueError, "no kind 7"),
+        ({"kind": [0.5, 1]}, TypeError, "not of type float64"),
+        ({"kind": ["integer"]}, ValueError, "an array of 2 is expected"),
+        ({"lower": np.nan}, ValueError, "row 0 is from nan to inf"),
+        ({"lower": [1, 2]}, ValueError, "lower: an array of 1 numbers"),
+        ({"upper": -np.inf}, ValueError, "which nothing satisfies"),
+        ({"columns": ["a"]}, ValueError, "columns: 1 names for 2"),
+        ({"columns": ["a", "a"]}, ztb.Error, 'column "a" stands twice'),
+        ({"columns": {"buy": ("f", ["a"])}}, ValueError, "the families have 1 elements, expected 2"),
+        ({"constant": np.nan}, ztb.Error, "constant has to be a finite number"),
+    ],
+)
+def test_arrays_that_do_not_fit(options, error, text):
+    with pytest.raises(error, match=text):
+        ztb.Model.from_arrays([1, 2], [[1, 1]], **options)
+
+
+def test_arrays_are_taken_as_they_are_meant():
+    one = [[1, 1]]
+    assert solved([1, 2], one, lower=1, bounds=(0, None)) == ("optimal", [1, 0])
+    assert solved([1, 2], one, lower=1, bounds=(None, None))[0] == "unbounded"
+    assert solved([1, 2], one, lower=1, bounds=([0, 2], 1))[0] == "infeasible"
+    assert solved([1, 2], pd.DataFrame(one), lower=1) == ("optimal", [1, 0])
+    assert solved(pd.Series([1, 2]), one, lower=pd.Series([1])) == ("optimal", [1, 0])
+    twice = scipy.sparse.coo_matrix(([1.0, 1.0], ([0, 0], [0, 0])), shape=(1, 2))
+    assert solved([1, 2], twice, lower=1) == ("optimal", [0.5, 0])
+    assert solved([1, 2], scipy.sparse.csr_array([[1.0, 1.0]]), lower=1) == ("optimal", [1, 0])
+    assert solved([1, 2], np.zeros((0, 2))) == ("optimal", [0, 0])
+
+
+def test_binary_columns_are_within_0_and_1_whatever_their_bounds():
+    for bounds in ((0, np.inf), (-3, 5), (None, None)):
+        status, levels = solved([-1, -2], [[1, 1]], upper=1.5, kind="binary", bounds=bounds)
+        assert (status, levels) == ("optimal", [0, 1])
+    kinds = ["binary", "continuous"]
+    assert solved([-1, -2], [[1, 1]], upper=5, kind=kinds) == ("optimal", [0, 5])
+    model = ztb.Model()
+    x = model.variable("x", ("i", ["a", "b"]), kind="binary", upper=3)
+    model.maximize(x)
+    assert model.solve().objective == 2
+
+
+# ---- built ----
+
+
+@pytest.fixture
+def model():
+    return ztb.Model()
+
+
+@pytest.fixture
+def x(model):
+    return model.variable("x", ("i", ["a", "b"]), lower=1)
+
+
+def test_there_is_one_objective(model, x):
+    model.minimize(x)
+    with pytest.raises(ValueError, match="the model has its objective already"):
+        model.maximize(x)
+    assert model.solve().objective == 2
+
+
+def test_variables_of_another_model_are_refused(model, x):
+    other = ztb.Model().variable("y", ("i", ["a", "b"]))
+    with pytest.raises(ValueError, match="r: y is a variable of another model"):
+        model.rows("r", None, x + other, lower=1)
+    with pytest.raises(ValueError, match="the objective: y is a variable of another model"):
+        model.minimize(other)
+
+
+def test_what_is_no_expression(model, x):
+    with pytest.raises(TypeError, match=r"the objective: 3 \(int\) is no expression"):
+        model.minimize(3)
+    with pytest.raises(TypeError, match=r"r: 3 \(int\) is no expression in variables"):
+        model.rows("r", None, 3, lower=1)
+    for wrong in (lambda: x + 1, lambda: 2 - x, lambda: x / x):
+        with pytest.raises(TypeError):
+            wrong()
+    for data in ([np.nan, 1], [np.inf, 1], pd.Series({"a": np.inf, "b": 1.0})):
+        with pytest.raises(ValueError, match="r: a coefficient is .*, a finite number is expected"):
+            model.rows("r", None, x * data, lower=1)
+    model.minimize(sum([x, x]) / 4)
+    assert model.solve().objective == 1
+
+
+# ---- tied ----
+
+
+@pytest.fixture
+def tie(model, x):
+    model.minimize(x * [2, 3], name="cost")
+    model.rows("need", None, x, lower=4)
+    model.drive("price(i) = cost of x")
+    return model.tie()
+
+
+def test_data_that_are_none(tie):
+    with ztb.Database() as db:
+        some = db.add_set("some")
+        with pytest.raises(TypeError, match="price: some is no parameter, and has no numbers"):
+            tie["price"] = some
+    for data in ("3", {1, 2}, (n for n in [1, 2]), np.array([1j, 2])):
+        with pytest.raises(TypeError, match="price"):
+            tie["price"] = data
+    with pytest.raises(ValueError, match="a frame of one column is expected"):
+        tie["price"] = pd.DataFrame({"p": [1.0, 2.0], "q": [1.0, 2.0]}, index=["a", "b"])
+    with pytest.raises(ValueError, match="another row has the same labels"):
+        tie["price"] = pd.Series([1.0, 2.0], index=["a", "a"])
+    assert tie.solve().objective == 2 * 3 + 3
+
+
+def test_ways_to_solve_that_are_none(tie):
+    for options, error, text in [
+        ({"progress": 3}, TypeError, "progress=3 cannot be called"),
+        ({"every": -1}, ValueError, "every=-1 is no number of seconds"),
+        ({"every": np.nan}, ValueError, "every=nan"),
+        ({"every": np.inf}, ValueError, "every=inf"),
+        ({"solver": 3}, TypeError, "3 is no name of a solver"),
+        ({"time_limit": 0}, ztb.Error, "TimeLimit"),
+        ({"options": {"Nope": 1}}, ztb.Error, "there is no option"),
+    ]:
+        with pytest.raises(error, match=text):
+            tie.solve(**options)
+    assert tie.solve(time_limit=np.inf).optimal
+    with pytest.raises(TypeError, match="7 is no statement of what a symbol drives"):
+        tie.drive(7)
+    with pytest.raises(ValueError, match="time_limit=nan is no number of seconds"):
+        tie._model.explain(time_limit=np.nan)
+
+
+def test_a_solve_within_a_solve_is_refused(model):
+    """The callback of a search that does not end comes back to the model that is being solved."""
+    random = np.random.default_rng(3)
+    sizes = random.integers(0, 100, (5, 40)).astype(float)
+    half = np.floor(sizes.sum(axis=1) / 2)
+    endless = ztb.Model.from_arrays(random.random(40), sizes, half, half, bounds=(0, 1), kind="integer")
+    with pytest.raises(ztb.Error, match="in use|inside|operation"):
+        endless.solve(progress=lambda state: endless.solve(), every=0, time_limit=60)
+    assert endless.solve(time_limit=0.1).solve_status == "time limit"
