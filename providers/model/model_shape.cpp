@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <unordered_map>
 #include <utility>
+#include <vector>
 
 #include "providers/model/element_name.h"
 
@@ -28,19 +29,15 @@ class FamilyCounter {
 
   // The number of the family of the column or row `name`.
   std::size_t take(const std::string& name, bool isRow, int kind) {
-    const bool isPlain = name.find_first_of("[(") == std::string::npos;
-    const ElementName element =
-        isPlain ? ElementName{.symbol = name, .labels = {}} : parseElementName(name);
+    // Names differ, so that one without labels is a family by itself.
+    if (name.find_first_of("[(") == std::string::npos) return add(name, isRow, kind, 0);
+    const ElementName element = parseElementName(name);
     const auto dimension = static_cast<int>(element.labels.size());
     std::string key = element.symbol + (isRow ? " r" : " c") + std::to_string(dimension);
     const auto [place, isNew] = numberOf_.try_emplace(std::move(key), shape_.families.size());
     if (isNew) {
       shape_.names.push_back(element.symbol);
-      ztbModelFamily family{};
-      family.isRow = isRow ? 1 : 0;
-      family.dimension = dimension;
-      family.kind = kind;
-      shape_.families.push_back(family);
+      return add(shape_.names.back(), isRow, kind, dimension);
     }
     ztbModelFamily& family = shape_.families[place->second];
     ++family.count;
@@ -49,6 +46,18 @@ class FamilyCounter {
   }
 
  private:
+  // A family of one.
+  std::size_t add(const std::string& name, bool isRow, int kind, int dimension) {
+    ztbModelFamily family{};
+    family.name = name.c_str();
+    family.isRow = isRow ? 1 : 0;
+    family.dimension = dimension;
+    family.count = 1;
+    family.kind = kind;
+    shape_.families.push_back(family);
+    return shape_.families.size() - 1;
+  }
+
   ModelShape& shape_;
   std::unordered_map<std::string, std::size_t> numberOf_;
 };
@@ -101,7 +110,6 @@ ModelShape::ModelShape(const ModelData& data) {
   size.maximize = data.maximize ? 1 : 0;
   size.constant = data.objectiveConstant;
   size.families = static_cast<int>(families.size());
-  for (std::size_t i = 0; i < families.size(); ++i) families[i].name = names[i].c_str();
 }
 
 }  // namespace lomu

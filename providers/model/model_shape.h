@@ -5,19 +5,22 @@
 
 #include <ztb/model.h>
 
+#include <deque>
 #include <string>
-#include <vector>
 
 #include "providers/model/model_data.h"
 
 namespace lomu {
 
 struct ModelShape {
+  // Names without labels stay those of `data`, which has to live as long and be as it is.
   explicit ModelShape(const ModelData& data);
 
   ztbModelSize size{};
-  std::vector<std::string> names;        // of the families
-  std::vector<ztbModelFamily> families;  // columns first, each as they first stand in the model
+  std::deque<std::string> names;  // of families with labels
+  // Columns first, each as they first stand in the model. There may be as many as columns and rows,
+  // so they are never moved to a larger place.
+  std::deque<ztbModelFamily> families;
 };
 
 }  // namespace lomu

@@ -75,3 +75,31 @@ def test_what_is_wrong_is_told(file, scenarios, tmp_path):
         ztb.sweep(tmp_path / "gone.lp", scenarios, over="s")
     with pytest.raises(ValueError, match="this one has none"):
         ztb.sweep(ztb.Model(), scenarios, over="s")
+
+
+def test_scenarios_come_as_mappings_too(file):
+    data = {"demand": {("s1", "x"): 10, ("s2", "x"): 4}}
+    result = ztb.sweep(file, data, over="s", drive=DRIVE[1])
+    assert result.objective.to_dict() == pytest.approx({"s1": 38, "s2": 12})
+    assert result.notes == []
+    with pytest.raises(TypeError, match="demand: ndarray is no data of scenarios, expected a series"):
+        ztb.sweep(file, {"demand": np.zeros(2)}, over="s", drive=DRIVE)
+
+
+def test_what_is_told_of_a_sweep_stands_in_its_notes(file, scenarios):
+    strange = pd.Series([1.0], index=pd.MultiIndex.from_tuples([("s1", "nowhere")]))
+    result = ztb.sweep(file, {**scenarios, "rate": strange}, over="s", drive=DRIVE)
+    assert len(result.notes) == 2
+    assert result.notes[0].endswith("rate has records that meet no column rate_var of the model")
+    assert result.notes[1] == "scenario s3: infeasible"
+
+
+def test_what_drives_nothing_is_told_with_what_does(file, scenarios):
+    with pytest.raises(ztb.Error, match="no columns prise_var; data drive rate and demand"):
+        ztb.sweep(file, {"prise": scenarios["demand"]}, over="s", drive=DRIVE)
+
+
+def test_a_folder_is_no_place_for_results(file, scenarios, tmp_path):
+    with pytest.raises(ztb.Error, match="is a folder, expected the name of a file"):
+        ztb.sweep(file, scenarios, over="s", drive=DRIVE, out=tmp_path)
+    assert not list(tmp_path.parent.glob(f"{tmp_path.name}.part*"))

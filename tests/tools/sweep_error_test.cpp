@@ -46,7 +46,9 @@ TEST_F(SweepErrorTest, ASetThatCannotBeSweptOver) {
 
 TEST_F(SweepErrorTest, AParameterThatDoesNotFitTheModel) {
   makeFile("weight", 2);
-  expectOverFails("s", "ztb: m.lp: the model has no columns weight_var\n");
+  expectOverFails("s",
+                  "ztb: m.lp: the model has no columns weight_var; data drive rate, demand and "
+                  "extra\n");
   makeFile("rate", 3);
   expectOverFails("s", "ztb: m.lp: the columns rate_var have 1 positions, parameter rate has 2\n");
 }

@@ -4,7 +4,9 @@
 
 #include <filesystem>
 #include <optional>
+#include <string_view>
 #include <system_error>
+#include <utility>
 #include <ztb/case_folding.hpp>
 #include <ztb/model_names.hpp>
 
@@ -73,9 +75,28 @@ bool ModelSession::drives(const std::string& name) const {
   return columns && columns->type() == ztb::Type::variable;
 }
 
+std::string ModelSession::drivingText() const {
+  constexpr std::string_view suffix = ztb::parameterSuffix;
+  std::vector<std::string> names;
+  for (const ztb::Symbol& symbol : database_.symbols()) {
+    std::string name = symbol.name().str();
+    if (symbol.type() != ztb::Type::variable || !name.ends_with(suffix)) continue;
+    name.resize(name.size() - suffix.size());
+    names.push_back(std::move(name));
+  }
+  if (names.empty()) return "; data drive nothing in it: say what they do with --drive";
+  constexpr std::size_t kNamed = 10;
+  std::string text = "; data drive " + names.front();
+  for (std::size_t k = 1; k < names.size() && k < kNamed; ++k) {
+    text += (k + 1 == names.size() ? " and " : ", ") + names[k];
+  }
+  return names.size() > kNamed ? text + fmt::format(" and {} more", names.size() - kNamed) : text;
+}
+
 ztb::Symbol ModelSession::parameter(const std::string& name, int dimension) {
   if (!drives(name)) {
-    throw Failure(withFile(file_, "the model has no columns " + name + ztb::parameterSuffix));
+    throw Failure(withFile(file_, fmt::format("the model has no columns {}{}{}", name,
+                                              ztb::parameterSuffix, drivingText())));
   }
   const ztb::Symbol columns = database_.symbol(name + ztb::parameterSuffix);
   if (columns.dimension() != dimension) {

@@ -59,6 +59,8 @@ class ModelSession {
   void reportNotes(bool all) const;
 
  private:
+  // What there is to be driven, for messages.
+  [[nodiscard]] std::string drivingText() const;
   [[nodiscard]] std::string solverOf(int kind) const;
 
   std::string file_;

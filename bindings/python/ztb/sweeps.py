@@ -30,7 +30,11 @@ class SweepResult:
     scenarios and the positions of the symbol.
     """
 
-    def __init__(self, path: Path, over: str, folder: Any = None) -> None:
+    def __init__(
+        self, path: Path, over: str, folder: Any = None, notes: Sequence[str] = ()
+    ) -> None:
+        #: What was told of the sweep: records that meet nothing, scenarios without a solution.
+        self.notes = list(notes)
         self._path = path
         self._over = over
         self._folder = folder
@@ -171,23 +175,36 @@ def sweep(
         command += ["--drive", statement]
     if resume:
         command.append("--resume")
-    _run(command, target)
-    return SweepResult(target, over, folder)
+    return SweepResult(target, over, folder, _run(command, target))
 
 
 def _database_of(scenarios: Mapping[str, "pd.Series[Any]"], over: str) -> Database:
     import pandas as pd
 
+    data = {name: _series_of(name, content) for name, content in scenarios.items()}
     database = Database()
     labels = pd.Index([])
-    for series in scenarios.values():
+    for series in data.values():
         labels = labels.append(pd.Index(series.index.get_level_values(0)))
     database.add_set(over).extend(labels.unique())
-    for name, series in scenarios.items():
+    for name, series in data.items():
         parameter = database.add_parameter(name, [over] + ["*"] * (series.index.nlevels - 1))
         # The levels stand in the order of the positions, whatever they are called.
         parameter.from_pandas(series.rename_axis([None] * series.index.nlevels))
     return database
+
+
+def _series_of(name: str, content: Any) -> "pd.Series[Any]":
+    import pandas as pd
+
+    if isinstance(content, pd.Series):
+        return content
+    if isinstance(content, Mapping):
+        return pd.Series(content)
+    raise TypeError(
+        f"{name}: {type(content).__name__} is no data of scenarios, expected a series or a mapping "
+        "whose first label is the scenario"
+    )
 
 
 def _program() -> str:
@@ -202,8 +219,9 @@ def _program() -> str:
     return found
 
 
-def _run(command: List[str], target: str) -> None:
-    """Runs the program. A run that leaves scenarios without a solution has results all the same."""
+def _run(command: List[str], target: str) -> List[str]:
+    """Runs the program; what it told. A run that leaves scenarios without a solution has results all
+    the same."""
     before = _stamp(target)
     process = subprocess.Popen(
         command, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.PIPE
@@ -214,10 +232,10 @@ def _run(command: List[str], target: str) -> None:
         process.send_signal(signal.SIGINT)
         process.communicate()
         raise
-    if process.returncode == 0 or (process.returncode == 1 and _stamp(target) != before):
-        return
     text = errors.decode("utf-8", "surrogateescape").strip()
     lines = [line[5:] if line.startswith("ztb: ") else line for line in text.splitlines()]
+    if process.returncode == 0 or (process.returncode == 1 and _stamp(target) != before):
+        return lines
     raise Error("\n".join(lines) or f"ztb ended with {process.returncode}", "sweep")
 
 
