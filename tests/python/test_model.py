@@ -418,6 +418,29 @@ def test_progress_is_told_and_ends_a_solve(endless):
     assert len(seen) == 3 and seen == sorted(seen) and seen[0] >= 0.05
 
 
+@pytest.mark.parametrize("solver", ["cbc", "glpk"])
+def test_progress_has_the_best_objective_and_the_bound(solver):
+    """Knapsacks, of which more is put in than a bound allows only in part of a thing."""
+    random = np.random.default_rng(5)
+    sizes = random.integers(5, 1000, (5, 60)).astype(float)
+    worth = sizes.mean(axis=0) + random.integers(0, 100, 60)
+    room = np.floor(sizes.sum(axis=1) / 2)
+    relaxed = ztb.Model.from_arrays(worth, sizes, upper=room, bounds=(0, 1), maximize=True)
+    most = relaxed.solve().objective
+    model = ztb.Model.from_arrays(worth, sizes, upper=room, kind="binary", maximize=True)
+    seen = []
+
+    def progress(state):
+        seen.append(state)
+        return not state.gap > 0
+
+    solution = model.solve(solver, progress=progress, every=0, time_limit=60)
+    assert solution.solve_status == "terminated"
+    assert 0 < seen[-1].objective < seen[-1].bound <= most + 1e-6
+    assert seen[-1].gap == pytest.approx(seen[-1].bound / seen[-1].objective - 1)
+    assert solution.status == "feasible" and 0 < solution.gap < 1
+
+
 def test_an_error_of_the_callback_comes_out(endless):
     def progress(seconds):
         raise OSError("enough")
