@@ -38,7 +38,7 @@ class DatabaseFillTest : public testing::Test {
   std::string refusal() {
     ztb::DatabaseFills fills(database);
     try {
-      ztb::Model::open(folder.file("m.mod"), "", fills.all());
+      (void)ztb::Model::open(folder.file("m.mod"), "", fills.all());
     } catch (const ztb::Error& error) {
       return error.what();
     }
