@@ -15,7 +15,7 @@ from .database import Database, memory_needed, open
 from .errors import DamagedFileError, Error, MissingFileError, NotFoundError
 from .families import Expression, Family
 from .labels import Key, Label, label_text
-from .model import Conflict, Model, Solution, Tie
+from .model import Conflict, Model, Progress, Solution, Tie
 from .numeric import Equation, Parameter, Variable
 from .selection import Selection
 from .special import (
@@ -68,6 +68,7 @@ __all__ = [
     "NEG_INF",
     "NotFoundError",
     "Parameter",
+    "Progress",
     "SPECIAL_VALUES",
     "Selection",
     "Set",

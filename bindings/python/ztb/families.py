@@ -221,8 +221,9 @@ class Expression:
         return self * data
 
     def __radd__(self, other: Any) -> "Expression":
-        # What sum() begins with.
-        return self if isinstance(other, Real) and other == 0 else NotImplemented
+        if not isinstance(other, Real) or other != 0:
+            return NotImplemented
+        return self  # what sum() begins with
 
     def __truediv__(self, number: float) -> "Expression":
         return self * (1 / number) if isinstance(number, Real) else NotImplemented

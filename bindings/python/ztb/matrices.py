@@ -3,7 +3,7 @@ rows, and names."""
 
 from __future__ import annotations
 
-from typing import Any, List, Mapping, Optional, Sequence, Tuple, Union
+from typing import Any, Dict, List, Mapping, Optional, Sequence, Tuple, Union
 
 import numpy as np
 import numpy.typing as npt
@@ -95,7 +95,8 @@ def kinds(kind: Union[str, npt.ArrayLike], count: int) -> npt.NDArray[np.int32]:
         raise TypeError(f"kinds are words or numbers from 0 to 2, not of type {given.dtype}")
     if given.ndim > 1 or (given.ndim == 1 and len(given) != count):
         raise ValueError(f"kind: an array of {count} is expected, not of {given.shape}")
-    known = {**_KINDS, **{number: number for number in _KINDS.values()}}
+    known: Dict[Any, int] = dict(_KINDS)
+    known.update((number, number) for number in _KINDS.values())
     found, places = np.unique(given, return_inverse=True)
     wrong = [one for one in found.tolist() if one not in known]
     if wrong:
