@@ -97,9 +97,3 @@ def test_what_is_told_of_a_sweep_stands_in_its_notes(file, scenarios):
 def test_what_drives_nothing_is_told_with_what_does(file, scenarios):
     with pytest.raises(ztb.Error, match="no columns prise_var; data drive rate and demand"):
         ztb.sweep(file, {"prise": scenarios["demand"]}, over="s", drive=DRIVE)
-
-
-def test_a_folder_is_no_place_for_results(file, scenarios, tmp_path):
-    with pytest.raises(ztb.Error, match="is a folder, expected the name of a file"):
-        ztb.sweep(file, scenarios, over="s", drive=DRIVE, out=tmp_path)
-    assert not list(tmp_path.parent.glob(f"{tmp_path.name}.part*"))

@@ -226,10 +226,6 @@ class Sweep {
 int runSweep(SweepOptions options) {
   refuseReplacing({options.model, options.modelData, options.data, options.scenarios}, options.out);
   requireTakesFills(options.data, options.model);
-  std::error_code error;
-  if (std::filesystem::is_directory(options.out, error)) {
-    throw Failure(withFile(options.out, "is a folder, expected the name of a file"));
-  }
   if (options.stall == 0) {
     throw UsageError("--stall 0: at least 1 is expected");
   }
