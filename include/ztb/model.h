@@ -185,10 +185,28 @@ double ztbModelProcessorSeconds(ztbModel* model);
  * 0 for solvers other than cbc. */
 int ztbModelStartTaken(ztbModel* model);
 
+/* Writes the basis that the last solve left, to begin a later solve of the same model with, in
+ * another process too. A file that was there is replaced. Refused when it left none: clp and glpk
+ * leave one with the optimum of a linear model. */
+int ztbModelWriteBasis(ztbModel* model, const char* file);
+
+/* Has the next solve begin with a basis that was written so, if it is one of a model with the same
+ * columns and rows; ztbModelBasisTaken tells after the solve. clp and glpk take it. Data may have
+ * changed. Refused: a file that holds no basis. */
+int ztbModelReadBasis(ztbModel* model, const char* file);
+
+/* 1 if the last solve began with the basis that ztbModelReadBasis read. */
+int ztbModelBasisTaken(ztbModel* model);
+
 /* How many solves of this model were followed by a cold one so far: a live solver claimed something
  * without a proof that holds, or gave up, and the model was solved once more from the beginning.
  * The log tells each. */
 int ztbModelColdSolves(ztbModel* model);
+
+/* Puts levels, marginals and statuses of all columns and rows back to what they were before the
+ * first solve, for a solver that begins at the levels, as ipopt does: its next solve does not
+ * depend on the ones before. */
+int ztbModelResetLevels(ztbModel* model);
 
 /* Words for the codes above, such as "optimal" and "time limit". */
 const char* ztbModelStatusText(int status);
@@ -197,6 +215,29 @@ const char* ztbModelSolveStatusText(int status);
 /* Asks a running solve to end; may be called from another thread or a signal handler. The next
  * solve clears the request. */
 void ztbModelTerminate(ztbModel* model);
+
+/* Works out how far each cost and each right-hand side can move by itself while the basis that the
+ * last solve left stays optimal: levels of basic columns move with a right-hand side, the objective
+ * with a cost, marginals and levels do not. Refused when that solve found no optimum, for models
+ * with integers or products that move, when the model was updated since, and for solvers other than
+ * clp and glpk. Where several bases are optimal, the ranges are those of the one that the solver
+ * left. */
+int ztbModelRanging(ztbModel* model);
+
+/* What ztbModelRanging found, infinite where there is no end: of a column's coefficient in the
+ * objective, products included, and of a row's right-hand side. 0 for a number out of range and
+ * before ztbModelRanging. */
+int ztbModelCostRange(ztbModel* model, int column, double* lower, double* upper);
+int ztbModelRhsRange(ztbModel* model, int row, double* lower, double* upper);
+
+/* The symbol that a column or row of a model in use is an element of, and its labels, of which
+ * *dimension, at most 20, go to `labels`. Null for a number out of range. */
+const char* ztbModelColumnElement(ztbModel* model, int column, int* dimension, const char** labels);
+const char* ztbModelRowElement(ztbModel* model, int row, int* dimension, const char** labels);
+
+/* How many columns and rows a model in use has, row 0 included; 0 for one that is not. */
+int ztbModelColumnCount(ztbModel* model);
+int ztbModelRowCount(ztbModel* model);
 
 /* Parts of a model that a conflict is made of: a row that is an equation, a side of a row, both
  * bounds of a column that stands still, a bound of a column. */

@@ -144,6 +144,30 @@ class Model {
     return progress;
   }
 
+  // How far each cost and each right-hand side can move by itself while the basis that the last
+  // solve left stays optimal; ztbModelRanging tells more. An entry a column, and a row.
+  struct Ranging {
+    struct Range {
+      std::string symbol;
+      std::vector<std::string> labels;
+      double lower = 0;
+      double upper = 0;
+    };
+    std::vector<Range> costs;
+    std::vector<Range> sides;  // the first is the objective's, without an end
+  };
+  [[nodiscard]] Ranging ranging() {
+    check(ztbModelRanging(handle_), "ztbModelRanging");
+    Ranging ranging;
+    for (int j = 0; j < ztbModelColumnCount(handle_); ++j) {
+      ranging.costs.push_back(rangeOf(j, ztbModelColumnElement, ztbModelCostRange));
+    }
+    for (int i = 0; i < ztbModelRowCount(handle_); ++i) {
+      ranging.sides.push_back(rangeOf(i, ztbModelRowElement, ztbModelRhsRange));
+    }
+    return ranging;
+  }
+
   // What the last solve left.
   [[nodiscard]] int status() const { return ztbModelStatus(handle_); }
   [[nodiscard]] int solveStatus() const { return ztbModelSolveStatus(handle_); }
@@ -180,6 +204,18 @@ class Model {
   [[nodiscard]] bool startTaken() const { return ztbModelStartTaken(handle_) != 0; }
   // Solves that were followed by another one from the beginning, since nothing proved the first.
   [[nodiscard]] int coldSolves() const { return ztbModelColdSolves(handle_); }
+  // The basis that the last solve left, to a file, and from one for the next solve; whether that
+  // was taken. clp and glpk have bases.
+  void writeBasis(const ZString& file) {
+    check(ztbModelWriteBasis(handle_, file.c_str()), "ztbModelWriteBasis");
+  }
+  void readBasis(const ZString& file) {
+    (void)pbi();
+    check(ztbModelReadBasis(handle_, file.c_str()), "ztbModelReadBasis");
+  }
+  [[nodiscard]] bool basisTaken() const { return ztbModelBasisTaken(handle_) != 0; }
+  // Levels as before the first solve, where a solver such as ipopt begins.
+  void resetLevels() { check(ztbModelResetLevels(handle_), "ztbModelResetLevels"); }
   // Why the last call that failed did; empty when none did, and after a solve that worked.
   [[nodiscard]] std::string message() const { return ztbModelMessage(handle_); }
 
@@ -230,6 +266,18 @@ class Model {
   void check(int result, const char* operation) const {
     if (result == 0) throw Error(operation, ztbModelMessage(handle_), latestKind());
   }
+
+  template <class Element, class Find>
+  [[nodiscard]] Ranging::Range rangeOf(int number, const Element& element, const Find& find) const {
+    std::array<const char*, kMaxDimension> labels{};
+    int dimension = 0;
+    Ranging::Range range;
+    range.symbol = element(handle_, number, &dimension, labels.data());
+    range.labels.assign(labels.begin(), labels.begin() + dimension);
+    find(handle_, number, &range.lower, &range.upper);
+    return range;
+  }
+  static constexpr std::size_t kMaxDimension = 20;
 
   ztbModel* handle_ = nullptr;
 };

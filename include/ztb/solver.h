@@ -119,7 +119,7 @@ typedef struct ztbSolverResult {
   int32_t hasPoint; /* 1: the levels satisfy all rows and bounds; 0 at first */
   double iterations;
   double bound;       /* no objective is below; at first minus infinity */
-  int32_t startTaken; /* 1: the search began with the point that it was asked to; 0 at first */
+  int32_t startTaken; /* 1: it began with the point or basis that it was asked to; 0 at first */
   double* level;
   int32_t* position;
   /* The change of the minimized objective per unit of right-hand side. */

@@ -1,5 +1,7 @@
 #include "providers/model/checked_solver.h"
 
+#include <algorithm>
+#include <chrono>
 #include <utility>
 
 #include "providers/model/solvers/claim_check.h"
@@ -8,7 +10,7 @@ namespace lomu {
 
 bool CheckedSolver::load(const SolverProblem& problem, std::string& reason) {
   problem_ = &problem;
-  isWarm_ = false;
+  isWarm_ = problem.position != nullptr;
   return solver_->load(problem, reason);
 }
 
@@ -17,16 +19,45 @@ bool CheckedSolver::update(const SolverProblem& problem) {
   return solver_->update(problem);
 }
 
+namespace {
+
+double secondsSince(std::chrono::steady_clock::time_point begin) {
+  return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+}
+
+}  // namespace
+
 void CheckedSolver::solve(const SolverLimits& limits, SolverResult& result) {
   doubt_.clear();
-  solver_->solve(limits, result);
-  if (!std::exchange(isWarm_, true)) return;
-  doubt_ = claimDoubt(*problem_, result);
+  const auto begin = std::chrono::steady_clock::now();
+  if (!std::exchange(isWarm_, true)) {
+    solver_->solve(limits, result);
+    coldSeconds_ = secondsSince(begin);
+    return;
+  }
+  SolverLimits warm = limits;
+  const double most = std::max(kLeastWarmSeconds, kMostColdSolves * coldSeconds_);
+  const bool isCapped = coldSeconds_ > 0 && most < limits.seconds;
+  if (isCapped) warm.seconds = most;
+  solver_->solve(warm, result);
+  SolverLimits rest = limits;
+  if (isCapped && result.outcome == Outcome::timeLimit) {
+    doubt_ = "it took far longer than a fresh solve";
+    rest.barrier = 1;
+  } else {
+    doubt_ = claimDoubt(*problem_, result);
+  }
   if (doubt_.empty()) return;
+  rest.seconds = std::max(0.0, limits.seconds - secondsSince(begin));
   const double iterations = result.iterations;
   result.begin(result.level.size(), result.rowMarginal.size());
-  if (!solver_->load(*problem_, result.reason)) return;
-  solver_->solve(limits, result);
+  cold_ = *problem_;
+  cold_.position = nullptr;
+  cold_.rowPosition = nullptr;
+  if (!solver_->load(cold_, result.reason)) return;
+  const auto again = std::chrono::steady_clock::now();
+  solver_->solve(rest, result);
+  coldSeconds_ = secondsSince(again);
   result.iterations += iterations;
 }
 

@@ -2,7 +2,9 @@
 //
 // One that goes on from its last solve can end at a wrong place. So an answer of a warm solve that
 // nothing proves, and a warm solve that ended with none, are each followed by one cold solve: the
-// problem is handed over and solved from the beginning, and that answer counts, whatever it is.
+// problem is handed over and solved from the beginning, and that answer counts, whatever it is. So
+// is a warm solve that takes far longer than the last cold one did, which is then ended, and the
+// cold one is by an interior point method where the solver has one.
 #ifndef ZTB_PROVIDERS_MODEL_CHECKED_SOLVER_H_
 #define ZTB_PROVIDERS_MODEL_CHECKED_SOLVER_H_
 
@@ -26,10 +28,16 @@ class CheckedSolver : public Solver {
   // Why the last solve needed a cold one; empty when it did not.
   [[nodiscard]] const std::string& doubt() const { return doubt_; }
 
+  // The time that a warm solve has: that of so many cold ones, and no less than so many seconds.
+  static constexpr double kMostColdSolves = 5;
+  static constexpr double kLeastWarmSeconds = 2;
+
  private:
   std::unique_ptr<Solver> solver_;
   const SolverProblem* problem_ = nullptr;
-  bool isWarm_ = false;  // the solver goes on from a solve before
+  SolverProblem cold_{};    // the same without a basis to begin with
+  bool isWarm_ = false;     // the solver goes on from a solve before, or begins with a basis
+  double coldSeconds_ = 0;  // that the last cold solve took
   std::string doubt_;
 };
 

@@ -201,10 +201,21 @@ class ConflictSearch {
       // A search over integers without bounds may come to no end.
       if (conflict_.byIntegers && plain_.isInteger[column] != 0) continue;
       // Data that stand still in a product make it linear.
-      if (isFactor(column)) continue;
+      if (isFactor(column) || needsBounds(column)) continue;
       addColumn(column, bounds);
     }
     filter(bounds, 0, bounds.size());
+  }
+
+  // Columns that may be 0 beside their bounds, and those of sets, are searched by their bounds.
+  [[nodiscard]] bool needsBounds(int column) const {
+    if (plain_.isSemiContinuous != nullptr && plain_.isSemiContinuous[column] != 0) return true;
+    for (int s = 0; s < plain_.setCount; ++s) {
+      const int* const members = plain_.setColumns + plain_.sets[s].first;
+      const int* const end = members + plain_.sets[s].count;
+      if (std::find(members, end, column) != end) return true;
+    }
+    return false;
   }
 
   // Whether a fresh solver says so too of what is left, or the time is over.

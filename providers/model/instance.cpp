@@ -175,6 +175,15 @@ double Instance::levelWithin(int j) const {
   return std::max(lowers()[at(j)], std::min(uppers()[at(j)], level));
 }
 
+void Instance::resetLevels() {
+  columns_.assign(columns_.size(), SolutionRecord{});
+  rows_.assign(rows_.size(), SolutionRecord{});
+  for (int j = 0; j < columnCount(); ++j) {
+    if (!mayBeZero(j))
+      columns_[at(j)].level = std::max(lower_[at(j)], std::min(upper_[at(j)], 0.0));
+  }
+}
+
 double Instance::inner(double value) const {
   if (value >= plusInfinity_) return kInfinity;
   if (value <= minusInfinity_) return -kInfinity;
@@ -333,6 +342,8 @@ const SolverProblem& Instance::solverProblem() {
   setProducts(problem_, linearized ? std::span<const SolverProduct>() : solverProducts_);
   problem_.level = solverLevel_.data();
   problem_.levelIsStart = levelsAreStart_ ? 1 : 0;
+  problem_.position = startBasis_.isEmpty() ? nullptr : startBasis_.columns.data();
+  problem_.rowPosition = startBasis_.isEmpty() ? nullptr : startBasis_.rows.data();
   problem_.isSemiContinuous = isSemiContinuous_.empty() ? nullptr : isSemiContinuous_.data();
   problem_.sets = solverSets_.data();
   problem_.setCount = static_cast<std::int32_t>(solverSets_.size());

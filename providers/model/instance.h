@@ -23,6 +23,7 @@
 #include <string>
 #include <vector>
 
+#include "providers/model/basis_file.h"
 #include "providers/model/driven_numbers.h"
 #include "providers/model/model_data.h"
 #include "providers/model/solver.h"
@@ -112,6 +113,13 @@ class Instance {
   void* storeView();
   void restoreView(void* view);
 
+  // Levels, marginals and statuses as at the beginning, by the present bounds.
+  void resetLevels();
+
+  // The basis that solvers are told to begin with; an empty one is none.
+  void beginAtBasis(Basis basis) { startBasis_ = std::move(basis); }
+  [[nodiscard]] bool beginsAtBasis() const { return !startBasis_.isEmpty(); }
+
   void setModelStatus(int status) { modelStatus_ = status; }
   void setSolveStatus(int status) { solveStatus_ = status; }
   [[nodiscard]] int modelStatus() const { return modelStatus_; }
@@ -193,6 +201,7 @@ class Instance {
   bool alternativeRhs_ = false;
   bool forcedLinear_ = false;
   bool levelsAreStart_ = false;
+  Basis startBasis_;
   std::vector<std::unique_ptr<View>> views_;
 
   int modelStatus_ = 13;

@@ -71,7 +71,11 @@ void LiveSolver::solve(const SolverLimits& limits) {
                              "; solved once more from the beginning");
   }
   instance.takeResult(result_);
-  model_->startTaken = result_.startTaken;
+  model_->solver = row_.name;
+  const bool beganAtBasis = instance.beginsAtBasis() && instance.type() == ModelType::linear;
+  model_->basisTaken = beganAtBasis && result_.startTaken;
+  model_->startTaken = !beganAtBasis && result_.startTaken;
+  instance.beginAtBasis({});
 
   // The objective of a solve without a point would be that of an older one.
   std::array<char, 48> objective{};

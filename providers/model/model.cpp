@@ -47,6 +47,58 @@ void Model::explain(double mostSeconds) {
   conflictTexts = std::move(texts);
 }
 
+void Model::findRanges() {
+  ranging = {};
+  requireUsableData();
+  const Catalogue& catalogue = environment->catalogue();
+  const CatalogueRow* const row = catalogue.row(catalogue.number(solver));
+  if (row == nullptr) throw ModelError("the model was not solved yet");
+  environment->clearTerminate();
+  ranging = lomu::findRanges(instance, *row, environment->limits());
+}
+
+Basis Model::basis() const {
+  constexpr std::uint64_t kFnvBegin = 14695981039346656037U;
+  constexpr std::uint64_t kFnvFactor = 1099511628211U;
+  Basis basis;
+  basis.names = kFnvBegin;
+  const auto addName = [&](const std::string& name) {
+    for (const char letter : name) {
+      basis.names = (basis.names ^ static_cast<unsigned char>(letter)) * kFnvFactor;
+    }
+    basis.names *= kFnvFactor;
+  };
+  for (int j = 0; j < instance.solverColumnCount(); ++j) {
+    basis.columns.push_back(instance.column(j).status);
+    addName(columnName(j));
+  }
+  for (int i = 1; i < instance.rowCount(); ++i) {
+    basis.rows.push_back(instance.row(i).status);
+    addName(rowName(i));
+  }
+  return basis;
+}
+
+void Model::saveBasis(const std::string& file) const {
+  constexpr int kOptimal = 1;
+  const Basis now = basis();
+  if (instance.modelStatus() != kOptimal || instance.type() != ModelType::linear ||
+      !now.isWhole()) {
+    throw ModelError(
+        "the last solve left no basis, as clp and glpk leave one with the optimum of a linear "
+        "model");
+  }
+  writeBasis(now, file);
+}
+
+void Model::loadBasis(const std::string& file) {
+  Basis read = readBasis(file);
+  const Basis own = basis();
+  const bool fits = read.names == own.names && read.columns.size() == own.columns.size() &&
+                    read.rows.size() == own.rows.size() && read.isWhole();
+  instance.beginAtBasis(fits ? std::move(read) : Basis{});
+}
+
 std::string Model::memberText(const ConflictMember& member) const {
   const bool ofRow = member.part <= ConflictPart::rowUpper;
   const bool isLower =

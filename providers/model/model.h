@@ -10,10 +10,12 @@
 #include <string_view>
 #include <vector>
 
+#include "providers/model/basis_file.h"
 #include "providers/model/conflict.h"
 #include "providers/model/dictionary.h"
 #include "providers/model/environment.h"
 #include "providers/model/instance.h"
+#include "providers/model/ranging.h"
 
 namespace lomu {
 
@@ -27,8 +29,17 @@ struct Model {
 
   // Finds out why the last solve had no solution, and leaves it as `conflict`. Throws ModelError.
   void explain(double mostSeconds);
+  // Finds out how far costs and right-hand sides can move, and leaves it as `ranging`. Throws
+  // ModelError.
+  void findRanges();
   // A member of the conflict, such as "demand(oslo) >= 30", and what data drive its number.
   [[nodiscard]] std::string memberText(const ConflictMember& member) const;
+
+  // The basis that the last solve left, to a file. Throws ModelError when it left none.
+  void saveBasis(const std::string& file) const;
+  // Has the next solver that is handed the model begin with the basis of a file; one of another
+  // model is passed over. Throws ModelError for what is no such file.
+  void loadBasis(const std::string& file);
 
   // Names as in the database.
   [[nodiscard]] std::string columnName(int column) const;
@@ -46,12 +57,18 @@ struct Model {
   std::shared_ptr<Environment> environment;
   int coldSolves = 0;              // how often a live solver was not believed
   bool startTaken = false;         // by the last solve
+  bool basisTaken = false;         // likewise
   double seconds = 0;              // of the last solve, by the wall clock
   double processorSeconds = 0;     // and by that of the thread
   std::string message;             // why the last solve or call failed
   std::vector<std::string> notes;  // of the reading of the file, then of the dictionary
+  std::string solver;              // of the last solve
+  Ranging ranging;
   Conflict conflict;
   std::vector<std::string> conflictTexts;  // of its members
+
+ private:
+  [[nodiscard]] Basis basis() const;
 };
 
 // The text of an exception for a user.

@@ -133,6 +133,23 @@ int make(ztbModel** model, const char* file, const char* dataFile, std::span<ztb
       [&](const char* text) { copyText(text, message, messageSize); });
 }
 
+int takeRange(const std::vector<double>& lowers, const std::vector<double>& uppers, int number,
+              double* lower, double* upper) {
+  if (number < 0 || static_cast<std::size_t>(number) >= lowers.size()) return 0;
+  *lower = lowers[static_cast<std::size_t>(number)];
+  *upper = uppers[static_cast<std::size_t>(number)];
+  return 1;
+}
+
+const char* takeElement(const lomu::Dictionary& dictionary, const lomu::Dictionary::Place& place,
+                        int* dimension, const char** labels) {
+  *dimension = place.dimension;
+  for (int k = 0; k < place.dimension; ++k) {
+    labels[k] = dictionary.labels()[static_cast<std::size_t>(place.keys[k]) - 1].c_str();
+  }
+  return dictionary.symbols()[static_cast<std::size_t>(place.symbol) - 1].name.c_str();
+}
+
 }  // namespace
 
 MODEL_EXPORT int ztbModelOpen(ztbModel** model, const char* file, const char* dataFile,
@@ -296,6 +313,33 @@ MODEL_EXPORT int ztbModelColdSolves(ztbModel* model) {
   return inUse ? model->model->coldSolves : 0;
 }
 
+MODEL_EXPORT int ztbModelWriteBasis(ztbModel* model, const char* file) {
+  return change(model, [&] {
+    if (file == nullptr || *file == '\0') throw ModelError("no file to write was named");
+    if (model->model == nullptr) throw ModelError("the model was not solved yet");
+    model->model->saveBasis(file);
+  });
+}
+
+MODEL_EXPORT int ztbModelReadBasis(ztbModel* model, const char* file) {
+  return change(model, [&] {
+    if (file == nullptr || *file == '\0') throw ModelError("no file to read was named");
+    if (model->model == nullptr) throw ModelError("the model is not tied to a database yet");
+    model->model->loadBasis(file);
+  });
+}
+
+MODEL_EXPORT int ztbModelBasisTaken(ztbModel* model) {
+  const bool inUse = model != nullptr && model->model != nullptr;
+  return inUse && model->model->basisTaken ? 1 : 0;
+}
+
+MODEL_EXPORT int ztbModelResetLevels(ztbModel* model) {
+  return change(model, [&] {
+    if (model->model != nullptr) model->model->instance.resetLevels();
+  });
+}
+
 MODEL_EXPORT const char* ztbModelStatusText(int status) {
   return lomu::modelStatusText(status);
 }
@@ -318,6 +362,51 @@ MODEL_EXPORT int ztbModelProgress(ztbModel* model, double* objective, double* bo
 
 MODEL_EXPORT void ztbModelSetWatch(ztbModel* model, int (*watch)(void*), void* context) {
   if (model != nullptr) model->environment->setWatch(watch, context);
+}
+
+MODEL_EXPORT int ztbModelRanging(ztbModel* model) {
+  return change(model, [&] {
+    if (model->model == nullptr) throw ModelError("the model was not solved yet");
+    model->model->findRanges();
+  });
+}
+
+MODEL_EXPORT int ztbModelCostRange(ztbModel* model, int column, double* lower, double* upper) {
+  const bool inUse = model != nullptr && model->model != nullptr;
+  if (!inUse) return 0;
+  const lomu::Ranging& ranging = model->model->ranging;
+  return takeRange(ranging.costLower, ranging.costUpper, column, lower, upper);
+}
+
+MODEL_EXPORT int ztbModelRhsRange(ztbModel* model, int row, double* lower, double* upper) {
+  const bool inUse = model != nullptr && model->model != nullptr;
+  if (!inUse) return 0;
+  const lomu::Ranging& ranging = model->model->ranging;
+  return takeRange(ranging.rhsLower, ranging.rhsUpper, row, lower, upper);
+}
+
+MODEL_EXPORT const char* ztbModelColumnElement(ztbModel* model, int column, int* dimension,
+                                               const char** labels) {
+  if (column < 0 || column >= ztbModelColumnCount(model)) return nullptr;
+  const lomu::Dictionary& dictionary = model->model->dictionary;
+  return takeElement(dictionary, dictionary.columnPlace(column), dimension, labels);
+}
+
+MODEL_EXPORT const char* ztbModelRowElement(ztbModel* model, int row, int* dimension,
+                                            const char** labels) {
+  if (row < 0 || row >= ztbModelRowCount(model)) return nullptr;
+  const lomu::Dictionary& dictionary = model->model->dictionary;
+  return takeElement(dictionary, dictionary.rowPlace(row), dimension, labels);
+}
+
+MODEL_EXPORT int ztbModelColumnCount(ztbModel* model) {
+  const bool inUse = model != nullptr && model->model != nullptr;
+  return inUse ? model->model->instance.columnCount() : 0;
+}
+
+MODEL_EXPORT int ztbModelRowCount(ztbModel* model) {
+  const bool inUse = model != nullptr && model->model != nullptr;
+  return inUse ? model->model->instance.rowCount() : 0;
 }
 
 MODEL_EXPORT int ztbModelExplain(ztbModel* model, double seconds) {

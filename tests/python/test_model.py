@@ -462,3 +462,44 @@ def test_other_threads_run_during_a_solve_and_ctrl_c_ends_it(endless):
         endless.solve(time_limit=100)
     timer.join()
     assert endless.solve(time_limit=0.1).solve_status == "time limit"
+
+
+def plan():
+    """max 5 x(a) + 4 x(b), 6 x(a) + 4 x(b) <= 24, x(a) + 2 x(b) <= 6: best at (3, 1.5)."""
+    model = ztb.Model()
+    x = model.variable("x", ("which", ["a", "b"]))
+    model.rows("hours", None, x * [6, 4], upper=24)
+    model.rows("room", None, x * [1, 2], upper=6)
+    model.maximize(x * [5, 4])
+    return model
+
+
+@pytest.mark.parametrize("solver", ["clp", "glpk"])
+def test_ranging_tells_how_far_costs_and_right_hand_sides_can_move(solver):
+    model = plan()
+    with pytest.raises(ValueError, match="the model was not solved yet"):
+        model.ranging()
+    model.solve(solver)
+    ranging = model.ranging()
+    assert ranging.costs["x"][("a",)] == pytest.approx((2, 6))
+    assert ranging.costs["x"][("b",)] == pytest.approx((10 / 3, 10))
+    assert ranging.sides["hours"][()] == pytest.approx((12, 36))
+    assert ranging.sides["room"][()] == pytest.approx((4, 12))
+    assert ranging.sides["objective"][()] == (-np.inf, np.inf)
+    model.solve("cbc")
+    with pytest.raises(ztb.Error, match='solver "cbc" has no ranges for the model'):
+        model.ranging()
+
+
+@pytest.mark.parametrize("solver", ["clp", "glpk"])
+def test_a_basis_goes_from_one_model_to_the_next(solver, tmp_path):
+    model = plan()
+    model.solve(solver)
+    assert not model.basis_taken
+    model.write_basis(tmp_path / "plan.basis")
+    again = plan()
+    again.read_basis(tmp_path / "plan.basis")
+    assert again.solve(solver).objective == pytest.approx(21)
+    assert again.basis_taken
+    with pytest.raises(ztb.Error, match="is no saved basis"):
+        again.read_basis(__file__)

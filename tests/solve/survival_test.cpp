@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <array>
 #include <atomic>
 #include <cmath>
 #include <fstream>
@@ -126,6 +127,50 @@ class Live : public testing::TestWithParam<const char*> {
   ztb::Symbol need_;
   std::optional<ztb::ModelTie> tie_;
 };
+
+// min y with 3 y + z >= -2, 2 x - y <= 6, -2 x - 3 y + 3 z >= -3. Bounds of x that an update takes
+// away while it is at one of them, and gives back, ended the process in an assertion of Clp.
+TEST_P(Live, BoundsThatAreTakenAwayAndComeBack) {
+  ztb::Model model;
+  int number = 0;
+  for (const double low : {0.0, 2.0, -2.0, 1.0}) {
+    const double high = number == 1 ? 4 : number == 3 ? 5 : kInf;
+    model.addColumn("x[" + std::to_string(number + 1) + "]", low, high);
+    ++number;
+  }
+  model.addTerm(0, 1, 1);
+  int rows = 0;
+  const auto addRow = [&](int type, double rhs, std::array<double, 4> terms) {
+    const int row = model.addRow("r" + std::to_string(++rows), type, rhs);
+    for (int j = 0; j < 4; ++j) {
+      if (terms.at(static_cast<std::size_t>(j)) != 0) {
+        model.addTerm(row, j, terms.at(static_cast<std::size_t>(j)));
+      }
+    }
+  };
+  addRow(ztbRowGreaterOrEqual, -2, {0, 3, 1, 0});
+  addRow(ztbRowLessOrEqual, 6, {2, -1, 0, 0});
+  addRow(ztbRowFree, 0, {0, 0, 0, 0});
+  addRow(ztbRowGreaterOrEqual, -3, {-2, -3, 3, 0});
+  ztb::Database database;
+  ztb::ModelTie tie(database, model);
+  ztb::Symbol low = database.addParameter("low", {"*"});
+  ztb::Symbol high = database.addParameter("high", {"*"});
+  const auto optimum = [&](std::array<double, 2> x, std::array<double, 2> y) {
+    low.merge("1").setLevel(x[0]);
+    high.merge("1").setLevel(x[1]);
+    low.merge("2").setLevel(y[0]);
+    high.merge("2").setLevel(y[1]);
+    tie.update(database.symbol("x"), ztb::Action::lower, low, ztb::Missing::base);
+    tie.update(database.symbol("x"), ztb::Action::upper, high, ztb::Missing::base);
+    tie.solve(GetParam());
+    EXPECT_EQ(model.status(), ztbModelOptimal);
+    return model.objective();
+  };
+  EXPECT_NEAR(optimum({0, kInf}, {2, 4}), 2, 1e-9);
+  EXPECT_NEAR(optimum({-kInf, kInf}, {2, kInf}), 2, 1e-9);
+  EXPECT_NEAR(optimum({0, kInf}, {-2, 0}), -2, 1e-9);
+}
 
 TEST_P(Live, AKindThatItDoesNotSolveIsReportedByTheFreshRunAndLeftBehind) {
   tie_->solve(GetParam());

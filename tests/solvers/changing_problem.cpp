@@ -138,8 +138,8 @@ void ChangingProblem::changeRow() {
   const double size = std::max(
       1.0, std::abs(std::isinf(first_.rowLower[i]) ? first_.rowUpper[i] : first_.rowLower[i]));
   const double by = happens(8) ? between(-20, 20) * size : between(-0.2, 0.2) * size;
-  now_.rowLower[i] = first_.rowLower[i] + by;
-  now_.rowUpper[i] = first_.rowUpper[i] + by;
+  now_.rowLower[i] = happens(8) ? -kUnbounded : first_.rowLower[i] + by;
+  now_.rowUpper[i] = happens(8) ? kUnbounded : first_.rowUpper[i] + by;
 }
 
 void ChangingProblem::changeBounds() {

@@ -5,6 +5,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "tests/solvers/small_model.h"
 
@@ -21,6 +22,7 @@ struct Script {
   bool refusesLoads = false;
   int loads = 0;
   int solves = 0;
+  std::vector<lomu::SolverLimits> limits;  // of each solve
 };
 
 class ScriptedSolver : public lomu::Solver {
@@ -36,7 +38,8 @@ class ScriptedSolver : public lomu::Solver {
     isUpdated_ = true;
     return true;
   }
-  void solve(const lomu::SolverLimits& /*limits*/, SolverResult& result) override {
+  void solve(const lomu::SolverLimits& limits, SolverResult& result) override {
+    script_.limits.push_back(limits);
     ++script_.solves;
     result = isUpdated_ ? script_.warm : script_.cold;
   }
@@ -103,6 +106,32 @@ class Checked : public testing::Test {
 TEST_F(Checked, anOptimumWithItsMarginalsIsBelieved) {
   const SolverResult result = answer(best_);
   EXPECT_EQ(result.level, best_.level);
+  expectBelieved();
+}
+
+TEST_F(Checked, aWarmSolveThatTakesTooLongIsEndedForAColdOneByTheBarrier) {
+  const SolverResult result = answer(claim(Outcome::timeLimit));
+  EXPECT_EQ(result.outcome, Outcome::optimal);
+  expectCold("it took far longer than a fresh solve");
+  ASSERT_EQ(script_.limits.size(), 3);
+  EXPECT_EQ(script_.limits[0].seconds, lomu::SolverLimits().seconds);
+  EXPECT_EQ(script_.limits[1].seconds, lomu::CheckedSolver::kLeastWarmSeconds);
+  EXPECT_GT(script_.limits[2].seconds, 1e9);
+  EXPECT_EQ(script_.limits[1].barrier, 0);
+  EXPECT_EQ(script_.limits[2].barrier, 1);
+}
+
+TEST_F(Checked, aLimitOfTheCallerIsOneAndNoReasonForAColdSolve) {
+  script_.warm = claim(Outcome::timeLimit);
+  std::string reason;
+  EXPECT_TRUE(solver_.load(model_.problem(), reason));
+  SolverResult result = resultFor(model_);
+  solver_.solve({}, result);
+  EXPECT_TRUE(solver_.update(model_.problem()));
+  lomu::SolverLimits limits;
+  limits.seconds = 1;
+  solver_.solve(limits, result);
+  EXPECT_EQ(result.outcome, Outcome::timeLimit);
   expectBelieved();
 }
 
@@ -181,7 +210,7 @@ TEST_F(Checked, aColdSolveIsTheLast) {
 }
 
 TEST_F(Checked, aLimitIsNoClaim) {
-  EXPECT_EQ(answer(claim(Outcome::timeLimit)).outcome, Outcome::timeLimit);
+  EXPECT_EQ(answer(claim(Outcome::iterationLimit)).outcome, Outcome::iterationLimit);
   expectBelieved();
 }
 

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "tests/solvers/small_model.h"
+#include "tests/solvers/random_model.h"
 #include "tests/support/stdout_capture.h"
 
 namespace ztbtest {
@@ -262,6 +262,23 @@ TEST_P(Linear, printsNothing) {
 
 INSTANTIATE_TEST_SUITE_P(Solvers, Linear, testing::Values("clp", "cbc", "glpk", "ipopt"),
                          [](const auto& tested) { return std::string(tested.param); });
+
+TEST(Barrier, ofClpComesToWhatTheSimplexMethodComesTo) {
+  lomu::SolverLimits limits;
+  limits.barrier = 1;
+  for (unsigned seed = 1; seed <= 8; ++seed) {
+    SCOPED_TRACE(seed);
+    RandomModel random(seed, 30, 20, 0.3);
+    if (seed == 3) random.model.rowLower[1] = 1e4;
+    if (seed == 4) random.model.lower.assign(30, -kInf);
+    const SolverResult ours = solveFresh("clp", random.model, limits);
+    const SolverResult other = solveFresh("glpk", random.model);
+    ASSERT_EQ(ours.outcome, other.outcome) << ours.reason;
+    if (other.outcome != Outcome::optimal) continue;
+    const double expected = random.model.objective(other.level);
+    EXPECT_NEAR(random.model.objective(ours.level), expected, 1e-6 * (1 + std::abs(expected)));
+  }
+}
 
 }  // namespace
 }  // namespace ztbtest

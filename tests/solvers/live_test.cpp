@@ -229,6 +229,67 @@ TEST_P(Live, theFirstColumnThatMoves) {
   EXPECT_THAT(result.level, testing::ElementsAre(2, 2));
 }
 
+// x + y at least 1 and at most 2, x in [2, 9], y in [0, 8]. Bounds that a nonbasic column loses,
+// and those that a free one gets, ended the process in an assertion of Clp.
+TEST_P(Live, takesBoundsAwayAndGivesThemBack) {
+  SmallModel model;
+  model.column(-1, 2, 9);
+  model.column(-1, 0, 8);
+  model.row({2, 2}, 2, 4);
+  model.coefficientsAsOf = 1;
+  const auto live = openSolver(GetParam());
+  std::string reason;
+  ASSERT_TRUE(live->load(model.problem(), reason)) << reason;
+  const auto solved = [&] {
+    EXPECT_TRUE(live->update(model.problem()));
+    const SolverResult result = solveLive(*live, model);
+    EXPECT_EQ(result.outcome, Outcome::optimal) << result.reason;
+    return model.objective(result.level);
+  };
+  EXPECT_NEAR(solved(), -2, 1e-9);
+  model.lower[0] = -kInf;
+  model.upper[0] = kInf;
+  EXPECT_NEAR(solved(), -2, 1e-9);
+  model.cost = {1, 1};
+  model.coefficientsAsOf = 2;
+  model.lower[1] = -kInf;
+  model.upper[1] = kInf;
+  EXPECT_NEAR(solved(), 1, 1e-9);
+  model.lower = {2, 0};
+  model.upper = {9, 8};
+  EXPECT_NEAR(solved(), 2, 1e-9);
+}
+
+// The same of a row: y - z minimized with 2 x - 3 y + 3 z <= 3, so that y is at least
+// (2 x + 3 z - 3) / 3.
+TEST_P(Live, takesASideOfARowAwayAndGivesItBack) {
+  SmallModel model;
+  model.column(0, 1, kInf);
+  model.column(1, -1, 2);
+  model.column(-1, 2, 4);
+  model.row({2, -3, 3}, -kInf, 3);
+  model.coefficientsAsOf = 1;
+  const auto live = openSolver(GetParam());
+  std::string reason;
+  ASSERT_TRUE(live->load(model.problem(), reason)) << reason;
+  const auto solved = [&] {
+    EXPECT_TRUE(live->update(model.problem()));
+    const SolverResult result = solveLive(*live, model);
+    EXPECT_EQ(result.outcome, Outcome::optimal) << result.reason;
+    return model.objective(result.level);
+  };
+  EXPECT_NEAR(solved(), -1.0 / 3, 1e-9);
+  model.lower[2] = -2;
+  model.upper[2] = 0;
+  EXPECT_NEAR(solved(), -1.0 / 3, 1e-9);
+  model.lower[0] = -kInf;
+  model.rowUpper[0] = kInf;
+  EXPECT_NEAR(solved(), -1, 1e-9);  // y at -1, z at 0
+  model.lower[0] = 3;
+  model.rowUpper[0] = 3;
+  EXPECT_NEAR(solved(), 1, 1e-9);  // y at z + 1
+}
+
 TEST_P(Live, recoversFromInfeasibleAndUnboundedSteps) {
   SmallModel model;
   model.column(1, 0, kInf);

@@ -9,7 +9,9 @@
 
 namespace {
 
+using testing::AllOf;
 using testing::HasSubstr;
+using testing::Not;
 using tooltest::ProgramTest;
 
 // max rate_var * x with rate_var + x <= 8.
@@ -88,6 +90,106 @@ TEST_F(SolveChoiceTest, RefusesToReplaceWhatItReads) {
   expectFails(2, "ztb: d.rxf: would be replaced by the results; name another --out\n",
               {"solve", "q.lp", "--data", "d.rxf", "--out", "d.rxf"});
   EXPECT_EQ(read("d.rxf"), data);
+}
+
+// The highest y at x = 3.5 on a line through (0, 0), (2, 5), (5, 4) and (9, 10).
+TEST_F(SolveChoiceTest, OrderedSetsAreSolvedByCbc) {
+  write("line.lp", R"(Maximize
+ y: 5 b + 4 c + 10 d
+Subject To
+ sum: a + b + c + d = 1
+ x: 2 b + 5 c + 9 d = 3.5
+Bounds
+ a <= 1
+ b <= 1
+ c <= 1
+ d <= 1
+SOS
+ line: S2 :: a : 1 b : 2 c : 3 d : 4
+End
+)");
+  EXPECT_EQ(solved({"line.lp"}), "objective   4.5, solver      cbc");
+  EXPECT_THAT(ztb({"solve", "line.lp", "--solver", "glpk"}).errors,
+              HasSubstr("solver \"glpk\" refused the model: glpk solves linear models: the model "
+                        "has semi-continuous columns or special ordered sets"));
+}
+
+// 3 x + 2 y, x is 0 or from 5 to 10, y at most 3, x + y at least 4: x at 5.
+TEST_F(SolveChoiceTest, SemiContinuousColumnsAreSolvedByCbc) {
+  write("semi.mps", R"(NAME semi
+ROWS
+ N cost
+ G need
+COLUMNS
+ x cost 3 need 1
+ y cost 2 need 1
+RHS
+ RHS need 4
+BOUNDS
+ SC BND x 10
+ LO BND x 5
+ UP BND y 3
+ENDATA
+)");
+  EXPECT_EQ(solved({"semi.mps"}), "objective   15, solver      cbc");
+}
+
+// max 5 x(a) + 4 x(b) with 6 x(a) + 4 x(b) <= 24 and x(a) + 2 x(b) <= 6: best at (3, 1.5).
+constexpr const char* kPlan = R"(Maximize
+ total: 5 x(a) + 4 x(b)
+Subject To
+ hours: 6 x(a) + 4 x(b) <= 24
+ room: x(a) + 2 x(b) <= 6
+End
+)";
+
+TEST_F(SolveChoiceTest, RangesAreShownAndStandInTheResult) {
+  write("plan.lp", kPlan);
+  for (const char* solver : {"clp", "glpk"}) {
+    const std::string text = ztbFine(
+        {"solve", "plan.lp", "--solver", solver, "--ranging", "--digits", "6", "--out", "r.rxf"});
+    EXPECT_THAT(text, HasSubstr("\ncost of     from  to\n"
+                                "-------  -------  --\n"
+                                "x(a)           2   6\n"
+                                "x(b)     3.33333  10\n"
+                                "\n"
+                                "rhs of  from   to\n"
+                                "------  ----  ---\n"
+                                "total   -inf  inf\n"
+                                "hours     12   36\n"
+                                "room       4   12\n"));
+    const ztb::Database out = ztb::Database::open(path("r.rxf"));
+    EXPECT_NEAR(out.symbol("x_cost_lower").find("b")->level(), 10.0 / 3, 1e-9);
+    EXPECT_NEAR(out.symbol("x_cost_upper").find("a")->level(), 6, 1e-9);
+    EXPECT_NEAR(out.symbol("hours_rhs_lower").find()->level(), 12, 1e-9);
+    EXPECT_NEAR(out.symbol("room_rhs_upper").find()->level(), 12, 1e-9);
+  }
+  EXPECT_THAT(ztbFine({"solve", "plan.lp", "--ranging", "--json"}),
+              HasSubstr(R"({"symbol":"hours","keys":[],"from":12)"));
+  EXPECT_THAT(ztbFine({"solve", "plan.lp", "--ranging", "--show", "x"}), Not(HasSubstr("rhs of")));
+  EXPECT_THAT(ztb({"solve", "plan.lp", "--solver", "cbc", "--ranging"}).errors,
+              HasSubstr("plan.lp: --ranging: solver \"cbc\" has no ranges for the model"));
+}
+
+TEST_F(SolveChoiceTest, ABasisIsSavedAndTakenWhereItFits) {
+  write("plan.lp", kPlan);
+  for (const char* solver : {"clp", "glpk"}) {
+    const std::string file = std::string(solver) + ".basis";
+    const auto solve = [&](const char* model) {
+      return ztbFine({"solve", model, "--solver", solver, "--basis", file});
+    };
+    EXPECT_THAT(solve("plan.lp"), HasSubstr("\nbasis       none yet\n"));
+    EXPECT_THAT(solve("plan.lp"),
+                AllOf(HasSubstr("objective   21\n"), HasSubstr("\nbasis       taken\n"),
+                      HasSubstr("iterations  0\n")));
+    EXPECT_THAT(solve("f.lp"), HasSubstr("\nbasis       not taken\n"));
+    EXPECT_THAT(solve("f.lp"), HasSubstr("\nbasis       taken\n")) << "that of the solve before";
+  }
+  EXPECT_THAT(ztb({"solve", "plan.lp", "--basis", "f.lp"}).errors,
+              HasSubstr("plan.lp: --basis: f.lp:1: is no saved basis: expected \"ztb basis 1\""));
+  EXPECT_THAT(read("f.lp"), HasSubstr("Maximize")) << "nothing else is replaced";
+  EXPECT_THAT(ztb({"solve", "i.lp", "--set", "rate=2", "--basis", "new.basis"}).errors,
+              HasSubstr("i.lp: --basis: the last solve left no basis"));
 }
 
 }  // namespace

@@ -49,6 +49,40 @@ TEST_F(SweepTest, ItsChecksumsDoNotFillTheTableOfSymbols) {
   EXPECT_THAT(ztbFine({"info", "out.rxf", "--json"}), HasSubstr("scenarios="));
 }
 
+// -x x + rate x, x from -1 to 2: a local method that begins at 0 goes down the side that the rate
+// tells, to 2 for -0.9 and to -1 for 0.9, and would stay at the 2 of the scenario before.
+TEST_F(SweepTest, ALocalOptimumDoesNotDependOnTheScenarioBefore) {
+  write("m.lp", R"(Minimize
+ total: [ - 2 x ^ 2 + 2 rate_var * x ] / 2
+Subject To
+ free: x + rate_var >= -100
+Bounds
+ -1 <= x <= 2
+ rate_var = 0
+End
+)");
+  ztb::Database scenarios;
+  ztb::Symbol set = scenarios.addSet("s", {"*"});
+  ztb::Symbol rate = scenarios.addParameter("rate", {set});
+  for (int number = 1; number <= 6; ++number) {
+    const std::string label = "s" + std::to_string(number);
+    set.add(label);
+    rate.merge(label).setLevel(number % 2 == 1 ? -0.9 : 0.9);
+  }
+  scenarios.write(path("sc.rxf"));
+  for (const char* jobs : {"1", "2"}) {
+    ztbFine(sweep({"--solver", "ipopt", "--jobs", jobs}));
+    const ztb::Database out = ztb::Database::open(path("out.rxf"));
+    for (int number = 1; number <= 6; ++number) {
+      const std::string label = "s" + std::to_string(number);
+      EXPECT_EQ(out.symbol("sweep_status").find(label)->level(), 2) << jobs << label;
+      EXPECT_NEAR(out.symbol("sweep_objective").find(label)->level(), number % 2 == 1 ? -5.8 : -1.9,
+                  1e-6)
+          << jobs << label;
+    }
+  }
+}
+
 TEST_F(SweepTest, TellsTheExtremeObjectives) {
   makeScenarios(3);
   std::vector<double> objectives;

@@ -2,10 +2,12 @@
 
 #include <cmath>
 #include <cstdio>
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 #include <ztb/column_names.hpp>
 
@@ -17,6 +19,7 @@
 #include "tools/files/standard_streams.h"
 #include "tools/models/model_input.h"
 #include "tools/models/model_session.h"
+#include "tools/models/ranging_report.h"
 #include "tools/models/solve_interrupt.h"
 #include "tools/models/solve_report.h"
 #include "tools/text/failure.h"
@@ -36,6 +39,7 @@ struct SolveOptions {
   std::string data;
   std::string solver;
   std::string start;
+  std::string basis;
   std::string out;
   std::vector<std::string> drives;
   std::vector<std::string> settings;
@@ -45,6 +49,7 @@ struct SolveOptions {
   bool explain = false;
   bool json = false;
   bool csv = false;
+  bool ranging = false;
   TableOptions table;
 };
 
@@ -143,6 +148,7 @@ void printSummary(const SolveReport& report) {
   if (report.started) {
     print(fmt::format("start       {}\n", model.startTaken() ? "taken" : "not taken"));
   }
+  if (!report.basis.empty()) print(fmt::format("basis       {}\n", report.basis));
   print(fmt::format(
       "solver      {}\ntime        {:.3f} s\nprocessor   {:.3f} s\niterations  {:.0f}\n",
       report.solver, model.seconds(), model.processorSeconds(), model.iterations()));
@@ -155,6 +161,9 @@ void printDetails(const SolveOptions& options, const SolveReport& report) {
         fmt::format("these cannot hold together:\n  {}\n", conflictText(*report.conflict, "\n  ")));
   }
   for (const ztb::Symbol& symbol : report.shown) showSymbol(symbol, options.table);
+  if (report.ranging) {
+    printRanging(*report.ranging, options.shown, options.table.style(), options.table.digits);
+  }
 }
 
 void printReport(const SolveOptions& options, const SolveReport& report) {
@@ -166,6 +175,15 @@ void printReport(const SolveOptions& options, const SolveReport& report) {
     printSolveCsv(report);
   } else if (!report.shown.empty()) {
     printRecordsCsv(report.shown.front());
+  }
+}
+
+void withBasis(ModelSession& session, void (ztb::Model::*use)(const ztb::ZString&),
+               const std::string& file) {
+  try {
+    (session.model().*use)(file);
+  } catch (const ztb::Error& error) {
+    throw Failure(withFile(session.file(), fmt::format("--basis: {}", error.what())));
   }
 }
 
@@ -193,6 +211,9 @@ void run(const SolveOptions& options) {
   for (const std::string& setting : options.settings) input.applySetting(setting);
   if (!options.start.empty()) input.applyStart(options.start);
 
+  const bool hadBasis = !options.basis.empty() && std::filesystem::exists(options.basis);
+  if (hadBasis) withBasis(session, &ztb::Model::readBasis, options.basis);
+
   const std::string solver = options.solver.empty() ? session.standardSolver() : options.solver;
   progress.step("solving with " + solver);
   try {
@@ -204,6 +225,15 @@ void run(const SolveOptions& options) {
   }
 
   ztb::Model& model = session.model();
+  std::optional<ztb::Model::Ranging> ranging;
+  if (options.ranging && model.hasSolution()) {
+    progress.step("working out ranges");
+    ranging = rangingOf(session);
+    if (!options.out.empty()) addRangeSymbols(session, *ranging);
+  }
+  if (!options.basis.empty() && model.hasSolution()) {
+    withBasis(session, &ztb::Model::writeBasis, options.basis);
+  }
   // Before anything is printed, since a reader who has seen enough ends this process.
   if (model.hasSolution() && !options.out.empty()) {
     progress.step("writing " + output.name());
@@ -217,8 +247,13 @@ void run(const SolveOptions& options) {
   SolveReport report{.session = session,
                      .solver = solver,
                      .started = !options.start.empty(),
+                     .basis = {},
                      .conflict = {},
+                     .ranging = std::move(ranging),
                      .shown = {}};
+  if (!options.basis.empty()) {
+    report.basis = model.basisTaken() ? "taken" : hadBasis ? "not taken" : "none yet";
+  }
   if (!options.json && !options.csv) printSummary(report);
   if (options.explain && model.status() == ztbModelInfeasible) {
     progress.step("looking for the rows and bounds that cannot hold together");
@@ -267,6 +302,12 @@ void addSolveCommand(CommandLine& line) {
             "RXF file: a search over integers by cbc begins with the levels of its variables")
       .typeName("FILE")
       .notEmpty();
+  command
+      .text("--basis", options->basis,
+            "File with the basis of an earlier solve by clp or glpk, to begin with where it is one "
+            "of the same rows and columns; that of this solve takes its place")
+      .typeName("FILE")
+      .notEmpty();
   command.texts("--option", options->options, "Option of the solver, as in TimeLimit=60");
   command
       .text("--out", options->out,
@@ -278,6 +319,10 @@ void addSolveCommand(CommandLine& line) {
   command.flag("--explain", options->explain,
                "Of an infeasible model print rows and bounds that cannot hold together, and do "
                "without any one of them; an --option TimeLimit holds for this too");
+  command.flag("--ranging", options->ranging,
+               "Print how far each cost and right-hand side, or those of what --show names, can "
+               "move by itself while the basis stays optimal (clp, glpk), and put SYM_cost_lower, "
+               "SYM_cost_upper, SYM_rhs_lower and SYM_rhs_upper into --out");
   command.flag("--notes", options->notes,
                "Tell each name that had to be changed for the database, not only their count");
   const Option csv = command.flag(

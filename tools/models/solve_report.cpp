@@ -57,6 +57,19 @@ Json jsonConflict(const ztb::Model::Conflict& conflict) {
   return json;
 }
 
+Json jsonRanges(const std::vector<ztb::Model::Ranging::Range>& ranges) {
+  Json json = Json::array();
+  for (const ztb::Model::Ranging::Range& range : ranges) {
+    Json one;
+    one["symbol"] = range.symbol;
+    one["keys"] = range.labels;
+    one["from"] = jsonNumber(range.lower);
+    one["to"] = jsonNumber(range.upper);
+    json.push_back(std::move(one));
+  }
+  return json;
+}
+
 Json jsonSummary(const SolveReport& report) {
   ztb::Model& model = report.session.model();
   Json json;
@@ -71,6 +84,11 @@ Json jsonSummary(const SolveReport& report) {
   json["processor_seconds"] = model.processorSeconds();
   json["iterations"] = model.iterations();
   if (report.started) json["start_taken"] = model.startTaken();
+  if (!report.basis.empty()) json["basis"] = report.basis;
+  if (report.ranging) {
+    json["ranging"]["costs"] = jsonRanges(report.ranging->costs);
+    json["ranging"]["sides"] = jsonRanges(report.ranging->sides);
+  }
   json["notes"] = Json::array();
   for (int n = 0; n < model.noteCount(); ++n) json["notes"].push_back(model.note(n));
   if (report.conflict) json["conflict"] = jsonConflict(*report.conflict);

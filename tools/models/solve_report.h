@@ -31,8 +31,11 @@ struct SolveReport {
   ModelSession& session;
   std::string solver;
   bool started = false;  // with levels to begin from
+  std::string basis;     // whether a saved one was taken; empty where none was named
   // Why there is no solution, where that was asked for.
   std::optional<ztb::Model::Conflict> conflict;
+  // How far costs and right-hand sides can move, where that was asked for.
+  std::optional<ztb::Model::Ranging> ranging;
   // Variables and equations whose records are told; none where there is no solution.
   std::vector<ztb::Symbol> shown;
 };

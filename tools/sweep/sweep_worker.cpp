@@ -114,6 +114,8 @@ class SweepWorker {
     const std::string& label = scenarios_.scenarios()[work_.chosen[place]].label;
     ScenarioOutcome outcome{.status = ztbModelNoSolution, .solveStatus = ztbSolveFailed};
     try {
+      // What a scenario comes to must not depend on the ones that this worker had before.
+      session_.model().resetLevels();
       data.apply(place);
       solve();
       const ztb::Model& model = session_.model();

@@ -312,6 +312,29 @@ py::tuple Model::explain(double seconds) {
   return py::make_tuple(conflict.irreducible, conflict.byIntegers, members);
 }
 
+py::tuple Model::ranging() {
+  requireTie();
+  const Use use(*connection_);
+  ztb::Model::Ranging ranging;
+  const py::none nobody;
+  runWithoutInterpreter([&](Interruption& interruption) {
+    SolveWatch watch(model_, interruption, nobody, 0);
+    const Watched watched(model_.handle(), watch);
+    ranging = model_.ranging();
+  });
+  const auto listOf = [](const std::vector<ztb::Model::Ranging::Range>& ranges) {
+    py::list result;
+    for (const auto& range : ranges) {
+      py::list labels;
+      for (const std::string& label : range.labels) labels.append(toPython(label));
+      result.append(
+          py::make_tuple(toPython(range.symbol), py::tuple(labels), range.lower, range.upper));
+    }
+    return result;
+  };
+  return py::make_tuple(listOf(ranging.costs), listOf(ranging.sides));
+}
+
 namespace {
 
 // The model, and the names of the parameters among the records that it did not take.
@@ -356,7 +379,11 @@ void bindModel(py::module_& module) {
       .def("solve", &Model::solve)
       .def("field", &Model::field)
       .def("fields", &Model::fields)
-      .def("explain", &Model::explain);
+      .def("explain", &Model::explain)
+      .def("ranging", &Model::ranging)
+      .def("read_basis", &Model::readBasis)
+      .def("write_basis", &Model::writeBasis)
+      .def("basis_taken", &Model::basisTaken);
   module.def("new_model", [] { return Model(ztb::Model()); });
   module.def("open_model",
              [](const py::object& path, const py::object& data, const Database* records) {

@@ -12,6 +12,7 @@
 
 #include "bindings/python/native/connection.h"
 #include "bindings/python/native/database.h"
+#include "bindings/python/native/strings.h"
 #include "bindings/python/native/symbol.h"
 
 namespace python {
@@ -40,6 +41,9 @@ class Model {
   [[nodiscard]] int kind() { return model_.kind(); }
   [[nodiscard]] int updatedKind() { return model_.updatedKind(); }
   [[nodiscard]] py::list notes() const;
+  void readBasis(const py::object& path) { model_.readBasis(pathFromPython(path)); }
+  void writeBasis(const py::object& path) { model_.writeBasis(pathFromPython(path)); }
+  [[nodiscard]] bool basisTaken() const { return model_.basisTaken(); }
 
   // Ties an empty database to the model, which is then built and driven no further.
   void tie(const Database& database);
@@ -61,6 +65,8 @@ class Model {
   // Why the last solve had no solution: whether that was shown to be irreducible, whether it is by
   // integers, and of each member the text, the part and the number.
   py::tuple explain(double seconds);
+  // The ranges of costs and of right-hand sides, as (symbol, labels, lower, upper).
+  py::tuple ranging();
 
  private:
   ztb::ModelTie& requireTie();

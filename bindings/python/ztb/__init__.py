@@ -15,7 +15,7 @@ from .database import Database, memory_needed, open
 from .errors import DamagedFileError, Error, MissingFileError, NotFoundError
 from .families import Expression, Family
 from .labels import Key, Label, label_text
-from .model import Conflict, Model, Progress, Solution, Tie
+from .model import Conflict, Model, Progress, Ranging, Solution, Tie
 from .numeric import Equation, Parameter, Variable
 from .selection import Selection
 from .special import (
@@ -69,6 +69,7 @@ __all__ = [
     "NotFoundError",
     "Parameter",
     "Progress",
+    "Ranging",
     "SPECIAL_VALUES",
     "Selection",
     "Set",

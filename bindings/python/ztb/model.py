@@ -292,10 +292,56 @@ class Model:
         irreducible, by_integers, members = self._native.explain(float(time_limit))
         return Conflict([text for text, _, _ in members], irreducible, by_integers)
 
+    def ranging(self) -> "Ranging":
+        """How far each cost and each right-hand side can move by itself while the basis that the
+        last solve left stays optimal.
+
+        Raises :class:`ztb.Error` when that solve found no optimum, for models with integers or
+        products that move, when the model was updated since, and after solvers other than clp and
+        glpk.
+        """
+        if self._tie is None:
+            raise ValueError("the model was not solved yet")
+
+        def by_symbol(ranges: Any) -> Dict[str, Dict[Tuple[str, ...], Tuple[float, float]]]:
+            result: Dict[str, Dict[Tuple[str, ...], Tuple[float, float]]] = {}
+            for symbol, labels, lower, upper in ranges:
+                result.setdefault(symbol, {})[labels] = (lower, upper)
+            return result
+
+        costs, sides = self._native.ranging()
+        return Ranging(by_symbol(costs), by_symbol(sides))
+
+    def write_basis(self, path: Any) -> None:
+        """Writes the basis that the last solve by clp or glpk left."""
+        self._native.write_basis(path)
+
+    def read_basis(self, path: Any) -> None:
+        """Has the next solve by clp or glpk begin with a basis, where it is one of the same rows
+        and columns; :attr:`basis_taken` tells afterwards."""
+        if self._tie is None:
+            self.tie()
+        self._native.read_basis(path)
+
+    @property
+    def basis_taken(self) -> bool:
+        """Whether the last solve began with the basis that was read."""
+        return self._native.basis_taken()
+
     @property
     def notes(self) -> List[str]:
         """What is to be told of the model: of the reading, and of names that had to change."""
         return self._native.notes() + self._left
+
+
+@dataclass(frozen=True)
+class Ranging:
+    """Ranges as (lower, upper) by the labels of an element, by the name of its symbol."""
+
+    #: Of a variable's coefficient in the objective.
+    costs: Dict[str, Dict[Tuple[str, ...], Tuple[float, float]]]
+    #: Of an equation's right-hand side.
+    sides: Dict[str, Dict[Tuple[str, ...], Tuple[float, float]]]
 
 
 @dataclass(frozen=True)

@@ -14,7 +14,9 @@ namespace lomu {
 bool CbcSolver::load(const SolverProblem& problem, std::string& reason) {
   LinearForm form;
   std::string why;
-  if (!form.take(problem, why)) {
+  const bool withSets = hasSets(problem);
+  if ((withSets && !sets_.take(problem, why)) ||
+      !form.take(withSets ? sets_.problem() : problem, why)) {
     reason = "cbc solves linear models: " + why;
     return false;
   }
@@ -27,14 +29,34 @@ bool CbcSolver::update(const SolverProblem& /*problem*/) {
   return false;
 }
 
+void CbcSolver::solveForm(const SolverLimits& limits, SolverResult& result) {
+  if (settleColumnByColumn(form_, result)) return;
+  Watch watch(limits);
+  CbcEngine engine;
+  engine.take(form_);
+  if (problem_.levelIsStart != 0) {
+    engine.setStart(hasSets(problem_) ? sets_.problem().level : problem_.level);
+  }
+  solveWithIntegers(engine, form_, watch, result);
+}
+
 void CbcSolver::solve(const SolverLimits& limits, SolverResult& result) {
   try {
-    if (settleColumnByColumn(form_, result)) return;
-    Watch watch(limits);
-    CbcEngine engine;
-    engine.take(form_);
-    if (problem_.levelIsStart != 0) engine.setStart(problem_.level);
-    solveWithIntegers(engine, form_, watch, result);
+    if (!hasSets(problem_)) {
+      solveForm(limits, result);
+    } else {
+      SolverResult whole;
+      whole.begin(form_.cost.size(), form_.rowLower.size());
+      solveForm(limits, whole);
+      whole.level.resize(result.level.size());
+      whole.position.resize(result.position.size());
+      whole.rowMarginal.resize(result.rowMarginal.size());
+      whole.rowPosition.resize(result.rowPosition.size());
+      result = std::move(whole);
+      // Proofs would be those of the binary columns too.
+      result.columnRay.clear();
+      result.rowRay.clear();
+    }
     confirmPoint(problem_, result);
     return;
   } catch (CoinError& error) {

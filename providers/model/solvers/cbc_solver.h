@@ -1,8 +1,10 @@
-// Cbc: problems with integers, and linear ones, made afresh for every solve.
+// Cbc: problems with integers, semi-continuous columns and special ordered sets, and linear ones,
+// made afresh for every solve.
 #ifndef ZTB_PROVIDERS_MODEL_SOLVERS_CBC_SOLVER_H_
 #define ZTB_PROVIDERS_MODEL_SOLVERS_CBC_SOLVER_H_
 
 #include "providers/model/solvers/linear_form.h"
+#include "providers/model/solvers/set_form.h"
 
 namespace lomu {
 
@@ -13,8 +15,11 @@ class CbcSolver : public Solver {
   void solve(const SolverLimits& limits, SolverResult& result) override;
 
  private:
+  void solveForm(const SolverLimits& limits, SolverResult& result);
+
   SolverProblem problem_{};
-  LinearForm form_;
+  SetForm sets_;
+  LinearForm form_;  // of the problem, or of sets_ where it has any
 };
 
 }  // namespace lomu

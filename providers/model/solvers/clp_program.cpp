@@ -108,9 +108,9 @@ std::vector<double> ofPart(const std::vector<double>& values, const MovingPart& 
   return result;
 }
 
-ClpSimplex::Status atABound(double lower, double upper) {
-  if (std::isfinite(lower)) return ClpSimplex::atLowerBound;
-  return std::isfinite(upper) ? ClpSimplex::atUpperBound : ClpSimplex::isFree;
+bool isAtABound(ClpSimplex::Status status) {
+  return status == ClpSimplex::atLowerBound || status == ClpSimplex::atUpperBound ||
+         status == ClpSimplex::isFixed;
 }
 
 Position positionOf(ClpSimplex::Status status, double level, double lower, double upper) {
@@ -135,6 +135,7 @@ void ClpProgram::load(LinearForm form) {
 
 void ClpProgram::handOver() {
   part_.shiftRows(form_);
+  basisIsLost_ = false;
   simplex_ = ClpSimplex();
   simplex_.setLogLevel(0);
   simplex_.loadProblem(packed(form_, part_), ofPart(form_.lower, part_).data(),
@@ -143,13 +144,38 @@ void ClpProgram::handOver() {
   reuse_ = kLeaveWork;
 }
 
+// A warm start from a column or row that stands at a bound that it has no more can end the process
+// in an assertion of Clp, or run on without an end. Where the other bound is left, it goes there;
+// where none is, the basis is given up.
+void ClpProgram::settle(int place) {
+  const ClpSimplex::Status status = simplex_.getStatus(place);
+  if (status == ClpSimplex::basic) return;
+  const int columns = simplex_.numberColumns();
+  const bool isColumn = place < columns;
+  const double lower =
+      isColumn ? simplex_.columnLower()[place] : simplex_.rowLower()[place - columns];
+  const double upper =
+      isColumn ? simplex_.columnUpper()[place] : simplex_.rowUpper()[place - columns];
+  const bool hasLower = lower > -COIN_DBL_MAX;
+  const bool hasUpper = upper < COIN_DBL_MAX;
+  if (!hasLower && !hasUpper) {
+    basisIsLost_ = basisIsLost_ || isAtABound(status);
+    return;
+  }
+  const bool fits = status == ClpSimplex::isFixed ? lower == upper : isAtABound(status);
+  if (hasLower && hasUpper && fits) return;
+  const ClpSimplex::Status fitting = hasLower ? ClpSimplex::atLowerBound : ClpSimplex::atUpperBound;
+  if (status == fitting) return;
+  simplex_.setStatus(place, fitting);
+  reuse_ &= kLeaveWork;
+}
+
 // Hands over more columns than before. The basis is kept; a column that was left out is not in it.
 void ClpProgram::handOverMore(const MovingPart& more) {
   std::vector<ClpSimplex::Status> status;
   for (const int j : more.columns()) {
-    const auto k = static_cast<std::size_t>(j);
     status.push_back(part_.place(j) == MovingPart::leftOut
-                         ? atABound(form_.lower[k], form_.upper[k])
+                         ? ClpSimplex::isFixed
                          : simplex_.getColumnStatus(part_.place(j)));
   }
   std::vector<ClpSimplex::Status> rowStatus;
@@ -163,6 +189,7 @@ void ClpProgram::handOverMore(const MovingPart& more) {
   for (int i = 0; i < form_.rowCount; ++i) {
     simplex_.setRowStatus(i, rowStatus[static_cast<std::size_t>(i)]);
   }
+  for (int k = 0; k < simplex_.numberColumns() + form_.rowCount; ++k) settle(k);
 }
 
 bool ClpProgram::setRows() {
@@ -174,6 +201,7 @@ bool ClpProgram::setRows() {
     const double upper = std::min(part_.rowUpper()[static_cast<std::size_t>(i)], COIN_DBL_MAX);
     if (lower == simplex_.rowLower()[i] && upper == simplex_.rowUpper()[i]) continue;
     simplex_.setRowBounds(i, lower, upper);
+    settle(simplex_.numberColumns() + i);
     changed = true;
   }
   return changed;
@@ -211,6 +239,7 @@ bool ClpProgram::takeBounds(const Bounds& bounds, bool shiftsChanged) {
       moreMove = moreMove || !MovingPart::standsStill(lower, upper);
     } else {
       simplex_.setColumnBounds(part_.place(j), lower, upper);
+      settle(part_.place(j));
       changed = true;
     }
   }
@@ -337,6 +366,10 @@ void ClpProgram::solve(Watch& watch, SolverResult& result) {
     simplex_.setDualRowPivotAlgorithm(unweighted);
   }
   iterations_ = 0;
+  if (std::exchange(basisIsLost_, false)) {
+    handOver();
+    isFresh_ = true;
+  }
   if (std::exchange(isFresh_, false)) {
     runFresh(watch);
   } else {
@@ -365,6 +398,42 @@ void ClpProgram::solve(Watch& watch, SolverResult& result) {
   if (result.hasPoint) leavePoint(result);
   result.iterations = iterations_;
   isWhole_ = true;
+}
+
+bool ClpProgram::begin(const std::int32_t* position, const std::int32_t* rowPosition) {
+  const auto isBasic = [](std::int32_t one) { return one == ztbSolverBasic; };
+  const auto count = std::count_if(position, position + form_.columnCount, isBasic) +
+                     std::count_if(rowPosition, rowPosition + form_.rowCount, isBasic);
+  if (count != form_.rowCount) return false;
+  isWhole_ = false;
+  for (int j = 0; j < form_.columnCount; ++j) {
+    if (part_.place(j) != MovingPart::leftOut || !isBasic(position[j])) continue;
+    part_.takeAll();
+    handOver();
+    break;
+  }
+  const auto statusOf = [](std::int32_t one) {
+    switch (one) {
+      case ztbSolverBasic:
+        return ClpSimplex::basic;
+      case ztbSolverAtUpper:
+        return ClpSimplex::atUpperBound;
+      case ztbSolverAtLower:
+        return ClpSimplex::atLowerBound;
+      default:
+        return ClpSimplex::isFree;
+    }
+  };
+  for (std::size_t c = 0; c < part_.columns().size(); ++c) {
+    simplex_.setColumnStatus(static_cast<int>(c), statusOf(position[part_.columns()[c]]));
+  }
+  for (int i = 0; i < form_.rowCount; ++i) simplex_.setRowStatus(i, statusOf(rowPosition[i]));
+  for (int k = 0; k < simplex_.numberColumns() + form_.rowCount; ++k) settle(k);
+  isFresh_ = basisIsLost_;
+  if (basisIsLost_) handOver();
+  method_ = Method::dual;
+  isWhole_ = true;
+  return !isFresh_;
 }
 
 void ClpProgram::forgetWork() {

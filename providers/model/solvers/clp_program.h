@@ -5,6 +5,7 @@
 #define ZTB_PROVIDERS_MODEL_SOLVERS_CLP_PROGRAM_H_
 
 #include <ClpSimplex.hpp>
+#include <cstdint>
 #include <vector>
 
 #include "providers/model/solvers/linear_form.h"
@@ -21,6 +22,9 @@ class ClpProgram {
   // Takes the bounds over alone; false, with nothing taken, when one is a NaN. REQUIRES isWhole,
   // that nothing else changed, and that no column is integer.
   bool updateBounds(const SolverProblem& problem);
+  // Has the first solve begin with a basis, as ztb/solver.h has one; false when it does not fit.
+  // REQUIRES that nothing was solved since load.
+  bool begin(const std::int32_t* position, const std::int32_t* rowPosition);
   // False from an exception in one of these or in solve on, until a load: Clp has part of a
   // problem.
   [[nodiscard]] bool isWhole() const { return isWhole_; }
@@ -29,6 +33,8 @@ class ClpProgram {
   // Fills `result` with what Clp finds; its point is within Clp's tolerance. REQUIRES isWhole and
   // bounds that do not cross.
   void solve(Watch& watch, SolverResult& result);
+  // The ranges of the last solve; false unless it found an optimum.
+  bool ranges(SolverRanges& ranges);
   // The next solve is to use nothing of the last one but its basis.
   void forgetWork();
 
@@ -49,6 +55,8 @@ class ClpProgram {
 
   void handOver();
   void handOverMore(const MovingPart& more);
+  // Gives what changed its bounds, a column or a row in Clp's count, a status that fits them.
+  void settle(int place);
   bool setRows();  // whether any changed
   // Finds the columns and rows whose bounds changed; false when one of these is a NaN.
   bool lookAtBounds(const Bounds& bounds);
@@ -65,6 +73,8 @@ class ClpProgram {
   bool leaveRowRay(const ClpSimplex& simplex, SolverResult& result) const;
   // Leaves what Clp has as a proof that there is no end, with its point.
   void leaveColumnRay(SolverResult& result) const;
+  void rangeCosts(SolverRanges& ranges);
+  void rangeRows(SolverRanges& ranges);
   [[nodiscard]] bool wasLimited() const { return simplex_.status() == 3 || simplex_.status() == 5; }
   void leavePoint(SolverResult& result) const;
 
@@ -73,6 +83,7 @@ class ClpProgram {
   MovingPart part_;  // what Clp sees of it
   bool isWhole_ = false;
   bool isFresh_ = true;                            // not solved yet
+  bool basisIsLost_ = false;                       // the next solve is as the first
   std::vector<int> changedColumns_, changedRows_;  // as lookAtBounds found them
   Method method_ = Method::dual;
   int reuse_ = 0;          // what the next run may use of the last one

@@ -25,6 +25,8 @@ bool ClpSolver::load(const SolverProblem& problem, std::string& reason) {
   problem_ = {};
   program_.load(std::move(form));
   problem_ = problem;
+  beginsAtBasis_ = problem.position != nullptr && problem.rowPosition != nullptr &&
+                   program_.begin(problem.position, problem.rowPosition);
   return true;
 }
 
@@ -51,10 +53,13 @@ bool ClpSolver::update(const SolverProblem& problem) {
 void ClpSolver::solve(const SolverLimits& limits, SolverResult& result) {
   try {
     if (!program_.isWhole()) throw std::logic_error("the model was not handed over whole");
+    hasRanges_ = false;
     if (settleColumnByColumn(program_.form(), result)) return;
     Watch watch(limits);
     program_.solve(watch, result);
     confirmPoint(problem_, result);
+    result.startTaken = std::exchange(beginsAtBasis_, false);
+    hasRanges_ = result.outcome == Outcome::optimal;
     if (result.outcome == Outcome::failed) program_.forgetWork();
     return;
   } catch (CoinError& error) {
@@ -64,6 +69,10 @@ void ClpSolver::solve(const SolverLimits& limits, SolverResult& result) {
   }
   result.outcome = Outcome::failed;
   result.hasPoint = false;
+}
+
+bool ClpSolver::ranges(SolverRanges& ranges) {
+  return hasRanges_ && program_.isWhole() && program_.ranges(ranges);
 }
 
 }  // namespace lomu

@@ -12,6 +12,7 @@ class ClpSolver : public Solver {
   bool load(const SolverProblem& problem, std::string& reason) override;
   bool update(const SolverProblem& problem) override;
   void solve(const SolverLimits& limits, SolverResult& result) override;
+  bool ranges(SolverRanges& ranges) override;
 
  private:
   [[nodiscard]] bool onlyBoundsMayDiffer(const SolverProblem& problem) const;
@@ -19,6 +20,8 @@ class ClpSolver : public Solver {
   SolverProblem problem_{};
   LinearForm next_;  // what an update fills, kept so that updates allocate nothing
   ClpProgram program_;
+  bool beginsAtBasis_ = false;  // the next solve does
+  bool hasRanges_ = false;      // the last solve has
 };
 
 }  // namespace lomu

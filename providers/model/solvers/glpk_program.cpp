@@ -73,6 +73,12 @@ void GlpkProgram::perform(void* context) {
     case Task::simplex:
       job.code = program.simplex(job);
       break;
+    case Task::basis:
+      job.code = program.setBasis(job);
+      break;
+    case Task::ranges:
+      job.code = program.rangeAll(job);
+      break;
     case Task::search:
       job.code = program.search(job);
       break;
@@ -92,7 +98,8 @@ bool GlpkProgram::call(Job& job) {
 
 void GlpkProgram::take(const LinearForm& form) {
   next_ = form;
-  const bool keep = problem_ != nullptr && isOfThisThread() && form.sameShape(form_);
+  const bool keep = std::exchange(keeps_, true) && problem_ != nullptr && isOfThisThread() &&
+                    form.sameShape(form_);
   indexes_.resize(at(form.rowCount) + 1);
   values_.resize(indexes_.size());
   Job job{this, keep ? Task::change : Task::build, nullptr, 0, 0, 0, nullptr};

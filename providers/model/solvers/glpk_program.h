@@ -24,11 +24,19 @@ class GlpkProgram : public IntegerEngine {
   // Takes a form over; one of the same shape as the form before keeps the basis.
   void take(const LinearForm& form) override;
 
+  // Has the next take make the problem afresh.
+  void forget() { keeps_ = false; }
+  // Has the first solve begin with a basis, as ztb/solver.h has one; false when it does not fit.
+  // REQUIRES that what take made was not solved yet.
+  bool begin(const std::int32_t* position, const std::int32_t* rowPosition);
+  // The ranges of the last linear solve; false unless it found an optimum.
+  bool ranges(SolverRanges& ranges);
+
   void solveLinear(Watch& watch, SolverResult& result) override;
   void searchIntegers(Watch& watch, SolverResult& result) override;
 
  private:
-  enum class Task { build, change, presolved, simplex, proof, search, drop };
+  enum class Task { build, change, presolved, simplex, proof, search, drop, basis, ranges };
   // What a guarded call works on; without destructors.
   struct Job {
     GlpkProgram* program;
@@ -38,6 +46,9 @@ class GlpkProgram : public IntegerEngine {
     int iterationLimit;
     int code;
     SolverResult* result;
+    const std::int32_t* position = nullptr;
+    const std::int32_t* rowPosition = nullptr;
+    SolverRanges* ranges = nullptr;
   };
 
   static void perform(void* context);
@@ -49,6 +60,10 @@ class GlpkProgram : public IntegerEngine {
   void setColumn(int j);
   void setRow(int i);
   void setMatrixColumn(int j);
+  int setBasis(const Job& job);
+  void rangeColumn(int j, SolverRanges& ranges);
+  void rangeRow(int i, SolverRanges& ranges);
+  int rangeAll(const Job& job);
   int presolved(const Job& job);
   int simplex(const Job& job);
   void rowRay(SolverResult& result);
@@ -63,6 +78,7 @@ class GlpkProgram : public IntegerEngine {
 
   glp_prob* problem_ = nullptr;
   std::uint64_t thread_ = 0;  // on which problem_ was made
+  bool keeps_ = false;        // the next form may keep the basis
   bool isFresh_ = true;       // problem_ was not solved yet
   LinearForm form_;           // what problem_ holds
   LinearForm next_;           // what it is to hold

@@ -18,6 +18,8 @@ bool GlpkSolver::load(const SolverProblem& problem, std::string& reason) {
   }
   problem_ = problem;
   form_ = std::move(form);
+  program_.forget();
+  isLoaded_ = true;
   return true;
 }
 
@@ -32,16 +34,27 @@ bool GlpkSolver::update(const SolverProblem& problem) {
 
 void GlpkSolver::solve(const SolverLimits& limits, SolverResult& result) {
   try {
+    hasRanges_ = false;
+    const bool isFirst = std::exchange(isLoaded_, false);
     if (settleColumnByColumn(form_, result)) return;
     Watch watch(limits);
     program_.take(form_);
+    const bool begins = isFirst && !form_.hasIntegers && problem_.position != nullptr &&
+                        problem_.rowPosition != nullptr &&
+                        program_.begin(problem_.position, problem_.rowPosition);
     solveWithIntegers(program_, form_, watch, result);
     confirmPoint(problem_, result);
+    result.startTaken = begins;
+    hasRanges_ = result.outcome == Outcome::optimal && !form_.hasIntegers;
   } catch (const std::exception& error) {
     result.outcome = Outcome::failed;
     result.hasPoint = false;
     result.reason = std::string("glpk: ") + error.what();
   }
+}
+
+bool GlpkSolver::ranges(SolverRanges& ranges) {
+  return hasRanges_ && program_.ranges(ranges);
 }
 
 }  // namespace lomu

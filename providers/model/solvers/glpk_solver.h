@@ -12,11 +12,14 @@ class GlpkSolver : public Solver {
   bool load(const SolverProblem& problem, std::string& reason) override;
   bool update(const SolverProblem& problem) override;
   void solve(const SolverLimits& limits, SolverResult& result) override;
+  bool ranges(SolverRanges& ranges) override;
 
  private:
   SolverProblem problem_{};
   LinearForm form_;
   GlpkProgram program_;
+  bool isLoaded_ = false;   // and not solved yet
+  bool hasRanges_ = false;  // the last solve has
 };
 
 }  // namespace lomu

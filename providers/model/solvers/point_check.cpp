@@ -37,6 +37,22 @@ std::string outsideText(const char* what, std::size_t number, double value, doub
          " is outside of " + std::to_string(lower) + " to " + std::to_string(upper);
 }
 
+bool isZero(double level) {
+  return std::abs(level) <= kPointTolerance;
+}
+
+// The columns of a set that are not 0 are too many, or no neighbours.
+bool breaks(const ztbSolverSet& set, const SolverProblem& problem,
+            const std::vector<double>& level) {
+  int first = -1;
+  for (int k = 0; k < set.count; ++k) {
+    if (isZero(level[static_cast<std::size_t>(problem.setColumns[set.first + k])])) continue;
+    if (first < 0) first = k;
+    if (k - first >= set.kind) return true;
+  }
+  return false;
+}
+
 }  // namespace
 
 std::string violation(const SolverProblem& problem, const std::vector<double>& level) {
@@ -44,11 +60,19 @@ std::string violation(const SolverProblem& problem, const std::vector<double>& l
     const double at = level[j];
     const bool inside = at >= problem.lower[j] && at <= problem.upper[j] && std::isfinite(at);
     if (inside && problem.isInteger[j] == 0) continue;
+    if (problem.isSemiContinuous != nullptr && problem.isSemiContinuous[j] != 0 && isZero(at)) {
+      continue;
+    }
     if (!std::isfinite(at) || outside(at, std::abs(at), problem.lower[j], problem.upper[j])) {
       return outsideText("column", j, at, problem.lower[j], problem.upper[j]);
     }
     if (problem.isInteger[j] != 0 && outside(at, std::abs(at), std::round(at), std::round(at))) {
       return "column " + std::to_string(j) + " at " + std::to_string(at) + " is no integer";
+    }
+  }
+  for (int s = 0; s < problem.setCount; ++s) {
+    if (breaks(problem.sets[s], problem, level)) {
+      return "set " + std::to_string(s) + " has too many columns that are not 0";
     }
   }
   const auto rows = static_cast<std::size_t>(problem.rowCount);

@@ -1,0 +1,190 @@
+// Semi-continuous columns and special ordered sets: answers by hand, and by trying every choice.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "tests/solvers/small_model.h"
+
+namespace ztbtest {
+namespace {
+
+using lomu::Outcome;
+using lomu::SolverResult;
+
+class Sets : public testing::Test {
+ protected:
+  const lomu::SolverProblem& problem() {
+    problem_ = model_.problem();
+    problem_.hasIntegers = 1;
+    problem_.isSemiContinuous = semiContinuous_.empty() ? nullptr : semiContinuous_.data();
+    problem_.sets = sets_.data();
+    problem_.setCount = static_cast<int>(sets_.size());
+    problem_.setColumns = setColumns_.data();
+    problem_.setWeights = setWeights_.data();
+    return problem_;
+  }
+  void addSet(int kind, const std::vector<int>& columns) {
+    sets_.push_back({kind, static_cast<int>(setColumns_.size()), static_cast<int>(columns.size())});
+    for (const int column : columns) {
+      setColumns_.push_back(column);
+      setWeights_.push_back(static_cast<double>(setWeights_.size()));
+    }
+  }
+  std::string refusal(const char* solver) {
+    std::string reason;
+    return openSolver(solver)->load(problem(), reason) ? "taken" : reason;
+  }
+  SolverResult solve() {
+    const auto solver = openSolver("cbc");
+    std::string reason;
+    EXPECT_TRUE(solver->load(problem(), reason)) << reason;
+    return solveLive(*solver, model_);
+  }
+
+  SmallModel model_;
+  std::vector<char> semiContinuous_;
+  std::vector<ztbSolverSet> sets_;
+  std::vector<int> setColumns_;
+  std::vector<double> setWeights_;
+
+ private:
+  lomu::SolverProblem problem_{};
+};
+
+// x is 0 or from 5 to 10, y to 10, x + y at least 4.
+TEST_F(Sets, ASemiContinuousColumnIsZeroOrWithinItsBounds) {
+  model_.column(2, 5, 10);
+  model_.column(3, 0, 10);
+  model_.row({1, 1}, 4, kInf);
+  semiContinuous_ = {1, 0};
+  SolverResult result = solve();
+  ASSERT_EQ(result.outcome, Outcome::optimal) << result.reason;
+  EXPECT_NEAR(result.level[0], 5, 1e-9);
+  EXPECT_NEAR(result.level[1], 0, 1e-9);
+  model_.cost = {3, 2};
+  result = solve();
+  EXPECT_NEAR(result.level[0], 0, 1e-9);
+  EXPECT_NEAR(result.level[1], 4, 1e-9);
+  EXPECT_NEAR(result.rowMarginal[0], 2, 1e-9);
+  model_.upper[1] = 3;
+  result = solve();
+  EXPECT_NEAR(model_.objective(result.level), 15, 1e-9);
+  model_.rowUpper[0] = 4.5;
+  EXPECT_EQ(solve().outcome, Outcome::infeasible);
+}
+
+TEST_F(Sets, ASemiContinuousColumnBelowZero) {
+  model_.column(1, -10, -5);
+  model_.row({1}, -4, kInf);
+  semiContinuous_ = {1};
+  EXPECT_NEAR(solve().level[0], 0, 1e-9);
+  model_.rowLower[0] = -7;
+  EXPECT_NEAR(solve().level[0], -7, 1e-9);
+}
+
+TEST_F(Sets, OneColumnAtMostOfASetOfKind1) {
+  model_.column(-3, 0, 4);
+  model_.column(-2, 0, 10);
+  model_.column(-4, 0, 3);
+  model_.row({1, 1, 1}, -kInf, 20);
+  addSet(1, {0, 1, 2});
+  const SolverResult result = solve();
+  ASSERT_EQ(result.outcome, Outcome::optimal) << result.reason;
+  EXPECT_NEAR(model_.objective(result.level), -20, 1e-9);
+  EXPECT_NEAR(result.level[1], 10, 1e-9);
+}
+
+// The highest y at x = 3.5 on a line through (0, 0), (2, 5), (5, 4) and (9, 10) is 4.5; that of the
+// points' hull would be above 6.
+TEST_F(Sets, TwoNeighboursAtMostOfASetOfKind2) {
+  for (const double y : {0.0, 5.0, 4.0, 10.0}) model_.column(-y, 0, 1);
+  model_.row({1, 1, 1, 1}, 1, 1);
+  model_.row({0, 2, 5, 9}, 3.5, 3.5);
+  addSet(2, {0, 1, 2, 3});
+  const SolverResult result = solve();
+  ASSERT_EQ(result.outcome, Outcome::optimal) << result.reason;
+  EXPECT_NEAR(model_.objective(result.level), -4.5, 1e-9);
+  EXPECT_NEAR(result.level[1], 0.5, 1e-9);
+  EXPECT_NEAR(result.level[2], 0.5, 1e-9);
+}
+
+// Against the best of all choices of the columns that may differ from 0.
+TEST_F(Sets, AreTheBestOfAllChoices) {
+  std::mt19937 random(3);
+  const auto between = [&](int low, int high) {
+    return low + static_cast<int>(random() % static_cast<unsigned>(high - low + 1));
+  };
+  for (int kind = 0; kind <= 2; ++kind) {
+    for (int round = 0; round < 15; ++round) {
+      SCOPED_TRACE(testing::Message() << "kind " << kind << " round " << round);
+      model_ = SmallModel();
+      semiContinuous_.clear();
+      sets_.clear();
+      setColumns_.clear();
+      setWeights_.clear();
+      constexpr int kColumns = 5;
+      for (int j = 0; j < kColumns; ++j) {
+        const int low = kind == 0 ? between(1, 4) : between(-2, 0);
+        model_.column(between(-5, 5), low, low + between(2, 6));
+      }
+      for (int i = 0; i < 3; ++i) {
+        std::vector<double> row;
+        for (int j = 0; j < kColumns; ++j) row.push_back(between(-3, 3));
+        model_.row(row, i == 0 ? 1 : -kInf, between(2, 12));
+      }
+      if (kind == 0) {
+        semiContinuous_.assign(kColumns, 1);
+      } else {
+        addSet(kind, {0, 1, 2, 3, 4});
+      }
+      double best = kInf;
+      for (unsigned choice = 0; choice < 1U << kColumns; ++choice) {
+        const unsigned neighbours = choice & (choice << 1);
+        const int chosen = __builtin_popcount(choice);
+        if (kind == 1 && chosen > 1) continue;
+        if (kind == 2 && (chosen > 2 || (chosen == 2 && neighbours == 0))) continue;
+        SmallModel one = model_;
+        for (int j = 0; j < kColumns; ++j) {
+          const auto k = static_cast<std::size_t>(j);
+          if ((choice >> j & 1U) == 0) one.lower[k] = one.upper[k] = 0;
+        }
+        const SolverResult result = solveFresh("glpk", one);
+        if (result.outcome == Outcome::optimal) best = std::min(best, one.objective(result.level));
+      }
+      const SolverResult result = solve();
+      if (std::isinf(best)) {
+        EXPECT_EQ(result.outcome, Outcome::infeasible);
+        continue;
+      }
+      ASSERT_EQ(result.outcome, Outcome::optimal) << result.reason;
+      EXPECT_NEAR(model_.objective(result.level), best, 1e-6);
+    }
+  }
+}
+
+TEST_F(Sets, AreRefusedByTheOtherSolvers) {
+  model_.column(1, 0, 4);
+  model_.column(1, 0, 4);
+  model_.row({1, 1}, 1, 5);
+  addSet(1, {0, 1});
+  const std::string why = "the model has semi-continuous columns or special ordered sets";
+  EXPECT_EQ(refusal("clp"), "clp solves linear models without integers: " + why);
+  EXPECT_EQ(refusal("glpk"), "glpk solves linear models: " + why);
+  EXPECT_EQ(refusal("ipopt"), "ipopt solves continuous models: " + why);
+}
+
+TEST_F(Sets, WithoutFiniteBoundsAreRefused) {
+  model_.column(1, 0, 4);
+  model_.column(1, 0, kInf);
+  model_.row({1, 1}, 1, 5);
+  addSet(1, {0, 1});
+  EXPECT_EQ(refusal("cbc"),
+            "cbc solves linear models: column 2 is semi-continuous or in a special ordered set and "
+            "has no finite bounds, which the search needs");
+}
+
+}  // namespace
+}  // namespace ztbtest
