@@ -464,7 +464,7 @@ def test_other_threads_run_during_a_solve_and_ctrl_c_ends_it(endless):
     assert endless.solve(time_limit=0.1).solve_status == "time limit"
 
 
-def plan():
+def hours_and_room():
     """max 5 x(a) + 4 x(b), 6 x(a) + 4 x(b) <= 24, x(a) + 2 x(b) <= 6: best at (3, 1.5)."""
     model = ztb.Model()
     x = model.variable("x", ("which", ["a", "b"]))
@@ -476,7 +476,7 @@ def plan():
 
 @pytest.mark.parametrize("solver", ["clp", "glpk"])
 def test_ranging_tells_how_far_costs_and_right_hand_sides_can_move(solver):
-    model = plan()
+    model = hours_and_room()
     with pytest.raises(ValueError, match="the model was not solved yet"):
         model.ranging()
     model.solve(solver)
@@ -493,11 +493,11 @@ def test_ranging_tells_how_far_costs_and_right_hand_sides_can_move(solver):
 
 @pytest.mark.parametrize("solver", ["clp", "glpk"])
 def test_a_basis_goes_from_one_model_to_the_next(solver, tmp_path):
-    model = plan()
+    model = hours_and_room()
     model.solve(solver)
     assert not model.basis_taken
     model.write_basis(tmp_path / "plan.basis")
-    again = plan()
+    again = hours_and_room()
     again.read_basis(tmp_path / "plan.basis")
     assert again.solve(solver).objective == pytest.approx(21)
     assert again.basis_taken
