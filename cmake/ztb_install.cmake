@@ -4,6 +4,8 @@
 #   find_package(ztb)   gives ztb::ztbcclib64, the library for C, and ztb::ztb, the C++ wrapper;
 #                       ztb::model for programs that solve models (ztb/model.h, model.hpp);
 #                       ztb::rxf for programs that look into exchange files (ztb/rxf.h, rxf.hpp)
+#                       ztb::formats for programs that read and write the files of others
+#                       (ztb/formats.h)
 #   pkg-config ztb      the same for other build systems; ztb-model, ztb-rxf
 
 include(CMakePackageConfigHelpers)
@@ -25,6 +27,10 @@ install(TARGETS nmtmdclib64 LIBRARY DESTINATION ${ZTB_LIBRARY_FOLDER} COMPONENT 
 set_target_properties(rxfcclib64 PROPERTIES EXPORT_NAME rxf)
 install(TARGETS rxfcclib64 EXPORT ztb-targets LIBRARY DESTINATION ${ZTB_LIBRARY_FOLDER} COMPONENT libraries)
 add_library(ztb::rxf ALIAS rxfcclib64)
+# Programs that read and write the files of others link this one; the command opens it.
+set_target_properties(ztbformats PROPERTIES EXPORT_NAME formats)
+install(TARGETS ztbformats EXPORT ztb-targets LIBRARY DESTINATION ${ZTB_LIBRARY_FOLDER} COMPONENT libraries)
+add_library(ztb::formats ALIAS ztbformats)
 # Programs that open models link this one, by ztb::model.
 install(TARGETS lomudclib64 EXPORT ztb-targets LIBRARY DESTINATION ${ZTB_LIBRARY_FOLDER} COMPONENT libraries)
 add_library(ztb::lomudclib64 ALIAS lomudclib64)

@@ -1,0 +1,51 @@
+// The table of formats: which files tables and whole databases come from and go to.
+//
+// A format is a row: names, endings, and the functions that read and write. A format adds its row
+// in format_table.cpp and has its own files beside; what no library is there for keeps its row,
+// without functions and with the packages that it needs.
+#ifndef ZTB_FORMATS_FORMAT_TABLE_H_
+#define ZTB_FORMATS_FORMAT_TABLE_H_
+
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace formats {
+
+class TableReader;
+class TableWriter;
+class DatabaseReader;
+struct TableSource;
+struct TableTarget;
+struct DatabaseExport;
+
+struct Format {
+  const char* name;
+  // Blanks stand between them; an ending is never that of two formats.
+  const char* endings;
+  // Packages without which it cannot be read or written; empty where nothing is missing.
+  const char* missingToRead = "";
+  const char* missingToWrite = "";
+  // Opens the rows of one table of a file.
+  std::unique_ptr<TableReader> (*openTable)(const TableSource& source) = nullptr;
+  // Begins a file of one table.
+  std::unique_ptr<TableWriter> (*makeTable)(const TableTarget& target) = nullptr;
+  // Opens what a whole database was written to.
+  std::unique_ptr<DatabaseReader> (*openDatabase)(const std::string& path) = nullptr;
+  // Writes a whole database, or symbols of it.
+  void (*writeDatabase)(const DatabaseExport& database) = nullptr;
+};
+
+// All formats, in the order in which they are listed.
+std::span<const Format> formatTable();
+
+// The format of this name, or the one whose ending the name of a file has, the longest ending
+// first; letters of either case. Null for none.
+const Format* formatNamed(std::string_view name);
+const Format* formatOfFile(std::string_view path);
+
+}  // namespace formats
+
+#endif  // ZTB_FORMATS_FORMAT_TABLE_H_
