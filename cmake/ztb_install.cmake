@@ -6,7 +6,7 @@
 #                       ztb::rxf for programs that look into exchange files (ztb/rxf.h, rxf.hpp)
 #                       ztb::formats for programs that read and write the files of others
 #                       (ztb/formats.h)
-#   pkg-config ztb      the same for other build systems; ztb-model, ztb-rxf
+#   pkg-config ztb      the same for other build systems; ztb-model, ztb-rxf, ztb-formats
 
 include(CMakePackageConfigHelpers)
 
@@ -70,7 +70,7 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/ztb-config.cmake
 # The files of pkg-config tell the folders relative to their own.
 file(RELATIVE_PATH ZTB_UP_TO_PREFIX /${ZTB_LIBRARY_FOLDER}/pkgconfig /)
 string(REGEX REPLACE "/$" "" ZTB_UP_TO_PREFIX ${ZTB_UP_TO_PREFIX})
-foreach(package ztb ztb-model ztb-rxf)
+foreach(package ztb ztb-model ztb-rxf ztb-formats)
   configure_file(${PROJECT_SOURCE_DIR}/cmake/${package}.pc.in
     ${CMAKE_CURRENT_BINARY_DIR}/${package}.pc @ONLY)
   install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${package}.pc

@@ -10,7 +10,7 @@ namespace {
 
 int abilitiesOf(const formats::Format& format) {
   return (format.openTable != nullptr ? ZTB_FORMAT_READS_TABLES : 0) |
-         (format.makeTable != nullptr ? ZTB_FORMAT_WRITES_TABLES : 0) |
+         (format.makeTables != nullptr ? ZTB_FORMAT_WRITES_TABLES : 0) |
          (format.openDatabase != nullptr ? ZTB_FORMAT_READS_DATABASES : 0) |
          (format.writeDatabase != nullptr ? ZTB_FORMAT_WRITES_DATABASES : 0);
 }

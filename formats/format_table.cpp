@@ -1,18 +1,86 @@
 #include "formats/format_table.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <array>
-#include <cctype>
+#include <ztb/case_folding.hpp>
+
+#include "formats/csv_folder.h"
+#include "formats/csv_tables.h"
+#include "formats/excel/xlsx_tables.h"
+#include "formats/json/json_lines.h"
+#include "formats/sqlite/sqlite_tables.h"
+#include "tools/text/failure.h"
 
 namespace formats {
 
 namespace {
 
-bool sameFolded(std::string_view left, std::string_view right) {
-  return std::ranges::equal(left, right, [](unsigned char a, unsigned char b) {
-    return std::tolower(a) == std::tolower(b);
-  });
-}
+using ztb::sameFolded;
+
+#ifdef ZTB_HAS_SQLITE
+constexpr Format sqliteFormat{.name = "sqlite",
+                              .endings = ".db .sqlite .sqlite3",
+                              .hasParts = true,
+                              .openTable = openSqlite,
+                              .makeTables = makeSqlite,
+                              .openDatabase = openSqliteDatabase,
+                              .writeDatabase = writeSqliteDatabase};
+#else
+constexpr Format sqliteFormat{.name = "sqlite",
+                              .endings = ".db .sqlite .sqlite3",
+                              .missingToRead = "SQLite (Debian package libsqlite3-dev)",
+                              .missingToWrite = "SQLite (Debian package libsqlite3-dev)",
+                              .hasParts = true};
+#endif
+
+constexpr Format excelFormat{
+    .name = "xlsx",
+    .endings = ".xlsx .xlsm",
+#ifndef ZTB_READS_EXCEL
+    .missingToRead = "minizip and expat (Debian packages libminizip-dev and libexpat1-dev)",
+#endif
+#ifndef ZTB_WRITES_EXCEL
+    .missingToWrite = "libxlsxwriter (Debian package libxlsxwriter-dev)",
+#endif
+    .hasParts = true,
+#ifdef ZTB_READS_EXCEL
+    .openTable = openXlsx,
+#endif
+#ifdef ZTB_WRITES_EXCEL
+    .makeTables = makeXlsx,
+#endif
+#ifdef ZTB_READS_EXCEL
+    .openDatabase = openXlsxDatabase,
+#endif
+#ifdef ZTB_WRITES_EXCEL
+    .writeDatabase = writeXlsxDatabase,
+#endif
+};
+
+constexpr std::array allFormats{
+    Format{.name = "csv",
+           .endings = ".csv .csv.gz .csv.zst",
+           .openTable = openCsv,
+           .makeTables = makeCsv,
+           .openDatabase = openCsvFolder,
+           .writeDatabase = writeCsvFolder,
+           .ownsFolder = isCsvFolder},
+    Format{.name = "tsv",
+           .endings = ".tsv .tab .tsv.gz .tsv.zst",
+           .openTable = openTsv,
+           .makeTables = makeTsv},
+    sqliteFormat,
+    excelFormat,
+    Format{.name = "jsonl",
+           .endings = ".jsonl .ndjson .jsonl.gz .ndjson.gz .jsonl.zst .ndjson.zst",
+           .openTable = openJsonLines,
+           .makeTables = makeJsonLines,
+           .openDatabase = openJsonDatabase,
+           .writeDatabase = writeJsonDatabase,
+           .oneTableAlone = true},
+};
 
 // The longest ending of a format that the name of a file has, as its length; 0 for none.
 std::size_t endingOf(const Format& format, std::string_view path) {
@@ -32,8 +100,21 @@ std::size_t endingOf(const Format& format, std::string_view path) {
 }  // namespace
 
 std::span<const Format> formatTable() {
-  static constexpr std::array<Format, 0> formats{};
-  return formats;
+  return allFormats;
+}
+
+void requireReadable(const Format& format) {
+  if (*format.missingToRead != '\0') {
+    throw tool::Failure(fmt::format("{} files cannot be read: ztb was built without {}",
+                                    format.name, format.missingToRead));
+  }
+}
+
+void requireWritable(const Format& format) {
+  if (*format.missingToWrite != '\0') {
+    throw tool::Failure(fmt::format("{} files cannot be written: ztb was built without {}",
+                                    format.name, format.missingToWrite));
+  }
 }
 
 const Format* formatNamed(std::string_view name) {

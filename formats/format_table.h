@@ -28,15 +28,25 @@ struct Format {
   // Packages without which it cannot be read or written; empty where nothing is missing.
   const char* missingToRead = "";
   const char* missingToWrite = "";
+  // Whether a file has parts, which are named behind '#'.
+  bool hasParts = false;
   // Opens the rows of one table of a file.
   std::unique_ptr<TableReader> (*openTable)(const TableSource& source) = nullptr;
-  // Begins a file of one table.
-  std::unique_ptr<TableWriter> (*makeTable)(const TableTarget& target) = nullptr;
+  // Begins a file of tables, or of one where writeDatabase is not writeTables or there is none.
+  std::unique_ptr<TableWriter> (*makeTables)(const TableTarget& target) = nullptr;
   // Opens what a whole database was written to.
   std::unique_ptr<DatabaseReader> (*openDatabase)(const std::string& path) = nullptr;
   // Writes a whole database, or symbols of it.
   void (*writeDatabase)(const DatabaseExport& database) = nullptr;
+  // Whether one symbol goes into a file as a table, and only several as a database.
+  bool oneTableAlone = false;
+  // Whether a path is that of a folder which holds a database in this format.
+  bool (*ownsFolder)(const std::string& path) = nullptr;
 };
+
+// Throws Failure, which names the packages, where a format cannot be read or written.
+void requireReadable(const Format& format);
+void requireWritable(const Format& format);
 
 // All formats, in the order in which they are listed.
 std::span<const Format> formatTable();

@@ -1,4 +1,14 @@
-/* Tables and whole databases in the files of other programs: which formats there are.
+/* Tables and whole databases in the files of other programs: which formats there are, and jobs that
+ * bring data in and out.
+ *
+ *   ztbFormatsJob* job;
+ *   if (!ztbFormatsCreate(&job)) return 1;
+ *   if (!ztbFormatsOption(job, "from", "plan.xlsx#Prices") ||
+ *       !ztbFormatsOption(job, "parameter", "price(food) = cents") ||
+ *       !ztbFormatsImport(job, "plan.rxf")) {
+ *     printf("%s%s\n", ztbFormatsProblems(job), ztbFormatsMessage(job));
+ *   }
+ *   ztbFormatsFree(&job);
  *
  * The functions stand in libztbformats.so; link with it, or open it at run time. Third-party
  * libraries stand behind it and nowhere else. One that was missing when it was built drops its
@@ -8,6 +18,7 @@
 #define ZTB_FORMATS_H_
 
 #include <ztb/errors.h>
+#include <ztb/ztb.h>
 
 #ifdef __cplusplus
 extern "C" {
@@ -39,6 +50,55 @@ int ztbFormat(int number, ztbFormatInfo* info);
 /* The number of the format that the ending of a file's name tells, in letters of either case; -1
  * when none does. */
 int ztbFormatOfFile(const char* path);
+
+/* A job: options, then one run. Used by one thread at a time; several may run at once. */
+typedef struct ztbFormatsJobRec ztbFormatsJob;
+
+/* 1, or 0 without memory. */
+int ztbFormatsCreate(ztbFormatsJob** job);
+/* Ends the job and sets *job to null. */
+void ztbFormatsFree(ztbFormatsJob** job);
+
+/* Sets an option of ztb import or ztb export under its name there, without hyphens; the reference
+ * of the command tells them all. Options that belong to a source follow its "from", and a symbol of
+ * an export is the option "symbol". The value of one that has none is left alone. Moreover
+ * "progress" has a long run tell on a terminal what it does. 0 for an option that there is not, or
+ * a value that it does not take. */
+int ztbFormatsOption(ztbFormatsJob* job, const char* name, const char* value);
+
+/* Makes an exchange file from the sources. With problems in the input nothing is written. */
+int ztbFormatsImport(ztbFormatsJob* job, const char* path);
+
+/* Adds the symbols to a database, which has none of their names; its sets may be their domains.
+ * With problems in the input nothing is added, and of labels none either. The database is not used
+ * meanwhile. */
+int ztbFormatsImportInto(ztbFormatsJob* job, ztbRec* database);
+
+/* Writes from an exchange file ("-" is standard input), or from a database, which is written to a
+ * temporary exchange file first. */
+int ztbFormatsExport(ztbFormatsJob* job, const char* path);
+int ztbFormatsExportDatabase(ztbFormatsJob* job, ztbRec* database);
+
+/* Each of the functions above that fails gives 0. Then these tell the reason, its kind, a
+ * ZTB_ERROR_ code, and whether the options made no sense. Texts stay until the next call for the
+ * job. */
+const char* ztbFormatsMessage(const ztbFormatsJob* job);
+int ztbFormatsErrorKind(const ztbFormatsJob* job);
+int ztbFormatsIsUsage(const ztbFormatsJob* job);
+
+/* What is wrong with the input, a line for each problem with its place, and what is worth a word
+ * although it is no problem; empty, or each line with its end. */
+const char* ztbFormatsProblems(const ztbFormatsJob* job);
+const char* ztbFormatsWarnings(const ztbFormatsJob* job);
+
+/* What the run counted. */
+enum {
+  ZTB_FORMATS_SYMBOLS = 0,
+  ZTB_FORMATS_LABELS = 1,
+  ZTB_FORMATS_RECORDS = 2,
+  ZTB_FORMATS_PROBLEMS = 3
+};
+long long ztbFormatsCounted(const ztbFormatsJob* job, int what);
 
 #ifdef __cplusplus
 }

@@ -1,4 +1,4 @@
-#include "tools/tables/csv_reader.h"
+#include "formats/tables/csv_reader.h"
 
 #include <gtest/gtest.h>
 
@@ -18,11 +18,11 @@ class CsvReaderTest : public testing::Test {
   // All records of a file with this content.
   Records readAll(const std::string& content, char separator = ',') {
     std::ofstream(folder_.file("in.csv"), std::ios::binary) << content;
-    tool::CsvReader reader(folder_.file("in.csv"), separator);
+    formats::CsvReader reader(folder_.file("in.csv"), separator);
     Records records;
     while (reader.next(problems_)) {
       std::vector<std::string>& record = records.emplace_back();
-      for (const tool::CsvField& field : reader.fields()) {
+      for (const formats::TableField& field : reader.fields()) {
         record.emplace_back(field.text);
       }
     }
@@ -40,7 +40,7 @@ class CsvReaderTest : public testing::Test {
   }
 
   ztbtest::TempFolder folder_;
-  tool::ProblemList problems_{10};
+  formats::ProblemList problems_{10};
 };
 
 TEST_F(CsvReaderTest, ReadsPlainFields) {
@@ -88,7 +88,7 @@ TEST_F(CsvReaderTest, PassesOverEmptyLinesButNotOverEmptyFields) {
 
 TEST_F(CsvReaderTest, TellsQuotedEmptyFieldsFromPlainOnes) {
   std::ofstream(folder_.file("in.csv")) << "\"\",\n";
-  tool::CsvReader reader(folder_.file("in.csv"), ',');
+  formats::CsvReader reader(folder_.file("in.csv"), ',');
   ASSERT_TRUE(reader.next(problems_));
   EXPECT_TRUE(reader.fields()[0].quoted);
   EXPECT_FALSE(reader.fields()[1].quoted);
@@ -106,7 +106,7 @@ TEST_F(CsvReaderTest, TakesAnotherSeparator) {
 
 TEST_F(CsvReaderTest, TellsLineAndColumnOfEachField) {
   std::ofstream(folder_.file("in.csv")) << "h\n\nab,\"x\ny\",c\n";
-  tool::CsvReader reader(folder_.file("in.csv"), ',');
+  formats::CsvReader reader(folder_.file("in.csv"), ',');
   ASSERT_TRUE(reader.next(problems_));
   ASSERT_TRUE(reader.next(problems_));
   EXPECT_EQ(reader.position().line, 3U);
@@ -143,7 +143,7 @@ TEST_F(CsvReaderTest, ReadsAlikeWhereverABlockEnds) {
 TEST_F(CsvReaderTest, NamesAFileThatCannotBeOpened) {
   const std::string path = folder_.file("none.csv");
   try {
-    tool::CsvReader reader(path, ',');
+    formats::CsvReader reader(path, ',');
     FAIL();
   } catch (const tool::Failure& failure) {
     EXPECT_EQ(failure.what(), path + ": cannot be read: No such file or directory");
@@ -153,7 +153,7 @@ TEST_F(CsvReaderTest, NamesAFileThatCannotBeOpened) {
 TEST_F(CsvReaderTest, NamesAFolder) {
   const std::string path = folder_.path().string();
   try {
-    tool::CsvReader reader(path, ',');
+    formats::CsvReader reader(path, ',');
     FAIL();
   } catch (const tool::Failure& failure) {
     EXPECT_EQ(failure.what(), path + ": cannot be read: Is a directory");

@@ -1,4 +1,4 @@
-#include "tools/tables/csv_writer.h"
+#include "formats/tables/csv_writer.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -12,8 +12,8 @@
 #include <string>
 #include <vector>
 
+#include "formats/tables/csv_reader.h"
 #include "tests/support/temp_folder.h"
-#include "tools/tables/csv_reader.h"
 #include "tools/text/failure.h"
 
 namespace {
@@ -25,23 +25,23 @@ std::string contentOf(const std::string& path) {
 
 TEST(CsvWriter, QuotesOnlyWhatNeedsIt) {
   const ztbtest::TempFolder folder;
-  tool::CsvWriter csv(folder.file("out.csv"));
+  formats::CsvWriter csv(folder.file("out.csv"));
   for (const char* text : {"plain", "a,b", "say \"hi\"", "two\nlines", " first", "last ", "5' x"}) {
-    csv.field(text);
+    csv.text(text);
   }
-  csv.endRecord();
-  csv.close();
+  csv.endRow();
+  csv.finish();
   EXPECT_EQ(contentOf(folder.file("out.csv")),
             "plain,\"a,b\",\"say \"\"hi\"\"\",\"two\nlines\",\" first\",\"last \",5' x\n");
 }
 
 TEST(CsvWriter, WritesAnEmptyLabelAsTwoQuotesAndAnEmptyFieldAsNothing) {
   const ztbtest::TempFolder folder;
-  tool::CsvWriter csv(folder.file("out.csv"));
+  formats::CsvWriter csv(folder.file("out.csv"));
   csv.label("");
-  csv.field("");
-  csv.endRecord();
-  csv.close();
+  csv.text("");
+  csv.endRow();
+  csv.finish();
   EXPECT_EQ(contentOf(folder.file("out.csv")), "\"\",\n");
 }
 
@@ -53,16 +53,16 @@ TEST(CsvWriter, IsReadBackByteForByte) {
   }
   const std::vector<std::string> texts{"",   " ",  "\"",  "\"\"",         ",",     "\r\n",
                                        "\n", "\r", "a\r", "\xEF\xBB\xBF", allBytes};
-  tool::CsvWriter csv(folder.file("out.csv"));
-  csv.field("header");
-  csv.endRecord();
+  formats::CsvWriter csv(folder.file("out.csv"));
+  csv.text("header");
+  csv.endRow();
   for (const std::string& text : texts) {
     csv.label(text);
-    csv.endRecord();
+    csv.endRow();
   }
-  csv.close();
-  tool::CsvReader reader(folder.file("out.csv"), ',');
-  tool::ProblemList problems(10);
+  csv.finish();
+  formats::CsvReader reader(folder.file("out.csv"), ',');
+  formats::ProblemList problems(10);
   ASSERT_TRUE(reader.next(problems));
   for (const std::string& text : texts) {
     ASSERT_TRUE(reader.next(problems));
@@ -75,11 +75,11 @@ TEST(CsvWriter, IsReadBackByteForByte) {
 TEST(CsvWriter, FailsOnAFullDisk) {
   const std::unique_ptr<std::FILE, int (*)(std::FILE*)> full(std::fopen("/dev/full", "wb"),
                                                              &std::fclose);
-  tool::CsvWriter csv(full.get(), "/dev/full");
-  csv.field("x");
-  csv.endRecord();
+  formats::CsvWriter csv(full.get(), "/dev/full");
+  csv.text("x");
+  csv.endRow();
   try {
-    csv.close();
+    csv.finish();
     FAIL();
   } catch (const tool::Failure& failure) {
     EXPECT_STREQ(failure.what(), "/dev/full: cannot be written: No space left on device");
@@ -88,7 +88,7 @@ TEST(CsvWriter, FailsOnAFullDisk) {
 
 TEST(CsvWriter, FailsInAFolderThatIsNotThere) {
   const ztbtest::TempFolder folder;
-  EXPECT_THROW(tool::CsvWriter(folder.file("none/out.csv")), tool::Failure);
+  EXPECT_THROW(formats::CsvWriter(folder.file("none/out.csv")), tool::Failure);
 }
 
 std::vector<std::string> namesIn(const ztbtest::TempFolder& folder) {
@@ -102,7 +102,7 @@ std::vector<std::string> namesIn(const ztbtest::TempFolder& folder) {
 
 std::string refusal(const std::string& path) {
   try {
-    const tool::CsvWriter csv(path);
+    const formats::CsvWriter csv(path);
   } catch (const tool::Failure& failure) {
     return failure.what();
   }
@@ -115,17 +115,17 @@ TEST(CsvWriter, ReplacesAFileWhenItIsWholeAndKeepsItsPermissionBits) {
   std::ofstream(path) << "old";
   ASSERT_EQ(chmod(path.c_str(), 0640), 0);
   {
-    tool::CsvWriter csv(path);
-    csv.field("half");
-    csv.endRecord();
+    formats::CsvWriter csv(path);
+    csv.text("half");
+    csv.endRow();
   }
   EXPECT_EQ(contentOf(path), "old");
   EXPECT_EQ(namesIn(folder), std::vector<std::string>{"out.csv"});
-  tool::CsvWriter csv(path);
-  csv.field("new");
-  csv.endRecord();
+  formats::CsvWriter csv(path);
+  csv.text("new");
+  csv.endRow();
   EXPECT_EQ(contentOf(path), "old");
-  csv.close();
+  csv.finish();
   EXPECT_EQ(contentOf(path), "new\n");
   EXPECT_EQ(std::filesystem::status(path).permissions(), std::filesystem::perms{0640});
   EXPECT_EQ(namesIn(folder), std::vector<std::string>{"out.csv"});
@@ -134,8 +134,8 @@ TEST(CsvWriter, ReplacesAFileWhenItIsWholeAndKeepsItsPermissionBits) {
 TEST(CsvWriter, GivesANewFileTheBitsThatTheMaskLeaves) {
   const ztbtest::TempFolder folder;
   const mode_t before = umask(027);
-  tool::CsvWriter csv(folder.file("out.csv"));
-  csv.close();
+  formats::CsvWriter csv(folder.file("out.csv"));
+  csv.finish();
   umask(before);
   EXPECT_EQ(std::filesystem::status(folder.file("out.csv")).permissions(),
             std::filesystem::perms{0640});
@@ -161,11 +161,11 @@ TEST(CsvWriter, WritesThroughNoLinkPipeOrDevice) {
 TEST(CsvWriter, ReplacesALinkThatIsPutThereMeanwhileAndNotWhatItLeadsTo) {
   const ztbtest::TempFolder folder;
   std::ofstream(folder.file("victim")) << "precious";
-  tool::CsvWriter csv(folder.file("out.csv"));
+  formats::CsvWriter csv(folder.file("out.csv"));
   std::filesystem::create_symlink("victim", folder.file("out.csv"));
-  csv.field("new");
-  csv.endRecord();
-  csv.close();
+  csv.text("new");
+  csv.endRow();
+  csv.finish();
   EXPECT_EQ(contentOf(folder.file("victim")), "precious");
   EXPECT_FALSE(std::filesystem::is_symlink(folder.file("out.csv")));
   EXPECT_EQ(contentOf(folder.file("out.csv")), "new\n");

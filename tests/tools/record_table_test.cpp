@@ -1,4 +1,4 @@
-#include "tools/tables/record_table.h"
+#include "formats/tables/record_table.h"
 
 #include <gtest/gtest.h>
 
@@ -7,7 +7,7 @@
 
 namespace {
 
-using tool::RecordTable;
+using formats::RecordTable;
 
 TEST(RecordTable, OrdersByKeysAndKeepsEqualOnesInTheirOrder) {
   RecordTable table(2, 1);

@@ -1,4 +1,4 @@
-#include "tools/tables/symbol_spec.h"
+#include "formats/tables/symbol_spec.h"
 
 #include <gtest/gtest.h>
 
@@ -8,9 +8,9 @@
 
 namespace {
 
-using tool::parseSymbolSpec;
-using tool::SpecKind;
-using tool::SymbolSpec;
+using formats::parseSymbolSpec;
+using formats::SpecKind;
+using formats::SymbolSpec;
 
 TEST(SymbolSpec, TakesANameAloneForItsColumn) {
   const SymbolSpec spec = parseSymbolSpec(SpecKind::set, "food");

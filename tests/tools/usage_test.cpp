@@ -67,7 +67,8 @@ TEST_F(UsageTest, WrongUsageEndsWithTwo) {
   expectFails(2, "ztb: no command 'bogus'; ztb --help lists the commands\n", {"bogus", "x"});
   expectFails(2, "ztb: FILE is required; see ztb info --help\n", {"info"});
   expectFails(2, "ztb: SYMBOL is required; see ztb show --help\n", {"show", "a.rxf"});
-  expectFails(2, "ztb: --csv is required; see ztb export --help\n", {"export", "a.rxf", "--all"});
+  expectFails(2, "ztb: nothing to write to: give --to TARGET, or --csv DIR\n",
+              {"export", "a.rxf", "--all"});
   expectFails(2, "ztb: --head: '-1' is no whole number of at least 0; see ztb show --help\n",
               {"show", "a.rxf", "s", "--head=-1"});
   expectFails(2, "ztb: no option --bogus; see ztb show --help\n",

@@ -1,24 +1,21 @@
 #include <fmt/format.h>
+#include <ztb/formats.h>
 
 #include <cstdio>
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 #include <ztb/display_text.hpp>
 
 #include "tools/commands/command_line.h"
 #include "tools/commands/commands.h"
 #include "tools/commands/store_option.h"
+#include "tools/files/formats_library.h"
 #include "tools/files/standard_streams.h"
-#include "tools/tables/folder_import.h"
-#include "tools/tables/problem_list.h"
-#include "tools/tables/record_import.h"
-#include "tools/tables/symbol_spec.h"
-#include "tools/tables/table_import.h"
 #include "tools/text/failure.h"
 #include "tools/text/output.h"
-#include "tools/text/progress.h"
 #include "tools/text/words.h"
 
 namespace tool {
@@ -27,8 +24,9 @@ namespace {
 
 struct ImportOptions {
   std::string out;
+  // Options of the sources in their order.
+  std::vector<std::pair<std::string, std::string>> inOrder;
   std::optional<std::string> folder;
-  std::vector<TableSource> sources;
   std::string separator = ",";
   std::string decimal = ".";
   ztb::Store store = ztb::Store::map;
@@ -37,146 +35,76 @@ struct ImportOptions {
   std::size_t maxErrors = 20;
 };
 
-char separatorOf(const std::string& text) {
-  if (text == "tab" || text == "\\t") {
-    return '\t';
-  }
-  if (text.size() != 1 || text == "\"" || text == "\n" || text == "\r") {
-    throw UsageError(fmt::format("--separator {}: expected one char, or the word tab", text));
-  }
-  return text.front();
-}
-
-char decimalOf(const std::string& text, char separator) {
-  if (text != "." && text != ",") {
-    throw UsageError(fmt::format("--decimal {}: expected a point or a comma", text));
-  }
-  if (text.front() == separator) {
-    throw UsageError(
-        "--decimal ,: the comma parts the fields; give --separator ';' or tab as well");
-  }
-  return text.front();
-}
-
-void checkUsage(const ImportOptions& options) {
-  if (options.folder && !options.sources.empty()) {
-    throw UsageError("--dir and --from exclude each other");
-  }
-  if (!options.folder && options.sources.empty()) {
-    throw UsageError(
-        "nothing to import: give --from FILE with --set, --parameter or --variable, or --dir DIR");
-  }
-  for (const TableSource& source : options.sources) {
-    if (source.symbols.empty()) {
-      throw UsageError(fmt::format(
-          "--from {}: no --set, --parameter or --variable behind it reads from it", source.path));
-    }
-  }
-}
-
-// Takes the file that was just written into another store and writes it from there. Records of an
-// import come in the order of its tables, which only the tree map takes, and a symbol that is moved
-// within a database would lose its domains.
-void rewriteFrom(ztb::Store store, const std::string& path, bool checkDomains) {
-  ztb::Database database;
-  database.selectStore(store);
-  database.openFile(path);
-  database.closeFile(true);
-  database.write(path, checkDomains);
-}
-
 void runImport(const ImportOptions& options) {
-  checkUsage(options);
-  const TableImportOptions tables{.separator = separatorOf(options.separator),
-                                  .skipEmpty = options.skipEmpty,
-                                  .namesAlone = !options.checkDomains};
-  const char decimal = decimalOf(options.decimal, tables.separator);
+  FormatsJob job;
+  for (const auto& [name, value] : options.inOrder) job.option(name, value);
+  if (options.folder) job.option("dir", *options.folder);
+  job.option("separator", options.separator);
+  job.option("decimal", options.decimal);
+  job.option("store", std::string(storeWord(options.store)));
+  if (options.checkDomains) job.option("check-domains", "");
+  if (options.skipEmpty) job.option("skip-empty", "");
+  job.option("max-errors", std::to_string(options.maxErrors));
+  job.option("progress", "");
   OutputFile output(options.out);
-  std::optional<Progress> progress(std::in_place);
-  ProblemList problems(options.maxErrors);
-  ProblemList warnings(options.maxErrors);
-  ztb::Database database;
-  RecordImport records(database, problems, warnings, *progress);
-  if (options.checkDomains) {
-    records.checkDomains();
-  }
-  std::vector<std::string> lostRoles;
-  if (options.folder) {
-    importFolder(database, *options.folder, records, problems);
-  } else {
-    records.setDecimalChar(decimal);
-    lostRoles = importTables(database, options.sources, tables, records, problems);
-  }
-  if (problems.empty()) {
-    progress->step("writing " + output.name());
-    try {
-      database.write(output.path(), options.checkDomains);
-      if (options.store != ztb::Store::map) {
-        rewriteFrom(options.store, output.path(), options.checkDomains);
-      }
-    } catch (const ztb::Error& error) {
-      throw Failure(withFile(output.name(), error.what()));
-    }
+  job.option("shown-name", output.name());
+  try {
+    job.import(output.path());
     output.finish();
+  } catch (const Failure&) {
+    std::fputs(job.warnings().c_str(), stderr);
+    std::fputs(job.problems().c_str(), stderr);
+    throw;
   }
-  progress.reset();
-  if (problems.empty()) {
-    for (const std::string& lost : lostRoles) {
-      printError("ztb: warning: " + lost);
-    }
-  }
-  std::fputs(warnings.report().c_str(), stderr);
-  if (!problems.empty()) {
-    std::fputs(problems.report().c_str(), stderr);
-    throw Failure(fmt::format("{}: not written: {} in the input", output.name(),
-                              counted(problems.count(), "problem")));
-  }
+  std::fputs(job.warnings().c_str(), stderr);
   print(fmt::format("{}: {}, {}, {}\n", ztb::displayText(output.name()),
-                    counted(static_cast<std::size_t>(database.symbolCount()), "symbol"),
-                    counted(static_cast<std::size_t>(database.labelCount()), "label"),
-                    counted(records.recordCount(), "record")));
+                    counted(job.counted(ZTB_FORMATS_SYMBOLS), "symbol"),
+                    counted(job.counted(ZTB_FORMATS_LABELS), "label"),
+                    counted(job.counted(ZTB_FORMATS_RECORDS), "record")));
 }
 
-// Adds an option that makes a symbol from the file that the --from before it names.
-void addSymbolOption(Command command, const std::shared_ptr<ImportOptions>& options, SpecKind kind,
-                     const char* help) {
-  command
-      .each(
-          optionOf(kind),
-          [options, kind](const std::string& argument) {
-            if (options->sources.empty()) {
-              throw UsageError(fmt::format("{} {}: a --from FILE must stand before it",
-                                           optionOf(kind), argument));
-            }
-            options->sources.back().symbols.push_back(parseSymbolSpec(kind, argument));
-          },
-          help)
-      .typeName("SPEC");
+// Adds an option whose place among those of the sources counts.
+Option addInOrder(Command command, const std::shared_ptr<ImportOptions>& options,
+                  const std::string& name, const char* help) {
+  return command.each(
+      "--" + name,
+      [options, name](const std::string& value) { options->inOrder.emplace_back(name, value); },
+      help);
 }
 
 }  // namespace
 
 void addImportCommand(CommandLine& line) {
-  Command command = line.add("import", "Make a file from CSV");
+  Command command = line.add("import", "Make a file from tables or a database of another program");
   auto options = std::make_shared<ImportOptions>();
   command.text("OUT", options->out, "RXF file to write, - for standard output").required();
-  command
-      .each(
-          "--from",
-          [options](const std::string& path) {
-            options->sources.push_back({.path = path, .symbols = {}});
-          },
-          "CSV file, - for standard input; the options that follow read from it")
-      .typeName("FILE");
-  addSymbolOption(command, options, SpecKind::set,
-                  "Make a set: NAME(KEY, ...) : TEXTCOLUMN \"text\"");
-  addSymbolOption(command, options, SpecKind::distinctSet,
-                  "The same; an element that stands in many rows is taken once");
-  addSymbolOption(command, options, SpecKind::parameter,
-                  "Make a parameter: NAME(KEY, ...) = VALUECOLUMN \"text\"");
-  addSymbolOption(command, options, SpecKind::variable,
-                  "Make a variable: [KIND] NAME(KEY, ...) = LEVELCOLUMN \"text\", or = FIELD: "
-                  "COLUMN, ...; KIND is free, positive, negative, binary or integer");
+  addInOrder(command, options, "from",
+             "Table or database; the options that follow read from it. Behind a # a table, sheet, "
+             "range or query; - is standard input")
+      .typeName("SOURCE");
+  addInOrder(command, options, "format", "Format of the source, which its ending tells otherwise")
+      .typeName("FORMAT");
+  addInOrder(command, options, "set", "Make a set: NAME(KEY, ...) : TEXTCOLUMN \"text\"")
+      .typeName("SPEC");
+  addInOrder(command, options, "distinct-set",
+             "The same; an element that stands in many rows is taken once")
+      .typeName("SPEC");
+  addInOrder(command, options, "parameter",
+             "Make a parameter: NAME(KEY, ...) = VALUECOLUMN \"text\"")
+      .typeName("SPEC");
+  addInOrder(command, options, "variable",
+             "Make a variable: [KIND] NAME(KEY, ...) = LEVELCOLUMN \"text\", or = FIELD: "
+             "COLUMN, ...; KIND is free, positive, negative, binary or integer")
+      .typeName("SPEC");
+  addInOrder(command, options, "wide",
+             "Turn the columns that no key names, or these, into labels of a key NAME, with their "
+             "cells as values")
+      .typeName("NAME[: COLUMN, ...]");
+  addInOrder(command, options, "rename", "Call a column of the source by another name")
+      .typeName("OLD=NEW");
+  addInOrder(command, options, "dates",
+             "Take dates as ISO labels: day, month and year of the source in this order")
+      .typeName("dmy|mdy|ymd");
   command.text("--dir", options->folder, "Folder that ztb export --csv left").typeName("DIR");
   command.flag("--check-domains", options->checkDomains,
                "Each label must be in the set that is its domain");
@@ -208,6 +136,8 @@ void addImportCommand(CommandLine& line) {
       "                            --parameter 'requirement(nutrient) = daily_allowance' \\\n"
       "    --from nutrition.csv    --parameter 'nutrition(food, nutrient) = per_dollar' \\\n"
       "    --check-domains\n"
+      "  ztb import plan.rxf --from plan.xlsx#Prices --wide year --parameter 'price(food, year)'\n"
+      "  ztb import stock.rxf --from stock.db\n"
       "  ztb import routes.rxf --from routes.csv --parameter 'stops(airline, from, to)'\n"
       "  ztb import copy.rxf --dir exported");
   command.action([options] {

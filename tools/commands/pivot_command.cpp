@@ -17,7 +17,7 @@
 #include "tools/commands/table_options.h"
 #include "tools/files/exchange_file.h"
 #include "tools/files/slice_filter.h"
-#include "tools/tables/csv_writer.h"
+#include "formats/tables/csv_writer.h"
 #include "tools/tables/pivot_grid.h"
 #include "tools/text/failure.h"
 #include "tools/text/number_text.h"
@@ -146,26 +146,26 @@ class PivotTable {
   }
 
   void printCsv(int digits) {
-    CsvWriter csv(stdout, "standard output");
+    formats::CsvWriter csv(stdout, "standard output");
     for (const std::size_t position : grid_->rows().positions()) {
-      csv.field(keyColumns_[position]);
+      csv.text(keyColumns_[position]);
     }
     for (std::size_t column = 0; column < grid_->columns().size(); ++column) {
-      csv.field(columnTitle(column));
+      csv.text(columnTitle(column));
     }
-    csv.endRecord();
+    csv.endRow();
     eachRow(grid_->cells(), 0, grid_->columns().size(), digits,
             [&](const std::vector<std::string_view>& row) {
               for (std::size_t cell = 0; cell < row.size(); ++cell) {
                 if (cell < leading()) {
                   csv.label(row[cell]);
                 } else {
-                  csv.field(row[cell]);
+                  csv.text(row[cell]);
                 }
               }
-              csv.endRecord();
+              csv.endRow();
             });
-    csv.close();
+    csv.finish();
   }
 
  private:

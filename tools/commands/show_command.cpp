@@ -20,7 +20,7 @@
 #include "tools/files/exchange_file.h"
 #include "tools/files/record_walk.h"
 #include "tools/files/slice_filter.h"
-#include "tools/tables/csv_writer.h"
+#include "formats/tables/csv_writer.h"
 #include "tools/text/failure.h"
 #include "tools/text/json_text.h"
 #include "tools/text/number_text.h"
@@ -147,28 +147,28 @@ class ShownRecords {
 };
 
 void printCsv(ShownRecords& shown) {
-  CsvWriter csv(stdout, "standard output");
+  formats::CsvWriter csv(stdout, "standard output");
   for (const std::string& column : shown.keyColumns()) {
-    csv.field(column);
+    csv.text(column);
   }
   for (const std::string& column : shown.contentColumns()) {
-    csv.field(column);
+    csv.text(column);
   }
-  csv.endRecord();
+  csv.endRow();
   shown.walk([&](const RecordWalk& record) {
     for (const int key : record.keys()) {
       csv.label(shown.file().label(key));
     }
     if (shown.hasTexts()) {
-      csv.field(record.text());
+      csv.text(record.text());
     } else {
       for (const std::size_t field : shown.fields()) {
-        csv.field(shown.number(record.values()[field]).view());
+        csv.text(shown.number(record.values()[field]).view());
       }
     }
-    csv.endRecord();
+    csv.endRow();
   });
-  csv.close();
+  csv.finish();
 }
 
 void printJson(ShownRecords& shown) {

@@ -11,7 +11,7 @@
 
 #include "tools/files/memory_room.h"
 #include "tools/files/record_walk.h"
-#include "tools/tables/record_table.h"
+#include "formats/tables/record_table.h"
 #include "tools/text/failure.h"
 #include "tools/text/number_text.h"
 #include "tools/text/words.h"
@@ -95,7 +95,7 @@ class Side {
   RecordWalk walk_;
   const std::vector<int>& numbers_;
   bool isSet_;
-  std::optional<RecordTable> table_;
+  std::optional<formats::RecordTable> table_;
   std::vector<std::size_t> order_;
   std::vector<int> keys_;
   std::size_t at_ = 0;

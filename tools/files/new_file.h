@@ -23,6 +23,8 @@ class NewFile {
   ~NewFile();
 
   [[nodiscard]] std::FILE* stream() { return stream_; }
+  // The name that it has until it is published, for a library that opens it itself.
+  [[nodiscard]] const std::string& temporary() const { return temporary_; }
 
   // Gives the file its name. Throws Failure if not all could be written or the name is not to be
   // had. Called once.

@@ -10,7 +10,7 @@
 #include <string_view>
 #include <ztb/column_names.hpp>
 
-#include "tools/tables/csv_writer.h"
+#include "formats/tables/csv_writer.h"
 #include "tools/text/json_text.h"
 #include "tools/text/number_text.h"
 #include "tools/text/output.h"
@@ -155,40 +155,40 @@ void printSolveJson(const SolveReport& report) {
 
 void printSolveCsv(const SolveReport& report) {
   const ztb::Model& model = report.session.model();
-  CsvWriter csv(stdout, "standard output");
+  formats::CsvWriter csv(stdout, "standard output");
   for (const std::string_view column :
        {"file", "status", "solve_status", "objective", "bound", "gap", "solver", "seconds",
         "processor_seconds", "iterations"}) {
-    csv.field(column);
+    csv.text(column);
   }
-  csv.endRecord();
-  csv.field(report.session.file());
-  csv.field(ztbModelStatusText(model.status()));
-  csv.field(ztbModelSolveStatusText(model.solveStatus()));
+  csv.endRow();
+  csv.text(report.session.file());
+  csv.text(ztbModelStatusText(model.status()));
+  csv.text(ztbModelSolveStatusText(model.solveStatus()));
   for (const std::optional<double> value : {objectiveOf(model), boundOf(model), gapOf(model)}) {
-    csv.field(value ? NumberText(*value).view() : std::string_view());
+    csv.text(value ? NumberText(*value).view() : std::string_view());
   }
-  csv.field(report.solver);
+  csv.text(report.solver);
   for (const double value : {model.seconds(), model.processorSeconds(), model.iterations()}) {
-    csv.field(NumberText(value).view());
+    csv.text(NumberText(value).view());
   }
-  csv.endRecord();
-  csv.close();
+  csv.endRow();
+  csv.finish();
 }
 
 void printRecordsCsv(const ztb::Symbol& symbol) {
-  CsvWriter csv(stdout, "standard output");
-  for (const std::string& column : keyColumnsOf(symbol)) csv.field(column);
-  for (const std::string_view column : ztb::fieldNames) csv.field(column);
-  csv.endRecord();
+  formats::CsvWriter csv(stdout, "standard output");
+  for (const std::string& column : keyColumnsOf(symbol)) csv.text(column);
+  for (const std::string_view column : ztb::fieldNames) csv.text(column);
+  csv.endRow();
   for (ztb::Record& record : symbol.records()) {
     for (int position = 0; position < symbol.dimension(); ++position) {
       csv.label(record.key(position).view());
     }
-    for (const double value : fieldsOf(record)) csv.field(NumberText(value).view());
-    csv.endRecord();
+    for (const double value : fieldsOf(record)) csv.text(NumberText(value).view());
+    csv.endRow();
   }
-  csv.close();
+  csv.finish();
 }
 
 }  // namespace tool

@@ -18,8 +18,8 @@ constexpr const char* wipeLine = "\r\x1b[K";
 
 }  // namespace
 
-Progress::Progress() {
-  if (isatty(STDERR_FILENO) != 0) {
+Progress::Progress(bool shown) {
+  if (shown && isatty(STDERR_FILENO) != 0) {
     thread_ = std::thread([this] { run(); });
   }
 }

@@ -17,7 +17,8 @@ namespace tool {
 // that it goes on while a call of the library runs.
 class Progress {
  public:
-  Progress();
+  // Nothing is shown unless it is to be.
+  explicit Progress(bool shown = true);
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;
   ~Progress();

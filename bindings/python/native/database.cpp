@@ -1,6 +1,10 @@
 #include "bindings/python/native/database.h"
 
+#include <dlfcn.h>
 #include <pybind11/stl.h>
+
+#include <cstdint>
+#include <filesystem>
 
 #include <optional>
 #include <string>
@@ -115,7 +119,21 @@ std::vector<std::pair<py::str, unsigned long long>> memoryNeeded(const py::objec
   return result;
 }
 
+// The folder of the library of the database.
+py::str libraryFolder() {
+  Dl_info info{};
+  if (dladdr(reinterpret_cast<const void*>(&ztbcreate), &info) == 0) {
+    throw ztb::Error("dladdr", "the library of the database cannot be found");
+  }
+  const std::string path = std::filesystem::absolute(info.dli_fname).parent_path().string();
+  return toPython(path);
+}
+
 }  // namespace
+
+void Database::withHandle(const py::function& take) const {
+  take(reinterpret_cast<std::uintptr_t>(connection_->handle()));
+}
 
 void bindDatabase(py::module_& module) {
   py::class_<Database> type(module, "Database", py::is_final());
@@ -137,8 +155,10 @@ void bindDatabase(py::module_& module) {
       .def("symbol_at", inTurn(&Database::symbolAt))
       .def("find_symbol", inTurn(&Database::findSymbol))
       .def("add_symbol", inTurn(&Database::addSymbol))
-      .def("add_alias", inTurn(&Database::addAlias));
+      .def("add_alias", inTurn(&Database::addAlias))
+      .def("with_handle", inTurn(&Database::withHandle));
   module.def("create", [](const py::object& systemDirectory) { return Database(systemDirectory); });
+  module.def("library_folder", &libraryFolder);
   module.def("memory_needed", &memoryNeeded);
 }
 

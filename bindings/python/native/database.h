@@ -56,6 +56,9 @@ class Database {
   // A second name for a set of this database or for its universe.
   Symbol addAlias(const py::str& name, const Symbol& target, const py::str& text);
 
+  // Calls `take` with the handle of the C interface as a number.
+  void withHandle(const py::function& take) const;
+
   [[nodiscard]] const Shared& connection() const { return connection_; }
 
  private:

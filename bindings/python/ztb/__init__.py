@@ -11,7 +11,7 @@
 """
 
 from . import _native
-from .database import Database, memory_needed, open
+from .database import Database, memory_needed, open, read
 from .errors import DamagedFileError, Error, MissingFileError, NotFoundError
 from .families import Expression, Family
 from .labels import Key, Label, label_text
@@ -86,6 +86,7 @@ __all__ = [
     "label_text",
     "memory_needed",
     "open",
+    "read",
     "special_code",
     "special_codes",
     "sweep",

@@ -5,7 +5,7 @@ from __future__ import annotations
 import os
 from typing import Any, Dict, Iterator, Iterable, List, Mapping, Optional, Tuple, Union, cast
 
-from . import _native, arguments, display, partial
+from . import _native, arguments, display, formats, partial
 from .errors import MissingFileError
 from .home import Home
 from .numeric import Equation, Parameter, Variable
@@ -108,6 +108,73 @@ class Database(display.Shows, Home, Mapping[str, Symbol[Any]]):
     def close_file(self, *, load_remaining: bool = True) -> None:
         """Closes the file that the database mirrors. What is not read yet is read first, or lost."""
         self._native.close_file(load_remaining)
+
+    # ---- files of other programs ----
+
+    def import_table(
+        self,
+        source: Path,
+        *,
+        sets: Optional[formats.Texts] = None,
+        distinct_sets: Optional[formats.Texts] = None,
+        parameters: Optional[formats.Texts] = None,
+        variables: Optional[formats.Texts] = None,
+        format: Optional[str] = None,  # noqa: A002
+        wide: Optional[str] = None,
+        rename: Optional[Dict[str, str]] = None,
+        dates: Optional[str] = None,
+        separator: str = ",",
+        decimal: str = ".",
+        skip_empty: bool = False,
+        check_domains: bool = False,
+    ) -> None:
+        """Adds symbols that are made from a table, as the options of ``ztb import`` make them.
+
+        ``source`` is a file of CSV, SQLite, Excel or JSON lines; behind a ``#`` stands a table,
+        sheet, range or query: ``"plan.xlsx#Prices!B3:F90"``. ``sets``, ``parameters`` and so on
+        have a text, or several, of the form of the command's: ``"price(food) = cents"``. Sets of
+        this database may be domains.
+
+        With problems in the table nothing is added: a :class:`ztb.DamagedFileError` tells all of
+        them, each with its place. What the options mean the reference of the command tells.
+        """
+        options = formats.import_options(
+            source,
+            sets,
+            distinct_sets,
+            parameters,
+            variables,
+            format,
+            wide,
+            rename,
+            dates,
+            separator,
+            decimal,
+            skip_empty,
+            check_domains,
+        )
+        formats.import_into(self._native, options)
+
+    def export(
+        self,
+        target: Path,
+        symbols: Optional[Iterable[Union[str, Symbol[Any], Alias]]] = None,
+        *,
+        format: Optional[str] = None,  # noqa: A002
+        wide: Optional[str] = None,
+        separator: str = ",",
+        decimal: str = ".",
+    ) -> None:
+        """Writes symbols, all by default, to a file of another program, as ``ztb export`` does.
+
+        The ending of ``target``, or ``format``, tells what is written: ``.db`` a SQLite database,
+        ``.xlsx`` a workbook, ``.jsonl`` JSON lines, ``.csv`` and ``.tsv`` the table of one symbol;
+        a folder gets CSV files. :func:`ztb.read` reads a whole database back, every value bit for
+        bit. ``wide`` names the position of one symbol whose labels become columns.
+        """
+        names = None if symbols is None else _names(symbols)
+        options = formats.export_options(target, names, format, wide, separator, decimal)
+        formats.export(self._native, options)
 
     # ---- symbols ----
 
@@ -292,6 +359,22 @@ def open(  # noqa: A001
     if path is None:
         raise TypeError("None (NoneType) is no path of a file; Database() makes an empty database")
     return Database(path, store=store, max_memory=max_memory)
+
+
+def read(source: Path, *, store: str = "map", **options: Any) -> Database:
+    """A database of what a file of another program holds.
+
+    A SQLite file, workbook, file of JSON lines or folder of CSV files that a whole database was
+    written to comes back as it was. From any other table, symbols are made as the options of
+    :meth:`Database.import_table` tell.
+    """
+    database = Database(store=store)
+    try:
+        database.import_table(source, **options)
+    except BaseException:
+        database.close()
+        raise
+    return database
 
 
 def memory_needed(path: Path, *, store: str = "map") -> Dict[str, int]:

@@ -1,0 +1,158 @@
+// Measures databases of 10^6 records on their way into SQLite and back beside a loop of prepared
+// statements that a program would have written itself, to the same table and index, from and to the
+// same exchange file.
+
+#include <sqlite3.h>
+#include <ztb/formats.h>
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <functional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+#include <ztb/rxf.hpp>
+#include <ztb/ztb.hpp>
+
+#include "bench/scratch_folder.h"
+
+namespace {
+
+constexpr int runs = 5;
+
+void check(int result, sqlite3* file) {
+  if (result != SQLITE_OK && result != SQLITE_DONE && result != SQLITE_ROW) {
+    throw std::runtime_error(sqlite3_errmsg(file));
+  }
+}
+
+void run(sqlite3* file, const char* sql) {
+  check(sqlite3_exec(file, sql, nullptr, nullptr, nullptr), file);
+}
+
+void makeFile(const std::string& path, int records) {
+  ztb::Database database;
+  ztb::Symbol symbol = database.addParameter("flow", {"from", "to", "year"});
+  const int width = 100;
+  std::vector<int> labels;
+  for (int number = 0; number < 2 * width + records / width / width; ++number) {
+    labels.push_back(database.mergeLabel("label " + std::to_string(number)));
+  }
+  for (int record = 0; record < records; ++record) {
+    const std::array<int, 3> keys{labels[static_cast<std::size_t>(record / width / width)],
+                                  labels[static_cast<std::size_t>(record / width % width)],
+                                  labels[static_cast<std::size_t>(record % width)]};
+    symbol.put(keys, record * 0.37);
+  }
+  database.write(path);
+}
+
+void writeByHand(const std::string& from, const std::string& to) {
+  std::filesystem::remove(to);
+  const ztb::RxfFile source(from);
+  sqlite3* file = nullptr;
+  check(sqlite3_open(to.c_str(), &file), file);
+  run(file, "pragma journal_mode = off; pragma synchronous = off; begin");
+  run(file,
+      "create table flow(\"from\" text not null, \"to\" text not null, year text not null, "
+      "value any) strict");
+  sqlite3_stmt* insert = nullptr;
+  check(sqlite3_prepare_v2(file, "insert into flow values (?, ?, ?, ?)", -1, &insert, nullptr),
+        file);
+  ztb::RxfRecords records(source, source.symbol("flow"));
+  while (records.next()) {
+    for (std::size_t at = 0; at < records.size(); ++at) {
+      for (int position = 0; position < 3; ++position) {
+        const std::string_view label = source.label(records.keys(position)[at]);
+        sqlite3_bind_text(insert, position + 1, label.data(), static_cast<int>(label.size()),
+                          SQLITE_STATIC);
+      }
+      sqlite3_bind_double(insert, 4, records.values(0)[at]);
+      check(sqlite3_step(insert), file);
+      sqlite3_reset(insert);
+    }
+  }
+  sqlite3_finalize(insert);
+  run(file, "create unique index keys on flow(\"from\", \"to\", year); commit");
+  sqlite3_close(file);
+}
+
+void readByHand(const std::string& from, const std::string& to) {
+  sqlite3* file = nullptr;
+  check(sqlite3_open_v2(from.c_str(), &file, SQLITE_OPEN_READONLY, nullptr), file);
+  sqlite3_stmt* select = nullptr;
+  check(sqlite3_prepare_v2(file, "select * from flow", -1, &select, nullptr), file);
+  ztb::Database database;
+  ztb::Symbol symbol = database.addParameter("flow", {"from", "to", "year"});
+  const auto text = [&](int column) {
+    return reinterpret_cast<const char*>(sqlite3_column_text(select, column));
+  };
+  while (sqlite3_step(select) == SQLITE_ROW) {
+    symbol.add(text(0), text(1), text(2)).setLevel(sqlite3_column_double(select, 3));
+  }
+  sqlite3_finalize(select);
+  sqlite3_close(file);
+  database.write(to);
+}
+
+void runJob(const std::vector<std::pair<const char*, std::string>>& options,
+            int (*job)(ztbFormatsJob*, const char*), const std::string& path) {
+  ztbFormatsJob* handle = nullptr;
+  bool good = ztbFormatsCreate(&handle) == 1;
+  for (const auto& [name, value] : options) {
+    good = good && ztbFormatsOption(handle, name, value.c_str()) == 1;
+  }
+  good = good && job(handle, path.c_str()) == 1;
+  const std::string message = ztbFormatsMessage(handle);
+  ztbFormatsFree(&handle);
+  if (!good) throw std::runtime_error(message);
+}
+
+double secondsOf(const std::function<void()>& body) {
+  const auto begin = std::chrono::steady_clock::now();
+  body();
+  return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+}
+
+// Prints the best of some runs of each, in turns, and their ratio.
+void contest(const char* name, const std::function<void()>& ours,
+             const std::function<void()>& rival) {
+  double best = 1e9;
+  double rivals = 1e9;
+  for (int round = 0; round < runs; ++round) {
+    best = std::min(best, secondsOf(ours));
+    rivals = std::min(rivals, secondsOf(rival));
+  }
+  std::printf("%-12s %8.3f s   by hand %8.3f s   ratio %5.2f\n", name, best, rivals, best / rivals);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    const int records = argc > 1 ? std::atoi(argv[1]) : 1000000;
+    const bench::ScratchFolder folder;
+    const std::string source = folder.file("a.rxf");
+    makeFile(source, records);
+    std::printf("%d records of dimension 3, best of %d runs\n", records, runs);
+    contest(
+        "SQLite, out",
+        [&] {
+          runJob({{"all", ""}, {"to", folder.file("a.db")}}, ztbFormatsExport, source);
+        },
+        [&] { writeByHand(source, folder.file("b.db")); });
+    contest(
+        "SQLite, in",
+        [&] {
+          runJob({{"from", folder.file("a.db")}}, ztbFormatsImport, folder.file("b.rxf"));
+        },
+        [&] { readByHand(folder.file("b.db"), folder.file("c.rxf")); });
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "%s\n", error.what());
+    return EXIT_FAILURE;
+  }
+}

@@ -1,0 +1,159 @@
+"""Tables and databases in the files of other programs, by the functions of ``ztb/formats.h``."""
+
+from __future__ import annotations
+
+import ctypes
+import os
+import threading
+import warnings
+from typing import Any, Dict, Iterable, List, Optional, Tuple, Union
+
+from . import _native
+from .errors import DamagedFileError, Error, MissingFileError
+
+Path = Union[str, "os.PathLike[str]"]
+Texts = Union[str, Iterable[str]]
+Options = List[Tuple[str, str]]
+
+_NO_FILE = 5
+_DAMAGED_FILE = 6
+
+_lock = threading.Lock()
+_loaded: Dict[str, Any] = {}
+
+
+def _library() -> Any:
+    """The library, which stands beside the one of the database and is opened when it is needed."""
+    with _lock:
+        if "library" not in _loaded:
+            path = os.path.join(_native.library_folder(), "libztbformats.so")
+            try:
+                library = ctypes.CDLL(path)
+            except OSError as error:
+                raise Error(f"the library for tables cannot be opened: {error}") from None
+            for name in ("Message", "Problems", "Warnings"):
+                function = getattr(library, "ztbFormats" + name)
+                function.restype = ctypes.c_char_p
+                function.argtypes = [ctypes.c_void_p]
+            library.ztbFormatsCreate.argtypes = [ctypes.POINTER(ctypes.c_void_p)]
+            library.ztbFormatsFree.argtypes = [ctypes.POINTER(ctypes.c_void_p)]
+            library.ztbFormatsOption.argtypes = [ctypes.c_void_p] + [ctypes.c_char_p] * 2
+            for name in ("ImportInto", "ExportDatabase"):
+                getattr(library, "ztbFormats" + name).argtypes = [ctypes.c_void_p] * 2
+            library.ztbFormatsErrorKind.argtypes = [ctypes.c_void_p]
+            library.ztbFormatsIsUsage.argtypes = [ctypes.c_void_p]
+            _loaded["library"] = library
+        return _loaded["library"]
+
+
+class _Job:
+    def __init__(self, options: Options) -> None:
+        self._library = _library()
+        self._job = ctypes.c_void_p()
+        if not self._library.ztbFormatsCreate(ctypes.byref(self._job)):
+            raise MemoryError
+        for name, value in options:
+            text = os.fsencode(value)
+            self._require(self._library.ztbFormatsOption(self._job, name.encode(), text))
+
+    def __enter__(self) -> _Job:
+        return self
+
+    def __exit__(self, *error: Any) -> None:
+        self._library.ztbFormatsFree(ctypes.byref(self._job))
+
+    def import_into(self, handle: int) -> None:
+        self._require(self._library.ztbFormatsImportInto(self._job, ctypes.c_void_p(handle)))
+
+    def export_database(self, handle: int) -> None:
+        self._require(self._library.ztbFormatsExportDatabase(self._job, ctypes.c_void_p(handle)))
+
+    def _text(self, name: str) -> str:
+        return os.fsdecode(getattr(self._library, "ztbFormats" + name)(self._job))
+
+    def _require(self, result: int) -> None:
+        for line in self._text("Warnings").splitlines():
+            warnings.warn(line.replace("ztb: ", "", 1), stacklevel=4)
+        if result:
+            return
+        text = _native.display_text(self._text("Message"))
+        problems = self._text("Problems")
+        kind = self._library.ztbFormatsErrorKind(self._job)
+        if self._library.ztbFormatsIsUsage(self._job):
+            raise ValueError(text)
+        if kind == _NO_FILE:
+            raise MissingFileError(text, "ztbFormatsImport")
+        if kind == _DAMAGED_FILE:
+            raise DamagedFileError(problems + text, "ztbFormatsImport")
+        raise Error(text, "ztbFormats")
+
+
+def _several(value: Optional[Texts]) -> List[str]:
+    if value is None:
+        return []
+    return [value] if isinstance(value, str) else list(value)
+
+
+def import_options(
+    source: Path,
+    sets: Optional[Texts],
+    distinct_sets: Optional[Texts],
+    parameters: Optional[Texts],
+    variables: Optional[Texts],
+    format: Optional[str],  # noqa: A002
+    wide: Optional[str],
+    rename: Optional[Dict[str, str]],
+    dates: Optional[str],
+    separator: str,
+    decimal: str,
+    skip_empty: bool,
+    check_domains: bool,
+) -> Options:
+    options: Options = [("from", os.fspath(source))]
+    if format is not None:
+        options.append(("format", format))
+    if wide is not None:
+        options.append(("wide", wide))
+    options += [("rename", f"{old}={new}") for old, new in (rename or {}).items()]
+    if dates is not None:
+        options.append(("dates", dates))
+    options += [("set", spec) for spec in _several(sets)]
+    options += [("distinct-set", spec) for spec in _several(distinct_sets)]
+    options += [("parameter", spec) for spec in _several(parameters)]
+    options += [("variable", spec) for spec in _several(variables)]
+    options += [("separator", separator), ("decimal", decimal)]
+    if skip_empty:
+        options.append(("skip-empty", ""))
+    if check_domains:
+        options.append(("check-domains", ""))
+    return options
+
+
+def export_options(
+    target: Path,
+    symbols: Optional[List[str]],
+    format: Optional[str],  # noqa: A002
+    wide: Optional[str],
+    separator: str,
+    decimal: str,
+) -> Options:
+    options: Options = [("to", os.fspath(target)), ("separator", separator), ("decimal", decimal)]
+    if format is not None:
+        options.append(("format", format))
+    if wide is not None:
+        options.append(("wide", wide))
+    if symbols is None:
+        options.append(("all", ""))
+    return options + [("symbol", name) for name in symbols or []]
+
+
+def import_into(native: _native.Database, options: Options) -> None:
+    """Adds what the options ask for to a database."""
+    with _Job(options) as job:
+        native.with_handle(job.import_into)
+
+
+def export(native: _native.Database, options: Options) -> None:
+    """Writes a database as the options ask."""
+    with _Job(options) as job:
+        native.with_handle(job.export_database)

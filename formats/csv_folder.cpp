@@ -1,0 +1,97 @@
+#include "formats/csv_folder.h"
+
+#include <fmt/format.h>
+
+#include <filesystem>
+#include <system_error>
+#include <vector>
+
+#include "formats/tables/csv_reader.h"
+#include "formats/tables/csv_writer.h"
+#include "tools/text/failure.h"
+
+namespace formats {
+
+namespace {
+
+class CsvFolderReader : public DatabaseReader {
+ public:
+  explicit CsvFolderReader(std::string folder) : folder_(std::move(folder)) {}
+
+  std::vector<ManifestEntry> symbols(ProblemList& problems) override {
+    CsvReader reader(manifestPath(folder_).string(), ',');
+    return readManifest(reader, problems);
+  }
+  [[nodiscard]] std::string place(const ManifestEntry& entry) const override {
+    return placeText(manifestPath(folder_).string(), entry.at);
+  }
+  std::unique_ptr<TableReader> labels() override {
+    const std::filesystem::path path = labelsPath(folder_);
+    if (!std::filesystem::exists(path)) {
+      return nullptr;
+    }
+    return std::make_unique<CsvReader>(path.string(), ',');
+  }
+  std::unique_ptr<TableReader> records(const ManifestEntry& entry) override {
+    return std::make_unique<CsvReader>(recordsPath(folder_, entry.name).string(), ',');
+  }
+
+ private:
+  std::string folder_;
+};
+
+// Makes the folder, and takes the table of symbols of an older export away: it is there again only
+// when everything is.
+void prepareFolder(const std::filesystem::path& folder) {
+  std::error_code error;
+  std::filesystem::create_directories(folder, error);
+  if (!error) {
+    std::filesystem::remove(manifestPath(folder), error);
+  }
+  if (error) {
+    throw tool::Failure(fmt::format("{}: cannot be written: {}", folder.string(), error.message()));
+  }
+}
+
+void writeLabelFile(const std::filesystem::path& folder, const tool::ExchangeFile& file) {
+  CsvWriter csv(labelsPath(folder).string());
+  csv.text("label");
+  csv.endRow();
+  for (int number = 1; number <= file.labelCount(); ++number) {
+    csv.label(file.label(number));
+    csv.endRow();
+  }
+  csv.finish();
+}
+
+}  // namespace
+
+bool isCsvFolder(const std::string& path) {
+  std::error_code error;
+  return std::filesystem::exists(manifestPath(path), error);
+}
+
+std::unique_ptr<DatabaseReader> openCsvFolder(const std::string& path) {
+  return std::make_unique<CsvFolderReader>(path);
+}
+
+void writeCsvFolder(const DatabaseExport& database) {
+  const std::filesystem::path folder = database.path;
+  prepareFolder(folder);
+  writeLabelFile(folder, database.file);
+  std::vector<ManifestEntry> entries;
+  for (const tool::FileSymbol* symbol : database.symbols) {
+    entries.push_back(describe(database.file, *symbol));
+    if (!symbol->isAlias()) {
+      const std::string path = recordsPath(folder, symbol->name).string();
+      database.progress.step("writing " + path);
+      CsvWriter csv(path);
+      csv.begin(headOf(*symbol));
+      database.records += writeRecords(csv, database.file, *symbol, database.progress);
+      csv.finish();
+    }
+  }
+  writeManifest(folder, entries);
+}
+
+}  // namespace formats

@@ -1,0 +1,96 @@
+#include "formats/database_export.h"
+
+#include <algorithm>
+#include <ztb/column_names.hpp>
+
+#include "formats/tables/manifest.h"
+#include "tools/files/record_walk.h"
+
+namespace formats {
+
+TableHead headOf(const tool::FileSymbol& symbol) {
+  TableHead head{.name = symbol.name,
+                 .columns = {},
+                 .rows = symbol.recordCount,
+                 .keys = static_cast<std::size_t>(symbol.dimension)};
+  for (const std::string& name :
+       ztb::keyColumns(symbol.name, symbol.type, tool::domainNames(symbol))) {
+    head.columns.push_back({.name = name, .kind = ColumnKind::label});
+  }
+  const bool isSet = symbol.type == ztb::Type::set;
+  for (const std::string& name : ztb::contentColumns(symbol.type)) {
+    head.columns.push_back({.name = name, .kind = isSet ? ColumnKind::text : ColumnKind::number});
+  }
+  return head;
+}
+
+std::size_t writeRecords(TableWriter& writer, const tool::ExchangeFile& file,
+                         const tool::FileSymbol& symbol, tool::Progress& progress) {
+  std::size_t records = 0;
+  const bool isSet = symbol.type == ztb::Type::set;
+  for (tool::RecordWalk record(file, symbol); record.next();) {
+    for (const int key : record.keys()) {
+      writer.label(file.label(key));
+    }
+    if (isSet) {
+      writer.text(record.text());
+    } else {
+      for (const double value : record.values()) {
+        writer.number(value);
+      }
+    }
+    writer.endRow();
+    progress.count(++records);
+  }
+  return records;
+}
+
+namespace {
+
+void writeLabels(TableWriter& writer, const tool::ExchangeFile& file) {
+  writer.begin({.name = "_labels",
+                .columns = {{.name = "label", .kind = ColumnKind::label}},
+                .rows = static_cast<std::size_t>(file.labelCount()),
+                .keys = 0,
+                .exact = true});
+  for (int number = 1; number <= file.labelCount(); ++number) {
+    writer.label(file.label(number));
+    writer.endRow();
+  }
+  writer.end();
+}
+
+}  // namespace
+
+void writeTables(TableWriter& writer, const DatabaseExport& database) {
+  std::vector<ManifestEntry> entries;
+  for (const tool::FileSymbol* symbol : database.symbols) {
+    ManifestEntry& entry = entries.emplace_back(describe(database.file, *symbol));
+    if (!symbol->isAlias()) {
+      entry.tables = writer.namesFor(symbol->name, symbol->recordCount);
+    }
+  }
+  const TableHead head = manifestHead(entries.size());
+  writer.begin(head);
+  for (const ManifestEntry& entry : entries) {
+    writeEntry(writer, entry, true);
+  }
+  writer.end();
+  database.progress.step("writing labels");
+  writeLabels(writer, database.file);
+  for (const tool::FileSymbol* symbol : database.symbols) {
+    if (symbol->isAlias()) {
+      continue;
+    }
+    database.progress.step("writing " + symbol->name);
+    TableHead table = headOf(*symbol);
+    table.exact = true;
+    writer.begin(table);
+    database.records += writeRecords(writer, database.file, *symbol, database.progress);
+    writer.end();
+  }
+  database.progress.step("writing " + database.path);
+  writer.finish();
+}
+
+}  // namespace formats

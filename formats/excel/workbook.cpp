@@ -1,0 +1,236 @@
+#include "formats/excel/workbook.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <charconv>
+#include <chrono>
+#include <cmath>
+#include <map>
+#include <optional>
+
+#include "tools/text/failure.h"
+
+namespace formats {
+
+namespace {
+
+std::optional<std::size_t> numberOf(std::string_view text) {
+  std::size_t number = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (error != std::errc{} || end != text.data() + text.size()) return std::nullopt;
+  return number;
+}
+
+// Formats that every workbook has and that show a date or time.
+bool isBuiltInDate(std::size_t id) {
+  return (id >= 14 && id <= 22) || (id >= 27 && id <= 36) || (id >= 45 && id <= 47) ||
+         (id >= 50 && id <= 58);
+}
+
+// Whether a format of the workbook's own shows parts of a date: letters outside of texts, colours
+// and conditions.
+bool isDateCode(std::string_view code) {
+  for (std::size_t at = 0; at < code.size(); ++at) {
+    const char c = code[at];
+    if (c == '"') {
+      at = std::min(code.find('"', at + 1), code.size());
+    } else if (c == '[') {
+      const std::size_t end = std::min(code.find(']', at), code.size());
+      const std::string_view inside = code.substr(at + 1, end - at - 1);
+      if (!inside.empty() && inside.find_first_not_of("hmsHMS") == std::string_view::npos) {
+        return true;
+      }
+      at = end;
+    } else if (c == '\\' || c == '_' || c == '*') {
+      ++at;
+    } else if (std::string_view("dmyhsDMYHS").find(c) != std::string_view::npos) {
+      return true;
+    } else if (c == 'G' && code.substr(at).starts_with("General")) {
+      at += 6;
+    }
+  }
+  return false;
+}
+
+// The name of a part that a relation of another part leads to.
+std::string resolved(const std::string& from, std::string_view target) {
+  if (target.starts_with('/')) return std::string(target.substr(1));
+  std::string folder = from.substr(0, from.rfind('/') + 1);
+  while (target.starts_with("../")) {
+    target.remove_prefix(3);
+    if (!folder.empty()) folder.pop_back();
+    folder = folder.substr(0, folder.rfind('/') + 1);
+  }
+  return folder + std::string(target);
+}
+
+}  // namespace
+
+std::string withoutEscapes(std::string_view text) {
+  std::string result;
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    unsigned code = 0;
+    if (text[at] == '_' && at + 6 < text.size() && text[at + 1] == 'x' && text[at + 6] == '_') {
+      const char* digits = text.data() + at + 2;
+      const auto [end, error] = std::from_chars(digits, digits + 4, code, 16);
+      if (error == std::errc{} && end == digits + 4 && code > 0 && code < 0x80) {
+        result += static_cast<char>(code);
+        at += 6;
+        continue;
+      }
+    }
+    result += text[at];
+  }
+  return result;
+}
+
+std::string dateText(double serial, bool from1904) {
+  constexpr double lastDay = 2958465;
+  constexpr double secondsOfDay = 86400;
+  if (!(serial >= 0) || serial > lastDay + 1) return {};
+  double day = std::floor(serial);
+  auto seconds = static_cast<long>(std::lround((serial - day) * secondsOfDay));
+  if (seconds == static_cast<long>(secondsOfDay)) {
+    seconds = 0;
+    ++day;
+  }
+  const std::string time =
+      fmt::format("{:02}:{:02}:{:02}", seconds / 3600, seconds / 60 % 60, seconds % 60);
+  if (day == 0 && !from1904) return time;
+  using std::chrono::days;
+  using std::chrono::sys_days;
+  using std::chrono::year;
+  // The other system counts from 1900, a year that it takes for a leap year: its day 60 never was.
+  constexpr int missingDay = 60;
+  if (!from1904 && day == missingDay) return {};
+  const sys_days first = from1904 ? sys_days(year(1904) / 1 / 1)
+                                  : sys_days(year(1899) / 12 / (day > missingDay ? 30 : 31));
+  const std::chrono::year_month_day date(first + days(static_cast<int>(day)));
+  const std::string text =
+      fmt::format("{:04}-{:02}-{:02}", static_cast<int>(date.year()),
+                  static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()));
+  return seconds == 0 ? text : text + 'T' + time;
+}
+
+Workbook::Workbook(const std::string& path) : file_(path) {
+  std::string main;
+  std::vector<std::pair<std::string, std::string>> relations;
+  file_.read("_rels/.rels",
+             {.begin =
+                  [&](std::string_view name, const XmlAttributes& attributes) {
+                    if (name == "Relationship" && attributes["Type"].ends_with("/officeDocument")) {
+                      main = resolved("", attributes["Target"]);
+                    }
+                  },
+              .end = {},
+              .text = {}});
+  if (main.empty() || !file_.has(main)) file_.fail("is no workbook: it has no part for one");
+  readSheets(main);
+  readTexts();
+  readStyles();
+}
+
+void Workbook::readRelations(const std::string& part,
+                             std::vector<std::pair<std::string, std::string>>& into) {
+  const std::size_t slash = part.rfind('/') + 1;
+  file_.read(part.substr(0, slash) + "_rels/" + part.substr(slash) + ".rels",
+             {.begin =
+                  [&](std::string_view name, const XmlAttributes& attributes) {
+                    if (name == "Relationship") {
+                      into.emplace_back(attributes["Id"], resolved(part, attributes["Target"]));
+                    }
+                  },
+              .end = {},
+              .text = {}});
+}
+
+void Workbook::readSheets(const std::string& part) {
+  std::vector<std::pair<std::string, std::string>> relations;
+  readRelations(part, relations);
+  file_.read(
+      part,
+      {.begin =
+           [&](std::string_view name, const XmlAttributes& attributes) {
+             if (name == "workbookPr") {
+               const std::string_view value = attributes["date1904"];
+               from1904_ = value == "1" || value == "true";
+             }
+             if (name != "sheet") return;
+             const auto target = std::ranges::find(relations, attributes["id"],
+                                                   &std::pair<std::string, std::string>::first);
+             if (target == relations.end() || !file_.has(target->second)) {
+               file_.fail(fmt::format("has no part for the sheet {}", attributes["name"]));
+             }
+             sheets_.push_back({.name = std::string(attributes["name"]), .part = target->second});
+           },
+       .end = {},
+       .text = {}});
+  if (sheets_.empty()) file_.fail("is no workbook: it has no sheet");
+  // Texts and styles lie beside the workbook, wherever that is.
+  textsPart_ = resolved(part, "sharedStrings.xml");
+  stylesPart_ = resolved(part, "styles.xml");
+}
+
+void Workbook::readTexts() {
+  std::string text;
+  bool inText = false;
+  bool phonetic = false;
+  file_.read(textsPart_, {.begin =
+                              [&](std::string_view name, const XmlAttributes& attributes) {
+                                (void)attributes;
+                                if (name == "si") text.clear();
+                                if (name == "rPh") phonetic = true;
+                                inText = name == "t" && !phonetic;
+                              },
+                          .end =
+                              [&](std::string_view name) {
+                                inText = false;
+                                if (name == "rPh") phonetic = false;
+                                if (name != "si") return;
+                                texts_ += withoutEscapes(text);
+                                texts_ += '\0';
+                                textEnds_.push_back(texts_.size() - 1);
+                              },
+                          .text =
+                              [&](std::string_view chars) {
+                                if (inText) text += chars;
+                              }});
+}
+
+void Workbook::readStyles() {
+  std::map<std::size_t, bool> own;
+  bool inCellFormats = false;
+  file_.read(stylesPart_,
+             {.begin =
+                  [&](std::string_view name, const XmlAttributes& attributes) {
+                    const std::size_t id = numberOf(attributes["numFmtId"]).value_or(0);
+                    if (name == "numFmt") own[id] = isDateCode(attributes["formatCode"]);
+                    if (name == "cellXfs") inCellFormats = true;
+                    if (name == "xf" && inCellFormats) {
+                      const auto found = own.find(id);
+                      dateStyles_.push_back(found == own.end() ? isBuiltInDate(id) : found->second);
+                    }
+                  },
+              .end =
+                  [&](std::string_view name) {
+                    if (name == "cellXfs") inCellFormats = false;
+                  },
+              .text = {}});
+}
+
+std::string_view Workbook::sharedText(std::string_view number) const {
+  const std::optional<std::size_t> index = numberOf(number);
+  if (!index || *index >= textEnds_.size()) {
+    file_.fail(fmt::format("a cell refers to the shared text {}, of {}", number, textEnds_.size()));
+  }
+  const std::size_t begin = *index == 0 ? 0 : textEnds_[*index - 1] + 1;
+  return std::string_view(texts_).substr(begin, textEnds_[*index] - begin);
+}
+
+bool Workbook::isDate(std::string_view style) const {
+  const std::optional<std::size_t> index = numberOf(style);
+  return index && *index < dateStyles_.size() && dateStyles_[*index];
+}
+
+}  // namespace formats

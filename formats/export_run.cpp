@@ -1,0 +1,148 @@
+#include "formats/export_run.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "formats/csv_folder.h"
+#include "formats/database_export.h"
+#include "formats/field_chars.h"
+#include "formats/source_name.h"
+#include "formats/table_source.h"
+#include "formats/wide_export.h"
+#include "tools/text/failure.h"
+#include "tools/text/words.h"
+
+namespace formats {
+
+namespace {
+
+using tool::UsageError;
+
+}  // namespace
+
+bool ExportRun::option(const std::string& name, const std::string& value) {
+  if (name == "symbol") {
+    symbols_.push_back(value);
+  } else if (name == "all") {
+    all_ = true;
+  } else if (name == "to" || name == "csv") {
+    if (!target_.empty() && targetOption_ != name) {
+      throw UsageError("--csv and --to exclude each other");
+    }
+    target_ = value;
+    targetOption_ = name;
+  } else if (name == "format") {
+    format_ = value;
+  } else if (name == "wide") {
+    wide_ = value;
+  } else if (name == "separator") {
+    separator_ = value;
+  } else if (name == "decimal") {
+    decimal_ = value;
+  } else {
+    return false;
+  }
+  return true;
+}
+
+void ExportRun::checkUsage() const {
+  if (target_.empty()) {
+    throw UsageError("nothing to write to: give --to TARGET, or --csv DIR");
+  }
+  if (all_ == !symbols_.empty()) {
+    throw UsageError("give the names of symbols, or --all");
+  }
+}
+
+// The chosen symbols in the order of the file. An alias needs the set that it stands for.
+std::vector<const tool::FileSymbol*> ExportRun::chosenSymbols(
+    const tool::ExchangeFile& file) const {
+  std::vector<const tool::FileSymbol*> chosen;
+  for (const std::string& name : symbols_) {
+    if (name == "*") {
+      throw UsageError("*: the universe is no symbol to export; every export has all labels");
+    }
+    chosen.push_back(&file.symbol(name));
+  }
+  const auto isChosen = [&](const tool::FileSymbol& symbol) {
+    return all_ || std::ranges::find(chosen, &symbol) != chosen.end();
+  };
+  for (const tool::FileSymbol* symbol : chosen) {
+    const tool::FileSymbol& target = file.resolved(*symbol);
+    if (!target.isUniverse() && !isChosen(target)) {
+      throw UsageError(fmt::format("{} is an alias of {}: export {} too", symbol->name, target.name,
+                                   target.name));
+    }
+  }
+  std::vector<const tool::FileSymbol*> symbols;
+  for (const tool::FileSymbol& symbol : file.symbols()) {
+    if (isChosen(symbol)) {
+      symbols.push_back(&symbol);
+    }
+  }
+  return symbols;
+}
+
+// Writes the table of the one symbol that is chosen.
+void ExportRun::writeTable(const Format& format, const tool::ExchangeFile& file,
+                           const std::vector<const tool::FileSymbol*>& symbols,
+                           tool::Progress& progress, RunResult& result) const {
+  if (symbols.size() != 1 || symbols.front()->isAlias()) {
+    throw UsageError(fmt::format(
+        "--{} {}: {} takes the table of one symbol, {} chosen", targetOption_, target_,
+        target_ == "-" ? "standard output" : fmt::format("a {} file", format.name),
+        tool::counted(symbols.size(), "symbol") + (symbols.size() == 1 ? " is" : " are")));
+  }
+  if (target_ == "-" && format.hasParts) {
+    throw UsageError(fmt::format("--{} -: a {} file cannot go to standard output", targetOption_,
+                                 format.name));
+  }
+  const tool::FileSymbol& symbol = *symbols.front();
+  const std::unique_ptr<TableWriter> writer = format.makeTables(
+      {.path = target_, .separator = separatorOf(separator_), .decimal = decimalOf(decimal_)});
+  if (wide_.empty()) {
+    writer->begin(headOf(symbol));
+    result.records = writeRecords(*writer, file, symbol, progress);
+    writer->end();
+  } else {
+    result.records = writeWide(*writer, file, symbol, wide_, progress);
+  }
+  writer->finish();
+}
+
+void ExportRun::write(const std::string& path, bool shows, RunResult& result) {
+  checkUsage();
+  const Format& format = targetOption_ == "csv" ? *formatNamed("csv") : formatFor(target_, format_);
+  requireWritable(format);
+  const bool isFile = formatOfFile(target_) != nullptr;
+  const bool byComma = format.name == std::string_view("csv");
+  if (byComma) {
+    requireDifferent(separatorOf(separator_), decimalOf(decimal_));
+  }
+  tool::Progress progress(shows);
+  progress.step("opening " + path);
+  const tool::ExchangeFile file(path);
+  const std::vector<const tool::FileSymbol*> symbols = chosenSymbols(file);
+  result.symbols = symbols.size();
+  result.labels = static_cast<std::size_t>(file.labelCount());
+  const bool folderOnly = format.ownsFolder != nullptr && targetOption_ != "csv" && isFile;
+  if (target_ == "-" || !wide_.empty() || format.writeDatabase == nullptr || folderOnly ||
+      (!all_ && symbols.size() == 1 && format.oneTableAlone)) {
+    progress.step("writing " + target_);
+    writeTable(format, file, symbols, progress, result);
+    return;
+  }
+  std::vector<std::string> notes;
+  format.writeDatabase({.file = file,
+                        .symbols = symbols,
+                        .path = target_,
+                        .progress = progress,
+                        .records = result.records,
+                        .notes = notes});
+  for (const std::string& note : notes) {
+    result.warnings += "ztb: " + ztb::displayText(note) + '\n';
+  }
+}
+
+}  // namespace formats

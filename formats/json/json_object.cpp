@@ -1,0 +1,118 @@
+#include "formats/json/json_object.h"
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+
+#include "tools/text/number_text.h"
+#include "tools/text/words.h"
+
+namespace formats {
+
+namespace {
+
+// Fills an object from what the parser meets.
+class ObjectFiller : public nlohmann::json_sax<nlohmann::json> {
+ public:
+  explicit ObjectFiller(JsonObject& object) : object_(object) {}
+
+  bool null() override { return scalar({}); }
+  bool boolean(bool value) override {
+    return scalar({.kind = JsonValue::Kind::number,
+                   .text = value ? "true" : "false",
+                   .number = value ? 1.0 : 0.0,
+                   .items = {}});
+  }
+  bool number_integer(number_integer_t value) override {
+    return number(static_cast<double>(value), std::to_string(value));
+  }
+  bool number_unsigned(number_unsigned_t value) override {
+    return number(static_cast<double>(value), std::to_string(value));
+  }
+  bool number_float(number_float_t value, const string_t& text) override {
+    (void)text;
+    return number(value, std::string(tool::NumberText(value).view()));
+  }
+  bool string(string_t& text) override {
+    if (inArray_) {
+      object_.values.back().items.push_back(std::move(text));
+      return true;
+    }
+    return scalar(
+        {.kind = JsonValue::Kind::text, .text = std::move(text), .number = 0, .items = {}});
+  }
+  bool binary(binary_t& value) override {
+    (void)value;
+    return fail("holds bytes");
+  }
+  bool start_object(std::size_t size) override {
+    (void)size;
+    return depth_++ == 0 || fail("holds an object within the object");
+  }
+  bool key(string_t& name) override {
+    if (object_.find(name) != nullptr) {
+      return fail("has the key " + tool::inQuotes(name) + " twice");
+    }
+    object_.names.push_back(std::move(name));
+    object_.values.emplace_back();
+    return true;
+  }
+  bool end_object() override { return true; }
+  bool start_array(std::size_t size) override {
+    (void)size;
+    if (depth_ == 0) return fail("is no object");
+    if (inArray_) return fail("holds an array within an array");
+    inArray_ = true;
+    object_.values.back().kind = JsonValue::Kind::array;
+    return true;
+  }
+  bool end_array() override {
+    inArray_ = false;
+    return true;
+  }
+  bool parse_error(std::size_t at, const std::string& token,
+                   const nlohmann::json::exception& error) override {
+    (void)token;
+    (void)error;
+    return fail("is no JSON from char " + std::to_string(at) + " on");
+  }
+
+  [[nodiscard]] const std::string& fault() const { return fault_; }
+
+ private:
+  bool number(double value, std::string text) {
+    return scalar(
+        {.kind = JsonValue::Kind::number, .text = std::move(text), .number = value, .items = {}});
+  }
+  bool scalar(JsonValue value) {
+    if (depth_ == 0) return fail("is no object");
+    if (inArray_) return fail("holds something else than texts in an array");
+    object_.values.back() = std::move(value);
+    return true;
+  }
+  bool fail(std::string fault) {
+    fault_ = std::move(fault);
+    return false;
+  }
+
+  JsonObject& object_;
+  int depth_ = 0;
+  bool inArray_ = false;
+  std::string fault_;
+};
+
+}  // namespace
+
+const JsonValue* JsonObject::find(std::string_view name) const {
+  const auto found = std::ranges::find(names, name);
+  return found == names.end() ? nullptr : &values[static_cast<std::size_t>(found - names.begin())];
+}
+
+std::string parseJsonObject(std::string_view line, JsonObject& object) {
+  object.names.clear();
+  object.values.clear();
+  ObjectFiller filler(object);
+  nlohmann::json::sax_parse(line.begin(), line.end(), &filler);
+  return filler.fault();
+}
+
+}  // namespace formats

@@ -1,0 +1,353 @@
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <deque>
+#include <map>
+#include <ztb/column_names.hpp>
+
+#include "formats/json/json_lines.h"
+#include "formats/json/json_object.h"
+#include "formats/tables/byte_source.h"
+#include "formats/tables/exact_text.h"
+#include "tools/files/standard_streams.h"
+#include "tools/text/failure.h"
+#include "tools/text/words.h"
+
+namespace formats {
+
+namespace {
+
+constexpr std::size_t longestLine = std::size_t{1} << 26U;
+
+// The lines of a file that are not empty.
+class Lines {
+ public:
+  explicit Lines(const std::string& path)
+      : name_(tool::inputName(path)),
+        bytes_(openBytes(path)),
+        buffer_(std::size_t{1} << 18U, '\0') {}
+
+  // Goes to the next line; false at the end.
+  bool next() {
+    do {
+      line_.clear();
+      if (!fillLine()) return false;
+      ++number_;
+      if (line_.ends_with('\r')) line_.pop_back();
+      if (number_ == 1 && line_.starts_with("\xEF\xBB\xBF")) line_.erase(0, 3);
+    } while (line_.find_first_not_of(" \t") == std::string::npos);
+    return true;
+  }
+
+  [[nodiscard]] std::string_view line() const { return line_; }
+  [[nodiscard]] std::size_t number() const { return number_; }
+
+ private:
+  bool fillLine() {
+    bool any = false;
+    for (;;) {
+      if (begin_ == end_) {
+        begin_ = 0;
+        end_ = bytes_->read(buffer_.data(), buffer_.size());
+        if (end_ == 0) return any;
+      }
+      any = true;
+      const char* first = buffer_.data() + begin_;
+      const auto* stop = static_cast<const char*>(std::memchr(first, '\n', end_ - begin_));
+      const std::size_t count =
+          stop == nullptr ? end_ - begin_ : static_cast<std::size_t>(stop - first);
+      line_.append(first, count);
+      begin_ += count + (stop == nullptr ? 0 : 1);
+      if (stop != nullptr) return true;
+      if (line_.size() > longestLine) {
+        throw tool::Failure(fmt::format("{}:{}: the line has more than {} MiB", name_, number_ + 1,
+                                        longestLine >> 20U));
+      }
+    }
+  }
+
+  std::string name_;
+  std::unique_ptr<ByteSource> bytes_;
+  std::string buffer_;
+  std::size_t begin_ = 0;
+  std::size_t end_ = 0;
+  std::string line_;
+  std::size_t number_ = 0;
+};
+
+class JsonTable : public TableReader {
+ public:
+  explicit JsonTable(const std::string& path) : TableReader(tool::inputName(path)), lines_(path) {}
+
+  bool next(ProblemList& problems) override {
+    if (names_.empty()) return readHeader(problems);
+    for (;;) {
+      if (pending_) {
+        pending_ = false;
+      } else if (!readObject(problems)) {
+        return false;
+      }
+      if (takeRow(problems)) return true;
+    }
+  }
+  [[nodiscard]] TextPosition position() const override {
+    return {.line = lines_.number(), .column = 0};
+  }
+
+ private:
+  // Reads up to the next line that is an object.
+  bool readObject(ProblemList& problems) {
+    while (lines_.next()) {
+      const std::string fault = parseJsonObject(lines_.line(), object_);
+      if (fault.empty()) return true;
+      problems.add(place(position()), fault);
+    }
+    return false;
+  }
+
+  bool readHeader(ProblemList& problems) {
+    if (!readObject(problems)) return false;
+    names_ = object_.names;
+    fields_.clear();
+    for (const std::string& name : names_) {
+      fields_.push_back({.text = name, .quoted = true, .at = position()});
+    }
+    pending_ = true;
+    return !names_.empty();
+  }
+
+  bool takeRow(ProblemList& problems) {
+    fields_.assign(names_.size(), {.text = "", .at = position()});
+    for (std::size_t member = 0; member < object_.names.size(); ++member) {
+      const auto found = std::ranges::find(names_, object_.names[member]);
+      if (found == names_.end()) {
+        problems.add(place(position()), fmt::format("the first line has no key {}",
+                                                    tool::inQuotes(object_.names[member])));
+        return false;
+      }
+      TableField& field = fields_[static_cast<std::size_t>(found - names_.begin())];
+      const JsonValue& value = object_.values[member];
+      field.text = value.text;
+      field.quoted = value.kind == JsonValue::Kind::text;
+      field.isNumber = value.kind == JsonValue::Kind::number;
+      field.number = value.number;
+      if (value.kind == JsonValue::Kind::array) {
+        field.fault = "is an array, expected a text or a number";
+      }
+    }
+    return true;
+  }
+
+  Lines lines_;
+  JsonObject object_;
+  bool pending_ = false;
+  std::vector<std::string> names_;
+};
+
+// A row that was taken out of a line: texts in a heap of all, and numbers.
+struct StoredField {
+  std::size_t begin = 0;
+  std::size_t size = 0;
+  double number = 0;
+  bool isNumber = false;
+  bool missing = false;
+};
+
+// The rows of one symbol, or of the labels.
+struct StoredRows {
+  std::size_t columns = 0;
+  std::vector<StoredField> fields;
+  std::vector<std::size_t> lines;
+};
+
+class StoredTable : public TableReader {
+ public:
+  StoredTable(std::string path, const StoredRows& rows, const std::string& heap,
+              std::vector<std::string> header)
+      : TableReader(std::move(path)), rows_(rows), heap_(heap), header_(std::move(header)) {}
+
+  bool next(ProblemList& problems) override {
+    (void)problems;
+    fields_.clear();
+    if (!headerRead_) {
+      headerRead_ = true;
+      for (const std::string& name : header_) fields_.push_back({.text = name, .quoted = true});
+      return true;
+    }
+    if (row_ == rows_.lines.size()) return false;
+    line_ = rows_.lines[row_];
+    for (std::size_t column = 0; column < rows_.columns; ++column) {
+      const StoredField& stored = rows_.fields[row_ * rows_.columns + column];
+      fields_.push_back({.text = std::string_view(heap_).substr(stored.begin, stored.size),
+                         .quoted = !stored.isNumber && !stored.missing,
+                         .at = {.line = line_, .column = 0},
+                         .isNumber = stored.isNumber,
+                         .number = stored.number});
+    }
+    ++row_;
+    return true;
+  }
+  [[nodiscard]] TextPosition position() const override { return {.line = line_, .column = 0}; }
+  [[nodiscard]] std::string place(TextPosition at) const override {
+    return placeText(path_, {.line = at.line, .column = 0});
+  }
+
+ private:
+  const StoredRows& rows_;
+  const std::string& heap_;
+  std::vector<std::string> header_;
+  bool headerRead_ = false;
+  std::size_t row_ = 0;
+  std::size_t line_ = 0;
+};
+
+class JsonDatabase : public DatabaseReader {
+ public:
+  explicit JsonDatabase(const std::string& path) : path_(tool::inputName(path)), lines_(path) {}
+
+  std::vector<ManifestEntry> symbols(ProblemList& problems) override {
+    labels_.columns = 1;
+    while (lines_.next()) {
+      std::string fault = parseJsonObject(lines_.line(), object_);
+      if (fault.empty()) fault = takeLine();
+      if (!fault.empty()) problems.add(placeText(path_, {.line = lines_.number()}), fault);
+    }
+    if (entries_.empty() && labels_.lines.empty() && problems.empty()) {
+      problems.add(path_, "has no line of a symbol or label: it holds no whole database");
+    }
+    return entries_;
+  }
+  [[nodiscard]] std::string place(const ManifestEntry& entry) const override {
+    return placeText(path_, {.line = entry.at.line});
+  }
+  std::unique_ptr<TableReader> labels() override {
+    if (labels_.lines.empty()) return nullptr;
+    return std::make_unique<StoredTable>(path_, labels_, heap_, std::vector<std::string>{"label"});
+  }
+  std::unique_ptr<TableReader> records(const ManifestEntry& entry) override {
+    std::vector<std::string> header = ztb::keyColumns(entry.name, entry.type, entry.domains);
+    for (const std::string& name : ztb::contentColumns(entry.type)) header.push_back(name);
+    return std::make_unique<StoredTable>(path_, records_[tool::folded(entry.name)], heap_,
+                                         std::move(header));
+  }
+
+ private:
+  std::string takeLine() {
+    if (object_.find("symbol") != nullptr) return takeSymbol();
+    if (const JsonValue* label = object_.find("label")) {
+      if (label->kind != JsonValue::Kind::text) return "label: is no text";
+      labels_.lines.push_back(lines_.number());
+      return addText(labels_, label->text) ? "" : "label: a backslash stands before no escape";
+    }
+    if (object_.find("of") != nullptr) return takeRecord();
+    return "has none of the keys symbol, label and of";
+  }
+
+  [[nodiscard]] std::string textOf(std::string_view name, std::string& fault) const {
+    const JsonValue* value = object_.find(name);
+    if (value == nullptr) return {};
+    const std::optional<std::string> text = unspelled(value->text);
+    if (value->kind != JsonValue::Kind::text || !text) fault = fmt::format("{}: is no text", name);
+    return text.value_or("");
+  }
+
+  std::string takeSymbol() {
+    std::string fault;
+    ManifestEntry entry;
+    entry.at = {.line = lines_.number(), .column = 0};
+    entry.name = textOf("symbol", fault);
+    entry.text = textOf("text", fault);
+    entry.aliasOf = textOf("alias_of", fault);
+    const std::string typeName = textOf("type", fault);
+    const std::optional<ztb::Type> type = tool::typeOfWord(typeName);
+    if (!type) return "type: expected set, parameter, variable, equation or alias";
+    entry.type = *type;
+    if (const JsonValue* domains = object_.find("domains")) {
+      if (domains->kind != JsonValue::Kind::array) return "domains: is no array";
+      for (const std::string& domain : domains->items) {
+        entry.domains.push_back(unspelled(domain).value_or(domain));
+      }
+    }
+    if (const JsonValue* info = object_.find("user_info")) {
+      entry.userInfo = static_cast<int>(info->number);
+      if (info->kind != JsonValue::Kind::number || entry.userInfo != info->number) {
+        return "user_info: is no whole number";
+      }
+    }
+    if (!fault.empty()) return fault;
+    StoredRows& rows = records_[tool::folded(entry.name)];
+    rows.columns = entry.domains.size() + ztb::contentColumns(entry.type).size();
+    types_[tool::folded(entry.name)] = entry.type;
+    entries_.push_back(std::move(entry));
+    return {};
+  }
+
+  std::string takeRecord() {
+    std::string fault;
+    const std::string name = tool::folded(textOf("of", fault));
+    const auto found = records_.find(name);
+    if (!fault.empty()) return fault;
+    if (found == records_.end()) {
+      return fmt::format("of: no line before tells of a symbol {}", tool::inQuotes(name));
+    }
+    StoredRows& rows = found->second;
+    static const std::vector<std::string> none;
+    const JsonValue* keys = object_.find("keys");
+    const std::vector<std::string>& labels = keys == nullptr ? none : keys->items;
+    const std::vector<std::string> contents = ztb::contentColumns(types_[name]);
+    if (labels.size() + contents.size() != rows.columns) {
+      return fmt::format("keys: has {}, expected {}", tool::counted(labels.size(), "label"),
+                         rows.columns - contents.size());
+    }
+    rows.lines.push_back(lines_.number());
+    for (const std::string& label : labels) {
+      if (!addText(rows, label)) fault = "keys: a backslash stands before no escape";
+    }
+    for (const std::string& content : contents) {
+      const JsonValue* value = object_.find(content);
+      if (value == nullptr || value->kind == JsonValue::Kind::null) {
+        rows.fields.push_back(
+            {.begin = 0, .size = 0, .number = 0, .isNumber = false, .missing = true});
+      } else if (value->kind == JsonValue::Kind::number) {
+        rows.fields.push_back({.begin = 0, .size = 0, .number = value->number, .isNumber = true});
+      } else if (!addText(rows, value->text)) {
+        fault = fmt::format("{}: a backslash stands before no escape", content);
+      }
+    }
+    return fault;
+  }
+
+  // Each text is followed by a zero char.
+  bool addText(StoredRows& rows, std::string_view text) {
+    const std::optional<std::string> plain = unspelled(text);
+    rows.fields.push_back({.begin = heap_.size(), .size = plain ? plain->size() : 0});
+    heap_ += plain.value_or("");
+    heap_ += '\0';
+    return plain.has_value();
+  }
+
+  std::string path_;
+  Lines lines_;
+  JsonObject object_;
+  std::string heap_ = std::string(1, '\0');
+  StoredRows labels_;
+  std::vector<ManifestEntry> entries_;
+  std::map<std::string, StoredRows> records_;
+  std::map<std::string, ztb::Type> types_;
+};
+
+}  // namespace
+
+std::unique_ptr<TableReader> openJsonLines(const TableSource& source) {
+  return std::make_unique<JsonTable>(source.path);
+}
+
+std::unique_ptr<DatabaseReader> openJsonDatabase(const std::string& path) {
+  return std::make_unique<JsonDatabase>(path);
+}
+
+}  // namespace formats

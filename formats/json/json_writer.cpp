@@ -1,0 +1,204 @@
+#include <cmath>
+#include <cstdio>
+#include <ztb/column_names.hpp>
+
+#include "formats/json/json_lines.h"
+#include "formats/tables/byte_sink.h"
+#include "formats/tables/exact_text.h"
+#include "formats/tables/manifest.h"
+#include "tools/files/record_walk.h"
+#include "tools/text/number_text.h"
+#include "tools/text/words.h"
+
+namespace formats {
+
+namespace {
+
+constexpr std::size_t pendingLimit = std::size_t{1} << 16U;
+
+// Lines of JSON on their way into a file. What has no UTF-8 is spelled out.
+class JsonLines {
+ public:
+  explicit JsonLines(const std::string& path) : bytes_(makeBytes(path)) {}
+
+  void open() {
+    line_ += '{';
+    first_ = true;
+  }
+  void name(std::string_view name) {
+    if (!first_) line_ += ',';
+    first_ = false;
+    text(name);
+    line_ += ':';
+  }
+  void text(std::string_view text) {
+    constexpr std::string_view digits = "0123456789abcdef";
+    line_ += '"';
+    for (const char c : spelled(text, TextForm::json, room_)) {
+      const auto byte = static_cast<unsigned char>(c);
+      if (c == '"' || c == '\\') {
+        line_ += '\\';
+        line_ += c;
+      } else if (byte < ' ') {
+        line_ += "\\u00";
+        line_ += digits[byte >> 4U];
+        line_ += digits[byte & 15U];
+      } else {
+        line_ += c;
+      }
+    }
+    line_ += '"';
+  }
+  void number(double value) {
+    const tool::NumberText text(value);
+    if (tool::isSpecial(value) || !std::isfinite(value)) {
+      line_ += '"';
+      line_ += text.view();
+      line_ += '"';
+    } else {
+      line_ += text.view();
+      // Readers take "-0" for a whole number, which has no sign.
+      if (text.view() == "-0") line_ += ".0";
+    }
+  }
+  void raw(std::string_view chars) { line_ += chars; }
+  void close() {
+    line_ += "}\n";
+    pending_ += line_;
+    line_.clear();
+    if (pending_.size() > pendingLimit) flush();
+  }
+  void finish() {
+    flush();
+    bytes_->finish();
+  }
+
+ private:
+  void flush() {
+    bytes_->write(pending_);
+    pending_.clear();
+  }
+
+  std::unique_ptr<ByteSink> bytes_;
+  std::string line_;
+  std::string pending_;
+  std::string room_;
+  bool first_ = true;
+};
+
+class JsonWriter : public TableWriter {
+ public:
+  explicit JsonWriter(const std::string& path) : lines_(path) {}
+
+  void begin(const TableHead& head) override { head_ = head; }
+  void label(std::string_view text) override { this->text(text); }
+  void text(std::string_view text) override {
+    name();
+    lines_.text(text);
+  }
+  void number(double value) override {
+    name();
+    lines_.number(value);
+  }
+  void missing() override {
+    name();
+    lines_.raw("null");
+  }
+  void endRow() override {
+    if (at_ == 0) lines_.open();
+    lines_.close();
+    at_ = 0;
+  }
+  void end() override {}
+  void finish() override { lines_.finish(); }
+
+ private:
+  void name() {
+    if (at_ == 0) lines_.open();
+    lines_.name(head_.columns[at_++].name);
+  }
+
+  JsonLines lines_;
+  TableHead head_;
+  std::size_t at_ = 0;
+};
+
+void writeTexts(JsonLines& lines, const std::vector<std::string>& texts) {
+  lines.raw("[");
+  for (std::size_t at = 0; at < texts.size(); ++at) {
+    if (at > 0) lines.raw(",");
+    lines.text(texts[at]);
+  }
+  lines.raw("]");
+}
+
+void writeSymbol(JsonLines& lines, const ManifestEntry& entry) {
+  lines.open();
+  lines.name("symbol");
+  lines.text(entry.name);
+  lines.name("type");
+  lines.text(tool::typeWord(entry.type));
+  lines.name("domains");
+  writeTexts(lines, entry.domains);
+  lines.name("user_info");
+  lines.number(entry.userInfo);
+  if (!entry.aliasOf.empty()) {
+    lines.name("alias_of");
+    lines.text(entry.aliasOf);
+  }
+  lines.name("text");
+  lines.text(entry.text);
+  lines.close();
+}
+
+}  // namespace
+
+std::unique_ptr<TableWriter> makeJsonLines(const TableTarget& target) {
+  return std::make_unique<JsonWriter>(target.path);
+}
+
+void writeJsonDatabase(const DatabaseExport& database) {
+  const tool::ExchangeFile& file = database.file;
+  JsonLines lines(database.path);
+  for (const tool::FileSymbol* symbol : database.symbols) {
+    writeSymbol(lines, describe(file, *symbol));
+  }
+  for (int number = 1; number <= file.labelCount(); ++number) {
+    lines.open();
+    lines.name("label");
+    lines.text(file.label(number));
+    lines.close();
+  }
+  for (const tool::FileSymbol* symbol : database.symbols) {
+    if (symbol->isAlias()) continue;
+    database.progress.step("writing " + symbol->name);
+    const std::vector<std::string> contents = ztb::contentColumns(symbol->type);
+    for (tool::RecordWalk record(file, *symbol); record.next();) {
+      lines.open();
+      lines.name("of");
+      lines.text(symbol->name);
+      lines.name("keys");
+      lines.raw("[");
+      bool first = true;
+      for (const int key : record.keys()) {
+        if (!first) lines.raw(",");
+        first = false;
+        lines.text(file.label(key));
+      }
+      lines.raw("]");
+      for (std::size_t at = 0; at < contents.size(); ++at) {
+        lines.name(contents[at]);
+        if (symbol->type == ztb::Type::set) {
+          lines.text(record.text());
+        } else {
+          lines.number(record.values()[at]);
+        }
+      }
+      lines.close();
+      database.progress.count(++database.records);
+    }
+  }
+  lines.finish();
+}
+
+}  // namespace formats

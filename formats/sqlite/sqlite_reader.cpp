@@ -1,0 +1,142 @@
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <algorithm>
+#include <limits>
+#include <utility>
+
+#include "formats/sqlite/sqlite_file.h"
+#include "formats/sqlite/sqlite_tables.h"
+#include "formats/tables_database.h"
+#include "tools/text/failure.h"
+#include "tools/text/words.h"
+
+namespace formats {
+
+namespace {
+
+bool isQuery(std::string_view part) {
+  part.remove_prefix(std::min(part.find_first_not_of(" \t\n"), part.size()));
+  const std::string_view word = part.substr(0, part.find_first_of(" \t\n(*'\""));
+  return word.size() < part.size() &&
+         (tool::sameFolded(word, "select") || tool::sameFolded(word, "with"));
+}
+
+class SqliteReader : public TableReader {
+ public:
+  SqliteReader(SqliteFile file, const std::string& sql, std::string shown, bool exact)
+      : TableReader(std::move(shown)), file_(std::move(file)), exact_(exact) {
+    statement_ = file_.prepare(sql);
+    if (statement_ == nullptr || sqlite3_stmt_readonly(statement_.get()) == 0) {
+      throw tool::Failure(path_ + ": expected a query that only reads");
+    }
+    columns_ = sqlite3_column_count(statement_.get());
+  }
+
+  bool next(ProblemList& problems) override {
+    (void)problems;
+    fields_.clear();
+    if (row_ == headerRow) {
+      row_ = 0;
+      for (int column = 0; column < columns_; ++column) {
+        fields_.push_back({.text = sqlite3_column_name(statement_.get(), column), .quoted = true});
+      }
+      return true;
+    }
+    const int result = sqlite3_step(statement_.get());
+    if (result == SQLITE_DONE) return false;
+    if (result != SQLITE_ROW) file_.fail();
+    ++row_;
+    for (int column = 0; column < columns_; ++column) {
+      fields_.push_back(fieldAt(column));
+    }
+    return true;
+  }
+
+  [[nodiscard]] TextPosition position() const override { return {.line = row_, .column = 1}; }
+  [[nodiscard]] std::string place(TextPosition at) const override {
+    return at.line == 0 ? path_ : fmt::format("{}: row {}", path_, at.line);
+  }
+  [[nodiscard]] std::string shortPlace(TextPosition at) const override {
+    return fmt::format("row {}", at.line);
+  }
+
+ private:
+  static constexpr std::size_t headerRow = std::numeric_limits<std::size_t>::max();
+
+  TableField fieldAt(int column) {
+    sqlite3_stmt* statement = statement_.get();
+    TableField field{.text = "",
+                     .quoted = false,
+                     .at = {.line = row_, .column = static_cast<std::size_t>(column) + 1}};
+    switch (sqlite3_column_type(statement, column)) {
+      case SQLITE_NULL:
+        // In a database that was written here this is a value.
+        if (exact_) {
+          field.text = "na";
+          field.isNumber = true;
+          field.number = std::numeric_limits<double>::quiet_NaN();
+        }
+        return field;
+      case SQLITE_FLOAT:
+        field.isNumber = true;
+        field.number = sqlite3_column_double(statement, column);
+        return field;
+      case SQLITE_INTEGER:
+        field.isNumber = true;
+        field.number = sqlite3_column_double(statement, column);
+        break;
+      case SQLITE_BLOB:
+        field.fault = "is a blob, expected a text or a number";
+        return field;
+      default:
+        break;
+    }
+    field.quoted = true;
+    const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(statement, column));
+    if (text == nullptr) throw std::bad_alloc();
+    field.text = {text, static_cast<std::size_t>(sqlite3_column_bytes(statement, column))};
+    return field;
+  }
+
+  SqliteFile file_;
+  bool exact_;
+  SqliteStatement statement_;
+  int columns_ = 0;
+  std::size_t row_ = headerRow;
+};
+
+}  // namespace
+
+std::unique_ptr<TableReader> openSqlite(const TableSource& source) {
+  SqliteFile file = SqliteFile::forReading(source.path);
+  std::string table = source.part;
+  if (!source.exact && isQuery(table)) {
+    return std::make_unique<SqliteReader>(std::move(file), table,
+                                          source.path + '#' + tool::shortened(table), false);
+  }
+  const std::vector<std::string> tables = file.tables();
+  if (table.empty() && tables.size() == 1) {
+    table = tables.front();
+  }
+  const auto found = std::ranges::find_if(
+      tables, [&](const std::string& name) { return tool::sameFolded(name, table); });
+  if (found == tables.end()) {
+    throw tool::Failure(
+        fmt::format("{}: {}; its tables are {}", source.path,
+                    table.empty() ? "which table is meant? give --from " + source.path + "#TABLE"
+                                  : "no table " + tool::inQuotes(table),
+                    tool::shortened(fmt::format("{}", fmt::join(tables, ", ")))));
+  }
+  std::string sql = "select * from " + quotedName(*found);
+  if (source.exact) sql += " order by rowid";
+  return std::make_unique<SqliteReader>(std::move(file), sql, source.path + '#' + *found,
+                                        source.exact);
+}
+
+std::unique_ptr<DatabaseReader> openSqliteDatabase(const std::string& path) {
+  return openTablesDatabase(
+      {.path = path, .tables = SqliteFile::forReading(path).tables(), .open = openSqlite});
+}
+
+}  // namespace formats

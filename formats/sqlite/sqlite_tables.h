@@ -1,0 +1,27 @@
+// Tables and queries of SQLite files, and whole databases in them.
+//
+// A database has a strict table for each symbol: a text column for each position, then "text" or
+// the values, with a unique index over the keys; _symbols and _labels beside. Values are reals,
+// infinities and 1e300 among them; NULL is "na", and another NaN the text nan:0x... of its bits.
+#ifndef ZTB_FORMATS_SQLITE_SQLITE_TABLES_H_
+#define ZTB_FORMATS_SQLITE_SQLITE_TABLES_H_
+
+#include <memory>
+#include <string>
+
+#include "formats/database_export.h"
+#include "formats/database_reader.h"
+#include "formats/table_source.h"
+
+namespace formats {
+
+// The part is a table, a view, or a query that begins with "select" or "with"; empty for the only
+// table that there is.
+std::unique_ptr<TableReader> openSqlite(const TableSource& source);
+std::unique_ptr<TableWriter> makeSqlite(const TableTarget& target);
+std::unique_ptr<DatabaseReader> openSqliteDatabase(const std::string& path);
+void writeSqliteDatabase(const DatabaseExport& database);
+
+}  // namespace formats
+
+#endif  // ZTB_FORMATS_SQLITE_SQLITE_TABLES_H_

@@ -1,0 +1,252 @@
+#include "formats/tables/manifest.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <optional>
+#include <span>
+
+#include "formats/tables/csv_writer.h"
+#include "tools/text/failure.h"
+#include "tools/text/words.h"
+
+namespace formats {
+
+namespace {
+
+enum Column : std::size_t {
+  nameColumn,
+  typeColumn,
+  dimensionColumn,
+  domainsColumn,
+  userInfoColumn,
+  aliasColumn,
+  textColumn,
+  tablesColumn,
+  columnCount
+};
+
+constexpr std::array<std::string_view, columnCount> columnNames{
+    "symbol", "type", "dimension", "domains", "user_info", "alias_of", "text", "tables"};
+
+// The columns that a table of symbols has in a folder.
+constexpr auto folderColumns = std::span(columnNames).first<tablesColumn>();
+
+std::optional<int> parseInteger(std::string_view text) {
+  int value = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+  if (error != std::errc{} || end != text.data() + text.size()) {
+    return std::nullopt;
+  }
+  return value;
+}
+
+// Domain names stand with commas between them. A name that is empty or has a comma or a quote in it
+// stands in double quotes, its own doubled.
+std::string joinDomains(const std::vector<std::string>& names) {
+  std::string joined;
+  for (const std::string& name : names) {
+    joined += joined.empty() ? "" : ",";
+    if (!name.empty() && name.find_first_of(",\"") == std::string::npos) {
+      joined += name;
+      continue;
+    }
+    joined += '"';
+    for (const char c : name) {
+      joined += c == '"' ? std::string(2, c) : std::string(1, c);
+    }
+    joined += '"';
+  }
+  return joined;
+}
+
+// Takes the name in quotes from the front of text. One that is not closed goes to the end.
+std::string takeQuoted(std::string_view& text) {
+  std::string name;
+  text.remove_prefix(1);
+  for (; !text.empty(); text.remove_prefix(1)) {
+    if (text.front() == '"') {
+      text.remove_prefix(1);
+      if (!text.starts_with('"')) {
+        break;
+      }
+    }
+    name += text.front();
+  }
+  return name;
+}
+
+std::vector<std::string> splitDomains(std::string_view text) {
+  std::vector<std::string> names;
+  while (!text.empty()) {
+    std::string name = text.starts_with('"') ? takeQuoted(text) : std::string();
+    const std::size_t end = std::min(text.find(','), text.size());
+    name += text.substr(0, end);
+    names.push_back(std::move(name));
+    text.remove_prefix(std::min(end + 1, text.size()));
+  }
+  return names;
+}
+
+std::vector<std::string> splitTables(std::string_view text) {
+  std::vector<std::string> names;
+  while (!text.empty()) {
+    const std::size_t end = std::min(text.find('/'), text.size());
+    names.emplace_back(text.substr(0, end));
+    text.remove_prefix(std::min(end + 1, text.size()));
+  }
+  return names;
+}
+
+class ManifestReader {
+ public:
+  ManifestReader(TableReader& reader, ProblemList& problems)
+      : reader_(reader), problems_(problems) {}
+
+  std::vector<ManifestEntry> read() {
+    const auto isHeader = [&](std::span<const std::string_view> names) {
+      return std::ranges::equal(reader_.fields(), names, {}, &TableField::text);
+    };
+    if (!reader_.next(problems_) || (!isHeader(folderColumns) && !isHeader(columnNames))) {
+      problems_.add(reader_.place({.line = 1, .column = 1}),
+                    fmt::format("the header is not {}", fmt::join(folderColumns, ",")));
+      return {};
+    }
+    columns_ = reader_.fields().size();
+    std::vector<ManifestEntry> entries;
+    while (reader_.next(problems_)) {
+      const std::size_t before = problems_.count();
+      ManifestEntry entry = readEntry();
+      if (problems_.count() == before) {
+        entries.push_back(std::move(entry));
+      }
+    }
+    return entries;
+  }
+
+ private:
+  ManifestEntry readEntry() {
+    ManifestEntry entry;
+    entry.at = reader_.position();
+    if (reader_.fields().size() != columns_) {
+      problems_.add(reader_.place(reader_.position()),
+                    fmt::format("has {}, the header has {}",
+                                tool::counted(reader_.fields().size(), "field"), columns_));
+      return entry;
+    }
+    if (columns_ > tablesColumn) {
+      entry.tables = splitTables(text(tablesColumn));
+    }
+    entry.name = text(nameColumn);
+    entry.aliasOf = text(aliasColumn);
+    entry.text = text(textColumn);
+    entry.domains = splitDomains(text(domainsColumn));
+    if (const std::optional<ztb::Type> type = tool::typeOfWord(text(typeColumn))) {
+      entry.type = *type;
+    } else {
+      problem(typeColumn, "is no type, expected set, parameter, variable, equation or alias");
+    }
+    const std::optional<int> dimension = parseInteger(text(dimensionColumn));
+    if (!dimension || static_cast<std::size_t>(*dimension) != entry.domains.size()) {
+      problem(dimensionColumn,
+              fmt::format("is not the number of domains, which is {}", entry.domains.size()));
+    }
+    if (const std::optional<int> userInfo = parseInteger(text(userInfoColumn))) {
+      entry.userInfo = *userInfo;
+    } else {
+      problem(userInfoColumn, "is no whole number");
+    }
+    for (const Column column : {nameColumn, aliasColumn, textColumn}) {
+      if (text(column).find('\0') != std::string_view::npos) {
+        problem(column, "holds a zero byte");
+      }
+    }
+    return entry;
+  }
+
+  [[nodiscard]] std::string_view text(Column column) const { return reader_.fields()[column].text; }
+  void problem(Column column, const std::string& reason) {
+    problems_.add(
+        reader_.place(reader_.fields()[column].at),
+        fmt::format("{}: {} {}", columnNames[column], tool::inQuotes(text(column)), reason));
+  }
+
+  TableReader& reader_;
+  ProblemList& problems_;
+  std::size_t columns_ = 0;
+};
+
+}  // namespace
+
+std::filesystem::path manifestPath(const std::filesystem::path& folder) {
+  return folder / "_symbols.csv";
+}
+
+std::filesystem::path labelsPath(const std::filesystem::path& folder) {
+  return folder / "_labels.csv";
+}
+
+std::filesystem::path recordsPath(const std::filesystem::path& folder, const std::string& symbol) {
+  return folder / (symbol + ".csv");
+}
+
+ManifestEntry describe(const tool::ExchangeFile& file, const tool::FileSymbol& symbol) {
+  ManifestEntry entry;
+  entry.name = symbol.name;
+  entry.type = symbol.type;
+  entry.domains = tool::domainNames(symbol);
+  entry.text = symbol.text;
+  entry.userInfo = symbol.userInfo;
+  if (symbol.isAlias()) {
+    entry.aliasOf = file.resolved(symbol).name;
+  }
+  return entry;
+}
+
+TableHead manifestHead(std::size_t symbols) {
+  TableHead head{.name = "_symbols", .columns = {}, .rows = symbols, .keys = 1, .exact = true};
+  for (const std::string_view name : columnNames) {
+    const bool isNumber =
+        name == columnNames[dimensionColumn] || name == columnNames[userInfoColumn];
+    head.columns.push_back(
+        {.name = std::string(name), .kind = isNumber ? ColumnKind::integer : ColumnKind::text});
+  }
+  return head;
+}
+
+void writeEntry(TableWriter& writer, const ManifestEntry& entry, bool withTables) {
+  // Views of these are held until the row ends.
+  const std::string domains = joinDomains(entry.domains);
+  const std::string tables = fmt::format("{}", fmt::join(entry.tables, "/"));
+  writer.text(entry.name);
+  writer.text(tool::typeWord(entry.type));
+  writer.number(static_cast<double>(entry.domains.size()));
+  writer.text(domains);
+  writer.number(entry.userInfo);
+  writer.text(entry.aliasOf);
+  writer.text(entry.text);
+  if (withTables) {
+    writer.text(tables);
+  }
+  writer.endRow();
+}
+
+void writeManifest(const std::filesystem::path& folder, const std::vector<ManifestEntry>& entries) {
+  CsvWriter csv(manifestPath(folder).string());
+  TableHead head = manifestHead(entries.size());
+  head.columns.pop_back();
+  csv.begin(head);
+  for (const ManifestEntry& entry : entries) {
+    writeEntry(csv, entry, false);
+  }
+  csv.finish();
+}
+
+std::vector<ManifestEntry> readManifest(TableReader& reader, ProblemList& problems) {
+  return ManifestReader(reader, problems).read();
+}
+
+}  // namespace formats

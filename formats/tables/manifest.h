@@ -1,0 +1,62 @@
+// The table of symbols that an export leaves beside the records, so that an import finds the
+// database as it was.
+//
+// A folder of exported data holds:
+//   _symbols.csv  a row for each symbol, in order:
+//                 symbol,type,dimension,domains,user_info,alias_of,text
+//                 domains is a name for each position with commas between, "*" for the universe
+//   _labels.csv   under the header "label", the labels in the order of their numbers
+//                 In a file of many tables, a column "tables" tells which ones a symbol has, with
+//                 slashes between.
+//   NAME.csv      for each symbol but aliases, the records: a header, then the key columns followed
+//                 by text (a set), value (a parameter) or level to scale (a variable, an equation)
+#ifndef ZTB_FORMATS_TABLES_MANIFEST_H_
+#define ZTB_FORMATS_TABLES_MANIFEST_H_
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "formats/tables/problem_list.h"
+#include "formats/tables/table_reader.h"
+#include "formats/tables/table_writer.h"
+#include "tools/files/exchange_file.h"
+
+namespace formats {
+
+struct ManifestEntry {
+  std::string name;
+  ztb::Type type = ztb::Type::set;
+  std::vector<std::string> domains;
+  int userInfo = 0;
+  // The set that an alias stands for, "*" for the universe.
+  std::string aliasOf;
+  std::string text;
+  // The tables of its records in a file of many.
+  std::vector<std::string> tables;
+  // Where the entry was read.
+  TextPosition at;
+};
+
+std::filesystem::path manifestPath(const std::filesystem::path& folder);
+std::filesystem::path labelsPath(const std::filesystem::path& folder);
+std::filesystem::path recordsPath(const std::filesystem::path& folder, const std::string& symbol);
+
+// The entry of a symbol of a file.
+ManifestEntry describe(const tool::ExchangeFile& file, const tool::FileSymbol& symbol);
+
+// The table of symbols in a file of many tables, and an entry of it as a row; without the tables of
+// its records in a folder.
+TableHead manifestHead(std::size_t symbols);
+void writeEntry(TableWriter& writer, const ManifestEntry& entry, bool withTables);
+
+// Throws Failure if the table cannot be written.
+void writeManifest(const std::filesystem::path& folder, const std::vector<ManifestEntry>& entries);
+
+// Reads the table, with or without a column of tables. What is wrong with a row is reported, and
+// the row left out.
+std::vector<ManifestEntry> readManifest(TableReader& reader, ProblemList& problems);
+
+}  // namespace formats
+
+#endif  // ZTB_FORMATS_TABLES_MANIFEST_H_

@@ -1,0 +1,334 @@
+#include "formats/tables/table_import.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <algorithm>
+#include <array>
+#include <optional>
+#include <ranges>
+#include <string_view>
+#include <utility>
+#include <ztb/column_names.hpp>
+
+#include "tools/text/failure.h"
+#include "tools/text/words.h"
+
+namespace formats {
+
+namespace {
+
+// Whether a column's name can stand as a domain that no set is behind.
+bool canBeDomain(const std::string& name) {
+  return !name.empty() && name.size() <= ZTB_MAX_NAME_LENGTH && name.front() != ' ' &&
+         name.back() != ' ' && name.front() != '*' &&
+         std::ranges::none_of(name, [](unsigned char c) {
+           return c < ' ' ||
+                  std::string_view(",()'\"").find(static_cast<char>(c)) != std::string_view::npos;
+         });
+}
+
+// Makes the symbols of an import, with their domains.
+class SymbolMaker {
+ public:
+  SymbolMaker(ztb::Database& database, const std::vector<ImportSource>& sources, bool namesAlone)
+      : database_(database), namesAlone_(namesAlone) {
+    for (const ImportSource& source : sources) {
+      for (const SymbolSpec& spec : source.symbols) {
+        names_.push_back(spec.name);
+      }
+    }
+  }
+
+  ztb::Symbol make(const SymbolSpec& spec) {
+    const bool keepsNames = namesAlone_ || !isOverASet(spec);
+    std::vector<ztb::DomainArgument> domains;
+    for (const KeySpec& key : spec.keys) {
+      domains.push_back(domainOf(spec, key, keepsNames));
+    }
+    try {
+      return database_.addSymbol(spec.name, typeOf(spec.kind), domains, spec.text, spec.subtype);
+    } catch (const ztb::Error& error) {
+      throw tool::UsageError(fmt::format("{}: {}", spec.source, error.what()));
+    }
+  }
+
+  [[nodiscard]] std::vector<std::string> lostRoles() { return std::move(lostRoles_); }
+
+ private:
+  static ztb::Type typeOf(SpecKind kind) {
+    switch (kind) {
+      case SpecKind::parameter:
+        return ztb::Type::parameter;
+      case SpecKind::variable:
+        return ztb::Type::variable;
+      default:
+        return ztb::Type::set;
+    }
+  }
+
+  // The set or alias of one position that has this name.
+  [[nodiscard]] std::optional<ztb::Symbol> setNamed(const std::string& name) const {
+    const std::optional<ztb::Symbol> found = database_.findSymbolOrAlias(name);
+    const bool isSet =
+        found && found->unaliased().type() == ztb::Type::set && found->unaliased().dimension() == 1;
+    return isSet ? found : std::nullopt;
+  }
+
+  [[nodiscard]] bool isOverASet(const SymbolSpec& spec) const {
+    return std::ranges::any_of(spec.keys, [this](const KeySpec& key) {
+      return key.domain ? *key.domain != "*" : setNamed(key.column).has_value();
+    });
+  }
+
+  ztb::DomainArgument domainOf(const SymbolSpec& spec, const KeySpec& key, bool keepsNames) {
+    if (!key.domain) {
+      return domainOfColumn(spec, key.column, keepsNames);
+    }
+    if (*key.domain == "*") {
+      return {"*"};
+    }
+    const std::optional<ztb::Symbol> set = setNamed(*key.domain);
+    if (!set) {
+      throw tool::UsageError(fmt::format("{}: domain {} is no one-dimensional set made before",
+                                         spec.source, *key.domain));
+    }
+    return {roleOf(spec, key.column, *set)};
+  }
+
+  // Without a set that is named, the domain is the set of the column's name, or this name alone. A
+  // plain set is over the universe, and so is a position that has its name from a later symbol.
+  ztb::DomainArgument domainOfColumn(const SymbolSpec& spec, const std::string& column,
+                                     bool keepsNames) {
+    if (const std::optional<ztb::Symbol> set = setNamed(column)) {
+      return {*set};
+    }
+    const bool plainSet = typeOf(spec.kind) == ztb::Type::set && spec.keys.size() == 1;
+    if (!plainSet && canBeDomain(column) && !isTaken(column)) {
+      if (keepsNames) {
+        return {column};
+      }
+      lostRoles_.push_back(
+          fmt::format("{}: a position is not called {}: with --check-domains a name without a set "
+                      "is not kept beside a set",
+                      spec.source, tool::inQuotes(column)));
+    }
+    return {"*"};
+  }
+
+  // A set under the name of the column that is over it: the set itself, or an alias of it. Where
+  // another symbol has the name, or no symbol can, it is the set.
+  ztb::Symbol roleOf(const SymbolSpec& spec, const std::string& column, const ztb::Symbol& set) {
+    if (tool::sameFolded(column, set.name().view())) {
+      return set;
+    }
+    if (const std::optional<ztb::Symbol> known = setNamed(column);
+        known && known->unaliased().handle() == set.unaliased().handle()) {
+      return *known;
+    }
+    std::string reason = "another symbol has this name";
+    if (!isTaken(column) && !database_.findSymbolOrAlias(column)) {
+      try {
+        return database_.addAlias(column, set);
+      } catch (const ztb::Error& error) {
+        reason = error.what();
+      }
+    }
+    lostRoles_.push_back(fmt::format("{}: a position is called {} and not {}: {}", spec.source,
+                                     set.name().view(), tool::inQuotes(column), reason));
+    return set;
+  }
+
+  [[nodiscard]] bool isTaken(const std::string& name) const {
+    return std::ranges::any_of(
+        names_, [&](const std::string& other) { return tool::sameFolded(other, name); });
+  }
+
+  ztb::Database& database_;
+  bool namesAlone_;
+  std::vector<std::string> names_;
+  std::vector<std::string> lostRoles_;
+};
+
+// Finds columns by name in the header of one file: as written, else with the case of letters
+// folded.
+class Header {
+ public:
+  Header(TableReader& reader, ProblemList& problems) : reader_(reader), problems_(problems) {
+    read_ = reader.next(problems);
+    if (!read_) {
+      problems.add(reader.path(), "has no header line");
+      return;
+    }
+    position_ = reader.position();
+    for (const TableField& field : reader.fields()) {
+      names_.emplace_back(field.text);
+    }
+  }
+
+  [[nodiscard]] bool read() const { return read_; }
+  [[nodiscard]] const std::vector<std::string>& names() const { return names_; }
+
+  // The places of the columns that have the names of fields, with these; reported if there is none.
+  std::vector<FieldSpec> fields() {
+    std::vector<FieldSpec> result;
+    for (std::size_t field = 0; field < ztb::fieldCount; ++field) {
+      const std::string name(ztb::fieldNames.at(field));
+      if (!matching([&](const std::string& other) {
+             return tool::sameFolded(other, name);
+           }).empty()) {
+        result.push_back({.field = field, .column = name});
+      }
+    }
+    if (result.empty()) {
+      problems_.add(reader_.place(position_),
+                    fmt::format("no column {}; the columns are {}",
+                                fmt::join(ztb::fieldNames, ", "), columnList()));
+    }
+    return result;
+  }
+
+  // The place of a column; reported, and 0, if there is none or more than one.
+  std::size_t find(const std::string& name) {
+    auto found = matching([&](const std::string& other) { return other == name; });
+    if (found.empty()) {
+      found = matching([&](const std::string& other) { return tool::sameFolded(other, name); });
+    }
+    if (found.size() != 1) {
+      problems_.add(reader_.place(position_),
+                    fmt::format("{} {}; the columns are {}",
+                                found.empty() ? "no column" : "more than one column",
+                                tool::inQuotes(name), columnList()));
+      return 0;
+    }
+    return found.front();
+  }
+
+ private:
+  template <class Predicate>
+  [[nodiscard]] std::vector<std::size_t> matching(Predicate predicate) const {
+    std::vector<std::size_t> found;
+    for (std::size_t column = 0; column < names_.size(); ++column) {
+      if (predicate(names_[column])) {
+        found.push_back(column);
+      }
+    }
+    return found;
+  }
+
+  [[nodiscard]] std::string columnList() const {
+    constexpr std::size_t most = 20;
+    const std::size_t shown = std::min(names_.size(), most);
+    std::string list = fmt::format(
+        "{}",
+        fmt::join(names_ | std::views::take(shown) | std::views::transform(tool::shortened), ", "));
+    if (shown < names_.size()) {
+      list += fmt::format(" and {} more", names_.size() - shown);
+    }
+    return list;
+  }
+
+  TableReader& reader_;
+  ProblemList& problems_;
+  bool read_ = false;
+  TextPosition position_;
+  std::vector<std::string> names_;
+};
+
+// The values of a record of a variable before any is set.
+std::array<double, ztb::fieldCount> defaultsOf(int subtype) {
+  ztb::Database scratch;
+  const ztb::Record record = scratch.addVariable("v", subtype, {}).add();
+  return {record.level(), record.marginal(), record.lower(), record.upper(), record.scale()};
+}
+
+ImportTarget planTarget(const SymbolSpec& spec, const ztb::Symbol& symbol, Header& header,
+                        const TableImportOptions& options) {
+  ImportTarget target{.symbol = symbol,
+                      .keyColumns = {},
+                      .valueColumns = {},
+                      .valueFields = {},
+                      .defaults = {},
+                      .textColumn = std::nullopt,
+                      .distinct = spec.kind == SpecKind::distinctSet,
+                      .skipEmpty = options.skipEmpty && symbol.type() != ztb::Type::set};
+  for (const KeySpec& key : spec.keys) {
+    target.keyColumns.push_back(header.find(key.column));
+  }
+  if (spec.kind == SpecKind::parameter) {
+    target.valueColumns.push_back(header.find(spec.contentColumn));
+    target.valueFields.push_back(0);
+  } else if (spec.kind == SpecKind::variable) {
+    target.defaults = defaultsOf(spec.subtype);
+    for (const FieldSpec& field : spec.fields.empty() ? header.fields() : spec.fields) {
+      target.valueColumns.push_back(header.find(field.column));
+      target.valueFields.push_back(field.field);
+    }
+  } else if (!spec.contentColumn.empty()) {
+    target.textColumn = header.find(spec.contentColumn);
+  }
+  return target;
+}
+
+// A symbol of a wide table, whose values stand in the column that the spread ones are put together
+// in unless another one is named.
+SymbolSpec inShape(const SymbolSpec& spec, const TableShape& shape) {
+  SymbolSpec result = spec;
+  if (!shape.wide.empty() && spec.kind == SpecKind::parameter && spec.contentColumn == spec.name) {
+    result.contentColumn = spreadValues;
+  }
+  return result;
+}
+
+// The shape, with the columns that the symbols are made from.
+TableShape shapeOf(const ImportSource& source) {
+  TableShape shape = source.shape;
+  for (const SymbolSpec& spec : source.symbols) {
+    const SymbolSpec inside = inShape(spec, shape);
+    for (const KeySpec& key : inside.keys) {
+      shape.kept.push_back(key.column);
+    }
+    shape.kept.push_back(inside.contentColumn);
+    for (const FieldSpec& field : inside.fields) {
+      shape.kept.push_back(field.column);
+    }
+  }
+  return shape;
+}
+
+}  // namespace
+
+std::vector<std::string> importTables(ztb::Database& database,
+                                      const std::vector<ImportSource>& sources,
+                                      const TableImportOptions& options, RecordImport& records,
+                                      ProblemList& problems) {
+  SymbolMaker maker(database, sources, options.namesAlone);
+  std::vector<std::vector<ztb::Symbol>> symbols;
+  for (const ImportSource& source : sources) {
+    std::vector<ztb::Symbol>& made = symbols.emplace_back();
+    for (const SymbolSpec& spec : source.symbols) {
+      made.push_back(maker.make(spec));
+    }
+  }
+  for (std::size_t index = 0; index < sources.size(); ++index) {
+    const ImportSource& source = sources[index];
+    const std::unique_ptr<TableReader> opened = shaped(source.open(source.table), shapeOf(source));
+    TableReader& reader = *opened;
+    Header header(reader, problems);
+    if (!header.read()) {
+      continue;
+    }
+    const std::size_t before = problems.count();
+    std::vector<ImportTarget> targets;
+    for (std::size_t spec = 0; spec < symbols[index].size(); ++spec) {
+      targets.push_back(planTarget(inShape(source.symbols[spec], source.shape),
+                                   symbols[index][spec], header, options));
+    }
+    if (problems.count() == before) {
+      records.readRows(reader, header.names(), targets);
+    }
+  }
+  return maker.lostRoles();
+}
+
+}  // namespace formats

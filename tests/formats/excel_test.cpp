@@ -1,0 +1,167 @@
+// Workbooks: those of another program, what is told of forged ones, and what is written.
+
+#include <gmock/gmock.h>
+#include <sys/wait.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <ztb/ztb.hpp>
+
+#include "tests/formats/job.h"
+
+namespace {
+
+using formatstest::Job;
+using formatstest::Options;
+using testing::HasSubstr;
+
+class ExcelTest : public testing::Test {
+ protected:
+  static void SetUpTestSuite() {
+    folder_ = new ztbtest::TempFolder;
+    const std::string command =
+        "/usr/bin/python3 " ZTB_MAKE_WORKBOOKS " " + folder_->path().string();
+    ASSERT_EQ(std::system(command.c_str()), 0);
+  }
+  static void TearDownTestSuite() {
+    delete folder_;
+    folder_ = nullptr;
+  }
+
+  static ztb::Database imported(const std::string& source, const Options& options) {
+    Options all{{"from", folder_->file(source)}};
+    all.insert(all.end(), options.begin(), options.end());
+    Job job(all);
+    EXPECT_TRUE(job.import(folder_->file("out.rxf"))) << job.errors(*folder_);
+    return ztb::Database::open(folder_->file("out.rxf"));
+  }
+  static std::string errorsOf(const std::string& source, const Options& options) {
+    Options all{{"from", folder_->file(source)}};
+    all.insert(all.end(), options.begin(), options.end());
+    Job job(all);
+    EXPECT_FALSE(job.import(folder_->file("none.rxf")));
+    EXPECT_FALSE(std::filesystem::exists(folder_->file("none.rxf")));
+    return job.errors(*folder_);
+  }
+
+  static ztbtest::TempFolder* folder_;
+};
+
+ztbtest::TempFolder* ExcelTest::folder_ = nullptr;
+
+const Options price{{"parameter", "price(food)"}};
+
+TEST_F(ExcelTest, ReadsTextsNumbersDatesAndTruthValues) {
+  const ztb::Database database = imported("plan.xlsx", {{"parameter", "price(food, made)"},
+                                                        {"parameter", "fresh(food)"},
+                                                        {"parameter", "n(food, fresh)"}});
+  EXPECT_EQ(database["price"].find("Milk", "2024-03-01")->level(), 11.25);
+  EXPECT_EQ(database["price"].find("Tofu & \"Co\"", "1900-01-15")->level(), 7);
+  EXPECT_EQ(database["price"]
+                .find("T\xC3\xB6"
+                      "fu",
+                      "2024-02-29T12:30:00")
+                ->level(),
+            -3e-7);
+  EXPECT_EQ(database["fresh"].find("Milk")->level(), 1);
+  EXPECT_EQ(database["n"].find("Milk", "TRUE")->level(), 2020);
+  EXPECT_EQ(database["n"].find("Tofu & \"Co\"", "FALSE")->level(), 0.1);
+  EXPECT_EQ(database["n"]
+                .find("T\xC3\xB6"
+                      "fu",
+                      "TRUE")
+                ->level(),
+            1e21);
+  EXPECT_EQ(imported("plan.xlsx", {{"parameter", "price(n)"}})["price"].find("2020")->level(),
+            11.25);
+  EXPECT_EQ(imported("mac.xlsx", {{"parameter", "p(day) = v"}})["p"].find("1904-01-02")->level(),
+            1);
+}
+
+TEST_F(ExcelTest, ReadsRangesMergedCellsAndWideTables) {
+  const ztb::Database database = imported(
+      "plan.xlsx#My Prices!!B3:E6", {{"wide", "year"}, {"parameter", "price(group, food, year)"}});
+  EXPECT_EQ(database["price"].recordCount(), 4);
+  EXPECT_EQ(database["price"].find("dairy", "Milk", "2021")->level(), 2);
+  EXPECT_EQ(database["price"].find("dairy", "Curd", "2020")->level(), 3);
+  EXPECT_EQ(database["price"].find("soy", "Tofu", "2020")->level(), 4);
+  const ztb::Database range =
+      imported("plan.xlsx#'my prices!'!$C$3:$D$6", {{"parameter", "price(food) = 2020"}});
+  EXPECT_EQ(range["price"].find("Tofu")->level(), 4);
+}
+
+TEST_F(ExcelTest, ReadsWhatOtherProgramsLeaveOut) {
+  const ztb::Database database = imported("loose.xlsx", price);
+  EXPECT_EQ(database["price"].find("Milk")->level(), 2.5);
+  EXPECT_EQ(database["price"].find("Tofu")->level(), 5e-324);
+}
+
+TEST_F(ExcelTest, TellsWhatIsWrongWithASheet) {
+  EXPECT_EQ(errorsOf("plan.xlsx#Formulas", price),
+            "plan.xlsx#Formulas!B2: price: is a formula without a value: let a spreadsheet program "
+            "compute and save it\n"
+            "plan.xlsx#Formulas!B3: price: holds an error\n"
+            "none.rxf: not written: 2 problems in the input");
+  EXPECT_EQ(errorsOf("plan.xlsx#Prices", price),
+            "plan.xlsx: no sheet 'Prices'; its sheets are Plan, My Prices!, Formulas");
+  EXPECT_THAT(errorsOf("plan.xlsx#Plan!B3:A1", price),
+              HasSubstr("'B3:A1' is no range of cells such as B3:F90"));
+  EXPECT_THAT(
+      errorsOf("plan.xlsx#My Prices!", {{"set", "beside"}}),
+      HasSubstr("plan.xlsx#My Prices!!C3: stands beside the table, whose columns are B to B; "
+                "give its range as #SHEET!A1:B2"));
+  EXPECT_THAT(errorsOf("plan.xlsx#Plan!A1:C3", {{"parameter", "price(made) = food"}}),
+              HasSubstr("plan.xlsx#Plan!A2: food: 'Milk' is not a number"));
+  EXPECT_THAT(errorsOf("plan.xlsx", {}),
+              HasSubstr("plan.xlsx: no whole database was written to it"));
+}
+
+TEST_F(ExcelTest, RefusesForgedAndDamagedWorkbooks) {
+  EXPECT_EQ(errorsOf("empty.xlsx", price), "empty.xlsx: is no workbook: it has no part for one");
+  EXPECT_EQ(errorsOf("cut.xlsx", price),
+            "cut.xlsx: is no workbook: it cannot be opened as a zip file");
+  EXPECT_THAT(errorsOf("flipped.xlsx", price), HasSubstr("flipped.xlsx: part xl/sheet.xml"));
+  EXPECT_THAT(errorsOf("number.xlsx", price),
+              HasSubstr("number.xlsx#S!B2: price: is a number that cannot be read"));
+  EXPECT_EQ(errorsOf("shared.xlsx", price),
+            "shared.xlsx: a cell refers to the shared text 7, of 2");
+  EXPECT_EQ(errorsOf("place.xlsx", price), "place.xlsx: S: a cell of row 2 is called ZZZZ2");
+  EXPECT_EQ(errorsOf("backwards.xlsx", price), "backwards.xlsx: S: a cell of row 2 is called A2");
+  EXPECT_EQ(errorsOf("rows.xlsx", price), "rows.xlsx: S: a row has the number 3 behind row 5");
+  EXPECT_EQ(errorsOf("merge.xlsx", price), "merge.xlsx: S: B are no merged cells");
+  EXPECT_EQ(errorsOf("entity.xlsx", price),
+            "entity.xlsx: part xl/sheet.xml, line 1: a document type, which no workbook has");
+  EXPECT_EQ(errorsOf("nonsense.xlsx", price),
+            "nonsense.xlsx: part xl/sheet.xml, line 1: mismatched tag");
+  EXPECT_EQ(errorsOf("bomb.xlsx", price),
+            "bomb.xlsx: part xl/sheet.xml grows to more than 400 times its size when it is "
+            "unpacked");
+}
+
+TEST_F(ExcelTest, WritesASheetThatAnotherProgramReads) {
+  ztb::Database database;
+  ztb::Symbol value = database.addParameter("price", {"food"}, "Cents");
+  value.add("Milk").setLevel(11.25);
+  value.add("a<b>&\"c").setLevel(0.1 + 0.2);
+  const std::string target = folder_->file("written.xlsx");
+  Job job({{"all", ""}, {"to", target}});
+  ASSERT_TRUE(job.exportDatabase(database.handle())) << job.errors(*folder_);
+  const std::string command =
+      "/usr/bin/python3 -c \"import openpyxl; b = openpyxl.load_workbook('" + target +
+      "'); s = b['price']; assert b.sheetnames == ['_symbols', '_labels', 'price'], b.sheetnames; "
+      "assert s.freeze_panes == 'B2', s.freeze_panes; "
+      "assert s.column_dimensions['C'].hidden; "
+      "assert [c.value for c in s[2]][:2] == ['Milk', 11.25]; "
+      "assert s['A3'].value == 'a<b>&\\\"c' and abs(s['B3'].value - 0.3) < 1e-15\"";
+  EXPECT_EQ(std::system(command.c_str()), 0);
+
+  // What was typed over in another program counts, not the bits that were kept.
+  const std::string change = "/usr/bin/python3 -c \"import openpyxl; b = openpyxl.load_workbook('" +
+                             target + "'); b['price']['B3'] = 0.5; b.save('" + target + "')\"";
+  ASSERT_EQ(std::system(change.c_str()), 0);
+  const ztb::Database back = imported("written.xlsx", {});
+  EXPECT_EQ(back["price"].find("a<b>&\"c")->level(), 0.5);
+  EXPECT_EQ(back["price"].find("Milk")->level(), 11.25);
+}
+
+}  // namespace

@@ -1,0 +1,403 @@
+// Tables of each format through one grammar of columns: what is made of them, and what is told of
+// those that are wrong.
+
+#include <gmock/gmock.h>
+#include <sqlite3.h>
+#include <zlib.h>
+#include <zstd.h>
+
+#include <cmath>
+#include <cstdio>
+#include <fstream>
+#include <sstream>
+#include <ztb/ztb.hpp>
+
+#include "tests/formats/job.h"
+
+namespace {
+
+using formatstest::Job;
+using formatstest::Options;
+using testing::HasSubstr;
+
+class TableTest : public testing::Test {
+ protected:
+  void write(const std::string& name, const std::string& content) {
+    std::ofstream(folder_.file(name), std::ios::binary) << content;
+  }
+  std::string read(const std::string& name) {
+    std::ostringstream content;
+    content << std::ifstream(folder_.file(name), std::ios::binary).rdbuf();
+    return content.str();
+  }
+  void gzip(const std::string& name, const std::string& content) {
+    gzFile file = gzopen(folder_.file(name).c_str(), "wb");
+    gzwrite(file, content.data(), static_cast<unsigned>(content.size()));
+    gzclose(file);
+  }
+  void sql(const std::string& name, const char* statements) {
+    sqlite3* file = nullptr;
+    ASSERT_EQ(sqlite3_open(folder_.file(name).c_str(), &file), SQLITE_OK);
+    EXPECT_EQ(sqlite3_exec(file, statements, nullptr, nullptr, nullptr), SQLITE_OK)
+        << sqlite3_errmsg(file);
+    sqlite3_close(file);
+  }
+
+  // Imports a source with options behind it and opens what was made.
+  ztb::Database imported(const std::string& source, const Options& options) {
+    Options all{{"from", folder_.file(source)}};
+    all.insert(all.end(), options.begin(), options.end());
+    Job job(all);
+    EXPECT_TRUE(job.import(folder_.file("out.rxf"))) << job.errors(folder_);
+    return ztb::Database::open(folder_.file("out.rxf"));
+  }
+  // What is told of an import that fails and leaves nothing.
+  std::string errorsOf(const std::string& source, const Options& options) {
+    Options all{{"from", folder_.file(source)}};
+    all.insert(all.end(), options.begin(), options.end());
+    Job job(all);
+    EXPECT_FALSE(job.import(folder_.file("none.rxf")));
+    EXPECT_FALSE(std::filesystem::exists(folder_.file("none.rxf")));
+    return job.errors(folder_);
+  }
+
+  ztbtest::TempFolder folder_;
+};
+
+const Options price{{"parameter", "price(food) = cents"}};
+constexpr const char* foods = "food,cents\nMilk,11\nTofu,7.5\n";
+
+TEST_F(TableTest, ReadsPackedTables) {
+  gzip("a.csv.gz", foods);
+  EXPECT_EQ(imported("a.csv.gz", price)["price"].find("Tofu")->level(), 7.5);
+  std::string packed(1000, '\0');
+  packed.resize(ZSTD_compress(packed.data(), packed.size(), foods, std::strlen(foods), 1));
+  write("a.csv.zst", packed);
+  EXPECT_EQ(imported("a.csv.zst", price)["price"].find("Milk")->level(), 11);
+  write("a.tsv", "food\tcents\nMilk\t3\n");
+  EXPECT_EQ(imported("a.tsv", price)["price"].find("Milk")->level(), 3);
+}
+
+TEST_F(TableTest, TellsPackedTablesThatAreDamagedOrCutShort) {
+  gzip("a.csv.gz", foods);
+  const std::string whole = read("a.csv.gz");
+  write("cut.csv.gz", whole.substr(0, whole.size() - 9));
+  EXPECT_EQ(errorsOf("cut.csv.gz", price), "cut.csv.gz: cannot be unpacked: the file is cut short");
+  std::string wrong = whole;
+  wrong[wrong.size() - 6] = static_cast<char>(wrong[wrong.size() - 6] ^ 1);
+  write("wrong.csv.gz", wrong);
+  EXPECT_EQ(errorsOf("wrong.csv.gz", price),
+            "wrong.csv.gz: cannot be unpacked: incorrect data check");
+  write("no.csv.zst", foods);
+  EXPECT_EQ(errorsOf("no.csv.zst", price),
+            "no.csv.zst: cannot be unpacked: Unknown frame descriptor");
+}
+
+TEST_F(TableTest, TellsARecordThatFillsMemory) {
+  gzip("bomb.csv.gz", "food,cents\n\"" + std::string(70U << 20U, 'x'));
+  EXPECT_EQ(errorsOf("bomb.csv.gz", price), "bomb.csv.gz:2: the record has more than 64 MiB");
+}
+
+TEST_F(TableTest, TellsTheBeginningOfVeryManyColumns) {
+  std::string header = "c0";
+  for (int column = 1; column < 1000000; ++column) header += ",c" + std::to_string(column);
+  write("many.csv", header + "\n");
+  EXPECT_EQ(
+      errorsOf("many.csv", {{"set", "food"}}),
+      "many.csv:1:1: no column 'food'; the columns are c0, c1, c2, c3, c4, c5, c6, c7, c8, c9, "
+      "c10, c11, c12, c13, c14, c15, c16, c17, c18, c19 and 999980 more\n"
+      "none.rxf: not written: 1 problem in the input");
+}
+
+TEST_F(TableTest, WritesTablesThatAreReadBack) {
+  ztb::Database database;
+  ztb::Symbol symbol = database.addParameter("price", {"food"});
+  symbol.add("Milk").setLevel(11.25);
+  symbol.add("a;b").setLevel(0);
+  for (const char* target : {"p.csv", "p.csv.gz", "p.csv.zst", "p.tsv", "p.tsv.gz", "p.jsonl"}) {
+    Job job({{"symbol", "price"}, {"to", folder_.file(target)}});
+    ASSERT_TRUE(job.exportDatabase(database.handle())) << job.errors(folder_);
+    EXPECT_EQ(job.counted(ZTB_FORMATS_RECORDS), 2);
+    const ztb::Database back = imported(target, {{"parameter", "price(food) = value"}});
+    EXPECT_EQ(back["price"].find("Milk")->level(), 11.25) << target;
+    EXPECT_EQ(back["price"].recordCount(), 2) << target;
+  }
+  Job job(
+      {{"symbol", "price"}, {"to", folder_.file("q.csv")}, {"separator", ";"}, {"decimal", ","}});
+  ASSERT_TRUE(job.exportDatabase(database.handle())) << job.errors(folder_);
+  EXPECT_EQ(read("q.csv"), "food;value\nMilk;11,25\n\"a;b\";0\n");
+}
+
+TEST_F(TableTest, ReadsTablesAndQueriesOfSqlite) {
+  sql("stock.db",
+      "create table food(name text, cents real, made text); insert into food values"
+      "('Milk', 11, '2024-03-01'), ('Tofu', 7.25, '2024-03-02'), ('Lard', null, 'x');"
+      "create table other(a); create view cheap as select name, cents from food where cents < 10");
+  const Options named{{"skip-empty", ""}, {"parameter", "price(name) = cents"}};
+  EXPECT_EQ(imported("stock.db#food", named)["price"].recordCount(), 2);
+  EXPECT_EQ(imported("stock.db#CHEAP", named)["price"].find("Tofu")->level(), 7.25);
+  const ztb::Database query = imported(
+      "stock.db#select name || '#' as name, cents * 2 as cents from food where cents > 8", named);
+  EXPECT_EQ(query["price"].find("Milk#")->level(), 22);
+}
+
+TEST_F(TableTest, TellsWhatIsWrongWithASqliteTable) {
+  sql("stock.db",
+      "create table food(name, cents); insert into food values"
+      "('Milk', 'much'), (null, 1), (x'00ff', 2), ('Tofu', 3), ('tofu', 4)");
+  EXPECT_EQ(errorsOf("stock.db#food", {{"parameter", "price(name) = cents"}}),
+            "stock.db#food: row 1: cents: 'much' is not a number\n"
+            "stock.db#food: row 2: name: is empty, expected a label (the empty label is written "
+            "\"\")\n"
+            "stock.db#food: row 3: name: is a blob, expected a text or a number\n"
+            "stock.db#food: row 5: record (\"Tofu\") of price stands in row 4 already (the case of "
+            "letters does not matter)\n"
+            "none.rxf: not written: 4 problems in the input");
+  EXPECT_EQ(errorsOf("stock.db#drinks", price), "stock.db: no table 'drinks'; its tables are food");
+  EXPECT_EQ(errorsOf("stock.db#food", price),
+            "stock.db#food: no column 'food'; the columns are name, cents\n"
+            "none.rxf: not written: 1 problem in the input");
+  EXPECT_THAT(errorsOf("stock.db#select nope from food", price),
+              HasSubstr("stock.db: SQLite: no such column: nope"));
+  EXPECT_THAT(errorsOf("stock.db#with x as (select 1) delete from food", price),
+              HasSubstr("expected a query that only reads"));
+  EXPECT_THAT(errorsOf("stock.db", {}), HasSubstr("no whole database was written to it"));
+  write("no.db", std::string(5000, 'x'));
+  EXPECT_EQ(errorsOf("no.db", {}), "no.db: SQLite: file is not a database");
+  const std::string whole = read("stock.db");
+  write("cut.db", whole.substr(0, 5000));
+  EXPECT_THAT(errorsOf("cut.db#food", {{"parameter", "price(name) = cents"}}),
+              HasSubstr("cut.db: is cut short: it has 5000 bytes of 8192"));
+}
+
+TEST_F(TableTest, ReadsJsonLines) {
+  write("a.jsonl",
+        "\xEF\xBB\xBF{\"food\":\"Milk\",\"year\":2020,\"cents\":11.5}\r\n\n"
+        "{\"cents\":\"eps\",\"food\":\"T\\u00f6fu\",\"year\":2021}\n"
+        "{\"cents\":null,\"food\":\"Lard\",\"year\":2021}\n");
+  const ztb::Database database =
+      imported("a.jsonl", {{"skip-empty", ""}, {"parameter", "price(food, year) = cents"}});
+  EXPECT_EQ(database["price"].recordCount(), 2);
+  EXPECT_EQ(database["price"].find("Milk", "2020")->level(), 11.5);
+  EXPECT_EQ(database["price"]
+                .find("T\xC3\xB6"
+                      "fu",
+                      "2021")
+                ->level(),
+            5e-324);
+}
+
+TEST_F(TableTest, TellsWhatIsWrongWithJsonLines) {
+  write("a.jsonl",
+        "{\"food\":\"Milk\",\"cents\":1}\n"
+        "{\"food\":\"Tofu\",\"cents\":\n"
+        "[1]\n"
+        "{\"food\":\"Tofu\",\"cents\":{}}\n"
+        "{\"food\":\"Tofu\",\"cents\":[\"1\"]}\n"
+        "{\"food\":\"Tofu\",\"food\":\"x\"}\n"
+        "{\"food\":\"Tofu\",\"price\":3}\n"
+        "{\"food\":\"\xFF\",\"cents\":3}\n"
+        "{\"food\":\"Ham\",\"cents\":\"x\"}\n");
+  const std::string errors = errorsOf("a.jsonl", price);
+  EXPECT_THAT(errors, HasSubstr("a.jsonl:2: is no JSON from char "));
+  EXPECT_THAT(errors, HasSubstr("a.jsonl:3: is no object\n"));
+  EXPECT_THAT(errors, HasSubstr("a.jsonl:4: holds an object within the object\n"));
+  EXPECT_THAT(errors, HasSubstr("a.jsonl:5: cents: is an array, expected a text or a number\n"));
+  EXPECT_THAT(errors, HasSubstr("a.jsonl:6: has the key 'food' twice\n"));
+  EXPECT_THAT(errors, HasSubstr("a.jsonl:7: the first line has no key 'price'\n"));
+  EXPECT_THAT(errors, HasSubstr("a.jsonl:8: is no JSON from char "));
+  EXPECT_THAT(errors, HasSubstr("a.jsonl:9: cents: 'x' is not a number\n"));
+  EXPECT_THAT(errors, HasSubstr("none.rxf: not written: 8 problems in the input"));
+}
+
+TEST_F(TableTest, TellsLinesThatMakeNoDatabase) {
+  write("a.jsonl",
+        "{\"symbol\":\"p\",\"type\":\"parameter\",\"domains\":[\"*\"],\"user_info\":0}\n"
+        "{\"of\":\"q\",\"keys\":[\"a\"],\"value\":1}\n"
+        "{\"of\":\"p\",\"keys\":[\"a\",\"b\"],\"value\":1}\n"
+        "{\"of\":\"p\",\"keys\":[\"\\\\a\\\\q\"],\"value\":1}\n"
+        "{\"of\":\"p\",\"keys\":[\"a\"]}\n"
+        "{\"food\":\"Milk\"}\n"
+        "{\"symbol\":\"s\",\"type\":\"thing\"}\n"
+        "{\"symbol\":\"t\",\"type\":\"set\",\"user_info\":1.5}\n");
+  EXPECT_EQ(errorsOf("a.jsonl", {}),
+            "a.jsonl:2: of: no line before tells of a symbol 'q'\n"
+            "a.jsonl:3: keys: has 2 labels, expected 1\n"
+            "a.jsonl:4: keys: a backslash stands before no escape\n"
+            "a.jsonl:6: has none of the keys symbol, label and of\n"
+            "a.jsonl:7: type: expected set, parameter, variable, equation or alias\n"
+            "a.jsonl:8: user_info: is no whole number\n"
+            "a.jsonl:5: value: is empty, expected a number\n"
+            "none.rxf: not written: 7 problems in the input");
+  write("b.jsonl", "\n\n");
+  EXPECT_EQ(errorsOf("b.jsonl", {}),
+            "b.jsonl: has no line of a symbol or label: it holds no whole database\n"
+            "none.rxf: not written: 1 problem in the input");
+}
+
+TEST_F(TableTest, TurnsWideTablesIntoRecords) {
+  write("wide.csv", "from,note,2020,2021\nLIS,x,1,2\nOPO,y,,4\n");
+  const Options options{{"rename", "from = origin"},
+                        {"wide", "year: 2020, 2021"},
+                        {"parameter", "flow(origin, year)"}};
+  const ztb::Database database = imported("wide.csv", options);
+  EXPECT_EQ(database["flow"].recordCount(), 3);
+  EXPECT_EQ(database["flow"].find("LIS", "2021")->level(), 2);
+  EXPECT_EQ(database["flow"].find("OPO", "2021")->level(), 4);
+  EXPECT_EQ(database["flow"].domains()[0].name, "origin");
+  sql("wide.db", "create table t(a, \"2020\", \"2021\"); insert into t values('LIS', 1, null)");
+  const ztb::Database other =
+      imported("wide.db", {{"wide", "year"}, {"parameter", "flow(a, year)"}});
+  EXPECT_EQ(other["flow"].recordCount(), 1);
+  EXPECT_EQ(other["flow"].find("LIS", "2020")->level(), 1);
+  EXPECT_EQ(errorsOf("wide.csv", {{"wide", "year"}, {"parameter", "flow(from, year)"}}),
+            "wide.csv:2:5: value: 'x' is not a number\n"
+            "wide.csv:3:5: value: 'y' is not a number\n"
+            "none.rxf: not written: 2 problems in the input");
+  EXPECT_THAT(errorsOf("wide.csv", {{"wide", "year: 1999"}, {"parameter", "flow(from, year)"}}),
+              HasSubstr("wide.csv:1:1: no column '1999' to spread\n"));
+  EXPECT_THAT(errorsOf("wide.csv", {{"rename", "to=x"}, {"parameter", "flow(from) = 2020"}}),
+              HasSubstr("wide.csv:1:1: no column 'to' to rename\n"));
+  write("short.csv", "from,2020\nLIS\n");
+  EXPECT_EQ(errorsOf("short.csv", {{"wide", "year"}, {"parameter", "flow(from, year)"}}),
+            "short.csv:2:1: has 1 field, the header has 2\n"
+            "none.rxf: not written: 1 problem in the input");
+}
+
+TEST_F(TableTest, WritesWideTables) {
+  ztb::Database database;
+  ztb::Symbol flow = database.addParameter("flow", {"from", "year"});
+  flow.add("LIS", "2020").setLevel(1);
+  flow.add("OPO", "2021").setLevel(4);
+  flow.add("LIS", "2021").setLevel(2);
+  database.addSet("s", {"*"});
+  for (const char* position : {"year", "2"}) {
+    Job job({{"symbol", "flow"}, {"wide", position}, {"to", folder_.file("w.csv")}});
+    ASSERT_TRUE(job.exportDatabase(database.handle())) << job.errors(folder_);
+    EXPECT_EQ(read("w.csv"), "from,2020,2021\nLIS,1,2\nOPO,,4\n");
+  }
+  Job wrong({{"symbol", "flow"}, {"wide", "town"}, {"to", folder_.file("x.csv")}});
+  EXPECT_FALSE(wrong.exportDatabase(database.handle()));
+  EXPECT_EQ(wrong.errors(folder_),
+            "--wide town: flow has no such position; its positions are from, year");
+  EXPECT_TRUE(wrong.isUsage());
+  Job set({{"symbol", "s"}, {"wide", "1"}, {"to", folder_.file("x.csv")}});
+  EXPECT_FALSE(set.exportDatabase(database.handle()));
+  EXPECT_EQ(set.errors(folder_), "--wide 1: s is a set, which has no values");
+  EXPECT_FALSE(std::filesystem::exists(folder_.file("x.csv")));
+}
+
+TEST_F(TableTest, TakesDatesAsIsoLabels) {
+  write("d.csv", "day,v\n1.3.2024,1\n29/02/2024,2\n30-02-2024,3\n2024-03-05,4\n1.3/2024,5\n");
+  const ztb::Database database = imported("d.csv", {{"dates", "dmy"}, {"parameter", "p(day) = v"}});
+  EXPECT_EQ(database["p"].find("2024-03-01")->level(), 1);
+  EXPECT_EQ(database["p"].find("2024-02-29")->level(), 2);
+  EXPECT_EQ(database["p"].find("30-02-2024")->level(), 3);
+  EXPECT_EQ(database["p"].find("2024-03-05")->level(), 4);
+  EXPECT_EQ(database["p"].find("1.3/2024")->level(), 5);
+  write("e.csv", "day,v\n3/1/2024,1\n");
+  EXPECT_EQ(imported("e.csv", {{"dates", "mdy"}, {"parameter", "p(day) = v"}})["p"]
+                .find("2024-03-01")
+                ->level(),
+            1);
+}
+
+TEST_F(TableTest, TellsOptionsThatMakeNoSense) {
+  write("a.csv", foods);
+  const auto fault = [&](const Options& options) {
+    Job job(options);
+    EXPECT_FALSE(job.import(folder_.file("none.rxf")) || job.exportFile(folder_.file("a.rxf")));
+    EXPECT_TRUE(job.isUsage());
+    return job.errors(folder_);
+  };
+  ztbFormatsJob* job = nullptr;
+  ztbFormatsCreate(&job);
+  const auto refused = [&](const char* name, const char* value) {
+    EXPECT_EQ(ztbFormatsOption(job, name, value), 0);
+    EXPECT_EQ(ztbFormatsIsUsage(job), 1);
+    return std::string(ztbFormatsMessage(job));
+  };
+  EXPECT_EQ(refused("colour", "red"), "--colour: no such option");
+  EXPECT_EQ(refused("rename", "a=b"), "--rename a=b: a --from FILE must stand before it");
+  ztbFormatsOption(job, "from", folder_.file("a.csv").c_str());
+  EXPECT_EQ(refused("rename", "a"), "--rename a: expected OLD=NEW");
+  EXPECT_EQ(refused("wide", ":"), "--wide :: expected NAME, or NAME: COLUMN, ...");
+  EXPECT_EQ(refused("dates", "ydm"), "--dates ydm: expected dmy, mdy or ymd");
+  EXPECT_THAT(refused("format", "abc"),
+              HasSubstr("--format 'abc': no such format, expected csv, tsv, sqlite"));
+  EXPECT_EQ(refused("max-errors", "-1"), "--max-errors -1: expected a whole number");
+  EXPECT_EQ(refused("store", "heap"), "--store heap: expected map, vector or trie");
+  ztbFormatsFree(&job);
+  EXPECT_EQ(fault({{"to", "x.csv"}}), "give the names of symbols, or --all");
+  EXPECT_EQ(fault({{"all", ""}}), "nothing to write to: give --to TARGET, or --csv DIR");
+}
+
+TEST_F(TableTest, AddsTablesToADatabaseThatIsThere) {
+  write("a.csv", "food,cents\nMilk,11\nTofu,0\n");
+  write("b.csv", "food,grams\nMilk,5\nHam,9\n");
+  ztb::Database database;
+  ztb::Symbol food = database.addSet("food", {"*"});
+  food.add("Tofu");
+  food.add("Milk");
+  database.addAlias("dish", food);
+  Job job({{"from", folder_.file("a.csv")}, {"check-domains", ""}, {"parameter", price[0].second}});
+  ASSERT_TRUE(job.importInto(database.handle())) << job.errors(folder_);
+  EXPECT_EQ(job.counted(ZTB_FORMATS_SYMBOLS), 1);
+  EXPECT_EQ(database["price"].find("Milk")->level(), 11);
+  EXPECT_EQ(database["price"].domains()[0].set->handle(), food.handle());
+  EXPECT_EQ(database.symbolCount(), 3);
+
+  // A label outside, and a name that is taken: nothing is added, no label either.
+  Job outside(
+      {{"from", folder_.file("b.csv")}, {"check-domains", ""}, {"parameter", "w(food) = grams"}});
+  EXPECT_FALSE(outside.importInto(database.handle()));
+  EXPECT_EQ(outside.errors(folder_),
+            "b.csv:3:1: label 'Ham' (position 1 of w) is not in set food\n"
+            "nothing is imported: 1 problem in the input");
+  EXPECT_EQ(outside.kind(), ZTB_ERROR_DAMAGED_FILE);
+  Job taken({{"from", folder_.file("b.csv")}, {"parameter", "price(food) = grams"}});
+  EXPECT_FALSE(taken.importInto(database.handle()));
+  EXPECT_EQ(taken.errors(folder_), "Symbol price exists already");
+  EXPECT_EQ(taken.kind(), ZTB_ERROR_EXISTS);
+  EXPECT_EQ(database.symbolCount(), 3);
+  EXPECT_EQ(database.labelCount(), 2);
+}
+
+TEST_F(TableTest, KeepsValuesWhateverSpecialValuesTheDatabaseHasSet) {
+  write("a.csv", "food,cents\nMilk,0\nTofu,eps\n");
+  ztb::Database database;
+  ztb::SpecialValues values = database.specialValues();
+  values[ZTB_EPSILON] = 0.0;
+  database.setSpecialValues(values);
+  Job job({{"from", folder_.file("a.csv")}, {"parameter", price[0].second}});
+  ASSERT_TRUE(job.importInto(database.handle())) << job.errors(folder_);
+  EXPECT_EQ(database.userSpecialValues()[ZTB_EPSILON], 0.0);
+  database.write(folder_.file("out.rxf"));
+  const ztb::Database back = ztb::Database::open(folder_.file("out.rxf"));
+  EXPECT_EQ(back["price"].find("Milk")->level(), 0.0);
+  EXPECT_EQ(back["price"].find("Tofu")->level(), 5e-324);
+}
+
+TEST_F(TableTest, TellsAMissingFileByItsKind) {
+  Job job({{"from", folder_.file("none.csv")}, {"set", "x"}});
+  EXPECT_FALSE(job.import(folder_.file("none.rxf")));
+  EXPECT_EQ(job.errors(folder_), "none.csv: cannot be read: No such file or directory");
+  EXPECT_EQ(job.kind(), ZTB_ERROR_NO_FILE);
+  EXPECT_FALSE(job.isUsage());
+}
+
+TEST_F(TableTest, ListsItsFormats) {
+  EXPECT_EQ(ztbFormatOfFile("a.CSV.gz"), 0);
+  EXPECT_EQ(ztbFormatOfFile("a.txt"), -1);
+  EXPECT_EQ(ztbFormatOfFile(".csv"), -1);
+  ztbFormatInfo info{};
+  ASSERT_EQ(ztbFormat(ztbFormatOfFile("a.sqlite3"), &info), 1);
+  EXPECT_STREQ(info.name, "sqlite");
+  EXPECT_EQ(info.abilities, ZTB_FORMAT_READS_TABLES | ZTB_FORMAT_WRITES_TABLES |
+                                ZTB_FORMAT_READS_DATABASES | ZTB_FORMAT_WRITES_DATABASES);
+  EXPECT_STREQ(info.missingToRead, "");
+  EXPECT_EQ(ztbFormat(ztbFormatCount(), &info), 0);
+  EXPECT_EQ(ztbFormat(-1, &info), 0);
+}
+
+}  // namespace

@@ -1,0 +1,106 @@
+"""Tables and databases of other programs, in and out."""
+
+import json
+import sqlite3
+
+import pytest
+
+import ztb
+
+
+def stock(path):
+    with sqlite3.connect(path) as file:
+        file.execute("create table food(name text, cents real)")
+        file.executemany("insert into food values(?, ?)", [("Milk", 11), ("Tofu", 7.25)])
+    file.close()
+
+
+@pytest.mark.parametrize("target", ["a.db", "a.xlsx", "a.jsonl", "a.jsonl.gz", "folder"])
+def test_a_database_comes_back_as_it_was(diet, tmp_path, target):
+    diet["food"]["Milk"] = "1 qt."
+    diet.add_labels(["", "never used"])
+    x = diet.add_variable("x", ["food"], "Amounts", subtype=3)
+    x["Milk"] = (1, ztb.NA, ztb.UNDEF, ztb.EPS, 0.1 + 0.2)
+    diet.add_alias("dish", diet["food"])
+    diet.export(tmp_path / target)
+    with ztb.read(tmp_path / target) as copy:
+        assert list(copy) == ["food", "nutrient", "holds", "x", "dish"]
+        assert copy.labels == diet.labels
+        assert dict(copy["food"]) == {"Milk": "1 qt.", "Tofu": ""}
+        assert dict(copy["holds"]) == dict(diet["holds"])
+        assert ztb.special_codes(copy["x"]["Milk"]).tolist() == [-1, 1, 0, 4, -1]
+        assert copy["x"]["Milk"].scale == 0.1 + 0.2
+        assert copy["x"].user_info == 3 and copy["x"].text == "Amounts"
+        assert copy["holds"].domains[0].set == copy["food"]
+
+
+def test_a_table_is_read_into_a_database(diet, tmp_path):
+    stock(tmp_path / "stock.db")
+    diet.import_table(
+        tmp_path / "stock.db#food",
+        parameters=["price(name in food) = cents", "double(name in food) = cents"],
+        check_domains=True,
+    )
+    assert dict(diet["price"]) == {"Milk": 11, "Tofu": 7.25}
+    assert diet["price"].domains[0].name == "name" and diet["name"] == diet["food"]
+    query = f"{tmp_path / 'stock.db'}#select name as food, cents from food where cents > 10"
+    with ztb.read(query, sets="food", parameters="price(food) = cents", store="vector") as other:
+        assert list(other["food"]) == ["Milk"]
+        assert other["price"]["Milk"] == 11
+
+
+def test_shapes_have_their_arguments(tmp_path):
+    (tmp_path / "w.csv").write_text("from;31.12.2023;1.1.2024\nLIS;1,5;2\nOPO;;4\n")
+    with ztb.read(
+        tmp_path / "w.csv",
+        parameters="flow(origin, day)",
+        wide="day",
+        rename={"from": "origin"},
+        dates="dmy",
+        separator=";",
+        decimal=",",
+    ) as database:
+        assert dict(database["flow"]) == {
+            ("LIS", "2023-12-31"): 1.5,
+            ("LIS", "2024-01-01"): 2,
+            ("OPO", "2024-01-01"): 4,
+        }
+        database.export(tmp_path / "x.csv", ["flow"], wide="day", separator=";", decimal=",")
+    assert (tmp_path / "x.csv").read_text() == (
+        "origin;2023-12-31;2024-01-01\nLIS;1,5;2\nOPO;;4\n"
+    )
+
+
+def test_chosen_symbols_go_out(diet, tmp_path):
+    diet.export(tmp_path / "n.jsonl", "nutrient")
+    lines = [json.loads(line) for line in (tmp_path / "n.jsonl").read_text().splitlines()]
+    assert [line["nutrient"] for line in lines] == list(diet["nutrient"])
+    diet.export(tmp_path / "some", ["food", diet["nutrient"]], format="sqlite")
+    with ztb.read(tmp_path / "some", format="sqlite") as copy:
+        assert list(copy) == ["food", "nutrient"]
+
+
+def test_what_is_wrong_is_told_and_nothing_is_added(diet, tmp_path):
+    before = (list(diet), diet.labels)
+    (tmp_path / "a.csv").write_text("food,cents\nMilk,much\n,2\n")
+    with pytest.raises(ztb.DamagedFileError) as caught:
+        diet.import_table(tmp_path / "a.csv", parameters="price(food) = cents")
+    text = str(caught.value)
+    assert "a.csv:2:6: cents: 'much' is not a number\n" in text
+    assert "a.csv:3:1: food: is empty, expected a label" in text
+    assert text.endswith("nothing is imported: 2 problems in the input")
+    with pytest.raises(ztb.MissingFileError):
+        ztb.read(tmp_path / "none.db")
+    with pytest.raises(ValueError, match="--dates ydm: expected dmy, mdy or ymd"):
+        diet.import_table(tmp_path / "a.csv", parameters="p(food)", dates="ydm")
+    with pytest.raises(ztb.Error, match="Symbol holds exists already"):
+        diet.import_table(tmp_path / "a.csv", sets="holds(food)")
+    with pytest.raises(ValueError, match="a csv file takes the table of one symbol"):
+        diet.export(tmp_path / "b.csv")
+    assert (list(diet), diet.labels) == before
+
+
+def test_warnings_are_warnings(tmp_path):
+    (tmp_path / "a.csv").write_text("i,t\na,text\nb,TEXT\n")
+    with pytest.warns(UserWarning, match="text 'TEXT' is kept as 'text'"):
+        ztb.read(tmp_path / "a.csv", sets="i : t").close()

@@ -1,0 +1,75 @@
+// The files of other programs through the command: what its options hand on, and what it prints.
+
+#include <string>
+#include <ztb/ztb.hpp>
+
+#include "tests/tools/program.h"
+
+namespace {
+
+using tooltest::Outcome;
+using tooltest::ProgramTest;
+
+class ToolFormatsTest : public ProgramTest {
+ protected:
+  void SetUp() override {
+    ztb::Database database;
+    ztb::Symbol food = database.addSet("food", {"*"});
+    food.add("Ham, smoked").setText("1 lb.");
+    food.add("Milk");
+    database.addAlias("dish", food);
+    database.addParameter("price", {food}).add("Milk").setLevel(0.1 + 0.2);
+    database.addVariable("buy", 3, {food, "*"}).add("Milk", "z");
+    database.write(path("a.rxf"));
+  }
+};
+
+TEST_F(ToolFormatsTest, DatabasesGoOutAndComeBack) {
+  for (const std::string target : {"a.db", "a.xlsx", "a.jsonl", "a.jsonl.zst", "folder"}) {
+    EXPECT_EQ(ztbFine({"export", "a.rxf", "--all", "--to", target}),
+              target + ": 4 symbols, 3 labels, 4 records\n");
+    EXPECT_EQ(ztbFine({"import", "b.rxf", "--from", target}),
+              "b.rxf: 4 symbols, 3 labels, 4 records\n");
+    EXPECT_EQ(ztb({"diff", "a.rxf", "b.rxf"}).status, 0) << target;
+  }
+  ztbFine({"export", "a.rxf", "price", "food", "--to", "some", "--format", "sqlite"});
+  EXPECT_EQ(ztbFine({"import", "b.rxf", "--from", "some", "--format", "sqlite"}),
+            "b.rxf: 2 symbols, 3 labels, 3 records\n");
+}
+
+TEST_F(ToolFormatsTest, TablesGoOutAndComeBack) {
+  EXPECT_EQ(ztbFine({"export", "a.rxf", "food", "--to", "food.tsv.gz"}),
+            "food.tsv.gz: 1 symbol, 3 labels, 2 records\n");
+  ztbFine({"export", "a.rxf", "--all", "--to", "a.db"});
+  EXPECT_EQ(ztbFine({"import", "b.rxf", "--from", "food.tsv.gz", "--set", "food : text", "--from",
+                     "a.db#select food as dish, value as v from price", "--rename", "dish=food",
+                     "--parameter", "price(food) = v", "--check-domains"}),
+            "b.rxf: 2 symbols, 2 labels, 3 records\n");
+  EXPECT_EQ(ztbFine({"show", "b.rxf", "price", "--csv"}), "food,value\nMilk,0.30000000000000004\n");
+  EXPECT_EQ(ztbFine({"export", "a.rxf", "buy", "--wide", "dim_2", "--to", "-"}),
+            "food,z\nMilk,0\n");
+}
+
+TEST_F(ToolFormatsTest, WhatIsWrongIsToldWithItsPlace) {
+  ztbFine({"export", "a.rxf", "--all", "--to", "a.xlsx"});
+  expectFails(1,
+              "a.xlsx#food!A2: food: 'Ham, smoked' is not a number\n"
+              "a.xlsx#food!B3: text: is empty, expected a label (the empty label is written \"\")\n"
+              "a.xlsx#food!A3: food: 'Milk' is not a number\n"
+              "ztb: b.rxf: not written: 3 problems in the input\n",
+              {"import", "b.rxf", "--from", "a.xlsx#food", "--parameter", "p(text) = food",
+               "--skip-empty"});
+  EXPECT_FALSE(exists("b.rxf"));
+  expectFails(2,
+              "ztb: --to a.csv: a csv file takes the table of one symbol, 4 symbols are chosen\n",
+              {"export", "a.rxf", "--all", "--to", "a.csv"});
+  expectFails(2, "ztb: --to -: a sqlite file cannot go to standard output\n",
+              {"export", "a.rxf", "price", "--to", "-", "--format", "sqlite"});
+  EXPECT_FALSE(exists("-"));
+  expectFails(1, "ztb: none.db: cannot be read: No such file or directory\n",
+              {"import", "b.rxf", "--from", "none.db"});
+  EXPECT_EQ(ztb({"export", "a.rxf", "--all", "--to", "a.db", "--csv", "x"}).status, 2);
+  EXPECT_EQ(ztb({"export", "a.rxf", "--all", "--to", "a.q", "--format", "q"}).status, 2);
+}
+
+}  // namespace

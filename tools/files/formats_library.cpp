@@ -1,0 +1,103 @@
+#include "tools/files/formats_library.h"
+
+#include <dlfcn.h>
+#include <fmt/format.h>
+
+#include <new>
+
+#include "tools/text/failure.h"
+
+namespace tool {
+
+namespace {
+
+// The functions of the library.
+struct Functions {
+  decltype(&ztbFormatsCreate) create;
+  decltype(&ztbFormatsFree) free;
+  decltype(&ztbFormatsOption) option;
+  decltype(&ztbFormatsImport) import;
+  decltype(&ztbFormatsExport) exportFile;
+  decltype(&ztbFormatsMessage) message;
+  decltype(&ztbFormatsIsUsage) isUsage;
+  decltype(&ztbFormatsProblems) problems;
+  decltype(&ztbFormatsWarnings) warnings;
+  decltype(&ztbFormatsCounted) counted;
+};
+
+template <typename Function>
+void bind(void* library, const char* name, Function& function) {
+  function = reinterpret_cast<Function>(dlsym(library, name));
+  if (function == nullptr) {
+    throw Failure(
+        fmt::format("libztbformats.so has no function {}: it is of another version", name));
+  }
+}
+
+Functions openLibrary() {
+  void* library = dlopen("libztbformats.so", RTLD_NOW | RTLD_LOCAL);
+  if (library == nullptr) {
+    throw Failure(fmt::format("the library for tables cannot be opened: {}", dlerror()));
+  }
+  Functions functions{};
+  bind(library, "ztbFormatsCreate", functions.create);
+  bind(library, "ztbFormatsFree", functions.free);
+  bind(library, "ztbFormatsOption", functions.option);
+  bind(library, "ztbFormatsImport", functions.import);
+  bind(library, "ztbFormatsExport", functions.exportFile);
+  bind(library, "ztbFormatsMessage", functions.message);
+  bind(library, "ztbFormatsIsUsage", functions.isUsage);
+  bind(library, "ztbFormatsProblems", functions.problems);
+  bind(library, "ztbFormatsWarnings", functions.warnings);
+  bind(library, "ztbFormatsCounted", functions.counted);
+  return functions;
+}
+
+const Functions& library() {
+  static const Functions functions = openLibrary();
+  return functions;
+}
+
+}  // namespace
+
+FormatsJob::FormatsJob() {
+  if (library().create(&job_) == 0) throw std::bad_alloc();
+}
+
+FormatsJob::~FormatsJob() {
+  library().free(&job_);
+}
+
+void FormatsJob::require(int result) const {
+  if (result != 0) return;
+  const std::string message = library().message(job_);
+  if (library().isUsage(job_) != 0) throw UsageError(message);
+  throw Failure(message);
+}
+
+void FormatsJob::option(const std::string& name, const std::string& value) {
+  require(library().option(job_, name.c_str(), value.c_str()));
+}
+
+void FormatsJob::import(const std::string& path) {
+  require(library().import(job_, path.c_str()));
+}
+
+void FormatsJob::exportFile(const std::string& path) {
+  require(library().exportFile(job_, path.c_str()));
+}
+
+std::string FormatsJob::problems() const {
+  return library().problems(job_);
+}
+
+std::string FormatsJob::warnings() const {
+  return library().warnings(job_);
+}
+
+std::size_t FormatsJob::counted(int what) const {
+  const long long count = library().counted(job_, what);
+  return count < 0 ? 0 : static_cast<std::size_t>(count);
+}
+
+}  // namespace tool
