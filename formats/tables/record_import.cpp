@@ -35,6 +35,11 @@ std::string labelProblem(std::string_view label) {
   return {};
 }
 
+bool isEmpty(const TableField& field) {
+  return field.fault == nullptr && !field.isNumber &&
+         field.text.find_first_not_of(' ') == std::string_view::npos;
+}
+
 }  // namespace
 
 void RecordImport::problem(const TableReader& reader, std::size_t column, const std::string& text) {
@@ -134,9 +139,7 @@ std::string_view RecordImport::textOf(const TableField& field) {
 bool RecordImport::readRecord(const TableReader& reader, const ImportTarget& target,
                               RecordTable& table) {
   if (target.skipEmpty && std::ranges::all_of(target.valueColumns, [&](std::size_t column) {
-        const TableField& field = reader.fields()[column];
-        return field.fault == nullptr && !field.isNumber &&
-               field.text.find_first_not_of(' ') == std::string_view::npos;
+        return isEmpty(reader.fields()[column]);
       })) {
     return true;
   }
@@ -165,8 +168,13 @@ bool RecordImport::readRecord(const TableReader& reader, const ImportTarget& tar
 bool RecordImport::readValues(const TableReader& reader, const ImportTarget& target) {
   bool good = true;
   values_.clear();
-  for (const std::size_t column : target.valueColumns) {
+  for (std::size_t value = 0; value < target.valueColumns.size(); ++value) {
+    const std::size_t column = target.valueColumns[value];
     const TableField& field = reader.fields()[column];
+    if (target.skipEmpty && isEmpty(field)) {
+      values_.push_back(target.defaults[target.valueFields[value]]);
+      continue;
+    }
     std::string reason;
     if (field.fault != nullptr) {
       reason = field.fault;

@@ -273,6 +273,26 @@ class Database {
     return Symbol(handle_, handle);
   }
 
+  // Throws what made addSymbol or addAlias fail; of a name that is taken it tells by what, since
+  // names are one whatever the case of letters.
+  [[noreturn]] void failAdding(const ZString& name, const char* operation) const {
+    void* taken = nullptr;
+    if (lastErrorKind() != ErrorKind::exists) {
+      detail::fail(handle_, operation);
+    }
+    const std::string text = lastError().str();
+    if (c__ztbfindsymbolwithalias(handle_, name.c_str(), &taken) == 0) {
+      throw Error(operation, text, ErrorKind::exists);
+    }
+    const std::string other = Symbol(handle_, taken).name().str();
+    const bool folds = other != name.c_str();
+    throw Error(operation,
+                "The name " + std::string(name.c_str()) + " is that of symbol " + other +
+                    " already" + (folds ? " (the case of letters does not matter)" : "") + ": " +
+                    text,
+                ErrorKind::exists);
+  }
+
   ztbRec* handle_ = nullptr;
 };
 
@@ -290,9 +310,10 @@ inline Symbol Database::addSymbol(const ZString& name, Type type, DomainArgument
   }
   void* handle = nullptr;
   if (dimension == 0 || dimension > ZTB_MAX_DIMENSION) {
-    detail::require(c__ztbaddsymbol(handle_, name.c_str(), dimension, static_cast<int>(type),
-                                    userInfo, text.c_str(), &handle),
-                    handle_, "ztbAddSymbol");
+    if (c__ztbaddsymbol(handle_, name.c_str(), dimension, static_cast<int>(type), userInfo,
+                        text.c_str(), &handle) == 0) {
+      failAdding(name, "ztbAddSymbol");
+    }
     return {handle_, handle};
   }
   std::array<void*, ZTB_MAX_DIMENSION> handles{};
@@ -304,7 +325,9 @@ inline Symbol Database::addSymbol(const ZString& name, Type type, DomainArgument
   const int result =
       c__ztbaddsymbolx(handle_, name.c_str(), dimension, static_cast<int>(type), userInfo,
                        text.c_str(), handles.data(), names.data(), &handle);
-  detail::require(result != 0 && handle != nullptr ? 1 : 0, handle_, "ztbAddSymbolX");
+  if (result == 0 || handle == nullptr) {
+    failAdding(name, "ztbAddSymbolX");
+  }
   return {handle_, handle};
 }
 
@@ -325,9 +348,10 @@ inline Symbol Database::addAlias(const ZString& name, const Symbol& target, cons
     --position;
   }
   void* handle = nullptr;
-  detail::require(c__ztbaddsymbol(handle_, name.c_str(), set.dimension(), ZTB_ALIAS, position,
-                                  text.c_str(), &handle),
-                  handle_, operation);
+  if (c__ztbaddsymbol(handle_, name.c_str(), set.dimension(), ZTB_ALIAS, position, text.c_str(),
+                      &handle) == 0) {
+    failAdding(name, operation);
+  }
   return {handle_, handle};
 }
 

@@ -69,11 +69,12 @@ def test_a_set_does_not_take_a_missing_cell_for_an_element(diet, array):
     assert list(pairs) == [("Milk", "iron"), ("Tofu", "zinc")]
 
 
-@pytest.mark.parametrize("nan", ["drop", None])
-def test_other_choices_are_refused(diet, nan):
+def test_other_choices_are_refused(diet):
     for call in [diet["holds"].from_numpy, diet["food"].from_numpy]:
-        with pytest.raises(ValueError, match=f"^nan={nan!r} is no choice, expected one of skip"):
-            call(np.ones((2, 3)), nan=nan)
+        with pytest.raises(ValueError, match="^nan='drop' is no choice, expected one of skip"):
+            call(np.ones((2, 3)), nan="drop")
+        with pytest.raises(TypeError, match="^None \\(NoneType\\) is no choice for nan, expected"):
+            call(np.ones((2, 3)), nan=None)
     with pytest.raises(ValueError, match="^nan='na' is no choice, expected one of skip, error$"):
         diet["food"].from_numpy([True, True], nan="na")
 

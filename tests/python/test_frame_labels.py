@@ -146,3 +146,30 @@ def test_what_is_wrong_with_labels_is_told(holds):
         assert dict(holds) == RECORDS
     with pytest.raises(TypeError, match="list is no data for symbol holds, expected a pandas"):
         holds.from_pandas([1, 2])
+
+
+def test_two_columns_of_one_name_are_told(holds):
+    frame = long(value=[1.0, 2.0, 3.0]).assign(FOOD="Milk")
+    with pytest.raises(ValueError, match="more than one column is called food in either case"):
+        holds.from_pandas(frame)
+    assert dict(holds) == RECORDS
+
+
+# What was meant for elements would be their texts, and the elements 0 and 1.
+def test_a_set_takes_no_index_that_only_counts_rows(db):
+    few = db.add_set("few")
+    few.extend(["a"])
+    values = pd.Series(["q", "r"])
+    text = "the elements of set few are what the index holds, and this one only counts the rows; "
+    with pytest.raises(ValueError, match=text + r"extend\(series\) takes values as elements"):
+        few.from_pandas(values)
+    with pytest.raises(ValueError, match=text + r"extend\(column\) takes values as elements"):
+        few.from_pandas(values.to_frame("text"))
+    assert list(few) == ["a"]
+    few.from_pandas(values.to_frame("few"))
+    assert dict(few) == {"q": "", "r": ""}
+    few.from_pandas(pd.RangeIndex(2))
+    assert list(few) == ["0", "1"]
+    few.clear()
+    few.extend(values)
+    assert list(few) == ["q", "r"]

@@ -112,3 +112,12 @@ def test_what_cannot_be_written_leaves_the_file(full, tmp_path):
             full.write(path, **options)
         assert path.read_bytes() == b"old"
         assert [path.name for path in tmp_path.iterdir()] == ["a.rxf"]
+
+
+def test_a_symbol_of_another_database_is_refused(diet, tmp_path):
+    with ztb.Database() as other:
+        holds = other.add_parameter("holds", ["*"])
+        for only in (holds, [diet["food"], holds]):
+            with pytest.raises(ValueError, match="^parameter holds belongs to another database$"):
+                diet.write(tmp_path / "o.rxf", only=only)
+    assert not list(tmp_path.iterdir())

@@ -10,8 +10,10 @@
 #include "tools/commands/command_line.h"
 #include "tools/commands/commands.h"
 #include "tools/commands/memory_option.h"
+#include "tools/commands/table_options.h"
 #include "tools/files/domain_check.h"
 #include "tools/files/exchange_file.h"
+#include "tools/files/standard_streams.h"
 #include "tools/text/failure.h"
 #include "tools/text/output.h"
 #include "tools/text/progress.h"
@@ -50,7 +52,7 @@ std::string summary(const ExchangeFile& file) {
   for (const FileSymbol& symbol : file.symbols()) {
     records += symbol.isAlias() ? 0 : symbol.recordCount;
   }
-  return fmt::format("{}: fine: {}, {}, {}\n", ztb::displayText(file.path()),
+  return fmt::format("{}: fine: {}, {}, {}", ztb::displayText(file.path()),
                      counted(file.symbols().size(), "symbol"),
                      counted(static_cast<std::size_t>(file.labelCount()), "label"),
                      counted(records, "record"));
@@ -60,6 +62,7 @@ struct CheckOptions {
   std::string path;
   bool domains = false;
   bool json = false;
+  TableOptions table;
 };
 
 // Tells every problem of the records, and throws Failure if there was one.
@@ -75,13 +78,14 @@ void requireIntact(const ExchangeFile& file, std::optional<Progress>& progress) 
   throw Failure(fmt::format("{}: {} found", file.path(), counted(problems.size(), "problem")));
 }
 
-void runDomainCheck(const ExchangeFile& file, bool json, std::optional<Progress>& progress) {
+void runDomainCheck(const ExchangeFile& file, const CheckOptions& options,
+                    std::optional<Progress>& progress) {
   DomainCheck check(file, *progress);
   progress.reset();
-  if (json) {
+  if (options.json) {
     check.printJson();
   } else {
-    check.print();
+    check.print(options.table.style());
   }
   if (check.symbolCount() != 0) {
     flushOutput();
@@ -96,15 +100,15 @@ void runCheck(const CheckOptions& options) {
     throw UsageError("--json: goes with --domains");
   }
   std::optional<Progress> progress(std::in_place);
-  progress->step("opening " + options.path);
+  progress->step("opening " + inputName(options.path));
   const ExchangeFile file(options.path);
   requireIntact(file, progress);
   if (options.domains) {
-    runDomainCheck(file, options.json, progress);
+    runDomainCheck(file, options, progress);
   }
   progress.reset();
   if (!options.json) {
-    print(summary(file));
+    print(options.table.line(summary(file)));
   }
 }
 
@@ -117,6 +121,7 @@ void addCheckCommand(CommandLine& line) {
   command.flag("--domains", options->domains,
                "Also list every record with a label outside its domain");
   command.flag("--json", options->json, "Print these records as JSON");
+  addWidthOption(command, options->table);
   addMemoryOption(command);
   command.footer(
       "Opens everything, reads every record and verifies all checksums. What is wrong is told "

@@ -11,6 +11,8 @@
 
 #include "tools/text/failure.h"
 #include "tools/text/output.h"
+#include "tools/text/screen.h"
+#include "tools/text/wrapped_text.h"
 
 namespace tool {
 
@@ -60,25 +62,64 @@ std::vector<std::string> commandNames(const CLI::App& app) {
   return names;
 }
 
+std::string joined(const std::vector<std::string>& words, const std::string& separator) {
+  std::string text;
+  for (const std::string& word : words) text += (text.empty() ? "" : separator) + word;
+  return text;
+}
+
+void printHelpText(const std::string& text) {
+  print(wrappedHelp(text, tableWidth(std::nullopt)));
+}
+
+bool isOptionWord(const std::string& word) {
+  return word.size() > 1 && word.front() == '-';
+}
+
+std::string noCommandText(const CLI::App& app, const std::string& word) {
+  return "no command '" + word + "'" + ztb::suggestion(word, commandNames(app)) +
+         "; ztb --help lists the commands";
+}
+
+// What is wrong with words in front of a command, or no text.
+std::string faultBefore(const CLI::App& app, const CLI::App& command) {
+  const std::vector<std::string> before = app.remaining();
+  if (before.empty()) return "";
+  if (!isOptionWord(before.front())) return noCommandText(app, before.front());
+  const std::string name = before.front().substr(0, before.front().find('='));
+  const std::vector<std::string> names = optionNames(command);
+  const std::string help = "; see ztb " + command.get_name() + " --help";
+  if (std::ranges::find(names, name) != names.end()) {
+    return name + " stands before " + command.get_name() +
+           "; the options of a command stand behind its name" + help;
+  }
+  return "no option " + name + ztb::suggestion(name, names) + help;
+}
+
 // What is wrong with the command line, and where to find help. A misspelt name comes first: it is
 // why others seem to be missing or too many.
 std::string usageText(const CLI::App& app, const CLI::ParseError& error) {
   const std::vector<CLI::App*> commands = app.get_subcommands();
   const CLI::App& command = commands.empty() ? app : *commands.front();
-  const std::string help = commands.empty() ? "--help" : command.get_name() + " --help";
-  for (const std::string& word : command.remaining()) {
-    if (word.size() > 1 && word.front() == '-') {
+  const std::string help =
+      "; see ztb " + (commands.empty() ? "" : command.get_name() + " ") + "--help";
+  if (!commands.empty()) {
+    const std::string fault = faultBefore(app, command);
+    if (!fault.empty()) return fault;
+  }
+  const std::vector<std::string> words = command.remaining();
+  for (const std::string& word : words) {
+    if (isOptionWord(word)) {
       const std::string name = word.substr(0, word.find('='));
-      return "no option " + name + ztb::suggestion(name, optionNames(command)) + "; see ztb " +
-             help;
+      return "no option " + name + ztb::suggestion(name, optionNames(command)) + help;
     }
-    if (commands.empty()) {
-      return "no command '" + word + "'" + ztb::suggestion(word, commandNames(app)) +
-             "; ztb --help lists the commands";
-    }
+    if (commands.empty()) return noCommandText(app, word);
   }
   if (commands.empty()) return "no command is given; ztb --help lists the commands";
-  return std::string(error.what()) + "; see ztb " + help;
+  if (dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr && !words.empty()) {
+    return "'" + words.front() + "' is one argument too many" + help;
+  }
+  return error.what() + help;
 }
 
 OptionDescription described(const CLI::Option& option) {
@@ -196,8 +237,15 @@ Option Command::real(const std::string& name, std::optional<double>& into,
 
 Option Command::each(const std::string& name, std::function<void(const std::string&)> take,
                      const std::string& help) {
+  const auto takeOrRemember = [take = std::move(take), fault = fault_](const std::string& word) {
+    try {
+      take(word);
+    } catch (const UsageError&) {
+      if (!*fault) *fault = std::current_exception();
+    }
+  };
   return Option(
-      command_->add_option_function<std::string>(name, std::move(take), help)->trigger_on_parse());
+      command_->add_option_function<std::string>(name, takeOrRemember, help)->trigger_on_parse());
 }
 
 Option Command::checked(const std::string& name,
@@ -229,17 +277,18 @@ CommandLine::CommandLine(const std::string& name, const std::string& version,
 CommandLine::~CommandLine() = default;
 
 Command CommandLine::add(const std::string& name, const std::string& help) {
-  return {app_->add_subcommand(name, help), chosen_};
+  return {app_->add_subcommand(name, help), chosen_, fault_};
 }
 
 void CommandLine::printHelp(const std::string& command) {
   const std::vector<std::string> names = commandNames(*app_);
   if (command.empty()) {
     // The program's own, not that of the command that asks for it.
-    print(
+    printHelpText(
         app_->get_formatter()->make_help(app_.get(), app_->get_name(), CLI::AppFormatMode::Normal));
   } else if (std::ranges::find(names, command) != names.end()) {
-    print(app_->get_subcommand(command)->help(app_->get_name(), CLI::AppFormatMode::Normal));
+    printHelpText(
+        app_->get_subcommand(command)->help(app_->get_name(), CLI::AppFormatMode::Normal));
   } else {
     throw UsageError("no command '" + command + "'" + ztb::suggestion(command, names) +
                      "; ztb --help lists the commands");
@@ -255,6 +304,12 @@ ProgramDescription CommandLine::description() const {
   for (const CLI::App* command : app_->get_subcommands([](const CLI::App*) { return true; })) {
     result.commands.push_back(described(*command));
   }
+  // What an argument of this name is one of is known only now that all commands are.
+  for (CommandDescription& command : result.commands) {
+    for (OptionDescription& argument : command.arguments) {
+      if (argument.name == "COMMAND") argument.value = joined(commandNames(*app_), "|");
+    }
+  }
   return result;
 }
 
@@ -265,11 +320,12 @@ int CommandLine::run(int argc, char** argv) {
     if (error.get_exit_code() == 0) {
       std::ostringstream text;
       app_->exit(error, text, text);
-      print(text.str());
+      printHelpText(text.str());
       return 0;
     }
     throw UsageError(usageText(*app_, error));
   }
+  if (fault_) std::rethrow_exception(fault_);
   return chosen_();
 }
 

@@ -4,6 +4,7 @@
 #define ZTB_TOOLS_COMMANDS_COMMAND_LINE_H_
 
 #include <cstddef>
+#include <exception>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -42,7 +43,8 @@ class Option {
 // A command, as `show` in `ztb show`. What its options fill must live until the command has run.
 class Command {
  public:
-  Command(CLI::App* command, std::function<int()>& chosen) : command_(command), chosen_(&chosen) {}
+  Command(CLI::App* command, std::function<int()>& chosen, std::exception_ptr& fault)
+      : command_(command), chosen_(&chosen), fault_(&fault) {}
 
   // A name that begins with -- is an option; any other is an argument, in the order of adding.
   Option text(const std::string& name, std::string& into, const std::string& help);
@@ -59,7 +61,9 @@ class Command {
   Option number(const std::string& name, int& into, const std::string& help);
   Option number(const std::string& name, std::optional<int>& into, const std::string& help);
   Option real(const std::string& name, std::optional<double>& into, const std::string& help);
-  // Hands each word over as it is met, so that the order of options counts.
+  // Hands each word over as it is met, so that the order of options counts. What `take` says of
+  // wrong usage is told unless the words make no command line at all: a misspelt option comes
+  // first.
   Option each(const std::string& name, std::function<void(const std::string&)> take,
               const std::string& help);
   // Hands a word over that `fault` finds nothing wrong with; it gives what is wrong, or no text.
@@ -74,6 +78,7 @@ class Command {
  private:
   CLI::App* command_;
   std::function<int()>* chosen_;  // of the command line
+  std::exception_ptr* fault_;     // of the command line
 };
 
 class CommandLine {
@@ -100,6 +105,7 @@ class CommandLine {
   std::string version_;
   std::unique_ptr<CLI::App> app_;
   std::function<int()> chosen_;  // the action of the command that was named
+  std::exception_ptr fault_;     // the first UsageError of an option that was met
 };
 
 }  // namespace tool

@@ -13,6 +13,7 @@
 #include "tools/commands/memory_option.h"
 #include "tools/files/database_diff.h"
 #include "tools/files/exchange_file.h"
+#include "tools/files/standard_streams.h"
 #include "tools/text/failure.h"
 #include "tools/text/json_text.h"
 #include "tools/text/number_text.h"
@@ -115,8 +116,9 @@ void printText(const DiffArguments& arguments, const DatabaseDifference& differe
     print(fmt::format("no difference: {}, {}\n", counted(difference.comparedSymbols, "symbol"),
                       counted(difference.comparedRecords, "record")));
   } else {
-    print(fmt::format("{} and {} differ in {}\n", printable(arguments.before),
-                      printable(arguments.after), counted(difference.symbols.size(), "symbol")));
+    print(fmt::format("{} and {} differ in {}\n", printable(inputName(arguments.before)),
+                      printable(inputName(arguments.after)),
+                      counted(difference.symbols.size(), "symbol")));
   }
 }
 
@@ -163,8 +165,8 @@ Json jsonSymbolDifference(const SymbolDifference& symbol) {
 
 void printJson(const DiffArguments& arguments, const DatabaseDifference& difference) {
   Json json;
-  json["before"] = arguments.before;
-  json["after"] = arguments.after;
+  json["before"] = inputName(arguments.before);
+  json["after"] = inputName(arguments.after);
   json["same"] = difference.symbols.empty();
   json["symbols"] = Json::array();
   for (const SymbolDifference& symbol : difference.symbols) {
@@ -176,6 +178,9 @@ void printJson(const DiffArguments& arguments, const DatabaseDifference& differe
 int runDiff(const DiffArguments& arguments) {
   if (arguments.tolerance && !(*arguments.tolerance >= 0)) {
     throw UsageError("--tolerance: expected a number of at least 0");
+  }
+  if (arguments.before == "-" && arguments.after == "-") {
+    throw UsageError("diff - -: - can stand once, standard input has one file");
   }
   std::optional<Progress> progress(std::in_place);
   progress->step("opening files");

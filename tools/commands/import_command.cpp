@@ -108,7 +108,8 @@ void addImportCommand(CommandLine& line) {
   command.text("--dir", options->folder, "Folder that ztb export --csv left").typeName("DIR");
   command.flag("--check-domains", options->checkDomains,
                "Each label must be in the set that is its domain");
-  command.flag("--skip-empty", options->skipEmpty, "Leave out values that are empty");
+  command.flag("--skip-empty", options->skipEmpty,
+               "Leave out values that are empty; beside others, an empty field keeps its default");
   command
       .text("--separator", options->separator, "Char between the fields of FILE, or the word tab")
       .typeName("CHAR");

@@ -13,6 +13,7 @@
 #include "tools/commands/memory_option.h"
 #include "tools/commands/table_options.h"
 #include "tools/files/exchange_file.h"
+#include "tools/files/standard_streams.h"
 #include "tools/sweep/sweep_inputs.h"
 #include "tools/text/failure.h"
 #include "tools/text/json_text.h"
@@ -108,7 +109,7 @@ void printTable(const ExchangeFile& file, const TableOptions& options) {
   }
 }
 
-void printTotals(const ExchangeFile& file, const Totals& totals) {
+void printTotals(const ExchangeFile& file, const Totals& totals, const TableOptions& options) {
   std::vector<std::string> kinds;
   for (std::size_t type = 0; type < totals.ofType.size(); ++type) {
     const std::size_t count = totals.ofType[type];
@@ -119,15 +120,15 @@ void printTotals(const ExchangeFile& file, const Totals& totals) {
     }
   }
   const std::string ofKinds = kinds.empty() ? "" : fmt::format(" ({})", fmt::join(kinds, ", "));
-  print(fmt::format("{}: {}{}, {}, {}\n", ztb::displayText(file.path()),
-                    counted(totals.symbols, "symbol"), ofKinds,
-                    counted(static_cast<std::size_t>(file.labelCount()), "label"),
-                    counted(totals.records, "record")));
+  print(options.line(fmt::format("{}: {}{}, {}, {}", ztb::displayText(file.path()),
+                                 counted(totals.symbols, "symbol"), ofKinds,
+                                 counted(static_cast<std::size_t>(file.labelCount()), "label"),
+                                 counted(totals.records, "record"))));
 }
 
 void runInfo(const InfoOptions& options) {
   std::optional<Progress> progress(std::in_place);
-  progress->step("opening " + options.file);
+  progress->step("opening " + inputName(options.file));
   const ExchangeFile file(options.file);
   progress.reset();
   if (options.json) {
@@ -138,7 +139,7 @@ void runInfo(const InfoOptions& options) {
     printTable(file, options.table);
     print("\n");
   }
-  printTotals(file, totalsOf(file));
+  printTotals(file, totalsOf(file), options.table);
 }
 
 }  // namespace

@@ -1,13 +1,26 @@
 #include <fmt/format.h>
 
+#include <array>
 #include <cctype>
 #include <string_view>
+#include <utility>
 
 #include "tools/commands/description.h"
 
 namespace tool {
 
 namespace {
+
+// What the program asks of its surroundings; it has no variables of its own, and no pager.
+constexpr std::array<std::pair<std::string_view, std::string_view>, 4> environment{
+    {{"NO_COLOR", "Where it is set to anything, nothing stands out by colour or weight."},
+     {"TERM", "Where it is dumb, neither."},
+     {"TMPDIR",
+      "The folder for what stands in a temporary file: RXF files from or to a pipe. /tmp without "
+      "it."},
+     {"LD_LIBRARY_PATH",
+      "Folders where another file library is looked for before the installed "
+      "one."}}};
 
 // A text with what roff would take for its own escaped, and no line that it would take for a
 // request.
@@ -103,6 +116,10 @@ std::string manualPage(const ProgramDescription& program) {
   text += ".SH COMMANDS\n";
   for (const CommandDescription& command : program.commands) {
     text += sectionOf(program, command);
+  }
+  text += ".SH ENVIRONMENT\n";
+  for (const auto& [name, meaning] : environment) {
+    text += fmt::format(".TP\n\\fB{}\\fR\n{}\n", name, roff(meaning));
   }
   return text;
 }

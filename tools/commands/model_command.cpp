@@ -124,7 +124,7 @@ void printFamilies(ztb::Model& model, int count, const TableOptions& options) {
   }
 }
 
-void printTotals(const ztbModelSize& size, const std::string& file) {
+void printTotals(const ztbModelSize& size, const std::string& file, const TableOptions& options) {
   const auto number = [](long long count, std::string_view word) {
     return counted(static_cast<std::size_t>(count), word);
   };
@@ -140,7 +140,7 @@ void printTotals(const ztbModelSize& size, const std::string& file) {
   if (size.largest > 0) {
     text += fmt::format(", coefficients {}", rangeText(size.smallest, size.largest));
   }
-  print(text + "\n");
+  print(options.line(text));
 }
 
 void runModel(const ModelOptions& options) {
@@ -164,10 +164,11 @@ void runModel(const ModelOptions& options) {
   const int shown = options.all ? size.families : std::min(size.families, mostFamilies);
   printFamilies(model, shown, options.table);
   if (shown < size.families) {
-    print(fmt::format("... and {} more families (--all shows them)\n", size.families - shown));
+    print(options.table.line(
+        fmt::format("... and {} more families (--all shows them)", size.families - shown)));
   }
   print("\n");
-  printTotals(size, options.file);
+  printTotals(size, options.file, options.table);
 }
 
 }  // namespace

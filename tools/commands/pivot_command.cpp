@@ -18,6 +18,7 @@
 #include "tools/files/exchange_file.h"
 #include "tools/files/slice_filter.h"
 #include "formats/tables/csv_writer.h"
+#include "tools/files/standard_streams.h"
 #include "tools/tables/pivot_grid.h"
 #include "tools/text/failure.h"
 #include "tools/text/number_text.h"
@@ -123,8 +124,9 @@ class PivotTable {
     }
 
     const std::string& text = symbol_.text;
-    print(fmt::format("{} {}{}{}\n\n", typeWord(symbol_.type), signature(symbol_),
-                      text.empty() ? "" : ": ", printable(text)));
+    print(options.line(fmt::format("{} {}{}{}", typeWord(symbol_.type), signature(symbol_),
+                                   text.empty() ? "" : ": ", printable(text))) +
+          '\n');
     auto cell = cells.begin();
     for (std::size_t part = 0; part < parts.size(); ++part) {
       const auto end = std::find_if(cell, cells.end(), [&](const PivotGrid::Cell& other) {
@@ -140,9 +142,9 @@ class PivotTable {
               });
       cell = end;
     }
-    print(fmt::format("\n{} x {}, {}\n", counted(grid_->rows().size(), "row"),
-                      counted(grid_->columns().size(), "column"),
-                      counted(grid_->cells().size(), "record")));
+    print('\n' + options.line(fmt::format("{} x {}, {}", counted(grid_->rows().size(), "row"),
+                                          counted(grid_->columns().size(), "column"),
+                                          counted(grid_->cells().size(), "record"))));
   }
 
   void printCsv(int digits) {
@@ -248,7 +250,7 @@ class PivotTable {
 
 void runPivot(const PivotOptions& options) {
   std::optional<Progress> progress(std::in_place);
-  progress->step("reading " + options.file);
+  progress->step("reading " + inputName(options.file));
   PivotTable table(options);
   progress.reset();
   if (options.csv) {

@@ -21,6 +21,7 @@
 #include "tools/files/record_walk.h"
 #include "tools/files/slice_filter.h"
 #include "formats/tables/csv_writer.h"
+#include "tools/files/standard_streams.h"
 #include "tools/text/failure.h"
 #include "tools/text/json_text.h"
 #include "tools/text/number_text.h"
@@ -254,23 +255,29 @@ void printTable(ShownRecords& shown, const ShowOptions& options,
   beginOutput(progress);
 
   const std::string& text = shown.symbol().text;
-  print(fmt::format("{} {}{}{}\n\n", typeWord(shown.symbol().type), signature(shown.symbol()),
-                    text.empty() ? "" : ": ", printable(text)));
+  print(options.table.line(fmt::format("{} {}{}{}", typeWord(shown.symbol().type),
+                                       signature(shown.symbol()), text.empty() ? "" : ": ",
+                                       printable(text))) +
+        '\n');
   table.printHeader(stdout);
   const ShownRecords::Walked walked =
       walkCells(shown, withTexts,
                 [&](std::span<const std::string_view> cells) { table.printRow(stdout, cells); });
-  print(fmt::format("\n{}{}\n", counted(walked.records, "record"),
-                    walked.more ? " shown, others follow" : ""));
+  print('\n' + options.table.line(fmt::format("{}{}", counted(walked.records, "record"),
+                                              walked.more ? " shown, others follow" : "")));
   if (walked.more && !options.head) {
-    print(fmt::format("{} has {}; --all shows them all, --head N the first N\n",
-                      shown.symbol().name, counted(shown.symbol().recordCount, "record")));
+    print(options.table.line(fmt::format("{} has {}; --all shows them all, --head N the first N",
+                                         shown.symbol().name,
+                                         counted(shown.symbol().recordCount, "record"))));
   }
 }
 
 void runShow(const ShowOptions& options) {
+  if (options.json && options.table.digits != 0) {
+    throw UsageError("--digits: goes with tables and --csv; JSON has every number whole");
+  }
   std::optional<Progress> progress(std::in_place);
-  progress->step("reading " + options.file);
+  progress->step("reading " + inputName(options.file));
   ShownRecords shown(options);
   if (!options.csv && !options.json) {
     printTable(shown, options, progress);

@@ -2,12 +2,14 @@
 #include <ztb/model.h>
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <filesystem>
 #include <memory>
 #include <set>
 #include <string>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 #include "tools/commands/command_line.h"
@@ -223,7 +225,25 @@ class Sweep {
   SweepLock lock_;
 };
 
+// Other processes read the files of a sweep as well, and results stand beside the one that is made.
+void refusePipes(const SweepOptions& options) {
+  const std::array<std::pair<const char*, const std::string*>, 5> files{
+      {{"MODEL", &options.model},
+       {"--data", &options.data},
+       {"--model-data", &options.modelData},
+       {"--scenarios", &options.scenarios},
+       {"--out", &options.out}}};
+  for (const auto& [option, path] : files) {
+    if (*path == "-") {
+      throw UsageError(fmt::format(
+          "{} -: a sweep takes no pipe, its processes each read the files; give the name of a file",
+          option));
+    }
+  }
+}
+
 int runSweep(SweepOptions options) {
+  refusePipes(options);
   refuseReplacing({options.model, options.modelData, options.data, options.scenarios}, options.out);
   requireTakesFills(options.data, options.model);
   if (options.stall == 0) {

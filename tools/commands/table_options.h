@@ -5,9 +5,12 @@
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "tools/commands/command_line.h"
+#include "tools/text/screen.h"
 #include "tools/text/table_printer.h"
+#include "tools/text/wrapped_text.h"
 
 namespace tool {
 
@@ -16,6 +19,10 @@ struct TableOptions {
   int digits = 0;  // of numbers; 0 for as many as it takes
 
   [[nodiscard]] TableStyle style() const { return outputStyle(width); }
+  // A line above or below a table, broken where the screen ends.
+  [[nodiscard]] std::string line(std::string_view text) const {
+    return wrapped(text, tableWidth(width)) + '\n';
+  }
 };
 
 // Adds --width; `options` must live as long as the command.
@@ -27,7 +34,8 @@ inline void addWidthOption(Command command, TableOptions& options) {
 // Adds --digits.
 inline void addDigitsOption(Command command, TableOptions& options) {
   command.number("--digits", options.digits,
-                 "Round numbers to N digits; 0, the default, for all that tell them apart");
+                 "Round numbers to N digits, but for whole ones; 0, the default, for all that tell "
+                 "them apart");
 }
 
 }  // namespace tool

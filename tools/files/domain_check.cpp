@@ -9,8 +9,8 @@
 
 #include "tools/text/json_text.h"
 #include "tools/text/output.h"
-#include "tools/text/table_printer.h"
 #include "tools/text/words.h"
+#include "tools/text/wrapped_text.h"
 
 namespace tool {
 
@@ -137,9 +137,9 @@ void DomainCheck::eachOutside(const FileSymbol& symbol, const Use& use) const {
   }
 }
 
-void DomainCheck::printTable(const Found& found) const {
+void DomainCheck::printTable(const Found& found, const TableStyle& style) const {
   const FileSymbol& symbol = *found.symbol;
-  TablePrinter table(outputStyle(std::nullopt));
+  TablePrinter table(style);
   for (const std::string& column : ztb::keyColumns(symbol.name, symbol.type, domainNames(symbol))) {
     table.addColumn(column, TablePrinter::Align::left);
   }
@@ -157,22 +157,25 @@ void DomainCheck::printTable(const Found& found) const {
     });
   };
   eachRow([&](const std::vector<std::string_view>& cells) { table.measure(cells); });
-  tool::print(fmt::format("{} {}: {} outside its domains\n\n", typeWord(symbol.type),
-                          signature(symbol), counted(found.records, "record")));
+  tool::print(wrapped(fmt::format("{} {}: {} outside its domains", typeWord(symbol.type),
+                                  signature(symbol), counted(found.records, "record")),
+                      style.width) +
+              "\n\n");
   table.printHeader(stdout);
   eachRow([&](const std::vector<std::string_view>& cells) { table.printRow(stdout, cells); });
   tool::print("\n");
 }
 
-void DomainCheck::print() const {
+void DomainCheck::print(const TableStyle& style) const {
   for (const Found& found : symbols_) {
-    printTable(found);
+    printTable(found, style);
   }
   for (const Unchecked& unchecked : unchecked_) {
-    tool::print(
-        fmt::format("{}: position {} is not checked: {} is no set of one position in this file\n",
+    const std::string text =
+        fmt::format("{}: position {} is not checked: {} is no set of one position in this file",
                     signature(*unchecked.symbol), unchecked.position + 1,
-                    printable(unchecked.symbol->domains[unchecked.position].name)));
+                    printable(unchecked.symbol->domains[unchecked.position].name));
+    tool::print(wrapped(text, style.width) + '\n');
   }
 }
 

@@ -10,6 +10,7 @@
 #include "tools/files/exchange_file.h"
 #include "tools/files/record_walk.h"
 #include "tools/text/progress.h"
+#include "tools/text/table_printer.h"
 
 namespace tool {
 
@@ -25,7 +26,7 @@ class DomainCheck {
   [[nodiscard]] std::size_t recordCount() const;
 
   // The report for people: a table for each symbol, and a line for each position not checked.
-  void print() const;
+  void print(const TableStyle& style) const;
   // The same as JSON, positions counted from 1.
   void printJson() const;
 
@@ -48,7 +49,7 @@ class DomainCheck {
   [[nodiscard]] std::vector<const Members*> domainsOf(const FileSymbol& symbol) const;
   template <typename Use>
   void eachOutside(const FileSymbol& symbol, const Use& use) const;
-  void printTable(const Found& found) const;
+  void printTable(const Found& found, const TableStyle& style) const;
 
   const ExchangeFile& file_;
   std::map<int, Members> members_;

@@ -53,6 +53,7 @@ std::string inputFile(const std::string& path) {
   if (path != "-") {
     return path;
   }
+  takeStandardInput();
   std::string name = temporaryName();
   const int file = mkostemp(name.data(), O_CLOEXEC);
   if (file < 0) {
@@ -61,6 +62,14 @@ std::string inputFile(const std::string& path) {
   unlink(name.c_str());
   copyAll(STDIN_FILENO, inputTitle, file, name);
   return fmt::format("/proc/self/fd/{}", file);
+}
+
+void takeStandardInput() {
+  static bool taken = false;
+  if (taken) {
+    throw UsageError("-: standard input can be read once, so - can stand once");
+  }
+  taken = true;
 }
 
 std::string inputName(const std::string& path) {

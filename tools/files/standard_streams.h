@@ -8,10 +8,15 @@
 namespace tool {
 
 // The name to open a file by: the path itself; for "-" that of a file without a name in any folder,
-// which has all of standard input and goes with the process. Throws Failure if it cannot be made.
+// which has all of standard input and goes with the process. Throws Failure if it cannot be made,
+// and UsageError for a second "-".
 std::string inputFile(const std::string& path);
 
-// The name of a file in messages.
+// To be called by whoever reads standard input: it gives its content once. Throws UsageError from
+// the second call on.
+void takeStandardInput();
+
+// The name of a file in messages: "-" is standard input there.
 std::string inputName(const std::string& path);
 
 // Where a result is written.

@@ -66,6 +66,31 @@ double parsePattern(std::string_view digits, std::string& problem) {
   return value;
 }
 
+// Numbers from here on are written with an exponent where they are rounded.
+constexpr double leastWithExponent = 1e15;
+constexpr double leastWithoutExponent = 1e-5;
+
+bool isWrittenOut(double value) {
+  const double size = std::abs(value);
+  return size == 0 || (size >= leastWithoutExponent && size < leastWithExponent);
+}
+
+// The double nearest to a value with so many significant digits; 0 for all of them. A whole number
+// that is written out keeps them: they are no longer than the rounded one's zeros.
+double rounded(double value, int digits) {
+  const bool isWhole = std::trunc(value) == value && std::abs(value) < leastWithExponent;
+  if (digits == 0 || isWhole) {
+    return value;
+  }
+  std::array<char, 32> text{};
+  char* const end = std::to_chars(text.data(), text.data() + text.size(), value,
+                                  std::chars_format::scientific, std::min(digits, mostDigits) - 1)
+                        .ptr;
+  double result = value;
+  std::from_chars(text.data(), end, result);
+  return result;
+}
+
 // Whether a decimal number that no double holds is too small for one rather than too large: its
 // first digit that is no zero then stands behind the point by more places than the exponent moves.
 bool isNearZero(std::string_view number) {
@@ -99,10 +124,10 @@ NumberText::NumberText(double value, int digits) {
     size_ = static_cast<std::size_t>(end - chars_.data());
   } else {
     char* const room = chars_.data() + chars_.size();
-    char* end = digits == 0 ? std::to_chars(chars_.data(), room, value).ptr
-                            : std::to_chars(chars_.data(), room, value, std::chars_format::general,
-                                            std::min(digits, mostDigits))
-                                  .ptr;
+    const double shown = rounded(value, digits);
+    char* const end = digits == 0 || !isWrittenOut(shown)
+                          ? std::to_chars(chars_.data(), room, shown).ptr
+                          : std::to_chars(chars_.data(), room, shown, std::chars_format::fixed).ptr;
     size_ = static_cast<std::size_t>(end - chars_.data());
   }
 }

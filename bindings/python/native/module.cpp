@@ -20,6 +20,8 @@ PYBIND11_MODULE(_native, module) {
   module.def("display_text", [](const pybind11::str& text) {
     return python::toPython(ztb::displayText(python::fromPython(text)));
   });
+  // Throws for what can be no text of an element.
+  module.def("require_text", [](const pybind11::str& text) { python::textFromPython(text, ""); });
   module.def("folded", [](const pybind11::str& text) {
     return python::toPython(ztb::folded(python::fromPython(text)));
   });

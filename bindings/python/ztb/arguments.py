@@ -3,8 +3,9 @@
 from __future__ import annotations
 
 import operator
+import os
 from collections.abc import Iterable as IterableClass
-from typing import Any, Iterable
+from typing import Any, Iterable, Sequence, Union
 
 import numpy as np
 
@@ -32,6 +33,30 @@ def whole(value: object, what: str) -> int:
         except TypeError:
             pass
     raise TypeError(f"{shown(value)} is no {what}, expected an int")
+
+
+def flag(value: object, what: str) -> bool:
+    """An argument that is true or false."""
+    if isinstance(value, (bool, np.bool_)):
+        return bool(value)
+    raise TypeError(f"{shown(value)} is no value for {what}, expected True or False")
+
+
+def path(value: object) -> Union[str, bytes]:
+    """The name of a file."""
+    if isinstance(value, (str, bytes, os.PathLike)):
+        return os.fspath(value)
+    raise TypeError(f"{shown(value)} is no path of a file, expected a str or a path object")
+
+
+def choice(value: object, what: str, choices: Sequence[str]) -> str:
+    """An argument that is one of some words."""
+    expected = f"expected one of {', '.join(choices)}"
+    if not isinstance(value, str):
+        raise TypeError(f"{shown(value)} is no {what}, {expected}")
+    if value not in choices:
+        raise ValueError(f"no {what} {value!r}, {expected}")
+    return value
 
 
 def several(values: object, what: str) -> Iterable[Any]:

@@ -53,6 +53,8 @@ class Database(display.Shows, Home, Mapping[str, Symbol[Any]]):
         system_directory: Optional[Path] = None,
     ) -> None:
         number = _store_number(store)
+        if path is not None:
+            arguments.path(path)
         limit = 0 if max_memory is None else bytes_of(max_memory, "max_memory")
         super().__init__(_native.create(system_directory))
         self._system_directory = system_directory
@@ -93,21 +95,23 @@ class Database(display.Shows, Home, Mapping[str, Symbol[Any]]):
         """
         if rename is not None and not isinstance(rename, Mapping):
             raise TypeError(f"{arguments.shown(rename)} is no mapping from names to names")
+        arguments.path(path)
+        check = arguments.flag(check_domains, "check_domains")
         if only is None and not rename:
-            self._native.write(path, check_domains)
+            self._native.write(path, check)
             return
-        names = None if only is None else _names(only)
+        names = None if only is None else self._names(only)
         copy = _native.create(self._system_directory)
         try:
             copy.set_special_values(SPECIAL_VALUES)
             partial.fill(copy, self, names, dict(rename or {}))
-            copy.write(path, check_domains)
+            copy.write(path, check)
         finally:
             copy.close()
 
     def close_file(self, *, load_remaining: bool = True) -> None:
         """Closes the file that the database mirrors. What is not read yet is read first, or lost."""
-        self._native.close_file(load_remaining)
+        self._native.close_file(arguments.flag(load_remaining, "load_remaining"))
 
     # ---- files of other programs ----
 
@@ -319,8 +323,19 @@ class Database(display.Shows, Home, Mapping[str, Symbol[Any]]):
 
     def _require_own(self, symbol: Union[Symbol[Any], Alias]) -> None:
         if symbol._database is not self:
-            kind = "alias" if isinstance(symbol, Alias) else "set"
+            kind = type(symbol).__name__.lower()
             raise ValueError(f"{kind} {symbol.name} belongs to another database")
+
+    def _names(self, only: Iterable[Union[str, Symbol[Any], Alias]]) -> List[str]:
+        chosen = [only] if isinstance(only, (str, Symbol, Alias)) else only
+        names = []
+        for symbol in arguments.several(chosen, "symbol"):
+            if not isinstance(symbol, (str, Symbol, Alias)):
+                raise TypeError(f"{arguments.shown(symbol)} is no symbol, nor the name of one")
+            if not isinstance(symbol, str):
+                self._require_own(symbol)
+            names.append(symbol if isinstance(symbol, str) else symbol.name)
+        return names
 
 
 def _row(symbol: _native.Symbol) -> display.Row:
@@ -331,25 +346,13 @@ def _row(symbol: _native.Symbol) -> display.Row:
     return [KINDS[symbol.type], display.cell(name), records, display.cell(symbol.text)]
 
 
-def _names(only: Iterable[Union[str, Symbol[Any], Alias]]) -> List[str]:
-    chosen = [only] if isinstance(only, (str, Symbol, Alias)) else only
-    names = []
-    for symbol in arguments.several(chosen, "symbol"):
-        if not isinstance(symbol, (str, Symbol, Alias)):
-            raise TypeError(f"{arguments.shown(symbol)} is no symbol, nor the name of one")
-        names.append(symbol if isinstance(symbol, str) else symbol.name)
-    return names
-
-
 def _require_below(count: int, subtype: int) -> None:
     if not 0 <= arguments.whole(subtype, "subtype") < count:
         raise ValueError(f"no subtype {subtype}, expected 0 to {count - 1}")
 
 
 def _store_number(store: str) -> int:
-    if store not in _STORES:
-        raise ValueError(f"no store {store!r}, expected one of {', '.join(_STORES)}")
-    return _STORES.index(store)
+    return _STORES.index(arguments.choice(store, "store", _STORES))
 
 
 def open(  # noqa: A001
@@ -382,4 +385,4 @@ def memory_needed(path: Path, *, store: str = "map") -> Dict[str, int]:
 
     No record is read. Aliases have none of their own and are left out.
     """
-    return dict(_native.memory_needed(path, _store_number(store)))
+    return dict(_native.memory_needed(arguments.path(path), _store_number(store)))

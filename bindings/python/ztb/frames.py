@@ -15,7 +15,8 @@ from . import _native
 from .cells import floats_of, texts_of
 from .home import Home
 from .missing import missing_value, require_choice
-from .positions import Labelled, labelled
+from .positions import Labelled, labelled, require_labels
+from .texts import warn_of_kept
 from .values import FIELDS, Values, field_number
 
 Numbers = npt.NDArray[np.int32]
@@ -112,12 +113,16 @@ def set_from_pandas(
     keys: Optional[Sequence[Hashable]],
 ) -> None:
     """Replaces the elements of a set."""
+    if not isinstance(data, pd.Index) and keys is None:
+        require_labels(symbol, data)
     rows = labelled(symbol, data, keys, least_columns=0)
     texts = None
     if rows.columns is not None and len(rows.columns.columns) > 0:
         texts = texts_of(rows.columns, symbol.name)
     new_labels = home._native.new_labels()
     symbol.put_elements(_keys(symbol, rows, new_labels), texts, new_labels)
+    if texts is not None:
+        warn_of_kept(symbol.name, texts, symbol.texts())
 
 
 def numbers_from_pandas(

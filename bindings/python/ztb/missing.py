@@ -4,12 +4,18 @@ from __future__ import annotations
 
 from typing import Sequence
 
+from . import arguments
+
 #: The choices: no record of them, a record that is not available, or an error.
 NAN_CHOICES = ("skip", "na", "error")
 
 
 def require_choice(nan: object, choices: Sequence[str] = NAN_CHOICES) -> None:
     """Refuses what is no choice."""
+    if not isinstance(nan, str):
+        raise TypeError(
+            f"{arguments.shown(nan)} is no choice for nan, expected one of {', '.join(choices)}"
+        )
     if nan not in choices:
         raise ValueError(f"nan={nan!r} is no choice, expected one of {', '.join(choices)}")
 

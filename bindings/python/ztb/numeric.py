@@ -9,7 +9,7 @@ import numpy as np
 import numpy.typing as npt
 
 from . import arrays
-from .arguments import number
+from .arguments import flag, number
 from .missing import missing_value, require_choice
 from .selection import Numbers
 from .symbol import DomainsLike, Symbol, Value
@@ -77,6 +77,9 @@ class Parameter(_Numeric[float]):
     def _set_value(self, labels: Tuple[Any, ...], value: Any) -> None:
         self._native.put(labels, (number(value, self.name),))
 
+    def _checked(self, value: Any) -> float:
+        return number(value, self.name)
+
     @property
     def value(self) -> float:
         """The value of a parameter of dimension 0."""
@@ -136,13 +139,14 @@ class Parameter(_Numeric[float]):
         """
         require_choice(nan)
         cells = arrays.floats(array, self.name)
+        every = flag(keep_zeros, "keep_zeros")
         sets = self._requested(cells, domains, _MOST_CELLS)
         absent = np.isnan(cells)
         if nan == "na" or not absent.any():
-            self._native.from_dense(sets, cells, keep_zeros)
+            self._native.from_dense(sets, cells, every)
         elif nan == "error":
             raise missing_value(arrays.first_cell(absent), self.name)
-        elif keep_zeros:
+        elif every:
             self._put_cells(cells, ~absent, domains)
         else:
             self._native.from_dense(sets, np.where(absent, 0.0, cells), False)
@@ -196,6 +200,16 @@ class _FiveValues(_Numeric[Values]):
         else:
             values = [number(value, self.name)]
         self._native.put(labels, tuple(values))
+
+    def _checked(self, value: Any) -> Any:
+        if isinstance(value, Mapping):
+            return {field: number(given, self.name) for field, given in value.items()
+                    if field_number(field) >= 0}
+        if isinstance(value, (tuple, list)):
+            if len(value) > len(FIELDS):
+                raise ValueError(f"too many values for a record of {self.name}")
+            return tuple(number(given, self.name) for given in value)
+        return number(value, self.name)
 
     @property
     def defaults(self) -> Values:

@@ -60,6 +60,28 @@ def labelled(
     return Labelled(len(columns), _of_levels(index, _order(symbol, index)), columns)
 
 
+def ordered(symbol: _native.Symbol, index: pd.Index) -> pd.Index:
+    """An index with its levels in the order of the symbol's positions."""
+    if index.nlevels != symbol.dimension:
+        raise ValueError(_misfit(symbol, index, None))
+    return index.reorder_levels(_order(symbol, index))
+
+
+def require_labels(symbol: _native.Symbol, data: Any) -> None:
+    """Refuses elements whose index is the one that pandas makes where none is given: what was meant
+    for elements would be their texts, and the elements 0, 1, 2 and so on."""
+    index = getattr(data, "index", None)
+    if not isinstance(index, pd.RangeIndex) or index.name is not None or symbol.dimension != 1:
+        return
+    if isinstance(data, pd.DataFrame) and _own_columns(symbol, data) is not None:
+        return
+    raise ValueError(
+        f"the elements of set {symbol.name} are what the index holds, and this one only counts the "
+        f"rows; extend({'column' if isinstance(data, pd.DataFrame) else 'series'}) takes values as "
+        "elements, pandas.Index(values) too"
+    )
+
+
 def _of_levels(index: pd.Index, order: Sequence[int]) -> List[Tuple[Any, npt.NDArray[Any]]]:
     if isinstance(index, pd.MultiIndex):
         return [(index.levels[level], np.asarray(index.codes[level])) for level in order]
@@ -147,6 +169,9 @@ def _misfit(symbol: _native.Symbol, index: pd.Index, frame: Optional[pd.DataFram
     if frame is None:
         return text
     there = [_folded(name) for name in frame.columns]
+    double = [name for name in symbol.columns() if there.count(_folded(name)) > 1]
+    if double:
+        return f"{text}, and more than one column is called {double[0]} in either case of letters"
     lacking = [name for name in symbol.columns() if there.count(_folded(name)) != 1]
     if not lacking:
         return f"{text}, and no column but those of its labels"

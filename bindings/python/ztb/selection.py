@@ -109,6 +109,7 @@ def choice_of(native: _native.Symbol, home: Home, key: object) -> Choice:
         from . import frames
 
         return frames.choice_of_marks(native, home, key)
+    _require_labels(native.name, key)
     parts = labels_of_key(key)
     if len(parts) != native.dimension:
         raise ValueError(
@@ -124,6 +125,21 @@ def choice_of(native: _native.Symbol, home: Home, key: object) -> Choice:
         return marks
 
     return choice
+
+
+def _require_labels(symbol: str, key: object) -> None:
+    """Refuses marks without labels, and values in place of marks."""
+    kind = str(getattr(key, "dtype", ""))
+    if kind == "bool":
+        raise TypeError(
+            f"an array of truth has no labels to choose records of {symbol} by, expected a series "
+            "of truth, which has"
+        )
+    if kind.lower().startswith("float") and hasattr(key, "index"):
+        raise TypeError(
+            f"a series of {kind} chooses no records of {symbol}, expected one of truth, as "
+            "series > 0 makes it"
+        )
 
 
 def _test_of(home: Home, part: Any) -> Optional[Choice]:

@@ -6,13 +6,15 @@ from __future__ import annotations
 
 import sys
 from collections.abc import ItemsView, ValuesView
-from typing import TYPE_CHECKING, Any, Hashable, Iterable, Iterator, List, MutableMapping
+from collections.abc import Mapping as MappingClass
+from typing import TYPE_CHECKING, Any, Dict, Hashable, Iterable, Iterator, List, MutableMapping
 from typing import NamedTuple, Optional, Sequence, Tuple, TypeVar, Union, overload
 
 import numpy as np
 import numpy.typing as npt
 
-from . import _native, arguments, arrays, display
+from . import _native, arguments, arrays, display, texts
+from .errors import Error
 from .home import Home
 from .labels import Key, Label, labels_of_key
 from .selection import Numbers, Selection, choice_of, is_partial
@@ -24,6 +26,9 @@ Value = TypeVar("Value")
 
 #: Labels of records, with a slice or several labels at one position or more.
 PartialKey = Any
+
+#: Stands for no record, which a value never is.
+_NONE = object()
 
 _SET, _PARAMETER, _VARIABLE, _EQUATION, _ALIAS = range(5)
 #: The kinds of symbols by their type numbers, as they are written.
@@ -223,6 +228,50 @@ class Symbol(display.Shows, MutableMapping[Any, Value]):
         """Removes all records."""
         self._native.clear()
 
+    def update(self, other: Any = (), /, **named: Any) -> None:
+        """Writes the records of a mapping, or of pairs of key and value, all or none.
+
+        Everything is looked at before the first is written. Should a store refuse a record all the
+        same, as the vector does one between others, those before it are taken back.
+        """
+        pairs = self._checked_pairs([*_pairs_of(other), *named.items()])
+        before: List[Tuple[Tuple[Any, ...], Any]] = []
+        try:
+            for labels, value in pairs:
+                before.append((labels, self.get(labels, _NONE)))
+                self._set_value(labels, value)
+        except BaseException:
+            for labels, value in reversed(before):
+                if value is not _NONE:
+                    self._set_value(labels, value)
+                elif labels in self:
+                    self._native.remove(labels)
+            raise
+
+    def _checked_pairs(
+        self, pairs: List[Tuple[Any, Any]]
+    ) -> List[Tuple[Tuple[Any, ...], Any]]:
+        for key, _ in pairs:
+            _require_whole(key)
+        self._numbers_of([labels_of_key(key) for key, _ in pairs])
+        return [(labels_of_key(key), self._checked(value)) for key, value in pairs]
+
+    def _numbers_of(self, keys: List[Tuple[Any, ...]]) -> Numbers:
+        """The label numbers of keys; throws for one that can be none, and adds no label."""
+        for key in keys:
+            if len(key) != self.dimension:
+                raise ValueError(
+                    f"{len(key)} labels given, symbol {self.name} has {self.dimension} positions"
+                )
+        labels = [label for key in keys for label in key]
+        numbers = self._database._native.new_labels().numbers(labels)
+        rows: Numbers = numbers.reshape(len(keys), self.dimension)
+        return rows
+
+    def _checked(self, value: Any) -> Any:
+        """A value as ``_set_value`` takes it; throws for one that it would refuse."""
+        raise NotImplementedError
+
     def _value(self, labels: Tuple[Any, ...]) -> Value:
         raise NotImplementedError
 
@@ -313,6 +362,7 @@ class Symbol(display.Shows, MutableMapping[Any, Value]):
     ) -> List[_native.Symbol]:
         """The sets of an array that is to come in and has ``most`` cells at most; checked first,
         since a refusal by the library comes when the records are gone already."""
+        self._require_positions("from_numpy")
         sets = self._domain_sets(domains)
         shape = tuple(len(set_) for set_ in sets)
         if array.shape != shape:
@@ -327,6 +377,8 @@ class Symbol(display.Shows, MutableMapping[Any, Value]):
     def _dense(
         self, domains: Optional["DomainsLike"], field: int, drop: bool
     ) -> npt.NDArray[Any]:
+        arguments.flag(drop, "drop")
+        self._require_positions("to_numpy")
         sets = self._domain_sets(domains)
         cube, dropped = self._native.to_dense([set_._native for set_ in sets], field)
         self._require_none_dropped(dropped, drop)
@@ -342,12 +394,20 @@ class Symbol(display.Shows, MutableMapping[Any, Value]):
     ) -> Any:
         from . import sparse
 
+        arguments.flag(drop, "drop")
         count = arguments.whole(rows, "number of positions")
         matrix, dropped = sparse.to_coo(
             keys, values, self._axis_numbers(domains), count, self.name
         )
         self._require_none_dropped(dropped, drop)
         return matrix
+
+    def _require_positions(self, operation: str) -> None:
+        if self.dimension == 0:
+            raise ValueError(
+                f"symbol {self.name} has no position, so {operation} has no axis for it; "
+                f"{self.name}[()] is its only record"
+            )
 
     def _require_none_dropped(self, dropped: int, drop: bool) -> None:
         if dropped and not drop:
@@ -368,7 +428,14 @@ class Set(Symbol[str]):
         return self._native.element_text(labels)
 
     def _set_value(self, labels: Tuple[Any, ...], value: Any) -> None:
-        self._native.put_text(labels, arguments.text(value, f"text for an element of set {self.name}"))
+        text = arguments.text(value, f"text for an element of set {self.name}")
+        self._native.put_text(labels, text)
+        texts.warn_of_kept(self.name, [text], [self._native.element_text(labels)])
+
+    def _checked(self, value: Any) -> str:
+        text = arguments.text(value, f"text for an element of set {self.name}")
+        _native.require_text(text)
+        return text
 
     @property
     def texts(self) -> "Texts":
@@ -381,9 +448,38 @@ class Set(Symbol[str]):
             self._native.put(labels, ())
 
     def extend(self, labels: Iterable[Key]) -> None:
-        """Adds elements, those that are not there already."""
-        for key in arguments.several(labels, "label"):
-            self.add(*labels_of_key(key))
+        """Adds elements, those that are not there already; all of them, or none if one is refused.
+
+        Levels of an index are taken by their names, as by :meth:`from_pandas`.
+        """
+        keys = [labels_of_key(key) for key in self._keys_in_order(labels)]
+        first: Dict[Tuple[int, ...], Tuple[Any, ...]] = {}
+        for row, key in zip(self._numbers_of(keys).tolist(), keys):
+            first.setdefault(tuple(row), key)
+        absent = [key for key in first.values() if key not in self]
+        for place, key in enumerate(absent):
+            try:
+                self._native.put(key, ())
+            except Error:
+                # The vector store takes single records behind all others only.
+                self._put_together(absent[place:])
+                return
+
+    def _keys_in_order(self, labels: Iterable[Key]) -> Iterable[Any]:
+        if getattr(labels, "nlevels", 1) == 1:
+            return arguments.several(labels, "label")
+        from . import positions
+
+        ordered: Iterable[Any] = positions.ordered(self._native, labels)
+        return ordered
+
+    def _put_together(self, keys: List[Tuple[Any, ...]]) -> None:
+        """Adds elements that are not there, with all others, in the order of their numbers."""
+        there, kept = self._table()
+        new_labels = self._database._native.new_labels()
+        numbers = new_labels.numbers([label for key in keys for label in key])
+        rows = np.concatenate((there, numbers.reshape(len(keys), self.dimension)))
+        self._native.put_elements(rows, [*kept.tolist(), *[""] * len(keys)], new_labels)
 
     def _keys_of(self, keys: Numbers) -> List[Any]:
         if self.dimension != 1:
@@ -392,12 +488,12 @@ class Set(Symbol[str]):
         return labels
 
     def _table(self, most: Optional[int] = None) -> Tuple[Numbers, npt.NDArray[Any]]:
-        texts = np.array(self._native.texts(most), dtype=object)
-        return self._native.rows(most)[0], texts
+        content = np.array(self._native.texts(most), dtype=object)
+        return self._native.rows(most)[0], content
 
     def _values_of(self, content: npt.NDArray[Any]) -> List[str]:
-        texts: List[str] = content.tolist()
-        return texts
+        all_texts: List[str] = content.tolist()
+        return all_texts
 
     def _content_columns(self) -> List[str]:
         return ["text"]
@@ -484,6 +580,13 @@ class Texts(MutableMapping[Any, str]):
     def __delitem__(self, key: Key) -> None:
         self[key] = ""
 
+    def update(self, other: Any = (), /, **named: Any) -> None:
+        """Edits the texts of a mapping, or of pairs of key and text, all or none."""
+        pairs = [*_pairs_of(other), *named.items()]
+        for key, _ in pairs:
+            self[key]
+        self._elements.update(pairs)
+
     def __repr__(self) -> str:
         return f"<texts of {self._elements!r}>"
 
@@ -510,6 +613,24 @@ def several(domains: DomainsLike) -> List[DomainLike]:
 def set_of(database: Home, native: Optional[_native.Symbol]) -> Optional[Set]:
     """The set of a native symbol; ``None`` for the universe."""
     return None if native is None or native.name == "*" else Set(database, native)
+
+
+def _pairs_of(other: Any) -> List[Tuple[Any, Any]]:
+    """Keys and values of what ``update`` takes."""
+    if isinstance(other, MappingClass):
+        return list(other.items())
+    if hasattr(other, "keys"):
+        return [(key, other[key]) for key in other.keys()]
+    if isinstance(other, str):
+        raise TypeError(f"{other!r} holds no pairs of key and value, nor is it a mapping")
+    pairs = []
+    for pair in arguments.several(other, "pair of key and value"):
+        try:
+            key, value = pair
+        except (TypeError, ValueError):
+            raise TypeError(f"{pair!r} is no pair of key and value") from None
+        pairs.append((key, value))
+    return pairs
 
 
 def _require_whole(key: object) -> None:

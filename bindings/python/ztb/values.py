@@ -5,7 +5,7 @@ from __future__ import annotations
 import functools
 from typing import NamedTuple
 
-from . import _native
+from . import _native, arguments
 from .special import INF, NEG_INF, SPECIAL_VALUES
 
 #: The fields of a variable or equation, at the places of their values.
@@ -28,9 +28,7 @@ class Values(NamedTuple):
 
 def field_number(field: object) -> int:
     """The place of a field among the values of a record."""
-    if field not in FIELDS:
-        raise ValueError(f"no field {field!r}, expected one of {', '.join(FIELDS)}")
-    return FIELDS.index(field)
+    return FIELDS.index(arguments.choice(field, "field", FIELDS))
 
 
 @functools.lru_cache(maxsize=None)
