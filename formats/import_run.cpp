@@ -124,6 +124,9 @@ void ImportRun::checkUsage() const {
     throw UsageError(
         "nothing to import: give --from FILE with --set, --parameter or --variable, or --dir DIR");
   }
+  if (std::ranges::count(sources_, "-", &Source::argument) > 1) {
+    throw UsageError("-: standard input can be read once, so - can stand once");
+  }
   for (const Source& source : sources_) {
     const bool isTable = source.format->openDatabase == nullptr ||
                          !source.tables.table.part.empty() ||

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <stdexcept>
 #include <string>
+#include <ztb/case_folding.hpp>
 
 #include "peers/bounded_text.h"
 #include "peers/slot.h"
@@ -70,14 +71,6 @@ void makeFileName(char (&name)[fileNameSize], const char* directory, const char*
   text.append(naming.prefix).append(baseName).append(naming.bits).append(naming.suffix);
 }
 
-constexpr char toLower(char c) noexcept {
-  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-constexpr char toUpper(char c) noexcept {
-  return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
-}
-
 // No operation or entry point has a longer symbol, its final zero included.
 constexpr int symbolNameSize = 64;
 
@@ -85,10 +78,10 @@ constexpr int symbolNameSize = 64;
 AnyFunction BindSymbol(void* library, const char* name) noexcept {
   char folded[symbolNameSize] = {};
   BoundedText(folded, symbolNameSize).append(name);
-  for (char& c : folded) c = toLower(c);
+  for (char& c : folded) c = ztb::foldedChar(c);
   if (const AnyFunction function = platform::findSymbol(library, folded)) return function;
   if (const AnyFunction function = platform::findSymbol(library, name)) return function;
-  for (char& c : folded) c = toUpper(c);
+  for (char& c : folded) c = ztb::upperChar(c);
   return platform::findSymbol(library, folded);
 }
 

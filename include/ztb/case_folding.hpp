@@ -7,11 +7,23 @@
 #include <string_view>
 #include <ztb/cpp20.hpp>
 
+#ifdef ZTB_CPP20
+
 namespace ztb::inline client {
 
 // A char with a capital ASCII letter made small.
 constexpr char foldedChar(char c) noexcept {
   return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+// The other way round, for what is sorted or hashed by capitals.
+constexpr char upperChar(char c) noexcept {
+  return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+}
+
+// Whether a char is one of the letters that have two cases here.
+constexpr bool isAsciiLetter(char c) noexcept {
+  return foldedChar(c) >= 'a' && foldedChar(c) <= 'z';
 }
 
 // A text with its capital ASCII letters made small.
@@ -27,5 +39,7 @@ inline bool sameFolded(std::string_view left, std::string_view right) noexcept {
 }
 
 }  // namespace ztb::inline client
+
+#endif  // ZTB_CPP20
 
 #endif  // ZTB_CASE_FOLDING_HPP_

@@ -14,6 +14,8 @@
 #include <ztb/cpp20.hpp>
 #include <ztb/symbol.hpp>
 
+#ifdef ZTB_CPP20
+
 namespace ztb::inline client {
 
 // The names of the fields of a variable or equation, at the places of their values.
@@ -66,5 +68,7 @@ inline std::vector<std::string> keyColumns(std::string_view symbol, Type type,
 }
 
 }  // namespace ztb::inline client
+
+#endif  // ZTB_CPP20
 
 #endif  // ZTB_COLUMN_NAMES_HPP_

@@ -6,6 +6,9 @@
 #error \
     "The C++ headers of ztb need C++20: compile with -std=c++20, or set cxx_std_20 in CMake. \
 The C headers, such as ztb/ztb.h, are usable from older C++ and from C99."
+#else
+// The other headers have nothing without it, so that this one error stands alone.
+#define ZTB_CPP20
 #endif
 
 #endif  // ZTB_CPP20_HPP_

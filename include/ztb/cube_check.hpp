@@ -15,6 +15,8 @@
 #include <ztb/error.hpp>
 #include <ztb/store_guard.hpp>
 
+#ifdef ZTB_CPP20
+
 namespace ztb::inline client::detail {
 
 // The library counts records, and the cells of most cubes, in 32 bits.
@@ -105,5 +107,7 @@ inline std::vector<int> cubeSizes(const SymbolPlace& place, const char* operatio
 }
 
 }  // namespace ztb::inline client::detail
+
+#endif  // ZTB_CPP20
 
 #endif  // ZTB_CUBE_CHECK_HPP_

@@ -10,6 +10,8 @@
 #include <string_view>
 #include <ztb/cpp20.hpp>
 
+#ifdef ZTB_CPP20
+
 namespace ztb::inline client {
 
 namespace detail {
@@ -101,5 +103,7 @@ inline std::string displayText(std::string_view text) {
 }
 
 }  // namespace ztb::inline client
+
+#endif  // ZTB_CPP20
 
 #endif  // ZTB_DISPLAY_TEXT_HPP_

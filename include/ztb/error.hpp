@@ -10,6 +10,8 @@
 #include <ztb/display_text.hpp>
 #include <ztb/text.hpp>
 
+#ifdef ZTB_CPP20
+
 namespace ztb::inline client {
 
 // What kind of failure it was; programs go by this, texts are for people.
@@ -102,5 +104,7 @@ inline bool nothingFound(const ztbRec* database) noexcept {
 }  // namespace detail
 
 }  // namespace ztb::inline client
+
+#endif  // ZTB_CPP20
 
 #endif  // ZTB_ERROR_HPP_

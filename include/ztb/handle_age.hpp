@@ -14,6 +14,8 @@
 #include <ztb/error.hpp>
 #include <ztb/store_guard.hpp>
 
+#ifdef ZTB_CPP20
+
 namespace ztb::inline client::detail {
 
 // Where the removals from a symbol are counted, for the whole process; null for one on the tree
@@ -55,5 +57,7 @@ class HandleAge {
 };
 
 }  // namespace ztb::inline client::detail
+
+#endif  // ZTB_CPP20
 
 #endif  // ZTB_HANDLE_AGE_HPP_

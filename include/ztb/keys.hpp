@@ -15,6 +15,8 @@
 #include <ztb/label_check.hpp>
 #include <ztb/z_string.hpp>
 
+#ifdef ZTB_CPP20
+
 namespace ztb::inline client {
 
 // Any label, as one of the keys of a slice.
@@ -132,5 +134,7 @@ class KeyArguments<0> {
 }  // namespace detail
 
 }  // namespace ztb::inline client
+
+#endif  // ZTB_CPP20
 
 #endif  // ZTB_KEYS_HPP_

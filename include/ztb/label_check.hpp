@@ -16,6 +16,8 @@
 #include <ztb/cpp20.hpp>
 #include <ztb/error.hpp>
 
+#ifdef ZTB_CPP20
+
 namespace ztb::inline client::detail {
 
 // The labels of a record or slice: one for each position.
@@ -116,5 +118,7 @@ inline void requireNotFound(ztbRec* database, const char* operation, KeyLabels l
 }
 
 }  // namespace ztb::inline client::detail
+
+#endif  // ZTB_CPP20
 
 #endif  // ZTB_LABEL_CHECK_HPP_

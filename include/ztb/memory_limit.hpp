@@ -9,6 +9,8 @@
 #include <ztb/cpp20.hpp>
 #include <ztb/error.hpp>
 
+#ifdef ZTB_CPP20
+
 namespace ztb::inline client {
 
 // How a file is opened.
@@ -47,5 +49,7 @@ class MemoryLimitScope {
 }  // namespace detail
 
 }  // namespace ztb::inline client
+
+#endif  // ZTB_CPP20
 
 #endif  // ZTB_MEMORY_LIMIT_HPP_

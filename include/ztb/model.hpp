@@ -27,6 +27,8 @@
 #include <ztb/cpp20.hpp>
 #include <ztb/ztb.hpp>
 
+#ifdef ZTB_CPP20
+
 namespace ztb::inline client {
 
 // Owns a model.
@@ -286,6 +288,22 @@ class Model {
 enum class Action { fix = 0, upper = 1, lower = 2, bounds = 3, level = 4, marginal = 5 };
 enum class Missing { zero = 0, base = 1, keep = 2 };
 
+// The solver for models of a kind, as Model::kind() gives it: clp for linear ones, cbc with integer
+// columns, ipopt with products of columns that can move. Null where none of the catalogue that
+// comes with ZTB fits: for integers and products together.
+inline const char* standardSolver(int kind) noexcept {
+  switch (kind) {
+    case ztbKindLinear:
+      return "clp";
+    case ztbKindMixedInteger:
+      return "cbc";
+    case ztbKindQuadratic:
+      return "ipopt";
+    default:
+      return nullptr;
+  }
+}
+
 // Ties a database to a model: its symbols take their records from the model's solution.
 class ModelTie {
  public:
@@ -306,9 +324,24 @@ class ModelTie {
         c__ztbupdatemodelsymbol(database_->handle(), modelSymbol.handle(), static_cast<int>(action),
                                 data.handle(), static_cast<int>(missing), &unmatched),
         database_->handle(), "ztbUpdateModelSymbol");
+    boundsCount_ = modelSymbol.type() != Type::equation;
     return unmatched;
   }
 
+  // The kind of the model with the bounds that the last update left, where it wrote any.
+  [[nodiscard]] int kind() const { return boundsCount_ ? model_->updatedKind() : model_->kind(); }
+
+  // Solves with the solver for this kind of model, as the command and Python do. Throws where none
+  // fits.
+  double solve() {
+    const char* const solver = standardSolver(kind());
+    if (solver == nullptr) {
+      throw Error("ztbCallSolverTimed",
+                  "The model has integer columns and products of columns that can move; no solver "
+                  "of the catalogue that comes with ZTB takes both, name one that does");
+    }
+    return solve(solver);
+  }
   // Solves and gives the processor time that the solver took, in seconds. A solver that finds no
   // solution has solved: Model::status tells. Symbols of the model have the new solution
   // afterwards. The error of a solver that did not solve says so, and behind that what the library
@@ -351,8 +384,11 @@ class ModelTie {
 
   Database* database_;
   Model* model_;
+  bool boundsCount_ = false;
 };
 
 }  // namespace ztb::inline client
+
+#endif  // ZTB_CPP20
 
 #endif  // ZTB_MODEL_HPP_

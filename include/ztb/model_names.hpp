@@ -16,6 +16,8 @@
 #include <vector>
 #include <ztb/cpp20.hpp>
 
+#ifdef ZTB_CPP20
+
 namespace ztb::inline client {
 
 // What stands behind a parameter's name in the variable that carries the parameter into a model.
@@ -143,5 +145,7 @@ inline ElementText readElement(std::string_view text, std::string& problem) {
 }
 
 }  // namespace ztb::inline client
+
+#endif  // ZTB_CPP20
 
 #endif  // ZTB_MODEL_NAMES_HPP_

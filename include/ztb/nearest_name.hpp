@@ -11,6 +11,8 @@
 #include <ztb/case_folding.hpp>
 #include <ztb/cpp20.hpp>
 
+#ifdef ZTB_CPP20
+
 namespace ztb::inline client {
 
 // How many letters must be put in, left out or exchanged to make one word of the other.
@@ -42,5 +44,7 @@ inline std::string suggestion(std::string_view word, const std::vector<std::stri
 }
 
 }  // namespace ztb::inline client
+
+#endif  // ZTB_CPP20
 
 #endif  // ZTB_NEAREST_NAME_HPP_

@@ -14,6 +14,8 @@
 #include <ztb/text.hpp>
 #include <ztb/z_string.hpp>
 
+#ifdef ZTB_CPP20
+
 namespace ztb::inline client {
 
 // The value slots of a record. Sets and parameters have the level only.
@@ -269,5 +271,7 @@ inline void Record::eraseWithCare() {
 }
 
 }  // namespace ztb::inline client
+
+#endif  // ZTB_CPP20
 
 #endif  // ZTB_RECORD_HPP_

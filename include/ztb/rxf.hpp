@@ -34,6 +34,8 @@
 #include <ztb/symbol.hpp>
 #include <ztb/z_string.hpp>
 
+#ifdef ZTB_CPP20
+
 namespace ztb::inline client {
 
 namespace detail {
@@ -305,5 +307,7 @@ class RxfOutput {
 };
 
 }  // namespace ztb::inline client
+
+#endif  // ZTB_CPP20
 
 #endif  // ZTB_RXF_HPP_

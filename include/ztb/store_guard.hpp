@@ -28,6 +28,8 @@
 #include <ztb/label_check.hpp>
 #include <ztb/text.hpp>
 
+#ifdef ZTB_CPP20
+
 namespace ztb::inline client::detail {
 
 inline constexpr std::size_t maxSlots = ZTB_SCALE + 1;
@@ -455,5 +457,7 @@ inline void putRecord(const SymbolPlace& place, const char* operation, std::span
 }
 
 }  // namespace ztb::inline client::detail
+
+#endif  // ZTB_CPP20
 
 #endif  // ZTB_STORE_GUARD_HPP_

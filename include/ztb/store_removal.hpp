@@ -17,6 +17,8 @@
 #include <ztb/error.hpp>
 #include <ztb/store_guard.hpp>
 
+#ifdef ZTB_CPP20
+
 namespace ztb::inline client::detail {
 
 // Lets values through as they are stored while it lives.
@@ -178,5 +180,7 @@ inline void removeUnmarked(const SymbolPlace& place, const std::vector<bool>& ke
 }
 
 }  // namespace ztb::inline client::detail
+
+#endif  // ZTB_CPP20
 
 #endif  // ZTB_STORE_REMOVAL_HPP_

@@ -27,6 +27,8 @@
 #include <ztb/walk.hpp>
 #include <ztb/z_string.hpp>
 
+#ifdef ZTB_CPP20
+
 namespace ztb::inline client {
 
 enum class Type {
@@ -402,5 +404,7 @@ inline std::vector<Domain> Symbol::domains() const {
 }
 
 }  // namespace ztb::inline client
+
+#endif  // ZTB_CPP20
 
 #endif  // ZTB_SYMBOL_HPP_

@@ -10,6 +10,8 @@
 #include <ztb/error.hpp>
 #include <ztb/symbol.hpp>
 
+#ifdef ZTB_CPP20
+
 namespace ztb::inline client {
 
 // The symbols of a database, aliases included, in the order in which they were made; valid as long
@@ -65,5 +67,7 @@ class Symbols {
 };
 
 }  // namespace ztb::inline client
+
+#endif  // ZTB_CPP20
 
 #endif  // ZTB_SYMBOLS_HPP_

@@ -11,6 +11,8 @@
 #include <string_view>
 #include <ztb/cpp20.hpp>
 
+#ifdef ZTB_CPP20
+
 namespace ztb::inline client {
 
 // A name, label or explanatory text that the library handed out, held in place: no allocation.
@@ -45,5 +47,7 @@ class Text {
 };
 
 }  // namespace ztb::inline client
+
+#endif  // ZTB_CPP20
 
 #endif  // ZTB_TEXT_HPP_

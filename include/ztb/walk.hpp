@@ -12,6 +12,8 @@
 #include <ztb/cpp20.hpp>
 #include <ztb/record.hpp>
 
+#ifdef ZTB_CPP20
+
 namespace ztb::inline client {
 
 // One pass over records by handle, in the order of the symbol:
@@ -122,5 +124,7 @@ class Rows {
 };
 
 }  // namespace ztb::inline client
+
+#endif  // ZTB_CPP20
 
 #endif  // ZTB_WALK_HPP_

@@ -13,6 +13,8 @@
 #include <ztb/error.hpp>
 #include <ztb/text.hpp>
 
+#ifdef ZTB_CPP20
+
 namespace ztb::inline client {
 
 namespace detail {
@@ -62,5 +64,7 @@ class ZString {
 };
 
 }  // namespace ztb::inline client
+
+#endif  // ZTB_CPP20
 
 #endif  // ZTB_Z_STRING_HPP_

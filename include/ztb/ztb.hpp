@@ -26,6 +26,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 #include <ztb/cpp20.hpp>
@@ -38,25 +39,36 @@
 #include <ztb/text.hpp>
 #include <ztb/z_string.hpp>
 
+#ifdef ZTB_CPP20
+
 namespace ztb::inline client {
 
 // Five doubles, at the places ZTB_UNDEFINED to ZTB_EPSILON.
 using SpecialValues = std::array<double, ZTB_SPECIAL_VALUE_COUNT>;
 
-// The domain of a position of a new symbol: a one-dimensional set or alias of the same database,
-// or a name ("*" for the universe) that is kept as such.
+// The domain of a position of a new symbol: a one-dimensional set or alias of the same database, or
+// the name of one; "*" is the universe. A name that no such set has, also a misspelt one, is kept
+// as a name that checks nothing.
 class DomainArgument {
  public:
   DomainArgument(const Symbol& set) : handle_(set.handle()) {}
   template <std::convertible_to<ZString> Name>
   DomainArgument(const Name& name) : name_(ZString(name).c_str()) {}
+  // A name that is kept as such whether a set has it or not.
+  [[nodiscard]] static DomainArgument nameAlone(const ZString& name) {
+    DomainArgument domain(name);
+    domain.isAlone_ = true;
+    return domain;
+  }
 
   [[nodiscard]] void* handle() const noexcept { return handle_; }
   [[nodiscard]] const char* name() const noexcept { return name_.c_str(); }
+  [[nodiscard]] bool isNameAlone() const noexcept { return isAlone_; }
 
  private:
   void* handle_ = nullptr;
   std::string name_ = "*";
+  bool isAlone_ = false;
 };
 
 using DomainArguments = std::span<const DomainArgument>;
@@ -186,8 +198,8 @@ class Database {
   }
 
   // Adds a symbol, which is no alias, with a domain for each position; userInfo is the subtype of a
-  // variable (0 to 9) or equation (0 to 6). Names have 1 to 63 chars, a letter first, then letters,
-  // digits, underscores.
+  // variable (0 to 9) or equation (0 to 6), which is looked at by addVariable and addEquation.
+  // Names have 1 to 63 chars, a letter first, then letters, digits, underscores.
   Symbol addSymbol(const ZString& name, Type type, DomainArguments domains,
                    const ZString& text = "", int userInfo = 0);
   Symbol addSet(const ZString& name, std::initializer_list<DomainArgument> domains,
@@ -200,10 +212,12 @@ class Database {
   }
   Symbol addVariable(const ZString& name, int subtype,
                      std::initializer_list<DomainArgument> domains, const ZString& text = "") {
+    requireSubtype(name, "variable", subtype, 9);
     return addSymbol(name, Type::variable, domains, text, subtype);
   }
   Symbol addEquation(const ZString& name, int subtype,
                      std::initializer_list<DomainArgument> domains, const ZString& text = "") {
+    requireSubtype(name, "equation", subtype, 6);
     return addSymbol(name, Type::equation, domains, text, subtype);
   }
   // Adds a second name for a set or for the universe, both of this database; for what an alias
@@ -254,6 +268,24 @@ class Database {
   [[nodiscard]] ztbRec* handle() const noexcept { return handle_; }
 
  private:
+  // The set that a domain stands for; null for a name alone.
+  [[nodiscard]] void* domainSet(const DomainArgument& domain) const {
+    const std::string_view name = domain.name();
+    if (domain.handle() != nullptr || domain.isNameAlone() || name.empty() || name == "*") {
+      return domain.handle();
+    }
+    const std::optional<Symbol> found = findSymbolOrAlias(domain.name());
+    const bool isSet = found && (found->type() == Type::set || found->type() == Type::alias);
+    return isSet && found->dimension() == 1 ? found->handle() : nullptr;
+  }
+  static void requireSubtype(const ZString& name, const char* kind, int subtype, int largest) {
+    if (subtype < 0 || subtype > largest) {
+      throw Error("ztbAddSymbol", "Subtype " + std::to_string(subtype) + " of " + kind + " " +
+                                      name.c_str() + " is outside [0," + std::to_string(largest) +
+                                      "]");
+    }
+  }
+
   using Finder = int (*)(ztbRec*, const char*, void**);
 
   [[nodiscard]] int info(int key) const {
@@ -319,7 +351,7 @@ inline Symbol Database::addSymbol(const ZString& name, Type type, DomainArgument
   std::array<void*, ZTB_MAX_DIMENSION> handles{};
   std::array<const char*, ZTB_MAX_DIMENSION> names{};
   for (std::size_t position = 0; position < domains.size(); ++position) {
-    handles[position] = domains[position].handle();
+    handles[position] = domainSet(domains[position]);
     names[position] = domains[position].name();
   }
   const int result =
@@ -356,5 +388,7 @@ inline Symbol Database::addAlias(const ZString& name, const Symbol& target, cons
 }
 
 }  // namespace ztb::inline client
+
+#endif  // ZTB_CPP20
 
 #endif  // ZTB_ZTB_HPP_

@@ -9,24 +9,22 @@ namespace lomu {
 
 namespace {
 
-bool isLetter(char c) {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-}
-
 std::string acceptableName(const std::string& name) {
   std::string result = name;
   for (char& c : result) {
-    if (!isLetter(c) && !(c >= '0' && c <= '9')) c = '_';
+    if (!ztb::isAsciiLetter(c) && !(c >= '0' && c <= '9')) c = '_';
   }
-  if (result.empty() || !isLetter(result.front())) result.insert(result.begin(), 'n');
+  if (result.empty() || !ztb::isAsciiLetter(result.front())) result.insert(result.begin(), 'n');
   return result;
 }
 
+// A database takes a label with either kind of quote, and none with both.
 std::string acceptableLabel(const std::string& label) {
+  const bool hasSingle = label.find('\'') != std::string::npos;
   std::string result = label;
   for (char& c : result) {
     if (static_cast<unsigned char>(c) < ' ') c = '_';
-    if (c == '"') c = '\'';
+    if (c == '"' && hasSingle) c = '\'';
   }
   while (!result.empty() && result.back() == ' ') result.pop_back();
   return result.empty() ? "_" : result;

@@ -13,12 +13,8 @@ namespace {
 
 constexpr std::size_t kMaxSymbolLength = 63 - std::char_traits<char>::length(ztb::parameterSuffix);
 
-bool isLetter(char c) {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-}
-
 bool isNameChar(char c) {
-  return isLetter(c) || (c >= '0' && c <= '9') || c == '_';
+  return ztb::isAsciiLetter(c) || (c >= '0' && c <= '9') || c == '_';
 }
 
 const std::vector<std::string>& kindWords() {
@@ -39,7 +35,8 @@ class Parser {
   DriveStatement parse() {
     DriveStatement statement;
     statement.symbol = name("the name of a symbol");
-    if (statement.symbol.size() > kMaxSymbolLength || !isLetter(statement.symbol.front())) {
+    if (statement.symbol.size() > kMaxSymbolLength ||
+        !ztb::isAsciiLetter(statement.symbol.front())) {
       fail("\"" + statement.symbol + "\" is no name of a parameter, which begins with a letter " +
            "and has at most " + std::to_string(kMaxSymbolLength) + " characters");
     }

@@ -22,7 +22,7 @@ bool isDigit(char c) {
   return c >= '0' && c <= '9';
 }
 bool isLetter(char c) {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || static_cast<unsigned char>(c) >= 0x80;
+  return ztb::isAsciiLetter(c) || static_cast<unsigned char>(c) >= 0x80;
 }
 bool isBlank(char c) {
   return c == ' ' || c == '\t' || c == '\r' || c == '\f' || c == '\v';

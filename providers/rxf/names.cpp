@@ -9,13 +9,8 @@ namespace rxffile {
 
 namespace {
 
-constexpr bool isLetter(char c) {
-  const char folded = ztb::foldedChar(c);
-  return folded >= 'a' && folded <= 'z';
-}
-
 constexpr bool isNamePart(char c) {
-  return isLetter(c) || (c >= '0' && c <= '9') || c == '_';
+  return ztb::isAsciiLetter(c) || (c >= '0' && c <= '9') || c == '_';
 }
 
 }  // namespace
@@ -23,7 +18,7 @@ constexpr bool isNamePart(char c) {
 const char* nameRefusal(std::string_view name) {
   if (name.empty()) return "it is empty";
   if (name.size() > kMaxNameLength) return "it has more than 63 characters";
-  if (!isLetter(name.front())) return "it does not begin with a letter";
+  if (!ztb::isAsciiLetter(name.front())) return "it does not begin with a letter";
   if (!std::all_of(name.begin(), name.end(), isNamePart)) {
     return "it holds something else than letters, digits and underscores";
   }

@@ -160,8 +160,11 @@ TEST(Dictionary, CutsWhatIsTooLongAndNumbersIt) {
 TEST(Dictionary, MakesNamesAndLabelsAcceptable) {
   const Dictionary dictionary(modelOf({"....10", "x.1[a\tb,'say \"x\"']", "2nd"}, {}));
   EXPECT_THAT(symbolNames(dictionary), ElementsAre("n____10", "x_1", "n2nd", "cost"));
-  EXPECT_THAT(dictionary.labels(), ElementsAre("a_b", "say 'x'"));
+  EXPECT_THAT(dictionary.labels(), ElementsAre("a_b", "say \"x\""));
   EXPECT_EQ(dictionary.symbols()[0].text, "....10");
+  // A database takes no label with both kinds of quote.
+  EXPECT_THAT(Dictionary(modelOf({"x['it''s 12\" long']"}, {})).labels(),
+              ElementsAre("it's 12' long"));
 }
 
 TEST(Dictionary, TellsKindsOfBoundsAndTypesOfRows) {

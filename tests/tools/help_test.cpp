@@ -47,6 +47,7 @@ TEST_F(HelpTest, BashCompletesCommandsOptionsAndChoices) {
   EXPECT_EQ(offered("ztb show f.rxf s --store \"\""), "map\nvector\ntrie\n");
   EXPECT_EQ(offered("ztb show f.rxf s --store = t"), "trie\n");
   EXPECT_EQ(offered("ztb completion \"\""), "bash\nzsh\nfish\n");
+  EXPECT_EQ(offered("ztb help s"), "show\nsolve\nsweep\n");
   // Nothing of its own, so that bash offers files.
   EXPECT_EQ(offered("ztb show \"\""), "\n");
   EXPECT_EQ(offered("ztb import o.rxf --from \"\""), "\n");
@@ -61,6 +62,11 @@ TEST_F(HelpTest, OtherShellsGetTheSameOptions) {
     EXPECT_NE(zsh.find("'*--" + option + "="), std::string::npos) << option;
     EXPECT_NE(fish.find(" -l " + option + " "), std::string::npos) << option;
   }
+  const std::string commands =
+      "info show import export diff check copy pivot model solve sweep help completion manual";
+  EXPECT_NE(zsh.find("':COMMAND:(" + commands + ")'"), std::string::npos);
+  EXPECT_NE(fish.find("-f -n '__fish_seen_subcommand_from help' -a '" + commands + "'"),
+            std::string::npos);
   EXPECT_NE(zsh.find("(map vector trie)"), std::string::npos);
   EXPECT_NE(fish.find("-x -a 'map vector trie'"), std::string::npos);
   expectFails(2, "ztb: 'csh' is no shell, expected bash, zsh or fish\n", {"completion", "csh"});
@@ -70,9 +76,10 @@ TEST_F(HelpTest, OtherShellsGetTheSameOptions) {
 TEST_F(HelpTest, ManShowsThePage) {
   write("ztb.1", ztbFine({"manual"}));
   const std::string page = shell("MANWIDTH=80 man --warnings -E UTF-8 -l ztb.1 | col -b");
-  for (const char* text : {"ztb show FILE SYMBOL [options]", "--slice PATTERNS",
-                           "ztb show diet.rxf nutrition --slice 'wheat*,*' --head 20",
-                           "ztb solve MODEL [options]", "0 fine, 1 failed"}) {
+  for (const char* text :
+       {"ztb show FILE SYMBOL [options]", "--slice PATTERNS",
+        "ztb show diet.rxf nutrition --slice 'wheat*,*' --head 20", "ztb solve MODEL [options]",
+        "0 fine, 1 failed", "ENVIRONMENT", "NO_COLOR", "TMPDIR"}) {
     EXPECT_NE(page.find(text), std::string::npos) << text;
   }
 }

@@ -113,6 +113,30 @@ TEST_F(ImportTest, TellsWhichNamesOfColumnsItCannotKeep) {
             "another symbol has this name\n");
 }
 
+// As in Python: a row without any value is no record, one with some keeps the others' defaults.
+TEST_F(ImportTest, LeavesOutEmptyFieldsOfVariables) {
+  write("a.csv", "i,level,upper\nx,1.5,\ny, ,7\nz,,\n");
+  ztbFine(
+      {"import", "out.rxf", "--skip-empty", "--from", "a.csv", "--variable", "positive buy(i)"});
+  EXPECT_EQ(ztbFine({"show", "out.rxf", "buy", "--csv"}),
+            "i,level,marginal,lower,upper,scale\nx,1.5,0,0,inf,1\ny,0,0,0,7,1\n");
+  expectFails(1,
+              "a.csv:2:7: upper: is empty, expected a number\n"
+              "a.csv:3:3: level: is empty, expected a number\n"
+              "a.csv:4:3: level: is empty, expected a number\n"
+              "a.csv:4:4: upper: is empty, expected a number\n"
+              "ztb: out.rxf: not written: 4 problems in the input\n",
+              {"import", "out.rxf", "--from", "a.csv", "--variable", "positive buy(i)"});
+}
+
+TEST_F(ImportTest, TellsThatNamesAreOneWhateverTheirCase) {
+  write("a.csv", "food\nx\n");
+  expectFails(2,
+              "ztb: --set FOOD: The name FOOD is that of symbol food already (the case of letters "
+              "does not matter): Symbol FOOD exists already\n",
+              {"import", "out.rxf", "--from", "a.csv", "--set", "food", "--set", "FOOD"});
+}
+
 TEST_F(ImportTest, ReadsVariablesWithTheBoundsOfTheirKind) {
   write("a.csv", "i,amount,cap,lower\nx,1.5,9,-2\n");
   ztbFine({"import", "out.rxf", "--from", "a.csv", "--variable",

@@ -69,10 +69,23 @@ TEST(NumberText, ReadsBackTheSameBits) {
 
 TEST(NumberText, RoundsToDigits) {
   EXPECT_EQ(NumberText(2.0 / 3, 3).view(), "0.667");
-  EXPECT_EQ(NumberText(123456.0, 3).view(), "1.23e+05");
+  EXPECT_EQ(NumberText(123456.5, 3).view(), "123000");
+  EXPECT_EQ(NumberText(38.6, 1).view(), "40");
   EXPECT_EQ(NumberText(12.5, 6).view(), "12.5");
-  EXPECT_EQ(NumberText(0.1, 99).view(), "0.10000000000000001");
+  EXPECT_EQ(NumberText(0.1, 99).view(), "0.1");
+  EXPECT_EQ(NumberText(0.00012345, 2).view(), "0.00012");
+  EXPECT_EQ(NumberText(1.2345e-7, 2).view(), "1.2e-07");
+  EXPECT_EQ(NumberText(1.2345e20, 2).view(), "1.2e+20");
+  EXPECT_EQ(NumberText(1.797e308, 1).view(), "1.797e+308");  // 2e308 is no double
   EXPECT_EQ(NumberText(1e300, 3).view(), "undef");
+}
+
+TEST(NumberText, KeepsTheDigitsOfWholeNumbers) {
+  EXPECT_EQ(NumberText(38.0, 1).view(), "38");
+  EXPECT_EQ(NumberText(-123456.0, 3).view(), "-123456");
+  EXPECT_EQ(NumberText(999999999999999.0, 2).view(), "999999999999999");
+  EXPECT_EQ(NumberText(1000000000000000.0, 2).view(), "1e+15");
+  EXPECT_EQ(NumberText(1234567890123456.0, 2).view(), "1.2e+15");
 }
 
 TEST(ParseNumber, TakesInfinityInFull) {

@@ -139,6 +139,8 @@ TEST_F(PivotTest, roundsToTheDigitsAskedFor) {
   EXPECT_EQ(
       ztbFine({"pivot", "b.rxf", "p", "--rows", "1", "--columns", "2", "--csv", "--digits", "3"}),
       "dim_1,b\na,0.667\n");
+  expectFails(2, "ztb: --digits: goes with tables and --csv; JSON has every number whole\n",
+              {"show", "b.rxf", "p", "--json", "--digits", "3"});
 }
 
 // A dense table of these would have 16 thousand million cells.

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <sstream>
 #include <string>
 #include <vector>
 #include <ztb/ztb.hpp>
@@ -57,6 +58,40 @@ TEST_F(ScreenTest, TablesFitTheTerminal) {
             "a rather long\xE2\x80\xA6      1\r\n"
             "\r\n"
             "1 record shown, others follow\r\n");
+}
+
+// Help, and what stands above and below a table, is broken where the line ends; examples are not.
+TEST_F(ScreenTest, TextsFitTheTerminal) {
+  for (const std::vector<std::string>& arguments : {std::vector<std::string>{"help"},
+                                                    {"help", "solve"},
+                                                    {"sweep", "--help"},
+                                                    {"show", "a.rxf", "p", "--head", "1"},
+                                                    {"info", "a.rxf"}}) {
+    std::istringstream lines(shown(60, arguments));
+    bool inExamples = false;
+    for (std::string line; std::getline(lines, line);) {
+      line.erase(line.find_last_not_of('\r') + 1);
+      inExamples = line.starts_with("Example") || (inExamples && line.starts_with(' '));
+      const std::size_t escapes = line.find('\x1b') == std::string::npos ? 0 : 8;
+      EXPECT_TRUE(inExamples || line.size() <= 60 + escapes) << line;
+    }
+  }
+}
+
+TEST_F(ScreenTest, ACheckFitsTheWidthAskedFor) {
+  ztb::Database database;
+  const ztb::Symbol food = database.addSet("food", {"*"});
+  database.addParameter("price", {food}).add("a food that is in no set").setLevel(1);
+  database.write(path("c.rxf"));
+  EXPECT_EQ(ztb({"check", "c.rxf", "--domains", "--width", "24"}).output,
+            "parameter price(food): 1\n"
+            "record outside its\n"
+            "domains\n"
+            "\n"
+            "food             outside\n"
+            "---------------  -------\n"
+            "a food that is\xE2\x80\xA6  1 food\n"
+            "\n");
 }
 
 TEST_F(ScreenTest, TheWidthAskedForComesFirst) {

@@ -55,6 +55,13 @@ TEST_F(SolveTest, TellsObjectiveStatusAndSolver) {
 
 TEST_F(SolveTest, SetsParametersAndVariables) {
   EXPECT_EQ(objective({"--set", "demand[x]=5"}), "objective   15");
+  for (const char* const form : {"--json", "--csv"}) {
+    expectFails(2,
+                "ztb: --digits: goes with what people read; JSON and CSV have every number whole\n",
+                {"solve", "t.lp", form, "--digits", "3"});
+  }
+  // 6 at 1.23456 and 4 at 5 make 27.40736.
+  EXPECT_EQ(objective({"--set", "rate[a]=1.23456", "--digits", "3"}), "objective   27.4");
   EXPECT_EQ(objective({"--set", "rate(a)=1", "--set", " rate ['b'] =2"}), "objective   14");
   EXPECT_EQ(objective({"--set", "ship[a,x]=0"}), "objective   50");
 }

@@ -60,6 +60,37 @@ TEST_F(StandardStreamsTest, ATableIsWrittenToStandardOutput) {
               {"export", "b.rxf", "--all", "--csv", "-"});
 }
 
+TEST_F(StandardStreamsTest, StandardInputIsReadOnce) {
+  expectFails(2, "ztb: diff - -: - can stand once, standard input has one file\n",
+              {"diff", "-", "-"});
+  expectFails(2, "ztb: -: standard input can be read once, so - can stand once\n",
+              {"import", "o.rxf", "--from", "-", "--set", "i", "--from", "-", "--set", "j"});
+}
+
+TEST_F(StandardStreamsTest, ASweepTakesNoPipe) {
+  for (const std::string option : {"MODEL", "--scenarios", "--out", "--model-data"}) {
+    const auto named = [&](const std::string& name, const std::string& file) {
+      return name == option ? std::string("-") : file;
+    };
+    expectFails(
+        2,
+        "ztb: " + option +
+            " -: a sweep takes no pipe, its processes each read the files; give the name "
+            "of a file\n",
+        {"sweep", named("MODEL", "m.lp"), "--scenarios", named("--scenarios", "a.rxf"), "--over",
+         "s", "--out", named("--out", "o.rxf"), "--model-data", named("--model-data", "m.dat")});
+  }
+}
+
+TEST_F(StandardStreamsTest, MessagesNameStandardInput) {
+  const std::string file = read("a.rxf");
+  EXPECT_EQ(ztb({"diff", "b.rxf", "-"}, file).output,
+            "- parameter q(*)\nb.rxf and standard input differ in 1 symbol\n");
+  EXPECT_NE(
+      ztb({"diff", "-", "a.rxf", "--json"}, file).output.find("\"before\": \"standard input\""),
+      std::string::npos);
+}
+
 TEST_F(StandardStreamsTest, AResultThatDoesNotGoThroughIsAFailure) {
   const int status = std::system(
       (std::string(ZTB_PROGRAM) + " copy " + path("a.rxf") + " p - > /dev/full 2> " + path("err"))

@@ -91,6 +91,22 @@ TEST_F(UsageTest, AMisspeltNameIsNamed) {
               {"info", "--jsn=1", "a.rxf", "b.rxf"});
   expectFails(2, "ztb: no command 'shwo', is show meant?; ztb --help lists the commands\n",
               {"shwo", "a.rxf"});
+  expectFails(2, "ztb: no option --form, is --from meant?; see ztb import --help\n",
+              {"import", "o.rxf", "--form", "foods.csv", "--set", "food"});
+}
+
+TEST_F(UsageTest, WhatStandsBeforeACommandIsTold) {
+  expectFails(2, "ztb: no option --out; see ztb info --help\n", {"--out", "x", "info", "diet.rxf"});
+  expectFails(2,
+              "ztb: --width stands before info; the options of a command stand behind its name; "
+              "see ztb info --help\n",
+              {"--width", "40", "info", "diet.rxf"});
+  expectFails(2, "ztb: no command 'x'; ztb --help lists the commands\n", {"x", "info", "diet.rxf"});
+}
+
+TEST_F(UsageTest, OneArgumentTooManyIsNamed) {
+  expectFails(2, "ztb: 'b.rxf' is one argument too many; see ztb info --help\n",
+              {"info", "a.rxf", "b.rxf"});
 }
 
 TEST_F(UsageTest, ImportSaysWhatIsMissing) {

@@ -91,6 +91,28 @@ TEST(Database, TellsTheDomainsOfASymbolWithoutRoomForRecords) {
   EXPECT_EQ(domains[24].set, database.universe());
 }
 
+// A set or alias of one position, whatever the case of letters; any other name checks nothing.
+TEST(Database, TakesTheNameOfASetAsADomainForTheSet) {
+  ztb::Database database;
+  const ztb::Symbol food = database.addSet("food", {"*"});
+  const ztb::Symbol dish = database.addAlias("dish", food);
+  database.addSet("pairs", {"*", "*"});
+  database.addParameter("cost", {"*"});
+  const std::vector<ztb::DomainArgument> names{
+      "Food", "dish", "pairs", "cost", "nope", "*", ztb::DomainArgument::nameAlone("food")};
+  const std::vector<ztb::Domain> domains =
+      database.addSymbol("p", ztb::Type::parameter, names).domains();
+  EXPECT_EQ(domains[0].set, food);
+  EXPECT_EQ(domains[0].name, "food");
+  EXPECT_EQ(domains[1].set, dish);
+  EXPECT_EQ(domains[5].set, database.universe());
+  for (const auto& [position, name] : std::vector<std::pair<std::size_t, const char*>>{
+           {2, "pairs"}, {3, "cost"}, {4, "nope"}, {6, "food"}}) {
+    EXPECT_FALSE(domains[position].set) << name;
+    EXPECT_EQ(domains[position].name, name);
+  }
+}
+
 TEST(Database, MakesEveryTypeOfSymbol) {
   ztb::Database database;
   EXPECT_EQ(database.addSet("s", {"*", "*"}, "text").dimension(), 2);

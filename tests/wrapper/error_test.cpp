@@ -34,7 +34,23 @@ TEST(Error, IsThrownForASymbolThatIsThereAlready) {
   ztb::Database database;
   database.addParameter("p", {"*"});
   expectError([&] { database.addParameter("P", {"*"}); }, "ztbAddSymbolX",
+              "The name P is that of symbol p already (the case of letters does not matter): "
               "Symbol P exists already");
+  expectError([&] { database.addParameter("p", {}); }, "ztbAddSymbol",
+              "The name p is that of symbol p already: Symbol p exists already");
+  const ztb::Symbol food = database.addSet("food", {"*"});
+  expectError([&] { database.addAlias("FOOD", food); }, "ztbAddSymbol",
+              "The name FOOD is that of symbol food already (the case of letters does not matter): "
+              "Symbol FOOD exists already");
+}
+
+TEST(Error, IsThrownForASubtypeThatThereIsNot) {
+  ztb::Database database;
+  expectError([&] { database.addVariable("v", 17, {"*"}); }, "ztbAddSymbol",
+              "Subtype 17 of variable v is outside [0,9]");
+  expectError([&] { database.addEquation("e", -1, {}); }, "ztbAddSymbol",
+              "Subtype -1 of equation e is outside [0,6]");
+  EXPECT_EQ(database.symbolCount(), 0);
 }
 
 TEST(Error, IsThrownForMoreThanTwentyPositions) {

@@ -15,12 +15,17 @@ for header in "$include"/ztb/*.hpp; do
     printf 'FAILED: %s compiles as C++17\n' "$name" >&2
     exit 1
   fi
-  # It is the first that the compiler says.
-  first=$(grep -m 1 'error: ' "$folder/log")
+  # It is all that the compiler says.
+  said=$(grep -c 'error: ' "$folder/log")
+  [ "$said" -eq 1 ] || {
+    printf 'FAILED: %s gives %s errors\n' "$name" "$said" >&2
+    exit 1
+  }
+  first=$(grep 'error: ' "$folder/log")
   case $first in
   *'The C++ headers of ztb need C++20: compile with -std=c++20, or set cxx_std_20 in CMake.'*) ;;
   *)
-    printf 'FAILED: of %s the first error is: %s\n' "$name" "$first" >&2
+    printf 'FAILED: of %s the error is: %s\n' "$name" "$first" >&2
     exit 1
     ;;
   esac

@@ -137,10 +137,10 @@ ztb::Model::Conflict explained(ModelSession& session) {
   }
 }
 
-void printSummary(const SolveReport& report) {
+void printSummary(const SolveReport& report, int digits) {
   const ztb::Model& model = report.session.model();
   if (model.hasSolution()) {
-    print(fmt::format("objective   {}\n", NumberText(model.objective()).view()));
+    print(fmt::format("objective   {}\n", NumberText(model.objective(), digits).view()));
   }
   print(fmt::format("status      {}, {}\n", ztbModelStatusText(model.status()),
                     ztbModelSolveStatusText(model.solveStatus())));
@@ -190,6 +190,9 @@ void withBasis(ModelSession& session, void (ztb::Model::*use)(const ztb::ZString
 void run(const SolveOptions& options) {
   if (options.csv && options.shown.size() > 1) {
     throw UsageError("--csv prints one table: name one symbol with --show, or none");
+  }
+  if ((options.csv || options.json) && options.table.digits != 0) {
+    throw UsageError("--digits: goes with what people read; JSON and CSV have every number whole");
   }
   refuseReplacing({options.model, options.modelData, options.data, options.start}, options.out);
   OutputFile output(options.out);
@@ -254,7 +257,7 @@ void run(const SolveOptions& options) {
   if (!options.basis.empty()) {
     report.basis = model.basisTaken() ? "taken" : hadBasis ? "not taken" : "none yet";
   }
-  if (!options.json && !options.csv) printSummary(report);
+  if (!options.json && !options.csv) printSummary(report, options.table.digits);
   if (options.explain && model.status() == ztbModelInfeasible) {
     progress.step("looking for the rows and bounds that cannot hold together");
     report.conflict = explained(session);

@@ -47,7 +47,7 @@ ModelSession::ModelSession(const std::string& modelFile, const std::string& data
       tie_(database_, model_) {}
 
 std::string ModelSession::standardSolver() {
-  return solverOf(boundsCount_ ? model_.updatedKind() : model_.kind());
+  return solverOf(tie_.kind());
 }
 
 std::string ModelSession::standardSolverOfParameters() {
@@ -55,19 +55,11 @@ std::string ModelSession::standardSolverOfParameters() {
 }
 
 std::string ModelSession::solverOf(int kind) const {
-  switch (kind) {
-    case ztbKindLinear:
-      return "clp";
-    case ztbKindMixedInteger:
-      return "cbc";
-    case ztbKindQuadratic:
-      return "ipopt";
-    default:
-      throw Failure(
-          withFile(file_,
-                   "the model has integer columns and products of columns that can move; no solver "
-                   "of the catalogue that comes with ZTB takes both. Name one with --solver"));
-  }
+  if (const char* const solver = ztb::standardSolver(kind)) return solver;
+  throw Failure(
+      withFile(file_,
+               "the model has integer columns and products of columns that can move; no solver of "
+               "the catalogue that comes with ZTB takes both. Name one with --solver"));
 }
 
 bool ModelSession::drives(const std::string& name) const {
@@ -120,7 +112,6 @@ ztb::Symbol ModelSession::parameter(const std::string& name, int dimension) {
 
 int ModelSession::update(const ztb::Symbol& modelSymbol, ztb::Action action,
                          const ztb::Symbol& data, ztb::Missing missing) {
-  boundsCount_ = modelSymbol.type() != ztb::Type::equation;
   return tie_.update(modelSymbol, action, data, missing);
 }
 

@@ -69,7 +69,6 @@ class ModelSession {
   ztb::ModelTie tie_;
   std::map<std::string, ztb::Symbol> parameters_;  // by folded NAME
   std::map<std::string, ztb::Symbol> columns_;     // that a parameter drives, by its own name
-  bool boundsCount_ = false;  // the next solve goes by the bounds that updates gave
 };
 
 // The members of a conflict with `separator` between them, and what is to be known of them all.

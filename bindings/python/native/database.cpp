@@ -89,7 +89,7 @@ Symbol Database::addSymbol(const py::str& name, int type,
       connection_->requireSame(*set->connection());
       arguments.emplace_back(set->client());
     } else {
-      arguments.emplace_back(names[position]);
+      arguments.push_back(ztb::DomainArgument::nameAlone(names[position]));
     }
   }
   return {connection_, client().addSymbol(fromPython(name), static_cast<ztb::Type>(type), arguments,

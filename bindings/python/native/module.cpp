@@ -6,6 +6,7 @@
 #include <string>
 #include <ztb/case_folding.hpp>
 #include <ztb/display_text.hpp>
+#include <ztb/model_names.hpp>
 
 #include "bindings/python/native/database.h"
 #include "bindings/python/native/errors.h"
@@ -20,6 +21,7 @@ PYBIND11_MODULE(_native, module) {
   module.def("display_text", [](const pybind11::str& text) {
     return python::toPython(ztb::displayText(python::fromPython(text)));
   });
+  module.attr("parameter_suffix") = ztb::parameterSuffix;
   // Throws for what can be no text of an element.
   module.def("require_text", [](const pybind11::str& text) { python::textFromPython(text, ""); });
   module.def("folded", [](const pybind11::str& text) {

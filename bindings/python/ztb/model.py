@@ -40,7 +40,7 @@ _MISSING = ("zero", "base", "keep")
 _SOLVERS = {1: "clp", 2: "cbc", 4: "ipopt"}
 _BEST = (1, 2)
 _WITH_POINT = (1, 2, 6)
-_SUFFIX = "_var"
+_SUFFIX = _native.parameter_suffix
 #: Seconds that no solve takes, the most that its limit may be.
 _LONG = 1e10
 
