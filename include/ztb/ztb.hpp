@@ -56,7 +56,7 @@ class DomainArgument {
   DomainArgument(const Name& name) : name_(ZString(name).c_str()) {}
   // A name that is kept as such whether a set has it or not.
   [[nodiscard]] static DomainArgument nameAlone(const ZString& name) {
-    DomainArgument domain(name);
+    DomainArgument domain(name.c_str());
     domain.isAlone_ = true;
     return domain;
   }

@@ -172,7 +172,7 @@ def test_ways_to_solve_that_are_none(tie):
         with pytest.raises(error, match=text):
             tie.solve(**options)
     assert tie.solve(time_limit=np.inf).optimal
-    with pytest.raises(TypeError, match="7 is no statement of what a symbol drives"):
+    with pytest.raises(TypeError, match="7 .int. is no statement of what a symbol drives"):
         tie.drive(7)
     with pytest.raises(ValueError, match="time_limit=nan is no number of seconds"):
         tie._model.explain(time_limit=np.nan)

@@ -97,3 +97,57 @@ def test_what_is_told_of_a_sweep_stands_in_its_notes(file, scenarios):
 def test_what_drives_nothing_is_told_with_what_does(file, scenarios):
     with pytest.raises(ztb.Error, match="no columns prise_var; data drive rate and demand"):
         ztb.sweep(file, {"prise": scenarios["demand"]}, over="s", drive=DRIVE)
+
+
+COSTS = {("s1", "a", "b"): 100.0, ("s2", "a", "b"): 200.0}
+
+
+@pytest.mark.parametrize("order", [
+    ["s", "plant", "city"], ["s", "city", "plant"], ["plant", "city", "s"], ["city", "s", "plant"],
+])
+def test_levels_are_taken_by_their_names(tmp_path, order):
+    model = tmp_path / "m.lp"
+    model.write_text(
+        "Minimize\n z: ship[a,a] + ship[a,b] + ship[b,a]\n"
+        "Subject To\n c: ship[a,b] >= 5\n d: ship[b,a] >= 1\nEnd\n"
+    )
+    costs = pd.Series(COSTS)
+    costs.index.names = ["s", "plant", "city"]
+    drive = ["cost(plant, city) = cost of ship"]
+    # 5 at 100 or 200, and 1 at the file's own 1.
+    result = ztb.sweep(model, {"cost": costs.reorder_levels(order)}, over="s", drive=drive)
+    assert result.objective.to_dict() == {"s1": 501, "s2": 1001}
+
+
+def test_levels_with_the_name_of_another_position_are_refused(file):
+    costs = pd.Series(COSTS)
+    costs.index.names = ["s", "city", "x"]
+    with pytest.raises(ValueError, match="the index is named city, which is position 2"):
+        ztb.sweep(file, {"cost": costs}, over="s", drive=["cost(plant, city) = cost of ship"])
+
+
+def test_files_that_are_missing_or_damaged_have_their_errors(file, scenarios, tmp_path):
+    with pytest.raises(ztb.MissingFileError, match="No such file: .*gone.lp") as failure:
+        ztb.sweep(tmp_path / "gone.lp", scenarios, over="s")
+    assert failure.value.filename.endswith("gone.lp")
+    with pytest.raises(ztb.MissingFileError, match="gone.rxf"):
+        ztb.sweep(file, tmp_path / "gone.rxf", over="s")
+    (tmp_path / "junk.rxf").write_text("junk")
+    with pytest.raises(ztb.DamagedFileError, match="junk.rxf"):
+        ztb.sweep(file, tmp_path / "junk.rxf", over="s")
+
+
+@pytest.mark.parametrize("arguments, options, text", [
+    (({"price": 3}, "s"), {},
+     "price: int is no data of scenarios, expected a series or a mapping whose first label is the "
+     "scenario"),
+    ((3, "s"), {}, "3 (int) is no path of a file, expected a str or a path object"),
+    (({}, 3), {}, "3 (int) is no name of a set to sweep over, expected a str"),
+    (({}, "s"), {"jobs": "2"}, "'2' (str) is no number of jobs, expected an int"),
+    (({}, "s"), {"report": 3}, "3 (int) holds no reports, expected a list or the like"),
+    (({}, "s"), {"drive": [3]}, "3 (int) is no report or statement, expected a str"),
+])
+def test_wrong_types_are_told(file, arguments, options, text):
+    with pytest.raises(TypeError) as failure:
+        ztb.sweep(file, *arguments, **options)
+    assert str(failure.value) == text

@@ -35,6 +35,16 @@ def whole(value: object, what: str) -> int:
     raise TypeError(f"{shown(value)} is no {what}, expected an int")
 
 
+def real(value: object, what: str) -> float:
+    """An argument that is a number."""
+    if not isinstance(value, _NO_NUMBERS):
+        try:
+            return float(value)  # type: ignore[arg-type]
+        except TypeError:
+            pass
+    raise TypeError(f"{shown(value)} is no {what}, expected a number")
+
+
 def flag(value: object, what: str) -> bool:
     """An argument that is true or false."""
     if isinstance(value, (bool, np.bool_)):

@@ -2,7 +2,9 @@
 
 from __future__ import annotations
 
-from typing import TYPE_CHECKING, Any, Callable, Hashable, List, Mapping, Optional, Tuple
+import re
+from typing import TYPE_CHECKING, Any, Callable, Hashable, Iterable, List, Mapping, Optional
+from typing import Sequence, Tuple
 
 import numpy as np
 import numpy.typing as npt
@@ -17,7 +19,22 @@ if TYPE_CHECKING:
 Keys = npt.NDArray[np.int32]
 Numbers = npt.NDArray[np.float64]
 
+#: What stands in front of the equals sign of a statement.
+_STATED = re.compile(r"\s*(\w+)\s*[(\[]([^)\]]*)[)\]]\s*=")
+
 _DOUBLE = np.dtype(np.float64)
+
+
+def stated_positions(statements: Iterable[str], name: str) -> Optional[Tuple[str, ...]]:
+    """The names that the positions of a symbol have in the statement of what it drives."""
+    for statement in statements:
+        stated = _STATED.match(statement)
+        if stated is None or _native.folded(stated[1]) != _native.folded(name):
+            continue
+        names = tuple(position.strip() for position in stated[2].split(","))
+        if all(map(str.isidentifier, names)) and len(set(map(_native.folded, names))) == len(names):
+            return names
+    return None
 
 
 class _Labels:
@@ -62,12 +79,19 @@ class Driven:
     """The columns that a symbol drives, and the parameter that holds its data."""
 
     def __init__(
-        self, model: _native.Model, name: str, columns: _native.Symbol, data: Parameter
+        self,
+        model: _native.Model,
+        name: str,
+        columns: _native.Symbol,
+        data: Parameter,
+        positions: Optional[Sequence[str]] = None,
     ) -> None:
         self._model = model
         self._name = name
         self.columns = columns
         self.data = data
+        #: The names of its positions, where a statement gave them.
+        self.positions = positions
         self._native = data._native
         #: The label numbers of the columns, in their order.
         self.keys: Keys = columns.rows()[0]
@@ -127,6 +151,8 @@ def fill(
     if hasattr(data, "iloc"):
         parameter.from_pandas(data)
         return
+    if data is None:
+        raise TypeError(f"{name or parameter.name}: None (NoneType) holds no numbers")
     if isinstance(data, Symbol):
         raise TypeError(f"{name or parameter.name}: {data.name} is no parameter, and has no numbers")
     if isinstance(data, Mapping):

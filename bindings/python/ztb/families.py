@@ -7,12 +7,12 @@ rows and columns are matched by pandas.
 from __future__ import annotations
 
 from numbers import Real
-from typing import TYPE_CHECKING, Any, List, NamedTuple, Sequence, Tuple, Union
+from typing import TYPE_CHECKING, Any, List, Mapping, NamedTuple, Sequence, Tuple, Union
 
 import numpy as np
 import numpy.typing as npt
 
-from . import _native
+from . import _native, arguments, arrays
 from .labels import label_text
 from .numeric import Parameter
 from .symbol import Alias, Set
@@ -142,6 +142,15 @@ def _series_of(data: Any) -> Any:
     return data
 
 
+def _numbers(data: Any, what: str) -> npt.NDArray[np.float64]:
+    """A number or an array of numbers; anything else is told at once."""
+    if data is None or isinstance(data, (str, bytes, complex, Mapping)):
+        raise TypeError(
+            f"{what}: {arguments.shown(data)} is no number, parameter, series or array"
+        )
+    return arrays.floats(data, what)
+
+
 def aligned(data: Data, frame: "pd.DataFrame", what: str) -> npt.NDArray[np.float64]:
     """A number for each row of a frame of labels: 0 where a series has no record."""
     import pandas as pd
@@ -163,7 +172,7 @@ def aligned(data: Data, frame: "pd.DataFrame", what: str) -> npt.NDArray[np.floa
         if not given and len(table) and count:
             raise ValueError(f"{what}: no record fits any element")
         return np.asarray(np.nan_to_num(values, nan=0.0, posinf=np.inf, neginf=-np.inf))
-    array = np.asarray(data, dtype=np.float64)
+    array = _numbers(data, what)
     if array.ndim == 0:
         return np.full(count, float(array))
     if array.size != count:
@@ -211,6 +220,8 @@ class Expression:
             )
         if isinstance(data, Expression):
             raise TypeError("a product of variables is none of data and a variable")
+        if not hasattr(data, "iloc"):
+            data = _numbers(data, "what multiplies a variable")
         if len(self._terms) != 1 or self._terms[0].data is not None:
             raise TypeError("data multiply one variable at a time, as in x * a + y * b")
         return Expression([self._terms[0]._replace(data=data)])

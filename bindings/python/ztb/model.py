@@ -21,9 +21,10 @@ from typing import Sequence, Tuple, Union
 import numpy as np
 import numpy.typing as npt
 
-from . import _native, arrays, families, fills, matrices
+from . import _native, arguments, arrays, families, fills, matrices
 from .database import Database
-from .driven import Driven, fill
+from .driven import Driven, fill, stated_positions
+from .errors import Error
 from .families import Data, Expression, Family, Over
 from .matrices import Names
 from .numeric import Equation, Parameter, Variable
@@ -61,6 +62,8 @@ class Model:
         self._left: List[str] = []
         self._has_objective = False
         self._statements: List[str] = []
+        #: The names of the positions of variables and equations that were built, by folded names.
+        self._positions: Dict[str, Tuple[str, ...]] = {}
 
     @classmethod
     def open(
@@ -79,6 +82,7 @@ class Model:
         Parameters that the model does not declare stand in :attr:`notes`. Raises
         :class:`ztb.Error` with file and line for what is no such model.
         """
+        arguments.path(path)
         records: Optional[Database] = None
         if isinstance(data, Database):
             records = data
@@ -104,6 +108,7 @@ class Model:
         model._has_objective = True
         model._file = (path, model_data, records)
         model._statements = []
+        model._positions = {}
         return model
 
     @classmethod
@@ -187,6 +192,7 @@ class Model:
         first = self._native.add_columns(
             name, families.native_positions(frame), kinds, low, high
         )
+        self._positions[_native.folded(name)] = tuple(frame.columns)
         return Family(name, first, frame, self._native)
 
     def rows(
@@ -210,7 +216,10 @@ class Model:
         if equal is None and lower is None and upper is None:
             raise ValueError(f"{name}: one of lower, upper and equal is expected")
 
+        positions: List[str] = []
+
         def sides(frame: "pd.DataFrame") -> Any:
+            positions.extend(frame.columns)
             low = equal if lower is None else lower
             high = equal if upper is None else upper
             return matrices.sides(
@@ -219,7 +228,9 @@ class Model:
                 name,
             )
 
-        return families.add_rows(self._native, name, over, expression, sides)
+        count = families.add_rows(self._native, name, over, expression, sides)
+        self._positions[_native.folded(name)] = tuple(positions)
+        return count
 
     def minimize(
         self, expression: Expression, *, name: str = "objective", constant: float = 0.0
@@ -240,7 +251,7 @@ class Model:
             raise ValueError("the model has its objective already")
         # Refused ones leave the model as it was.
         entries = families.objective_entries(self._native, expression)
-        self._native.set_objective(name, maximize, constant)
+        self._native.set_objective(name, maximize, arguments.real(constant, "constant"))
         self._native.add_terms(*entries)
         self._has_objective = True
 
@@ -251,7 +262,10 @@ class Model:
         a variable ``in`` an equation. What the model has not is told with what it has.
         """
         if not isinstance(statement, str):
-            raise TypeError(f"{statement!r} is no statement of what a symbol drives")
+            raise TypeError(
+                f"{arguments.shown(statement)} is no statement of what a symbol drives, expected a "
+                'str, as "price(food) = cost of buy"'
+            )
         self._native.drive(statement)
         self._statements.append(statement)
 
@@ -261,6 +275,8 @@ class Model:
         """Ties the model to a database without labels and symbols, or to a new one."""
         if self._tie is not None:
             raise ValueError("the model is tied to a database already")
+        if db is not None and not isinstance(db, Database):
+            raise TypeError(f"{arguments.shown(db)} is no database")
         self._tie = Tie(self, Database() if db is None else db)
         return self._tie
 
@@ -287,9 +303,10 @@ class Model:
         """
         if self._tie is None:
             raise ValueError("the model was not solved yet")
-        if not time_limit >= 0:
+        seconds = arguments.real(time_limit, "time_limit")
+        if not seconds >= 0:
             raise ValueError(f"time_limit={time_limit} is no number of seconds")
-        irreducible, by_integers, members = self._native.explain(float(time_limit))
+        irreducible, by_integers, members = self._native.explain(seconds)
         return Conflict([text for text, _, _ in members], irreducible, by_integers)
 
     def ranging(self) -> "Ranging":
@@ -465,6 +482,13 @@ def _gap(objective: float, bound: float) -> float:
     return abs(objective - bound) / max(1e-9, abs(objective))
 
 
+def _named(index: "pd.Index", names: Optional[Sequence[str]]) -> "pd.Index":
+    """An index with these names of its levels, where they are known."""
+    if not names or len(names) != index.nlevels:
+        return index
+    return index.set_names(list(names))
+
+
 class Tie:
     """A model tied to a database: data go in by name, solutions come out as symbols.
 
@@ -516,7 +540,8 @@ class Tie:
         from . import frames
 
         driven = self._find(name)
-        return frames.index_of(driven.columns, self._database, driven.keys)
+        index = frames.index_of(driven.columns, self._database, driven.keys)
+        return _named(index, driven.positions)
 
     def __setitem__(self, name: str, data: Any) -> None:
         """Sets the data that drive the model. What has no record stays at what the model has."""
@@ -538,8 +563,8 @@ class Tie:
         left (``missing="keep"``), set to ``"zero"``, or to what the model has (``"base"``). Gives
         the number of records that meet nothing in the model.
         """
-        if action not in _ACTIONS:
-            raise ValueError(f"no action {action!r}, expected one of {', '.join(_ACTIONS)}")
+        arguments.choice(action, "action", _ACTIONS)
+        arguments.text(missing, "choice for missing")
         if missing not in _MISSING:
             raise ValueError(f"no missing={missing!r}, expected one of {', '.join(_MISSING)}")
         symbol = self.database[name]
@@ -547,7 +572,9 @@ class Tie:
             raise KeyError(f"{name} is no variable or equation of the model")
         values = self._updates.get(symbol.name)
         if values is None:
-            values = self._updates[symbol.name] = self._add_parameter(name, symbol.dimension)
+            positions = self._model._positions.get(_native.folded(name))
+            values = self._add_parameter(name, symbol.dimension, positions)
+            self._updates[symbol.name] = values
         fill(values, data, lambda: symbol._native.rows()[0])
         return self._native.update(
             symbol._native, _ACTIONS.index(action), values._native, _MISSING.index(missing)
@@ -572,10 +599,14 @@ class Tie:
         """
         if progress is not None and not callable(progress):
             raise TypeError(f"progress={progress!r} cannot be called")
-        if not 0 <= every < _LONG:
+        if not 0 <= arguments.real(every, "number of seconds for every") < _LONG:
             raise ValueError(f"every={every} is no number of seconds")
         if solver is not None and not isinstance(solver, str):
             raise TypeError(f"{solver!r} is no name of a solver")
+        if options is not None and not isinstance(options, Mapping):
+            raise TypeError(f"{arguments.shown(options)} is no mapping from options to values")
+        if time_limit is not None:
+            time_limit = arguments.real(time_limit, "number of seconds for time_limit")
         self._require_tied()
         native = self._native
         for option, value in (options or {}).items():
@@ -613,8 +644,9 @@ class Tie:
                 columns = self._database[name + _SUFFIX]
             except KeyError:
                 raise KeyError(self._nothing_driven(name)) from None
-            data = self._add_parameter(name, columns.dimension)
-            found = Driven(self._native, name, columns._native, data)
+            positions = stated_positions(self._model._statements, name)
+            data = self._add_parameter(name, columns.dimension, positions)
+            found = Driven(self._native, name, columns._native, data, positions)
             self._driven[key] = found
         self._driven[name] = found
         return found
@@ -632,12 +664,21 @@ class Tie:
             f'data or solve: tie.drive("{name}(...) = cost of ...")'
         )
 
-    def _add_parameter(self, name: str, dimension: int) -> Parameter:
+    def _add_parameter(
+        self, name: str, dimension: int, positions: Optional[Sequence[str]]
+    ) -> Parameter:
+        """A parameter for data, whose levels and columns are taken by the names of its positions
+        where these are known."""
         own = name
         number = 1
         while own in self._database:
             own = f"{name}_data" if number == 1 else f"{name}_data{number}"
             number += 1
+        if positions is not None and len(positions) == dimension:
+            try:
+                return self._database.add_parameter(own, list(positions))
+            except Error:
+                pass  # a name that no domain can have
         return self._database.add_parameter(own, ["*"] * dimension)
 
     def _fields(self, name: str) -> npt.NDArray[np.float64]:
@@ -651,6 +692,9 @@ class Tie:
             from . import frames
 
             symbol = self._database[name]._native
-            index = frames.index_of(symbol, self._database, symbol.rows()[0])
+            index = _named(
+                frames.index_of(symbol, self._database, symbol.rows()[0]),
+                self._model._positions.get(_native.folded(name)),
+            )
             self._indexes[name] = index
         return index

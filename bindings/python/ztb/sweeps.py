@@ -10,9 +10,10 @@ import tempfile
 from pathlib import Path as FilePath
 from typing import TYPE_CHECKING, Any, Iterator, List, Mapping, Optional, Sequence, Union
 
-from . import fills
+from . import arguments, fills
 from .database import Database
-from .errors import Error
+from .driven import stated_positions
+from .errors import Error, MissingFileError
 from .model import Model, Path
 
 if TYPE_CHECKING:
@@ -130,7 +131,12 @@ def sweep(
     This is ``ztb sweep``, whose page in the reference tells the rest; its program is found beside
     the package or on ``PATH``.
     """
-    statements = [drive] if isinstance(drive, str) else list(drive)
+    arguments.text(over, "name of a set to sweep over")
+    arguments.whole(jobs, "number of jobs")
+    reports = [report] if isinstance(report, str) else list(arguments.several(report, "report"))
+    statements = [drive] if isinstance(drive, str) else list(arguments.several(drive, "statement"))
+    for word in (*reports, *statements):
+        arguments.text(word, "report or statement")
     if isinstance(model, Model):
         if model._file is None:
             raise ValueError(
@@ -141,16 +147,21 @@ def sweep(
         file, model_data, data = model._file
         statements = [*model._statements, *statements]
     else:
+        arguments.path(model)
         file = model
+    _require_file(file)
     folder = tempfile.TemporaryDirectory(prefix="ztb-sweep-")
     target = os.fspath(out) if out is not None else str(FilePath(folder.name) / "sweep.rxf")
     if isinstance(scenarios, Mapping) and not isinstance(scenarios, Database):
-        scenarios = _database_of(scenarios, over)
+        scenarios = _database_of(scenarios, over, statements)
     if isinstance(scenarios, Database):
         source = str(FilePath(folder.name) / "scenarios.rxf")
         scenarios.write(source)
     else:
+        arguments.path(scenarios)
         source = os.fspath(scenarios)
+        # What is missing or damaged is told here, by its kind of error.
+        Database(source).close()
     command = [_program(), "sweep", os.fspath(file), "--scenarios", source, "--over", over]
     command += ["--out", target, "--jobs", str(jobs)]
     if isinstance(data, Mapping) and not isinstance(data, Database):
@@ -169,7 +180,7 @@ def sweep(
         command += ["--model-data", os.fspath(model_data)]
     if solver is not None:
         command += ["--solver", solver]
-    for name in [report] if isinstance(report, str) else report:
+    for name in reports:
         command += ["--report", name]
     for statement in statements:
         command += ["--drive", statement]
@@ -178,18 +189,32 @@ def sweep(
     return SweepResult(target, over, folder, _run(command, target))
 
 
-def _database_of(scenarios: Mapping[str, "pd.Series[Any]"], over: str) -> Database:
+def _require_file(path: Path) -> None:
+    if not os.path.exists(path):
+        error = MissingFileError(f"No such file: {os.fspath(path)}", "sweep")
+        error.filename = os.fspath(path)
+        raise error
+
+
+def _database_of(
+    scenarios: Mapping[str, "pd.Series[Any]"], over: str, statements: Sequence[str]
+) -> Database:
     import pandas as pd
 
-    data = {name: _series_of(name, content) for name, content in scenarios.items()}
-    database = Database()
+    series_of = {}
     labels = pd.Index([])
-    for series in data.values():
-        labels = labels.append(pd.Index(series.index.get_level_values(0)))
+    for name, content in scenarios.items():
+        series_of[name] = _scenarios_first(_series_of(name, content), over)
+        labels = labels.append(pd.Index(series_of[name].index.get_level_values(0)))
+    database = Database()
     database.add_set(over).extend(labels.unique())
-    for name, series in data.items():
-        parameter = database.add_parameter(name, [over] + ["*"] * (series.index.nlevels - 1))
-        # The levels stand in the order of the positions, whatever they are called.
+    for name, series in series_of.items():
+        others = series.index.nlevels - 1
+        stated = stated_positions(statements, name)
+        if stated is not None and len(stated) == others > 1:
+            series = series.set_axis(_in_order(series.index, [over, *stated]))
+        # The levels stand in the order of the positions now, whatever they are called.
+        parameter = database.add_parameter(name, [over] + ["*"] * others)
         parameter.from_pandas(series.rename_axis([None] * series.index.nlevels))
     return database
 
@@ -205,6 +230,25 @@ def _series_of(name: str, content: Any) -> "pd.Series[Any]":
         f"{name}: {type(content).__name__} is no data of scenarios, expected a series or a mapping "
         "whose first label is the scenario"
     )
+
+
+def _in_order(index: "pd.Index", names: Sequence[str]) -> "pd.Index":
+    """An index with the levels of scenarios in front and the others in the order of the names that a
+    statement gives its positions, or as they are where they have none of these."""
+    from . import positions
+
+    with Database() as scratch:
+        named = scratch.add_parameter("named", list(names))
+        return positions.ordered(named._native, index.set_names(names[0], level=0))
+
+
+def _scenarios_first(series: "pd.Series[Any]", over: str) -> "pd.Series[Any]":
+    """A series with the level of the scenarios, which has their name or is the first, in front."""
+    names = list(series.index.names)
+    if names.count(over) != 1 or names[0] == over:
+        return series
+    at = names.index(over)
+    return series.reorder_levels([at, *[k for k in range(len(names)) if k != at]])
 
 
 def _program() -> str:
