@@ -20,6 +20,8 @@
 #include <ztb/cpp20.hpp>
 #include <ztb/ztb.hpp>
 
+#ifdef ZTB_CPP20
+
 namespace ztb::inline client {
 
 class ModelFillList {
@@ -118,5 +120,7 @@ class DatabaseFills : public ModelFillList {
 };
 
 }  // namespace ztb::inline client
+
+#endif  // ZTB_CPP20
 
 #endif  // ZTB_MODEL_FILLS_HPP_

@@ -118,7 +118,9 @@ TEST_F(PivotTest, refusesWhatHasNoTable) {
 TEST_F(PivotTest, showsWhatIsWiderThanTheLineInParts) {
   EXPECT_EQ(pivot({"ships", "--rows", "plant", "--columns", "good", "--slice", "*,*,may", "--width",
                    "14"}),
-            "parameter ships(plant, good, *): Tons\n"
+            "parameter\n"
+            "ships(plant,\n"
+            "good, *): Tons\n"
             "\n"
             "plant  milk\n"
             "-----  ----\n"
@@ -129,7 +131,9 @@ TEST_F(PivotTest, showsWhatIsWiderThanTheLineInParts) {
             "-----  -----\n"
             "Bern   undef\n"
             "\n"
-            "2 rows x 2 columns, 3 records\n");
+            "2 rows x 2\n"
+            "columns, 3\n"
+            "records\n");
 }
 
 TEST_F(PivotTest, roundsToTheDigitsAskedFor) {
@@ -156,7 +160,7 @@ TEST_F(PivotTest, takesMemoryForRecordsOnly) {
   const std::string table =
       ztbFine({"pivot", "b.rxf", "p", "--rows", "1,2", "--columns", "3", "--width", "24"});
   EXPECT_NE(table.find("\nl49999  l49999   49999\n"), std::string::npos);
-  EXPECT_NE(table.find("\n50000 rows x 50000 columns, 50000 records\n"), std::string::npos);
+  EXPECT_NE(table.find("\n50000 rows x 50000\ncolumns, 50000 records\n"), std::string::npos);
   EXPECT_EQ(ztbFine({"pivot", "b.rxf", "p", "--rows", "1,2", "--columns", "3", "--slice", "l17,*,*",
                      "--csv"}),
             "dim_1,dim_2,l17\nl17,l17,17\n");

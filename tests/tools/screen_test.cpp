@@ -57,7 +57,8 @@ TEST_F(ScreenTest, TablesFitTheTerminal) {
             "--------------  -----\r\n"
             "a rather long\xE2\x80\xA6      1\r\n"
             "\r\n"
-            "1 record shown, others follow\r\n");
+            "1 record shown,\r\n"
+            "others follow\r\n");
 }
 
 // Help, and what stands above and below a table, is broken where the line ends; examples are not.

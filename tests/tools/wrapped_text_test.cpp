@@ -24,7 +24,7 @@ TEST(Wrapped, CountsThePlacesOfWideCharacters) {
 }
 
 TEST(WrappedHelp, KeepsDescriptionsInTheirColumn) {
-  EXPECT_EQ(wrappedHelp("Options:\n  --width N                Places in a line of a table\n", 50),
+  EXPECT_EQ(wrappedHelp("Options:\n  --width N                Places in a line of a table\n", 51),
             "Options:\n"
             "  --width N                Places in a line of a\n"
             "                           table\n");
