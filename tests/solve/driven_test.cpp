@@ -490,4 +490,33 @@ TEST_F(DriveRefusal, LeavesColumnsThatCarryDataInTheFileAlone) {
             "a statement; give the symbol another name");
 }
 
+double solvedByItsKind(const std::string& file, const std::string& text) {
+  std::ofstream(file) << text;
+  ztb::Model model = ztb::Model::open(file);
+  ztb::Database database;
+  ztb::ModelTie tie(database, model);
+  tie.solve();
+  return model.objective();
+}
+
+// A solver for linear models would give 1.5 for integers as well, and none of its own kind takes
+// products: x^2 - 3x is -2.25 at 1.5.
+TEST(ModelTie, SolvesWithTheSolverForTheKindOfModel) {
+  const ztbtest::TempFolder folder;
+  const std::string file = folder.file("m.lp");
+  const std::string linear = "Minimize\n o: x\nSubject To\n c: x >= 1.5\n";
+  const std::string product = "Minimize\n o: - 3 x + [ 2 x ^ 2 ] / 2\nSubject To\n c: x <= 9\n";
+  EXPECT_EQ(solvedByItsKind(file, linear + "End\n"), 1.5);
+  EXPECT_EQ(solvedByItsKind(file, linear + "Generals\n x\nEnd\n"), 2);
+  EXPECT_THAT(solvedByItsKind(file, product + "End\n"), DoubleNear(-2.25, 1e-6));
+  try {
+    solvedByItsKind(file, product + "Generals\n x\nEnd\n");
+    FAIL();
+  } catch (const ztb::Error& error) {
+    EXPECT_STREQ(error.what(),
+                 "The model has integer columns and products of columns that can move; no solver "
+                 "of the catalogue that comes with ZTB takes both, name one that does");
+  }
+}
+
 }  // namespace
