@@ -1,4 +1,4 @@
-#include "formats/sql_module.h"
+#include "formats/sql/module.h"
 
 #include <algorithm>
 #include <array>
@@ -6,8 +6,8 @@
 #include <exception>
 #include <new>
 
-#include "formats/sql_plan.h"
-#include "formats/sql_walk.h"
+#include "formats/sql/plan.h"
+#include "formats/sql/walk.h"
 
 namespace formats {
 

@@ -1,4 +1,4 @@
-#include "formats/sql_walk.h"
+#include "formats/sql/walk.h"
 
 #include <algorithm>
 #include <limits>

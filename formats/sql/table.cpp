@@ -1,4 +1,4 @@
-#include "formats/sql_table.h"
+#include "formats/sql/table.h"
 
 #include <algorithm>
 #include <bit>

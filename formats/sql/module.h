@@ -7,8 +7,8 @@
 #include <memory>
 #include <string>
 
-#include "formats/sql_table.h"
-#include "formats/sqlite_api.h"
+#include "formats/sql/table.h"
+#include "formats/sql/sqlite_api.h"
 
 namespace formats {
 

@@ -9,7 +9,7 @@
 #include <vector>
 #include <ztb/ztb.hpp>
 
-#include "formats/sql_table.h"
+#include "formats/sql/table.h"
 
 namespace formats {
 

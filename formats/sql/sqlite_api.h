@@ -1,7 +1,7 @@
 // SQLite, as a library that is linked, or, in the loadable extension, as the functions of the
 // program that loads it: two copies of SQLite must never meet in one connection.
-#ifndef ZTB_FORMATS_SQLITE_API_H_
-#define ZTB_FORMATS_SQLITE_API_H_
+#ifndef ZTB_FORMATS_SQL_SQLITE_API_H_
+#define ZTB_FORMATS_SQL_SQLITE_API_H_
 
 #ifdef ZTB_SQLITE_EXTENSION
 #include <sqlite3ext.h>
@@ -10,4 +10,4 @@ SQLITE_EXTENSION_INIT3
 #include <sqlite3.h>
 #endif
 
-#endif  // ZTB_FORMATS_SQLITE_API_H_
+#endif  // ZTB_FORMATS_SQL_SQLITE_API_H_

@@ -9,7 +9,7 @@
 #include <vector>
 #include <ztb/ztb.hpp>
 
-#include "formats/sql_labels.h"
+#include "formats/sql/labels.h"
 
 namespace formats {
 

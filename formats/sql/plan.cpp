@@ -1,4 +1,4 @@
-#include "formats/sql_plan.h"
+#include "formats/sql/plan.h"
 
 #include <algorithm>
 #include <cstring>

@@ -1,4 +1,4 @@
-#include "formats/sql_labels.h"
+#include "formats/sql/labels.h"
 
 #include <algorithm>
 #include <charconv>

@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "formats/sql_table.h"
-#include "formats/sql_walk.h"
-#include "formats/sqlite_api.h"
+#include "formats/sql/table.h"
+#include "formats/sql/walk.h"
+#include "formats/sql/sqlite_api.h"
 
 namespace formats {
 
