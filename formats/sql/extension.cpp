@@ -5,8 +5,9 @@
 //   select * from ztb('diet.rxf', 'price') where dim_1 = 'milk';
 //
 // The first form has the columns of the symbol. The columns of the second are the same for all
-// symbols, since SQLite fixes them before it sees the arguments: dim_1 to dim_4, value (the level of
-// a variable or equation) and text, and by name alone dim_5 to dim_20, marginal, lower, upper, scale.
+// symbols, since SQLite fixes them before it sees the arguments: dim_1 to dim_4, value (the level
+// of a variable or equation) and text, and by name alone dim_5 to dim_20, marginal, lower, upper,
+// scale.
 
 #include <sys/stat.h>
 
@@ -112,10 +113,10 @@ constexpr int shownPositions = 4;
 enum Column {
   valueColumn = shownPositions,
   textColumn,
+  fileColumn,  // arguments are the first hidden columns
+  symbolColumn,
   firstHidden,  // dim_5 and on
-  firstField = firstHidden + ZTB_MAX_DIMENSION - shownPositions,
-  fileColumn = firstField + ztb::fieldCount - 1,
-  symbolColumn
+  firstField = firstHidden + ZTB_MAX_DIMENSION - shownPositions
 };
 
 struct FunctionTable {
@@ -144,16 +145,15 @@ int positionOfColumn(int column) {
 
 int connectFunction(sqlite3* connection, void* data, sqlite3_vtab** table) {
   std::string text = "create table ztb(";
-  const auto addKey = [&](int position, const char* behind) {
-    text += "dim_" + std::to_string(position + 1) + " text collate nocase" + behind + ", ";
+  const auto addKey = [&](int position, const char* type) {
+    text += "dim_" + std::to_string(position + 1) + " text" + type + " collate nocase, ";
   };
   for (int position = 0; position < shownPositions; ++position) addKey(position, "");
-  text += "value real, text text, ";
+  text += "value real, text text, file text hidden, symbol text hidden, ";
   for (int position = shownPositions; position < ZTB_MAX_DIMENSION; ++position) {
-    addKey(position, " hidden");
+    addKey(position, " hidden");  // a part of the type to SQLite
   }
-  text += "marginal real hidden, lower real hidden, upper real hidden, scale real hidden, "
-          "file text hidden, symbol text hidden)";
+  text += "marginal real hidden, lower real hidden, upper real hidden, scale real hidden)";
   const int result = sqlite3_declare_vtab(connection, text.c_str());
   if (result == SQLITE_OK) {
     *table = &(new FunctionTable{{}, filesOf(data)})->base;
@@ -189,8 +189,9 @@ int planFunction(sqlite3_vtab* base, sqlite3_index_info* info) {
       }
     }
     if (file < 0 || symbol < 0) {
-      throw ztb::Error("ztb", "ztb() takes a file and the name of a symbol: "
-                              "ztb('diet.rxf', 'price')");
+      throw ztb::Error("ztb",
+                       "ztb() takes a file and the name of a symbol: "
+                       "ztb('diet.rxf', 'price')");
     }
     int next = 0;
     const auto take = [&](int constraint, bool checked) {
@@ -204,8 +205,8 @@ int planFunction(sqlite3_vtab* base, sqlite3_index_info* info) {
     double rows = 1e6;
     for (int position = 0; position < ZTB_MAX_DIMENSION; ++position) {
       if (given[static_cast<std::size_t>(position)] >= 0) {
-        conditions += {static_cast<char>(formats::SqlCondition::equal),
-                       static_cast<char>('a' + position)};
+        conditions +=
+            {static_cast<char>(formats::SqlCondition::equal), static_cast<char>('a' + position)};
         take(given[static_cast<std::size_t>(position)], false);
         rows = std::max(rows / 100, 1.0);
       }
@@ -213,7 +214,7 @@ int planFunction(sqlite3_vtab* base, sqlite3_index_info* info) {
     info->idxStr = sqlite3_mprintf("%s", conditions.c_str());
     info->needToFreeIdxStr = 1;
     // Texts are read one by one, so that the walk is told; and whether all that is shown is used.
-    const std::uint64_t shown = (1U << firstHidden) - 1;
+    const std::uint64_t shown = (1U << fileColumn) - 1;
     info->idxNum = static_cast<int>((info->colUsed >> textColumn) & 1) |
                    ((info->colUsed & shown) == shown ? 2 : 0);
     info->estimatedCost = rows;
@@ -235,8 +236,8 @@ int filterFunction(sqlite3_vtab_cursor* base, int number, const char* conditions
     cursor.walk.reset();
     cursor.table.reset();
     cursor.database = reinterpret_cast<FunctionTable*>(base->pVtab)->files->open(path);
-    cursor.table = std::make_unique<SqlTable>(*cursor.database,
-                                              positionOf(*cursor.database, path, symbol));
+    cursor.table =
+        std::make_unique<SqlTable>(*cursor.database, positionOf(*cursor.database, path, symbol));
     if ((number & 2) != 0 && cursor.table->dimension() > shownPositions) {
       throw ztb::Error("ztb", "symbol " + symbol + " has " +
                                   std::to_string(cursor.table->dimension()) +
@@ -270,7 +271,7 @@ void giveColumn(const FunctionCursor& cursor, sqlite3_context* context, int colu
     if (table.isSet() && !table.isUniverse()) {
       sqlite3_result_text(context, cursor.walk->text().c_str(), -1, SQLITE_TRANSIENT);
     }
-  } else if (column < fileColumn && !table.isSet()) {
+  } else if ((column == valueColumn || column >= firstField) && !table.isSet()) {
     const int slot = column == valueColumn ? 0 : column - firstField + 1;
     if (slot < static_cast<int>(cursor.table->symbol().valueCount())) {
       sqlite3_result_double(context, cursor.walk->value(slot));
@@ -310,9 +311,7 @@ sqlite3_module functionModule() {
       return SQLITE_OK;
     });
   };
-  module.xEof = [](sqlite3_vtab_cursor* cursor) {
-    return cursorOf(cursor).walk->atEnd() ? 1 : 0;
-  };
+  module.xEof = [](sqlite3_vtab_cursor* cursor) { return cursorOf(cursor).walk->atEnd() ? 1 : 0; };
   module.xColumn = [](sqlite3_vtab_cursor* cursor, sqlite3_context* context, int column) {
     return guardedSql(&cursor->pVtab->zErrMsg, [&] {
       giveColumn(cursorOf(cursor), context, column);
@@ -340,8 +339,9 @@ int connectSymbol(sqlite3* connection, void* data, int count, const char* const*
   return guardedSql(message, [&] {
     constexpr int own = 3;
     if (count != own + 2) {
-      throw ztb::Error("ztb", "ztb_symbol takes a file and the name of a symbol: "
-                              "using ztb_symbol('diet.rxf', 'price')");
+      throw ztb::Error("ztb",
+                       "ztb_symbol takes a file and the name of a symbol: "
+                       "using ztb_symbol('diet.rxf', 'price')");
     }
     const std::string path = unquoted(arguments[own]);
     std::shared_ptr<SqlDatabase> database = filesOf(data)->open(path);

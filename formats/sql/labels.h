@@ -1,6 +1,6 @@
 // The labels of a database as SQL sees them: their texts by number, and their numbers by text, by
-// order of texts and by numeric value. Each table is made when it is first needed and grows with the
-// database, whose labels never change and never go.
+// order of texts and by numeric value. Each table is made when it is first needed and grows with
+// the database, whose labels never change and never go.
 #ifndef ZTB_FORMATS_SQL_LABELS_H_
 #define ZTB_FORMATS_SQL_LABELS_H_
 

@@ -157,8 +157,8 @@ int connect(sqlite3* connection, void* data, int count, const char* const* argum
   return guardedSql(message, [&] {
     constexpr int argument = 3;
     const int position = count > argument ? std::atoi(arguments[argument]) : SqlTable::universe;
-    auto made = std::make_unique<SqlVirtualTable>(static_cast<ModuleData*>(data)->database,
-                                                  position);
+    auto made =
+        std::make_unique<SqlVirtualTable>(static_cast<ModuleData*>(data)->database, position);
     const int result = declareTable(connection, made->table);
     if (result == SQLITE_OK) {
       *table = &made.release()->base;

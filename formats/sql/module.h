@@ -1,5 +1,5 @@
-// Symbols as virtual tables of SQLite. The tables are read-only and copy nothing: a query walks over
-// the records where they are, as its plan says.
+// Symbols as virtual tables of SQLite. The tables are read-only and copy nothing: a query walks
+// over the records where they are, as its plan says.
 #ifndef ZTB_FORMATS_SQL_MODULE_H_
 #define ZTB_FORMATS_SQL_MODULE_H_
 
@@ -7,8 +7,8 @@
 #include <memory>
 #include <string>
 
-#include "formats/sql/table.h"
 #include "formats/sql/sqlite_api.h"
+#include "formats/sql/table.h"
 
 namespace formats {
 
@@ -29,7 +29,8 @@ int guardedSql(char** message, const std::function<int()>& body);
 int declareTable(sqlite3* connection, const SqlTable& table);
 
 // The functions of a module whose tables are SqlVirtualTables: all but those that make and find
-// them. For a hidden column, one from `columnCount` on, nothing is given out and nothing pushed down.
+// them. For a hidden column, one from `columnCount` on, nothing is given out and nothing pushed
+// down.
 sqlite3_module sqlModule();
 
 // Adds the module `name` to a connection: `create virtual table t using NAME(POSITION)` makes the

@@ -14,8 +14,9 @@ enum class Comparison { folded, exact, other };
 
 Comparison comparisonOf(sqlite3_index_info* info, int constraint) {
   const std::string_view name = sqlite3_vtab_collation(info, constraint);
-  return name == "NOCASE" ? Comparison::folded
-                          : name == "BINARY" ? Comparison::exact : Comparison::other;
+  return name == "NOCASE"   ? Comparison::folded
+         : name == "BINARY" ? Comparison::exact
+                            : Comparison::other;
 }
 
 // Whether the value is known to be a text; others may be compared as numbers.

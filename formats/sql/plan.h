@@ -6,14 +6,14 @@
 #include <string>
 #include <vector>
 
+#include "formats/sql/sqlite_api.h"
 #include "formats/sql/table.h"
 #include "formats/sql/walk.h"
-#include "formats/sql/sqlite_api.h"
 
 namespace formats {
 
-// The conditions that a walk gets as arguments. Each is two chars: what it is, and the letter of its
-// position, 'a' for the first.
+// The conditions that a walk gets as arguments. Each is two chars: what it is, and the letter of
+// its position, 'a' for the first.
 enum class SqlCondition : char {
   equal = '=',
   among = '#',  // all values of an IN at once
@@ -24,11 +24,11 @@ enum class SqlCondition : char {
 };
 
 struct SqlPlan {
-  std::string conditions;         // as above
-  std::vector<int> constraints;   // of SQLite, one for each
-  std::vector<bool> checked;      // whether SQLite need not look at it again
-  std::vector<bool> given;        // positions with one label
-  bool ranged = false;            // the first position has a list or range
+  std::string conditions;        // as above
+  std::vector<int> constraints;  // of SQLite, one for each
+  std::vector<bool> checked;     // whether SQLite need not look at it again
+  std::vector<bool> given;       // positions with one label
+  bool ranged = false;           // the first position has a list or range
 };
 
 // The plan for a table whose first `dimension` columns are keys.

@@ -84,9 +84,9 @@ struct ztbSqlRec {
         throw ztb::Error("ztbSqlAttach", sqlite3_errmsg(connection));
       }
       int count = 0;
-      ztb::detail::require(c__ztbinfo(database->handle, ZTB_INFO_SYMBOL_COUNT_WITH_ALIAS, &count,
-                                      nullptr, nullptr),
-                           database->handle, "ztbInfo");
+      ztb::detail::require(
+          c__ztbinfo(database->handle, ZTB_INFO_SYMBOL_COUNT_WITH_ALIAS, &count, nullptr, nullptr),
+          database->handle, "ztbInfo");
       run("begin");
       for (int position = formats::SqlTable::universe; position < count; ++position) {
         addTable(schema, module, *database, position);
@@ -115,9 +115,8 @@ struct ztbSqlRec {
       name = ztb::Symbol(database.handle, symbol).name().str();
     }
     const bool isReserved = ztb::folded(name).starts_with("sqlite_");
-    run("create virtual table " + quoted(schema) + '.' +
-        quoted(isReserved ? "ztb_" + name : name) + " using " + module + '(' +
-        std::to_string(position) + ')');
+    run("create virtual table " + quoted(schema) + '.' + quoted(isReserved ? "ztb_" + name : name) +
+        " using " + module + '(' + std::to_string(position) + ')');
   }
 };
 
@@ -133,9 +132,8 @@ SQL_EXPORT int ztbSqlOpen(ztbSql** sql, char* message, int messageSize) {
 
 SQL_EXPORT int ztbSqlAttach(ztbSql* sql, const char* schema, ztbRec* database, char* message,
                             int messageSize) {
-  return guarded(message, messageSize, [&] {
-    sql->attach(schema, std::make_shared<formats::SqlDatabase>(database));
-  });
+  return guarded(message, messageSize,
+                 [&] { sql->attach(schema, std::make_shared<formats::SqlDatabase>(database)); });
 }
 
 SQL_EXPORT int ztbSqlAttachFile(ztbSql* sql, const char* schema, const char* path, char* message,

@@ -90,7 +90,8 @@ void SqlTable::sample() {
     double guess = goesOn ? found * count / looked : found;
     if (position == 0) {
       std::array<double, ztb::fieldCount> values{};
-      const ztb::Record end(*symbol_, ztb::detail::lastRecord({database_->handle, symbol_->handle()}).release());
+      const ztb::Record end(
+          *symbol_, ztb::detail::lastRecord({database_->handle, symbol_->handle()}).release());
       end.raw(last.data(), values.data());
       guess = std::min(guess, last[0] - first + 1.0);
     }

@@ -17,7 +17,8 @@ constexpr std::size_t largestBlock = 512;
 }  // namespace
 
 void SqlWalk::failChanged() const {
-  throw ztb::Error("ztbSqlNext", "records of the database were changed while the query was reading");
+  throw ztb::Error("ztbSqlNext",
+                   "records of the database were changed while the query was reading");
 }
 
 void SqlWalk::begin(SqlSelection selection, bool withTexts) {
@@ -37,8 +38,9 @@ void SqlWalk::begin(SqlSelection selection, bool withTexts) {
   }
   c__ztbgetuserspecialvalues(symbol.database(), special_.data());
   const auto positions = static_cast<std::size_t>(table_->dimension());
-  const auto given = static_cast<std::size_t>(std::count_if(
-      selection_.labels.data(), selection_.labels.data() + positions, [](int l) { return l != 0; }));
+  const auto given = static_cast<std::size_t>(std::count_if(selection_.labels.data(),
+                                                            selection_.labels.data() + positions,
+                                                            [](int l) { return l != 0; }));
   if (table_->isUniverse()) {
     kind_ = Kind::numbers;
     if (!selection_.firsts && given > 0) {
@@ -104,9 +106,8 @@ bool SqlWalk::toRecords() {
     return left_ > 0;
   }
   if (mayGoOn_) {
-    if (ztb::detail::answer(database, "ztbRecordMoveNext", [&] {
-          return c__ztbrecordmovenext(database, record_.get()) != 0;
-        })) {
+    if (ztb::detail::answer(database, "ztbRecordMoveNext",
+                            [&] { return c__ztbrecordmovenext(database, record_.get()) != 0; })) {
       return true;
     }
   }

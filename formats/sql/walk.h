@@ -1,5 +1,5 @@
-// A walk over records of a table, from the one that a query asks for to all of them, in the order of
-// label numbers. It reads blocks of records and holds a record handle, so each step first looks
+// A walk over records of a table, from the one that a query asks for to all of them, in the order
+// of label numbers. It reads blocks of records and holds a record handle, so each step first looks
 // whether records have changed.
 #ifndef ZTB_FORMATS_SQL_WALK_H_
 #define ZTB_FORMATS_SQL_WALK_H_
@@ -58,9 +58,9 @@ class SqlWalk {
   }
   [[noreturn]] void failChanged() const;
   [[nodiscard]] double ordinary(double value) const {
-    const bool isSpecial = value == special_[ZTB_UNDEFINED] || value == special_[ZTB_NOT_AVAILABLE] ||
-                           value == special_[ZTB_PLUS_INFINITY] ||
-                           value == special_[ZTB_MINUS_INFINITY];
+    const bool isSpecial =
+        value == special_[ZTB_UNDEFINED] || value == special_[ZTB_NOT_AVAILABLE] ||
+        value == special_[ZTB_PLUS_INFINITY] || value == special_[ZTB_MINUS_INFINITY];
     return isSpecial ? spelled(value) : value;
   }
   [[nodiscard]] double spelled(double value) const;

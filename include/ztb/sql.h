@@ -22,9 +22,9 @@
  * ASCII letters folded. Values are reals: infinities are SQLite's, what is not available or
  * undefined is null, and epsilon is the smallest double, as databases have it.
  *
- * Records are read from their source when a query first plans to read them. A condition on keys that
- * asks for one label finds its records without a look at the others, at any position; so does an IN
- * or a range of labels on the first one. Records come in the order of labels' numbers, unless
+ * Records are read from their source when a query first plans to read them. A condition on keys
+ * that asks for one label finds its records without a look at the others, at any position; so does
+ * an IN or a range of labels on the first one. Records come in the order of labels' numbers, unless
  * ORDER BY says otherwise.
  *
  * The functions stand in libztbsql.so. A ztbSql is used by one thread at a time, and so is each
@@ -45,8 +45,8 @@ typedef struct ztbSqlRowsRec ztbSqlRows;
 /* What a result holds. */
 enum { ZTB_SQL_NULL = 0, ZTB_SQL_INTEGER = 1, ZTB_SQL_REAL = 2, ZTB_SQL_TEXT = 3 };
 
-/* Begins without any database. 1, or 0 with the reason in `message`, cut to `messageSize` bytes with
- * its final zero, and *sql null. */
+/* Begins without any database. 1, or 0 with the reason in `message`, cut to `messageSize` bytes
+ * with its final zero, and *sql null. */
 int ztbSqlOpen(ztbSql** sql, char* message, int messageSize);
 
 /* Adds the symbols that a database has now as tables, under a schema name that is not taken, and as

@@ -157,9 +157,9 @@ TEST_F(SqlQuery, SortsOnlyWhereRecordsHaveAnotherOrder) {
               ElementsAre("2020", "apple", "Milk", "Tofu"));
   EXPECT_THAT(plan("select * from holds order by food"), HasSubstr("TEMP B-TREE FOR ORDER BY"));
   ztb::Symbol sorted = database_.addParameter("sorted", {"*", "*"});
-  sorted.put(std::array{1, 2}, 1);   // Milk, Tofu
-  sorted.put(std::array{1, 6}, 2);   // Milk, Zwieback
-  sorted.put(std::array{2, 2}, 3);   // Tofu, Tofu
+  sorted.put(std::array{1, 2}, 1);  // Milk, Tofu
+  sorted.put(std::array{1, 6}, 2);  // Milk, Zwieback
+  sorted.put(std::array{2, 2}, 3);  // Tofu, Tofu
   begin();
   EXPECT_THAT(rows("select * from sorted order by dim_1, dim_2"),
               ElementsAre("Milk Tofu 1.0", "Milk Zwieback 2.0", "Tofu Tofu 3.0"));
@@ -281,7 +281,8 @@ TEST_F(SqlQuery, ReadsOnlyTheSymbolsOfTheQuery) {
   // The file goes away with what was not read.
   c__ztbcloserxf(opened.handle(), 0);
   EXPECT_THAT(rows("select count(*) from lazy.food"), ElementsAre("6"));
-  EXPECT_THAT(rows("select count(*) from lazy.holds").front(), testing::AnyOf("0", testing::StartsWith("!")));
+  EXPECT_THAT(rows("select count(*) from lazy.holds").front(),
+              testing::AnyOf("0", testing::StartsWith("!")));
 }
 
 }  // namespace

@@ -253,8 +253,8 @@ Content contentOf(const Query& query, const SymbolSpec& spec) {
     }
   }
   if (others.size() > 1) {
-    throw UsageError(fmt::format("{}: which column has the values? write = COLUMN behind it",
-                                 spec.source));
+    throw UsageError(
+        fmt::format("{}: which column has the values? write = COLUMN behind it", spec.source));
   }
   content.value = others.empty() ? -1 : others.front();
   return content;
@@ -287,8 +287,8 @@ void addRecord(const Query& query, const Content& content, ztb::Database& databa
   }
   const int type = ztbSqlType(query.rows(), content.value);
   if (type == ZTB_SQL_TEXT) {
-    throw Failure(fmt::format("{} is no number",
-                              inQuotes(ztbSqlText(query.rows(), content.value))));
+    throw Failure(
+        fmt::format("{} is no number", inQuotes(ztbSqlText(query.rows(), content.value))));
   }
   record.setLevel(type == ZTB_SQL_NULL ? database.specialValues()[ZTB_NOT_AVAILABLE]
                                        : ztbSqlReal(query.rows(), content.value));
@@ -296,14 +296,15 @@ void addRecord(const Query& query, const Content& content, ztb::Database& databa
 
 // Writes all of the first file, with the result as one symbol more.
 void writeSymbol(Query& query, const SqlOptions& options) {
-  const SymbolSpec spec = parseSymbolSpec(SpecKind::parameter, *options.into);
+  SymbolSpec spec = parseSymbolSpec(SpecKind::parameter, *options.into);
+  spec.source = "--into " + *options.into;
   const Content content = contentOf(query, spec);
   OutputFile output(*options.out);
   ztb::Database database = ztb::Database::open(query.firstFile());
   std::size_t count = 0;
   try {
-    ztb::Symbol symbol = addSymbol(database, spec,
-                                   content.value < 0 ? ztb::Type::set : ztb::Type::parameter);
+    ztb::Symbol symbol =
+        addSymbol(database, spec, content.value < 0 ? ztb::Type::set : ztb::Type::parameter);
     std::vector<std::string> labels(spec.keys.size());
     query.walk([&] {
       ++count;
@@ -352,9 +353,8 @@ void addSqlCommand(CommandLine& line) {
   const Option csv = command.flag("--csv", options->csv, "Print as CSV");
   Option json = command.flag("--json", options->json, "Print as JSON");
   json.excludes(csv);
-  Option into =
-      command.text("--into", options->into,
-                   "Make a symbol of the rows, as in 'total(food) = sum'; with --out");
+  Option into = command.text("--into", options->into,
+                             "Make a symbol of the rows, as in 'total(food) = sum'; with --out");
   into.typeName("SYMBOL").notEmpty().excludes(csv).excludes(json);
   command
       .text("--out", options->out,
@@ -370,7 +370,8 @@ void addSqlCommand(CommandLine& line) {
       "name of the file without its ending. Labels compare with the case of letters folded.\n\n"
       "Examples:\n"
       "  ztb sql diet.rxf 'select food, value from price where value < 20 order by value'\n"
-      "  ztb sql diet.rxf 'select nutrient, sum(value) as amount from nutrition group by nutrient' \\\n"
+      "  ztb sql diet.rxf 'select nutrient, sum(value) as amount from nutrition group by nutrient' "
+      "\\\n"
       "    --into 'supply(nutrient) = amount' --out more.rxf");
   command.action([options] {
     runSql(*options);

@@ -36,8 +36,8 @@ void require(int result, const Message& message, const char* operation) {
   }
 }
 
-// A column of a result: doubles as long as there are only reals and nulls, which are NaNs there, and
-// Python's own objects from the first other thing on.
+// A column of a result: doubles as long as there are only reals and nulls, which are NaNs there,
+// and Python's own objects from the first other thing on.
 class Column {
  public:
   void add(const ztbSqlRows* rows, int column) {
