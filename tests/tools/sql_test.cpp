@@ -75,10 +75,12 @@ TEST_F(SqlTest, MakesASymbolOfTheRows) {
   EXPECT_EQ(ztbFine({"show", "new.rxf", "total"}),
             "parameter total(food): All of it\n"
             "\n"
-            "food  total\n"
+            "food  value\n"
             "----  -----\n"
             "Milk      4\n"
-            "Tofu   -inf\n");
+            "Tofu   -inf\n"
+            "\n"
+            "2 records\n");
   // All else is there as before.
   EXPECT_EQ(ztbFine({"sql", "new.rxf", "select count(*) as n from holds", "--csv"}), "n\n3\n");
   EXPECT_EQ(
@@ -94,7 +96,8 @@ TEST_F(SqlTest, MakesASymbolOfTheRows) {
 
 TEST_F(SqlTest, TellsWhatIsWrong) {
   expectFails(1, "ztb: no such table: pric\n", {"sql", "diet.rxf", "select * from pric"});
-  expectFails(1, "ztb: none.rxf: No such file: none.rxf\n", {"sql", "none.rxf", "select 1"});
+  expectFails(1, "ztb: Error opening RXF file: No such file: none.rxf\n",
+              {"sql", "none.rxf", "select 1"});
   expectFails(1, "ztb: a query that gives rows is expected, as select does\n",
               {"sql", "diet.rxf", "drop table price"});
   expectFails(2, "ztb: the query has a parameter, which nothing is given for\n",

@@ -242,13 +242,16 @@ Content contentOf(const Query& query, const SymbolSpec& spec) {
       throw UsageError(fmt::format("{}: the query gives no column {}", spec.source, key.column));
     }
   }
+  const auto isKey = [&](int column) {
+    return std::ranges::find(content.keys, column) != content.keys.end();
+  };
   content.value = find(spec.contentColumn);
-  if (content.value >= 0) {
+  if (content.value >= 0 && !isKey(content.value)) {
     return content;
   }
   std::vector<int> others;
   for (int column = 0; column < query.columnCount(); ++column) {
-    if (std::ranges::find(content.keys, column) == content.keys.end()) {
+    if (!isKey(column)) {
       others.push_back(column);
     }
   }
