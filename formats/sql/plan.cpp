@@ -113,6 +113,7 @@ void giveLabel(SqlSelection& selection, std::size_t position, std::vector<int> l
 SqlPlan planSql(sqlite3_index_info* info, int dimension) {
   SqlPlan plan;
   plan.given.assign(static_cast<std::size_t>(dimension), false);
+  plan.fixed = plan.given;
   const auto take = [&](int constraint, SqlCondition condition, int position, bool checked) {
     plan.conditions += {static_cast<char>(condition), static_cast<char>('a' + position)};
     plan.constraints.push_back(constraint);
@@ -137,8 +138,9 @@ SqlPlan planSql(sqlite3_index_info* info, int dimension) {
       continue;
     }
     plan.given[position] = true;
+    plan.fixed[position] = isText(info, i);
     take(i, SqlCondition::equal, constraint.iColumn,
-         comparison == Comparison::folded && isText(info, i));
+         comparison == Comparison::folded && plan.fixed[position]);
   }
   if (dimension == 0 || plan.given[0]) {
     return plan;
@@ -170,7 +172,7 @@ SqlPlan planSql(sqlite3_index_info* info, int dimension) {
   return plan;
 }
 
-bool givesOrder(sqlite3_index_info* info, SqlTable& table, const std::vector<bool>& given) {
+bool givesOrder(sqlite3_index_info* info, SqlTable& table, const std::vector<bool>& fixed) {
   if (info->nOrderBy == 0) {
     return false;
   }
@@ -182,7 +184,7 @@ bool givesOrder(sqlite3_index_info* info, SqlTable& table, const std::vector<boo
     if (term.iColumn < 0 || term.iColumn >= dimension || (term.desc != 0 && !groups)) {
       return false;
     }
-    if (!given[static_cast<std::size_t>(term.iColumn)]) {
+    if (!fixed[static_cast<std::size_t>(term.iColumn)]) {
       wanted.push_back(term.iColumn);
     }
   }
@@ -190,10 +192,10 @@ bool givesOrder(sqlite3_index_info* info, SqlTable& table, const std::vector<boo
     std::ranges::sort(wanted);
     wanted.erase(std::ranges::unique(wanted).begin(), wanted.end());
   }
-  // The positions that one label is not given for, in their order.
+  // The positions that have several labels, in their order.
   int position = 0;
   for (const int column : wanted) {
-    while (position < dimension && given[static_cast<std::size_t>(position)]) {
+    while (position < dimension && fixed[static_cast<std::size_t>(position)]) {
       ++position;
     }
     if (column != position || (!groups && !table.ascends(position))) {

@@ -27,7 +27,8 @@ struct SqlPlan {
   std::string conditions;        // as above
   std::vector<int> constraints;  // of SQLite, one for each
   std::vector<bool> checked;     // whether SQLite need not look at it again
-  std::vector<bool> given;       // positions with one label
+  std::vector<bool> given;       // positions that a value is given for
+  std::vector<bool> fixed;       // those whose value is a text, which is one label at most
   bool ranged = false;           // the first position has a list or range
 };
 
@@ -36,7 +37,7 @@ SqlPlan planSql(sqlite3_index_info* info, int dimension);
 
 // Whether records come in the order that the query wants, or, where it wants groups alone, with
 // those of a group behind each other.
-bool givesOrder(sqlite3_index_info* info, SqlTable& table, const std::vector<bool>& given);
+bool givesOrder(sqlite3_index_info* info, SqlTable& table, const std::vector<bool>& fixed);
 
 // What the arguments of a walk choose.
 SqlSelection selectionOf(SqlTable& table, const char* conditions, sqlite3_value** arguments);
