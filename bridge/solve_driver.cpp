@@ -166,6 +166,7 @@ class SolveDriver {
   }
 
   void dropSolution() {
+    ++db_.recordChanges;
     const int count = dictionarySymbolCount(db_.nmt);
     for (int i = 1; i <= count; ++i) {
       const std::string name = dictionarySymbolName(db_.nmt, i);

@@ -3,9 +3,10 @@
 #
 #   find_package(ztb)   gives ztb::ztbcclib64, the library for C, and ztb::ztb, the C++ wrapper;
 #                       ztb::model for programs that solve models (ztb/model.h, model.hpp);
-#                       ztb::rxf for programs that look into exchange files (ztb/rxf.h, rxf.hpp)
+#                       ztb::rxf for programs that look into exchange files (ztb/rxf.h, rxf.hpp);
 #                       ztb::formats for programs that read and write the files of others
-#                       (ztb/formats.h)
+#                       (ztb/formats.h);
+#                       ztb::sql for programs that query databases in SQL (ztb/sql.h)
 #   pkg-config ztb      the same for other build systems; ztb-model, ztb-rxf, ztb-formats
 
 include(CMakePackageConfigHelpers)
@@ -31,6 +32,9 @@ add_library(ztb::rxf ALIAS rxfcclib64)
 set_target_properties(ztbformats PROPERTIES EXPORT_NAME formats)
 install(TARGETS ztbformats EXPORT ztb-targets LIBRARY DESTINATION ${ZTB_LIBRARY_FOLDER} COMPONENT libraries)
 add_library(ztb::formats ALIAS ztbformats)
+# Programs that query databases in SQL link this one; the other is what SQLite's own program loads.
+install(TARGETS ztbsql EXPORT ztb-targets LIBRARY DESTINATION ${ZTB_LIBRARY_FOLDER} COMPONENT libraries)
+install(TARGETS ztbsqlite LIBRARY DESTINATION ${ZTB_LIBRARY_FOLDER} COMPONENT libraries)
 # Programs that open models link this one, by ztb::model.
 install(TARGETS lomudclib64 EXPORT ztb-targets LIBRARY DESTINATION ${ZTB_LIBRARY_FOLDER} COMPONENT libraries)
 add_library(ztb::lomudclib64 ALIAS lomudclib64)

@@ -44,8 +44,9 @@ inline int failNoRecord(ZTB& db) {
   return db.fail("No symbol record handle specified");
 }
 
-// Sets the mark of write recording while recording is on.
-inline void markWritten(const ZTB& db, AbstractZTBSymbol& symbol) {
+// Counts a write, and sets the mark of write recording while recording is on.
+inline void markWritten(ZTB& db, AbstractZTBSymbol& symbol) {
+  ++db.recordChanges;
   if (db.writeRecording) {
     symbol.writeRecorded = true;
   }

@@ -72,7 +72,7 @@ int mergeRecord(ZTB& db, void* sym, const char** keys, void** recPtr) {
 }
 
 int writeSlot(ztbRec* handle, const char* name, void* rec, int slot, double value) {
-  return operation(handle, name, [&](const ZTB& db) {
+  return operation(handle, name, [&](ZTB& db) {
     AbstractZTBSymbolIterator& record = requireRecord(rec);
     markWritten(db, *record.symbol());
     valueSlot(record, slot) = db.mapIn(value);

@@ -1,5 +1,6 @@
 // Reading values, texts and keys of records.
 
+#include <algorithm>
 #include <cmath>
 #include <stdexcept>
 #include <string>
@@ -121,6 +122,46 @@ int ztbGetRecordRaw(ztbRec* handle, void* rec, int /*dim*/, int* keys, double* v
     const int copied = type == ZTB_VARIABLE || type == ZTB_EQUATION ? dmap::maxSlots : 1;
     for (int slot = 0; slot < copied; ++slot) {
       values[slot] = db.mapOut(values[slot]);
+    }
+    return success;
+  });
+}
+
+int ztbReadRecords(ztbRec* handle, void* rec, int most, int* const* keys, double* const* values) {
+  return operation(handle, "ztbReadRecords", [&](ZTB& db) {
+    if (rec == nullptr) {
+      return failNoRecord(db);
+    }
+    if (most < 1) {
+      return db.fail("%d records cannot be read", most);
+    }
+    AbstractZTBSymbolIterator& record = *recordOf(rec);
+    const int count = record.copyRecords(most, db.uels.size() - 1, keys, values);
+    if (db.specialValueMode != SpecialValueMode::none && !record.onUniverse()) {
+      for (int slot = 0; slot < dmap::slotCount(record.symbol()->type); ++slot) {
+        std::transform(values[slot], values[slot] + count, values[slot],
+                       [&](double value) { return db.mapOut(value); });
+      }
+    }
+    return count;
+  });
+}
+
+int ztbValuesInPlace(ztbRec* handle, void* sym, const double** values) {
+  return operation(handle, "ztbValuesInPlace", [&](ZTB& db) {
+    *values = nullptr;
+    AbstractZTBSymbol* symbol = symbolOf(sym);
+    if (symbol == nullptr) {
+      return failNoSymbol(db);
+    }
+    if (symbol->type != ZTB_PARAMETER || symbol->storageKind() != dmap::StorageKind::dMapVector) {
+      return success;
+    }
+    if (!db.ensureLoaded(*symbol)) {
+      return failure;
+    }
+    if (!symbol->isEmpty()) {
+      *values = symbol->firstRecord()->values();
     }
     return success;
   });

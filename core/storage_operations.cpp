@@ -32,6 +32,7 @@ int convert(ZTB& db, dmap::StorageKind kind, void** symPtr) {
   std::unique_ptr<AbstractZTBSymbol> converted = convertSymbol(kind, *symbol);
   db.retiredSymbols.reserve(db.retiredSymbols.size() + 1);
   db.symbols.replace(symbol, converted.get());
+  ++db.recordChanges;
   db.retiredSymbols.emplace_back(symbol)->releaseRecords();
   *symPtr = converted.release();
   return success;

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "core/operations.h"
 #include "peers/rgy_family.h"
 #include "peers/rxf_family.h"
 #include "store/symbol_factory.h"
@@ -15,7 +16,8 @@ constinit std::atomic<std::int32_t> debugLevel = 0;
 ZTB::ZTB() : ZTB(nullptr) {}
 
 ZTB::ZTB(const char* systemDirectory)
-    : ztbRec{ZTB_ERROR_NONE}, sysDir(systemDirectory == nullptr ? "" : systemDirectory) {
+    : ztbRec{ZTB_ERROR_NONE, 0, ztbReadRecords, ztbValuesInPlace},
+      sysDir(systemDirectory == nullptr ? "" : systemDirectory) {
   SymbolDescription description;
   description.name = "*";
   description.dim = 1;
@@ -97,6 +99,7 @@ bool ZTB::emptySymbol(AbstractZTBSymbol& symbol) {
   if (!requireReadable(symbol)) {
     return false;
   }
+  ++recordChanges;
   symbol.startRecordsAnew();
   symbol.loaded = true;
   return true;

@@ -132,6 +132,7 @@ int ztbInitFromHVEX(ztbRec* handle, ztbHostFindSymbol findSymbol,
     db.hvexUserMem = userMem;
     db.initFrom = Source::hvexSetup;
     db.hvexSpecialValues = hostSpecialValues;
+    ++db.recordChanges;
     db.symbols.clearAll();
     db.initFrom = Source::hvex;
     return success;

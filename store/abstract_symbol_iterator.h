@@ -58,6 +58,10 @@ class AbstractZTBSymbolIterator {
   // of that map.
   virtual const void* valuesAddress() = 0;
 
+  // Copies records by columns, at most `most` from the one that it stands on, and stands on the
+  // last of them then; their number. Of the universe, whose largest label is given, no values.
+  virtual int copyRecords(int most, int lastLabel, int* const* keys, double* const* values) = 0;
+
   // Takes the symbol and the position of another handle. Throws std::logic_error when its symbol is
   // on another record store.
   void moveToSymbolOf(const AbstractZTBSymbolIterator& other);

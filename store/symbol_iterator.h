@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <numeric>
 #include <optional>
 #include <stdexcept>
 
@@ -142,6 +143,30 @@ class ZTBSymbolIterator final : public AbstractZTBSymbolIterator {
     std::copy_n(record.values, fiveSlots ? dmap::maxSlots : 1, values);
   }
 
+  int copyRecords(int most, int lastLabel, int* const* keys, double* const* values) override {
+    if (mode_ == IterationMode::universe) {
+      const int first = universePosition_;
+      universePosition_ = first + std::min(most - 1, std::max(lastLabel - first, 0));
+      std::iota(keys[0], keys[0] + (universePosition_ - first + 1), first);
+      return universePosition_ - first + 1;
+    }
+    dmap::RecordView record = current();
+    const int slots = dmap::slotCount(symbol_->type);
+    int count = 0;
+    while (true) {
+      for (int position = 0; position < dimension(); ++position) {
+        keys[position][count] = record.keys[position];
+      }
+      for (int slot = 0; slot < slots; ++slot) {
+        values[slot][count] = record.values[slot];
+      }
+      if (++count == most || !stepQuietly()) {
+        return count;
+      }
+      record = position_.get();
+    }
+  }
+
   void assignPosition(const AbstractZTBSymbolIterator& other) override {
     position_ = static_cast<const ZTBSymbolIterator&>(other).position_;
     takeRecordsOf(other);
@@ -217,6 +242,16 @@ class ZTBSymbolIterator final : public AbstractZTBSymbolIterator {
     if (!atEnd()) {
       position_.next();
     }
+  }
+
+  // Steps on in the symbol or slice; at its last record it stays.
+  bool stepQuietly() {
+    if (mode_ == IterationMode::slice) {
+      return stepInSlice();
+    }
+    const Iterator here = position_;
+    position_.next();
+    return atEnd() ? stayOn(here) : true;
   }
 
   // A store of rows can leave a handle more than one row behind its last record.

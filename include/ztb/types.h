@@ -10,9 +10,14 @@ extern "C" {
 
 /* The front of a database; the rest is the library's own, so that only pointers to it cross the
  * interface. To be read only. */
-typedef struct ztbRec {
-  int errorKind; /* of the latest failure, as ztbErrorKind tells it */
-} ztbRec;
+typedef struct ztbRec ztbRec;
+struct ztbRec {
+  int errorKind;          /* of the latest failure, as ztbErrorKind tells it */
+  unsigned recordChanges; /* as ztbRecordChanges tells it */
+  /* what ztbReadRecords and ztbValuesInPlace call */
+  int (*recordReader)(ztbRec* ztb, void* rec, int most, int* const* keys, double* const* values);
+  int (*valueFinder)(ztbRec* ztb, void* sym, const double** values);
+};
 
 /* What a host engine offers to a database that is attached to it. Names and texts have a length
  * byte in front and no terminator; userMem is the host's own word. All but the log return 0 for

@@ -108,6 +108,13 @@ static inline int ztbErrorKind(const ztbRec* ztb) {
   return ztb->errorKind;
 }
 
+/* Counts the operations that may have written to records or taken them away, of any symbol; what is
+ * read from a source does not count. As long as it is the same, record handles stand where they
+ * stood and what was read is as it was. Wraps around. */
+static inline unsigned ztbRecordChanges(const ztbRec* ztb) {
+  return ztb->recordChanges;
+}
+
 /* Trace level of the whole process: above 0 every operation prints its name to standard
  * output; 2 adds the progress of loading. */
 int c__ztbsetdebug(ztbRec* ztb, int level);
@@ -313,6 +320,22 @@ int c__ztbgetkey(ztbRec* ztb, void* rec, int index, char* key);
 /* Label numbers and values of a record: one value for sets and parameters, five for variables
  * and equations. dim is not used. */
 int c__ztbgetrecordraw(ztbRec* ztb, void* rec, int dim, int* keys, double* values);
+
+/* Copies records by columns, the one that the handle stands on first, and leaves the handle on the
+ * last of them: at most `most`, and their number is returned, 0 after a failure. keys has an array
+ * of `most` label numbers for each position, values an array of `most` doubles for each slot, 1 or
+ * 5. Much faster than a step and a read for each record. Of the universe there are no values. */
+static inline int ztbReadRecords(ztbRec* ztb, void* rec, int most, int* const* keys,
+                                 double* const* values) {
+  return ztb->recordReader(ztb, rec, most, keys, values);
+}
+
+/* The values of a parameter on the vector store where they lie, one for each record in their order,
+ * with special values as c__ztbgetspecialvalues has them: *values, null for any other symbol and
+ * without records. They stay until ztbRecordChanges tells a change. */
+static inline int ztbValuesInPlace(ztbRec* ztb, void* sym, const double** values) {
+  return ztb->valueFinder(ztb, sym, values);
+}
 
 /* ---- changing records --------------------------------------------------------------------------
  */

@@ -34,6 +34,7 @@ class ThrowingRecord final : public AbstractZTBSymbolIterator {
   bool sameValues(AbstractZTBSymbolIterator&) override { return refused<int>() != nullptr; }
   [[nodiscard]] int dimension() const override { return 1; }
   void copyRecord(int*, double*) override { refused<int>(); }
+  int copyRecords(int, int, int* const*, double* const*) override { return *refused<int>(); }
   const int* keys() override { return refused<int>(); }
   void assignPosition(const AbstractZTBSymbolIterator&) override { refused<int>(); }
   const void* valuesAddress() override { return refused<const void>(); }

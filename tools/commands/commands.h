@@ -31,6 +31,9 @@ void addCopyCommand(CommandLine& line);
 // ztb pivot FILE SYMBOL: a symbol as a two-way table.
 void addPivotCommand(CommandLine& line);
 
+// ztb sql FILE... QUERY: queries the symbols of files in SQL.
+void addSqlCommand(CommandLine& line);
+
 // ztb model MODEL: what a model consists of.
 void addModelCommand(CommandLine& line);
 

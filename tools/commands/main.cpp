@@ -30,6 +30,7 @@ int run(int argc, char** argv) {
   tool::addCheckCommand(line);
   tool::addCopyCommand(line);
   tool::addPivotCommand(line);
+  tool::addSqlCommand(line);
   tool::addModelCommand(line);
   tool::addSolveCommand(line);
   tool::addSweepCommand(line);

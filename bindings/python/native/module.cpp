@@ -12,6 +12,7 @@
 #include "bindings/python/native/errors.h"
 #include "bindings/python/native/left_work.h"
 #include "bindings/python/native/model.h"
+#include "bindings/python/native/sql.h"
 #include "bindings/python/native/strings.h"
 #include "bindings/python/native/symbol.h"
 
@@ -32,6 +33,7 @@ PYBIND11_MODULE(_native, module) {
   python::bindNewLabels(module);
   python::bindDatabase(module);
   python::bindModel(module);
+  python::bindSql(module);
   pybind11::module_::import("atexit").attr("register")(
       pybind11::cpp_function(&python::awaitLeftWork));
 }

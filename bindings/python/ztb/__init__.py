@@ -17,6 +17,7 @@ from .families import Expression, Family
 from .labels import Key, Label, label_text
 from .model import Conflict, Model, Progress, Ranging, Solution, Tie
 from .numeric import Equation, Parameter, Variable
+from .queries import sql
 from .selection import Selection
 from .special import (
     CODE_EPSILON,
@@ -89,5 +90,6 @@ __all__ = [
     "read",
     "special_code",
     "special_codes",
+    "sql",
     "sweep",
 ]

@@ -1,0 +1,163 @@
+// Queries over a symbol beside the same queries over the same records in SQLite's own table, whose
+// primary key is that of the records; both in memory, in one program. Processor time.
+
+#include <sqlite3.h>
+#include <ztb/sql.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <string>
+#include <ztb/ztb.hpp>
+
+namespace {
+
+constexpr int labels = 100;  // at each of three positions
+constexpr int rounds = 5;
+constexpr int lookups = 200000;
+
+double seconds() {
+  return static_cast<double>(std::clock()) / CLOCKS_PER_SEC;
+}
+
+std::string label(int number) {
+  return "label" + std::to_string(number);
+}
+
+void must(int result, sqlite3* connection) {
+  if (result != SQLITE_OK) {
+    std::fprintf(stderr, "%s\n", sqlite3_errmsg(connection));
+    std::exit(1);
+  }
+}
+
+sqlite3_stmt* prepared(sqlite3* connection, const char* query) {
+  sqlite3_stmt* statement = nullptr;
+  must(sqlite3_prepare_v2(connection, query, -1, &statement, nullptr), connection);
+  return statement;
+}
+
+// The best time of a query, whose rows are read whole, and a sum over them.
+struct Timed {
+  double time = 1e9;
+  double sum = 0;
+};
+
+Timed timed(sqlite3* connection, const char* query) {
+  sqlite3_stmt* statement = prepared(connection, query);
+  Timed result;
+  for (int round = 0; round < rounds; ++round) {
+    const double begin = seconds();
+    result.sum = 0;
+    while (sqlite3_step(statement) == SQLITE_ROW) {
+      for (int column = 0; column < sqlite3_column_count(statement); ++column) {
+        result.sum += sqlite3_column_type(statement, column) == SQLITE_TEXT
+                          ? sqlite3_column_bytes(statement, column)
+                          : sqlite3_column_double(statement, column);
+      }
+    }
+    result.time = std::min(result.time, seconds() - begin);
+    sqlite3_reset(statement);
+  }
+  sqlite3_finalize(statement);
+  return result;
+}
+
+Timed timedLookups(sqlite3* connection) {
+  sqlite3_stmt* statement =
+      prepared(connection, "select value from p where i = ? and j = ? and k = ?");
+  Timed result{0, 0};
+  const double begin = seconds();
+  for (int number = 0; number < lookups; ++number) {
+    const std::array<std::string, 3> keys{label(1 + number * 7 % labels),
+                                          label(1 + labels + number * 13 % labels),
+                                          label(1 + 2 * labels + number * 29 % labels)};
+    for (int position = 0; position < 3; ++position) {
+      sqlite3_bind_text(statement, position + 1, keys[static_cast<std::size_t>(position)].c_str(),
+                        -1, SQLITE_STATIC);
+    }
+    result.sum += sqlite3_step(statement) == SQLITE_ROW ? sqlite3_column_double(statement, 0) : 0;
+    sqlite3_reset(statement);
+  }
+  result.time = seconds() - begin;
+  sqlite3_finalize(statement);
+  return result;
+}
+
+void report(const char* what, const Timed& own, const Timed& rival) {
+  std::printf("%-44s %9.2f %9.2f %7.2f%s\n", what, own.time * 1e3, rival.time * 1e3,
+              rival.time / own.time, own.sum == rival.sum ? "" : "  DIFFERENT ANSWERS");
+}
+
+void fill(sqlite3* rival, const ztb::Symbol& symbol) {
+  must(sqlite3_exec(rival,
+                    "create table p(i text collate nocase not null, j text collate nocase not null,"
+                    "k text collate nocase not null, value real, primary key(i, j, k)) "
+                    "without rowid; begin",
+                    nullptr, nullptr, nullptr),
+       rival);
+  sqlite3_stmt* insert = prepared(rival, "insert into p values(?, ?, ?, ?)");
+  for (const ztb::Row row : symbol.rows()) {
+    for (int position = 0; position < 3; ++position) {
+      sqlite3_bind_text(insert, position + 1,
+                        label(row.keys[static_cast<std::size_t>(position)]).c_str(), -1,
+                        SQLITE_TRANSIENT);
+    }
+    sqlite3_bind_double(insert, 4, row.values[0]);
+    sqlite3_step(insert);
+    sqlite3_reset(insert);
+  }
+  sqlite3_finalize(insert);
+  must(sqlite3_exec(rival, "commit", nullptr, nullptr, nullptr), rival);
+}
+
+void contest(ztb::Store store, const char* name, sqlite3* rival) {
+  ztb::Database database;
+  database.selectStore(store);
+  ztb::Symbol symbol = database.addParameter("p", {"i", "j", "k"});
+  for (int number = 1; number <= 3 * labels; ++number) {
+    database.mergeLabel(label(number));
+  }
+  for (int i = 1; i <= labels; ++i) {
+    for (int j = 1; j <= labels; ++j) {
+      for (int k = 1; k <= labels; ++k) {
+        symbol.put(std::array{i, labels + j, 2 * labels + k}, i * 0.5 + k);
+      }
+    }
+  }
+  if (sqlite3_total_changes(rival) == 0) {
+    fill(rival, symbol);
+  }
+  ztbSql* sql = nullptr;
+  std::array<char, 512> message{};
+  if (ztbSqlOpen(&sql, message.data(), 512) == 0 ||
+      ztbSqlAttach(sql, "db", database.handle(), message.data(), 512) == 0) {
+    std::fprintf(stderr, "%s\n", message.data());
+    std::exit(1);
+  }
+  auto* own = static_cast<sqlite3*>(ztbSqlConnection(sql));
+  std::printf("\n%-44s %9s %9s %7s\n", name, "ztb ms", "SQLite ms", "ratio");
+  const auto both = [&](const char* what, const char* query) {
+    report(what, timed(own, query), timed(rival, query));
+  };
+  both("full scan, sum of values", "select sum(value) from p");
+  both("full scan, all columns", "select * from p");
+  both("prefix of 10^4 records, sum of values", "select sum(value) from p where i = 'label7'");
+  both("prefix of 10^4 records, all columns", "select * from p where i = 'label7'");
+  both("second position, all columns", "select * from p where j = 'label150'");
+  both("groups of the first position", "select i, sum(value) from p group by i");
+  report("200,000 lookups", timedLookups(own), timedLookups(rival));
+  ztbSqlClose(&sql);
+}
+
+}  // namespace
+
+int main() {
+  sqlite3* rival = nullptr;
+  must(sqlite3_open(":memory:", &rival), rival);
+  contest(ztb::Store::map, "map", rival);
+  contest(ztb::Store::vector, "vector", rival);
+  sqlite3_close(rival);
+}

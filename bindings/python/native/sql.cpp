@@ -1,0 +1,167 @@
+#include "bindings/python/native/sql.h"
+
+#include <pybind11/numpy.h>
+#include <ztb/sql.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <limits>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "bindings/python/native/database.h"
+#include "bindings/python/native/strings.h"
+
+namespace python {
+
+namespace {
+
+using Message = std::array<char, 512>;
+using Named = std::pair<py::str, const Database*>;
+
+struct CloseSql {
+  void operator()(ztbSql* sql) const { ztbSqlClose(&sql); }
+};
+struct CloseRows {
+  void operator()(ztbSqlRows* rows) const { ztbSqlRowsClose(&rows); }
+};
+using Rows = std::unique_ptr<ztbSqlRows, CloseRows>;
+
+void require(int result, const Message& message, const char* operation) {
+  if (result == 0) {
+    throw ztb::Error(operation, message.data());
+  }
+}
+
+// A column of a result: doubles as long as there are only reals and nulls, which are NaNs there,
+// and Python's own objects from the first other thing on.
+class Column {
+ public:
+  void add(const ztbSqlRows* rows, int column) {
+    const int type = ztbSqlType(rows, column);
+    if (type == ZTB_SQL_INTEGER || type == ZTB_SQL_TEXT) {
+      toObjects();
+    }
+    if (!isObjects_) {
+      isNull_.push_back(type == ZTB_SQL_NULL);
+      reals_.push_back(type == ZTB_SQL_NULL ? std::numeric_limits<double>::quiet_NaN()
+                                            : ztbSqlReal(rows, column));
+      return;
+    }
+    switch (type) {
+      case ZTB_SQL_NULL:
+        objects_.append(py::none());
+        break;
+      case ZTB_SQL_INTEGER:
+        objects_.append(ztbSqlInteger(rows, column));
+        break;
+      case ZTB_SQL_REAL:
+        objects_.append(ztbSqlReal(rows, column));
+        break;
+      default:
+        objects_.append(toPython(ztbSqlText(rows, column)));
+    }
+  }
+
+  [[nodiscard]] py::object result() const {
+    return isObjects_ ? py::object(objects_)
+                      : py::array_t<double>(static_cast<py::ssize_t>(reals_.size()), reals_.data());
+  }
+
+ private:
+  void toObjects() {
+    if (isObjects_) {
+      return;
+    }
+    isObjects_ = true;
+    for (std::size_t row = 0; row < reals_.size(); ++row) {
+      objects_.append(isNull_[row] ? py::object(py::none()) : py::object(py::float_(reals_[row])));
+    }
+  }
+
+  std::vector<double> reals_;
+  std::vector<bool> isNull_;
+  py::list objects_;
+  bool isObjects_ = false;
+};
+
+void bind(ztbSqlRows* rows, const py::sequence& parameters) {
+  const int count = ztbSqlParameterCount(rows);
+  if (static_cast<int>(py::len(parameters)) != count) {
+    throw py::value_error("the query has " + std::to_string(count) + " parameters, " +
+                          std::to_string(py::len(parameters)) + " are given");
+  }
+  for (int number = 1; number <= count; ++number) {
+    const py::object value = parameters[static_cast<std::size_t>(number) - 1];
+    if (py::isinstance<py::int_>(value)) {
+      ztbSqlBindInteger(rows, number, value.cast<long long>());
+    } else if (py::isinstance<py::float_>(value)) {
+      ztbSqlBindReal(rows, number, value.cast<double>());
+    } else {
+      ztbSqlBindText(rows, number, labelFromPython(value).c_str());
+    }
+  }
+}
+
+// The names of the columns, and for each its content. Each database is used in its turn.
+py::tuple query(const std::vector<Named>& databases, const py::str& text,
+                const py::sequence& parameters) {
+  std::vector<std::shared_ptr<Connection>> connections;
+  for (const auto& [name, database] : databases) {
+    connections.push_back(database->connection());
+  }
+  // Two threads that query the same databases take them in the same order.
+  std::ranges::sort(connections);
+  connections.erase(std::ranges::unique(connections).begin(), connections.end());
+  std::vector<std::unique_ptr<Use>> turns;
+  for (const auto& connection : connections) {
+    turns.push_back(std::make_unique<Use>(*connection));
+  }
+  Message message{};
+  const auto size = static_cast<int>(message.size());
+  ztbSql* opened = nullptr;
+  require(ztbSqlOpen(&opened, message.data(), size), message, "ztbSqlOpen");
+  const std::unique_ptr<ztbSql, CloseSql> sql(opened);
+  for (const auto& [name, database] : databases) {
+    require(ztbSqlAttach(opened, fromPython(name).c_str(), database->connection()->handle(),
+                         message.data(), size),
+            message, "ztbSqlAttach");
+  }
+  ztbSqlRows* begun = nullptr;
+  require(ztbSqlQuery(&begun, opened, fromPython(text).c_str(), message.data(), size), message,
+          "ztbSqlQuery");
+  const Rows rows(begun);
+  bind(begun, parameters);
+  std::vector<Column> columns(static_cast<std::size_t>(ztbSqlColumnCount(begun)));
+  int state = 0;
+  constexpr int rowsBetweenSignals = 4096;
+  for (int row = 1; (state = ztbSqlNext(begun)) > 0; ++row) {
+    for (std::size_t column = 0; column < columns.size(); ++column) {
+      columns[column].add(begun, static_cast<int>(column));
+    }
+    if (row % rowsBetweenSignals == 0 && PyErr_CheckSignals() != 0) {
+      throw py::error_already_set();
+    }
+  }
+  if (state < 0) {
+    throw ztb::Error("ztbSqlNext", ztbSqlMessage(begun));
+  }
+  py::list names;
+  py::list contents;
+  for (std::size_t column = 0; column < columns.size(); ++column) {
+    names.append(toPython(ztbSqlColumnName(begun, static_cast<int>(column))));
+    contents.append(columns[column].result());
+  }
+  return py::make_tuple(names, contents);
+}
+
+}  // namespace
+
+void bindSql(py::module_& module) {
+  module.def("sql", &query);
+}
+
+}  // namespace python

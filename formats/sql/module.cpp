@@ -1,0 +1,223 @@
+#include "formats/sql/module.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <exception>
+#include <new>
+
+#include "formats/sql/plan.h"
+#include "formats/sql/walk.h"
+
+namespace formats {
+
+namespace {
+
+struct Cursor {
+  sqlite3_vtab_cursor base{};
+  SqlWalk walk;
+
+  explicit Cursor(SqlTable& table) : walk(table) {}
+};
+
+// What module and tables share of a connection.
+struct ModuleData {
+  std::shared_ptr<SqlDatabase> database;
+};
+
+SqlVirtualTable& tableOf(sqlite3_vtab* table) {
+  return *reinterpret_cast<SqlVirtualTable*>(table);
+}
+Cursor& cursorOf(sqlite3_vtab_cursor* cursor) {
+  return *reinterpret_cast<Cursor*>(cursor);
+}
+
+std::string quotedName(const std::string& name) {
+  std::string quoted = "\"";
+  for (const char c : name) {
+    quoted += c;
+    if (c == '"') {
+      quoted += c;
+    }
+  }
+  return quoted + '"';
+}
+
+int guarded(sqlite3_vtab* table, const std::function<int()>& body) {
+  return guardedSql(&table->zErrMsg, body);
+}
+
+int disconnect(sqlite3_vtab* table) {
+  delete &tableOf(table);
+  return SQLITE_OK;
+}
+
+int bestIndex(sqlite3_vtab* base, sqlite3_index_info* info) {
+  return guarded(base, [&] {
+    SqlTable& table = tableOf(base).table;
+    const SqlPlan plan = planSql(info, table.dimension());
+    for (std::size_t i = 0; i < plan.constraints.size(); ++i) {
+      auto& usage = info->aConstraintUsage[plan.constraints[i]];
+      usage.argvIndex = static_cast<int>(i) + 1;
+      usage.omit = plan.checked[i] ? 1 : 0;
+    }
+    info->idxStr = sqlite3_mprintf("%s", plan.conditions.c_str());
+    if (info->idxStr == nullptr) {
+      return SQLITE_NOMEM;
+    }
+    info->needToFreeIdxStr = 1;
+    const bool namesText =
+        table.isSet() && !table.isUniverse() && ((info->colUsed >> table.dimension()) & 1) != 0;
+    info->idxNum = namesText ? 1 : 0;
+    double rows = table.estimate(plan.given);
+    // A list or range on the first position is taken for a quarter, as SQLite itself takes it.
+    constexpr double partOfRange = 0.25;
+    rows = plan.ranged ? std::max(rows * partOfRange, 1.0) : rows;
+    if (std::ranges::find(plan.fixed, false) == plan.fixed.end()) {
+      info->idxFlags = SQLITE_INDEX_SCAN_UNIQUE;
+    }
+    info->estimatedRows = static_cast<sqlite3_int64>(rows);
+    // Finding a place takes about as long as a few steps.
+    constexpr double seek = 4;
+    info->estimatedCost = rows + (plan.conditions.empty() ? 0 : seek);
+    info->orderByConsumed = givesOrder(info, table, plan.fixed) ? 1 : 0;
+    return SQLITE_OK;
+  });
+}
+
+int openCursor(sqlite3_vtab* base, sqlite3_vtab_cursor** cursor) {
+  return guarded(base, [&] {
+    *cursor = &(new Cursor(tableOf(base).table))->base;
+    return SQLITE_OK;
+  });
+}
+
+int closeCursor(sqlite3_vtab_cursor* cursor) {
+  delete &cursorOf(cursor);
+  return SQLITE_OK;
+}
+
+int filter(sqlite3_vtab_cursor* base, int withTexts, const char* conditions, int /*count*/,
+           sqlite3_value** arguments) {
+  return guarded(base->pVtab, [&] {
+    SqlWalk& walk = cursorOf(base).walk;
+    walk.begin(selectionOf(tableOf(base->pVtab).table, conditions, arguments), withTexts != 0);
+    return SQLITE_OK;
+  });
+}
+
+int next(sqlite3_vtab_cursor* base) {
+  try {
+    cursorOf(base).walk.next();
+    return SQLITE_OK;
+  } catch (...) {
+    return guarded(base->pVtab, []() -> int { throw; });
+  }
+}
+
+int atEnd(sqlite3_vtab_cursor* base) {
+  return cursorOf(base).walk.atEnd() ? 1 : 0;
+}
+
+void giveColumn(SqlTable& table, SqlWalk& walk, sqlite3_context* context, int column) {
+  if (column < table.dimension()) {
+    const std::string_view label = table.database().labels.text(walk.key(column));
+    sqlite3_result_text(context, label.data(), static_cast<int>(label.size()), SQLITE_STATIC);
+  } else if (table.isSet()) {
+    const ztb::Text text = walk.text();
+    sqlite3_result_text(context, text.c_str(), -1, SQLITE_TRANSIENT);
+  } else {
+    sqlite3_result_double(context, walk.value(column - table.dimension()));
+  }
+}
+
+int column(sqlite3_vtab_cursor* base, sqlite3_context* context, int column) {
+  try {
+    giveColumn(tableOf(base->pVtab).table, cursorOf(base).walk, context, column);
+    return SQLITE_OK;
+  } catch (...) {
+    return guarded(base->pVtab, []() -> int { throw; });
+  }
+}
+
+int rowNumber(sqlite3_vtab_cursor* base, sqlite3_int64* number) {
+  return guarded(base->pVtab, [&] {
+    SqlTable& table = tableOf(base->pVtab).table;
+    std::array<int, ZTB_MAX_DIMENSION> keys{};
+    for (int position = 0; position < table.dimension(); ++position) {
+      keys[static_cast<std::size_t>(position)] = cursorOf(base).walk.key(position);
+    }
+    *number = table.rowNumber(keys.data());
+    return SQLITE_OK;
+  });
+}
+
+int connect(sqlite3* connection, void* data, int count, const char* const* arguments,
+            sqlite3_vtab** table, char** message) {
+  return guardedSql(message, [&] {
+    constexpr int argument = 3;
+    const int position = count > argument ? std::atoi(arguments[argument]) : SqlTable::universe;
+    auto made =
+        std::make_unique<SqlVirtualTable>(static_cast<ModuleData*>(data)->database, position);
+    const int result = declareTable(connection, made->table);
+    if (result == SQLITE_OK) {
+      *table = &made.release()->base;
+    }
+    return result;
+  });
+}
+
+void dropData(void* data) {
+  delete static_cast<ModuleData*>(data);
+}
+
+}  // namespace
+
+int guardedSql(char** message, const std::function<int()>& body) {
+  try {
+    return body();
+  } catch (const std::bad_alloc&) {
+    return SQLITE_NOMEM;
+  } catch (const std::exception& error) {
+    sqlite3_free(*message);
+    *message = sqlite3_mprintf("%s", error.what());
+    return SQLITE_ERROR;
+  }
+}
+
+int declareTable(sqlite3* connection, const SqlTable& table) {
+  std::string text = "create table symbol(";
+  for (std::size_t column = 0; column < table.columns().size(); ++column) {
+    const bool isKey = column < static_cast<std::size_t>(table.dimension());
+    text += column == 0 ? "" : ", ";
+    text += quotedName(table.columns()[column]);
+    text += isKey ? " text collate nocase" : table.isSet() ? " text" : " real";
+  }
+  return sqlite3_declare_vtab(connection, (text + ')').c_str());
+}
+
+sqlite3_module sqlModule() {
+  sqlite3_module module{};
+  module.xCreate = connect;
+  module.xConnect = connect;
+  module.xBestIndex = bestIndex;
+  module.xDisconnect = disconnect;
+  module.xDestroy = disconnect;
+  module.xOpen = openCursor;
+  module.xClose = closeCursor;
+  module.xFilter = filter;
+  module.xNext = next;
+  module.xEof = atEnd;
+  module.xColumn = column;
+  module.xRowid = rowNumber;
+  return module;
+}
+
+int addSqlModule(sqlite3* connection, const std::string& name,
+                 std::shared_ptr<SqlDatabase> database) {
+  static const sqlite3_module module = sqlModule();
+  return sqlite3_create_module_v2(connection, name.c_str(), &module,
+                                  new ModuleData{std::move(database)}, dropData);
+}
+
+}  // namespace formats

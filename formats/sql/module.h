@@ -1,0 +1,43 @@
+// Symbols as virtual tables of SQLite. The tables are read-only and copy nothing: a query walks
+// over the records where they are, as its plan says.
+#ifndef ZTB_FORMATS_SQL_MODULE_H_
+#define ZTB_FORMATS_SQL_MODULE_H_
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "formats/sql/sqlite_api.h"
+#include "formats/sql/table.h"
+
+namespace formats {
+
+// A table as SQLite holds it. `base` comes first.
+struct SqlVirtualTable {
+  sqlite3_vtab base{};
+  std::shared_ptr<SqlDatabase> database;
+  SqlTable table;
+
+  SqlVirtualTable(std::shared_ptr<SqlDatabase> from, int position)
+      : database(std::move(from)), table(*database, position) {}
+};
+
+// Runs `body` and makes of what it throws an error of SQLite, whose text goes to `message`.
+int guardedSql(char** message, const std::function<int()>& body);
+
+// Declares the columns of the table, keys compared with case folded.
+int declareTable(sqlite3* connection, const SqlTable& table);
+
+// The functions of a module whose tables are SqlVirtualTables: all but those that make and find
+// them. For a hidden column, one from `columnCount` on, nothing is given out and nothing pushed
+// down.
+sqlite3_module sqlModule();
+
+// Adds the module `name` to a connection: `create virtual table t using NAME(POSITION)` makes the
+// table of the symbol at this position.
+int addSqlModule(sqlite3* connection, const std::string& name,
+                 std::shared_ptr<SqlDatabase> database);
+
+}  // namespace formats
+
+#endif  // ZTB_FORMATS_SQL_MODULE_H_

@@ -1,0 +1,240 @@
+#include "formats/sql/plan.h"
+
+#include <algorithm>
+#include <cstring>
+#include <iterator>
+#include <optional>
+#include <string_view>
+
+namespace formats {
+
+namespace {
+
+enum class Comparison { folded, exact, other };
+
+Comparison comparisonOf(sqlite3_index_info* info, int constraint) {
+  const std::string_view name = sqlite3_vtab_collation(info, constraint);
+  return name == "NOCASE"   ? Comparison::folded
+         : name == "BINARY" ? Comparison::exact
+                            : Comparison::other;
+}
+
+// Whether the value is known to be a text; others may be compared as numbers.
+bool isText(sqlite3_index_info* info, int constraint) {
+  sqlite3_value* value = nullptr;
+  return sqlite3_vtab_rhs_value(info, constraint, &value) == SQLITE_OK && value != nullptr &&
+         sqlite3_value_type(value) == SQLITE_TEXT;
+}
+
+std::optional<SqlCondition> conditionOf(unsigned char operation) {
+  switch (operation) {
+    case SQLITE_INDEX_CONSTRAINT_EQ:
+    case SQLITE_INDEX_CONSTRAINT_IS:
+      return SqlCondition::equal;
+    case SQLITE_INDEX_CONSTRAINT_GT:
+      return SqlCondition::above;
+    case SQLITE_INDEX_CONSTRAINT_GE:
+      return SqlCondition::from;
+    case SQLITE_INDEX_CONSTRAINT_LT:
+      return SqlCondition::below;
+    case SQLITE_INDEX_CONSTRAINT_LE:
+      return SqlCondition::upTo;
+    default:
+      return std::nullopt;
+  }
+}
+
+std::string_view textOf(sqlite3_value* value) {
+  const auto* text = reinterpret_cast<const char*>(sqlite3_value_text(value));
+  return {text == nullptr ? "" : text, static_cast<std::size_t>(sqlite3_value_bytes(value))};
+}
+
+bool isNumber(sqlite3_value* value) {
+  const int type = sqlite3_value_type(value);
+  return type == SQLITE_INTEGER || type == SQLITE_FLOAT;
+}
+
+// The labels that may equal a value. SQLite looks at numbers again, since the other side tells
+// whether they are compared as such.
+std::vector<int> labelsOf(SqlLabels& labels, sqlite3_value* value) {
+  std::vector<int> found;
+  if (isNumber(value)) {
+    found = labels.ofNumber(sqlite3_value_double(value));
+  }
+  if (isNumber(value) || sqlite3_value_type(value) == SQLITE_TEXT) {
+    if (const int label = labels.find(textOf(value)); label != 0) {
+      found.push_back(label);
+    }
+  }
+  std::ranges::sort(found);
+  found.erase(std::ranges::unique(found).begin(), found.end());
+  return found;
+}
+
+std::vector<int> labelsAmong(SqlLabels& labels, sqlite3_value* values) {
+  std::vector<int> all;
+  sqlite3_value* value = nullptr;
+  int result = sqlite3_vtab_in_first(values, &value);
+  for (; result == SQLITE_OK && value != nullptr; result = sqlite3_vtab_in_next(values, &value)) {
+    std::ranges::copy(labelsOf(labels, value), std::back_inserter(all));
+  }
+  if (result != SQLITE_DONE && result != SQLITE_OK) {
+    throw ztb::Error("ztbSqlNext", "The values of an IN cannot be read");
+  }
+  std::ranges::sort(all);
+  all.erase(std::ranges::unique(all).begin(), all.end());
+  return all;
+}
+
+// What is chosen for the first position: the labels of both lists, where there are two.
+void narrow(SqlSelection& selection, std::vector<int> firsts) {
+  if (selection.firsts) {
+    std::vector<int> both;
+    std::ranges::set_intersection(*selection.firsts, firsts, std::back_inserter(both));
+    firsts = std::move(both);
+  }
+  selection.nothing = selection.nothing || firsts.empty();
+  selection.firsts = std::move(firsts);
+}
+
+// One label at a position; several of them at the first make a list, and elsewhere SQLite sees.
+void giveLabel(SqlSelection& selection, std::size_t position, std::vector<int> labels) {
+  if (labels.empty()) {
+    selection.nothing = true;
+  } else if (labels.size() == 1) {
+    selection.labels[position] = labels.front();
+  } else if (position == 0) {
+    narrow(selection, std::move(labels));
+  }
+}
+
+}  // namespace
+
+SqlPlan planSql(sqlite3_index_info* info, int dimension) {
+  SqlPlan plan;
+  plan.given.assign(static_cast<std::size_t>(dimension), false);
+  plan.fixed = plan.given;
+  const auto take = [&](int constraint, SqlCondition condition, int position, bool checked) {
+    plan.conditions += {static_cast<char>(condition), static_cast<char>('a' + position)};
+    plan.constraints.push_back(constraint);
+    plan.checked.push_back(checked);
+  };
+  const auto isKey = [&](const sqlite3_index_info::sqlite3_index_constraint& constraint) {
+    return constraint.usable != 0 && constraint.iColumn >= 0 && constraint.iColumn < dimension;
+  };
+  int among = -1;
+  for (int i = 0; i < info->nConstraint; ++i) {
+    const auto& constraint = info->aConstraint[i];
+    if (!isKey(constraint) || conditionOf(constraint.op) != SqlCondition::equal) {
+      continue;
+    }
+    const Comparison comparison = comparisonOf(info, i);
+    const auto position = static_cast<std::size_t>(constraint.iColumn);
+    if (comparison == Comparison::other || plan.given[position]) {
+      continue;
+    }
+    if (position == 0 && sqlite3_vtab_in(info, i, -1) != 0) {
+      among = i;
+      continue;
+    }
+    plan.given[position] = true;
+    plan.fixed[position] = isText(info, i);
+    take(i, SqlCondition::equal, constraint.iColumn,
+         comparison == Comparison::folded && plan.fixed[position]);
+  }
+  if (dimension == 0 || plan.given[0]) {
+    return plan;
+  }
+  if (among >= 0) {
+    sqlite3_vtab_in(info, among, 1);
+    take(among, SqlCondition::among, 0, false);
+    plan.ranged = true;
+    return plan;
+  }
+  bool lower = false;
+  bool upper = false;
+  for (int i = 0; i < info->nConstraint; ++i) {
+    const auto& constraint = info->aConstraint[i];
+    const std::optional<SqlCondition> condition = conditionOf(constraint.op);
+    if (!isKey(constraint) || constraint.iColumn != 0 || !condition ||
+        *condition == SqlCondition::equal || comparisonOf(info, i) != Comparison::folded ||
+        !isText(info, i)) {
+      continue;
+    }
+    const bool isLower = *condition == SqlCondition::above || *condition == SqlCondition::from;
+    bool& taken = isLower ? lower : upper;
+    if (!taken) {
+      taken = true;
+      plan.ranged = true;
+      take(i, *condition, 0, true);
+    }
+  }
+  return plan;
+}
+
+bool givesOrder(sqlite3_index_info* info, SqlTable& table, const std::vector<bool>& fixed) {
+  if (info->nOrderBy == 0) {
+    return false;
+  }
+  const int dimension = table.dimension();
+  const bool groups = sqlite3_vtab_distinct(info) == 1 || sqlite3_vtab_distinct(info) == 2;
+  std::vector<int> wanted;
+  for (int i = 0; i < info->nOrderBy; ++i) {
+    const auto& term = info->aOrderBy[i];
+    if (term.iColumn < 0 || term.iColumn >= dimension || (term.desc != 0 && !groups)) {
+      return false;
+    }
+    if (!fixed[static_cast<std::size_t>(term.iColumn)]) {
+      wanted.push_back(term.iColumn);
+    }
+  }
+  if (groups) {
+    std::ranges::sort(wanted);
+    wanted.erase(std::ranges::unique(wanted).begin(), wanted.end());
+  }
+  // The positions that have several labels, in their order.
+  int position = 0;
+  for (const int column : wanted) {
+    while (position < dimension && fixed[static_cast<std::size_t>(position)]) {
+      ++position;
+    }
+    if (column != position || (!groups && !table.ascends(position))) {
+      return false;
+    }
+    ++position;
+  }
+  return true;
+}
+
+SqlSelection selectionOf(SqlTable& table, const char* conditions, sqlite3_value** arguments) {
+  SqlSelection selection;
+  SqlLabels& labels = table.database().labels;
+  std::optional<LabelBound> lower;
+  std::optional<LabelBound> upper;
+  for (; conditions != nullptr && *conditions != '\0'; conditions += 2, ++arguments) {
+    const auto position = static_cast<std::size_t>(conditions[1] - 'a');
+    sqlite3_value* value = *arguments;
+    switch (static_cast<SqlCondition>(conditions[0])) {
+      case SqlCondition::equal:
+        giveLabel(selection, position, labelsOf(labels, value));
+        break;
+      case SqlCondition::among:
+        narrow(selection, labelsAmong(labels, value));
+        break;
+      case SqlCondition::above:
+      case SqlCondition::from:
+        lower = {textOf(value), conditions[0] == static_cast<char>(SqlCondition::from)};
+        break;
+      case SqlCondition::below:
+      case SqlCondition::upTo:
+        upper = {textOf(value), conditions[0] == static_cast<char>(SqlCondition::upTo)};
+        break;
+    }
+  }
+  if (lower || upper) {
+    narrow(selection, labels.between(lower, upper));
+  }
+  return selection;
+}
+
+}  // namespace formats

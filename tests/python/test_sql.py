@@ -1,0 +1,57 @@
+"""Queries in SQL over databases, beside the answers of pandas."""
+
+import math
+
+import pytest
+
+import ztb
+
+
+def test_a_symbol_is_a_table(diet):
+    frame = ztb.sql(diet, "select food, nutrient, value from holds where food = 'MILK'")
+    assert list(frame.columns) == ["food", "nutrient", "value"]
+    assert frame.values.tolist() == [["Milk", "iron", 1.0], ["Milk", "kcal", 3.0]]
+
+
+def test_groups_are_those_of_pandas(diet):
+    frame = ztb.sql(diet, "select nutrient, sum(value) as amount from holds group by nutrient")
+    sums = diet["holds"].to_pandas().groupby(level="nutrient").sum()
+    assert dict(zip(frame.nutrient, frame.amount)) == sums.to_dict()
+
+
+def test_parameters_take_labels_and_numbers(diet):
+    query = "select value from holds where food = ? and value > ?"
+    assert ztb.sql(diet, query, "milk", 1.5).value.tolist() == [3.0]
+    with pytest.raises(ValueError, match="the query has 2 parameters, 1 are given"):
+        ztb.sql(diet, query, "milk")
+
+
+def test_special_values(diet):
+    diet["holds"]["Milk", "iron"] = ztb.NA
+    diet["holds"]["Milk", "kcal"] = ztb.UNDEF
+    diet["holds"]["Tofu", "zinc"] = ztb.INF
+    values = ztb.sql(diet, "select value from holds").value.tolist()
+    assert math.isnan(values[0]) and math.isnan(values[1]) and values[2] == math.inf
+    assert ztb.sql(diet, "select count(*) as n from holds where value is null").n.tolist() == [2]
+
+
+def test_two_databases_by_name(diet):
+    with ztb.Database() as other:
+        other.add_parameter("holds", ["food"])["Milk"] = 7
+        frame = ztb.sql(
+            {"a": diet, "b": other},
+            "select b.holds.value as v, a.holds.value as w from a.holds join b.holds using (food)",
+        )
+    assert frame.values.tolist() == [[7.0, 1.0], [7.0, 3.0]]
+
+
+def test_mistakes_are_told(diet):
+    with pytest.raises(ztb.Error, match="no such table: nothing"):
+        ztb.sql(diet, "select * from nothing")
+    with pytest.raises(ztb.Error, match="a query that gives rows is expected, as select does"):
+        ztb.sql(diet, "create table t(x)")
+    with pytest.raises(TypeError, match="3 .* is no database"):
+        ztb.sql(3, "select 1")
+    diet.close()
+    with pytest.raises(ztb.Error):
+        ztb.sql(diet, "select 1")

@@ -1,0 +1,129 @@
+// Records by blocks, values where they lie, and the count of changes: what every handle of a
+// database leads to.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <string>
+#include <vector>
+#include <ztb/ztb.hpp>
+
+namespace {
+
+using testing::ElementsAre;
+
+class Blocks : public testing::TestWithParam<ztb::Store> {
+ protected:
+  Blocks() {
+    database_.selectStore(GetParam());
+    for (const char* label : {"a", "b", "c"}) database_.mergeLabel(label);
+    symbol_ = database_.addParameter("p", {"*", "*"});
+    symbol_->put(std::array{1, 1}, 11);
+    symbol_->put(std::array{1, 3}, 13);
+    symbol_->put(std::array{2, 1}, 21);
+    symbol_->put(std::array{3, 3}, 33);
+  }
+
+  int read(void* record, int most) {
+    keys_.assign(2, std::vector<int>(10, 0));
+    values_.assign(10, 0);
+    int* keys[] = {keys_[0].data(), keys_[1].data()};
+    double* values[] = {values_.data()};
+    const int count = ztbReadRecords(database_.handle(), record, most, keys, values);
+    for (std::vector<int>& column : keys_) column.resize(static_cast<std::size_t>(count));
+    values_.resize(static_cast<std::size_t>(count));
+    return count;
+  }
+
+  ztb::Database database_;
+  std::optional<ztb::Symbol> symbol_;
+  std::vector<std::vector<int>> keys_;
+  std::vector<double> values_;
+};
+
+TEST_P(Blocks, AreReadByColumnsAndTheHandleStandsOnTheLastRecord) {
+  ztb::Record record = std::move(*symbol_->find("a", "a"));
+  ASSERT_EQ(read(record.handle(), 3), 3);
+  EXPECT_THAT(keys_[0], ElementsAre(1, 1, 2));
+  EXPECT_THAT(keys_[1], ElementsAre(1, 3, 1));
+  EXPECT_THAT(values_, ElementsAre(11, 13, 21));
+  EXPECT_EQ(record.level(), 21);
+  ASSERT_TRUE(record.moveNext());
+  ASSERT_EQ(read(record.handle(), 3), 1);
+  EXPECT_THAT(values_, ElementsAre(33));
+  EXPECT_FALSE(record.moveNext());
+}
+
+TEST_P(Blocks, OfASliceHaveItsRecordsAlone) {
+  void* record = nullptr;
+  const char* keys[] = {" ", "C"};
+  ASSERT_EQ(c__ztbfindfirstrecordslice(database_.handle(), symbol_->handle(), keys, &record), 1);
+  ASSERT_EQ(read(record, 10), 2);
+  EXPECT_THAT(keys_[0], ElementsAre(1, 3));
+  EXPECT_THAT(values_, ElementsAre(13, 33));
+  c__ztbfreesymboliterator(database_.handle(), record);
+}
+
+TEST_P(Blocks, HaveSpecialValuesInTheSpellingOfTheCaller) {
+  symbol_->find("a", "c")->setLevel(database_.specialValues()[ZTB_PLUS_INFINITY]);
+  database_.setSpecialValues({1, 2, 3e30, 4, 5});
+  ASSERT_EQ(read(symbol_->find("a", "a")->handle(), 2), 2);
+  EXPECT_THAT(values_, ElementsAre(11, 3e30));
+}
+
+TEST_P(Blocks, OfTheUniverseAreLabelNumbers) {
+  void* record = nullptr;
+  ASSERT_EQ(c__ztbfindfirstrecord(database_.handle(), database_.universe().handle(), &record), 1);
+  ASSERT_EQ(read(record, 2), 2);
+  EXPECT_THAT(keys_[0], ElementsAre(1, 2));
+  ASSERT_EQ(c__ztbrecordmovenext(database_.handle(), record), 1);
+  ASSERT_EQ(read(record, 5), 1);
+  EXPECT_THAT(keys_[0], ElementsAre(3));
+  c__ztbfreesymboliterator(database_.handle(), record);
+}
+
+TEST_P(Blocks, NeedAHandleAndACount) {
+  EXPECT_EQ(read(nullptr, 1), 0);
+  EXPECT_STREQ(database_.lastError().c_str(), "No symbol record handle specified");
+  EXPECT_EQ(read(symbol_->find("a", "a")->handle(), 0), 0);
+  EXPECT_STREQ(database_.lastError().c_str(), "0 records cannot be read");
+}
+
+TEST_P(Blocks, ValuesLieInPlaceOnTheVectorAlone) {
+  const double* values = nullptr;
+  ASSERT_EQ(ztbValuesInPlace(database_.handle(), symbol_->handle(), &values), 1);
+  if (GetParam() != ztb::Store::vector) {
+    EXPECT_EQ(values, nullptr);
+    return;
+  }
+  ASSERT_NE(values, nullptr);
+  EXPECT_THAT(std::vector<double>(values, values + 4), ElementsAre(11, 13, 21, 33));
+  symbol_->clear();
+  ASSERT_EQ(ztbValuesInPlace(database_.handle(), symbol_->handle(), &values), 1);
+  EXPECT_EQ(values, nullptr);
+  EXPECT_EQ(ztbValuesInPlace(database_.handle(), nullptr, &values), 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(OnStores, Blocks,
+                         testing::Values(ztb::Store::map, ztb::Store::vector, ztb::Store::trie));
+
+TEST(RecordChanges, CountWritesAndNothingElse) {
+  ztb::Database database;
+  ztb::Symbol p = database.addParameter("p", {"*"});
+  const auto changed = [&](const auto& work) {
+    const unsigned before = ztbRecordChanges(database.handle());
+    work();
+    return ztbRecordChanges(database.handle()) != before;
+  };
+  EXPECT_TRUE(changed([&] { p.add("a").setLevel(1); }));
+  EXPECT_TRUE(changed([&] { p.find("a")->setLevel(2); }));
+  EXPECT_TRUE(changed([&] { p.put(std::array{1}, 3); }));
+  EXPECT_FALSE(changed([&] { static_cast<void>(p.find("a")->level()); }));
+  EXPECT_FALSE(changed([&] { database.mergeLabel("b"); }));
+  EXPECT_TRUE(changed([&] { p.remove("a"); }));
+  EXPECT_TRUE(changed([&] { p.clear(); }));
+  EXPECT_TRUE(changed([&] { p = database.moveTo(p, ztb::Store::trie); }));
+}
+
+}  // namespace

@@ -1,0 +1,53 @@
+#!/usr/bin/env bash
+# The extension in SQLite's own program.
+#
+#   extension_test.sh ZTB EXTENSION
+set -euo pipefail
+ztb=$1
+extension=$2
+folder=$(mktemp -d)
+trap 'rm -rf "$folder"' EXIT
+cd "$folder"
+printf 'food,unit\nMilk,quart\nTofu,block\n' >foods.csv
+printf 'food,price\nMilk,11\nTofu,2.5\n' >prices.csv
+printf 'a,b,c,d,e,v\n1,2,3,4,5,6\n' >wide.csv
+"$ztb" import diet.rxf --from foods.csv --set 'food : unit' --from prices.csv \
+  --parameter 'price(food) = price' --from wide.csv --parameter 'wide(a, b, c, d, e) = v' >/dev/null
+
+# Compares what the program says to a query with what it must say.
+expect() {
+  local said
+  said=$(sqlite3 -cmd ".load $extension" :memory: "$1" 2>&1 || true)
+  if [ "$said" != "$2" ]; then
+    printf '%s\nsaid: %s\nnot:  %s\n' "$1" "$said" "$2" >&2
+    exit 1
+  fi
+}
+
+expect "select * from ztb('diet.rxf', 'price')" $'Milk||||11.0|\nTofu||||2.5|'
+expect "select dim_1, text from ztb('diet.rxf', 'food') where dim_1 = 'TOFU'" 'Tofu|block'
+expect "select value from ztb('diet.rxf', 'price') where dim_1 in ('milk', 'x')" '11.0'
+expect "select value from ztb('diet.rxf', 'price') where dim_2 = 'Milk'" ''
+expect "select dim_5, value from ztb('diet.rxf', 'wide')" '5|6.0'
+expect "create virtual table temp.p using ztb_symbol('diet.rxf', 'price');
+  select food, value from p where food = 'milk'" 'Milk|11.0'
+expect "create virtual table p using ztb_symbol('diet.rxf', 'wide'); select * from p" '1|2|3|4|5|6.0'
+expect "select f.column1, p.value from (values ('tofu'), ('milk')) f
+  join ztb('diet.rxf', 'price') p on p.dim_1 = f.column1" $'tofu|2.5\nmilk|11.0'
+
+# The same for what the message of a failure must hold.
+fails() {
+  sqlite3 -cmd ".load $extension" :memory: "$1" >said 2>&1 || true
+  if ! grep -qF -- "$2" said; then
+    printf '%s\nsaid: %s\nnot:  %s\n' "$1" "$(cat said)" "$2" >&2
+    exit 1
+  fi
+}
+fails "select * from ztb('diet.rxf', 'nothing')" 'diet.rxf: there is no symbol nothing'
+fails "select * from ztb('none.rxf', 'price')" 'none.rxf'
+fails "select * from ztb('diet.rxf')" 'ztb() takes a file and the name of a symbol'
+fails "select * from ztb('diet.rxf', 'wide')" 'symbol wide has 5 positions, of which * shows 4'
+fails "create virtual table p using ztb_symbol('diet.rxf')" \
+  'ztb_symbol takes a file and the name of a symbol'
+fails "create virtual table p using ztb_symbol('diet.rxf', 'price'); delete from p" \
+  'table p may not be modified'

@@ -1,0 +1,385 @@
+#include <fmt/format.h>
+#include <ztb/sql.h>
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+#include <ztb/display_text.hpp>
+
+#include "tools/commands/command_line.h"
+#include "tools/commands/commands.h"
+#include "tools/commands/memory_option.h"
+#include "tools/commands/table_options.h"
+#include "tools/files/standard_streams.h"
+#include "tools/tables/csv_writer.h"
+#include "tools/tables/symbol_spec.h"
+#include "tools/text/failure.h"
+#include "tools/text/json_text.h"
+#include "tools/text/number_text.h"
+#include "tools/text/output.h"
+#include "tools/text/progress.h"
+#include "tools/text/table_printer.h"
+#include "tools/text/words.h"
+
+namespace tool {
+
+namespace {
+
+struct SqlOptions {
+  std::vector<std::string> words;  // files, and the query
+  bool csv = false;
+  bool json = false;
+  std::optional<std::string> into;
+  std::optional<std::string> out;
+  TableOptions table;
+};
+
+using Message = std::array<char, 512>;
+
+// A name for the tables of a file: that of the file without its folder and ending, with a number
+// behind it where it is taken.
+std::string schemaOf(const std::string& path, const std::vector<std::string>& taken) {
+  const std::string stem = path == "-" ? "stdin" : std::filesystem::path(path).stem().string();
+  const auto isTaken = [&](const std::string& name) {
+    return name.empty() || sameFolded(name, "main") || sameFolded(name, "temp") ||
+           std::ranges::any_of(taken, [&](const auto& other) { return sameFolded(other, name); });
+  };
+  std::string name = stem;
+  for (int number = 2; isTaken(name); ++number) {
+    name = fmt::format("{}_{}", stem, number);
+  }
+  return name;
+}
+
+// Databases with their tables, and one query over them.
+class Query {
+ public:
+  explicit Query(const std::vector<std::string>& words, Progress& progress) {
+    Message message{};
+    if (ztbSqlOpen(&sql_, message.data(), static_cast<int>(message.size())) == 0) {
+      throw Failure(message.data());
+    }
+    try {
+      begin(words, progress);
+    } catch (...) {
+      close();
+      throw;
+    }
+  }
+  Query(const Query&) = delete;
+  Query& operator=(const Query&) = delete;
+  ~Query() { close(); }
+
+  [[nodiscard]] ztbSqlRows* rows() const { return rows_; }
+  [[nodiscard]] int columnCount() const { return ztbSqlColumnCount(rows_); }
+  [[nodiscard]] std::string_view columnName(int column) const {
+    return ztbSqlColumnName(rows_, column);
+  }
+  // The name by which the first file is opened.
+  [[nodiscard]] const std::string& firstFile() const { return firstFile_; }
+
+  // Visits the rows; gives their number.
+  std::size_t walk(const std::function<void()>& visit) {
+    std::size_t count = 0;
+    int state = 0;
+    while ((state = ztbSqlNext(rows_)) > 0) {
+      visit();
+      progress_->count(++count);
+    }
+    if (state < 0) {
+      throw Failure(ztbSqlMessage(rows_));
+    }
+    return count;
+  }
+
+ private:
+  void begin(const std::vector<std::string>& words, Progress& progress) {
+    progress_ = &progress;
+    Message message{};
+    const auto size = static_cast<int>(message.size());
+    std::vector<std::string> schemas;
+    for (auto file = words.begin(); file != std::prev(words.end()); ++file) {
+      progress.step("opening " + inputName(*file));
+      const std::string path = inputFile(*file);
+      firstFile_ = firstFile_.empty() ? path : firstFile_;
+      schemas.push_back(schemaOf(*file, schemas));
+      if (ztbSqlAttachFile(sql_, schemas.back().c_str(), path.c_str(), message.data(), size) == 0) {
+        throw Failure(withFile(inputName(*file), message.data()));
+      }
+    }
+    progress.step("querying");
+    if (ztbSqlQuery(&rows_, sql_, words.back().c_str(), message.data(), size) == 0) {
+      throw Failure(message.data());
+    }
+    if (ztbSqlParameterCount(rows_) > 0) {
+      throw UsageError("the query has a parameter, which nothing is given for");
+    }
+  }
+  void close() {
+    ztbSqlRowsClose(&rows_);
+    ztbSqlClose(&sql_);
+  }
+
+  ztbSql* sql_ = nullptr;
+  ztbSqlRows* rows_ = nullptr;
+  std::string firstFile_;
+  Progress* progress_ = nullptr;
+};
+
+// What a row holds in a column, as text; nothing for a null.
+std::string cellText(const Query& query, int column, int digits) {
+  switch (ztbSqlType(query.rows(), column)) {
+    case ZTB_SQL_NULL:
+      return "";
+    case ZTB_SQL_REAL:
+      return std::string(NumberText(ztbSqlReal(query.rows(), column), digits).view());
+    default:
+      return ztbSqlText(query.rows(), column);
+  }
+}
+
+void printTable(Query& query, const TableOptions& options) {
+  const auto columns = static_cast<std::size_t>(query.columnCount());
+  std::vector<bool> numbers(columns, true);
+  std::vector<std::string> cells;
+  query.walk([&] {
+    for (int column = 0; column < query.columnCount(); ++column) {
+      cells.push_back(cellText(query, column, options.digits));
+      const bool isText = ztbSqlType(query.rows(), column) == ZTB_SQL_TEXT;
+      numbers[static_cast<std::size_t>(column)] =
+          numbers[static_cast<std::size_t>(column)] && !isText;
+    }
+  });
+  TablePrinter table(options.style());
+  for (std::size_t column = 0; column < columns; ++column) {
+    table.addColumn(query.columnName(static_cast<int>(column)),
+                    numbers[column] ? TablePrinter::Align::right : TablePrinter::Align::left);
+  }
+  std::vector<std::string_view> row(columns);
+  const auto eachRow = [&](const std::function<void()>& visit) {
+    for (std::size_t at = 0; at < cells.size(); at += columns) {
+      std::copy_n(cells.begin() + static_cast<std::ptrdiff_t>(at), columns, row.begin());
+      visit();
+    }
+  };
+  eachRow([&] { table.measure(row); });
+  table.printHeader(stdout);
+  eachRow([&] { table.printRow(stdout, row); });
+}
+
+void printCsv(Query& query) {
+  CsvWriter csv(stdout, "standard output");
+  for (int column = 0; column < query.columnCount(); ++column) {
+    csv.field(query.columnName(column));
+  }
+  csv.endRecord();
+  query.walk([&] {
+    for (int column = 0; column < query.columnCount(); ++column) {
+      const std::string cell = cellText(query, column, 0);
+      if (ztbSqlType(query.rows(), column) == ZTB_SQL_TEXT) {
+        csv.label(cell);
+      } else {
+        csv.field(cell);
+      }
+    }
+    csv.endRecord();
+  });
+  csv.close();
+}
+
+Json jsonCell(const Query& query, int column) {
+  switch (ztbSqlType(query.rows(), column)) {
+    case ZTB_SQL_NULL:
+      return nullptr;
+    case ZTB_SQL_INTEGER:
+      return ztbSqlInteger(query.rows(), column);
+    case ZTB_SQL_REAL:
+      return jsonNumber(ztbSqlReal(query.rows(), column));
+    default:
+      return ztbSqlText(query.rows(), column);
+  }
+}
+
+// An array with an object for each row, one on a line.
+void printJson(Query& query) {
+  std::string before = "[\n  ";
+  query.walk([&] {
+    Json row = Json::object();
+    for (int column = 0; column < query.columnCount(); ++column) {
+      row[std::string(query.columnName(column))] = jsonCell(query, column);
+    }
+    print(std::exchange(before, ",\n  ") + jsonText(row));
+  });
+  print(before.front() == '[' ? "[]\n" : "\n]\n");
+}
+
+// The columns of a result that make a symbol.
+struct Content {
+  std::vector<int> keys;
+  int value = -1;  // -1 for a set
+};
+
+Content contentOf(const Query& query, const SymbolSpec& spec) {
+  const auto find = [&](const std::string& name) {
+    for (int column = 0; column < query.columnCount(); ++column) {
+      if (sameFolded(query.columnName(column), name)) {
+        return column;
+      }
+    }
+    return -1;
+  };
+  Content content;
+  for (const KeySpec& key : spec.keys) {
+    content.keys.push_back(find(key.column));
+    if (content.keys.back() < 0) {
+      throw UsageError(fmt::format("{}: the query gives no column {}", spec.source, key.column));
+    }
+  }
+  const auto isKey = [&](int column) {
+    return std::ranges::find(content.keys, column) != content.keys.end();
+  };
+  content.value = find(spec.contentColumn);
+  if (content.value >= 0 && !isKey(content.value)) {
+    return content;
+  }
+  std::vector<int> others;
+  for (int column = 0; column < query.columnCount(); ++column) {
+    if (!isKey(column)) {
+      others.push_back(column);
+    }
+  }
+  if (others.size() > 1) {
+    throw UsageError(
+        fmt::format("{}: which column has the values? write = COLUMN behind it", spec.source));
+  }
+  content.value = others.empty() ? -1 : others.front();
+  return content;
+}
+
+ztb::Symbol addSymbol(ztb::Database& database, const SymbolSpec& spec, ztb::Type type) {
+  std::vector<ztb::DomainArgument> domains;
+  for (const KeySpec& key : spec.keys) {
+    const std::string name = key.domain.value_or(key.column);
+    const std::optional<ztb::Symbol> set =
+        name == "*" ? std::nullopt : database.findSymbolOrAlias(name);
+    const bool isSet = set && set->dimension() == 1 &&
+                       (set->type() == ztb::Type::set || set->type() == ztb::Type::alias);
+    domains.push_back(isSet ? ztb::DomainArgument(*set) : ztb::DomainArgument(name));
+  }
+  return database.addSymbol(spec.name, type, domains, spec.text);
+}
+
+void addRecord(const Query& query, const Content& content, ztb::Database& database,
+               ztb::Symbol& symbol, std::vector<std::string>& labels) {
+  for (std::size_t position = 0; position < labels.size(); ++position) {
+    if (ztbSqlType(query.rows(), content.keys[position]) == ZTB_SQL_NULL) {
+      throw Failure("a label is null");
+    }
+    labels[position] = cellText(query, content.keys[position], 0);
+  }
+  ztb::Record record = symbol.add(labels);
+  if (content.value < 0) {
+    return;
+  }
+  const int type = ztbSqlType(query.rows(), content.value);
+  if (type == ZTB_SQL_TEXT) {
+    throw Failure(
+        fmt::format("{} is no number", inQuotes(ztbSqlText(query.rows(), content.value))));
+  }
+  record.setLevel(type == ZTB_SQL_NULL ? database.specialValues()[ZTB_NOT_AVAILABLE]
+                                       : ztbSqlReal(query.rows(), content.value));
+}
+
+// Writes all of the first file, with the result as one symbol more.
+void writeSymbol(Query& query, const SqlOptions& options) {
+  SymbolSpec spec = parseSymbolSpec(SpecKind::parameter, *options.into);
+  spec.source = "--into " + *options.into;
+  const Content content = contentOf(query, spec);
+  OutputFile output(*options.out);
+  ztb::Database database = ztb::Database::open(query.firstFile());
+  std::size_t count = 0;
+  try {
+    ztb::Symbol symbol =
+        addSymbol(database, spec, content.value < 0 ? ztb::Type::set : ztb::Type::parameter);
+    std::vector<std::string> labels(spec.keys.size());
+    query.walk([&] {
+      ++count;
+      try {
+        addRecord(query, content, database, symbol, labels);
+      } catch (const std::exception& error) {
+        throw Failure(fmt::format("--into {}: row {}: {}", *options.into, count, error.what()));
+      }
+    });
+    database.write(output.path());
+  } catch (const ztb::Error& error) {
+    throw Failure(withFile(output.name(), error.what()));
+  }
+  output.finish();
+  print(fmt::format("{}: {}, {}\n", ztb::displayText(output.name()), ztb::displayText(spec.name),
+                    counted(count, "record")));
+}
+
+void runSql(const SqlOptions& options) {
+  if (options.into.has_value() != options.out.has_value()) {
+    throw UsageError("--into names the new symbol and --out its file: give both or none");
+  }
+  Progress progress;
+  Query query(options.words, progress);
+  if (options.into) {
+    writeSymbol(query, options);
+  } else if (options.csv) {
+    printCsv(query);
+  } else if (options.json) {
+    printJson(query);
+  } else {
+    printTable(query, options.table);
+  }
+}
+
+}  // namespace
+
+void addSqlCommand(CommandLine& line) {
+  Command command = line.add("sql", "Query the symbols of files in SQL");
+  auto options = std::make_shared<SqlOptions>();
+  command
+      .words("FILE", options->words, 2,
+             "RXF files, - for standard input, and the query, a select of SQLite")
+      .typeName("... QUERY")
+      .required();
+  const Option csv = command.flag("--csv", options->csv, "Print as CSV");
+  Option json = command.flag("--json", options->json, "Print as JSON");
+  json.excludes(csv);
+  Option into = command.text("--into", options->into,
+                             "Make a symbol of the rows, as in 'total(food) = sum'; with --out");
+  into.typeName("SYMBOL").notEmpty().excludes(csv).excludes(json);
+  command
+      .text("--out", options->out,
+            "RXF file to make: the first file with the new symbol, - for standard output")
+      .typeName("FILE")
+      .notEmpty();
+  addWidthOption(command, options->table);
+  addDigitsOption(command, options->table);
+  addMemoryOption(command);
+  command.footer(
+      "Each symbol is a table: its keys, named by their domains, then text, value, or level,\n"
+      "marginal, lower, upper and scale. A table of one file among several is FILE.SYMBOL, by the\n"
+      "name of the file without its ending. Labels compare with the case of letters folded.\n\n"
+      "Examples:\n"
+      "  ztb sql diet.rxf 'select food, value from price where value < 20 order by value'\n"
+      "  ztb sql diet.rxf 'select nutrient, sum(value) as amount from nutrition group by nutrient' "
+      "\\\n"
+      "    --into 'supply(nutrient) = amount' --out more.rxf");
+  command.action([options] {
+    runSql(*options);
+    return exitFine;
+  });
+}
+
+}  // namespace tool
