@@ -95,8 +95,8 @@ void ExportRun::writeTable(const Format& format, const tool::ExchangeFile& file,
         tool::counted(symbols.size(), "symbol") + (symbols.size() == 1 ? " is" : " are")));
   }
   if (target_ == "-" && format.hasParts) {
-    throw UsageError(fmt::format("--{} -: a {} file cannot go to standard output", targetOption_,
-                                 format.name));
+    throw UsageError(
+        fmt::format("--{} -: a {} file cannot go to standard output", targetOption_, format.name));
   }
   const tool::FileSymbol& symbol = *symbols.front();
   const std::unique_ptr<TableWriter> writer = format.makeTables(

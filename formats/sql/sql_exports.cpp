@@ -51,13 +51,16 @@ int guarded(char* message, int messageSize, Body&& body) {
   }
 }
 
+}  // namespace
+
+namespace formats {
+
 struct Finalize {
   void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
 };
 using Statement = std::unique_ptr<sqlite3_stmt, Finalize>;
 
-}  // namespace
-
+}  // namespace formats
 struct ztbSqlRec {
   ztbSqlRec() {
     if (sqlite3_open(":memory:", &connection) != SQLITE_OK) {
@@ -121,7 +124,7 @@ struct ztbSqlRec {
 };
 
 struct ztbSqlRowsRec {
-  Statement statement;
+  formats::Statement statement;
   std::string message;
 };
 
@@ -161,10 +164,10 @@ SQL_EXPORT int ztbSqlQuery(ztbSqlRows** rows, ztbSql* sql, const char* query, ch
       if (sqlite3_prepare_v2(sql->connection, text, -1, &statement, behind) != SQLITE_OK) {
         throw ztb::Error("ztbSqlQuery", sqlite3_errmsg(sql->connection));
       }
-      return Statement(statement);
+      return formats::Statement(statement);
     };
     const char* behind = nullptr;
-    Statement statement = prepare(query, &behind);
+    formats::Statement statement = prepare(query, &behind);
     if (statement == nullptr || sqlite3_column_count(statement.get()) == 0 ||
         sqlite3_stmt_readonly(statement.get()) == 0) {
       throw ztb::Error("ztbSqlQuery", "a query that gives rows is expected, as select does");

@@ -21,6 +21,8 @@
 #include <ztb/z_string.hpp>
 #include <ztb/ztb.hpp>
 
+#ifdef ZTB_CPP20
+
 namespace ztb::inline client {
 
 // A job, for one run.
@@ -75,5 +77,7 @@ class Formats {
 };
 
 }  // namespace ztb::inline client
+
+#endif  // ZTB_CPP20
 
 #endif  // ZTB_FORMATS_HPP_

@@ -10,6 +10,7 @@
 #include <vector>
 #include <ztb/column_names.hpp>
 
+#include "formats/tables/csv_writer.h"
 #include "tools/commands/command_line.h"
 #include "tools/commands/commands.h"
 #include "tools/commands/field_option.h"
@@ -17,7 +18,6 @@
 #include "tools/commands/table_options.h"
 #include "tools/files/exchange_file.h"
 #include "tools/files/slice_filter.h"
-#include "formats/tables/csv_writer.h"
 #include "tools/files/standard_streams.h"
 #include "tools/tables/pivot_grid.h"
 #include "tools/text/failure.h"

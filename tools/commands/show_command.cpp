@@ -11,6 +11,7 @@
 #include <vector>
 #include <ztb/column_names.hpp>
 
+#include "formats/tables/csv_writer.h"
 #include "tools/commands/command_line.h"
 #include "tools/commands/commands.h"
 #include "tools/commands/field_option.h"
@@ -20,7 +21,6 @@
 #include "tools/files/exchange_file.h"
 #include "tools/files/record_walk.h"
 #include "tools/files/slice_filter.h"
-#include "formats/tables/csv_writer.h"
 #include "tools/files/standard_streams.h"
 #include "tools/text/failure.h"
 #include "tools/text/json_text.h"

@@ -13,13 +13,13 @@
 #include <vector>
 #include <ztb/display_text.hpp>
 
+#include "formats/tables/csv_writer.h"
+#include "formats/tables/symbol_spec.h"
 #include "tools/commands/command_line.h"
 #include "tools/commands/commands.h"
 #include "tools/commands/memory_option.h"
 #include "tools/commands/table_options.h"
 #include "tools/files/standard_streams.h"
-#include "tools/tables/csv_writer.h"
-#include "tools/tables/symbol_spec.h"
 #include "tools/text/failure.h"
 #include "tools/text/json_text.h"
 #include "tools/text/number_text.h"
@@ -175,23 +175,23 @@ void printTable(Query& query, const TableOptions& options) {
 }
 
 void printCsv(Query& query) {
-  CsvWriter csv(stdout, "standard output");
+  formats::CsvWriter csv(stdout, "standard output");
   for (int column = 0; column < query.columnCount(); ++column) {
-    csv.field(query.columnName(column));
+    csv.text(query.columnName(column));
   }
-  csv.endRecord();
+  csv.endRow();
   query.walk([&] {
     for (int column = 0; column < query.columnCount(); ++column) {
       const std::string cell = cellText(query, column, 0);
       if (ztbSqlType(query.rows(), column) == ZTB_SQL_TEXT) {
         csv.label(cell);
       } else {
-        csv.field(cell);
+        csv.text(cell);
       }
     }
-    csv.endRecord();
+    csv.endRow();
   });
-  csv.close();
+  csv.finish();
 }
 
 Json jsonCell(const Query& query, int column) {
@@ -226,7 +226,7 @@ struct Content {
   int value = -1;  // -1 for a set
 };
 
-Content contentOf(const Query& query, const SymbolSpec& spec) {
+Content contentOf(const Query& query, const formats::SymbolSpec& spec) {
   const auto find = [&](const std::string& name) {
     for (int column = 0; column < query.columnCount(); ++column) {
       if (sameFolded(query.columnName(column), name)) {
@@ -236,7 +236,7 @@ Content contentOf(const Query& query, const SymbolSpec& spec) {
     return -1;
   };
   Content content;
-  for (const KeySpec& key : spec.keys) {
+  for (const formats::KeySpec& key : spec.keys) {
     content.keys.push_back(find(key.column));
     if (content.keys.back() < 0) {
       throw UsageError(fmt::format("{}: the query gives no column {}", spec.source, key.column));
@@ -263,9 +263,9 @@ Content contentOf(const Query& query, const SymbolSpec& spec) {
   return content;
 }
 
-ztb::Symbol addSymbol(ztb::Database& database, const SymbolSpec& spec, ztb::Type type) {
+ztb::Symbol addSymbol(ztb::Database& database, const formats::SymbolSpec& spec, ztb::Type type) {
   std::vector<ztb::DomainArgument> domains;
-  for (const KeySpec& key : spec.keys) {
+  for (const formats::KeySpec& key : spec.keys) {
     const std::string name = key.domain.value_or(key.column);
     const std::optional<ztb::Symbol> set =
         name == "*" ? std::nullopt : database.findSymbolOrAlias(name);
@@ -299,7 +299,7 @@ void addRecord(const Query& query, const Content& content, ztb::Database& databa
 
 // Writes all of the first file, with the result as one symbol more.
 void writeSymbol(Query& query, const SqlOptions& options) {
-  SymbolSpec spec = parseSymbolSpec(SpecKind::parameter, *options.into);
+  formats::SymbolSpec spec = formats::parseSymbolSpec(formats::SpecKind::parameter, *options.into);
   spec.source = "--into " + *options.into;
   const Content content = contentOf(query, spec);
   OutputFile output(*options.out);

@@ -9,9 +9,9 @@
 #include <new>
 #include <span>
 
+#include "formats/tables/record_table.h"
 #include "tools/files/memory_room.h"
 #include "tools/files/record_walk.h"
-#include "formats/tables/record_table.h"
 #include "tools/text/failure.h"
 #include "tools/text/number_text.h"
 #include "tools/text/words.h"

@@ -17,8 +17,8 @@ constexpr std::size_t smallIndent = 6;
 // Where the description of an option begins in its line: behind the first run of blanks in it.
 std::size_t descriptionColumn(std::string_view line) {
   const std::size_t name = line.find_first_not_of(' ');
-  const std::size_t gap = line.find("  ", name);
-  return gap == std::string_view::npos ? name : line.find_first_not_of(' ', gap);
+  const std::size_t blanks = line.find("  ", name);
+  return blanks == std::string_view::npos ? name : line.find_first_not_of(' ', blanks);
 }
 
 }  // namespace

@@ -5,7 +5,6 @@
 
 #include <cstdint>
 #include <filesystem>
-
 #include <optional>
 #include <string>
 #include <utility>
