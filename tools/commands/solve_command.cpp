@@ -234,9 +234,6 @@ void run(const SolveOptions& options) {
     ranging = rangingOf(session);
     if (!options.out.empty()) addRangeSymbols(session, *ranging);
   }
-  if (!options.basis.empty() && model.hasSolution()) {
-    withBasis(session, &ztb::Model::writeBasis, options.basis);
-  }
   // Before anything is printed, since a reader who has seen enough ends this process.
   if (model.hasSolution() && !options.out.empty()) {
     progress.step("writing " + output.name());
@@ -271,6 +268,8 @@ void run(const SolveOptions& options) {
   if (!model.hasSolution()) {
     throw Failure(withFile(options.model, withoutSolution(model)));
   }
+  // Last, so that a solve that leaves no basis loses nothing else.
+  if (!options.basis.empty()) withBasis(session, &ztb::Model::writeBasis, options.basis);
 }
 
 }  // namespace
