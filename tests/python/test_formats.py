@@ -41,7 +41,7 @@ def test_a_table_is_read_into_a_database(diet, tmp_path):
         parameters=["price(name in food) = cents", "double(name in food) = cents"],
         check_domains=True,
     )
-    assert dict(diet["price"]) == {"Milk": 11, "Tofu": 7.25}
+    assert dict(diet["price"]) == {("Milk",): 11, ("Tofu",): 7.25}
     assert diet["price"].domains[0].name == "name" and diet["name"] == diet["food"]
     query = f"{tmp_path / 'stock.db'}#select name as food, cents from food where cents > 10"
     with ztb.read(query, sets="food", parameters="price(food) = cents", store="vector") as other:
@@ -83,6 +83,7 @@ def test_chosen_symbols_go_out(diet, tmp_path):
 def test_what_is_wrong_is_told_and_nothing_is_added(diet, tmp_path):
     before = (list(diet), diet.labels)
     (tmp_path / "a.csv").write_text("food,cents\nMilk,much\n,2\n")
+    (tmp_path / "whole.csv").write_text("food,cents\nMilk,1\n")
     with pytest.raises(ztb.DamagedFileError) as caught:
         diet.import_table(tmp_path / "a.csv", parameters="price(food) = cents")
     text = str(caught.value)
@@ -94,7 +95,7 @@ def test_what_is_wrong_is_told_and_nothing_is_added(diet, tmp_path):
     with pytest.raises(ValueError, match="--dates ydm: expected dmy, mdy or ymd"):
         diet.import_table(tmp_path / "a.csv", parameters="p(food)", dates="ydm")
     with pytest.raises(ztb.Error, match="Symbol holds exists already"):
-        diet.import_table(tmp_path / "a.csv", sets="holds(food)")
+        diet.import_table(tmp_path / "whole.csv", sets="holds(food)")
     with pytest.raises(ValueError, match="a csv file takes the table of one symbol"):
         diet.export(tmp_path / "b.csv")
     assert (list(diet), diet.labels) == before

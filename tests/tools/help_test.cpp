@@ -42,12 +42,12 @@ TEST_F(HelpTest, OfACommandIsThatOfItsOption) {
 
 TEST_F(HelpTest, BashCompletesCommandsOptionsAndChoices) {
   EXPECT_EQ(offered("ztb p"), "pivot\n");
-  EXPECT_EQ(offered("ztb s"), "show\nsolve\nsweep\n");
+  EXPECT_EQ(offered("ztb s"), "show\nsql\nsolve\nsweep\n");
   EXPECT_EQ(offered("ztb show f.rxf --s"), "--slice\n--store\n");
   EXPECT_EQ(offered("ztb show f.rxf s --store \"\""), "map\nvector\ntrie\n");
   EXPECT_EQ(offered("ztb show f.rxf s --store = t"), "trie\n");
   EXPECT_EQ(offered("ztb completion \"\""), "bash\nzsh\nfish\n");
-  EXPECT_EQ(offered("ztb help s"), "show\nsolve\nsweep\n");
+  EXPECT_EQ(offered("ztb help s"), "show\nsql\nsolve\nsweep\n");
   // Nothing of its own, so that bash offers files.
   EXPECT_EQ(offered("ztb show \"\""), "\n");
   EXPECT_EQ(offered("ztb import o.rxf --from \"\""), "\n");
@@ -63,7 +63,7 @@ TEST_F(HelpTest, OtherShellsGetTheSameOptions) {
     EXPECT_NE(fish.find(" -l " + option + " "), std::string::npos) << option;
   }
   const std::string commands =
-      "info show import export diff check copy pivot model solve sweep help completion manual";
+      "info show import export diff check copy pivot sql model solve sweep help completion manual";
   EXPECT_NE(zsh.find("':COMMAND:(" + commands + ")'"), std::string::npos);
   EXPECT_NE(fish.find("-f -n '__fish_seen_subcommand_from help' -a '" + commands + "'"),
             std::string::npos);

@@ -148,7 +148,9 @@ TEST_F(ImportProblemTest, SymbolsThatCannotBeMade) {
   write("a.csv", "i,v\nx,1\n");
   expectFails(2, "ztb: --set 1a(i): '1a' is not a valid name for a VELT symbol\n",
               {"import", "out.rxf", "--from", "a.csv", "--set", "1a(i)"});
-  expectFails(2, "ztb: --set I(i): Symbol I exists already\n",
+  expectFails(2,
+              "ztb: --set I(i): The name I is that of symbol i already (the case of letters does "
+              "not matter): Symbol I exists already\n",
               {"import", "out.rxf", "--from", "a.csv", "--set", "i", "--set", "I(i)"});
   expectFails(2, "ztb: --set s(): Dimension must be greater than 0 for a Set\n",
               {"import", "out.rxf", "--from", "a.csv", "--set", "s()"});

@@ -176,7 +176,7 @@ class Database(display.Shows, Home, Mapping[str, Symbol[Any]]):
         a folder gets CSV files. :func:`ztb.read` reads a whole database back, every value bit for
         bit. ``wide`` names the position of one symbol whose labels become columns.
         """
-        names = None if symbols is None else _names(symbols)
+        names = None if symbols is None else self._names(symbols)
         options = formats.export_options(target, names, format, wide, separator, decimal)
         formats.export(self._native, options)
 
