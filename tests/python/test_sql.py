@@ -46,8 +46,8 @@ def test_two_databases_by_name(diet):
 
 
 def test_mistakes_are_told(diet):
-    with pytest.raises(ztb.Error, match="no such table: nothing"):
-        ztb.sql(diet, "select * from nothing")
+    with pytest.raises(ztb.Error, match="no such table: absent"):
+        ztb.sql(diet, "select * from absent")
     with pytest.raises(ztb.Error, match="a query that gives rows is expected, as select does"):
         ztb.sql(diet, "create table t(x)")
     with pytest.raises(TypeError, match="3 .* is no database"):
