@@ -12,9 +12,10 @@ inline constexpr double kFileInfinity = 1e30;
 // The number, or the infinity that it stands for.
 double fromFile(double number);
 
-// Gives the row type, right-hand side and range for lower <= row <= upper; two finite bounds that
-// differ make a <= row, with a negative range where they contradict each other. Null, or what is
-// wrong with the bounds (then the row is as it was).
+// Gives the row type, right-hand side and range for lower <= row <= upper. Two finite bounds that
+// differ make a <= row, or a >= row where the range would only then give the other bound to the
+// last bit, as with 1 and 1e20; the range is negative where they contradict each other. Null, or
+// what is wrong with the bounds (then the row is as it was).
 const char* setRowBounds(RowData& row, double lower, double upper);
 
 }  // namespace lomu

@@ -122,8 +122,8 @@ void MpsLines::splitFree() {
       ++at;
     }
     if (count_ == kMaxFields) {
-      // What a header has behind its first word is free text.
-      if (isHeader_) return;
+      // What a header has behind its first word is free text, and so is a comment.
+      if (isHeader_ || hasComment()) return;
       fields_.at(0) = {begin, static_cast<std::size_t>(at - begin)};
       failExpecting(0, "the end of the line");
     }
@@ -133,6 +133,12 @@ void MpsLines::splitFree() {
                            " characters, expected at most " + std::to_string(kMaxName));
     }
   }
+}
+
+// Whether one of the fields may begin a comment; who reads them knows whether it is a name.
+bool MpsLines::hasComment() const {
+  return std::any_of(fields_.begin() + 1, fields_.end(),
+                     [](std::string_view field) { return field.starts_with('$'); });
 }
 
 std::string_view MpsLines::fixedField(std::size_t begin, std::size_t end, bool isName) {

@@ -71,6 +71,7 @@ class MpsLines {
   [[noreturn]] void failLength() const;
   void splitFree();
   void splitFixed();
+  [[nodiscard]] bool hasComment() const;
   [[nodiscard]] std::string_view fixedField(std::size_t begin, std::size_t end, bool isName);
 
   TextSource source_;

@@ -28,10 +28,13 @@ class FirstVector {
  public:
   explicit FirstVector(std::string_view section) : section_(section) {}
 
-  // Whether the present line counts; `name` is that of its vector, in the field or left out.
+  // Whether the present line counts; `name` is that of its vector, in the field, or left out where
+  // it is that of the line before.
   bool takes(MpsModel& model, std::string_view name, std::size_t field) {
-    if (!std::exchange(seen_, true)) name_ = name;
-    if (name == name_) return true;
+    if (name.empty()) return counts_;
+    if (name_.empty()) name_ = name;
+    counts_ = name == name_;
+    if (counts_) return true;
     if (model.notes.count(section_)) return false;
     model.notes.add(section_, model.lines.line(), model.lines.columnOf(field),
                     "the vector " + shown(name) + " of " + std::string(section_) +
@@ -41,8 +44,8 @@ class FirstVector {
 
  private:
   std::string_view section_;
-  bool seen_ = false;
-  std::string name_;
+  std::string name_;  // empty until a line has one
+  bool counts_ = true;
 };
 
 class MpsReader {
@@ -152,6 +155,7 @@ class MpsReader {
 
   void readRow() {
     if (lines_.count() < 2 || lines_[1].empty()) lines_.failExpecting(1, "the name of a row");
+    dropComment(2);
     model_.endAt(2);
     RowData row{std::string(lines_[1])};
     switch (lines_[0].size() == 1 ? ztb::foldedChar(lines_[0][0]) : ' ') {
@@ -186,15 +190,18 @@ class MpsReader {
 
   void readColumn() {
     if (lines_.count() > 2 && lines_[1] == "'MARKER'") return readMarker();
-    if (data_.columns.empty() ||
-        lines_[0] != data_.columns[static_cast<std::size_t>(column_)].name) {
+    dropComment(1);
+    const std::size_t begin = isUnnamed() ? 0 : 1;
+    if (begin == 1 && !lines_[0].empty() &&
+        (data_.columns.empty() ||
+         lines_[0] != data_.columns[static_cast<std::size_t>(column_)].name)) {
       beginColumn();
     }
+    if (data_.columns.empty()) lines_.failExpecting(0, "the name of a column");
     if (lines_.count() < 2) lines_.failExpecting(1, "the name of a row");
-    dropComment();
-    model_.endAt(5);
+    model_.endAt(4 + begin);
     const int number = column_;
-    for (std::size_t field = 1; field < lines_.count(); field += 2) {
+    for (std::size_t field = begin; field < lines_.count(); field += 2) {
       const int row = model_.row(field);
       const double value = model_.coefficient(field + 1);
       if (data_.terms.size() >= kMaxCount) {
@@ -217,7 +224,6 @@ class MpsReader {
 
   void beginColumn() {
     const std::string_view name = lines_[0];
-    if (name.empty()) lines_.failExpecting(0, "the name of a column");
     if (data_.columns.size() >= kMaxCount) {
       lines_.fail(0, "the model has as many columns as it can");
     }
@@ -235,11 +241,16 @@ class MpsReader {
     data_.columns.push_back(std::move(column));
   }
 
-  // In the third and the fifth place a '$' begins a comment, unless a row is called so.
-  void dropComment() {
-    for (std::size_t field = 1; field < lines_.count(); field += 2) {
-      if (!lines_[field].starts_with('$')) continue;
-      if (model_.rows.find(data_.rows, lines_[field]) != NameIndex<>::kNone) continue;
+  // Whether a line of a free file, which has no empty fields, leaves out the name of its column:
+  // then it has pairs alone.
+  [[nodiscard]] bool isUnnamed() const {
+    return lines_.count() % 2 == 0 && !data_.columns.empty() && isRow(0) && !lines_[0].empty();
+  }
+
+  // From this field on a '$' begins a comment, unless a row or column is called so.
+  void dropComment(std::size_t from) {
+    for (std::size_t field = from; field < lines_.count(); ++field) {
+      if (!lines_[field].starts_with('$') || isRow(field) || isColumn(field)) continue;
       lines_.dropFrom(field);
     }
   }
@@ -247,6 +258,7 @@ class MpsReader {
   // Calls take(row, value, field) for each pair of the line if its vector counts.
   template <typename Take>
   void readPairs(FirstVector& vector, const Take& take) {
+    dropComment(1);
     const std::size_t begin = lines_.count() % 2;
     const std::string_view name = begin == 1 ? lines_[0] : std::string_view();
     if (lines_.count() < 2) lines_.failExpecting(lines_.count(), "a row and a number");
@@ -299,6 +311,7 @@ class MpsReader {
     if (value == MpsBounds::Value::noType) {
       lines_.failExpecting(0, "the type of a bound: UP, LO, FX, FR, MI, PL, BV, LI, UI, SC or SI");
     }
+    dropComment(2);
     const bool needed = value == MpsBounds::Value::needed;
     std::size_t column = needed && lines_.count() < 4 ? 1 : 2;
     if (!needed && (lines_.count() < 3 || (lines_.count() == 3 && !isColumn(2) && isColumn(1)))) {
@@ -312,6 +325,9 @@ class MpsReader {
     bounds_.apply(lines_, type, number, column + 1);
   }
 
+  [[nodiscard]] bool isRow(std::size_t field) const {
+    return model_.rows.find(data_.rows, lines_[field]) != NameIndex<>::kNone;
+  }
   [[nodiscard]] bool isColumn(std::size_t field) const {
     return model_.columns.find(data_.columns, lines_[field]) != NameIndex<>::kNone;
   }

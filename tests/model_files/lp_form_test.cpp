@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 
 #include "tests/model_files/model_text.h"
 
@@ -192,6 +193,21 @@ TEST(LpForm, doubleSidedRows) {
   EXPECT_EQ("1 x <= 5", rowText(lp("min x\nst\nc: -inf <= x <= 5"), "c"));
   EXPECT_EQ("1 x >= 2", rowText(lp("min x\nst\nc: 2 <= x <= 1e30"), "c"));
   EXPECT_EQ("1 x free", rowText(lp("min x\nst\nc: -1e30 <= x <= infinity"), "c"));
+}
+
+TEST(LpForm, bothSidesOfARowAreKeptToTheLastBit) {
+  const auto sides = [](const std::string& lower, const std::string& upper) {
+    const auto model = lp("min x\nst\nc: " + lower + " <= x <= " + upper);
+    const lomu::RowData& row = model.rows.at(1);
+    const bool isLess = row.type == lomu::RowType::lessOrEqual;
+    return isLess ? std::pair(row.rhs - row.range, row.rhs)
+                  : std::pair(row.rhs, row.rhs + row.range);
+  };
+  EXPECT_EQ(std::pair(1.0, 1e20), sides("1", "1e20"));
+  EXPECT_EQ(std::pair(-1e20, 1.0), sides("-1e20", "1"));
+  EXPECT_EQ(std::pair(1e-3, 1e17), sides("1e-3", "1e17"));
+  EXPECT_EQ(std::pair(1.8, 5.0), sides("1.8", "5"));
+  EXPECT_EQ(std::pair(1e20, 1.0), sides("1e20", "1")) << "which no point satisfies";
 }
 
 TEST(LpForm, rightHandSideBeyondReachFreesARow) {

@@ -324,6 +324,46 @@ TEST_F(Mps, commentsAndEmptyLines) {
   EXPECT_EQ("2 y <= 0", rowText(model, "$r"));
 }
 
+TEST_F(Mps, commentsOfManyWordsBehindNamesOfEverySection) {
+  const auto model = read(
+      "ROWS\n N o $ what it costs, in all, of what is made\n L r $ a b c d e f g h\n"
+      "COLUMNS\n x o 1 r 1 $ of the two which are there the first\n y o 1\n"
+      "RHS\n v r 4 $ at most\nRANGES\n v r 3 $ from 1 on\n"
+      "BOUNDS\n UP v x 9 $ nine\n FR y $ free\nENDATA\n");
+  EXPECT_EQ("1 <= 1 x <= 4", rowText(model, "r"));
+  EXPECT_EQ("0 <= x <= 9", columnText(model, "x"));
+  EXPECT_EQ("-inf <= y <= inf", columnText(model, "y"));
+}
+
+TEST_F(Mps, whatALineLeavesOutIsThatOfTheLineBefore) {
+  const std::string free =
+      "ROWS\n N o\n L r\n G s\nCOLUMNS\n x o 1 r 2\n s 3\n y o 4\n r 5 s 6\nRHS\n A r 7\n s 1\n"
+      "BOUNDS\n UP B x 8\n UP y 9\nENDATA\n";
+  const std::string fixed =
+      "ROWS\n N  o\n L  r\n G  s\n"
+      "COLUMNS\n"
+      "    x 1       o                  1.0   r                  2.0\n"
+      "              s                  3.0\n"
+      "    y         o                  4.0\n"
+      "              r                  5.0   s                  6.0\n"
+      "RHS\n"
+      "    A         r                  7.0\n"
+      "              s                  1.0\n"
+      "BOUNDS\n"
+      " UP B         x 1                8.0\n"
+      " UP           y                  9.0\n"
+      "ENDATA\n";
+  for (const std::string& x : {std::string("x"), std::string("x1")}) {
+    const auto model = read(x == "x" ? free : fixed);
+    EXPECT_EQ("min 1 " + x + " + 4 y + 0", rowText(model, 0));
+    EXPECT_EQ("2 " + x + " + 5 y <= 7", rowText(model, "r"));
+    EXPECT_EQ("3 " + x + " + 6 y >= 1", rowText(model, "s"));
+    EXPECT_EQ("0 <= " + x + " <= 8", columnText(model, x));
+    EXPECT_EQ("0 <= y <= 9", columnText(model, "y"));
+    EXPECT_EQ("", notesText(model));
+  }
+}
+
 TEST_F(Mps, whatStandsBehindTheEndIsPassedOverWithANote) {
   EXPECT_EQ(folder_.file("m.mps") + ":7:1: what stands behind ENDATA is passed over\n",
             notesText(read("ROWS\n N o\nCOLUMNS\n x o 1\nENDATA\n\nrubbish\n")));

@@ -128,6 +128,15 @@ ModelData everything() {
   return model;
 }
 
+// 5 - 3.2 is not 1.8, though 1.8 + 3.2 is 5.
+TEST_F(ModelWriting, rangesFromBelowKeepBothSides) {
+  ModelData model = modelfiles::lp("min x\nst\nr: x >= 1.8\ns: x >= 1");
+  model.rows[1].range = 3.2;
+  model.rows[2].range = 1e20;
+  expectSame(model, again(model, ".lp"), "lp");
+  expectSame(model, again(model, ".mps"), "mps");
+}
+
 TEST_F(ModelWriting, everythingReadsBackFromLp) {
   const ModelData model = everything();
   expectSame(model, again(model, ".lp"), "lp");

@@ -80,6 +80,29 @@ TEST_P(Integer, tellsUnbounded) {
 }
 
 // z is unbounded below in reals, but x has no integer.
+// The third column is in no row, and each more of it is better by 2.
+TEST_P(Integer, tellsUnboundedByAColumnInNoRow) {
+  model_.column(-4, 0, 7);
+  model_.column(2, -3, kInf);
+  model_.column(-2, -1, kInf);
+  model_.column(2, 0, kInf, true);
+  model_.row({-2, -2, 0, -1}, 0, kInf);
+  const SolverResult result = solve();
+  EXPECT_EQ(result.outcome, Outcome::unbounded) << result.reason;
+}
+
+// The points (2k, 0, 3k) satisfy all rows, with the objective -19k.
+TEST_P(Integer, tellsUnboundedWhereColumnsHaveNoEndOnEitherSide) {
+  model_.column(-5, -2, kInf, true);
+  model_.column(1, -1, 0, true);
+  model_.column(-3, -kInf, kInf);
+  model_.row({2, -3, 1}, -2, kInf);
+  model_.row({1, -1, 0}, -1, kInf);
+  model_.row({-3, -3, 2}, -3, 1);
+  const SolverResult result = solve();
+  EXPECT_EQ(result.outcome, Outcome::unbounded) << result.reason;
+}
+
 TEST_P(Integer, tellsInfeasibleWhereTheRealsAreUnbounded) {
   model_.column(0, 0.2, 0.8, true);
   model_.column(-1, 0, kInf);

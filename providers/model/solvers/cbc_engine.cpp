@@ -150,6 +150,14 @@ void CbcEngine::searchIntegers(Watch& watch, SolverResult& result) {
   model.setCutoffIncrement(1e-9);
   addHelp(model);
   model.initialSolve();
+  // The search and its cuts take a best point of the linear problem for granted.
+  if (!model.solver()->isProvenOptimal()) {
+    result.outcome = watch.mustStop() ? watch.reason() : Outcome::failed;
+    result.reason = "cbc found no best point of the linear problem";
+    result.hasPoint = result.startTaken && watch.stopped();
+    if (result.hasPoint) std::copy(start_.begin(), start_.end(), result.level.begin());
+    return;
+  }
   if (result.startTaken) {
     double cost = 0;
     for (std::size_t j = 0; j < start_.size(); ++j) cost += form_.cost[j] * start_[j];
