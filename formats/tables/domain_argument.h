@@ -7,6 +7,9 @@
 
 namespace formats {
 
+// Whether the name of a column can stand as a domain that no set is behind.
+bool canBeDomain(const std::string& name);
+
 // A domain set that the database has already is passed as such; any other domain is known by its
 // name, and becomes the set of that name when the written file is opened. The result refers to
 // `name`.

@@ -49,6 +49,15 @@ int valueOf(char digit) {
 
 }  // namespace
 
+bool isUtf8(std::string_view text) {
+  while (!text.empty()) {
+    const std::size_t length = sequenceLength(text);
+    if (length == 0) return false;
+    text.remove_prefix(length);
+  }
+  return true;
+}
+
 std::string_view spelled(std::string_view text, TextForm form, std::string& room) {
   bool plain = !text.starts_with('\\') && (form == TextForm::json || !text.empty());
   for (std::size_t at = 0; plain && at < text.size();) {

@@ -18,6 +18,9 @@ enum class TextForm {
   xml    // UTF-8 without control characters; not empty, and without what looks like _x000D_
 };
 
+// Whether the text can stand as it is in a format of UTF-8.
+bool isUtf8(std::string_view text);
+
 // The text as it is written: itself, or spelled out into `room`.
 std::string_view spelled(std::string_view text, TextForm form, std::string& room);
 

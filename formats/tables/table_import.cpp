@@ -11,22 +11,13 @@
 #include <utility>
 #include <ztb/column_names.hpp>
 
+#include "formats/tables/domain_argument.h"
 #include "tools/text/failure.h"
 #include "tools/text/words.h"
 
 namespace formats {
 
 namespace {
-
-// Whether a column's name can stand as a domain that no set is behind.
-bool canBeDomain(const std::string& name) {
-  return !name.empty() && name.size() <= ZTB_MAX_NAME_LENGTH && name.front() != ' ' &&
-         name.back() != ' ' && name.front() != '*' &&
-         std::ranges::none_of(name, [](unsigned char c) {
-           return c < ' ' ||
-                  std::string_view(",()'\"").find(static_cast<char>(c)) != std::string_view::npos;
-         });
-}
 
 // Makes the symbols of an import, with their domains.
 class SymbolMaker {

@@ -8,6 +8,7 @@
 #include <ztb/display_text.hpp>
 #include <ztb/model_names.hpp>
 
+#include "bindings/python/native/arrow.h"
 #include "bindings/python/native/database.h"
 #include "bindings/python/native/errors.h"
 #include "bindings/python/native/left_work.h"
@@ -34,6 +35,7 @@ PYBIND11_MODULE(_native, module) {
   python::bindDatabase(module);
   python::bindModel(module);
   python::bindSql(module);
+  python::bindArrow(module);
   pybind11::module_::import("atexit").attr("register")(
       pybind11::cpp_function(&python::awaitLeftWork));
 }

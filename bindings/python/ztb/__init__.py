@@ -11,6 +11,7 @@
 """
 
 from . import _native
+from .arrow import from_arrow
 from .database import Database, memory_needed, open, read
 from .errors import DamagedFileError, Error, MissingFileError, NotFoundError
 from .families import Expression, Family
@@ -84,6 +85,7 @@ __all__ = [
     "Variable",
     "Violation",
     "__version__",
+    "from_arrow",
     "label_text",
     "memory_needed",
     "open",

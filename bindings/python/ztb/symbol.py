@@ -22,6 +22,8 @@ from .selection import Numbers, Selection, choice_of, is_partial
 if TYPE_CHECKING:
     import pandas as pd
 
+    from .arrow import ArrowData
+
 Value = TypeVar("Value")
 
 #: Labels of records, with a slice or several labels at one position or more.
@@ -295,6 +297,37 @@ class Symbol(display.Shows, MutableMapping[Any, Value]):
         if not isinstance(source, (Symbol, Alias)):
             raise TypeError(f"{arguments.shown(source)} is no symbol to copy records from")
         self._native.copy_from(source._native)
+
+    def __arrow_c_stream__(self, requested_schema: Any = None) -> Any:
+        """The records as an Arrow stream: see :meth:`arrow`, which has choices."""
+        return self.arrow().__arrow_c_stream__(requested_schema)
+
+    def arrow(self, *, na: str = "nan", batch: int = 65536) -> "ArrowData":
+        """The records as Arrow data, for what reads objects with ``__arrow_c_stream__``.
+
+        Columns are those of the symbol as a table: labels as dictionaries of texts, then ``value``,
+        the five fields, or ``text``. Special values are the doubles of :mod:`ztb.special`; with
+        ``na="null"``, :data:`ztb.NA` is null. They come in batches of ``batch`` records.
+        """
+        from . import arrow
+
+        return arrow.ArrowData(self, na, batch)
+
+    def from_arrow(
+        self, data: Any, *, keys: Optional[Sequence[str]] = None, null: str = "error"
+    ) -> None:
+        """Replaces the records by those of Arrow data: any object with ``__arrow_c_stream__``.
+
+        ``keys`` names the columns of labels, one for each position. Without it they are those that
+        are called as in :meth:`arrow`, or, where not all are there, the first ones. The others are
+        the content: one of any name for a parameter, some of the fields for a variable or
+        equation, or one for its level; none or one of texts for a set. Labels are texts, whole
+        numbers or dates. ``null`` tells what becomes of nulls among values, as ``nan`` for
+        ``from_pandas``. On failure nothing has changed.
+        """
+        from . import arrow
+
+        arrow.fill(self, data, keys, null)
 
     def violations(self) -> List[Violation]:
         """The records with a label outside the set that is its domain."""

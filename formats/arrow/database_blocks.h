@@ -1,0 +1,48 @@
+// Records of a symbol of a database, block by block. No record handle is kept between two blocks,
+// so that the database may end before its blocks do.
+#ifndef ZTB_FORMATS_ARROW_DATABASE_BLOCKS_H_
+#define ZTB_FORMATS_ARROW_DATABASE_BLOCKS_H_
+
+#include <array>
+#include <string>
+#include <ztb/ztb.hpp>
+
+#include "formats/arrow/record_blocks.h"
+
+namespace formats {
+
+class DatabaseBlocks : public RecordBlocks {
+ public:
+  // Blocks of `most` records; with `inPlace`, values are not copied where they lie as a column.
+  DatabaseBlocks(const ztb::Symbol& symbol, std::size_t most, bool inPlace);
+
+  // Throws ztb::Error when records of the database have changed since this was made.
+  RecordBlock next() override;
+  std::string_view label(int number) override;
+
+ private:
+  [[nodiscard]] ztb::detail::OwnedRecord toNext() const;
+  bool showInPlace(RecordBlock& block) const;
+  void readTexts(RecordBlock& block) const;
+
+  ztbRec* database_;
+  void* symbol_;
+  std::size_t positions_;
+  std::size_t slots_;
+  std::size_t most_;
+  bool isSet_;
+  unsigned changes_;
+  std::size_t left_;
+  bool begun_ = false;
+  // The values that were not read yet, where they lie, or null.
+  const double* values_ = nullptr;
+  // The last record of the block before.
+  std::array<int, ZTB_MAX_DIMENSION> last_{};
+  ztb::Text label_;
+  // Where the library writes values that are shown in place, or none.
+  std::vector<double> unused_;
+};
+
+}  // namespace formats
+
+#endif  // ZTB_FORMATS_ARROW_DATABASE_BLOCKS_H_

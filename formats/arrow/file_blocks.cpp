@@ -1,0 +1,44 @@
+#include "formats/arrow/file_blocks.h"
+
+#include "formats/tables/exact_text.h"
+#include "tools/text/failure.h"
+
+namespace formats {
+
+FileBlocks::FileBlocks(const tool::ExchangeFile& file, const tool::FileSymbol& symbol)
+    : file_(file),
+      records_(file.file(), file.file().symbol(symbol.number)),
+      isSet_(symbol.type == ztb::Type::set) {}
+
+RecordBlock FileBlocks::next() {
+  RecordBlock block;
+  try {
+    if (!records_.next()) {
+      return block;
+    }
+  } catch (const ztb::Error& error) {
+    throw tool::Failure(tool::withFile(file_.path(), error.what()));
+  }
+  block.count = records_.size();
+  for (int position = 0; position < records_.dimension(); ++position) {
+    const std::span<const int> keys = records_.keys(position);
+    block.keys.emplace_back(keys.begin(), keys.end());
+  }
+  for (int slot = 0; slot < records_.valueCount(); ++slot) {
+    const std::span<const double> values = records_.values(slot);
+    if (!isSet_) {
+      block.values.emplace_back(values.begin(), values.end());
+      continue;
+    }
+    for (const double text : values) {
+      block.texts.add(spelled(file_.file().text(static_cast<int>(text)), TextForm::json, room_));
+    }
+  }
+  return block;
+}
+
+std::string_view FileBlocks::label(int number) {
+  return spelled(file_.label(number), TextForm::json, room_);
+}
+
+}  // namespace formats
