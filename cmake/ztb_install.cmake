@@ -5,7 +5,7 @@
 #                       ztb::model for programs that solve models (ztb/model.h, model.hpp);
 #                       ztb::rxf for programs that look into exchange files (ztb/rxf.h, rxf.hpp);
 #                       ztb::formats for programs that read and write the files of others
-#                       (ztb/formats.h);
+#                       (ztb/formats.h, ztb/arrow.h);
 #                       ztb::sql for programs that query databases in SQL (ztb/sql.h)
 #   pkg-config ztb      the same for other build systems; ztb-model, ztb-rxf, ztb-formats
 

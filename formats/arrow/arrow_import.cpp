@@ -23,7 +23,7 @@ namespace {
 
 using FieldValues = std::array<double, ztb::fieldCount>;
 
-[[noreturn]] void fail(const std::string& text) {
+[[noreturn]] void failImport(const std::string& text) {
   throw ztb::Error("ztbArrowFill", text);
 }
 
@@ -64,8 +64,8 @@ std::vector<std::size_t> keysOfOptions(const std::vector<std::string>& columns,
   const std::vector<std::string> names(options.keys, options.keys + options.keyCount);
   std::optional<std::vector<std::size_t>> places = placesOf(columns, names);
   if (!places) {
-    fail(fmt::format("the columns are {}, and not all of {} are among them, once each",
-                     fmt::join(columns, ", "), fmt::join(names, ", ")));
+    failImport(fmt::format("the columns are {}, and not all of {} are among them, once each",
+                           fmt::join(columns, ", "), fmt::join(names, ", ")));
   }
   return std::move(*places);
 }
@@ -80,8 +80,8 @@ std::vector<std::size_t> keysOfSymbol(const std::vector<std::string>& columns,
     return std::move(*places);
   }
   if (columns.size() < domains.size()) {
-    fail(fmt::format("{} columns ({}) are not enough for the {} positions of symbol {}",
-                     columns.size(), fmt::join(columns, ", "), domains.size(), name));
+    failImport(fmt::format("{} columns ({}) are not enough for the {} positions of symbol {}",
+                           columns.size(), fmt::join(columns, ", "), domains.size(), name));
   }
   std::vector<std::size_t> places(domains.size());
   std::iota(places.begin(), places.end(), std::size_t{0});
@@ -108,9 +108,9 @@ SymbolPlan planOf(const ArrowTable& table, std::vector<std::size_t> keys, ztb::T
     }
   }
   const auto refuse = [&](const char* expected) {
-    fail(fmt::format("symbol {}: expected {} beside the columns of labels, and there {} {}{}",
-                     symbol, expected, rest.size() == 1 ? "is" : "are", rest.empty() ? "none" : "",
-                     fmt::join(names, ", ")));
+    failImport(fmt::format("symbol {}: expected {} beside the columns of labels, and there {} {}{}",
+                           symbol, expected, rest.size() == 1 ? "is" : "are",
+                           rest.empty() ? "none" : "", fmt::join(names, ", ")));
   };
   if (type == ztb::Type::set) {
     if (rest.size() > 1) refuse("one column of texts at most");
@@ -239,8 +239,8 @@ class Records {
       const std::vector<bool>& nulls = table.numbers()[column].nulls;
       const auto first = std::ranges::find(nulls, true);
       if (first != nulls.end()) {
-        fail(fmt::format("column {}, row {}: a value is missing",
-                         table.names()[plan.columns.numbers[column]], first - nulls.begin()));
+        failImport(fmt::format("column {}, row {}: a value is missing",
+                               table.names()[plan.columns.numbers[column]], first - nulls.begin()));
       }
     }
   }
@@ -266,11 +266,11 @@ class Records {
     if (!plan.columns.text) return {};
     const std::string& text = table.texts()[row];
     if (text.size() > ZTB_MAX_TEXT_LENGTH) {
-      fail(fmt::format("row {}: a text has {} bytes, at most {} are allowed", row, text.size(),
-                       static_cast<int>(ZTB_MAX_TEXT_LENGTH)));
+      failImport(fmt::format("row {}: a text has {} bytes, at most {} are allowed", row,
+                             text.size(), static_cast<int>(ZTB_MAX_TEXT_LENGTH)));
     }
     if (text.find('\0') != std::string::npos) {
-      fail(fmt::format("row {}: a text holds a zero byte", row));
+      failImport(fmt::format("row {}: a text holds a zero byte", row));
     }
     return text;
   }
@@ -284,8 +284,8 @@ class Records {
         labels += fmt::format("{}\"{}\"", labels.empty() ? "" : ",",
                               key.labels()[static_cast<std::size_t>(place)]);
       }
-      fail(fmt::format("row {}: another row, {}, has the same labels ({})", rows_[order_[at]],
-                       rows_[order_[at - 1]], labels));
+      failImport(fmt::format("row {}: another row, {}, has the same labels ({})", rows_[order_[at]],
+                             rows_[order_[at - 1]], labels));
     }
   }
 
@@ -378,7 +378,7 @@ void* addSymbol(ztbRec* database, const std::string& name, ztb::Type type, NewDo
 
 void requireType(int type) {
   if (type < -1 || type > ZTB_EQUATION) {
-    fail(fmt::format("{} is no type of a symbol with records", type));
+    failImport(fmt::format("{} is no type of a symbol with records", type));
   }
 }
 
@@ -389,13 +389,13 @@ void fillFromArrow(const ztb::Symbol& symbol, ArrowArrayStream* stream,
   ArrowTable table(stream);
   const std::string name = symbol.name().str();
   if (symbol.type() == ztb::Type::alias || name == "*") {
-    fail(fmt::format("{} has no records of its own", name));
+    failImport(fmt::format("{} has no records of its own", name));
   }
   std::vector<std::size_t> keys = options.keys == nullptr ? keysOfSymbol(table.names(), symbol)
                                                           : keysOfOptions(table.names(), options);
   if (keys.size() != static_cast<std::size_t>(symbol.dimension())) {
-    fail(fmt::format("{} columns of labels are named, symbol {} has {} positions", keys.size(),
-                     name, symbol.dimension()));
+    failImport(fmt::format("{} columns of labels are named, symbol {} has {} positions",
+                           keys.size(), name, symbol.dimension()));
   }
   const SymbolPlan plan = planOf(table, std::move(keys), symbol.type(), name);
   table.read(plan.columns);
@@ -416,8 +416,8 @@ void* makeFromArrow(ztbRec* database, const std::string& name, int type, ArrowAr
                                             ? keysOfNewSymbol(table, made)
                                             : keysOfOptions(table.names(), options);
   if (keys.size() > ZTB_MAX_DIMENSION) {
-    fail(fmt::format("{} columns of labels, a symbol has at most {} positions", keys.size(),
-                     static_cast<int>(ZTB_MAX_DIMENSION)));
+    failImport(fmt::format("{} columns of labels, a symbol has at most {} positions", keys.size(),
+                           static_cast<int>(ZTB_MAX_DIMENSION)));
   }
   const SymbolPlan plan = planOf(table, keys, made, name);
   table.read(plan.columns);

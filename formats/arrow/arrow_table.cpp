@@ -10,7 +10,7 @@ namespace formats {
 
 namespace {
 
-[[noreturn]] void fail(const std::string& text) {
+[[noreturn]] void failTable(const std::string& text) {
   throw ztb::Error("ztbArrowFill", text);
 }
 
@@ -44,11 +44,11 @@ int LabelColumn::add(std::string_view label) {
 ArrowTable::ArrowTable(ArrowArrayStream* stream) : stream_(*stream) {
   // The caller's structure is an ended one from now on.
   stream->release = nullptr;
-  if (stream_.release == nullptr) fail("the stream was released already");
+  if (stream_.release == nullptr) failTable("the stream was released already");
   try {
     requireSuccess(stream_.get_schema(&stream_, &schema_));
     if (std::string_view(schema_.format) != "+s" || schema_.dictionary != nullptr) {
-      fail(fmt::format("the stream is no table, but {}", columnTypeText(schema_)));
+      failTable(fmt::format("the stream is no table, but {}", columnTypeText(schema_)));
     }
     for (std::int64_t column = 0; column < schema_.n_children; ++column) {
       const char* name = schema_.children[column]->name;
@@ -69,8 +69,8 @@ ArrowTable::~ArrowTable() {
 void ArrowTable::requireSuccess(int result) {
   if (result == 0) return;
   const char* text = stream_.get_last_error(&stream_);
-  fail(text == nullptr ? fmt::format("the stream failed with the number {}", result)
-                       : std::string(text));
+  failTable(text == nullptr ? fmt::format("the stream failed with the number {}", result)
+                            : std::string(text));
 }
 
 std::optional<ColumnType> ArrowTable::contentType(std::size_t column) const {
@@ -91,10 +91,10 @@ bool ArrowTable::isNumber(std::size_t column) const {
 void ArrowTable::checkTypes(const ColumnPlan& plan) const {
   const auto refuse = [&](std::size_t column, const char* expected) {
     const ArrowSchema& schema = *schema_.children[column];
-    fail(fmt::format("column {}: is {}{}, expected {}", names_[column],
-                     schema.dictionary == nullptr ? "" : "a dictionary of ",
-                     columnTypeText(schema.dictionary == nullptr ? schema : *schema.dictionary),
-                     expected));
+    failTable(fmt::format(
+        "column {}: is {}{}, expected {}", names_[column],
+        schema.dictionary == nullptr ? "" : "a dictionary of ",
+        columnTypeText(schema.dictionary == nullptr ? schema : *schema.dictionary), expected));
   };
   for (const std::size_t column : plan.keys) {
     if (!canBeLabel(column)) refuse(column, "labels: texts, whole numbers or dates");
@@ -111,10 +111,10 @@ bool ArrowTable::nextBatch(ArrowArray& batch) {
   requireSuccess(stream_.get_next(&stream_, &batch));
   if (batch.release == nullptr) return false;
   if (batch.n_children != schema_.n_children || batch.length < 0 || batch.offset < 0) {
-    fail("the stream is damaged: a batch has not the columns of its schema");
+    failTable("the stream is damaged: a batch has not the columns of its schema");
   }
   if (batch.null_count > 0) {
-    fail(fmt::format("row {}: a row cannot be null", rowCount_));
+    failTable(fmt::format("row {}: a row cannot be null", rowCount_));
   }
   return true;
 }
@@ -154,7 +154,7 @@ template <class Take>
 void ArrowTable::eachText(std::size_t column, const ArrowArray& batch, Take&& take) {
   const ArrowSchema& schema = *schema_.children[column];
   const std::optional<ColumnType> type = columnTypeOf(schema.format);
-  if (!type) fail(fmt::format("column {}: is damaged: an index is no number", names_[column]));
+  if (!type) failTable(fmt::format("column {}: is damaged: an index is no number", names_[column]));
   const ColumnCells cells = cellsOf(column, batch, *type);
   std::string room;
   if (schema.dictionary == nullptr) {
@@ -166,7 +166,7 @@ void ArrowTable::eachText(std::size_t column, const ArrowArray& batch, Take&& ta
   const ArrowArray* entries = batch.children[column]->dictionary;
   if (entries == nullptr ||
       (type->kind != ColumnClass::integer && type->kind != ColumnClass::unsignedInteger)) {
-    fail(fmt::format("column {}: is damaged: it has no dictionary", names_[column]));
+    failTable(fmt::format("column {}: is damaged: it has no dictionary", names_[column]));
   }
   const std::optional<ColumnType> entryType = columnTypeOf(schema.dictionary->format);
   const auto entryCount = static_cast<std::size_t>(entries->length);
@@ -188,7 +188,8 @@ void ArrowTable::readLabels(std::size_t column, const ArrowArray& batch, LabelCo
   std::vector<int> places;
   eachText(column, batch, [&](std::size_t row, std::optional<std::string_view> text, int entry) {
     if (!text) {
-      fail(fmt::format("column {}, row {}: a label is missing", names_[column], rowCount_ + row));
+      failTable(
+          fmt::format("column {}, row {}: a label is missing", names_[column], rowCount_ + row));
     }
     const auto place = static_cast<std::size_t>(entry);
     if (entry < 0) {

@@ -34,7 +34,7 @@ double halfOf(std::uint16_t bits) {
 
 // The days and time of day that a date tells, as labels have them: the ISO date at midnight without
 // a time zone, else with the time, whose digits behind the second are none, six or nine.
-std::string dateText(std::int64_t value, const ColumnType& type) {
+std::string isoTextOf(std::int64_t value, const ColumnType& type) {
   constexpr std::int64_t secondsOfDay = 86400;
   const std::int64_t units = type.unitsOfSecond == 0 ? 1 : secondsOfDay * type.unitsOfSecond;
   std::int64_t day = value / units;
@@ -132,7 +132,7 @@ std::string_view ColumnCells::label(std::size_t cell, std::string& room) const {
       room = std::to_string(unsignedWhole(cell));
       return room;
     case ColumnClass::date:
-      room = dateText(whole(cell), type_);
+      room = isoTextOf(whole(cell), type_);
       if (room.empty()) failCell(cell, "a date beyond all calendars");
       return room;
     default:

@@ -1,21 +1,16 @@
 #include "formats/arrow/database_blocks.h"
 
 #include <algorithm>
-#include <bit>
-#include <cstdint>
 #include <span>
 
 #include "formats/arrow/dictionary.h"
+#include "tools/text/number_text.h"
 
 namespace formats {
 
 namespace {
 
 constexpr const char* operation = "ztbArrowExport";
-
-bool sameBits(double left, double right) {
-  return std::bit_cast<std::uint64_t>(left) == std::bit_cast<std::uint64_t>(right);
-}
 
 }  // namespace
 
@@ -100,9 +95,9 @@ bool DatabaseBlocks::showInPlace(RecordBlock& block) const {
   c__ztbgetspecialvalues(database_, inside.data());
   c__ztbgetuserspecialvalues(database_, shown.data());
   for (std::size_t code = 0; code < inside.size(); ++code) {
-    if (!sameBits(inside[code], shown[code]) &&
+    if (!tool::sameBits(inside[code], shown[code]) &&
         std::any_of(values_, values_ + block.count,
-                    [&](double value) { return sameBits(value, inside[code]); })) {
+                    [&](double value) { return tool::sameBits(value, inside[code]); })) {
       return false;
     }
   }

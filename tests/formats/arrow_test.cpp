@@ -101,9 +101,9 @@ TEST_P(ArrowExport, ShowsTheFiveFieldsOfAVariable) {
   EXPECT_THAT(batches.names(),
               ElementsAre("label", "level", "marginal", "lower", "upper", "scale"));
   EXPECT_THAT(batches.numbers(2), ElementsAre(2.0));
-  // A free variable.
+  // A negative variable.
   EXPECT_THAT(batches.numbers(3), ElementsAre(-infinity));
-  EXPECT_THAT(batches.numbers(4), ElementsAre(infinity));
+  EXPECT_THAT(batches.numbers(4), ElementsAre(0.0));
 }
 
 TEST_P(ArrowExport, ShowsTextsOfASet) {
@@ -448,7 +448,7 @@ TEST_P(ArrowFill, RefusesWithTheNameOfTheColumnAndKeepsAll) {
   EXPECT_EQ(refusal({Column::dictionary("i", {"a"}, {1}), Column::doubles("v", {1})}),
             "column i, row 0: is damaged: its entry lies beyond the dictionary");
   EXPECT_EQ(refusal({Column::texts("i", {std::string(64, 'a')}), Column::doubles("v", {1})}),
-            "UEL label too long (max length 63) >" + std::string(64, 'a') + "<");
+            "Label exceeds maximum size of 63: >" + std::string(64, 'a') + "<");
   EXPECT_EQ(refusal({Column::texts("i", {"a"})}),
             "symbol p: expected one column of numbers beside the columns of labels, and there are "
             "none");

@@ -52,7 +52,7 @@ def from_arrow(
     *,
     kind: Optional[str] = None,
     keys: Optional[Sequence[str]] = None,
-    null: str = "error",
+    null: str = "na",
     database: Optional[Database] = None,
 ) -> Symbol[Any]:
     """Makes a symbol from Arrow data: any object with ``__arrow_c_stream__``.

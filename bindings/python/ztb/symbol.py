@@ -314,7 +314,7 @@ class Symbol(display.Shows, MutableMapping[Any, Value]):
         return arrow.ArrowData(self, na, batch)
 
     def from_arrow(
-        self, data: Any, *, keys: Optional[Sequence[str]] = None, null: str = "error"
+        self, data: Any, *, keys: Optional[Sequence[str]] = None, null: str = "na"
     ) -> None:
         """Replaces the records by those of Arrow data: any object with ``__arrow_c_stream__``.
 
