@@ -3,10 +3,12 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cmath>
 #include <cstdio>
 #include <cstring>
 #include <deque>
 #include <map>
+#include <optional>
 #include <ztb/column_names.hpp>
 
 #include "formats/json/json_lines.h"
@@ -216,9 +218,11 @@ class JsonDatabase : public DatabaseReader {
       if (fault.empty()) fault = takeLine();
       if (!fault.empty()) problems.add(placeText(path_, {.line = lines_.number()}), fault);
     }
-    if (entries_.empty() && labels_.lines.empty() && problems.empty()) {
+    if (entries_.empty() && labels_.lines.empty() && problems.empty() && !countsLine_) {
       problems.add(path_, "has no line of a symbol or label: it holds no whole database");
     }
+    // Lines that could not be read are told already.
+    if (problems.empty()) checkCounts(problems);
     return entries_;
   }
   [[nodiscard]] std::string place(const ManifestEntry& entry) const override {
@@ -236,8 +240,50 @@ class JsonDatabase : public DatabaseReader {
   }
 
  private:
+  // The first line and those of symbols tell what follows; one that was written by hand need not.
+  void checkCounts(ProblemList& problems) const {
+    const auto check = [&](std::size_t line, std::size_t found, std::size_t told,
+                           const char* what, const std::string& whose = {}) {
+      if (found >= told) return;
+      problems.add(placeText(path_, {.line = line}),
+                   fmt::format("tells of {}{}, the file has {}: its end is missing",
+                               tool::counted(told, what), whose, found));
+    };
+    if (countsLine_) {
+      check(*countsLine_, entries_.size(), symbolsTold_, "symbol");
+      check(*countsLine_, labels_.lines.size(), labelsTold_, "label");
+    }
+    for (const ManifestEntry& entry : entries_) {
+      const std::string name = tool::folded(entry.name);
+      check(entry.at.line, records_.at(name).lines.size(), recordsTold_.at(name), "record",
+            " of " + entry.name);
+    }
+  }
+
+  // The count that the line at hand tells under a name, 0 for none.
+  [[nodiscard]] std::size_t countOf(std::string_view name, std::string& fault) const {
+    const JsonValue* value = object_.find(name);
+    if (value == nullptr) return 0;
+    constexpr double most = 9007199254740992.0;  // whole numbers above have gaps
+    if (value->kind != JsonValue::Kind::number || value->number < 0 || value->number > most ||
+        std::floor(value->number) != value->number) {
+      fault = fmt::format("{}: is no count", name);
+      return 0;
+    }
+    return static_cast<std::size_t>(value->number);
+  }
+
+  std::string takeCounts() {
+    std::string fault;
+    countsLine_ = lines_.number();
+    symbolsTold_ = countOf("symbols", fault);
+    labelsTold_ = countOf("labels", fault);
+    return fault;
+  }
+
   std::string takeLine() {
     if (object_.find("symbol") != nullptr) return takeSymbol();
+    if (object_.find("symbols") != nullptr) return takeCounts();
     if (const JsonValue* label = object_.find("label")) {
       if (label->kind != JsonValue::Kind::text) return "label: is no text";
       labels_.lines.push_back(lines_.number());
@@ -278,7 +324,9 @@ class JsonDatabase : public DatabaseReader {
         return "user_info: is no whole number";
       }
     }
+    const std::size_t told = countOf("records", fault);
     if (!fault.empty()) return fault;
+    recordsTold_[tool::folded(entry.name)] = told;
     StoredRows& rows = records_[tool::folded(entry.name)];
     rows.columns = entry.domains.size() + ztb::contentColumns(entry.type).size();
     types_[tool::folded(entry.name)] = entry.type;
@@ -338,6 +386,11 @@ class JsonDatabase : public DatabaseReader {
   std::vector<ManifestEntry> entries_;
   std::map<std::string, StoredRows> records_;
   std::map<std::string, ztb::Type> types_;
+  // What the lines of the catalogue tell of those that follow.
+  std::optional<std::size_t> countsLine_;
+  std::size_t symbolsTold_ = 0;
+  std::size_t labelsTold_ = 0;
+  std::map<std::string, std::size_t> recordsTold_;
 };
 
 }  // namespace

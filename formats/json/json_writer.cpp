@@ -132,7 +132,17 @@ void writeTexts(JsonLines& lines, const std::vector<std::string>& texts) {
   lines.raw("]");
 }
 
-void writeSymbol(JsonLines& lines, const ManifestEntry& entry) {
+// What must follow, so that a file without its end is no smaller database.
+void writeCounts(JsonLines& lines, std::size_t symbols, std::size_t labels) {
+  lines.open();
+  lines.name("symbols");
+  lines.number(static_cast<double>(symbols));
+  lines.name("labels");
+  lines.number(static_cast<double>(labels));
+  lines.close();
+}
+
+void writeSymbol(JsonLines& lines, const ManifestEntry& entry, std::size_t records) {
   lines.open();
   lines.name("symbol");
   lines.text(entry.name);
@@ -145,6 +155,9 @@ void writeSymbol(JsonLines& lines, const ManifestEntry& entry) {
   if (!entry.aliasOf.empty()) {
     lines.name("alias_of");
     lines.text(entry.aliasOf);
+  } else {
+    lines.name("records");
+    lines.number(static_cast<double>(records));
   }
   lines.name("text");
   lines.text(entry.text);
@@ -160,8 +173,9 @@ std::unique_ptr<TableWriter> makeJsonLines(const TableTarget& target) {
 void writeJsonDatabase(const DatabaseExport& database) {
   const tool::ExchangeFile& file = database.file;
   JsonLines lines(database.path);
+  writeCounts(lines, database.symbols.size(), static_cast<std::size_t>(file.labelCount()));
   for (const tool::FileSymbol* symbol : database.symbols) {
-    writeSymbol(lines, describe(file, *symbol));
+    writeSymbol(lines, describe(file, *symbol), symbol->recordCount);
   }
   for (int number = 1; number <= file.labelCount(); ++number) {
     lines.open();

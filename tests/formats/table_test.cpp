@@ -235,6 +235,43 @@ TEST_F(TableTest, TellsLinesThatMakeNoDatabase) {
             "none.rxf: not written: 1 problem in the input");
 }
 
+// Cut behind a line, where nothing else shows it.
+TEST_F(TableTest, TellsThatTheEndOfADatabaseIsMissing) {
+  const std::string catalogue =
+      "{\"symbols\":2,\"labels\":2}\n"
+      "{\"symbol\":\"p\",\"type\":\"parameter\",\"domains\":[\"*\"],\"records\":2}\n";
+  const std::string symbols = catalogue + "{\"symbol\":\"s\",\"type\":\"set\",\"domains\":[\"*\"],\"records\":0}\n";
+  const std::string labels = symbols + "{\"label\":\"a\"}\n{\"label\":\"b\"}\n";
+  const std::string record = "{\"of\":\"p\",\"keys\":[\"a\"],\"value\":1}\n";
+  write("a.jsonl", labels + record);
+  EXPECT_EQ(errorsOf("a.jsonl", {}),
+            "a.jsonl:2: tells of 2 records of p, the file has 1: its end is missing\n"
+            "none.rxf: not written: 1 problem in the input");
+  write("a.jsonl", symbols + "{\"label\":\"a\"}\n");
+  EXPECT_EQ(errorsOf("a.jsonl", {}),
+            "a.jsonl:1: tells of 2 labels, the file has 1: its end is missing\n"
+            "a.jsonl:2: tells of 2 records of p, the file has 0: its end is missing\n"
+            "none.rxf: not written: 2 problems in the input");
+  write("a.jsonl", catalogue);
+  EXPECT_THAT(errorsOf("a.jsonl", {}),
+              HasSubstr("a.jsonl:1: tells of 2 symbols, the file has 1: its end is missing\n"));
+  write("a.jsonl", "{\"symbols\":1,\"labels\":0}\n");
+  EXPECT_THAT(errorsOf("a.jsonl", {}),
+              HasSubstr("a.jsonl:1: tells of 1 symbol, the file has 0: its end is missing\n"));
+  write("a.jsonl",
+        "{\"symbols\":\"2\"}\n{\"symbol\":\"s\",\"type\":\"set\",\"records\":1.5}\n"
+        "{\"symbols\":0,\"labels\":-1}\n");
+  EXPECT_EQ(errorsOf("a.jsonl", {}),
+            "a.jsonl:1: symbols: is no count\n"
+            "a.jsonl:2: records: is no count\n"
+            "a.jsonl:3: labels: is no count\n"
+            "none.rxf: not written: 3 problems in the input");
+  // A record that was added by hand is taken.
+  const std::string other = "{\"of\":\"p\",\"keys\":[\"b\"],\"value\":2}\n";
+  write("a.jsonl", labels + record + other + "{\"of\":\"s\",\"keys\":[\"b\"]}\n");
+  EXPECT_EQ(imported("a.jsonl", {}).symbol("s").recordCount(), 1);
+}
+
 TEST_F(TableTest, TurnsWideTablesIntoRecords) {
   write("wide.csv", "from,note,2020,2021\nLIS,x,1,2\nOPO,y,,4\n");
   const Options options{{"rename", "from = origin"},

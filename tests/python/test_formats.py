@@ -34,6 +34,16 @@ def test_a_database_comes_back_as_it_was(diet, tmp_path, target):
         assert copy["holds"].domains[0].set == copy["food"]
 
 
+def test_lines_of_a_database_without_its_end_are_refused(diet, tmp_path):
+    whole, cut = tmp_path / "a.jsonl", tmp_path / "cut.jsonl"
+    diet.export(whole)
+    lines = whole.read_bytes().splitlines(keepends=True)
+    for count in range(1, len(lines)):
+        cut.write_bytes(b"".join(lines[:count]))
+        with pytest.raises(ztb.DamagedFileError, match=": its end is missing"):
+            ztb.read(cut)
+
+
 def test_a_table_is_read_into_a_database(diet, tmp_path):
     stock(tmp_path / "stock.db")
     diet.import_table(

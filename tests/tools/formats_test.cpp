@@ -37,6 +37,21 @@ TEST_F(ToolFormatsTest, DatabasesGoOutAndComeBack) {
             "b.rxf: 2 symbols, 3 labels, 3 records\n");
 }
 
+// Behind a line nothing but the counts shows that the rest is missing.
+TEST_F(ToolFormatsTest, LinesOfADatabaseWithoutItsEndAreRefused) {
+  ztbFine({"export", "a.rxf", "--all", "--to", "a.jsonl"});
+  const std::string whole = read("a.jsonl");
+  int lines = 0;
+  for (std::size_t end = 0; (end = whole.find('\n', end) + 1) < whole.size(); ++lines) {
+    write("cut.jsonl", whole.substr(0, end));
+    const Outcome outcome = ztb({"import", "b.rxf", "--from", "cut.jsonl"});
+    EXPECT_EQ(outcome.status, 1) << end;
+    EXPECT_NE(outcome.errors.find(": its end is missing\n"), std::string::npos) << outcome.errors;
+  }
+  EXPECT_EQ(lines, 1 + 4 + 3 + 4 - 1);
+  EXPECT_FALSE(exists("b.rxf"));
+}
+
 TEST_F(ToolFormatsTest, TablesGoOutAndComeBack) {
   EXPECT_EQ(ztbFine({"export", "a.rxf", "food", "--to", "food.tsv.gz"}),
             "food.tsv.gz: 1 symbol, 3 labels, 2 records\n");
