@@ -67,7 +67,7 @@ std::vector<int> labelsOf(SqlLabels& labels, sqlite3_value* value) {
     }
   }
   std::ranges::sort(found);
-  found.erase(std::ranges::unique(found).begin(), found.end());
+  found.erase(std::unique(found.begin(), found.end()), found.end());
   return found;
 }
 
@@ -82,7 +82,7 @@ std::vector<int> labelsAmong(SqlLabels& labels, sqlite3_value* values) {
     throw ztb::Error("ztbSqlNext", "The values of an IN cannot be read");
   }
   std::ranges::sort(all);
-  all.erase(std::ranges::unique(all).begin(), all.end());
+  all.erase(std::unique(all.begin(), all.end()), all.end());
   return all;
 }
 
@@ -190,7 +190,7 @@ bool givesOrder(sqlite3_index_info* info, SqlTable& table, const std::vector<boo
   }
   if (groups) {
     std::ranges::sort(wanted);
-    wanted.erase(std::ranges::unique(wanted).begin(), wanted.end());
+    wanted.erase(std::unique(wanted.begin(), wanted.end()), wanted.end());
   }
   // The positions that have several labels, in their order.
   int position = 0;

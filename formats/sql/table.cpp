@@ -84,7 +84,7 @@ void SqlTable::sample() {
     std::vector<int>& seen = labels[position];
     const int first = seen.front();
     std::ranges::sort(seen);
-    seen.erase(std::ranges::unique(seen).begin(), seen.end());
+    seen.erase(std::unique(seen.begin(), seen.end()), seen.end());
     const auto found = static_cast<double>(seen.size());
     const bool goesOn = position == 0 || seen.size() > static_cast<std::size_t>(looked) / 2;
     double guess = goesOn ? found * count / looked : found;

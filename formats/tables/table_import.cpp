@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <array>
 #include <optional>
-#include <ranges>
 #include <string_view>
 #include <utility>
 #include <ztb/column_names.hpp>
@@ -210,9 +209,9 @@ class Header {
   [[nodiscard]] std::string columnList() const {
     constexpr std::size_t most = 20;
     const std::size_t shown = std::min(names_.size(), most);
-    std::string list = fmt::format(
-        "{}",
-        fmt::join(names_ | std::views::take(shown) | std::views::transform(tool::shortened), ", "));
+    std::vector<std::string> first;
+    for (std::size_t name = 0; name < shown; ++name) first.push_back(tool::shortened(names_[name]));
+    std::string list = fmt::format("{}", fmt::join(first, ", "));
     if (shown < names_.size()) {
       list += fmt::format(" and {} more", names_.size() - shown);
     }

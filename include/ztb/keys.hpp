@@ -97,8 +97,8 @@ class Keys {
     }
   }
 
-  std::span<const char* const> labels_;
   std::array<const char*, ZTB_MAX_DIMENSION> pointers_;
+  std::span<const char* const> labels_;
   std::vector<const char*> more_;
   std::array<char, roomSize> room_;
   std::string longer_;

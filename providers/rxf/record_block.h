@@ -48,10 +48,9 @@ class RecordBlock {
   // Puts the keys of a record behind the last one, where they stay if add() follows. REQUIRES: not
   // full.
   Comparison stage(const int* keys, std::uint32_t labelCount) {
-    std::int32_t* before = keys_.get() + count_;
     Comparison result{dim_, true, false};
     for (int j = dim_ - 1; j >= 0; --j) {
-      std::int32_t* key = before + kStride * asSize(j);
+      std::int32_t* key = keys_.get() + kStride * asSize(j) + count_;
       const std::int32_t now = keys[j];
       result.inLabels &= static_cast<std::uint32_t>(now) - 1U < labelCount;
       if (now != *key) {

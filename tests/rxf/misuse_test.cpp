@@ -88,8 +88,8 @@ TEST_F(Misuse, ofAnObjectThatIsNullGivesZero) {
                            "C__rxfDataReadDone", "C__rxfDataWriteDone", "C__rxfUELRegisterDone"}) {
     EXPECT_EQ(call(name, none), 0) << name;
   }
-  call("XCreate", static_cast<void**>(nullptr));
-  call("XFree", static_cast<void**>(nullptr));
+  exported<void(void**)>("XCreate")(nullptr);
+  exported<void(void**)>("XFree")(nullptr);
 }
 
 TEST_F(Misuse, ofAnObjectWithoutAFileIsACallOutOfOrder) {

@@ -222,14 +222,14 @@ bool PeerFile::finishWriting() {
 }
 
 bool PeerFile::setDomain(const char* const* names) {
-  static auto* const function = exported<int(void*, const char* const*)>("C__rxfSymbolSetDomain");
-  return function(rxf_, names) != 0;
+  static auto* const function = exported<int(void*, const char**)>("C__rxfSymbolSetDomain");
+  return function(rxf_, const_cast<const char**>(names)) != 0;
 }
 
 bool PeerFile::setDomainNames(int number, const char* const* names) {
   static auto* const function =
-      exported<int(void*, int, const char* const*)>("C__rxfSymbolSetDomainX");
-  return function(rxf_, number, names) != 0;
+      exported<int(void*, int, const char**)>("C__rxfSymbolSetDomainX");
+  return function(rxf_, number, const_cast<const char**>(names)) != 0;
 }
 
 }  // namespace rxftest

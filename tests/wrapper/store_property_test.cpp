@@ -387,7 +387,9 @@ class Player {
     if (!held_) {
       return;
     }
-    auto& [record, key] = *held_;
+    auto& [held, key] = *held_;
+    // A lambda takes no structured binding everywhere.
+    ztb::Record& record = held;
     if (!onMap() && removals_ != removalsWhenHeld_) {
       EXPECT_TRUE(failure([&] {
                     static_cast<void>(record.level());

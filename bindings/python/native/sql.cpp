@@ -115,7 +115,7 @@ py::tuple query(const std::vector<Named>& databases, const py::str& text,
   }
   // Two threads that query the same databases take them in the same order.
   std::ranges::sort(connections);
-  connections.erase(std::ranges::unique(connections).begin(), connections.end());
+  connections.erase(std::unique(connections.begin(), connections.end()), connections.end());
   std::vector<std::unique_ptr<Use>> turns;
   for (const auto& connection : connections) {
     turns.push_back(std::make_unique<Use>(*connection));
