@@ -2,7 +2,8 @@
 //
 // Of a table each object is a row, whose keys are the columns. Of a database the first
 // line is {"symbols":3,"labels":12}, which follow: a line for each symbol, {"symbol":...,
-// "type":..., "domains":[...], "user_info":..., "records":..., "alias_of":..., "text":...}; then one for each label, {"label":...}; then the records,
+// "type":..., "domains":[...], "user_info":..., "records":..., "alias_of":..., "text":...}; then
+// one for each label, {"label":...}; then the records,
 // {"of":"price","keys":["Milk"],"value":11}, with "text" for a set and the five fields for a
 // variable or equation. Special values are the words of NumberText, as strings; what is no UTF-8 is
 // spelled as exact_text.h tells.

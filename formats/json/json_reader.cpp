@@ -242,8 +242,8 @@ class JsonDatabase : public DatabaseReader {
  private:
   // The first line and those of symbols tell what follows; one that was written by hand need not.
   void checkCounts(ProblemList& problems) const {
-    const auto check = [&](std::size_t line, std::size_t found, std::size_t told,
-                           const char* what, const std::string& whose = {}) {
+    const auto check = [&](std::size_t line, std::size_t found, std::size_t told, const char* what,
+                           const std::string& whose = {}) {
       if (found >= told) return;
       problems.add(placeText(path_, {.line = line}),
                    fmt::format("tells of {}{}, the file has {}: its end is missing",

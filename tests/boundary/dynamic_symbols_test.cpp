@@ -153,10 +153,9 @@ TEST(BuiltLibrary, exportsExactlyTheNamesOfThePublicHeader) {
 }
 
 TEST(BuiltLibrary, isLinkedAgainstTheStandardLibrariesOnly) {
-  const Names standard{"libstdc++",  "libc++",  "libc++abi", "libm",
-                       "libgcc_s",   "libc",    "libdl",     "ld-linux-x86-64",
-                       "libpthread", "libasan", "libubsan",  "libtsan",
-                       "libclang_rt"};
+  const Names standard{"libstdc++", "libc++",  "libc++abi",       "libm",       "libgcc_s",
+                       "libc",      "libdl",   "ld-linux-x86-64", "libpthread", "libasan",
+                       "libubsan",  "libtsan", "libclang_rt"};
   for (const std::string& library : ElfFile(libraryPath()).dynamicTexts(DT_NEEDED)) {
     EXPECT_EQ(1U, standard.count(library.substr(0, library.find_first_of(".")))) << library;
   }

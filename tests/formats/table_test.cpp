@@ -240,7 +240,8 @@ TEST_F(TableTest, TellsThatTheEndOfADatabaseIsMissing) {
   const std::string catalogue =
       "{\"symbols\":2,\"labels\":2}\n"
       "{\"symbol\":\"p\",\"type\":\"parameter\",\"domains\":[\"*\"],\"records\":2}\n";
-  const std::string symbols = catalogue + "{\"symbol\":\"s\",\"type\":\"set\",\"domains\":[\"*\"],\"records\":0}\n";
+  const std::string symbols =
+      catalogue + "{\"symbol\":\"s\",\"type\":\"set\",\"domains\":[\"*\"],\"records\":0}\n";
   const std::string labels = symbols + "{\"label\":\"a\"}\n{\"label\":\"b\"}\n";
   const std::string record = "{\"of\":\"p\",\"keys\":[\"a\"],\"value\":1}\n";
   write("a.jsonl", labels + record);

@@ -227,8 +227,7 @@ bool PeerFile::setDomain(const char* const* names) {
 }
 
 bool PeerFile::setDomainNames(int number, const char* const* names) {
-  static auto* const function =
-      exported<int(void*, int, const char**)>("C__rxfSymbolSetDomainX");
+  static auto* const function = exported<int(void*, int, const char**)>("C__rxfSymbolSetDomainX");
   return function(rxf_, number, const_cast<const char**>(names)) != 0;
 }
 
