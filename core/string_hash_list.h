@@ -23,6 +23,7 @@
 #include <stdexcept>
 #include <type_traits>
 #include <vector>
+#include <ztb/case_folding.hpp>
 
 #include "core/text_blocks.h"
 
@@ -45,17 +46,12 @@ inline constexpr std::array<TableSize, 6> tableSizes = {{
     {15'000'000, 99'999'989, std::numeric_limits<int>::max()},
 }};
 
-// Folds a small ASCII letter to its capital; every other byte stays.
-constexpr char upperAscii(char c) {
-  return c >= 'a' && c <= 'z' ? static_cast<char>(c ^ 0x20) : c;
-}
-
 // The hash of a key before it is cut to a table's size. Bytes of 128 and above count as negative.
 class Hash {
  public:
   void add(char c) {
-    sum_ = sum_ * 211U + static_cast<std::uint32_t>(
-                             static_cast<std::int32_t>(static_cast<signed char>(upperAscii(c))));
+    sum_ = sum_ * 211U + static_cast<std::uint32_t>(static_cast<std::int32_t>(
+                             static_cast<signed char>(ztb::upperChar(c))));
   }
   [[nodiscard]] std::uint32_t value() const { return sum_ & 0x7FFFFFFFU; }
 
@@ -91,7 +87,7 @@ inline bool equalFolded(const char* a, const char* b) {
   if (a == nullptr || b == nullptr) {
     return a == b;
   }
-  for (; *a == *b || upperAscii(*a) == upperAscii(*b); ++a, ++b) {
+  for (; *a == *b || ztb::upperChar(*a) == ztb::upperChar(*b); ++a, ++b) {
     if (*a == '\0') {
       return true;
     }
@@ -102,12 +98,13 @@ inline bool equalFolded(const char* a, const char* b) {
 // The first difference of two keys, as that of two bytes with small ASCII letters folded to
 // capitals; where one is the beginning of the other, the difference of their lengths.
 inline int compareFolded(const char* a, const char* b) {
-  while (*a != '\0' && upperAscii(*a) == upperAscii(*b)) {
+  while (*a != '\0' && ztb::upperChar(*a) == ztb::upperChar(*b)) {
     ++a;
     ++b;
   }
   if (*a != '\0' && *b != '\0') {
-    return static_cast<unsigned char>(upperAscii(*a)) - static_cast<unsigned char>(upperAscii(*b));
+    return static_cast<unsigned char>(ztb::upperChar(*a)) -
+           static_cast<unsigned char>(ztb::upperChar(*b));
   }
   return static_cast<int>(std::strlen(a)) - static_cast<int>(std::strlen(b));
 }

@@ -105,7 +105,7 @@ TEST_F(SolveReportTest, RefusesTwoFormsAndTwoTables) {
               {"solve", "t.lp", "--csv", "--show", "ship", "--show", "need"});
   const Outcome both = ztb({"solve", "t.lp", "--csv", "--json"});
   EXPECT_EQ(both.status, 2);
-  EXPECT_THAT(both.errors, HasSubstr("--csv excludes --json"));
+  EXPECT_THAT(both.errors, HasSubstr("--csv and --json exclude each other"));
 }
 
 }  // namespace

@@ -67,6 +67,10 @@ TEST_F(UsageTest, WrongUsageEndsWithTwo) {
   expectFails(2, "ztb: no command 'bogus'; ztb --help lists the commands\n", {"bogus", "x"});
   expectFails(2, "ztb: FILE is required; see ztb info --help\n", {"info"});
   expectFails(2, "ztb: SYMBOL is required; see ztb show --help\n", {"show", "a.rxf"});
+  expectFails(2, "ztb: --width: its value is missing, expected N; see ztb show --help\n",
+              {"show", "a.rxf", "p", "--width"});
+  expectFails(2, "ztb: --csv and --json exclude each other; see ztb show --help\n",
+              {"show", "a.rxf", "p", "--json", "--csv"});
   expectFails(2, "ztb: nothing to write to: give --to TARGET, or --csv DIR\n",
               {"export", "a.rxf", "--all"});
   expectFails(2, "ztb: --head: '-1' is no whole number of at least 0; see ztb show --help\n",

@@ -96,6 +96,19 @@ std::string faultBefore(const CLI::App& app, const CLI::App& command) {
   return "no option " + name + ztb::suggestion(name, names) + help;
 }
 
+// What the library says of an option's value in our own words.
+std::string valueFault(const CLI::App& command, const CLI::ParseError& error) {
+  const std::string words = error.what();
+  const std::string name = words.substr(0, words.find_first_of(": "));
+  const CLI::Option* option = command.get_option_no_throw(name);
+  if (option == nullptr) return words;
+  if (dynamic_cast<const CLI::ExcludesError*>(&error) != nullptr) {
+    return name + " and " + words.substr(words.rfind(' ') + 1) + " exclude each other";
+  }
+  if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) == nullptr) return words;
+  return name + ": its value is missing, expected " + option->get_type_name();
+}
+
 // What is wrong with the command line, and where to find help. A misspelt name comes first: it is
 // why others seem to be missing or too many.
 std::string usageText(const CLI::App& app, const CLI::ParseError& error) {
@@ -119,7 +132,7 @@ std::string usageText(const CLI::App& app, const CLI::ParseError& error) {
   if (dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr && !words.empty()) {
     return "'" + words.front() + "' is one argument too many" + help;
   }
-  return error.what() + help;
+  return valueFault(command, error) + help;
 }
 
 OptionDescription described(const CLI::Option& option) {
