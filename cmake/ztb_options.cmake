@@ -50,19 +50,21 @@ if(ZTB_SANITIZE)
   target_link_options(ztb_options INTERFACE -fsanitize=${ZTB_SANITIZE})
   # The one runtime of all programs and libraries. A program of another compiler, which does not
   # know it, must load it first.
-  if(ZTB_SANITIZE MATCHES address)
-    if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
-      set(library libclang_rt.asan-${CMAKE_SYSTEM_PROCESSOR}.so)
-    else()
-      set(library libasan.so)
-    endif()
-    execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${library}
-      OUTPUT_VARIABLE ZTB_SANITIZER_RUNTIME OUTPUT_STRIP_TRAILING_WHITESPACE)
-    if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
-      get_filename_component(folder ${ZTB_SANITIZER_RUNTIME} DIRECTORY)
-      target_link_options(ztb_options INTERFACE -shared-libsan
-        $<$<STREQUAL:$<TARGET_PROPERTY:TYPE>,EXECUTABLE>:LINKER:-rpath,${folder}>)
-    endif()
+  set(runtime asan)
+  if(ZTB_SANITIZE MATCHES thread)
+    set(runtime tsan)
+  endif()
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+    set(library libclang_rt.${runtime}-${CMAKE_SYSTEM_PROCESSOR}.so)
+  else()
+    set(library lib${runtime}.so)
+  endif()
+  execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${library}
+    OUTPUT_VARIABLE ZTB_SANITIZER_RUNTIME OUTPUT_STRIP_TRAILING_WHITESPACE)
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+    get_filename_component(folder ${ZTB_SANITIZER_RUNTIME} DIRECTORY)
+    target_link_options(ztb_options INTERFACE -shared-libsan
+      $<$<STREQUAL:$<TARGET_PROPERTY:TYPE>,EXECUTABLE>:LINKER:-rpath,${folder}>)
   endif()
 endif()
 
