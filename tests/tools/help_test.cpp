@@ -72,6 +72,33 @@ TEST_F(HelpTest, OtherShellsGetTheSameOptions) {
   expectFails(2, "ztb: 'csh' is no shell, expected bash, zsh or fish\n", {"completion", "csh"});
 }
 
+TEST_F(HelpTest, FishCompletesCommandsOptionsAndChoices) {
+  write("ztb.fish", ztbFine({"completion", "fish"}));
+  const auto offeredFor = [&](const std::string& words) {
+    return shell("HOME=$PWD fish -N -c \"source ztb.fish; complete -C '" + words +
+                 "'\" | cut -f1 | sort");
+  };
+  EXPECT_EQ(offeredFor("ztb s"), "show\nsolve\nsql\nsweep\n");
+  EXPECT_EQ(offeredFor("ztb show f.rxf --s"), "--slice\n--store\n");
+  EXPECT_EQ(offeredFor("ztb show f.rxf s --store "), "map\ntrie\nvector\n");
+}
+
+// A shell on a terminal, into which words and the tabulator are typed.
+TEST_F(HelpTest, ZshCompletesCommandsAndOptions) {
+  write("_ztb", ztbFine({"completion", "zsh"}));
+  write("type.zsh",
+        "zmodload zsh/zpty\n"
+        "zpty z zsh -f -i\n"
+        "zpty -w z \"PS1=; fpath=($PWD \\$fpath); autoload -Uz compinit; compinit -u -D; "
+        "echo rea''dy\"\n"
+        "zpty -r z seen '*ready*'\n"
+        "zpty -w -n z $'ztb show f.rxf --di\\t'\n"
+        "zpty -r z seen '*--digits*' && print options\n"
+        "zpty -w -n z $'\\x15ztb so\\t'\n"
+        "zpty -r z seen '*solve*' && print commands\n");
+  EXPECT_EQ(shell("timeout 20 zsh -f type.zsh"), "options\ncommands\n");
+}
+
 // man tells of what roff does not understand.
 TEST_F(HelpTest, ManShowsThePage) {
   write("ztb.1", ztbFine({"manual"}));
