@@ -44,36 +44,45 @@ bool parseNumber(std::string_view text, double& number, std::errc& error) {
 }  // namespace
 
 MpsLines::MpsLines(const std::string& file, MpsFormat format)
-    : source_(file), format_(format), buffer_(kBlock) {}
+    : source_(file),
+      format_(format),
+      size_(kBlock),
+      buffer_(std::make_unique_for_overwrite<char[]>(kBlock)) {}
 
 bool MpsLines::readLine() {
   std::size_t looked = begin_;
   for (;;) {
-    const void* const found = std::memchr(buffer_.data() + looked, '\n', end_ - looked);
+    const void* const found = std::memchr(buffer_.get() + looked, '\n', end_ - looked);
     if (found != nullptr || over_) {
       if (found == nullptr && begin_ == end_) return false;
       const std::size_t lineEnd =
           found == nullptr
               ? end_
-              : static_cast<std::size_t>(static_cast<const char*>(found) - buffer_.data());
-      lineBegin_ = buffer_.data() + begin_;
+              : static_cast<std::size_t>(static_cast<const char*>(found) - buffer_.get());
+      lineBegin_ = buffer_.get() + begin_;
       lineLength_ = lineEnd - begin_;
       begin_ = std::min(lineEnd + 1, end_);
       if (lineLength_ > kMaxLine) failLength();
       ++lineNumber_;
       return true;
     }
-    std::copy(buffer_.begin() + static_cast<std::ptrdiff_t>(begin_),
-              buffer_.begin() + static_cast<std::ptrdiff_t>(end_), buffer_.begin());
+    std::copy(buffer_.get() + begin_, buffer_.get() + end_, buffer_.get());
     looked = end_ - begin_;
     end_ = looked;
     begin_ = 0;
     if (end_ > kMaxLine) failLength();
-    if (end_ == buffer_.size()) buffer_.resize(2 * buffer_.size());
-    const std::size_t got = source_.read(buffer_.data() + end_, buffer_.size() - end_);
+    if (end_ == size_) makeRoom();
+    const std::size_t got = source_.read(buffer_.get() + end_, size_ - end_);
     over_ = got == 0;
     end_ += got;
   }
+}
+
+void MpsLines::makeRoom() {
+  auto larger = std::make_unique_for_overwrite<char[]>(2 * size_);
+  std::copy(buffer_.get(), buffer_.get() + end_, larger.get());
+  buffer_ = std::move(larger);
+  size_ *= 2;
 }
 
 void MpsLines::failLength() const {

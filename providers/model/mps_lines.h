@@ -9,9 +9,9 @@
 
 #include <array>
 #include <cstddef>
+#include <memory>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "providers/model/model_error.h"
 #include "providers/model/text_source.h"
@@ -68,6 +68,7 @@ class MpsLines {
   static constexpr std::size_t kMaxFields = 8;
 
   bool readLine();
+  void makeRoom();
   [[noreturn]] void failLength() const;
   void splitFree();
   void splitFixed();
@@ -76,8 +77,9 @@ class MpsLines {
 
   TextSource source_;
   MpsFormat format_;
-  std::vector<char> buffer_;
-  std::size_t begin_ = 0;  // of what is in the buffer and not yet taken
+  std::size_t size_;
+  std::unique_ptr<char[]> buffer_;  // never filled beforehand: short files touch little of it
+  std::size_t begin_ = 0;           // of what is in the buffer and not yet taken
   std::size_t end_ = 0;
   bool over_ = false;  // no more to read into the buffer
 

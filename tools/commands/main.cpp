@@ -1,10 +1,13 @@
 // The ztb command. Exit codes: 0 fine, 1 failed (diff: the files differ), 2 wrong usage.
 
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <exception>
+#include <iterator>
 #include <new>
 #include <string>
+#include <string_view>
 #include <ztb/display_text.hpp>
 
 #include "tools/commands/command_line.h"
@@ -15,6 +18,34 @@
 
 namespace {
 
+struct Adder {
+  std::string_view command;
+  void (*add)(tool::CommandLine& line);
+};
+
+constexpr Adder kAdders[] = {
+    {"info", tool::addInfoCommand},     {"show", tool::addShowCommand},
+    {"import", tool::addImportCommand}, {"export", tool::addExportCommand},
+    {"diff", tool::addDiffCommand},     {"check", tool::addCheckCommand},
+    {"copy", tool::addCopyCommand},     {"pivot", tool::addPivotCommand},
+    {"sql", tool::addSqlCommand},       {"model", tool::addModelCommand},
+    {"solve", tool::addSolveCommand},   {"sweep", tool::addSweepCommand},
+};
+
+// A command that the first word names stands alone, so that the options of the others cost its
+// start nothing. All are there for any other word, which is told what there is.
+void addCommands(tool::CommandLine& line, std::string_view first) {
+  const auto* const named = std::ranges::find(kAdders, first, &Adder::command);
+  if (named != std::end(kAdders)) {
+    named->add(line);
+    return;
+  }
+  for (const Adder& adder : kAdders) adder.add(line);
+  tool::addHelpCommand(line);
+  tool::addCompletionCommand(line);
+  tool::addManualCommand(line);
+}
+
 int run(int argc, char** argv) {
   tool::CommandLine line(
       "ztb", "ztb " ZTB_VERSION,
@@ -22,21 +53,7 @@ int run(int argc, char** argv) {
       "over one universe of labels.",
       "ztb COMMAND --help tells more about a command, with examples.\n"
       "Exit codes: 0 fine, 1 failed (or diff found differences), 2 wrong usage.");
-  tool::addInfoCommand(line);
-  tool::addShowCommand(line);
-  tool::addImportCommand(line);
-  tool::addExportCommand(line);
-  tool::addDiffCommand(line);
-  tool::addCheckCommand(line);
-  tool::addCopyCommand(line);
-  tool::addPivotCommand(line);
-  tool::addSqlCommand(line);
-  tool::addModelCommand(line);
-  tool::addSolveCommand(line);
-  tool::addSweepCommand(line);
-  tool::addHelpCommand(line);
-  tool::addCompletionCommand(line);
-  tool::addManualCommand(line);
+  addCommands(line, argc > 1 ? argv[1] : "");
   const int status = line.run(argc, argv);
   tool::flushOutput();
   return status;
