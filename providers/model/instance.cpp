@@ -344,7 +344,12 @@ const SolverProblem& Instance::solverProblem() {
   problem_.levelIsStart = levelsAreStart_ ? 1 : 0;
   problem_.position = startBasis_.isEmpty() ? nullptr : startBasis_.columns.data();
   problem_.rowPosition = startBasis_.isEmpty() ? nullptr : startBasis_.rows.data();
-  problem_.isSemiContinuous = isSemiContinuous_.empty() ? nullptr : isSemiContinuous_.data();
+  solverSemiContinuous_.resize(isSemiContinuous_.size());
+  for (std::size_t j = 0; j < isSemiContinuous_.size(); ++j) {
+    solverSemiContinuous_[j] = mayBeZero(static_cast<int>(j)) ? 1 : 0;
+  }
+  problem_.isSemiContinuous =
+      solverSemiContinuous_.empty() ? nullptr : solverSemiContinuous_.data();
   problem_.sets = solverSets_.data();
   problem_.setCount = static_cast<std::int32_t>(solverSets_.size());
   problem_.setColumns = setColumns_.data();
@@ -388,7 +393,9 @@ void Instance::takeResult(const SolverResult& result) {
 void Instance::takeBound(const SolverResult& result) {
   const double sign = maximize_ ? -1 : 1;
   if (!result.hasPoint) {
-    bound_ = products_.empty() ? sign * result.bound - rhs_[0] : -sign * kInfinity;
+    // Where there is no best point, nothing bounds one.
+    const bool none = result.outcome == Outcome::infeasible || result.outcome == Outcome::unbounded;
+    bound_ = products_.empty() && !none ? sign * result.bound - rhs_[0] : -sign * kInfinity;
     return;
   }
   bound_ = rows_[0].level;

@@ -159,8 +159,10 @@ class Instance {
                               const std::vector<double>& upper) const;
   [[nodiscard]] ModelType typeBy(const std::vector<double>& lower,
                                  const std::vector<double>& upper) const;
+  // A semi-continuous column that updates fix stands where they put it.
   [[nodiscard]] bool mayBeZero(int j) const {
-    return !isSemiContinuous_.empty() && isSemiContinuous_[at(j)] != 0;
+    if (isSemiContinuous_.empty() || isSemiContinuous_[at(j)] == 0) return false;
+    return alternativeLower_[at(j)] != alternativeUpper_[at(j)] || lower_[at(j)] == upper_[at(j)];
   }
   [[nodiscard]] double levelWithin(int j) const;
   void takeSets(const ModelData& data);
@@ -215,7 +217,7 @@ class Instance {
   std::vector<int> solverStart_, solverRowOf_;
   std::vector<std::size_t> solverEntryOf_;  // the entry of matrix_ behind each solver entry
   std::vector<SolverProduct> solverProducts_;
-  std::vector<char> isSemiContinuous_;
+  std::vector<char> isSemiContinuous_, solverSemiContinuous_;
   std::vector<ztbSolverSet> solverSets_;
   std::vector<int> setColumns_;
   std::vector<double> setWeights_;

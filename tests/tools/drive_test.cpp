@@ -1,6 +1,7 @@
 // ztb solve and ztb sweep with --drive: data move numbers of a model that was written without them.
 #include <gmock/gmock.h>
 
+#include <cmath>
 #include <string>
 #include <vector>
 #include <ztb/ztb.hpp>
@@ -74,8 +75,34 @@ TEST_F(DriveTest, TellsRecordsThatStandForNothing) {
   arguments.insert(arguments.end(), kDrives.begin(), kDrives.end());
   const Outcome outcome = ztb(arguments);
   EXPECT_EQ(outcome.status, 0);
-  EXPECT_EQ(outcome.errors, "ztb: d.rxf: 1 record of demand(*) stand for nothing in the model\n");
+  EXPECT_EQ(outcome.errors,
+            "ztb: d.rxf: 1 record of demand(*) stands for nothing in the model: y\n");
   EXPECT_THAT(outcome.output, StartsWith("objective   38\n"));
+}
+
+TEST_F(DriveTest, TellsASetOrAliasOfTheNameOfWhatDrives) {
+  ztb::Database data;
+  data.addSet("demand", {"*"}).add("x");
+  data.addAlias("rate", data.symbol("demand"));
+  data.write(path("d.rxf"));
+  std::vector<std::string> arguments{"solve", "m.lp", "--data", "d.rxf"};
+  arguments.insert(arguments.end(), kDrives.begin(), kDrives.end());
+  EXPECT_EQ(ztb(arguments).errors,
+            "ztb: d.rxf: demand is a set, and drives nothing: a parameter is expected\n"
+            "ztb: d.rxf: rate is an alias, and drives nothing: a parameter is expected\n");
+}
+
+TEST_F(DriveTest, NamesTheRecordWhoseValueNoNumberCanHave) {
+  ztb::Database data;
+  ztb::Symbol rate = data.addParameter("rate", {"*"});
+  rate.add("a").setLevel(4);
+  rate.add("b").setLevel(std::nan(""));
+  data.write(path("d.rxf"));
+  std::vector<std::string> arguments{"solve", "m.lp", "--data", "d.rxf"};
+  arguments.insert(arguments.end(), kDrives.begin(), kDrives.end());
+  const Outcome outcome = ztb(arguments);
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.errors, "ztb: d.rxf: rate(*): Bad value nan in rate(b)\n");
 }
 
 TEST_F(DriveTest, NamesWhatTheModelDoesNotHave) {

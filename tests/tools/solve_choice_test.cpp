@@ -12,6 +12,7 @@ namespace {
 using testing::AllOf;
 using testing::HasSubstr;
 using testing::Not;
+using tooltest::Outcome;
 using tooltest::ProgramTest;
 
 // max rate_var * x with rate_var + x <= 8.
@@ -134,6 +135,15 @@ ENDATA
   EXPECT_EQ(solved({"semi.mps"}), "objective   15, solver      cbc");
 }
 
+// 3 x + 2 y with x + y at least 4: y at 4, unless x is fixed.
+TEST_F(SolveChoiceTest, ASemiContinuousColumnThatIsFixedIsNotZero) {
+  write("semi.lp",
+        "Minimize\n o: 3 x + 2 y\nSubject To\n c: x + y >= 4\nBounds\n 5 <= x <= 10\n"
+        "Semi-Continuous\n x\nEnd\n");
+  EXPECT_EQ(solved({"semi.lp"}), "objective   8, solver      cbc");
+  EXPECT_EQ(solved({"semi.lp", "--set", "x=6"}), "objective   18, solver      cbc");
+}
+
 // max 5 x(a) + 4 x(b) with 6 x(a) + 4 x(b) <= 24 and x(a) + 2 x(b) <= 6: best at (3, 1.5).
 constexpr const char* kPlan = R"(Maximize
  total: 5 x(a) + 4 x(b)
@@ -167,8 +177,24 @@ TEST_F(SolveChoiceTest, RangesAreShownAndStandInTheResult) {
   EXPECT_THAT(ztbFine({"solve", "plan.lp", "--ranging", "--json"}),
               HasSubstr(R"({"symbol":"hours","keys":[],"from":12)"));
   EXPECT_THAT(ztbFine({"solve", "plan.lp", "--ranging", "--show", "x"}), Not(HasSubstr("rhs of")));
-  EXPECT_THAT(ztb({"solve", "plan.lp", "--solver", "cbc", "--ranging"}).errors,
+  // What the solve found is written and printed all the same.
+  const Outcome none =
+      ztb({"solve", "plan.lp", "--solver", "cbc", "--ranging", "--out", "none.rxf"});
+  EXPECT_EQ(none.status, 1);
+  EXPECT_THAT(none.output, HasSubstr("objective   21\n"));
+  EXPECT_EQ(ztb::Database::open(path("none.rxf")).symbol("x").find("a")->level(), 3);
+  EXPECT_THAT(none.errors,
               HasSubstr("plan.lp: --ranging: solver \"cbc\" has no ranges for the model"));
+}
+
+TEST_F(SolveChoiceTest, RangesAreATableOfCsv) {
+  write("plan.lp", kPlan);
+  EXPECT_EQ(
+      ztbFine({"solve", "plan.lp", "--ranging", "--csv", "--show", "hours", "--show", "room"}),
+      "range,symbol,from,to\nrhs,hours,12,36\nrhs,room,4,12\n");
+  EXPECT_THAT(ztbFine({"solve", "plan.lp", "--ranging", "--csv"}),
+              AllOf(testing::StartsWith("range,symbol,label,from,to\ncost,x,a,2"),
+                    HasSubstr("\nrhs,total,,-inf,inf\nrhs,hours,,12,36\n")));
 }
 
 TEST_F(SolveChoiceTest, ABasisIsSavedAndTakenWhereItFits) {

@@ -1,6 +1,7 @@
 // ztb solve --json and --csv: what a solve left, for programs.
 #include <gmock/gmock.h>
 
+#include <filesystem>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <ztb/ztb.hpp>
@@ -10,8 +11,10 @@
 namespace {
 
 using nlohmann::json;
+using testing::AllOf;
 using testing::EndsWith;
 using testing::HasSubstr;
+using testing::Not;
 using testing::StartsWith;
 using tooltest::Outcome;
 using tooltest::ProgramTest;
@@ -87,6 +90,33 @@ TEST_F(SolveReportTest, TellsALineOfCsv) {
   const Outcome none = ztb({"solve", "t.lp", "--set", "ship[b]=1", "--csv"});
   EXPECT_EQ(none.status, 1);
   EXPECT_THAT(none.output, HasSubstr("\nt.lp,infeasible,normal completion,,,,clp,"));
+}
+
+TEST_F(SolveReportTest, CsvLeavesTheExplanationToStandardError) {
+  const Outcome none = ztb({"solve", "t.lp", "--set", "ship[b]=1", "--csv", "--explain"});
+  EXPECT_THAT(none.output, HasSubstr("\nt.lp,infeasible,normal completion,,,,clp,"));
+  EXPECT_THAT(none.errors, StartsWith("ztb: t.lp: these cannot hold together: "));
+  for (const char* member : {"need >= 10", "ship(a) <= 6", "ship(b) = 1"}) {
+    EXPECT_THAT(none.errors, HasSubstr(member));
+  }
+}
+
+// 2 x = 3 has no integer, though a bound of the objective.
+TEST_F(SolveReportTest, NothingBoundsWhatHasNoPoint) {
+  write("i.lp", "Minimize\n o: x + y\nSubject To\n c: x + y >= 6\n d: 2 x = 3\nGeneral\n x\nEnd\n");
+  const Outcome none = ztb({"solve", "i.lp"});
+  EXPECT_THAT(none.output, AllOf(StartsWith("status      infeasible"), Not(HasSubstr("bound"))));
+  EXPECT_EQ(json::parse(ztb({"solve", "i.lp", "--json"}).output)["bound"], nullptr);
+}
+
+TEST_F(SolveReportTest, APlaceWhereNoFileCanBeIsToldBeforeTheSolve) {
+  std::filesystem::create_directory(path("folder"));
+  for (const char* option : {"--out", "--basis"}) {
+    expectFails(1, "ztb: Is a folder: folder\n", {"solve", "t.lp", option, "folder"});
+    expectFails(1, "ztb: Not a regular file: /dev/null\n", {"solve", "t.lp", option, "/dev/null"});
+    expectFails(1, "ztb: No such file: the folder does not exist: none/o.rxf\n",
+                {"solve", "t.lp", option, "none/o.rxf"});
+  }
 }
 
 TEST_F(SolveReportTest, TellsTheRecordsOfASymbolAsShowDoes) {

@@ -110,8 +110,9 @@ TEST_F(SolveTest, TakesParametersFromAFile) {
   EXPECT_EQ(outcome.status, 0);
   EXPECT_THAT(outcome.output, StartsWith("objective   26\n")) << "6 at 3 and 2 at 4";
   EXPECT_EQ(outcome.errors,
-            "ztb: data.rxf: the model has no columns other_var for parameter other\n"
-            "ztb: data.rxf: 1 record of rate(*) stand for nothing in the model\n");
+            "ztb: data.rxf: the model has no columns other_var for parameter other; data drive "
+            "rate and demand\n"
+            "ztb: data.rxf: 1 record of rate(*) stands for nothing in the model: nowhere\n");
 }
 
 TEST_F(SolveTest, TakesBoundsOfVariablesFromAFile) {
@@ -160,8 +161,8 @@ TEST_F(SolveTest, TellsRecordsOfVariablesAndEquationsThatTheModelLacks) {
   EXPECT_THAT(outcome.output, StartsWith("objective   38\n"));
   EXPECT_EQ(outcome.errors,
             "ztb: data.rxf: the model has no other(*) like it\n"
-            "ztb: data.rxf: 2 records of need(*) stand for nothing in the model\n"
-            "ztb: data.rxf: 1 record of ship(*, *) stand for nothing in the model\n");
+            "ztb: data.rxf: 2 records of need(*) stand for nothing in the model: a\n"
+            "ztb: data.rxf: 1 record of ship(*, *) stands for nothing in the model: (x, a)\n");
 }
 
 // An update of an equation takes the bounds set before it out of force.
@@ -244,19 +245,31 @@ TEST_F(SolveTest, FailsWithoutASolution) {
 TEST_F(SolveTest, NamesWhatIsWrong) {
   expectFails(1, "ztb: t.lp: Invalid solver name: nosuch\n",
               {"solve", "t.lp", "--solver", "nosuch"});
-  expectFails(1, "ztb: t.lp: the model has no variable or equation nosuch\n",
-              {"solve", "t.lp", "--show", "nosuch"});
+  expectFails(
+      1,
+      "ztb: t.lp: the model has no variable or equation nosuch; there is rate_var, demand_var, "
+      "ship, total and need\n",
+      {"solve", "t.lp", "--show", "nosuch"});
   write("i.lp", "Maximize\n v: x\nSubject To\n c: x <= 8.5\nGenerals\n x\nEnd\n");
   expectFails(1,
               "ztb: i.lp: solver clp did not solve the model: readyapi failed: solver \"clp\" "
               "solves LP; the model is MIP\n",
               {"solve", "i.lp", "--solver", "clp"});
   expectFails(1,
-              "ztb: t.lp: --set \"supply[a]=1\": the model has no columns supply or supply_var\n",
+              "ztb: t.lp: --set \"supply[a]=1\": the model has no columns supply or supply_var; "
+              "there is rate, demand and ship\n",
               {"solve", "t.lp", "--set", "supply[a]=1"});
-  expectFails(1, "ztb: t.lp: --set \"rate[c]=1\": the model has no such element of rate_var(*)\n",
+  expectFails(1,
+              "ztb: t.lp: --set \"rate[c]=1\": the model has no such element of rate_var(*); there "
+              "is a and b\n",
               {"solve", "t.lp", "--set", "rate[c]=1"});
-  expectFails(1, "ztb: t.lp: --set \"rate=1\": the model has no such element of rate_var(*)\n",
+  expectFails(1,
+              "ztb: t.lp: --set \"ship[a]=1\": the model has no such element of ship(*, *); there "
+              "is (a, x) and (b, x)\n",
+              {"solve", "t.lp", "--set", "ship[a]=1"});
+  expectFails(1,
+              "ztb: t.lp: --set \"rate=1\": the model has no such element of rate_var(*); there "
+              "is a and b\n",
               {"solve", "t.lp", "--set", "rate=1"});
   expectFails(2,
               "ztb: --set \"rate[a]\": an \"=\" and a number are missing; write it as "
@@ -338,7 +351,8 @@ TEST_F(SolveTest, FillsTheSetsAndParametersOfAMathProgModel) {
   EXPECT_EQ(outcome.status, 0);
   EXPECT_NE(outcome.output.find("objective   432\n"), std::string::npos) << outcome.output;
   EXPECT_EQ(outcome.errors,
-            "ztb: d.rxf: the model has no columns unknown_var for parameter unknown\n");
+            "ztb: d.rxf: the model has no columns unknown_var for parameter unknown; data drive "
+            "nothing in it: say what they do with --drive\n");
   // Its own data have costs of what its own set lacks.
   expectFails(1, "ztb: m.mod:3: cost[b] out of domain\n", {"solve", "m.mod"});
 }

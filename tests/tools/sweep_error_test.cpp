@@ -55,7 +55,9 @@ TEST_F(SweepErrorTest, AParameterThatDoesNotFitTheModel) {
 
 TEST_F(SweepErrorTest, ASymbolThatCannotBeReported) {
   makeFile("rate", 2);
-  expectFails(1, "ztb: m.lp: the model has no variable or equation nosuch\n",
+  expectFails(1,
+              "ztb: m.lp: the model has no variable or equation nosuch; there is rate_var, ship, "
+              "demand_var, extra_var, total and need\n",
               sweep({"--report", "nosuch", "--jobs", "2"}));
   const std::string name(57, 'v');
   std::string model = read("m.lp");

@@ -116,18 +116,39 @@ TEST_F(SweepResumeTest, LeavesWhatItWasToReplaceUntilItIsReplaced) {
   expectObjectives("out.rxf", 10);
 }
 
-TEST_F(SweepResumeTest, PartsOfAResultThatCannotBeWrittenServeUnderAnotherName) {
+TEST_F(SweepResumeTest, PartsServeUnderAnotherName) {
+  leavePart(10, 6);
+  std::filesystem::rename(path("out.rxf.part7"), path("free.rxf.part1"));
+  EXPECT_EQ(counts(ztbFine(sweep({"--report", "ship", "--resume"}, "free.rxf"))),
+            "10 scenarios, 6 of them kept: 10 optimal");
+  expectObjectives("free.rxf", 10);
+}
+
+TEST_F(SweepResumeTest, APlaceWhereNoFileCanBeIsToldBeforeAnythingIsSolved) {
   makeScenarios(3);
   std::filesystem::create_directory(path("taken"));
-  expectFails(
-      1,
-      "ztb: Is a folder: taken; what was solved stays in taken.part1 and its like; --resume "
-      "takes them once they are named as the parts of another --out\n",
-      sweep({}, "taken"));
-  std::filesystem::rename(path("taken.part1"), path("free.rxf.part1"));
-  EXPECT_EQ(counts(ztbFine(sweep({"--resume"}, "free.rxf"))),
-            "3 scenarios, 3 of them kept: 3 optimal");
-  expectObjectives("free.rxf", 3);
+  expectFails(1, "ztb: Is a folder: taken\n", sweep({}, "taken"));
+  EXPECT_FALSE(exists("taken.part1"));
+  expectFails(1, "ztb: Not a regular file: /dev/null\n", sweep({}, "/dev/null"));
+  expectFails(1, "ztb: No such file: the folder does not exist: none/o.rxf\n",
+              sweep({}, "none/o.rxf"));
+  EXPECT_EQ(ztb(sweep({}, "")).status, 2);
+}
+
+using SweepWithoutPlaceTest = EndlessSweepTest;
+
+TEST_F(SweepWithoutPlaceTest, KeepsThePartsOfAResultThatCannotBeWrittenInTheEnd) {
+  makeScenarios(2, {2});
+  const ProcessorTimeLimit limit(1);
+  BackgroundProgram run(path("."), sweep(), "errors");
+  ASSERT_NE(run.waitForChildBut(0), 0) << "the sweep ended without a worker";
+  std::filesystem::create_directory(path("out.rxf"));
+  EXPECT_EQ(run.wait(), 1);
+  EXPECT_THAT(read("errors"),
+              HasSubstr("ztb: Is a folder: out.rxf; what was solved stays in out.rxf.part1 and its "
+                        "like; --resume takes them once they are named as the parts of another "
+                        "--out\n"));
+  EXPECT_TRUE(exists("out.rxf.part1"));
 }
 
 TEST_F(SweepResumeTest, RefusesAnotherSetAndFilesThatAreNoResults) {

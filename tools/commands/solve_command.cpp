@@ -74,8 +74,8 @@ ztb::Symbol solvedSymbol(const ModelSession& session, const ztb::Database& datab
   const bool isSolved =
       symbol && (symbol->type() == ztb::Type::variable || symbol->type() == ztb::Type::equation);
   if (isSolved) return *symbol;
-  throw Failure(
-      withFile(session.file(), fmt::format("the model has no variable or equation {}", name)));
+  throw Failure(withFile(session.file(), fmt::format("the model has no variable or equation {}{}",
+                                                     name, session.solvedText())));
 }
 
 // A row of cells for each record: labels, level, marginal, bounds.
@@ -167,10 +167,16 @@ void printDetails(const SolveOptions& options, const SolveReport& report) {
 }
 
 void printReport(const SolveOptions& options, const SolveReport& report) {
+  if (options.csv && report.conflict) {
+    printError(fmt::format("ztb: {}: these cannot hold together: {}", options.model,
+                           conflictText(*report.conflict, "; ")));
+  }
   if (options.json) {
     printSolveJson(report);
   } else if (!options.csv) {
     printDetails(options, report);
+  } else if (options.ranging) {
+    if (report.ranging) printRangingCsv(*report.ranging, options.shown);
   } else if (options.shown.empty()) {
     printSolveCsv(report);
   } else if (!report.shown.empty()) {
@@ -188,13 +194,15 @@ void withBasis(ModelSession& session, void (ztb::Model::*use)(const ztb::ZString
 }
 
 void run(const SolveOptions& options) {
-  if (options.csv && options.shown.size() > 1) {
+  if (options.csv && !options.ranging && options.shown.size() > 1) {
     throw UsageError("--csv prints one table: name one symbol with --show, or none");
   }
   if ((options.csv || options.json) && options.table.digits != 0) {
     throw UsageError("--digits: goes with what people read; JSON and CSV have every number whole");
   }
   refuseReplacing({options.model, options.modelData, options.data, options.start}, options.out);
+  if (!options.out.empty() && options.out != "-") requirePlace(options.out);
+  if (!options.basis.empty()) requirePlace(options.basis);
   OutputFile output(options.out);
   Progress progress;
   progress.step("reading " + options.model);
@@ -228,11 +236,17 @@ void run(const SolveOptions& options) {
   }
 
   ztb::Model& model = session.model();
+  // What fails after the solve is told when the solution has been written and printed.
+  std::optional<Failure> later;
   std::optional<ztb::Model::Ranging> ranging;
   if (options.ranging && model.hasSolution()) {
     progress.step("working out ranges");
-    ranging = rangingOf(session);
-    if (!options.out.empty()) addRangeSymbols(session, *ranging);
+    try {
+      ranging = rangingOf(session);
+      if (!options.out.empty()) addRangeSymbols(session, *ranging);
+    } catch (const Failure& failure) {
+      later = failure;
+    }
   }
   // Before anything is printed, since a reader who has seen enough ends this process.
   if (model.hasSolution() && !options.out.empty()) {
@@ -257,7 +271,11 @@ void run(const SolveOptions& options) {
   if (!options.json && !options.csv) printSummary(report, options.table.digits);
   if (options.explain && model.status() == ztbModelInfeasible) {
     progress.step("looking for the rows and bounds that cannot hold together");
-    report.conflict = explained(session);
+    try {
+      report.conflict = explained(session);
+    } catch (const Failure& failure) {
+      later = failure;
+    }
   }
   for (const std::string& name : options.shown) {
     if (model.hasSolution()) {
@@ -266,10 +284,12 @@ void run(const SolveOptions& options) {
   }
   printReport(options, report);
   if (!model.hasSolution()) {
+    if (later) printError(fmt::format("ztb: {}", later->what()));
     throw Failure(withFile(options.model, withoutSolution(model)));
   }
   // Last, so that a solve that leaves no basis loses nothing else.
   if (!options.basis.empty()) withBasis(session, &ztb::Model::writeBasis, options.basis);
+  if (later) throw *later;
 }
 
 }  // namespace
@@ -329,7 +349,8 @@ void addSolveCommand(CommandLine& line) {
                "Tell each name that had to be changed for the database, not only their count");
   const Option csv = command.flag(
       "--csv", options->csv,
-      "Print a line of CSV with what the solve left, or the records of the symbol of --show");
+      "Print CSV: a line with what the solve left, or the records of the symbol of --show, or the "
+      "ranges of --ranging");
   command.flag("--json", options->json, "Print JSON, with the records of each symbol of --show")
       .excludes(csv);
   addWidthOption(command, options->table);

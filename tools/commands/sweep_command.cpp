@@ -245,6 +245,7 @@ void refusePipes(const SweepOptions& options) {
 int runSweep(SweepOptions options) {
   refusePipes(options);
   refuseReplacing({options.model, options.modelData, options.data, options.scenarios}, options.out);
+  requirePlace(options.out);
   requireTakesFills(options.data, options.model);
   if (options.stall == 0) {
     throw UsageError("--stall 0: at least 1 is expected");
@@ -278,7 +279,7 @@ void addSweepCommand(CommandLine& line) {
             "model")
       .typeName("SET")
       .required();
-  command.text("--out", options->out, "RXF file to make").typeName("FILE").required();
+  command.text("--out", options->out, "RXF file to make").typeName("FILE").required().notEmpty();
   command.text("--model-data", options->modelData, "Data file of a .mod")
       .typeName("FILE")
       .notEmpty();

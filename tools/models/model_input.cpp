@@ -55,6 +55,38 @@ std::string signature(const ztb::Symbol& symbol) {
   return fmt::format("{}({})", symbol.name().view(), fmt::join(names, ", "));
 }
 
+std::string elementText(const std::vector<const char*>& keys) {
+  return keys.size() == 1 ? keys.front() : fmt::format("({})", fmt::join(keys, ", "));
+}
+
+// The first record that a symbol of the model has no element for.
+std::string firstUnmatched(const ExchangeFile& file, const FileSymbol& source,
+                           const ztb::Symbol& target) {
+  for (RecordWalk walk(file, source); walk.next();) {
+    const std::vector<const char*> keys = keysOf(file, walk);
+    if (!target.find(ztb::Keys(keys))) return ": " + elementText(keys);
+  }
+  return "";
+}
+
+// The first elements of a symbol of the model, to be put behind a message that it lacks one.
+std::string elementsText(const ztb::Symbol& symbol) {
+  constexpr std::size_t kRead = 11;
+  std::vector<std::string> texts;
+  for (ztb::Record& record : symbol.records()) {
+    std::vector<std::string> labels;
+    for (int position = 0; position < symbol.dimension(); ++position) {
+      labels.push_back(record.key(position).str());
+    }
+    texts.push_back(elementText(pointersTo(labels)));
+    if (texts.size() == kRead) break;
+  }
+  if (texts.empty() || symbol.dimension() == 0) return "";
+  if (texts.size() < kRead) return "; there is " + listed(texts);
+  texts.pop_back();
+  return fmt::format("; there is {}, ...", fmt::join(texts, ", "));
+}
+
 // Places of the fields of a record.
 constexpr std::size_t levelField = 0;
 constexpr std::size_t marginalField = 1;
@@ -81,15 +113,21 @@ void ModelInput::applyFile(const ExchangeFile& file, const ModelFills* fills) {
   std::vector<std::pair<const FileSymbol*, ztb::Symbol>> variables;
   std::vector<std::pair<const FileSymbol*, ztb::Symbol>> equations;
   for (const FileSymbol& source : file.symbols()) {
-    if (source.isAlias() || source.type == ztb::Type::set) continue;
     if (fills != nullptr && fills->took(source.name)) continue;
+    if (source.isAlias() || source.type == ztb::Type::set) {
+      if (session_.drives(source.name)) {
+        printError(fmt::format("ztb: {}: {} is {}, and drives nothing: a parameter is expected",
+                               path, source.name, source.isAlias() ? "an alias" : "a set"));
+      }
+      continue;
+    }
     if (source.type == ztb::Type::parameter) {
       if (session_.drives(source.name)) {
         room.take(source);
         parameters.push_back(&source);
       } else {
-        printError(fmt::format("ztb: {}: the model has no columns {}_var for parameter {}", path,
-                               source.name, source.name));
+        printError(fmt::format("ztb: {}: the model has no columns {}_var for parameter {}{}", path,
+                               source.name, source.name, session_.drivingText()));
       }
       continue;
     }
@@ -133,7 +171,9 @@ void ModelInput::applyParameter(const ExchangeFile& file, const FileSymbol& sour
       std::vector<const char*> keys = keysOf(file, walk);
       target.merge(ztb::Keys(keys)).setLevel(walk.values()[levelField]);
     }
-    reportUnmatched(file, source, session_.applyParameter(target));
+    const int unmatched = session_.applyParameter(target);
+    reportUnmatched(file, source, unmatched,
+                    session_.database().symbol(source.name + ztb::parameterSuffix));
   } catch (const std::exception& error) {
     throw Failure(withFile(file.path(), fmt::format("{}: {}", signature(source), error.what())));
   }
@@ -162,15 +202,16 @@ void ModelInput::applyField(const ExchangeFile& file, const FileSymbol& source,
     values.merge(ztb::Keys(keys)).setLevel(walk.values()[field]);
   }
   const int unmatched = session_.update(target, action, values, ztb::Missing::keep);
-  if (field == levelField) reportUnmatched(file, source, unmatched);
+  if (field == levelField) reportUnmatched(file, source, unmatched, target);
 }
 
-void ModelInput::reportUnmatched(const ExchangeFile& file, const FileSymbol& source,
-                                 int count) const {
+void ModelInput::reportUnmatched(const ExchangeFile& file, const FileSymbol& source, int count,
+                                 const ztb::Symbol& target) const {
   if (count == 0) return;
-  printError(fmt::format("ztb: {}: {} of {} stand for nothing in the model", file.path(),
+  printError(fmt::format("ztb: {}: {} of {} stand{} for nothing in the model{}", file.path(),
                          count == 1 ? "1 record" : fmt::format("{} records", count),
-                         signature(source)));
+                         signature(source), count == 1 ? "s" : "",
+                         firstUnmatched(file, source, target)));
 }
 
 void ModelInput::applySetting(const std::string& setting) {
@@ -195,16 +236,17 @@ void ModelInput::applySetting(const std::string& setting) {
   const auto symbol = session_.database().findSymbol(drives ? element.symbol + ztb::parameterSuffix
                                                             : element.symbol);
   if (!symbol || symbol->type() != ztb::Type::variable) {
-    throw Failure(withFile(session_.file(), fmt::format("--set \"{}\": the model has no columns {} "
-                                                        "or {}_var",
-                                                        setting, element.symbol, element.symbol)));
+    throw Failure(
+        withFile(session_.file(),
+                 fmt::format("--set \"{}\": the model has no columns {} or {}_var{}", setting,
+                             element.symbol, element.symbol, session_.settableText())));
   }
   std::vector<const char*> keys = pointersTo(element.labels);
   if (symbol->dimension() != static_cast<int>(keys.size()) || !symbol->find(ztb::Keys(keys))) {
     throw Failure(
         withFile(session_.file(), fmt::format("--set \"{}\": the model has no such element "
-                                              "of {}",
-                                              setting, signature(*symbol))));
+                                              "of {}{}",
+                                              setting, signature(*symbol), elementsText(*symbol))));
   }
   try {
     if (!drives) {

@@ -36,7 +36,8 @@ class ModelInput {
   void applyField(const ExchangeFile& file, const FileSymbol& source, const ztb::Symbol& target,
                   ztb::Action action, std::size_t field);
   void fixVariable(const ztb::Symbol& variable, const std::vector<const char*>& keys, double value);
-  void reportUnmatched(const ExchangeFile& file, const FileSymbol& source, int count) const;
+  void reportUnmatched(const ExchangeFile& file, const FileSymbol& source, int count,
+                       const ztb::Symbol& target) const;
 
   ModelSession& session_;
   // Holds values on their way into the model, under the label numbers of the session's database.

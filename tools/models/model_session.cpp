@@ -1,7 +1,10 @@
 #include "tools/models/model_session.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
+#include <unistd.h>
 
+#include <cmath>
 #include <filesystem>
 #include <optional>
 #include <string_view>
@@ -38,7 +41,31 @@ ztb::Model openDriven(const std::string& file, const std::string& dataFile, Mode
   return model;
 }
 
+// Which record has a value that no column can stand at; empty if none has.
+std::string unusableText(const ztb::Symbol& parameter) {
+  constexpr double kTooLarge = 1e300;  // and beyond, but for infinities
+  for (ztb::Record& record : parameter.records()) {
+    const double level = record.level();
+    if (level < kTooLarge || std::isinf(level)) continue;
+    std::vector<std::string> labels;
+    for (int position = 0; position < parameter.dimension(); ++position) {
+      labels.push_back(record.key(position).str());
+    }
+    return fmt::format(" in {}({})", parameter.name().view(), fmt::join(labels, ", "));
+  }
+  return "";
+}
+
 }  // namespace
+
+std::string listed(const std::vector<std::string>& names) {
+  constexpr std::size_t kNamed = 10;
+  std::string text = names.front();
+  for (std::size_t k = 1; k < names.size() && k < kNamed; ++k) {
+    text += (k + 1 == names.size() ? " and " : ", ") + names[k];
+  }
+  return names.size() > kNamed ? text + fmt::format(" and {} more", names.size() - kNamed) : text;
+}
 
 ModelSession::ModelSession(const std::string& modelFile, const std::string& dataFile,
                            ModelFills* fills, const std::vector<std::string>& drives)
@@ -67,7 +94,7 @@ bool ModelSession::drives(const std::string& name) const {
   return columns && columns->type() == ztb::Type::variable;
 }
 
-std::string ModelSession::drivingText() const {
+std::vector<std::string> ModelSession::driving() const {
   constexpr std::string_view suffix = ztb::parameterSuffix;
   std::vector<std::string> names;
   for (const ztb::Symbol& symbol : database_.symbols()) {
@@ -76,13 +103,33 @@ std::string ModelSession::drivingText() const {
     name.resize(name.size() - suffix.size());
     names.push_back(std::move(name));
   }
-  if (names.empty()) return "; data drive nothing in it: say what they do with --drive";
-  constexpr std::size_t kNamed = 10;
-  std::string text = "; data drive " + names.front();
-  for (std::size_t k = 1; k < names.size() && k < kNamed; ++k) {
-    text += (k + 1 == names.size() ? " and " : ", ") + names[k];
+  return names;
+}
+
+std::string ModelSession::drivingText() const {
+  const std::vector<std::string> names = driving();
+  return names.empty() ? "; data drive nothing in it: say what they do with --drive"
+                       : "; data drive " + listed(names);
+}
+
+std::string ModelSession::settableText() const {
+  std::vector<std::string> names = driving();
+  for (const ztb::Symbol& symbol : database_.symbols()) {
+    std::string name = symbol.name().str();
+    if (symbol.type() != ztb::Type::variable || name.ends_with(ztb::parameterSuffix)) continue;
+    names.push_back(std::move(name));
   }
-  return names.size() > kNamed ? text + fmt::format(" and {} more", names.size() - kNamed) : text;
+  return names.empty() ? "" : "; there is " + listed(names);
+}
+
+std::string ModelSession::solvedText() const {
+  std::vector<std::string> names;
+  for (const ztb::Symbol& symbol : database_.symbols()) {
+    if (symbol.type() == ztb::Type::variable || symbol.type() == ztb::Type::equation) {
+      names.push_back(symbol.name().str());
+    }
+  }
+  return "; there is " + listed(names);
 }
 
 ztb::Symbol ModelSession::parameter(const std::string& name, int dimension) {
@@ -116,8 +163,12 @@ int ModelSession::update(const ztb::Symbol& modelSymbol, ztb::Action action,
 }
 
 int ModelSession::applyParameter(const ztb::Symbol& parameter) {
-  return update(columns_.at(parameter.name().str()), ztb::Action::fix, parameter,
-                ztb::Missing::base);
+  try {
+    return update(columns_.at(parameter.name().str()), ztb::Action::fix, parameter,
+                  ztb::Missing::base);
+  } catch (const ztb::Error& error) {
+    throw Failure(error.what() + unusableText(parameter));
+  }
 }
 
 void ModelSession::reportNotes(bool all) const {
@@ -144,6 +195,23 @@ std::string conflictText(const ztb::Model::Conflict& conflict, const std::string
   if (conflict.byIntegers) text += separator + "with columns that have to be integers";
   if (!conflict.irreducible) text += separator + "some may not be needed: the time was over";
   return text;
+}
+
+void requirePlace(const std::string& out) {
+  std::error_code error;
+  const std::filesystem::file_status status = std::filesystem::status(out, error);
+  if (std::filesystem::is_directory(status)) throw Failure("Is a folder: " + out);
+  if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status)) {
+    throw Failure("Not a regular file: " + out);
+  }
+  const std::filesystem::path parent = std::filesystem::path(out).parent_path();
+  const std::filesystem::path folder = parent.empty() ? "." : parent;
+  if (!std::filesystem::is_directory(folder, error)) {
+    throw Failure("No such file: the folder does not exist: " + out);
+  }
+  if (access(folder.c_str(), W_OK) != 0) {
+    throw Failure("No permission to write into the folder: " + out);
+  }
 }
 
 void refuseReplacing(std::initializer_list<std::string> inputs, const std::string& out) {

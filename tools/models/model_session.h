@@ -44,6 +44,8 @@ class ModelSession {
   int update(const ztb::Symbol& modelSymbol, ztb::Action action, const ztb::Symbol& data,
              ztb::Missing missing);
 
+  // What data drive in the model, to be put behind a message that something does not.
+  [[nodiscard]] std::string drivingText() const;
   // Whether the model has columns NAME_var.
   [[nodiscard]] bool drives(const std::string& name) const;
   // The parameter that drives NAME_var, made without records when it is first asked for. It has
@@ -51,16 +53,21 @@ class ModelSession {
   // model has no such columns or they have another dimension.
   ztb::Symbol parameter(const std::string& name, int dimension);
   // Writes the parameter's records into the model; columns without a record go back to their first
-  // value. Gives the records that met no column.
+  // value. Gives the records that met no column. Throws Failure that names the first record whose
+  // value no column can have.
   int applyParameter(const ztb::Symbol& parameter);
+
+  // What there is to be set by name, and the names of all variables and equations, to be put behind
+  // a message that something is neither.
+  [[nodiscard]] std::string settableText() const;
+  [[nodiscard]] std::string solvedText() const;
 
   // On standard error, what the reading of the file noted, and names that had to be changed: all,
   // or one line with their count and the first.
   void reportNotes(bool all) const;
 
  private:
-  // What there is to be driven, for messages.
-  [[nodiscard]] std::string drivingText() const;
+  [[nodiscard]] std::vector<std::string> driving() const;
   [[nodiscard]] std::string solverOf(int kind) const;
 
   std::string file_;
@@ -73,6 +80,12 @@ class ModelSession {
 
 // The members of a conflict with `separator` between them, and what is to be known of them all.
 std::string conflictText(const ztb::Model::Conflict& conflict, const std::string& separator);
+
+// The first names of a list, as "a, b and c" or "a, b and 8 more".
+std::string listed(const std::vector<std::string>& names);
+
+// Throws Failure where no file can be made or replaced, before any work is done for it.
+void requirePlace(const std::string& out);
 
 // Throws UsageError when the result file `out` is one of the files that are read.
 void refuseReplacing(std::initializer_list<std::string> inputs, const std::string& out);

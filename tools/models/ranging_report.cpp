@@ -3,9 +3,13 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdio>
 #include <optional>
 #include <string_view>
+#include <ztb/column_names.hpp>
 
+#include "formats/tables/csv_writer.h"
 #include "tools/text/failure.h"
 #include "tools/text/number_text.h"
 #include "tools/text/output.h"
@@ -39,6 +43,11 @@ void addSymbols(ModelSession& session, const std::vector<Ranging::Range>& ranges
   }
 }
 
+bool isShown(const std::vector<std::string>& shown, const Ranging::Range& range) {
+  const auto isIt = [&](const std::string& name) { return sameFolded(name, range.symbol); };
+  return shown.empty() || std::ranges::any_of(shown, isIt);
+}
+
 std::string elementText(const Ranging::Range& range) {
   std::string text = range.symbol;
   for (std::size_t k = 0; k < range.labels.size(); ++k) {
@@ -51,8 +60,7 @@ void printRanges(const std::vector<Ranging::Range>& ranges, std::string_view wha
                  const std::vector<std::string>& shown, TableStyle style, int digits) {
   std::vector<std::vector<std::string>> rows;
   for (const Ranging::Range& range : ranges) {
-    const auto isIt = [&](const std::string& name) { return sameFolded(name, range.symbol); };
-    if (!shown.empty() && std::ranges::none_of(shown, isIt)) continue;
+    if (!isShown(shown, range)) continue;
     rows.push_back({printable(elementText(range)),
                     std::string(NumberText(range.lower, digits).view()),
                     std::string(NumberText(range.upper, digits).view())});
@@ -94,6 +102,43 @@ void printRanging(const Ranging& ranging, const std::vector<std::string>& shown,
                   int digits) {
   printRanges(ranging.costs, "cost of", shown, style, digits);
   printRanges(ranging.sides, "rhs of", shown, style, digits);
+}
+
+void printRangingCsv(const Ranging& ranging, const std::vector<std::string>& shown) {
+  struct Line {
+    std::string_view what;
+    const Ranging::Range* range;
+  };
+  std::vector<Line> lines;
+  for (const Ranging::Range& range : ranging.costs) {
+    if (isShown(shown, range)) lines.push_back({"cost", &range});
+  }
+  for (const Ranging::Range& range : ranging.sides) {
+    if (isShown(shown, range)) lines.push_back({"rhs", &range});
+  }
+  std::size_t dimension = 0;
+  for (const Line& line : lines) dimension = std::max(dimension, line.range->labels.size());
+
+  formats::CsvWriter csv(stdout, "standard output");
+  csv.text("range");
+  csv.text("symbol");
+  const std::vector<std::string> domains(dimension, "*");
+  for (const std::string& column : ztb::keyColumns("", ztb::Type::variable, domains)) {
+    csv.text(column);
+  }
+  csv.text("from");
+  csv.text("to");
+  csv.endRow();
+  for (const Line& line : lines) {
+    csv.text(line.what);
+    csv.text(line.range->symbol);
+    for (const std::string& label : line.range->labels) csv.label(label);
+    for (std::size_t k = line.range->labels.size(); k < dimension; ++k) csv.text("");
+    csv.text(NumberText(line.range->lower).view());
+    csv.text(NumberText(line.range->upper).view());
+    csv.endRow();
+  }
+  csv.finish();
 }
 
 }  // namespace tool

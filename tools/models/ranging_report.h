@@ -22,6 +22,10 @@ void addRangeSymbols(ModelSession& session, const ztb::Model::Ranging& ranging);
 void printRanging(const ztb::Model::Ranging& ranging, const std::vector<std::string>& shown,
                   TableStyle style, int digits);
 
+// Prints one table with a column for each position of labels: range (cost or rhs), symbol, labels,
+// from, to.
+void printRangingCsv(const ztb::Model::Ranging& ranging, const std::vector<std::string>& shown);
+
 }  // namespace tool
 
 #endif  // ZTB_TOOLS_MODELS_RANGING_REPORT_H_

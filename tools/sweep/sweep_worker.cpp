@@ -94,8 +94,9 @@ class SweepWorker {
     const auto symbol = session_.database().findSymbol(name);
     if (!symbol ||
         (symbol->type() != ztb::Type::variable && symbol->type() != ztb::Type::equation)) {
-      throw Failure(
-          withFile(session_.file(), fmt::format("the model has no variable or equation {}", name)));
+      throw Failure(withFile(
+          session_.file(),
+          fmt::format("the model has no variable or equation {}{}", name, session_.solvedText())));
     }
     reports_.push_back(symbol->name().str());
     results_.addReport(reports_.back(), symbol->dimension());
