@@ -503,3 +503,39 @@ def test_a_basis_goes_from_one_model_to_the_next(solver, tmp_path):
     assert again.basis_taken
     with pytest.raises(ztb.Error, match="is no saved basis"):
         again.read_basis(__file__)
+
+
+@pytest.mark.parametrize("ending", [".lp", ".mps"])
+def test_a_model_is_written_and_reads_back(ending, tmp_path):
+    path = tmp_path / f"m{ending}"
+    built = ztb.Model.from_arrays([2, 1], [[1, 1]], 3, columns={"buy": ("food", ["a", "b"])})
+    built.write(path)
+    again = ztb.Model.open(path)
+    assert again.solve()["buy"]["level"].to_dict() == {"a": 0, "b": 3}
+    built.solve()
+    with pytest.raises(ztb.Error, match="in use"):
+        built.write(path)
+    with pytest.raises(ztb.Error, match="gone"):
+        ztb.Model().write(tmp_path / "gone" / f"m{ending}")
+
+
+def test_a_start_is_told_to_be_taken():
+    # 3 and 2 within 8 of 3 and 2 at most: 2 of the first, 1 of the second are worth 5.
+    model = ztb.Model.from_arrays([2, 1], [[3, 2]], upper=8, kind="integer", maximize=True)
+    tie = model.tie()
+    assert tie.solve().objective == 5 and not model.start_taken
+    tie.update("x", np.array([2.0, 1.0]), "level")
+    assert tie.solve(options={"UseStart": 1}).objective == 5 and model.start_taken
+
+
+def test_models_and_ties_show_what_they_are(tmp_path):
+    path = tmp_path / "m.lp"
+    ztb.Model.from_arrays([1], [[1]], 1).write(path)
+    model = ztb.Model.open(path)
+    model.drive("price(i) = cost of x")
+    assert repr(model) == f"<ztb.Model of {str(path)!r}>"
+    tie = model.tie()
+    assert repr(tie) == f"<ztb.Tie of {model!r}>"
+    tie["price"] = 2
+    assert repr(tie) == f"<ztb.Tie of {model!r}, driven by price>"
+    assert repr(ztb.Model()) == "<ztb.Model>"

@@ -128,3 +128,39 @@ def test_data_that_are_no_numbers_are_told(tie, data, text):
     assert tie.solve().objective == 6
     with pytest.raises(TypeError, match="3 .int. is no action, expected one of fix, upper"):
         tie.update("ship", 1, 3)
+
+
+@pytest.mark.parametrize("statement", [
+    "price(city, plant) = cost of ship", "price(City, PLANT) = cost of ship(plant, city)",
+])
+def test_positions_of_what_was_built_are_matched_by_name(statement):
+    model = ztb.Model()
+    ship = model.variable("ship", [PLANTS, CITIES], upper=1000)
+    model.rows("need", [PLANTS, CITIES], ship, lower=NEED)
+    model.minimize(ship)
+    model.drive(statement)
+    tie = model.tie()
+    tie["price"] = {("b", "a"): 100.0}  # of city b and plant a
+    assert tie.solve().objective == 501
+
+
+def test_coefficients_are_matched_by_name_in_the_variable_and_in_the_row():
+    model = ztb.Model()
+    grow = model.variable("grow", [("crop", ["rye", "oat"]), ("soil", ["x", "y"])], upper=9)
+    model.rows("harvest", ("soil", ["x", "y"]), grow, lower=6)
+    model.minimize(grow)
+    model.drive("yield(soil, crop) = coefficient of grow in harvest")
+    tie = model.tie()
+    tie["yield"] = {("y", "rye"): 3.0}
+    # 6 on x at 1 a unit, 2 on y at 3 a unit.
+    assert tie.solve().objective == 8
+
+
+def test_arrays_with_named_families_have_frames_with_these_names():
+    model = ztb.Model.from_arrays(
+        [2, 1], [[1, 1]], 3, columns={"buy": ("food", ["a", "b"])}, rows={"need": ("what", ["n"])}
+    )
+    model.drive("price(food) = cost of buy")
+    solution = model.solve()
+    assert solution["buy"].index.names == ["food"]
+    assert solution["need"].index.names == ["what"]

@@ -187,3 +187,23 @@ def test_a_solve_within_a_solve_is_refused(model):
     with pytest.raises(ztb.Error, match="in use|inside|operation"):
         endless.solve(progress=lambda state: endless.solve(), every=0, time_limit=60)
     assert endless.solve(time_limit=0.1).solve_status == "time limit"
+
+
+@pytest.mark.parametrize("lower, upper", [(1, 1e20), (-1e20, 1), (1e-3, 1e17), (2, 2), (-3, 4)])
+def test_both_sides_of_a_row_are_kept(lower, upper):
+    for maximize, expected in ((False, max(lower, -1e6)), (True, min(upper, 1e6))):
+        model = ztb.Model.from_arrays(
+            [1], [[1]], lower, upper, bounds=(-1e6, 1e6), maximize=maximize
+        )
+        assert model.solve().objective == pytest.approx(expected, rel=1e-9)
+
+
+def test_a_mapping_that_is_refused_leaves_the_data_as_they_were():
+    model = ztb.Model.from_arrays([2, 1], [[1, 1]], 3, columns={"buy": ("food", ["a", "b"])})
+    model.drive("price(food) = cost of buy")
+    tie = model.tie()
+    tie["price"] = {"a": 5.0, "b": 4.0}
+    with pytest.raises(TypeError):
+        tie["price"] = {"a": 7.0, "b": "cheap"}
+    assert dict(tie["price"]) == {("a",): 5.0, ("b",): 4.0}
+    assert tie.solve().objective == 12

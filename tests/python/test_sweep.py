@@ -137,10 +137,55 @@ def test_files_that_are_missing_or_damaged_have_their_errors(file, scenarios, tm
         ztb.sweep(file, tmp_path / "junk.rxf", over="s")
 
 
+def test_a_damaged_record_is_a_damaged_file(tmp_path):
+    with ztb.Database() as db:
+        over = db.add_set("s")
+        over.extend([f"s{number}" for number in range(200)])
+        rate = db.add_parameter("rate", [over, "*"])
+        for number in range(200):
+            rate[f"s{number}", "a"] = number
+        db.write(tmp_path / "sc.rxf")
+    content = bytearray((tmp_path / "sc.rxf").read_bytes())
+    content[len(content) // 3] ^= 0x55
+    (tmp_path / "sc.rxf").write_bytes(content)
+    (tmp_path / "m.lp").write_text(PLAIN)
+    with pytest.raises(ztb.DamagedFileError, match="File is damaged: .* of symbol rate in .*sc.rxf"):
+        ztb.sweep(tmp_path / "m.lp", tmp_path / "sc.rxf", over="s", drive=DRIVE)
+
+
+def test_over_an_alias_the_scenarios_are_those_of_its_set(file, tmp_path):
+    with ztb.Database() as db:
+        over = db.add_set("s")
+        over.extend(["s1", "s2"])
+        case = db.add_alias("case", over)
+        db.add_parameter("rate", [case, "*"])["s1", "a"] = 4
+        db.write(tmp_path / "sc.rxf")
+    result = ztb.sweep(file, tmp_path / "sc.rxf", over="case", drive=DRIVE)
+    assert len(result) == 2 and list(result) == ["s1", "s2"]
+    assert list(result.frame.index) == ["s1", "s2"]
+
+
+def test_frames_of_scenarios_are_taken_by_their_columns(file, scenarios):
+    frames = {
+        name: series.rename_axis(["s", "label"]).rename("value").reset_index()[["label", "s", "value"]]
+        for name, series in scenarios.items()
+    }
+    expected = ztb.sweep(file, scenarios, over="s", drive=DRIVE).frame
+    assert ztb.sweep(file, frames, over="s", drive=DRIVE).frame.equals(expected)
+    with pytest.raises(ValueError, match="demand: a frame of scenarios has a column s, .* has x, y"):
+        ztb.sweep(file, {"demand": pd.DataFrame({"x": [1], "y": [2]})}, over="s", drive=DRIVE)
+
+
+def test_scenarios_without_a_record_are_told(file):
+    with pytest.raises(ValueError, match="the scenarios hold no record, so .* no element of s"):
+        ztb.sweep(file, {}, over="s", drive=DRIVE)
+
+
 @pytest.mark.parametrize("arguments, options, text", [
     (({"price": 3}, "s"), {},
      "price: int is no data of scenarios, expected a series or a mapping whose first label is the "
-     "scenario"),
+     "scenario, or a frame"),
+    (({}, "s"), {"solver": 3}, "3 (int) is no name of a solver, expected a str"),
     ((3, "s"), {}, "3 (int) is no path of a file, expected a str or a path object"),
     (({}, 3), {}, "3 (int) is no name of a set to sweep over, expected a str"),
     (({}, "s"), {"jobs": "2"}, "'2' (str) is no number of jobs, expected an int"),

@@ -383,6 +383,8 @@ void bindModel(py::module_& module) {
       .def("ranging", &Model::ranging)
       .def("read_basis", &Model::readBasis)
       .def("write_basis", &Model::writeBasis)
+      .def("write", &Model::write)
+      .def("start_taken", &Model::startTaken)
       .def("basis_taken", &Model::basisTaken);
   module.def("new_model", [] { return Model(ztb::Model()); });
   module.def("open_model",

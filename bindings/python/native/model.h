@@ -44,6 +44,8 @@ class Model {
   void readBasis(const py::object& path) { model_.readBasis(pathFromPython(path)); }
   void writeBasis(const py::object& path) { model_.writeBasis(pathFromPython(path)); }
   [[nodiscard]] bool basisTaken() const { return model_.basisTaken(); }
+  void write(const py::object& path) { model_.write(pathFromPython(path)); }
+  [[nodiscard]] bool startTaken() const { return model_.startTaken(); }
 
   // Ties an empty database to the model, which is then built and driven no further.
   void tie(const Database& database);

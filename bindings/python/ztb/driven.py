@@ -37,6 +37,28 @@ def stated_positions(statements: Iterable[str], name: str) -> Optional[Tuple[str
     return None
 
 
+#: What stands behind it: families that stand alone, without brackets.
+_FAMILY = re.compile(r"\b(of|in)(\s+)(\w+)(?=\s*$|\s+in\s)", re.IGNORECASE)
+
+
+def with_positions(statement: str, positions: Mapping[str, Sequence[str]]) -> str:
+    """The statement with the positions of families whose names are known behind each family that
+    stands alone, so that they are matched by name."""
+    stated = _STATED.match(statement)
+    if stated is None:
+        return statement
+    names = [_native.folded(name.strip()) for name in stated[2].split(",")]
+
+    def told(family: "re.Match[str]") -> str:
+        own = positions.get(_native.folded(family[3]), ())
+        folded = [_native.folded(name) for name in own]
+        if not own or not set(folded) <= set(names) or not all(map(str.isidentifier, own)):
+            return family[0]
+        return f"{family[0]}({', '.join(own)})"
+
+    return statement[: stated.end()] + _FAMILY.sub(told, statement[stated.end() :])
+
+
 class _Labels:
     """The labels of a series or frame that was taken, so that the next one is told to have them."""
 
@@ -156,9 +178,16 @@ def fill(
     if isinstance(data, Symbol):
         raise TypeError(f"{name or parameter.name}: {data.name} is no parameter, and has no numbers")
     if isinstance(data, Mapping):
+        rows, table = parameter._native.rows()
         parameter.clear()
-        for key, value in data.items():
-            parameter[key] = value
+        try:
+            for key, value in data.items():
+                parameter[key] = value
+        except BaseException:
+            parameter.clear()
+            labels = parameter._database._native.new_labels()
+            parameter._native.put_rows(rows, np.ascontiguousarray(table[:, :1]), [0], labels)
+            raise
         return
     numbers = arrays.floats(data, name or parameter.name)
     rows = keys()

@@ -124,12 +124,16 @@ def sides(
             f"{name}: row {row} is from {lower[row]} to {upper[row]}, which nothing satisfies"
         )
     has_lower, has_upper = np.isfinite(lower), np.isfinite(upper)
-    types = np.where(has_upper, _LESS, np.where(has_lower, _GREATER, _FREE))
-    types = np.where(has_lower & (lower == upper), _EQUAL, types)
-    rhs = np.where(has_upper, upper, np.where(has_lower, lower, 0.0))
     both = has_lower & has_upper & (lower < upper)
     ranges = np.zeros(len(lower))
     ranges[both] = upper[both] - lower[both]
+    # From the larger number the range may not lead to the smaller one, as from 1e20 to 1.
+    rising = both & (np.where(both, upper, 0.0) - ranges != np.where(both, lower, 0.0))
+    rising &= np.abs(lower) < np.abs(upper)
+    falling = has_upper & ~rising
+    types = np.where(falling, _LESS, np.where(has_lower, _GREATER, _FREE))
+    types = np.where(has_lower & (lower == upper), _EQUAL, types)
+    rhs = np.where(falling, upper, np.where(has_lower, lower, 0.0))
     return types.astype(np.int32), rhs, ranges
 
 

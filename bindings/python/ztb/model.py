@@ -23,7 +23,7 @@ import numpy.typing as npt
 
 from . import _native, arguments, arrays, families, fills, matrices
 from .database import Database
-from .driven import Driven, fill, stated_positions
+from .driven import Driven, fill, stated_positions, with_positions
 from .errors import Error
 from .families import Data, Expression, Family, Over
 from .matrices import Names
@@ -159,6 +159,9 @@ class Model:
             native.add_columns(name, positions, kinds[part], low[part], high[part])
         for name, positions, part in matrices.named(rows, shape[0], "row", "rows"):
             native.add_rows(name, positions, types[part], rhs[part], ranges[part])
+        for names in (columns, rows):
+            for name, over in names.items() if isinstance(names, Mapping) else ():
+                model._positions[_native.folded(name)] = tuple(families.frame_over(over).columns)
         numbers = np.flatnonzero(cost).astype(np.int32)
         native.add_terms(np.zeros(len(numbers), dtype=np.int32), numbers, cost[numbers])
         native.add_terms(at + np.int32(1), column, value)
@@ -259,14 +262,15 @@ class Model:
         """Says which numbers of the model a symbol drives: ``"price(food) = cost of buy"``.
 
         Also ``rhs of`` an equation, ``upper of`` or ``lower of`` a variable, and ``coefficient of``
-        a variable ``in`` an equation. What the model has not is told with what it has.
+        a variable ``in`` an equation. What the model has not is told with what it has. Of a
+        variable or equation that was built and stands alone, positions are matched by their names.
         """
         if not isinstance(statement, str):
             raise TypeError(
                 f"{arguments.shown(statement)} is no statement of what a symbol drives, expected a "
                 'str, as "price(food) = cost of buy"'
             )
-        self._native.drive(statement)
+        self._native.drive(with_positions(statement, self._positions))
         self._statements.append(statement)
 
     # ---- use ----
@@ -328,6 +332,24 @@ class Model:
 
         costs, sides = self._native.ranging()
         return Ranging(by_symbol(costs), by_symbol(sides))
+
+    def write(self, path: Path) -> None:
+        """Writes the model as LP or MPS, by the ending: a file that reads back as the same model.
+
+        Before it is tied or solved. What the format cannot hold raises :class:`ztb.Error`.
+        """
+        self._native.write(path)
+
+    @property
+    def start_taken(self) -> bool:
+        """Whether the last solve began with the levels as a solution, for which
+        ``options={"UseStart": 1}`` asked."""
+        return self._native.start_taken()
+
+    def __repr__(self) -> str:
+        if self._file is not None:
+            return f"<ztb.Model of {os.fspath(self._file[0])!r}>"
+        return f"<ztb.Model{'' if self._tie is None else ', in use'}>"
 
     def write_basis(self, path: Any) -> None:
         """Writes the basis that the last solve by clp or glpk left."""
@@ -623,6 +645,10 @@ class Tie:
             if limit is not None:
                 native.set_option("TimeLimit", limit)
         return Solution(left, name, self)
+
+    def __repr__(self) -> str:
+        driven = ", ".join(dict.fromkeys(one.data.name for one in self._driven.values()))
+        return f"<ztb.Tie of {self._model!r}{', driven by ' + driven if driven else ''}>"
 
     # ---- inside ----
 

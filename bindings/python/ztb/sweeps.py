@@ -3,6 +3,7 @@
 from __future__ import annotations
 
 import os
+import re
 import shutil
 import signal
 import subprocess
@@ -13,14 +14,18 @@ from typing import TYPE_CHECKING, Any, Iterator, List, Mapping, Optional, Sequen
 from . import arguments, fills
 from .database import Database
 from .driven import stated_positions
-from .errors import Error, MissingFileError
+from .errors import DamagedFileError, Error, MissingFileError
 from .model import Model, Path
 
 if TYPE_CHECKING:
     import pandas as pd
 
 #: Scenarios: an RXF file, a database, or data by the names of what they drive.
-Scenarios = Union[Path, Database, Mapping[str, "pd.Series[Any]"]]
+Scenarios = Union[Path, Database, Mapping[str, Any]]
+
+
+#: How the command tells of a file that is no whole one.
+_DAMAGED = re.compile(r"(^|: )File is (damaged|cut short): ")
 
 
 class SweepResult:
@@ -89,14 +94,18 @@ class SweepResult:
             raise KeyError(f"{name} was not reported; name it: report=[{name!r}]") from None
 
     def __len__(self) -> int:
-        return len(self.database[self._over])
+        return len(self._scenarios())
 
     def __iter__(self) -> Iterator[str]:
         """The labels of the scenarios."""
-        return iter(self.database[self._over])
+        return iter(self._scenarios())
 
     def __repr__(self) -> str:
         return f"<ztb.SweepResult over {self._over} in {os.fspath(self._path)}>"
+
+    def _scenarios(self) -> List[str]:
+        # Over an alias the file has the set that it stands for.
+        return [label for (label,) in self.database["sweep_status"]]
 
     def _series(self, name: str) -> Any:
         symbol: Any = self.database[name]
@@ -122,7 +131,8 @@ def sweep(
     ``model`` is a file, or a model that was opened from one; what it says of :meth:`Model.drive`
     holds here too. ``scenarios`` is an RXF file or a database with the set ``over`` and parameters
     that have it as their first domain, or a mapping from the names of parameters to series whose
-    first level is the scenario. ``report`` names variables and equations to keep. The results stand
+    first level is the scenario, or frames with a column of scenarios, columns of labels and one of
+    numbers. ``report`` names variables and equations to keep. The results stand
     in the file ``out``, or in one that goes with the result; with ``resume`` those that an
     interrupted sweep left in ``out`` are kept. A scenario without a solution is no error: its
     status tells. ``data`` and ``model_data`` are those of :meth:`Model.open`. Ctrl-C ends the sweep,
@@ -133,6 +143,8 @@ def sweep(
     """
     arguments.text(over, "name of a set to sweep over")
     arguments.whole(jobs, "number of jobs")
+    if solver is not None:
+        arguments.text(solver, "name of a solver")
     reports = [report] if isinstance(report, str) else list(arguments.several(report, "report"))
     statements = [drive] if isinstance(drive, str) else list(arguments.several(drive, "statement"))
     for word in (*reports, *statements):
@@ -204,8 +216,10 @@ def _database_of(
     series_of = {}
     labels = pd.Index([])
     for name, content in scenarios.items():
-        series_of[name] = _scenarios_first(_series_of(name, content), over)
+        series_of[name] = _scenarios_first(_series_of(name, content, over), over)
         labels = labels.append(pd.Index(series_of[name].index.get_level_values(0)))
+    if not len(labels):
+        raise ValueError(f"the scenarios hold no record, so that there is no element of {over}")
     database = Database()
     database.add_set(over).extend(labels.unique())
     for name, series in series_of.items():
@@ -219,16 +233,24 @@ def _database_of(
     return database
 
 
-def _series_of(name: str, content: Any) -> "pd.Series[Any]":
+def _series_of(name: str, content: Any, over: str) -> "pd.Series[Any]":
     import pandas as pd
 
     if isinstance(content, pd.Series):
         return content
+    if isinstance(content, pd.DataFrame):
+        if over not in content.columns or len(content.columns) < 2:
+            raise ValueError(
+                f"{name}: a frame of scenarios has a column {over}, columns of labels, and last one "
+                f"of numbers; this one has {', '.join(map(str, content.columns))}"
+            )
+        *labels, numbers = content.columns
+        return content.set_index(labels)[numbers]
     if isinstance(content, Mapping):
         return pd.Series(content)
     raise TypeError(
         f"{name}: {type(content).__name__} is no data of scenarios, expected a series or a mapping "
-        "whose first label is the scenario"
+        "whose first label is the scenario, or a frame"
     )
 
 
@@ -280,7 +302,8 @@ def _run(command: List[str], target: str) -> List[str]:
     lines = [line[5:] if line.startswith("ztb: ") else line for line in text.splitlines()]
     if process.returncode == 0 or (process.returncode == 1 and _stamp(target) != before):
         return lines
-    raise Error("\n".join(lines) or f"ztb ended with {process.returncode}", "sweep")
+    kind = DamagedFileError if any(_DAMAGED.search(line) for line in lines) else Error
+    raise kind("\n".join(lines) or f"ztb ended with {process.returncode}", "sweep")
 
 
 def _stamp(path: str) -> Any:
