@@ -245,11 +245,10 @@ TEST_F(SolveTest, FailsWithoutASolution) {
 TEST_F(SolveTest, NamesWhatIsWrong) {
   expectFails(1, "ztb: t.lp: Invalid solver name: nosuch\n",
               {"solve", "t.lp", "--solver", "nosuch"});
-  expectFails(
-      1,
-      "ztb: t.lp: the model has no variable or equation nosuch; there is rate_var, demand_var, "
-      "ship, total and need\n",
-      {"solve", "t.lp", "--show", "nosuch"});
+  expectFails(1,
+              "ztb: t.lp: the model has no variable or equation nosuch; there is rate_var, ship, "
+              "demand_var, total and need\n",
+              {"solve", "t.lp", "--show", "nosuch"});
   write("i.lp", "Maximize\n v: x\nSubject To\n c: x <= 8.5\nGenerals\n x\nEnd\n");
   expectFails(1,
               "ztb: i.lp: solver clp did not solve the model: readyapi failed: solver \"clp\" "
@@ -327,7 +326,7 @@ TEST_F(SolveTest, NamesTheFileThatCannotBeWritten) {
 }
 
 TEST_F(SolveTest, RefusesValuesThatAreNone) {
-  expectFails(1, "ztb: --set \"rate[a]=na\": Bad value nan\n",
+  expectFails(1, "ztb: --set \"rate[a]=na\": Bad value nan in rate(a)\n",
               {"solve", "t.lp", "--set", "rate[a]=na"});
 }
 

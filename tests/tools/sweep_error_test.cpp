@@ -80,7 +80,8 @@ TEST_F(SweepErrorTest, FilesThatCannotBeRead) {
   makeFile("rate", 2);
   expectFails(1, "ztb: nosuch.lp: cannot be read\n",
               {"sweep", "nosuch.lp", "--scenarios", "sc.rxf", "--over", "s", "--out", "out.rxf"});
-  expectFails(1, "ztb: nowhere: No such file or directory\n", sweep({}, "nowhere/out.rxf"));
+  expectFails(1, "ztb: No such file: the folder does not exist: nowhere/out.rxf\n",
+              sweep({}, "nowhere/out.rxf"));
 }
 
 TEST_F(SweepErrorTest, AResultThatWouldReplaceAnInput) {

@@ -55,7 +55,7 @@ std::string signature(const ztb::Symbol& symbol) {
   return fmt::format("{}({})", symbol.name().view(), fmt::join(names, ", "));
 }
 
-std::string elementText(const std::vector<const char*>& keys) {
+std::string keysText(const std::vector<const char*>& keys) {
   return keys.size() == 1 ? keys.front() : fmt::format("({})", fmt::join(keys, ", "));
 }
 
@@ -64,7 +64,7 @@ std::string firstUnmatched(const ExchangeFile& file, const FileSymbol& source,
                            const ztb::Symbol& target) {
   for (RecordWalk walk(file, source); walk.next();) {
     const std::vector<const char*> keys = keysOf(file, walk);
-    if (!target.find(ztb::Keys(keys))) return ": " + elementText(keys);
+    if (!target.find(ztb::Keys(keys))) return ": " + keysText(keys);
   }
   return "";
 }
@@ -78,7 +78,7 @@ std::string elementsText(const ztb::Symbol& symbol) {
     for (int position = 0; position < symbol.dimension(); ++position) {
       labels.push_back(record.key(position).str());
     }
-    texts.push_back(elementText(pointersTo(labels)));
+    texts.push_back(keysText(pointersTo(labels)));
     if (texts.size() == kRead) break;
   }
   if (texts.empty() || symbol.dimension() == 0) return "";
