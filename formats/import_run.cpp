@@ -84,6 +84,8 @@ bool ImportRun::option(const std::string& name, const std::string& value) {
     parseWide(value, lastSource("--wide " + value).tables.shape);
   } else if (name == "rename") {
     parseRename(value, lastSource("--rename " + value).tables.shape);
+  } else if (name == "units") {
+    parseUnits(value, lastSource("--units " + value).tables.shape);
   } else if (name == "dates") {
     parseDates(value, lastSource("--dates " + value).tables.shape);
   } else if (name == "dir") {
@@ -168,6 +170,7 @@ void ImportRun::fill(ztb::Database& database, RecordImport& records, ProblemList
     for (const Source& source : sources_) {
       tables.push_back(source.tables);
       tables.back().table.separator = separator;
+      tables.back().shape.decimal = decimal;
     }
     const TableImportOptions options{.skipEmpty = skipEmpty_, .namesAlone = !checkDomains_};
     lostRoles = importTables(database, tables, options, records, problems);

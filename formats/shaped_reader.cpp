@@ -5,9 +5,11 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cmath>
 #include <deque>
 
 #include "tools/text/failure.h"
+#include "tools/text/number_text.h"
 #include "tools/text/words.h"
 
 namespace formats {
@@ -38,9 +40,11 @@ class ShapedReader : public TableReader {
     if (shape_.wide.empty()) {
       if (!reader_->next(problems)) return false;
       take(reader_->fields());
-      return true;
+    } else if (!nextSpread(problems)) {
+      return false;
     }
-    return nextSpread(problems);
+    changeUnits();
+    return true;
   }
 
   [[nodiscard]] TextPosition position() const override { return reader_->position(); }
@@ -83,7 +87,38 @@ class ShapedReader : public TableReader {
       fields_.push_back({.text = spreadValues, .quoted = true, .at = at});
     }
     nextSpread_ = spread_.size();
+    for (const UnitChange& change : shape_.units) {
+      const auto found = std::ranges::find_if(fields_, [&](const TableField& field) {
+        return tool::sameFolded(field.text, change.column);
+      });
+      if (found == fields_.end()) {
+        problems.add(reader_->place(reader_->position()),
+                     fmt::format("no column {} of another unit", tool::inQuotes(change.column)));
+      } else {
+        changes_.emplace_back(static_cast<std::size_t>(found - fields_.begin()), &change);
+      }
+    }
     return true;
+  }
+
+  // Words for special values and what is no number stay as they are.
+  void changeUnits() {
+    for (const auto& [column, change] : changes_) {
+      if (column >= fields_.size()) continue;
+      TableField& field = fields_[column];
+      std::string fault;
+      const double number =
+          field.isNumber ? field.number : tool::parseNumber(field.text, fault, shape_.decimal);
+      if (field.fault != nullptr || !fault.empty() || tool::isSpecial(number)) continue;
+      const double changed = number * change->factor / change->divisor;
+      if (tool::isSpecial(changed) || !std::isfinite(changed) || (changed == 0) != (number == 0)) {
+        field.fault = "is too large or too small in the other unit";
+        continue;
+      }
+      field.text = {};
+      field.isNumber = true;
+      field.number = changed;
+    }
   }
 
   std::string renamed(std::string_view title) {
@@ -148,6 +183,7 @@ class ShapedReader : public TableReader {
   std::vector<std::size_t> kept_;
   std::vector<std::size_t> spread_;
   std::size_t nextSpread_ = 0;
+  std::vector<std::pair<std::size_t, const UnitChange*>> changes_;
   std::deque<std::string> dates_;
 };
 
@@ -176,6 +212,29 @@ void parseRename(const std::string& argument, TableShape& shape) {
     throw tool::UsageError(fmt::format("--rename {}: expected OLD=NEW", argument));
   }
   shape.renames.emplace_back(std::move(old), std::move(name));
+}
+
+void parseUnits(const std::string& argument, TableShape& shape) {
+  const auto refuse = [&] {
+    throw tool::UsageError(fmt::format(
+        "--units {}: expected COLUMN = NUMBER or COLUMN = NUMBER/NUMBER, none of them 0",
+        argument));
+  };
+  const auto number = [&](std::string_view text) {
+    std::string fault;
+    const double value = tool::parseNumber(trimmed(text), fault);
+    if (!fault.empty() || value == 0 || tool::isSpecial(value) || !std::isfinite(value)) refuse();
+    return value;
+  };
+  const std::size_t equals = argument.rfind('=');
+  if (equals == std::string::npos) refuse();
+  UnitChange change{.column = trimmed(std::string_view(argument).substr(0, equals))};
+  if (change.column.empty()) refuse();
+  const std::string_view numbers = std::string_view(argument).substr(equals + 1);
+  const std::size_t slash = numbers.find('/');
+  change.factor = number(numbers.substr(0, slash));
+  if (slash != std::string_view::npos) change.divisor = number(numbers.substr(slash + 1));
+  shape.units.push_back(std::move(change));
 }
 
 void parseDates(const std::string& argument, TableShape& shape) {

@@ -1,5 +1,5 @@
-// A table in the shape that an import wants: columns renamed, dates as ISO labels, and columns of a
-// wide table turned into rows.
+// A table in the shape that an import wants: columns renamed, dates as ISO labels, numbers in
+// another unit, and columns of a wide table turned into rows.
 #ifndef ZTB_FORMATS_SHAPED_READER_H_
 #define ZTB_FORMATS_SHAPED_READER_H_
 
@@ -16,6 +16,13 @@ namespace formats {
 // In which order day, month and year stand in a date.
 enum class DateOrder { dayFirst, monthFirst, yearFirst };
 
+// How the numbers of a column become those of another unit: times one number, by another.
+struct UnitChange {
+  std::string column;
+  double factor = 1;
+  double divisor = 1;
+};
+
 struct TableShape {
   // Old and new names of columns.
   std::vector<std::pair<std::string, std::string>> renames;
@@ -26,8 +33,14 @@ struct TableShape {
   // The spread columns; empty for all that `kept` does not name.
   std::vector<std::string> spread;
   std::vector<std::string> kept;
+  // Of columns by their new names, and of the values of spread ones.
+  std::vector<UnitChange> units;
+  // Where the fraction of a number begins.
+  char decimal = '.';
 
-  [[nodiscard]] bool plain() const { return renames.empty() && !dates && wide.empty(); }
+  [[nodiscard]] bool plain() const {
+    return renames.empty() && !dates && wide.empty() && units.empty();
+  }
 };
 
 // The name of the column of the values that a wide table gives.
@@ -37,6 +50,8 @@ inline constexpr const char* spreadValues = "value";
 // option, for anything else.
 void parseWide(const std::string& argument, TableShape& shape);
 void parseRename(const std::string& argument, TableShape& shape);
+// "COLUMN = 1000" or "COLUMN = 1/100".
+void parseUnits(const std::string& argument, TableShape& shape);
 // "dmy", "mdy" or "ymd".
 void parseDates(const std::string& argument, TableShape& shape);
 

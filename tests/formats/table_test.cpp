@@ -273,6 +273,49 @@ TEST_F(TableTest, TellsThatTheEndOfADatabaseIsMissing) {
   EXPECT_EQ(imported("a.jsonl", {}).symbol("s").recordCount(), 1);
 }
 
+TEST_F(TableTest, TakesNumbersInAnotherUnit) {
+  write("a.csv", "food,tons,cents\nMilk,1.5,7\nTofu,inf,eps\nHam,0,-29\n");
+  const ztb::Database stock = imported("a.csv", {{"rename", "food = dish"},
+                                                 {"units", "tons = 1000"},
+                                                 {"units", "CENTS=1/100"},
+                                                 {"parameter", "kilos(dish) = tons"},
+                                                 {"parameter", "price(dish) = cents"}});
+  EXPECT_EQ(stock["kilos"].find("Milk")->level(), 1500);
+  EXPECT_EQ(stock["kilos"].find("Tofu")->level(), std::numeric_limits<double>::infinity());
+  EXPECT_EQ(stock["kilos"].find("Ham")->level(), 0);
+  EXPECT_EQ(stock["price"].find("Milk")->level(), 0.07);  // 7 * 0.01 is another double
+  EXPECT_EQ(stock["price"].find("Tofu")->level(), 4.94065645841246544e-324);
+  EXPECT_EQ(stock["price"].find("Ham")->level(), -0.29);
+  // The cells of a wide table, with their own sign for the fraction.
+  write("w.csv", "food;2020;2021\nMilk;1,5;2\n");
+  const ztb::Database wide = imported("w.csv", {{"separator", ";"},
+                                                {"decimal", ","},
+                                                {"wide", "year"},
+                                                {"units", "value = -2"},
+                                                {"parameter", "p(food, year)"}});
+  EXPECT_EQ(wide["p"].find("Milk", "2020")->level(), -3);
+  EXPECT_EQ(wide["p"].find("Milk", "2021")->level(), -4);
+}
+
+TEST_F(TableTest, TellsNumbersThatAreNoneInAnotherUnit) {
+  write("a.csv", "food,tons\nMilk,1e308\nTofu,much\nHam,1e-320\n");
+  const std::pair<std::string, std::string> spec{"parameter", "p(food) = tons"};
+  EXPECT_EQ(errorsOf("a.csv", {{"units", "tons = 1000"}, spec}),
+            "a.csv:2:6: tons: is too large or too small in the other unit\n"
+            "a.csv:3:6: tons: 'much' is not a number\n"
+            "none.rxf: not written: 2 problems in the input");
+  EXPECT_THAT(errorsOf("a.csv", {{"units", "tons = 1/1000000"}, spec}),
+              HasSubstr("a.csv:4:5: tons: is too large or too small in the other unit\n"));
+  EXPECT_THAT(errorsOf("a.csv", {{"units", "kilos = 2"}, spec}),
+              HasSubstr("a.csv:1:1: no column 'kilos' of another unit\n"));
+  for (const char* units : {"tons", "= 2", "tons = ", "tons = 0", "tons = inf", "tons = 1/",
+                            "tons = 1/0", "tons = x", "tons = 1/2/3"}) {
+    EXPECT_EQ(errorsOf("a.csv", {{"units", units}, spec}),
+              "--units " + std::string(units) +
+                  ": expected COLUMN = NUMBER or COLUMN = NUMBER/NUMBER, none of them 0");
+  }
+}
+
 TEST_F(TableTest, TurnsWideTablesIntoRecords) {
   write("wide.csv", "from,note,2020,2021\nLIS,x,1,2\nOPO,y,,4\n");
   const Options options{{"rename", "from = origin"},

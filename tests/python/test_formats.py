@@ -2,6 +2,7 @@
 
 import json
 import sqlite3
+from fractions import Fraction
 
 import pytest
 
@@ -79,6 +80,18 @@ def test_shapes_have_their_arguments(tmp_path):
     assert (tmp_path / "x.csv").read_text() == (
         "origin;2023-12-31;2024-01-01\nLIS;1,5;2\nOPO;;4\n"
     )
+
+
+def test_numbers_come_in_another_unit(tmp_path):
+    (tmp_path / "a.csv").write_text("food,cents,tons\nMilk,7,2\n")
+    options = {"parameters": ["price(food) = cents", "kilos(food) = tons"]}
+    with ztb.read(
+        tmp_path / "a.csv", units={"cents": Fraction(1, 100), "tons": 1000}, **options
+    ) as database:
+        assert database["price"]["Milk"] == 0.07
+        assert database["kilos"]["Milk"] == 2000
+    with pytest.raises(TypeError, match="'x' \\(str\\) is no factor of column tons"):
+        ztb.read(tmp_path / "a.csv", units={"tons": "x"}, **options)
 
 
 def test_chosen_symbols_go_out(diet, tmp_path):

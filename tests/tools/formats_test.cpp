@@ -65,6 +65,13 @@ TEST_F(ToolFormatsTest, TablesGoOutAndComeBack) {
             "food,z\nMilk,0\n");
 }
 
+TEST_F(ToolFormatsTest, NumbersComeInAnotherUnit) {
+  write("a.csv", "food,cents\nMilk,7\n");
+  ztbFine({"import", "b.rxf", "--from", "a.csv", "--units", "cents=1/100", "--parameter",
+           "price(food) = cents"});
+  EXPECT_EQ(ztbFine({"show", "b.rxf", "price", "--csv"}), "food,value\nMilk,0.07\n");
+}
+
 TEST_F(ToolFormatsTest, WhatIsWrongIsToldWithItsPlace) {
   ztbFine({"export", "a.rxf", "--all", "--to", "a.xlsx"});
   expectFails(1,

@@ -102,6 +102,9 @@ void addImportCommand(CommandLine& line) {
       .typeName("NAME[: COLUMN, ...]");
   addInOrder(command, options, "rename", "Call a column of the source by another name")
       .typeName("OLD=NEW");
+  addInOrder(command, options, "units",
+             "Multiply the numbers of a column, as in tons=1000 or cents=1/100")
+      .typeName("COLUMN=NUMBER");
   addInOrder(command, options, "dates",
              "Take dates as ISO labels: day, month and year of the source in this order")
       .typeName("dmy|mdy|ymd");

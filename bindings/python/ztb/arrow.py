@@ -2,48 +2,13 @@
 
 from __future__ import annotations
 
-from typing import Any, List, Optional, Sequence
+from typing import Any, Optional, Sequence
 
 from . import _native, arguments
+from .arrow_data import NULLS, capsule_of, key_list
 from .database import Database
-from .missing import NAN_CHOICES, require_choice
+from .missing import require_choice
 from .symbol import KINDS, Alias, Symbol
-
-#: The choices for nulls by the numbers that the library knows them by.
-_NULLS = {"error": 0, "na": 1, "skip": 2}
-assert set(_NULLS) == set(NAN_CHOICES)
-
-
-class ArrowData:
-    """The records of a symbol, to be read by whatever speaks Arrow, as often as wanted.
-
-    A reader that has begun fails when records of the database are changed.
-    """
-
-    def __init__(self, symbol: Symbol[Any], na: str, batch: int) -> None:
-        self._symbol = symbol
-        self._na_as_null = arguments.choice(na, "spelling of NA", ("nan", "null")) == "null"
-        self._batch = arguments.whole(batch, "number of records")
-
-    def __arrow_c_stream__(self, requested_schema: Any = None) -> Any:
-        """A capsule with an Arrow stream. What schema is requested is not looked at."""
-        return _native.arrow_stream(self._symbol._native, self._na_as_null, self._batch)
-
-
-def _capsule(data: Any) -> Any:
-    if not hasattr(data, "__arrow_c_stream__"):
-        raise TypeError(f"{arguments.shown(data)} has no __arrow_c_stream__")
-    return data.__arrow_c_stream__()
-
-
-def _keys(keys: Optional[Sequence[str]]) -> Optional[List[str]]:
-    return None if keys is None else list(arguments.several(keys, "column"))
-
-
-def fill(symbol: Symbol[Any], data: Any, keys: Optional[Sequence[str]], null: str) -> None:
-    """Replaces the records of a symbol."""
-    require_choice(null)
-    _native.fill_from_arrow(symbol._native, _capsule(data), _keys(keys), _NULLS[null])
 
 
 def from_arrow(
@@ -69,7 +34,7 @@ def from_arrow(
     number = -1 if kind is None else KINDS.index(arguments.choice(kind, "kind", KINDS[:4]))
     home = Database() if database is None else database
     native = _native.make_from_arrow(
-        home._native, name, number, _capsule(data), _keys(keys), _NULLS[null]
+        home._native, name, number, capsule_of(data), key_list(keys), NULLS[null]
     )
     made = home._wrap(native)
     assert not isinstance(made, Alias)

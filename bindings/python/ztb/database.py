@@ -126,6 +126,7 @@ class Database(display.Shows, Home, Mapping[str, Symbol[Any]]):
         format: Optional[str] = None,  # noqa: A002
         wide: Optional[str] = None,
         rename: Optional[Dict[str, str]] = None,
+        units: Optional[Dict[str, formats.Factor]] = None,
         dates: Optional[str] = None,
         separator: str = ",",
         decimal: str = ".",
@@ -151,6 +152,7 @@ class Database(display.Shows, Home, Mapping[str, Symbol[Any]]):
             format,
             wide,
             rename,
+            units,
             dates,
             separator,
             decimal,

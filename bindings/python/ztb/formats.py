@@ -6,13 +6,17 @@ import ctypes
 import os
 import threading
 import warnings
+from fractions import Fraction
 from typing import Any, Dict, Iterable, List, Optional, Tuple, Union
 
-from . import _native
+from . import _native, arguments
 from .errors import DamagedFileError, Error, MissingFileError
 
 Path = Union[str, "os.PathLike[str]"]
 Texts = Union[str, Iterable[str]]
+#: What the numbers of a column are multiplied by. By ``Fraction(1, 100)`` they are divided by 100,
+#: which rounds once.
+Factor = Union[int, float, Fraction]
 Options = List[Tuple[str, str]]
 
 _NO_FILE = 5
@@ -94,6 +98,12 @@ def _several(value: Optional[Texts]) -> List[str]:
     return [value] if isinstance(value, str) else list(value)
 
 
+def _factor(column: str, by: Factor) -> str:
+    if isinstance(by, Fraction):
+        return f"{by.numerator}/{by.denominator}"
+    return repr(arguments.real(by, f"factor of column {column}"))
+
+
 def import_options(
     source: Path,
     sets: Optional[Texts],
@@ -103,6 +113,7 @@ def import_options(
     format: Optional[str],  # noqa: A002
     wide: Optional[str],
     rename: Optional[Dict[str, str]],
+    units: Optional[Dict[str, Factor]],
     dates: Optional[str],
     separator: str,
     decimal: str,
@@ -115,6 +126,7 @@ def import_options(
     if wide is not None:
         options.append(("wide", wide))
     options += [("rename", f"{old}={new}") for old, new in (rename or {}).items()]
+    options += [("units", f"{name}={_factor(name, by)}") for name, by in (units or {}).items()]
     if dates is not None:
         options.append(("dates", dates))
     options += [("set", spec) for spec in _several(sets)]

@@ -13,7 +13,8 @@ from typing import NamedTuple, Optional, Sequence, Tuple, TypeVar, Union, overlo
 import numpy as np
 import numpy.typing as npt
 
-from . import _native, arguments, arrays, display, texts
+from . import _native, arguments, arrays, arrow_data, display, texts
+from .arrow_data import ArrowData
 from .errors import Error
 from .home import Home
 from .labels import Key, Label, labels_of_key
@@ -21,8 +22,6 @@ from .selection import Numbers, Selection, choice_of, is_partial
 
 if TYPE_CHECKING:
     import pandas as pd
-
-    from .arrow import ArrowData
 
 Value = TypeVar("Value")
 
@@ -302,16 +301,14 @@ class Symbol(display.Shows, MutableMapping[Any, Value]):
         """The records as an Arrow stream: see :meth:`arrow`, which has choices."""
         return self.arrow().__arrow_c_stream__(requested_schema)
 
-    def arrow(self, *, na: str = "nan", batch: int = 65536) -> "ArrowData":
+    def arrow(self, *, na: str = "nan", batch: int = 65536) -> ArrowData:
         """The records as Arrow data, for what reads objects with ``__arrow_c_stream__``.
 
         Columns are those of the symbol as a table: labels as dictionaries of texts, then ``value``,
         the five fields, or ``text``. Special values are the doubles of :mod:`ztb.special`; with
         ``na="null"``, :data:`ztb.NA` is null. They come in batches of ``batch`` records.
         """
-        from . import arrow
-
-        return arrow.ArrowData(self, na, batch)
+        return ArrowData(self._native, na, batch)
 
     def from_arrow(
         self, data: Any, *, keys: Optional[Sequence[str]] = None, null: str = "na"
@@ -325,9 +322,7 @@ class Symbol(display.Shows, MutableMapping[Any, Value]):
         numbers or dates. ``null`` tells what becomes of nulls among values, as ``nan`` for
         ``from_pandas``. On failure nothing has changed.
         """
-        from . import arrow
-
-        arrow.fill(self, data, keys, null)
+        arrow_data.fill(self._native, data, keys, null)
 
     def violations(self) -> List[Violation]:
         """The records with a label outside the set that is its domain."""

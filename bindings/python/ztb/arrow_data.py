@@ -1,0 +1,44 @@
+"""What the Arrow streams of symbols consist of, below the symbols themselves."""
+
+from __future__ import annotations
+
+from typing import Any, List, Optional, Sequence
+
+from . import _native, arguments
+from .missing import NAN_CHOICES, require_choice
+
+#: The choices for nulls by the numbers that the library knows them by.
+NULLS = {"error": 0, "na": 1, "skip": 2}
+assert set(NULLS) == set(NAN_CHOICES)
+
+
+class ArrowData:
+    """The records of a symbol, to be read by whatever speaks Arrow, as often as wanted.
+
+    A reader that has begun fails when records of the database are changed.
+    """
+
+    def __init__(self, symbol: _native.Symbol, na: str, batch: int) -> None:
+        self._symbol = symbol
+        self._na_as_null = arguments.choice(na, "spelling of NA", ("nan", "null")) == "null"
+        self._batch = arguments.whole(batch, "number of records")
+
+    def __arrow_c_stream__(self, requested_schema: Any = None) -> Any:
+        """A capsule with an Arrow stream. What schema is requested is not looked at."""
+        return _native.arrow_stream(self._symbol, self._na_as_null, self._batch)
+
+
+def capsule_of(data: Any) -> Any:
+    if not hasattr(data, "__arrow_c_stream__"):
+        raise TypeError(f"{arguments.shown(data)} has no __arrow_c_stream__")
+    return data.__arrow_c_stream__()
+
+
+def key_list(keys: Optional[Sequence[str]]) -> Optional[List[str]]:
+    return None if keys is None else list(arguments.several(keys, "column"))
+
+
+def fill(symbol: _native.Symbol, data: Any, keys: Optional[Sequence[str]], null: str) -> None:
+    """Replaces the records of a symbol."""
+    require_choice(null)
+    _native.fill_from_arrow(symbol, capsule_of(data), key_list(keys), NULLS[null])
