@@ -123,6 +123,7 @@ class Parser {
       const bool ends = taken == ztb::LabelScanner::Char::end;
       if (!ends && taken != ztb::LabelScanner::Char::separator) continue;
       if (!quoted) entry.erase(entry.find_last_not_of(' ') + 1);
+      if (entry.empty() && ends && entries.empty() && !quoted) return entries;
       if (entry.empty()) fail("a position is empty");
       entries.push_back({std::move(entry), quoted});
       entry.clear();

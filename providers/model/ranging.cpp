@@ -62,7 +62,9 @@ class RangeFinder {
     std::vector<double> rhsLower(rows);
     std::vector<double> rhsUpper(rows);
     SolverRanges found{costLower.data(), costUpper.data(), rhsLower.data(), rhsUpper.data()};
-    if (!solver_->ranges(found)) {
+    if (!hasCoefficients()) {
+      rangeEachCost(found);
+    } else if (!solver_->ranges(found)) {
       throw ModelError("solver \"" + name_ +
                        "\" has no ranges for the model; clp and glpk have them for linear ones");
     }
@@ -102,6 +104,30 @@ class RangeFinder {
     for (int i = 1; i < instance_.rowCount(); ++i) rowPosition_.push_back(instance_.row(i).status);
     problem_.position = position_.data();
     problem_.rowPosition = rowPosition_.data();
+  }
+
+  // Whether columns that can move stand in rows; a solver looks at each by itself otherwise.
+  [[nodiscard]] bool hasCoefficients() const {
+    for (int j = 0; j < problem_.columnCount; ++j) {
+      if (problem_.lower[j] == problem_.upper[j]) continue;
+      for (int e = problem_.start[j]; e < problem_.start[j + 1]; ++e) {
+        if (problem_.value[e] != 0) return true;
+      }
+    }
+    return false;
+  }
+
+  // A column that stands in no row stays at its bound while its cost keeps its sign.
+  void rangeEachCost(SolverRanges& found) const {
+    for (int j = 0; j < problem_.columnCount; ++j) {
+      const Position position = result_.position[at(j)];
+      const bool standsStill = problem_.lower[j] == problem_.upper[j];
+      const double cost = problem_.cost[j];
+      found.costLower[j] = position == Position::atLower ? std::min(cost, 0.0) : cost;
+      found.costUpper[j] = position == Position::atUpper ? std::max(cost, 0.0) : cost;
+      if (standsStill || position == Position::atUpper) found.costLower[j] = -kInfinity;
+      if (standsStill || position == Position::atLower) found.costUpper[j] = kInfinity;
+    }
   }
 
   Instance& instance_;

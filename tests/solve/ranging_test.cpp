@@ -5,6 +5,7 @@
 #include <fstream>
 #include <limits>
 #include <string>
+#include <utility>
 #include <ztb/model.hpp>
 
 #include "tests/support/temp_folder.h"
@@ -74,6 +75,35 @@ TEST_P(RangingTest, TellsCostsAndRightHandSidesAsTheModelStatesThem) {
   // x(a) at 3 stays within r and r + 20.
   EXPECT_NEAR(ranging.sides[3].lower, -17, 1e-9);
   EXPECT_NEAR(ranging.sides[3].upper, 3, 1e-9);
+}
+
+// x at its lower bound while its cost is not negative, y at its upper one while it is not positive;
+// z is anywhere, so that its cost cannot move.
+TEST_P(RangingTest, WithoutCoefficientsACostKeepsItsSign) {
+  for (const bool maximize : {false, true}) {
+    const double sign = maximize ? -1 : 1;
+    ztb::Model model;
+    model.setObjective("o", maximize);
+    model.addColumn("x", 1, 4);
+    model.addColumn("y", -2, 5);
+    model.addColumn("z", -kInf, kInf);
+    model.addTerm(0, 0, sign * 3);
+    model.addTerm(0, 1, -sign);
+    model.addRow("free", ztbRowLessOrEqual, 7);
+    ztb::Database database;
+    ztb::ModelTie tie(database, model);
+    tie.solve(GetParam());
+    const ztb::Model::Ranging ranging = model.ranging();
+    const auto range = [&](std::size_t j) {
+      const ztb::Model::Ranging::Range& cost = ranging.costs[j];
+      return maximize ? std::pair(-cost.upper, -cost.lower) : std::pair(cost.lower, cost.upper);
+    };
+    EXPECT_EQ(range(0), std::pair(0.0, kInf));
+    EXPECT_EQ(range(1), std::pair(-kInf, 0.0));
+    EXPECT_EQ(range(2), std::pair(0.0, 0.0));
+    EXPECT_EQ(ranging.sides[1].lower, 0);
+    EXPECT_EQ(ranging.sides[1].upper, kInf);
+  }
 }
 
 TEST_P(RangingTest, DrivenNumbersCountAndCarriersHaveNoEnd) {

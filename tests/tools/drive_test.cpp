@@ -51,6 +51,9 @@ TEST_F(DriveTest, TakesDataFromTheCommandLine) {
   EXPECT_EQ(objective({"--drive", "most(source) = upper of ship(source, 'x')", "--set",
                        "most(a)=1.5", "--set", "demand(x)=4"}),
             "objective   17");
+  EXPECT_EQ(objective({"--drive", "most() = upper of ship('a', 'x')", "--set", "most=1.5", "--set",
+                       "demand(x)=4"}),
+            "objective   17");
 }
 
 TEST_F(DriveTest, TakesDataFromAFile) {
