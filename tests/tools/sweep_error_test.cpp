@@ -36,12 +36,16 @@ class SweepErrorTest : public SweepTest {
 
 TEST_F(SweepErrorTest, ASetThatCannotBeSweptOver) {
   makeFile("rate", 2);
-  expectOverFails("nosuch", "ztb: sc.rxf: has no set nosuch to sweep over\n");
-  expectOverFails("*", "ztb: sc.rxf: has no set * to sweep over\n");
+  const std::string noParameter = ", nor a parameter with that name for its first position\n";
+  expectOverFails("nosuch", "ztb: sc.rxf: has no set nosuch to sweep over" + noParameter);
+  expectOverFails("*", "ztb: sc.rxf: has no set * to sweep over" + noParameter);
   expectOverFails("rate", "ztb: sc.rxf: rate is a parameter; --over wants a set\n");
   expectOverFails("pairs", "ztb: sc.rxf: set pairs has 2 positions; --over wants one\n");
   expectOverFails("empty", "ztb: sc.rxf: set empty is empty\n");
   expectOverFails("idle", "ztb: sc.rxf: no parameter has set idle as its first domain\n");
+  write("none.csv", "t,source,rate\n");
+  ztbFine({"import", "sc.rxf", "--from", "none.csv", "--parameter", "rate(t, source)"});
+  expectOverFails("t", "ztb: sc.rxf: no parameter has a record of t to sweep over\n");
 }
 
 TEST_F(SweepErrorTest, AParameterThatDoesNotFitTheModel) {

@@ -95,6 +95,18 @@ TEST_F(SweepTest, TellsTheExtremeObjectives) {
   EXPECT_THAT(ztbFine(sweep()), HasSubstr("(sc" + place(high) + ")\n"));
 }
 
+TEST_F(SweepTest, LabelsOfTheFirstPositionStandInForASet) {
+  makeScenarios(3);
+  ztbFine({"import", "sc.rxf", "--from", "rates.csv", "--parameter", "rate(s, source)", "--from",
+           "needs.csv", "--parameter", "demand(s, target)"});
+  EXPECT_EQ(ztbFine({"info", "sc.rxf"}).find("set"), std::string::npos);
+  ztbFine(sweep({"--jobs", "2"}));
+  expectObjectives("out.rxf", 3);
+  const ztb::Database out = ztb::Database::open(path("out.rxf"));
+  EXPECT_EQ(out.symbol("s").recordCount(), 3);
+  EXPECT_TRUE(out.symbol("s").find("sc2"));
+}
+
 TEST_F(SweepTest, TheResultHasTheSetAsTheScenarioFileHasIt) {
   makeScenarios(5);
   std::vector<std::string> arguments = sweep();
@@ -164,7 +176,7 @@ TEST_F(SweepTest, AScenarioThatCannotBeSolvedIsReportedAndTheOthersKept) {
   makeScenarios(10, 0, {{4, "na"}, {7, "inf"}});
   const Outcome outcome = ztb(sweep());
   EXPECT_EQ(outcome.status, 1);
-  EXPECT_THAT(outcome.errors, StartsWith("ztb: scenario sc4: failed: Bad value nan\n"
+  EXPECT_THAT(outcome.errors, StartsWith("ztb: scenario sc4: failed: Bad value nan in demand(x)\n"
                                          "ztb: scenario sc7: "));
   const ztb::Database out = ztb::Database::open(path("out.rxf"));
   EXPECT_EQ(out.symbol("sweep_status").find("sc4")->level(), 13);

@@ -275,8 +275,8 @@ void addSweepCommand(CommandLine& line) {
       .required();
   command
       .text("--over", options->over,
-            "Set of the scenario file; parameters with it as their first domain drive the "
-            "model")
+            "Set of the scenario file, or the name of first positions; parameters with it as "
+            "their first domain drive the model")
       .typeName("SET")
       .required();
   command.text("--out", options->out, "RXF file to make").typeName("FILE").required().notEmpty();

@@ -15,12 +15,17 @@ namespace tool {
 
 namespace {
 
-const FileSymbol& sweptSet(const ExchangeFile& file, const std::string& over) {
-  const FileSymbol* named = file.findSymbol(over);
-  if (named == nullptr || file.resolved(*named).isUniverse()) {
-    throw Failure(withFile(file.path(), fmt::format("has no set {} to sweep over", over)));
-  }
-  const FileSymbol& found = file.resolved(*named);
+Failure noSet(const ExchangeFile& file, const std::string& over) {
+  return Failure(withFile(
+      file.path(), fmt::format("has no set {} to sweep over, nor a parameter with that name for "
+                               "its first position",
+                               over)));
+}
+
+const FileSymbol& sweptSet(const ExchangeFile& file, const FileSymbol& named,
+                           const std::string& over) {
+  if (file.resolved(named).isUniverse()) throw noSet(file, over);
+  const FileSymbol& found = file.resolved(named);
   if (found.type != ztb::Type::set) {
     throw Failure(withFile(
         file.path(), fmt::format("{} is a {}; --over wants a set", over, typeWord(found.type))));
@@ -48,7 +53,12 @@ bool isOver(const ExchangeFile& file, const FileSymbol& parameter, const FileSym
 
 SweepScenarios::SweepScenarios(const std::string& path, const std::string& over) {
   const ExchangeFile file(path);
-  const FileSymbol& set = sweptSet(file, over);
+  const FileSymbol* named = file.findSymbol(over);
+  if (named == nullptr) {
+    takeLabels(file, over);
+    return;
+  }
+  const FileSymbol& set = sweptSet(file, *named, over);
   over_ = set.name;
   text_ = set.text;
   for (RecordWalk walk(file, set); walk.next();) {
@@ -63,6 +73,32 @@ SweepScenarios::SweepScenarios(const std::string& path, const std::string& over)
   if (driving_.empty()) {
     throw Failure(
         withFile(path, fmt::format("no parameter has set {} as its first domain", over_)));
+  }
+}
+
+void SweepScenarios::takeLabels(const ExchangeFile& file, const std::string& over) {
+  std::vector<bool> found(static_cast<std::size_t>(file.labelCount()) + 1);
+  for (const FileSymbol& symbol : file.symbols()) {
+    if (symbol.type != ztb::Type::parameter) continue;
+    const bool drives = symbol.dimension > 0 && symbol.domains.front().set < 0 &&
+                        sameFolded(symbol.domains.front().name, over);
+    (drives ? driving_ : others_).push_back(symbol.name);
+    if (!drives) continue;
+    over_ = symbol.domains.front().name;
+    for (RecordWalk walk(file, symbol); walk.next();) {
+      found[static_cast<std::size_t>(walk.keys()[0])] = true;
+    }
+  }
+  if (driving_.empty()) throw noSet(file, over);
+  for (std::size_t number = 1; number < found.size(); ++number) {
+    if (found[number]) {
+      scenarios_.push_back(
+          {.label = std::string(file.label(static_cast<int>(number))), .text = {}});
+    }
+  }
+  if (scenarios_.empty()) {
+    throw Failure(
+        withFile(file.path(), fmt::format("no parameter has a record of {} to sweep over", over_)));
   }
 }
 

@@ -19,7 +19,9 @@ struct Scenario {
   std::string text;
 };
 
-// What the file says of the set swept over. Throws Failure if it cannot be swept over.
+// What the file says of the set swept over. Where there is no set of the name, the labels in the
+// first positions that have it as their domain's name stand in for one, in the order of the file's
+// labels. Throws Failure if nothing can be swept over.
 class SweepScenarios {
  public:
   SweepScenarios(const std::string& path, const std::string& over);
@@ -29,12 +31,14 @@ class SweepScenarios {
   [[nodiscard]] const std::string& text() const { return text_; }
   // The elements of the set in their order.
   [[nodiscard]] const std::vector<Scenario>& scenarios() const { return scenarios_; }
-  // Names of the parameters whose first domain is the set.
+  // Names of the parameters whose first domain it is.
   [[nodiscard]] const std::vector<std::string>& driving() const { return driving_; }
   // Names of all other parameters.
   [[nodiscard]] const std::vector<std::string>& others() const { return others_; }
 
  private:
+  void takeLabels(const ExchangeFile& file, const std::string& over);
+
   std::string over_;
   std::string text_;
   std::vector<Scenario> scenarios_;
