@@ -59,7 +59,7 @@ class Loop:
             return values
         if self.way == "series":
             return pd.Series(values, self.index)
-        return pd.DataFrame({"label": np.array(self.index), "value": values})
+        return pd.DataFrame({self.index.name: np.array(self.index), "value": values})
 
     def run(self, steps):
         tie, total = self.tie, 0.0

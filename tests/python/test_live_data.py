@@ -99,6 +99,27 @@ def test_the_labels_of_a_frame_are_looked_at_in_each_step(tie):
     assert cost(tie) == pytest.approx(3 + 5)
 
 
+def test_labels_that_are_written_over_in_place_are_seen(tie):
+    label = tie.index("price").name
+    for kind in ("object", "category"):
+        frame = pd.DataFrame({label: pd.Series(["y", "x"], dtype=kind), "price": [3.0, 5.0]})
+        for _ in range(2):
+            tie["price"] = frame
+            assert cost(tie) == pytest.approx(12)
+        frame.loc[0, label], frame.loc[1, label] = "x", "y"
+        tie["price"] = frame
+        assert cost(tie) == pytest.approx(3 * 3 + 5)
+
+
+def test_labels_of_many_frames_are_the_same_whoever_made_them(tie):
+    label = tie.index("price").name
+    for step in range(80):
+        labels = [bytes([number]).decode() for number in (121, 120)]  # y and x, made anew
+        tie["price"] = pd.DataFrame({label: labels, "price": [3.0, 5.0 + step]})
+        assert dict(tie["price"]) == {("x",): 5 + step, ("y",): 3}
+    assert cost(tie) == pytest.approx(12)
+
+
 def test_numbers_of_other_types_are_taken_with_labels_that_are_known(tie):
     index = tie.index("price")
     for values in ([5.0, 3.0], [5, 3], pd.array([5, 3], dtype="Int64")):

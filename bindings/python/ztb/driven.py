@@ -64,10 +64,13 @@ class _Labels:
 
     def __init__(self, data: Any, columns: List[Hashable], column: Hashable) -> None:
         self.kind = type(data)
-        self.index = data.index
-        self.head = getattr(data, "columns", None)
-        #: The columns that hold labels, and what they held; none where the index does.
-        self.columns = [(name, data[name].to_numpy(copy=True)) for name in columns]
+        #: The index where it holds the labels, the columns of a frame: the first and those that
+        #: were found to be the same, by their identity.
+        self.indexes = _Same(data.index)
+        self.heads = None if not hasattr(data, "columns") else _Same(data.columns)
+        #: The columns that hold labels, what they held, and its bytes; none where the index does.
+        held = [(name, _array(data[name]).copy()) for name in columns]
+        self.columns = [(name, labels, labels.tobytes()) for name, labels in held]
         self.column = column
         #: Label numbers in ascending order, and the row of each; None until they are asked for.
         self.keys: Optional[Keys] = None
@@ -75,26 +78,56 @@ class _Labels:
 
     def same(self, data: Any) -> bool:
         """Whether data of this kind have the same labels in the same rows."""
-        if self.head is not None and not _same_index(self.head, data.columns):
+        if self.heads is not None and not self.heads.holds(data.columns):
             return False
         if not self.columns:
-            return _same_index(self.index, data.index)
-        for name, labels in self.columns:
-            new = data[name].to_numpy()
-            if new.dtype != labels.dtype or not np.array_equal(new, labels):
+            return self.indexes.holds(data.index)
+        for name, labels, held in self.columns:
+            new = _array(data[name])
+            if new.dtype != labels.dtype or new.shape != labels.shape:
+                return False
+            # Of objects these are addresses, and those of the labels stay theirs.
+            if new.tobytes() != held and not np.array_equal(new, labels):
                 return False
         return True
 
     def values(self, data: Any) -> Any:
         """The numbers of data of this kind, as an array of whatever type."""
-        return data.to_numpy() if self.head is None else data[self.column].to_numpy()
+        return _array(data if self.heads is None else data[self.column])
+
+
+class _Same:
+    """An index, and others that were found to be the same; an index never changes."""
+
+    __slots__ = ("_first", "_known")
+
+    #: How many are kept.
+    _MOST = 64
+
+    def __init__(self, first: "pd.Index") -> None:
+        self._first = first
+        self._known = {id(first): first}
+
+    def holds(self, index: "pd.Index") -> bool:
+        if id(index) in self._known:
+            return True
+        if not _same_index(self._first, index):
+            return False
+        if len(self._known) < self._MOST:
+            self._known[id(index)] = index
+        return True
+
+
+def _array(column: Any) -> Any:
+    """What a column holds; the short way to it where it lies in an ordinary array."""
+    values = column.values
+    if type(values) is np.ndarray and values.dtype.kind in "Of":
+        return values
+    return column.to_numpy()
 
 
 def _same_index(one: "pd.Index", other: "pd.Index") -> bool:
-    # An index never changes.
-    return one is other or (
-        one.dtype == other.dtype and one.names == other.names and one.equals(other)
-    )
+    return bool(one.dtype == other.dtype and one.names == other.names and one.equals(other))
 
 
 class Driven:
