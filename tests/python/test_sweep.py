@@ -73,8 +73,8 @@ def test_what_is_wrong_is_told(file, scenarios, tmp_path):
         ztb.sweep(file, scenarios, over="s", drive=["rate(i, j) = cost of shop"])
     with pytest.raises(ztb.Error, match="gone.lp"):
         ztb.sweep(tmp_path / "gone.lp", scenarios, over="s")
-    with pytest.raises(ValueError, match="this one has none"):
-        ztb.sweep(ztb.Model(), scenarios, over="s")
+    with pytest.raises(ValueError, match="the model was built with its data"):
+        ztb.sweep(ztb.Model(), scenarios, over="s", data={})
 
 
 def test_scenarios_come_as_mappings_too(file):
@@ -196,3 +196,31 @@ def test_wrong_types_are_told(file, arguments, options, text):
     with pytest.raises(TypeError) as failure:
         ztb.sweep(file, *arguments, **options)
     assert str(failure.value) == text
+
+
+@pytest.mark.parametrize("family", ["ship", "2nd"])
+def test_a_model_that_was_built_is_swept(family, tmp_path):
+    def built():
+        model = ztb.Model()
+        over = [("plant", ["a", "b"]), ("city", ["a", "b"])]
+        ship = model.variable("ship", over, upper=9)
+        model.rows("need", over, ship, lower=pd.Series({("a", "b"): 5.0, ("b", "a"): 1.0})
+                   .rename_axis(["plant", "city"]))
+        if family == "2nd":  # no name in an LP file
+            ship = ship + model.variable(family, None, lower=1)
+        model.minimize(ship)
+        return model
+
+    costs = pd.Series(COSTS).rename_axis(["s", "city", "plant"])
+    drive = ["cost(city, plant) = cost of ship"]
+    spare = 1 if family == "2nd" else 0
+    # COSTS are of city a and plant b, which ships 1; the other 5 cost 1 each.
+    for resume in (False, True):
+        result = ztb.sweep(
+            built(), {"cost": costs}, over="s", drive=drive, out=tmp_path / "o.rxf", resume=resume
+        )
+        assert result.objective.to_dict() == {"s1": 105 + spare, "s2": 205 + spare}
+    model = built()
+    model.drive(drive[0])
+    with pytest.raises(ValueError, match="before it is driven, tied or solved; say in drive="):
+        ztb.sweep(model, {"cost": costs}, over="s")

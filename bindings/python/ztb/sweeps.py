@@ -13,7 +13,7 @@ from typing import TYPE_CHECKING, Any, Iterator, List, Mapping, Optional, Sequen
 
 from . import arguments, fills
 from .database import Database
-from .driven import stated_positions
+from .driven import stated_positions, with_positions
 from .errors import DamagedFileError, Error, MissingFileError
 from .model import Model, Path
 
@@ -129,7 +129,8 @@ def sweep(
     """Solves a model for each element of the set ``over``, by ``jobs`` processes.
 
     ``model`` is a file, or a model that was opened from one; what it says of :meth:`Model.drive`
-    holds here too. ``scenarios`` is an RXF file or a database with the set ``over`` and parameters
+    holds here too. A model that was built is written to a file first, which goes before it is
+    driven, tied or solved. ``scenarios`` is an RXF file or a database with the set ``over`` and parameters
     that have it as their first domain, or a mapping from the names of parameters to series whose
     first level is the scenario, or frames with a column of scenarios, columns of labels and one of
     numbers. ``report`` names variables and equations to keep. The results stand
@@ -149,11 +150,15 @@ def sweep(
     statements = [drive] if isinstance(drive, str) else list(arguments.several(drive, "statement"))
     for word in (*reports, *statements):
         arguments.text(word, "report or statement")
-    if isinstance(model, Model):
-        if model._file is None:
-            raise ValueError(
-                "a sweep reads the model from a file in each process, and this one has none"
-            )
+    folder = tempfile.TemporaryDirectory(prefix="ztb-sweep-")
+    file: Path
+    if isinstance(model, Model) and model._file is None:
+        if data is not None or model_data is not None:
+            raise ValueError("the model was built with its data; name it by its file instead")
+        file = _written(model, folder.name)
+        statements = [with_positions(statement, model._positions) for statement in statements]
+    elif isinstance(model, Model):
+        assert model._file is not None
         if data is not None or model_data is not None:
             raise ValueError("the model was opened with its data; name it by its file instead")
         file, model_data, data = model._file
@@ -162,7 +167,6 @@ def sweep(
         arguments.path(model)
         file = model
     _require_file(file)
-    folder = tempfile.TemporaryDirectory(prefix="ztb-sweep-")
     target = os.fspath(out) if out is not None else str(FilePath(folder.name) / "sweep.rxf")
     if isinstance(scenarios, Mapping) and not isinstance(scenarios, Database):
         scenarios = _database_of(scenarios, over, statements)
@@ -199,6 +203,22 @@ def sweep(
     if resume:
         command.append("--resume")
     return SweepResult(target, over, folder, _run(command, target))
+
+
+def _written(model: Model, folder: str) -> str:
+    """The file of a model that was built, for the processes that read it."""
+    if model._tie is not None or model._statements:
+        raise ValueError(
+            "a sweep writes a model that was built to a file, which goes before it is driven, tied "
+            "or solved; say in drive=[...] of the sweep what its scenarios drive"
+        )
+    try:
+        file = os.path.join(folder, "model.lp")
+        model.write(file)
+    except Error:  # a name that LP cannot hold
+        file = os.path.join(folder, "model.mps")
+        model.write(file)
+    return file
 
 
 def _require_file(path: Path) -> None:
