@@ -176,7 +176,7 @@ TEST_F(SweepResumeTest, KeepsACompleteResultButTriesFailedScenariosAgain) {
   const Outcome outcome = ztb(sweep({"--resume"}));
   EXPECT_EQ(outcome.status, 1);
   EXPECT_EQ(outcome.errors,
-            "ztb: scenario sc4: failed: Bad value nan\nztb: scenario sc5: infeasible\n");
+            "ztb: scenario sc4: failed: Bad value nan in demand(x)\nztb: scenario sc5: infeasible\n");
   EXPECT_EQ(counts(outcome.output),
             "10 scenarios, 9 of them kept: 8 optimal, 1 infeasible, 1 failed");
   expectObjectives("out.rxf", 10, 0, {4, 5});
