@@ -103,7 +103,7 @@ TEST_F(SweepResumeTest, RefusesPartsOfOtherInputs) {
   write("m.lp", model + "\\ a comment\n");
   expectRefused("another model file", {"--report", "ship"});
   write("m.lp", model);
-  EXPECT_EQ(parts("out.rxf"), 1);
+  EXPECT_TRUE(exists("out.rxf.part1") || exists("out.rxf.part2"));
   EXPECT_EQ(counts(ztbFine(sweep({"--report", "SHIP", "--resume"}))),
             "10 scenarios, 6 of them kept: 10 optimal");
 }
@@ -148,7 +148,8 @@ TEST_F(SweepWithoutPlaceTest, KeepsThePartsOfAResultThatCannotBeWrittenInTheEnd)
               HasSubstr("ztb: Is a folder: out.rxf; what was solved stays in out.rxf.part1 and its "
                         "like; --resume takes them once they are named as the parts of another "
                         "--out\n"));
-  EXPECT_TRUE(exists("out.rxf.part1"));
+  // Its number is 2 where the first worker died before it published one.
+  EXPECT_TRUE(exists("out.rxf.part1") || exists("out.rxf.part2"));
 }
 
 TEST_F(SweepResumeTest, RefusesAnotherSetAndFilesThatAreNoResults) {
@@ -175,8 +176,9 @@ TEST_F(SweepResumeTest, KeepsACompleteResultButTriesFailedScenariosAgain) {
   EXPECT_EQ(ztb(sweep({"--resume"})).status, 1) << "nothing to go on with is no error";
   const Outcome outcome = ztb(sweep({"--resume"}));
   EXPECT_EQ(outcome.status, 1);
-  EXPECT_EQ(outcome.errors,
-            "ztb: scenario sc4: failed: Bad value nan in demand(x)\nztb: scenario sc5: infeasible\n");
+  EXPECT_EQ(
+      outcome.errors,
+      "ztb: scenario sc4: failed: Bad value nan in demand(x)\nztb: scenario sc5: infeasible\n");
   EXPECT_EQ(counts(outcome.output),
             "10 scenarios, 9 of them kept: 8 optimal, 1 infeasible, 1 failed");
   expectObjectives("out.rxf", 10, 0, {4, 5});
