@@ -1,14 +1,11 @@
 #include "formats/csv_folder.h"
 
-#include <fmt/format.h>
-
 #include <filesystem>
 #include <system_error>
 #include <vector>
 
 #include "formats/tables/csv_reader.h"
 #include "formats/tables/csv_writer.h"
-#include "tools/text/failure.h"
 
 namespace formats {
 
@@ -40,19 +37,6 @@ class CsvFolderReader : public DatabaseReader {
   std::string folder_;
 };
 
-// Makes the folder, and takes the table of symbols of an older export away: it is there again only
-// when everything is.
-void prepareFolder(const std::filesystem::path& folder) {
-  std::error_code error;
-  std::filesystem::create_directories(folder, error);
-  if (!error) {
-    std::filesystem::remove(manifestPath(folder), error);
-  }
-  if (error) {
-    throw tool::Failure(fmt::format("{}: cannot be written: {}", folder.string(), error.message()));
-  }
-}
-
 void writeLabelFile(const std::filesystem::path& folder, const tool::ExchangeFile& file) {
   CsvWriter csv(labelsPath(folder).string());
   csv.text("label");
@@ -77,7 +61,7 @@ std::unique_ptr<DatabaseReader> openCsvFolder(const std::string& path) {
 
 void writeCsvFolder(const DatabaseExport& database) {
   const std::filesystem::path folder = database.path;
-  prepareFolder(folder);
+  beginFolder(manifestPath(folder));
   writeLabelFile(folder, database.file);
   std::vector<ManifestEntry> entries;
   for (const tool::FileSymbol* symbol : database.symbols) {

@@ -94,9 +94,19 @@ void ExportRun::writeTable(const Format& format, const tool::ExchangeFile& file,
         target_ == "-" ? "standard output" : fmt::format("a {} file", format.name),
         tool::counted(symbols.size(), "symbol") + (symbols.size() == 1 ? " is" : " are")));
   }
-  if (target_ == "-" && format.hasParts) {
+  if (target_ == "-" && (format.hasParts || format.writeSymbol != nullptr)) {
     throw UsageError(
         fmt::format("--{} -: a {} file cannot go to standard output", targetOption_, format.name));
+  }
+  if (wide_.empty() && format.writeSymbol != nullptr) {
+    std::vector<std::string> notes;
+    format.writeSymbol({.file = file,
+                        .symbols = symbols,
+                        .path = target_,
+                        .progress = progress,
+                        .records = result.records,
+                        .notes = notes});
+    return;
   }
   const tool::FileSymbol& symbol = *symbols.front();
   const std::unique_ptr<TableWriter> writer = format.makeTables(

@@ -10,6 +10,7 @@
 #include "formats/csv_tables.h"
 #include "formats/excel/xlsx_tables.h"
 #include "formats/json/json_lines.h"
+#include "formats/parquet/parquet_tables.h"
 #include "formats/sqlite/sqlite_tables.h"
 #include "tools/text/failure.h"
 
@@ -80,6 +81,14 @@ constexpr std::array allFormats{
            .openDatabase = openJsonDatabase,
            .writeDatabase = writeJsonDatabase,
            .oneTableAlone = true},
+    Format{.name = "parquet",
+           .endings = ".parquet",
+           .openTable = openParquet,
+           .makeTables = makeParquet,
+           .writeSymbol = writeParquetSymbol,
+           .openDatabase = openParquetFolder,
+           .writeDatabase = writeParquetFolder,
+           .ownsFolder = isParquetFolder},
 };
 
 // The longest ending of a format that the name of a file has, as its length; 0 for none.

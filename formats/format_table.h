@@ -34,6 +34,9 @@ struct Format {
   std::unique_ptr<TableReader> (*openTable)(const TableSource& source) = nullptr;
   // Begins a file of tables, or of one where writeDatabase is not writeTables or there is none.
   std::unique_ptr<TableWriter> (*makeTables)(const TableTarget& target) = nullptr;
+  // Writes the table of the one symbol that is chosen, all of it at once. It cannot go to standard
+  // output.
+  void (*writeSymbol)(const DatabaseExport& database) = nullptr;
   // Opens what a whole database was written to.
   std::unique_ptr<DatabaseReader> (*openDatabase)(const std::string& path) = nullptr;
   // Writes a whole database, or symbols of it.

@@ -4,24 +4,20 @@
 #include <fmt/ranges.h>
 
 #include <algorithm>
-#include <array>
 #include <numeric>
 #include <optional>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 #include <ztb/case_folding.hpp>
 #include <ztb/column_names.hpp>
 
 #include "formats/arrow/arrow_table.h"
+#include "formats/arrow/column_records.h"
 #include "formats/tables/domain_argument.h"
-#include "formats/tables/record_table.h"
 
 namespace formats {
 
 namespace {
-
-using FieldValues = std::array<double, ztb::fieldCount>;
 
 [[noreturn]] void failImport(const std::string& text) {
   throw ztb::Error("ztbArrowFill", text);
@@ -136,171 +132,18 @@ SymbolPlan planOf(const ArrowTable& table, std::vector<std::size_t> keys, ztb::T
   return plan;
 }
 
-// ---- records ------------------------------------------------------------------------------------
-
-// Numbers of labels, new ones as the database would give them; they are added by add() alone.
-class NewLabels {
- public:
-  explicit NewLabels(ztbRec* database) : database_(database) {
-    ztb::detail::require(c__ztbinfo(database, ZTB_INFO_UEL_COUNT, &known_, nullptr, nullptr),
-                         database, "ztbInfo");
+// The records that a table makes.
+ColumnRecords recordsOf(ztbRec* database, const ArrowTable& table, const SymbolPlan& plan,
+                        ztb::Type type, int subtype, int nulls) {
+  NumberPlan numbers{.fields = plan.fields, .names = {}, .others = {}, .nulls = nulls};
+  for (const std::size_t column : plan.columns.numbers) {
+    numbers.names.push_back(table.names()[column]);
   }
-
-  int number(const std::string& label) {
-    if (label.find('\0') != std::string::npos) {
-      throw ztb::Error("ztbMergeUel", "a label holds a zero byte");
-    }
-    const int number = ztb::detail::requireLabel(database_, "ztbMergeUel", label.c_str());
-    if (number != ztb::detail::newLabel) return number;
-    const int next = known_ + static_cast<int>(labels_.size()) + 1;
-    const auto [known, isNew] = numbers_.try_emplace(comparedLabel(label), next);
-    if (isNew) labels_.push_back(label);
-    return known->second;
-  }
-
-  void add() const {
-    for (const std::string& label : labels_) {
-      ztb::detail::mergeLabel(database_, "ztbMergeUel", label.c_str());
-    }
-  }
-
- private:
-  ztbRec* database_;
-  int known_ = 0;
-  std::vector<std::string> labels_;
-  std::unordered_map<std::string, int> numbers_;
-};
-
-double notAvailable(ztbRec* database) {
-  std::array<double, ZTB_SPECIAL_VALUE_COUNT> special{};
-  c__ztbgetuserspecialvalues(database, special.data());
-  return special[ZTB_NOT_AVAILABLE];
-}
-
-// The values of a new record of such a symbol, as the caller spells them.
-FieldValues defaultsOf(ztbRec* database, ztb::Type type, int subtype) {
-  ztb::Database scratch;
-  std::array<double, ZTB_SPECIAL_VALUE_COUNT> special{};
-  c__ztbgetuserspecialvalues(database, special.data());
-  scratch.setSpecialValues(special);
-  const ztb::Record record = scratch.addSymbol("v", type, {}, "", subtype).add();
-  std::array<int, ZTB_MAX_DIMENSION> keys{};
-  FieldValues values{};
-  record.raw(keys.data(), values.data());
-  return values;
-}
-
-// The records that a table makes, all of them checked, in the order in which they are stored.
-class Records {
- public:
-  Records(ztbRec* database, const ArrowTable& table, const SymbolPlan& plan,
-          const FieldValues& from, int nulls)
-      : labels_(database), table_(plan.columns.keys.size(), ztb::fieldCount) {
-    std::vector<std::vector<int>> numbers;
-    for (const LabelColumn& key : table.keys()) {
-      std::vector<int>& known = numbers.emplace_back();
-      for (const std::string& label : key.labels()) known.push_back(labels_.number(label));
-    }
-    if (nulls == ZTB_ARROW_NULLS_REFUSED) refuseNulls(table, plan);
-    const double na = notAvailable(database);
-    std::vector<int> keys(numbers.size());
-    for (std::size_t row = 0; row < table.rowCount(); ++row) {
-      FieldValues values = from;
-      if (!readValues(table, plan, row, nulls, na, values)) continue;
-      for (std::size_t key = 0; key < keys.size(); ++key) {
-        keys[key] = numbers[key][static_cast<std::size_t>(table.keys()[key].rows[row])];
-      }
-      table_.add(keys, values, textAt(table, plan, row));
-      rows_.push_back(row);
-    }
-    order_ = table_.order();
-    refuseDuplicates(table);
-  }
-
-  // Replaces the records of the symbol.
-  void storeIn(ztb::Symbol symbol) const {
-    labels_.add();
-    symbol.clear();
-    for (const std::size_t record : order_) {
-      if (symbol.type() == ztb::Type::set) {
-        const std::string_view text = table_.text(record);
-        symbol.putElementUnchecked(table_.keys(record), text.empty() ? nullptr : text.data());
-      } else {
-        FieldValues values{};
-        std::ranges::copy(table_.values(record), values.begin());
-        symbol.putUnchecked(table_.keys(record), values);
-      }
-    }
-  }
-
- private:
-  static void refuseNulls(const ArrowTable& table, const SymbolPlan& plan) {
-    for (std::size_t column = 0; column < plan.fields.size(); ++column) {
-      const std::vector<bool>& nulls = table.numbers()[column].nulls;
-      const auto first = std::ranges::find(nulls, true);
-      if (first != nulls.end()) {
-        failImport(fmt::format("column {}, row {}: a value is missing",
-                               table.names()[plan.columns.numbers[column]], first - nulls.begin()));
-      }
-    }
-  }
-
-  // False for a row that makes no record.
-  static bool readValues(const ArrowTable& table, const SymbolPlan& plan, std::size_t row,
-                         int nulls, double na, FieldValues& values) {
-    bool any = plan.fields.empty();
-    for (std::size_t column = 0; column < plan.fields.size(); ++column) {
-      const NumberColumn& numbers = table.numbers()[column];
-      const bool isNull = !numbers.nulls.empty() && numbers.nulls[row];
-      if (!isNull) {
-        values[plan.fields[column]] = numbers.rows[row];
-      } else if (nulls == ZTB_ARROW_NULLS_AS_NA) {
-        values[plan.fields[column]] = na;
-      }
-      any = any || !isNull || nulls == ZTB_ARROW_NULLS_AS_NA;
-    }
-    return any;
-  }
-
-  static std::string_view textAt(const ArrowTable& table, const SymbolPlan& plan, std::size_t row) {
-    if (!plan.columns.text) return {};
-    const std::string& text = table.texts()[row];
-    if (text.size() > ZTB_MAX_TEXT_LENGTH) {
-      failImport(fmt::format("row {}: a text has {} bytes, at most {} are allowed", row,
-                             text.size(), static_cast<int>(ZTB_MAX_TEXT_LENGTH)));
-    }
-    if (text.find('\0') != std::string::npos) {
-      failImport(fmt::format("row {}: a text holds a zero byte", row));
-    }
-    return text;
-  }
-
-  void refuseDuplicates(const ArrowTable& table) const {
-    for (std::size_t at = 1; at < order_.size(); ++at) {
-      if (!std::ranges::equal(table_.keys(order_[at - 1]), table_.keys(order_[at]))) continue;
-      std::string labels;
-      for (const LabelColumn& key : table.keys()) {
-        const int place = key.rows[rows_[order_[at]]];
-        labels += fmt::format("{}\"{}\"", labels.empty() ? "" : ",",
-                              key.labels()[static_cast<std::size_t>(place)]);
-      }
-      failImport(fmt::format("row {}: another row, {}, has the same labels ({})", rows_[order_[at]],
-                             rows_[order_[at - 1]], labels));
-    }
-  }
-
-  NewLabels labels_;
-  RecordTable table_;
-  std::vector<std::size_t> rows_;
-  std::vector<std::size_t> order_;
-};
-
-// What records hold where no column tells it.
-FieldValues valuesWithoutColumns(ztbRec* database, ztb::Type type, int subtype,
-                                 const SymbolPlan& plan, int nulls) {
   const bool hasFields = type == ztb::Type::variable || type == ztb::Type::equation;
-  const bool all = plan.fields.size() == ztb::fieldCount && nulls != ZTB_ARROW_NULLS_SKIPPED;
-  return hasFields && !all ? defaultsOf(database, type, subtype) : FieldValues{};
+  if (hasFields && (plan.fields.size() < ztb::fieldCount || nulls == ZTB_ARROW_NULLS_SKIPPED)) {
+    numbers.others = newRecordOf(database, type, subtype);
+  }
+  return {database, type, table.rows(), numbers};
 }
 
 // ---- new symbols --------------------------------------------------------------------------------
@@ -400,10 +243,7 @@ void fillFromArrow(const ztb::Symbol& symbol, ArrowArrayStream* stream,
   const SymbolPlan plan = planOf(table, std::move(keys), symbol.type(), name);
   table.read(plan.columns);
   ztbRec* database = symbol.database();
-  Records(database, table, plan,
-          valuesWithoutColumns(database, symbol.type(), symbol.userInfo(), plan, options.nulls),
-          options.nulls)
-      .storeIn(symbol);
+  recordsOf(database, table, plan, symbol.type(), symbol.userInfo(), options.nulls).storeIn(symbol);
 }
 
 void* makeFromArrow(ztbRec* database, const std::string& name, int type, ArrowArrayStream* stream,
@@ -421,9 +261,7 @@ void* makeFromArrow(ztbRec* database, const std::string& name, int type, ArrowAr
   }
   const SymbolPlan plan = planOf(table, keys, made, name);
   table.read(plan.columns);
-  const Records records(database, table, plan,
-                        valuesWithoutColumns(database, made, 0, plan, options.nulls),
-                        options.nulls);
+  const ColumnRecords records = recordsOf(database, table, plan, made, 0, options.nulls);
   void* symbol = addSymbol(database, name, made, domainsOf(database, table, keys, made, name));
   records.storeIn({database, symbol});
   return symbol;

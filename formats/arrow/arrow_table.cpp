@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 
 #include <utility>
-#include <ztb/case_folding.hpp>
 #include <ztb/error.hpp>
 
 namespace formats {
@@ -26,20 +25,6 @@ struct OwnedBatch {
 };
 
 }  // namespace
-
-std::string comparedLabel(std::string_view label) {
-  return ztb::folded(label.substr(0, label.find_last_not_of(' ') + 1));
-}
-
-int LabelColumn::add(std::string_view label) {
-  const auto known = asWritten_.find(label);
-  if (known != asWritten_.end()) return known->second;
-  const auto [same, isNew] =
-      compared_.try_emplace(comparedLabel(label), static_cast<int>(labels_.size()));
-  if (isNew) labels_.emplace_back(label);
-  asWritten_.emplace(label, same->second);
-  return same->second;
-}
 
 ArrowTable::ArrowTable(ArrowArrayStream* stream) : stream_(*stream) {
   // The caller's structure is an ended one from now on.
@@ -114,29 +99,29 @@ bool ArrowTable::nextBatch(ArrowArray& batch) {
     failTable("the stream is damaged: a batch has not the columns of its schema");
   }
   if (batch.null_count > 0) {
-    failTable(fmt::format("row {}: a row cannot be null", rowCount_));
+    failTable(fmt::format("row {}: a row cannot be null", rows_.rowCount));
   }
   return true;
 }
 
 void ArrowTable::read(const ColumnPlan& plan) {
   checkTypes(plan);
-  keys_.resize(plan.keys.size());
-  numbers_.resize(plan.numbers.size());
+  rows_.keys.resize(plan.keys.size());
+  rows_.numbers.resize(plan.numbers.size());
   while (true) {
     OwnedBatch batch;
     if (!nextBatch(batch.array)) return;
     readBatch(plan, batch.array);
-    rowCount_ += static_cast<std::size_t>(batch.array.length);
+    rows_.rowCount += static_cast<std::size_t>(batch.array.length);
   }
 }
 
 void ArrowTable::readBatch(const ColumnPlan& plan, const ArrowArray& batch) {
   for (std::size_t key = 0; key < plan.keys.size(); ++key) {
-    readLabels(plan.keys[key], batch, keys_[key]);
+    readLabels(plan.keys[key], batch, rows_.keys[key]);
   }
   for (std::size_t number = 0; number < plan.numbers.size(); ++number) {
-    readNumbers(plan.numbers[number], batch, numbers_[number]);
+    readNumbers(plan.numbers[number], batch, rows_.numbers[number]);
   }
   if (plan.text) readTexts(*plan.text, batch);
 }
@@ -147,7 +132,7 @@ ColumnCells ArrowTable::cellsOf(std::size_t column, const ArrowArray& batch,
           *batch.children[column],
           batch.offset,
           static_cast<std::size_t>(batch.length),
-          {.column = names_[column], .row = rowCount_}};
+          {.column = names_[column], .row = rows_.rowCount}};
 }
 
 template <class Take>
@@ -188,8 +173,8 @@ void ArrowTable::readLabels(std::size_t column, const ArrowArray& batch, LabelCo
   std::vector<int> places;
   eachText(column, batch, [&](std::size_t row, std::optional<std::string_view> text, int entry) {
     if (!text) {
-      failTable(
-          fmt::format("column {}, row {}: a label is missing", names_[column], rowCount_ + row));
+      failTable(fmt::format("column {}, row {}: a label is missing", names_[column],
+                            rows_.rowCount + row));
     }
     const auto place = static_cast<std::size_t>(entry);
     if (entry < 0) {
@@ -204,7 +189,7 @@ void ArrowTable::readLabels(std::size_t column, const ArrowArray& batch, LabelCo
 
 void ArrowTable::readTexts(std::size_t column, const ArrowArray& batch) {
   eachText(column, batch, [&](std::size_t, std::optional<std::string_view> text, int) {
-    texts_.emplace_back(text.value_or(""));
+    rows_.texts.emplace_back(text.value_or(""));
   });
 }
 

@@ -1,14 +1,20 @@
 #include "formats/arrow/file_blocks.h"
 
+#include "formats/arrow/dictionary.h"
 #include "formats/tables/exact_text.h"
 #include "tools/text/failure.h"
 
 namespace formats {
 
-FileBlocks::FileBlocks(const tool::ExchangeFile& file, const tool::FileSymbol& symbol)
+FileBlocks::FileBlocks(const tool::ExchangeFile& file, const tool::FileSymbol& symbol, bool spells)
     : file_(file),
       records_(file.file(), file.file().symbol(symbol.number)),
-      isSet_(symbol.type == ztb::Type::set) {}
+      isSet_(symbol.type == ztb::Type::set),
+      spells_(spells) {}
+
+std::string_view FileBlocks::shown(std::string_view text) {
+  return spells_ ? spelled(text, TextForm::json, room_) : text;
+}
 
 RecordBlock FileBlocks::next() {
   RecordBlock block;
@@ -31,14 +37,16 @@ RecordBlock FileBlocks::next() {
       continue;
     }
     for (const double text : values) {
-      block.texts.add(spelled(file_.file().text(static_cast<int>(text)), TextForm::json, room_));
+      const std::string_view shownText = shown(file_.file().text(static_cast<int>(text)));
+      requireUtf8(shownText, "text");
+      block.texts.add(shownText);
     }
   }
   return block;
 }
 
 std::string_view FileBlocks::label(int number) {
-  return spelled(file_.label(number), TextForm::json, room_);
+  return shown(file_.label(number));
 }
 
 }  // namespace formats

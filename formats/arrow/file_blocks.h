@@ -9,20 +9,23 @@
 
 namespace formats {
 
-// Labels and texts that are no UTF-8 are spelled out, as formats/tables/exact_text.h tells.
 class FileBlocks : public RecordBlocks {
  public:
-  // The file lives longer than the blocks.
-  FileBlocks(const tool::ExchangeFile& file, const tool::FileSymbol& symbol);
+  // The file lives longer than the blocks. With `spells`, labels and texts that are no UTF-8 are
+  // spelled out, as formats/tables/exact_text.h tells; without, they stand as they are.
+  FileBlocks(const tool::ExchangeFile& file, const tool::FileSymbol& symbol, bool spells);
 
   // Throws tool::Failure for a block that cannot be read.
   RecordBlock next() override;
   std::string_view label(int number) override;
 
  private:
+  std::string_view shown(std::string_view text);
+
   const tool::ExchangeFile& file_;
   ztb::RxfRecords records_;
   bool isSet_;
+  bool spells_;
   std::string room_;
 };
 

@@ -8,6 +8,7 @@
 #include <charconv>
 #include <optional>
 #include <span>
+#include <system_error>
 
 #include "formats/tables/csv_writer.h"
 #include "tools/text/failure.h"
@@ -191,6 +192,18 @@ std::filesystem::path labelsPath(const std::filesystem::path& folder) {
 
 std::filesystem::path recordsPath(const std::filesystem::path& folder, const std::string& symbol) {
   return folder / (symbol + ".csv");
+}
+
+void beginFolder(const std::filesystem::path& manifest) {
+  const std::filesystem::path folder = manifest.parent_path();
+  std::error_code error;
+  std::filesystem::create_directories(folder, error);
+  if (!error) {
+    std::filesystem::remove(manifest, error);
+  }
+  if (error) {
+    throw tool::Failure(fmt::format("{}: cannot be written: {}", folder.string(), error.message()));
+  }
 }
 
 ManifestEntry describe(const tool::ExchangeFile& file, const tool::FileSymbol& symbol) {

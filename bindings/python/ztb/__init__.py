@@ -12,7 +12,7 @@
 
 from . import _native
 from .arrow import from_arrow
-from .database import Database, memory_needed, open, read
+from .database import Database, from_xarray, memory_needed, open, read
 from .errors import DamagedFileError, Error, MissingFileError, NotFoundError
 from .families import Expression, Family
 from .labels import Key, Label, label_text
@@ -86,6 +86,7 @@ __all__ = [
     "Violation",
     "__version__",
     "from_arrow",
+    "from_xarray",
     "label_text",
     "memory_needed",
     "open",

@@ -135,7 +135,7 @@ class Database(display.Shows, Home, Mapping[str, Symbol[Any]]):
     ) -> None:
         """Adds symbols that are made from a table, as the options of ``ztb import`` make them.
 
-        ``source`` is a file of CSV, SQLite, Excel or JSON lines; behind a ``#`` stands a table,
+        ``source`` is a file of CSV, SQLite, Excel, JSON lines or Parquet; behind a ``#`` stands a table,
         sheet, range or query: ``"plan.xlsx#Prices!B3:F90"``. ``sets``, ``parameters`` and so on
         have a text, or several, of the form of the command's: ``"price(food) = cents"``. Sets of
         this database may be domains.
@@ -174,13 +174,33 @@ class Database(display.Shows, Home, Mapping[str, Symbol[Any]]):
         """Writes symbols, all by default, to a file of another program, as ``ztb export`` does.
 
         The ending of ``target``, or ``format``, tells what is written: ``.db`` a SQLite database,
-        ``.xlsx`` a workbook, ``.jsonl`` JSON lines, ``.csv`` and ``.tsv`` the table of one symbol;
-        a folder gets CSV files. :func:`ztb.read` reads a whole database back, every value bit for
+        ``.xlsx`` a workbook, ``.jsonl`` JSON lines, ``.csv``, ``.tsv`` and ``.parquet`` the table of
+        one symbol, ``.nc`` a NetCDF file with arrays of all cells (it needs xarray and netCDF4); a
+        folder gets CSV files, or with ``format="parquet"`` such ones. :func:`ztb.read` reads a whole database back, every value bit for
         bit. ``wide`` names the position of one symbol whose labels become columns.
         """
         names = None if symbols is None else self._names(symbols)
+        if _is_netcdf(target, format):
+            if names is not None:
+                raise ValueError("a NetCDF file takes a whole database")
+            from . import xarrays
+
+            xarrays.write_netcdf(self, os.fspath(target), xarrays.MOST_CELLS)
+            return
         options = formats.export_options(target, names, format, wide, separator, decimal)
         formats.export(self._native, options)
+
+    def to_xarray(self, *, most: int = 2**27) -> Any:
+        """The database as a ``Dataset`` of xarray, which :func:`ztb.from_xarray` takes back.
+
+        Dimensions are the sets that are domains, so that symbols over the same set lie over the
+        same axis; fields are one, ``field:``. Each symbol is a variable of its name; of a set there are
+        ``NAME:elements`` and, where it has any, ``NAME:texts``. A symbol of more than ``most`` cells is
+        refused with its size.
+        """
+        from . import xarrays
+
+        return xarrays.dataset_of(self, arguments.whole(most, "number of cells"))
 
     # ---- symbols ----
 
@@ -353,6 +373,18 @@ def _require_below(count: int, subtype: int) -> None:
         raise ValueError(f"no subtype {subtype}, expected 0 to {count - 1}")
 
 
+def _is_netcdf(path: object, format: Optional[str]) -> bool:  # noqa: A002
+    name = os.fsdecode(path) if isinstance(path, (str, bytes, os.PathLike)) else ""
+    return format == "netcdf" or (format is None and name.lower().endswith(".nc"))
+
+
+def from_xarray(dataset: Any, *, store: str = "map") -> Database:
+    """The database that :meth:`Database.to_xarray` made a ``Dataset`` of."""
+    from . import xarrays
+
+    return xarrays.database_from(dataset, store)
+
+
 def _store_number(store: str) -> int:
     return _STORES.index(arguments.choice(store, "store", _STORES))
 
@@ -373,6 +405,12 @@ def read(source: Path, *, store: str = "map", **options: Any) -> Database:
     written to comes back as it was. From any other table, symbols are made as the options of
     :meth:`Database.import_table` tell.
     """
+    if _is_netcdf(source, options.get("format")):
+        if set(options) - {"format"}:
+            raise ValueError("a NetCDF file has no table; it is read as a whole database")
+        from . import xarrays
+
+        return xarrays.read_netcdf(os.fspath(source), store)
     database = Database(store=store)
     try:
         database.import_table(source, **options)

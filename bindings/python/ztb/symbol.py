@@ -324,6 +324,30 @@ class Symbol(display.Shows, MutableMapping[Any, Value]):
         """
         arrow_data.fill(self._native, data, keys, null)
 
+    def to_xarray(self, *, most: int = 2**27) -> Any:
+        """The cells as a ``DataArray`` of xarray.
+
+        Dimensions are the columns of the symbol as a table, over the labels of the domain set, or,
+        where there is none or a record is outside, over those of records. A cell without a record
+        is a NaN of its own, :data:`ztb.NA` apart; for a set it is false. The fields of a variable
+        or equation are a last dimension, ``field``. A symbol of more than ``most`` cells is
+        refused with its size.
+        """
+        from . import xarrays
+
+        return xarrays.array_of(self, arguments.whole(most, "number of cells"))
+
+    def from_xarray(self, data: Any, *, nan: str = "na") -> None:
+        """Replaces the records by the cells of a ``DataArray`` of xarray.
+
+        Dimensions are taken by their names, those of :meth:`to_xarray`, or, where one has another
+        name, in their order. A cell that :meth:`to_xarray` left without a record is none; ``nan``
+        tells what becomes of other NaNs, as for ``from_pandas``. For a set, true makes an element.
+        """
+        from . import xarrays
+
+        xarrays.fill(self, data, nan)
+
     def violations(self) -> List[Violation]:
         """The records with a label outside the set that is its domain."""
         keys, outside = self._native.violations()

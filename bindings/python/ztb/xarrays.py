@@ -1,0 +1,352 @@
+"""Symbols as xarray objects, whole databases as data sets and NetCDF files.
+
+xarray, and for files netCDF4, are imported only when something is asked for.
+"""
+
+from __future__ import annotations
+
+import importlib
+import os
+import tempfile
+from typing import Any, Dict, List, Sequence, Tuple
+
+import numpy as np
+import numpy.typing as npt
+
+from . import arguments
+from .database import Database
+from .errors import DamagedFileError
+from .missing import missing_value, require_choice
+from .special import _double
+from .symbol import KINDS, Alias, Set, Symbol
+from .values import FIELDS
+
+#: A cell without a record: a NaN with bits of its own, so that ``NA`` stays apart.
+ABSENT: float = _double(0x7FF8000061627374)
+_ABSENT_BITS = np.float64(ABSENT).view(np.uint64)
+
+#: The most cells of an array, unless more are asked for: a gigabyte of numbers.
+MOST_CELLS = 2**27
+
+#: The dimension of fields in a data set, whose other dimensions may have the name of any symbol.
+_FIELD = "field:"
+
+
+def _package(name: str, debian: str) -> Any:
+    try:
+        return importlib.import_module(name)
+    except ImportError:
+        raise ImportError(
+            f"{name} is needed for this: install the Debian package {debian}, or {name} by pip"
+        ) from None
+
+
+def _xarray() -> Any:
+    return _package("xarray", "python3-xarray")
+
+
+def _field_dimension(names: Sequence[str]) -> str:
+    """The dimension of fields beside others of these names."""
+    return _FIELD if "field" in names else "field"
+
+
+# ---- out ----
+
+
+def _require_room(symbol: Symbol[Any], sizes: Sequence[int], most: int) -> None:
+    cells = 1
+    for size in sizes:
+        cells *= size
+    if cells > most:
+        raise ValueError(
+            f"symbol {symbol.name} has {len(symbol)} records and would fill {cells} cells "
+            f"({' x '.join(map(str, sizes))}, {8 * cells} bytes), more than {most}; most={cells} "
+            "takes them all the same"
+        )
+
+
+def _axis_numbers(
+    symbol: Symbol[Any], keys: npt.NDArray[np.int32]
+) -> List[Tuple[npt.NDArray[np.int32], bool]]:
+    """The label numbers along each axis: those of the domain set, or else, which is told, those that
+    records have."""
+    axes = []
+    for position, domain in enumerate(symbol.domains):
+        used = np.unique(keys[:, position])
+        whole = None if domain.set is None else domain.set._native.rows()[0][:, 0]
+        inside = whole is not None and bool(np.isin(used, whole).all())
+        axes.append((whole if inside and whole is not None else used, inside))
+    return axes
+
+
+def _cells(
+    symbol: Symbol[Any],
+    keys: npt.NDArray[np.int32],
+    content: npt.NDArray[Any],
+    axes: Sequence[npt.NDArray[np.int32]],
+    empty: Any,
+    most: int,
+) -> npt.NDArray[Any]:
+    """What records hold, on axes, with ``empty`` elsewhere."""
+    sizes = [len(axis) for axis in axes] + list(content.shape[1:])
+    _require_room(symbol, sizes, most)
+    cells = np.full(sizes, empty, dtype=content.dtype)
+    places = []
+    for column, axis in zip(keys.T, axes):
+        place = np.zeros(max(int(axis.max(initial=0)), int(column.max(initial=0))) + 1, np.int64)
+        place[axis] = np.arange(len(axis))
+        places.append(place[column])
+    if len(content):
+        cells[tuple(places)] = content if places else content[0]
+    return cells
+
+
+def array_of(symbol: Symbol[Any], most: int) -> Any:
+    """A symbol as a DataArray."""
+    keys, content = symbol._table()
+    numbers = [axis for axis, _ in _axis_numbers(symbol, keys)]
+    labels = symbol._database._label_array()
+    names = symbol._native.columns()
+    coordinates: Dict[str, Any] = {
+        name: labels[axis].astype(object) for name, axis in zip(names, numbers)
+    }
+    dimensions = list(names)
+    if isinstance(symbol, Set):
+        cells = _cells(symbol, keys, np.ones(len(keys), dtype=np.bool_), numbers, False, most)
+    elif len(symbol._content_columns()) == 1:
+        cells = _cells(symbol, keys, content[:, 0], numbers, ABSENT, most)
+    else:
+        cells = _cells(symbol, keys, content, numbers, ABSENT, most)
+        dimensions.append(_field_dimension(names))
+        coordinates[dimensions[-1]] = np.array(FIELDS, dtype=object)
+    return _xarray().DataArray(
+        cells, dims=dimensions, coords=coordinates, name=symbol.name, attrs={"text": symbol.text}
+    )
+
+
+# ---- in ----
+
+
+def fill(symbol: Symbol[Any], data: Any, nan: str) -> None:
+    """Replaces the records of a symbol by the cells of a DataArray."""
+    require_choice(nan)
+    xarray = _xarray()
+    if not isinstance(data, xarray.DataArray):
+        raise TypeError(f"{arguments.shown(data)} is no DataArray of xarray")
+    names = symbol._native.columns()
+    wide = not isinstance(symbol, Set) and len(symbol._content_columns()) > 1
+    field = _field_dimension(names)
+    expected = [*names, field] if wide else names
+    if set(data.dims) == set(expected):
+        data = data.transpose(*expected)
+    elif len(data.dims) != len(expected) or wide:
+        raise ValueError(
+            f"the array has the dimensions {', '.join(map(str, data.dims))}; symbol {symbol.name} "
+            f"has {', '.join(expected)}"
+        )
+    if wide and list(data[field].values) != list(FIELDS):
+        raise ValueError(f"the coordinates of {field} are not {', '.join(FIELDS)}")
+    axes = [data[name].values for name in data.dims[: symbol.dimension]]
+    cells = np.asarray(data.values)
+    if isinstance(symbol, Set):
+        _put(symbol, axes, np.asarray(cells, dtype=np.bool_), None)
+        return
+    values = np.array(cells, dtype=np.float64)
+    rows = values if wide else values[..., np.newaxis]
+    there = ~(rows.view(np.uint64) == _ABSENT_BITS).all(axis=-1)
+    if nan != "na":
+        missing = np.isnan(rows).any(axis=-1) & there
+        if nan == "error" and missing.any():
+            raise missing_value(f"cell {tuple(np.argwhere(missing)[0].tolist())}", symbol.name)
+        there &= ~missing
+    _put(symbol, axes, there, rows)
+
+
+def _put(symbol: Symbol[Any], axes: Sequence[Any], there: Any, rows: Any) -> None:
+    new_labels = symbol._database._native.new_labels()
+    places = np.nonzero(np.atleast_1d(there))[: len(axes)] if axes else ()
+    count = int(np.count_nonzero(there))
+    keys = np.empty((count, len(axes)), dtype=np.int32)
+    for position, (axis, place) in enumerate(zip(axes, places)):
+        used = np.unique(place)
+        numbers = np.zeros(len(axis), dtype=np.int32)
+        numbers[used] = new_labels.numbers(_label(axis[at]) for at in used)
+        keys[:, position] = numbers[place]
+    if rows is None:
+        symbol._native.put_elements(keys, None, new_labels)
+    else:
+        values = rows[there].reshape(count, rows.shape[-1])
+        symbol._native.put_rows(keys, values, list(range(rows.shape[-1])), new_labels)
+
+
+def _label(label: Any) -> Any:
+    return label.item() if isinstance(label, (np.str_, np.integer)) else label
+
+
+# ---- whole databases ----
+
+
+def dataset_of(database: Database, most: int) -> Any:
+    """A database as a Dataset.
+
+    Dimensions are the sets that are domains; positions without one have axes of their own. For each
+    symbol there is a variable of cells, whose attributes tell the rest.
+    """
+    variables: Dict[str, Any] = {}
+    coordinates: Dict[str, Any] = {}
+    labels = database._label_array()
+    for symbol in database.symbols():
+        if not isinstance(symbol, Alias):
+            _add_variable(variables, coordinates, symbol, labels, most)
+    attributes = {
+        "ztb_labels": _joined(database.labels),
+        "ztb_symbols": _joined(_described(symbol) for symbol in database.symbols()),
+    }
+    return _xarray().Dataset(variables, coordinates, attributes)
+
+
+def _add_variable(
+    variables: Dict[str, Any],
+    coordinates: Dict[str, Any],
+    symbol: Symbol[Any],
+    labels: npt.NDArray[np.object_],
+    most: int,
+) -> None:
+    keys, content = symbol._table()
+    dimensions: List[str] = []
+    numbers = []
+    for position, (axis, inside) in enumerate(_axis_numbers(symbol, keys)):
+        own = f"{symbol.name}:{position + 1}"
+        domain = symbol.domains[position].set
+        name = domain.name if inside and domain is not None else own
+        dimensions.append(own if name in dimensions else name)
+        numbers.append(axis)
+        coordinates[dimensions[-1]] = labels[axis].astype(object)
+    if isinstance(symbol, Set):
+        marks = np.ones(len(keys), dtype=np.int8)
+        variables[f"{symbol.name}:elements"] = (
+            dimensions,
+            _cells(symbol, keys, marks, numbers, np.int8(0), most),
+        )
+        if any(content):
+            variables[f"{symbol.name}:texts"] = (
+                dimensions,
+                _cells(symbol, keys, content, numbers, "", most),
+            )
+        return
+    wide = content.shape[1] > 1
+    if wide:
+        dimensions.append(_FIELD)
+        coordinates[_FIELD] = np.array(FIELDS, dtype=object)
+    cells = _cells(symbol, keys, content if wide else content[:, 0], numbers, ABSENT, most)
+    variables[symbol.name] = (dimensions, cells)
+
+
+def _described(symbol: Any) -> str:
+    """A symbol as a line: kind, name, domains, user information, and text or the set of an alias."""
+    if isinstance(symbol, Alias):
+        target = symbol.set
+        return "\t".join(["alias", symbol.name, "", "0", "*" if target is None else target.name])
+    kind = KINDS[symbol._native.type]
+    domains = "\v".join(domain.name for domain in symbol.domains)
+    return "\t".join([kind, symbol.name, domains, str(symbol.user_info), symbol.text])
+
+
+def _joined(texts: Any) -> str:
+    return "\n".join(text.replace("\\", "\\\\").replace("\n", "\\n") for text in texts)
+
+
+def _split(joined: str) -> List[str]:
+    def plain(text: str) -> str:
+        return text.replace("\\\\", "\0").replace("\\n", "\n").replace("\0", "\\")
+
+    return [plain(text) for text in joined.split("\n")] if joined else []
+
+
+def database_from(dataset: Any, store: str) -> Database:
+    """The database that a Dataset was made from."""
+    if not isinstance(dataset, _xarray().Dataset):
+        raise TypeError(f"{arguments.shown(dataset)} is no Dataset of xarray")
+    if not {"ztb_labels", "ztb_symbols"} <= set(dataset.attrs):
+        raise DamagedFileError(
+            "the data set has no ztb_symbols: it was not made from a database", "from_xarray"
+        )
+    database = Database(store=store)
+    try:
+        database.add_labels(_split(dataset.attrs["ztb_labels"]))
+        for line in _split(dataset.attrs["ztb_symbols"]):
+            _add_symbol(database, line.split("\t", 4))
+        for symbol in database.symbols():
+            if isinstance(symbol, Symbol):
+                _read_variable(symbol, dataset)
+    except BaseException:
+        database.close()
+        raise
+    return database
+
+
+def _add_symbol(database: Database, parts: List[str]) -> None:
+    if len(parts) != 5 or parts[0] not in KINDS:
+        raise DamagedFileError(f"{parts!r} describes no symbol", "from_xarray")
+    kind, name, domains, user_info, text = parts
+    if kind == "alias":
+        database._wrap(
+            database._native.add_alias(name, database._native.find_symbol(text, False), "")
+        )
+        return
+    names = domains.split("\v") if domains else []
+    database._add(name, KINDS.index(kind), names, text, int(user_info))
+
+
+def _read_variable(symbol: Symbol[Any], dataset: Any) -> None:
+    name = f"{symbol.name}:elements" if isinstance(symbol, Set) else symbol.name
+    if name not in dataset:
+        raise DamagedFileError(f"the data set has no variable {name}", "from_xarray")
+    array = dataset[name]
+    axes = [dataset[dimension].values for dimension in array.dims[: symbol.dimension]]
+    cells = np.asarray(array.values)
+    if isinstance(symbol, Set):
+        _put(symbol, axes, cells != 0, None)
+        texts = dataset.get(f"{symbol.name}:texts")
+        if texts is not None:
+            there = np.argwhere(texts.values != "").tolist()
+            symbol.texts.update(
+                (tuple(_label(axis[at]) for axis, at in zip(axes, place)), str(texts.values[tuple(place)]))
+                for place in there
+            )
+        return
+    rows = np.array(cells, dtype=np.float64)
+    if symbol._native.type == KINDS.index("parameter"):
+        rows = rows[..., np.newaxis]
+    _put(symbol, axes, ~(rows.view(np.uint64) == _ABSENT_BITS).all(axis=-1), rows)
+
+
+# ---- files ----
+
+
+def write_netcdf(database: Database, path: Any, most: int) -> None:
+    """Writes a database as a NetCDF file."""
+    _package("netCDF4", "python3-netcdf4")
+    dataset = dataset_of(database, most)
+    # A number that stands for missing ones would replace all NaNs.
+    kinds = {name: variable.dtype.kind for name, variable in dataset.variables.items()}
+    encoding = {name: {"_FillValue": None} for name, kind in kinds.items() if kind in "fi"}
+    # The file takes its name when it is whole.
+    folder, name = os.path.split(os.path.abspath(path))
+    with tempfile.TemporaryDirectory(prefix=".ztb.", dir=folder) as scratch:
+        written = os.path.join(scratch, name)
+        dataset.to_netcdf(written, engine="netcdf4", encoding=encoding)
+        os.replace(written, path)
+
+
+def read_netcdf(path: Any, store: str) -> Database:
+    """The database that a NetCDF file was written from."""
+    _package("netCDF4", "python3-netcdf4")
+    xarray = _xarray()
+    try:
+        dataset = xarray.load_dataset(path, engine="netcdf4", mask_and_scale=False)
+    except FileNotFoundError:
+        raise
+    except (OSError, ValueError, RuntimeError) as error:
+        raise DamagedFileError(f"{path}: {error}", "read_netcdf") from None
+    return database_from(dataset, store)

@@ -1,0 +1,168 @@
+#include "formats/parquet/duckdb_session.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "tools/files/new_file.h"
+#include "tools/text/failure.h"
+
+namespace formats {
+
+namespace {
+
+std::string quoted(std::string_view text, char quote) {
+  std::string result(1, quote);
+  for (const char c : text) result.append(c == quote ? 2 : 1, c);
+  return result + quote;
+}
+
+// The first line of what DuckDB tells; the others show the query.
+std::string firstLine(const char* text) {
+  const std::string_view all = text == nullptr ? "no reason is told" : text;
+  return std::string(all.substr(0, all.find('\n')));
+}
+
+}  // namespace
+
+std::string sqlText(std::string_view text) {
+  return quoted(text, '\'');
+}
+
+std::string sqlName(std::string_view name) {
+  return quoted(name, '"');
+}
+
+std::string parquetName(const std::string& path) {
+  // Chars that would match many files stand in brackets of their own, and a name is one in this
+  // folder, whatever it begins with.
+  std::string exact = path.starts_with('/') ? "" : "./";
+  for (const char c : path) {
+    const bool isPattern = c == '*' || c == '?' || c == '[';
+    exact += isPattern ? fmt::format("[{}]", c) : std::string(1, c);
+  }
+  return sqlText(exact);
+}
+
+std::string parquetSource(const std::string& path) {
+  return fmt::format("read_parquet({}, hive_partitioning = false)", parquetName(path));
+}
+
+// ---- rows ---------------------------------------------------------------------------------------
+
+DuckdbRows::DuckdbRows(DuckdbChunk chunk, std::size_t columns) : chunk_(chunk) {
+  const DuckdbApi& api = duckdbApi();
+  count_ = api.data_chunk_get_size(chunk);
+  for (std::size_t column = 0; column < columns; ++column) {
+    DuckdbVector vector = api.data_chunk_get_vector(chunk, column);
+    columns_.push_back(
+        {.data = api.vector_get_data(vector), .marks = api.vector_get_validity(vector)});
+  }
+}
+
+DuckdbRows::DuckdbRows(DuckdbRows&& other) noexcept
+    : chunk_(std::exchange(other.chunk_, nullptr)),
+      count_(std::exchange(other.count_, 0)),
+      columns_(std::move(other.columns_)) {}
+
+DuckdbRows& DuckdbRows::operator=(DuckdbRows&& other) noexcept {
+  std::swap(chunk_, other.chunk_);
+  std::swap(count_, other.count_);
+  std::swap(columns_, other.columns_);
+  return *this;
+}
+
+DuckdbRows::~DuckdbRows() {
+  if (chunk_ != nullptr) duckdbApi().destroy_data_chunk(&chunk_);
+}
+
+// ---- queries ------------------------------------------------------------------------------------
+
+DuckdbQuery::DuckdbQuery(DuckdbConnection connection, const std::string& sql,
+                         const std::string& shown)
+    : shown_(shown) {
+  const DuckdbApi& api = duckdbApi();
+  if (api.prepare(connection, sql.c_str(), &statement_) != 0) {
+    const std::string reason = firstLine(api.prepare_error(statement_));
+    api.destroy_prepare(&statement_);
+    fail(reason.c_str());
+  }
+  if (api.execute_prepared_streaming(statement_, &result_) != 0) {
+    const std::string reason = firstLine(api.result_error(&result_));
+    api.destroy_result(&result_);
+    api.destroy_prepare(&statement_);
+    fail(reason.c_str());
+  }
+}
+
+DuckdbQuery::~DuckdbQuery() {
+  duckdbApi().destroy_result(&result_);
+  duckdbApi().destroy_prepare(&statement_);
+}
+
+void DuckdbQuery::fail(const char* reason) const {
+  throw tool::Failure(tool::withFile(shown_, reason));
+}
+
+DuckdbRows DuckdbQuery::next() {
+  const DuckdbApi& api = duckdbApi();
+  DuckdbChunk chunk = api.fetch_chunk(result_);
+  if (chunk == nullptr) {
+    if (const char* error = api.result_error(&result_); error != nullptr && *error != '\0') {
+      fail(firstLine(error).c_str());
+    }
+    return {};
+  }
+  return {chunk, api.column_count(&result_)};
+}
+
+// ---- the session --------------------------------------------------------------------------------
+
+DuckdbSession::DuckdbSession() {
+  const DuckdbApi& api = duckdbApi();
+  if (api.open(nullptr, &database_) != 0 || api.connect(database_, &connection_) != 0) {
+    if (database_ != nullptr) api.close(&database_);
+    throw tool::Failure("DuckDB cannot be started");
+  }
+  // Nothing is fetched, and no file is put where nobody looks for one.
+  for (const char* setting : {"set autoinstall_known_extensions = false",
+                              "set autoload_known_extensions = false", "set temp_directory = ''"}) {
+    run(setting, "DuckDB");
+  }
+}
+
+DuckdbSession::~DuckdbSession() {
+  duckdbApi().disconnect(&connection_);
+  duckdbApi().close(&database_);
+}
+
+void DuckdbSession::run(const std::string& sql, const std::string& shown) {
+  const DuckdbApi& api = duckdbApi();
+  DuckdbResult result{};
+  const int state = api.query(connection_, sql.c_str(), &result);
+  const std::string reason = state == 0 ? "" : firstLine(api.result_error(&result));
+  api.destroy_result(&result);
+  if (state != 0) throw tool::Failure(tool::withFile(shown, reason));
+}
+
+std::unique_ptr<DuckdbQuery> DuckdbSession::query(const std::string& sql,
+                                                  const std::string& shown) const {
+  return std::make_unique<DuckdbQuery>(connection_, sql, shown);
+}
+
+void DuckdbSession::writeParquet(ArrowArrayStream& stream, const std::string& list,
+                                 const std::string& path, const std::string& options) {
+  tool::NewFile published(path);
+  if (duckdbApi().arrow_scan(connection_, "records", &stream) != 0) {
+    throw tool::Failure(fmt::format("{}: DuckDB does not take the columns", path));
+  }
+  run(fmt::format("copy (select {} from records) to {} (format parquet, compression zstd, "
+                  "use_tmp_file false{})",
+                  list, sqlText(published.temporary()), options),
+      path);
+  run("drop view records", path);
+  published.publish();
+}
+
+}  // namespace formats

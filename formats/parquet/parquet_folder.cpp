@@ -1,0 +1,234 @@
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <optional>
+#include <system_error>
+#include <utility>
+#include <ztb/column_names.hpp>
+
+#include "formats/arrow/column_records.h"
+#include "formats/parquet/parquet_names.h"
+#include "formats/parquet/parquet_reader.h"
+#include "formats/parquet/parquet_tables.h"
+#include "formats/parquet/parquet_writer.h"
+#include "formats/parquet/symbol_stream.h"
+#include "formats/tables/exact_text.h"
+#include "tools/text/failure.h"
+#include "tools/text/words.h"
+
+namespace formats {
+
+namespace {
+
+// The columns of the table of symbols that the manifest has.
+constexpr std::size_t manifestColumns = 8;
+constexpr std::size_t everyColumn = ZTB_MAX_DIMENSION + 2 * ztb::fieldCount;
+
+[[noreturn]] void failCount(const std::string& path, std::size_t found, std::size_t expected) {
+  throw tool::Failure(fmt::format("{}: has {}, and {} were written to it", path,
+                                  tool::counted(found, "row"), expected));
+}
+
+// Rows whose number was noted when they were written: a file that was cut or replaced is told.
+class CountedReader : public ParquetReader {
+ public:
+  CountedReader(std::shared_ptr<const DuckdbSession> session, const std::string& path,
+                std::size_t expected)
+      : ParquetReader(std::move(session), path, true, everyColumn), expected_(expected) {}
+
+  bool next(ProblemList& problems) override {
+    if (ParquetReader::next(problems)) return true;
+    if (rowCount() != expected_) failCount(path(), rowCount(), expected_);
+    return false;
+  }
+
+ private:
+  std::size_t expected_;
+};
+
+class ParquetFolderReader : public DatabaseReader {
+ public:
+  explicit ParquetFolderReader(std::string folder) : folder_(std::move(folder)) {}
+
+  std::vector<ManifestEntry> symbols(ProblemList& problems) override {
+    const std::string path = pathOf(parquetSymbols);
+    readCounts(path);
+    ParquetReader reader(session_, path, true, manifestColumns);
+    return readManifest(reader, problems);
+  }
+  [[nodiscard]] std::string place(const ManifestEntry& entry) const override {
+    return fmt::format("{}: row {}", pathOf(parquetSymbols), entry.at.line);
+  }
+  std::unique_ptr<TableReader> labels() override {
+    return std::make_unique<CountedReader>(session_, pathOf(parquetLabels), labelCount_);
+  }
+  std::unique_ptr<TableReader> records(const ManifestEntry& entry) override {
+    return std::make_unique<CountedReader>(session_, pathOf(entry.name), countOf(entry.name));
+  }
+
+  // Sets go row by row, since each of their texts is looked at, and so does what has exact columns.
+  std::optional<std::size_t> fill(const ManifestEntry& entry, const ztb::Symbol& symbol) override {
+    if (entry.type == ztb::Type::set) return std::nullopt;
+    const std::string path = pathOf(entry.name);
+    const std::vector<ParquetColumn> columns = parquetColumns(*session_, path);
+    const std::vector<std::string> contents = ztb::contentColumns(entry.type);
+    const std::size_t keys = entry.domains.size();
+    if (columns.size() != keys + contents.size()) return std::nullopt;
+    for (std::size_t column = 0; column < columns.size(); ++column) {
+      const auto kind = column < keys ? ParquetColumn::Kind::text : ParquetColumn::Kind::number;
+      if (columns[column].kind != kind) return std::nullopt;
+    }
+    ColumnTable table = read(columns, keys, path);
+    if (table.rowCount != countOf(entry.name)) {
+      failCount(path, table.rowCount, countOf(entry.name));
+    }
+    NumberPlan plan{.fields = {}, .names = contents, .others = {}, .nulls = 0};
+    for (std::size_t field = 0; field < contents.size(); ++field) plan.fields.push_back(field);
+    try {
+      const ColumnRecords records(symbol.database(), symbol.type(), table, plan);
+      records.storeIn(symbol);
+      return records.count();
+    } catch (const ztb::Error& error) {
+      throw tool::Failure(tool::withFile(path, error.what()));
+    }
+  }
+
+ private:
+  [[nodiscard]] std::string pathOf(const std::string& name) const {
+    return parquetFile(folder_, name).string();
+  }
+  [[nodiscard]] std::size_t countOf(const std::string& symbol) const {
+    const auto found = counts_.find(symbol);
+    return found == counts_.end() ? 0 : found->second;
+  }
+
+  void readCounts(const std::string& path) {
+    static_cast<void>(parquetColumns(*session_, path));
+    const auto counts = session_->query(fmt::format("select symbol::varchar, {}::double from {}",
+                                                    recordsColumn, parquetSource(path)),
+                                        path);
+    for (DuckdbRows rows = counts->next(); rows.count() > 0; rows = counts->next()) {
+      for (std::size_t row = 0; row < rows.count(); ++row) {
+        const bool isThere = !rows.isNull(0, row) && !rows.isNull(1, row);
+        if (isThere) {
+          counts_[std::string(rows.text(0, row))] =
+              static_cast<std::size_t>(std::max(rows.doubles(1)[row], 0.0));
+        }
+      }
+    }
+    const auto labels = session_->query(
+        fmt::format("select decode(value)::bigint::double from parquet_kv_metadata({}) "
+                    "where key = '{}'",
+                    parquetName(path), labelCountKey),
+        path);
+    const DuckdbRows rows = labels->next();
+    if (rows.count() != 1 || rows.isNull(0, 0)) {
+      throw tool::Failure(fmt::format("{}: does not tell how many labels there are", path));
+    }
+    labelCount_ = static_cast<std::size_t>(std::max(rows.doubles(0)[0], 0.0));
+  }
+
+  ColumnTable read(const std::vector<ParquetColumn>& columns, std::size_t keys,
+                   const std::string& path) {
+    ColumnTable table;
+    table.keys.resize(keys);
+    table.numbers.resize(columns.size() - keys);
+    const auto query = session_->query(parquetQuery(columns, path), path);
+    for (DuckdbRows rows = query->next(); rows.count() > 0; rows = query->next()) {
+      for (std::size_t key = 0; key < keys; ++key) {
+        readLabels(rows, key, table, path);
+      }
+      for (std::size_t number = 0; number < table.numbers.size(); ++number) {
+        readNumbers(rows, keys + number, table.numbers[number]);
+      }
+      table.rowCount += rows.count();
+    }
+    return table;
+  }
+
+  static void readLabels(const DuckdbRows& rows, std::size_t key, ColumnTable& table,
+                         const std::string& path) {
+    LabelColumn& labels = table.keys[key];
+    labels.rows.reserve(labels.rows.size() + rows.count());
+    for (std::size_t row = 0; row < rows.count(); ++row) {
+      const std::string_view text = rows.isNull(key, row) ? "" : rows.text(key, row);
+      const std::optional<std::string> plain =
+          text.starts_with('\\') ? unspelled(text) : std::nullopt;
+      if (rows.isNull(key, row) || (text.starts_with('\\') && !plain)) {
+        throw tool::Failure(
+            fmt::format("{}: row {}: {}", path, table.rowCount + row + 1,
+                        plain ? "a label is missing" : "is no label as it was written"));
+      }
+      labels.rows.push_back(labels.add(plain ? *plain : text));
+    }
+  }
+
+  static void readNumbers(const DuckdbRows& rows, std::size_t column, NumberColumn& numbers) {
+    const double* values = rows.doubles(column);
+    const std::size_t before = numbers.rows.size();
+    numbers.rows.insert(numbers.rows.end(), values, values + rows.count());
+    for (std::size_t row = 0; rows.hasNulls(column) && row < rows.count(); ++row) {
+      if (rows.isNull(column, row)) {
+        numbers.nulls.resize(before + row + 1);
+        numbers.nulls[before + row] = true;
+      }
+    }
+    if (!numbers.nulls.empty()) numbers.nulls.resize(numbers.rows.size());
+  }
+
+  std::string folder_;
+  std::shared_ptr<const DuckdbSession> session_ = std::make_shared<DuckdbSession>();
+  std::map<std::string, std::size_t> counts_;
+  std::size_t labelCount_ = 0;
+};
+
+}  // namespace
+
+bool isParquetFolder(const std::string& path) {
+  std::error_code error;
+  return std::filesystem::exists(parquetFile(path, parquetSymbols), error);
+}
+
+std::unique_ptr<DatabaseReader> openParquetFolder(const std::string& path) {
+  return std::make_unique<ParquetFolderReader>(path);
+}
+
+void writeParquetFolder(const DatabaseExport& database) {
+  // Without DuckDB nothing is touched.
+  DuckdbSession session;
+  const std::filesystem::path folder = database.path;
+  beginFolder(parquetFile(folder, parquetSymbols));
+  ParquetWriter manifest(session, parquetFile(folder, parquetSymbols).string());
+  manifest.begin(manifestHead(database.symbols.size()));
+  std::vector<double> counts;
+  std::string room;
+  for (const tool::FileSymbol* symbol : database.symbols) {
+    ManifestEntry entry = describe(database.file, *symbol);
+    entry.text = spelled(entry.text, TextForm::json, room);
+    for (std::string& domain : entry.domains) domain = spelled(domain, TextForm::json, room);
+    if (!symbol->isAlias()) entry.tables = {symbol->name};
+    counts.push_back(symbol->isAlias() ? 0 : static_cast<double>(symbol->recordCount));
+    writeEntry(manifest, entry, true);
+  }
+  manifest.addColumn(recordsColumn, std::move(counts));
+  database.progress.step("writing labels");
+  OwnedStream labels;
+  const std::string label = makeLabelStream(database.file, &labels.stream());
+  session.writeParquet(labels.stream(), label, parquetFile(folder, parquetLabels).string());
+  for (const tool::FileSymbol* symbol : database.symbols) {
+    if (symbol->isAlias()) continue;
+    const std::string path = parquetFile(folder, symbol->name).string();
+    database.progress.step("writing " + path);
+    OwnedStream stream;
+    const std::string list = makeSymbolStream(database, *symbol, true, &stream.stream());
+    session.writeParquet(stream.stream(), list, path);
+    database.records += symbol->recordCount;
+  }
+  manifest.finish(
+      fmt::format(", kv_metadata {{{}: '{}'}}", labelCountKey, database.file.labelCount()));
+}
+
+}  // namespace formats

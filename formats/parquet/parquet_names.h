@@ -1,0 +1,28 @@
+// What files and columns of a database in Parquet files are called.
+#ifndef ZTB_FORMATS_PARQUET_PARQUET_NAMES_H_
+#define ZTB_FORMATS_PARQUET_PARQUET_NAMES_H_
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace formats {
+
+inline std::filesystem::path parquetFile(const std::filesystem::path& folder,
+                                         const std::string& name) {
+  return folder / (name + ".parquet");
+}
+inline constexpr const char* parquetSymbols = "_symbols";
+inline constexpr const char* parquetLabels = "_labels";
+
+// Behind the name of a column of numbers: that of the texts of those which are not the same as
+// doubles that compare equal. No domain can be called so.
+inline constexpr std::string_view exactColumn = " (exact)";
+// In the table of symbols, how many records each has; and under this key in the metadata of its
+// file, how many labels there are.
+inline constexpr const char* recordsColumn = "records";
+inline constexpr const char* labelCountKey = "ztb_labels";
+
+}  // namespace formats
+
+#endif  // ZTB_FORMATS_PARQUET_PARQUET_NAMES_H_

@@ -1,0 +1,167 @@
+#include "formats/parquet/parquet_reader.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <limits>
+#include <optional>
+#include <system_error>
+#include <utility>
+
+#include "formats/parquet/parquet_names.h"
+#include "formats/parquet/parquet_tables.h"
+#include "formats/tables/exact_text.h"
+#include "tools/text/failure.h"
+
+namespace formats {
+
+namespace {
+
+// How a column of one of DuckDB's types is read. Whole numbers beyond what doubles hold are texts,
+// as labels have to keep each digit.
+ParquetColumn columnOf(std::string name, std::string_view type) {
+  const std::string column = sqlName(name);
+  const auto is = [&](std::initializer_list<std::string_view> names) {
+    return std::ranges::find(names, type) != names.end();
+  };
+  if (is({"DOUBLE", "FLOAT", "BOOLEAN"}) || type.starts_with("DECIMAL")) {
+    return {std::move(name), ParquetColumn::Kind::number, column + "::double"};
+  }
+  if (is({"DATE", "VARCHAR", "UUID", "TINYINT", "SMALLINT", "INTEGER", "BIGINT", "HUGEINT",
+          "UTINYINT", "USMALLINT", "UINTEGER", "UBIGINT", "UHUGEINT", "TIME"}) ||
+      type.starts_with("ENUM")) {
+    return {std::move(name), ParquetColumn::Kind::text, column + "::varchar"};
+  }
+  if (is({"TIMESTAMP", "TIMESTAMP_S", "TIMESTAMP_MS", "TIMESTAMP_NS"})) {
+    return {std::move(name), ParquetColumn::Kind::text,
+            fmt::format("case when {0} = date_trunc('day', {0}) then {0}::date::varchar else "
+                        "replace({0}::varchar, ' ', 'T') end",
+                        column)};
+  }
+  return {std::move(name), ParquetColumn::Kind::unfit, "null::varchar"};
+}
+
+}  // namespace
+
+std::vector<ParquetColumn> parquetColumns(const DuckdbSession& session, const std::string& path) {
+  std::error_code error;
+  if (!std::filesystem::is_regular_file(path, error)) {
+    throw tool::Failure(fmt::format("{}: no such file", path));
+  }
+  std::vector<ParquetColumn> columns;
+  const auto query = session.query("describe select * from " + parquetSource(path), path);
+  for (DuckdbRows rows = query->next(); rows.count() > 0; rows = query->next()) {
+    for (std::size_t row = 0; row < rows.count(); ++row) {
+      columns.push_back(columnOf(std::string(rows.text(0, row)), rows.text(1, row)));
+    }
+  }
+  return columns;
+}
+
+std::string parquetQuery(const std::vector<ParquetColumn>& columns, const std::string& path) {
+  std::string list;
+  for (const ParquetColumn& column : columns) {
+    list += (list.empty() ? "" : ", ") + column.expression;
+  }
+  return fmt::format("select {} from {}", list, parquetSource(path));
+}
+
+ParquetReader::ParquetReader(std::shared_ptr<const DuckdbSession> session, const std::string& path,
+                             bool exact, std::size_t most)
+    : TableReader(path),
+      session_(std::move(session)),
+      exact_(exact),
+      columns_(parquetColumns(*session_, path)) {
+  columns_.resize(std::min(columns_.size(), most));
+  fieldCount_ = columns_.size();
+  exactOf_.resize(columns_.size());
+  if (exact_) splitExact();
+  query_ = session_->query(parquetQuery(columns_, path), path);
+  texts_.resize(columns_.size());
+}
+
+void ParquetReader::splitExact() {
+  while (fieldCount_ > 0 && columns_[fieldCount_ - 1].name.ends_with(exactColumn)) --fieldCount_;
+  for (std::size_t column = fieldCount_; column < columns_.size(); ++column) {
+    const std::string& name = columns_[column].name;
+    const auto fields = std::span(columns_).first(fieldCount_);
+    const auto field = std::ranges::find(
+        fields, std::string_view(name).substr(0, name.size() - exactColumn.size()),
+        &ParquetColumn::name);
+    if (field != fields.end()) exactOf_[static_cast<std::size_t>(field - fields.begin())] = column;
+  }
+}
+
+std::string_view ParquetReader::kept(std::size_t column, std::string_view text) {
+  texts_[column] = text;
+  return texts_[column];
+}
+
+TableField ParquetReader::fieldAt(std::size_t column) {
+  TableField field{.text = "", .quoted = false, .at = {.line = row_, .column = column + 1}};
+  if (columns_[column].kind == ParquetColumn::Kind::unfit) {
+    field.fault = "is of a nested type or bytes, expected a text or a number";
+    return field;
+  }
+  if (rows_.isNull(column, at_)) return field;
+  if (columns_[column].kind == ParquetColumn::Kind::number) {
+    const std::size_t exact = exactOf_[column];
+    if (exact != 0 && columns_[exact].kind == ParquetColumn::Kind::text &&
+        !rows_.isNull(exact, at_) && !rows_.text(exact, at_).empty()) {
+      field.text = kept(exact, rows_.text(exact, at_));
+      return field;
+    }
+    field.isNumber = true;
+    field.number = rows_.doubles(column)[at_];
+    return field;
+  }
+  field.quoted = true;
+  const std::string_view text = rows_.text(column, at_);
+  const std::optional<std::string> plain = exact_ ? unspelled(text) : std::string(text);
+  if (!plain) {
+    field.fault = "begins with a backslash, and is no text that was spelled out";
+    return field;
+  }
+  field.text = kept(column, *plain);
+  return field;
+}
+
+bool ParquetReader::next(ProblemList& problems) {
+  static_cast<void>(problems);
+  fields_.clear();
+  if (!headed_) {
+    headed_ = true;
+    for (std::size_t column = 0; column < fieldCount_; ++column) {
+      fields_.push_back({.text = kept(column, columns_[column].name), .quoted = true});
+    }
+    return true;
+  }
+  while (at_ == rows_.count()) {
+    rows_ = query_->next();
+    at_ = 0;
+    if (rows_.count() == 0) return false;
+  }
+  ++row_;
+  for (std::size_t column = 0; column < fieldCount_; ++column) {
+    fields_.push_back(fieldAt(column));
+  }
+  ++at_;
+  return true;
+}
+
+std::string ParquetReader::place(TextPosition at) const {
+  return at.line == 0 ? path_ : fmt::format("{}: row {}", path_, at.line);
+}
+
+std::string ParquetReader::shortPlace(TextPosition at) const {
+  return fmt::format("row {}", at.line);
+}
+
+std::unique_ptr<TableReader> openParquet(const TableSource& source) {
+  return std::make_unique<ParquetReader>(std::make_shared<DuckdbSession>(), source.path,
+                                         source.exact, std::numeric_limits<std::size_t>::max());
+}
+
+}  // namespace formats

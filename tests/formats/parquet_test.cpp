@@ -1,0 +1,242 @@
+// Parquet files through DuckDB: tables, folders of whole databases, and files that are not what
+// they should be. A second reader, which is not DuckDB, looks at what was written.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <bit>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <ztb/ztb.hpp>
+
+#include "tests/formats/job.h"
+
+namespace {
+
+using formatstest::Job;
+using formatstest::Options;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+double ofBits(std::uint64_t bits) {
+  return std::bit_cast<double>(bits);
+}
+
+std::uint64_t bitsOf(double value) {
+  return std::bit_cast<std::uint64_t>(value);
+}
+
+// What a command prints.
+std::string printed(const std::string& command) {
+  std::FILE* pipe = popen(command.c_str(), "r");
+  std::string text;
+  std::array<char, 4096> part{};
+  for (std::size_t read = 0; (read = std::fread(part.data(), 1, part.size(), pipe)) > 0;) {
+    text.append(part.data(), read);
+  }
+  EXPECT_EQ(pclose(pipe), 0) << command;
+  return text;
+}
+
+std::string contentOf(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+class ParquetTest : public testing::Test {
+ protected:
+  ParquetTest() {
+    ztb::Symbol food = database_.addSet("food", {"*"});
+    food.add("Milk").setText("1 qt.");
+    food.add("Tofu");
+    ztb::Symbol price = database_.addParameter("price", {food, "*"});
+    price.add("Milk", "a").setLevel(0.1 + 0.2);
+    price.add("Tofu", "b").setLevel(-2);
+  }
+
+  std::string rxf() {
+    database_.write(folder_.file("a.rxf"));
+    return folder_.file("a.rxf");
+  }
+  void writeFolder() {
+    Job out({{"all", ""}, {"to", folder_.file("dir")}, {"format", "parquet"}});
+    ASSERT_TRUE(out.exportFile(rxf())) << out.errors(folder_);
+  }
+  std::string refusalOfFolder() {
+    Job in({{"from", folder_.file("dir")}});
+    EXPECT_FALSE(in.import(folder_.file("back.rxf")));
+    EXPECT_FALSE(std::filesystem::exists(folder_.file("back.rxf")));
+    return in.errors(folder_);
+  }
+  // A file by the second reader: its rows as JSON, and the encodings and codecs of its columns.
+  std::string byOtherReader(const std::string& file) {
+    return printed(std::string("node ") + ZTB_READ_PARQUET + " " + ZTB_NODE_MODULES + " '" +
+                   folder_.file(file) + "'");
+  }
+
+  ztb::Database database_;
+  ztbtest::TempFolder folder_;
+};
+
+TEST_F(ParquetTest, IsReadByAnotherReader) {
+  Job out({{"symbol", "price"}, {"to", folder_.file("price.parquet")}});
+  ASSERT_TRUE(out.exportFile(rxf())) << out.errors(folder_);
+  EXPECT_EQ(out.counted(ZTB_FORMATS_RECORDS), 2);
+  EXPECT_EQ(byOtherReader("price.parquet"),
+            "{\"food\":\"Milk\",\"dim_2\":\"a\",\"value\":0.30000000000000004}\n"
+            "{\"food\":\"Tofu\",\"dim_2\":\"b\",\"value\":-2}\n");
+}
+
+TEST_F(ParquetTest, HasLabelsInDictionariesAndIsPackedByZstd) {
+  ztb::Symbol big = database_.addParameter("big", {"*", "*"});
+  for (int i = 0; i < 3000; ++i) {
+    big.add("row " + std::to_string(i / 50), "column " + std::to_string(i % 50))
+        .setLevel(1.0 / (i + 1));
+  }
+  Job out({{"symbol", "big"}, {"to", folder_.file("big.parquet")}});
+  ASSERT_TRUE(out.exportFile(rxf())) << out.errors(folder_);
+  const std::string columns =
+      printed(std::string("node ") + ZTB_READ_PARQUET + " " + ZTB_NODE_MODULES + " '" +
+              folder_.file("big.parquet") + "' columns");
+  EXPECT_THAT(columns, testing::MatchesRegex("dim_1 ZSTD .*DICTIONARY\n"
+                                             "dim_2 ZSTD .*DICTIONARY\n"
+                                             "value ZSTD .*\n"));
+}
+
+TEST_F(ParquetTest, ComesInAsATable) {
+  Job out({{"symbol", "price"}, {"to", folder_.file("price.parquet")}});
+  ASSERT_TRUE(out.exportFile(rxf())) << out.errors(folder_);
+  ztb::Database other;
+  Job in({{"from", folder_.file("price.parquet")}, {"parameter", "cost(food, dim_2) = value"}});
+  ASSERT_TRUE(in.importInto(other.handle())) << in.errors(folder_);
+  EXPECT_EQ(other["cost"].find("Milk", "a")->level(), 0.1 + 0.2);
+  Job wrong({{"from", folder_.file("price.parquet")}, {"parameter", "c(food) = cents"}});
+  EXPECT_FALSE(wrong.importInto(other.handle()));
+  EXPECT_THAT(wrong.errors(folder_),
+              StartsWith("price.parquet: no column 'cents'; the columns are food, dim_2, value\n"));
+  Job twice({{"from", folder_.file("price.parquet")}, {"set", "s(value)"}});
+  ASSERT_TRUE(twice.importInto(other.handle())) << twice.errors(folder_);
+  EXPECT_TRUE(other["s"].find("-2").has_value());
+}
+
+TEST_F(ParquetTest, GoesOutWide) {
+  Job out({{"symbol", "price"}, {"to", folder_.file("wide.parquet")}, {"wide", "dim_2"}});
+  ASSERT_TRUE(out.exportFile(rxf())) << out.errors(folder_);
+  EXPECT_EQ(byOtherReader("wide.parquet"),
+            "{\"food\":\"Milk\",\"a\":0.30000000000000004,\"b\":null}\n"
+            "{\"food\":\"Tofu\",\"a\":null,\"b\":-2}\n");
+}
+
+TEST_F(ParquetTest, KeepsValuesThatCompareEqualApart) {
+  ztb::Symbol x = database_.addVariable("x", 0, {"*"});
+  const std::array<double, 8> values{
+      0.0,   -0.0,      ofBits(0x7FF8000000000000), ofBits(0xFFF8000000000001),
+      1e300, ofBits(1), ofBits(0x7FF0000000000000), ofBits(0xFFF0000000000000)};
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    ztb::Record record = x.add("i" + std::to_string(i));
+    record.setLevel(values[i]);
+    record.setScale(values[values.size() - 1 - i]);
+  }
+  writeFolder();
+  Job in({{"from", folder_.file("dir")}});
+  ASSERT_TRUE(in.import(folder_.file("back.rxf"))) << in.errors(folder_);
+  const ztb::Database back = ztb::Database::open(folder_.file("back.rxf"));
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    const ztb::Record record = *back.symbol("x").find("i" + std::to_string(i));
+    EXPECT_EQ(bitsOf(record.level()), bitsOf(values[i])) << i;
+    EXPECT_EQ(bitsOf(record.scale()), bitsOf(values[values.size() - 1 - i])) << i;
+  }
+}
+
+TEST_F(ParquetTest, SpellsBytesThatAreNoUtf8) {
+  database_["price"].add("caf\xE9", "\\x").setLevel(1);
+  database_["food"].find("Tofu")->setText("\xFF");
+  writeFolder();
+  EXPECT_THAT(byOtherReader("dir/food.parquet"), HasSubstr("\\\\\\\\xFF"));
+  Job in({{"from", folder_.file("dir")}});
+  ASSERT_TRUE(in.import(folder_.file("back.rxf"))) << in.errors(folder_);
+  const ztb::Database back = ztb::Database::open(folder_.file("back.rxf"));
+  EXPECT_TRUE(back.symbol("price").find("caf\xE9", "\\x").has_value());
+  EXPECT_EQ(back.symbol("food").find("Tofu")->text().str(), "\xFF");
+  Job table({{"symbol", "price"}, {"to", folder_.file("price.parquet")}});
+  EXPECT_FALSE(table.exportFile(rxf()));
+  EXPECT_THAT(table.errors(folder_), HasSubstr("is no UTF-8"));
+  EXPECT_FALSE(std::filesystem::exists(folder_.file("price.parquet")));
+}
+
+TEST_F(ParquetTest, TellsAFileThatIsMissingCutOrOfOtherRows) {
+  writeFolder();
+  const std::string price = folder_.file("dir/price.parquet");
+  const std::string content = contentOf(price);
+  std::ofstream(price, std::ios::binary) << content.substr(0, content.size() / 2);
+  EXPECT_THAT(refusalOfFolder(), StartsWith("dir/price.parquet: "));
+  std::ofstream(price, std::ios::binary) << "";
+  EXPECT_THAT(refusalOfFolder(), StartsWith("dir/price.parquet: "));
+  std::filesystem::remove(price);
+  EXPECT_EQ(refusalOfFolder(), "dir/price.parquet: no such file");
+  ztb::Database fewer;
+  fewer.addParameter("price", {"food", "*"}).add("Milk", "a").setLevel(1);
+  fewer.write(folder_.file("fewer.rxf"));
+  Job replaced({{"symbol", "price"}, {"to", price}});
+  ASSERT_TRUE(replaced.exportFile(folder_.file("fewer.rxf"))) << replaced.errors(folder_);
+  EXPECT_EQ(refusalOfFolder(), "dir/price.parquet: has 1 row, and 2 were written to it");
+  writeFolder();
+  std::filesystem::copy_file(folder_.file("dir/price.parquet"), folder_.file("dir/_labels.parquet"),
+                             std::filesystem::copy_options::overwrite_existing);
+  EXPECT_THAT(refusalOfFolder(),
+              StartsWith("dir/_labels.parquet: row 1: the header is not label\n"));
+}
+
+TEST_F(ParquetTest, RefusesWhatItCannotTake) {
+  std::ofstream(folder_.file("no.parquet")) << "PAR1 and no more";
+  Job no({{"from", folder_.file("no.parquet")}, {"parameter", "p(i) = v"}});
+  EXPECT_FALSE(no.import(folder_.file("b.rxf")));
+  EXPECT_THAT(no.errors(folder_), HasSubstr("no.parquet"));
+  Job all({{"all", ""}, {"to", folder_.file("all.parquet")}});
+  EXPECT_FALSE(all.exportFile(rxf()));
+  EXPECT_THAT(all.errors(folder_),
+              HasSubstr("a parquet file takes the table of one symbol, 2 symbols are chosen"));
+  Job out({{"symbol", "price"}, {"to", "-"}, {"format", "parquet"}});
+  EXPECT_FALSE(out.exportFile(rxf()));
+  EXPECT_EQ(out.errors(folder_), "--to -: a parquet file cannot go to standard output");
+  EXPECT_FALSE(std::filesystem::exists(folder_.file("b.rxf")));
+  EXPECT_FALSE(std::filesystem::exists(folder_.file("all.parquet")));
+}
+
+TEST_F(ParquetTest, TakesNamesWithCharsOfPatternsAndQuotes) {
+  const std::string path = folder_.file("it's [a]*.parquet");
+  Job out({{"symbol", "price"}, {"to", path}});
+  ASSERT_TRUE(out.exportFile(rxf())) << out.errors(folder_);
+  ztb::Database other;
+  Job in({{"from", path}, {"parameter", "cost(food, dim_2) = value"}});
+  ASSERT_TRUE(in.importInto(other.handle())) << in.errors(folder_);
+  EXPECT_EQ(other["cost"].recordCount(), 2);
+}
+
+TEST_F(ParquetTest, GoesThroughTheCommandAndBack) {
+  const std::string ztb = ZTB_PROGRAM;
+  const std::string folder = folder_.file("dir");
+  const std::string back = folder_.file("back.rxf");
+  EXPECT_EQ(printed(ztb + " export " + rxf() + " --all --to " + folder +
+                    " --format parquet 2>&1 && " + ztb + " import " + back + " --from " + folder +
+                    " >/dev/null 2>&1 && " + ztb + " diff " + rxf() + " " + back),
+            "");
+}
+
+TEST_F(ParquetTest, SaysHowToGetDuckdbWhereThereIsNone) {
+  // In a process of its own, since the library stays open in this one.
+  const std::string command = std::string("ZTB_DUCKDB=") + folder_.file("nowhere.so") + " " +
+                              ZTB_PROGRAM + " export " + rxf() + " price --to " +
+                              folder_.file("p.parquet") + " 2>&1; test $? = 1";
+  const std::string text = printed(command);
+  EXPECT_THAT(text, HasSubstr("Parquet files need DuckDB's library libduckdb.so"));
+  EXPECT_THAT(text, HasSubstr("ZTB_DUCKDB"));
+  EXPECT_FALSE(std::filesystem::exists(folder_.file("p.parquet")));
+}
+
+}  // namespace
