@@ -1,6 +1,6 @@
 // Measures databases of 10^6 records on their way into SQLite and back beside a loop of prepared
 // statements that a program would have written itself, to the same table and index, from and to the
-// same exchange file.
+// same exchange file; and into Parquet files and back beside DuckDB's own copy from one to another.
 
 #include <sqlite3.h>
 #include <ztb/formats.h>
@@ -19,6 +19,7 @@
 #include <ztb/ztb.hpp>
 
 #include "bench/scratch_folder.h"
+#include "formats/parquet/duckdb_session.h"
 
 namespace {
 
@@ -119,7 +120,7 @@ double secondsOf(const std::function<void()>& body) {
 }
 
 // Prints the best of some runs of each, in turns, and their ratio.
-void contest(const char* name, const std::function<void()>& ours,
+void contest(const char* name, const char* rivalName, const std::function<void()>& ours,
              const std::function<void()>& rival) {
   double best = 1e9;
   double rivals = 1e9;
@@ -127,7 +128,8 @@ void contest(const char* name, const std::function<void()>& ours,
     best = std::min(best, secondsOf(ours));
     rivals = std::min(rivals, secondsOf(rival));
   }
-  std::printf("%-12s %8.3f s   by hand %8.3f s   ratio %5.2f\n", name, best, rivals, best / rivals);
+  std::printf("%-12s %8.3f s   %s %8.3f s   ratio %5.2f\n", name, best, rivalName, rivals,
+              best / rivals);
 }
 
 }  // namespace
@@ -140,17 +142,35 @@ int main(int argc, char** argv) {
     makeFile(source, records);
     std::printf("%d records of dimension 3, best of %d runs\n", records, runs);
     contest(
-        "SQLite, out",
+        "SQLite, out", "by hand",
         [&] {
           runJob({{"all", ""}, {"to", folder.file("a.db")}}, ztbFormatsExport, source);
         },
         [&] { writeByHand(source, folder.file("b.db")); });
     contest(
-        "SQLite, in",
+        "SQLite, in", "by hand",
         [&] {
           runJob({{"from", folder.file("a.db")}}, ztbFormatsImport, folder.file("b.rxf"));
         },
         [&] { readByHand(folder.file("b.db"), folder.file("c.rxf")); });
+    formats::DuckdbSession duckdb;
+    const auto copy = [&] {
+      duckdb.run("copy (from '" + folder.file("parquet/flow.parquet") + "') to '" +
+                     folder.file("copy.parquet") + "' (format parquet, compression zstd)",
+                 "the copy");
+    };
+    const auto writeParquet = [&] {
+      runJob({{"all", ""}, {"to", folder.file("parquet")}, {"format", "parquet"}}, ztbFormatsExport,
+             source);
+    };
+    writeParquet();
+    contest("Parquet, out", "DuckDB's copy", writeParquet, copy);
+    contest(
+        "Parquet, in", "DuckDB's copy",
+        [&] {
+          runJob({{"from", folder.file("parquet")}}, ztbFormatsImport, folder.file("d.rxf"));
+        },
+        copy);
   } catch (const std::exception& error) {
     std::fprintf(stderr, "%s\n", error.what());
     return EXIT_FAILURE;

@@ -5,7 +5,7 @@ from __future__ import annotations
 import os
 from typing import Any, Dict, Iterator, Iterable, List, Mapping, Optional, Tuple, Union, cast
 
-from . import _native, arguments, display, formats, partial
+from . import _native, arguments, display, formats, partial, xarrays
 from .errors import MissingFileError
 from .home import Home
 from .numeric import Equation, Parameter, Variable
@@ -183,8 +183,6 @@ class Database(display.Shows, Home, Mapping[str, Symbol[Any]]):
         if _is_netcdf(target, format):
             if names is not None:
                 raise ValueError("a NetCDF file takes a whole database")
-            from . import xarrays
-
             xarrays.write_netcdf(self, os.fspath(target), xarrays.MOST_CELLS)
             return
         options = formats.export_options(target, names, format, wide, separator, decimal)
@@ -198,8 +196,6 @@ class Database(display.Shows, Home, Mapping[str, Symbol[Any]]):
         ``NAME:elements`` and, where it has any, ``NAME:texts``. A symbol of more than ``most`` cells is
         refused with its size.
         """
-        from . import xarrays
-
         return xarrays.dataset_of(self, arguments.whole(most, "number of cells"))
 
     # ---- symbols ----
@@ -380,9 +376,13 @@ def _is_netcdf(path: object, format: Optional[str]) -> bool:  # noqa: A002
 
 def from_xarray(dataset: Any, *, store: str = "map") -> Database:
     """The database that :meth:`Database.to_xarray` made a ``Dataset`` of."""
-    from . import xarrays
-
-    return xarrays.database_from(dataset, store)
+    database = Database(store=store)
+    try:
+        xarrays.fill_database(database, dataset)
+    except BaseException:
+        database.close()
+        raise
+    return database
 
 
 def _store_number(store: str) -> int:
@@ -408,9 +408,7 @@ def read(source: Path, *, store: str = "map", **options: Any) -> Database:
     if _is_netcdf(source, options.get("format")):
         if set(options) - {"format"}:
             raise ValueError("a NetCDF file has no table; it is read as a whole database")
-        from . import xarrays
-
-        return xarrays.read_netcdf(os.fspath(source), store)
+        return from_xarray(xarrays.read_netcdf(os.fspath(source)), store=store)
     database = Database(store=store)
     try:
         database.import_table(source, **options)

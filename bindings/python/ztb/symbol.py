@@ -13,7 +13,7 @@ from typing import NamedTuple, Optional, Sequence, Tuple, TypeVar, Union, overlo
 import numpy as np
 import numpy.typing as npt
 
-from . import _native, arguments, arrays, arrow_data, display, texts
+from . import _native, arguments, arrays, arrow_data, display, texts, xarrays
 from .arrow_data import ArrowData
 from .errors import Error
 from .home import Home
@@ -333,8 +333,6 @@ class Symbol(display.Shows, MutableMapping[Any, Value]):
         or equation are a last dimension, ``field``. A symbol of more than ``most`` cells is
         refused with its size.
         """
-        from . import xarrays
-
         return xarrays.array_of(self, arguments.whole(most, "number of cells"))
 
     def from_xarray(self, data: Any, *, nan: str = "na") -> None:
@@ -344,8 +342,6 @@ class Symbol(display.Shows, MutableMapping[Any, Value]):
         name, in their order. A cell that :meth:`to_xarray` left without a record is none; ``nan``
         tells what becomes of other NaNs, as for ``from_pandas``. For a set, true makes an element.
         """
-        from . import xarrays
-
         xarrays.fill(self, data, nan)
 
     def violations(self) -> List[Violation]:

@@ -14,12 +14,16 @@ import numpy as np
 import numpy.typing as npt
 
 from . import arguments
-from .database import Database
 from .errors import DamagedFileError
 from .missing import missing_value, require_choice
 from .special import _double
-from .symbol import KINDS, Alias, Set, Symbol
 from .values import FIELDS
+
+# Symbols and databases are the package's own, which import this module.
+Symbol = Any
+Database = Any
+
+_KINDS = ("set", "parameter", "variable", "equation", "alias")
 
 #: A cell without a record: a NaN with bits of its own, so that ``NA`` stays apart.
 ABSENT: float = _double(0x7FF8000061627374)
@@ -41,6 +45,10 @@ def _package(name: str, debian: str) -> Any:
         ) from None
 
 
+def _is(symbol: Symbol, kind: str) -> bool:
+    return bool(_KINDS[symbol._native.type] == kind)
+
+
 def _xarray() -> Any:
     return _package("xarray", "python3-xarray")
 
@@ -53,7 +61,7 @@ def _field_dimension(names: Sequence[str]) -> str:
 # ---- out ----
 
 
-def _require_room(symbol: Symbol[Any], sizes: Sequence[int], most: int) -> None:
+def _require_room(symbol: Symbol, sizes: Sequence[int], most: int) -> None:
     cells = 1
     for size in sizes:
         cells *= size
@@ -66,7 +74,7 @@ def _require_room(symbol: Symbol[Any], sizes: Sequence[int], most: int) -> None:
 
 
 def _axis_numbers(
-    symbol: Symbol[Any], keys: npt.NDArray[np.int32]
+    symbol: Symbol, keys: npt.NDArray[np.int32]
 ) -> List[Tuple[npt.NDArray[np.int32], bool]]:
     """The label numbers along each axis: those of the domain set, or else, which is told, those that
     records have."""
@@ -80,7 +88,7 @@ def _axis_numbers(
 
 
 def _cells(
-    symbol: Symbol[Any],
+    symbol: Symbol,
     keys: npt.NDArray[np.int32],
     content: npt.NDArray[Any],
     axes: Sequence[npt.NDArray[np.int32]],
@@ -101,7 +109,7 @@ def _cells(
     return cells
 
 
-def array_of(symbol: Symbol[Any], most: int) -> Any:
+def array_of(symbol: Symbol, most: int) -> Any:
     """A symbol as a DataArray."""
     keys, content = symbol._table()
     numbers = [axis for axis, _ in _axis_numbers(symbol, keys)]
@@ -111,7 +119,7 @@ def array_of(symbol: Symbol[Any], most: int) -> Any:
         name: labels[axis].astype(object) for name, axis in zip(names, numbers)
     }
     dimensions = list(names)
-    if isinstance(symbol, Set):
+    if _is(symbol, "set"):
         cells = _cells(symbol, keys, np.ones(len(keys), dtype=np.bool_), numbers, False, most)
     elif len(symbol._content_columns()) == 1:
         cells = _cells(symbol, keys, content[:, 0], numbers, ABSENT, most)
@@ -127,14 +135,14 @@ def array_of(symbol: Symbol[Any], most: int) -> Any:
 # ---- in ----
 
 
-def fill(symbol: Symbol[Any], data: Any, nan: str) -> None:
+def fill(symbol: Symbol, data: Any, nan: str) -> None:
     """Replaces the records of a symbol by the cells of a DataArray."""
     require_choice(nan)
     xarray = _xarray()
     if not isinstance(data, xarray.DataArray):
         raise TypeError(f"{arguments.shown(data)} is no DataArray of xarray")
     names = symbol._native.columns()
-    wide = not isinstance(symbol, Set) and len(symbol._content_columns()) > 1
+    wide = not _is(symbol, "set") and len(symbol._content_columns()) > 1
     field = _field_dimension(names)
     expected = [*names, field] if wide else names
     if set(data.dims) == set(expected):
@@ -148,7 +156,7 @@ def fill(symbol: Symbol[Any], data: Any, nan: str) -> None:
         raise ValueError(f"the coordinates of {field} are not {', '.join(FIELDS)}")
     axes = [data[name].values for name in data.dims[: symbol.dimension]]
     cells = np.asarray(data.values)
-    if isinstance(symbol, Set):
+    if _is(symbol, "set"):
         _put(symbol, axes, np.asarray(cells, dtype=np.bool_), None)
         return
     values = np.array(cells, dtype=np.float64)
@@ -162,7 +170,7 @@ def fill(symbol: Symbol[Any], data: Any, nan: str) -> None:
     _put(symbol, axes, there, rows)
 
 
-def _put(symbol: Symbol[Any], axes: Sequence[Any], there: Any, rows: Any) -> None:
+def _put(symbol: Symbol, axes: Sequence[Any], there: Any, rows: Any) -> None:
     new_labels = symbol._database._native.new_labels()
     places = np.nonzero(np.atleast_1d(there))[: len(axes)] if axes else ()
     count = int(np.count_nonzero(there))
@@ -196,7 +204,7 @@ def dataset_of(database: Database, most: int) -> Any:
     coordinates: Dict[str, Any] = {}
     labels = database._label_array()
     for symbol in database.symbols():
-        if not isinstance(symbol, Alias):
+        if not _is(symbol, "alias"):
             _add_variable(variables, coordinates, symbol, labels, most)
     attributes = {
         "ztb_labels": _joined(database.labels),
@@ -208,7 +216,7 @@ def dataset_of(database: Database, most: int) -> Any:
 def _add_variable(
     variables: Dict[str, Any],
     coordinates: Dict[str, Any],
-    symbol: Symbol[Any],
+    symbol: Symbol,
     labels: npt.NDArray[np.object_],
     most: int,
 ) -> None:
@@ -222,7 +230,7 @@ def _add_variable(
         dimensions.append(own if name in dimensions else name)
         numbers.append(axis)
         coordinates[dimensions[-1]] = labels[axis].astype(object)
-    if isinstance(symbol, Set):
+    if _is(symbol, "set"):
         marks = np.ones(len(keys), dtype=np.int8)
         variables[f"{symbol.name}:elements"] = (
             dimensions,
@@ -244,10 +252,10 @@ def _add_variable(
 
 def _described(symbol: Any) -> str:
     """A symbol as a line: kind, name, domains, user information, and text or the set of an alias."""
-    if isinstance(symbol, Alias):
+    if _is(symbol, "alias"):
         target = symbol.set
         return "\t".join(["alias", symbol.name, "", "0", "*" if target is None else target.name])
-    kind = KINDS[symbol._native.type]
+    kind = _KINDS[symbol._native.type]
     domains = "\v".join(domain.name for domain in symbol.domains)
     return "\t".join([kind, symbol.name, domains, str(symbol.user_info), symbol.text])
 
@@ -263,30 +271,24 @@ def _split(joined: str) -> List[str]:
     return [plain(text) for text in joined.split("\n")] if joined else []
 
 
-def database_from(dataset: Any, store: str) -> Database:
-    """The database that a Dataset was made from."""
+def fill_database(database: Database, dataset: Any) -> None:
+    """Makes an empty database the one that a Dataset was made from."""
     if not isinstance(dataset, _xarray().Dataset):
         raise TypeError(f"{arguments.shown(dataset)} is no Dataset of xarray")
     if not {"ztb_labels", "ztb_symbols"} <= set(dataset.attrs):
         raise DamagedFileError(
             "the data set has no ztb_symbols: it was not made from a database", "from_xarray"
         )
-    database = Database(store=store)
-    try:
-        database.add_labels(_split(dataset.attrs["ztb_labels"]))
-        for line in _split(dataset.attrs["ztb_symbols"]):
-            _add_symbol(database, line.split("\t", 4))
-        for symbol in database.symbols():
-            if isinstance(symbol, Symbol):
-                _read_variable(symbol, dataset)
-    except BaseException:
-        database.close()
-        raise
-    return database
+    database.add_labels(_split(dataset.attrs["ztb_labels"]))
+    for line in _split(dataset.attrs["ztb_symbols"]):
+        _add_symbol(database, line.split("\t", 4))
+    for symbol in database.symbols():
+        if not _is(symbol, "alias"):
+            _read_variable(symbol, dataset)
 
 
 def _add_symbol(database: Database, parts: List[str]) -> None:
-    if len(parts) != 5 or parts[0] not in KINDS:
+    if len(parts) != 5 or parts[0] not in _KINDS:
         raise DamagedFileError(f"{parts!r} describes no symbol", "from_xarray")
     kind, name, domains, user_info, text = parts
     if kind == "alias":
@@ -295,17 +297,17 @@ def _add_symbol(database: Database, parts: List[str]) -> None:
         )
         return
     names = domains.split("\v") if domains else []
-    database._add(name, KINDS.index(kind), names, text, int(user_info))
+    database._add(name, _KINDS.index(kind), names, text, int(user_info))
 
 
-def _read_variable(symbol: Symbol[Any], dataset: Any) -> None:
-    name = f"{symbol.name}:elements" if isinstance(symbol, Set) else symbol.name
+def _read_variable(symbol: Symbol, dataset: Any) -> None:
+    name = f"{symbol.name}:elements" if _is(symbol, "set") else symbol.name
     if name not in dataset:
         raise DamagedFileError(f"the data set has no variable {name}", "from_xarray")
     array = dataset[name]
     axes = [dataset[dimension].values for dimension in array.dims[: symbol.dimension]]
     cells = np.asarray(array.values)
-    if isinstance(symbol, Set):
+    if _is(symbol, "set"):
         _put(symbol, axes, cells != 0, None)
         texts = dataset.get(f"{symbol.name}:texts")
         if texts is not None:
@@ -316,7 +318,7 @@ def _read_variable(symbol: Symbol[Any], dataset: Any) -> None:
             )
         return
     rows = np.array(cells, dtype=np.float64)
-    if symbol._native.type == KINDS.index("parameter"):
+    if symbol._native.type == _KINDS.index("parameter"):
         rows = rows[..., np.newaxis]
     _put(symbol, axes, ~(rows.view(np.uint64) == _ABSENT_BITS).all(axis=-1), rows)
 
@@ -339,14 +341,13 @@ def write_netcdf(database: Database, path: Any, most: int) -> None:
         os.replace(written, path)
 
 
-def read_netcdf(path: Any, store: str) -> Database:
-    """The database that a NetCDF file was written from."""
+def read_netcdf(path: Any) -> Any:
+    """The Dataset of a NetCDF file."""
     _package("netCDF4", "python3-netcdf4")
     xarray = _xarray()
     try:
-        dataset = xarray.load_dataset(path, engine="netcdf4", mask_and_scale=False)
+        return xarray.load_dataset(path, engine="netcdf4", mask_and_scale=False)
     except FileNotFoundError:
         raise
     except (OSError, ValueError, RuntimeError) as error:
         raise DamagedFileError(f"{path}: {error}", "read_netcdf") from None
-    return database_from(dataset, store)
