@@ -76,24 +76,25 @@ class _Labels:
         self.keys: Optional[Keys] = None
         self.order: Optional[npt.NDArray[np.intp]] = None
 
-    def same(self, data: Any) -> bool:
-        """Whether data of this kind have the same labels in the same rows."""
-        if self.heads is not None and not self.heads.holds(data.columns):
-            return False
+    def values(self, data: Any) -> Any:
+        """The numbers of data of this kind, as an array of whatever type; None for data that have
+        other labels, or the same in other rows."""
+        if self.heads is None:
+            return _array(data) if self.indexes.holds(data.index) else None
+        if not self.heads.holds(data.columns):
+            return None
         if not self.columns:
-            return self.indexes.holds(data.index)
+            return _array(data[self.column]) if self.indexes.holds(data.index) else None
+        # All at once, which takes less than to ask for two by name.
+        columns = dict(data.items())
         for name, labels, held in self.columns:
-            new = _array(data[name])
+            new = _array(columns[name])
             if new.dtype != labels.dtype or new.shape != labels.shape:
-                return False
+                return None
             # Of objects these are addresses, and those of the labels stay theirs.
             if new.tobytes() != held and not np.array_equal(new, labels):
-                return False
-        return True
-
-    def values(self, data: Any) -> Any:
-        """The numbers of data of this kind, as an array of whatever type."""
-        return _array(data if self.heads is None else data[self.column])
+                return None
+        return _array(columns[self.column])
 
 
 class _Same:
@@ -113,8 +114,9 @@ class _Same:
             return True
         if not _same_index(self._first, index):
             return False
-        if len(self._known) < self._MOST:
-            self._known[id(index)] = index
+        if len(self._known) == self._MOST:
+            self._known.clear()
+        self._known[id(index)] = index
         return True
 
 
@@ -170,10 +172,8 @@ class Driven:
 
     def _known(self, labels: _Labels, data: Any) -> Optional[Tuple[Keys, Numbers]]:
         """Label numbers and values of data with labels that are known; None for others."""
-        if not labels.same(data):
-            return None
         values = labels.values(data)
-        if values.dtype != _DOUBLE:
+        if values is None or values.dtype != _DOUBLE:
             return None
         if labels.keys is None:
             from . import frames
