@@ -317,8 +317,18 @@ class ModelTie {
   }
 
   // Writes the values of parameter `data` into the model. Gives the records that met no row or
-  // column.
+  // column. Throws for bounds of an equation and for level or marginal of a parameter, which have
+  // none: the library would take numbers of rows for those of columns there, and the other way
+  // round.
   int update(const Symbol& modelSymbol, Action action, const Symbol& data, Missing missing) {
+    const bool isOfPoint = action == Action::level || action == Action::marginal;
+    const Type type = modelSymbol.type();
+    if (type == (isOfPoint ? Type::parameter : Type::equation)) {
+      throw Error("ztbUpdateModelSymbol",
+                  modelSymbol.name().str() +
+                      (isOfPoint ? " is a parameter: fix or a bound is expected"
+                                 : " is an equation: level or marginal is expected"));
+    }
     int unmatched = 0;
     detail::require(
         c__ztbupdatemodelsymbol(database_->handle(), modelSymbol.handle(), static_cast<int>(action),

@@ -207,3 +207,14 @@ def test_a_mapping_that_is_refused_leaves_the_data_as_they_were():
         tie["price"] = {"a": 7.0, "b": "cheap"}
     assert dict(tie["price"]) == {("a",): 5.0, ("b",): 4.0}
     assert tie.solve().objective == 12
+
+
+@pytest.mark.parametrize("action", ["fix", "lower", "upper", "bounds"])
+def test_an_equation_has_no_bounds_to_be_updated(action):
+    # The library would write to the column that has the number of the row.
+    model = ztb.Model.from_arrays([2, 1], [[1, 1]], 3, rows={"need": None}, bounds=(0, 9))
+    tie = model.tie()
+    with pytest.raises(ValueError, match="need is an equation: level or marginal is expected"):
+        tie.update("need", 7.0, action)
+    assert tie.solve()["x"]["upper"].tolist() == [9, 9]
+    assert tie.update("need", 3.0, "level") == 0

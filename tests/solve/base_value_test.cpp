@@ -1,5 +1,6 @@
-// Levels and marginals of a parameter are written to the row that has the number of its column; the
-// base value of the number behind the last row is a zero, and further on there is none.
+// Levels and marginals of a parameter are written, by the exported function, to the row that has
+// the number of its column; the base value of the number behind the last row is a zero, and further
+// on there is none.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -19,12 +20,11 @@ class BaseValue : public testing::TestWithParam<ztb::Action> {
     ztb::Database database;
     ztb::ModelTie tie(database, model);
     const ztb::Symbol none = database.addParameter("p", {});
-    try {
-      tie.update(none, GetParam(), none, ztb::Missing::base);
-    } catch (const ztb::Error& error) {
-      return error.what();
-    }
-    return "";
+    int unmatched = 0;
+    const int done =
+        c__ztbupdatemodelsymbol(database.handle(), none.handle(), static_cast<int>(GetParam()),
+                                none.handle(), static_cast<int>(ztb::Missing::base), &unmatched);
+    return done != 0 ? "" : database.lastError().str();
   }
 };
 
@@ -41,5 +41,37 @@ INSTANTIATE_TEST_SUITE_P(Actions, BaseValue,
                          [](const auto& test) {
                            return test.param == ztb::Action::level ? "level" : "marginal";
                          });
+
+// The exported function would take the number of the row for that of a column.
+TEST(Update, BoundsOfAnEquationAndLevelsOfAParameterAreRefused) {
+  ztb::Model model;
+  model.addColumn("x", 0, 5);
+  model.addColumn("rate_var", 2, 2);
+  const int row = model.addRow("need", ztbRowGreaterOrEqual, 1);
+  model.addTerm(0, 0, 1);
+  model.addTerm(row, 0, 1);
+  ztb::Database database;
+  ztb::ModelTie tie(database, model);
+  ztb::Symbol rate = database.addParameter("rate", {});
+  rate.add().setLevel(3);
+  const auto refusal = [&](const ztb::Symbol& symbol, ztb::Action action) -> std::string {
+    try {
+      tie.update(symbol, action, rate, ztb::Missing::keep);
+    } catch (const ztb::Error& error) {
+      return error.what();
+    }
+    return "";
+  };
+  for (const ztb::Action action :
+       {ztb::Action::fix, ztb::Action::upper, ztb::Action::lower, ztb::Action::bounds}) {
+    EXPECT_EQ(refusal(database.symbol("need"), action),
+              "need is an equation: level or marginal is expected");
+    EXPECT_EQ(refusal(rate, action), "");
+  }
+  for (const ztb::Action action : {ztb::Action::level, ztb::Action::marginal}) {
+    EXPECT_EQ(refusal(rate, action), "rate is a parameter: fix or a bound is expected");
+    EXPECT_EQ(refusal(database.symbol("need"), action), "");
+  }
+}
 
 }  // namespace

@@ -592,6 +592,8 @@ class Tie:
         symbol = self.database[name]
         if not isinstance(symbol, (Variable, Equation)):
             raise KeyError(f"{name} is no variable or equation of the model")
+        if isinstance(symbol, Equation) and action not in ("level", "marginal"):
+            raise ValueError(f"{name} is an equation: level or marginal is expected, not {action}")
         values = self._updates.get(symbol.name)
         if values is None:
             positions = self._model._positions.get(_native.folded(name))
