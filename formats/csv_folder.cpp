@@ -75,6 +75,7 @@ void writeCsvFolder(const DatabaseExport& database) {
       csv.finish();
     }
   }
+  entries.push_back(universeEntry(database.file));
   writeManifest(folder, entries);
 }
 

@@ -70,6 +70,7 @@ void writeTables(TableWriter& writer, const DatabaseExport& database) {
       entry.tables = writer.namesFor(symbol->name, symbol->recordCount);
     }
   }
+  entries.push_back(universeEntry(database.file));
   const TableHead head = manifestHead(entries.size());
   writer.begin(head);
   for (const ManifestEntry& entry : entries) {

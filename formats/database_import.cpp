@@ -30,23 +30,51 @@ ztb::Symbol addSymbol(ztb::Database& database, const ManifestEntry& entry) {
   return database.addSymbol(entry.name, entry.type, domains, entry.text, entry.userInfo);
 }
 
-std::vector<ReadSymbol> addSymbols(ztb::Database& database, DatabaseReader& reader,
-                                   ProblemList& problems) {
+// What the table of symbols tells: the symbols, which are added, and the labels, if it does.
+struct Catalogue {
   std::vector<ReadSymbol> symbols;
+  std::optional<ManifestEntry> labels;
+};
+
+Catalogue addSymbols(ztb::Database& database, DatabaseReader& reader, ProblemList& problems) {
+  Catalogue catalogue;
   for (ManifestEntry& entry : reader.symbols(problems)) {
+    if (isUniverse(entry)) {
+      catalogue.labels = std::move(entry);
+      continue;
+    }
     try {
       const ztb::Symbol symbol = addSymbol(database, entry);
-      symbols.push_back({.entry = std::move(entry), .symbol = symbol});
+      catalogue.symbols.push_back({.entry = std::move(entry), .symbol = symbol});
     } catch (const ztb::Error& error) {
       problems.add(reader.place(entry), error.what());
     }
   }
-  return symbols;
+  return catalogue;
 }
 
-void readLabels(DatabaseReader& database, RecordImport& records, ProblemList& problems) {
+// Tells where there are fewer rows than the table of symbols says; more may have been added by
+// hand.
+void requireCount(std::size_t count, const ManifestEntry& entry, const char* what,
+                  const std::string& path, DatabaseReader& database, ProblemList& problems) {
+  if (entry.records && count < *entry.records) {
+    problems.add(path,
+                 fmt::format("has {}, {} tells {}: it is cut short, or rows were taken out and "
+                             "the number there not changed",
+                             tool::counted(count, what), database.place(entry), *entry.records));
+  }
+}
+
+void readLabels(DatabaseReader& database, const std::optional<ManifestEntry>& told,
+                RecordImport& records, ProblemList& problems) {
   const std::unique_ptr<TableReader> reader = database.labels();
   if (!reader) {
+    if (told && told->records.value_or(0) > 0) {
+      problems.add(database.place(*told),
+                   fmt::format("{} are told, and no _labels is there; with no number here they are "
+                               "numbered as they come",
+                               tool::counted(*told->records, "label")));
+    }
     return;
   }
   if (!reader->next(problems) || reader->fields().size() != 1 ||
@@ -54,7 +82,11 @@ void readLabels(DatabaseReader& database, RecordImport& records, ProblemList& pr
     problems.add(reader->place({.line = 1, .column = 1}), "the header is not label");
     return;
   }
-  records.readLabels(*reader);
+  const std::size_t before = problems.count();
+  const std::size_t count = records.readLabels(*reader);
+  if (told && problems.count() == before) {
+    requireCount(count, *told, "label", reader->path(), database, problems);
+  }
 }
 
 void readRecords(DatabaseReader& database, const ReadSymbol& symbol, RecordImport& records,
@@ -102,18 +134,24 @@ void readRecords(DatabaseReader& database, const ReadSymbol& symbol, RecordImpor
     target.valueFields.resize(contentCount);
     std::iota(target.valueFields.begin(), target.valueFields.end(), std::size_t{0});
   }
+  const std::size_t before = problems.count();
+  const std::size_t recordsBefore = records.recordCount();
   records.readRows(reader, columns, {target});
+  if (problems.count() == before) {
+    requireCount(records.recordCount() - recordsBefore, symbol.entry, "record", reader.path(),
+                 database, problems);
+  }
 }
 
 }  // namespace
 
 void importDatabase(ztb::Database& database, DatabaseReader& reader, RecordImport& records,
                     ProblemList& problems) {
-  const std::vector<ReadSymbol> symbols = addSymbols(database, reader, problems);
-  readLabels(reader, records, problems);
+  const Catalogue catalogue = addSymbols(database, reader, problems);
+  readLabels(reader, catalogue.labels, records, problems);
   // Sets first, since the labels of others may be looked up in them.
   for (const bool sets : {true, false}) {
-    for (const ReadSymbol& symbol : symbols) {
+    for (const ReadSymbol& symbol : catalogue.symbols) {
       const bool isSet = symbol.entry.type == ztb::Type::set && symbol.symbol.dimension() == 1;
       if (symbol.entry.type != ztb::Type::alias && isSet == sets) {
         readRecords(reader, symbol, records, problems);

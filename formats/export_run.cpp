@@ -3,6 +3,8 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <filesystem>
+#include <system_error>
 
 #include "formats/csv_folder.h"
 #include "formats/database_export.h"
@@ -121,8 +123,27 @@ void ExportRun::writeTable(const Format& format, const tool::ExchangeFile& file,
   writer->finish();
 }
 
+// A name without an ending that tells a format is that of a folder only if it surely is one.
+void ExportRun::requireKnownEnding() const {
+  std::error_code error;
+  if (targetOption_ != "to" || target_ == "-" || !format_.empty() || target_.ends_with('/') ||
+      formatOfFile(target_) != nullptr || std::filesystem::is_directory(target_, error)) {
+    return;
+  }
+  std::string endings;
+  for (const Format& format : formatTable()) {
+    if (*format.endings != '\0')
+      endings += fmt::format("{}{}", endings.empty() ? "" : " ", format.endings);
+  }
+  throw UsageError(
+      fmt::format("--to {}: its ending tells no format, which {} do; give --format, or "
+                  "for a folder a / at its end",
+                  target_, endings));
+}
+
 void ExportRun::write(const std::string& path, bool shows, RunResult& result) {
   checkUsage();
+  requireKnownEnding();
   const Format& format = targetOption_ == "csv" ? *formatNamed("csv") : formatFor(target_, format_);
   requireWritable(format);
   const bool isFile = formatOfFile(target_) != nullptr;

@@ -20,6 +20,7 @@ class ExportRun {
 
  private:
   void checkUsage() const;
+  void requireKnownEnding() const;
   [[nodiscard]] std::vector<const tool::FileSymbol*> chosenSymbols(
       const tool::ExchangeFile& file) const;
   void writeTable(const Format& format, const tool::ExchangeFile& file,

@@ -58,8 +58,9 @@ class TablesDatabase : public DatabaseReader {
     std::vector<ManifestEntry> entries = readManifest(*catalogue_, problems);
     std::erase_if(entries, [&](const ManifestEntry& entry) {
       const bool missing =
-          (entry.tables.empty() && entry.type != ztb::Type::alias) ||
-          !std::ranges::all_of(entry.tables, [&](const auto& table) { return has(table); });
+          !isUniverse(entry) &&
+          ((entry.tables.empty() && entry.type != ztb::Type::alias) ||
+           !std::ranges::all_of(entry.tables, [&](const auto& table) { return has(table); }));
       if (missing) {
         problems.add(place(entry),
                      fmt::format("tables: {} has no table {}", entry.name,

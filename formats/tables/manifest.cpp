@@ -27,14 +27,18 @@ enum Column : std::size_t {
   aliasColumn,
   textColumn,
   tablesColumn,
+  recordsColumn,
   columnCount
 };
 
 constexpr std::array<std::string_view, columnCount> columnNames{
-    "symbol", "type", "dimension", "domains", "user_info", "alias_of", "text", "tables"};
+    "symbol", "type", "dimension", "domains", "user_info", "alias_of", "text", "tables", "records"};
 
-// The columns that a table of symbols has in a folder.
-constexpr auto folderColumns = std::span(columnNames).first<tablesColumn>();
+// The columns that a table of symbols has in a folder, or had in an older one.
+constexpr auto oldFolderColumns = std::span(columnNames).first<tablesColumn>();
+constexpr auto oldColumns = std::span(columnNames).first<recordsColumn>();
+constexpr std::array<std::string_view, columnCount - 1> folderColumns{
+    "symbol", "type", "dimension", "domains", "user_info", "alias_of", "text", "records"};
 
 std::optional<int> parseInteger(std::string_view text) {
   int value = 0;
@@ -111,12 +115,15 @@ class ManifestReader {
     const auto isHeader = [&](std::span<const std::string_view> names) {
       return std::ranges::equal(reader_.fields(), names, {}, &TableField::text);
     };
-    if (!reader_.next(problems_) || (!isHeader(folderColumns) && !isHeader(columnNames))) {
+    if (!reader_.next(problems_) || (!isHeader(folderColumns) && !isHeader(columnNames) &&
+                                     !isHeader(oldFolderColumns) && !isHeader(oldColumns))) {
       problems_.add(reader_.place({.line = 1, .column = 1}),
                     fmt::format("the header is not {}", fmt::join(folderColumns, ",")));
       return {};
     }
     columns_ = reader_.fields().size();
+    hasTables_ = isHeader(oldColumns) || isHeader(columnNames);
+    hasRecords_ = isHeader(folderColumns) || isHeader(columnNames);
     std::vector<ManifestEntry> entries;
     while (reader_.next(problems_)) {
       const std::size_t before = problems_.count();
@@ -124,6 +131,9 @@ class ManifestReader {
       if (problems_.count() == before) {
         entries.push_back(std::move(entry));
       }
+    }
+    if (hasRecords_ && problems_.empty() && (entries.empty() || !isUniverse(entries.back()))) {
+      problems_.add(reader_.path(), "is cut short: its last line is not that of all labels, *");
     }
     return entries;
   }
@@ -138,7 +148,7 @@ class ManifestReader {
                                 tool::counted(reader_.fields().size(), "field"), columns_));
       return entry;
     }
-    if (columns_ > tablesColumn) {
+    if (hasTables_) {
       entry.tables = splitTables(text(tablesColumn));
     }
     entry.name = text(nameColumn);
@@ -160,6 +170,7 @@ class ManifestReader {
     } else {
       problem(userInfoColumn, "is no whole number");
     }
+    if (hasRecords_) readCount(entry);
     for (const Column column : {nameColumn, aliasColumn, textColumn}) {
       if (text(column).find('\0') != std::string_view::npos) {
         problem(column, "holds a zero byte");
@@ -168,16 +179,33 @@ class ManifestReader {
     return entry;
   }
 
-  [[nodiscard]] std::string_view text(Column column) const { return reader_.fields()[column].text; }
+  void readCount(ManifestEntry& entry) {
+    const TableField& field = fieldOf(recordsColumn);
+    if (field.text.empty() && !field.isNumber) return;
+    const std::optional<int> count =
+        field.isNumber ? static_cast<int>(field.number) : parseInteger(field.text);
+    if (count && *count >= 0) {
+      entry.records = static_cast<std::size_t>(*count);
+    } else {
+      problem(recordsColumn, "is no number of records");
+    }
+  }
+
+  [[nodiscard]] const TableField& fieldOf(Column column) const {
+    return reader_.fields()[column == recordsColumn ? columns_ - 1 : column];
+  }
+  [[nodiscard]] std::string_view text(Column column) const { return fieldOf(column).text; }
   void problem(Column column, const std::string& reason) {
     problems_.add(
-        reader_.place(reader_.fields()[column].at),
+        reader_.place(fieldOf(column).at),
         fmt::format("{}: {} {}", columnNames[column], tool::inQuotes(text(column)), reason));
   }
 
   TableReader& reader_;
   ProblemList& problems_;
   std::size_t columns_ = 0;
+  bool hasTables_ = false;
+  bool hasRecords_ = false;
 };
 
 }  // namespace
@@ -215,15 +243,26 @@ ManifestEntry describe(const tool::ExchangeFile& file, const tool::FileSymbol& s
   entry.userInfo = symbol.userInfo;
   if (symbol.isAlias()) {
     entry.aliasOf = file.resolved(symbol).name;
+  } else {
+    entry.records = symbol.recordCount;
   }
+  return entry;
+}
+
+ManifestEntry universeEntry(const tool::ExchangeFile& file) {
+  ManifestEntry entry;
+  entry.name = "*";
+  entry.domains = {"*"};
+  entry.text = "All labels";
+  entry.records = static_cast<std::size_t>(file.labelCount());
   return entry;
 }
 
 TableHead manifestHead(std::size_t symbols) {
   TableHead head{.name = "_symbols", .columns = {}, .rows = symbols, .keys = 1, .exact = true};
   for (const std::string_view name : columnNames) {
-    const bool isNumber =
-        name == columnNames[dimensionColumn] || name == columnNames[userInfoColumn];
+    const bool isNumber = name == columnNames[dimensionColumn] ||
+                          name == columnNames[userInfoColumn] || name == columnNames[recordsColumn];
     head.columns.push_back(
         {.name = std::string(name), .kind = isNumber ? ColumnKind::integer : ColumnKind::text});
   }
@@ -244,13 +283,18 @@ void writeEntry(TableWriter& writer, const ManifestEntry& entry, bool withTables
   if (withTables) {
     writer.text(tables);
   }
+  if (entry.records) {
+    writer.number(static_cast<double>(*entry.records));
+  } else {
+    writer.missing();
+  }
   writer.endRow();
 }
 
 void writeManifest(const std::filesystem::path& folder, const std::vector<ManifestEntry>& entries) {
   CsvWriter csv(manifestPath(folder).string());
   TableHead head = manifestHead(entries.size());
-  head.columns.pop_back();
+  head.columns.erase(head.columns.begin() + tablesColumn);
   csv.begin(head);
   for (const ManifestEntry& entry : entries) {
     writeEntry(csv, entry, false);

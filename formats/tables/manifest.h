@@ -3,8 +3,10 @@
 //
 // A folder of exported data holds:
 //   _symbols.csv  a row for each symbol, in order:
-//                 symbol,type,dimension,domains,user_info,alias_of,text
+//                 symbol,type,dimension,domains,user_info,alias_of,text,records
 //                 domains is a name for each position with commas between, "*" for the universe
+//                 records is the number of records, empty for an alias; the last row, of the
+//                 universe "*", has the number of labels, so that what was cut short is known
 //   _labels.csv   under the header "label", the labels in the order of their numbers
 //                 In a file of many tables, a column "tables" tells which ones a symbol has, with
 //                 slashes between.
@@ -13,7 +15,9 @@
 #ifndef ZTB_FORMATS_TABLES_MANIFEST_H_
 #define ZTB_FORMATS_TABLES_MANIFEST_H_
 
+#include <cstddef>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -34,6 +38,8 @@ struct ManifestEntry {
   std::string text;
   // The tables of its records in a file of many.
   std::vector<std::string> tables;
+  // How many records, or of the universe labels, there are; nothing where that is not told.
+  std::optional<std::size_t> records;
   // Where the entry was read.
   TextPosition at;
 };
@@ -49,6 +55,12 @@ void beginFolder(const std::filesystem::path& manifest);
 // The entry of a symbol of a file.
 ManifestEntry describe(const tool::ExchangeFile& file, const tool::FileSymbol& symbol);
 
+// The entry that stands behind all others.
+ManifestEntry universeEntry(const tool::ExchangeFile& file);
+inline bool isUniverse(const ManifestEntry& entry) {
+  return entry.name == "*";
+}
+
 // The table of symbols in a file of many tables, and an entry of it as a row; without the tables of
 // its records in a folder.
 TableHead manifestHead(std::size_t symbols);
@@ -57,8 +69,9 @@ void writeEntry(TableWriter& writer, const ManifestEntry& entry, bool withTables
 // Throws Failure if the table cannot be written.
 void writeManifest(const std::filesystem::path& folder, const std::vector<ManifestEntry>& entries);
 
-// Reads the table, with or without a column of tables. What is wrong with a row is reported, and
-// the row left out.
+// Reads the table, with or without columns of tables and of records; an older one has no numbers of
+// records, and no entry of the universe. What is wrong with a row is reported, and the row left
+// out.
 std::vector<ManifestEntry> readManifest(TableReader& reader, ProblemList& problems);
 
 }  // namespace formats

@@ -77,10 +77,12 @@ void RecordImport::readRows(TableReader& reader, const std::vector<std::string>&
   }
 }
 
-void RecordImport::readLabels(TableReader& reader) {
+std::size_t RecordImport::readLabels(TableReader& reader) {
+  std::size_t rows = 0;
   const std::vector<std::string> columns{"label"};
   columns_ = &columns;
   while (reader.next(problems_)) {
+    ++rows;
     if (reader.fields().size() != 1) {
       problems_.add(reader.place(reader.position()),
                     fmt::format("has {}, expected one label",
@@ -96,6 +98,7 @@ void RecordImport::readLabels(TableReader& reader) {
               fmt::format("label {} stands twice", tool::inQuotes(reader.fields()[0].text)));
     }
   }
+  return rows;
 }
 
 // The number of the label in a column, which is added if it is new; nothing, with the problem

@@ -54,8 +54,9 @@ class RecordImport {
   void readRows(TableReader& reader, const std::vector<std::string>& columns,
                 const std::vector<ImportTarget>& targets);
 
-  // Reads the labels of a one-column file, so that they get their numbers in its order.
-  void readLabels(TableReader& reader);
+  // Reads the labels of a one-column file, so that they get their numbers in its order; gives how
+  // many rows it had.
+  std::size_t readLabels(TableReader& reader);
 
   // From now on numbers have this char where others have a point.
   void setDecimalChar(char decimal) { decimal_ = decimal; }

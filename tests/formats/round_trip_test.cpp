@@ -64,10 +64,10 @@ TEST_P(RoundTripTest, KeepsNamesThatTheFormatHasForItself) {
 
 INSTANTIATE_TEST_SUITE_P(Formats, RoundTripTest,
                          testing::Values("a.db", "a.xlsx", "a.jsonl", "a.jsonl.gz", "a.jsonl.zst",
-                                         "folder", "parquet"),
+                                         "folder/", "parquet"),
                          [](const testing::TestParamInfo<const char*>& target) {
                            std::string name = target.param;
-                           for (char& c : name) c = c == '.' ? '_' : c;
+                           for (char& c : name) c = c == '.' || c == '/' ? '_' : c;
                            return name;
                          });
 

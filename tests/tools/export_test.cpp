@@ -29,11 +29,12 @@ TEST_F(ExportTest, WritesSymbolsLabelsAndRecords) {
   EXPECT_EQ(ztbFine({"export", "a.rxf", "--all", "--csv", "new/out"}),
             "new/out: 4 symbols, 3 labels, 4 records\n");
   EXPECT_EQ(read("new/out/_symbols.csv"),
-            "symbol,type,dimension,domains,user_info,alias_of,text\n"
-            "food,set,1,*,0,,\"Things, to eat\"\n"
-            "f,alias,1,*,0,food,\n"
-            "price,parameter,1,food,0,,\n"
-            "buy,variable,2,\"food,*\",3,,\n");
+            "symbol,type,dimension,domains,user_info,alias_of,text,records\n"
+            "food,set,1,*,0,,\"Things, to eat\",2\n"
+            "f,alias,1,*,0,food,,\n"
+            "price,parameter,1,food,0,,,1\n"
+            "buy,variable,2,\"food,*\",3,,,1\n"
+            "*,set,1,*,0,,All labels,3\n");
   EXPECT_EQ(read("new/out/_labels.csv"), "label\n\"Ham, smoked\"\n\"\"\nz\n");
   EXPECT_EQ(read("new/out/food.csv"), "food,text\n\"Ham, smoked\",1 lb.\n\"\",\n");
   EXPECT_EQ(read("new/out/price.csv"), "food,value\n\"Ham, smoked\",27.4\n");
@@ -46,9 +47,10 @@ TEST_F(ExportTest, WritesChosenSymbolsInTheOrderOfTheFile) {
   EXPECT_EQ(ztbFine({"export", "a.rxf", "price", "FOOD", "--csv", "out"}),
             "out: 2 symbols, 3 labels, 3 records\n");
   EXPECT_EQ(read("out/_symbols.csv"),
-            "symbol,type,dimension,domains,user_info,alias_of,text\n"
-            "food,set,1,*,0,,\"Things, to eat\"\n"
-            "price,parameter,1,food,0,,\n");
+            "symbol,type,dimension,domains,user_info,alias_of,text,records\n"
+            "food,set,1,*,0,,\"Things, to eat\",2\n"
+            "price,parameter,1,food,0,,,1\n"
+            "*,set,1,*,0,,All labels,3\n");
   EXPECT_FALSE(exists("out/buy.csv"));
 }
 
@@ -78,9 +80,10 @@ TEST_F(ExportTest, KeepsDomainNamesThatAreNoSymbolNames) {
   }
   ztbFine({"export", "names.rxf", "--all", "--csv", "out"});
   EXPECT_EQ(read("out/_symbols.csv"),
-            "symbol,type,dimension,domains,user_info,alias_of,text\n"
+            "symbol,type,dimension,domains,user_info,alias_of,text,records\n"
             "p,parameter,6,\"my dom,1999,_x,\"\"\"\",\"\"a,b\"\",\"\"say "
-            "\"\"\"\"hi\"\"\"\"\"\"\",0,,\n");
+            "\"\"\"\"hi\"\"\"\"\"\"\",0,,,0\n"
+            "*,set,1,*,0,,All labels,0\n");
   ztbFine({"import", "back.rxf", "--dir", "out"});
   ztbFine({"diff", "names.rxf", "back.rxf"});
   ztbFine({"check", "back.rxf"});

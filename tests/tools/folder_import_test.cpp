@@ -55,8 +55,50 @@ TEST_F(FolderImportTest, ReportsAnotherHeader) {
   write("in/_symbols.csv", "name,type\n");
   expectProblems(
       "in/_symbols.csv:1:1: the header is not "
-      "symbol,type,dimension,domains,user_info,alias_of,text\n",
+      "symbol,type,dimension,domains,user_info,alias_of,text,records\n",
       "1 problem");
+}
+
+// What an export wrote, and what is left of it when parts are cut off.
+TEST_F(FolderImportTest, NoticesWhatIsCutShort) {
+  constexpr const char* counted = "symbol,type,dimension,domains,user_info,alias_of,text,records\n";
+  const std::string symbols = std::string(counted) + "p,parameter,1,*,0,,,2\nq,alias,1,*,0,*,,\n";
+  const std::string all = symbols + "*,set,1,*,0,,All labels,3\n";
+  write("in/_symbols.csv", all);
+  write("in/_labels.csv", "label\nx\ny\nz\n");
+  write("in/p.csv", "label,value\nx,1\ny,2\n");
+  EXPECT_EQ(ztbFine({"import", "out.rxf", "--dir", "in"}),
+            "out.rxf: 2 symbols, 3 labels, 2 records\n");
+  std::filesystem::remove(path("out.rxf"));
+  write("in/p.csv", "label,value\nx,1\n");
+  write("in/_labels.csv", "label\nx\ny\n");
+  expectProblems(
+      "in/_labels.csv: has 2 labels, in/_symbols.csv:4 tells 3: it is cut short, or rows were "
+      "taken "
+      "out and the number there not changed\n"
+      "in/p.csv: has 1 record, in/_symbols.csv:2 tells 2: it is cut short, or rows were taken out "
+      "and the number there not changed\n",
+      "2 problems");
+  write("in/_labels.csv", "label\nx\ny\nz\n");
+  write("in/_symbols.csv", symbols);
+  expectProblems(
+      "in/_symbols.csv: is cut short: its last line is not that of all labels, *\n"
+      "in/p.csv: has 1 record, in/_symbols.csv:2 tells 2: it is cut short, or rows were "
+      "taken out and the number there not changed\n",
+      "2 problems");
+  write("in/p.csv", "label,value\nx,1\ny,2\nz,3\n");
+  write("in/_symbols.csv", all);
+  std::filesystem::remove(path("in/_labels.csv"));
+  expectProblems(
+      "in/_symbols.csv:4: 3 labels are told, and no _labels is there; with no number here "
+      "they are numbered as they come\n",
+      "1 problem");
+  write("in/_symbols.csv", symbols + "*,set,1,*,0,,,\n");
+  EXPECT_EQ(ztbFine({"import", "out.rxf", "--dir", "in"}),
+            "out.rxf: 2 symbols, 3 labels, 3 records\n");
+  write("in/_symbols.csv", std::string(counted) + "*,set,1,*,0,,,-1\n");
+  std::filesystem::remove(path("out.rxf"));
+  expectProblems("in/_symbols.csv:2:15: records: '-1' is no number of records\n", "1 problem");
 }
 
 TEST_F(FolderImportTest, ReportsLabelsThatCannotBe) {

@@ -1,5 +1,6 @@
 // The files of other programs through the command: what its options hand on, and what it prints.
 
+#include <cstdlib>
 #include <string>
 #include <ztb/ztb.hpp>
 
@@ -25,7 +26,7 @@ class ToolFormatsTest : public ProgramTest {
 };
 
 TEST_F(ToolFormatsTest, DatabasesGoOutAndComeBack) {
-  for (const std::string target : {"a.db", "a.xlsx", "a.jsonl", "a.jsonl.zst", "folder"}) {
+  for (const std::string target : {"a.db", "a.xlsx", "a.jsonl", "a.jsonl.zst", "folder/"}) {
     EXPECT_EQ(ztbFine({"export", "a.rxf", "--all", "--to", target}),
               target + ": 4 symbols, 3 labels, 4 records\n");
     EXPECT_EQ(ztbFine({"import", "b.rxf", "--from", target}),
@@ -92,6 +93,55 @@ TEST_F(ToolFormatsTest, WhatIsWrongIsToldWithItsPlace) {
               {"import", "b.rxf", "--from", "none.db"});
   EXPECT_EQ(ztb({"export", "a.rxf", "--all", "--to", "a.db", "--csv", "x"}).status, 2);
   EXPECT_EQ(ztb({"export", "a.rxf", "--all", "--to", "a.q", "--format", "q"}).status, 2);
+}
+
+TEST_F(ToolFormatsTest, ANameThatTellsNoFormatIsNoFolder) {
+  for (const std::string target : {"/dev/full", "b.rxf", "folder", "price.txt"}) {
+    const Outcome outcome = ztb({"export", "a.rxf", "--all", "--to", target});
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_TRUE(outcome.errors.starts_with("ztb: --to " + target +
+                                           ": its ending tells no format, which .csv .csv.gz"))
+        << outcome.errors;
+    EXPECT_TRUE(outcome.errors.ends_with(" do; give --format, or for a folder a / at its end\n"))
+        << outcome.errors;
+  }
+  EXPECT_FALSE(exists("folder"));
+  ztbFine({"export", "a.rxf", "--all", "--to", "folder", "--format", "csv"});
+  ztbFine({"export", "a.rxf", "--all", "--to", "folder"});
+}
+
+// Whole databases of which a table, or the end of one, is gone.
+TEST_F(ToolFormatsTest, CutDatabasesAreNoticed) {
+  ztbFine({"export", "a.rxf", "--all", "--to", "a.db"});
+  const std::string remove = "import sqlite3, sys; db = sqlite3.connect('" + path("a.db") +
+                             "'); db.execute(sys.argv[1]); db.commit()";
+  const auto python = [&](const std::string& statement) {
+    return std::system(("/usr/bin/python3 -c \"" + remove + "\" \"" + statement + "\"").c_str());
+  };
+  ASSERT_EQ(python("delete from food where food = 'Milk'"), 0);
+  ASSERT_EQ(python("delete from _labels where label = 'z'"), 0);
+  expectFails(
+      1,
+      "a.db#_labels: has 2 labels, a.db#_symbols: row 5 tells 3: it is cut short, or rows "
+      "were taken out and the number there not changed\n"
+      "a.db#food: has 1 record, a.db#_symbols: row 1 tells 2: it is cut short, or rows were "
+      "taken out and the number there not changed\n"
+      "ztb: b.rxf: not written: 2 problems in the input\n",
+      {"import", "b.rxf", "--from", "a.db"});
+  ASSERT_EQ(python("drop table price"), 0);
+  const Outcome outcome = ztb({"import", "b.rxf", "--from", "a.db"});
+  EXPECT_NE(outcome.errors.find("tables: price has no table 'price'"), std::string::npos);
+  ASSERT_EQ(python("drop table _labels"), 0);
+  EXPECT_NE(ztb({"import", "b.rxf", "--from", "a.db"}).errors.find("no _labels is there"),
+            std::string::npos);
+  ztbFine({"export", "a.rxf", "--all", "--to", "a.xlsx"});
+  for (const std::string file : {"a.db", "a.xlsx"}) {
+    ztbFine({"export", "a.rxf", "--all", "--to", file});
+    const std::string bytes = read(file);
+    write("cut" + file.substr(1), bytes.substr(0, bytes.size() - 1 - bytes.size() / 3));
+    EXPECT_EQ(ztb({"import", "b.rxf", "--from", "cut" + file.substr(1)}).status, 1) << file;
+  }
+  EXPECT_FALSE(exists("b.rxf"));
 }
 
 }  // namespace
