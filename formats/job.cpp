@@ -2,43 +2,13 @@
 
 #include <fmt/format.h>
 
-#include <cstdlib>
 #include <exception>
-#include <filesystem>
 #include <new>
-#include <system_error>
 
+#include "tools/files/scratch_folder.h"
 #include "tools/text/failure.h"
 
 namespace formats {
-
-namespace {
-
-// A folder that goes with everything in it.
-class ScratchFolder {
- public:
-  ScratchFolder() {
-    std::error_code error;
-    const std::filesystem::path folder = std::filesystem::temp_directory_path(error);
-    path_ = ((error ? std::filesystem::path("/tmp") : folder) / "ztb.XXXXXX").string();
-    if (mkdtemp(path_.data()) == nullptr) {
-      throw tool::Failure(path_ + ": cannot be made");
-    }
-  }
-  ScratchFolder(const ScratchFolder&) = delete;
-  ScratchFolder& operator=(const ScratchFolder&) = delete;
-  ~ScratchFolder() {
-    std::error_code error;
-    std::filesystem::remove_all(path_, error);
-  }
-
-  [[nodiscard]] std::string file(const std::string& name) const { return path_ + '/' + name; }
-
- private:
-  std::string path_;
-};
-
-}  // namespace
 
 bool Job::attempt(const std::function<void()>& body) noexcept {
   usage_ = false;
@@ -53,6 +23,9 @@ bool Job::attempt(const std::function<void()>& body) noexcept {
     message_ = error.what();
   } catch (const MissingFile& error) {
     kind_ = ZTB_ERROR_NO_FILE;
+    message_ = error.what();
+  } catch (const Conflict& error) {
+    kind_ = ZTB_ERROR_REFUSED;
     message_ = error.what();
   } catch (const tool::Failure& error) {
     kind_ = result_.problemCount > 0 ? ZTB_ERROR_DAMAGED_FILE : ZTB_ERROR_IO;
@@ -78,6 +51,12 @@ bool Job::option(const char* name, const char* value) noexcept {
       shows_ = true;
       return;
     }
+    if (option == "file" || sets_.hasFiles()) {
+      if (!sets_.option(option, text)) {
+        throw tool::UsageError(fmt::format("--{}: no such option", option));
+      }
+      return;
+    }
     // Those that belong to a source follow it; without one the job is an export.
     const bool ofSource = option == "format" || option == "wide";
     const bool imports = (!ofSource || import_.hasSources()) && import_.option(option, text);
@@ -100,10 +79,15 @@ bool Job::exportFile(const char* path) noexcept {
   return attempt([&] { export_.write(path, shows_, result_); });
 }
 
+bool Job::makeFile(void (SetsRun::*make)(const std::string&, bool, RunResult&) const,
+                   const char* path) noexcept {
+  return attempt([&] { (sets_.*make)(path, shows_, result_); });
+}
+
 bool Job::exportDatabase(ztbRec* database) noexcept {
   return attempt([&] {
     // Records are walked over as a file has them, in the order of their labels.
-    const ScratchFolder folder;
+    const tool::ScratchFolder folder;
     const std::string file = folder.file("database.rxf");
     ztb::detail::require(c__ztbwriterxf(database, file.c_str(), 1), database, "ztbWriteRXF");
     export_.write(file, shows_, result_);

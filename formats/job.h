@@ -9,6 +9,7 @@
 
 #include "formats/export_run.h"
 #include "formats/import_run.h"
+#include "formats/sets/sets_run.h"
 
 namespace formats {
 
@@ -20,6 +21,9 @@ class Job {
   bool importInto(ztbRec* database) noexcept;
   bool exportFile(const char* path) noexcept;
   bool exportDatabase(ztbRec* database) noexcept;
+  // One of the functions of SetsRun.
+  bool makeFile(void (SetsRun::*make)(const std::string&, bool, RunResult&) const,
+                const char* path) noexcept;
 
   [[nodiscard]] const std::string& message() const { return message_; }
   [[nodiscard]] int kind() const { return kind_; }
@@ -32,6 +36,7 @@ class Job {
 
   ImportRun import_;
   ExportRun export_;
+  SetsRun sets_;
   bool shows_ = false;
   RunResult result_;
   std::string message_;

@@ -44,6 +44,27 @@ FORMATS_EXPORT int ztbFormatsExportDatabase(ztbFormatsJob* job, ztbRec* database
   return job != nullptr && database != nullptr && job->job.exportDatabase(database) ? 1 : 0;
 }
 
+FORMATS_EXPORT int ztbFormatsMerge(ztbFormatsJob* job, const char* path) {
+  return job != nullptr && path != nullptr && job->job.makeFile(&formats::SetsRun::merge, path);
+}
+
+FORMATS_EXPORT int ztbFormatsConcat(ztbFormatsJob* job, const char* path) {
+  return job != nullptr && path != nullptr &&
+         job->job.makeFile(&formats::SetsRun::concatenate, path);
+}
+
+FORMATS_EXPORT int ztbFormatsRename(ztbFormatsJob* job, const char* path) {
+  return job != nullptr && path != nullptr && job->job.makeFile(&formats::SetsRun::rename, path);
+}
+
+FORMATS_EXPORT int ztbFormatsWhere(ztbFormatsJob* job, const char* path) {
+  return job != nullptr && path != nullptr && job->job.makeFile(&formats::SetsRun::where, path);
+}
+
+FORMATS_EXPORT int ztbFormatsAggregate(ztbFormatsJob* job, const char* path) {
+  return job != nullptr && path != nullptr && job->job.makeFile(&formats::SetsRun::aggregate, path);
+}
+
 FORMATS_EXPORT const char* ztbFormatsMessage(const ztbFormatsJob* job) {
   return job == nullptr ? "" : job->job.message().c_str();
 }

@@ -1,5 +1,5 @@
 /* Tables and whole databases in the files of other programs: which formats there are, and jobs that
- * bring data in and out.
+ * bring data in and out, or make exchange files of others.
  *
  *   ztbFormatsJob* job;
  *   if (!ztbFormatsCreate(&job)) return 1;
@@ -78,6 +78,17 @@ int ztbFormatsImportInto(ztbFormatsJob* job, ztbRec* database);
  * temporary exchange file first. */
 int ztbFormatsExport(ztbFormatsJob* job, const char* path);
 int ztbFormatsExportDatabase(ztbFormatsJob* job, ztbRec* database);
+
+/* Exchange files as sets of data: each makes one of others, block by block, in constant memory
+ * however many records there are. The options are the files, each as "file", first, then those of
+ * the command of the same name; the symbol of ztb aggregate is "symbol", and each OLD = NEW of ztb
+ * rename is "rename". The new file may be one of those that it is made of, and without success
+ * stays as it was. */
+int ztbFormatsMerge(ztbFormatsJob* job, const char* path);
+int ztbFormatsConcat(ztbFormatsJob* job, const char* path);
+int ztbFormatsRename(ztbFormatsJob* job, const char* path);
+int ztbFormatsWhere(ztbFormatsJob* job, const char* path);
+int ztbFormatsAggregate(ztbFormatsJob* job, const char* path);
 
 /* Each of the functions above that fails gives 0. Then these tell the reason, its kind, a
  * ZTB_ERROR_ code, and whether the options made no sense. Texts stay until the next call for the

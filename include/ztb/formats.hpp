@@ -61,6 +61,23 @@ class Formats {
     require(ztbFormatsExportDatabase(job_, database.handle()), "ztbFormatsExportDatabase");
   }
 
+  // Each makes an exchange file of others, which are options "file": see ztbFormatsMerge.
+  void mergeTo(const ZString& path) {
+    require(ztbFormatsMerge(job_, path.c_str()), "ztbFormatsMerge");
+  }
+  void concatTo(const ZString& path) {
+    require(ztbFormatsConcat(job_, path.c_str()), "ztbFormatsConcat");
+  }
+  void renameTo(const ZString& path) {
+    require(ztbFormatsRename(job_, path.c_str()), "ztbFormatsRename");
+  }
+  void whereTo(const ZString& path) {
+    require(ztbFormatsWhere(job_, path.c_str()), "ztbFormatsWhere");
+  }
+  void aggregateTo(const ZString& path) {
+    require(ztbFormatsAggregate(job_, path.c_str()), "ztbFormatsAggregate");
+  }
+
   // What is worth a word although nothing failed, a line each.
   [[nodiscard]] std::string warnings() const { return ztbFormatsWarnings(job_); }
   // What the run counted, a ZTB_FORMATS_ code.

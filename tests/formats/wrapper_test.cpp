@@ -24,6 +24,38 @@ TEST(FormatsWrapper, TakesADatabaseOutAndBringsItBack) {
   EXPECT_EQ(back["price"].find("Milk")->level(), 0.1 + 0.2);
 }
 
+TEST(FormatsWrapper, MakesFilesOfOthers) {
+  const ztbtest::TempFolder folder;
+  ztb::Database database;
+  ztb::Symbol price = database.addParameter("price", {"food"});
+  price.add("Milk").setLevel(11);
+  price.add("Tofu").setLevel(30);
+  database.write(folder.file("a.rxf"));
+  const std::string a = folder.file("a.rxf");
+  const std::string b = folder.file("b.rxf");
+  ztb::Formats({{"file", a}, {"where", "value > 20"}}).whereTo(b);
+  EXPECT_EQ(ztb::Database::open(b)["price"].recordCount(), 1);
+  ztb::Formats({{"file", a}, {"rename", "price = cost"}, {"label", "Milk = Cream"}}).renameTo(b);
+  EXPECT_EQ(ztb::Database::open(b)["cost"].find("Cream")->level(), 11);
+  ztb::Formats merge({{"file", a}, {"file", b}});
+  merge.mergeTo(b);
+  EXPECT_EQ(merge.counted(ZTB_FORMATS_RECORDS), 4);
+  ztb::Formats({{"file", b}, {"symbol", "cost"}, {"sum", ""}, {"name", "all"}}).aggregateTo(b);
+  EXPECT_EQ(ztb::Database::open(b)["all"].find()->level(), 41);
+  try {
+    ztb::Formats({{"file", a}, {"file", a}}).concatTo(b);
+    FAIL() << "nothing is thrown";
+  } catch (const ztb::Error& error) {
+    EXPECT_EQ(error.kind(), ztb::ErrorKind::refused);
+    EXPECT_NE(std::string(error.text()).find("price(\"Milk\"): stands in "), std::string::npos);
+    EXPECT_STREQ(error.operation(), "ztbFormatsConcat");
+  }
+  EXPECT_THROW(ztb::Formats({{"file", a}, {"to", "a.db"}}), ztb::Error);
+  EXPECT_THROW(
+      ztb::Formats({{"file", folder.file("none.rxf")}, {"where", "value > 20"}}).whereTo(b),
+      ztb::Error);
+}
+
 TEST(FormatsWrapper, ThrowsWithTheKindOfTheFailure) {
   const ztbtest::TempFolder folder;
   try {

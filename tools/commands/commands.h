@@ -28,6 +28,19 @@ void addCheckCommand(CommandLine& line);
 // ztb copy SRC SYMBOL... DST: some symbols of a file, with what they need, as a file of their own.
 void addCopyCommand(CommandLine& line);
 
+// ztb merge A B... OUT and ztb concat A B... OUT: the symbols of several files in one.
+void addMergeCommand(CommandLine& line);
+void addConcatCommand(CommandLine& line);
+
+// ztb rename FILE OUT 'OLD = NEW'...: a file with other names.
+void addRenameCommand(CommandLine& line);
+
+// ztb where FILE OUT --where CONDITION: the records that fulfil a condition.
+void addWhereCommand(CommandLine& line);
+
+// ztb aggregate FILE SYMBOL: sums over some positions.
+void addAggregateCommand(CommandLine& line);
+
 // ztb pivot FILE SYMBOL: a symbol as a two-way table.
 void addPivotCommand(CommandLine& line);
 

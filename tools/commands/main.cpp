@@ -27,9 +27,12 @@ constexpr Adder kAdders[] = {
     {"info", tool::addInfoCommand},     {"show", tool::addShowCommand},
     {"import", tool::addImportCommand}, {"export", tool::addExportCommand},
     {"diff", tool::addDiffCommand},     {"check", tool::addCheckCommand},
-    {"copy", tool::addCopyCommand},     {"pivot", tool::addPivotCommand},
-    {"sql", tool::addSqlCommand},       {"model", tool::addModelCommand},
-    {"solve", tool::addSolveCommand},   {"sweep", tool::addSweepCommand},
+    {"copy", tool::addCopyCommand},     {"merge", tool::addMergeCommand},
+    {"concat", tool::addConcatCommand}, {"rename", tool::addRenameCommand},
+    {"where", tool::addWhereCommand},   {"aggregate", tool::addAggregateCommand},
+    {"pivot", tool::addPivotCommand},   {"sql", tool::addSqlCommand},
+    {"model", tool::addModelCommand},   {"solve", tool::addSolveCommand},
+    {"sweep", tool::addSweepCommand},
 };
 
 // A command that the first word names stands alone, so that the options of the others cost its

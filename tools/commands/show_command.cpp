@@ -16,9 +16,11 @@
 #include "tools/commands/commands.h"
 #include "tools/commands/field_option.h"
 #include "tools/commands/memory_option.h"
+#include "tools/commands/shown_symbol.h"
 #include "tools/commands/store_option.h"
 #include "tools/commands/table_options.h"
 #include "tools/files/exchange_file.h"
+#include "tools/files/record_order.h"
 #include "tools/files/record_walk.h"
 #include "tools/files/slice_filter.h"
 #include "tools/files/standard_streams.h"
@@ -41,6 +43,8 @@ struct ShowOptions {
   std::optional<std::string> slice;
   std::optional<std::string> fields;
   std::optional<std::size_t> head;
+  std::string sortColumn;
+  bool descending = false;
   bool all = false;
   ztb::Store store = ztb::Store::map;
   bool csv = false;
@@ -72,6 +76,13 @@ class ShownRecords {
         keyColumns_(ztb::keyColumns(symbol_.name, symbol_.type, domainNames(symbol_))),
         walk_(file_, symbol_) {
     chooseContent(options.fields);
+    if (!options.sortColumn.empty()) {
+      order_ = {.slot = slotToSort(options.sortColumn),
+                .descending = options.descending,
+                .most = head_ == std::numeric_limits<std::size_t>::max() ? head_ : head_ + 1};
+    } else if (options.descending) {
+      throw UsageError("--descending: goes with --sort");
+    }
     if (options.slice) {
       filter_ = SliceFilter(*options.slice, file_, symbol_);
     }
@@ -102,24 +113,53 @@ class ShownRecords {
     std::size_t records = 0;
     bool more = false;
   };
-  Walked walk(const std::function<void(const RecordWalk&)>& visit) {
+  Walked walk(const std::function<void(const ShownRecord&)>& visit) {
     Walked walked;
-    walk_.rewind();
-    while (walk_.next()) {
-      if (!filter_.matches(walk_.keys())) {
-        continue;
+    const auto show = [&](const ShownRecord& record) {
+      walked.more = walked.records == head_;
+      if (!walked.more) {
+        ++walked.records;
+        visit(record);
       }
-      if (walked.records == head_) {
-        walked.more = true;
+      return !walked.more;
+    };
+    walk_.rewind();
+    if (order_) {
+      walkInOrder(
+          walk_, symbol_, *order_,
+          [this](std::span<const int> keys) { return filter_.matches(keys); }, show);
+      return walked;
+    }
+    while (walk_.next()) {
+      if (filter_.matches(walk_.keys()) && !show({walk_.keys(), walk_.values()})) {
         break;
       }
-      ++walked.records;
-      visit(walk_);
     }
     return walked;
   }
+  // The text of an element of a set.
+  [[nodiscard]] std::string_view text(const ShownRecord& record) const {
+    return file_.file().text(static_cast<int>(record.values[0]));
+  }
 
  private:
+  // The value that --sort names.
+  [[nodiscard]] std::size_t slotToSort(const std::string& column) const {
+    const bool isValue = sameFolded(column, "value");
+    if (symbol_.type == ztb::Type::set || (symbol_.type == ztb::Type::parameter && !isValue)) {
+      throw UsageError(fmt::format(
+          "--sort {}: {} is a {}{}", column, signature(symbol_), typeWord(symbol_.type),
+          symbol_.type == ztb::Type::set ? ", which has no values" : ", whose values are value"));
+    }
+    const auto* field = std::ranges::find_if(
+        ztb::fieldNames, [&](std::string_view known) { return sameFolded(known, column); });
+    if (!isValue && field == ztb::fieldNames.end()) {
+      throw UsageError(fmt::format(
+          "--sort {}: is no field, expected level, marginal, lower, upper or scale", column));
+    }
+    return isValue ? 0 : static_cast<std::size_t>(field - ztb::fieldNames.begin());
+  }
+
   void chooseContent(const std::optional<std::string>& chosen) {
     if (!chosen) {
       contentColumns_ =
@@ -144,6 +184,7 @@ class ShownRecords {
   std::vector<std::string> contentColumns_;
   std::vector<std::size_t> fields_;
   SliceFilter filter_;
+  std::optional<RecordOrder> order_;
   RecordWalk walk_;
 };
 
@@ -156,15 +197,15 @@ void printCsv(ShownRecords& shown) {
     csv.text(column);
   }
   csv.endRow();
-  shown.walk([&](const RecordWalk& record) {
-    for (const int key : record.keys()) {
+  shown.walk([&](const ShownRecord& record) {
+    for (const int key : record.keys) {
       csv.label(shown.file().label(key));
     }
     if (shown.hasTexts()) {
-      csv.text(record.text());
+      csv.text(shown.text(record));
     } else {
       for (const std::size_t field : shown.fields()) {
-        csv.text(shown.number(record.values()[field]).view());
+        csv.text(shown.number(record.values[field]).view());
       }
     }
     csv.endRow();
@@ -177,17 +218,17 @@ void printJson(ShownRecords& shown) {
   head.back() = ',';
   print(head + "\"records\":[");
   const char* separator = "\n";
-  shown.walk([&](const RecordWalk& record) {
+  shown.walk([&](const ShownRecord& record) {
     Json json;
     json["keys"] = Json::array();
-    for (const int key : record.keys()) {
+    for (const int key : record.keys) {
       json["keys"].push_back(shown.file().label(key));
     }
     if (shown.hasTexts()) {
-      json["text"] = record.text();
+      json["text"] = shown.text(record);
     } else {
       for (std::size_t index = 0; index < shown.fields().size(); ++index) {
-        json[shown.contentColumns()[index]] = jsonNumber(record.values()[shown.fields()[index]]);
+        json[shown.contentColumns()[index]] = jsonNumber(record.values[shown.fields()[index]]);
       }
     }
     print(separator + jsonText(json));
@@ -213,18 +254,18 @@ ShownRecords::Walked walkCells(ShownRecords& shown, bool withTexts,
   std::vector<std::string_view> cells;
   std::vector<NumberText> numbers;
   numbers.reserve(shown.fields().size());
-  return shown.walk([&](const RecordWalk& record) {
+  return shown.walk([&](const ShownRecord& record) {
     cells.clear();
-    for (const int key : record.keys()) {
+    for (const int key : record.keys) {
       cells.push_back(shown.file().label(key));
     }
     numbers.clear();
     if (!shown.hasTexts()) {
       for (const std::size_t field : shown.fields()) {
-        cells.push_back(numbers.emplace_back(shown.number(record.values()[field])).view());
+        cells.push_back(numbers.emplace_back(shown.number(record.values[field])).view());
       }
     } else if (withTexts) {
-      cells.push_back(record.text());
+      cells.push_back(shown.text(record));
     }
     use(cells);
   });
@@ -294,6 +335,16 @@ void runShow(const ShowOptions& options) {
 
 }  // namespace
 
+void showLastSymbol(const std::string& file, const ShownForm& form) {
+  ShowOptions options;
+  options.file = file;
+  options.symbol = ExchangeFile(file).symbols().back().name;
+  options.csv = form.csv;
+  options.json = form.json;
+  options.table = form.table;
+  runShow(options);
+}
+
 void addShowCommand(CommandLine& line) {
   Command command = line.add("show", "Show the records of a symbol");
   auto options = std::make_shared<ShowOptions>();
@@ -310,6 +361,12 @@ void addShowCommand(CommandLine& line) {
             "Show all records; without it a table on a terminal ends after " +
                 std::to_string(recordsOnTerminal))
       .excludes(head);
+  command
+      .text("--sort", options->sortColumn,
+            "Show records in the order of their value, or of this field")
+      .typeName("value|FIELD")
+      .notEmpty();
+  command.flag("--descending", options->descending, "With --sort, show the greatest values first");
   addWidthOption(command, options->table);
   addDigitsOption(command, options->table);
   addStoreOption(command, options->store);
@@ -325,6 +382,7 @@ void addShowCommand(CommandLine& line) {
       "  ztb show diet.rxf price\n"
       "  ztb show diet.rxf nutrition --slice 'wheat*,*' --head 20\n"
       "  ztb show diet.rxf nutrition --slice '\"Ham, smoked\",iron_mg'\n"
+      "  ztb show diet.rxf price --sort value --descending --head 5\n"
       "  ztb show plan.rxf buy --field level,marginal --csv\n"
       "  ztb show diet.rxf '*'");
   command.action([options] {

@@ -3,6 +3,7 @@
 #include <dlfcn.h>
 #include <fmt/format.h>
 
+#include <array>
 #include <new>
 
 #include "tools/text/failure.h"
@@ -18,6 +19,7 @@ struct Functions {
   decltype(&ztbFormatsOption) option;
   decltype(&ztbFormatsImport) import;
   decltype(&ztbFormatsExport) exportFile;
+  std::array<decltype(&ztbFormatsMerge), 5> make;  // in the order of FormatsJob::Making
   decltype(&ztbFormatsMessage) message;
   decltype(&ztbFormatsIsUsage) isUsage;
   decltype(&ztbFormatsProblems) problems;
@@ -45,6 +47,11 @@ Functions openLibrary() {
   bind(library, "ztbFormatsOption", functions.option);
   bind(library, "ztbFormatsImport", functions.import);
   bind(library, "ztbFormatsExport", functions.exportFile);
+  constexpr std::array makeNames{"ztbFormatsMerge", "ztbFormatsConcat", "ztbFormatsRename",
+                                 "ztbFormatsWhere", "ztbFormatsAggregate"};
+  for (std::size_t making = 0; making < makeNames.size(); ++making) {
+    bind(library, makeNames.at(making), functions.make.at(making));
+  }
   bind(library, "ztbFormatsMessage", functions.message);
   bind(library, "ztbFormatsIsUsage", functions.isUsage);
   bind(library, "ztbFormatsProblems", functions.problems);
@@ -85,6 +92,10 @@ void FormatsJob::import(const std::string& path) {
 
 void FormatsJob::exportFile(const std::string& path) {
   require(library().exportFile(job_, path.c_str()));
+}
+
+void FormatsJob::make(Making making, const std::string& path) {
+  require(library().make.at(static_cast<std::size_t>(making))(job_, path.c_str()));
 }
 
 std::string FormatsJob::problems() const {

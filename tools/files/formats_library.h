@@ -22,6 +22,9 @@ class FormatsJob {
   void option(const std::string& name, const std::string& value);
   void import(const std::string& path);
   void exportFile(const std::string& path);
+  // What makes an exchange file of others.
+  enum class Making { merge, concat, rename, where, aggregate };
+  void make(Making making, const std::string& path);
 
   // What ztbFormatsProblems, ztbFormatsWarnings and ztbFormatsCounted give.
   [[nodiscard]] std::string problems() const;

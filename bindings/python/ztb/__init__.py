@@ -12,6 +12,8 @@
 
 from . import _native
 from .arrow import from_arrow
+from .database import Database, memory_needed, open, read
+from .datasets import aggregate, concat, merge, rename, where
 from .database import Database, from_xarray, memory_needed, open, read
 from .errors import DamagedFileError, Error, MissingFileError, NotFoundError
 from .families import Expression, Family
@@ -85,14 +87,19 @@ __all__ = [
     "Variable",
     "Violation",
     "__version__",
+    "aggregate",
+    "concat",
     "from_arrow",
     "from_xarray",
     "label_text",
     "memory_needed",
+    "merge",
     "open",
     "read",
+    "rename",
     "special_code",
     "special_codes",
     "sql",
     "sweep",
+    "where",
 ]

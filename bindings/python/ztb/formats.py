@@ -44,6 +44,9 @@ def _library() -> Any:
             library.ztbFormatsOption.argtypes = [ctypes.c_void_p] + [ctypes.c_char_p] * 2
             for name in ("ImportInto", "ExportDatabase"):
                 getattr(library, "ztbFormats" + name).argtypes = [ctypes.c_void_p] * 2
+            for name in ("Merge", "Concat", "Rename", "Where", "Aggregate"):
+                making = getattr(library, "ztbFormats" + name)
+                making.argtypes = [ctypes.c_void_p, ctypes.c_char_p]
             library.ztbFormatsErrorKind.argtypes = [ctypes.c_void_p]
             library.ztbFormatsIsUsage.argtypes = [ctypes.c_void_p]
             _loaded["library"] = library
@@ -72,6 +75,10 @@ class _Job:
     def export_database(self, handle: int) -> None:
         self._require(self._library.ztbFormatsExportDatabase(self._job, ctypes.c_void_p(handle)))
 
+    def make(self, making: str, path: Path) -> None:
+        function = getattr(self._library, "ztbFormats" + making)
+        self._require(function(self._job, os.fsencode(path)))
+
     def _text(self, name: str) -> str:
         return os.fsdecode(getattr(self._library, "ztbFormats" + name)(self._job))
 
@@ -89,7 +96,7 @@ class _Job:
             raise MissingFileError(text, "ztbFormatsImport")
         if kind == _DAMAGED_FILE:
             raise DamagedFileError(problems + text, "ztbFormatsImport")
-        raise Error(text, "ztbFormats")
+        raise Error(problems + text, "ztbFormats")
 
 
 def _several(value: Optional[Texts]) -> List[str]:
@@ -169,3 +176,9 @@ def export(native: _native.Database, options: Options) -> None:
     """Writes a database as the options ask."""
     with _Job(options) as job:
         native.with_handle(job.export_database)
+
+
+def make(making: str, options: Options, path: Path) -> None:
+    """Makes an RXF file of others: Merge, Concat, Rename, Where or Aggregate."""
+    with _Job(options) as job:
+        job.make(making, path)

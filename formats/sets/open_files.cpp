@@ -1,0 +1,28 @@
+#include "formats/sets/open_files.h"
+
+#include <fmt/format.h>
+
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <system_error>
+
+#include "formats/import_run.h"
+
+namespace formats {
+
+std::vector<std::unique_ptr<tool::ExchangeFile>> openFiles(const std::vector<std::string>& paths,
+                                                           tool::Progress& progress) {
+  std::vector<std::unique_ptr<tool::ExchangeFile>> files;
+  for (const std::string& path : paths) {
+    std::error_code error;
+    if (path != "-" && !std::filesystem::exists(path, error)) {
+      throw MissingFile(fmt::format("{}: cannot be read: {}", path, std::strerror(ENOENT)));
+    }
+    progress.step("opening " + path);
+    files.push_back(std::make_unique<tool::ExchangeFile>(path));
+  }
+  return files;
+}
+
+}  // namespace formats
