@@ -243,9 +243,8 @@ ManifestEntry describe(const tool::ExchangeFile& file, const tool::FileSymbol& s
   entry.userInfo = symbol.userInfo;
   if (symbol.isAlias()) {
     entry.aliasOf = file.resolved(symbol).name;
-  } else {
-    entry.records = symbol.recordCount;
   }
+  entry.records = symbol.recordCount;
   return entry;
 }
 

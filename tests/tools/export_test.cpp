@@ -31,7 +31,7 @@ TEST_F(ExportTest, WritesSymbolsLabelsAndRecords) {
   EXPECT_EQ(read("new/out/_symbols.csv"),
             "symbol,type,dimension,domains,user_info,alias_of,text,records\n"
             "food,set,1,*,0,,\"Things, to eat\",2\n"
-            "f,alias,1,*,0,food,,\n"
+            "f,alias,1,*,0,food,,2\n"
             "price,parameter,1,food,0,,,1\n"
             "buy,variable,2,\"food,*\",3,,,1\n"
             "*,set,1,*,0,,All labels,3\n");

@@ -73,24 +73,24 @@ TEST_F(FolderImportTest, NoticesWhatIsCutShort) {
   write("in/p.csv", "label,value\nx,1\n");
   write("in/_labels.csv", "label\nx\ny\n");
   expectProblems(
-      "in/_labels.csv: has 2 labels, in/_symbols.csv:4 tells 3: it is cut short, or rows were "
+      "in/_labels.csv: has 2 labels, in/_symbols.csv:4:1 tells 3: it is cut short, or rows were "
       "taken "
       "out and the number there not changed\n"
-      "in/p.csv: has 1 record, in/_symbols.csv:2 tells 2: it is cut short, or rows were taken out "
+      "in/p.csv: has 1 record, in/_symbols.csv:2:1 tells 2: it is cut short, or rows were taken out "
       "and the number there not changed\n",
       "2 problems");
   write("in/_labels.csv", "label\nx\ny\nz\n");
   write("in/_symbols.csv", symbols);
   expectProblems(
       "in/_symbols.csv: is cut short: its last line is not that of all labels, *\n"
-      "in/p.csv: has 1 record, in/_symbols.csv:2 tells 2: it is cut short, or rows were "
+      "in/p.csv: has 1 record, in/_symbols.csv:2:1 tells 2: it is cut short, or rows were "
       "taken out and the number there not changed\n",
       "2 problems");
   write("in/p.csv", "label,value\nx,1\ny,2\nz,3\n");
   write("in/_symbols.csv", all);
   std::filesystem::remove(path("in/_labels.csv"));
   expectProblems(
-      "in/_symbols.csv:4: 3 labels are told, and no _labels is there; with no number here "
+      "in/_symbols.csv:4:1: 3 labels are told, and no _labels is there; with no number here "
       "they are numbered as they come\n",
       "1 problem");
   write("in/_symbols.csv", symbols + "*,set,1,*,0,,,\n");
