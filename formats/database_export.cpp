@@ -27,6 +27,7 @@ TableHead headOf(const tool::FileSymbol& symbol) {
 std::size_t writeRecords(TableWriter& writer, const tool::ExchangeFile& file,
                          const tool::FileSymbol& symbol, tool::Progress& progress) {
   std::size_t records = 0;
+  progress.expect(symbol.recordCount);
   const bool isSet = symbol.type == ztb::Type::set;
   for (tool::RecordWalk record(file, symbol); record.next();) {
     for (const int key : record.keys()) {

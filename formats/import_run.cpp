@@ -104,6 +104,8 @@ bool ImportRun::option(const std::string& name, const std::string& value) {
     skipEmpty_ = true;
   } else if (name == "max-errors") {
     maxErrors_ = countOf(name, value);
+  } else if (name == "chunk-bytes") {
+    chunkBytes_ = std::max<std::size_t>(countOf(name, value), 1);
   } else if (name == "shown-name") {
     shownName_ = value;
   } else {
@@ -156,6 +158,9 @@ void ImportRun::fill(ztb::Database& database, RecordImport& records, ProblemList
   for (const Source& source : sources_) requireThere(source.tables.table.path);
   if (checkDomains_) {
     records.checkDomains();
+  }
+  if (chunkBytes_) {
+    records.setChunkBytes(*chunkBytes_);
   }
   std::vector<std::string> lostRoles;
   if (folder_) {

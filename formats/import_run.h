@@ -69,6 +69,7 @@ class ImportRun {
   bool checkDomains_ = false;
   bool skipEmpty_ = false;
   std::size_t maxErrors_ = 20;
+  std::optional<std::size_t> chunkBytes_;
 };
 
 }  // namespace formats

@@ -25,6 +25,12 @@ CsvReader::CsvReader(const std::string& path, char separator)
   skipByteOrderMark();
 }
 
+std::optional<PartedFile> CsvReader::partedFile() const {
+  const bool packed = path_.ends_with(".gz") || path_.ends_with(".zst");
+  if (packed || path_ == "standard input") return std::nullopt;
+  return PartedFile{.path = path_, .separator = separator_};
+}
+
 bool CsvReader::fill() {
   checkLength();
   bufferBegin_ = 0;

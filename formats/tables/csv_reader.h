@@ -29,6 +29,8 @@ class CsvReader : public TableReader {
   // reported, and the file ends with it. Throws Failure if the file cannot be read.
   bool next(ProblemList& problems) override;
 
+  [[nodiscard]] std::optional<PartedFile> partedFile() const override;
+
   [[nodiscard]] TextPosition position() const override {
     return {.line = recordLine_, .column = 1};
   }

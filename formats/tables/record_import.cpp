@@ -15,8 +15,13 @@ namespace {
 // Labels have one spelling, the first; that of the line that is told may be another one.
 constexpr std::string_view kFolding = " (the case of letters does not matter)";
 
-// What is wrong with a label, or nothing. The library would take one of blanks alone for no label,
-// and would end it at a zero char.
+bool isEmpty(const TableField& field) {
+  return field.fault == nullptr && !field.isNumber &&
+         field.text.find_first_not_of(' ') == std::string_view::npos;
+}
+
+}  // namespace
+
 std::string labelProblem(std::string_view label) {
   const std::string_view trimmed = label.substr(0, label.find_last_not_of(' ') + 1);
   if (!label.empty() && trimmed.empty()) {
@@ -35,13 +40,6 @@ std::string labelProblem(std::string_view label) {
   return {};
 }
 
-bool isEmpty(const TableField& field) {
-  return field.fault == nullptr && !field.isNumber &&
-         field.text.find_first_not_of(' ') == std::string_view::npos;
-}
-
-}  // namespace
-
 void RecordImport::problem(const TableReader& reader, std::size_t column, const std::string& text) {
   problems_.add(reader.place(reader.fields()[column].at),
                 fmt::format("{}: {}", (*columns_)[column], text));
@@ -51,6 +49,10 @@ void RecordImport::readRows(TableReader& reader, const std::vector<std::string>&
                             const std::vector<ImportTarget>& targets) {
   progress_.step("reading " + reader.path());
   columns_ = &columns;
+  if (readBulk(reader, targets)) {
+    return;
+  }
+  progress_.step("reading " + reader.path());
   std::vector<RecordTable> tables;
   tables.reserve(targets.size());
   for (const ImportTarget& target : targets) {

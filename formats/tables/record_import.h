@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <map>
 #include <optional>
 #include <string>
@@ -19,6 +20,10 @@
 
 namespace formats {
 
+// What is wrong with a label, or nothing. The library would take one of blanks alone for no label,
+// and would end it at a zero char.
+std::string labelProblem(std::string_view label);
+
 // Where the records of one symbol stand in the rows of a file, as places of columns from 0.
 struct ImportTarget {
   ztb::Symbol symbol;
@@ -33,6 +38,9 @@ struct ImportTarget {
   // A row whose values are all empty has no record.
   bool skipEmpty = false;
 };
+
+class CsvBulk;
+struct BulkColumns;
 
 // Reads files into one database. Problems and warnings go to the lists of the caller; the database
 // holds part of the records when there were problems, and is not to be written then.
@@ -61,6 +69,10 @@ class RecordImport {
   // From now on numbers have this char where others have a point.
   void setDecimalChar(char decimal) { decimal_ = decimal; }
 
+  // How much of a big CSV file each processor reads at once; a file of less than twice as much is
+  // read row by row.
+  void setChunkBytes(std::size_t bytes) { chunkBytes_ = bytes; }
+
   [[nodiscard]] std::size_t recordCount() const { return recordCount_; }
   // Counts records that went into the database by another way.
   void countFilled(std::size_t records) { recordCount_ += records; }
@@ -76,6 +88,17 @@ class RecordImport {
     std::string text;
     int number = 0;
   };
+
+  // Reads a big CSV file with all processors; false, with no record stored, where its rows have to
+  // be looked at one by one.
+  bool readBulk(const TableReader& reader, const std::vector<ImportTarget>& targets);
+  // Whether the records of a target have nothing wrong with them; `order` becomes their order,
+  // empty for that of the file.
+  bool orderBulk(const CsvBulk& bulk, const BulkColumns& columns,
+                 std::vector<std::uint32_t>& order) const;
+  bool insideDomains(const CsvBulk& bulk, const BulkColumns& columns);
+  void storeBulk(const CsvBulk& bulk, const BulkColumns& columns,
+                 const std::vector<std::uint32_t>& order);
 
   // What a field shows, followed by a zero char; valid until the next call.
   std::string_view textOf(const TableField& field);
@@ -99,6 +122,7 @@ class RecordImport {
   tool::Progress& progress_;
   bool checkDomains_ = false;
   char decimal_ = '.';
+  std::size_t chunkBytes_ = std::size_t{4} << 20U;
   std::size_t recordCount_ = 0;
   const std::vector<std::string>* columns_ = nullptr;
   // Label number of each column of the row at hand, as far as it was asked for.

@@ -2,6 +2,7 @@
 #ifndef ZTB_FORMATS_TABLES_TABLE_READER_H_
 #define ZTB_FORMATS_TABLES_TABLE_READER_H_
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -25,6 +26,12 @@ struct TableField {
   const char* fault = nullptr;
 };
 
+// A file of fields that are parted by a char.
+struct PartedFile {
+  std::string path;
+  char separator = ',';
+};
+
 // The first row is the header. Used from front to back, once.
 class TableReader {
  public:
@@ -37,6 +44,9 @@ class TableReader {
   // Reads the next row; false behind the last. What is wrong with a row goes to problems, and the
   // row is passed over. Throws Failure if the table cannot be read on.
   virtual bool next(ProblemList& problems) = 0;
+
+  // The file whose rows these are, as they stand in it; nothing where there is no such one.
+  [[nodiscard]] virtual std::optional<PartedFile> partedFile() const { return std::nullopt; }
 
   // The row that next() read; valid until the next call.
   [[nodiscard]] const std::vector<TableField>& fields() const { return fields_; }

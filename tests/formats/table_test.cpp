@@ -8,6 +8,7 @@
 
 #include <cmath>
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <ztb/ztb.hpp>
@@ -479,6 +480,51 @@ TEST_F(TableTest, ListsItsFormats) {
   EXPECT_STREQ(info.missingToRead, "");
   EXPECT_EQ(ztbFormat(ztbFormatCount(), &info), 0);
   EXPECT_EQ(ztbFormat(-1, &info), 0);
+}
+
+// A big CSV file is read by all processors; "chunk-bytes" makes a small one a big one.
+TEST_F(TableTest, FilesInChunksBecomeTheSameFilesAndGiveTheSameErrors) {
+  std::string sorted = "i,\"j\",v,w\n";
+  std::string mixed = sorted;
+  for (int row = 0; row < 300; ++row) {
+    const std::string value = std::to_string(row);
+    const auto two = [](int number) { return std::to_string(number + 10); };
+    sorted += "a" + two(row / 20) + ",b" + two(row % 20) + "," + value + ".1," + value + "\r\n";
+    mixed +=
+        "\"a," + two(row * 7919 % 30) + "\",B" + two(row * 7919 % 300 / 30) + "," + value + ",na\n";
+  }
+  const auto result = [&](const std::string& text, Options options, const std::string& chunkBytes) {
+    write("big.csv", text);
+    options.insert(options.begin(), {"from", folder_.file("big.csv")});
+    options.emplace_back("chunk-bytes", chunkBytes);
+    Job job(options);
+    std::filesystem::remove(folder_.file("big.rxf"));
+    if (!job.import(folder_.file("big.rxf"))) return job.errors(folder_);
+    return job.warnings(folder_) + read("big.rxf");
+  };
+  const std::vector<Options> choices{
+      {{"parameter", "p(i, j) = v"}},
+      {{"parameter", "p(j, i) = w"}, {"parameter", "q(i, j) = v"}},
+      {{"distinct-set", "i"}, {"distinct-set", "j"}, {"parameter", "p(i, j) = v"}},
+      {{"distinct-set", "j"},
+       {"set", "ij(i, j)"},
+       {"parameter", "p(i, j) = v"},
+       {"check-domains", ""}},
+      {{"variable", "positive x(j, i) = upper: v, level: w"}},
+      {{"set", "i"}},
+      {{"parameter", "p(i) = v"}},
+      {{"parameter", "p(v, i, j) = v"}, {"skip-empty", ""}},
+      {{"set", "s(i, j) : w"}},
+  };
+  for (const std::string& text :
+       {sorted, mixed, mixed + "x,y,z,1\n", mixed + "A,\"b\nc\"d,1,1\n", sorted + "a,b,1\n",
+        sorted + "a10,B29,5,\n", sorted + "\"\",a10,1,2\n"}) {
+    for (const Options& options : choices) {
+      const std::string expected = result(text, options, "1000000");
+      EXPECT_EQ(result(text, options, "333"), expected) << options[0].second;
+      if (text == mixed) EXPECT_EQ(result(text, options, "1"), expected) << options[0].second;
+    }
+  }
 }
 
 }  // namespace

@@ -18,6 +18,14 @@ constexpr const char* wipeLine = "\r\x1b[K";
 
 }  // namespace
 
+std::string recordsText(std::size_t records, double seconds, double share) {
+  std::string text = fmt::format("{} records", records);
+  if (seconds < 1) return text;
+  text += fmt::format(", {:.0f} a second", static_cast<double>(records) / seconds);
+  if (share <= 0 || share > 1) return text;
+  return text + fmt::format(", {:.0f} s left", seconds * (1 - share) / share);
+}
+
 Progress::Progress(bool shown) {
   if (shown && isatty(STDERR_FILENO) != 0) {
     thread_ = std::thread([this] { run(); });
@@ -42,7 +50,10 @@ Progress::~Progress() {
 void Progress::step(const std::string& text) {
   const std::lock_guard lock(mutex_);
   text_ = ztb::displayText(text);
+  stepBegan_ = std::chrono::steady_clock::now();
   count(0);
+  expect(0);
+  share(0);
 }
 
 Progress::Detail::Detail(Progress& progress, std::function<std::string()> detail)
@@ -71,7 +82,11 @@ void Progress::draw() {
   if (detail_) {
     line += ": " + ztb::displayText(detail_());
   } else if (records > 0) {
-    line += fmt::format(": {} records", records);
+    const std::size_t expected = expected_.load(std::memory_order_relaxed);
+    const double share = expected > 0 ? static_cast<double>(records) / static_cast<double>(expected)
+                                      : share_.load(std::memory_order_relaxed);
+    const std::chrono::duration<double> passed = std::chrono::steady_clock::now() - stepBegan_;
+    line += ": " + recordsText(records, passed.count(), share);
   }
   std::fputs(line.c_str(), stderr);
   std::fflush(stderr);

@@ -3,6 +3,7 @@
 #define ZTB_TOOLS_TEXT_PROGRESS_H_
 
 #include <atomic>
+#include <chrono>
 #include <condition_variable>
 #include <cstddef>
 #include <functional>
@@ -11,6 +12,10 @@
 #include <thread>
 
 namespace tool {
+
+// "3000000 records, 1500000 a second, 12 s left": a rate where at least a second has passed, and
+// the time left where a share of the work, from 0 to 1, is known to be done.
+std::string recordsText(std::size_t records, double seconds, double share);
 
 // Shows the present step on standard error once the run has taken a second, and wipes it at the
 // end. Nothing is shown unless standard error is a terminal. It draws from a thread of its own, so
@@ -38,6 +43,12 @@ class Progress {
     Progress& progress_;
   };
 
+  // What part of this step is done, from 0 to 1, where that is known. With it, and the time since
+  // the step began, stands what is left.
+  void share(double done) { share_.store(done, std::memory_order_relaxed); }
+  // Records that this step will have; from then on count() tells its share.
+  void expect(std::size_t records) { expected_.store(records, std::memory_order_relaxed); }
+
   // Records done in this step; cheap enough for each record.
   void count(std::size_t records) { records_.store(records, std::memory_order_relaxed); }
 
@@ -51,7 +62,10 @@ class Progress {
   std::function<std::string()> detail_;
   bool ended_ = false;
   bool drawn_ = false;
+  std::chrono::steady_clock::time_point stepBegan_ = std::chrono::steady_clock::now();
   std::atomic<std::size_t> records_{0};
+  std::atomic<std::size_t> expected_{0};
+  std::atomic<double> share_{0};
   std::thread thread_;
 };
 
