@@ -202,7 +202,10 @@ void writeParquetFolder(const DatabaseExport& database) {
   const std::filesystem::path folder = database.path;
   beginFolder(parquetFile(folder, parquetSymbols));
   ParquetWriter manifest(session, parquetFile(folder, parquetSymbols).string());
-  manifest.begin(manifestHead(database.symbols.size()));
+  // Numbers of records are a column of its own.
+  TableHead head = manifestHead(database.symbols.size());
+  head.columns.pop_back();
+  manifest.begin(head);
   std::vector<double> counts;
   std::string room;
   for (const tool::FileSymbol* symbol : database.symbols) {
@@ -211,6 +214,7 @@ void writeParquetFolder(const DatabaseExport& database) {
     for (std::string& domain : entry.domains) domain = spelled(domain, TextForm::json, room);
     if (!symbol->isAlias()) entry.tables = {symbol->name};
     counts.push_back(symbol->isAlias() ? 0 : static_cast<double>(symbol->recordCount));
+    entry.records.reset();
     writeEntry(manifest, entry, true);
   }
   manifest.addColumn(recordsColumn, std::move(counts));

@@ -27,13 +27,27 @@ namespace {
 
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
+// The end of the last record that ends in a piece which begins with one, 0 where none does. A line
+// end within quotes is no end.
+std::size_t lastRecordEnd(std::string_view bytes) {
+  const bool quotes = bytes.find('"') != std::string_view::npos;
+  bool inside = quotes && std::ranges::count(bytes, '"') % 2 != 0;
+  for (std::size_t at = bytes.size(); at-- > 0;) {
+    if (bytes[at] == '"') inside = !inside;
+    if (bytes[at] == '\n' && !inside) return at + 1;
+  }
+  return 0;
+}
+
+}  // namespace
+
 // A file that closes itself.
-class ReadFile {
+class CsvBulk::File {
  public:
-  explicit ReadFile(const std::string& path) : file_(open(path.c_str(), O_RDONLY | O_CLOEXEC)) {}
-  ReadFile(const ReadFile&) = delete;
-  ReadFile& operator=(const ReadFile&) = delete;
-  ~ReadFile() {
+  explicit File(const std::string& path) : file_(open(path.c_str(), O_RDONLY | O_CLOEXEC)) {}
+  File(const File&) = delete;
+  File& operator=(const File&) = delete;
+  ~File() {
     if (file_ >= 0) close(file_);
   }
 
@@ -59,20 +73,6 @@ class ReadFile {
  private:
   int file_;
 };
-
-// The end of the last record that ends in a piece which begins with one, 0 where none does. A line
-// end within quotes is no end.
-std::size_t lastRecordEnd(std::string_view bytes) {
-  const bool quotes = bytes.find('"') != std::string_view::npos;
-  bool inside = quotes && std::ranges::count(bytes, '"') % 2 != 0;
-  for (std::size_t at = bytes.size(); at-- > 0;) {
-    if (bytes[at] == '"') inside = !inside;
-    if (bytes[at] == '\n' && !inside) return at + 1;
-  }
-  return 0;
-}
-
-}  // namespace
 
 // The labels that one thread met, numbered from 0 as it met them.
 class CsvBulk::Dictionary {
@@ -148,7 +148,7 @@ struct CsvBulk::Chunk {
 // Chunks of a file on their way to their places.
 class CsvBulk::Reading {
  public:
-  Reading(CsvBulk& bulk, const ReadFile& file, const CsvBulkForm& form, tool::Progress& progress)
+  Reading(CsvBulk& bulk, const File& file, const CsvBulkForm& form, tool::Progress& progress)
       : bulk_(bulk), file_(file), form_(form), progress_(progress), size_(file.size()) {}
 
   // What each thread does, with a dictionary of its own.
@@ -204,7 +204,7 @@ class CsvBulk::Reading {
     const char* at = text.data();
     const char* const end = at + text.size();
     skipLineEnds(at, end);
-    if (!readRow(at, end, row)) return false;
+    if (at == end || !readRow(at, end, row)) return false;
     text = {at, static_cast<std::size_t>(end - at)};
     return true;
   }
@@ -320,7 +320,7 @@ class CsvBulk::Reading {
   }
 
   CsvBulk& bulk_;
-  const ReadFile& file_;
+  const File& file_;
   const CsvBulkForm& form_;
   tool::Progress& progress_;
   std::size_t size_;
@@ -334,7 +334,7 @@ CsvBulk::CsvBulk() = default;
 CsvBulk::~CsvBulk() = default;
 
 bool CsvBulk::read(const std::string& path, const CsvBulkForm& form, tool::Progress& progress) {
-  const ReadFile file(path);
+  const File file(path);
   if (file.size() == 0) return false;
   threads_ = std::max(1U, form.threads);
   for (unsigned thread = 0; thread < threads_; ++thread) {

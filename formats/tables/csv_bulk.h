@@ -56,6 +56,7 @@ class CsvBulk {
   [[nodiscard]] const Piece& piece(std::size_t number) const;
 
  private:
+  class File;
   class Dictionary;
   class Reading;
   struct Chunk;

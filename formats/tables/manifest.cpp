@@ -284,8 +284,6 @@ void writeEntry(TableWriter& writer, const ManifestEntry& entry, bool withTables
   }
   if (entry.records) {
     writer.number(static_cast<double>(*entry.records));
-  } else {
-    writer.missing();
   }
   writer.endRow();
 }

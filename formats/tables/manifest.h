@@ -5,8 +5,8 @@
 //   _symbols.csv  a row for each symbol, in order:
 //                 symbol,type,dimension,domains,user_info,alias_of,text,records
 //                 domains is a name for each position with commas between, "*" for the universe
-//                 records is the number of records, of an alias those of its set; the last row, of the
-//                 universe "*", has the number of labels, so that what was cut short is known
+//                 records is the number of records, of an alias those of its set; the last row, of
+//                 the universe "*", has the number of labels, so that what was cut short is known
 //   _labels.csv   under the header "label", the labels in the order of their numbers
 //                 In a file of many tables, a column "tables" tells which ones a symbol has, with
 //                 slashes between.

@@ -27,7 +27,7 @@ struct BulkColumns {
 namespace {
 
 // The place of a column among some, which it joins if it is not there.
-std::size_t placeOf(std::size_t column, std::vector<std::size_t>& columns) {
+std::size_t placeAmong(std::size_t column, std::vector<std::size_t>& columns) {
   const auto found = std::ranges::find(columns, column);
   if (found == columns.end()) {
     columns.push_back(column);
@@ -81,10 +81,10 @@ bool RecordImport::readBulk(const TableReader& reader, const std::vector<ImportT
     BulkColumns& places =
         columns.emplace_back(BulkColumns{.target = target, .keys = {}, .values = {}});
     for (const std::size_t column : target.keyColumns) {
-      places.keys.push_back(placeOf(column, form.labelColumns));
+      places.keys.push_back(placeAmong(column, form.labelColumns));
     }
     for (const std::size_t column : target.valueColumns) {
-      places.values.push_back(placeOf(column, form.numberColumns));
+      places.values.push_back(placeAmong(column, form.numberColumns));
     }
   }
   CsvBulk bulk;
@@ -197,7 +197,7 @@ void RecordImport::storeBulk(const CsvBulk& bulk, const BulkColumns& columns,
     }
     const std::span<const int> record(keys.data(), columns.keys.size());
     if (isSet) {
-      symbol.putElementUnchecked(record, nullptr);
+      symbol.putElementUnchecked(record, static_cast<const char*>(nullptr));
     } else {
       symbol.putUnchecked(record, values);
     }

@@ -522,7 +522,9 @@ TEST_F(TableTest, FilesInChunksBecomeTheSameFilesAndGiveTheSameErrors) {
     for (const Options& options : choices) {
       const std::string expected = result(text, options, "1000000");
       EXPECT_EQ(result(text, options, "333"), expected) << options[0].second;
-      if (text == mixed) EXPECT_EQ(result(text, options, "1"), expected) << options[0].second;
+      if (text == mixed) {
+        EXPECT_EQ(result(text, options, "1"), expected) << options[0].second;
+      }
     }
   }
 }
