@@ -27,7 +27,7 @@ class CsvBulkTest : public testing::Test {
     formats::CsvBulk reader;
     const formats::CsvBulkForm form{.separator = ',',
                                     .decimal = '.',
-                                    .columnCount = 3,
+                                    .columnCount = 4,
                                     .labelColumns = {1, 0},
                                     .numberColumns = {2},
                                     .chunkBytes = chunkBytes,
@@ -79,14 +79,17 @@ class CsvBulkTest : public testing::Test {
 };
 
 TEST_F(CsvBulkTest, ReadsWhatIsReadRowByRowWhateverAChunkHolds) {
-  std::string text = "\xEF\xBB\xBF\"i\n\",\"j\"\"\",v\r\n\n";
+  // The fourth column is nobody's.
+  std::string text = "\xEF\xBB\xBF\"i\n\",\"j\"\"\",v,note\r\n\n";
   for (int row = 0; row < 60; ++row) {
     const std::string number = std::to_string(row % 7);
-    text += row % 3 == 0 ? "\"a\n" + number + "\",b\"" : "i" + number + ",\"x,\"\"" + number + "\"";
-    text = row % 3 == 0 ? text.substr(0, text.size() - 2) + "\"b\r\n,\"" : text;
-    text += "," + number + (row % 2 == 0 ? ".5\r\n" : "\n") + (row % 5 == 0 ? "\n\r\n" : "");
+    text += row % 3 == 0 ? "\"a" + number + ",b\"" : "i" + number;
+    text += ",\"x,\"\"" + number + "\"," + number + (row % 2 == 0 ? ".5" : "");
+    text += row % 4 == 0 ? ",\"of\n\"\"two\r\nlines,\n\"" : ",";
+    text += row % 2 == 0 ? "\r\n" : "\n";
+    text += row % 5 == 0 ? "\n\r\n" : "";
   }
-  text += "last,one,1e3";
+  text += "last,one,1e3,\"\"";
   ASSERT_TRUE(bulk(text, 1U << 20U).has_value());
   const Table expected = oneByOne();
   EXPECT_EQ(expected.size(), 61U);
@@ -97,15 +100,15 @@ TEST_F(CsvBulkTest, ReadsWhatIsReadRowByRowWhateverAChunkHolds) {
 }
 
 TEST_F(CsvBulkTest, LeavesToTheOtherReaderWhatIsToBeTold) {
-  const std::string good = "i,j,v\na,b,1\n";
+  const std::string good = "i,j,v,w\na,b,1,\n";
   EXPECT_TRUE(bulk(good, 4));
-  for (const std::string bad :
-       {"a,b\n", "a,b,1,2\n", "a,b,x\n", "a,b,\n", ",b,1\n", "\"\",b,1\n", "\" \",b,1\n",
-        "a,b,1e999\n", "a\"b,c,1\n", "\"a\"b,c,1\n", "\"a,b,1\n", "a\rb,c,1\n", "a\tb,c,1\n"}) {
+  for (const std::string bad : {"a,b,1\n", "a,b,1,2,3\n", "a,b,x,\n", "a,b,,\n", ",b,1,\n",
+                                "\"\",b,1,\n", "\" \",b,1,\n", "a,b,1e999,\n", "a\"b,c,1,\n",
+                                "\"a\"b,c,1,\n", "\"a,b,1,\n", "a\rb,c,1,\n", "a\tb,c,1,\n"}) {
     EXPECT_FALSE(bulk(good + bad, 4)) << bad;
-    EXPECT_FALSE(bulk(good + bad + good, 1000)) << bad;
+    EXPECT_FALSE(bulk(good + bad + "a,b,1,\n", 1000)) << bad;
   }
-  EXPECT_FALSE(bulk("i,j\na,b,1\n", 4));
+  EXPECT_FALSE(bulk("i,j,v\na,b,1,\n", 4));
   EXPECT_FALSE(bulk("", 4));
 }
 
