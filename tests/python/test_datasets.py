@@ -19,7 +19,7 @@ def test_databases_and_files_are_merged(tmp_path):
     a, b = prices({"Milk": 11, "Tofu": ztb.NA}), prices({"Ham": 3, "Milk": 11})
     a.write(tmp_path / "a.rxf")
     with ztb.merge([tmp_path / "a.rxf", b]) as both:
-        assert list(both["price"]) == ["Milk", "Tofu", "Ham"]
+        assert list(both["price"]) == [("Milk",), ("Tofu",), ("Ham",)]
         assert ztb.special_code(both["price"]["Tofu"]) == ztb.CODE_NOT_AVAILABLE
     assert ztb.merge([a, b], tmp_path / "c.rxf", case="version") is None
     with ztb.open(tmp_path / "c.rxf") as cases:
@@ -38,7 +38,7 @@ def test_databases_and_files_are_merged(tmp_path):
 
 def test_parts_are_put_behind_each_other():
     with ztb.concat([prices({"Milk": 11}), prices({"Ham": 3})]) as whole:
-        assert dict(whole["price"]) == {"Milk": 11, "Ham": 3}
+        assert dict(whole["price"]) == {("Milk",): 11, ("Ham",): 3}
     with pytest.raises(ztb.Error, match=r'price\("Milk"\): stands in .* and in '):
         ztb.concat([prices({"Milk": 11}), prices({"Milk": 11})])
 
@@ -47,7 +47,7 @@ def test_names_change():
     renamed = ztb.rename(
         prices({"Milk": 11}), symbols={"price": "cost"}, labels={"Milk": 'a = "b"'}
     )
-    assert dict(renamed["cost"]) == {'a = "b"': 11}
+    assert dict(renamed["cost"]) == {('a = "b"',): 11}
     with pytest.raises(ztb.Error, match="no symbol 'cost'"):
         ztb.rename(prices({}), symbols={"cost": "price"})
 
@@ -55,7 +55,7 @@ def test_names_change():
 def test_records_are_selected():
     source = prices({"Milk": 11, "Malt": 5, "Tofu": 30})
     with ztb.where(source, 'food = "M*" and value > 6', symbols="price") as chosen:
-        assert dict(chosen["price"]) == {"Milk": 11}
+        assert dict(chosen["price"]) == {("Milk",): 11}
         assert len(chosen["food"]) == 3
     with pytest.raises(ValueError, match="column 9: 'x' is not a number"):
         ztb.where(source, "value > x")
