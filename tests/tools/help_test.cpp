@@ -43,7 +43,7 @@ TEST_F(HelpTest, OfACommandIsThatOfItsOption) {
 TEST_F(HelpTest, BashCompletesCommandsOptionsAndChoices) {
   EXPECT_EQ(offered("ztb p"), "pivot\n");
   EXPECT_EQ(offered("ztb s"), "show\nsql\nsolve\nsweep\n");
-  EXPECT_EQ(offered("ztb show f.rxf --s"), "--slice\n--store\n");
+  EXPECT_EQ(offered("ztb show f.rxf --s"), "--slice\n--sort\n--store\n");
   EXPECT_EQ(offered("ztb show f.rxf s --store \"\""), "map\nvector\ntrie\n");
   EXPECT_EQ(offered("ztb show f.rxf s --store = t"), "trie\n");
   EXPECT_EQ(offered("ztb completion \"\""), "bash\nzsh\nfish\n");
