@@ -17,7 +17,7 @@ inline constexpr const char* parquetLabels = "_labels";
 
 // Behind the name of a column of numbers: that of the texts of those which are not the same as
 // doubles that compare equal. No domain can be called so.
-inline constexpr std::string_view exactColumn = " (exact)";
+inline constexpr std::string_view exactEnding = " (exact)";
 // In the table of symbols, how many records each has; and under this key in the metadata of its
 // file, how many labels there are.
 inline constexpr const char* recordsColumn = "records";

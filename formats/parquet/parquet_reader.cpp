@@ -83,12 +83,12 @@ ParquetReader::ParquetReader(std::shared_ptr<const DuckdbSession> session, const
 }
 
 void ParquetReader::splitExact() {
-  while (fieldCount_ > 0 && columns_[fieldCount_ - 1].name.ends_with(exactColumn)) --fieldCount_;
+  while (fieldCount_ > 0 && columns_[fieldCount_ - 1].name.ends_with(exactEnding)) --fieldCount_;
   for (std::size_t column = fieldCount_; column < columns_.size(); ++column) {
     const std::string& name = columns_[column].name;
     const auto fields = std::span(columns_).first(fieldCount_);
     const auto field = std::ranges::find(
-        fields, std::string_view(name).substr(0, name.size() - exactColumn.size()),
+        fields, std::string_view(name).substr(0, name.size() - exactEnding.size()),
         &ParquetColumn::name);
     if (field != fields.end()) exactOf_[static_cast<std::size_t>(field - fields.begin())] = column;
   }

@@ -141,7 +141,7 @@ std::string makeSymbolStream(const DatabaseExport& database, const tool::FileSym
   const std::vector<std::size_t> slots =
       exact ? slotsToSpell(database.file, symbol) : std::vector<std::size_t>{};
   for (const std::size_t slot : slots) {
-    columns.keys.push_back(columns.contents[slot] + std::string(exactColumn));
+    columns.keys.push_back(columns.contents[slot] + std::string(exactEnding));
     written.push_back(columns.keys.back());
   }
   auto blocks =
