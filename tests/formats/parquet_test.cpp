@@ -218,6 +218,8 @@ TEST_F(ParquetTest, TakesNamesWithCharsOfPatternsAndQuotes) {
   EXPECT_EQ(other["cost"].recordCount(), 2);
 }
 
+#ifdef ZTB_PROGRAM
+
 TEST_F(ParquetTest, GoesThroughTheCommandAndBack) {
   const std::string ztb = ZTB_PROGRAM;
   const std::string folder = folder_.file("dir");
@@ -238,5 +240,7 @@ TEST_F(ParquetTest, SaysHowToGetDuckdbWhereThereIsNone) {
   EXPECT_THAT(text, HasSubstr("ZTB_DUCKDB"));
   EXPECT_FALSE(std::filesystem::exists(folder_.file("p.parquet")));
 }
+
+#endif  // ZTB_PROGRAM
 
 }  // namespace
