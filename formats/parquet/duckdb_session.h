@@ -18,8 +18,8 @@ namespace formats {
 // A text in single quotes, as SQL takes it, and a name in double ones.
 std::string sqlText(std::string_view text);
 std::string sqlName(std::string_view name);
-// The name of a Parquet file as DuckDB's functions take it, whatever chars it has, and the source of a
-// query that reads just this file.
+// The name of a Parquet file as DuckDB's functions take it, whatever chars it has, and the source
+// of a query that reads just this file.
 std::string parquetName(const std::string& path);
 std::string parquetSource(const std::string& path);
 

@@ -48,8 +48,8 @@ std::filesystem::path manifestPath(const std::filesystem::path& folder);
 std::filesystem::path labelsPath(const std::filesystem::path& folder);
 std::filesystem::path recordsPath(const std::filesystem::path& folder, const std::string& symbol);
 
-// Makes the folder of a table of symbols, and takes an older such table away: it is there again only
-// when everything is.
+// Makes the folder of a table of symbols, and takes an older such table away: it is there again
+// only when everything is.
 void beginFolder(const std::filesystem::path& manifest);
 
 // The entry of a symbol of a file.

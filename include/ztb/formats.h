@@ -63,8 +63,8 @@ void ztbFormatsFree(ztbFormatsJob** job);
  * of the command tells them all. Options that belong to a source follow its "from", and a symbol of
  * an export is the option "symbol". The value of one that has none is left alone. Moreover
  * "progress" has a long run tell on a terminal what it does, and "chunk-bytes" is how much of a CSV
- * file, 4 MiB, one processor reads at once: a file of less than twice as much is read by one. 0 for an option that there is not, or
- * a value that it does not take. */
+ * file, 4 MiB, one processor reads at once: a file of less than twice as much is read by one. 0 for
+ * an option that there is not, or a value that it does not take. */
 int ztbFormatsOption(ztbFormatsJob* job, const char* name, const char* value);
 
 /* Makes an exchange file from the sources. With problems in the input nothing is written. */

@@ -76,7 +76,8 @@ TEST_F(FolderImportTest, NoticesWhatIsCutShort) {
       "in/_labels.csv: has 2 labels, in/_symbols.csv:4:1 tells 3: it is cut short, or rows were "
       "taken "
       "out and the number there not changed\n"
-      "in/p.csv: has 1 record, in/_symbols.csv:2:1 tells 2: it is cut short, or rows were taken out "
+      "in/p.csv: has 1 record, in/_symbols.csv:2:1 tells 2: it is cut short, or rows were taken "
+      "out "
       "and the number there not changed\n",
       "2 problems");
   write("in/_labels.csv", "label\nx\ny\nz\n");

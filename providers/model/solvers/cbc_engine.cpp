@@ -149,8 +149,9 @@ void CbcEngine::searchIntegers(Watch& watch, SolverResult& result) {
   // A better solution counts however little it is better by.
   model.setCutoffIncrement(1e-9);
   addHelp(model);
-  // Where little is left to decide below a node, Clp tries all of it by itself, as in Cbc's program:
-  // several knapsacks at once take a fifth of the time. Depths further from 0 take longer again.
+  // Where little is left to decide below a node, Clp tries all of it by itself, as in Cbc's
+  // program: several knapsacks at once take a fifth of the time. Depths further from 0 take longer
+  // again.
   constexpr int kLittleLeft = -4;
   model.setFastNodeDepth(kLittleLeft);
   model.initialSolve();
