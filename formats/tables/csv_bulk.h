@@ -42,7 +42,8 @@ class CsvBulk {
 
   // A bound of how many labels there are.
   [[nodiscard]] std::size_t mostLabels() const;
-  // Asks for the number of each label, in the order in which the rows have them.
+  // Asks for the number of each label, in the order in which the rows have them; for one that
+  // several threads met more than once.
   void numberLabels(const std::function<int(const std::string& label)>& number);
 
   // A piece of the rows, in their order: by the order of the form's columns, numbers of labels once

@@ -173,7 +173,7 @@ TEST_F(ToolAirRoutesTest, areCopiedWithTheirSets) {
 }
 
 TEST_F(ToolAirRoutesTest, comeBackThroughTheFilesOfOtherPrograms) {
-  for (const char* target : {"routes.db", "routes.xlsx", "routes.jsonl.gz", "exported"}) {
+  for (const char* target : {"routes.db", "routes.xlsx", "routes.jsonl.gz", "exported/"}) {
     ztbFine({"export", "routes.rxf", "--all", "--to", target});
     ztbFine({"import", "back.rxf", "--from", target});
     EXPECT_EQ(ztb({"diff", "routes.rxf", "back.rxf"}).status, 0) << target;

@@ -63,7 +63,8 @@ TEST_F(HelpTest, OtherShellsGetTheSameOptions) {
     EXPECT_NE(fish.find(" -l " + option + " "), std::string::npos) << option;
   }
   const std::string commands =
-      "info show import export diff check copy pivot sql model solve sweep help completion manual";
+      "info show import export diff check copy merge concat rename where aggregate pivot sql model "
+      "solve sweep help completion manual";
   EXPECT_NE(zsh.find("':COMMAND:(" + commands + ")'"), std::string::npos);
   EXPECT_NE(fish.find("-f -n '__fish_seen_subcommand_from help' -a '" + commands + "'"),
             std::string::npos);
@@ -79,7 +80,7 @@ TEST_F(HelpTest, FishCompletesCommandsOptionsAndChoices) {
                  "'\" | cut -f1 | sort");
   };
   EXPECT_EQ(offeredFor("ztb s"), "show\nsolve\nsql\nsweep\n");
-  EXPECT_EQ(offeredFor("ztb show f.rxf --s"), "--slice\n--store\n");
+  EXPECT_EQ(offeredFor("ztb show f.rxf --s"), "--slice\n--sort\n--store\n");
   EXPECT_EQ(offeredFor("ztb show f.rxf s --store "), "map\ntrie\nvector\n");
 }
 
