@@ -61,7 +61,8 @@ if(ZTB_SANITIZE)
   endif()
   execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${library}
     OUTPUT_VARIABLE ZTB_SANITIZER_RUNTIME OUTPUT_STRIP_TRAILING_WHITESPACE)
-  if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+  # A fuzzer is one program, which has the runtime in itself.
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang" AND NOT ZTB_BUILD_FUZZERS)
     get_filename_component(folder ${ZTB_SANITIZER_RUNTIME} DIRECTORY)
     target_link_options(ztb_options INTERFACE -shared-libsan
       $<$<STREQUAL:$<TARGET_PROPERTY:TYPE>,EXECUTABLE>:LINKER:-rpath,${folder}>)

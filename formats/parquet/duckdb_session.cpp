@@ -151,10 +151,62 @@ std::unique_ptr<DuckdbQuery> DuckdbSession::query(const std::string& sql,
   return std::make_unique<DuckdbQuery>(connection_, sql, shown);
 }
 
+namespace {
+
+// A stream as DuckDB takes it: it asks for the schema again and again and leaves it to whoever made
+// the stream to free it. So one is made, lent, and freed in the end. Lives as long as views of it.
+class LentStream {
+ public:
+  explicit LentStream(ArrowArrayStream& stream) : stream_(stream) {
+    lent_.get_schema = [](ArrowArrayStream* self, ArrowSchema* out) {
+      return of(self).lendSchema(out);
+    };
+    lent_.get_next = [](ArrowArrayStream* self, ArrowArray* out) {
+      ArrowArrayStream& lender = of(self).stream_;
+      return lender.get_next(&lender, out);
+    };
+    lent_.get_last_error = [](ArrowArrayStream* self) {
+      ArrowArrayStream& lender = of(self).stream_;
+      return lender.get_last_error(&lender);
+    };
+    lent_.release = [](ArrowArrayStream* self) { self->release = nullptr; };
+    lent_.private_data = this;
+  }
+  LentStream(const LentStream&) = delete;
+  LentStream& operator=(const LentStream&) = delete;
+  ~LentStream() {
+    if (schema_.release != nullptr) schema_.release(&schema_);
+  }
+
+  ArrowArrayStream* get() { return &lent_; }
+
+ private:
+  static LentStream& of(ArrowArrayStream* self) {
+    return *static_cast<LentStream*>(self->private_data);
+  }
+
+  int lendSchema(ArrowSchema* out) {
+    if (schema_.release == nullptr) {
+      const int fault = stream_.get_schema(&stream_, &schema_);
+      if (fault != 0) return fault;
+    }
+    *out = schema_;
+    out->release = [](ArrowSchema* schema) { schema->release = nullptr; };
+    return 0;
+  }
+
+  ArrowArrayStream& stream_;
+  ArrowArrayStream lent_{};
+  ArrowSchema schema_{};
+};
+
+}  // namespace
+
 void DuckdbSession::writeParquet(ArrowArrayStream& stream, const std::string& list,
                                  const std::string& path, const std::string& options) {
   tool::NewFile published(path);
-  if (duckdbApi().arrow_scan(connection_, "records", &stream) != 0) {
+  LentStream lent(stream);
+  if (duckdbApi().arrow_scan(connection_, "records", lent.get()) != 0) {
     throw tool::Failure(fmt::format("{}: DuckDB does not take the columns", path));
   }
   run(fmt::format("copy (select {} from records) to {} (format parquet, compression zstd, "
