@@ -69,6 +69,8 @@ TEST_F(UsageTest, WrongUsageEndsWithTwo) {
   expectFails(2, "ztb: SYMBOL is required; see ztb show --help\n", {"show", "a.rxf"});
   expectFails(2, "ztb: --width: its value is missing, expected N; see ztb show --help\n",
               {"show", "a.rxf", "p", "--width"});
+  expectFails(2, "ztb: FILE ... OUT: at least 3 names are expected; see ztb concat --help\n",
+              {"concat", "a.rxf", "b.rxf"});
   expectFails(2, "ztb: --csv and --json exclude each other; see ztb show --help\n",
               {"show", "a.rxf", "p", "--json", "--csv"});
   expectFails(2, "ztb: nothing to write to: give --to TARGET, or --csv DIR\n",

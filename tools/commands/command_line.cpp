@@ -106,6 +106,10 @@ std::string valueFault(const CLI::App& command, const CLI::ParseError& error) {
     return name + " and " + words.substr(words.rfind(' ') + 1) + " exclude each other";
   }
   if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) == nullptr) return words;
+  if (option->get_lnames().empty()) {
+    return name + " " + option->get_type_name() + ": at least " +
+           std::to_string(option->get_items_expected_min()) + " names are expected";
+  }
   return name + ": its value is missing, expected " + option->get_type_name();
 }
 
