@@ -61,11 +61,14 @@ if(ZTB_SANITIZE)
   endif()
   execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${library}
     OUTPUT_VARIABLE ZTB_SANITIZER_RUNTIME OUTPUT_STRIP_TRAILING_WHITESPACE)
-  # A fuzzer is one program, which has the runtime in itself.
-  if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang" AND NOT ZTB_BUILD_FUZZERS)
+  # A fuzzer is one program, which has the runtime in itself. So has what the thread sanitizer looks
+  # at, where clang's shared runtime ends at once.
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang" AND NOT ZTB_BUILD_FUZZERS AND runtime STREQUAL "asan")
     get_filename_component(folder ${ZTB_SANITIZER_RUNTIME} DIRECTORY)
-    target_link_options(ztb_options INTERFACE -shared-libsan
-      $<$<STREQUAL:$<TARGET_PROPERTY:TYPE>,EXECUTABLE>:LINKER:-rpath,${folder}>)
+    set(shared $<NOT:$<BOOL:$<TARGET_PROPERTY:ZTB_OWN_RUNTIME>>>)
+    set(program $<STREQUAL:$<TARGET_PROPERTY:TYPE>,EXECUTABLE>)
+    target_link_options(ztb_options INTERFACE
+      $<${shared}:-shared-libsan> $<$<AND:${shared},${program}>:LINKER:-rpath,${folder}>)
   endif()
 endif()
 

@@ -1,7 +1,8 @@
 # How the tests of a program become tests of ctest.
 
 # Adds the tests of a gtest program under the program's name, each as a process of its own. Under a
-# sanitizer a start takes longer than most tests, so that there a few processes share them.
+# sanitizer a start takes longer than most tests, so that there a few processes share them, and long
+# series of random cases are told to be shorter by ZTB_SHORT_SERIES.
 #
 #   ISOLATED       each test needs its own process, with sanitizers too
 #   LIBRARY_PATH   the built libraries are found by LD_LIBRARY_PATH; it stands in for run paths,
@@ -17,7 +18,7 @@ function(ztb_discover_tests target)
     math(EXPR last "${processes} - 1")
     foreach(index RANGE ${last})
       add_test(NAME ${target}.${index} COMMAND ${target})
-      set(own ${environment} GTEST_TOTAL_SHARDS=${processes} GTEST_SHARD_INDEX=${index})
+      set(own ${environment} ZTB_SHORT_SERIES=1 GTEST_TOTAL_SHARDS=${processes} GTEST_SHARD_INDEX=${index})
       set_tests_properties(${target}.${index} PROPERTIES ENVIRONMENT "${own}")
     endforeach()
   else()

@@ -7,15 +7,14 @@
 #include <ztb/case_folding.hpp>
 #include <ztb/model_names.hpp>
 
+#include "providers/model/file_signs.h"
 #include "providers/model/model_error.h"
 
 namespace lomu {
 
 namespace {
 
-constexpr std::size_t kMaxName = 255;
 constexpr std::size_t kMaxShown = 60;
-constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 constexpr std::string_view kNameSigns = "!\"#$%&/,.;?@_`'{}|~";
 
 bool isDigit(char c) {
@@ -23,12 +22,6 @@ bool isDigit(char c) {
 }
 bool isLetter(char c) {
   return ztb::isAsciiLetter(c) || static_cast<unsigned char>(c) >= 0x80;
-}
-bool isBlank(char c) {
-  return c == ' ' || c == '\t' || c == '\r' || c == '\f' || c == '\v';
-}
-bool isControl(char c) {
-  return static_cast<unsigned char>(c) < 0x20 || c == 0x7F;
 }
 bool isOpen(char c) {
   return c == '[' || c == '(';
@@ -205,9 +198,9 @@ void LpTokens::scanName() {
     }
   }
   const std::string_view name = text_.substr(begin, position_ - begin);
-  if (name.size() > kMaxName) {
+  if (name.size() > kMaxFileName) {
     fail(place, "the name " + shown(name) + " has " + std::to_string(name.size()) +
-                    " characters, expected at most " + std::to_string(kMaxName));
+                    " characters, expected at most " + std::to_string(kMaxFileName));
   }
 }
 

@@ -7,6 +7,7 @@
 #include <system_error>
 
 #include "providers/model/file_bounds.h"
+#include "providers/model/file_signs.h"
 #include "providers/model/lp_tokens.h"
 
 namespace lomu {
@@ -15,16 +16,6 @@ namespace {
 
 constexpr std::size_t kBlock = std::size_t{1} << 18U;
 constexpr std::size_t kMaxLine = std::size_t{1} << 20U;
-constexpr std::size_t kMaxName = 255;
-constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-
-bool isBlank(char c) {
-  return c == ' ' || c == '\t' || c == '\r' || c == '\f' || c == '\v';
-}
-
-bool isControl(char c) {
-  return static_cast<unsigned char>(c) < 0x20 || c == 0x7F;
-}
 
 // The number of all of the text, old spellings such as 1.5D+3 included.
 bool parseNumber(std::string_view text, double& number, std::errc& error) {
@@ -137,9 +128,9 @@ void MpsLines::splitFree() {
       failExpecting(0, "the end of the line");
     }
     fields_.at(count_++) = {begin, static_cast<std::size_t>(at - begin)};
-    if (fields_.at(count_ - 1).size() > kMaxName && !isHeader_) {
+    if (fields_.at(count_ - 1).size() > kMaxFileName && !isHeader_) {
       fail(count_ - 1, "a field of " + std::to_string(fields_.at(count_ - 1).size()) +
-                           " characters, expected at most " + std::to_string(kMaxName));
+                           " characters, expected at most " + std::to_string(kMaxFileName));
     }
   }
 }

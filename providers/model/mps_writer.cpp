@@ -4,6 +4,7 @@
 #include <string_view>
 #include <vector>
 
+#include "providers/model/file_signs.h"
 #include "providers/model/format_writers.h"
 #include "providers/model/lp_tokens.h"
 #include "providers/model/model_error.h"
@@ -13,12 +14,11 @@ namespace lomu {
 
 namespace {
 
-constexpr std::size_t kMaxName = 255;
 
 // Whether the text is one field of free format, and no marker.
 bool isMpsName(const std::string& name) {
   const auto isPlain = [](char c) { return static_cast<unsigned char>(c) > ' ' && c != 0x7F; };
-  return !name.empty() && name.size() <= kMaxName && name != "'MARKER'" &&
+  return !name.empty() && name.size() <= kMaxFileName && name != "'MARKER'" &&
          std::all_of(name.begin(), name.end(), isPlain);
 }
 

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cstdlib>
 #include <memory>
 #include <random>
 
@@ -87,7 +88,8 @@ TEST(Hostile, compressedColumnsChangedUnderRightChecksums) {
   content.symbols = {symbol};
   const std::string bytes = bytesOf(folder, content);
   std::mt19937 random(3);
-  for (int round = 0; round < 3000; ++round) {
+  const int rounds = std::getenv("ZTB_SHORT_SERIES") ? 1000 : 3000;
+  for (int round = 0; round < rounds; ++round) {
     std::string changed = bytes;
     for (unsigned i = 0; i <= random() % 3; ++i) {
       changed[96 + random() % (changed.size() - 96)] = static_cast<char>(random());
