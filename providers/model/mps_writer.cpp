@@ -14,7 +14,6 @@ namespace lomu {
 
 namespace {
 
-
 // Whether the text is one field of free format, and no marker.
 bool isMpsName(const std::string& name) {
   const auto isPlain = [](char c) { return static_cast<unsigned char>(c) > ' ' && c != 0x7F; };
