@@ -21,7 +21,11 @@ void registerContest(const Contest& contest, std::size_t records) {
     benchmark::internal::Benchmark* registered = benchmark::RegisterBenchmark(
         name.c_str(),
         [run = contestant.run, records](benchmark::State& state) { run(state, dataOf(records)); });
-    setEffort(registered, records);
+    if (contest.iterations > 0) {
+      registered->Repetitions(3)->Iterations(contest.iterations);
+    } else {
+      setEffort(registered, records);
+    }
     if (contest.clock == Clock::wall) {
       registered->UseRealTime();
     }

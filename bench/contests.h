@@ -14,10 +14,13 @@ Contest labelLoad();
 Contest labelLookup();
 // The values of all records in key order.
 Contest walk();
-// The values of the records that have one label at the first or at the second position; a record of
-// the whole symbol is the unit.
+// The values of the records that have one label at the first or at the second position, or one at
+// each of the first and the third; a record of the whole symbol is the unit.
 Contest sliceByFirst();
 Contest sliceBySecond();
+Contest sliceByFirstAndThird();
+// All records taken out of a symbol, then the memory given back.
+Contest clearAndFree();
 // The records of a symbol at the places of their labels in a cube.
 Contest recordsToCube();
 // Every cell of a cube into a record; a cell is the unit. Then every cell that isn't zero.

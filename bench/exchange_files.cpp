@@ -68,17 +68,42 @@ void writeHdf5File(const std::string& file, const Data& data) {
   }
 }
 
+Duckdb& exchangeDuckdb(const Data& data) {
+  static Shared<Duckdb> shared;
+  return shared.get(data, [](const Data& wanted) {
+    auto database = std::make_unique<Duckdb>();
+    database->addLabels(wanted);
+    for (std::size_t i = 0; i < symbolCount; ++i) {
+      const Share share = shareOf(i, wanted);
+      database->createNumberTable(symbolName(i));
+      database->addByNumbers(symbolName(i), wanted, share.first, share.last);
+    }
+    return database;
+  });
+}
+
+void writeDuckdbFile(Duckdb& database, const std::string& file) {
+  database.execute("ATTACH '" + file + "' AS file");
+  database.execute("COPY FROM DATABASE memory TO file");
+  database.execute("DETACH file");
+}
+
 const ExchangeFiles& exchangeFiles(const Data& data) {
   static Shared<ExchangeFiles> shared;
   return shared.get(data, [](const Data& wanted) {
     const ScratchFolder& folder = scratchFolder();
     auto files = std::make_unique<ExchangeFiles>(
-        ExchangeFiles{folder.file("read.rxf"), folder.file("read.sqlite"), folder.file("read.h5")});
+        ExchangeFiles{folder.file("read.rxf"), folder.file("read.sqlite"), folder.file("read.h5"),
+                      folder.file("read.duckdb")});
     const Database& database = exchangeDatabase(wanted);
     database.require(c__ztbwriterxf(database.handle(), files->rxf.c_str(), 1));
     std::filesystem::remove(files->sqlite);
     writeSqliteFile(files->sqlite, wanted);
     writeHdf5File(files->hdf5, wanted);
+    if (Duckdb::isThere()) {
+      std::filesystem::remove(files->duckdb);
+      writeDuckdbFile(exchangeDuckdb(wanted), files->duckdb);
+    }
     return files;
   });
 }

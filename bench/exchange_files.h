@@ -8,6 +8,7 @@
 
 #include "bench/data.h"
 #include "bench/database.h"
+#include "bench/duckdb.h"
 #include "bench/hdf5_file.h"
 #include "bench/sqlite.h"
 
@@ -32,12 +33,16 @@ Database& exchangeDatabase(const Data& data);
 // Write a whole file, which must not exist for SQLite.
 void writeSqliteFile(const std::string& file, const Data& data);
 void writeHdf5File(const std::string& file, const Data& data);
+// From a database of DuckDB's in memory that holds the same tables as the files.
+Duckdb& exchangeDuckdb(const Data& data);
+void writeDuckdbFile(Duckdb& database, const std::string& file);
 
 // Paths of written files that hold the data; written at the first use for a record count.
 struct ExchangeFiles {
   std::string rxf;
   std::string sqlite;
   std::string hdf5;
+  std::string duckdb;  // no file where DuckDB is not there
 };
 const ExchangeFiles& exchangeFiles(const Data& data);
 

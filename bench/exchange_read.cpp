@@ -165,6 +165,38 @@ void readOneFromHdf5(benchmark::State& state, const Data& data) {
   });
 }
 
+// Copies tables of the file into a database in memory.
+void readFromDuckdb(benchmark::State& state, const Data& data, std::size_t records,
+                    const std::vector<std::string>& tables) {
+  const std::string& file = exchangeFiles(data).duckdb;
+  for ([[maybe_unused]] auto iteration : state) {
+    state.PauseTiming();
+    auto database = std::make_unique<Duckdb>();
+    state.ResumeTiming();
+    database->execute("ATTACH '" + file + "' AS file (READ_ONLY)");
+    for (const std::string& table : tables) {
+      database->execute("CREATE TABLE " + table + " AS SELECT * FROM file." + table);
+    }
+    state.PauseTiming();
+    database.reset();
+    state.ResumeTiming();
+  }
+  countRecords(state, records);
+}
+
+void readAllFromDuckdb(benchmark::State& state, const Data& data) {
+  std::vector<std::string> tables = {"labels"};
+  for (std::size_t i = 0; i < symbolCount; ++i) {
+    tables.push_back(symbolName(i));
+  }
+  readFromDuckdb(state, data, data.size(), tables);
+}
+
+void readOneFromDuckdb(benchmark::State& state, const Data& data) {
+  readFromDuckdb(state, data, recordsOfOne(data),
+                 std::vector<std::string>{"labels", symbolName(oneSymbol)});
+}
+
 }  // namespace
 
 Contest exchangeOpen() {
@@ -174,17 +206,19 @@ Contest exchangeOpen() {
 }
 
 Contest exchangeReadAll() {
-  return {
-      "RXF read all",
-      Clock::wall,
-      {{ours, readAllIntoDatabase}, {sqliteName, readAllFromSqlite}, {hdf5Name, readAllFromHdf5}}};
+  return withDuckdb(
+      {"RXF read all",
+       Clock::wall,
+       {{ours, readAllIntoDatabase}, {sqliteName, readAllFromSqlite}, {hdf5Name, readAllFromHdf5}}},
+      readAllFromDuckdb);
 }
 
 Contest exchangeReadOne() {
-  return {
-      "RXF read 1 of 100",
-      Clock::wall,
-      {{ours, readOneIntoDatabase}, {sqliteName, readOneFromSqlite}, {hdf5Name, readOneFromHdf5}}};
+  return withDuckdb(
+      {"RXF read 1 of 100",
+       Clock::wall,
+       {{ours, readOneIntoDatabase}, {sqliteName, readOneFromSqlite}, {hdf5Name, readOneFromHdf5}}},
+      readOneFromDuckdb);
 }
 
 }  // namespace bench

@@ -40,12 +40,19 @@ void writeHdf5(benchmark::State& state, const Data& data) {
                [&](const std::string& file) { writeHdf5File(file, data); });
 }
 
+void writeDuckdb(benchmark::State& state, const Data& data) {
+  Duckdb& database = exchangeDuckdb(data);
+  measureWrite(state, data, "write.duckdb",
+               [&](const std::string& file) { writeDuckdbFile(database, file); });
+}
+
 }  // namespace
 
 Contest exchangeWrite() {
-  return {"RXF write",
-          Clock::wall,
-          {{ours, writeRxf}, {sqliteName, writeSqlite}, {hdf5Name, writeHdf5}}};
+  return withDuckdb({"RXF write",
+                     Clock::wall,
+                     {{ours, writeRxf}, {sqliteName, writeSqlite}, {hdf5Name, writeHdf5}}},
+                    writeDuckdb);
 }
 
 }  // namespace bench

@@ -2,6 +2,7 @@
 
 #include "bench/contests.h"
 #include "bench/database.h"
+#include "bench/duckdb.h"
 #include "bench/ordered_maps.h"
 #include "bench/sqlite.h"
 
@@ -58,15 +59,28 @@ void loadSqlite(benchmark::State& state, const Data& data) {
       });
 }
 
+void loadDuckdb(benchmark::State& state, const Data& data) {
+  measureLoad(
+      state, data.size(),
+      [] {
+        auto database = std::make_unique<Duckdb>();
+        database->createLabelTable("supply");
+        return database;
+      },
+      [&](Duckdb& database) { database.addByLabels("supply", data); });
+  state.counters.erase(heapCounter);  // its memory comes from an allocator of its own
+}
+
 }  // namespace
 
 Contest labelLoad() {
-  return {"random load by labels",
-          Clock::processor,
-          {{ours, loadDatabase},
-           {stdMapName, loadMap<StdMap>},
-           {btreeMapName, loadMap<BtreeMap>},
-           {sqliteName, loadSqlite}}};
+  return withDuckdb({"random load by labels",
+                     Clock::processor,
+                     {{ours, loadDatabase},
+                      {stdMapName, loadMap<StdMap>},
+                      {btreeMapName, loadMap<BtreeMap>},
+                      {sqliteName, loadSqlite}}},
+                    loadDuckdb);
 }
 
 }  // namespace bench

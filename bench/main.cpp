@@ -3,6 +3,7 @@
 #include <benchmark/benchmark.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <exception>
 #include <iostream>
 #include <string>
@@ -10,12 +11,14 @@
 
 #include "bench/contest.h"
 #include "bench/contests.h"
+#include "bench/growth.h"
+#include "bench/shapes.h"
 #include "bench/summary.h"
 
 namespace {
 
 constexpr double fewestRecords = 1e3;
-constexpr double mostRecords = 1e7;
+constexpr double mostRecords = 1e8;
 
 // Hands the options that we offer on to the benchmark library.
 void initialize(const std::string& filter, const std::string& jsonFile) {
@@ -40,6 +43,7 @@ int main(int argc, char** argv) {
       "3.\nEach row of the table gives our figure of a record, then each rival's figure "
       "and that figure\ndivided by ours: above 1, we are faster or smaller.");
   std::vector<double> sizes = {1e4, 1e5, 1e6};
+  bool growth = false;
   std::string jsonFile;
   std::string filter = ".";
   app.add_option("--sizes", sizes, "Record counts, such as 1e4,1e5")
@@ -49,19 +53,28 @@ int main(int argc, char** argv) {
   app.add_option("--filter", filter, "Only the operations that match this regular expression")
       ->capture_default_str();
   app.add_option("--json", jsonFile, "Also write every measurement to this file");
+  app.add_flag("--growth", growth,
+               "Instead, how load, walk, files and slices grow from 10^4 records to the largest of "
+               "--sizes,\nbeside the memory bandwidth of the machine");
   CLI11_PARSE(app, argc, argv);
   try {
+    if (growth) {
+      bench::printGrowth(static_cast<std::size_t>(*std::ranges::max_element(sizes)));
+      return 0;
+    }
     bench::keepFreedMemory();
     initialize(filter, jsonFile);
     for (const double size : sizes) {
       for (const auto& contest :
            {bench::sortedLoad, bench::labelLoad, bench::labelLookup, bench::walk,
-            bench::sliceByFirst, bench::sliceBySecond, bench::exchangeWrite, bench::exchangeOpen,
-            bench::exchangeReadAll, bench::exchangeReadOne, bench::exchangeStream,
-            bench::recordsToCube, bench::cubeToRecords, bench::nonzerosToRecords, bench::copyAcross,
+            bench::sliceByFirst, bench::sliceBySecond, bench::sliceByFirstAndThird,
+            bench::clearAndFree, bench::exchangeWrite, bench::exchangeOpen, bench::exchangeReadAll,
+            bench::exchangeReadOne, bench::exchangeStream, bench::recordsToCube,
+            bench::cubeToRecords, bench::nonzerosToRecords, bench::copyAcross,
             bench::domainCheck}) {
         bench::registerContest(contest(), static_cast<std::size_t>(size));
       }
+      bench::registerShapeContests(static_cast<std::size_t>(size));
     }
     bench::SummaryReporter reporter(bench::ours);
     benchmark::RunSpecifiedBenchmarks(&reporter);

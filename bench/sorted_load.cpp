@@ -2,6 +2,7 @@
 
 #include "bench/contests.h"
 #include "bench/database.h"
+#include "bench/duckdb.h"
 #include "bench/ordered_maps.h"
 #include "bench/sqlite.h"
 
@@ -46,15 +47,28 @@ void loadSqlite(benchmark::State& state, const Data& data) {
       });
 }
 
+void loadDuckdb(benchmark::State& state, const Data& data) {
+  measureLoad(
+      state, data.size(),
+      [] {
+        auto database = std::make_unique<Duckdb>();
+        database->createNumberTable("supply");
+        return database;
+      },
+      [&](Duckdb& database) { database.addByNumbers("supply", data, 0, data.size()); });
+  state.counters.erase(heapCounter);  // its memory comes from an allocator of its own
+}
+
 }  // namespace
 
 Contest sortedLoad() {
-  return {"sorted load by numbers",
-          Clock::processor,
-          {{ours, loadDatabase},
-           {stdMapName, loadMap<StdMap>},
-           {btreeMapName, loadMap<BtreeMap>},
-           {sqliteName, loadSqlite}}};
+  return withDuckdb({"sorted load by numbers",
+                     Clock::processor,
+                     {{ours, loadDatabase},
+                      {stdMapName, loadMap<StdMap>},
+                      {btreeMapName, loadMap<BtreeMap>},
+                      {sqliteName, loadSqlite}}},
+                    loadDuckdb);
 }
 
 }  // namespace bench

@@ -16,6 +16,15 @@ std::string insertInto(const std::string& table) {
   return "INSERT INTO " + table + " VALUES(?1, ?2, ?3, ?4)";
 }
 
+std::unique_ptr<Sqlite> databaseByNumbers(const Data& data) {
+  auto database = std::make_unique<Sqlite>();
+  database->createNumberTable("supply");
+  database->execute("BEGIN");
+  database->addByNumbers("supply", data, 0, data.size());
+  database->execute("COMMIT");
+  return database;
+}
+
 }  // namespace
 
 Sqlite::Sqlite(const std::string& file) {
@@ -92,12 +101,14 @@ bool Statement::step() {
 
 Sqlite& filledByNumbers(const Data& data) {
   static Shared<Sqlite> shared;
+  return shared.get(data, databaseByNumbers);
+}
+
+Sqlite& filledWithIndex(const Data& data) {
+  static Shared<Sqlite> shared;
   return shared.get(data, [](const Data& wanted) {
-    auto database = std::make_unique<Sqlite>();
-    database->createNumberTable("supply");
-    database->execute("BEGIN");
-    database->addByNumbers("supply", wanted, 0, wanted.size());
-    database->execute("COMMIT");
+    auto database = databaseByNumbers(wanted);
+    database->execute("CREATE INDEX plantweek ON supply(plant, week)");
     return database;
   });
 }

@@ -67,6 +67,8 @@ class Statement {
 
 // Databases in memory with table "supply" holding all records, shared by the contests that read.
 Sqlite& filledByNumbers(const Data& data);
+// The same, with an index on the first and the third column beside the one of the key.
+Sqlite& filledWithIndex(const Data& data);
 Sqlite& filledByLabels(const Data& data);
 
 }  // namespace bench
