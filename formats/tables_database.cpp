@@ -100,6 +100,21 @@ class TablesDatabase : public DatabaseReader {
 
 }  // namespace
 
+DatabaseTables databaseTables(const std::vector<std::string>& tables) {
+  DatabaseTables result;
+  std::size_t own = 0;
+  for (std::size_t table = 0; table < tables.size(); ++table) {
+    if (tables[table] == symbolsTable) result.areDatabase = true;
+    if (tables[table] == symbolsTable || tables[table] == labelsTable) {
+      ++own;
+    } else {
+      result.onlyOne = table;
+    }
+  }
+  if (!result.areDatabase || tables.size() != own + 1) result.onlyOne.reset();
+  return result;
+}
+
 std::unique_ptr<DatabaseReader> openTablesDatabase(TablesFile file) {
   if (std::ranges::find(file.tables, symbolsTable) == file.tables.end()) {
     throw tool::UsageError(fmt::format(

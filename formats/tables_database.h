@@ -22,6 +22,14 @@ struct TablesFile {
 // Throws UsageError, with the tables that there are, where none is _symbols.
 std::unique_ptr<DatabaseReader> openTablesDatabase(TablesFile file);
 
+// Of tables that a database was written to, the one with records, where there is one only; none
+// where there are more. Nothing for tables that no database was written to.
+struct DatabaseTables {
+  bool areDatabase = false;
+  std::optional<std::size_t> onlyOne;
+};
+DatabaseTables databaseTables(const std::vector<std::string>& tables);
+
 }  // namespace formats
 
 #endif  // ZTB_FORMATS_TABLES_DATABASE_H_

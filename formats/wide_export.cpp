@@ -3,8 +3,11 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
+#include <algorithm>
 #include <map>
 #include <set>
+#include <span>
+#include <string_view>
 #include <vector>
 
 #include "formats/database_export.h"
@@ -25,6 +28,19 @@ std::size_t positionOf(const tool::FileSymbol& symbol, const TableHead& head,
   }
   throw tool::UsageError(fmt::format("--wide {}: {} has no such position; its positions are {}",
                                      position, symbol.name, fmt::join(names, ", ")));
+}
+
+// Labels differ among each other, but one may be called as a column of keys is, and no column can
+// be without a name.
+void requireFree(const TableHead& wide, std::string_view label, const std::string& position) {
+  const bool taken = std::ranges::any_of(
+      std::span(wide.columns).first(wide.keys),
+      [&](const TableColumn& column) { return tool::sameFolded(column.name, label); });
+  if (taken || label.empty()) {
+    throw tool::Failure(fmt::format(
+        "--wide {}: the label {} of {} cannot be a column: {}", position, tool::inQuotes(label),
+        wide.name, taken ? "the keys have one of this name" : "a column needs a name"));
+  }
 }
 
 }  // namespace
@@ -49,12 +65,18 @@ std::size_t writeWide(TableWriter& writer, const tool::ExchangeFile& file,
     rows[std::move(keys)][label] = record.values().front();
     progress.count(++records);
   }
-  TableHead wide{.name = symbol.name, .columns = {}, .rows = rows.size(), .keys = head.keys - 1};
+  TableHead wide{.name = symbol.name,
+                 .columns = {},
+                 .rows = rows.size(),
+                 .keys = head.keys - 1,
+                 .hasGaps = true};
   for (std::size_t at = 0; at < head.keys; ++at) {
     if (at != spread) wide.columns.push_back(head.columns[at]);
   }
   for (const int label : labels) {
-    wide.columns.push_back({.name = std::string(file.label(label)), .kind = ColumnKind::number});
+    const std::string_view name = file.label(label);
+    requireFree(wide, name, position);
+    wide.columns.push_back({.name = std::string(name), .kind = ColumnKind::number});
   }
   writer.begin(wide);
   for (const auto& [keys, cells] : rows) {

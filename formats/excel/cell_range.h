@@ -26,6 +26,9 @@ struct CellRange {
     return place.row >= first.row && place.row <= last.row && place.column >= first.column &&
            place.column <= last.column;
   }
+  [[nodiscard]] std::size_t cells() const {
+    return (last.row - first.row + 1) * (last.column - first.column + 1);
+  }
 };
 
 // "A", "Z", "AA" and so on.

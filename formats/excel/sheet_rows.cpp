@@ -9,6 +9,13 @@
 
 namespace formats {
 
+namespace {
+
+// Each is held as a cell of its own: whole columns are, a sheet is not.
+constexpr std::size_t mostMergedCells = std::size_t{1} << 22U;
+
+}  // namespace
+
 SheetRows::SheetRows(Workbook& workbook, const SheetEntry& sheet)
     : workbook_(workbook), sheet_(sheet) {
   if (workbook_.file().contains(sheet.part, "mergeCell ")) readMerges();
@@ -24,19 +31,26 @@ SheetRows::SheetRows(Workbook& workbook, const SheetEntry& sheet)
 }
 
 void SheetRows::readMerges() {
-  workbook_.file().read(sheet_.part,
-                        {.begin =
-                             [&](std::string_view name, const XmlAttributes& attributes) {
-                               if (name != "mergeCell") return;
-                               const auto range = parseRange(attributes["ref"]);
-                               if (!range) {
-                                 workbook_.file().fail(fmt::format("{}: {} are no merged cells",
-                                                                   sheet_.name, attributes["ref"]));
-                               }
-                               merges_.push_back({.range = *range, .value = {}});
-                             },
-                         .end = {},
-                         .text = {}});
+  std::size_t mergedCells = 0;
+  workbook_.file().read(
+      sheet_.part, {.begin =
+                        [&](std::string_view name, const XmlAttributes& attributes) {
+                          if (name != "mergeCell") return;
+                          const auto range = parseRange(attributes["ref"]);
+                          if (!range) {
+                            workbook_.file().fail(fmt::format("{}: {} are no merged cells",
+                                                              sheet_.name, attributes["ref"]));
+                          }
+                          mergedCells += range->cells();
+                          if (mergedCells > mostMergedCells) {
+                            workbook_.file().fail(fmt::format("{}: more than {} cells are merged",
+                                                              sheet_.name, mostMergedCells));
+                          }
+                          merges_.push_back({.range = *range, .value = {}});
+                        },
+                    .end = {},
+                    .text = {}});
+  std::ranges::stable_sort(merges_, {}, [](const Merge& merge) { return merge.range.first.row; });
 }
 
 void SheetRows::beginElement(std::string_view name, const XmlAttributes& attributes) {
@@ -123,7 +137,10 @@ void SheetRows::finishCell() {
       cell.fault = "is a number that cannot be read";
     } else {
       cell.isNumber = true;
-      if (workbook_.isDate(style_)) cell.text = dateText(cell.number, workbook_.from1904());
+      const NumberKind kind = workbook_.kindOf(style_);
+      if (kind == NumberKind::date) cell.text = dateText(cell.number, workbook_.from1904());
+      if (kind == NumberKind::duration) cell.text = durationText(cell.number);
+      if (kind == NumberKind::truth) cell.text = cell.number != 0 ? "TRUE" : "FALSE";
       if (cell.text.empty()) cell.text = tool::NumberText(cell.number).view();
     }
   }
@@ -149,9 +166,13 @@ void SheetRows::finishRow() {
 }
 
 void SheetRows::fillMerged(std::vector<SheetCell>& row, std::size_t number) {
-  for (Merge& merge : merges_) {
+  std::erase_if(open_, [&](const Merge& merge) { return merge.range.last.row < number; });
+  for (; nextMerge_ < merges_.size() && merges_[nextMerge_].range.first.row <= number;
+       ++nextMerge_) {
+    open_.push_back(std::move(merges_[nextMerge_]));
+  }
+  for (Merge& merge : open_) {
     const CellRange& range = merge.range;
-    if (number < range.first.row || number > range.last.row) continue;
     if (number == range.first.row) {
       const auto found = std::ranges::find_if(
           row, [&](const SheetCell& cell) { return cell.place.column == range.first.column; });

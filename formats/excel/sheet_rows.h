@@ -53,7 +53,10 @@ class SheetRows {
   Workbook& workbook_;
   const SheetEntry& sheet_;
   std::unique_ptr<XlsxPart> part_;
+  // By their first rows; those that the row to be filled has come to are in open_.
   std::vector<Merge> merges_;
+  std::size_t nextMerge_ = 0;
+  std::vector<Merge> open_;
   std::deque<std::vector<SheetCell>> ready_;
   std::vector<SheetCell> row_;
   std::size_t number_ = 0;

@@ -23,14 +23,18 @@ std::optional<std::size_t> numberOf(std::string_view text) {
 }
 
 // Formats that every workbook has and that show a date or time.
-bool isBuiltInDate(std::size_t id) {
-  return (id >= 14 && id <= 22) || (id >= 27 && id <= 36) || (id >= 45 && id <= 47) ||
-         (id >= 50 && id <= 58);
+NumberKind builtInKind(std::size_t id) {
+  constexpr std::size_t beyondADay = 46;
+  if (id == beyondADay) return NumberKind::duration;
+  const bool isDate = (id >= 14 && id <= 22) || (id >= 27 && id <= 36) || id == 45 || id == 47 ||
+                      (id >= 50 && id <= 58);
+  return isDate ? NumberKind::date : NumberKind::plain;
 }
 
-// Whether a format of the workbook's own shows parts of a date: letters outside of texts, colours
-// and conditions.
-bool isDateCode(std::string_view code) {
+// What a format of the workbook's own shows: parts of a date are letters outside of texts, colours
+// and conditions; in brackets they are parts of a duration.
+NumberKind kindOfCode(std::string_view code) {
+  if (code == R"("TRUE";"TRUE";"FALSE")") return NumberKind::truth;
   for (std::size_t at = 0; at < code.size(); ++at) {
     const char c = code[at];
     if (c == '"') {
@@ -39,18 +43,29 @@ bool isDateCode(std::string_view code) {
       const std::size_t end = std::min(code.find(']', at), code.size());
       const std::string_view inside = code.substr(at + 1, end - at - 1);
       if (!inside.empty() && inside.find_first_not_of("hmsHMS") == std::string_view::npos) {
-        return true;
+        return NumberKind::duration;
       }
       at = end;
     } else if (c == '\\' || c == '_' || c == '*') {
       ++at;
     } else if (std::string_view("dmyhsDMYHS").find(c) != std::string_view::npos) {
-      return true;
+      return NumberKind::date;
     } else if (c == 'G' && code.substr(at).starts_with("General")) {
       at += 6;
     }
   }
-  return false;
+  return NumberKind::plain;
+}
+
+constexpr long millisecondsOfDay = 86400000;
+
+// "12:30:00", and where there are milliseconds "12:30:00.250".
+std::string timeText(long milliseconds) {
+  const long seconds = milliseconds / 1000;
+  std::string text =
+      fmt::format("{:02}:{:02}:{:02}", seconds / 3600, seconds / 60 % 60, seconds % 60);
+  if (milliseconds % 1000 != 0) text += fmt::format(".{:03}", milliseconds % 1000);
+  return text;
 }
 
 // The name of a part that a relation of another part leads to.
@@ -87,17 +102,14 @@ std::string withoutEscapes(std::string_view text) {
 
 std::string dateText(double serial, bool from1904) {
   constexpr double lastDay = 2958465;
-  constexpr double secondsOfDay = 86400;
   if (!(serial >= 0) || serial > lastDay + 1) return {};
   double day = std::floor(serial);
-  auto seconds = static_cast<long>(std::lround((serial - day) * secondsOfDay));
-  if (seconds == static_cast<long>(secondsOfDay)) {
-    seconds = 0;
+  long time = std::lround((serial - day) * millisecondsOfDay);
+  if (time == millisecondsOfDay) {
+    time = 0;
     ++day;
   }
-  const std::string time =
-      fmt::format("{:02}:{:02}:{:02}", seconds / 3600, seconds / 60 % 60, seconds % 60);
-  if (day == 0 && !from1904) return time;
+  if (day == 0 && !from1904) return timeText(time);
   using std::chrono::days;
   using std::chrono::sys_days;
   using std::chrono::year;
@@ -110,7 +122,13 @@ std::string dateText(double serial, bool from1904) {
   const std::string text =
       fmt::format("{:04}-{:02}-{:02}", static_cast<int>(date.year()),
                   static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()));
-  return seconds == 0 ? text : text + 'T' + time;
+  return time == 0 ? text : text + 'T' + timeText(time);
+}
+
+std::string durationText(double days) {
+  constexpr double longest = 2958466;
+  if (!(days >= 0) || days > longest) return {};
+  return timeText(std::lround(days * millisecondsOfDay));
 }
 
 Workbook::Workbook(const std::string& path) : file_(path) {
@@ -199,17 +217,17 @@ void Workbook::readTexts() {
 }
 
 void Workbook::readStyles() {
-  std::map<std::size_t, bool> own;
+  std::map<std::size_t, NumberKind> own;
   bool inCellFormats = false;
   file_.read(stylesPart_,
              {.begin =
                   [&](std::string_view name, const XmlAttributes& attributes) {
                     const std::size_t id = numberOf(attributes["numFmtId"]).value_or(0);
-                    if (name == "numFmt") own[id] = isDateCode(attributes["formatCode"]);
+                    if (name == "numFmt") own[id] = kindOfCode(attributes["formatCode"]);
                     if (name == "cellXfs") inCellFormats = true;
                     if (name == "xf" && inCellFormats) {
                       const auto found = own.find(id);
-                      dateStyles_.push_back(found == own.end() ? isBuiltInDate(id) : found->second);
+                      styles_.push_back(found == own.end() ? builtInKind(id) : found->second);
                     }
                   },
               .end =
@@ -228,9 +246,9 @@ std::string_view Workbook::sharedText(std::string_view number) const {
   return std::string_view(texts_).substr(begin, textEnds_[*index] - begin);
 }
 
-bool Workbook::isDate(std::string_view style) const {
+NumberKind Workbook::kindOf(std::string_view style) const {
   const std::optional<std::size_t> index = numberOf(style);
-  return index && *index < dateStyles_.size() && dateStyles_[*index];
+  return index && *index < styles_.size() ? styles_[*index] : NumberKind::plain;
 }
 
 }  // namespace formats

@@ -3,6 +3,7 @@
 #define ZTB_FORMATS_EXCEL_WORKBOOK_H_
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -17,6 +18,10 @@ struct SheetEntry {
   std::string part;
 };
 
+// What a format shows a number as: itself, a date or time of day, a time that goes on beyond a day
+// ("[h]:mm:ss"), or a truth value, as LibreOffice writes those of formulas.
+enum class NumberKind : std::uint8_t { plain, date, duration, truth };
+
 class Workbook {
  public:
   // Reads everything but the sheets. Throws Failure for a file that is no workbook.
@@ -26,8 +31,8 @@ class Workbook {
   [[nodiscard]] XlsxFile& file() { return file_; }
   // A shared text, followed by a zero char. Throws Failure for one that there is not.
   [[nodiscard]] std::string_view sharedText(std::string_view number) const;
-  // Whether numbers in cells of a style are dates.
-  [[nodiscard]] bool isDate(std::string_view style) const;
+  // What numbers in cells of a style are.
+  [[nodiscard]] NumberKind kindOf(std::string_view style) const;
   [[nodiscard]] bool from1904() const { return from1904_; }
 
  private:
@@ -43,16 +48,19 @@ class Workbook {
   std::string stylesPart_;
   std::string texts_;
   std::vector<std::size_t> textEnds_;
-  std::vector<bool> dateStyles_;
+  std::vector<NumberKind> styles_;
   bool from1904_ = false;
 };
 
 // A text with _x000D_ and the like turned into the chars that they stand for.
 std::string withoutEscapes(std::string_view text);
 
-// A day number as "2024-03-01", with the time behind it where there is one; empty for a number that
-// no date is.
+// A day number as "2024-03-01", with the time behind it where there is one, to the millisecond;
+// empty for a number that no date is.
 std::string dateText(double serial, bool from1904);
+
+// A number of days as "48:00:00"; empty for one beyond reason.
+std::string durationText(double days);
 
 }  // namespace formats
 

@@ -163,7 +163,17 @@ std::optional<std::size_t> sheetNamed(const Workbook& workbook, std::string_view
 
 SheetPart parsePart(const Workbook& workbook, const TableSource& source) {
   const std::string& part = source.part;
-  if (part.empty()) return {};
+  std::vector<std::string> names;
+  for (const SheetEntry& sheet : workbook.sheets()) names.push_back(sheet.name);
+  const std::string shown = tool::shortened(fmt::format("{}", fmt::join(names, ", ")));
+  if (part.empty()) {
+    const DatabaseTables tables = databaseTables(names);
+    if (!tables.areDatabase || tables.onlyOne)
+      return {.sheet = tables.onlyOne.value_or(0), .range = {}};
+    throw tool::Failure(
+        fmt::format("{}: which sheet is meant? give --from {}#SHEET; its sheets are {}",
+                    source.path, source.path, shown));
+  }
   if (const auto sheet = sheetNamed(workbook, part)) return {.sheet = *sheet, .range = {}};
   if (const auto range = parseRange(part)) return {.sheet = 0, .range = range};
   const std::size_t mark = part.rfind('!');
@@ -176,11 +186,8 @@ SheetPart parsePart(const Workbook& workbook, const TableSource& source) {
                                       tool::inQuotes(part.substr(mark + 1))));
     }
   }
-  std::vector<std::string> names;
-  for (const SheetEntry& sheet : workbook.sheets()) names.push_back(sheet.name);
   throw tool::Failure(fmt::format("{}: no sheet {}; its sheets are {}", source.path,
-                                  tool::inQuotes(part.substr(0, mark)),
-                                  tool::shortened(fmt::format("{}", fmt::join(names, ", ")))));
+                                  tool::inQuotes(part.substr(0, mark)), shown));
 }
 
 }  // namespace

@@ -118,6 +118,8 @@ std::unique_ptr<TableReader> openSqlite(const TableSource& source) {
   const std::vector<std::string> tables = file.tables();
   if (table.empty() && tables.size() == 1) {
     table = tables.front();
+  } else if (const auto only = databaseTables(tables).onlyOne; table.empty() && only) {
+    table = tables[*only];
   }
   const auto found = std::ranges::find_if(
       tables, [&](const std::string& name) { return tool::sameFolded(name, table); });

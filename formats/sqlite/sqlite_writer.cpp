@@ -61,6 +61,7 @@ class SqliteWriter : public TableWriter {
       if (at < head.keys) keys_ += (at == 0 ? "" : ", ") + quoted;
     }
     table_ = name;
+    hasGaps_ = head.hasGaps;
     kinds_.clear();
     for (const TableColumn& column : head.columns) kinds_.push_back(column.kind);
     file_.run(fmt::format("create table {} ({}) strict", quotedName(name), columns));
@@ -73,7 +74,7 @@ class SqliteWriter : public TableWriter {
   void number(double value) override {
     ++at_;
     if (std::isnan(value)) {
-      if (std::bit_cast<std::uint64_t>(value) == notAvailable) {
+      if (!hasGaps_ && std::bit_cast<std::uint64_t>(value) == notAvailable) {
         sqlite3_bind_null(insert_.get(), at_);
       } else {
         const tool::NumberText spelled(value);
@@ -136,6 +137,7 @@ class SqliteWriter : public TableWriter {
   std::string table_;
   std::string keys_;
   std::vector<ColumnKind> kinds_;
+  bool hasGaps_ = false;
   // The tables of symbols, and all names that are taken, in folded letters.
   std::map<std::string, std::string> names_;
   std::set<std::string> taken_{"_symbols", "_labels"};

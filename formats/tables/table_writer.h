@@ -25,6 +25,8 @@ struct TableHead {
   // The table is part of a whole database, which is read back bit for bit: formats that cannot hold
   // each byte and value as it is spell it out.
   bool exact = false;
+  // Rows may have missing() numbers, which are to be told from values that are not available.
+  bool hasGaps = false;
 };
 
 // One table after the other, each begun, filled row by row and ended. What was written is complete

@@ -96,6 +96,52 @@ TEST_F(ExcelTest, ReadsWhatOtherProgramsLeaveOut) {
   EXPECT_EQ(database["price"].find("Tofu")->level(), 5e-324);
 }
 
+TEST_F(ExcelTest, ReadsWhatLibreOfficeWrote) {
+  const std::string file = ZTB_WORKBOOKS "/libreoffice.xlsx";
+  const auto read = [&](const std::string& part, const Options& options) {
+    Options all{{"from", file + part}};
+    all.insert(all.end(), options.begin(), options.end());
+    Job job(all);
+    EXPECT_TRUE(job.import(folder_->file("office.rxf"))) << job.errors(*folder_);
+    return ztb::Database::open(folder_->file("office.rxf"));
+  };
+  // Values of formulas are those that LibreOffice computed.
+  const ztb::Database plan = read("#Plan!A1:G3", {{"parameter", "cents(food, made)"},
+                                                  {"parameter", "double(code, fresh)"},
+                                                  {"parameter", "n(ripens) = cents"}});
+  EXPECT_EQ(plan["cents"].find("Milk", "2024-02-29")->level(), 11.25);
+  EXPECT_EQ(plan["cents"].find("K\xC3\xA4se & \"Co\"", "2024-12-31T23:59:59.500")->level(), -0.1);
+  EXPECT_EQ(plan["double"].find("Milk-11.25", "TRUE")->level(), 22.5);
+  EXPECT_EQ(plan["double"].find("K\xC3\xA4se & \"Co\"", "FALSE")->level(), -0.2);
+  EXPECT_EQ(plan["n"].find("48:30:00")->level(), 11.25);
+  EXPECT_EQ(plan["n"].find("01:02:03")->level(), -0.1);
+  const ztb::Database wide =
+      read("#Wide & merged!B3:E5", {{"wide", "year"}, {"parameter", "price(group, food, year)"}});
+  EXPECT_EQ(wide["price"].recordCount(), 3);
+  EXPECT_EQ(wide["price"].find("dairy", "Milk", "2021")->level(), 2);
+  EXPECT_EQ(wide["price"].find("dairy", "Curd", "2020")->level(), 3);
+  Job wrong({{"from", file + "#Plan"}, {"parameter", "double(code)"}, {"set", "food"}});
+  EXPECT_FALSE(wrong.import(folder_->file("none.rxf")));
+  EXPECT_THAT(wrong.errors(*folder_), HasSubstr("#Plan!E4: double: holds an error"));
+  EXPECT_THAT(wrong.errors(*folder_),
+              HasSubstr("#Plan!A4: food: label 'two\\nlines' holds a control character"));
+}
+
+TEST_F(ExcelTest, ReadsTheSheetOfTheOnlySymbol) {
+  ztb::Database database;
+  database.addParameter("price", {"food"}).add("Milk").setLevel(2);
+  Job one({{"symbol", "price"}, {"to", folder_->file("one.xlsx")}});
+  ASSERT_TRUE(one.exportDatabase(database.handle())) << one.errors(*folder_);
+  const Options value{{"parameter", "price(food) = value"}};
+  EXPECT_EQ(imported("one.xlsx", value)["price"].find("Milk")->level(), 2);
+  database.addSet("s", {"*"});
+  Job two({{"all", ""}, {"to", folder_->file("two.xlsx")}});
+  ASSERT_TRUE(two.exportDatabase(database.handle())) << two.errors(*folder_);
+  EXPECT_EQ(errorsOf("two.xlsx", value),
+            "two.xlsx: which sheet is meant? give --from two.xlsx#SHEET; its sheets are _symbols, "
+            "_labels, price, s");
+}
+
 TEST_F(ExcelTest, TellsWhatIsWrongWithASheet) {
   EXPECT_EQ(errorsOf("plan.xlsx#Formulas", price),
             "plan.xlsx#Formulas!B2: price: is a formula without a value: let a spreadsheet program "
@@ -129,6 +175,7 @@ TEST_F(ExcelTest, RefusesForgedAndDamagedWorkbooks) {
   EXPECT_EQ(errorsOf("backwards.xlsx", price), "backwards.xlsx: S: a cell of row 2 is called A2");
   EXPECT_EQ(errorsOf("rows.xlsx", price), "rows.xlsx: S: a row has the number 3 behind row 5");
   EXPECT_EQ(errorsOf("merge.xlsx", price), "merge.xlsx: S: B are no merged cells");
+  EXPECT_EQ(errorsOf("merges.xlsx", price), "merges.xlsx: S: more than 4194304 cells are merged");
   EXPECT_EQ(errorsOf("entity.xlsx", price),
             "entity.xlsx: part xl/sheet.xml, line 1: a document type, which no workbook has");
   EXPECT_EQ(errorsOf("nonsense.xlsx", price),

@@ -86,6 +86,8 @@ forge("shared.xlsx", cell("B2", "7", "s"), texts=rich)
 forge("place.xlsx", cell("ZZZZ2", "1"))
 forge("backwards.xlsx", cell("A2", "1"))
 forge("rows.xlsx", '<x:row r="5"/><x:row r="3"/>')
+everything = '<x:mergeCells><x:mergeCell ref="A1:XFD1048576"/></x:mergeCells>'
+forge("merges.xlsx", cell("B2", "1") + '<x:row r="1048576"/>', before=everything)
 forge("merge.xlsx", cell("B2", "1"), before='<x:mergeCells><x:mergeCell ref="B"/></x:mergeCells>')
 forge("entity.xlsx", cell("B2", "&a;"), prolog='<!DOCTYPE x [<!ENTITY a "1">]>')
 forge("nonsense.xlsx", "<x:row></x:sheetData>")

@@ -369,6 +369,42 @@ TEST_F(TableTest, WritesWideTables) {
   EXPECT_FALSE(std::filesystem::exists(folder_.file("x.csv")));
 }
 
+TEST_F(TableTest, TellsMissingCellsOfWideTablesFromWhatIsNotAvailable) {
+  for (const char* target : {"w.csv", "w.db", "w.jsonl", "w.xlsx"}) {
+    ztb::Database database;
+    ztb::Symbol flow = database.addParameter("flow", {"from", "year"});
+    flow.add("LIS", "2020").setLevel(1);
+    flow.add("LIS", "2021").setLevel(std::nan(""));
+    flow.add("OPO", "2021").setLevel(4);
+    Job out({{"symbol", "flow"}, {"wide", "year"}, {"to", folder_.file(target)}});
+    ASSERT_TRUE(out.exportDatabase(database.handle())) << out.errors(folder_);
+    const ztb::Database back =
+        imported(target, {{"wide", "year"}, {"parameter", "flow(from, year) = value"}});
+    EXPECT_EQ(back["flow"].recordCount(), 3) << target;
+    EXPECT_TRUE(std::isnan(back["flow"].find("LIS", "2021")->level())) << target;
+  }
+}
+
+TEST_F(TableTest, TellsLabelsThatCannotBeColumnsOfAWideTable) {
+  ztb::Database database;
+  ztb::Symbol flow = database.addParameter("flow", {"from", "year"});
+  flow.add("LIS", "From").setLevel(1);
+  Job taken({{"symbol", "flow"}, {"wide", "year"}, {"to", folder_.file("w.jsonl")}});
+  EXPECT_FALSE(taken.exportDatabase(database.handle()));
+  EXPECT_EQ(taken.errors(folder_),
+            "--wide year: the label 'From' of flow cannot be a column: the keys have one of this "
+            "name");
+  ztb::Database unnamed;
+  const int none = unnamed.mergeLabel("");
+  const int town = unnamed.mergeLabel("LIS");
+  unnamed.addParameter("flow", {"from", "year"}).put(std::vector<int>{town, none}, 1);
+  Job empty({{"symbol", "flow"}, {"wide", "year"}, {"to", folder_.file("w.jsonl")}});
+  EXPECT_FALSE(empty.exportDatabase(unnamed.handle()));
+  EXPECT_EQ(empty.errors(folder_),
+            "--wide year: the label '' of flow cannot be a column: a column needs a name");
+  EXPECT_FALSE(std::filesystem::exists(folder_.file("w.jsonl")));
+}
+
 TEST_F(TableTest, TakesDatesAsIsoLabels) {
   write("d.csv", "day,v\n1.3.2024,1\n29/02/2024,2\n30-02-2024,3\n2024-03-05,4\n1.3/2024,5\n");
   const ztb::Database database = imported("d.csv", {{"dates", "dmy"}, {"parameter", "p(day) = v"}});

@@ -84,6 +84,19 @@ def test_sparse_symbols_are_refused_with_their_size():
             small.to_xarray(most=0)
 
 
+def test_a_value_that_stands_for_no_record_is_refused(tmp_path):
+    absent = np.array([0x7FF8000061627374], dtype=np.uint64).view(np.float64)[0]
+    with ztb.Database() as database:
+        p = database.add_parameter("p", ["*"])
+        p["a"] = absent
+        x = database.add_variable("x", ["*"])
+        x["a"] = (absent, 1, 2, 3, 4)
+        for use in (p.to_xarray, x.to_xarray, lambda: database.export(tmp_path / "p.nc")):
+            with pytest.raises(ValueError, match="has the NaN 0x7ff8000061627374 as a value, which"):
+                use()
+        assert not (tmp_path / "p.nc").exists()
+
+
 def whole(diet):
     diet["food"]["Milk"] = "1 qt."
     diet.add_labels(["", "never used"])

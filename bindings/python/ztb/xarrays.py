@@ -98,6 +98,11 @@ def _cells(
     """What records hold, on axes, with ``empty`` elsewhere."""
     sizes = [len(axis) for axis in axes] + list(content.shape[1:])
     _require_room(symbol, sizes, most)
+    if content.dtype == np.float64 and (content.view(np.uint64) == _ABSENT_BITS).any():
+        raise ValueError(
+            f"symbol {symbol.name} has the NaN 0x{_ABSENT_BITS:016x} as a value, which in an array "
+            "is a cell without a record"
+        )
     cells = np.full(sizes, empty, dtype=content.dtype)
     places = []
     for column, axis in zip(keys.T, axes):
