@@ -1,10 +1,11 @@
 # How the tests of a program become tests of ctest.
 
-# Adds the tests of a gtest program under the program's name, each as a process of its own. Under a
-# sanitizer a start takes longer than most tests, so that there a few processes share them, and long
-# series of random cases are told to be shorter by ZTB_SHORT_SERIES.
+# Adds the tests of a gtest program under the program's name, each as a process of its own. Where all
+# are to run, with ZTB_JOIN, and under a sanitizer, a start takes longer than most tests, so that there
+# a few processes share them. Under a sanitizer long series of random cases are told to be shorter by
+# ZTB_SHORT_SERIES.
 #
-#   ISOLATED       each test needs its own process, with sanitizers too
+#   ISOLATED       each test needs its own process, in every build
 #   LIBRARY_PATH   the built libraries are found by LD_LIBRARY_PATH; it stands in for run paths,
 #                  which a sanitizer that opens a library on behalf of ours does not know
 function(ztb_discover_tests target)
@@ -13,12 +14,15 @@ function(ztb_discover_tests target)
   if(arg_LIBRARY_PATH)
     set(environment "LD_LIBRARY_PATH=${CMAKE_LIBRARY_OUTPUT_DIRECTORY}")
   endif()
-  if(ZTB_SANITIZE AND NOT arg_ISOLATED)
+  if((ZTB_SANITIZE OR ZTB_JOIN) AND NOT arg_ISOLATED)
+    if(ZTB_SANITIZE)
+      list(APPEND environment ZTB_SHORT_SERIES=1)
+    endif()
     set(processes 4)
     math(EXPR last "${processes} - 1")
     foreach(index RANGE ${last})
       add_test(NAME ${target}.${index} COMMAND ${target})
-      set(own ${environment} ZTB_SHORT_SERIES=1 GTEST_TOTAL_SHARDS=${processes} GTEST_SHARD_INDEX=${index})
+      set(own ${environment} GTEST_TOTAL_SHARDS=${processes} GTEST_SHARD_INDEX=${index})
       set_tests_properties(${target}.${index} PROPERTIES ENVIRONMENT "${own}")
     endforeach()
   else()
