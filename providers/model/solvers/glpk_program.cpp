@@ -373,15 +373,20 @@ int GlpkProgram::search(const Job& job) {
   return glp_intopt(problem_, &options);
 }
 
+// Which node has the best bound costs GLPK a walk over all: it is asked once a node, and when there
+// is a new point.
 void GlpkProgram::askInSearch(glp_tree* tree, void* context) {
   auto* job = static_cast<Job*>(context);
-  const int used = glp_get_it_cnt(glp_ios_get_prob(tree));
-  const int best = glp_ios_best_node(tree);
-  if (best != 0) job->result->bound = glp_ios_node_bound(tree, best);
   glp_prob* const problem = glp_ios_get_prob(tree);
-  const bool hasPoint = glp_mip_status(problem) == GLP_FEAS;
-  job->watch->tell(hasPoint ? glp_mip_obj_val(problem) : HUGE_VAL, job->result->bound);
-  if (job->watch->mustStop() || used >= job->iterationLimit) glp_ios_terminate(tree);
+  const int reason = glp_ios_reason(tree);
+  const bool stops = job->watch->mustStop() || glp_get_it_cnt(problem) >= job->iterationLimit;
+  if (stops || reason == GLP_ISELECT || reason == GLP_IBINGO) {
+    const int best = glp_ios_best_node(tree);
+    if (best != 0) job->result->bound = glp_ios_node_bound(tree, best);
+    const bool hasPoint = glp_mip_status(problem) == GLP_FEAS;
+    job->watch->tell(hasPoint ? glp_mip_obj_val(problem) : HUGE_VAL, job->result->bound);
+  }
+  if (stops) glp_ios_terminate(tree);
 }
 
 void GlpkProgram::searchIntegers(Watch& watch, SolverResult& result) {
