@@ -89,6 +89,13 @@ TEST_F(UsageTest, WrongUsageEndsWithTwo) {
   EXPECT_EQ(ztb({"show", "a.rxf", "s", "--csv", "--json"}).status, 2);
 }
 
+TEST_F(UsageTest, AFlagTakesNoValue) {
+  expectFails(2, "ztb: --csv takes no value; see ztb show --help\n",
+              {"show", "a.rxf", "s", "--csv=maybe"});
+  expectFails(2, "ztb: --json takes no value; see ztb info --help\n",
+              {"info", "a.rxf", "--json=false"});
+}
+
 // What a misspelt option leaves over would otherwise be told as too many or too few files.
 TEST_F(UsageTest, AMisspeltNameIsNamed) {
   expectFails(2, "ztb: no option --haed, is --head meant?; see ztb show --help\n",

@@ -101,7 +101,11 @@ std::string valueFault(const CLI::App& command, const CLI::ParseError& error) {
   const std::string words = error.what();
   const std::string name = words.substr(0, words.find_first_of(": "));
   const CLI::Option* option = command.get_option_no_throw(name);
-  if (option == nullptr) return words;
+  if (option == nullptr) {
+    // A flag with a value is named without its dashes.
+    const bool isFlag = command.get_option_no_throw("--" + name) != nullptr;
+    return isFlag ? "--" + name + " takes no value" : words;
+  }
   if (dynamic_cast<const CLI::ExcludesError*>(&error) != nullptr) {
     return name + " and " + words.substr(words.rfind(' ') + 1) + " exclude each other";
   }
@@ -212,7 +216,7 @@ Option Command::words(const std::string& name, std::vector<std::string>& into, s
 }
 
 Option Command::flag(const std::string& name, bool& into, const std::string& help) {
-  return Option(command_->add_flag(name, into, help));
+  return Option(command_->add_flag(name, into, help)->disable_flag_override());
 }
 
 Option Command::number(const std::string& name, std::size_t& into, const std::string& help) {
