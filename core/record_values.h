@@ -17,7 +17,8 @@ inline double& valueSlot(AbstractZTBSymbolIterator& record, int slot) {
     throw std::logic_error("records of symbol " + symbol.name + " have no value slot " +
                            std::to_string(slot) + ", only a level");
   }
-  return record.values()[slot];
+  double* atHand = record.valuesAtHand();
+  return (atHand == nullptr ? record.values() : atHand)[slot];
 }
 
 }  // namespace ztb

@@ -32,7 +32,9 @@ int ztbRecordMoveNext(ztbRec* handle, void* rec) {
     if (record == nullptr) {
       return failNoRecord(db);
     }
-    return record->moveNext(lastLabelOf(db)) ? success : db.fail("%s", record->message());
+    return record->moveNextAtHand() || record->moveNext(lastLabelOf(db))
+               ? success
+               : db.fail("%s", record->message());
   });
 }
 

@@ -16,6 +16,7 @@
 
 #include "store/abstract_symbol_iterator.h"
 #include "store/idmap.h"
+#include "store/record_node.h"
 
 namespace ztb {
 
@@ -162,6 +163,22 @@ class AbstractZTBSymbol {
 
 inline bool AbstractZTBSymbolIterator::ended() const {
   return timesEmptied_ != symbol_->timesEmptied;
+}
+
+inline bool AbstractZTBSymbolIterator::hasNode() const {
+  return node_ != nullptr && *node_ != nullptr && symbol_->dim != 0 && !ended();
+}
+
+inline bool AbstractZTBSymbolIterator::moveNextAtHand() {
+  return hasNode() && dmap::stepToRecord(*node_, sliceMask_.get(), symbol_->dim);
+}
+
+inline double* AbstractZTBSymbolIterator::valuesAtHand() const {
+  if (!hasNode()) {
+    return nullptr;
+  }
+  auto* node = static_cast<dmap::TreeLink*>(*node_);
+  return node->isHead() ? nullptr : dmap::valuesOfNode(node, symbol_->dim);
 }
 
 }  // namespace ztb

@@ -62,6 +62,12 @@ class AbstractZTBSymbolIterator {
   // last of them then; their number. Of the universe, whose largest label is given, no values.
   virtual int copyRecords(int most, int lastLabel, int* const* keys, double* const* values) = 0;
 
+  // Steps on, or gives the values, without a virtual call, where the handle stands on a record of a
+  // tree and is to stand on one; otherwise false, or null, with nothing changed, and `moveNext` and
+  // `values` give the answer.
+  [[nodiscard]] inline bool moveNextAtHand();
+  [[nodiscard]] inline double* valuesAtHand() const;
+
   // Takes the symbol and the position of another handle. Throws std::logic_error when its symbol is
   // on another record store.
   void moveToSymbolOf(const AbstractZTBSymbolIterator& other);
@@ -81,6 +87,8 @@ class AbstractZTBSymbolIterator {
 
   // Whether the records among which this handle stood are no longer there.
   [[nodiscard]] inline bool ended() const;
+  // Whether `node_` leads to a node.
+  [[nodiscard]] inline bool hasNode() const;
   // Follows the records of another handle.
   void takeRecordsOf(const AbstractZTBSymbolIterator& other) {
     timesEmptied_ = other.timesEmptied_;
@@ -89,6 +97,9 @@ class AbstractZTBSymbolIterator {
   // Leaves a message made of a text and the symbol's name; false.
   bool failMove(const char* text, const char* symbolName);
 
+  // The node of a handle on a tree of records: where its position keeps it, which holds null as
+  // long as it stands nowhere. Null for any other handle.
+  void** node_ = nullptr;
   IterationMode mode_ = IterationMode::symbol;
   AbstractZTBSymbol* symbol_;
   std::unique_ptr<int[]> sliceMask_;

@@ -5,7 +5,6 @@
 #include <optional>
 
 #include "store/map_family.h"
-#include "store/slice_mask.h"
 
 namespace ztb::dmap {
 
@@ -57,30 +56,9 @@ class DMapIterator final : public BaseDMapIterator {
   }
 
 #if !defined(ZTB_PLAIN_STORES)
-  // Steps on if that shows to lead from a record to a record, one that lies in the slice where
-  // there is a mask, without a look at the map; false, with nothing changed, where it does not.
-  // REQUIRES: not the null iterator.
-  bool stepToRecord(const int* mask) {
-    if (dim() == 0) {
-      return false;
-    }
-    auto* node = static_cast<TreeLink*>(position_);
-    if (node->isHead()) {
-      return false;
-    }
-    node = node->next();
-    if (node->isHead() || (mask != nullptr && !matchesMask(mask, keyOfNode(node), dim()))) {
-      return false;
-    }
-    position_ = node;
-    return true;
-  }
-
-  // The values of the record on which the iterator stands; null where that does not show without a
-  // look at the map.
-  [[nodiscard]] double* valuesAtHand() const {
-    auto* node = static_cast<TreeLink*>(position_);
-    return dim() == 0 || node == nullptr || node->isHead() ? nullptr : valuesOfNode(node, dim());
+  // Where the node stands, for callers that step on and read without a call; see record_node.h.
+  [[nodiscard]] void** nodeAtHand() {
+    return &position_;
   }
 #endif
 

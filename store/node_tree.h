@@ -2,8 +2,8 @@
 //
 // Nodes that arrive behind all others in a tree that has had nothing else so far are not put into
 // a tree at all but into a list, in which a step is one pointer: most data arrive sorted and are
-// only walked. The first search of a tree that is a list makes it one, balanced, in one pass over
-// the nodes; none of them moves. From then on it is a red-black tree, until it is empty again.
+// only walked. `settle` makes a tree of the list, balanced, in one pass over the nodes; none of
+// them moves. From then on it is a red-black tree, until it is empty again.
 #ifndef ZTB_STORE_NODE_TREE_H_
 #define ZTB_STORE_NODE_TREE_H_
 

@@ -1,28 +1,25 @@
 // An ordered map of records with keys of `dim` label numbers: what a standard map does, from a pool
 // of nodes, built in one pass where records arrive sorted, and with a search that starts at a
 // record. Its nodes do not move while they are in it.
+//
+// Records that arrive sorted stay a list, with an index beside it from the first search on, until
+// one comes between others or, with an index, one goes: then they become a tree.
 #ifndef ZTB_STORE_RECORD_TREE_H_
 #define ZTB_STORE_RECORD_TREE_H_
 
 #include <cstddef>
 #include <cstring>
+#include <memory>
 #include <new>
 
 #include "store/idmap.h"
+#include "store/list_index.h"
 #include "store/node_pool.h"
 #include "store/node_tree.h"
+#include "store/record_node.h"
 #include "store/slice_mask.h"
 
 namespace ztb::dmap {
-
-// Where the parts of a node stand: behind its links the key, behind that, on the next multiple of
-// eight, the value slots.
-inline int* keyOfNode(TreeLink* node) {
-  return reinterpret_cast<int*>(node + 1);
-}
-inline double* valuesOfNode(TreeLink* node, int dim) {
-  return reinterpret_cast<double*>(keyOfNode(node) + (dim + (dim & 1)));
-}
 
 template <int dim, int slots>
 class RecordTree {
@@ -51,12 +48,20 @@ class RecordTree {
     if (behind > 0) {
       TreeLink* node = newNode(key, values);
       tree_.linkLast(node);
+      if (index_ != nullptr) {
+        addToIndex(node);
+      }
       return node;
     }
     if (behind == 0) {
       return present(last, values, overwrite);
     }
-    tree_.settle();
+    if (tree_.root() == nullptr) {
+      if (TreeLink* found = inList(hint, key)) {
+        return present(found, values, overwrite);
+      }
+      settle();
+    }
     const Place place = hint->isHead() ? placeOf(key) : placeNear(hint, key);
     if (place.found != nullptr) {
       return present(place.found, values, overwrite);
@@ -67,11 +72,15 @@ class RecordTree {
   }
 
   void erase(TreeLink* node) {
+    if (index_ != nullptr) {
+      settle();
+    }
     tree_.unlink(node);
     pool_.give(node);
   }
 
   void clear() {
+    index_.reset();
     tree_.forget();
     pool_.releaseAll();
   }
@@ -88,7 +97,10 @@ class RecordTree {
       if (behind >= 0) {
         return behind > 0 ? end() : last;
       }
-      tree_.settle();
+      if (haveIndex()) {
+        return boundInList(key);
+      }
+      settle();
     }
     return boundBelow(tree_.root(), end(), key);
   }
@@ -145,15 +157,12 @@ class RecordTree {
   // Stepping on to a neighbour costs less than a search where the next match is near.
   static constexpr int stepsBeforeSearch = 4;
 
-  // The sign of `left` against `right`.
-  static int order(const int* left, const int* right) {
-    for (int d = 0; d < dim; ++d) {
-      if (left[d] != right[d]) {
-        return left[d] < right[d] ? -1 : 1;
-      }
-    }
-    return 0;
-  }
+  // What a search in the list reads of memory ahead: the nodes of one entry of the index.
+  static constexpr std::size_t linesAhead = 6;
+  // Below it a search of the tree is as fast.
+  static constexpr std::size_t fewestIndexed = 64;
+
+  static int order(const int* left, const int* right) { return orderOfKeys<dim>(left, right); }
   static bool isBelow(TreeLink* node, const int* key) { return order(keyOfNode(node), key) < 0; }
 
   TreeLink* newNode(const int* key, const double* values) {
@@ -168,6 +177,67 @@ class RecordTree {
       std::memcpy(valuesOfNode(node, dim), values, sizeof(double) * slots);
     }
     return node;
+  }
+
+  // Makes a list a tree.
+  void settle() {
+    index_.reset();
+    tree_.settle();
+  }
+
+  // Whether there is an index, which is made if it is worth it. REQUIRES: a list.
+  bool haveIndex() noexcept {
+    if (index_ == nullptr && size() >= fewestIndexed) {
+      try {
+        index_ = std::make_unique<ListIndex>(tree_.first(), size(), dim);
+      } catch (const std::bad_alloc&) {
+        return false;
+      }
+    }
+    return index_ != nullptr;
+  }
+  void addToIndex(TreeLink* node) noexcept {
+    try {
+      index_->add(node);
+    } catch (const std::bad_alloc&) {
+      index_.reset();
+    }
+  }
+
+  // As lowerBound(). REQUIRES: a list with an index.
+  TreeLink* boundInList(const int* key) {
+    TreeLink* node = index_->template nearBelow<dim>(key);
+    if (node == nullptr) {
+      return begin();
+    }
+    // The next few mostly stand behind it in memory.
+    constexpr std::size_t line = 64;
+    for (std::size_t ahead = 1; ahead < linesAhead; ++ahead) {
+      __builtin_prefetch(reinterpret_cast<const char*>(node) + ahead * line);
+    }
+    do {
+      node = node->right;
+    } while (!node->isHead() && isBelow(node, key));
+    return node;
+  }
+
+  // The record with this key, if that shows at the hint or by the index; or null.
+  // REQUIRES: a list, with a record behind the key.
+  TreeLink* inList(TreeLink* hint, const int* key) {
+    if (!hint->isHead()) {
+      const int side = order(key, keyOfNode(hint));
+      if (side == 0) {
+        return hint;
+      }
+      if (side > 0 && order(key, keyOfNode(hint->right)) == 0) {
+        return hint->right;
+      }
+    }
+    if (index_ == nullptr) {
+      return nullptr;
+    }
+    TreeLink* bound = boundInList(key);
+    return order(key, keyOfNode(bound)) == 0 ? bound : nullptr;
   }
 
   // The node before, the head in front of the first.
@@ -190,7 +260,9 @@ class RecordTree {
   // The first record not below a key that is above `node`: up to where the way back down may lie,
   // and down from there, which takes fewer steps the nearer it is.
   TreeLink* boundBehind(TreeLink* node, const int* key) {
-    tree_.settle();
+    if (tree_.root() == nullptr) {
+      return lowerBound(key);
+    }
     TreeLink* above = node->parent();
     TreeLink* below = node;  // the last on the way up that is below the key
     while (!above->isHead()) {
@@ -254,6 +326,7 @@ class RecordTree {
 
   NodeTree tree_;
   NodePool pool_;
+  std::unique_ptr<ListIndex> index_;  // only beside a list
 };
 
 }  // namespace ztb::dmap

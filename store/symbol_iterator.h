@@ -20,7 +20,9 @@ class ZTBSymbolIterator final : public AbstractZTBSymbolIterator {
  public:
   // Walks all records of the symbol.
   ZTBSymbolIterator(AbstractZTBSymbol* symbol, const Iterator& position)
-      : AbstractZTBSymbolIterator(symbol), position_(position) {}
+      : AbstractZTBSymbolIterator(symbol), position_(position) {
+    showNode();
+  }
 
   // Walks the slice of the mask, `dim` elements, which is copied.
   ZTBSymbolIterator(AbstractZTBSymbol* symbol, const Iterator& position, const int* mask)
@@ -29,6 +31,7 @@ class ZTBSymbolIterator final : public AbstractZTBSymbolIterator {
     maskLength_ = static_cast<std::uint8_t>(symbol->dim);
     sliceMask_ = std::make_unique<int[]>(maskLength_);
     std::copy_n(mask, maskLength_, sliceMask_.get());
+    showNode();
   }
 
   // Walks the labels of the universe.
@@ -44,26 +47,30 @@ class ZTBSymbolIterator final : public AbstractZTBSymbolIterator {
 
   void standOn(const Iterator& position) { position_ = position; }
 
-  double* values() override {
-    if constexpr (requires { position_.valuesAtHand(); }) {
-      if (mode_ != IterationMode::universe && !ended()) {
-        if (double* values = position_.valuesAtHand()) {
-          return values;
-        }
-      }
-    }
-    return current().values;
-  }
+  double* values() override { return current().values; }
   const int* keys() override { return current().keys; }
 
   bool moveNext(int lastLabel) override {
-    if constexpr (requires { position_.stepToRecord(sliceMask_.get()); }) {
-      if (mode_ != IterationMode::universe && !ended() &&
-          position_.stepToRecord(sliceMask_.get())) {
+    switch (mode_) {
+      case IterationMode::universe:
+        if (universePosition_ + 1 > lastLabel) {
+          return failMove("Last record reached in Universe", "");
+        }
+        ++universePosition_;
         return true;
-      }
+      case IterationMode::slice:
+        return stepInSlice() || failMove("Last record reached in slice of symbol ", symbolName());
+      case IterationMode::symbol:
+        break;
     }
-    return moveOn(lastLabel);
+    requireNotEnded();
+    const Iterator here = position_;
+    stepFromRecord();
+    if (!atEnd()) {
+      return true;
+    }
+    position_ = here;
+    return failMove("Last record reached in symbol ", symbolName());
   }
 
   bool movePrev() override {
@@ -180,28 +187,10 @@ class ZTBSymbolIterator final : public AbstractZTBSymbolIterator {
   }
 
  private:
-  // All of moveNext(), of which it does the most frequent case itself.
-  [[gnu::noinline]] bool moveOn(int lastLabel) {
-    switch (mode_) {
-      case IterationMode::universe:
-        if (universePosition_ + 1 > lastLabel) {
-          return failMove("Last record reached in Universe", "");
-        }
-        ++universePosition_;
-        return true;
-      case IterationMode::slice:
-        return stepInSlice() || failMove("Last record reached in slice of symbol ", symbolName());
-      case IterationMode::symbol:
-        break;
+  void showNode() {
+    if constexpr (requires { position_.nodeAtHand(); }) {
+      node_ = position_.nodeAtHand();
     }
-    requireNotEnded();
-    const Iterator here = position_;
-    stepFromRecord();
-    if (!atEnd()) {
-      return true;
-    }
-    position_ = here;
-    return failMove("Last record reached in symbol ", symbolName());
   }
 
   [[nodiscard]] const char* symbolName() const { return symbol_->name.c_str(); }
