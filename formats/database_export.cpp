@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <ztb/column_names.hpp>
 
+#include "formats/csv_records.h"
 #include "formats/tables/manifest.h"
 #include "tools/files/record_walk.h"
 
@@ -26,6 +27,10 @@ TableHead headOf(const tool::FileSymbol& symbol) {
 
 std::size_t writeRecords(TableWriter& writer, const tool::ExchangeFile& file,
                          const tool::FileSymbol& symbol, tool::Progress& progress) {
+  CsvWriter* csv = writer.csv();
+  if (csv != nullptr && writesInBlocks(*csv, symbol)) {
+    return writeCsvRecords(*csv, file, symbol, progress);
+  }
   std::size_t records = 0;
   progress.expect(symbol.recordCount);
   const bool isSet = symbol.type == ztb::Type::set;

@@ -7,7 +7,9 @@
 #ifndef ZTB_FORMATS_EXCEL_XLSX_TABLES_H_
 #define ZTB_FORMATS_EXCEL_XLSX_TABLES_H_
 
+#include <cstddef>
 #include <memory>
+#include <span>
 #include <string>
 
 #include "formats/database_export.h"
@@ -25,6 +27,12 @@ std::unique_ptr<TableReader> openXlsx(const TableSource& source);
 std::unique_ptr<DatabaseReader> openXlsxDatabase(const std::string& path);
 std::unique_ptr<TableWriter> makeXlsx(const TableTarget& target);
 void writeXlsxDatabase(const DatabaseExport& database);
+
+// Reads a workbook that was written: each sheet has to end with the row of this number. The library
+// that writes workbooks looks at no error of its temporary files, so that what a full disk has cut
+// would go unnoticed. Throws Failure with the name that is to be shown.
+void requireWholeWorkbook(const std::string& path, const std::string& shown,
+                          std::span<const std::size_t> rows);
 
 // The number that a workbook keeps of a value: 16 digits.
 double roundedAsWorkbook(double value);

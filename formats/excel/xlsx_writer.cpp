@@ -4,8 +4,12 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <cerrno>
 #include <cmath>
 #include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
 #include <map>
 #include <set>
 #include <utility>
@@ -28,12 +32,20 @@ constexpr std::size_t longestSheetName = 31;
 constexpr std::size_t longestCell = 32767;
 constexpr double columnWidth = 16;
 
+std::string folderOf(const std::string& path) {
+  const std::string folder = std::filesystem::path(path).parent_path().string();
+  return folder.empty() ? "." : folder;
+}
+
 class XlsxWriter : public TableWriter {
  public:
-  explicit XlsxWriter(const std::string& path) : path_(path), published_(path) {
+  explicit XlsxWriter(const std::string& path)
+      : path_(path), folder_(folderOf(path)), published_(path) {
     // Rows go to the file as they come, and only one is held.
     lxw_workbook_options options{};
     options.constant_memory = LXW_TRUE;
+    // Parts are put together in files without names beside the workbook, where there is to be room.
+    options.tmpdir = folder_.data();
     book_ = workbook_new_opt(published_.temporary().c_str(), &options);
     if (book_ == nullptr) throw std::bad_alloc();
     bold_ = workbook_add_format(book_);
@@ -111,11 +123,17 @@ class XlsxWriter : public TableWriter {
   void end() override {}
 
   void finish() override {
+    endSheet();
     lxw_workbook* book = std::exchange(book_, nullptr);
     check(workbook_close(book));
+#ifdef ZTB_READS_EXCEL
+    requireWholeWorkbook(published_.temporary(), path_, sheetRows_);
+#endif
     published_.publish();
   }
-  [[nodiscard]] std::vector<std::string> notes() const override { return notes_; }
+  [[nodiscard]] std::vector<std::string> notes() const override {
+    return notes_;
+  }
 
  private:
   void check(lxw_error error) const {
@@ -145,7 +163,17 @@ class XlsxWriter : public TableWriter {
     }
   }
 
+  void endSheet() {
+    if (worksheet_ == nullptr) return;
+    if (std::ferror(worksheet_->optimize_tmpfile) != 0) {
+      throw tool::Failure(fmt::format("{}: cannot be written: {}", path_, std::strerror(errno)));
+    }
+    sheetRows_.push_back(row_);
+    worksheet_ = nullptr;
+  }
+
   void beginSheet() {
+    endSheet();
     if (sheet_ == sheetNames_.size()) {
       // The table of labels, or one that was not told of before.
       const bool first = sheet_ == 0;
@@ -210,6 +238,7 @@ class XlsxWriter : public TableWriter {
   static constexpr std::size_t mostFrozen = 4;
 
   std::string path_;
+  std::string folder_;
   tool::NewFile published_;
   lxw_workbook* book_ = nullptr;
   lxw_format* bold_ = nullptr;
@@ -220,6 +249,8 @@ class XlsxWriter : public TableWriter {
   std::set<std::string> taken_{"_symbols", "_labels"};
   std::vector<std::string> sheetNames_;
   std::size_t sheet_ = 0;
+  // The last row of each sheet that is complete.
+  std::vector<std::size_t> sheetRows_;
   std::vector<std::string> notes_;
   bool keepsBits_ = false;
   std::string bits_;

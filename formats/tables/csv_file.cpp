@@ -7,6 +7,6 @@
 namespace formats {
 
 CsvWriter::CsvWriter(const std::string& path, CsvForm form)
-    : name_(path), form_(form), owned_(makeBytes(path)) {}
+    : name_(path), owned_(makeBytes(path)), rows_(form) {}
 
 }  // namespace formats

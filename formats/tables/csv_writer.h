@@ -9,14 +9,10 @@
 #include <string_view>
 
 #include "formats/tables/byte_sink.h"
+#include "formats/tables/csv_text.h"
 #include "formats/tables/table_writer.h"
 
 namespace formats {
-
-struct CsvForm {
-  char separator = ',';
-  char decimal = '.';
-};
 
 // Writes one table to a file of its own or to a stream of the caller. What was written is complete
 // only when finish() has returned.
@@ -32,31 +28,28 @@ class CsvWriter : public TableWriter {
 
   // Writes the header.
   void begin(const TableHead& head) override;
-  // Adds a field to the record, quoted where it has to be.
-  void text(std::string_view text) override;
-  // The same; an empty one is written as "", which tells an empty label from a missing one.
-  void label(std::string_view text) override;
-  void number(double value) override;
-  void missing() override { separate(); }
+  void text(std::string_view text) override { rows_.text(text); }
+  void label(std::string_view text) override { rows_.label(text); }
+  void number(double value) override { rows_.number(value); }
+  void missing() override { rows_.missing(); }
   void endRow() override;
   void end() override {}
   // Writes what is still held back. Throws Failure if not all could be written.
   void finish() override;
 
- private:
-  void separate();
-  void quoted(std::string_view text);
-  void flush();
+  // How rows are written, for rows that are made elsewhere and added whole.
+  [[nodiscard]] const CsvText& rows() const { return rows_; }
+  void addRows(std::string_view rows);
+  CsvWriter* csv() override { return this; }
 
-  [[nodiscard]] bool needsQuotes(std::string_view text) const;
+ private:
+  void flush();
+  void write(std::string_view chars);
 
   std::string name_;
-  CsvForm form_;
   std::unique_ptr<ByteSink> owned_;
   std::FILE* file_ = nullptr;
-  bool spellsOut_ = false;
-  bool recordEmpty_ = true;
-  std::string pending_;
+  CsvText rows_;
 };
 
 }  // namespace formats

@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "formats/tables/csv_bulk.h"
+#include "formats/tables/processors.h"
 #include "formats/tables/record_import.h"
 
 namespace formats {
@@ -34,10 +35,6 @@ std::size_t placeAmong(std::size_t column, std::vector<std::size_t>& columns) {
     return columns.size() - 1;
   }
   return static_cast<std::size_t>(found - columns.begin());
-}
-
-unsigned processors() {
-  return std::clamp(std::thread::hardware_concurrency(), 1U, 16U);
 }
 
 struct OrderEntry {

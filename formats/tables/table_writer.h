@@ -9,6 +9,8 @@
 
 namespace formats {
 
+class CsvWriter;
+
 enum class ColumnKind { label, text, number, integer };
 
 struct TableColumn {
@@ -55,6 +57,8 @@ class TableWriter {
   virtual void endRow() = 0;
   virtual void end() = 0;
   virtual void finish() = 0;
+  // The writer as one that takes rows that were made elsewhere; null for all but one of CSV.
+  virtual CsvWriter* csv() { return nullptr; }
   // What is worth a word about the file.
   [[nodiscard]] virtual std::vector<std::string> notes() const { return {}; }
 };

@@ -1,8 +1,11 @@
 // Workbooks: those of another program, what is told of forged ones, and what is written.
 
 #include <gmock/gmock.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <ztb/ztb.hpp>
@@ -209,6 +212,32 @@ TEST_F(ExcelTest, WritesASheetThatAnotherProgramReads) {
   const ztb::Database back = imported("written.xlsx", {});
   EXPECT_EQ(back["price"].find("a<b>&\"c")->level(), 0.5);
   EXPECT_EQ(back["price"].find("Milk")->level(), 11.25);
+}
+
+TEST_F(ExcelTest, TellsAFullDiskThatTheLibraryOverlooks) {
+  // Parts of the workbook are larger than any file may become, and the packed workbook is smaller.
+  constexpr rlim_t largest = 100000;
+  ztb::Database database;
+  ztb::Symbol value = database.addParameter("price", {"food"});
+  for (int food = 0; food < 5000; ++food) value.add(std::to_string(food)).setLevel(1);
+  const std::string rxf = folder_->file("many.rxf");
+  const std::string target = folder_->file("many.xlsx");
+  database.write(rxf);
+  const pid_t child = fork();
+  if (child == 0) {
+    const rlimit limit{largest, largest};
+    signal(SIGXFSZ, SIG_IGN);
+    Job job({{"all", ""}, {"to", target}});
+    const bool refused = setrlimit(RLIMIT_FSIZE, &limit) == 0 && !job.exportFile(rxf) &&
+                         job.errors(*folder_).starts_with("many.xlsx: cannot be written");
+    _exit(refused ? 0 : 1);
+  }
+  int status = 0;
+  ASSERT_EQ(waitpid(child, &status, 0), child);
+  EXPECT_EQ(status, 0);
+  EXPECT_FALSE(std::filesystem::exists(target));
+  Job job({{"all", ""}, {"to", target}});
+  EXPECT_TRUE(job.exportFile(rxf)) << job.errors(*folder_);
 }
 
 }  // namespace

@@ -369,6 +369,34 @@ TEST_F(TableTest, WritesWideTables) {
   EXPECT_FALSE(std::filesystem::exists(folder_.file("x.csv")));
 }
 
+TEST_F(TableTest, WritesManyRecordsInTheirOrder) {
+  // More than a block, written by several threads.
+  constexpr int records = 200000;
+  ztb::Database database;
+  std::vector<int> keys{0, database.mergeLabel("a;\"b\"")};
+  const std::string quoted = "\"a;\"\"b\"\"\"";
+  ztb::Symbol value = database.addParameter("v", {"i", "j"});
+  ztb::Symbol set = database.addSet("s", {"i", "j"});
+  std::string values = "i;j;value\n";
+  std::string texts = "i;j;text\n";
+  for (int record = 0; record < records; ++record) {
+    const std::string label = "i" + std::to_string(record);
+    keys[0] = database.mergeLabel(label);
+    value.put(keys, record + 0.5);
+    set.putElement(keys, record % 2 == 0 ? "t;" : "");
+    values += label + ';' + quoted + ';' + std::to_string(record) + ",5\n";
+    texts += label + ';' + quoted + (record % 2 == 0 ? ";\"t;\"\n" : ";\n");
+  }
+  for (const auto& [symbol, expected] : {std::pair("v", values), std::pair("s", texts)}) {
+    Job job(
+        {{"symbol", symbol}, {"to", folder_.file("a.csv")}, {"separator", ";"}, {"decimal", ","}});
+    ASSERT_TRUE(job.exportDatabase(database.handle())) << job.errors(folder_);
+    EXPECT_EQ(job.counted(ZTB_FORMATS_RECORDS), records);
+    // Not EXPECT_EQ: what differs would be shown whole.
+    EXPECT_TRUE(read("a.csv") == expected) << symbol;
+  }
+}
+
 TEST_F(TableTest, TellsMissingCellsOfWideTablesFromWhatIsNotAvailable) {
   for (const char* target : {"w.csv", "w.db", "w.jsonl", "w.xlsx"}) {
     ztb::Database database;

@@ -202,8 +202,6 @@ def test_refusals_change_nothing(diet):
     with pytest.raises(ztb.Error, match="symbol food: expected one column of texts at most"):
         with ztb.Database() as other:
             other.add_set("food").from_arrow(diet["holds"])
-    with pytest.raises(ztb.Error, match="in the middle of another operation"):
-        diet["holds"].from_arrow(diet["holds"])
     with pytest.raises(TypeError, match="has no __arrow_c_stream__"):
         diet["holds"].from_arrow([1, 2])
     with pytest.raises(ValueError, match="no kind 'alias'"):
@@ -215,3 +213,19 @@ def test_refusals_change_nothing(diet):
     with pytest.raises(ztb.Error, match="Symbol food exists already"):
         ztb.from_arrow(diet["food"].arrow(), "food", database=diet)
     assert dict(diet["holds"]) == before
+
+
+def test_a_symbol_is_made_and_filled_from_one_of_its_own_database(diet):
+    holds = diet["holds"]
+    before = dict(holds)
+    copy = ztb.from_arrow(holds, "copy", database=diet)
+    assert copy.database is diet and dict(copy) == before
+    assert [domain.name for domain in copy.domains] == ["food", "nutrient"]
+    holds["Milk", "iron"] = 77
+    copy.from_arrow(holds.arrow(batch=1))
+    assert dict(copy) == dict(holds)
+    holds.from_arrow(holds)
+    assert dict(copy) == dict(holds)
+    with pytest.raises(ztb.Error, match="copy"):
+        ztb.from_arrow(holds, "copy", database=diet)
+    assert dict(copy) == dict(holds)

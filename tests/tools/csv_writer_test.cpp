@@ -171,4 +171,38 @@ TEST(CsvWriter, ReplacesALinkThatIsPutThereMeanwhileAndNotWhatItLeadsTo) {
   EXPECT_EQ(contentOf(folder.file("out.csv")), "new\n");
 }
 
+TEST(CsvWriter, RemovesWhatAKilledWriterLeftAndNothingOfOneThatLives) {
+  const ztbtest::TempFolder folder;
+  const std::string path = folder.file("out.csv");
+  std::ofstream(folder.file(".out.csv.0.ztbtmp")) << "left";
+  std::ofstream(folder.file(".out.csv.1.ztbtmp")) << "left";
+  std::ofstream(folder.file(".other.csv.0.ztbtmp")) << "of another file";
+  formats::CsvWriter csv(path);
+  csv.text("first");
+  csv.endRow();
+  {
+    formats::CsvWriter second(path);
+    EXPECT_EQ(namesIn(folder), (std::vector<std::string>{".other.csv.0.ztbtmp", ".out.csv.0.ztbtmp",
+                                                         ".out.csv.1.ztbtmp"}));
+    second.text("second");
+    second.endRow();
+    second.finish();
+  }
+  EXPECT_EQ(contentOf(path), "second\n");
+  csv.finish();
+  EXPECT_EQ(contentOf(path), "first\n");
+  EXPECT_EQ(namesIn(folder), (std::vector<std::string>{".other.csv.0.ztbtmp", "out.csv"}));
+}
+
+TEST(CsvWriter, TakesTheLongestNamesOfFiles) {
+  const ztbtest::TempFolder folder;
+  const std::string name(255, 'n');
+  formats::CsvWriter csv(folder.file(name));
+  csv.text("x");
+  csv.endRow();
+  csv.finish();
+  EXPECT_EQ(contentOf(folder.file(name)), "x\n");
+  EXPECT_EQ(namesIn(folder), std::vector<std::string>{name});
+}
+
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <fmt/format.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -9,6 +10,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <functional>
 #include <utility>
 
 #include "tools/text/failure.h"
@@ -18,6 +20,9 @@ namespace tool {
 namespace {
 
 constexpr mode_t permissionBits = 0777;
+constexpr int mostTemporaries = 64;
+// With what stands around it a name of a file is not too long.
+constexpr std::size_t longestBase = 200;
 
 // Bits of a new file. The mask can only be asked for by setting it.
 mode_t modeOfNewFiles() {
@@ -26,16 +31,42 @@ mode_t modeOfNewFiles() {
   return 0666 & ~mask;
 }
 
+// A new file with its lock, which a file system without locks does not give; -1 with errno where
+// there is none, EEXIST where the name is taken.
+int openLocked(const std::string& name) {
+  const int fd = open(name.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0600);
+  if (fd < 0) return fd;
+  while (flock(fd, LOCK_EX) != 0 && errno == EINTR) {
+  }
+  // Another writer may have taken it for one that was left, before it had the lock.
+  struct stat status {};
+  if (fstat(fd, &status) == 0 && status.st_nlink > 0) return fd;
+  close(fd);
+  errno = EEXIST;
+  return -1;
+}
+
+// Removes a file whose writer is gone; false where there is none, or its writer lives.
+bool removeIfLeft(const std::string& name) {
+  const int fd = open(name.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
+  if (fd < 0) return false;
+  struct stat opened {};
+  struct stat named {};
+  // Who holds the lock knows that the name still leads to the file.
+  const bool left = flock(fd, LOCK_EX | LOCK_NB) == 0 && fstat(fd, &opened) == 0 &&
+                    stat(name.c_str(), &named) == 0 && opened.st_dev == named.st_dev &&
+                    opened.st_ino == named.st_ino;
+  if (left) unlink(name.c_str());
+  close(fd);
+  errno = EEXIST;
+  return left;
+}
+
 }  // namespace
 
 NewFile::NewFile(std::string path) : path_(std::move(path)) {
   lookAtOld();
-  const std::filesystem::path name(path_);
-  temporary_ = (name.parent_path() / fmt::format(".{}.XXXXXX", name.filename().string())).string();
-  const int fd = mkostemp(temporary_.data(), O_CLOEXEC);
-  if (fd < 0) {
-    fail();
-  }
+  const int fd = makeTemporary();
   stream_ = fdopen(fd, "wb");
   if (stream_ == nullptr) {
     const int error = errno;
@@ -51,6 +82,33 @@ NewFile::~NewFile() {
     std::fclose(stream_);
     unlink(temporary_.c_str());
   }
+}
+
+// Makes the file under the first name that no other writer has, and removes what killed ones left.
+// A writer holds the lock of its file as long as the file has its temporary name.
+int NewFile::makeTemporary() {
+  const std::filesystem::path name(path_);
+  std::string base = name.filename().string();
+  if (base.size() > longestBase) {
+    base = fmt::format("{}~{:016x}", base.substr(0, longestBase), std::hash<std::string>()(base));
+  }
+  const auto nameOf = [&](int number) {
+    return (name.parent_path() / fmt::format(".{}.{}.ztbtmp", base, number)).string();
+  };
+  int fd = -1;
+  int number = 0;
+  for (; fd < 0; ++number) {
+    if (number == mostTemporaries) {
+      throw Failure(fmt::format("{}: cannot be written: too many writers of the file", path_));
+    }
+    temporary_ = nameOf(number);
+    // The second try is behind the removal of a file that was left under the name.
+    fd = openLocked(temporary_);
+    if (fd < 0 && errno == EEXIST && removeIfLeft(temporary_)) fd = openLocked(temporary_);
+    if (fd < 0 && errno != EEXIST) fail();
+  }
+  while (number < mostTemporaries && removeIfLeft(nameOf(number))) ++number;
+  return fd;
 }
 
 void NewFile::lookAtOld() {
@@ -80,12 +138,14 @@ void NewFile::publish() {
     fail();
   }
   std::FILE* stream = std::exchange(stream_, nullptr);
-  if (std::fclose(stream) != 0 || std::rename(temporary_.c_str(), path_.c_str()) != 0) {
-    const int error = errno;
-    unlink(temporary_.c_str());
-    errno = error;
-    fail();
-  }
+  // Keeps the lock until the file has its name.
+  const int lock = fcntl(fileno(stream), F_DUPFD_CLOEXEC, 0);
+  const bool good = std::fclose(stream) == 0 && std::rename(temporary_.c_str(), path_.c_str()) == 0;
+  const int error = errno;
+  if (!good) unlink(temporary_.c_str());
+  if (lock >= 0) close(lock);
+  errno = error;
+  if (!good) fail();
 }
 
 void NewFile::fail() const {

@@ -2,7 +2,7 @@
 //
 // A link, pipe or device that stands under the name is refused, and one that is put there meanwhile
 // is replaced and never written to. A file that stands there is replaced and hands on its
-// permission bits.
+// permission bits. What a killed writer left under the name .NAME.N.ztbtmp, the next one removes.
 #ifndef ZTB_TOOLS_FILES_NEW_FILE_H_
 #define ZTB_TOOLS_FILES_NEW_FILE_H_
 
@@ -32,6 +32,7 @@ class NewFile {
 
  private:
   void lookAtOld();
+  int makeTemporary();
   [[noreturn]] void fail() const;
 
   std::string path_;

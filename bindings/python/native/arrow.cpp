@@ -6,11 +6,13 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstring>
 #include <exception>
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "bindings/python/native/database.h"
@@ -117,6 +119,67 @@ ArrowArrayStream* streamOf(const py::object& capsule) {
   return static_cast<ArrowArrayStream*>(stream);
 }
 
+// All batches of a stream, read before anything is done with them, as a stream: what is made of a
+// symbol of a database goes into the same one, which cannot be in two uses at once.
+class HeldBatches {
+ public:
+  explicit HeldBatches(ArrowArrayStream& stream) : source_(stream) {
+    stream.release = nullptr;
+    require(source_.get_schema(&source_, &schema_));
+    for (;;) {
+      ArrowArray batch{};
+      require(source_.get_next(&source_, &batch));
+      if (batch.release == nullptr) break;
+      batches_.push_back(batch);
+    }
+    held_.get_schema = [](ArrowArrayStream* self, ArrowSchema* out) {
+      *out = std::exchange(of(self).schema_, ArrowSchema{});
+      return out->release == nullptr ? EINVAL : 0;
+    };
+    held_.get_next = [](ArrowArrayStream* self, ArrowArray* out) {
+      HeldBatches& held = of(self);
+      *out = held.next_ == held.batches_.size()
+                 ? ArrowArray{}
+                 : std::exchange(held.batches_[held.next_++], ArrowArray{});
+      return 0;
+    };
+    held_.get_last_error = [](ArrowArrayStream*) { return "the stream was read before"; };
+    held_.release = [](ArrowArrayStream* self) { self->release = nullptr; };
+    held_.private_data = this;
+  }
+  HeldBatches(const HeldBatches&) = delete;
+  HeldBatches& operator=(const HeldBatches&) = delete;
+  ~HeldBatches() { end(); }
+
+  ArrowArrayStream* stream() { return &held_; }
+
+ private:
+  static HeldBatches& of(ArrowArrayStream* self) {
+    return *static_cast<HeldBatches*>(self->private_data);
+  }
+
+  void require(int fault) {
+    if (fault == 0) return;
+    const char* reason = source_.get_last_error(&source_);
+    const std::string text = reason == nullptr ? "the stream cannot be read" : reason;
+    end();
+    throw ztb::Error("ztbArrowFill", text);
+  }
+  void end() {
+    if (schema_.release != nullptr) schema_.release(&schema_);
+    for (ArrowArray& batch : batches_) {
+      if (batch.release != nullptr) batch.release(&batch);
+    }
+    if (source_.release != nullptr) source_.release(&source_);
+  }
+
+  ArrowArrayStream source_;
+  ArrowArrayStream held_{};
+  ArrowSchema schema_{};
+  std::vector<ArrowArray> batches_;
+  std::size_t next_ = 0;
+};
+
 // Names of key columns as the library takes them.
 class ImportOptions {
  public:
@@ -143,10 +206,16 @@ class ImportOptions {
   ztbArrowImportOptions options_{};
 };
 
+// `source` is the symbol that the stream is of, if it is one.
 void fillFromArrow(const Symbol& symbol, const py::object& capsule,
-                   const std::optional<std::vector<py::str>>& keys, int nulls) {
+                   const std::optional<std::vector<py::str>>& keys, int nulls,
+                   const std::optional<Symbol>& source) {
   auto* const fill = functionOf<decltype(ztbArrowFill)>("ztbArrowFill");
-  ArrowArrayStream* const stream = streamOf(capsule);
+  ArrowArrayStream* stream = streamOf(capsule);
+  std::optional<HeldBatches> held;
+  if (source && source->connection() == symbol.connection()) {
+    stream = held.emplace(*stream).stream();
+  }
   const ImportOptions options(keys, nulls);
   const Use use(*symbol.connection());
   Message message{};
@@ -159,9 +228,13 @@ void fillFromArrow(const Symbol& symbol, const py::object& capsule,
 
 Symbol makeFromArrow(const Database& database, const py::str& name, int type,
                      const py::object& capsule, const std::optional<std::vector<py::str>>& keys,
-                     int nulls) {
+                     int nulls, const std::optional<Symbol>& source) {
   auto* const make = functionOf<decltype(ztbArrowMake)>("ztbArrowMake");
-  ArrowArrayStream* const stream = streamOf(capsule);
+  ArrowArrayStream* stream = streamOf(capsule);
+  std::optional<HeldBatches> held;
+  if (source && source->connection() == database.connection()) {
+    stream = held.emplace(*stream).stream();
+  }
   const ImportOptions options(keys, nulls);
   const std::string bytes = fromPython(name);
   const Use use(*database.connection());

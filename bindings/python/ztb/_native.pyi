@@ -161,7 +161,11 @@ def status_text(status: int) -> str: ...
 def solve_status_text(status: int) -> str: ...
 def arrow_stream(symbol: Symbol, na_as_null: bool, batch_records: int) -> Any: ...
 def fill_from_arrow(
-    symbol: Symbol, capsule: Any, keys: Optional[Sequence[str]], nulls: int
+    symbol: Symbol,
+    capsule: Any,
+    keys: Optional[Sequence[str]],
+    nulls: int,
+    source: Optional[Symbol],
 ) -> None: ...
 def make_from_arrow(
     database: Database,
@@ -170,6 +174,7 @@ def make_from_arrow(
     capsule: Any,
     keys: Optional[Sequence[str]],
     nulls: int,
+    source: Optional[Symbol],
 ) -> Symbol: ...
 def sql(
     databases: Sequence[Tuple[str, Database]], query: str, parameters: Sequence[Any]

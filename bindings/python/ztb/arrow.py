@@ -5,7 +5,7 @@ from __future__ import annotations
 from typing import Any, Optional, Sequence
 
 from . import _native, arguments
-from .arrow_data import NULLS, capsule_of, key_list
+from .arrow_data import NULLS, capsule_of, key_list, source_of
 from .database import Database
 from .missing import require_choice
 from .symbol import KINDS, Alias, Symbol
@@ -34,7 +34,7 @@ def from_arrow(
     number = -1 if kind is None else KINDS.index(arguments.choice(kind, "kind", KINDS[:4]))
     home = Database() if database is None else database
     native = _native.make_from_arrow(
-        home._native, name, number, capsule_of(data), key_list(keys), NULLS[null]
+        home._native, name, number, capsule_of(data), key_list(keys), NULLS[null], source_of(data)
     )
     made = home._wrap(native)
     assert not isinstance(made, Alias)

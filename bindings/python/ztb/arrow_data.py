@@ -34,6 +34,12 @@ def capsule_of(data: Any) -> Any:
     return data.__arrow_c_stream__()
 
 
+def source_of(data: Any) -> Optional[_native.Symbol]:
+    """The symbol that the data are of; None for data of another program."""
+    own = data._symbol if isinstance(data, ArrowData) else getattr(data, "_native", None)
+    return own if isinstance(own, _native.Symbol) else None
+
+
 def key_list(keys: Optional[Sequence[str]]) -> Optional[List[str]]:
     return None if keys is None else list(arguments.several(keys, "column"))
 
@@ -41,4 +47,5 @@ def key_list(keys: Optional[Sequence[str]]) -> Optional[List[str]]:
 def fill(symbol: _native.Symbol, data: Any, keys: Optional[Sequence[str]], null: str) -> None:
     """Replaces the records of a symbol."""
     require_choice(null)
-    _native.fill_from_arrow(symbol, capsule_of(data), key_list(keys), NULLS[null])
+    capsule = capsule_of(data)
+    _native.fill_from_arrow(symbol, capsule, key_list(keys), NULLS[null], source_of(data))
