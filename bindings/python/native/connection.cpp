@@ -26,7 +26,10 @@ void Connection::requireSame(const Connection& other) const {
 }
 
 void Connection::load(const ztb::Symbol& symbol) {
-  if (!isLoaded(symbol)) {
+  if (loaded_.contains(symbol.handle())) {
+    return;
+  }
+  if (database().fileBacked()) {
     runOrLeave(shared_from_this(), [symbol] { static_cast<void>(symbol.recordCount()); });
   }
   loaded_.insert(symbol.handle());

@@ -11,8 +11,7 @@ namespace {
 constexpr const char* encoding = "utf-8";
 constexpr const char* escape = "surrogateescape";
 
-std::string contentOf(const py::bytes& bytes, py::handle source) {
-  std::string content = bytes;
+std::string contentOf(std::string content, py::handle source) {
   if (content.find('\0') != std::string::npos) {
     throw py::value_error("a null character in " + std::string(py::repr(source)));
   }
@@ -34,6 +33,11 @@ std::string fromPython(py::handle text) {
   if (PyUnicode_Check(text.ptr()) == 0) {
     throw py::type_error("a str is expected, not " + std::string(py::repr(text)) + " (" +
                          Py_TYPE(text.ptr())->tp_name + ")");
+  }
+  if (PyUnicode_IS_ASCII(text.ptr()) != 0) {
+    // Its chars are the bytes already.
+    const auto* chars = static_cast<const char*>(PyUnicode_DATA(text.ptr()));
+    return contentOf({chars, static_cast<std::size_t>(PyUnicode_GET_LENGTH(text.ptr()))}, text);
   }
   PyObject* bytes = PyUnicode_AsEncodedString(text.ptr(), encoding, escape);
   if (bytes == nullptr) {
