@@ -6,6 +6,7 @@
 #                       ztb::rxf for programs that look into exchange files (ztb/rxf.h, rxf.hpp);
 #                       ztb::formats for programs that read and write the files of others
 #                       (ztb/formats.h, ztb/arrow.h);
+#                       ztb::sweep for programs that solve sweeps (ztb/sweep.h, sweep.hpp);
 #                       ztb::sql for programs that query databases in SQL (ztb/sql.h)
 #   pkg-config ztb      the same for other build systems; ztb-model, ztb-rxf, ztb-formats
 
@@ -35,6 +36,10 @@ add_library(ztb::formats ALIAS ztbformats)
 # Programs that query databases in SQL link this one; the other is what SQLite's own program loads.
 install(TARGETS ztbsql EXPORT ztb-targets LIBRARY DESTINATION ${ZTB_LIBRARY_FOLDER} COMPONENT libraries)
 install(TARGETS ztbsqlite LIBRARY DESTINATION ${ZTB_LIBRARY_FOLDER} COMPONENT libraries)
+# Programs that solve sweeps link this one; the command opens it.
+set_target_properties(ztbsweep PROPERTIES EXPORT_NAME sweep)
+install(TARGETS ztbsweep EXPORT ztb-targets LIBRARY DESTINATION ${ZTB_LIBRARY_FOLDER} COMPONENT libraries)
+add_library(ztb::sweep ALIAS ztbsweep)
 # Programs that open models link this one, by ztb::model.
 install(TARGETS lomudclib64 EXPORT ztb-targets LIBRARY DESTINATION ${ZTB_LIBRARY_FOLDER} COMPONENT libraries)
 add_library(ztb::lomudclib64 ALIAS lomudclib64)

@@ -18,6 +18,7 @@ BackgroundProgram::BackgroundProgram(std::string folder, const std::vector<std::
                                      const std::string& errors, const std::string& output) {
   watch_ = inotify_init1(IN_CLOEXEC);
   EXPECT_GE(inotify_add_watch(watch_, folder.c_str(), IN_MOVED_TO), 0);
+  inotify_add_watch(watch_, (folder + "/out.rxf.parts").c_str(), IN_MOVED_TO);
   std::array<int, 2> ends{};
   EXPECT_EQ(pipe(ends.data()), 0);
   std::vector<char*> argv{const_cast<char*>("ztb")};
@@ -51,7 +52,7 @@ BackgroundProgram::~BackgroundProgram() {
   close(end_);
 }
 
-bool BackgroundProgram::waitForFile(const std::string& prefix) {
+bool BackgroundProgram::waitForFile(const std::string& prefix, const std::string& ending) {
   while (true) {
     std::array<pollfd, 2> waited{{{.fd = watch_, .events = POLLIN, .revents = 0},
                                   {.fd = end_, .events = POLLIN, .revents = 0}}};
@@ -64,7 +65,7 @@ bool BackgroundProgram::waitForFile(const std::string& prefix) {
       inotify_event event{};
       std::memcpy(&event, buffer.data() + at, sizeof event);
       const std::string name(buffer.data() + at + sizeof event);
-      if (name.starts_with(prefix)) {
+      if (name.starts_with(prefix) && name.ends_with(ending)) {
         return true;
       }
       at += static_cast<ssize_t>(sizeof event + event.len);

@@ -20,9 +20,10 @@ class BackgroundProgram {
   BackgroundProgram& operator=(const BackgroundProgram&) = delete;
   ~BackgroundProgram();
 
-  // Blocks until a file whose name begins with `prefix` was moved into place in the folder; false
-  // if the program can have ended without one.
-  bool waitForFile(const std::string& prefix);
+  // Blocks until a file whose name begins and ends so was moved into place in the folder, or in the
+  // folder out.rxf.parts in it if that was there at the start; false if the program can have ended
+  // without one.
+  bool waitForFile(const std::string& prefix, const std::string& ending = "");
   pid_t process() const { return process_; }
   bool goesOn() const;
   // The processes that it started and that still run.

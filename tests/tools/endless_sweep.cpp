@@ -58,9 +58,10 @@ void EndlessSweepTest::makeScenarios(int count, const std::set<int>& endless) co
   database.write(path("sc.rxf"));
 }
 
-std::vector<std::string> EndlessSweepTest::sweep(const std::vector<std::string>& more) {
+std::vector<std::string> EndlessSweepTest::sweep(const std::vector<std::string>& more,
+                                                 const std::string& out) {
   std::vector<std::string> arguments{"sweep", "m.lp",  "--scenarios", "sc.rxf",   "--over",
-                                     "s",     "--out", "out.rxf",     "--solver", "glpk"};
+                                     "s",     "--out", out,           "--solver", "glpk"};
   arguments.insert(arguments.end(), more.begin(), more.end());
   return arguments;
 }

@@ -38,7 +38,8 @@ class EndlessSweepTest : public ProgramTest {
   void makeScenarios(int count, const std::set<int>& endless) const;
 
   // A command line that sweeps over them with GLPK.
-  static std::vector<std::string> sweep(const std::vector<std::string>& more = {});
+  static std::vector<std::string> sweep(const std::vector<std::string>& more = {},
+                                        const std::string& out = "out.rxf");
 
  private:
   static constexpr std::size_t kRows = 6;

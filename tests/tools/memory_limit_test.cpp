@@ -68,7 +68,7 @@ TEST_F(MaxMemory, LimitsTheDataOfASweep) {
                                  "s",     "--out", "o.rxf",       "--max-memory", "1K"};
   const Outcome refused = ztb(sweep);
   EXPECT_EQ(refused.status, 1);
-  EXPECT_TRUE(refused.errors.starts_with("ztb: sc.rxf: symbol p: 1000 records need about "))
+  EXPECT_TRUE(refused.errors.starts_with("ztb: sc.rxf: symbol p: 500 records need about "))
       << refused.errors;
   EXPECT_TRUE(refused.errors.ends_with(" KiB in memory, the limit is 1 KiB (--max-memory)\n"))
       << refused.errors;

@@ -95,11 +95,21 @@ void SweepTest::expectObjectives(const std::string& file, int count, double extr
 }
 
 int SweepTest::parts(const std::string& out) const {
+  if (!exists(out + ".parts")) return 0;
   int count = 0;
-  for (const auto& entry : std::filesystem::directory_iterator(path("."))) {
-    count += entry.path().filename().string().find(out + ".part") != std::string::npos ? 1 : 0;
+  for (const auto& entry : std::filesystem::directory_iterator(path(out + ".parts"))) {
+    count += entry.path().extension() == ".rxf" ? 1 : 0;
   }
   return count;
+}
+
+std::string SweepTest::onlyPart(const std::string& out) const {
+  EXPECT_EQ(parts(out), 1);
+  for (const auto& entry : std::filesystem::directory_iterator(path(out + ".parts"))) {
+    if (entry.path().extension() == ".rxf")
+      return out + ".parts/" + entry.path().filename().string();
+  }
+  return "";
 }
 
 }  // namespace tooltest

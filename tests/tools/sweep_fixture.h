@@ -43,8 +43,9 @@ class SweepTest : public ProgramTest {
   void expectObjectives(const std::string& file, int count, double extra = 0,
                         const std::vector<int>& without = {}) const;
 
-  // Parts beside a result file.
+  // Parts in the folder beside a result file, and the file of the only one.
   int parts(const std::string& out) const;
+  std::string onlyPart(const std::string& out) const;
 };
 
 }  // namespace tooltest

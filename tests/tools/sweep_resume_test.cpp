@@ -23,20 +23,12 @@ using tooltest::SweepTest;
 
 class SweepResumeTest : public SweepTest {
  protected:
-  // Leaves a part with scenarios 1 to `solved`, as an interrupted run does, and no result file.
-  void leavePart(int count, int solved) const {
+  // Leaves a part with the first half of the scenarios, as an interrupted run does, and no result
+  // file.
+  void leavePart(int count) const {
     makeScenarios(count);
-    ztbFine(sweep({"--report", "ship"}));
-    {
-      ztb::Database results = ztb::Database::open(path("out.rxf"));
-      for (const char* name : {"sweep_status", "sweep_solve_status", "sweep_objective"}) {
-        for (int number = solved + 1; number <= count; ++number) {
-          results.symbol(name).find("sc" + std::to_string(number))->erase();
-        }
-      }
-      results.write(path("out.rxf.part7"));
-    }
-    std::filesystem::remove(path("out.rxf"));
+    ztbFine({"sweep", "m.lp", "--scenarios", "sc.rxf", "--over", "S", "--report", "ship", "--part",
+             "1/2", "--parts", "out.rxf.parts"});
   }
 
   // The first line of what a run prints, without time and rate.
@@ -56,15 +48,16 @@ class SweepResumeTest : public SweepTest {
 };
 
 TEST_F(SweepResumeTest, SolvesOnlyWhatIsNotInTheParts) {
-  leavePart(10, 6);
+  leavePart(10);
   // A value that no solve gives tells that the scenario was kept.
   {
-    ztb::Database part = ztb::Database::open(path("out.rxf.part7"));
+    const std::string file = path(onlyPart("out.rxf"));
+    ztb::Database part = ztb::Database::open(file);
     part.symbol("sweep_objective").find("sc2")->setLevel(-1);
-    part.write(path("out.rxf.part7"));
+    part.write(file);
   }
   EXPECT_EQ(counts(ztbFine(sweep({"--report", "ship", "--resume"}))),
-            "10 scenarios, 6 of them kept: 10 optimal");
+            "10 scenarios, 5 of them kept: 10 optimal");
   EXPECT_EQ(parts("out.rxf"), 0);
   ztb::Database out = ztb::Database::open(path("out.rxf"));
   EXPECT_EQ(out.symbol("sweep_objective").find("sc2")->level(), -1);
@@ -72,16 +65,18 @@ TEST_F(SweepResumeTest, SolvesOnlyWhatIsNotInTheParts) {
 }
 
 TEST_F(SweepResumeTest, WithoutResumeAllIsSolvedAnew) {
-  leavePart(12, 6);
-  write(".out.rxf.part8.0.rxftmp", "left by a writer that was killed");
+  leavePart(12);
+  const std::string part = std::filesystem::path(onlyPart("out.rxf")).filename().string();
+  write("out.rxf.parts/." + part + ".0.rxftmp", "left by a writer that was killed");
   EXPECT_EQ(counts(ztbFine(sweep())), "12 scenarios: 12 optimal");
-  EXPECT_EQ(parts("out.rxf"), 0);
+  EXPECT_FALSE(exists("out.rxf.parts"));
 }
 
 TEST_F(SweepResumeTest, LeavesFilesAloneThatAreNoParts) {
   makeScenarios(3);
-  const std::vector<std::string> others{"out.rxf.part", "out.rxf.part1x", "out.rxf.part-1",
-                                        "other.rxf.part1", "out.rxf.partial"};
+  std::filesystem::create_directory(path("out.rxf.parts"));
+  const std::vector<std::string> others{"out.rxf.part1", "out.rxf.parts/notes.txt",
+                                        "out.rxf.parts/0123456789abcdef"};
   for (const std::string& other : others) {
     write(other, "kept");
   }
@@ -92,7 +87,7 @@ TEST_F(SweepResumeTest, LeavesFilesAloneThatAreNoParts) {
 }
 
 TEST_F(SweepResumeTest, RefusesPartsOfOtherInputs) {
-  leavePart(10, 6);
+  leavePart(10);
   expectRefused("another --solver", {"--report", "ship", "--solver", "glpk"});
   expectRefused("another --report", {});
   expectRefused("another --report", {"--report", "need"});
@@ -105,22 +100,22 @@ TEST_F(SweepResumeTest, RefusesPartsOfOtherInputs) {
   write("m.lp", model);
   EXPECT_EQ(parts("out.rxf"), 1);
   EXPECT_EQ(counts(ztbFine(sweep({"--report", "SHIP", "--resume"}))),
-            "10 scenarios, 6 of them kept: 10 optimal");
+            "10 scenarios, 5 of them kept: 10 optimal");
 }
 
 TEST_F(SweepResumeTest, LeavesWhatItWasToReplaceUntilItIsReplaced) {
-  leavePart(10, 6);
+  leavePart(10);
   write("out.rxf", "something else");
   EXPECT_EQ(counts(ztbFine(sweep({"--report", "ship", "--resume"}))),
-            "10 scenarios, 6 of them kept: 10 optimal");
+            "10 scenarios, 5 of them kept: 10 optimal");
   expectObjectives("out.rxf", 10);
 }
 
 TEST_F(SweepResumeTest, PartsServeUnderAnotherName) {
-  leavePart(10, 6);
-  std::filesystem::rename(path("out.rxf.part7"), path("free.rxf.part1"));
+  leavePart(10);
+  std::filesystem::rename(path("out.rxf.parts"), path("free.rxf.parts"));
   EXPECT_EQ(counts(ztbFine(sweep({"--report", "ship", "--resume"}, "free.rxf"))),
-            "10 scenarios, 6 of them kept: 10 optimal");
+            "10 scenarios, 5 of them kept: 10 optimal");
   expectObjectives("free.rxf", 10);
 }
 
@@ -128,7 +123,7 @@ TEST_F(SweepResumeTest, APlaceWhereNoFileCanBeIsToldBeforeAnythingIsSolved) {
   makeScenarios(3);
   std::filesystem::create_directory(path("taken"));
   expectFails(1, "ztb: Is a folder: taken\n", sweep({}, "taken"));
-  EXPECT_FALSE(exists("taken.part1"));
+  EXPECT_FALSE(exists("taken.parts"));
   expectFails(1, "ztb: Not a regular file: /dev/null\n", sweep({}, "/dev/null"));
   expectFails(1, "ztb: No such file: the folder does not exist: none/o.rxf\n",
               sweep({}, "none/o.rxf"));
@@ -145,11 +140,13 @@ TEST_F(SweepWithoutPlaceTest, KeepsThePartsOfAResultThatCannotBeWrittenInTheEnd)
   std::filesystem::create_directory(path("out.rxf"));
   EXPECT_EQ(run.wait(), 1);
   EXPECT_THAT(read("errors"),
-              HasSubstr("ztb: Is a folder: out.rxf; what was solved stays in out.rxf.part1 and its "
-                        "like; --resume takes them once they are named as the parts of another "
-                        "--out\n"));
-  // Its number is 2 where the first worker died before it published one.
-  EXPECT_TRUE(exists("out.rxf.part1") || exists("out.rxf.part2"));
+              HasSubstr("out.rxf; what was solved stays in out.rxf.parts: --collect --parts "
+                        "out.rxf.parts with another --out takes it\n"));
+  std::filesystem::remove(path("out.rxf"));
+  const Outcome collected =
+      ztb({"sweep", "--collect", "--parts", "out.rxf.parts", "--out", "c.rxf"});
+  EXPECT_EQ(collected.status, 1);
+  EXPECT_THAT(collected.output, StartsWith("2 scenarios: 1 optimal, 1 failed in "));
 }
 
 TEST_F(SweepResumeTest, RefusesAnotherSetAndFilesThatAreNoResults) {
@@ -222,8 +219,9 @@ TEST_F(InterruptedSweepTest, AfterAKillTheRestIsSolved) {
   makeScenarios(10, {1});
   {
     // The second worker publishes sc6 to sc10, the first one nothing.
+    std::filesystem::create_directory(path("out.rxf.parts"));
     BackgroundProgram run(path("."), sweep({"--jobs", "2"}), "errors");
-    ASSERT_TRUE(run.waitForFile("out.rxf.part2"));
+    ASSERT_TRUE(run.waitForFile("", "-5-10.rxf"));
     run.kill();
     ASSERT_EQ(run.wait(), -SIGKILL);
   }
@@ -234,7 +232,7 @@ TEST_F(InterruptedSweepTest, AfterAKillTheRestIsSolved) {
   EXPECT_EQ(rest.wait(), 1);
   EXPECT_THAT(read("output"), StartsWith("10 scenarios, 5 of them kept: 9 optimal, 1 failed in "));
   EXPECT_EQ(read("errors"), kTwoDeaths);
-  EXPECT_FALSE(exists("out.rxf.part2"));
+  EXPECT_FALSE(exists("out.rxf.parts"));
   expectAllButTheFirst(10);
 }
 

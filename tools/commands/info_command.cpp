@@ -14,7 +14,6 @@
 #include "tools/commands/table_options.h"
 #include "tools/files/exchange_file.h"
 #include "tools/files/standard_streams.h"
-#include "tools/sweep/sweep_inputs.h"
 #include "tools/text/failure.h"
 #include "tools/text/json_text.h"
 #include "tools/text/output.h"
@@ -75,16 +74,22 @@ void printJson(const ExchangeFile& file) {
   print(jsonText(json, 2) + "\n");
 }
 
+// Whether a text is that of sweep_inputs in the result of a sweep.
+bool isOfSweepInputs(const std::string& text) {
+  return text.starts_with("model=") && text.find(" scenarios=") != std::string::npos;
+}
+
 std::array<std::string, 7> cellsOf(const ExchangeFile& file, const FileSymbol& symbol) {
   const bool alias = symbol.isAlias();
-  return {symbol.name,
-          std::string(typeWord(symbol.type)),
-          std::to_string(symbol.dimension),
-          alias ? fmt::format("= {}", file.resolved(symbol).name)
-                : fmt::format("{}", fmt::join(domainNames(symbol), ", ")),
-          alias ? std::string() : std::to_string(symbol.recordCount),
-          alias ? std::string() : std::string(storeWord(defaultStore)),
-          isSweepInputs(symbol.text) ? "(checksums of what the sweep was made from)" : symbol.text};
+  return {
+      symbol.name,
+      std::string(typeWord(symbol.type)),
+      std::to_string(symbol.dimension),
+      alias ? fmt::format("= {}", file.resolved(symbol).name)
+            : fmt::format("{}", fmt::join(domainNames(symbol), ", ")),
+      alias ? std::string() : std::to_string(symbol.recordCount),
+      alias ? std::string() : std::string(storeWord(defaultStore)),
+      isOfSweepInputs(symbol.text) ? "(checksums of what the sweep was made from)" : symbol.text};
 }
 
 void printTable(const ExchangeFile& file, const TableOptions& options) {

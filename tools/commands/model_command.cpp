@@ -157,7 +157,9 @@ void runModel(const ModelOptions& options) {
     }
   }
   progress.reset();
-  if (fills) fills->reportLeft();
+  if (fills) {
+    for (const std::string& note : fills->notes()) printError("ztb: " + note);
+  }
   for (int n = 0; n < model.noteCount(); ++n) printError("ztb: " + model.note(n));
   if (options.json) return printJson(model, options.file);
   const ztbModelSize size = model.size();

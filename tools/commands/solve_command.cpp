@@ -212,7 +212,7 @@ void run(const SolveOptions& options) {
   if (data && takesFills(options.model)) fills.emplace(*data);
   ModelFills* const filling = fills ? &*fills : nullptr;
   ModelSession session(options.model, options.modelData, filling, options.drives);
-  session.reportNotes(options.notes);
+  for (const std::string& note : session.notes(options.notes)) printError("ztb: " + note);
   setOptions(session.model(), options.options);
   for (const std::string& name : options.shown) {
     (void)solvedSymbol(session, session.database(), name);

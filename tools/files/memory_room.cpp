@@ -33,11 +33,13 @@ std::string sizeText(unsigned long long bytes, double (*round)(double)) {
 
 }  // namespace
 
-void MemoryRoom::take(const FileSymbol& symbol) {
+void MemoryRoom::take(const FileSymbol& symbol, std::size_t records) {
   const unsigned long long limit = limitOfThread();
   if (limit == 0) return;
-  const unsigned long long needed =
+  const unsigned long long whole =
       ztbRxfMemory(file_.file().handle(), symbol.number, static_cast<int>(ztb::Store::map));
+  const unsigned long long needed =
+      records == symbol.recordCount ? whole : whole / symbol.recordCount * records;
   if (used_ > limit || needed > limit - used_) {
     const std::string before =
         used_ == 0 ? ""
@@ -45,8 +47,8 @@ void MemoryRoom::take(const FileSymbol& symbol) {
     throw Failure(withFile(
         file_.path(),
         fmt::format("symbol {}: {} need about {} in memory{}, the limit is {} (--max-memory)",
-                    symbol.name, counted(symbol.recordCount, "record"), sizeText(needed, std::ceil),
-                    before, sizeText(limit, std::floor))));
+                    symbol.name, counted(records, "record"), sizeText(needed, std::ceil), before,
+                    sizeText(limit, std::floor))));
   }
   used_ += needed;
 }

@@ -13,7 +13,9 @@ class MemoryRoom {
   // To be asked before the records of a symbol are taken in. Throws Failure that names file,
   // symbol, what is needed, about, and the limit, when they and those taken before would go beyond
   // it.
-  void take(const FileSymbol& symbol);
+  void take(const FileSymbol& symbol) { take(symbol, symbol.recordCount); }
+  // The same for some of its records.
+  void take(const FileSymbol& symbol, std::size_t records);
 
  private:
   const ExchangeFile& file_;

@@ -8,7 +8,6 @@
 
 #include "tools/files/record_walk.h"
 #include "tools/text/failure.h"
-#include "tools/text/output.h"
 
 namespace tool {
 
@@ -39,10 +38,12 @@ ModelFills::ModelFills(const ExchangeFile& file) : file_(file.path()) {
   }
 }
 
-void ModelFills::reportLeft() const {
+std::vector<std::string> ModelFills::notes() const {
+  std::vector<std::string> notes;
   for (const std::string& name : parametersLeft()) {
-    printError(fmt::format("ztb: {}: the model declares no parameter {}", file_, name));
+    notes.push_back(fmt::format("{}: the model declares no parameter {}", file_, name));
   }
+  return notes;
 }
 
 void requireTakesFills(const std::string& data, const std::string& modelFile) {

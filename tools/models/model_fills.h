@@ -20,8 +20,8 @@ class ModelFills : public ztb::ModelFillList {
   // Reads the records of all sets and parameters. Throws Failure that names the file.
   explicit ModelFills(const ExchangeFile& file);
 
-  // On standard error, the parameters that the model did not take.
-  void reportLeft() const;
+  // A note of each parameter that the model did not take.
+  [[nodiscard]] std::vector<std::string> notes() const;
 
  private:
   std::string file_;

@@ -14,8 +14,6 @@
 #include <ztb/model_names.hpp>
 
 #include "tools/text/failure.h"
-#include "tools/text/output.h"
-#include "tools/text/table_printer.h"
 
 namespace tool {
 
@@ -69,12 +67,12 @@ std::string listed(const std::vector<std::string>& names) {
 
 ModelSession::ModelSession(const std::string& modelFile, const std::string& dataFile,
                            ModelFills* fills, const std::vector<std::string>& drives)
-    : file_(modelFile),
-      model_(openDriven(modelFile, dataFile, fills, drives)),
-      tie_(database_, model_) {}
+    : file_(modelFile), model_(openDriven(modelFile, dataFile, fills, drives)) {
+  tie_.emplace(database_.emplace(), model_);
+}
 
 std::string ModelSession::standardSolver() {
-  return solverOf(tie_.kind());
+  return solverOf(tie_->kind());
 }
 
 std::string ModelSession::standardSolverOfParameters() {
@@ -90,14 +88,14 @@ std::string ModelSession::solverOf(int kind) const {
 }
 
 bool ModelSession::drives(const std::string& name) const {
-  const std::optional<ztb::Symbol> columns = database_.findSymbol(name + ztb::parameterSuffix);
+  const std::optional<ztb::Symbol> columns = database_->findSymbol(name + ztb::parameterSuffix);
   return columns && columns->type() == ztb::Type::variable;
 }
 
 std::vector<std::string> ModelSession::driving() const {
   constexpr std::string_view suffix = ztb::parameterSuffix;
   std::vector<std::string> names;
-  for (const ztb::Symbol& symbol : database_.symbols()) {
+  for (const ztb::Symbol& symbol : database_->symbols()) {
     std::string name = symbol.name().str();
     if (symbol.type() != ztb::Type::variable || !name.ends_with(suffix)) continue;
     name.resize(name.size() - suffix.size());
@@ -114,7 +112,7 @@ std::string ModelSession::drivingText() const {
 
 std::string ModelSession::settableText() const {
   std::vector<std::string> names = driving();
-  for (const ztb::Symbol& symbol : database_.symbols()) {
+  for (const ztb::Symbol& symbol : database_->symbols()) {
     std::string name = symbol.name().str();
     if (symbol.type() != ztb::Type::variable || name.ends_with(ztb::parameterSuffix)) continue;
     names.push_back(std::move(name));
@@ -124,7 +122,7 @@ std::string ModelSession::settableText() const {
 
 std::string ModelSession::solvedText() const {
   std::vector<std::string> names;
-  for (const ztb::Symbol& symbol : database_.symbols()) {
+  for (const ztb::Symbol& symbol : database_->symbols()) {
     if (symbol.type() == ztb::Type::variable || symbol.type() == ztb::Type::equation) {
       names.push_back(symbol.name().str());
     }
@@ -137,7 +135,7 @@ ztb::Symbol ModelSession::parameter(const std::string& name, int dimension) {
     throw Failure(withFile(file_, fmt::format("the model has no columns {}{}{}", name,
                                               ztb::parameterSuffix, drivingText())));
   }
-  const ztb::Symbol columns = database_.symbol(name + ztb::parameterSuffix);
+  const ztb::Symbol columns = database_->symbol(name + ztb::parameterSuffix);
   if (columns.dimension() != dimension) {
     throw Failure(withFile(file_, "the columns " + name + ztb::parameterSuffix + " have " +
                                       std::to_string(columns.dimension()) +
@@ -147,11 +145,11 @@ ztb::Symbol ModelSession::parameter(const std::string& name, int dimension) {
   const auto known = parameters_.find(ztb::folded(name));
   if (known != parameters_.end()) return known->second;
   std::string own = name;
-  for (int number = 1; database_.findSymbol(own); ++number) {
+  for (int number = 1; database_->findSymbol(own); ++number) {
     own = fmt::format("{}_data{}", name, number == 1 ? "" : std::to_string(number));
   }
   const std::vector<ztb::DomainArgument> anyLabel(static_cast<std::size_t>(dimension), "*");
-  const ztb::Symbol parameter = database_.addSymbol(own, ztb::Type::parameter, anyLabel);
+  const ztb::Symbol parameter = database_->addSymbol(own, ztb::Type::parameter, anyLabel);
   parameters_.emplace(ztb::folded(name), parameter);
   columns_.emplace(own, columns);
   return parameter;
@@ -159,7 +157,7 @@ ztb::Symbol ModelSession::parameter(const std::string& name, int dimension) {
 
 int ModelSession::update(const ztb::Symbol& modelSymbol, ztb::Action action,
                          const ztb::Symbol& data, ztb::Missing missing) {
-  return tie_.update(modelSymbol, action, data, missing);
+  return tie_->update(modelSymbol, action, data, missing);
 }
 
 int ModelSession::applyParameter(const ztb::Symbol& parameter) {
@@ -171,26 +169,40 @@ int ModelSession::applyParameter(const ztb::Symbol& parameter) {
   }
 }
 
-void ModelSession::reportNotes(bool all) const {
+std::vector<std::string> ModelSession::notes(bool all) const {
+  std::vector<std::string> notes;
   int first = 0;
   const int count = model_.noteCount();
   // Notes of the reading begin with the file, and there is at most one of a kind.
   for (; first < count && model_.note(first).starts_with(file_ + ":"); ++first) {
-    printError(fmt::format("ztb: {}", model_.note(first)));
+    notes.push_back(model_.note(first));
   }
   for (int n = first; n < count && (all || count == first + 1); ++n) {
-    printError(fmt::format("ztb: {}: {}", file_, model_.note(n)));
+    notes.push_back(fmt::format("{}: {}", file_, model_.note(n)));
   }
   if (!all && count > first + 1) {
-    printError(fmt::format("ztb: {}: {} names had to be changed for the database: {}, ...", file_,
-                           count - first, model_.note(first)));
+    notes.push_back(fmt::format("{}: {} names had to be changed for the database: {}, ...", file_,
+                                count - first, model_.note(first)));
   }
+  return notes;
+}
+
+void ModelSession::renew() {
+  for (auto& [name, parameter] : parameters_) {
+    parameter.clear();
+    applyParameter(parameter);
+  }
+  model_.resetLevels();
+  parameters_.clear();
+  columns_.clear();
+  tie_.reset();
+  tie_.emplace(database_.emplace(), model_);
 }
 
 std::string conflictText(const ztb::Model::Conflict& conflict, const std::string& separator) {
   std::string text;
   for (const ztb::Model::Conflict::Member& member : conflict.members) {
-    text += (text.empty() ? "" : separator) + printable(member.text);
+    text += (text.empty() ? "" : separator) + ztb::displayText(member.text);
   }
   if (conflict.byIntegers) text += separator + "with columns that have to be integers";
   if (!conflict.irreducible) text += separator + "some may not be needed: the time was over";

@@ -8,6 +8,7 @@
 
 #include <initializer_list>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 #include <ztb/model.hpp>
@@ -31,8 +32,8 @@ class ModelSession {
   ModelSession& operator=(const ModelSession&) = delete;
 
   [[nodiscard]] ztb::Model& model() { return model_; }
-  [[nodiscard]] ztb::Database& database() { return database_; }
-  [[nodiscard]] ztb::ModelTie& tie() { return tie_; }
+  [[nodiscard]] ztb::Database& database() { return *database_; }
+  [[nodiscard]] ztb::ModelTie& tie() { return *tie_; }
   [[nodiscard]] const std::string& file() const { return file_; }
 
   // The solver for the kind that the next solve will find, or that a solve will find once
@@ -62,9 +63,14 @@ class ModelSession {
   [[nodiscard]] std::string settableText() const;
   [[nodiscard]] std::string solvedText() const;
 
-  // On standard error, what the reading of the file noted, and names that had to be changed: all,
-  // or one line with their count and the first.
-  void reportNotes(bool all) const;
+  // What the reading of the file noted, and names that had to be changed: all, or one line with
+  // their count and the first.
+  [[nodiscard]] std::vector<std::string> notes(bool all) const;
+
+  // Puts the model back to how it was opened and gives it a database of its own anew, without a
+  // live solver: what is solved from then on depends on nothing that was solved or applied before.
+  // Symbols of the database of before are gone.
+  void renew();
 
  private:
   [[nodiscard]] std::vector<std::string> driving() const;
@@ -72,8 +78,8 @@ class ModelSession {
 
   std::string file_;
   ztb::Model model_;
-  ztb::Database database_;
-  ztb::ModelTie tie_;
+  std::optional<ztb::Database> database_;
+  std::optional<ztb::ModelTie> tie_;
   std::map<std::string, ztb::Symbol> parameters_;  // by folded NAME
   std::map<std::string, ztb::Symbol> columns_;     // that a parameter drives, by its own name
 };

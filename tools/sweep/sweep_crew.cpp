@@ -3,7 +3,9 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <utility>
 
+#include "tools/sweep/sweep_worker.h"
 #include "tools/text/failure.h"
 #include "tools/text/output.h"
 #include "tools/text/words.h"
@@ -17,41 +19,50 @@ constexpr int kDeathsAtScenario = 2;
 // Workers in a row that a share may lose with nothing published in between.
 constexpr int kFruitlessDeaths = 20;
 
-std::string progressText(std::size_t done, std::size_t count, double seconds) {
-  const double rate = static_cast<double>(done) / std::max(seconds, 1e-3);
+std::string progressText(int done, int count, double seconds) {
+  const double rate = done / std::max(seconds, 1e-3);
   return fmt::format("{} of {} solved, {:.{}f} a second, {:.0f} s left", done,
-                     counted(count, "scenario"), rate, rate < 10 ? 1 : 0,
-                     static_cast<double>(count - done) / rate);
+                     counted(static_cast<std::size_t>(count), "scenario"), rate, rate < 10 ? 1 : 0,
+                     (count - done) / rate);
 }
 
 }  // namespace
 
-void SweepCrew::solve(const std::vector<std::size_t>& pending, int firstPart) {
-  const std::size_t jobs = std::min(static_cast<std::size_t>(options_.jobs), pending.size());
+void SweepCrew::solve(const std::vector<int>& chunks) {
+  const std::size_t jobs = std::min(static_cast<std::size_t>(plan_.jobs), chunks.size());
   shares_.resize(jobs);
   workerOfShare_.resize(jobs);
   for (std::size_t job = 0; job < jobs; ++job) {
     const auto at = [&](std::size_t number) {
-      return pending.begin() + static_cast<std::ptrdiff_t>(number * pending.size() / jobs);
+      return chunks.begin() + static_cast<std::ptrdiff_t>(number * chunks.size() / jobs);
     };
-    shares_[job].work = {.chosen = {at(job), at(job + 1)},
-                         .firstPart = firstPart + static_cast<int>(job),
-                         .partStep = static_cast<int>(jobs),
-                         .reportsNotes = job == 0};
-    startWorker(job);
+    shares_[job].chunks = {at(job), at(job + 1)};
+    shares_[job].tellsNotes = job == 0;
   }
+  if (jobs > 0) startWorker(0);
   start_ = Clock::now();
-  count_ = pending.size();
-  progress_.emplace().step("opening " + options_.model);
+  count_ = scenarioCount(chunks);
+  progress_.emplace().step("opening " + plan_.model);
   while (workers_.busy()) {
     const std::optional<WorkerMessage> message = workers_.next(std::chrono::milliseconds(200));
-    if (message) {
-      receive(*message);
+    if (message) receive(*message);
+    if (!isStopping_ && plan_.stops()) {
+      isStopping_ = true;
+      workers_.askToStop();
     }
     endStalledWorkers();
     showProgress();
   }
   progress_.reset();
+}
+
+int SweepCrew::scenarioCount(const std::vector<int>& chunks) const {
+  int count = 0;
+  for (const int chunk : chunks) {
+    const ztb::Sweep::Range range = sweep_.chunk(chunk);
+    count += range.end - range.first;
+  }
+  return count;
 }
 
 void SweepCrew::startWorker(std::size_t share) {
@@ -60,7 +71,9 @@ void SweepCrew::startWorker(std::size_t share) {
   workerOfShare_[share] = shareOfWorker_.size();
   shareOfWorker_.push_back(share);
   workers_.start([this, share](const WorkerChannel& channel) {
-    runSweepWorker(options_, scenarios_, inputs_, shares_[share].work, channel);
+    const Share& own = shares_[share];
+    runSweepWorker(sweep_, plan_.folder, {own.chunks, own.careful, own.tellsNotes, plan_.stops},
+                   channel);
   });
 }
 
@@ -68,6 +81,17 @@ void SweepCrew::receive(const WorkerMessage& message) {
   Share& share = shares_[shareOfWorker_[message.worker]];
   share.heard = Clock::now();
   switch (message.kind) {
+    case SweepMessage::prepared:
+      // The others find the basis that the first worker has left.
+      if (!isShared_) {
+        isShared_ = true;
+        progress_.reset();
+        for (std::size_t other = 1; other < shares_.size() && !isStopping_; ++other) {
+          startWorker(other);
+        }
+        progress_.emplace();
+      }
+      break;
     case SweepMessage::done:
       ++share.solved;
       ++done_;
@@ -75,22 +99,12 @@ void SweepCrew::receive(const WorkerMessage& message) {
     case SweepMessage::published:
       share.published = share.solved;
       share.fruitless = 0;
-      share.work.firstPart += share.work.partStep;
-      break;
-    case SweepMessage::scenarioFailed: {
-      std::size_t length = 0;
-      const std::size_t place = std::stoul(message.text, &length);
-      reasons_[place] = message.text.substr(length + 1);
-      break;
-    }
-    case SweepMessage::unmatched:
-      unmatched_.insert(message.text);
       break;
     case WorkerMessage::died:
       afterDeath(share, share.stalled
                             ? fmt::format("its worker process solved nothing for {} s (--stall) "
                                           "and was ended",
-                                          *options_.stall)
+                                          *plan_.stall)
                             : message.text);
       break;
     default:
@@ -100,51 +114,54 @@ void SweepCrew::receive(const WorkerMessage& message) {
 
 // Gives what the dead worker left to another one, but for a scenario that took enough of them.
 void SweepCrew::afterDeath(Share& share, const std::string& how) {
-  std::vector<std::size_t>& chosen = share.work.chosen;
   done_ -= share.solved - share.published;
-  chosen.erase(chosen.begin(), chosen.begin() + static_cast<std::ptrdiff_t>(share.published));
-  // With all solved, publishing them was what the worker was at.
-  const std::size_t suspect =
-      chosen.empty() ? 0 : std::min(share.solved - share.published, chosen.size() - 1);
+  int solved = share.solved - share.published;
+  for (int left = share.published; left > 0;) {
+    const ztb::Sweep::Range range = sweep_.chunk(share.chunks.front());
+    left -= range.end - range.first;
+    share.chunks.erase(share.chunks.begin());
+  }
   share.solved = 0;
   share.published = 0;
-  share.work.reportsNotes = false;
-  if (chosen.empty()) {
-    return;
+  share.tellsNotes = false;
+  if (share.chunks.empty() || isStopping_) return;
+  // With all solved, publishing them was what the worker was at.
+  solved = std::min(solved, scenarioCount(share.chunks) - 1);
+  int scenario = 0;
+  for (const int chunk : share.chunks) {
+    const ztb::Sweep::Range range = sweep_.chunk(chunk);
+    scenario = range.first + solved;
+    share.careful = chunk;
+    solved -= range.end - range.first;
+    if (solved < 0) break;
   }
-  const std::size_t place = chosen[suspect];
   if (++share.fruitless >= kFruitlessDeaths) {
-    for (const std::size_t left : chosen) {
-      reasons_.try_emplace(left, how);
+    for (const int chunk : share.chunks) {
+      const ztb::Sweep::Range range = sweep_.chunk(chunk);
+      for (int left = range.first; left < range.end; ++left) deaths_.try_emplace(left, how);
     }
     return;
   }
   progress_.reset();
-  if (++deathsAt_[place] >= kDeathsAtScenario) {
-    reasons_[place] = how;
-    chosen.erase(chosen.begin() + static_cast<std::ptrdiff_t>(suspect));
-    share.work.publishBefore.reset();
+  if (++deathsAt_[scenario] >= kDeathsAtScenario) {
+    deaths_[scenario] = how;
+    sweep_.skip(scenario, how);
   } else {
-    printError(fmt::format("ztb: scenario {}: {}; it is solved again",
-                           scenarios_.scenarios()[place].label, how));
-    share.work.publishBefore = suspect;
+    printError(
+        fmt::format("ztb: scenario {}: {}; it is solved again", sweep_.scenario(scenario), how));
   }
-  if (!chosen.empty()) {
-    // The worker may have published a part more than it could tell.
-    share.work.firstPart += share.work.partStep;
-    startWorker(static_cast<std::size_t>(&share - shares_.data()));
-  }
+  startWorker(static_cast<std::size_t>(&share - shares_.data()));
   progress_.emplace();
 }
 
 void SweepCrew::endStalledWorkers() {
-  if (!options_.stall) {
-    return;
-  }
+  if (!plan_.stall) return;
   const auto now = Clock::now();
   for (std::size_t number = 0; number < shares_.size(); ++number) {
     Share& share = shares_[number];
-    if (mayBeStalled(share) && now - share.heard >= std::chrono::seconds(*options_.stall)) {
+    const bool hasWorker = std::ranges::find(shareOfWorker_, number) != shareOfWorker_.end();
+    if (!hasWorker || share.stalled || share.solved >= scenarioCount(share.chunks)) continue;
+    if (now - share.heard >= std::chrono::seconds(*plan_.stall)) {
       share.stalled = true;
       workers_.kill(workerOfShare_[number]);
     }

@@ -1,10 +1,10 @@
-// The worker processes of a sweep: shares the scenarios out, follows the work, and starts another
+// The worker processes of a sweep: shares the chunks out, follows the work, and starts another
 // worker where one died.
 //
-// A worker that dies takes nothing with it: what it had solved but not published is solved again,
-// and so is the scenario that it was at, once more. A scenario at which two workers died has
-// failed; so has all that is left of a share whose workers die again and again without publishing
-// anything.
+// A worker that dies takes nothing with it: the chunks that it had solved but not published are
+// solved again, and so is the scenario that it was at, once more. A scenario at which two workers
+// died has failed; so has all that is left of a share whose workers die again and again without
+// publishing anything.
 #ifndef ZTB_TOOLS_SWEEP_SWEEP_CREW_H_
 #define ZTB_TOOLS_SWEEP_SWEEP_CREW_H_
 
@@ -12,13 +12,10 @@
 #include <cstddef>
 #include <map>
 #include <optional>
-#include <set>
 #include <string>
 #include <vector>
+#include <ztb/sweep.hpp>
 
-#include "tools/sweep/sweep_options.h"
-#include "tools/sweep/sweep_scenarios.h"
-#include "tools/sweep/sweep_worker.h"
 #include "tools/sweep/worker_processes.h"
 #include "tools/text/progress.h"
 
@@ -26,29 +23,40 @@ namespace tool {
 
 class SweepCrew {
  public:
-  SweepCrew(const SweepOptions& options, const SweepScenarios& scenarios, const std::string& inputs)
-      : options_(options), scenarios_(scenarios), inputs_(inputs) {}
+  struct Plan {
+    std::string model;   // as messages name it
+    std::string folder;  // of the parts
+    int jobs = 1;
+    // Seconds after which a worker that solves nothing is ended.
+    std::optional<int> stall;
+    // Whether the sweep was asked to end.
+    bool (*stops)() = [] { return false; };
+  };
 
-  // Has the scenarios at these places solved and published in parts, the numbers of which begin
-  // with firstPart. Throws Failure for what keeps all scenarios from being solved.
-  void solve(const std::vector<std::size_t>& pending, int firstPart);
+  SweepCrew(ztb::Sweep& sweep, const Plan& plan) : sweep_(sweep), plan_(plan) {}
 
-  // Why solves failed, by the place of the scenario.
-  [[nodiscard]] const std::map<std::size_t, std::string>& reasons() const { return reasons_; }
-  // Parameters of the scenario file with records that meet no column of the model.
-  [[nodiscard]] const std::set<std::string>& unmatched() const { return unmatched_; }
+  // Has these chunks, in ascending order, solved and published as parts in the folder. Throws
+  // Failure for what keeps all scenarios from being solved. Ends early once plan.stops says so: the
+  // workers publish what they have solved.
+  void solve(const std::vector<int>& chunks);
+
+  // Why scenarios have failed at which workers died, by their numbers.
+  [[nodiscard]] const std::map<int, std::string>& deaths() const { return deaths_; }
 
  private:
   using Clock = std::chrono::steady_clock;
 
-  // A run of neighbouring scenarios, which one worker at a time solves in their order.
+  // Chunks in ascending order, which one worker at a time solves.
   struct Share {
-    SweepWork work;
-    // Of the scenarios of `work`, those that the present worker has solved and published.
-    std::size_t solved = 0;
-    std::size_t published = 0;
+    std::vector<int> chunks;
+    // Scenarios of `chunks` that the present worker has solved and published.
+    int solved = 0;
+    int published = 0;
+    // Chunk before which what was solved is published: a worker died in it.
+    int careful = -1;
     // Workers that died in a row without publishing anything.
     int fruitless = 0;
+    bool tellsNotes = false;
     bool stalled = false;
     Clock::time_point heard;
   };
@@ -58,29 +66,26 @@ class SweepCrew {
   void afterDeath(Share& share, const std::string& how);
   void endStalledWorkers();
   void showProgress();
-  [[nodiscard]] bool mayBeStalled(const Share& share) const {
-    return !share.stalled && share.solved < share.work.chosen.size();
-  }
+  [[nodiscard]] int scenarioCount(const std::vector<int>& chunks) const;
 
-  const SweepOptions& options_;
-  const SweepScenarios& scenarios_;
-  const std::string& inputs_;
+  ztb::Sweep& sweep_;
+  const Plan& plan_;
 
   WorkerProcesses workers_;
   std::vector<Share> shares_;
   // The share of each worker process, in the order of their starts, and the worker of each share.
   std::vector<std::size_t> shareOfWorker_;
   std::vector<std::size_t> workerOfShare_;
-  std::map<std::size_t, int> deathsAt_;  // by the place of the scenario
-
-  std::map<std::size_t, std::string> reasons_;
-  std::set<std::string> unmatched_;
+  std::map<int, int> deathsAt_;  // by scenario
+  std::map<int, std::string> deaths_;
+  bool isShared_ = false;  // all shares have had a worker
+  bool isStopping_ = false;
 
   // A process may only be forked while nothing draws.
   std::optional<Progress> progress_;
   Clock::time_point start_;
-  std::size_t count_ = 0;
-  std::size_t done_ = 0;
+  int count_ = 0;
+  int done_ = 0;
 };
 
 }  // namespace tool

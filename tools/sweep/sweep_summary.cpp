@@ -3,6 +3,9 @@
 #include <fmt/format.h>
 #include <ztb/model.h>
 
+#include <optional>
+#include <utility>
+
 #include "tools/text/output.h"
 #include "tools/text/table_printer.h"
 #include "tools/text/words.h"
@@ -11,71 +14,68 @@ namespace tool {
 
 namespace {
 
-constexpr std::size_t kUnsolvedShown = 20;
-
-std::string wordOf(const ScenarioOutcome& outcome) {
-  return outcome.solveStatus == ztbSolveFailed ? "failed" : ztbModelStatusText(outcome.status);
-}
+constexpr int kUnsolvedShown = 20;
 
 }  // namespace
 
-bool SweepSummary::reportUnsolved(const std::map<std::size_t, std::string>& reasons) const {
-  std::size_t unsolved = 0;
-  for (std::size_t place = 0; place < scenarios_.size(); ++place) {
-    const ScenarioOutcome& result = outcome(scenarios_[place]);
-    if (result.objective || ++unsolved > kUnsolvedShown) {
-      continue;
+std::string SweepSummary::wordOf(const std::optional<ztb::Sweep::Outcome>& outcome) const {
+  if (!outcome) return missing_;
+  return outcome->solveStatus == ztbSolveFailed ? "failed" : ztbModelStatusText(outcome->status);
+}
+
+bool SweepSummary::reportUnsolved(const std::map<int, std::string>& reasons) const {
+  int unsolved = 0;
+  for (int scenario = range_.first; scenario < range_.end; ++scenario) {
+    const auto outcome = sweep_.outcome(scenario);
+    if ((outcome && outcome->objective) || ++unsolved > kUnsolvedShown) continue;
+    std::string text = wordOf(outcome);
+    const auto known = reasons.find(scenario);
+    const std::string reason = known != reasons.end() ? known->second : sweep_.reason(scenario);
+    if (!reason.empty()) {
+      text += ": " + reason;
+    } else if (outcome && outcome->solveStatus != ztbSolveNormal &&
+               outcome->solveStatus != ztbSolveFailed) {
+      text += fmt::format(", {}", ztbModelSolveStatusText(outcome->solveStatus));
     }
-    std::string text = wordOf(result);
-    if (const auto reason = reasons.find(place); reason != reasons.end()) {
-      text += ": " + reason->second;
-    } else if (result.solveStatus != ztbSolveNormal && result.solveStatus != ztbSolveFailed) {
-      text += fmt::format(", {}", ztbModelSolveStatusText(result.solveStatus));
-    }
-    printError(fmt::format("ztb: scenario {}: {}", scenarios_[place].label, text));
+    printError(fmt::format("ztb: scenario {}: {}", sweep_.scenario(scenario), text));
   }
   if (unsolved > kUnsolvedShown) {
     printError(fmt::format("ztb: {} without a solution, of which {} are shown",
-                           counted(unsolved, "scenario"), kUnsolvedShown));
+                           counted(static_cast<std::size_t>(unsolved), "scenario"),
+                           kUnsolvedShown));
   }
   return unsolved == 0;
 }
 
-void SweepSummary::print(std::size_t kept, double seconds) const {
-  std::map<std::pair<int, std::string>, std::size_t> counts;
-  const Scenario* lowest = nullptr;
-  const Scenario* highest = nullptr;
-  for (const Scenario& scenario : scenarios_) {
-    const ScenarioOutcome& result = outcome(scenario);
-    ++counts[{result.status, wordOf(result)}];
-    if (result.objective) {
-      if (lowest == nullptr || *result.objective < *outcome(*lowest).objective) {
-        lowest = &scenario;
-      }
-      if (highest == nullptr || *result.objective > *outcome(*highest).objective) {
-        highest = &scenario;
-      }
-    }
+void SweepSummary::print(int kept, double seconds) const {
+  // "missing" stands behind all statuses.
+  constexpr int behindAll = 1000;
+  std::map<std::pair<int, std::string>, int> counts;
+  std::optional<std::pair<double, int>> lowest;
+  std::optional<std::pair<double, int>> highest;
+  for (int scenario = range_.first; scenario < range_.end; ++scenario) {
+    const auto outcome = sweep_.outcome(scenario);
+    ++counts[{outcome ? outcome->status : behindAll, wordOf(outcome)}];
+    if (!outcome || !outcome->objective) continue;
+    const double objective = *outcome->objective;
+    if (!lowest || objective < lowest->first) lowest = {objective, scenario};
+    if (!highest || objective > highest->first) highest = {objective, scenario};
   }
-  std::string line = counted(scenarios_.size(), "scenario");
-  if (kept > 0) {
-    line += fmt::format(", {} of them kept", kept);
-  }
+  const int all = range_.end - range_.first;
+  std::string line = counted(static_cast<std::size_t>(all), "scenario");
+  if (kept > 0) line += fmt::format(", {} of them kept", kept);
   const char* separator = ": ";
   for (const auto& [status, count] : counts) {
     line += fmt::format("{}{} {}", separator, count, status.second);
     separator = ", ";
   }
   line += fmt::format(" in {:.2f} s", seconds);
-  if (seconds > 0) {
-    line +=
-        fmt::format(" ({:.0f} a second)", static_cast<double>(scenarios_.size() - kept) / seconds);
-  }
+  if (seconds > 0) line += fmt::format(" ({:.0f} a second)", (all - kept) / seconds);
   line += '\n';
-  if (lowest != nullptr) {
-    line += fmt::format("objective: lowest {:.10g} ({}), highest {:.10g} ({})\n",
-                        *outcome(*lowest).objective, printable(lowest->label),
-                        *outcome(*highest).objective, printable(highest->label));
+  if (lowest) {
+    line += fmt::format("objective: lowest {:.10g} ({}), highest {:.10g} ({})\n", lowest->first,
+                        printable(sweep_.scenario(lowest->second)), highest->first,
+                        printable(sweep_.scenario(highest->second)));
   }
   tool::print(line);
 }

@@ -2,37 +2,32 @@
 #ifndef ZTB_TOOLS_SWEEP_SWEEP_SUMMARY_H_
 #define ZTB_TOOLS_SWEEP_SWEEP_SUMMARY_H_
 
-#include <cstddef>
 #include <map>
 #include <string>
-#include <vector>
-
-#include "tools/sweep/sweep_results.h"
-#include "tools/sweep/sweep_scenarios.h"
+#include <ztb/sweep.hpp>
 
 namespace tool {
 
 class SweepSummary {
  public:
-  // All scenarios, and an outcome for each by its label.
-  SweepSummary(const std::vector<Scenario>& scenarios,
-               const std::map<std::string, ScenarioOutcome>& outcomes)
-      : scenarios_(scenarios), outcomes_(outcomes) {}
+  // Of the scenarios from `first` to before `end`, as they were found. `missing` is said of those
+  // without an outcome.
+  SweepSummary(ztb::Sweep& sweep, ztb::Sweep::Range range, std::string missing)
+      : sweep_(sweep), range_(range), missing_(std::move(missing)) {}
 
   // A line on standard error for each of the first scenarios without a solution, and the count of
-  // the others; `reasons` has more about some scenarios by their place. Whether there was none.
-  [[nodiscard]] bool reportUnsolved(const std::map<std::size_t, std::string>& reasons) const;
+  // the others; `reasons` has more about some scenarios. Whether there was none.
+  [[nodiscard]] bool reportUnsolved(const std::map<int, std::string>& reasons) const;
   // Counts, time and rate, and the extreme objectives, on standard output. `kept` of the scenarios
   // stem from an earlier run.
-  void print(std::size_t kept, double seconds) const;
+  void print(int kept, double seconds) const;
 
  private:
-  [[nodiscard]] const ScenarioOutcome& outcome(const Scenario& scenario) const {
-    return outcomes_.at(scenario.label);
-  }
+  [[nodiscard]] std::string wordOf(const std::optional<ztb::Sweep::Outcome>& outcome) const;
 
-  const std::vector<Scenario>& scenarios_;
-  const std::map<std::string, ScenarioOutcome>& outcomes_;
+  ztb::Sweep& sweep_;
+  ztb::Sweep::Range range_;
+  std::string missing_;
 };
 
 }  // namespace tool

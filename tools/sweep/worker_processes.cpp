@@ -105,6 +105,12 @@ void WorkerProcesses::kill(std::size_t worker) {
   }
 }
 
+void WorkerProcesses::askToStop() const {
+  for (const Worker& worker : workers_) {
+    if (worker.descriptor >= 0) ::kill(worker.process, SIGTERM);
+  }
+}
+
 bool WorkerProcesses::busy() const {
   return !messages_.empty() ||
          std::ranges::any_of(workers_, [](const Worker& worker) { return worker.descriptor >= 0; });

@@ -55,6 +55,9 @@ class WorkerProcesses {
   // Ends a worker that runs, stopped ones too; the message that it died follows.
   void kill(std::size_t worker);
 
+  // Sends SIGTERM to all workers that run.
+  void askToStop() const;
+
   // Whether some worker runs, or messages are left.
   [[nodiscard]] bool busy() const;
   // The next message; nothing when none came within the time, or when the last worker ended.

@@ -1,6 +1,7 @@
-#include "tools/sweep/sweep_inputs.h"
+#include "sweep/inputs.h"
 
 #include <fmt/format.h>
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <array>
@@ -10,8 +11,8 @@
 #include <iterator>
 #include <memory>
 #include <new>
-#include <optional>
 #include <system_error>
+#include <vector>
 
 #define XXH_INLINE_ALL
 #include <xxhash.h>
@@ -20,7 +21,12 @@
 #include "tools/text/failure.h"
 #include "tools/text/words.h"
 
-namespace tool {
+namespace sweep {
+
+using tool::Failure;
+using tool::folded;
+using tool::tableInputs;
+using tool::withFile;
 
 namespace {
 
@@ -38,15 +44,21 @@ constexpr const char* kDrives = "drive";
 // The word of the file of --data, likewise.
 constexpr const char* kFills = "fills";
 
-constexpr std::array<Part, 9> kParts{{{"model", "another model file"},
-                                      {"data", "another --model-data"},
-                                      {"scenarios", "another scenario file"},
-                                      {"over", "another --over"},
-                                      {"solver", "another --solver"},
-                                      {"report", "another --report"},
-                                      {kTables, "another table of the model"},
-                                      {kDrives, "another --drive"},
-                                      {kFills, "another --data"}}};
+// The words of --time-limit, likewise, and of the size of chunks.
+constexpr const char* kLimit = "limit";
+constexpr const char* kChunk = "chunk";
+
+constexpr std::array<Part, 11> kParts{{{"model", "another model file"},
+                                       {"data", "another --model-data"},
+                                       {"scenarios", "another scenario file"},
+                                       {"over", "another --over"},
+                                       {"solver", "another --solver"},
+                                       {"report", "another --report"},
+                                       {kTables, "another table of the model"},
+                                       {kDrives, "another --drive"},
+                                       {kFills, "another --data"},
+                                       {kLimit, "another --time-limit"},
+                                       {kChunk, "another --chunk"}}};
 
 // XXH3 with 64 bits of a text or of the bytes of a file.
 std::uint64_t ofText(std::string_view text) {
@@ -80,22 +92,17 @@ std::uint64_t ofFile(const std::string& path) {
   return XXH3_64bits_digest(state.get());
 }
 
-// Names and contents of the table files of a MathProg model; nothing of any other model, or of one
-// without such files.
-std::optional<std::uint64_t> ofTables(const std::string& model) {
-  if (!folded(model).ends_with(".mod")) {
-    return std::nullopt;
-  }
+// The files that a MathProg model reads tables from; none of any other model.
+std::vector<std::string> tablesOf(const std::string& model) {
+  std::vector<std::string> files;
+  if (!folded(model).ends_with(".mod")) return files;
   std::ifstream in(model, std::ios::binary);
   const std::string text{std::istreambuf_iterator<char>(in), {}};
-  std::string sums;
   for (const std::string& name : tableInputs(text)) {
     std::error_code error;
-    if (std::filesystem::is_regular_file(name, error)) {
-      sums += fmt::format("{} {:016x}\n", name, ofFile(name));
-    }
+    if (std::filesystem::is_regular_file(name, error)) files.push_back(name);
   }
-  return sums.empty() ? std::nullopt : std::optional(ofText(sums));
+  return files;
 }
 
 // The word "key=..." of a text of such words.
@@ -112,7 +119,7 @@ std::string_view wordOf(std::string_view text, std::string_view key) {
 
 }  // namespace
 
-std::string sweepInputs(const SweepOptions& options) {
+std::string inputsOf(const Options& options) {
   std::string reports;
   for (const std::string& report : options.reports) {
     reports += folded(report) + ' ';
@@ -125,24 +132,24 @@ std::string sweepInputs(const SweepOptions& options) {
   for (std::size_t part = 0; part < sums.size(); ++part) {
     text += fmt::format("{}{}={:016x}", part == 0 ? "" : " ", kParts.at(part).key, sums.at(part));
   }
-  if (const std::optional<std::uint64_t> tables = ofTables(options.model)) {
-    text += fmt::format(" {}={:016x}", kTables, *tables);
+  std::string tables;
+  for (const std::string& name : tablesOf(options.model)) {
+    tables += fmt::format("{} {:016x}\n", name, ofFile(name));
   }
+  if (!tables.empty()) text += fmt::format(" {}={:016x}", kTables, ofText(tables));
   std::string drives;
   for (const std::string& statement : options.drives) drives += statement + '\n';
   if (!drives.empty()) text += fmt::format(" {}={:016x}", kDrives, ofText(drives));
   if (!options.data.empty()) text += fmt::format(" {}={:016x}", kFills, ofFile(options.data));
+  if (!options.timeLimit.empty()) text += fmt::format(" {}={}", kLimit, options.timeLimit);
   return text;
 }
 
-bool isSweepInputs(std::string_view text) {
-  return std::ranges::all_of(kParts, [&](const Part& part) {
-    const std::string_view key = part.key;
-    return key == kTables || key == kDrives || key == kFills || !wordOf(text, part.key).empty();
-  });
+std::string chunkWord(int size) {
+  return fmt::format(" {}={}", kChunk, size);
 }
 
-std::string sweepInputsDifference(std::string_view one, std::string_view other) {
+std::string inputsDifference(std::string_view one, std::string_view other) {
   for (const Part& part : kParts) {
     if (wordOf(one, part.key) != wordOf(other, part.key)) {
       return part.difference;
@@ -151,4 +158,22 @@ std::string sweepInputsDifference(std::string_view one, std::string_view other) 
   return "";
 }
 
-}  // namespace tool
+std::string keyOf(std::string_view inputs) {
+  return fmt::format("{:016x}", ofText(inputs));
+}
+
+std::string filesOf(const Options& options) {
+  std::vector<std::string> files = tablesOf(options.model);
+  files.insert(files.end(), {options.model, options.modelData, options.data, options.scenarios});
+  std::string text;
+  for (const std::string& file : files) {
+    struct stat found {};
+    if (file.empty() || ::stat(file.c_str(), &found) != 0) continue;
+    text += fmt::format("{} {} {} {} {}.{:09} {}.{:09}\n", file, found.st_dev, found.st_ino,
+                        found.st_size, found.st_mtim.tv_sec, found.st_mtim.tv_nsec,
+                        found.st_ctim.tv_sec, found.st_ctim.tv_nsec);
+  }
+  return text;
+}
+
+}  // namespace sweep

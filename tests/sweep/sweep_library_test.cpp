@@ -1,0 +1,260 @@
+// The functions of ztb/sweep.h and their wrapper: where chunks begin and end, that a chunk is a
+// function of its inputs, and what is told of parts.
+#include <gmock/gmock.h>
+#include <ztb/sweep.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <string>
+#include <vector>
+#include <ztb/sweep.hpp>
+#include <ztb/ztb.hpp>
+
+#include "tests/support/temp_folder.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+std::string read(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(in), {}};
+}
+
+class SweepLibraryTest : public testing::Test {
+ protected:
+  std::string path(const std::string& name) const { return folder_.file(name); }
+
+  // Six items of one cost, of which any can meet what is wanted.
+  void SetUp() override {
+    std::ofstream model(path("m.lp"));
+    model << "Minimize\n z: a(i1) + a(i2) + a(i3) + a(i4) + a(i5) + a(i6)\nSubject To\n"
+             " c: a(i1) + a(i2) + a(i3) + a(i4) + a(i5) + a(i6) - wanted_var >= 0\n"
+             " d: a(i2) + a(i4) + a(i6) - 0.5 wanted_var <= 0\n"
+             "Bounds\n wanted_var = 3\n a(i1) <= 4\n a(i2) <= 3\n a(i3) <= 4\n a(i4) <= 3\n"
+             " a(i5) <= 4\n a(i6) <= 3\nEnd\n";
+  }
+
+  void makeScenarios(int count) const {
+    ztb::Database database;
+    ztb::Symbol set = database.addSet("s", {"*"});
+    ztb::Symbol wanted = database.addParameter("wanted", {set});
+    for (int number = 0; number < count; ++number) {
+      const std::string label = "s" + std::to_string(number);
+      set.add(label);
+      wanted.add(label).setLevel(1 + number * 5 % 9);
+    }
+    database.write(path("sc.rxf"));
+  }
+
+  void open(ztb::Sweep& sweep, const std::string& chunk = "") const {
+    sweep.option("model", path("m.lp")).option("scenarios", path("sc.rxf")).option("over", "S");
+    sweep.option("report", "a");
+    if (!chunk.empty()) sweep.option("chunk", chunk);
+    sweep.open();
+  }
+
+  // The bytes of each part by its name.
+  std::map<std::string, std::string> parts(const std::string& folder) const {
+    std::map<std::string, std::string> found;
+    for (const auto& entry : std::filesystem::directory_iterator(path(folder))) {
+      if (entry.path().extension() == ".rxf") {
+        found[entry.path().filename().string()] = read(entry.path().string());
+      }
+    }
+    return found;
+  }
+
+  ztbtest::TempFolder folder_;
+};
+
+TEST_F(SweepLibraryTest, ChunksAreASixtyFourthOfTheSweep) {
+  struct Case {
+    int scenarios;
+    int ofChunk;
+  };
+  for (const Case& one : {Case{1, 1}, Case{64, 1}, Case{127, 1}, Case{128, 2}, Case{1000, 15}}) {
+    makeScenarios(one.scenarios);
+    ztb::Sweep sweep;
+    open(sweep);
+    EXPECT_EQ(sweep.scenarioCount(), one.scenarios);
+    EXPECT_EQ(sweep.chunk(0).end, one.ofChunk) << one.scenarios;
+    EXPECT_EQ(sweep.chunk(sweep.chunkCount() - 1).end, one.scenarios);
+  }
+}
+
+TEST_F(SweepLibraryTest, TheSizeOfChunksCanBeGiven) {
+  makeScenarios(10);
+  ztb::Sweep sweep;
+  open(sweep, "4");
+  std::vector<int> ends;
+  for (int chunk = 0; chunk < sweep.chunkCount(); ++chunk) ends.push_back(sweep.chunk(chunk).end);
+  EXPECT_THAT(ends, ElementsAre(4, 8, 10));
+  EXPECT_EQ(sweep.scenario(9), "s9");
+  EXPECT_EQ(sweep.over(), "s");
+  EXPECT_EQ(sweep.key().size(), 16U);
+}
+
+TEST_F(SweepLibraryTest, AChunkDoesNotDependOnTheOnesBefore) {
+  makeScenarios(30);
+  ztb::Sweep forward;
+  open(forward, "6");
+  for (int chunk = 0; chunk < 5; ++chunk) {
+    EXPECT_TRUE(forward.solve(path("forward"), chunk));
+    forward.publish(path("forward"));
+  }
+  ztb::Sweep backward;
+  open(backward, "6");
+  for (int chunk = 4; chunk >= 0; --chunk) {
+    EXPECT_TRUE(backward.solve(path("backward"), chunk));
+    backward.publish(path("backward"));
+  }
+  EXPECT_EQ(parts("forward").size(), 5U);
+  EXPECT_EQ(parts("forward"), parts("backward"));
+}
+
+TEST_F(SweepLibraryTest, PartsOfSeveralChunksGiveTheSameResult) {
+  makeScenarios(30);
+  ztb::Sweep sweep;
+  open(sweep, "6");
+  for (int chunk = 0; chunk < 5; ++chunk) {
+    ASSERT_TRUE(sweep.solve(path("one"), chunk));
+    sweep.publish(path("one"));
+  }
+  for (int chunk = 0; chunk < 5; ++chunk) {
+    ASSERT_TRUE(sweep.solve(path("two"), chunk));
+    if (chunk >= 2) sweep.publish(path("two"));
+  }
+  EXPECT_EQ(parts("one").size(), 5U);
+  EXPECT_EQ(parts("two").size(), 3U);
+  for (const char* folder : {"one", "two"}) {
+    sweep.find(path(folder));
+    sweep.collect(path(std::string(folder) + ".rxf"));
+  }
+  EXPECT_EQ(read(path("one.rxf")), read(path("two.rxf")));
+  const ztb::Database result = ztb::Database::open(path("one.rxf"));
+  for (int number = 0; number < 30; ++number) {
+    const std::string label = "s" + std::to_string(number);
+    EXPECT_NEAR(result.symbol("sweep_objective").find(label)->level(), 1 + number * 5 % 9, 1e-9);
+  }
+  EXPECT_EQ(result.symbol("a_level").recordCount(), 180);
+}
+
+TEST_F(SweepLibraryTest, TellsWhatIsMissing) {
+  makeScenarios(9);
+  ztb::Sweep sweep;
+  open(sweep, "3");
+  sweep.solve(path("parts"), 1);
+  sweep.publish(path("parts"));
+  sweep.find(path("parts"));
+  EXPECT_EQ(sweep.state(0).missing, 3);
+  EXPECT_EQ(sweep.state(1).missing, 0);
+  EXPECT_FALSE(sweep.outcome(2));
+  ASSERT_TRUE(sweep.outcome(3));
+  EXPECT_NEAR(*sweep.outcome(3)->objective, 7, 1e-9);
+}
+
+TEST_F(SweepLibraryTest, AScenarioThatIsSkippedHasFailedForTheReasonGiven) {
+  makeScenarios(4);
+  ztb::Sweep sweep;
+  open(sweep, "4");
+  sweep.skip(2, "it took two processes with it");
+  sweep.solve(path("parts"), 0);
+  sweep.publish(path("parts"));
+  sweep.find(path("parts"));
+  EXPECT_EQ(sweep.state(0).failed, 1);
+  EXPECT_EQ(sweep.outcome(2)->solveStatus, 13);
+  EXPECT_EQ(sweep.reason(2), "it took two processes with it");
+  EXPECT_EQ(sweep.reason(1), "");
+}
+
+TEST_F(SweepLibraryTest, AStoppedSweepKeepsWhatIsSolved) {
+  makeScenarios(5);
+  ztb::Sweep sweep;
+  open(sweep, "5");
+  sweep.setWatch([&](int event, int scenario, const char*) {
+    if (event == ZTB_SWEEP_SOLVED && scenario == 1) sweep.stop();
+  });
+  EXPECT_FALSE(sweep.solve(path("parts"), 0));
+  sweep.publish(path("parts"));
+  sweep.find(path("parts"));
+  EXPECT_EQ(sweep.state(0).missing, 3);
+  EXPECT_TRUE(sweep.outcome(1));
+  EXPECT_FALSE(sweep.outcome(2));
+}
+
+TEST_F(SweepLibraryTest, AnotherProcessFindsTheSweepInItsFolder) {
+  makeScenarios(4);
+  ztb::Sweep sweep;
+  open(sweep, "2");
+  sweep.save(path("parts"));
+  ztb::Sweep other;
+  other.load(path("parts"));
+  EXPECT_EQ(other.key(), sweep.key());
+  EXPECT_EQ(other.inputs(), sweep.inputs());
+  EXPECT_EQ(other.chunkCount(), 2);
+}
+
+TEST_F(SweepLibraryTest, AnInputThatHasChangedIsTold) {
+  makeScenarios(4);
+  ztb::Sweep sweep;
+  open(sweep);
+  EXPECT_EQ(sweep.difference(), "");
+  std::ofstream(path("m.lp"), std::ios::app) << "\\ a comment\n";
+  EXPECT_EQ(sweep.difference(), "another model file");
+}
+
+template <class Call>
+std::string errorOf(const Call& call) {
+  try {
+    call();
+  } catch (const ztb::Error& error) {
+    return error.what();
+  }
+  return "no error";
+}
+
+TEST_F(SweepLibraryTest, WhatIsRefused) {
+  makeScenarios(4);
+  ztb::Sweep sweep;
+  EXPECT_EQ(errorOf([&] { sweep.option("chunks", "4"); }), "a sweep has no option chunks");
+  EXPECT_EQ(errorOf([&] { sweep.option("chunk", "4x"); }), "--chunk 4x: 1 to 1000000 are allowed");
+  EXPECT_EQ(errorOf([&] { sweep.solve(path("parts"), 0); }), "the sweep is not open");
+  EXPECT_EQ(sweep.scenarioCount(), 0);
+  open(sweep, "2");
+  EXPECT_EQ(errorOf([&] { sweep.open(); }), "the sweep is open already");
+  EXPECT_EQ(errorOf([&] { sweep.option("over", "t"); }), "over: the sweep is open already");
+  EXPECT_EQ(errorOf([&] { sweep.solve(path("parts"), 2); }),
+            "there is no chunk 2: the sweep has 2");
+  EXPECT_EQ(errorOf([&] { sweep.skip(4, ""); }), "there is no scenario 4");
+  EXPECT_EQ(errorOf([&] { (void)sweep.chunk(2); }), "there is no chunk 2");
+  EXPECT_EQ(errorOf([&] { (void)sweep.scenario(-1); }), "there is no scenario -1");
+  sweep.solve(path("parts"), 1);
+  EXPECT_EQ(errorOf([&] { sweep.solve(path("parts"), 0); }),
+            "chunk 0 does not follow the one whose results are kept");
+}
+
+TEST_F(SweepLibraryTest, ADamagedPartIsAnError) {
+  makeScenarios(4);
+  ztb::Sweep sweep;
+  open(sweep, "4");
+  sweep.solve(path("parts"), 0);
+  sweep.publish(path("parts"));
+  const std::string name = parts("parts").begin()->first;
+  std::ofstream(path("parts/" + name)) << "no part";
+  EXPECT_THAT(errorOf([&] { sweep.find(path("parts")); }), HasSubstr(name));
+}
+
+TEST_F(SweepLibraryTest, NoSweepIsNoCrash) {
+  EXPECT_EQ(ztbSweepOpen(nullptr), 0);
+  EXPECT_EQ(ztbSweepScenarioCount(nullptr), 0);
+  EXPECT_STREQ(ztbSweepMessage(nullptr), "");
+  EXPECT_EQ(ztbSweepScenario(nullptr, 0), nullptr);
+  ztbSweepStop(nullptr);
+  ztbSweepFree(nullptr);
+}
+
+}  // namespace
