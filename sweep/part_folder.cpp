@@ -120,9 +120,13 @@ std::optional<std::string> PartFolder::foreign() const {
 void PartFolder::remove(bool ofAll) const {
   for (const std::string& name : namesIn(folder_)) {
     // What a writer that was killed left has a point in front.
-    const std::string_view shown = std::string_view(name).substr(name.starts_with('.') ? 1 : 0);
-    const bool isOfSweep = shown.size() > kKeyLength && isKey(shown.substr(0, kKeyLength)) &&
-                           (shown[kKeyLength] == '-' || shown[kKeyLength] == '.');
+    const bool isUnfinished = name.starts_with('.');
+    const std::string_view shown = std::string_view(name).substr(isUnfinished ? 1 : 0);
+    if (shown.size() <= kKeyLength || !isKey(shown.substr(0, kKeyLength))) continue;
+    const std::string_view rest = shown.substr(kKeyLength);
+    const bool isOfSweep = isUnfinished
+                               ? rest.starts_with('-') || rest.starts_with('.')
+                               : rangeOf(shown) || rest == kBasisEnding || rest == kSavedEnding;
     if (isOfSweep && (ofAll || shown.starts_with(key_))) removeFile(path(name));
   }
   std::error_code error;

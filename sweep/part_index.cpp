@@ -63,7 +63,7 @@ void PartIndex::take(const std::string& path, int first, int end, std::string_vi
       found.failed += outcome.hasFailed() ? 1 : 0;
     }
     Chunk& known = chunks_[static_cast<std::size_t>(chunk)];
-    if (std::tie(found.missing, found.failed) >= std::tie(known.missing, known.failed)) continue;
+    if (std::tie(found.missing, found.failed) > std::tie(known.missing, known.failed)) continue;
     known = found;
     for (int scenario = begin(chunk); scenario < this->end(chunk); ++scenario) {
       outcomes_[static_cast<std::size_t>(scenario)] =

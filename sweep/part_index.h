@@ -26,7 +26,7 @@ class PartIndex {
 
   // Takes a file with results of the scenarios from `first` to before `end`. Of each chunk the
   // results of the file with the most of its scenarios count, of those the one with the fewest
-  // that failed, of those the first. Throws Failure when the file cannot be read, and where
+  // that failed, of those the last. Throws Failure when the file cannot be read, and where
   // it is from a sweep with other inputs.
   void take(const std::string& file, int first, int end, std::string_view inputs);
 

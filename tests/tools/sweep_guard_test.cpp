@@ -28,8 +28,10 @@ class SweepGuardTest : public tooltest::EndlessSweepTest {
     std::vector<std::string> arguments = sweep({"--jobs", "2"});
     arguments.insert(arguments.end(), more.begin(), more.end());
     std::filesystem::create_directory(path("out.rxf.parts"));
+    write("out.rxf.parts/notes", "it keeps the folder, which is watched");
     auto run = std::make_unique<BackgroundProgram>(path("."), arguments, "errors");
     EXPECT_TRUE(run->waitForFile("", "-1-2.rxf"));
+    std::filesystem::remove(path("out.rxf.parts/notes"));
     return run;
   }
 

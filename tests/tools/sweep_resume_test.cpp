@@ -139,9 +139,11 @@ TEST_F(SweepWithoutPlaceTest, KeepsThePartsOfAResultThatCannotBeWrittenInTheEnd)
   ASSERT_NE(run.waitForChildBut(0), 0) << "the sweep ended without a worker";
   std::filesystem::create_directory(path("out.rxf"));
   EXPECT_EQ(run.wait(), 1);
-  EXPECT_THAT(read("errors"),
-              HasSubstr("out.rxf; what was solved stays in out.rxf.parts: --collect --parts "
-                        "out.rxf.parts with another --out takes it\n"));
+  EXPECT_THAT(
+      read("errors"),
+      HasSubstr(
+          "ztb: out.rxf: Is a folder; what was solved stays in out.rxf.parts: --collect --parts "
+          "out.rxf.parts with another --out takes it\n"));
   std::filesystem::remove(path("out.rxf"));
   const Outcome collected =
       ztb({"sweep", "--collect", "--parts", "out.rxf.parts", "--out", "c.rxf"});
@@ -220,8 +222,10 @@ TEST_F(InterruptedSweepTest, AfterAKillTheRestIsSolved) {
   {
     // The second worker publishes sc6 to sc10, the first one nothing.
     std::filesystem::create_directory(path("out.rxf.parts"));
+    write("out.rxf.parts/notes", "it keeps the folder, which is watched");
     BackgroundProgram run(path("."), sweep({"--jobs", "2"}), "errors");
     ASSERT_TRUE(run.waitForFile("", "-5-10.rxf"));
+    std::filesystem::remove(path("out.rxf.parts/notes"));
     run.kill();
     ASSERT_EQ(run.wait(), -SIGKILL);
   }

@@ -99,7 +99,13 @@ class SweepRun {
     const bool hasResult = findKept();
     const std::vector<int> pending = pendingChunks(0, sweep_.chunkCount(), true);
     if (!pending.empty()) sweep_.save(folder_);
-    const std::map<int, std::string> deaths = solve(pending);
+    std::map<int, std::string> deaths;
+    try {
+      deaths = solve(pending);
+    } catch (const Failure&) {
+      requireSameInputs();
+      throw;
+    }
     requireSameInputs();
     if (wasAskedToEnd != 0) return tellOfEnd();
     sweep_.find(folder_, hasResult ? options_.out : "");
