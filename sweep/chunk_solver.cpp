@@ -35,6 +35,7 @@ ChunkSolver::ChunkSolver(const Options& options, const ScenarioFile& scenarios, 
       session_(options.model, options.modelData, fills_ ? &*fills_ : nullptr, options.drives),
       solver_(options.solver.empty() ? session_.standardSolverOfParameters() : options.solver),
       data_(scenarios, session_) {
+  isLinear_ = session_.model().updatedKind() == ztbKindLinear;
   for (const std::string& name : options.reports) addReport(name);
   // Names that the result cannot have are told before anything is solved.
   PartResults(scenarios_.over(), inputs_, reports_);
@@ -71,8 +72,9 @@ void ChunkSolver::prepare(const std::string& basisFile) {
     const std::filesystem::path path(basisFile);
     const std::string made =
         (path.parent_path() / fmt::format(".{}.{}", path.filename().string(), getpid())).string();
-    bool hasBasis = session_.model().updatedKind() == ztbKindLinear;
+    bool hasBasis = isLinear_;
     if (hasBasis) {
+      if (isUsed_) session_.renew();
       isUsed_ = true;
       try {
         solveModel();

@@ -75,6 +75,7 @@ class ChunkSolver {
   std::vector<std::pair<std::string, int>> reports_;
   ChunkData data_;
   std::string basisFile_;  // empty: there is none
+  bool isLinear_ = false;  // as it was opened
   bool isUsed_ = false;    // the model is not as it was opened
   std::unique_ptr<PartResults> results_;
   int first_ = 0;

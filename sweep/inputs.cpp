@@ -30,7 +30,7 @@ using tool::withFile;
 
 namespace {
 
-struct Part {
+struct Word {
   const char* key;
   const char* difference;
 };
@@ -48,7 +48,7 @@ constexpr const char* kFills = "fills";
 constexpr const char* kLimit = "limit";
 constexpr const char* kChunk = "chunk";
 
-constexpr std::array<Part, 11> kParts{{{"model", "another model file"},
+constexpr std::array<Word, 11> kWords{{{"model", "another model file"},
                                        {"data", "another --model-data"},
                                        {"scenarios", "another scenario file"},
                                        {"over", "another --over"},
@@ -130,7 +130,7 @@ std::string inputsOf(const Options& options) {
       ofText(options.solver),    ofText(reports)};
   std::string text;
   for (std::size_t part = 0; part < sums.size(); ++part) {
-    text += fmt::format("{}{}={:016x}", part == 0 ? "" : " ", kParts.at(part).key, sums.at(part));
+    text += fmt::format("{}{}={:016x}", part == 0 ? "" : " ", kWords.at(part).key, sums.at(part));
   }
   std::string tables;
   for (const std::string& name : tablesOf(options.model)) {
@@ -150,7 +150,7 @@ std::string chunkWord(int size) {
 }
 
 std::string inputsDifference(std::string_view one, std::string_view other) {
-  for (const Part& part : kParts) {
+  for (const Word& part : kWords) {
     if (wordOf(one, part.key) != wordOf(other, part.key)) {
       return part.difference;
     }

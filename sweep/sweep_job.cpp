@@ -200,12 +200,13 @@ ChunkSolver& SweepJob::solver() {
 }
 
 void SweepJob::prepare(const std::string& folder) {
+  if (folder.empty()) throw Failure("the folder of the parts has no name");
   ChunkSolver& solver = this->solver();
-  if (isPrepared_) return;
+  if (preparedIn_ == folder) return;
   const PartFolder parts(folder, key_);
   parts.make();
   solver.prepare(parts.basis());
-  isPrepared_ = true;
+  preparedIn_ = folder;
 }
 
 bool SweepJob::solve(const std::string& folder, int chunk) {

@@ -66,7 +66,7 @@ class SweepJob {
   std::unique_ptr<ChunkSolver> solver_;
   std::atomic<ChunkSolver*> running_ = nullptr;  // solver_, for stop()
   std::atomic<bool> stopped_ = false;
-  bool isPrepared_ = false;
+  std::string preparedIn_;  // folder whose basis chunks start from; empty: none yet
   std::map<int, std::string> skipped_;
   std::unique_ptr<Explanation> explanation_;
   Watch watch_;

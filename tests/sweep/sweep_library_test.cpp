@@ -130,6 +130,8 @@ TEST_F(SweepLibraryTest, PartsOfSeveralChunksGiveTheSameResult) {
   }
   EXPECT_EQ(parts("one").size(), 5U);
   EXPECT_EQ(parts("two").size(), 3U);
+  EXPECT_EQ(read(path("one/" + sweep.key() + ".basis")),
+            read(path("two/" + sweep.key() + ".basis")));
   for (const char* folder : {"one", "two"}) {
     sweep.find(path(folder));
     sweep.collect(path(std::string(folder) + ".rxf"));
@@ -229,6 +231,7 @@ TEST_F(SweepLibraryTest, WhatIsRefused) {
   EXPECT_EQ(errorOf([&] { sweep.option("over", "t"); }), "over: the sweep is open already");
   EXPECT_EQ(errorOf([&] { sweep.solve(path("parts"), 2); }),
             "there is no chunk 2: the sweep has 2");
+  EXPECT_EQ(errorOf([&] { sweep.solve("", 0); }), "the folder of the parts has no name");
   EXPECT_EQ(errorOf([&] { sweep.skip(4, ""); }), "there is no scenario 4");
   EXPECT_EQ(errorOf([&] { (void)sweep.chunk(2); }), "there is no chunk 2");
   EXPECT_EQ(errorOf([&] { (void)sweep.scenario(-1); }), "there is no scenario -1");

@@ -9,7 +9,19 @@ import signal
 import subprocess
 import tempfile
 from pathlib import Path as FilePath
-from typing import TYPE_CHECKING, Any, Iterator, List, Mapping, Optional, Sequence, Union
+from typing import (
+    TYPE_CHECKING,
+    Any,
+    Callable,
+    Dict,
+    Iterator,
+    List,
+    Mapping,
+    Optional,
+    Sequence,
+    Tuple,
+    Union,
+)
 
 from . import arguments, fills
 from .database import Database
@@ -125,6 +137,11 @@ def sweep(
     out: Optional[Path] = None,
     data: Union[None, Path, Database, Mapping[str, Any]] = None,
     model_data: Optional[Path] = None,
+    chunk: Optional[int] = None,
+    time_limit: Optional[float] = None,
+    client: Any = None,
+    parts: Optional[Path] = None,
+    progress: Optional[Callable[[Dict[str, Any]], None]] = None,
 ) -> SweepResult:
     """Solves a model for each element of the set ``over``, by ``jobs`` processes.
 
@@ -137,7 +154,14 @@ def sweep(
     in the file ``out``, or in one that goes with the result; with ``resume`` those that an
     interrupted sweep left in ``out`` are kept. A scenario without a solution is no error: its
     status tells. ``data`` and ``model_data`` are those of :meth:`Model.open`. Ctrl-C ends the sweep,
-    and what was solved can be resumed.
+    and what was solved can be resumed. ``chunk`` is the number of scenarios of a chunk, ``time_limit``
+    the seconds that a solve may take.
+
+    With ``client``, a client of Dask, its workers solve the chunks in the place of processes of this
+    machine; each needs the package, and the files of the sweep under the same names. Their results
+    come back over the network, or stand in the folder ``parts`` that all of them see. ``progress``
+    is called now and then with a dict of ``done``, ``count``, ``rate``, ``seconds_left``,
+    ``failures`` and ``workers``.
 
     This is ``ztb sweep``, whose page in the reference tells the rest; its program is found beside
     the package or on ``PATH``.
@@ -178,8 +202,8 @@ def sweep(
         source = os.fspath(scenarios)
         # What is missing or damaged is told here, by its kind of error.
         Database(source).close()
-    command = [_program(), "sweep", os.fspath(file), "--scenarios", source, "--over", over]
-    command += ["--out", target, "--jobs", str(jobs)]
+    if client is None and progress is not None:
+        raise ValueError("progress is told of a sweep with a client")
     if isinstance(data, Mapping) and not isinstance(data, Database):
         data = fills.database_of(data)
     if isinstance(data, Database):
@@ -190,19 +214,40 @@ def sweep(
         if model_data is not None:
             raise ValueError(f"{os.fspath(data)} is no .rxf file, and model_data is given")
         data, model_data = None, data
-    if data is not None:
-        command += ["--data", os.fspath(data)]
-    if model_data is not None:
-        command += ["--model-data", os.fspath(model_data)]
-    if solver is not None:
-        command += ["--solver", solver]
-    for name in reports:
-        command += ["--report", name]
-    for statement in statements:
-        command += ["--drive", statement]
+    options = [("model", os.fspath(file)), ("scenarios", source), ("over", over)]
+    for name, value in (
+        ("data", data), ("model-data", model_data), ("solver", solver), ("chunk", chunk),
+        ("time-limit", time_limit),
+    ):  # fmt: skip
+        if value is not None:
+            options.append((name, str(value) if isinstance(value, (int, float)) else os.fspath(value)))
+    options += [("report", name) for name in dict.fromkeys(reports)]
+    options += [("drive", statement) for statement in statements]
+    if client is not None:
+        from . import cluster
+
+        folder_of_parts = None if parts is None else os.path.abspath(parts)
+        notes = cluster.sweep(
+            client, _absolute(options), os.path.abspath(target), _program(),
+            parts=folder_of_parts, resume=resume, progress=progress,
+        )  # fmt: skip
+        return SweepResult(target, over, folder, notes)
+    command = [_program(), "sweep", options[0][1], "--out", target, "--jobs", str(jobs)]
+    for name, value in options[1:]:
+        command += [f"--{name}", value]
+    if parts is not None:
+        command += ["--parts", os.fspath(parts)]
     if resume:
         command.append("--resume")
-    return SweepResult(target, over, folder, _run(command, target))
+    return SweepResult(target, over, folder, _run(command))
+
+
+def _absolute(options: List[Tuple[str, str]]) -> List[Tuple[str, str]]:
+    """Options with the names of files from the root on, as other processes take them."""
+    files = ("model", "scenarios", "data", "model-data")
+    return [
+        (name, os.path.abspath(value) if name in files else value) for name, value in options
+    ]
 
 
 def _written(model: Model, folder: str) -> str:
@@ -305,30 +350,21 @@ def _program() -> str:
     return found
 
 
-def _run(command: List[str], target: str) -> List[str]:
+def _run(command: List[str]) -> List[str]:
     """Runs the program; what it told. A run that leaves scenarios without a solution has results all
-    the same."""
-    before = _stamp(target)
+    the same, of which it prints a summary."""
     process = subprocess.Popen(
-        command, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.PIPE
+        command, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE
     )
     try:
-        errors = process.communicate()[1]
+        summary, errors = process.communicate()
     except BaseException:
         process.send_signal(signal.SIGINT)
         process.communicate()
         raise
     text = errors.decode("utf-8", "surrogateescape").strip()
     lines = [line[5:] if line.startswith("ztb: ") else line for line in text.splitlines()]
-    if process.returncode == 0 or (process.returncode == 1 and _stamp(target) != before):
+    if process.returncode == 0 or (process.returncode == 1 and summary):
         return lines
     kind = DamagedFileError if any(_DAMAGED.search(line) for line in lines) else Error
     raise kind("\n".join(lines) or f"ztb ended with {process.returncode}", "sweep")
-
-
-def _stamp(path: str) -> Any:
-    try:
-        status = os.stat(path)
-    except OSError:
-        return None
-    return status.st_ino, status.st_mtime_ns, status.st_size
