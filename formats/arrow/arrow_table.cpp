@@ -168,7 +168,6 @@ void ArrowTable::eachText(std::size_t column, const ArrowArray& batch, Take&& ta
 }
 
 void ArrowTable::readLabels(std::size_t column, const ArrowArray& batch, LabelColumn& labels) {
-  labels.rows.reserve(labels.rows.size() + static_cast<std::size_t>(batch.length));
   // The places of the labels of a dictionary that came up in this batch.
   std::vector<int> places;
   eachText(column, batch, [&](std::size_t row, std::optional<std::string_view> text, int entry) {

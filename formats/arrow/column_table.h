@@ -14,6 +14,13 @@ namespace formats {
 // once, in their first spelling.
 class LabelColumn {
  public:
+  LabelColumn() = default;
+  LabelColumn(LabelColumn&&) noexcept = default;
+  LabelColumn& operator=(LabelColumn&&) noexcept = default;
+  LabelColumn(const LabelColumn&) = delete;
+  LabelColumn& operator=(const LabelColumn&) = delete;
+  ~LabelColumn() = default;
+
   // The place of a label.
   int add(std::string_view label);
 
@@ -22,6 +29,8 @@ class LabelColumn {
   std::vector<int> rows;
 
  private:
+  int addOther(std::string_view label);
+
   struct Hash {
     using is_transparent = void;
     std::size_t operator()(std::string_view text) const {
@@ -33,6 +42,12 @@ class LabelColumn {
   std::vector<std::string> labels_;
   Places asWritten_;
   Places compared_;
+  // Some of asWritten_ by few of their bits, since most rows have one of few labels.
+  struct Recent {
+    const std::string* label = nullptr;
+    int place = 0;
+  };
+  std::vector<Recent> recent_;
 };
 
 // A label as a database compares it.

@@ -152,15 +152,15 @@ class ParquetFolderReader : public DatabaseReader {
   static void readLabels(const DuckdbRows& rows, std::size_t key, ColumnTable& table,
                          const std::string& path) {
     LabelColumn& labels = table.keys[key];
-    labels.rows.reserve(labels.rows.size() + rows.count());
     for (std::size_t row = 0; row < rows.count(); ++row) {
       const std::string_view text = rows.isNull(key, row) ? "" : rows.text(key, row);
+      const bool isNull = rows.isNull(key, row);
       const std::optional<std::string> plain =
           text.starts_with('\\') ? unspelled(text) : std::nullopt;
-      if (rows.isNull(key, row) || (text.starts_with('\\') && !plain)) {
+      if (isNull || (text.starts_with('\\') && !plain)) {
         throw tool::Failure(
             fmt::format("{}: row {}: {}", path, table.rowCount + row + 1,
-                        plain ? "a label is missing" : "is no label as it was written"));
+                        isNull ? "a label is missing" : "is no label as it was written"));
       }
       labels.rows.push_back(labels.add(plain ? *plain : text));
     }

@@ -185,6 +185,9 @@ TEST_F(ParquetTest, TellsAFileThatIsMissingCutOrOfOtherRows) {
   Job replaced({{"symbol", "price"}, {"to", price}});
   ASSERT_TRUE(replaced.exportFile(folder_.file("fewer.rxf"))) << replaced.errors(folder_);
   EXPECT_EQ(refusalOfFolder(), "dir/price.parquet: has 1 row, and 2 were written to it");
+  std::filesystem::copy_file(ZTB_PARQUET_FILES "/null_label.parquet", price,
+                             std::filesystem::copy_options::overwrite_existing);
+  EXPECT_EQ(refusalOfFolder(), "dir/price.parquet: row 2: a label is missing");
   writeFolder();
   std::filesystem::copy_file(folder_.file("dir/price.parquet"), folder_.file("dir/_labels.parquet"),
                              std::filesystem::copy_options::overwrite_existing);

@@ -1,22 +1,15 @@
-#include <fmt/format.h>
-#include <ztb/formats.h>
-
-#include <cstdio>
 #include <memory>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
-#include <ztb/display_text.hpp>
 
 #include "tools/commands/command_line.h"
 #include "tools/commands/commands.h"
+#include "tools/commands/made_file.h"
 #include "tools/commands/store_option.h"
 #include "tools/files/formats_library.h"
-#include "tools/files/standard_streams.h"
 #include "tools/text/failure.h"
-#include "tools/text/output.h"
-#include "tools/text/words.h"
 
 namespace tool {
 
@@ -45,22 +38,7 @@ void runImport(const ImportOptions& options) {
   if (options.checkDomains) job.option("check-domains", "");
   if (options.skipEmpty) job.option("skip-empty", "");
   job.option("max-errors", std::to_string(options.maxErrors));
-  job.option("progress", "");
-  OutputFile output(options.out);
-  job.option("shown-name", output.name());
-  try {
-    job.import(output.path());
-    output.finish();
-  } catch (const Failure&) {
-    std::fputs(job.warnings().c_str(), stderr);
-    std::fputs(job.problems().c_str(), stderr);
-    throw;
-  }
-  std::fputs(job.warnings().c_str(), stderr);
-  print(fmt::format("{}: {}, {}, {}\n", ztb::displayText(output.name()),
-                    counted(job.counted(ZTB_FORMATS_SYMBOLS), "symbol"),
-                    counted(job.counted(ZTB_FORMATS_LABELS), "label"),
-                    counted(job.counted(ZTB_FORMATS_RECORDS), "record")));
+  makeFile(job, options.out, [&job](const std::string& path) { job.import(path); });
 }
 
 // Adds an option whose place among those of the sources counts.

@@ -13,14 +13,22 @@
 
 namespace tool {
 
-void makeFile(FormatsJob& job, FormatsJob::Making making, const std::string& out) {
+void addFileAndOut(Command command, FileAndOut& files) {
+  command.text("FILE", files.file, "RXF file, - for standard input").required();
+  command.text("OUT", files.out, "RXF file to make, - for standard output; it may be FILE")
+      .required();
+}
+
+void makeFile(FormatsJob& job, const std::string& out,
+              const std::function<void(const std::string& path)>& make) {
   job.option("progress", "");
   OutputFile output(out);
   job.option("shown-name", output.name());
   try {
-    job.make(making, output.path());
+    make(output.path());
     output.finish();
   } catch (const Failure&) {
+    std::fputs(job.warnings().c_str(), stderr);
     std::fputs(job.problems().c_str(), stderr);
     throw;
   }
@@ -29,6 +37,10 @@ void makeFile(FormatsJob& job, FormatsJob::Making making, const std::string& out
                     counted(job.counted(ZTB_FORMATS_SYMBOLS), "symbol"),
                     counted(job.counted(ZTB_FORMATS_LABELS), "label"),
                     counted(job.counted(ZTB_FORMATS_RECORDS), "record")));
+}
+
+void makeFile(FormatsJob& job, FormatsJob::Making making, const std::string& out) {
+  makeFile(job, out, [&](const std::string& path) { job.make(making, path); });
 }
 
 }  // namespace tool

@@ -13,8 +13,7 @@ namespace tool {
 namespace {
 
 struct RenameOptions {
-  std::string file;
-  std::string out;
+  FileAndOut files;
   std::vector<std::string> symbols;
   std::vector<std::string> labels;
 };
@@ -24,9 +23,7 @@ struct RenameOptions {
 void addRenameCommand(CommandLine& line) {
   Command command = line.add("rename", "Give symbols and labels of a file other names");
   auto options = std::make_shared<RenameOptions>();
-  command.text("FILE", options->file, "RXF file, - for standard input").required();
-  command.text("OUT", options->out, "RXF file to make, - for standard output; it may be FILE")
-      .required();
+  addFileAndOut(command, options->files);
   command.texts("RENAME", options->symbols, "Names of a symbol: 'OLD = NEW'");
   command.texts("--label", options->labels, "The same of a label").typeName("'OLD = NEW'");
   addMemoryOption(command);
@@ -39,10 +36,10 @@ void addRenameCommand(CommandLine& line) {
       "  ztb rename diet.rxf diet.rxf --label 'Milk = Whole milk'");
   command.action([options] {
     FormatsJob job;
-    job.option("file", options->file);
+    job.option("file", options->files.file);
     for (const std::string& symbol : options->symbols) job.option("rename", symbol);
     for (const std::string& label : options->labels) job.option("label", label);
-    makeFile(job, FormatsJob::Making::rename, options->out);
+    makeFile(job, FormatsJob::Making::rename, options->files.out);
     return exitFine;
   });
 }

@@ -13,8 +13,7 @@ namespace tool {
 namespace {
 
 struct WhereOptions {
-  std::string file;
-  std::string out;
+  FileAndOut files;
   std::string condition;
   std::vector<std::string> symbols;
 };
@@ -24,9 +23,7 @@ struct WhereOptions {
 void addWhereCommand(CommandLine& line) {
   Command command = line.add("where", "Keep the records of a file that fulfil a condition");
   auto options = std::make_shared<WhereOptions>();
-  command.text("FILE", options->file, "RXF file, - for standard input").required();
-  command.text("OUT", options->out, "RXF file to make, - for standard output; it may be FILE")
-      .required();
+  addFileAndOut(command, options->files);
   command.text("--where", options->condition, "What the records to keep fulfil")
       .typeName("CONDITION")
       .notEmpty()
@@ -49,10 +46,10 @@ void addWhereCommand(CommandLine& line) {
       "  ztb where plan.rxf open.rxf --symbol buy --where 'level > 0 or marginal != 0'");
   command.action([options] {
     FormatsJob job;
-    job.option("file", options->file);
+    job.option("file", options->files.file);
     job.option("where", options->condition);
     for (const std::string& symbol : options->symbols) job.option("symbol", symbol);
-    makeFile(job, FormatsJob::Making::where, options->out);
+    makeFile(job, FormatsJob::Making::where, options->files.out);
     return exitFine;
   });
 }
