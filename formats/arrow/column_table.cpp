@@ -16,7 +16,7 @@ namespace {
 constexpr std::size_t mostRecent = 4096;
 
 // Cheap, and different for labels with another number at their end.
-std::size_t placeOf(std::string_view label) {
+std::size_t recentPlace(std::string_view label) {
   std::uint64_t first = 0;
   std::uint64_t last = 0;
   const std::size_t count = std::min(label.size(), sizeof first);
@@ -30,7 +30,7 @@ std::size_t placeOf(std::string_view label) {
 
 int LabelColumn::add(std::string_view label) {
   if (recent_.empty()) recent_.resize(mostRecent);
-  Recent& recent = recent_[label.empty() ? 0 : placeOf(label)];
+  Recent& recent = recent_[label.empty() ? 0 : recentPlace(label)];
   if (recent.label == nullptr || *recent.label != label) {
     const int place = addOther(label);
     recent = {.label = &asWritten_.find(label)->first, .place = place};
