@@ -132,7 +132,7 @@ class Chunks:
         """Of what was found, a line for each scenario whose solve failed or that is missing."""
         lines = []
         status, solve, objective = ctypes.c_int(), ctypes.c_int(), ctypes.c_double()
-        places = [ctypes.byref(place) for place in (status, solve, objective)]
+        places = (ctypes.byref(status), ctypes.byref(solve), ctypes.byref(objective))
         for number in range(self.scenario_count):
             found = self._library.ztbSweepOutcome(self._sweep, number, *places)
             if found == 2:

@@ -84,18 +84,37 @@ def _solve_into(
         raise Error(run.stderr.decode("utf-8", "replace").strip() or "the command left no part", "sweep")
 
 
+class World:
+    """What a run sees of time and of tasks that are done."""
+
+    def now(self) -> float:
+        return time.monotonic()
+
+    def rest(self, seconds: float) -> None:
+        time.sleep(seconds)
+
+    def completed(self) -> Any:
+        """Tasks that are done, in the order in which they are: add, has_ready and next."""
+        import distributed
+
+        completed: Any = distributed.as_completed
+        return completed()
+
+
 class Run:
     """One sweep that a client has solved."""
 
     def __init__(
         self,
         client: Any,
+        chunks: Any,
         options: Options,
         folder: str,
         program: str,
         shared: bool = False,
         progress: Optional[Callable[[Dict[str, Any]], None]] = None,
         window: int = WINDOW,
+        world: Optional[World] = None,
     ) -> None:
         self._client = client
         self._options = [tuple(option) for option in options]
@@ -104,12 +123,14 @@ class Run:
         self._shared = shared
         self._progress = progress
         self._window = window
-        self.chunks = Chunks(options)
+        self._world = World() if world is None else world
+        self.chunks = chunks
         self._basis = b""
         self._tries: Dict[int, int] = {}
         # Tasks that are handed out, with their chunks and since when, by their keys.
         self._out: Dict[str, Tuple[Any, int, float]] = {}
         self._left: Set[int] = set()
+        self._completed: Any = None
         self._doubled: Set[int] = set()
         self._took: List[float] = []
         self._done = 0
@@ -117,28 +138,26 @@ class Run:
 
     def solve(self, pending: Sequence[int]) -> None:
         """Has these chunks solved, and leaves their parts in the folder."""
-        from distributed import as_completed
-
         if not pending:
             return
         self.chunks.prepare(self._folder)
         self._basis = FilePath(self.chunks.basis(self._folder)).read_bytes()
-        self._start = time.monotonic()
+        self._start = self._world.now()
         self._count = sum(len(self.chunks.range(chunk)) for chunk in pending)
         waiting: Iterator[int] = iter(pending)
         self._left = set(pending)
         self._doubled = set()
-        self._completed = as_completed()
+        self._completed = self._world.completed()
         for _, chunk in zip(range(self._window), waiting):
             self._hand_out(chunk)
         try:
             while self._left:
                 if not self._completed.has_ready():
-                    time.sleep(_LOOK)
+                    self._world.rest(_LOOK)
                     self._double()
                     continue
-                chunk = self._receive(next(self._completed))
-                following = next(waiting, None) if chunk is not None else None
+                done = self._receive(next(self._completed))
+                following = next(waiting, None) if done is not None else None
                 if following is not None:
                     self._hand_out(following)
         finally:
@@ -147,7 +166,7 @@ class Run:
 
     def _hand_out(self, chunk: int, careful: bool = False, again: str = "") -> None:
         future = self._submit(chunk, careful, again)
-        self._out[future.key] = (future, chunk, time.monotonic())
+        self._out[future.key] = (future, chunk, self._world.now())
         self._completed.add(future)
 
     def _receive(self, future: Any) -> Optional[int]:
@@ -160,7 +179,7 @@ class Run:
             return None
         self._take(chunk, future.result())
         self._left.discard(chunk)
-        self._took.append(time.monotonic() - begun)
+        self._took.append(self._world.now() - begun)
         self._tell(chunk)
         return chunk
 
@@ -211,7 +230,7 @@ class Run:
         if not self._took or len(self._out) >= 2 * max(1, workers):
             return
         usual = statistics.median(self._took[-_LOOKED_AT:])
-        now = time.monotonic()
+        now = self._world.now()
         for _, chunk, begun in list(self._out.values()):
             if chunk in self._left and chunk not in self._doubled:
                 if now - begun > max(_LEAST, STRAGGLES * usual):
@@ -222,7 +241,7 @@ class Run:
         self._done += len(self.chunks.range(chunk))
         if self._progress is None:
             return
-        seconds = time.monotonic() - self._start
+        seconds = self._world.now() - self._start
         rate = self._done / max(seconds, 1e-9)
         self._progress(
             {
@@ -250,8 +269,8 @@ def sweep(
     is a folder that all workers see; without it parts come back as bytes."""
     folder = parts if parts is not None else out + ".parts"
     os.makedirs(folder, exist_ok=True)
-    run = Run(client, options, folder, program, parts is not None, progress)
-    chunks = run.chunks
+    chunks = Chunks(options)
+    run = Run(client, chunks, options, folder, program, parts is not None, progress)
     try:
         result = None
         if resume and os.path.exists(out):

@@ -1,0 +1,181 @@
+#!/usr/bin/env python3
+"""How a sweep goes on clusters of up to a thousand workers that are lost: the rules of ztb.cluster
+(windows, retries, stragglers) under a clock and a scheduler that are played, from a seed.
+
+    cluster_simulation.py [WORKERS]...
+
+Prints the efficiency for each number of workers at losses of 1 % and 10 %: the time that solving
+takes without any loss, over the time that the workers were there.
+"""
+
+import heapq
+import itertools
+import os
+import random
+import sys
+from collections import Counter, deque
+
+from distributed.scheduler import KilledWorker
+
+from ztb import cluster
+
+CHUNKS_A_WORKER = 40
+SCENARIOS = 10  # of a chunk
+SECONDS = 60.0  # of a chunk, half to one and a half times
+SLOW = (0.01, 8.0)  # so many chunks take so many times as long where they are solved first
+RESTART = 30.0
+DEATHS = 3  # under a chunk, that the scheduler allows
+
+
+class Chunks:
+    key = "0123456789abcdef"
+
+    def __init__(self, count):
+        self.count = count
+
+    def prepare(self, folder):
+        pass
+
+    def basis(self, folder):
+        return os.devnull
+
+    def range(self, chunk):
+        return range(chunk * SCENARIOS, (chunk + 1) * SCENARIOS)
+
+    def scenario(self, number):
+        return f"s{number}"
+
+
+class Future:
+    def __init__(self, key, chunk, careful):
+        self.key, self.chunk, self.careful = key, chunk, careful
+        self.status, self.deaths, self.failure = "pending", 0, None
+
+    def result(self):
+        return b""
+
+    def exception(self):
+        return self.failure
+
+
+class Cluster(cluster.World):
+    """Client, scheduler, workers, and the clock of all."""
+
+    def __init__(self, workers, losses, seed):
+        self.random = random.Random(seed)
+        self.losses = losses
+        self.idle = workers
+        self.workers = workers
+        self.time = 0.0
+        self.events = []  # time, number, what happens then
+        self.queue = deque()
+        self.ready = deque()
+        self.cancelled = set()
+        self.begun = Counter()
+        self.takes = {}
+        self.numbers = itertools.count()
+
+    # What a run asks a client.
+    def submit(self, task, options, key_of_sweep, chunk, *more, key, pure):
+        future = Future(key, chunk, careful=bool(more[-1]))
+        self.queue.append(future)
+        self.start()
+        return future
+
+    def cancel(self, futures, force):
+        self.cancelled |= {future.key for future in futures}
+
+    def scheduler_info(self):
+        return {"workers": range(self.workers)}
+
+    # What it sees of the world.
+    def now(self):
+        return self.time
+
+    def rest(self, seconds):
+        # No rule looks closer than at a second.
+        until = self.time + 1.0
+        if self.events and self.events[0][0] <= until:
+            until, _, happens = heapq.heappop(self.events)
+            happens()
+        self.time = max(self.time, until)
+        self.start()
+
+    def completed(self):
+        return self
+
+    def add(self, future):
+        pass
+
+    def has_ready(self):
+        return bool(self.ready)
+
+    def __next__(self):
+        return self.ready.popleft()
+
+    # The scheduler and its workers.
+    def at(self, time, happens):
+        heapq.heappush(self.events, (time, next(self.numbers), happens))
+
+    def usual(self, chunk):
+        return self.takes.setdefault(chunk, SECONDS * self.random.uniform(0.5, 1.5))
+
+    def start(self):
+        while self.idle and self.queue:
+            future = self.queue.popleft()
+            self.idle -= 1
+            takes = self.usual(future.chunk)
+            if self.begun[future.chunk] == 0 and self.random.random() < SLOW[0]:
+                takes *= SLOW[1]
+            self.begun[future.chunk] += 1
+            if self.random.random() < self.losses:
+                lost = self.time + takes * self.random.random()
+                self.at(lost, lambda future=future: self.lose(future))
+            else:
+                self.at(self.time + takes, lambda future=future: self.finish(future))
+
+    def finish(self, future):
+        self.idle += 1
+        future.status = "finished"
+        self.ready.append(future)
+
+    def lose(self, future):
+        self.at(self.time + RESTART, self.join)
+        future.deaths += 1
+        if future.deaths <= DEATHS:
+            self.queue.appendleft(future)
+        else:
+            future.status, future.failure = "error", KilledWorker(future.key, "worker", DEATHS)
+            self.ready.append(future)
+
+    def join(self):
+        self.idle += 1
+
+
+class Run(cluster.Run):
+    """Keeps which chunks were taken."""
+
+    def _take(self, chunk, part):
+        self.taken.append(chunk)
+
+
+def simulate(workers, losses, seed=1):
+    """The efficiency, and the chunks in the order in which their results were taken."""
+    played = Cluster(workers, losses, seed)
+    count = workers * CHUNKS_A_WORKER
+    run = Run(played, Chunks(count), [], "", "ztb", True, None, cluster.WINDOW, played)
+    run.taken = []
+    run.solve(range(count))
+    ideal = sum(played.usual(chunk) for chunk in range(count))
+    return ideal / (workers * played.time), run.taken
+
+
+def main():
+    print("workers  losses of 1 %  losses of 10 %")
+    for workers in [int(word) for word in sys.argv[1:]] or [10, 100, 1000]:
+        found = [simulate(workers, losses)[0] for losses in (0.01, 0.1)]
+        print(f"{workers:>7}  {found[0]:>13.2f}  {found[1]:>14.2f}")
+
+
+if __name__ == "__main__":
+    main()
