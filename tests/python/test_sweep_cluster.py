@@ -137,7 +137,7 @@ def test_processes_of_a_scheduler_and_workers(inputs, tmp_path):
     try:
         for arguments in (
             ["distributed.cli.dask_scheduler", "--port", "0", "--no-dashboard"],
-            ["distributed.cli.dask_worker", "--nthreads", "1", "--no-dashboard"],
+            ["distributed.cli.dask_worker", "--nthreads", "1", "--no-nanny", "--no-dashboard"],
         ):
             started.append(
                 subprocess.Popen(
