@@ -57,44 +57,36 @@ TEST(ArrowWrapper, ReleasesAStreamOnceWhoeverReadIt) {
 }
 
 TEST(ArrowWrapper, ThrowsWhatIsWrongAndChangesNothing) {
-                              ztb::Database database;
-                              ztb::Symbol price = database.addParameter("price", {"food"});
-                              price.add("Milk").setLevel(2);
-                              const auto data = [](HandMade& made) {
-                                return ztb::ArrowStream(*made.stream());
-                              };
-                              HandMade missing;
-                              missing.add(Column::texts("food", {"Milk", "Tofu"}))
-                                  .add(Column::doubles("value", {1, 2}, {false, true}));
-                              try {
-                                ztb::fillFromArrow(price, data(missing));
-                                FAIL() << "nothing is thrown";
-                              } catch (const ztb::Error& error) {
-                                EXPECT_STREQ(error.operation(), "ztbArrowFill");
-                                EXPECT_EQ(std::string(error.text()),
-                                          "column value, row 1: a value is missing");
-                              }
-                              EXPECT_EQ(price.recordCount(), 1);
-                              EXPECT_EQ(price.find("Milk")->level(), 2);
-                              HandMade skipped;
-                              skipped.add(Column::doubles("value", {1, 2}, {false, true}))
-                                  .add(Column::texts("food", {"Tofu", "Milk"}));
-                              ztb::fillFromArrow(
-                                  price, data(skipped),
-                                  {.keys = {"food"}, .nulls = ZTB_ARROW_NULLS_SKIPPED});
-                              EXPECT_EQ(price.recordCount(), 1);
-                              EXPECT_EQ(price.find("Tofu")->level(), 1);
-                              HandMade again;
-                              again.add(Column::texts("food", {"Milk"}));
-                              EXPECT_THROW(ztb::fromArrow(database, "price", data(again)),
-                                           ztb::Error);
-                              HandMade set;
-                              set.add(Column::texts("i", {"Milk"}))
-                                  .add(Column::texts("value", {"Tofu"}));
-                              const ztb::Symbol pairs =
-                                  ztb::fromArrow(database, "pairs", data(set), {}, ZTB_SET);
-                              EXPECT_EQ(pairs.type(), ztb::Type::set);
-                              EXPECT_TRUE(pairs.find("Milk", "Tofu").has_value());
-                            }
+  ztb::Database database;
+  ztb::Symbol price = database.addParameter("price", {"food"});
+  price.add("Milk").setLevel(2);
+  const auto data = [](HandMade& made) { return ztb::ArrowStream(*made.stream()); };
+  HandMade missing;
+  missing.add(Column::texts("food", {"Milk", "Tofu"}))
+      .add(Column::doubles("value", {1, 2}, {false, true}));
+  try {
+    ztb::fillFromArrow(price, data(missing));
+    FAIL() << "nothing is thrown";
+  } catch (const ztb::Error& error) {
+    EXPECT_STREQ(error.operation(), "ztbArrowFill");
+    EXPECT_EQ(std::string(error.text()), "column value, row 1: a value is missing");
+  }
+  EXPECT_EQ(price.recordCount(), 1);
+  EXPECT_EQ(price.find("Milk")->level(), 2);
+  HandMade skipped;
+  skipped.add(Column::doubles("value", {1, 2}, {false, true}))
+      .add(Column::texts("food", {"Tofu", "Milk"}));
+  ztb::fillFromArrow(price, data(skipped), {.keys = {"food"}, .nulls = ZTB_ARROW_NULLS_SKIPPED});
+  EXPECT_EQ(price.recordCount(), 1);
+  EXPECT_EQ(price.find("Tofu")->level(), 1);
+  HandMade again;
+  again.add(Column::texts("food", {"Milk"}));
+  EXPECT_THROW(ztb::fromArrow(database, "price", data(again)), ztb::Error);
+  HandMade set;
+  set.add(Column::texts("i", {"Milk"})).add(Column::texts("value", {"Tofu"}));
+  const ztb::Symbol pairs = ztb::fromArrow(database, "pairs", data(set), {}, ZTB_SET);
+  EXPECT_EQ(pairs.type(), ztb::Type::set);
+  EXPECT_TRUE(pairs.find("Milk", "Tofu").has_value());
+}
 
-                            }  // namespace
+}  // namespace
