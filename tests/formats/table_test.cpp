@@ -371,7 +371,7 @@ TEST_F(TableTest, WritesWideTables) {
 
 TEST_F(TableTest, WritesManyRecordsInTheirOrder) {
   // More than a block, written by several threads.
-  constexpr int records = 200000;
+  constexpr int records = 100000;
   ztb::Database database;
   std::vector<int> keys{0, database.mergeLabel("a;\"b\"")};
   const std::string quoted = "\"a;\"\"b\"\"\"";
