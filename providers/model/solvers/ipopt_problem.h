@@ -27,6 +27,12 @@ class IpoptProblem : public Ipopt::TNLP {
   // The products of columns that both move.
   [[nodiscard]] const std::vector<SolverProduct>& curved() const { return curved_; }
 
+  // Ours, by Ipopt's number; the columns beyond them are those that stand in no row.
+  [[nodiscard]] const std::vector<int>& moving() const { return moving_; }
+  [[nodiscard]] const std::vector<int>& rows() const { return rows_; }
+
+  // Takes levels of Ipopt's columns over, for level().
+  void takePoint(const double* x);
   // What Ipopt left: levels of all columns, marginals of all rows, iterations.
   [[nodiscard]] const std::vector<double>& level() const { return level_; }
   [[nodiscard]] const std::vector<double>& rowMarginal() const { return rowMarginal_; }
@@ -74,7 +80,6 @@ class IpoptProblem : public Ipopt::TNLP {
   void findMoving();
   void findRows();
   void addJacobian(int row, int column, double value, int factor);
-  void takePoint(const double* x);
   [[nodiscard]] int columnCount() const { return static_cast<int>(moving_.size()) + padding_; }
 
   const SolverProblem& problem_;

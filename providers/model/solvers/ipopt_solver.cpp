@@ -4,13 +4,12 @@
 #include <algorithm>
 #include <cmath>
 #include <exception>
-#include <mutex>
 
 #include "providers/model/solvers/column_by_column.h"
 #include "providers/model/solvers/convexity.h"
 #include "providers/model/solvers/ipopt_problem.h"
+#include "providers/model/solvers/ipopt_turn.h"
 #include "providers/model/solvers/point_check.h"
-#include "providers/model/solvers/solver_face.h"
 
 namespace lomu {
 
@@ -25,9 +24,6 @@ constexpr double kDiverged = 1e12;
 constexpr int kMostIterations = 10000;
 // Nothing linear that Ipopt solves takes more than a few dozen.
 constexpr int kMostLinearIterations = 500;
-
-// Ipopt's linear solver keeps its state in variables of the process: one run at a time.
-std::mutex turn;
 
 Position positionOf(double level, double lower, double upper) {
   const auto near = [&](double side) {
@@ -145,7 +141,7 @@ IpoptSolver::Run IpoptSolver::run(const SolverProblem& problem, Watch& watch,
     return run;
   }
 
-  std::unique_lock<std::mutex> lock(turn, std::defer_lock);
+  std::unique_lock<std::mutex> lock(*ztbIpoptTurn(), std::defer_lock);
   if (!watch.waitFor(lock)) {
     run.outcome = watch.reason();
     return run;
@@ -270,7 +266,3 @@ void IpoptSolver::leavePositions(SolverResult& result) const {
 }
 
 }  // namespace lomu
-
-const ztbSolverFunctions* ztbSolverLibrary() {
-  return &lomu::solverFunctions<lomu::IpoptSolver>;
-}
