@@ -86,7 +86,7 @@ if(ZTB_BUILD_PYTHON)
     RECOMMENDS "python3-pandas, ztb-solvers"
     CONTROL ${package_sources}/python3-ztb/postinst ${package_sources}/python3-ztb/prerm)
 endif()
-ztb_package(solvers ztb-solvers math "solver libraries for ZTB: Clp, Cbc, GLPK, Ipopt"
+ztb_package(solvers ztb-solvers math "solver libraries for ZTB: Clp, Cbc, GLPK, Ipopt, Bonmin"
   DESCRIPTION "${about_ztb}\nThis package holds what ties ZTB to the solvers."
   DEPENDS ${same_version}
   CONTROL ${package_sources}/libztb5/triggers)

@@ -29,7 +29,7 @@ if ztb solve diet.lp --solver clp >log 2>&1; then
 fi
 
 apt-get install -qq -y --no-install-recommends ../ztb-solvers_*.deb >/dev/null
-for solver in clp cbc glpk ipopt; do
+for solver in clp cbc glpk ipopt bonmin; do
   ztb solve diet.lp --solver $solver | grep -Eq '^objective +39\.66' ||
     fail "$solver does not solve the diet"
 done

@@ -11,8 +11,8 @@
  *
  * A model is used by one thread at a time, together with the database that it is tied to, but for
  * ztbModelTerminate; both may go from one thread to another. Two threads may open, build and solve
- * two models at the same time. Ipopt solves one model at a time in a process, the others wait;
- * GLPK begins afresh when a live solver comes to another thread.
+ * two models at the same time. Ipopt and Bonmin solve one model at a time in a process, the others
+ * wait; GLPK begins afresh when a live solver comes to another thread.
  */
 #ifndef ZTB_MODEL_H_
 #define ZTB_MODEL_H_
@@ -323,6 +323,11 @@ int ztbModelWrite(ztbModel* model, const char* file);
 
 /* 1 if the catalogue file can be read, else 0 with the file, the line and what is wrong with it. */
 int ztbCatalogueCheck(const char* file, char* message, int messageSize);
+
+/* 1 if the catalogue file names the solver, letters in any case, and its library can be opened, else
+ * 0 with the solvers that it names, or with what cannot be opened and the Debian package that has
+ * it. A library without a directory is looked for beside the file. */
+int ztbCatalogueSolver(const char* file, const char* solver, char* message, int messageSize);
 
 #ifdef __cplusplus
 }

@@ -289,8 +289,7 @@ enum class Action { fix = 0, upper = 1, lower = 2, bounds = 3, level = 4, margin
 enum class Missing { zero = 0, base = 1, keep = 2 };
 
 // The solver for models of a kind, as Model::kind() gives it: clp for linear ones, cbc with integer
-// columns, ipopt with products of columns that can move. Null where none of the catalogue that
-// comes with ZTB fits: for integers and products together.
+// columns, ipopt with products of columns that can move, bonmin with both.
 inline const char* standardSolver(int kind) noexcept {
   switch (kind) {
     case ztbKindLinear:
@@ -300,7 +299,7 @@ inline const char* standardSolver(int kind) noexcept {
     case ztbKindQuadratic:
       return "ipopt";
     default:
-      return nullptr;
+      return "bonmin";
   }
 }
 
@@ -341,17 +340,8 @@ class ModelTie {
   // The kind of the model with the bounds that the last update left, where it wrote any.
   [[nodiscard]] int kind() const { return boundsCount_ ? model_->updatedKind() : model_->kind(); }
 
-  // Solves with the solver for this kind of model, as the command and Python do. Throws where none
-  // fits.
-  double solve() {
-    const char* const solver = standardSolver(kind());
-    if (solver == nullptr) {
-      throw Error("ztbCallSolverTimed",
-                  "The model has integer columns and products of columns that can move; no solver "
-                  "of the catalogue that comes with ZTB takes both, name one that does");
-    }
-    return solve(solver);
-  }
+  // Solves with the solver for this kind of model, as the command and Python do.
+  double solve() { return solve(standardSolver(kind())); }
   // Solves and gives the processor time that the solver took, in seconds. A solver that finds no
   // solution has solved: Model::status tells. Symbols of the model have the new solution
   // afterwards. The error of a solver that did not solve says so, and behind that what the library
@@ -359,6 +349,7 @@ class ModelTie {
   double solve(const ZString& solver) {
     double seconds = 0;
     if (c__ztbcallsolvertimed(database_->handle(), solver.c_str(), &seconds) == 0) {
+      if (database_->lastErrorKind() == ErrorKind::notFound) failName(solver);
       if (database_->lastErrorKind() != ErrorKind::solver) {
         fail("ztbCallSolverTimed", "");
       }
@@ -370,15 +361,28 @@ class ModelTie {
   }
 
  private:
-  // A catalogue that cannot be read gets its line and reason.
-  [[noreturn]] void failUpdate() const {
-    std::array<char, ZTB_TEXT_BUFFER_SIZE> directory{};
-    std::array<char, ZTB_TEXT_BUFFER_SIZE> reason{};
+  using Reason = std::array<char, ZTB_TEXT_BUFFER_SIZE>;
+  [[nodiscard]] std::string catalogueFile() const {
+    Reason directory{};
     ztbModelGetOption(model_->handle(), "NameSysDir", directory.data(),
                       static_cast<int>(directory.size()));
-    const std::string file = std::string(directory.data()) + "vltcmpNT.txt";
-    ztbCatalogueCheck(file.c_str(), reason.data(), static_cast<int>(reason.size()));
+    return std::string(directory.data()) + "vltcmpNT.txt";
+  }
+  // A catalogue that cannot be read gets its line and reason.
+  [[noreturn]] void failUpdate() const {
+    Reason reason{};
+    ztbCatalogueCheck(catalogueFile().c_str(), reason.data(), static_cast<int>(reason.size()));
     fail("ztbInitUpdate", reason.data());
+  }
+  // A name that is none gets the names that there are, one without its library what is missing.
+  [[noreturn]] void failName(const ZString& solver) const {
+    Reason reason{};
+    ztbCatalogueSolver(catalogueFile().c_str(), solver.c_str(), reason.data(),
+                       static_cast<int>(reason.size()));
+    fail("ztbCallSolverTimed", reason.data(),
+         kind() == ztbKindMixedIntegerQuadratic && std::string_view(solver.c_str()) == "bonmin"
+             ? "The model has integer columns and products of columns that can move. "
+             : "");
   }
   // The library's text, with `more` behind it where that says more, and plain words in front.
   [[noreturn]] void fail(const char* operation, const std::string& more,

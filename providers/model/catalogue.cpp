@@ -127,12 +127,32 @@ Catalogue Catalogue::parse(std::string_view text, const std::string& file,
   return catalogue;
 }
 
-int Catalogue::number(std::string_view name) const {
+const CatalogueRow* Catalogue::named(std::string_view name) const {
   const auto found = std::find_if(rows_.begin(), rows_.end(), [&](const CatalogueRow& row) {
     return ztb::sameFolded(row.name, name);
   });
-  if (found == rows_.end() || !SolverLibrary::canOpen(found->library)) return 0;
-  return static_cast<int>(found - rows_.begin()) + 1;
+  return found == rows_.end() ? nullptr : &*found;
+}
+
+int Catalogue::number(std::string_view name) const {
+  const CatalogueRow* const found = named(name);
+  if (found == nullptr || !SolverLibrary::canOpen(found->library)) return 0;
+  return static_cast<int>(found - rows_.data()) + 1;
+}
+
+std::string Catalogue::whyNot(std::string_view name) const {
+  if (const CatalogueRow* const found = named(name)) return SolverLibrary::whyNot(found->library);
+  if (rows_.size() == 1) return "the only solver is " + rows_.front().name;
+  std::string text = "the solvers are ";
+  for (const CatalogueRow& row : rows_) {
+    if (&row == &rows_.back()) {
+      text += " and ";
+    } else if (&row != &rows_.front()) {
+      text += ", ";
+    }
+    text += row.name;
+  }
+  return text;
 }
 
 const CatalogueRow* Catalogue::row(int number) const {

@@ -36,11 +36,16 @@ class Catalogue {
 
   // The number of a solver whose library can be opened, from 1; 0 for any other name.
   [[nodiscard]] int number(std::string_view name) const;
+  // Why a solver has no number: what other names there are, or why its library cannot be opened.
+  // Empty when it has one.
+  [[nodiscard]] std::string whyNot(std::string_view name) const;
   // The row of a number; null when there is none.
   [[nodiscard]] const CatalogueRow* row(int number) const;
   [[nodiscard]] const std::vector<CatalogueRow>& rows() const { return rows_; }
 
  private:
+  [[nodiscard]] const CatalogueRow* named(std::string_view name) const;
+
   std::vector<CatalogueRow> rows_;
 };
 

@@ -486,6 +486,22 @@ MODEL_EXPORT int ztbModelWrite(ztbModel* model, const char* file) {
   });
 }
 
+MODEL_EXPORT int ztbCatalogueSolver(const char* file, const char* solver, char* message,
+                                    int messageSize) {
+  copyText("", message, messageSize);
+  return attempt(
+      [&] {
+        if (file == nullptr) throw ModelError("no catalogue file was named");
+        if (solver == nullptr) throw ModelError("no solver was named");
+        const std::string path = file;
+        const lomu::Catalogue catalogue =
+            lomu::Catalogue::read(path, path.substr(0, path.rfind('/') + 1));
+        const std::string reason = catalogue.whyNot(solver);
+        if (!reason.empty()) throw ModelError(reason);
+      },
+      [&](const char* text) { copyText(text, message, messageSize); });
+}
+
 MODEL_EXPORT int ztbCatalogueCheck(const char* file, char* message, int messageSize) {
   copyText("", message, messageSize);
   return attempt(

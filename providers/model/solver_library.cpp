@@ -1,6 +1,7 @@
 #include "providers/model/solver_library.h"
 
 #include <dlfcn.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
@@ -8,6 +9,8 @@
 #include <map>
 #include <mutex>
 #include <new>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "providers/model/model_error.h"
@@ -126,14 +129,36 @@ class LibrarySolver : public Solver {
   std::vector<std::int32_t> position_, rowPosition_;
 };
 
+// Of each library of ours the package of the solver behind it.
+constexpr std::array<std::pair<std::string_view, std::string_view>, 5> kPackages{{
+    {"libztbclp.so", "coinor-libclp1"},
+    {"libztbcbc.so", "coinor-libcbc3"},
+    {"libztbglpk.so", "libglpk40"},
+    {"libztbipopt.so", "coinor-libipopt1v5"},
+    {"libztbbonmin.so", "coinor-libbonmin4"},
+}};
+
+std::string packageOf(const std::string& path) {
+  const auto found =
+      std::ranges::find(kPackages, std::string_view(path).substr(path.rfind('/') + 1),
+                        &std::pair<std::string_view, std::string_view>::first);
+  if (found == kPackages.end()) return "";
+  const std::string package(access(path.c_str(), F_OK) == 0 ? found->second : "ztb-solvers");
+  return " (package " + package + ")";
+}
+
 }  // namespace
 
 bool SolverLibrary::canOpen(const std::string& path) {
+  return whyNot(path).empty();
+}
+
+std::string SolverLibrary::whyNot(const std::string& path) {
   try {
     open(path);
-    return true;
-  } catch (const ModelError&) {
-    return false;
+    return "";
+  } catch (const ModelError& error) {
+    return error.what() + packageOf(path);
   }
 }
 

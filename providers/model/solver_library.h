@@ -13,6 +13,9 @@ class SolverLibrary {
  public:
   // Whether there is a solver library, of whatever version.
   static bool canOpen(const std::string& path);
+  // Why there is none, and the Debian package that has what is missing where it is one of ours;
+  // empty when there is one.
+  static std::string whyNot(const std::string& path);
 
   // A new solver of the library. Throws std::bad_alloc, and ModelError with the reason: a library
   // of another version of the interface, say. Of the solver's functions, none throws anything but

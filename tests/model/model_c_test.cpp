@@ -10,6 +10,8 @@
 #include <limits>
 #include <string>
 
+#include "tests/support/temp_folder.h"
+
 namespace {
 
 constexpr double kInf = std::numeric_limits<double>::infinity();
@@ -343,6 +345,34 @@ TEST(CatalogueCheck, TellsFileAndLine) {
   EXPECT_STREQ(message.data(), ".: the solver catalogue cannot be read or is empty");
   EXPECT_EQ(ztbCatalogueCheck(nullptr, message.data(), 200), 0);
   EXPECT_STREQ(message.data(), "no catalogue file was named");
+}
+
+TEST(CatalogueSolver, TellsWhatThereIs) {
+  std::array<char, 400> message{};
+  EXPECT_EQ(ztbCatalogueSolver("no/such", "clp", message.data(), 400), 0);
+  EXPECT_STREQ(message.data(), "no/such: the solver catalogue cannot be read or is empty");
+  EXPECT_EQ(ztbCatalogueSolver(nullptr, "clp", message.data(), 400), 0);
+  EXPECT_STREQ(message.data(), "no catalogue file was named");
+  const ztbtest::TempFolder folder;
+  const std::string file = folder.file("vltcmpNT.txt");
+  std::ofstream(file) << "gone LP yes libztbglpk.so\n";
+  EXPECT_EQ(ztbCatalogueSolver(file.c_str(), nullptr, message.data(), 400), 0);
+  EXPECT_STREQ(message.data(), "no solver was named");
+  EXPECT_EQ(ztbCatalogueSolver(file.c_str(), "clp", message.data(), 400), 0);
+  EXPECT_STREQ(message.data(), "the only solver is gone");
+  EXPECT_EQ(ztbCatalogueSolver(file.c_str(), "GONE", message.data(), 400), 0);
+  EXPECT_EQ(message.data(), "the solver cannot be opened: " + folder.file("libztbglpk.so") +
+                                ": cannot open shared object file: No such file or directory "
+                                "(package ztb-solvers)");
+  // One that is there, but not what it needs.
+  std::ofstream(folder.file("libztbglpk.so")) << "no library";
+  EXPECT_EQ(ztbCatalogueSolver(file.c_str(), "gone", message.data(), 400), 0);
+  EXPECT_THAT(message.data(), testing::EndsWith(" (package libglpk40)"));
+  std::ofstream(file) << "clp LP yes " ZTB_LIBRARY_FOLDER "/libztbclp.so\nb LP no b.so\n";
+  EXPECT_EQ(ztbCatalogueSolver(file.c_str(), "Clp", message.data(), 400), 1);
+  EXPECT_STREQ(message.data(), "");
+  EXPECT_EQ(ztbCatalogueSolver(file.c_str(), "x", message.data(), 400), 0);
+  EXPECT_STREQ(message.data(), "the solvers are clp and b");
 }
 
 TEST(Texts, NameTheStatuses) {

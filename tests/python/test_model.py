@@ -35,6 +35,9 @@ def plan(tmp_path):
     return ztb.Model.open(written(tmp_path, PLAN))
 
 
+SOLVERS = "the solvers are clp, cbc, glpk, ipopt and bonmin"
+
+
 # ---- opened ----
 
 
@@ -47,6 +50,31 @@ def test_a_file_is_solved(plan):
     assert solution["need"].loc[0, "marginal"] == pytest.approx(3)
     assert solution.levels("buy") == pytest.approx([3, 1])
     assert solution.symbol("buy")["y"].level == pytest.approx(1)
+
+
+def test_integers_with_products_are_solved(tmp_path):
+    # (x - 1.6)^2 + (y - 2.3)^2 less 7.85 over integers with x + 2 y <= 5: (1, 2), 0.45 away.
+    text = """Minimize
+ o: - 3.2 x - 4.6 y + [ 2 x ^ 2 + 2 y ^ 2 ] / 2
+Subject To
+ c: x + 2 y <= 5
+Bounds
+ x <= 9
+ y <= 9
+Generals
+ x y
+End
+"""
+    solution = ztb.Model.open(written(tmp_path, text)).solve()
+    assert (solution.status, solution.solver) == ("optimal", "bonmin")
+    assert solution.objective == pytest.approx(-7.4)
+    assert solution.levels("x") == [1] and solution.levels("y") == [2]
+    none = text.replace("x + 2 y <= 5", "2 x + 2 y = 3")
+    solution = ztb.Model.open(written(tmp_path, none)).solve(solver="bonmin")
+    assert solution.status == "infeasible"
+    text = text.replace("y <= 9", "y <= 9\n -9 <= z <= 9").replace("Generals\n x y", "sos1\n s: x:1 z:2")
+    with pytest.raises(ztb.Error, match="bonmin.*special ordered sets"):
+        ztb.Model.open(written(tmp_path, text)).solve(solver="bonmin")
 
 
 def test_a_file_that_is_none_is_told(tmp_path):
@@ -181,7 +209,7 @@ def test_what_the_model_has_not_is_told(plan):
     solution = plan.solve()
     with pytest.raises(KeyError):
         solution["sell"]
-    with pytest.raises(ztb.Error, match="Invalid solver name: nothing"):
+    with pytest.raises(ztb.Error, match=f"Invalid solver name: nothing: {SOLVERS}"):
         plan.solve("nothing")
     with pytest.raises(ztb.Error, match="TimeLimit"):
         plan.solve(time_limit=-1)

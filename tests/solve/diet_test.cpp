@@ -49,7 +49,7 @@ TEST_P(Diet, CostsTwiceAsMuchForTwiceAsManyPeopleOrWhenAllPricesDouble) {
   EXPECT_NEAR(model_.objective(), 4 * once, 1e-4);
 }
 
-INSTANTIATE_TEST_SUITE_P(Solvers, Diet, testing::Values("clp", "cbc", "glpk", "ipopt"),
+INSTANTIATE_TEST_SUITE_P(Solvers, Diet, testing::Values("clp", "cbc", "glpk", "ipopt", "bonmin"),
                          [](const auto& test) { return std::string(test.param); });
 
 }  // namespace

@@ -29,6 +29,33 @@ TEST(Quadratic, TheNearestPointOfALine) {
   EXPECT_NEAR(database.symbol("distance").find()->level(), 5, 1e-6);
 }
 
+// min (x - 1.6)^2 + (y - 2.3)^2 over integers with x + 2 y <= 5: (2, 2) is out, (1, 2) is 0.45
+// away, and nothing else as near.
+TEST(Quadratic, TheNearestIntegerPoint) {
+  ztb::Model model;
+  model.setObjective("distance", false, 1.6 * 1.6 + 2.3 * 2.3);
+  const int x = model.addColumn("x", 0, 9, ztbColumnInteger);
+  const int y = model.addColumn("y", 0, 9, ztbColumnInteger);
+  model.addProduct(0, x, x, 1);
+  model.addProduct(0, y, y, 1);
+  model.addTerm(0, x, -3.2);
+  model.addTerm(0, y, -4.6);
+  const int row = model.addRow("room", ztbRowLessOrEqual, 5);
+  model.addTerm(row, x, 1);
+  model.addTerm(row, y, 2);
+  ztb::Database database;
+  ztb::ModelTie tie(database, model);
+  tie.solve();
+  EXPECT_EQ(model.status(), ztbModelOptimal);
+  EXPECT_NEAR(model.objective(), 0.45, 1e-9);
+  EXPECT_NEAR(model.bound(), 0.45, 1e-5);
+  EXPECT_EQ(database.symbol("x").find()->level(), 1);
+  EXPECT_EQ(database.symbol("y").find()->level(), 2);
+  // The same by name, and once more.
+  tie.solve("bonmin");
+  EXPECT_NEAR(model.objective(), 0.45, 1e-9);
+}
+
 TEST(Quadratic, AProductInARowAndMaximization) {
   // max x + y, x y <= 4 with x in [1, 4] and y in [0.5, 3]: locally best are (4, 1), where 1 = m x
   // gives the row the marginal 1/4, and (4/3, 3), where 1 = m y gives 1/3.

@@ -18,7 +18,7 @@ std::set<std::string> solversOpen() {
   std::set<std::string> open;
   std::ifstream maps("/proc/self/maps");
   for (std::string line; std::getline(maps, line);) {
-    for (const char* solver : {"clp", "cbc", "glpk", "ipopt"}) {
+    for (const char* solver : {"clp", "cbc", "glpk", "ipopt", "bonmin"}) {
       if (line.ends_with("/libztb" + std::string(solver) + ".so")) open.insert(solver);
     }
   }

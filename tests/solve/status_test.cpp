@@ -14,6 +14,9 @@
 
 namespace {
 
+using testing::AllOf;
+using testing::EndsWith;
+using testing::HasSubstr;
 using testing::StartsWith;
 
 constexpr double kInf = std::numeric_limits<double>::infinity();
@@ -61,7 +64,7 @@ TEST_P(Solvers, CrossedBoundsAreInfeasible) {
   EXPECT_EQ(model.status(), ztbModelInfeasible);
 }
 
-INSTANTIATE_TEST_SUITE_P(All, Solvers, testing::Values("clp", "cbc", "glpk", "ipopt"),
+INSTANTIATE_TEST_SUITE_P(All, Solvers, testing::Values("clp", "cbc", "glpk", "ipopt", "bonmin"),
                          [](const auto& test) { return std::string(test.param); });
 
 class LinearSolvers : public testing::TestWithParam<const char*> {};
@@ -100,7 +103,8 @@ TEST(Refusals, ASolverThatDoesNotTakeTheKindOfModel) {
 
 TEST(Refusals, ASolverThatTheCatalogueDoesNotHave) {
   ztb::Model model = small(2);
-  EXPECT_EQ(failure(model, "nosuch"), "Invalid solver name: nosuch");
+  EXPECT_EQ(failure(model, "nosuch"),
+            "Invalid solver name: nosuch: the solvers are clp, cbc, glpk, ipopt and bonmin");
 }
 
 class Catalogues : public testing::Test {
@@ -118,7 +122,11 @@ TEST_F(Catalogues, ASolverWithoutItsLibraryOnlyDropsItsRow) {
   const std::string libraries = ZTB_LIBRARY_FOLDER;
   write("gone LP yes libgone.so\nnosolver LP no libc.so.6\nclp LP yes " + libraries +
         "/libztbclp.so\n");
-  EXPECT_EQ(failure(model_, "gone"), "Invalid solver name: gone");
+  EXPECT_THAT(failure(model_, "gone"),
+              AllOf(StartsWith("Invalid solver name: gone: the solver cannot be opened: "),
+                    HasSubstr("libgone.so: cannot open shared object file")));
+  EXPECT_THAT(failure(model_, "nosolver"), EndsWith("libc.so.6 is no solver library: it has no "
+                                                    "ztbSolverLibrary"));
   EXPECT_EQ(failure(model_, "CLP"), "");
   EXPECT_EQ(model_.status(), ztbModelOptimal);
 }

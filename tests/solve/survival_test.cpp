@@ -250,7 +250,8 @@ TEST_P(Live, ARefusalBehindAFailedSolveIsTheLastReason) {
 TEST_P(Live, AReasonOfAnOlderFailureIsNotTold) {
   update(rate_, kInf);
   EXPECT_NE(failureOf(*tie_, GetParam()), "");
-  EXPECT_EQ(failureOf(*tie_, "nosuch"), "Invalid solver name: nosuch");
+  EXPECT_EQ(failureOf(*tie_, "nosuch"),
+            "Invalid solver name: nosuch: the solvers are clp, cbc, glpk, ipopt and bonmin");
   update(rate_, 2);
   EXPECT_EQ(failureOf(*tie_, GetParam()), "");
   EXPECT_EQ(model_.message(), "");

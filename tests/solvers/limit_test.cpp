@@ -60,7 +60,7 @@ TEST_P(Limit, leavesNoLessThanASolverThatGoesOn) {
   EXPECT_NEAR(random_.model.objective(result.level), random_.model.objective(fresh.level), 1e-5);
 }
 
-INSTANTIATE_TEST_SUITE_P(Solvers, Limit, testing::Values("clp", "cbc", "glpk", "ipopt"),
+INSTANTIATE_TEST_SUITE_P(Solvers, Limit, testing::Values("clp", "cbc", "glpk", "ipopt", "bonmin"),
                          [](const auto& tested) { return std::string(tested.param); });
 
 TEST(LimitOfClp, byTheCallerInBetween) {

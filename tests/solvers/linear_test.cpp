@@ -260,7 +260,7 @@ TEST_P(Linear, printsNothing) {
   EXPECT_EQ(capture.text(), "");
 }
 
-INSTANTIATE_TEST_SUITE_P(Solvers, Linear, testing::Values("clp", "cbc", "glpk", "ipopt"),
+INSTANTIATE_TEST_SUITE_P(Solvers, Linear, testing::Values("clp", "cbc", "glpk", "ipopt", "bonmin"),
                          [](const auto& tested) { return std::string(tested.param); });
 
 TEST(Barrier, ofClpComesToWhatTheSimplexMethodComesTo) {

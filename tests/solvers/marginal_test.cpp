@@ -83,7 +83,8 @@ TEST_P(Marginal, vanishesWhereARowHasRoomAndHasTheSideAsItsSign) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Solvers, Marginal, testing::Values("clp", "cbc", "glpk", "ipopt"),
+INSTANTIATE_TEST_SUITE_P(Solvers, Marginal,
+                         testing::Values("clp", "cbc", "glpk", "ipopt", "bonmin"),
                          [](const auto& tested) { return std::string(tested.param); });
 
 }  // namespace

@@ -176,7 +176,7 @@ TEST(Ranges, ofSolversThatHaveNone) {
   SmallModel model;
   model.column(1, 0, 4);
   model.row({1}, 1, kInf);
-  for (const char* name : {"cbc", "ipopt"}) {
+  for (const char* name : {"cbc", "ipopt", "bonmin"}) {
     const auto solver = openSolver(name);
     std::string reason;
     ASSERT_TRUE(solver->load(model.problem(), reason)) << reason;

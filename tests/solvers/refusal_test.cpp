@@ -37,6 +37,7 @@ TEST(Refusal, integers) {
             "ipopt solves continuous models: the model has integer columns");
   EXPECT_EQ(refusal("cbc", model), "taken");
   EXPECT_EQ(refusal("glpk", model), "taken");
+  EXPECT_EQ(refusal("bonmin", model), "taken");
 }
 
 TEST(Refusal, products) {
@@ -49,7 +50,7 @@ TEST(Refusal, products) {
 }
 
 TEST(Refusal, numbersThatAreNone) {
-  for (const char* solver : {"clp", "cbc", "glpk", "ipopt"}) {
+  for (const char* solver : {"clp", "cbc", "glpk", "ipopt", "bonmin"}) {
     SmallModel model;
     model.column(1, 0, 5);
     model.row({std::numeric_limits<double>::quiet_NaN()}, 0.5, kInf);
@@ -134,7 +135,7 @@ TEST(Refusal, leavesNothingHalfDone) {
 }
 
 TEST(Refusal, cbcAndIpoptAreMadeAfresh) {
-  for (const char* solver : {"cbc", "ipopt"}) {
+  for (const char* solver : {"cbc", "ipopt", "bonmin"}) {
     SmallModel model;
     model.column(1, 0, 5);
     model.row({1}, 3, kInf);

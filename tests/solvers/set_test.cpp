@@ -174,6 +174,7 @@ TEST_F(Sets, AreRefusedByTheOtherSolvers) {
   EXPECT_EQ(refusal("clp"), "clp solves linear models without integers: " + why);
   EXPECT_EQ(refusal("glpk"), "glpk solves linear models: " + why);
   EXPECT_EQ(refusal("ipopt"), "ipopt solves continuous models: " + why);
+  EXPECT_EQ(refusal("bonmin"), "bonmin solves models with products and integers: " + why);
 }
 
 TEST_F(Sets, WithoutFiniteBoundsAreRefused) {

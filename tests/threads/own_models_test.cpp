@@ -91,8 +91,9 @@ INSTANTIATE_TEST_SUITE_P(Eight, Models, testing::Values(8));
 
 // A live solver goes along with its database.
 TEST(Model, goesFromThreadToThreadWithItsLiveSolver) {
-  for (const char* solver : {"clp", "cbc", "glpk", "ipopt"}) {
-    const double tolerance = std::string(solver) == "ipopt" ? 1e-4 : 1e-9;
+  for (const char* solver : {"clp", "cbc", "glpk", "ipopt", "bonmin"}) {
+    const double tolerance =
+        std::string(solver) == "ipopt" || std::string(solver) == "bonmin" ? 1e-4 : 1e-9;
     auto problem = std::make_unique<Problem>();
     std::thread([&] { problem->solve(solver, 3, tolerance); }).join();
     problem->solve(solver, 5, tolerance);

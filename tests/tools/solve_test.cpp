@@ -5,6 +5,7 @@
 
 #include <array>
 #include <csignal>
+#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 #include <ztb/ztb.hpp>
@@ -243,7 +244,9 @@ TEST_F(SolveTest, FailsWithoutASolution) {
 }
 
 TEST_F(SolveTest, NamesWhatIsWrong) {
-  expectFails(1, "ztb: t.lp: Invalid solver name: nosuch\n",
+  expectFails(1,
+              "ztb: t.lp: Invalid solver name: nosuch: the solvers are clp, cbc, glpk, ipopt and "
+              "bonmin\n",
               {"solve", "t.lp", "--solver", "nosuch"});
   expectFails(1,
               "ztb: t.lp: the model has no variable or equation nosuch; there is rate_var, ship, "
@@ -310,12 +313,41 @@ TEST_F(SolveTest, AParameterMayHaveTheNameOfARow) {
   EXPECT_EQ(result.symbol("cap_data").find()->level(), 3);
 }
 
-TEST_F(SolveTest, HasNoSolverForIntegersWithProducts) {
-  write("m.lp", "Minimize\n v: [ 2 x * y ] / 2\nSubject To\n c: x + y >= 3\nGenerals\n x\nEnd\n");
-  expectFails(1,
-              "ztb: m.lp: the model has integer columns and products of columns that can move; no "
-              "solver of the catalogue that comes with ZTB takes both. Name one with --solver\n",
-              {"solve", "m.lp"});
+// x^2 - 3.2 x + y^2 - 4.6 y is (x - 1.6)^2 + (y - 2.3)^2 less 7.85: best at (1, 2) of the integers
+// with x + 2 y <= 5.
+constexpr const char* kClosestPoint =
+    "Minimize\n o: - 3.2 x - 4.6 y + [ 2 x ^ 2 + 2 y ^ 2 ] / 2\nSubject To\n"
+    " c: x + 2 y <= 5\nBounds\n x <= 9\n y <= 9\nGenerals\n x y\nEnd\n";
+
+TEST_F(SolveTest, SolvesIntegersWithProductsByBonmin) {
+  write("m.lp", kClosestPoint);
+  const std::string printed = ztbFine({"solve", "m.lp", "--show", "x", "--show", "y"});
+  EXPECT_THAT(printed, StartsWith("status      optimal, normal completion\nobjective   -7.4\n"));
+  EXPECT_THAT(printed, HasSubstr("solver      bonmin\n"));
+  const nlohmann::json told =
+      nlohmann::json::parse(ztbFine({"solve", "m.lp", "--json", "--solver", "BONMIN"}));
+  EXPECT_EQ(told["status"], "optimal");
+  EXPECT_NEAR(told["objective"].get<double>(), -7.4, 1e-9);
+}
+
+TEST_F(SolveTest, TellsThatAModelWithIntegersAndProductsIsInfeasible) {
+  write("m.lp",
+        "Minimize\n o: [ 2 x ^ 2 ] / 2\nSubject To\n c: 2 x + 2 y = 3\nBounds\n x <= 1000\n"
+        " y <= 1000\nGenerals\n x y\nEnd\n");
+  expectFails(1, "ztb: m.lp: no solution: infeasible\n", {"solve", "m.lp"});
+}
+
+TEST_F(SolveTest, SaysWhatToInstallForASolverWithoutItsLibrary) {
+  write("m.lp", kClosestPoint);
+  write("vltcmpNT.txt", "clp LP yes libztbclp.so\nbonmin MIQP no libztbbonmin.so\n");
+  const std::string why =
+      "Invalid solver name: bonmin: the solver cannot be opened: " + path("libztbbonmin.so") +
+      ": cannot open shared object file: No such file or directory (package "
+      "ztb-solvers)\n";
+  const std::string option = "NameSysDir=" + path("");
+  expectFails(
+      1, "ztb: m.lp: The model has integer columns and products of columns that can move. " + why,
+      {"solve", "m.lp", "--option", option});
 }
 
 TEST_F(SolveTest, NamesTheFileThatCannotBeWritten) {

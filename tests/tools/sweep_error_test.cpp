@@ -74,7 +74,9 @@ TEST_F(SweepErrorTest, ASymbolThatCannotBeReported) {
 
 TEST_F(SweepErrorTest, ASolverThatIsNotInTheCatalogue) {
   makeFile("rate", 2);
-  expectFails(1, "ztb: m.lp: Invalid solver name: nosuch\n",
+  expectFails(1,
+              "ztb: m.lp: Invalid solver name: nosuch: the solvers are clp, cbc, glpk, ipopt and "
+              "bonmin\n",
               sweep({"--solver", "nosuch", "--jobs", "2"}));
   EXPECT_FALSE(exists("out.rxf"));
 }

@@ -317,7 +317,7 @@ void addSolveCommand(CommandLine& line) {
   command
       .text("--solver", options->solver,
             "Solver of the catalogue; without it clp for linear models, cbc with "
-            "integers, ipopt with products of columns")
+            "integers, ipopt with products of columns, bonmin with both")
       .notEmpty();
   command
       .text("--start", options->start,

@@ -385,7 +385,7 @@ void addSweepCommand(CommandLine& line) {
   command
       .text("--solver", options->solver,
             "Solver of the catalogue; without it clp for linear models, cbc with integers, "
-            "ipopt with products")
+            "ipopt with products, bonmin with both")
       .typeName("NAME")
       .notEmpty();
   command

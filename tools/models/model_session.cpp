@@ -72,19 +72,11 @@ ModelSession::ModelSession(const std::string& modelFile, const std::string& data
 }
 
 std::string ModelSession::standardSolver() {
-  return solverOf(tie_->kind());
+  return ztb::standardSolver(tie_->kind());
 }
 
 std::string ModelSession::standardSolverOfParameters() {
-  return solverOf(model_.updatedKind());
-}
-
-std::string ModelSession::solverOf(int kind) const {
-  if (const char* const solver = ztb::standardSolver(kind)) return solver;
-  throw Failure(
-      withFile(file_,
-               "the model has integer columns and products of columns that can move; no solver of "
-               "the catalogue that comes with ZTB takes both. Name one with --solver"));
+  return ztb::standardSolver(model_.updatedKind());
 }
 
 bool ModelSession::drives(const std::string& name) const {

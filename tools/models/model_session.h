@@ -37,7 +37,7 @@ class ModelSession {
   [[nodiscard]] const std::string& file() const { return file_; }
 
   // The solver for the kind that the next solve will find, or that a solve will find once
-  // parameters were applied. Throws Failure when there is none for it.
+  // parameters were applied.
   [[nodiscard]] std::string standardSolver();
   [[nodiscard]] std::string standardSolverOfParameters();
 
@@ -74,7 +74,6 @@ class ModelSession {
 
  private:
   [[nodiscard]] std::vector<std::string> driving() const;
-  [[nodiscard]] std::string solverOf(int kind) const;
 
   std::string file_;
   ztb::Model model_;

@@ -38,7 +38,7 @@ Path = Union[str, "os.PathLike[str]"]
 
 _ACTIONS = ("fix", "upper", "lower", "bounds", "level", "marginal")
 _MISSING = ("zero", "base", "keep")
-_SOLVERS = {1: "clp", 2: "cbc", 4: "ipopt"}
+_SOLVERS = {1: "clp", 2: "cbc", 4: "ipopt", 5: "bonmin"}
 _BEST = (1, 2)
 _WITH_POINT = (1, 2, 6)
 _SUFFIX = _native.parameter_suffix
@@ -615,7 +615,8 @@ class Tie:
     ) -> Solution:
         """Solves, on a solver that lives on and starts from the solution before where it can.
 
-        Without ``solver`` it is clp for linear models, cbc with integers, ipopt with products.
+        Without ``solver`` it is clp for linear models, cbc with integers, ipopt with products,
+        bonmin with both.
         ``time_limit`` is in seconds; ``options`` are those of the solver environment, such as
         ``{"RelativeGap": 0.01}``, and stay. ``progress`` is called with a :class:`Progress` about
         every ``every`` seconds, and ends the solve when it gives ``False``. The interpreter's lock
@@ -656,11 +657,6 @@ class Tie:
 
     def _standard_solver(self) -> str:
         kind = self._native.updated_kind() if self._driven else self._native.kind()
-        if kind not in _SOLVERS:
-            raise ValueError(
-                "the model has integer columns and products of columns that can move; name a "
-                "solver that takes both"
-            )
         return _SOLVERS[kind]
 
     def _find(self, name: str) -> Driven:
