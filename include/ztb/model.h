@@ -111,7 +111,8 @@ int ztbModelSetObjective(ztbModel* model, const char* name, int maximize, double
 int ztbModelAddColumn(ztbModel* model, const char* name, int kind, double lower, double upper);
 
 /* Adds a row and returns its number, counted from 1 since 0 is the objective. `range`, unless 0,
- * makes a >= row end at rhs + range and a <= row begin at rhs - range. Rows have distinct names. */
+ * makes a >= row end at rhs + range and a <= row begin at rhs - range; below 0 it leaves a row that
+ * nothing satisfies. Rows have distinct names. */
 int ztbModelAddRow(ztbModel* model, const char* name, int type, double rhs, double range);
 
 /* Adds `value` times a column, or times a product of two columns (which may be the same), to a row.
@@ -258,18 +259,21 @@ int ztbModelExplain(ztbModel* model, double seconds);
 
 /* What ztbModelExplain found: how many members, 0 <= member < count; each in words, such as
  * "demand(oslo) >= 30, driven by demand_var(oslo)", and as a part with the number of its row or
- * column; 1 if each was shown to be needed, and if they hold together but for the columns that have
- * to be integers within their bounds. */
+ * column; 1 if each was shown to be needed. They may hold together but for columns that have to be
+ * integers, that are 0 or within their bounds, or that are in ordered sets: IsByIntegers is 1 then,
+ * and Condition tells which of these the model has, as "columns that have to be integers" or
+ * "semi-continuous columns and special ordered sets"; empty otherwise. */
 int ztbModelConflictCount(ztbModel* model);
 const char* ztbModelConflictText(ztbModel* model, int member);
 int ztbModelConflictMember(ztbModel* model, int member, int* part, int* number);
 int ztbModelConflictIsIrreducible(ztbModel* model);
 int ztbModelConflictIsByIntegers(ztbModel* model);
+const char* ztbModelConflictCondition(ztbModel* model);
 
 /* How far the running solve is, or how far the last one came: the objective of the best point that
  * it has found, and what no point can be better than, for as long as they are not known the
- * infinity that is worse and the one that is better. Gives 1 once either is known. cbc and glpk
- * tell both in a search over integers, clp what its method has of the two, ipopt nothing. May be
+ * infinity that is worse and the one that is better. Gives 1 once either is known. cbc, glpk
+ * and bonmin tell both in a search over integers, clp what its method has of the two, ipopt nothing. May be
  * called from another thread, and by a watch. */
 int ztbModelProgress(ztbModel* model, double* objective, double* bound);
 

@@ -19,6 +19,10 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <exception>
+#include <functional>
+#include <limits>
+#include <memory>
 #include <span>
 #include <string>
 #include <string_view>
@@ -58,9 +62,11 @@ class Model {
             "ztbModelOpenFilled", message);
     return Model(handle);
   }
-  Model(Model&& other) noexcept : handle_(std::exchange(other.handle_, nullptr)) {}
+  Model(Model&& other) noexcept
+      : handle_(std::exchange(other.handle_, nullptr)), watch_(std::move(other.watch_)) {}
   Model& operator=(Model&& other) noexcept {
     std::swap(handle_, other.handle_);
+    std::swap(watch_, other.watch_);
     return *this;
   }
   Model(const Model&) = delete;
@@ -120,12 +126,16 @@ class Model {
     std::vector<Member> members;
     bool irreducible = false;
     bool byIntegers = false;
+    std::string condition;  // what else counts, such as "columns that have to be integers"
   };
   [[nodiscard]] Conflict explain(double seconds = 1e8) {
-    check(ztbModelExplain(handle_, seconds), "ztbModelExplain");
+    const int found = ztbModelExplain(handle_, seconds);
+    raise();
+    check(found, "ztbModelExplain");
     Conflict conflict{{},
                       ztbModelConflictIsIrreducible(handle_) != 0,
-                      ztbModelConflictIsByIntegers(handle_) != 0};
+                      ztbModelConflictIsByIntegers(handle_) != 0,
+                      ztbModelConflictCondition(handle_)};
     for (int n = 0; n < ztbModelConflictCount(handle_); ++n) {
       Conflict::Member member{ztbModelConflictText(handle_, n)};
       ztbModelConflictMember(handle_, n, &member.part, &member.number);
@@ -145,6 +155,15 @@ class Model {
     progress.isKnown = ztbModelProgress(handle_, &progress.objective, &progress.bound) != 0;
     return progress;
   }
+  // Has `watch` called now and then while a solve runs, by the thread that solves, with how far it
+  // is: the solve goes on as long as it gives true. What it throws ends the solve, too, and leaves
+  // it. Empty: none any more. Not while a solve runs.
+  void setWatch(std::function<bool(const Progress&)> watch) {
+    watch_ = watch ? std::make_unique<Watch>(Watch{handle_, std::move(watch), nullptr}) : nullptr;
+    ztbModelSetWatch(handle_, watch_ ? &Watch::asked : nullptr, watch_.get());
+  }
+  // Ends the running solve as soon as the solver asks; of any thread, and of a signal handler.
+  void terminate() const noexcept { ztbModelTerminate(handle_); }
 
   // How far each cost and each right-hand side can move by itself while the basis that the last
   // solve left stays optimal; ztbModelRanging tells more. An entry a column, and a row.
@@ -159,7 +178,9 @@ class Model {
     std::vector<Range> sides;  // the first is the objective's, without an end
   };
   [[nodiscard]] Ranging ranging() {
-    check(ztbModelRanging(handle_), "ztbModelRanging");
+    const int found = ztbModelRanging(handle_);
+    raise();
+    check(found, "ztbModelRanging");
     Ranging ranging;
     for (int j = 0; j < ztbModelColumnCount(handle_); ++j) {
       ranging.costs.push_back(rangeOf(j, ztbModelColumnElement, ztbModelCostRange));
@@ -260,6 +281,31 @@ class Model {
     return static_cast<std::size_t>(count);
   }
 
+  friend class ModelTie;
+  struct Watch {
+    ztbModel* handle;
+    std::function<bool(const Progress&)> goesOn;
+    std::exception_ptr thrown;
+
+    static int asked(void* context) noexcept {
+      auto& watch = *static_cast<Watch*>(context);
+      if (watch.thrown) return 1;
+      try {
+        Progress progress;
+        progress.isKnown =
+            ztbModelProgress(watch.handle, &progress.objective, &progress.bound) != 0;
+        return watch.goesOn(progress) ? 0 : 1;
+      } catch (...) {
+        watch.thrown = std::current_exception();
+        return 1;
+      }
+    }
+  };
+  // Throws on what the watch has thrown.
+  void raise() {
+    if (watch_ && watch_->thrown) std::rethrow_exception(std::exchange(watch_->thrown, nullptr));
+  }
+
   explicit Model(ztbModel* handle) noexcept : handle_(handle) {}
   static ErrorKind latestKind() noexcept { return static_cast<ErrorKind>(ztbModelErrorKind()); }
   static void require(int result, const char* operation, const Message& message) {
@@ -282,6 +328,7 @@ class Model {
   static constexpr std::size_t kMaxDimension = 20;
 
   ztbModel* handle_ = nullptr;
+  std::unique_ptr<Watch> watch_;
 };
 
 // What an update writes, and what a row or column gets that the data have no record for.
@@ -329,10 +376,10 @@ class ModelTie {
                                  : " is an equation: level or marginal is expected"));
     }
     int unmatched = 0;
-    detail::require(
+    const int updated =
         c__ztbupdatemodelsymbol(database_->handle(), modelSymbol.handle(), static_cast<int>(action),
-                                data.handle(), static_cast<int>(missing), &unmatched),
-        database_->handle(), "ztbUpdateModelSymbol");
+                                data.handle(), static_cast<int>(missing), &unmatched);
+    if (updated == 0) failValue(data);
     boundsCount_ = modelSymbol.type() != Type::equation;
     return unmatched;
   }
@@ -348,7 +395,9 @@ class ModelTie {
   // and the solver say.
   double solve(const ZString& solver) {
     double seconds = 0;
-    if (c__ztbcallsolvertimed(database_->handle(), solver.c_str(), &seconds) == 0) {
+    const int solved = c__ztbcallsolvertimed(database_->handle(), solver.c_str(), &seconds);
+    model_->raise();
+    if (solved == 0) {
       if (database_->lastErrorKind() == ErrorKind::notFound) failName(solver);
       if (database_->lastErrorKind() != ErrorKind::solver) {
         fail("ztbCallSolverTimed", "");
@@ -383,6 +432,25 @@ class ModelTie {
          kind() == ztbKindMixedIntegerQuadratic && std::string_view(solver.c_str()) == "bonmin"
              ? "The model has integer columns and products of columns that can move. "
              : "");
+  }
+  // A value that no column can stand at gets the first record that has one.
+  [[noreturn]] void failValue(const Symbol& data) const {
+    constexpr double kTooLarge = 1e300;  // and beyond, but for infinities
+    std::string text = database_->lastError().str();
+    const ErrorKind kind = database_->lastErrorKind();
+    if (!text.starts_with("Bad value")) throw Error("ztbUpdateModelSymbol", text, kind);
+    for (Record& record : data.records()) {
+      const double level = record.level();
+      const bool isInfinite = level > std::numeric_limits<double>::max();
+      if (level < kTooLarge || isInfinite) continue;
+      text += " in " + data.name().str();
+      for (int position = 0; position < data.dimension(); ++position) {
+        text += (position == 0 ? "(" : ", ") + record.key(position).str();
+      }
+      if (data.dimension() > 0) text += ")";
+      break;
+    }
+    throw Error("ztbUpdateModelSymbol", text, kind);
   }
   // The library's text, with `more` behind it where that says more, and plain words in front.
   [[noreturn]] void fail(const char* operation, const std::string& more,

@@ -159,7 +159,8 @@ typedef struct ztbSolverFunctions {
   void (*free)(void* solver);
 
   /* Takes a problem over, as the first or in the place of the one before. ztbSolverNo with the
-   * reason, zero-terminated, in the reasonSize bytes of `reason`. */
+   * reason, zero-terminated, in the reasonSize bytes of `reason`. For "column #3" and "row #0" in
+   * it, and in that of a solve, the user reads names. */
   int32_t (*load)(void* solver, const ztbSolverProblem* problem, char* reason, int32_t reasonSize);
 
   /* Takes over what changed in the problem since load or update: bounds, cost, values of the

@@ -142,6 +142,20 @@ class ElasticProblem {
   SolverProblem problem_;
 };
 
+// What a search has to look at beside rows and bounds.
+std::string conditionOf(const SolverProblem& problem) {
+  std::string text;
+  const auto add = [&](bool has, const char* what) {
+    if (has) text += (text.empty() ? "" : " and ") + std::string(what);
+  };
+  const char* const end = problem.isInteger + problem.columnCount;
+  add(std::any_of(problem.isInteger, end, [](char flag) { return flag != 0; }),
+      "columns that have to be integers");
+  add(problem.isSemiContinuous != nullptr, "semi-continuous columns");
+  add(problem.setCount > 0, "special ordered sets");
+  return text;
+}
+
 class ConflictSearch {
  public:
   ConflictSearch(const SolverProblem& problem, const Catalogue& catalogue,
@@ -174,6 +188,7 @@ class ConflictSearch {
     }
     if (!found && hasIntegers_ && !unknown) {
       conflict_.byIntegers = true;
+      conflict_.condition = conditionOf(plain_);
       begin(plain_, "cbc");
       found = trial_->infeasible(unknown);
     }

@@ -8,6 +8,7 @@
 #ifndef ZTB_PROVIDERS_MODEL_CONFLICT_H_
 #define ZTB_PROVIDERS_MODEL_CONFLICT_H_
 
+#include <string>
 #include <vector>
 
 #include "providers/model/catalogue.h"
@@ -29,8 +30,10 @@ struct Conflict {
   // Each member was shown to be needed. False when the time was over before, or the solver gave up
   // in between: the members cannot hold together all the same.
   bool irreducible = true;
-  // Members hold together unless columns have to be integers, too, each within its bounds.
+  // Members hold together unless columns have to be integers, too, each within its bounds, or 0
+  // beside them, or in an ordered set; and which of these the model has, in words.
   bool byIntegers = false;
+  std::string condition;
 };
 
 // Models with more rows are filtered elastically first.

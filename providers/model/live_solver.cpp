@@ -4,7 +4,10 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <cstdio>
+#include <string_view>
+#include <system_error>
 
 #include "providers/model/model_error.h"
 #include "providers/model/solver_library.h"
@@ -18,6 +21,24 @@ double clockSeconds(clockid_t clock) {
   timespec time{};
   clock_gettime(clock, &time);
   return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
+}
+
+// A solver's reason with names in the place of its numbers of columns and rows.
+std::string withNames(const Model& model, std::string reason) {
+  const auto name = [&](std::string_view mark, int count, const auto& nameOf) {
+    for (std::size_t begin = 0; (begin = reason.find(mark, begin)) != std::string::npos;) {
+      begin += mark.size();
+      int number = 0;
+      const char* const first = reason.data() + begin;
+      const auto read = std::from_chars(first, reason.data() + reason.size(), number);
+      if (read.ec != std::errc{} || number < 0 || number >= count) continue;
+      // The "#" as well.
+      reason.replace(begin - 1, static_cast<std::size_t>(read.ptr - first) + 1, nameOf(number));
+    }
+  };
+  name("column #", model.instance.columnCount(), [&](int j) { return model.columnName(j); });
+  name("row #", model.instance.rowCount() - 1, [&](int i) { return model.rowName(i + 1); });
+  return reason;
 }
 
 }  // namespace
@@ -42,7 +63,7 @@ void LiveSolver::load(Model& model) {
   model.instance.useLevelsAsStart(wantsStart);
   std::string reason;
   if (!solver_.load(model.instance.solverProblem(), reason)) {
-    throw ModelError("solver \"" + row_.name + "\" refused the model: " + reason);
+    throw ModelError("solver \"" + row_.name + "\" refused the model: " + withNames(model, reason));
   }
   model_ = &model;
 }
@@ -67,7 +88,7 @@ void LiveSolver::solve(const SolverLimits& limits) {
   model_->processorSeconds = clockSeconds(CLOCK_THREAD_CPUTIME_ID) - processorBegin;
   if (!solver_.doubt().empty()) {
     ++model_->coldSolves;
-    model_->environment->log(row_.name + ": " + solver_.doubt() +
+    model_->environment->log(row_.name + ": " + withNames(*model_, solver_.doubt()) +
                              "; solved once more from the beginning");
   }
   instance.takeResult(result_);
@@ -88,7 +109,7 @@ void LiveSolver::solve(const SolverLimits& limits) {
                 objective.data(), result_.iterations);
   model_->environment->log(line.data());
   if (result_.outcome == Outcome::failed) {
-    throw ModelError("solver \"" + row_.name + "\" failed: " + result_.reason);
+    throw ModelError("solver \"" + row_.name + "\" failed: " + withNames(*model_, result_.reason));
   }
 }
 

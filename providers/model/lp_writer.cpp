@@ -54,8 +54,8 @@ class LpWriter {
   void checkName(const std::string& name) const {
     if (isLpName(name)) return;
     throw ModelError(file_ + ": the name " + shown(name) +
-                     " cannot stand in an LP file, expected letters, digits and signs but no "
-                     "keyword; an MPS file may hold it");
+                     " cannot stand in an LP file, expected letters, digits and signs, none of "
+                     "the digits first, but no keyword; an MPS file may hold it");
   }
 
   [[nodiscard]] const std::string& nameOfColumn(int column) const {

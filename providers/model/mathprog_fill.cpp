@@ -71,9 +71,14 @@ std::string filledData(const std::string& file, const std::string& dataFile,
     fill.taken = 0;
     const auto& symbols = model.symbols();
     const auto symbol = std::find_if(symbols.begin(), symbols.end(), [&](const MathProgSymbol& s) {
-      return s.isSet == (fill.isSet != 0) && ztb::sameFolded(s.name, fill.name);
+      return ztb::sameFolded(s.name, fill.name);
     });
     if (symbol == symbols.end()) continue;
+    if (symbol->isSet != (fill.isSet != 0)) {
+      throw ModelError(file + ": " + (symbol->isSet ? "set " : "parameter ") + shown(symbol->name) +
+                       " cannot be filled by a " +
+                       (symbol->isSet ? "parameter, expected a set" : "set, expected a parameter"));
+    }
     if (symbol->isComputed) {
       throw ModelError(
           file + ": " + (symbol->isSet ? "set " : "parameter ") + shown(symbol->name) +

@@ -106,9 +106,9 @@ int ModelBuilder::addRow(const char* name, int type, double rhs, double range) {
   row.type = static_cast<RowType>(type);
   checkFinite(rhs, "the right-hand side of row \"" + row.name + "\"");
   const bool ranged = row.type == RowType::greaterOrEqual || row.type == RowType::lessOrEqual;
-  if (!std::isfinite(range) || range < 0 || (range > 0 && !ranged)) {
+  if (!std::isfinite(range) || (range != 0 && !ranged)) {
     throw ModelError("row \"" + row.name +
-                     "\": a range is 0, or above 0 for a >= or <= row, and finite");
+                     "\": a range is 0, or any finite number for a >= or <= row");
   }
   if (row.name == data_.rows.front().name) {
     throw ModelError("row \"" + row.name + "\" stands twice");

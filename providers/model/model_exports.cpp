@@ -443,6 +443,10 @@ MODEL_EXPORT int ztbModelConflictIsByIntegers(ztbModel* model) {
   return ztbModelConflictCount(model) > 0 && model->model->conflict.byIntegers ? 1 : 0;
 }
 
+MODEL_EXPORT const char* ztbModelConflictCondition(ztbModel* model) {
+  return ztbModelConflictCount(model) > 0 ? model->model->conflict.condition.c_str() : "";
+}
+
 MODEL_EXPORT const char* ztbModelMessage(ztbModel* model) {
   return model == nullptr ? "" : messageOf(*model).c_str();
 }

@@ -1,8 +1,11 @@
 #include "providers/model/model_file.h"
 
+#include <algorithm>
 #include <cstdint>
+#include <cstdlib>
 #include <string_view>
 #include <system_error>
+#include <ztb/case_folding.hpp>
 
 #include "providers/model/glpk_reader.h"
 #include "providers/model/lp_reader.h"
@@ -43,6 +46,30 @@ void checkNesting(const std::string& file, std::string_view text) {
   }
 }
 
+// The symbol whose statement a line of the data is in, as "cap(*, *)" with the positions of what
+// fills it; "it" where that is none of the fills.
+std::string filledAt(std::string_view data, std::size_t line, std::span<const ztbModelFill> fills) {
+  std::string_view name;
+  for (std::size_t number = 1; number <= line && !data.empty(); ++number) {
+    const std::string_view text = data.substr(0, data.find('\n'));
+    data.remove_prefix(std::min(data.size(), text.size() + 1));
+    for (const std::string_view word : {"set ", "param "}) {
+      if (!text.starts_with(word)) continue;
+      name = text.substr(word.size());
+      name = name.substr(0, name.find(' '));
+    }
+  }
+  for (const ztbModelFill& fill : fills) {
+    if (fill.taken == 0 || !ztb::sameFolded(fill.name, name)) continue;
+    std::string text(name);
+    for (int position = 0; position < fill.dimension; ++position) {
+      text += position == 0 ? "(*" : ", *";
+    }
+    return fill.dimension > 0 ? text + ")" : text;
+  }
+  return "it";
+}
+
 ModelData readFilled(const std::string& file, const std::string& dataFile,
                      std::span<ztbModelFill> fills) {
   checkNesting(file, readText(file));
@@ -57,7 +84,8 @@ ModelData readFilled(const std::string& file, const std::string& dataFile,
     const std::string text = error.what();
     if (!text.starts_with(filled.path())) throw;
     const std::size_t place = text.find(": ", filled.path().size());
-    throw ModelError(file + ": the data that fill it: " +
+    const std::size_t line = std::strtoul(text.c_str() + filled.path().size() + 1, nullptr, 10);
+    throw ModelError(file + ": the data that fill " + filledAt(data, line, fills) + ": " +
                          text.substr(place == std::string::npos ? 0 : place + 2),
                      error.kind());
   }

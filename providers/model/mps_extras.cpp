@@ -85,12 +85,16 @@ void MpsSets::addMember() {
   const MpsLines& lines = model_.lines;
   // In fixed format the type comes first, which is empty here.
   const std::size_t begin = lines[0].empty() ? 1 : 0;
-  const std::size_t column = lines.count() - begin > 2 ? begin + 1 : begin;
+  const std::size_t fields = lines.count() - begin;
+  const bool hasVector = fields > 2 || (fields == 2 && !isNumber(lines[begin + 1]));
+  const std::size_t column = hasVector ? begin + 1 : begin;
   if (model_.data.sets.empty()) lines.failExpecting(begin, "S1 or S2 and the name of a set");
-  const int number = model_.column(column);
-  const double weight = model_.coefficient(column + 1);
-  model_.endAt(column + 2);
   OrderedSet& set = model_.data.sets.back();
+  const int number = model_.column(column);
+  const bool hasWeight = column + 1 < lines.count();
+  const double weight =
+      hasWeight ? model_.coefficient(column + 1) : static_cast<double>(set.members.size() + 1);
+  model_.endAt(column + 2);
   if (!members_.take(number, weight)) {
     lines.fail(column, "the column " + shown(lines[column]) +
                            " or its weight stands twice in set " + shown(set.name) +

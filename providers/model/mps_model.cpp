@@ -34,6 +34,21 @@ double MpsModel::coefficient(std::size_t field) const {
   return value;
 }
 
+bool MpsModel::isRow(std::size_t field) const {
+  return rows.find(data.rows, lines[field]) != NameIndex<>::kNone;
+}
+
+bool MpsModel::isColumn(std::size_t field) const {
+  return columns.find(data.columns, lines[field]) != NameIndex<>::kNone;
+}
+
+void MpsModel::dropComment(std::size_t from) {
+  for (std::size_t field = from; field < lines.count(); ++field) {
+    if (!lines[field].starts_with('$') || isRow(field) || isColumn(field)) continue;
+    lines.dropFrom(field);
+  }
+}
+
 void MpsModel::endAt(std::size_t count) const {
   if (lines.count() > count) lines.failExpecting(count, "the end of the line");
 }

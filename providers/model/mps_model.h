@@ -21,6 +21,10 @@ struct MpsModel {
   int column(std::size_t field) const;
   // A number that is not infinite.
   double coefficient(std::size_t field) const;
+  [[nodiscard]] bool isRow(std::size_t field) const;
+  [[nodiscard]] bool isColumn(std::size_t field) const;
+  // From this field on a '$' begins a comment, unless a row or column is called so.
+  void dropComment(std::size_t from);
   // Fails if the line has more fields than `count`.
   void endAt(std::size_t count) const;
 

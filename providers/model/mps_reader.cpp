@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <cstddef>
 #include <initializer_list>
 #include <limits>
@@ -16,37 +15,13 @@
 #include "providers/model/mps_bounds.h"
 #include "providers/model/mps_extras.h"
 #include "providers/model/mps_model.h"
+#include "providers/model/mps_sides.h"
 
 namespace lomu {
 
 namespace {
 
 constexpr std::size_t kMaxCount = std::numeric_limits<int>::max();
-
-// The vector of a section whose lines count: the first that it names.
-class FirstVector {
- public:
-  explicit FirstVector(std::string_view section) : section_(section) {}
-
-  // Whether the present line counts; `name` is that of its vector, in the field, or left out where
-  // it is that of the line before.
-  bool takes(MpsModel& model, std::string_view name, std::size_t field) {
-    if (name.empty()) return counts_;
-    if (name_.empty()) name_ = name;
-    counts_ = name == name_;
-    if (counts_) return true;
-    if (model.notes.count(section_)) return false;
-    model.notes.add(section_, model.lines.line(), model.lines.columnOf(field),
-                    "the vector " + shown(name) + " of " + std::string(section_) +
-                        " is passed over: the first, " + shown(name_) + ", counts");
-    return false;
-  }
-
- private:
-  std::string_view section_;
-  std::string name_;  // empty until a line has one
-  bool counts_ = true;
-};
 
 class MpsReader {
  public:
@@ -152,10 +127,12 @@ class MpsReader {
   void beginMatrixOfRow() { products_.beginMatrixOfRow(); }
   void readProduct() { products_.read(); }
   void readSet() { sets_.read(); }
+  void readRhs() { sides_.readRhs(); }
+  void readRange() { sides_.readRange(); }
 
   void readRow() {
     if (lines_.count() < 2 || lines_[1].empty()) lines_.failExpecting(1, "the name of a row");
-    dropComment(2);
+    model_.dropComment(2);
     model_.endAt(2);
     RowData row{std::string(lines_[1])};
     switch (lines_[0].size() == 1 ? ztb::foldedChar(lines_[0][0]) : ' ') {
@@ -190,7 +167,7 @@ class MpsReader {
 
   void readColumn() {
     if (lines_.count() > 2 && lines_[1] == "'MARKER'") return readMarker();
-    dropComment(1);
+    model_.dropComment(1);
     const std::size_t begin = isUnnamed() ? 0 : 1;
     if (begin == 1 && !lines_[0].empty() &&
         (data_.columns.empty() ||
@@ -244,63 +221,8 @@ class MpsReader {
   // Whether a line of a free file, which has no empty fields, leaves out the name of its column:
   // then it has pairs alone.
   [[nodiscard]] bool isUnnamed() const {
-    return lines_.count() % 2 == 0 && !data_.columns.empty() && isRow(0) && !lines_[0].empty();
-  }
-
-  // From this field on a '$' begins a comment, unless a row or column is called so.
-  void dropComment(std::size_t from) {
-    for (std::size_t field = from; field < lines_.count(); ++field) {
-      if (!lines_[field].starts_with('$') || isRow(field) || isColumn(field)) continue;
-      lines_.dropFrom(field);
-    }
-  }
-
-  // Calls take(row, value, field) for each pair of the line if its vector counts.
-  template <typename Take>
-  void readPairs(FirstVector& vector, const Take& take) {
-    dropComment(1);
-    const std::size_t begin = lines_.count() % 2;
-    const std::string_view name = begin == 1 ? lines_[0] : std::string_view();
-    if (lines_.count() < 2) lines_.failExpecting(lines_.count(), "a row and a number");
-    model_.endAt(4 + begin);
-    if (!vector.takes(model_, name, 0)) return;
-    for (std::size_t field = begin; field < lines_.count(); field += 2) {
-      take(model_.row(field), lines_.number(field + 1), field + 1);
-    }
-  }
-
-  void readRhs() {
-    readPairs(rhs_, [&](int row, double value, std::size_t field) {
-      RowData& data = data_.rows[static_cast<std::size_t>(row)];
-      if (row == 0) {
-        data_.objectiveConstant = 0 - model_.coefficient(field);
-        return;
-      }
-      const bool hasNone = data.type == RowType::equal         ? std::isinf(value)
-                           : data.type == RowType::lessOrEqual ? value == -kInfinity
-                                                               : value == kInfinity;
-      if (hasNone && data.type != RowType::free) {
-        lines_.fail(field, "row " + shown(data.name) +
-                               " has an infinite number where no value satisfies it, expected a "
-                               "size below 1e30");
-      }
-      data.rhs = value;
-    });
-  }
-
-  void readRange() {
-    readPairs(ranges_, [&](int row, double value, std::size_t field) {
-      const RowData& data = data_.rows[static_cast<std::size_t>(row)];
-      if (data.type == RowType::free || row == 0) {
-        constexpr std::string_view kSubject = "range of a free row";
-        if (model_.notes.count(kSubject)) return;
-        model_.notes.add(kSubject, lines_.line(), lines_.columnOf(field),
-                         "the range of the free row " + shown(data.name) + " is passed over");
-        return;
-      }
-      if (rangeOf_.empty()) rangeOf_.assign(data_.rows.size(), kNoRange);
-      rangeOf_[static_cast<std::size_t>(row)] = value;
-    });
+    return lines_.count() % 2 == 0 && !data_.columns.empty() && model_.isRow(0) &&
+           !lines_[0].empty();
   }
 
   // A type, a vector, a column and a number; the vector may be missing, and the number where the
@@ -311,10 +233,11 @@ class MpsReader {
     if (value == MpsBounds::Value::noType) {
       lines_.failExpecting(0, "the type of a bound: UP, LO, FX, FR, MI, PL, BV, LI, UI, SC or SI");
     }
-    dropComment(2);
+    model_.dropComment(2);
     const bool needed = value == MpsBounds::Value::needed;
     std::size_t column = needed && lines_.count() < 4 ? 1 : 2;
-    if (!needed && (lines_.count() < 3 || (lines_.count() == 3 && !isColumn(2) && isColumn(1)))) {
+    if (!needed && (lines_.count() < 3 ||
+                    (lines_.count() == 3 && !model_.isColumn(2) && model_.isColumn(1)))) {
       column = 1;
     }
     model_.endAt(4);
@@ -325,21 +248,10 @@ class MpsReader {
     bounds_.apply(lines_, type, number, column + 1);
   }
 
-  [[nodiscard]] bool isRow(std::size_t field) const {
-    return model_.rows.find(data_.rows, lines_[field]) != NameIndex<>::kNone;
-  }
-  [[nodiscard]] bool isColumn(std::size_t field) const {
-    return model_.columns.find(data_.columns, lines_[field]) != NameIndex<>::kNone;
-  }
-
   void finish() {
     if (!hasObjective_) nameObjective();
     bounds_.settle();
-    for (std::size_t i = 1; i < rangeOf_.size(); ++i) applyRange(data_.rows[i], rangeOf_[i]);
-    for (RowData& row : data_.rows) {
-      if (std::isinf(row.rhs)) row = RowData{std::move(row.name)};
-      if (row.type == RowType::free) row.rhs = 0;
-    }
+    sides_.settle();
     data_.notes = model_.notes.texts();
   }
 
@@ -354,37 +266,13 @@ class MpsReader {
     while (model_.rows.find(data_.rows, name) > 0) name += '_';
   }
 
-  // A range widens the row by its size, to the side that the type leaves open; an = row to the side
-  // of its sign.
-  static void applyRange(RowData& row, double range) {
-    if (std::isnan(range)) return;
-    const double size = std::abs(range);
-    if (std::isinf(size)) {
-      if (row.type == RowType::equal) {
-        row.type = range > 0 ? RowType::greaterOrEqual : RowType::lessOrEqual;
-      }
-      return;
-    }
-    if (size == 0) {
-      row.type = RowType::equal;
-      return;
-    }
-    if (row.type == RowType::equal) {
-      row.type = range > 0 ? RowType::greaterOrEqual : RowType::lessOrEqual;
-    }
-    row.range = size;
-  }
-
-  static constexpr double kNoRange = std::numeric_limits<double>::quiet_NaN();
-
   MpsModel model_;
   MpsLines& lines_;
   ModelData& data_;
   MpsBounds bounds_{data_.columns, model_.notes};
   MpsProducts products_{model_};
   MpsSets sets_{model_};
-  FirstVector rhs_{"RHS"};
-  FirstVector ranges_{"RANGES"};
+  MpsSides sides_{model_};
   FirstVector vectorOfBounds_{"BOUNDS"};
 
   Read readData_ = &MpsReader::refuseData;
@@ -393,7 +281,6 @@ class MpsReader {
   std::string objectiveName_;  // as OBJNAME gives it
   int column_ = 0;             // of the present block of COLUMNS
   bool integers_ = false;      // between markers
-  std::vector<double> rangeOf_;
 };
 
 }  // namespace

@@ -97,11 +97,9 @@ TEST_F(ModelC, RefusesRowsThatCannotBe) {
   EXPECT_EQ(message(), "row \"r\": the type is 0, 1, 2 or 3, not 4");
   EXPECT_EQ(ztbModelAddRow(model_, "r", 0, kInf, 0), -1);
   EXPECT_EQ(message(), "the right-hand side of row \"r\" has to be a finite number");
-  for (const double range : {-1.0, kInf}) {
-    EXPECT_EQ(ztbModelAddRow(model_, "r", ztbRowLessOrEqual, 0, range), -1);
-  }
+  EXPECT_EQ(ztbModelAddRow(model_, "r", ztbRowLessOrEqual, 0, kInf), -1);
   EXPECT_EQ(ztbModelAddRow(model_, "r", ztbRowEqual, 0, 1), -1);
-  EXPECT_EQ(message(), "row \"r\": a range is 0, or above 0 for a >= or <= row, and finite");
+  EXPECT_EQ(message(), "row \"r\": a range is 0, or any finite number for a >= or <= row");
   EXPECT_EQ(ztbModelAddRow(model_, "objective", 0, 0, 0), -1);
   EXPECT_EQ(message(), "row \"objective\" stands twice");
 }

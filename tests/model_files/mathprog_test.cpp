@@ -185,8 +185,17 @@ TEST_F(MathProgFill, refusesWhatCannotBeFilled) {
   EXPECT_EQ(other + ":3: p[a] out of domain", refusalOf(other, {parameter("p", labels, values)}));
   const std::vector<const char*> pair{"a", "b"};
   const std::string third = write("o.mod", "set I;\nvar x{I};\nminimize o: 0;\nend;\n");
-  const std::string told = third + ": the data that fill it: ";
+  const std::string told = third + ": the data that fill I(*, *): ";
   EXPECT_EQ(told, refusalOf(third, {set("I", pair, 2)}).substr(0, told.size()));
+  EXPECT_EQ(third + ": set \"I\" cannot be filled by a parameter, expected a set",
+            refusalOf(third, {parameter("i", labels, values)}));
+  // Of several, the one that is wrong.
+  const std::string fourth =
+      write("p.mod", "set I; param a{I}; param b;\nvar x{I};\nminimize o: b * x['a'];\nend;\n");
+  const std::string wrong = fourth + ": the data that fill b(*): ";
+  EXPECT_EQ(wrong, refusalOf(fourth, {set("I", labels), parameter("a", labels, values),
+                                      parameter("b", labels, values)})
+                       .substr(0, wrong.size()));
 }
 
 TEST_F(MathProg, modelWithoutObjective) {

@@ -399,6 +399,17 @@ TEST_F(Mps, specialOrderedSets) {
   EXPECT_EQ("three: S1 :: y:1", setText(model, 2));
 }
 
+TEST_F(Mps, membersOfSetsWithoutAWeightAreInTheirOrder) {
+  const std::string head = "ROWS\n N o\nCOLUMNS\n x o 1\n y o 1\n z o 1\nRHS\nSOS\n";
+  const auto model = read(head + " S2 SOS one\n SOS z\n SOS x\n SOS y\n S1 two\n y\n x\nENDATA\n");
+  EXPECT_EQ("one: S2 :: z:1 x:2 y:3", setText(model, 0));
+  EXPECT_EQ("two: S1 :: y:1 x:2", setText(model, 1));
+  std::string text = kFixed;
+  text.insert(text.find("ENDATA"),
+              "SOS\n S2 SOS       MY SET\n    SOS       Y\n    SOS       X ONE\n");
+  EXPECT_EQ("MYSET: S2 :: Y:1 XONE:2", setText(read(text), 0));
+}
+
 TEST_F(Mps, specialOrderedSetsInFixedFormat) {
   std::string text = kFixed;
   text.insert(text.find("ENDATA"),

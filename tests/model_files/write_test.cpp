@@ -184,8 +184,8 @@ TEST_F(ModelWriting, namesThatAFormatCannotHoldAreRefused) {
   model.columns = {{"2x"}};
   EXPECT_EQ(
       folder_.file("w.lp") +
-          ": the name \"2x\" cannot stand in an LP file, expected letters, digits and signs but "
-          "no keyword; an MPS file may hold it",
+          ": the name \"2x\" cannot stand in an LP file, expected letters, digits and signs, none "
+          "of the digits first, but no keyword; an MPS file may hold it",
       refusal(model, "w.lp"));
   expectSame(model, again(model, ".mps"), "mps");
   for (const std::string name : {"End", "free", "inf", "subject", "a b", "x[", ""}) {

@@ -60,7 +60,7 @@ def test_arrays_that_do_not_fit_are_refused(tie):
             tie["price"] = array
     with pytest.raises(TypeError):
         tie["price"] = np.array(["5", "3"])
-    with pytest.raises(ztb.Error, match="Bad value"):
+    with pytest.raises(ztb.Error, match=r"Bad value nan in price\(x\)"):
         tie["price"] = np.array([np.nan, 3.0])
     tie["price"] = np.array([5.0, 3.0])
     assert cost(tie) == pytest.approx(12)
@@ -127,8 +127,10 @@ def test_numbers_of_other_types_are_taken_with_labels_that_are_known(tie):
         assert cost(tie) == pytest.approx(12)
     with pytest.raises(TypeError, match="'5'"):
         tie["price"] = pd.Series(["5", "3"], index=index)
-    with pytest.raises(ztb.Error, match="Bad value"):
-        tie["price"] = pd.Series([np.nan, 3.0], index=index)
+    with pytest.raises(ztb.Error, match=r"Bad value nan in price\(y\)"):
+        tie["price"] = pd.Series([5.0, np.nan], index=index)
+    with pytest.raises(ztb.Error, match=r"Bad value nan in price\(y\)"):
+        tie["price"] = pd.DataFrame({"food": ["x", "y"], "value": [5.0, np.nan]})
 
 
 def test_names_are_found_in_any_case(tie):

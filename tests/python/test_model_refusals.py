@@ -53,7 +53,7 @@ def test_matrices_that_are_none(matrix, error, text):
         ({"kind": ["integer"]}, ValueError, "an array of 2 is expected"),
         ({"lower": np.nan}, ValueError, "row 0 is from nan to inf"),
         ({"lower": [1, 2]}, ValueError, "lower: an array of 1 numbers"),
-        ({"upper": -np.inf}, ValueError, "which nothing satisfies"),
+        ({"upper": -np.inf}, ValueError, "row 0 is from -inf to -inf, which is no range of numbers"),
         ({"columns": ["a"]}, ValueError, "columns: 1 names for 2"),
         ({"columns": ["a", "a"]}, ztb.Error, 'column "a" stands twice'),
         ({"columns": {"buy": ("f", ["a"])}}, ValueError, "the families have 1 elements, expected 2"),
@@ -63,6 +63,12 @@ def test_matrices_that_are_none(matrix, error, text):
 def test_arrays_that_do_not_fit(options, error, text):
     with pytest.raises(error, match=text):
         ztb.Model.from_arrays([1, 2], [[1, 1]], **options)
+
+
+def test_rows_that_contradict_themselves_have_no_solution():
+    model = ztb.Model.from_arrays([1, 2], [[1, 1], [1, 0]], lower=[4, 0], upper=[3, 9])
+    assert model.solve().status == "infeasible"
+    assert model.explain().members == ["row(0) >= 4", "row(0) <= 3"]
 
 
 def test_arrays_are_taken_as_they_are_meant():

@@ -216,6 +216,7 @@ TEST_F(Explained, InTheNamesOfTheUser) {
                            "make(b) <= 3, driven by most_var(b)"));
   EXPECT_TRUE(conflict_.irreducible);
   EXPECT_FALSE(conflict_.byIntegers);
+  EXPECT_EQ(conflict_.condition, "");
 }
 
 TEST_F(Explained, ByEquationsRangesAndFixedColumns) {
@@ -232,10 +233,23 @@ TEST_F(Explained, ByIntegers) {
                         " x <= 9\n y <= 9\nGenerals\n x\n y\nEnd\n"),
               ElementsAre("odd = 5"));
   EXPECT_TRUE(conflict_.byIntegers);
+  EXPECT_EQ(conflict_.condition, "columns that have to be integers");
   EXPECT_THAT(explained("Minimize\n c: x\nSubject To\n low: x >= 5\nBounds\n x <= 3\nGenerals\n x\n"
                         "End\n"),
               UnorderedElementsAre("low >= 5", "x <= 3"));
   EXPECT_FALSE(conflict_.byIntegers);
+}
+
+TEST_F(Explained, BySemiContinuousColumnsAndSets) {
+  EXPECT_THAT(explained("Minimize\n c: x\nSubject To\n low: x >= 1\n high: x <= 2\nBounds\n"
+                        " 3 <= x <= 5\nSemi-Continuous\n x\nEnd\n"),
+              UnorderedElementsAre("low >= 1", "high <= 2"));
+  EXPECT_TRUE(conflict_.byIntegers);
+  EXPECT_EQ(conflict_.condition, "semi-continuous columns");
+  EXPECT_THAT(explained("Minimize\n c: x\nSubject To\n a: x >= 1\n b: y >= 1\nBounds\n"
+                        " x <= 5\n y <= 5\n z <= 5\nGenerals\n z\nSOS\n s: S1:: x:1 y:2\nEnd\n"),
+              UnorderedElementsAre("a >= 1", "b >= 1"));
+  EXPECT_EQ(conflict_.condition, "columns that have to be integers and special ordered sets");
 }
 
 TEST_F(Explained, ByDataInTheModel) {

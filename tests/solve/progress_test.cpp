@@ -5,7 +5,9 @@
 #include <cmath>
 #include <limits>
 #include <random>
+#include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 #include <ztb/model.hpp>
 
@@ -35,21 +37,6 @@ ztb::Model knapsacks(int kind) {
   return model;
 }
 
-struct Seen {
-  ztb::Model* model;
-  std::vector<ztb::Model::Progress> all;
-  bool endsOnceBothAreKnown = false;
-};
-
-int look(void* context) {
-  auto* seen = static_cast<Seen*>(context);
-  const ztb::Model::Progress progress = seen->model->progress();
-  if (!progress.isKnown) return 0;
-  seen->all.push_back(progress);
-  const bool both = std::isfinite(progress.objective) && std::isfinite(progress.bound);
-  return seen->endsOnceBothAreKnown && both ? 1 : 0;
-}
-
 class SearchProgress : public testing::TestWithParam<const char*> {};
 
 TEST_P(SearchProgress, TellsTheBestPointAndTheBound) {
@@ -61,13 +48,14 @@ TEST_P(SearchProgress, TellsTheBestPointAndTheBound) {
   ztb::Database database;
   ztb::ModelTie tie(database, model);
   EXPECT_FALSE(model.progress().isKnown) << "before a solve";
-  Seen seen{&model, {}, true};
-  ztbModelSetWatch(model.handle(), &look, &seen);
+  ztb::Model::Progress last;
+  model.setWatch([&](const ztb::Model::Progress& progress) {
+    if (progress.isKnown) last = progress;
+    return !(std::isfinite(last.objective) && std::isfinite(last.bound) && last.isKnown);
+  });
   tie.solve(GetParam());
-  ztbModelSetWatch(model.handle(), nullptr, nullptr);
+  model.setWatch(nullptr);
   EXPECT_EQ(model.solveStatus(), ztbSolveTerminated);
-  ASSERT_FALSE(seen.all.empty());
-  const ztb::Model::Progress last = seen.all.back();
   EXPECT_GT(last.objective, 100);
   EXPECT_LT(last.objective, last.bound) << "a larger worth is better";
   EXPECT_LE(last.bound, relaxed.objective() + 1e-6);
@@ -102,20 +90,45 @@ TEST(LinearProgress, IsOnTheRightSideOfTheOptimum) {
   model.addTerm(0, model.addColumn("still", 3, 3), 7000);
   ztb::Database database;
   ztb::ModelTie tie(database, model);
-  Seen seen{&model, {}};
-  ztbModelSetWatch(model.handle(), &look, &seen);
+  std::vector<ztb::Model::Progress> all;
+  model.setWatch([&](const ztb::Model::Progress& progress) {
+    if (progress.isKnown) all.push_back(progress);
+    return true;
+  });
   tie.solve("clp");
-  ztbModelSetWatch(model.handle(), nullptr, nullptr);
+  model.setWatch(nullptr);
   ASSERT_EQ(model.status(), ztbModelOptimal);
   const double optimum = model.objective();
   EXPECT_GT(optimum, 22000) << "1000, and 3 times 7000";
-  ASSERT_FALSE(seen.all.empty());
+  ASSERT_FALSE(all.empty());
   // Clp moves costs and bounds a little while it works.
-  for (const ztb::Model::Progress& progress : seen.all) {
+  for (const ztb::Model::Progress& progress : all) {
     EXPECT_GE(progress.objective, optimum * (1 - 1e-3));
     EXPECT_LE(progress.bound, optimum * (1 + 1e-3));
     EXPECT_GE(std::max(progress.bound, -progress.objective), -1e6) << "one of them is known";
   }
+}
+
+// The watch goes with the model, what it throws ends the solve and comes out of it, and the model
+// can be solved again.
+TEST(Watch, MayThrow) {
+  ztb::Model first = knapsacks(ztbColumnInteger);
+  first.setWatch([](const ztb::Model::Progress&) -> bool { throw std::out_of_range("enough"); });
+  ztb::Model model = std::move(first);
+  ztb::Database database;
+  ztb::ModelTie tie(database, model);
+  EXPECT_THROW(tie.solve("cbc"), std::out_of_range);
+  EXPECT_EQ(model.solveStatus(), ztbSolveTerminated);
+  model.setWatch([&](const ztb::Model::Progress&) {
+    model.terminate();
+    return true;
+  });
+  tie.solve("cbc");
+  EXPECT_EQ(model.solveStatus(), ztbSolveTerminated);
+  model.setWatch(nullptr);
+  model.setOption("IterationLimit", "1");
+  tie.solve("cbc");
+  EXPECT_EQ(model.solveStatus(), ztbSolveIterationLimit);
 }
 
 }  // namespace

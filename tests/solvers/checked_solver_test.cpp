@@ -153,7 +153,7 @@ TEST_F(Checked, anOptimumFarOutIsNot) {
   wrong.rowMarginal = {0};
   wrong.rowPosition = {lomu::Position::basic};
   answer(wrong);
-  expectCold("it claims an optimum, but column 1 is at -1800000000000000000000.000000");
+  expectCold("it claims an optimum, but column #1 is at -1800000000000000000000.000000");
 }
 
 TEST_F(Checked, noPointIsBelievedWithARayOfTheRows) {

@@ -182,9 +182,10 @@ TEST_F(Sets, WithoutFiniteBoundsAreRefused) {
   model_.column(1, 0, kInf);
   model_.row({1, 1}, 1, 5);
   addSet(1, {0, 1});
-  EXPECT_EQ(refusal("cbc"),
-            "cbc solves linear models: column 2 is semi-continuous or in a special ordered set and "
-            "has no finite bounds, which the search needs");
+  EXPECT_EQ(
+      refusal("cbc"),
+      "cbc solves linear models: column #1 is semi-continuous or in a special ordered set and "
+      "has no finite bounds, which the search needs");
 }
 
 }  // namespace

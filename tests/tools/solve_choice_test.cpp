@@ -135,6 +135,18 @@ ENDATA
   EXPECT_EQ(solved({"semi.mps"}), "objective   15, solver      cbc");
 }
 
+// A search over it needs bounds; which column has none is told by its name.
+TEST_F(SolveChoiceTest, NamesTheColumnOfASetThatHasNoBound) {
+  write("open.lp",
+        "Minimize\n o: x(a) + x(b)\nSubject To\n c: x(a) + x(b) >= 4\nBounds\n x(a) <= 3\nSOS\n"
+        " s: S1:: x(a):1 x(b):2\nEnd\n");
+  EXPECT_EQ(
+      ztb({"solve", "open.lp"}).errors,
+      "ztb: open.lp: solver cbc did not solve the model: solver \"cbc\" refused the model: cbc "
+      "solves linear models: column x(b) is semi-continuous or in a special ordered set and "
+      "has no finite bounds, which the search needs\n");
+}
+
 // 3 x + 2 y with x + y at least 4: y at 4, unless x is fixed.
 TEST_F(SolveChoiceTest, ASemiContinuousColumnThatIsFixedIsNotZero) {
   write("semi.lp",

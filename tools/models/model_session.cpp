@@ -39,21 +39,6 @@ ztb::Model openDriven(const std::string& file, const std::string& dataFile, Mode
   return model;
 }
 
-// Which record has a value that no column can stand at; empty if none has.
-std::string unusableText(const ztb::Symbol& parameter) {
-  constexpr double kTooLarge = 1e300;  // and beyond, but for infinities
-  for (ztb::Record& record : parameter.records()) {
-    const double level = record.level();
-    if (level < kTooLarge || std::isinf(level)) continue;
-    std::vector<std::string> labels;
-    for (int position = 0; position < parameter.dimension(); ++position) {
-      labels.push_back(record.key(position).str());
-    }
-    return fmt::format(" in {}({})", parameter.name().view(), fmt::join(labels, ", "));
-  }
-  return "";
-}
-
 }  // namespace
 
 std::string listed(const std::vector<std::string>& names) {
@@ -157,7 +142,7 @@ int ModelSession::applyParameter(const ztb::Symbol& parameter) {
     return update(columns_.at(parameter.name().str()), ztb::Action::fix, parameter,
                   ztb::Missing::base);
   } catch (const ztb::Error& error) {
-    throw Failure(error.what() + unusableText(parameter));
+    throw Failure(error.what());
   }
 }
 
@@ -196,7 +181,7 @@ std::string conflictText(const ztb::Model::Conflict& conflict, const std::string
   for (const ztb::Model::Conflict::Member& member : conflict.members) {
     text += (text.empty() ? "" : separator) + ztb::displayText(member.text);
   }
-  if (conflict.byIntegers) text += separator + "with columns that have to be integers";
+  if (!conflict.condition.empty()) text += separator + "with " + conflict.condition;
   if (!conflict.irreducible) text += separator + "some may not be needed: the time was over";
   return text;
 }

@@ -54,6 +54,7 @@ Json jsonConflict(const ztb::Model::Conflict& conflict) {
   }
   json["irreducible"] = conflict.irreducible;
   json["by_integers"] = conflict.byIntegers;
+  json["condition"] = conflict.condition;
   return json;
 }
 

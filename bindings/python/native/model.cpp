@@ -309,7 +309,7 @@ py::tuple Model::explain(double seconds) {
   for (const auto& member : conflict.members) {
     members.append(py::make_tuple(toPython(member.text), member.part, member.number));
   }
-  return py::make_tuple(conflict.irreducible, conflict.byIntegers, members);
+  return py::make_tuple(conflict.irreducible, conflict.byIntegers, conflict.condition, members);
 }
 
 py::tuple Model::ranging() {

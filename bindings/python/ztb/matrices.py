@@ -116,15 +116,16 @@ def within_kinds(
 def sides(
     lower: npt.NDArray[np.float64], upper: npt.NDArray[np.float64], name: str
 ) -> Tuple[npt.NDArray[np.int32], npt.NDArray[np.float64], npt.NDArray[np.float64]]:
-    """Types, right-hand sides and ranges of rows between two sides."""
-    wrong = ~(lower <= upper) | (lower == np.inf) | (upper == -np.inf)
+    """Types, right-hand sides and ranges of rows between two sides. Where they cross, the model has
+    no solution, as with bounds that do."""
+    wrong = np.isnan(lower) | np.isnan(upper) | (lower == np.inf) | (upper == -np.inf)
     if wrong.any():
         row = int(np.flatnonzero(wrong)[0])
         raise ValueError(
-            f"{name}: row {row} is from {lower[row]} to {upper[row]}, which nothing satisfies"
+            f"{name}: row {row} is from {lower[row]} to {upper[row]}, which is no range of numbers"
         )
     has_lower, has_upper = np.isfinite(lower), np.isfinite(upper)
-    both = has_lower & has_upper & (lower < upper)
+    both = has_lower & has_upper & (lower != upper)
     ranges = np.zeros(len(lower))
     ranges[both] = upper[both] - lower[both]
     # From the larger number the range may not lead to the smaller one, as from 1e20 to 1.

@@ -310,8 +310,8 @@ class Model:
         seconds = arguments.real(time_limit, "time_limit")
         if not seconds >= 0:
             raise ValueError(f"time_limit={time_limit} is no number of seconds")
-        irreducible, by_integers, members = self._native.explain(seconds)
-        return Conflict([text for text, _, _ in members], irreducible, by_integers)
+        irreducible, by_integers, condition, members = self._native.explain(seconds)
+        return Conflict([text for text, _, _ in members], irreducible, by_integers, condition)
 
     def ranging(self) -> "Ranging":
         """How far each cost and each right-hand side can move by itself while the basis that the
@@ -390,8 +390,11 @@ class Conflict:
     members: List[str]
     #: Whether each was shown to be needed; not so where the time was over before.
     irreducible: bool
-    #: Whether they hold together but for the columns that have to be integers.
+    #: Whether they hold together but for columns that have to be integers, that are 0 or within
+    #: their bounds, or that are in ordered sets.
     by_integers: bool
+    #: Which of these the model has, such as ``"semi-continuous columns"``; empty otherwise.
+    condition: str = ""
 
     def __str__(self) -> str:
         return "\n".join(self.members)

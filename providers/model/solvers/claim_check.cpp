@@ -134,7 +134,7 @@ std::string optimumDoubt(const SolverProblem& problem, const SolverResult& resul
     size += std::abs(problem.cost[j] * level);
     if (lower == upper) continue;
     if (std::abs(level) > kFarAway && level != lower && level != upper) {
-      return "column " + std::to_string(j) + " is at " + std::to_string(level);
+      return "column #" + std::to_string(j) + " is at " + std::to_string(level);
     }
     double marginal = problem.cost[j];
     for (int e = problem.start[j]; e < problem.start[j + 1]; ++e) {

@@ -33,7 +33,7 @@ void forEachTerm(const SolverProblem& problem, const std::vector<double>& level,
 
 std::string outsideText(const char* what, std::size_t number, double value, double lower,
                         double upper) {
-  return std::string(what) + " " + std::to_string(number) + " at " + std::to_string(value) +
+  return std::string(what) + " #" + std::to_string(number) + " at " + std::to_string(value) +
          " is outside of " + std::to_string(lower) + " to " + std::to_string(upper);
 }
 
@@ -67,7 +67,7 @@ std::string violation(const SolverProblem& problem, const std::vector<double>& l
       return outsideText("column", j, at, problem.lower[j], problem.upper[j]);
     }
     if (problem.isInteger[j] != 0 && outside(at, std::abs(at), std::round(at), std::round(at))) {
-      return "column " + std::to_string(j) + " at " + std::to_string(at) + " is no integer";
+      return "column #" + std::to_string(j) + " at " + std::to_string(at) + " is no integer";
     }
   }
   for (int s = 0; s < problem.setCount; ++s) {

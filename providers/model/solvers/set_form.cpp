@@ -115,7 +115,7 @@ bool SetForm::tie(int column, const std::vector<int>& binaries, std::string& rea
   const double upper = std::max(upper_[at(column)], 0.0);
   const double lower = std::min(lower_[at(column)], 0.0);
   if (std::isinf(upper) || std::isinf(lower)) {
-    reason = "column " + std::to_string(column + 1) +
+    reason = "column #" + std::to_string(column) +
              " is semi-continuous or in a special ordered set and has no finite bounds, which the "
              "search needs";
     return false;
