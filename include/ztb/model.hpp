@@ -129,9 +129,7 @@ class Model {
     std::string condition;  // what else counts, such as "columns that have to be integers"
   };
   [[nodiscard]] Conflict explain(double seconds = 1e8) {
-    const int found = ztbModelExplain(handle_, seconds);
-    raise();
-    check(found, "ztbModelExplain");
+    check(watched([&] { return ztbModelExplain(handle_, seconds); }), "ztbModelExplain");
     Conflict conflict{{},
                       ztbModelConflictIsIrreducible(handle_) != 0,
                       ztbModelConflictIsByIntegers(handle_) != 0,
@@ -159,7 +157,7 @@ class Model {
   // is: the solve goes on as long as it gives true. What it throws ends the solve, too, and leaves
   // it. Empty: none any more. Not while a solve runs.
   void setWatch(std::function<bool(const Progress&)> watch) {
-    watch_ = watch ? std::make_unique<Watch>(Watch{handle_, std::move(watch), nullptr}) : nullptr;
+    watch_ = watch ? std::make_unique<Watch>(Watch{handle_, std::move(watch)}) : nullptr;
     ztbModelSetWatch(handle_, watch_ ? &Watch::asked : nullptr, watch_.get());
   }
   // Ends the running solve as soon as the solver asks; of any thread, and of a signal handler.
@@ -178,9 +176,7 @@ class Model {
     std::vector<Range> sides;  // the first is the objective's, without an end
   };
   [[nodiscard]] Ranging ranging() {
-    const int found = ztbModelRanging(handle_);
-    raise();
-    check(found, "ztbModelRanging");
+    check(watched([&] { return ztbModelRanging(handle_); }), "ztbModelRanging");
     Ranging ranging;
     for (int j = 0; j < ztbModelColumnCount(handle_); ++j) {
       ranging.costs.push_back(rangeOf(j, ztbModelColumnElement, ztbModelCostRange));
@@ -285,25 +281,30 @@ class Model {
   struct Watch {
     ztbModel* handle;
     std::function<bool(const Progress&)> goesOn;
-    std::exception_ptr thrown;
+    // What one has thrown in a solve by this thread, on its way out of it.
+    static inline thread_local std::exception_ptr thrown;
 
     static int asked(void* context) noexcept {
       auto& watch = *static_cast<Watch*>(context);
-      if (watch.thrown) return 1;
+      if (thrown) return 1;
       try {
         Progress progress;
         progress.isKnown =
             ztbModelProgress(watch.handle, &progress.objective, &progress.bound) != 0;
         return watch.goesOn(progress) ? 0 : 1;
       } catch (...) {
-        watch.thrown = std::current_exception();
+        thrown = std::current_exception();
         return 1;
       }
     }
   };
-  // Throws on what the watch has thrown.
-  void raise() {
-    if (watch_ && watch_->thrown) std::rethrow_exception(std::exchange(watch_->thrown, nullptr));
+  // What `call` gives; throws on what a watch has thrown meanwhile.
+  template <class Call>
+  static int watched(const Call& call) {
+    Watch::thrown = nullptr;
+    const int result = call();
+    if (Watch::thrown) std::rethrow_exception(std::exchange(Watch::thrown, nullptr));
+    return result;
   }
 
   explicit Model(ztbModel* handle) noexcept : handle_(handle) {}
@@ -395,8 +396,8 @@ class ModelTie {
   // and the solver say.
   double solve(const ZString& solver) {
     double seconds = 0;
-    const int solved = c__ztbcallsolvertimed(database_->handle(), solver.c_str(), &seconds);
-    model_->raise();
+    const int solved = Model::watched(
+        [&] { return c__ztbcallsolvertimed(database_->handle(), solver.c_str(), &seconds); });
     if (solved == 0) {
       if (database_->lastErrorKind() == ErrorKind::notFound) failName(solver);
       if (database_->lastErrorKind() != ErrorKind::solver) {

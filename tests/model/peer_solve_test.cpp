@@ -228,12 +228,13 @@ TEST_F(PeerSolves, TheCatalogueKnowsItsSolversByNumber) {
   EXPECT_EQ(inPlace("glpk"), 1);
   EXPECT_EQ(inPlace("cbc"), 0);
   EXPECT_EQ(inPlace("ipopt"), 0);
+  EXPECT_EQ(inPlace("bonmin"), 0);
   EXPECT_GT(number("Clp"), 0);
   EXPECT_NE(number("clp"), number("glpk"));
   EXPECT_LE(number("nosuch"), 0);
   EXPECT_LE(number(""), 0);
   EXPECT_LE(number(nullptr), 0);
-  for (const int none : {0, -1, 5, 1000}) {
+  for (const int none : {0, -1, 6, 1000}) {
     void* alg = &msg_;
     EXPECT_EQ(lib_.call<int(void*, int)>("rgyAlgAllowsModifyProblem", rgy_, none), 0);
     EXPECT_EQ(create(none, &alg), 0);

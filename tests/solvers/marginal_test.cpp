@@ -83,8 +83,7 @@ TEST_P(Marginal, vanishesWhereARowHasRoomAndHasTheSideAsItsSign) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Solvers, Marginal,
-                         testing::Values("clp", "cbc", "glpk", "ipopt", "bonmin"),
+INSTANTIATE_TEST_SUITE_P(Solvers, Marginal, testing::Values("clp", "cbc", "glpk", "ipopt"),
                          [](const auto& tested) { return std::string(tested.param); });
 
 }  // namespace

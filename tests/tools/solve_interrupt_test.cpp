@@ -5,6 +5,7 @@
 
 #include <array>
 #include <chrono>
+#include <cmath>
 #include <csignal>
 #include <fstream>
 #include <sstream>
@@ -82,24 +83,64 @@ long ticks(pid_t process) {
   return used;
 }
 
-class SolveInterruptTest : public ProgramTest,
+// Fifteen of thirty things, so that four sums are near to numbers at once: many choices are about
+// equally good.
+std::string closeSums() {
+  constexpr int kThings = 30;
+  const auto name = [](int thing) { return " x" + std::to_string(thing); };
+  std::string linear;
+  std::string squares;
+  std::string names;
+  std::string count;
+  for (int i = 0; i < kThings; ++i) {
+    double cost = 0;
+    for (int j = 0; j < kThings; ++j) {
+      double entry = 0;
+      for (int sum = 0; sum < 4; ++sum) {
+        const auto weight = [&](int k) {
+          return 1 + std::fmod((k + 1) * std::sqrt(2.0 + 3 * sum), 1.0);
+        };
+        entry += weight(i) * weight(j);
+        if (j == 0) cost += 45 * weight(i);
+      }
+      const std::string coefficient = " + " + std::to_string((i == j ? 2 : 4) * entry) + name(i);
+      if (i == j) squares += coefficient + " ^ 2\n";
+      if (i < j) squares += coefficient + " *" + name(j) + "\n";
+    }
+    linear += " - " + std::to_string(cost) + name(i) + "\n";
+    names += name(i) + "\n";
+    count += " +" + name(i) + "\n";
+  }
+  return "Minimize\n away:" + linear + " + [" + squares + " ] / 2\nSubject To\n half:" + count +
+         " = 15\nBinaries\n" + names + "End\n";
+}
+
+class SolveInterrupt : public ProgramTest {
+ protected:
+  // What a solve of hard.lp prints that the signal ends.
+  std::string interrupted(const std::string& solver, int signal) {
+    write("output", "");
+    BackgroundProgram run(path(""), {"solve", "hard.lp", "--solver", solver}, "errors", "output");
+    const pid_t process = run.process();
+    // Far more than reading the file takes.
+    constexpr long kTicks = 50;
+    while (!handles(process, signal) || ticks(process) < kTicks) {
+      if (!run.goesOn()) return content(path("errors")) + content(path("output"));
+      std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    ::kill(process, signal);
+    EXPECT_EQ(run.wait(), 0) << content(path("errors"));
+    return content(path("output"));
+  }
+};
+
+class SolveInterruptTest : public SolveInterrupt,
                            public testing::WithParamInterface<std::tuple<const char*, int>> {};
 
 TEST_P(SolveInterruptTest, endsTheSolveAndTellsTheBestPointAndItsBound) {
   const auto [solver, signal] = GetParam();
   write("hard.lp", knapsacks());
-  write("output", "");
-  BackgroundProgram run(path(""), {"solve", "hard.lp", "--solver", solver}, "errors", "output");
-  const pid_t process = run.process();
-  // Far more than reading the file takes.
-  constexpr long kTicks = 50;
-  while (!handles(process, signal) || ticks(process) < kTicks) {
-    ASSERT_TRUE(run.goesOn()) << content(path("errors")) << content(path("output"));
-    std::this_thread::sleep_for(std::chrono::milliseconds(5));
-  }
-  ::kill(process, signal);
-  EXPECT_EQ(run.wait(), 0) << content(path("errors"));
-  const std::string output = content(path("output"));
+  const std::string output = interrupted(solver, signal);
   EXPECT_THAT(output, StartsWith("objective   "));
   EXPECT_THAT(output, HasSubstr("\nstatus      feasible, terminated\n"));
   EXPECT_THAT(output, HasSubstr("\nbound       "));
@@ -119,6 +160,18 @@ INSTANTIATE_TEST_SUITE_P(Signals, SolveInterruptTest,
                            return std::string(std::get<0>(tested.param)) +
                                   (std::get<1>(tested.param) == SIGINT ? "_SIGINT" : "_SIGTERM");
                          });
+
+// A minimum, where the four squares are each no less than -22.5^2. SIGINT is the one that Bonmin
+// would take for itself.
+TEST_F(SolveInterrupt, EndsASearchByBonmin) {
+  write("hard.lp", closeSums());
+  for (const int signal : {SIGINT, SIGTERM}) {
+    const std::string output = interrupted("bonmin", signal);
+    EXPECT_THAT(output, StartsWith("objective   -"));
+    EXPECT_THAT(output, HasSubstr("\nstatus      feasible, terminated\n"));
+    EXPECT_THAT(output, HasSubstr("\nsolver      bonmin\n"));
+  }
+}
 
 TEST_F(ProgramTest, aLimitOfTimeTellsTheBestPointAndItsBound) {
   write("hard.lp", knapsacks());

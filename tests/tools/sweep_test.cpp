@@ -83,6 +83,53 @@ End
   }
 }
 
+// Scenarios with a solution and without one, one after the other on as many live solvers as there
+// are jobs.
+TEST_F(SweepTest, HasTheSameResultsWithAnyNumberOfJobs) {
+  write("m.lp", R"(Minimize
+ o: x + 2 y - z
+Subject To
+ need: x + y - need_var >= 0
+ most: x + 3 y <= 12
+ link: z - x - room_var <= 0
+Bounds
+ x <= 8
+ y <= 3
+ need_var = 0
+ room_var = 0
+End
+)");
+  ztb::Database scenarios;
+  ztb::Symbol set = scenarios.addSet("s", {"*"});
+  ztb::Symbol need = scenarios.addParameter("need", {set});
+  constexpr int kScenarios = 8;
+  for (int number = 0; number < kScenarios; ++number) {
+    const std::string label = "s" + std::to_string(number);
+    set.add(label);
+    need.merge(label).setLevel(number * 7 % 12);
+  }
+  scenarios.write(path("sc.rxf"));
+  for (const std::string solver : {"clp", "cbc", "glpk", "ipopt", "bonmin"}) {
+    for (const char* jobs : {"1", "3"}) {
+      ztb(sweep({"--solver", solver, "--jobs", jobs}));
+      const ztb::Database out = ztb::Database::open(path("out.rxf"));
+      for (int number = 0; number < kScenarios; ++number) {
+        // x as far as it goes, then y: z is at x, so that x costs nothing and y 2. With x at 8
+        // there is room for 4/3 of y.
+        const std::string label = "s" + std::to_string(number);
+        const double asked = number * 7 % 12;
+        const bool solvable = asked <= 8 + 4.0 / 3;
+        ASSERT_EQ(out.symbol("sweep_status").find(label)->level(), solvable ? 1 : 4)
+            << solver << jobs << label;
+        if (!solvable) continue;
+        EXPECT_NEAR(out.symbol("sweep_objective").find(label)->level(),
+                    2 * std::max(0.0, asked - 8), 1e-5)
+            << solver << jobs << label;
+      }
+    }
+  }
+}
+
 TEST_F(SweepTest, TellsTheExtremeObjectives) {
   makeScenarios(3);
   std::vector<double> objectives;
