@@ -120,13 +120,14 @@ class Catalogues : public testing::Test {
 
 TEST_F(Catalogues, ASolverWithoutItsLibraryOnlyDropsItsRow) {
   const std::string libraries = ZTB_LIBRARY_FOLDER;
-  write("gone LP yes libgone.so\nnosolver LP no libc.so.6\nclp LP yes " + libraries +
-        "/libztbclp.so\n");
+  write("gone LP yes libgone.so\nnosolver LP no " + libraries + "/libztbcclib64.so\nclp LP yes " +
+        libraries + "/libztbclp.so\n");
   EXPECT_THAT(failure(model_, "gone"),
               AllOf(StartsWith("Invalid solver name: gone: the solver cannot be opened: "),
                     HasSubstr("libgone.so: cannot open shared object file")));
-  EXPECT_THAT(failure(model_, "nosolver"), EndsWith("libc.so.6 is no solver library: it has no "
-                                                    "ztbSolverLibrary"));
+  EXPECT_THAT(failure(model_, "nosolver"),
+              EndsWith("libztbcclib64.so is no solver library: it has no "
+                       "ztbSolverLibrary"));
   EXPECT_EQ(failure(model_, "CLP"), "");
   EXPECT_EQ(model_.status(), ztbModelOptimal);
 }

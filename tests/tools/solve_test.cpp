@@ -313,21 +313,21 @@ TEST_F(SolveTest, AParameterMayHaveTheNameOfARow) {
   EXPECT_EQ(result.symbol("cap_data").find()->level(), 3);
 }
 
-// x^2 - 3.2 x + y^2 - 4.6 y is (x - 1.6)^2 + (y - 2.3)^2 less 7.85: best at (1, 2) of the integers
-// with x + 2 y <= 5.
+// x^2 - 3.5 x + y^2 - 4.5 y is (x - 1.75)^2 + (y - 2.25)^2 less 8.125: best at (1, 2) of the
+// integers with x + 2 y <= 5.
 constexpr const char* kClosestPoint =
-    "Minimize\n o: - 3.2 x - 4.6 y + [ 2 x ^ 2 + 2 y ^ 2 ] / 2\nSubject To\n"
+    "Minimize\n o: - 3.5 x - 4.5 y + [ 2 x ^ 2 + 2 y ^ 2 ] / 2\nSubject To\n"
     " c: x + 2 y <= 5\nBounds\n x <= 9\n y <= 9\nGenerals\n x y\nEnd\n";
 
 TEST_F(SolveTest, SolvesIntegersWithProductsByBonmin) {
   write("m.lp", kClosestPoint);
   const std::string printed = ztbFine({"solve", "m.lp", "--show", "x", "--show", "y"});
-  EXPECT_THAT(printed, StartsWith("status      optimal, normal completion\nobjective   -7.4\n"));
+  EXPECT_THAT(printed, StartsWith("status      optimal, normal completion\nobjective   -7.5\n"));
   EXPECT_THAT(printed, HasSubstr("solver      bonmin\n"));
   const nlohmann::json told =
       nlohmann::json::parse(ztbFine({"solve", "m.lp", "--json", "--solver", "BONMIN"}));
   EXPECT_EQ(told["status"], "optimal");
-  EXPECT_NEAR(told["objective"].get<double>(), -7.4, 1e-9);
+  EXPECT_NEAR(told["objective"].get<double>(), -7.5, 1e-9);
 }
 
 TEST_F(SolveTest, TellsThatAModelWithIntegersAndProductsIsInfeasible) {
