@@ -36,7 +36,7 @@ void solveAfresh(Environment& env, Model& model, const char* solverName, double 
   const lomu::CatalogueRow* row = catalogue.row(catalogue.number(solverName));
   if (row == nullptr) {
     throw ModelError("there is no solver \"" + std::string(solverName) +
-                     "\" in the catalogue, or its library cannot be opened");
+                     "\": " + catalogue.whyNot(solverName));
   }
   lomu::LiveSolver solver(*row);
   solver.load(model);

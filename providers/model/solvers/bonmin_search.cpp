@@ -165,7 +165,7 @@ void search(const SolverProblem& problem, Search& search, SolverResult& result) 
 void searchByBonmin(const SolverProblem& problem, bool boundHolds, Watch& watch,
                     SolverResult& result) {
   result.hasPoint = false;
-  std::unique_lock<std::mutex> turn(*ztbIpoptTurn(), std::defer_lock);
+  std::unique_lock<std::mutex> turn(ipoptTurn(), std::defer_lock);
   if (!watch.waitFor(turn)) {
     result.outcome = watch.reason();
     return;

@@ -2,7 +2,7 @@
 #include "providers/model/solvers/ipopt_turn.h"
 #include "providers/model/solvers/solver_face.h"
 
-std::mutex* ztbIpoptTurn() {
+void* ztbIpoptTurn() {
   static std::mutex turn;
   return &turn;
 }

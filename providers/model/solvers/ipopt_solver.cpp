@@ -141,7 +141,7 @@ IpoptSolver::Run IpoptSolver::run(const SolverProblem& problem, Watch& watch,
     return run;
   }
 
-  std::unique_lock<std::mutex> lock(*ztbIpoptTurn(), std::defer_lock);
+  std::unique_lock<std::mutex> lock(ipoptTurn(), std::defer_lock);
   if (!watch.waitFor(lock)) {
     run.outcome = watch.reason();
     return run;

@@ -5,7 +5,16 @@
 
 #include <mutex>
 
-// Held during a run. Ipopt's library has it, and Bonmin's is linked with that one.
-extern "C" __attribute__((visibility("default"))) std::mutex* ztbIpoptTurn();
+// Ipopt's library has the lock, a std::mutex, and Bonmin's is linked with that one.
+extern "C" __attribute__((visibility("default"))) void* ztbIpoptTurn();
+
+namespace lomu {
+
+// Held during a run.
+inline std::mutex& ipoptTurn() {
+  return *static_cast<std::mutex*>(ztbIpoptTurn());
+}
+
+}  // namespace lomu
 
 #endif  // ZTB_PROVIDERS_MODEL_SOLVERS_IPOPT_TURN_H_
