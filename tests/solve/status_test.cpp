@@ -118,6 +118,23 @@ class Catalogues : public testing::Test {
   ztb::Model model_ = small(2);
 };
 
+TEST_F(Catalogues, WithoutASolverForTheKindOfModelIsTold) {
+  write("clp LP yes " ZTB_LIBRARY_FOLDER "/libztbclp.so\n");
+  ztb::Model model;
+  model.setOption("NameSysDir", folder_.file(""));
+  model.addProduct(0, model.addColumn("x", 0, 9, ztbColumnInteger), 0, 1);
+  ztb::Database database;
+  ztb::ModelTie tie(database, model);
+  try {
+    tie.solve();
+    FAIL();
+  } catch (const ztb::Error& error) {
+    EXPECT_STREQ(error.what(),
+                 "The model has integer columns and products of columns that can move. Invalid "
+                 "solver name: bonmin: the only solver is clp");
+  }
+}
+
 TEST_F(Catalogues, ASolverWithoutItsLibraryOnlyDropsItsRow) {
   const std::string libraries = ZTB_LIBRARY_FOLDER;
   write("gone LP yes libgone.so\nnosolver LP no " + libraries + "/libztbcclib64.so\nclp LP yes " +

@@ -340,13 +340,14 @@ TEST_F(SolveTest, TellsThatAModelWithIntegersAndProductsIsInfeasible) {
 TEST_F(SolveTest, SaysWhatToInstallForASolverWithoutItsLibrary) {
   write("m.lp", kClosestPoint);
   write("vltcmpNT.txt", "clp LP yes libztbclp.so\nbonmin MIQP no libztbbonmin.so\n");
-  const std::string why =
-      "Invalid solver name: bonmin: the solver cannot be opened: " + path("libztbbonmin.so") +
-      ": cannot open shared object file: No such file or directory (package "
-      "ztb-solvers)\n";
   const std::string option = "NameSysDir=" + path("");
   expectFails(
-      1, "ztb: m.lp: The model has integer columns and products of columns that can move. " + why,
+      1,
+      "ztb: m.lp: solver bonmin did not solve the model: there is no solver \"bonmin\": the "
+      "solver cannot be opened: " +
+          path("libztbbonmin.so") +
+          ": cannot open shared object file: No such file or directory (package "
+          "ztb-solvers)\n",
       {"solve", "m.lp", "--option", option});
 }
 
