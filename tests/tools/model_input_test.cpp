@@ -139,7 +139,7 @@ TEST_F(ModelInputTest, EachValueOfARecordHasToBeOneForAModel) {
     (record.*set)(notANumber);
     return failure(data);
   };
-  const std::string text = file("data.rxf") + ": ship(*): Bad value nan";
+  const std::string text = file("data.rxf") + ": ship(*): Bad value nan in ship(a)";
   EXPECT_EQ(variable(&ztb::Record::setLevel), text);
   EXPECT_EQ(variable(&ztb::Record::setMarginal), text);
   EXPECT_EQ(variable(&ztb::Record::setLower), text);
@@ -147,7 +147,7 @@ TEST_F(ModelInputTest, EachValueOfARecordHasToBeOneForAModel) {
 
   ztb::Database data;
   data.addEquation("need", 1, {"*"}).add("x").setMarginal(notANumber);
-  EXPECT_EQ(failure(data), file("data.rxf") + ": need(*): Bad value nan");
+  EXPECT_EQ(failure(data), file("data.rxf") + ": need(*): Bad value nan in need(x)");
 }
 
 }  // namespace

@@ -193,10 +193,18 @@ void ModelInput::applySolution(const ExchangeFile& file, const FileSymbol& sourc
   }
 }
 
+// What an error names is the symbol that the user knows.
+ztb::Symbol ModelInput::emptyValues(const std::string& name, int dimension) {
+  const std::optional<ztb::Symbol> last = scratch_.findSymbol(name);
+  if (!last) return scratch_.addSymbol(name, ztb::Type::parameter, anyLabels(dimension));
+  ztb::Symbol values = *last;
+  values.clear();
+  return values;
+}
+
 void ModelInput::applyField(const ExchangeFile& file, const FileSymbol& source,
                             const ztb::Symbol& target, ztb::Action action, std::size_t field) {
-  const std::string name = fmt::format("values{}", scratch_.symbolCount());
-  ztb::Symbol values = scratch_.addSymbol(name, ztb::Type::parameter, anyLabels(source.dimension));
+  ztb::Symbol values = emptyValues(target.name().str(), source.dimension);
   for (RecordWalk walk(file, source); walk.next();) {
     std::vector<const char*> keys = keysOf(file, walk);
     values.merge(ztb::Keys(keys)).setLevel(walk.values()[field]);
@@ -263,9 +271,7 @@ void ModelInput::applySetting(const std::string& setting) {
 
 void ModelInput::fixVariable(const ztb::Symbol& variable, const std::vector<const char*>& keys,
                              double value) {
-  const std::string name = fmt::format("values{}", scratch_.symbolCount());
-  ztb::Symbol values =
-      scratch_.addSymbol(name, ztb::Type::parameter, anyLabels(variable.dimension()));
+  ztb::Symbol values = emptyValues(variable.name().str(), variable.dimension());
   values.merge(ztb::Keys(keys)).setLevel(value);
   session_.update(variable, ztb::Action::fix, values, ztb::Missing::keep);
 }

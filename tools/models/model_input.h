@@ -33,6 +33,8 @@ class ModelInput {
  private:
   void applyParameter(const ExchangeFile& file, const FileSymbol& source);
   void applySolution(const ExchangeFile& file, const FileSymbol& source, const ztb::Symbol& target);
+  // The scratch symbol for values of a variable or equation, without records.
+  ztb::Symbol emptyValues(const std::string& name, int dimension);
   void applyField(const ExchangeFile& file, const FileSymbol& source, const ztb::Symbol& target,
                   ztb::Action action, std::size_t field);
   void fixVariable(const ztb::Symbol& variable, const std::vector<const char*>& keys, double value);
