@@ -273,8 +273,8 @@ const char* ztbModelConflictCondition(ztbModel* model);
 /* How far the running solve is, or how far the last one came: the objective of the best point that
  * it has found, and what no point can be better than, for as long as they are not known the
  * infinity that is worse and the one that is better. Gives 1 once either is known. cbc, glpk
- * and bonmin tell both in a search over integers, clp what its method has of the two, ipopt nothing. May be
- * called from another thread, and by a watch. */
+ * and bonmin tell both in a search over integers, clp what its method has of the two, ipopt
+ * nothing. May be called from another thread, and by a watch. */
 int ztbModelProgress(ztbModel* model, double* objective, double* bound);
 
 /* Has `watch` called now and then while a solve runs, by the thread that solves, with `context`:
@@ -328,9 +328,9 @@ int ztbModelWrite(ztbModel* model, const char* file);
 /* 1 if the catalogue file can be read, else 0 with the file, the line and what is wrong with it. */
 int ztbCatalogueCheck(const char* file, char* message, int messageSize);
 
-/* 1 if the catalogue file names the solver, letters in any case, and its library can be opened, else
- * 0 with the solvers that it names, or with what cannot be opened and the Debian package that has
- * it. A library without a directory is looked for beside the file. */
+/* 1 if the catalogue file names the solver, letters in any case, and its library can be opened,
+ * else 0 with the solvers that it names, or with what cannot be opened and the Debian package that
+ * has it. A library without a directory is looked for beside the file. */
 int ztbCatalogueSolver(const char* file, const char* solver, char* message, int messageSize);
 
 #ifdef __cplusplus
