@@ -65,10 +65,8 @@ if(ZTB_SANITIZE)
   # at, where clang's shared runtime ends at once.
   if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang" AND NOT ZTB_BUILD_FUZZERS AND runtime STREQUAL "asan")
     get_filename_component(folder ${ZTB_SANITIZER_RUNTIME} DIRECTORY)
-    set(shared $<NOT:$<BOOL:$<TARGET_PROPERTY:ZTB_OWN_RUNTIME>>>)
-    set(program $<STREQUAL:$<TARGET_PROPERTY:TYPE>,EXECUTABLE>)
-    target_link_options(ztb_options INTERFACE
-      $<${shared}:-shared-libsan> $<$<AND:${shared},${program}>:LINKER:-rpath,${folder}>)
+    target_link_options(ztb_options INTERFACE -shared-libsan
+      $<$<STREQUAL:$<TARGET_PROPERTY:TYPE>,EXECUTABLE>:LINKER:-rpath,${folder}>)
   endif()
 endif()
 
