@@ -1,11 +1,11 @@
 #include "sweep/chunk_solver.h"
 
 #include <fmt/format.h>
-#include <unistd.h>
 
 #include <exception>
 #include <filesystem>
 #include <fstream>
+#include <random>
 
 #include "tools/text/failure.h"
 
@@ -18,6 +18,15 @@ namespace {
 
 // What stands in the place of a basis where there is none to be had.
 constexpr const char* kNoBasis = "none";
+
+// A file of no other process, on no other machine either that shares the folder.
+std::string nameBeside(const std::string& file) {
+  const std::filesystem::path path(file);
+  std::random_device random;
+  return (path.parent_path() /
+          fmt::format(".{}.{:08x}{:08x}", path.filename().string(), random(), random()))
+      .string();
+}
 
 // No scenario can be solved.
 class NoSuchSolver : public Failure {
@@ -69,16 +78,17 @@ std::vector<std::string> ChunkSolver::notes() const {
 void ChunkSolver::prepare(const std::string& basisFile) {
   std::error_code error;
   if (!std::filesystem::exists(basisFile, error)) {
-    const std::filesystem::path path(basisFile);
-    const std::string made =
-        (path.parent_path() / fmt::format(".{}.{}", path.filename().string(), getpid())).string();
+    const std::string made = nameBeside(basisFile);
     bool hasBasis = isLinear_;
     if (hasBasis) {
       if (isUsed_) session_.renew();
       isUsed_ = true;
       try {
         solveModel();
-        session_.model().writeBasis(made);
+        // Where a solve was ended, its basis is that of a moment and not of the model.
+        if (stopped_) return;
+        hasBasis = session_.model().solveStatus() == ztbSolveNormal;
+        if (hasBasis) session_.model().writeBasis(made);
       } catch (const ztb::Error&) {
         hasBasis = false;
       }

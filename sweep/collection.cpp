@@ -171,8 +171,21 @@ class Collection {
     columns.flush();
   }
 
-  // The records of the run's scenarios, which stand together in the file, by the labels' numbers in
-  // the result.
+  // Whether the scenarios of the run come in their order in the file. They do not where a label of
+  // the model, which a solution before them brought in, is the label of a scenario too.
+  bool isInOrder(const ExchangeFile& file, const Run& run) {
+    int last = 0;
+    for (int own = 1; own <= file.labelCount(); ++own) {
+      const int scenario = number(file, own);
+      if (scenario <= run.first || scenario > run.end) continue;
+      if (scenario < last) return false;
+      last = scenario;
+    }
+    return true;
+  }
+
+  // The records of the run's scenarios by the labels' numbers in the result: a scenario at a time
+  // where they come in their order, else all of the run at once.
   void copyRecords(const Run& run, const std::string& name, int dimension, Columns& columns) {
     const ExchangeFile file(*run.file);
     const FileSymbol* symbol = file.findSymbol(name);
@@ -180,6 +193,7 @@ class Collection {
       throw Failure(withFile(*run.file, "has no parameter " + name + " as the other parts have"));
     }
     numberOf_.assign(static_cast<std::size_t>(file.labelCount()) + 1, 0);
+    const bool inOrder = isInOrder(file, run);
     std::vector<std::pair<std::vector<int>, double>> records;
     int present = 0;
     const auto leave = [&] {
@@ -190,7 +204,7 @@ class Collection {
     for (RecordWalk walk(file, *symbol); walk.next();) {
       const int scenario = number(file, walk.keys()[0]);
       if (scenario <= run.first || scenario > run.end) continue;
-      if (scenario != present) leave();
+      if (inOrder && scenario != present) leave();
       present = scenario;
       auto& [keys, value] = records.emplace_back();
       for (const int key : walk.keys()) keys.push_back(number(file, key));

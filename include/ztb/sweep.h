@@ -56,8 +56,8 @@ void ztbSweepFree(ztbSweep** sweep);
  *   over         set of it, or the name of first positions
  *   solver       of the catalogue; default: the standard one for the model
  *   report       variable or equation whose levels and marginals are kept; may be repeated
- *   chunk        scenarios of a chunk, 1 to 1000000; default: a sixty-fourth of the sweep, 1 to
- * 1000 time-limit   seconds that a solve may take */
+ *   chunk        scenarios of a chunk, 1 to 1000000; by default a sixty-fourth of all, 1 to 1000
+ *   time-limit   seconds that a solve may take */
 int ztbSweepOption(ztbSweep* sweep, const char* name, const char* value);
 
 /* Reads what there is to sweep over, and takes the checksums of all files. */

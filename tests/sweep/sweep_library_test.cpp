@@ -39,13 +39,17 @@ class SweepLibraryTest : public testing::Test {
   }
 
   void makeScenarios(int count) const {
+    std::vector<std::string> labels;
+    for (int number = 0; number < count; ++number) labels.push_back("s" + std::to_string(number));
+    makeScenarios(labels);
+  }
+  void makeScenarios(const std::vector<std::string>& labels) const {
     ztb::Database database;
     ztb::Symbol set = database.addSet("s", {"*"});
     ztb::Symbol wanted = database.addParameter("wanted", {set});
-    for (int number = 0; number < count; ++number) {
-      const std::string label = "s" + std::to_string(number);
-      set.add(label);
-      wanted.add(label).setLevel(1 + number * 5 % 9);
+    for (std::size_t number = 0; number < labels.size(); ++number) {
+      set.add(labels[number]);
+      wanted.add(labels[number]).setLevel(1 + static_cast<int>(number) * 5 % 9);
     }
     database.write(path("sc.rxf"));
   }
@@ -145,6 +149,32 @@ TEST_F(SweepLibraryTest, PartsOfSeveralChunksGiveTheSameResult) {
   EXPECT_EQ(result.symbol("a_level").recordCount(), 180);
 }
 
+// The labels of the items come into a part with the solution of its first scenario.
+TEST_F(SweepLibraryTest, AScenarioMayBeCalledAsALabelOfTheModel) {
+  const std::vector<std::string> labels{"s", "i5", "I2", "t", "i1"};
+  makeScenarios(labels);
+  for (const char* chunk : {"1", "3", "5"}) {
+    ztb::Sweep sweep;
+    open(sweep, chunk);
+    const std::string folder = path(std::string("parts") + chunk);
+    for (int number = 0; number < sweep.chunkCount(); ++number) {
+      ASSERT_TRUE(sweep.solve(folder, number));
+    }
+    sweep.publish(folder);
+    sweep.find(folder);
+    sweep.collect(path("out.rxf"));
+    const ztb::Database result = ztb::Database::open(path("out.rxf"));
+    std::map<std::string, double> bought;
+    for (ztb::Record& record : result["a_level"].records()) {
+      bought[record.key(0).str()] += record.level();
+    }
+    EXPECT_THAT(bought, testing::UnorderedElementsAre(testing::Pair("s", 1), testing::Pair("i5", 6),
+                                                      testing::Pair("I2", 2), testing::Pair("t", 7),
+                                                      testing::Pair("i1", 3)))
+        << chunk;
+  }
+}
+
 TEST_F(SweepLibraryTest, TellsWhatIsMissing) {
   makeScenarios(9);
   ztb::Sweep sweep;
@@ -186,6 +216,20 @@ TEST_F(SweepLibraryTest, AStoppedSweepKeepsWhatIsSolved) {
   EXPECT_EQ(sweep.state(0).missing, 3);
   EXPECT_TRUE(sweep.outcome(1));
   EXPECT_FALSE(sweep.outcome(2));
+}
+
+// Which one it would be depends on when the end came.
+TEST_F(SweepLibraryTest, ASolveOfTheModelThatWasEndedLeavesNoBasis) {
+  makeScenarios(2);
+  ztb::Sweep ended;
+  open(ended);
+  ended.stop();
+  EXPECT_FALSE(ended.solve(path("parts"), 0));
+  EXPECT_TRUE(std::filesystem::is_empty(path("parts")));
+  ztb::Sweep sweep;
+  open(sweep);
+  EXPECT_TRUE(sweep.solve(path("parts"), 0));
+  EXPECT_FALSE(std::filesystem::is_empty(path("parts")));
 }
 
 TEST_F(SweepLibraryTest, AnotherProcessFindsTheSweepInItsFolder) {
