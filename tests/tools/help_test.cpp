@@ -97,7 +97,7 @@ TEST_F(HelpTest, ZshCompletesCommandsAndOptions) {
         "zpty -r z seen '*--digits*' && print options\n"
         "zpty -w -n z $'\\x15ztb so\\t'\n"
         "zpty -r z seen '*solve*' && print commands\n");
-  EXPECT_EQ(shell("timeout 20 zsh -f type.zsh"), "options\ncommands\n");
+  EXPECT_EQ(shell("timeout 120 zsh -f type.zsh"), "options\ncommands\n");
 }
 
 // man tells of what roff does not understand.
