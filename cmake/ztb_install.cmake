@@ -7,6 +7,7 @@
 #                       ztb::formats for programs that read and write the files of others
 #                       (ztb/formats.h, ztb/arrow.h);
 #                       ztb::sweep for programs that solve sweeps (ztb/sweep.h, sweep.hpp);
+#                       ztb::view for programs that show files in the browser (ztb/view.h);
 #                       ztb::sql for programs that query databases in SQL (ztb/sql.h)
 #   pkg-config ztb      the same for other build systems; ztb-model, ztb-rxf, ztb-formats
 
@@ -40,6 +41,10 @@ install(TARGETS ztbsqlite LIBRARY DESTINATION ${ZTB_LIBRARY_FOLDER} COMPONENT li
 set_target_properties(ztbsweep PROPERTIES EXPORT_NAME sweep)
 install(TARGETS ztbsweep EXPORT ztb-targets LIBRARY DESTINATION ${ZTB_LIBRARY_FOLDER} COMPONENT libraries)
 add_library(ztb::sweep ALIAS ztbsweep)
+# Programs that show files in the browser link this one; the command opens it.
+set_target_properties(ztbview PROPERTIES EXPORT_NAME view)
+install(TARGETS ztbview EXPORT ztb-targets LIBRARY DESTINATION ${ZTB_LIBRARY_FOLDER} COMPONENT libraries)
+add_library(ztb::view ALIAS ztbview)
 # Programs that open models link this one, by ztb::model.
 install(TARGETS lomudclib64 EXPORT ztb-targets LIBRARY DESTINATION ${ZTB_LIBRARY_FOLDER} COMPONENT libraries)
 add_library(ztb::lomudclib64 ALIAS lomudclib64)

@@ -1,13 +1,11 @@
-#include <cmath>
 #include <cstdio>
 #include <ztb/column_names.hpp>
 
 #include "formats/json/json_lines.h"
+#include "formats/json/json_text.h"
 #include "formats/tables/byte_sink.h"
-#include "formats/tables/exact_text.h"
 #include "formats/tables/manifest.h"
 #include "tools/files/record_walk.h"
-#include "tools/text/number_text.h"
 #include "tools/text/words.h"
 
 namespace formats {
@@ -16,56 +14,18 @@ namespace {
 
 constexpr std::size_t pendingLimit = std::size_t{1} << 16U;
 
-// Lines of JSON on their way into a file. What has no UTF-8 is spelled out.
+// Lines of JSON on their way into a file.
 class JsonLines {
  public:
   explicit JsonLines(const std::string& path) : bytes_(makeBytes(path)) {}
 
-  void open() {
-    line_ += '{';
-    first_ = true;
-  }
-  void name(std::string_view name) {
-    if (!first_) line_ += ',';
-    first_ = false;
-    text(name);
-    line_ += ':';
-  }
-  void text(std::string_view text) {
-    constexpr std::string_view digits = "0123456789abcdef";
-    line_ += '"';
-    for (const char c : spelled(text, TextForm::json, room_)) {
-      const auto byte = static_cast<unsigned char>(c);
-      if (c == '"' || c == '\\') {
-        line_ += '\\';
-        line_ += c;
-      } else if (byte < ' ') {
-        line_ += "\\u00";
-        line_ += digits[byte >> 4U];
-        line_ += digits[byte & 15U];
-      } else {
-        line_ += c;
-      }
-    }
-    line_ += '"';
-  }
-  void number(double value) {
-    const tool::NumberText text(value);
-    if (tool::isSpecial(value) || !std::isfinite(value)) {
-      line_ += '"';
-      line_ += text.view();
-      line_ += '"';
-    } else {
-      line_ += text.view();
-      // Readers take "-0" for a whole number, which has no sign.
-      if (text.view() == "-0") line_ += ".0";
-    }
-  }
-  void raw(std::string_view chars) { line_ += chars; }
+  // The line that is being made, an object.
+  JsonText* operator->() { return &line_; }
   void close() {
-    line_ += "}\n";
-    pending_ += line_;
+    line_.endObject();
+    pending_ += line_.chars();
     line_.clear();
+    pending_ += '\n';
     if (pending_.size() > pendingLimit) flush();
   }
   void finish() {
@@ -80,10 +40,8 @@ class JsonLines {
   }
 
   std::unique_ptr<ByteSink> bytes_;
-  std::string line_;
+  JsonText line_;
   std::string pending_;
-  std::string room_;
-  bool first_ = true;
 };
 
 class JsonWriter : public TableWriter {
@@ -94,18 +52,18 @@ class JsonWriter : public TableWriter {
   void label(std::string_view text) override { this->text(text); }
   void text(std::string_view text) override {
     name();
-    lines_.text(text);
+    lines_->text(text);
   }
   void number(double value) override {
     name();
-    lines_.number(value);
+    lines_->number(value);
   }
   void missing() override {
     name();
-    lines_.raw("null");
+    lines_->null();
   }
   void endRow() override {
-    if (at_ == 0) lines_.open();
+    if (at_ == 0) lines_->beginObject();
     lines_.close();
     at_ = 0;
   }
@@ -114,8 +72,8 @@ class JsonWriter : public TableWriter {
 
  private:
   void name() {
-    if (at_ == 0) lines_.open();
-    lines_.name(head_.columns[at_++].name);
+    if (at_ == 0) lines_->beginObject();
+    lines_->name(head_.columns[at_++].name);
   }
 
   JsonLines lines_;
@@ -124,43 +82,40 @@ class JsonWriter : public TableWriter {
 };
 
 void writeTexts(JsonLines& lines, const std::vector<std::string>& texts) {
-  lines.raw("[");
-  for (std::size_t at = 0; at < texts.size(); ++at) {
-    if (at > 0) lines.raw(",");
-    lines.text(texts[at]);
-  }
-  lines.raw("]");
+  lines->beginArray();
+  for (const std::string& text : texts) lines->text(text);
+  lines->endArray();
 }
 
 // What must follow, so that a file without its end is no smaller database.
 void writeCounts(JsonLines& lines, std::size_t symbols, std::size_t labels) {
-  lines.open();
-  lines.name("symbols");
-  lines.number(static_cast<double>(symbols));
-  lines.name("labels");
-  lines.number(static_cast<double>(labels));
+  lines->beginObject();
+  lines->name("symbols");
+  lines->number(static_cast<double>(symbols));
+  lines->name("labels");
+  lines->number(static_cast<double>(labels));
   lines.close();
 }
 
 void writeSymbol(JsonLines& lines, const ManifestEntry& entry, std::size_t records) {
-  lines.open();
-  lines.name("symbol");
-  lines.text(entry.name);
-  lines.name("type");
-  lines.text(tool::typeWord(entry.type));
-  lines.name("domains");
+  lines->beginObject();
+  lines->name("symbol");
+  lines->text(entry.name);
+  lines->name("type");
+  lines->text(tool::typeWord(entry.type));
+  lines->name("domains");
   writeTexts(lines, entry.domains);
-  lines.name("user_info");
-  lines.number(entry.userInfo);
+  lines->name("user_info");
+  lines->number(entry.userInfo);
   if (!entry.aliasOf.empty()) {
-    lines.name("alias_of");
-    lines.text(entry.aliasOf);
+    lines->name("alias_of");
+    lines->text(entry.aliasOf);
   } else {
-    lines.name("records");
-    lines.number(static_cast<double>(records));
+    lines->name("records");
+    lines->number(static_cast<double>(records));
   }
-  lines.name("text");
-  lines.text(entry.text);
+  lines->name("text");
+  lines->text(entry.text);
   lines.close();
 }
 
@@ -178,9 +133,9 @@ void writeJsonDatabase(const DatabaseExport& database) {
     writeSymbol(lines, describe(file, *symbol), symbol->recordCount);
   }
   for (int number = 1; number <= file.labelCount(); ++number) {
-    lines.open();
-    lines.name("label");
-    lines.text(file.label(number));
+    lines->beginObject();
+    lines->name("label");
+    lines->text(file.label(number));
     lines.close();
   }
   for (const tool::FileSymbol* symbol : database.symbols) {
@@ -188,24 +143,19 @@ void writeJsonDatabase(const DatabaseExport& database) {
     database.progress.step("writing " + symbol->name);
     const std::vector<std::string> contents = ztb::contentColumns(symbol->type);
     for (tool::RecordWalk record(file, *symbol); record.next();) {
-      lines.open();
-      lines.name("of");
-      lines.text(symbol->name);
-      lines.name("keys");
-      lines.raw("[");
-      bool first = true;
-      for (const int key : record.keys()) {
-        if (!first) lines.raw(",");
-        first = false;
-        lines.text(file.label(key));
-      }
-      lines.raw("]");
+      lines->beginObject();
+      lines->name("of");
+      lines->text(symbol->name);
+      lines->name("keys");
+      lines->beginArray();
+      for (const int key : record.keys()) lines->text(file.label(key));
+      lines->endArray();
       for (std::size_t at = 0; at < contents.size(); ++at) {
-        lines.name(contents[at]);
+        lines->name(contents[at]);
         if (symbol->type == ztb::Type::set) {
-          lines.text(record.text());
+          lines->text(record.text());
         } else {
-          lines.number(record.values()[at]);
+          lines->number(record.values()[at]);
         }
       }
       lines.close();

@@ -57,6 +57,9 @@ void addSolveCommand(CommandLine& line);
 // file.
 void addSweepCommand(CommandLine& line);
 
+// ztb view FILE [FILE]: files in the browser.
+void addViewCommand(CommandLine& line);
+
 // ztb help COMMAND: the help of a command.
 void addHelpCommand(CommandLine& line);
 

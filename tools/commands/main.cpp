@@ -32,7 +32,7 @@ constexpr Adder kAdders[] = {
     {"where", tool::addWhereCommand},   {"aggregate", tool::addAggregateCommand},
     {"pivot", tool::addPivotCommand},   {"sql", tool::addSqlCommand},
     {"model", tool::addModelCommand},   {"solve", tool::addSolveCommand},
-    {"sweep", tool::addSweepCommand},
+    {"sweep", tool::addSweepCommand},   {"view", tool::addViewCommand},
 };
 
 // A command that the first word names stands alone, so that the options of the others cost its

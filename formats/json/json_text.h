@@ -1,0 +1,45 @@
+// JSON that is put together piece by piece. What has no UTF-8 is spelled out, as exact_text.h
+// tells; special values are the words of NumberText, as strings.
+#ifndef ZTB_FORMATS_JSON_JSON_TEXT_H_
+#define ZTB_FORMATS_JSON_JSON_TEXT_H_
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace formats {
+
+// Commas come by themselves. REQUIRES: within an object each value has its name before it.
+class JsonText {
+ public:
+  void beginObject() { begin('{'); }
+  void endObject() { end('}'); }
+  void beginArray() { begin('['); }
+  void endArray() { end(']'); }
+  void name(std::string_view name);
+
+  void text(std::string_view text);
+  void number(double value);
+  void count(std::size_t value);
+  void boolean(bool value);
+  void null();
+
+  // What stands so far; clear() begins anew.
+  [[nodiscard]] const std::string& chars() const { return chars_; }
+  void clear();
+
+ private:
+  void begin(char bracket);
+  void end(char bracket);
+  // Before each value.
+  void separate();
+  void quoted(std::string_view text);
+
+  std::string chars_;
+  std::string room_;
+  bool comma_ = false;
+};
+
+}  // namespace formats
+
+#endif  // ZTB_FORMATS_JSON_JSON_TEXT_H_

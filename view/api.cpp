@@ -1,0 +1,90 @@
+#include "view/api.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+namespace view {
+
+OpenedFile& Session::file(const Parameters& parameters, const char* name) {
+  return *files[parameters.number(name, 0, files.size() - 1)];
+}
+
+namespace {
+
+std::string_view kindWord(FileKind kind) {
+  return kind == FileKind::sweep ? "sweep" : "data";
+}
+
+void answerFiles(Question& question) {
+  formats::JsonText& answer = question.answer;
+  answer.beginObject();
+  answer.name("files");
+  answer.beginArray();
+  for (const auto& file : question.session.files) {
+    answer.beginObject();
+    answer.name("name");
+    answer.text(file->name());
+    answer.name("kind");
+    answer.text(kindWord(file->kind()));
+    answer.name("bytes");
+    answer.count(file->exchange().file().size());
+    answer.name("symbols");
+    answer.count(file->exchange().symbols().size());
+    answer.name("labels");
+    answer.count(static_cast<std::size_t>(file->exchange().labelCount()));
+    answer.endObject();
+  }
+  answer.endArray();
+  answer.name("version");
+  answer.text(ZTB_VERSION);
+  answer.endObject();
+}
+
+std::shared_ptr<Job> jobOf(Question& question) {
+  const std::string& id = question.parameters.text("of");
+  std::shared_ptr<Job> job = question.session.jobs.find(id);
+  if (!job) throw RequestError(404, "No request of this id runs.");
+  return job;
+}
+
+void answerProgress(Question& question) {
+  const std::shared_ptr<Job> job = jobOf(question);
+  formats::JsonText& answer = question.answer;
+  answer.beginObject();
+  answer.name("done");
+  answer.number(job->done());
+  answer.name("records");
+  answer.count(job->records());
+  answer.endObject();
+}
+
+void answerCancel(Question& question) {
+  jobOf(question)->cancel();
+  question.answer.beginObject();
+  question.answer.endObject();
+}
+
+void answerAlive(Question& question) {
+  question.answer.beginObject();
+  question.answer.endObject();
+}
+
+struct Path {
+  std::string_view name;
+  Answering answering;
+};
+
+constexpr Path paths[] = {
+    {"alive", answerAlive},       {"cancel", answerCancel}, {"files", answerFiles},
+    {"progress", answerProgress}, {"rows", answerRows},     {"symbols", answerSymbols},
+};
+
+}  // namespace
+
+Answering findAnswering(std::string_view path) {
+  const auto* const found = std::ranges::find(paths, path, &Path::name);
+  return found == std::end(paths) ? nullptr : found->answering;
+}
+
+}  // namespace view
