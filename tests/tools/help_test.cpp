@@ -41,7 +41,7 @@ TEST_F(HelpTest, OfACommandIsThatOfItsOption) {
 }
 
 TEST_F(HelpTest, BashCompletesCommandsOptionsAndChoices) {
-  EXPECT_EQ(offered("ztb p"), "pivot\n");
+  EXPECT_EQ(offered("ztb p"), "pivot\nplot\n");
   EXPECT_EQ(offered("ztb s"), "show\nsql\nsolve\nsweep\n");
   EXPECT_EQ(offered("ztb show f.rxf --s"), "--slice\n--sort\n--store\n");
   EXPECT_EQ(offered("ztb show f.rxf s --store \"\""), "map\nvector\ntrie\n");
@@ -63,7 +63,7 @@ TEST_F(HelpTest, OtherShellsGetTheSameOptions) {
     EXPECT_NE(fish.find(" -l " + option + " "), std::string::npos) << option;
   }
   const std::string commands =
-      "info show import export diff check copy merge concat rename where aggregate pivot sql model "
+      "info show import export diff check copy merge concat rename where aggregate pivot plot sql model "
       "solve sweep help completion manual";
   EXPECT_NE(zsh.find("':COMMAND:(" + commands + ")'"), std::string::npos);
   EXPECT_NE(fish.find("-f -n '__fish_seen_subcommand_from help' -a '" + commands + "'"),

@@ -90,7 +90,7 @@ TEST_F(MaxMemory, RefusesWhatIsNoSize) {
 
 TEST_F(MaxMemory, IsAnOptionOfEveryCommandThatOpensFiles) {
   for (const std::string command :
-       {"info", "show", "export", "diff", "check", "copy", "pivot", "solve", "sweep"}) {
+       {"info", "show", "export", "diff", "check", "copy", "pivot", "plot", "solve", "sweep"}) {
     EXPECT_NE(ztbFine({command, "--help"}).find("--max-memory"), std::string::npos) << command;
   }
   EXPECT_EQ(ztbFine({"import", "--help"}).find("--max-memory"), std::string::npos);

@@ -16,7 +16,7 @@ class UsageTest : public ProgramTest {};
 
 TEST_F(UsageTest, HelpOfEveryCommandHasAnExample) {
   for (const char* command : {"info", "show", "import", "export", "diff", "check", "copy", "pivot",
-                              "solve", "sweep", "help", "completion", "manual"}) {
+                              "plot", "solve", "sweep", "help", "completion", "manual"}) {
     const Outcome outcome = ztb({command, "--help"});
     EXPECT_EQ(outcome.status, 0) << command;
     EXPECT_EQ(outcome.errors, "") << command;

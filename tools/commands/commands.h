@@ -44,6 +44,9 @@ void addAggregateCommand(CommandLine& line);
 // ztb pivot FILE SYMBOL: a symbol as a two-way table.
 void addPivotCommand(CommandLine& line);
 
+// ztb plot FILE SYMBOL --x POSITION: a symbol as a chart.
+void addPlotCommand(CommandLine& line);
+
 // ztb sql FILE... QUERY: queries the symbols of files in SQL.
 void addSqlCommand(CommandLine& line);
 

@@ -30,4 +30,15 @@ std::vector<std::size_t> fieldsOf(const std::string& list, const FileSymbol& sym
   return fields;
 }
 
+ztb::Field oneFieldOf(const std::optional<std::string>& word, const FileSymbol& symbol) {
+  if (!word) {
+    return ztb::Field::level;
+  }
+  const std::vector<std::size_t> fields = fieldsOf(*word, symbol);
+  if (fields.size() != 1) {
+    throw UsageError(fmt::format("--field {}: one field is expected", *word));
+  }
+  return static_cast<ztb::Field>(fields.front());
+}
+
 }  // namespace tool

@@ -30,9 +30,10 @@ constexpr Adder kAdders[] = {
     {"copy", tool::addCopyCommand},     {"merge", tool::addMergeCommand},
     {"concat", tool::addConcatCommand}, {"rename", tool::addRenameCommand},
     {"where", tool::addWhereCommand},   {"aggregate", tool::addAggregateCommand},
-    {"pivot", tool::addPivotCommand},   {"sql", tool::addSqlCommand},
-    {"model", tool::addModelCommand},   {"solve", tool::addSolveCommand},
-    {"sweep", tool::addSweepCommand},   {"view", tool::addViewCommand},
+    {"pivot", tool::addPivotCommand},   {"plot", tool::addPlotCommand},
+    {"sql", tool::addSqlCommand},       {"model", tool::addModelCommand},
+    {"solve", tool::addSolveCommand},   {"sweep", tool::addSweepCommand},
+    {"view", tool::addViewCommand},
 };
 
 // A command that the first word names stands alone, so that the options of the others cost its

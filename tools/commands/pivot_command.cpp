@@ -15,6 +15,7 @@
 #include "tools/commands/commands.h"
 #include "tools/commands/field_option.h"
 #include "tools/commands/memory_option.h"
+#include "tools/commands/position_option.h"
 #include "tools/commands/table_options.h"
 #include "tools/files/exchange_file.h"
 #include "tools/files/slice_filter.h"
@@ -44,20 +45,6 @@ struct PivotOptions {
 
 using Positions = std::vector<std::size_t>;
 
-// The position that a word of --rows or --columns means: its number from 1, or the name of its
-// column.
-std::size_t positionOf(const std::string& word, const std::string& option, const FileSymbol& symbol,
-                       const std::vector<std::string>& keyColumns) {
-  for (std::size_t position = 0; position < keyColumns.size(); ++position) {
-    if (word == std::to_string(position + 1) || sameFolded(word, keyColumns[position])) {
-      return position;
-    }
-  }
-  throw UsageError(fmt::format("{}: '{}' is no position of {}, expected 1 to {} or one of {}",
-                               option, word, signature(symbol), keyColumns.size(),
-                               fmt::join(keyColumns, ", ")));
-}
-
 Positions positionsOf(const std::string& list, const std::string& option, const FileSymbol& symbol,
                       const std::vector<std::string>& keyColumns, Positions& taken) {
   Positions positions;
@@ -71,17 +58,6 @@ Positions positionsOf(const std::string& list, const std::string& option, const 
     taken.push_back(position);
   }
   return positions;
-}
-
-ztb::Field fieldOf(const std::optional<std::string>& word, const FileSymbol& symbol) {
-  if (!word) {
-    return ztb::Field::level;
-  }
-  const std::vector<std::size_t> fields = fieldsOf(*word, symbol);
-  if (fields.size() != 1) {
-    throw UsageError(fmt::format("--field {}: one field is expected", *word));
-  }
-  return static_cast<ztb::Field>(fields.front());
 }
 
 class PivotTable {
@@ -100,7 +76,7 @@ class PivotTable {
     const Positions rows = positionsOf(options.rows, "--rows", symbol_, keyColumns_, taken);
     const Positions columns =
         positionsOf(options.columns, "--columns", symbol_, keyColumns_, taken);
-    const ztb::Field field = fieldOf(options.field, symbol_);
+    const ztb::Field field = oneFieldOf(options.field, symbol_);
     SliceFilter filter;
     if (options.slice) {
       filter = SliceFilter(*options.slice, file_, symbol_);

@@ -3,10 +3,14 @@
 #include <fmt/format.h>
 #include <ztb/model.h>
 
+#include <cmath>
 #include <optional>
 #include <utility>
 
+#include "tools/charts/chart.h"
+#include "tools/charts/terminal_chart.h"
 #include "tools/text/output.h"
+#include "tools/text/screen.h"
 #include "tools/text/table_printer.h"
 #include "tools/text/words.h"
 
@@ -78,6 +82,27 @@ void SweepSummary::print(int kept, double seconds) const {
                         printable(sweep_.scenario(highest->second)));
   }
   tool::print(line);
+  if (lowest && outputIsTerminal()) printDistribution(lowest->first, highest->first);
+}
+
+void SweepSummary::printDistribution(double lowest, double highest) const {
+  constexpr std::size_t bins = 8;
+  constexpr std::size_t fewest = 10;
+  if (!std::isfinite(lowest) || !std::isfinite(highest)) return;
+  Histogram histogram(lowest, highest, bins);
+  std::size_t solved = 0;
+  for (int scenario = range_.first; scenario < range_.end; ++scenario) {
+    const auto outcome = sweep_.outcome(scenario);
+    if (!outcome || !outcome->objective) continue;
+    histogram.add(*outcome->objective);
+    ++solved;
+  }
+  // They are sooner read themselves.
+  if (solved < fewest) return;
+  const std::size_t width = tableWidth(std::nullopt);
+  tool::print(drawInTerminal(
+      histogram.chart(""), ChartType::bar,
+      {.width = width == 0 ? TerminalStyle{}.width : width, .ascii = !localeTakesUtf8()}));
 }
 
 }  // namespace tool

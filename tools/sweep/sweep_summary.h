@@ -19,10 +19,11 @@ class SweepSummary {
   // the others; `reasons` has more about some scenarios. Whether there was none.
   [[nodiscard]] bool reportUnsolved(const std::map<int, std::string>& reasons) const;
   // Counts, time and rate, and the extreme objectives, on standard output. `kept` of the scenarios
-  // stem from an earlier run.
+  // stem from an earlier run. On a terminal the distribution of the objectives stands below.
   void print(int kept, double seconds) const;
 
  private:
+  void printDistribution(double lowest, double highest) const;
   [[nodiscard]] std::string wordOf(const std::optional<ztb::Sweep::Outcome>& outcome) const;
 
   ztb::Sweep& sweep_;
