@@ -12,7 +12,7 @@ namespace {
 using tooltest::BackgroundProgram;
 using tooltest::Terminal;
 using SweepProgressTest = tooltest::EndlessSweepTest;
-using SweepEndTest = tooltest::SweepTest;
+using SweepChartTest = tooltest::SweepTest;
 
 TEST_F(SweepProgressTest, CountsTheScenariosThatAllWorkersHaveSolved) {
   makeScenarios(5, {5});
@@ -29,7 +29,7 @@ TEST_F(SweepProgressTest, CountsTheScenariosThatAllWorkersHaveSolved) {
 }
 
 // Counts of the objectives that are worked out by hand, in the bins that it shows.
-TEST_F(SweepEndTest, HasADistributionOnATerminal) {
+TEST_F(SweepChartTest, HasADistributionOnATerminal) {
   constexpr int scenarios = 40;
   makeScenarios(scenarios);
   Terminal terminal;

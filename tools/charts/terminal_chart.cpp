@@ -18,10 +18,10 @@ namespace tool {
 
 namespace {
 
-constexpr std::array<const char*, 6> kColours{"36", "33", "35", "32", "34", "31"};
-constexpr std::size_t kLongestLabel = 24;
+constexpr std::array<const char*, 6> kInks{"36", "33", "35", "32", "34", "31"};
+constexpr std::size_t kLongestWord = 24;
 
-std::string padded(std::string_view text, std::size_t width, bool right = false) {
+std::string paddedTo(std::string_view text, std::size_t width, bool right = false) {
   const std::size_t own = displayWidth(text);
   const std::string blanks(width > own ? width - own : 0, ' ');
   return right ? blanks + std::string(text) : std::string(text) + blanks;
@@ -39,7 +39,7 @@ class Drawing {
         type_(type),
         style_(style),
         range_(chart.range(type)),
-        hasColours_(style.colour && chart.series.size() <= kColours.size()),
+        hasColours_(style.colour && chart.series.size() <= kInks.size()),
         hasLetters_(chart.series.size() > 1 && !hasColours_) {}
 
   std::string lines() {
@@ -58,7 +58,7 @@ class Drawing {
   }
   [[nodiscard]] std::string coloured(const std::string& text, std::size_t series) const {
     if (!hasColours_ || chart_.series.size() < 2) return text;
-    return std::string("\x1b[") + kColours.at(series) + 'm' + text + "\x1b[0m";
+    return std::string("\x1b[") + kInks.at(series) + 'm' + text + "\x1b[0m";
   }
   [[nodiscard]] const char* sign(const char* block, const char* ascii) const {
     return style_.ascii ? ascii : block;
@@ -70,10 +70,10 @@ class Drawing {
     std::size_t nameWidth = 0;
     std::size_t valueWidth = 0;
     for (const std::string& label : chart_.labels) {
-      labelWidth = std::max(labelWidth, displayWidth(cutToWidth(label, kLongestLabel)));
+      labelWidth = std::max(labelWidth, displayWidth(cutToWidth(label, kLongestWord)));
     }
     for (const ChartSeries& series : chart_.series) {
-      nameWidth = std::max(nameWidth, displayWidth(cutToWidth(series.name, kLongestLabel)));
+      nameWidth = std::max(nameWidth, displayWidth(cutToWidth(series.name, kLongestWord)));
       for (const double value : series.values) {
         if (!std::isnan(value)) valueWidth = std::max(valueWidth, axisText(value).size());
       }
@@ -90,9 +90,9 @@ class Drawing {
         const double value = chart_.series[series].values[index];
         if (std::isnan(value)) continue;
         std::string line =
-            padded(isFirst ? cutToWidth(chart_.labels[index], kLongestLabel) : "", labelWidth);
+            paddedTo(isFirst ? cutToWidth(chart_.labels[index], kLongestWord) : "", labelWidth);
         if (nameWidth > 0) {
-          line += "  " + padded(cutToWidth(chart_.series[series].name, kLongestLabel), nameWidth);
+          line += "  " + paddedTo(cutToWidth(chart_.series[series].name, kLongestWord), nameWidth);
         }
         const double width = all == 0 ? 0 : std::abs(value / 2) / all * static_cast<double>(room);
         endLine(lines_, line + "  " + bar(value, width, left, series));
@@ -143,7 +143,7 @@ class Drawing {
       tickOf[canvas.lineOf(down(canvas, axis, axis.ticks()[tick]))] = ticks[tick];
     }
     for (std::size_t line = 0; line < style_.height; ++line) {
-      std::string text = padded(tickOf[line], tickWidth, true) + ' ' +
+      std::string text = paddedTo(tickOf[line], tickWidth, true) + ' ' +
                          (tickOf[line].empty() ? sign("\u2502", "|") : sign("\u2524", "+"));
       for (std::size_t column = 0; column < columns; ++column) {
         text += signOf(canvas.cell(column, line), braille);
@@ -232,7 +232,7 @@ class Drawing {
     std::string line(margin, ' ');
     std::size_t end = 0;
     for (std::size_t index = 0; index < chart_.labels.size(); ++index) {
-      const std::string label = cutToWidth(chart_.labels[index], kLongestLabel);
+      const std::string label = cutToWidth(chart_.labels[index], kLongestWord);
       const std::size_t width = displayWidth(label);
       const std::size_t column = canvas.columnOf(across(canvas, chart_.places[index]));
       if (width > columns) continue;
@@ -250,7 +250,7 @@ class Drawing {
     std::size_t width = 0;
     for (std::size_t series = 0; series < chart_.series.size(); ++series) {
       const std::string name = (hasLetters_ ? mark(series) : std::string(sign("\u2588", "*"))) +
-                               ' ' + cutToWidth(chart_.series[series].name, kLongestLabel);
+                               ' ' + cutToWidth(chart_.series[series].name, kLongestWord);
       const std::size_t own = displayWidth(name);
       if (width > 0 && width + 2 + own > style_.width) {
         endLine(lines_, line);
