@@ -63,8 +63,9 @@ TEST_F(HelpTest, OtherShellsGetTheSameOptions) {
     EXPECT_NE(fish.find(" -l " + option + " "), std::string::npos) << option;
   }
   const std::string commands =
-      "info show import export diff check copy merge concat rename where aggregate pivot plot sql model "
-      "solve sweep help completion manual";
+      "info show import export diff check copy merge concat rename where aggregate pivot plot sql "
+      "model "
+      "solve sweep view help completion manual";
   EXPECT_NE(zsh.find("':COMMAND:(" + commands + ")'"), std::string::npos);
   EXPECT_NE(fish.find("-f -n '__fish_seen_subcommand_from help' -a '" + commands + "'"),
             std::string::npos);
