@@ -1,0 +1,120 @@
+// The records of a symbol.
+import * as api from './api.js';
+import {counted, dialog, h, numberText, problem, save, say, shown, tick, toClipboard} from './dom.js';
+import {asked, filterBar} from './filters.js';
+import * as state from './state.js';
+import {askForSymbol, heading} from './symbols.js';
+import {Windowed} from './windowed.js';
+
+const copied = 10000;
+const perRequest = 1000;
+
+const order = () => ({sort: state.get('sort'), desc: state.get('desc')});
+
+function toggleSort(column) {
+  const isSame = state.get('sort') === column;
+  const isDescending = state.get('desc') === '1';
+  state.set(isSame && isDescending ? {sort: '', desc: '', from: ''}
+    : {sort: column, desc: isSame ? '1' : '', from: ''});
+}
+
+// The columns that are shown, by their numbers.
+function shownColumns(symbol) {
+  const hidden = new Set(state.numbers('hide'));
+  return [...symbol.keys, ...symbol.values].map((_, index) => index).filter((index) => !hidden.has(index));
+}
+
+const isNumber = (symbol, index) => index >= symbol.keys.length && symbol.values[0] !== 'text';
+const cellText = (symbol, index, value) =>
+  isNumber(symbol, index) ? numberText(value) : value === '' && index >= symbol.keys.length ? '' : shown(value);
+
+function chooseColumns(symbol) {
+  const names = [...symbol.keys, ...symbol.values];
+  const hidden = new Set(state.numbers('hide'));
+  const box = dialog('Columns', h('fieldset', {}, h('legend', {}, 'Shown'),
+    names.map((name, index) => tick(shown(name), !hidden.has(index), (isShown) => {
+      if (isShown) hidden.delete(index); else hidden.add(index);
+    }))),
+  h('div', {class: 'row'}, h('button', {type: 'button', class: 'main', onclick: () => {
+    box.close();
+    if (hidden.size === names.length) return say('a column has to stay');
+    state.set({hide: [...hidden].sort((left, right) => left - right).join(',')});
+  }}, 'Apply'), h('button', {type: 'button', onclick: () => box.close()}, 'Cancel')));
+}
+
+// What is shown as text with tabs, up to so many rows.
+async function copyRows(context, total) {
+  const {symbol} = context;
+  const columns = shownColumns(symbol);
+  const names = [...symbol.keys, ...symbol.values];
+  const lines = [columns.map((index) => names[index]).join('\t')];
+  const end = Math.min(total, copied);
+  for (let from = 0; from < end; from += perRequest) {
+    const {rows} = await api.get('rows',
+      {...asked(context), ...order(), from, count: Math.min(perRequest, end - from)}, context.signal);
+    for (const row of rows) {
+      lines.push(columns.map((index) => isNumber(symbol, index) ? numberText(row[index])
+        : String(row[index]).replace(/[\t\r\n]/g, ' ')).join('\t'));
+    }
+  }
+  await toClipboard(lines.join('\n') + '\n',
+    end < total ? `the first ${counted(end, 'row')}` : counted(end, 'row'));
+}
+
+async function exportAs(context, format) {
+  const blob = await api.get('export',
+    {...asked(context), ...order(), hide: state.get('hide'), format}, context.signal);
+  save(blob, `${context.symbol.name.replace(/[^\w.-]/g, '_')}.${format}`);
+  say(`${counted(blob.size, 'byte')} saved`);
+}
+
+export async function tablePage(main, context) {
+  const {symbol} = context;
+  if (symbol === null) return askForSymbol(main, 'Table');
+  const columns = shownColumns(symbol);
+  const names = [...symbol.keys, ...symbol.values];
+  const total = h('span', {role: 'status', id: 'row-total'});
+  let rowCount = 0;
+  const table = new Windowed({
+    label: `Records of ${shown(symbol.name)}`,
+    first: Number(state.get('from')) || 0,
+    columns: columns.map((index) => ({
+      title: shown(names[index]),
+      id: `sort-${index}`,
+      number: isNumber(symbol, index),
+      order: state.get('sort') === names[index] ? (state.get('desc') === '1' ? 'desc' : 'asc') : '',
+      sort: () => toggleSort(names[index]),
+    })),
+    fetch: (from, count) => api.get('rows', {...asked(context), ...order(), from, count}, context.signal),
+    cells: (row) => columns.map((index) => cellText(symbol, index, row[index])),
+    moved: (first) => {
+      if (!context.signal.aborted) state.set({from: first === 0 ? '' : first}, {quietly: true});
+    },
+    counted: (count) => {
+      rowCount = count;
+      total.textContent = count === symbol.records ? counted(count, 'record')
+        : `${counted(count, 'record')} of ${symbol.records.toLocaleString('en-US')}`;
+    },
+  });
+  const act = (work) => async () => {
+    try {
+      await work();
+    } catch (error) {
+      if (error.name !== 'AbortError') say(error.message);
+    }
+  };
+  main.replaceChildren(heading(symbol), filterBar(context),
+    h('div', {class: 'row'}, total,
+      h('button', {type: 'button', id: 'columns', onclick: () => chooseColumns(symbol)}, 'Columns'),
+      h('button', {type: 'button', id: 'copy', onclick: act(() => copyRows(context, rowCount))}, 'Copy'),
+      ['csv', 'xlsx', 'rxf'].map((format) => h('button', {
+        type: 'button', id: `export-${format}`, onclick: act(() => exportAs(context, format)),
+      }, {csv: 'Save CSV', xlsx: 'Save Excel', rxf: 'Save RXF'}[format]))),
+    table.element);
+  try {
+    await table.open();
+  } catch (error) {
+    if (error.name === 'AbortError') throw error;
+    table.element.replaceWith(problem(error));
+  }
+}
