@@ -78,14 +78,14 @@ export function filterBar(context) {
   return h('form', {class: 'filters', role: 'search', 'aria-label': 'Filters', onsubmit: (event) => {
     event.preventDefault();
     state.set({where: where.value.trim(), from: ''});
-  }},
+  }}, h('span', {class: 'hint'}, 'Filter'),
   symbol.keys.map((name, position) => h('button', {
     type: 'button',
     id: `filter-${position}`,
     class: used(position) ? 'chip used' : 'chip',
     onclick: () => openFilter(context, position),
   }, used(position) ? `${shown(name)}: ${summary(position)}` : shown(name))),
-  where, h('button', {}, 'Filter'),
+  where, h('button', {}, 'Apply'),
   any && h('button', {type: 'button', id: 'no-filters', onclick: () => {
     const none = {where: '', from: ''};
     symbol.keys.forEach((_, position) => {
