@@ -185,13 +185,20 @@ CsvReader::RecordState CsvReader::readQuoted(ProblemList& problems) {
   const TextPosition opening = bounds_.back().at;
   take();
   while (true) {
-    const int c = take();
-    if (c == endOfFile) {
+    const char* begin = buffer_.get() + bufferBegin_;
+    const char* end = buffer_.get() + bufferEnd_;
+    const char* stop = std::find_if(begin, end, [](char c) { return c == '"' || c == '\n'; });
+    chars_.append(begin, stop);
+    bufferBegin_ += static_cast<std::size_t>(stop - begin);
+    column_ += static_cast<std::size_t>(stop - begin);
+    // Nothing is left of the block, or a quote or line end is in front.
+    if (stop == end) {
+      if (peek() != endOfFile) continue;
       problems.add(path_, opening, "the quote that opens here is never closed");
       return RecordState::unterminated;
     }
-    if (c != '"') {
-      chars_.push_back(static_cast<char>(c));
+    if (take() == '\n') {
+      chars_.push_back('\n');
       continue;
     }
     if (peek() == '"') {

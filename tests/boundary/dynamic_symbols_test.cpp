@@ -24,8 +24,10 @@ using Names = std::set<std::string>;
 class ElfFile {
  public:
   explicit ElfFile(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    bytes_.assign(std::istreambuf_iterator<char>(in), {});
+    std::ifstream in(path, std::ios::binary | std::ios::ate);
+    bytes_.resize(static_cast<size_t>(std::max<std::streamoff>(in.tellg(), 0)));
+    in.seekg(0);
+    in.read(bytes_.data(), static_cast<std::streamsize>(bytes_.size()));
     header_ = read<Elf64_Ehdr>(0);
     if (std::memcmp(header_.e_ident, ELFMAG, SELFMAG) != 0) {
       throw std::runtime_error(path + " is not an ELF file");

@@ -108,6 +108,7 @@ p.to_numpy().nothing
 
 def mypy(*arguments, folder):
     command = ["mypy", "--strict", f"--python-executable={sys.executable}"]
+    command.append(f"--config-file={PROJECT / 'pyproject.toml'}")
     said = subprocess.run(
         [*command, f"--cache-dir={folder}/cache", *arguments],
         cwd=folder, text=True, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
@@ -116,9 +117,8 @@ def mypy(*arguments, folder):
 
 
 def test_the_package_is_typed_throughout(tmp_path):
-    config = f"--config-file={PROJECT / 'pyproject.toml'}"
     sources = sorted(map(str, (PROJECT / "bindings/python/ztb").glob("*.py")))
-    code, said = mypy(config, *sources, folder=tmp_path)
+    code, said = mypy(*sources, folder=tmp_path)
     assert code == 0, said
 
 

@@ -2,9 +2,9 @@
 # An installed tree works wherever it is moved to, with no setting: the command, and programs in C and
 # C++ for each of its libraries that find it by its CMake package and by pkg-config.
 #
-#   installed_tree_test.sh BUILD_FOLDER SOURCE_FOLDER C_COMPILER CXX_COMPILER
+#   installed_tree_test.sh BUILD_FOLDER SOURCE_FOLDER C_COMPILER CXX_COMPILER CHECKING_COMPILER
 set -euo pipefail
-build=$1 source=$2 c_compiler=$3 cxx_compiler=$4
+build=$1 source=$2 c_compiler=$3 cxx_compiler=$4 checking_compiler=$5
 unset LD_LIBRARY_PATH
 
 folder=$(mktemp -d)
@@ -184,7 +184,7 @@ done
 # Headers stand alone.
 for header in "$tree"/include/ztb/*.hpp; do
   printf '#include <ztb/%s>\n' "$(basename "$header")" >alone.cpp
-  "$cxx_compiler" -std=c++20 -Wall -Wextra -Wpedantic -Wshadow -Werror -fsyntax-only \
+  "$checking_compiler" -std=c++20 -Wall -Wextra -Wpedantic -Wshadow -Werror -fsyntax-only \
     -I"$tree/include" alone.cpp
 done
 
