@@ -5,7 +5,6 @@
 #include <ztb/arrow.h>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <cstring>
 #include <exception>
@@ -17,6 +16,7 @@
 
 #include "bindings/python/native/database.h"
 #include "bindings/python/native/interruption.h"
+#include "bindings/python/native/message.h"
 #include "bindings/python/native/strings.h"
 #include "bindings/python/native/symbol.h"
 
@@ -25,7 +25,6 @@ namespace python {
 namespace {
 
 constexpr const char* streamName = "arrow_array_stream";
-using Message = std::array<char, 512>;
 
 // The library stands beside that of the database, and is opened when it is first needed.
 template <class Function>
@@ -38,12 +37,6 @@ Function* functionOf(const char* name) {
                      ztb::ErrorKind::noLibrary);
   }
   return reinterpret_cast<Function*>(found);
-}
-
-void require(int result, const Message& message, const char* operation) {
-  if (result == 0) {
-    throw ztb::Error(operation, message.data());
-  }
 }
 
 // What a stream keeps alive, and its turn while it reads.

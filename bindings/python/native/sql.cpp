@@ -4,7 +4,6 @@
 #include <ztb/sql.h>
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <limits>
 #include <memory>
@@ -13,13 +12,13 @@
 #include <vector>
 
 #include "bindings/python/native/database.h"
+#include "bindings/python/native/message.h"
 #include "bindings/python/native/strings.h"
 
 namespace python {
 
 namespace {
 
-using Message = std::array<char, 512>;
 using Named = std::pair<py::str, const Database*>;
 
 struct CloseSql {
@@ -29,12 +28,6 @@ struct CloseRows {
   void operator()(ztbSqlRows* rows) const { ztbSqlRowsClose(&rows); }
 };
 using Rows = std::unique_ptr<ztbSqlRows, CloseRows>;
-
-void require(int result, const Message& message, const char* operation) {
-  if (result == 0) {
-    throw ztb::Error(operation, message.data());
-  }
-}
 
 // A column of a result: doubles as long as there are only reals and nulls, which are NaNs there,
 // and Python's own objects from the first other thing on.
