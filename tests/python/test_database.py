@@ -1,6 +1,7 @@
 """A database as a mapping from names to symbols, and what it is made from."""
 
 import collections.abc
+import weakref
 
 import pytest
 
@@ -68,3 +69,22 @@ def test_what_no_alias_can_stand_for_is_refused(diet):
     with pytest.raises(TypeError, match=r"'food' \(str\) is no set, which alone an alias can"):
         diet.add_alias("dish", "food")
     assert "dish" not in diet
+
+
+def test_symbols_that_were_asked_for_do_not_keep_the_database():
+    database = ztb.Database()
+    database.add_parameter("p")[()] = 3
+    assert database["p"] == database["P"]
+    assert database["p"].name == database["P"].name == "p"
+    watch = weakref.ref(database)
+    del database
+    assert watch() is None
+
+
+def test_a_symbol_that_was_asked_for_is_gone_with_the_database():
+    database = ztb.Database()
+    database.add_parameter("p")
+    assert database["p"].dimension == 0
+    database.close()
+    with pytest.raises(ztb.Error, match="The database is closed"):
+        database["p"]

@@ -57,6 +57,9 @@ class Database(display.Shows, Home, Mapping[str, Symbol[Any]]):
             arguments.path(path)
         limit = 0 if max_memory is None else bytes_of(max_memory, "max_memory")
         super().__init__(_native.create(system_directory))
+        #: Symbols by each spelling that they were asked for by. Their objects would keep the
+        #: database alive; these do not.
+        self._found: Dict[str, Tuple[Any, _native.Symbol]] = {}
         self._system_directory = system_directory
         self._native.set_special_values(SPECIAL_VALUES)
         self._native.select_store(number)
@@ -202,11 +205,26 @@ class Database(display.Shows, Home, Mapping[str, Symbol[Any]]):
 
     def __getitem__(self, name: str) -> Symbol[Any]:
         """The symbol of a name, case folded; for an alias the set that it stands for."""
+        try:
+            kind, native = self._found[name]
+        except (KeyError, TypeError):
+            kind, native = self._find(name)
+        symbol: Symbol[Any] = kind(self, native)
+        return symbol
+
+    def _find(self, name: str) -> Tuple[Any, _native.Symbol]:
         if not isinstance(name, str):
             raise TypeError(f"{arguments.shown(name)} is no name of a symbol, which is a str")
         if name == "*":
             raise KeyError("* is the universe, no symbol; see Database.labels")
-        return cast("Symbol[Any]", self._wrap(self._native.find_symbol(name, False)))
+        native = self._native.find_symbol(name, False)
+        found = self._found[name] = (_CLASSES[native.type], native)
+        return found
+
+    def close(self) -> None:
+        """Frees the database; what was not written is lost. May be called again."""
+        self._found.clear()
+        super().close()
 
     def __contains__(self, name: object) -> bool:
         try:
