@@ -1,0 +1,93 @@
+// The files that the tests look at, made by the command.
+import {execFileSync} from 'node:child_process';
+import {copyFileSync, createWriteStream, existsSync, mkdtempSync, readdirSync, rmSync, writeFileSync} from 'node:fs';
+import {once} from 'node:events';
+import {tmpdir} from 'node:os';
+import path from 'node:path';
+import {project, ztb} from './browser.mjs';
+
+export const routes = path.join(project, '../shared/data/air-routes');
+export const hasRoutes = existsSync(path.join(routes, 'routes.csv'));
+
+export function newFolder() {
+  const folder = mkdtempSync(path.join(tmpdir(), 'ztb-view-data-'));
+  process.on('exit', () => rmSync(folder, {recursive: true, force: true}));
+  return folder;
+}
+
+// diet.rxf, and changed.rxf with other prices: one gone, one new, two changed.
+export function makeDiet(folder) {
+  const examples = path.join(project, 'examples/diet');
+  for (const name of readdirSync(examples)) {
+    if (/\.(csv|lp)$/.test(name)) copyFileSync(path.join(examples, name), path.join(folder, name));
+  }
+  ztb(folder, 'import', 'diet.rxf', '--from', 'foods.csv', '--set', 'food : unit "Foods and their units"',
+    '--parameter', 'price(food) = price_cents_1939', '--from', 'requirements.csv', '--set', 'nutrient',
+    '--parameter', 'requirement(nutrient) = daily_allowance', '--from', 'nutrition.csv',
+    '--parameter', 'nutrition(food, nutrient) = per_dollar');
+  ztb(folder, 'export', 'diet.rxf', 'price', '--to', 'price.csv');
+  const rows = ztb(folder, 'show', 'diet.rxf', 'price', '--csv').trim().split('\n').slice(1)
+    .filter((line) => !line.startsWith('Milk,'))
+    .map((line) => line.replace(/^Lard,.*/, 'Lard,1').replace(/^Sugar,.*/, 'Sugar,100'));
+  writeFileSync(path.join(folder, 'changed.csv'), `food,price\n${rows.join('\n')}\nTofu,7\n`);
+  ztb(folder, 'import', 'changed.rxf', '--from', 'changed.csv', '--parameter', 'price(food)');
+}
+
+// sweep.rxf, a thousand price scenarios, with scenarios.rxf beside it.
+export function makeSweep(folder, count = 1000) {
+  execFileSync(path.join(project, 'examples/diet/make_scenarios.py'), [String(count)], {cwd: folder});
+  ztb(folder, 'import', 'scenarios.rxf', '--from', 'scenarios.csv', '--set', 'scenario', '--from', 'foods.csv', '--set', 'food',
+    '--from', 'prices.csv', '--parameter', 'price(scenario, food) = index "Price beside that of 1939"');
+  ztb(folder, 'sweep', 'diet.lp', '--scenarios', 'scenarios.rxf', '--over', 'scenario', '--report', 'buy', '--out', 'sweep.rxf');
+}
+
+export function makeRoutes(folder) {
+  ztb(folder, 'import', 'routes.rxf', '--from', path.join(routes, 'airports.csv'), '--set', 'airport : name',
+    '--from', path.join(routes, 'routes.csv'), '--distinct-set', 'airline',
+    '--parameter', 'types(airline, from in airport, to in airport) = aircraft_types');
+}
+
+// big.rxf: 1000 x 100 x 100 records, whose value tells where they stand.
+export const bigValue = (i, j, k) => (i * 7 + j * 3 + k) % 1000;
+export async function makeBig(folder) {
+  const file = path.join(folder, 'big.csv');
+  const out = createWriteStream(file);
+  out.write('i,j,k,big\n');
+  for (let i = 0; i < 1000; ++i) {
+    let text = '';
+    for (let j = 0; j < 100; ++j) for (let k = 0; k < 100; ++k) text += `i${i},j${j},k${k},${bigValue(i, j, k)}\n`;
+    if (!out.write(text)) await once(out, 'drain');
+  }
+  out.end();
+  await once(out, 'finish');
+  ztb(folder, 'import', 'big.rxf', '--from', 'big.csv', '--parameter', 'big(i, j, k)');
+  rmSync(file);
+}
+
+// Labels that would do harm if they were taken for anything but text.
+export const hostile = [
+  '<script>alert(1)</script>',
+  '<img src=x onerror=alert(1)>',
+  '"><svg onload=alert(1)>',
+  "';alert(1)//",
+  '\u202Eright to left\u202C',
+  '{{constructor}} ${alert(1)} %3Cscript%3E',
+  '&lt;b&gt; &amp; &#x41;',
+  'x'.repeat(63),
+];
+export function makeHostile(folder) {
+  const quoted = (text) => `"${text.replace(/"/g, '""')}"`;
+  writeFileSync(path.join(folder, 'hostile.csv'), `label,other,evil\n${hostile.map((label, index) =>
+    `${quoted(label)},${quoted(hostile[(index + 1) % hostile.length])},${index}`).join('\n')}\n`);
+  ztb(folder, 'import', 'hostile.rxf', '--from', 'hostile.csv', '--set', 'all(label) : other "<b>bold</b> <script>alert(2)</script>"',
+    '--parameter', 'evil(label in all, other in all) "\u202E<img src=x onerror=alert(3)>"');
+}
+
+// The records of CSV as the command prints it, without quotes within fields.
+export const rowsOf = (csv) => csv.trim().split('\n').map((line) => {
+  const fields = [];
+  for (const [, quoted, plain] of line.matchAll(/(?:^|,)(?:"((?:[^"]|"")*)"|([^,]*))/g)) {
+    fields.push(quoted === undefined ? plain : quoted.replace(/""/g, '"'));
+  }
+  return fields;
+});
