@@ -63,7 +63,7 @@ class Busy {
     try {
       const answer = await request('progress', {of: this.id});
       if (answer.ok && Busy.current === this) {
-        const {done, records} = await answer.json();
+        const {done = 0, records = 0} = await answer.json();
         const bar = document.getElementById('busy-bar');
         if (done > 0) bar.value = done; else bar.removeAttribute('value');
         document.getElementById('busy-text').textContent =

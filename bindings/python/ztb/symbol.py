@@ -13,7 +13,7 @@ from typing import NamedTuple, Optional, Sequence, Tuple, TypeVar, Union, overlo
 import numpy as np
 import numpy.typing as npt
 
-from . import _native, arguments, arrays, arrow_data, display, texts, xarrays
+from . import _native, arguments, arrays, arrow_data, display, plots, texts, xarrays
 from .arrow_data import ArrowData
 from .errors import Error
 from .home import Home
@@ -343,6 +343,28 @@ class Symbol(display.Shows, MutableMapping[Any, Value]):
         tells what becomes of other NaNs, as for ``from_pandas``. For a set, true makes an element.
         """
         xarrays.fill(self, data, nan)
+
+    def plot(
+        self,
+        x: Union[str, int, None] = None,
+        by: Union[str, int, None] = None,
+        kind: Optional[str] = None,
+        *,
+        field: str = "level",
+        ax: Any = None,
+    ) -> Any:
+        """Draws the values with matplotlib, and gives the ``Axes`` that they are on.
+
+        ``x`` is the position that goes across and ``by`` one of which each label is a series: the
+        name of a column or a number from 0. ``kind`` is ``"line"``, ``"bar"``, ``"area"``,
+        ``"scatter"``, or ``"hist"``, the distribution of the values, which is drawn without ``x``.
+        Labels that are all numbers stand where their numbers do, others in the order of the
+        database. EPS is 0; what is undefined, missing or infinite is a gap. ``ax`` is drawn on where
+        it is given.
+        """
+        if self._native.type == _SET:
+            raise TypeError(f"{self.name} is a set, which has no values to draw")
+        return plots.plot(self, x, by, kind, field, ax)
 
     def violations(self) -> List[Violation]:
         """The records with a label outside the set that is its domain."""
