@@ -1,13 +1,13 @@
 // The viewer in a browser: starts the command and the browser, and gives pages that note whatever
 // goes wrong in them.
-import {spawn} from 'node:child_process';
+import {execFileSync, spawn} from 'node:child_process';
 import {createRequire} from 'node:module';
 import {mkdtempSync, rmSync} from 'node:fs';
 import {tmpdir} from 'node:os';
 import path from 'node:path';
-import {execFileSync} from 'node:child_process';
+import {fileURLToPath} from 'node:url';
 
-export const project = path.resolve(import.meta.dirname, '../..');
+export const project = path.resolve(path.dirname(fileURLToPath(import.meta.url)), '../..');
 const require = createRequire(path.join(project, 'build/browser/package.json'));
 const puppeteer = require('puppeteer-core');
 export const axeSource = require('axe-core').source;

@@ -97,14 +97,28 @@ def test_a_field_of_a_variable_on_axes_of_the_caller(db):
 @pytest.mark.parametrize(
     "arguments, said",
     [
-        ({"x": "food"}, "symbol holds has several records at one place; choose with by=, or sum them up first"),
-        ({"x": "plant"}, "x='plant' (str) is no position of symbol holds, expected one of food, nutrient or its number, from 0"),
-        ({"x": 0, "by": 2}, "by=2 (int) is no position of symbol holds, expected one of food, nutrient or its number, from 0"),
+        (
+            {"x": "food"},
+            "symbol holds has several records at one place; choose with by=, or sum them up first",
+        ),
+        (
+            {"x": "plant"},
+            "x='plant' (str) is no position of symbol holds, expected one of food, nutrient or its "
+            "number, from 0",
+        ),
+        (
+            {"x": 0, "by": 2},
+            "by=2 (int) is no position of symbol holds, expected one of food, nutrient or its "
+            "number, from 0",
+        ),
         ({"x": 0, "by": "food"}, "x= and by= are one position"),
         ({"by": 0}, "by= is given without x="),
         ({"kind": "bar"}, "bar: x= is missing, a position"),
         ({"x": 0, "kind": "hist"}, "a histogram is of values alone, without x="),
-        ({"x": 0, "kind": "pie"}, "kind='pie' (str): one of line, bar, area, scatter, hist is expected"),
+        (
+            {"x": 0, "kind": "pie"},
+            "kind='pie' (str): one of line, bar, area, scatter, hist is expected",
+        ),
     ],
 )
 def test_what_cannot_be_drawn_is_said(diet, arguments, said):
@@ -117,7 +131,9 @@ def test_a_wrong_field_and_a_set_are_said(db):
     x = db.add_variable("x", ["*"])
     with pytest.raises(ValueError) as error:
         x.plot(x=0, field="value")
-    assert str(error.value) == "field='value' (str): one of level, marginal, lower, upper, scale is expected"
+    assert str(error.value) == (
+        "field='value' (str): one of level, marginal, lower, upper, scale is expected"
+    )
     with pytest.raises(TypeError) as error:
         db.add_set("s").plot()
     assert str(error.value) == "s is a set, which has no values to draw"
@@ -128,5 +144,6 @@ def test_a_missing_matplotlib_is_named(diet, monkeypatch):
     with pytest.raises(ImportError) as error:
         diet["holds"].plot(x=0, by=1)
     assert str(error.value) == (
-        "matplotlib is needed for this: install the Debian package python3-matplotlib, or matplotlib by pip"
+        "matplotlib is needed for this: install the Debian package python3-matplotlib, or "
+        "matplotlib by pip"
     )

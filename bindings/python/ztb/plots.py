@@ -105,10 +105,10 @@ def plot(
     kind = kind or ("hist" if x is None else "line")
     if kind not in _KINDS:
         raise ValueError(f"kind={arguments.shown(kind)}: one of {', '.join(_KINDS)} is expected")
-    if (kind == "hist") != (x is None):
-        raise ValueError(
-            "a histogram is of values alone, without x=" if x is not None else f"{kind}: x= is missing, a position"
-        )
+    if kind == "hist" and x is not None:
+        raise ValueError("a histogram is of values alone, without x=")
+    if kind != "hist" and x is None:
+        raise ValueError(f"{kind}: x= is missing, a position")
     if x is None and by is not None:
         raise ValueError("by= is given without x=")
     columns = symbol._content_columns()
