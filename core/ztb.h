@@ -108,6 +108,9 @@ class ZTB : public ztbRec {
     return mapSpecialValue(specialValueMode, userSpecialValues, internalSpecialValues, value);
   }
   [[nodiscard]] double mapOut(double value) const {
+    if (isOrdinary(value)) {
+      return value;
+    }
     return mapSpecialValue(specialValueMode, internalSpecialValues, specialValues, value);
   }
 

@@ -44,6 +44,15 @@ constexpr bool sameBits(double a, double b) {
   return std::bit_cast<std::uint64_t>(a) == std::bit_cast<std::uint64_t>(b);
 }
 
+// False for the five internal values, NaNs and numbers at least as large as the one that stands for
+// undefined; true for nearly all others, after one look.
+constexpr bool isOrdinary(double value) {
+  constexpr std::uint64_t withoutSign = 0x7FFFFFFFFFFFFFFF;
+  constexpr auto undefined = std::bit_cast<std::uint64_t>(internalSpecialValues[0]);
+  const std::uint64_t size = std::bit_cast<std::uint64_t>(value) & withoutSign;
+  return size == 0 || size - 2 < undefined - 2;
+}
+
 // The mode that a caller's five values need.
 SpecialValueMode modeOf(const SpecialValues& values);
 

@@ -28,6 +28,9 @@ class RankTables {
                ? ranks_[position][static_cast<std::size_t>(label)]
                : 0;
   }
+  // The ranks at a position by label, and how many labels there are.
+  [[nodiscard]] const int* ranks(std::size_t position) const { return ranks_[position]; }
+  [[nodiscard]] std::size_t labels() const { return labels_; }
 
  private:
   std::vector<LabelRanks> tables_;

@@ -36,6 +36,41 @@ class Cube {
   bool isSet_;
 };
 
+// The cell of a record in a row-major cube, from 0; below 0 if a label is outside its domain.
+class CellFinder {
+ public:
+  CellFinder(const RankTables& ranks, const int* vDim, int dim)
+      : labels_(ranks.labels()), dim_(dim) {
+    for (int d = 0; d < dim; ++d) {
+      ranks_[static_cast<std::size_t>(d)] = ranks.ranks(static_cast<std::size_t>(d));
+      sizes_[static_cast<std::size_t>(d)] = vDim[d];
+    }
+  }
+
+  std::int64_t operator()(const int* keys) const { return at<0>(keys); }
+  // The same where the number of positions, unless 0, is known to the compiler.
+  template <int knownDim>
+  [[nodiscard]] std::int64_t at(const int* keys) const {
+    const auto dim = static_cast<std::size_t>(knownDim > 0 ? knownDim : dim_);
+    std::int64_t cell = 0;
+    for (std::size_t d = 0; d < dim; ++d) {
+      const auto label = static_cast<std::size_t>(keys[d]);
+      const int rank = label < labels_ ? ranks_[d][label] : 0;
+      if (rank == 0) {
+        return -1;
+      }
+      cell = cell * sizes_[d] + rank - 1;
+    }
+    return cell;
+  }
+
+ private:
+  std::array<const int*, dmap::maxDimension> ranks_ = {};
+  std::array<std::int64_t, dmap::maxDimension> sizes_ = {};
+  std::size_t labels_;
+  int dim_;
+};
+
 // The slot to transfer: a parameter has one, a variable or equation five. False with
 // "Field %d is out of bounds [0,%d]".
 bool selectField(ZTB& db, const AbstractZTBSymbol& symbol, int& field) {
@@ -125,23 +160,51 @@ int sparseToDense(ZTB& db, void* cells, const int* vDim, void* sym, void* const*
   const Cube cube(cells, *symbol);
   cube.clear(size);
   *nDropped = 0;
-  int placed = 0;
-  symbol->forEachRecord([&](const int* keys, const double* values) {
-    std::int64_t cell = 0;
-    for (int d = 0; d < dim; ++d) {
-      const int rank = ranks.rank(static_cast<std::size_t>(d), keys[d]);
-      if (rank == 0) {
+  const CellFinder cellOf(ranks, vDim, dim);
+  if (isSet) {
+    int placed = 0;
+    symbol->forEachRecord([&](const int* keys, const double*) {
+      const std::int64_t cell = cellOf(keys);
+      if (cell < 0) {
         ++*nDropped;
-        return;
+      } else {
+        cube.put(cell, ++placed);
       }
-      cell = cell * vDim[d] + rank - 1;
-    }
-    if (isSet) {
-      cube.put(cell, ++placed);
-    } else {
-      cube.put(cell, db.mapOut(values[field]));
-    }
-  });
+    });
+    return success;
+  }
+  // All that a record needs lies together.
+  struct Placing {
+    CellFinder cellOf;
+    const ZTB* db;
+    double* cells;
+    std::size_t field;
+    int dropped;
+  } placing{cellOf, &db, static_cast<double*>(cells), static_cast<std::size_t>(field), 0};
+  const auto placeAll = [symbol, to = &placing]<int knownDim>() {
+    symbol->forEachRecord([to](const int* keys, const double* values) {
+      const std::int64_t cell = to->cellOf.at<knownDim>(keys);
+      if (cell < 0) {
+        ++to->dropped;
+      } else {
+        to->cells[cell] = to->db->mapOut(values[to->field]);
+      }
+    });
+  };
+  switch (dim) {
+    case 1:
+      placeAll.operator()<1>();
+      break;
+    case 2:
+      placeAll.operator()<2>();
+      break;
+    case 3:
+      placeAll.operator()<3>();
+      break;
+    default:
+      placeAll.operator()<0>();
+  }
+  *nDropped = placing.dropped;
   return success;
 }
 

@@ -32,6 +32,13 @@ TEST(SpecialValues, areTheNumbersOfThosePatterns) {
   EXPECT_EQ(std::numeric_limits<double>::denorm_min(), internalSpecialValues[4]);
 }
 
+TEST(SpecialValues, areNotOrdinary) {
+  for (const double value : internalSpecialValues) EXPECT_FALSE(isOrdinary(value)) << value;
+  for (const double value : {0.0, -0.0, 1.0, -1.0, 1e-300, 9.99e299, -9.99e299}) {
+    EXPECT_TRUE(isOrdinary(value)) << value;
+  }
+}
+
 TEST(SpecialValueMode, isNoneForTheInternalValues) {
   EXPECT_EQ(SpecialValueMode::none, modeOf(internalSpecialValues));
   EXPECT_EQ(0, static_cast<int>(SpecialValueMode::none));
