@@ -56,6 +56,8 @@ test('random clicking', async () => {
   assert.ok(done.length > 100, `${done.length} turns`);
   assert.deepEqual(page.problems, [], `seed ${seed}, last: ${done.slice(-12).join('; ')}`);
   await page.evaluate(() => document.querySelectorAll('dialog').forEach((dialog) => dialog.close()));
+  // A page that is loaded anew has its session still, and nothing in its search.
+  await page.reload();
   await view('view=symbols&f=1', '.list tbody tr');
   assert.equal(await page.$$eval('.list tbody tr', (rows) => rows.length), 2);
 }, {timeout: 3 * lasting});

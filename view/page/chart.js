@@ -41,7 +41,7 @@ export function spreadSeries({edges, counts}) {
 
 // Draws panels and gives the SVG that stands for all.
 function drawPanels(out, type, panels, name, signal, xName) {
-  const charts = panels.map((panel) => chartOf(type, panel.x, panel.series, `${name} ${panel.label}`));
+  const charts = panels.map((panel) => chartOf(type, panel.x, panel.series, `${name} ${shown(panel.label)}`, panels.length > 1));
   const names = panels[0]?.series.map(({label}) => label) ?? [];
   const place = h('div', {class: panels.length === 1 ? 'panels one' : 'panels'});
   out.replaceChildren(...[legend(type === 'line' || type === 'scatter' ? [] : names), place].filter(Boolean));

@@ -33,11 +33,13 @@ function range(type, series, count) {
   return low <= high ? [low, high] : [0, 1];
 }
 
-const size = {width: 760, height: 320, top: 14, bottom: 40, right: 14};
+const whole = {width: 760, height: 320, top: 14, bottom: 40, right: 14};
+const small = {...whole, width: 420, height: 240};
 
 // Where things stand.
 class Field {
-  constructor(type, x, places, series) {
+  constructor(type, x, places, series, size = whole) {
+    this.size = size;
     this.steps = ticks(...range(type, series, x.length));
     this.left = 18 + 6.4 * Math.max(...this.steps.map((tick) => shortNumber(tick).length));
     this.type = type;
@@ -47,18 +49,19 @@ class Field {
 
   down(value) {
     const [low, high] = [this.steps[0], this.steps.at(-1)];
-    return size.top + (high - value) / (high - low) * (size.height - size.top - size.bottom);
+    const {top, height, bottom} = this.size;
+    return top + (high - value) / (high - low) * (height - top - bottom);
   }
 
   get room() {
-    return (size.width - size.right - this.left) / Math.max(1, this.count);
+    return (this.size.width - this.size.right - this.left) / Math.max(1, this.count);
   }
 
   across(index) {
     if (this.type === 'bar') return this.left + (index + 0.5) * this.room;
     const [first, last] = [this.places[0], this.places.at(-1)];
     const share = first === last ? 0.5 : (this.places[index] - first) / (last - first);
-    return this.left + 8 + share * (size.width - size.right - this.left - 16);
+    return this.left + 8 + share * (this.size.width - this.size.right - this.left - 16);
   }
 }
 
@@ -66,6 +69,7 @@ const text = (x, y, anchor, words) =>
   svg('text', {x: x.toFixed(1), y: y.toFixed(1), 'text-anchor': anchor, 'font-size': 11, fill: style('--soft')}, words);
 
 function axes(field, x) {
+  const {size} = field;
   const parts = field.steps.map((tick) => svg('g', {},
     svg('path', {
       d: `M${field.left} ${field.down(tick).toFixed(1)}H${size.width - size.right}`,
@@ -93,7 +97,7 @@ function bars(field, x, series) {
     const top = field.down(Math.max(value, 0));
     return svg('rect', {
       x: (field.across(index) - field.room * 0.42 + width * number).toFixed(2), y: top.toFixed(2),
-      width: Math.max(0.5, width - 0.5).toFixed(2), height: Math.max(0.5, field.down(Math.min(value, 0)) - top).toFixed(2),
+      width: Math.max(0.5, width - 0.5).toFixed(2), height: (value === 0 ? 0 : Math.max(0.5, field.down(Math.min(value, 0)) - top)).toFixed(2),
       fill: colour(number),
     }, hint(x[index], label, value));
   }).filter(Boolean));
@@ -147,8 +151,9 @@ export function inOrder(x, series) {
 }
 
 // A chart of values y of series over labels x; `type` is line, bar, area or scatter.
-export function chartOf(type, x, series, name) {
-  const field = new Field(type, x, placesOf(x), series);
+export function chartOf(type, x, series, name, isSmall = false) {
+  const size = isSmall ? small : whole;
+  const field = new Field(type, x, placesOf(x), series, size);
   const drawn = {
     bar: () => bars(field, x, series),
     area: () => areas(field, series, x.length),
@@ -163,8 +168,8 @@ export function chartOf(type, x, series, name) {
 
 // Bands between quantiles, the middle one as a line.
 export function fanOf(x, bands, name) {
-  const places = placesOf(x);
-  const field = new Field('line', x, places, bands.map(({y}) => ({y})));
+  const size = whole;
+  const field = new Field('line', x, placesOf(x), bands.map(({y}) => ({y})));
   const point = (y, index) => `${field.across(index).toFixed(1)} ${field.down(y[index]).toFixed(1)}`;
   const parts = [];
   for (let number = 0; number < Math.floor(bands.length / 2); ++number) {
@@ -185,27 +190,30 @@ export function fanOf(x, bands, name) {
 
 // One picture of several charts, each with its title and all with one legend.
 export function together(charts, titles, names) {
-  const room = size.height + 26;
+  const width = charts[0].viewBox.baseVal.width;
+  const height = charts[0].viewBox.baseVal.height;
+  const room = height + 26;
   const foot = names.length > 1 ? 30 : 0;
-  const whole = svg('svg', {
-    xmlns: 'http://www.w3.org/2000/svg', viewBox: `0 0 ${size.width} ${charts.length * room + foot}`,
-    width: size.width, height: charts.length * room + foot, 'font-family': "system-ui,'DejaVu Sans',sans-serif",
-  }, svg('rect', {width: size.width, height: charts.length * room + foot, fill: style('--ground')}));
+  const picture = svg('svg', {
+    xmlns: 'http://www.w3.org/2000/svg', viewBox: `0 0 ${width} ${charts.length * room + foot}`,
+    width, height: charts.length * room + foot, 'font-family': "system-ui,'DejaVu Sans',sans-serif",
+  }, svg('rect', {width, height: charts.length * room + foot, fill: style('--ground')}));
   charts.forEach((chart, index) => {
-    whole.append(svg('text', {x: 16, y: index * room + 18, 'font-size': 14, fill: style('--ink')}, titles[index]));
+    picture.append(svg('text', {x: 16, y: index * room + 18, 'font-size': 14, fill: style('--ink')}, titles[index]));
     const copy = chart.cloneNode(true);
     copy.setAttribute('y', index * room + 24);
-    copy.setAttribute('width', size.width);
-    copy.setAttribute('height', size.height);
-    whole.append(copy);
+    copy.setAttribute('width', width);
+    copy.setAttribute('height', height);
+    picture.append(copy);
   });
+  if (names.length < 2) return picture;
   let x = 16;
-  names.length > 1 && names.forEach((name, index) => {
+  names.forEach((name, index) => {
     const y = charts.length * room + 18;
-    whole.append(svg('rect', {x, y: y - 10, width: 11, height: 11, fill: colour(index)}), text(x + 16, y, 'start', name));
+    picture.append(svg('rect', {x, y: y - 10, width: 11, height: 11, fill: colour(index)}), text(x + 16, y, 'start', name));
     x += 34 + name.length * 6.4;
   });
-  return whole;
+  return picture;
 }
 
 export function saveSvg(picture, name) {
