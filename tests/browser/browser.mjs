@@ -56,7 +56,7 @@ export class Browser {
     const origin = new URL(link).origin;
     page.problems = [];
     page.on('console', (message) => {
-      if (['error', 'warn'].includes(message.type())) page.problems.push(`console: ${message.text()}`);
+      if (['error', 'warn'].includes(message.type())) page.problems.push(`console: ${message.text()} ${message.location().url ?? ''}`.trimEnd());
     });
     page.on('pageerror', (error) => page.problems.push(`script: ${error.message}`));
     page.on('request', (request) => {

@@ -59,5 +59,5 @@ test('random clicking', async () => {
   // A page that is loaded anew has its session still, and nothing in its search.
   await page.reload();
   await view('view=symbols&f=1', '.list tbody tr');
-  assert.equal(await page.$$eval('.list tbody tr', (rows) => rows.length), 2);
+  assert.equal(await page.$$eval('.list tbody tr', (rows) => rows.length), 4);
 }, {timeout: 3 * lasting});

@@ -62,7 +62,9 @@ class Busy {
     if (Busy.current !== this) return;
     try {
       const answer = await request('progress', {of: this.id});
-      if (answer.ok && Busy.current === this) {
+      // It has ended, and its answer is on the way.
+      if (!answer.ok) return;
+      if (Busy.current === this) {
         const {done = 0, records = 0} = await answer.json();
         const bar = document.getElementById('busy-bar');
         if (done > 0) bar.value = done; else bar.removeAttribute('value');
@@ -99,6 +101,7 @@ async function answered(path, parameters, signal) {
   });
   try {
     const answer = await request(path, {...parameters, id}, gone.signal);
+    busy.close();
     if (!answer.ok) throw new Refused(answer.status, await reason(answer));
     return path === 'export' ? await answer.blob() : await answer.json();
   } catch (error) {

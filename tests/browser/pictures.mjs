@@ -1,0 +1,33 @@
+// Pictures of the viewer for the documents: node tests/browser/pictures.mjs FOLDER
+import path from 'node:path';
+import {Browser, go} from './browser.mjs';
+import {makeDiet, makeSweep, newFolder} from './data.mjs';
+
+const out = path.resolve(process.argv[2]);
+const folder = newFolder();
+makeDiet(folder);
+makeSweep(folder);
+
+const pictures = [
+  ['view-table', ['diet.rxf'], 'view=table&s=nutrition&sort=value&desc=1', 'light'],
+  ['view-pivot', ['diet.rxf'], 'view=pivot&s=nutrition&heat=1&p0=*beans*', 'light'],
+  ['view-chart', ['diet.rxf'], 'view=chart&s=nutrition&x=1&by=0&type=area&p0=*beans*', 'dark'],
+  ['view-compare', ['diet.rxf', 'changed.rxf'], 'view=compare&s=price', 'light'],
+  ['view-sweep', ['sweep.rxf'], 'view=sweep', 'light'],
+  ['view-model', ['diet.lp'], 'view=model', 'light'],
+];
+
+const browser = await Browser.start();
+try {
+  for (const [name, files, fragment, scheme] of pictures) {
+    const page = await browser.page(await browser.view(folder, ...files));
+    await page.setViewport({width: 1040, height: 600});
+    await page.emulateMediaFeatures([{name: 'prefers-color-scheme', value: scheme}]);
+    await go(page, fragment, 'h1');
+    if (page.problems.length > 0) throw new Error(page.problems.join('\n'));
+    await page.screenshot({path: path.join(out, `${name}.png`)});
+    await page.close();
+  }
+} finally {
+  await browser.end();
+}
