@@ -25,11 +25,10 @@ let running = null;
 const file = () => Math.min(Number(state.get('f')) || 0, found.files.length - 1);
 
 function offered() {
-  const kinds = found.files.map((one) => one.kind);
+  const {kind} = found.files[file()];
   return pages.filter(([name]) => {
-    if (name === 'sweep') return kinds[file()] === 'sweep';
-    if (name === 'model') return kinds[file()] === 'model';
-    return true;
+    if (kind === 'model' || name === 'model') return kind === name;
+    return name !== 'sweep' || kind === 'sweep';
   });
 }
 
