@@ -76,8 +76,10 @@ struct Path {
 };
 
 constexpr Path paths[] = {
-    {"alive", answerAlive},       {"cancel", answerCancel}, {"files", answerFiles},
-    {"progress", answerProgress}, {"rows", answerRows},     {"symbols", answerSymbols},
+    {"alive", answerAlive},       {"cancel", answerCancel},       {"counts", answerCounts},
+    {"files", answerFiles},       {"histogram", answerHistogram}, {"pivot", answerPivot},
+    {"progress", answerProgress}, {"rows", answerRows},           {"series", answerSeries},
+    {"symbols", answerSymbols},
 };
 
 }  // namespace

@@ -10,6 +10,7 @@
 #include "view/job.h"
 #include "view/opened_file.h"
 #include "view/parameters.h"
+#include "view/row_index.h"
 
 namespace view {
 
@@ -17,6 +18,7 @@ namespace view {
 struct Session {
   std::vector<std::unique_ptr<OpenedFile>> files;
   Jobs jobs;
+  RowIndexCache indexes;
 
   // The file that a parameter names by its number. Throws RequestError.
   [[nodiscard]] OpenedFile& file(const Parameters& parameters, const char* name = "f");
@@ -35,8 +37,12 @@ struct Question {
 using Answering = void (*)(Question& question);
 Answering findAnswering(std::string_view path);
 
-void answerSymbols(Question& question);
+void answerCounts(Question& question);
+void answerHistogram(Question& question);
+void answerPivot(Question& question);
 void answerRows(Question& question);
+void answerSeries(Question& question);
+void answerSymbols(Question& question);
 
 }  // namespace view
 

@@ -46,6 +46,11 @@ void JsonText::null() {
   chars_ += "null";
 }
 
+void JsonText::json(std::string_view value) {
+  separate();
+  chars_ += value;
+}
+
 void JsonText::clear() {
   comma_ = false;
   chars_.clear();

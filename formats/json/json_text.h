@@ -23,6 +23,8 @@ class JsonText {
   void count(std::size_t value);
   void boolean(bool value);
   void null();
+  // A value that is JSON already.
+  void json(std::string_view value);
 
   // What stands so far; clear() begins anew.
   [[nodiscard]] const std::string& chars() const { return chars_; }

@@ -20,6 +20,8 @@ class Groups {
   Groups(std::size_t keyWords, const std::string& folder, std::size_t most);
 
   void add(const std::uint64_t* key, double value);
+  // How many groups are held in memory.
+  [[nodiscard]] std::size_t held() const { return amounts_.size(); }
   // Visits the groups in ascending order of their keys.
   void walk(const std::function<void(const std::uint64_t* key, const Amount& amount)>& visit);
 

@@ -130,6 +130,10 @@ void ztbRxfRecordsClose(ztbRxfRecords** records);
  * nothing of the block is handed out then, and every further call gives -1 again. */
 int ztbRxfNextBlock(ztbRxfRecords* records);
 
+/* Goes behind the next `count` blocks and gives how many there were. Of these only the heads are
+ * read and verified. -1 as with ztbRxfNextBlock, also for its damage. */
+int ztbRxfSkipBlocks(ztbRxfRecords* records, int count);
+
 /* The records of the present block by columns: the label numbers at a position, and the values of a
  * slot, from 0. Records ascend by label numbers, the first position most significant. Special
  * values are those of c__ztbgetspecialvalues. Valid until the next call for these records. */

@@ -225,6 +225,17 @@ class RxfRecords {
     return count > 0;
   }
 
+  // Goes behind the next `count` blocks, of which only the heads are read, and gives how many there
+  // were. Throws as next() does.
+  int skip(int count) {
+    const int skipped = ztbRxfSkipBlocks(handle_, count);
+    size_ = 0;
+    if (skipped < 0) {
+      throw RxfDamage(ztbRxfMessage(handle_), detail::rxfErrorKind(), blockNumber(), blockOffset());
+    }
+    return skipped;
+  }
+
   // The present block: its records, and of these the label numbers at a position and the values of
   // a slot, from 0; none of one that there is not. Valid until next() or rewind().
   [[nodiscard]] std::size_t size() const noexcept { return size_; }

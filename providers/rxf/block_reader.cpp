@@ -20,15 +20,13 @@ void BlockReader::start(const SymbolEntry& entry, std::uint32_t number, std::str
   first_ = true;
 }
 
-void BlockReader::next(DecodedBlock& block) {
+// Has `work` take the next block, and moves behind that.
+template <class Work>
+void BlockReader::pass(const Work& work) {
   place_ = {index_, offset_, 0};
   std::uint64_t behind = offset_;
   try {
-    const FrameHead head = readBlock(index_, behind, block);
-    place_.checksum = head.bodyChecksum;
-    block.verify(head.count, entry_->dim, slotsOfType(entry_->type), labelCount_, decompressor_);
-    if (entry_->type == kTypeSet) block.verifyTextNumbers(textCount_);
-    checkOrder(block);
+    work(behind);
   } catch (const Malformed&) {
     file_.requireUnchanged();
     lost_ = behind == offset_;
@@ -42,6 +40,21 @@ void BlockReader::next(DecodedBlock& block) {
   file_.requireUnchanged();
   ++index_;
   offset_ = behind;
+}
+
+void BlockReader::next(DecodedBlock& block) {
+  pass([&](std::uint64_t& behind) {
+    const FrameHead head = readBlock(index_, behind, block);
+    place_.checksum = head.bodyChecksum;
+    block.verify(head.count, entry_->dim, slotsOfType(entry_->type), labelCount_, decompressor_);
+    if (entry_->type == kTypeSet) block.verifyTextNumbers(textCount_);
+    checkOrder(block);
+  });
+}
+
+void BlockReader::skip() {
+  pass([&](std::uint64_t& behind) { readHead(index_, behind); });
+  first_ = true;
 }
 
 // Throws Malformed when the records do not come behind those of the whole block before.
@@ -64,9 +77,9 @@ void BlockReader::again(const Place& place, DecodedBlock& block) {
   block.parse(head.count, entry_->dim, slotsOfType(entry_->type), labelCount_, decompressor_);
 }
 
-// Reads block `index` at `offset`, which moves behind the block as soon as its head is known to be
-// right, and checks it against its checksums. Throws Malformed, Failure.
-FrameHead BlockReader::readBlock(std::uint32_t index, std::uint64_t& offset, DecodedBlock& block) {
+// Reads the head of block `index` at `offset`, which moves behind the block as soon as the head is
+// known to be right. Throws Malformed, Failure.
+FrameHead BlockReader::readHead(std::uint32_t index, std::uint64_t& offset) const {
   const std::uint64_t end = entry_->dataOffset + entry_->dataLength;
   if (end - offset < kFrameHeadBytes) throw Malformed(DetailText("no room for its head"));
   FrameHead::Encoded bytes;
@@ -83,8 +96,14 @@ FrameHead BlockReader::readBlock(std::uint32_t index, std::uint64_t& offset, Dec
   if (head.count != expected) {
     throw Malformed(DetailText("%u records, expected %u", head.count, expected));
   }
+  return head;
+}
+
+// Reads all of the block, and checks it against its checksums.
+FrameHead BlockReader::readBlock(std::uint32_t index, std::uint64_t& offset, DecodedBlock& block) {
+  const FrameHead head = readHead(index, offset);
   std::uint8_t* body = block.body(head.bodyLength);
-  file_.read(bodyAt, body, head.bodyLength, where.c_str());
+  file_.read(offset - head.bodyLength, body, head.bodyLength, placeText(index).c_str());
   head.verifyBody(body);
   return head;
 }

@@ -51,6 +51,10 @@ class BlockReader {
   // one is not known there is none, and lost() holds. REQUIRES: not atEnd().
   void next(DecodedBlock& block);
 
+  // Goes behind the next block, of which the head alone is read and verified. Throws as next()
+  // does. REQUIRES: not atEnd().
+  void skip();
+
   // Whether the blocks behind the damaged one cannot be found.
   [[nodiscard]] bool lost() const { return lost_; }
 
@@ -63,6 +67,9 @@ class BlockReader {
   [[nodiscard]] DetailText damageText(std::uint32_t index, const char* reason) const;
 
  private:
+  template <class Work>
+  void pass(const Work& work);
+  FrameHead readHead(std::uint32_t index, std::uint64_t& offset) const;
   FrameHead readBlock(std::uint32_t index, std::uint64_t& offset, DecodedBlock& block);
   void checkOrder(const DecodedBlock& block);
 
@@ -79,7 +86,7 @@ class BlockReader {
   std::uint64_t offset_ = 0;
   Place place_;
   bool lost_ = false;
-  // Keys of the last record of the last whole block, unless there was none yet.
+  // Keys of the last record of the block before, unless there was none or it was not read.
   std::array<std::uint32_t, kMaxDimension> last_{};
   bool first_ = true;
 };

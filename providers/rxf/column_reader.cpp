@@ -34,11 +34,31 @@ std::uint32_t ColumnReader::next() {
   return number_ == 0 ? countLabels() : readBlock();
 }
 
+bool ColumnReader::skip() {
+  if (failure_ != nullptr) throw Failure(*failure_);
+  if (again_) {
+    again_ = false;
+    return true;
+  }
+  if (number_ == 0) return countLabels() > 0;
+  if (blocks_.atEnd()) return false;
+  pass([&] { blocks_.skip(); });
+  return true;
+}
+
 std::uint32_t ColumnReader::readBlock() {
   if (blocks_.atEnd()) return 0;
+  pass([&] { blocks_.next(decoded_); });
+  decode();
+  return count_;
+}
+
+// Has `work` go behind the next block, and remembers why it cannot.
+template <class Work>
+void ColumnReader::pass(const Work& work) {
   count_ = 0;
   try {
-    blocks_.next(decoded_);
+    work();
   } catch (const Malformed& malformed) {
     failure_ = std::make_unique<Failure>(
         ErrorNumber::damaged, blocks_.damageText(blocks_.place().index, malformed.what()));
@@ -51,8 +71,6 @@ std::uint32_t ColumnReader::readBlock() {
   block_ = blocks_.place().index + 1;
   offset_ = blocks_.place().offset;
   if (failure_ != nullptr) throw Failure(*failure_);
-  decode();
-  return count_;
 }
 
 void ColumnReader::decode() {

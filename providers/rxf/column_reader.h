@@ -30,6 +30,10 @@ class ColumnReader {
   // changed, readFailed, cutShort. std::bad_alloc leaves the block to be read again.
   std::uint32_t next();
 
+  // Goes behind the next block without reading its records; false behind the last. Throws as next()
+  // does.
+  bool skip();
+
   // The columns of the block that next() gave last. REQUIRES: position below the dimension, slot
   // below the number of values.
   [[nodiscard]] const std::int32_t* keys(int position) const {
@@ -52,6 +56,8 @@ class ColumnReader {
   [[nodiscard]] std::uint64_t blockOffset() const { return offset_; }
 
  private:
+  template <class Work>
+  void pass(const Work& work);
   std::uint32_t readBlock();
   std::uint32_t countLabels();
   void decode();

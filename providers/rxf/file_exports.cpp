@@ -248,6 +248,22 @@ RXF_EXPORT int ztbRxfNextBlock(ztbRxfRecords* records) {
   return count;
 }
 
+RXF_EXPORT int ztbRxfSkipBlocks(ztbRxfRecords* records, int count) {
+  if (records == nullptr) return -1;
+  int skipped = 0;
+  records->present = false;
+  records->message = {};
+  attempt(
+      [&] {
+        while (skipped < count && records->columns.skip()) ++skipped;
+      },
+      [&](const MessageText& text) {
+        records->message = text;
+        skipped = -1;
+      });
+  return skipped;
+}
+
 RXF_EXPORT const int* ztbRxfKeys(const ztbRxfRecords* records, int position) {
   if (records == nullptr || !records->present || position < 0 ||
       position >= records->columns.dimension()) {

@@ -96,6 +96,7 @@ TEST_F(RxfCTest, GivesNothingOfNullHandles) {
   EXPECT_EQ(ztbRxfNextBlock(nullptr), -1);
   EXPECT_EQ(ztbRxfKeys(nullptr, 0), nullptr);
   EXPECT_EQ(ztbRxfValues(nullptr, 0), nullptr);
+  EXPECT_EQ(ztbRxfSkipBlocks(nullptr, 1), -1);
   EXPECT_EQ(ztbRxfSkipDamage(nullptr), 0);
   EXPECT_STREQ(ztbRxfMessage(nullptr), "");
   EXPECT_EQ(ztbRxfBlockNumber(nullptr), 0);
@@ -181,6 +182,7 @@ TEST_F(RxfCTest, TheLibraryExportsTheseNamesOfItsOwn) {
                                           "ztbRxfRecordsOpen",
                                           "ztbRxfRewind",
                                           "ztbRxfSize",
+                                          "ztbRxfSkipBlocks",
                                           "ztbRxfSkipDamage",
                                           "ztbRxfSymbol",
                                           "ztbRxfSymbolCount",

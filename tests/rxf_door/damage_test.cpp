@@ -84,6 +84,29 @@ class RxfDamageTest : public testing::Test {
   std::array<std::size_t, 3> offsets_{};
 };
 
+// What is not read is not verified; a block that cannot be found is.
+TEST_F(RxfDamageTest, GoesBehindABlockByItsHead) {
+  damage(offsets_[1] + kHead + 3);
+  const ztb::RxfFile file(path_);
+  ztb::RxfRecords records(file, file.symbol("p"));
+  EXPECT_EQ(records.skip(2), 2);
+  ASSERT_TRUE(records.next());
+  EXPECT_EQ(records.size(), 9U);
+
+  damage(offsets_[1] + 16);
+  const ztb::RxfFile again(path_);
+  ztb::RxfRecords lost(again, again.symbol("p"));
+  try {
+    lost.skip(2);
+    ADD_FAILURE() << "a head that is wrong leads on";
+  } catch (const ztb::RxfDamage& damage) {
+    EXPECT_EQ(damage.block(), 2);
+    EXPECT_EQ(damage.offset(), offsets_[1]);
+    EXPECT_NE(std::string(damage.what()).find("block 2 of 3 of symbol p"), std::string::npos);
+  }
+  EXPECT_THROW(lost.next(), ztb::RxfDamage);
+}
+
 TEST_F(RxfDamageTest, ThrowsWithThePlaceAndStaysThere) {
   damage(offsets_[1] + kHead + 20);
   const ztb::RxfFile file(path_);

@@ -112,6 +112,44 @@ TEST_F(RxfRecordsTest, GivesTwentyPositions) {
   EXPECT_EQ(readAll(), symbol.records);
 }
 
+TEST_F(RxfRecordsTest, GoesBehindBlocksWithoutReadingThem) {
+  Symbol symbol{"p", kParameter, 2, 0, "", {}, 0, {}, ""};
+  for (int i = 0; i < static_cast<int>(3 * kBlock) + 5; ++i) {
+    symbol.records.push_back(record({1 + i / 1000, 1 + i % 1000}, {i * 1.0}));
+  }
+  writeSymbol(1000, symbol);
+  const ztb::RxfFile file(path_);
+  ztb::RxfRecords records(file, file.symbol(1));
+  EXPECT_EQ(records.skip(2), 2);
+  EXPECT_EQ(records.size(), 0U);
+  EXPECT_EQ(records.blockNumber(), 2);
+  ASSERT_TRUE(records.next());
+  EXPECT_EQ(records.size(), kBlock);
+  EXPECT_EQ(records.values(0)[0], 2.0 * kBlock);
+  EXPECT_EQ(records.skip(5), 1) << "one is left";
+  EXPECT_FALSE(records.next());
+  records.rewind();
+  EXPECT_EQ(records.skip(0), 0);
+  ASSERT_TRUE(records.next());
+  EXPECT_EQ(records.values(0)[1], 1.0);
+  // The first block is present again, and not read.
+  records.rewind();
+  EXPECT_EQ(records.skip(1), 1);
+  ASSERT_TRUE(records.next());
+  EXPECT_EQ(records.values(0)[0], 1.0 * kBlock);
+}
+
+TEST_F(RxfRecordsTest, GoesBehindBlocksOfTheUniverse) {
+  Symbol symbol{"p", kParameter, 1, 0, "", {record({1}, {1})}, 0, {}, ""};
+  writeSymbol(static_cast<int>(kBlock) + 2, symbol);
+  const ztb::RxfFile file(path_);
+  ztb::RxfRecords records(file, file.symbol("*"));
+  EXPECT_EQ(records.skip(1), 1);
+  ASSERT_TRUE(records.next());
+  EXPECT_EQ(records.size(), 2U);
+  EXPECT_EQ(records.keys(0)[0], static_cast<int>(kBlock) + 1);
+}
+
 TEST_F(RxfRecordsTest, GivesBlocksOf65536Records) {
   Symbol symbol{"p", kVariable, 3, 0, "", {}, 0, {}, ""};
   for (int i = 0; i < static_cast<int>(2 * kBlock) + 77; ++i) {

@@ -1,0 +1,60 @@
+// A walk over the records of a symbol that a request asks for, block by block, with its progress
+// told.
+#ifndef ZTB_VIEW_RECORD_SCAN_H_
+#define ZTB_VIEW_RECORD_SCAN_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "view/api.h"
+#include "view/record_filter.h"
+
+namespace view {
+
+class RecordScan {
+ public:
+  // The file, the symbol and the filter that the parameters name. The symbol's records count for
+  // the progress `times` times.
+  explicit RecordScan(Question& question, std::size_t times = 1);
+
+  [[nodiscard]] const OpenedFile& file() const { return file_; }
+  [[nodiscard]] const tool::FileSymbol& symbol() const { return symbol_; }
+  [[nodiscard]] std::size_t dimension() const {
+    return static_cast<std::size_t>(symbol_.dimension);
+  }
+  [[nodiscard]] const RecordFilter& filter() const { return filter_; }
+
+  // Goes to the next block; false behind the last. Throws Failure that names the file, and what
+  // Job::count throws.
+  bool next();
+  // The present block, how many of its records are asked for, and which, as 1.
+  [[nodiscard]] const ztb::RxfRecords& block() const { return records_; }
+  [[nodiscard]] std::size_t chosenCount() const { return chosenCount_; }
+  [[nodiscard]] const std::vector<std::uint8_t>& chosen() const { return chosen_; }
+  // Goes behind so many blocks.
+  void skip(std::size_t blocks);
+  void rewind() { records_.rewind(); }
+
+  // The label of a number.
+  [[nodiscard]] std::string_view label(int number) const { return file_.exchange().label(number); }
+
+  // The value that a parameter "field" names, the first without one. Throws RequestError, also for
+  // a set.
+  [[nodiscard]] int slot(const Parameters& parameters) const;
+  // A position that a parameter names. Throws RequestError.
+  [[nodiscard]] std::size_t position(const Parameters& parameters, const char* name) const;
+
+ private:
+  const OpenedFile& file_;
+  const tool::FileSymbol& symbol_;
+  RecordFilter filter_;
+  Job& job_;
+  ztb::RxfRecords records_;
+  std::vector<std::uint8_t> chosen_;
+  std::size_t chosenCount_ = 0;
+};
+
+}  // namespace view
+
+#endif  // ZTB_VIEW_RECORD_SCAN_H_

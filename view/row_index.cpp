@@ -1,0 +1,130 @@
+#include "view/row_index.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <numeric>
+
+#include "tools/files/record_order.h"
+#include "tools/text/words.h"
+#include "view/record_scan.h"
+
+namespace view {
+
+namespace {
+
+struct SortedRecord {
+  std::uint64_t key;
+  std::uint32_t number;
+};
+
+// The place of each of `count` texts, numbered from 1, in their order; 0 has the empty text.
+template <class TextOf>
+std::vector<std::uint64_t> placesOf(int count, const TextOf& textOf) {
+  std::vector<std::pair<std::string, int>> texts;
+  for (int number = 1; number <= count; ++number) {
+    texts.emplace_back(tool::folded(std::string(textOf(number))), number);
+  }
+  std::ranges::sort(texts);
+  std::vector<std::uint64_t> places(texts.size() + 1);
+  std::uint64_t place = 0;
+  for (std::size_t at = 0; at < texts.size(); ++at) {
+    if (at == 0 || texts[at].first != texts[at - 1].first) ++place;
+    places[static_cast<std::size_t>(texts[at].second)] = place;
+  }
+  return places;
+}
+
+// What a record of a block is sorted by.
+class SortKeys {
+ public:
+  SortKeys(const RecordScan& scan, const RowSort& sort)
+      : descending_(sort.descending), isPosition_(sort.column < scan.dimension()) {
+    const ztb::RxfFile& file = scan.file().exchange().file();
+    if (isPosition_) {
+      slot_ = static_cast<int>(sort.column);
+      places_ = placesOf(file.labelCount(), [&](int number) { return file.label(number); });
+    } else if (scan.symbol().type == ztb::Type::set) {
+      places_ = placesOf(file.textCount(), [&](int number) { return file.text(number); });
+    } else {
+      slot_ = static_cast<int>(sort.column - scan.dimension());
+    }
+  }
+
+  [[nodiscard]] std::uint64_t of(const ztb::RxfRecords& block, std::size_t record) const {
+    if (places_.empty()) return tool::orderOfValue(block.values(slot_)[record], descending_);
+    const std::size_t number = isPosition_ ? static_cast<std::size_t>(block.keys(slot_)[record])
+                                           : static_cast<std::size_t>(block.values(slot_)[record]);
+    return descending_ ? ~places_[number] : places_[number];
+  }
+
+ private:
+  bool descending_;
+  bool isPosition_;
+  int slot_ = 0;
+  std::vector<std::uint64_t> places_;
+};
+
+}  // namespace
+
+RowIndex wholeIndex(std::size_t records) {
+  RowIndex index;
+  index.total = records;
+  for (std::size_t at = 0; at < records; at += ZTB_RXF_BLOCK_RECORDS) index.before.push_back(at);
+  return index;
+}
+
+RowIndex makeRowIndex(RecordScan& scan, const std::optional<RowSort>& sort) {
+  RowIndex index;
+  std::optional<SortKeys> keys;
+  if (sort) keys.emplace(scan, *sort);
+  std::vector<SortedRecord> sorted;
+  std::uint32_t first = 0;
+  while (scan.next()) {
+    index.before.push_back(index.total);
+    index.total += scan.chosenCount();
+    if (keys) {
+      if (index.total > mostSorted) {
+        throw RequestError(
+            413, fmt::format("Only {} records can be sorted: filter them first.", mostSorted));
+      }
+      for (std::size_t record = 0; record < scan.block().size(); ++record) {
+        if (scan.chosen()[record] == 0) continue;
+        sorted.push_back(
+            {keys->of(scan.block(), record), first + static_cast<std::uint32_t>(record)});
+      }
+    }
+    first += static_cast<std::uint32_t>(scan.block().size());
+  }
+  if (!keys) return index;
+  index.before.clear();
+  std::ranges::sort(sorted, [](const SortedRecord& left, const SortedRecord& right) {
+    return left.key != right.key ? left.key < right.key : left.number < right.number;
+  });
+  index.order.reserve(sorted.size());
+  for (const SortedRecord& record : sorted) index.order.push_back(record.number);
+  return index;
+}
+
+std::shared_ptr<const RowIndex> RowIndexCache::find(const std::string& name) {
+  const std::lock_guard lock(mutex_);
+  const auto found = std::ranges::find(
+      indexes_, name, &std::pair<std::string, std::shared_ptr<const RowIndex>>::first);
+  if (found == indexes_.end()) return nullptr;
+  indexes_.splice(indexes_.begin(), indexes_, found);
+  return found->second;
+}
+
+void RowIndexCache::keep(const std::string& name, std::shared_ptr<const RowIndex> index) {
+  const std::lock_guard lock(mutex_);
+  indexes_.emplace_front(name, std::move(index));
+  std::size_t bytes = 0;
+  std::size_t count = 0;
+  for (auto kept = indexes_.begin(); kept != indexes_.end();) {
+    bytes += kept->second->bytes() + kept->first.size();
+    const bool fits = ++count == 1 || (bytes <= mostBytes && count <= mostIndexes);
+    kept = fits ? std::next(kept) : indexes_.erase(kept);
+  }
+}
+
+}  // namespace view
