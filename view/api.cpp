@@ -13,7 +13,14 @@ OpenedFile& Session::file(const Parameters& parameters, const char* name) {
 namespace {
 
 std::string_view kindWord(FileKind kind) {
-  return kind == FileKind::sweep ? "sweep" : "data";
+  switch (kind) {
+    case FileKind::sweep:
+      return "sweep";
+    case FileKind::model:
+      return "model";
+    default:
+      return "data";
+  }
 }
 
 void answerFiles(Question& question) {
@@ -28,11 +35,12 @@ void answerFiles(Question& question) {
     answer.name("kind");
     answer.text(kindWord(file->kind()));
     answer.name("bytes");
-    answer.count(file->exchange().file().size());
+    answer.count(file->bytes());
+    const bool isModel = file->kind() == FileKind::model;
     answer.name("symbols");
-    answer.count(file->exchange().symbols().size());
+    answer.count(isModel ? 0 : file->exchange().symbols().size());
     answer.name("labels");
-    answer.count(static_cast<std::size_t>(file->exchange().labelCount()));
+    answer.count(isModel ? 0 : static_cast<std::size_t>(file->exchange().labelCount()));
     answer.endObject();
   }
   answer.endArray();
@@ -76,10 +84,11 @@ struct Path {
 };
 
 constexpr Path paths[] = {
-    {"alive", answerAlive},       {"cancel", answerCancel},       {"counts", answerCounts},
-    {"files", answerFiles},       {"histogram", answerHistogram}, {"pivot", answerPivot},
-    {"progress", answerProgress}, {"rows", answerRows},           {"series", answerSeries},
-    {"symbols", answerSymbols},
+    {"alive", answerAlive},   {"cancel", answerCancel},       {"compare", answerCompare},
+    {"counts", answerCounts}, {"export", answerExport},       {"fan", answerFan},
+    {"files", answerFiles},   {"histogram", answerHistogram}, {"model", answerModel},
+    {"pivot", answerPivot},   {"progress", answerProgress},   {"rows", answerRows},
+    {"series", answerSeries}, {"sweep", answerSweep},         {"symbols", answerSymbols},
 };
 
 }  // namespace

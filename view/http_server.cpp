@@ -8,6 +8,9 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstdio>
+#include <filesystem>
+#include <system_error>
 #include <thread>
 
 namespace view {
@@ -95,6 +98,7 @@ HttpRequest requestOf(const httplib::Request& request) {
   result.hosts = headersOf(request, "Host");
   result.authorizations = headersOf(request, "Authorization");
   result.origins = headersOf(request, "Origin");
+  result.hasRange = request.has_header("Range");
   result.body = request.body;
   return result;
 }
@@ -145,7 +149,34 @@ class HttpServer::Implementation : public httplib::Server {
     response.status = answer.status;
     for (const auto& [name, value] : answer.headers) response.set_header(name, value);
     if (!answer.type.empty()) response.set_header("Content-Type", answer.type);
-    response.body = std::move(answer.body);
+    if (answer.file.empty()) {
+      response.body = std::move(answer.body);
+    } else {
+      sendFile(answer, response);
+    }
+  }
+
+  static void sendFile(const HttpAnswer& answer, httplib::Response& response) {
+    const std::shared_ptr<std::FILE> file(std::fopen(answer.file.c_str(), "rb"), [](std::FILE* f) {
+      if (f != nullptr) std::fclose(f);
+    });
+    std::error_code error;
+    const std::uintmax_t size = std::filesystem::file_size(answer.file, error);
+    if (file == nullptr || error) {
+      response.status = 500;
+      return;
+    }
+    if (size == 0) return;
+    response.set_content_provider(
+        size, answer.type,
+        [file, held = answer.held](std::size_t offset, std::size_t length,
+                                   httplib::DataSink& sink) {
+          std::array<char, 65536> piece;
+          if (fseeko(file.get(), static_cast<off_t>(offset), SEEK_SET) != 0) return false;
+          const std::size_t count =
+              std::fread(piece.data(), 1, std::min(piece.size(), length), file.get());
+          return count > 0 && sink.write(piece.data(), count);
+        });
   }
 
   bool process_and_close_socket(socket_t socket) override {

@@ -20,6 +20,8 @@ struct HttpRequest {
   std::vector<std::string> hosts;
   std::vector<std::string> authorizations;
   std::vector<std::string> origins;
+  // Whether a part of the answer is asked for.
+  bool hasRange = false;
   std::string body;  // of a POST
 };
 
@@ -27,6 +29,9 @@ struct HttpAnswer {
   int status = 200;
   std::string type;
   std::string body;
+  // A file in place of the body, which `held` keeps as long as it is read.
+  std::string file{};
+  std::shared_ptr<void> held{};
   std::vector<std::pair<std::string, std::string>> headers;
 };
 

@@ -3,14 +3,22 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <array>
 #include <filesystem>
 
+#include "tools/models/model_session.h"
 #include "tools/text/words.h"
 #include "view/parameters.h"
 
 namespace view {
 
 namespace {
+
+bool isModel(const std::string& path) {
+  return std::ranges::any_of(
+      std::array{".lp", ".mps", ".mod", ".lp.gz", ".mps.gz"},
+      [&](std::string_view ending) { return tool::folded(path).ends_with(ending); });
+}
 
 FileKind kindOf(const tool::ExchangeFile& file) {
   const tool::FileSymbol* status = file.findSymbol("sweep_status");
@@ -23,18 +31,32 @@ FileKind kindOf(const tool::ExchangeFile& file) {
 
 }  // namespace
 
-OpenedFile::OpenedFile(const std::string& path) : exchange_(path), kind_(kindOf(exchange_)) {}
+OpenedFile::OpenedFile(const std::string& path) : path_(path) {
+  if (isModel(path)) {
+    tool::openModel(path, "");
+    bytes_ = std::filesystem::file_size(path);
+    return;
+  }
+  exchange_ = std::make_unique<tool::ExchangeFile>(path);
+  kind_ = kindOf(*exchange_);
+  bytes_ = exchange_->file().size();
+}
+
+const tool::ExchangeFile& OpenedFile::exchange() const {
+  if (!exchange_) throw RequestError(400, name() + " is a model, which has no records");
+  return *exchange_;
+}
 
 std::string OpenedFile::name() const {
-  return std::filesystem::path(exchange_.path()).filename().string();
+  return std::filesystem::path(exchange_ ? exchange_->path() : path_).filename().string();
 }
 
 const tool::FileSymbol& OpenedFile::symbol(const std::string& name) const {
-  const tool::FileSymbol* found = exchange_.findSymbol(name);
+  const tool::FileSymbol* found = exchange().findSymbol(name);
   if (found == nullptr) {
     throw RequestError(404, fmt::format("{} has no symbol {}", this->name(), tool::inQuotes(name)));
   }
-  return exchange_.resolved(*found);
+  return exchange_->resolved(*found);
 }
 
 }  // namespace view

@@ -1,22 +1,27 @@
-// A file that the viewer shows.
+// A file that the viewer shows: an exchange file or, by its ending, a model.
 #ifndef ZTB_VIEW_OPENED_FILE_H_
 #define ZTB_VIEW_OPENED_FILE_H_
 
+#include <cstdint>
+#include <memory>
 #include <string>
 
 #include "tools/files/exchange_file.h"
 
 namespace view {
 
-enum class FileKind { data, sweep };
+enum class FileKind { data, sweep, model };
 
 class OpenedFile {
  public:
   // Throws Failure that names the file if it cannot be opened.
   explicit OpenedFile(const std::string& path);
 
-  [[nodiscard]] const tool::ExchangeFile& exchange() const { return exchange_; }
+  // Throws RequestError for a model.
+  [[nodiscard]] const tool::ExchangeFile& exchange() const;
   [[nodiscard]] FileKind kind() const { return kind_; }
+  [[nodiscard]] const std::string& path() const { return path_; }
+  [[nodiscard]] std::uint64_t bytes() const { return bytes_; }
   // Its name without the folder.
   [[nodiscard]] std::string name() const;
 
@@ -24,8 +29,11 @@ class OpenedFile {
   [[nodiscard]] const tool::FileSymbol& symbol(const std::string& name) const;
 
  private:
-  tool::ExchangeFile exchange_;
-  FileKind kind_;
+  std::string path_;
+  // Of a model none.
+  std::unique_ptr<tool::ExchangeFile> exchange_;
+  FileKind kind_ = FileKind::model;
+  std::uint64_t bytes_ = 0;
 };
 
 }  // namespace view

@@ -11,8 +11,20 @@
 namespace view {
 
 RecordScan::RecordScan(Question& question, std::size_t times)
-    : file_(question.session.file(question.parameters)),
-      symbol_(file_.symbol(question.parameters.text("s"))),
+    : RecordScan(question, times, question.session.file(question.parameters),
+                 question.parameters.text("s")) {}
+
+RecordScan::RecordScan(Question& question, SecondSide /*side*/)
+    : RecordScan(question, 1,
+                 question.session.file(question.parameters,
+                                       question.parameters.find("f2") != nullptr ? "f2" : "f"),
+                 question.parameters.text(question.parameters.find("s2") != nullptr ? "s2" : "s")) {
+}
+
+RecordScan::RecordScan(Question& question, std::size_t times, const OpenedFile& file,
+                       const std::string& symbol)
+    : file_(file),
+      symbol_(file_.symbol(symbol)),
       filter_(file_, symbol_, question.parameters),
       job_(question.job),
       records_(file_.exchange().file(), file_.exchange().file().symbol(symbol_.number)) {

@@ -17,6 +17,10 @@ class RecordScan {
   // The file, the symbol and the filter that the parameters name. The symbol's records count for
   // the progress `times` times.
   explicit RecordScan(Question& question, std::size_t times = 1);
+  // The same of "f2" and "s2", without which they are those of "f" and "s".
+  struct SecondSide {};
+  static constexpr SecondSide secondSide{};
+  RecordScan(Question& question, SecondSide side);
 
   [[nodiscard]] const OpenedFile& file() const { return file_; }
   [[nodiscard]] const tool::FileSymbol& symbol() const { return symbol_; }
@@ -46,6 +50,9 @@ class RecordScan {
   [[nodiscard]] std::size_t position(const Parameters& parameters, const char* name) const;
 
  private:
+  RecordScan(Question& question, std::size_t times, const OpenedFile& file,
+             const std::string& symbol);
+
   const OpenedFile& file_;
   const tool::FileSymbol& symbol_;
   RecordFilter filter_;

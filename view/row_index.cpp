@@ -3,7 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <numeric>
+#include <ztb/column_names.hpp>
 
 #include "tools/files/record_order.h"
 #include "tools/text/words.h"
@@ -106,25 +106,36 @@ RowIndex makeRowIndex(RecordScan& scan, const std::optional<RowSort>& sort) {
   return index;
 }
 
-std::shared_ptr<const RowIndex> RowIndexCache::find(const std::string& name) {
-  const std::lock_guard lock(mutex_);
-  const auto found = std::ranges::find(
-      indexes_, name, &std::pair<std::string, std::shared_ptr<const RowIndex>>::first);
-  if (found == indexes_.end()) return nullptr;
-  indexes_.splice(indexes_.begin(), indexes_, found);
-  return found->second;
+std::optional<RowSort> rowSortOf(const Question& question, const RecordScan& scan) {
+  const std::string* wanted = question.parameters.find("sort");
+  if (wanted == nullptr || wanted->empty()) return std::nullopt;
+  const tool::FileSymbol& symbol = scan.symbol();
+  std::vector<std::string> columns =
+      ztb::keyColumns(symbol.name, symbol.type, tool::domainNames(symbol));
+  for (const std::string& column : ztb::contentColumns(symbol.type)) columns.push_back(column);
+  const auto found = std::ranges::find_if(
+      columns, [&](const std::string& column) { return tool::sameFolded(column, *wanted); });
+  if (found == columns.end()) {
+    throw RequestError(400,
+                       fmt::format("{} has no column {}", symbol.name, tool::inQuotes(*wanted)));
+  }
+  return RowSort{.column = static_cast<std::size_t>(found - columns.begin()),
+                 .descending = question.parameters.flag("desc")};
 }
 
-void RowIndexCache::keep(const std::string& name, std::shared_ptr<const RowIndex> index) {
-  const std::lock_guard lock(mutex_);
-  indexes_.emplace_front(name, std::move(index));
-  std::size_t bytes = 0;
-  std::size_t count = 0;
-  for (auto kept = indexes_.begin(); kept != indexes_.end();) {
-    bytes += kept->second->bytes() + kept->first.size();
-    const bool fits = ++count == 1 || (bytes <= mostBytes && count <= mostIndexes);
-    kept = fits ? std::next(kept) : indexes_.erase(kept);
-  }
+std::shared_ptr<const RowIndex> rowIndexOf(Question& question, RecordScan& scan,
+                                           const std::optional<RowSort>& sort) {
+  const std::string name =
+      fmt::format("{} {} {} {}\n{}", question.parameters.text("f", "0"), scan.symbol().number,
+                  sort ? static_cast<long long>(sort->column) : -1, sort && sort->descending,
+                  scan.filter().words());
+  return question.session.indexes.get(name, [&] {
+    // Without filter and order nothing has to be read to know where rows stand.
+    if (!sort && scan.filter().takesAll()) return wholeIndex(scan.symbol().recordCount);
+    RowIndex index = makeRowIndex(scan, sort);
+    scan.rewind();
+    return index;
+  });
 }
 
 }  // namespace view

@@ -5,19 +5,18 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <list>
 #include <memory>
-#include <mutex>
 #include <optional>
-#include <string>
-#include <utility>
 #include <vector>
+
+#include "formats/json/json_text.h"
 
 namespace view {
 
 class RecordScan;
+struct Question;
 
-// By what rows are sorted; in the order of the file without it.
+// By what rows are sorted.
 struct RowSort {
   // A position, or behind these a value, or the text of a set.
   std::size_t column = 0;
@@ -39,35 +38,18 @@ struct RowIndex {
 // Records that can be sorted, in the memory that this takes.
 inline constexpr std::size_t mostSorted = std::size_t{1} << 24U;
 
-// Reads all records that the scan asks for. Throws RequestError beyond mostSorted.
-RowIndex makeRowIndex(RecordScan& scan, const std::optional<RowSort>& sort);
-
 // Of a table of all records in the order of the file.
 RowIndex wholeIndex(std::size_t records);
 
-// The indexes that were used last, as far as they fit.
-class RowIndexCache {
- public:
-  // What `make` gives, or what it gave before under this name.
-  template <class Make>
-  std::shared_ptr<const RowIndex> get(const std::string& name, const Make& make) {
-    if (std::shared_ptr<const RowIndex> found = find(name)) return found;
-    auto made = std::make_shared<const RowIndex>(make());
-    keep(name, made);
-    return made;
-  }
+// Reads all records that the scan asks for. Throws RequestError beyond mostSorted.
+RowIndex makeRowIndex(RecordScan& scan, const std::optional<RowSort>& sort);
 
- private:
-  static constexpr std::size_t mostBytes = std::size_t{256} << 20U;
-  static constexpr std::size_t mostIndexes = 64;
+// What the parameter "sort" names. Throws RequestError.
+std::optional<RowSort> rowSortOf(const Question& question, const RecordScan& scan);
 
-  std::shared_ptr<const RowIndex> find(const std::string& name);
-  void keep(const std::string& name, std::shared_ptr<const RowIndex> index);
-
-  std::mutex mutex_;
-  // The one that was used last stands first.
-  std::list<std::pair<std::string, std::shared_ptr<const RowIndex>>> indexes_;
-};
+// The index for a scan, made or kept. The scan stands before its first block.
+std::shared_ptr<const RowIndex> rowIndexOf(Question& question, RecordScan& scan,
+                                           const std::optional<RowSort>& sort);
 
 }  // namespace view
 

@@ -17,6 +17,10 @@ void answerSymbols(Question& question) {
     answer.endArray();
   };
   answer.beginArray();
+  if (file.kind() == FileKind::model) {
+    answer.endArray();
+    return;
+  }
   for (const tool::FileSymbol& symbol : file.exchange().symbols()) {
     // What is shown of an alias is its set.
     const tool::FileSymbol& shown = file.exchange().resolved(symbol);

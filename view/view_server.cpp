@@ -150,6 +150,7 @@ HttpAnswer ViewServer::checkedAnswer(const HttpRequest& request) {
     refused.headers.emplace_back("Allow", isSession ? "POST" : "GET");
     return refused;
   }
+  if (request.hasRange) throw RequestError(400, "Parts of an answer are not to be had.");
   if (isSession) return sessionAnswer(request);
   if (!request.path.starts_with("/api/")) return pageAnswer(request.path);
   requireKey(request);
@@ -207,8 +208,17 @@ HttpAnswer ViewServer::dataAnswer(const HttpRequest& request) {
   const Parameters parameters(request.parameters);
   Jobs::Running running(session_.jobs, parameters.text("id", ""));
   formats::JsonText json;
-  Question question{session_, parameters, running.job(), json};
+  Question question{session_, parameters, running.job(), json, {}};
   answering(question);
+  if (question.file) {
+    return {.status = 200,
+            .type = question.file->type,
+            .body = {},
+            .file = question.file->path,
+            .held = question.file,
+            .headers = {{"Content-Disposition",
+                         fmt::format("attachment; filename=\"{}\"", question.file->name)}}};
+  }
   return jsonAnswer(200, json.chars());
 }
 

@@ -44,7 +44,7 @@ with ztb.open("a.rxf") as db:
 
 # Each library opens, and all that are ours are the wheel's.
 libraries = [name for name in os.listdir(package) if name.startswith("lib")]
-expected = "ztbcclib64 rxfcclib64 ztbformats ztbsql ztbsweep lomudclib64 nmtmdclib64 ztbclp ztbcbc ztbglpk ztbipopt ztbbonmin"
+expected = "ztbcclib64 rxfcclib64 ztbformats ztbsql ztbsweep ztbview lomudclib64 nmtmdclib64 ztbclp ztbcbc ztbglpk ztbipopt ztbbonmin"
 assert sorted(libraries) == sorted(f"lib{name}.so" for name in expected.split()), libraries
 for name in libraries:
     ctypes.CDLL(os.path.join(package, name))

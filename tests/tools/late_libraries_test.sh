@@ -20,7 +20,7 @@ printf 'NAME small\nROWS\n N cost\n G least\nCOLUMNS\n x cost 2 least 1\nRHS\n R
 said=$(LD_DEBUG=files "$folder/bin/ztb" solve "$folder/small.mps" 2>"$folder/files") ||
   fail "small.mps was not solved: $said"
 grep -Eq '^objective +6$' <<<"$said" || fail "of small.mps it was said: $said"
-! grep -Eq 'calling init: .*(rxf|sql|formats|sweep)' "$folder/files" || fail 'a solve opened more than it needs'
+! grep -Eq 'calling init: .*(rxf|sql|formats|sweep|view)' "$folder/files" || fail 'a solve opened more than it needs'
 
 misses() {
   local library=$1
@@ -32,6 +32,7 @@ misses() {
 echo 'no file of ours' >"$folder/small.rxf"
 misses librxfcclib64.so info "$folder/small.rxf"
 misses libztbsweep.so sweep --collect --parts "$folder" --out "$folder/out.rxf"
+misses libztbview.so view "$folder/small.rxf"
 misses libztbsql.so sql "$folder/small.rxf" 'select 1'
 
 cp "$libraries/libnmtmdclib64.so" "$folder/lib/libztbsql.so"

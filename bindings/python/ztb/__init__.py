@@ -41,6 +41,7 @@ from .special import (
 from .sweeps import SweepResult, sweep
 from .symbol import Alias, Domain, Set, Symbol, Texts, Violation
 from .values import FIELDS, Values
+from .viewer import View
 
 #: The version of the package and of the library that it was built for.
 __version__: str = _native.version
@@ -85,6 +86,7 @@ __all__ = [
     "UNDEF",
     "Values",
     "Variable",
+    "View",
     "Violation",
     "__version__",
     "aggregate",

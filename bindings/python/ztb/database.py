@@ -5,7 +5,7 @@ from __future__ import annotations
 import os
 from typing import Any, Dict, Iterator, Iterable, List, Mapping, Optional, Tuple, Union, cast
 
-from . import _native, arguments, display, formats, partial, xarrays
+from . import _native, arguments, display, formats, partial, viewer, xarrays
 from .errors import MissingFileError
 from .home import Home
 from .numeric import Equation, Parameter, Variable
@@ -307,6 +307,11 @@ class Database(display.Shows, Home, Mapping[str, Symbol[Any]]):
         if isinstance(target, Alias):
             native = self._native.find_symbol(target.name, False)
         return cast(Alias, self._wrap(self._native.add_alias(name, native, "")))
+
+    def view(self, *, open_browser: Optional[bool] = None) -> viewer.View:
+        """Shows it in the browser as ``ztb view`` does, in a notebook as a frame: what it has now,
+        from a temporary file. ``open_browser`` overrules whether the browser is opened."""
+        return viewer.show_database(self, open_browser)
 
     # ---- how it shows itself ----
 

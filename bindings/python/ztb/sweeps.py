@@ -23,7 +23,7 @@ from typing import (
     Union,
 )
 
-from . import arguments, fills
+from . import arguments, fills, viewer
 from .database import Database
 from .driven import stated_positions, with_positions
 from .errors import DamagedFileError, Error, MissingFileError
@@ -62,6 +62,13 @@ class SweepResult:
     def path(self) -> Path:
         """The RXF file that holds them; one of its own goes with this object."""
         return self._path
+
+    def view(self, *, open_browser: Optional[bool] = None) -> viewer.View:
+        """Shows the results in the browser as ``ztb view`` does, in a notebook as a frame.
+        ``open_browser`` overrules whether the browser is opened."""
+        view = viewer.show([self._path], open_browser)
+        view.kept = self._folder
+        return view
 
     @property
     def database(self) -> Database:
