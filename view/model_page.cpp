@@ -28,32 +28,37 @@ std::string_view kindWord(const ztbModelFamily& family) {
   return family.isRow != 0 ? types.at(kind) : kinds.at(kind);
 }
 
-// Where a matrix has entries, told by the model written as MPS: rows and columns in the order of
-// the file, those that are many put together.
+// Where a matrix has entries: rows, the objective first, and columns as they come in the model
+// written as LP, or as MPS where a name cannot stand in LP. What is many is put together.
 class Picture {
  public:
-  explicit Picture(ztb::Model& model) {
+  explicit Picture(ztb::Model& model) : columns_(static_cast<std::size_t>(model.size().columns)) {
     const tool::ScratchFolder folder;
-    const std::string path = folder.file("model.mps");
-    model.write(path);
-    read(path);
+    try {
+      model.write(folder.file("model.lp"));
+      readLp(folder.file("model.lp"));
+    } catch (const ztb::Error&) {
+      model.write(folder.file("model.mps"));
+      readMps(folder.file("model.mps"));
+    }
   }
 
   void write(formats::JsonText& answer) const {
-    const std::size_t height = std::min(pictureSide, std::max<std::size_t>(rows_.size(), 1));
-    const std::size_t width = std::min(pictureSide, std::max<std::size_t>(columns_, 1));
+    const std::size_t height = std::min(pictureSide, rows_);
+    const std::size_t width = std::min(pictureSide, columns_);
     std::vector<std::size_t> counts(height * width);
     for (const auto& [row, column] : entries_) {
-      ++counts[row * height / rows_.size() * width + column * width / columns_];
+      ++counts[row * height / rows_ * width + column * width / columns_];
     }
+    const auto number = [&](const char* name, std::size_t value) {
+      answer.name(name);
+      answer.count(value);
+    };
     answer.name("matrix");
     answer.beginObject();
-    answer.name("rows");
-    answer.count(rows_.size());
-    answer.name("cols");
-    answer.count(columns_);
-    answer.name("entries");
-    answer.count(entries_.size());
+    number("rows", rows_);
+    number("cols", columns_);
+    number("entries", entries_.size());
     answer.name("density");
     answer.beginArray();
     for (std::size_t line = 0; line < height; ++line) {
@@ -66,36 +71,69 @@ class Picture {
   }
 
  private:
-  void read(const std::string& path) {
+  // Each row begins with a line of its name, " cost:"; each term has a line, " + 2.5 buy", and so
+  // has a product, " + 2 price * buy", between lines with brackets.
+  void readLp(const std::string& path) {
     std::ifstream file(path);
+    bool inProducts = false;
+    for (std::string line; std::getline(file, line) && line != "Bounds";) {
+      const bool isTerm = line.starts_with(" + ") || line.starts_with(" - ");
+      if (!isTerm) {
+        if (line.starts_with(' ') && line.ends_with(':')) ++rows_;
+        if (line.starts_with(" ]")) inProducts = false;
+        continue;
+      }
+      std::string name = line.substr(3);
+      if (name == "[") {
+        inProducts = true;
+        continue;
+      }
+      if (name[0] >= '0' && name[0] <= '9') name.erase(0, name.find(' ') + 1);
+      const std::size_t times = inProducts ? name.find(" * ") : std::string::npos;
+      if (times != std::string::npos) {
+        enter(name.substr(0, times));
+        name.erase(0, times + 3);
+      } else if (inProducts && name.ends_with(" ^ 2")) {
+        name.resize(name.size() - 4);
+      }
+      enter(name);
+    }
+  }
+  void enter(const std::string& column) {
+    const std::size_t number = columnNumbers_.emplace(column, columnNumbers_.size()).first->second;
+    if (rows_ > 0 && number < columns_) entries_.emplace_back(rows_ - 1, number);
+  }
+
+  void readMps(const std::string& path) {
+    std::ifstream file(path);
+    std::unordered_map<std::string, std::size_t> rows;
     std::string section;
-    std::string latest;
     for (std::string line; std::getline(file, line);) {
       std::istringstream words(line);
       std::string first;
       words >> first;
-      if (line.empty() || line[0] == '*') continue;
-      if (line[0] != ' ') {
+      if (!line.starts_with(' ')) {
         section = first;
       } else if (section == "ROWS") {
         std::string name;
         words >> name;
-        rows_.emplace(name, rows_.size());
+        rows.emplace(name, rows_++);
       } else if (section == "COLUMNS" && line.find("'MARKER'") == std::string::npos) {
-        if (first != latest) {
-          latest = first;
-          ++columns_;
-        }
+        const std::size_t column =
+            columnNumbers_.emplace(first, columnNumbers_.size()).first->second;
         for (std::string row, value; words >> row >> value;) {
-          const auto found = rows_.find(row);
-          if (found != rows_.end()) entries_.emplace_back(found->second, columns_ - 1);
+          const auto found = rows.find(row);
+          if (found != rows.end() && column < columns_) {
+            entries_.emplace_back(found->second, column);
+          }
         }
       }
     }
   }
 
-  std::unordered_map<std::string, std::size_t> rows_;
-  std::size_t columns_ = 0;
+  std::size_t rows_ = 0;
+  std::size_t columns_;
+  std::unordered_map<std::string, std::size_t> columnNumbers_;
   std::vector<std::pair<std::size_t, std::size_t>> entries_;
 };
 

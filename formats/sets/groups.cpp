@@ -20,7 +20,10 @@ Groups::Groups(std::size_t keyWords, const std::string& folder, std::size_t most
 std::size_t Groups::find(const std::uint64_t* key) const {
   std::uint64_t hash = 0;
   for (std::size_t word = 0; word < keyWords_; ++word) {
-    hash = (hash ^ key[word]) * 0x9E3779B97F4A7C15U;
+    // Labels stand in the highest bits of a word, which alone would leave the low ones as they are.
+    hash ^= key[word];
+    hash = (hash ^ hash >> 32U) * 0x9E3779B97F4A7C15U;
+    hash = (hash ^ hash >> 29U) * 0xBF58476D1CE4E5B9U;
     hash ^= hash >> 32U;
   }
   std::size_t place = hash & (places_.size() - 1);

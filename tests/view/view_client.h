@@ -3,6 +3,7 @@
 #define ZTB_TESTS_VIEW_VIEW_CLIENT_H_
 
 #include <gtest/gtest.h>
+#include <ztb/types.h>
 #include <ztb/view.h>
 
 #include <map>
