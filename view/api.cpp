@@ -49,11 +49,9 @@ void answerFiles(Question& question) {
   answer.endObject();
 }
 
+// Null where no request of this id runs: it may have ended while it was asked for.
 std::shared_ptr<Job> jobOf(Question& question) {
-  const std::string& id = question.parameters.text("of");
-  std::shared_ptr<Job> job = question.session.jobs.find(id);
-  if (!job) throw RequestError(404, "No request of this id runs.");
-  return job;
+  return question.session.jobs.find(question.parameters.text("of"));
 }
 
 void answerProgress(Question& question) {
@@ -61,14 +59,14 @@ void answerProgress(Question& question) {
   formats::JsonText& answer = question.answer;
   answer.beginObject();
   answer.name("done");
-  answer.number(job->done());
+  answer.number(job ? job->done() : 1);
   answer.name("records");
-  answer.count(job->records());
+  answer.count(job ? job->records() : 0);
   answer.endObject();
 }
 
 void answerCancel(Question& question) {
-  jobOf(question)->cancel();
+  if (const std::shared_ptr<Job> job = jobOf(question)) job->cancel();
   question.answer.beginObject();
   question.answer.endObject();
 }
