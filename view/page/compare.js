@@ -36,7 +36,7 @@ export async function comparePage(main, context) {
   };
   const table = new Windowed({
     label: `${shown(symbol.name)} compared`,
-    columns: [...symbol.keys.map((name) => ({title: shown(name)})), {title: ''},
+    columns: [...symbol.keys.map((name) => ({title: shown(name)})), {title: 'record'},
       {title: 'first', number: true}, {title: 'second', number: true}, {title: 'change', number: true}],
     fetch: async (from, count) => {
       const answer = await api.get('compare', {...parameters, from, count}, context.signal);
