@@ -24,7 +24,7 @@ namespace {
 
 // Changes that are kept to be looked at; all are counted.
 constexpr std::size_t mostChanges = 100000;
-constexpr std::size_t mostRows = 1000;
+constexpr std::size_t mostCompared = 1000;
 
 // Numbers of labels, or of texts, that mean the same in both files: those of the first, and behind
 // them what only the second has.
@@ -270,7 +270,7 @@ void answerCompare(Question& question) {
   const bool isSet = before.type == ztb::Type::set;
   const int slot = isSet ? 0 : first.slot(parameters);
   const std::size_t from = parameters.number("from", 0, mostChanges);
-  const std::size_t count = parameters.number("count", 100, mostRows);
+  const std::size_t count = parameters.number("count", 100, mostCompared);
   const CommonNumbers labels = commonLabels(first.file(), second.file());
   std::optional<CommonNumbers> texts;
   if (isSet) texts.emplace(commonTexts(first.file(), second.file()));

@@ -8,7 +8,7 @@ namespace view {
 
 namespace {
 
-constexpr std::size_t mostRows = 1000;
+constexpr std::size_t mostPageRows = 1000;
 constexpr std::size_t mostRecords = std::size_t{1} << 40U;
 
 void writeRow(const RecordScan& scan, std::size_t record, formats::JsonText& answer) {
@@ -34,7 +34,7 @@ void answerRows(Question& question) {
   const Parameters& parameters = question.parameters;
   RecordScan scan(question);
   const std::size_t from = parameters.number("from", 0, mostRecords);
-  const std::size_t count = parameters.number("count", 100, mostRows);
+  const std::size_t count = parameters.number("count", 100, mostPageRows);
   const std::optional<RowSort> sort = rowSortOf(question, scan);
   const std::shared_ptr<const RowIndex> index = rowIndexOf(question, scan, sort);
   formats::JsonText& answer = question.answer;
