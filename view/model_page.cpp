@@ -72,7 +72,7 @@ class Picture {
 
  private:
   // Each row begins with a line of its name, " cost:"; each term has a line, " + 2.5 buy", and so
-  // has a product, " + 2 price * buy", between lines with brackets.
+  // has a product, " + 2 price * buy", behind a line with a bracket.
   void readLp(const std::string& path) {
     std::ifstream file(path);
     bool inProducts = false;
@@ -80,7 +80,6 @@ class Picture {
       const bool isTerm = line.starts_with(" + ") || line.starts_with(" - ");
       if (!isTerm) {
         if (line.starts_with(' ') && line.ends_with(':')) ++rows_;
-        if (line.starts_with(" ]")) inProducts = false;
         continue;
       }
       std::string name = line.substr(3);
@@ -88,6 +87,9 @@ class Picture {
         inProducts = true;
         continue;
       }
+      // The bracket ends behind the last product, in the objective as " ] / 2".
+      const bool isLast = inProducts && (name.ends_with(" ]") || name.ends_with(" ] / 2"));
+      if (isLast) name.resize(name.rfind(" ]"));
       if (name[0] >= '0' && name[0] <= '9') name.erase(0, name.find(' ') + 1);
       const std::size_t times = inProducts ? name.find(" * ") : std::string::npos;
       if (times != std::string::npos) {
@@ -97,6 +99,7 @@ class Picture {
         name.resize(name.size() - 4);
       }
       enter(name);
+      if (isLast) inProducts = false;
     }
   }
   void enter(const std::string& column) {
