@@ -82,7 +82,7 @@ class Picture {
         if (line.starts_with(' ') && line.ends_with(':')) ++rows_;
         continue;
       }
-      std::string name = line.substr(3);
+      std::string name = withoutSide(line.substr(3));
       if (name == "[") {
         inProducts = true;
         continue;
@@ -101,6 +101,15 @@ class Picture {
       enter(name);
       if (isLast) inProducts = false;
     }
+  }
+  // A term without what may stand behind the last one of a row, " >= 4".
+  static std::string withoutSide(std::string term) {
+    for (const char* sign : {" >= ", " <= ", " = "}) {
+      const std::size_t at = term.rfind(sign);
+      // A label in quotes may hold one too.
+      if (at != std::string::npos && term.find('\'', at) == std::string::npos) term.resize(at);
+    }
+    return term;
   }
   void enter(const std::string& column) {
     const std::size_t number = columnNumbers_.emplace(column, columnNumbers_.size()).first->second;

@@ -253,7 +253,7 @@ TEST_F(ViewSecurityTest, HandsHostileLabelsOutAsText) {
   ASSERT_EQ(rows.size(), labels.size());
   EXPECT_EQ(rows[0][0], labels[0]);
   EXPECT_EQ(rows[1][0], labels[1]);
-  EXPECT_EQ(rows[4][0], "\\\\xff");
+  EXPECT_EQ(rows[4][0], "\\\\xFF");
   for (std::size_t at = 0; at < labels.size(); ++at) {
     const Json found =
         hostile.json("rows", {{"s", "p"}, {"in0", rows[at][0].get<std::string>()}})["rows"];
