@@ -19,6 +19,12 @@ set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib)
 set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
 
+# Peers are named without a prefix there, and found in the folder of the program.
+if(WIN32)
+  set(CMAKE_SHARED_LIBRARY_PREFIX "")
+  set(CMAKE_SHARED_MODULE_PREFIX "")
+endif()
+
 # The libraries find each other, and the tool finds them, by relative run paths only, so that an
 # installed tree can be moved.
 set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
@@ -35,6 +41,13 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
 else()
   # Part of the language, which clang++ leaves out on its own.
   target_compile_options(ztb_options INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-fsized-deallocation>)
+endif()
+# Formats are those of C and not of Microsoft's runtime, which the compiler takes them for; the other
+# builds look at them.
+if(WIN32)
+  target_compile_definitions(ztb_options INTERFACE 
+    __USE_MINGW_ANSI_STDIO=1 _FILE_OFFSET_BITS=64 WIN32_LEAN_AND_MEAN NOMINMAX)
+  target_compile_options(ztb_options INTERFACE -Wno-format)
 endif()
 if(ZTB_WERROR)
   target_compile_options(ztb_options INTERFACE -Werror)
@@ -74,6 +87,6 @@ endif()
 
 # There are some hundred programs to link; lld takes a fifth of the time where it is there.
 find_program(ZTB_LLD ld.lld)
-if(ZTB_LLD)
+if(ZTB_LLD AND NOT WIN32)
   add_link_options(-fuse-ld=lld)
 endif()

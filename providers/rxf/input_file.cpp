@@ -1,7 +1,5 @@
 #include "providers/rxf/input_file.h"
 
-#include <fcntl.h>
-
 #include <cerrno>
 #include <cstring>
 
@@ -58,7 +56,7 @@ std::string InputFile::shownName() const {
 }
 
 void InputFile::requireUnchanged() const {
-  struct stat now {};
+  FileStatus now{};
   if (calls_.fstat(fd_, &now) != 0) {
     throw Failure(ErrorNumber::readFailed, DetailText("%s", std::strerror(errno)));
   }

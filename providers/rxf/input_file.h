@@ -46,7 +46,7 @@ class InputFile {
   std::string path_;
   int fd_;
   std::uint64_t size_ = 0;
-  struct stat opened_ {};
+  FileStatus opened_{};
 };
 
 }  // namespace rxffile

@@ -1,9 +1,5 @@
 #include "providers/rxf/output_file.h"
 
-#include <fcntl.h>
-#include <sys/file.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -51,7 +47,7 @@ Failure makeFailure(int error, const char* what) {
 
 // The folder part of a path with its final separator, empty for a bare name.
 std::string folderOf(const std::string& path) {
-  return path.substr(0, path.rfind('/') + 1);
+  return path.substr(0, path.find_last_of(kSeparators) + 1);
 }
 
 }  // namespace
@@ -93,7 +89,7 @@ void OutputFile::resolveTarget() {
 void OutputFile::checkTarget() {
   folder_ = folderOf(target_);
   if (folder_.size() == target_.size()) throw Failure(ErrorNumber::isFolder, DetailText());
-  struct stat status {};
+  FileStatus status{};
   if (calls_.stat(target_.c_str(), &status) != 0) {
     if (errno == ENOENT) return;
     throw makeFailure(errno, "the folder cannot be entered");
@@ -142,7 +138,7 @@ bool OutputFile::tryTemporary(const std::string& name) {
   // left files may hold the new file for a moment, and remove it.
   while (calls_.flock(made, LOCK_EX) != 0 && errno == EINTR) {
   }
-  struct stat status {};
+  FileStatus status{};
   if (calls_.fstat(made, &status) == 0 && status.st_nlink > 0) {
     fd_ = made;
     // Where others may already do something with it, the file system has no bits of its own.
@@ -159,8 +155,8 @@ bool OutputFile::removeIfLeft(const std::string& name) {
   const int left = calls_.open(name.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0);
   if (left < 0) return errno != ENOENT;
   // Only who holds the lock may remove the file, so the name still leads to it after the test.
-  struct stat opened {};
-  struct stat named {};
+  FileStatus opened{};
+  FileStatus named{};
   if (calls_.flock(left, LOCK_EX | LOCK_NB) == 0 && calls_.fstat(left, &opened) == 0 &&
       calls_.stat(name.c_str(), &named) == 0 && opened.st_dev == named.st_dev &&
       opened.st_ino == named.st_ino) {
@@ -249,7 +245,7 @@ void OutputFile::publish() {
 
 // Gives the file, now whole, the bits of the one that it replaces, or those of a new file.
 void OutputFile::openToOthers() {
-  struct stat status {};
+  FileStatus status{};
   mode_t mode = 0;
   if (calls_.stat(target_.c_str(), &status) == 0) {
     if (!S_ISREG(status.st_mode)) {
@@ -340,9 +336,15 @@ void OutputFile::failReplacing(int error) const {
                              "renaming; write to another name",
                              shownName().c_str()));
   }
+  if (error == ETXTBSY) {
+    throw Failure(ErrorNumber::noPermission,
+                  DetailText("%s cannot be replaced: another program has it open; the old file is "
+                             "as it was",
+                             shownName().c_str()));
+  }
   if (error != EPERM && error != EACCES) failWriting(error);
-  struct stat file {};
-  struct stat folder {};
+  FileStatus file{};
+  FileStatus folder{};
   const uid_t user = geteuid();
   const bool sticky = calls_.stat(folder_.empty() ? "." : folder_.c_str(), &folder) == 0 &&
                       calls_.stat(target_.c_str(), &file) == 0 && (folder.st_mode & S_ISVTX) != 0 &&

@@ -1,16 +1,17 @@
 // The calls of the operating system that files are read and written with, behind an interface, so
 // that tests can make each of them fail or end the process there.
 //
+// On Windows they are made of its own calls, as far as these go.
+//
 // Every call has the meaning, the result and the errno of the POSIX call of its name. Writing
 // beyond the process's file-size limit is the error EFBIG and never the signal SIGXFSZ, whatever
 // the process has arranged for that.
 #ifndef ZTB_PROVIDERS_RXF_SYSTEM_CALLS_H_
 #define ZTB_PROVIDERS_RXF_SYSTEM_CALLS_H_
 
-#include <sys/stat.h>
-#include <sys/types.h>
-
 #include <cstddef>
+
+#include "providers/rxf/system_types.h"
 
 namespace rxffile {
 
@@ -23,8 +24,8 @@ class SystemCalls {
 
   virtual int open(const char* path, int flags, mode_t mode);
   virtual int close(int fd);
-  virtual int fstat(int fd, struct stat* status);
-  virtual int stat(const char* path, struct stat* status);
+  virtual int fstat(int fd, FileStatus* status);
+  virtual int stat(const char* path, FileStatus* status);
   virtual ssize_t pread(int fd, void* data, std::size_t size, off_t offset);
   virtual ssize_t pwrite(int fd, const void* data, std::size_t size, off_t offset);
   virtual int ftruncate(int fd, off_t length);

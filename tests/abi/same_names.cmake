@@ -1,7 +1,8 @@
 cmake_minimum_required(VERSION 3.25)
 
-# Fails unless two libraries export the same names.
-#   cmake -DNM=nm -DLIBRARY=one.so -DDESCRIBED=other.so -P same_names.cmake
+# Fails unless two libraries export the same names, and LISTED, where it is given, a .def file for
+# Windows, lists them.
+#   cmake -DNM=nm -DLIBRARY=one.so -DDESCRIBED=other.so [-DLISTED=names.def] -P same_names.cmake
 foreach(file LIBRARY DESCRIBED)
   execute_process(COMMAND ${NM} -D --defined-only --format=posix ${${file}}
     OUTPUT_VARIABLE lines COMMAND_ERROR_IS_FATAL ANY)
@@ -23,3 +24,17 @@ foreach(name ${DESCRIBED_NAMES})
     message(SEND_ERROR "${name} is described, but not exported")
   endif()
 endforeach()
+if(LISTED)
+  file(STRINGS ${LISTED} listed REGEX "^  ")
+  list(TRANSFORM listed STRIP)
+  foreach(name ${LIBRARY_NAMES})
+    if(NOT name IN_LIST listed)
+      message(SEND_ERROR "${name} is exported, but not listed in ${LISTED}")
+    endif()
+  endforeach()
+  foreach(name ${listed})
+    if(NOT name IN_LIST LIBRARY_NAMES)
+      message(SEND_ERROR "${name} is listed in ${LISTED}, but not exported")
+    endif()
+  endforeach()
+endif()

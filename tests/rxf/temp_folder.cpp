@@ -1,18 +1,22 @@
 #include "tests/rxf/temp_folder.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <random>
 #include <stdexcept>
 
 namespace rxftest {
 
 TempFolder::TempFolder() {
-  std::string pattern = std::filesystem::temp_directory_path() / "rxf-test-XXXXXX";
-  if (mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("no temporary folder");
-  path_ = pattern;
+  std::random_device random;
+  std::filesystem::path path;
+  do {
+    path = std::filesystem::temp_directory_path() / ("rxf-test-" + std::to_string(random()));
+    // False for one that is there already.
+  } while (!std::filesystem::create_directory(path));
+  path_ = path.string();
 }
 
 TempFolder::~TempFolder() {
@@ -23,7 +27,7 @@ TempFolder::~TempFolder() {
 std::vector<std::string> TempFolder::names() const {
   std::vector<std::string> names;
   for (const auto& entry : std::filesystem::directory_iterator(path_)) {
-    names.push_back(entry.path().filename());
+    names.push_back(entry.path().filename().string());
   }
   std::sort(names.begin(), names.end());
   return names;

@@ -1,17 +1,17 @@
 #include "tests/support/temp_folder.h"
 
-#include <cstdlib>
+#include <random>
 #include <stdexcept>
 #include <system_error>
 
 namespace ztbtest {
 
 TempFolder::TempFolder() {
-  std::string name = (std::filesystem::temp_directory_path() / "ztb-test-XXXXXX").string();
-  if (mkdtemp(name.data()) == nullptr) {
-    throw std::runtime_error("cannot make a temporary folder like " + name);
-  }
-  path_ = name;
+  std::random_device random;
+  do {
+    path_ = std::filesystem::temp_directory_path() / ("ztb-test-" + std::to_string(random()));
+    // False for one that is there already.
+  } while (!std::filesystem::create_directory(path_));
 }
 
 TempFolder::~TempFolder() {

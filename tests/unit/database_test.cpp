@@ -12,6 +12,7 @@
 #include "core/frame.h"
 #include "core/operations.h"
 #include "core/ztb.h"
+#include "peers/platform.h"
 #include "peers/rgy_family.h"
 #include "peers/rxf_family.h"
 #include "tests/unit/symbols.h"
@@ -95,7 +96,9 @@ TEST_F(Database, startsWithTheInternalSpecialValuesUnmapped) {
 
 TEST_F(Database, saysThatThePeerIsMissingAndKeepsItsWords) {
   EXPECT_EQ(nullptr, db_.rxf);
-  const std::string file = emptyFolder() + "/librxfcclib64.so";
+  const peers::platform::FileNaming& naming = peers::platform::fileNaming;
+  const std::string file =
+      emptyFolder() + naming.separator + naming.prefix + "rxfcclib" + naming.bits + naming.suffix;
   const std::string reason = "Could not load shared library " + file + ": ";
   EXPECT_EQ(reason, std::string(db_.peerMessage).substr(0, reason.size()));
   EXPECT_EQ("RXF create did not succeed: " + std::string(db_.peerMessage), db_.lastError);
@@ -250,7 +253,7 @@ class DatabaseWithSolver : public testing::Test {
   }
 
   static std::string calls() {
-    void* library = dlopen(CATALOGUE_PEER_DIRECTORY "/liblomudclib64.so", RTLD_NOW);
+    void* library = dlopen(CATALOGUE_PEER, RTLD_NOW);
     const std::string result =
         reinterpret_cast<const char* (*)()>(dlsym(library, "catalogueCalls"))();
     dlclose(library);

@@ -1,7 +1,7 @@
-#include "providers/rxf/held_signal.h"
-
 #include <cerrno>
 #include <ctime>
+
+#include "providers/rxf/held_signal.h"
 
 namespace rxffile {
 

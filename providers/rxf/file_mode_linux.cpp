@@ -1,5 +1,3 @@
-#include "providers/rxf/file_mode.h"
-
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -7,6 +5,8 @@
 #include <array>
 #include <cstdlib>
 #include <cstring>
+
+#include "providers/rxf/file_mode.h"
 
 namespace rxffile {
 

@@ -1,5 +1,3 @@
-#include "providers/rxf/system_calls.h"
-
 #include <fcntl.h>
 #include <sys/file.h>
 #include <unistd.h>
@@ -7,6 +5,7 @@
 #include <cstdio>
 
 #include "providers/rxf/held_signal.h"
+#include "providers/rxf/system_calls.h"
 
 namespace rxffile {
 
@@ -18,11 +17,11 @@ int SystemCalls::close(int fd) {
   return ::close(fd);
 }
 
-int SystemCalls::fstat(int fd, struct stat* status) {
+int SystemCalls::fstat(int fd, FileStatus* status) {
   return ::fstat(fd, status);
 }
 
-int SystemCalls::stat(const char* path, struct stat* status) {
+int SystemCalls::stat(const char* path, FileStatus* status) {
   return ::stat(path, status);
 }
 
