@@ -9,7 +9,8 @@
 #                       ztb::sweep for programs that solve sweeps (ztb/sweep.h, sweep.hpp);
 #                       ztb::view for programs that show files in the browser (ztb/view.h);
 #                       ztb::sql for programs that query databases in SQL (ztb/sql.h)
-#   pkg-config ztb      the same for other build systems; ztb-model, ztb-rxf, ztb-formats
+#   pkg-config ztb      the same for other build systems; ztb-model, ztb-rxf, ztb-formats,
+#                       ztb-sweep
 
 include(CMakePackageConfigHelpers)
 
@@ -84,7 +85,7 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/ztb-config.cmake
 # The files of pkg-config tell the folders relative to their own.
 file(RELATIVE_PATH ZTB_UP_TO_PREFIX /${ZTB_LIBRARY_FOLDER}/pkgconfig /)
 string(REGEX REPLACE "/$" "" ZTB_UP_TO_PREFIX ${ZTB_UP_TO_PREFIX})
-foreach(package ztb ztb-model ztb-rxf ztb-formats)
+foreach(package ztb ztb-model ztb-rxf ztb-formats ztb-sweep)
   configure_file(${PROJECT_SOURCE_DIR}/cmake/${package}.pc.in
     ${CMAKE_CURRENT_BINARY_DIR}/${package}.pc @ONLY)
   install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${package}.pc

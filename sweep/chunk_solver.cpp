@@ -7,6 +7,7 @@
 #include <fstream>
 #include <random>
 
+#include "sweep/basis_lock.h"
 #include "tools/text/failure.h"
 
 namespace sweep {
@@ -75,29 +76,37 @@ std::vector<std::string> ChunkSolver::notes() const {
   return notes;
 }
 
+bool ChunkSolver::makeBasis(const std::string& basisFile) {
+  const std::string made = nameBeside(basisFile);
+  bool hasBasis = isLinear_;
+  if (hasBasis) {
+    if (isUsed_) session_.renew();
+    isUsed_ = true;
+    try {
+      solveModel();
+      // Where a solve was ended, its basis is that of a moment and not of the model.
+      if (stopped_) return false;
+      hasBasis = session_.model().solveStatus() == ztbSolveNormal;
+      if (hasBasis) session_.model().writeBasis(made);
+    } catch (const ztb::Error&) {
+      hasBasis = false;
+    }
+  }
+  if (!hasBasis && !(std::ofstream(made) << kNoBasis << '\n' << std::flush)) {
+    throw Failure(withFile(made, "cannot be written"));
+  }
+  std::error_code error;
+  std::filesystem::rename(made, basisFile, error);
+  if (error) throw Failure(withFile(basisFile, "cannot be made: " + error.message()));
+  return true;
+}
+
 void ChunkSolver::prepare(const std::string& basisFile) {
   std::error_code error;
   if (!std::filesystem::exists(basisFile, error)) {
-    const std::string made = nameBeside(basisFile);
-    bool hasBasis = isLinear_;
-    if (hasBasis) {
-      if (isUsed_) session_.renew();
-      isUsed_ = true;
-      try {
-        solveModel();
-        // Where a solve was ended, its basis is that of a moment and not of the model.
-        if (stopped_) return;
-        hasBasis = session_.model().solveStatus() == ztbSolveNormal;
-        if (hasBasis) session_.model().writeBasis(made);
-      } catch (const ztb::Error&) {
-        hasBasis = false;
-      }
-    }
-    if (!hasBasis && !(std::ofstream(made) << kNoBasis << '\n' << std::flush)) {
-      throw Failure(withFile(made, "cannot be written"));
-    }
-    std::filesystem::rename(made, basisFile, error);
-    if (error) throw Failure(withFile(basisFile, "cannot be made: " + error.message()));
+    const BasisLock lock(basisFile, stopped_);
+    if (stopped_) return;
+    if (!std::filesystem::exists(basisFile, error) && !makeBasis(basisFile)) return;
   }
   std::string line;
   std::getline(std::ifstream(basisFile), line);
@@ -122,7 +131,8 @@ void ChunkSolver::beginChunk(int first, int end) {
   try {
     session_.model().readBasis(basisFile_);
   } catch (const ztb::Error& error) {
-    throw Failure(withFile(basisFile_, error.what()));
+    throw Failure(withFile(
+        basisFile_, fmt::format("{}; remove this file, and it is made again", error.what())));
   }
 }
 

@@ -44,7 +44,8 @@ class ChunkSolver {
   [[nodiscard]] const std::string& solver() const { return solver_; }
 
   // Has chunks start from the basis in this file. Where there is no such file, the unchanged model
-  // is solved and the file made; it says so where there is no basis to be had.
+  // is solved and the file made, by one of the processes that want it; it says so where there is no
+  // basis to be had.
   void prepare(const std::string& basisFile);
 
   // Puts the model back, and applies what holds for all scenarios.
@@ -63,6 +64,8 @@ class ChunkSolver {
 
  private:
   void addReport(const std::string& name);
+  // Solves the unchanged model and leaves its basis; false when stop() came before that.
+  bool makeBasis(const std::string& basisFile);
   void solveModel();
   [[nodiscard]] Outcome outcomeOf(int scenario, std::string& reason);
 

@@ -21,6 +21,8 @@ namespace fs = std::filesystem;
 constexpr std::string_view kPartEnding = ".rxf";
 constexpr std::string_view kBasisEnding = ".basis";
 constexpr std::string_view kSavedEnding = ".sweep";
+constexpr std::string_view kJobEnding = ".job";
+constexpr std::string_view kLogEnding = ".log";
 constexpr std::size_t kKeyLength = 16;
 
 std::vector<std::string> namesIn(const std::string& folder) {
@@ -67,6 +69,13 @@ std::optional<std::pair<int, int>> rangeOf(std::string_view name) {
   const std::optional<int> end = name.empty() ? std::nullopt : takeNumber(name);
   if (!end || name != kPartEnding || *end <= *first) return std::nullopt;
   return std::pair(*first, *end);
+}
+
+// Whether a name goes on behind the key as those of a log do.
+bool isLog(std::string_view rest) {
+  if (!rest.starts_with('.') || !rest.ends_with(kLogEnding)) return false;
+  rest.remove_prefix(1);
+  return takeNumber(rest) && rest == kLogEnding;
 }
 
 void removeFile(const fs::path& file) {
@@ -126,7 +135,8 @@ void PartFolder::remove(bool ofAll) const {
     const std::string_view rest = shown.substr(kKeyLength);
     const bool isOfSweep = isUnfinished
                                ? rest.starts_with('-') || rest.starts_with('.')
-                               : rangeOf(shown) || rest == kBasisEnding || rest == kSavedEnding;
+                               : rangeOf(shown) || rest == kBasisEnding || rest == kSavedEnding ||
+                                     rest == kJobEnding || isLog(rest);
     if (isOfSweep && (ofAll || shown.starts_with(key_))) removeFile(path(name));
   }
   std::error_code error;

@@ -2,7 +2,8 @@
 //
 // A part KEY-FIRST-END.rxf has the results of the scenarios from number FIRST, counted from 0, to
 // before END; KEY stands for what the sweep is made from. KEY.basis is the basis that chunks start
-// from, KEY.sweep the options. Files of other names, and those of other keys, are left alone.
+// from, KEY.sweep the options; KEY.job and KEY.K.log are what a batch system's job leaves. Files of
+// other names, and those of other keys, are left alone.
 #ifndef ZTB_SWEEP_PART_FOLDER_H_
 #define ZTB_SWEEP_PART_FOLDER_H_
 

@@ -254,7 +254,13 @@ void SweepJob::find(const std::string& folder, const std::string& result) {
   index_.emplace(*scenarios_, size_);
   if (!result.empty()) index_->take(result, 0, scenarios_->count(), inputs_);
   for (const Part& part : PartFolder(folder, key_).parts()) {
-    index_->take(part.file, part.first, part.end, inputs_);
+    try {
+      index_->take(part.file, part.first, part.end, inputs_);
+    } catch (const std::exception& error) {
+      throw Failure(withFile(
+          part.file,
+          fmt::format("{}; remove this file, and what it held is solved again", error.what())));
+    }
   }
 }
 

@@ -19,7 +19,7 @@ import tempfile
 
 from blocks import PageError, read_blocks
 
-PKG_PACKAGES = ["ztb", "ztb-model", "ztb-rxf", "ztb-formats"]
+PKG_PACKAGES = ["ztb", "ztb-model", "ztb-rxf", "ztb-formats", "ztb-sweep"]
 FRAMES = pathlib.Path(__file__).resolve().parent / "frames"
 SETUPS = FRAMES.with_name("setups")
 WARNINGS = ["-Wall", "-Wextra", "-Werror", "-Wno-unused-variable", "-Wno-unused-but-set-variable"]

@@ -194,6 +194,17 @@ TEST(CsvWriter, RemovesWhatAKilledWriterLeftAndNothingOfOneThatLives) {
   EXPECT_EQ(namesIn(folder), (std::vector<std::string>{".other.csv.0.ztbtmp", "out.csv"}));
 }
 
+TEST(CsvWriter, PassesOverANameThatIsTakenAndCannotBeOpened) {
+  // As that of a writer whose file has got its own name in between.
+  const ztbtest::TempFolder folder;
+  std::filesystem::create_symlink("nowhere", folder.file(".out.csv.0.ztbtmp"));
+  formats::CsvWriter csv(folder.file("out.csv"));
+  csv.text("x");
+  csv.endRow();
+  csv.finish();
+  EXPECT_EQ(contentOf(folder.file("out.csv")), "x\n");
+}
+
 TEST(CsvWriter, TakesTheLongestNamesOfFiles) {
   const ztbtest::TempFolder folder;
   const std::string name(255, 'n');

@@ -34,7 +34,7 @@ by-package/diet diet.rxf | grep -q 'Spinach  *918.4' || fail 'the example found 
 "$tree/bin/ztb" show diet.rxf price --slice milk --csv | grep -qx 'Milk,12.5' ||
   fail 'the example changed no price'
 
-# A program in C and one in C++ for each of the three libraries, by the CMake package and by
+# A program in C and one in C++ for each of four libraries, by the CMake package and by
 # pkg-config. Each prints what the programs of its library have to print.
 cat >ztb.c <<'END'
 #include <stdio.h>
@@ -135,6 +135,30 @@ int main() {
   }
 }
 END
+cat >sweep.c <<'END'
+#include <stdio.h>
+#include <ztb/sweep.h>
+int main(void) {
+  ztbSweep* sweep = NULL;
+  if (!ztbSweepCreate(&sweep)) return 1;
+  if (ztbSweepOption(sweep, "colour", "red")) return 2;
+  puts(ztbSweepMessage(sweep));
+  ztbSweepFree(&sweep);
+  return 0;
+}
+END
+cat >sweep.cpp <<'END'
+#include <iostream>
+#include <ztb/sweep.hpp>
+int main() {
+  ztb::Sweep sweep;
+  try {
+    sweep.option("colour", "red");
+  } catch (const ztb::Error& error) {
+    std::cout << error.what() << '\n';
+  }
+}
+END
 cp "$source/examples/diet/diet.lp" .
 expect_printed() {
   printed=$("$1") || fail "$1 ends with an error"
@@ -144,12 +168,13 @@ expect_printed() {
   # Those of the import, and the one that the example added.
   rxf*) [ "$printed" = '5 symbols' ] ;;
   limit*) [ "$printed" = '77 prices' ] ;;
+  sweep*) [[ $printed = *'a sweep has no option colour' ]] ;;
   esac || fail "$1 prints: $printed"
 }
 tried=0
 for language in C CXX; do
   mkdir "$language"
-  if [ $language = C ]; then ending=c names='ztb model rxf'; else ending=cpp names='ztb model rxf limit'; fi
+  if [ $language = C ]; then ending=c names='ztb model rxf sweep'; else ending=cpp names='ztb model rxf sweep limit'; fi
   {
     printf 'cmake_minimum_required(VERSION 3.16)\nproject(programs %s)\nfind_package(ztb REQUIRED)\n' \
       $language
@@ -179,7 +204,7 @@ for language in C CXX; do
     tried=$((tried + 1))
   done
 done
-[ $tried -eq 7 ] || fail "$tried programs were tried"
+[ $tried -eq 9 ] || fail "$tried programs were tried"
 
 # Headers stand alone.
 for header in "$tree"/include/ztb/*.hpp; do

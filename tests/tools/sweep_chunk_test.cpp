@@ -135,6 +135,34 @@ TEST_F(SweepChunkTest, AShareThatIsThereIsNotSolvedAgain) {
   EXPECT_THAT(ztbFine(share("1/3")), StartsWith("7 scenarios, 7 of them kept: 7 optimal in "));
 }
 
+TEST_F(SweepChunkTest, ADamagedPartIsNamedAsTheFileToRemove) {
+  makeDegenerate(15);
+  for (const char* part : {"1/3", "2/3", "3/3"}) ztbFine(share(part));
+  const std::string damaged = fileOfPart("-7-14.rxf");
+  write(damaged, "no part");
+  const Outcome outcome = collect("out.rxf");
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.errors, "ztb: Not an RXF file: " + damaged +
+                                "; remove this file, and what it held is solved again\n");
+  ASSERT_TRUE(std::filesystem::remove(path(damaged)));
+  ztbFine(share("2/3"));
+  EXPECT_EQ(collect("out.rxf").errors, "");
+}
+
+TEST_F(SweepChunkTest, ADamagedBasisIsNamedAsTheFileToRemove) {
+  makeDegenerate(15);
+  ztbFine(share("1/3"));
+  const std::string damaged = fileOfPart(".basis");
+  write(damaged, "NAME\n nothing that a basis says\n");
+  const Outcome outcome = ztb(share("2/3"));
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.errors, "ztb: " + damaged +
+                                ":1: is no saved basis: expected \"ztb basis 1\"; remove this "
+                                "file, and it is made again\n");
+  ASSERT_TRUE(std::filesystem::remove(path(damaged)));
+  ztbFine(share("2/3"));
+}
+
 TEST_F(SweepChunkTest, ASweepThatIsNotTheOneOfTheFolderIsRefused) {
   makeDegenerate(15);
   expectFails(1, "ztb: parts: has the options of no sweep\n",

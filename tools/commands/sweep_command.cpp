@@ -1,28 +1,21 @@
 #include <fmt/format.h>
-#include <ztb/model.h>
 
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <chrono>
-#include <csignal>
-#include <filesystem>
-#include <map>
 #include <memory>
-#include <optional>
 #include <string>
 #include <system_error>
 #include <utility>
 #include <vector>
-#include <ztb/sweep.hpp>
 
 #include "tools/commands/command_line.h"
 #include "tools/commands/commands.h"
 #include "tools/commands/memory_option.h"
 #include "tools/models/model_session.h"
-#include "tools/sweep/sweep_crew.h"
-#include "tools/sweep/sweep_lock.h"
-#include "tools/sweep/sweep_summary.h"
+#include "tools/sweep/slurm_array.h"
+#include "tools/sweep/sweep_options.h"
+#include "tools/sweep/sweep_run.h"
 #include "tools/text/failure.h"
 #include "tools/text/output.h"
 #include "tools/text/words.h"
@@ -31,241 +24,14 @@ namespace tool {
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
 constexpr int kMaxJobs = 64;
-constexpr int kExplained = 20;
+constexpr int kMostTasks = 100'000;
 
-struct SweepOptions {
-  std::string model;
-  std::string modelData;
-  std::string data;
-  std::vector<std::string> drives;
-  std::string scenarios;
-  std::string over;
-  std::string solver;
-  std::string out;
-  std::vector<std::string> reports;
-  std::optional<int> chunk;
-  std::string timeLimit;
-  std::string parts;
-  std::string part;  // "K/M"
-  int jobs = 1;
-  std::optional<int> stall;
-  bool collect = false;
-  bool resume = false;
-  bool explain = false;
-};
-
-double secondsSince(Clock::time_point start) {
-  return std::chrono::duration<double>(Clock::now() - start).count();
-}
-
-// Whether the system asked the sweep to end, as it does before a time limit.
-volatile std::sig_atomic_t wasAskedToEnd = 0;
-
-void open(ztb::Sweep& sweep, const SweepOptions& options) {
-  if (options.model.empty()) {
-    sweep.load(options.parts);
-    return;
-  }
-  const auto give = [&](const char* name, const std::string& value) {
-    if (!value.empty()) sweep.option(name, value);
-  };
-  give("model", options.model);
-  give("model-data", options.modelData);
-  give("data", options.data);
-  give("scenarios", options.scenarios);
-  give("over", options.over);
-  give("solver", options.solver);
-  give("time-limit", options.timeLimit);
-  if (options.chunk) give("chunk", std::to_string(*options.chunk));
-  for (const std::string& drive : options.drives) give("drive", drive);
-  for (const std::string& report : options.reports) give("report", report);
-  sweep.open();
-}
-
-// One run of the command.
-class SweepRun {
- public:
-  explicit SweepRun(const SweepOptions& options)
-      : options_(options), folder_(options.parts.empty() ? options.out + ".parts" : options.parts) {
-    open(sweep_, options);
-  }
-
-  // Solves all scenarios and makes the result; whether all have a solution.
-  bool solveAll() {
-    const SweepLock lock(options_.out);
-    const bool hasResult = findKept();
-    const std::vector<int> pending = pendingChunks(0, sweep_.chunkCount(), true);
-    if (!pending.empty()) sweep_.save(folder_);
-    std::map<int, std::string> deaths;
-    try {
-      deaths = solve(pending);
-    } catch (const Failure&) {
-      requireSameInputs();
-      throw;
-    }
-    requireSameInputs();
-    if (wasAskedToEnd != 0) return tellOfEnd();
-    sweep_.find(folder_, hasResult ? options_.out : "");
-    std::error_code error;
-    if (!hasResult || std::filesystem::exists(folder_, error)) makeResult();
-    const bool allSolved = report(all(), "failed", deaths, pending);
-    if (options_.parts.empty()) sweep_.remove(folder_, true);
-    return allSolved;
-  }
-
-  // Solves a share and leaves its parts; whether all of its scenarios have a solution.
-  bool solveShare(int number, int count) {
-    sweep_.save(folder_);
-    sweep_.find(folder_);
-    const auto at = [&](int share) {
-      return static_cast<int>(static_cast<long long>(sweep_.chunkCount()) * share / count);
-    };
-    const std::vector<int> pending = pendingChunks(at(number - 1), at(number), options_.resume);
-    const std::map<int, std::string> deaths = solve(pending);
-    if (wasAskedToEnd != 0) return tellOfEnd();
-    sweep_.find(folder_);
-    const ztb::Sweep::Range range = at(number - 1) == at(number)
-                                        ? ztb::Sweep::Range{}
-                                        : ztb::Sweep::Range{sweep_.chunk(at(number - 1)).first,
-                                                            sweep_.chunk(at(number) - 1).end};
-    return report(range, "failed", deaths, pending);
-  }
-
-  // Puts the parts together that are there; whether all scenarios have a solution.
-  bool collect() {
-    const SweepLock lock(options_.out);
-    sweep_.find(folder_);
-    makeResult();
-    return report(all(), "missing", {}, {});
-  }
-
- private:
-  [[nodiscard]] ztb::Sweep::Range all() const { return {0, sweep_.scenarioCount()}; }
-
-  // Finds the results of an interrupted run, or removes them; whether the result file is one.
-  bool findKept() {
-    if (!options_.resume) {
-      sweep_.remove(folder_, options_.parts.empty());
-      return false;
-    }
-    const std::string foreign = options_.parts.empty() ? sweep_.foreignPart(folder_) : "";
-    if (!foreign.empty()) throw Failure(foreign);
-    std::error_code error;
-    if (std::filesystem::exists(options_.out, error)) {
-      try {
-        sweep_.find(folder_, options_.out);
-        return true;
-      } catch (const ztb::Error&) {
-        // What an interrupted sweep was to replace, when that has left parts, and otherwise no
-        // sweep to resume.
-        if (!std::filesystem::exists(folder_, error)) throw;
-      }
-    }
-    sweep_.find(folder_);
-    return false;
-  }
-
-  // The chunks, of those from `first` to before `end`, that are not there as a whole; with those in
-  // which solves have failed, which may go well the next time.
-  [[nodiscard]] std::vector<int> pendingChunks(int first, int end, bool withFailed) const {
-    std::vector<int> pending;
-    for (int chunk = first; chunk < end; ++chunk) {
-      const ztb::Sweep::State state = sweep_.state(chunk);
-      if (state.missing > 0 || (withFailed && state.failed > 0)) pending.push_back(chunk);
-    }
-    return pending;
-  }
-
-  // Has the chunks solved; of what scenarios died at which processes were ended.
-  std::map<int, std::string> solve(const std::vector<int>& pending) {
-    std::signal(SIGTERM, [](int) { wasAskedToEnd = 1; });
-    const SweepCrew::Plan plan{.model = options_.model,
-                               .folder = folder_,
-                               .jobs = options_.jobs,
-                               .stall = options_.stall,
-                               .stops = [] { return wasAskedToEnd != 0; }};
-    SweepCrew crew(sweep_, plan);
-    crew.solve(pending);
-    return crew.deaths();
-  }
-
-  bool tellOfEnd() {
-    sweep_.find(folder_);
-    int left = 0;
-    for (int chunk = 0; chunk < sweep_.chunkCount(); ++chunk) left += sweep_.state(chunk).missing;
-    printError(fmt::format(
-        "ztb: was asked to end; {} of {} are not solved yet, what is solved stands "
-        "in {}",
-        left, counted(static_cast<std::size_t>(sweep_.scenarioCount()), "scenario"), folder_));
-    return false;
-  }
-
-  // Each process opens the model by itself, and others may read the files once the sweep is done.
-  void requireSameInputs() {
-    const std::string difference = sweep_.difference();
-    if (difference.empty()) return;
-    if (options_.parts.empty()) sweep_.remove(folder_);
-    throw Failure(withFile(options_.out,
-                           fmt::format("{} stood in its place while the sweep ran; what this run "
-                                       "solved is dropped",
-                                       difference)));
-  }
-
-  void makeResult() {
-    try {
-      sweep_.collect(options_.out);
-    } catch (const ztb::Error& error) {
-      throw Failure(
-          fmt::format("{}; what was solved stays in {}: --collect --parts {} with another "
-                      "--out takes it",
-                      error.what(), folder_, folder_));
-    }
-  }
-
-  bool report(ztb::Sweep::Range range, const std::string& missing,
-              const std::map<int, std::string>& deaths, const std::vector<int>& solved) {
-    reportUnmatched();
-    std::map<int, std::string> reasons = deaths;
-    if (options_.explain) reasons.merge(explanations(range));
-    const SweepSummary summary(sweep_, range, missing);
-    const bool allSolved = summary.reportUnsolved(reasons);
-    int kept = range.end - range.first;
-    for (const int chunk : solved) kept -= sweep_.chunk(chunk).end - sweep_.chunk(chunk).first;
-    summary.print(options_.collect ? 0 : kept, secondsSince(start_));
-    return allSolved;
-  }
-
-  void reportUnmatched() {
-    const std::string names = sweep_.unmatched();
-    for (std::size_t at = 0; at < names.size();) {
-      const std::size_t blank = std::min(names.find(' ', at), names.size());
-      const std::string name = names.substr(at, blank - at);
-      printError(fmt::format("ztb: {}: {} has records that meet no column {}_var of the model",
-                             options_.scenarios, name, name));
-      at = blank + 1;
-    }
-  }
-
-  // Why the first infeasible scenarios are so.
-  std::map<int, std::string> explanations(ztb::Sweep::Range range) {
-    std::map<int, std::string> texts;
-    int explained = 0;
-    for (int scenario = range.first; scenario < range.end && explained < kExplained; ++scenario) {
-      const auto outcome = sweep_.outcome(scenario);
-      if (!outcome || outcome->status != ztbModelInfeasible) continue;
-      texts[scenario] = sweep_.explain(folder_, scenario);
-      ++explained;
-    }
-    return texts;
-  }
-
-  const SweepOptions& options_;
-  std::string folder_;
-  ztb::Sweep sweep_;
-  Clock::time_point start_ = Clock::now();
+// Words of the command line that are looked into before they become options.
+struct SweepWords {
+  SweepOptions options;
+  std::string part;      // "K/M"
+  std::string progress;  // empty: where standard error is a terminal
 };
 
 // Other processes read the files of a sweep as well, and results stand beside the one that is made.
@@ -300,18 +66,19 @@ std::pair<int, int> shareOf(const std::string& text) {
 }
 
 void requireWhatItTakes(const SweepOptions& options) {
-  const bool isSaved = !options.parts.empty() && (options.collect || !options.part.empty());
-  if (options.collect && !options.part.empty()) {
+  const bool isShare = options.share.has_value();
+  const bool isSaved = !options.parts.empty() && (options.collect || isShare);
+  if (options.collect && isShare) {
     throw UsageError("--collect and --part: one of them");
   }
-  if ((options.collect || !options.part.empty()) && options.parts.empty()) {
+  if ((options.collect || isShare) && options.parts.empty()) {
     throw UsageError(fmt::format("{}: --parts is missing, the folder of the parts",
                                  options.collect ? "--collect" : "--part"));
   }
-  if (!options.part.empty() && !options.out.empty()) {
+  if (isShare && !options.out.empty()) {
     throw UsageError("--part makes no result, --collect does; leave --out out");
   }
-  if (options.part.empty() && options.out.empty()) throw UsageError("--out is required");
+  if (!isShare && options.out.empty()) throw UsageError("--out is required");
   if (options.model.empty() && !isSaved) throw UsageError("MODEL is required");
   if (options.model.empty() != options.scenarios.empty()) {
     throw UsageError(options.model.empty() ? "--scenarios without MODEL"
@@ -320,7 +87,72 @@ void requireWhatItTakes(const SweepOptions& options) {
   if (!options.model.empty() && options.over.empty()) throw UsageError("--over is required");
 }
 
-int runSweep(SweepOptions options) {
+// What --slurm and --dask take and do not take.
+void requireEngine(const SweepOptions& options) {
+  const std::array<std::pair<const char*, bool>, 6> ofSlurm{
+      {{"--array", options.tasks.has_value()},
+       {"--time", !options.time.empty()},
+       {"--partition", !options.partition.empty()},
+       {"--sbatch", !options.sbatch.empty()},
+       {"--no-wait", options.noWait},
+       {"--dry-run", options.dryRun}}};
+  for (const auto& [option, isGiven] : ofSlurm) {
+    if (isGiven && !options.slurm) throw UsageError(fmt::format("{} without --slurm", option));
+  }
+  const std::array<std::pair<const char*, bool>, 4> engines{
+      {{"--slurm", options.slurm},
+       {"--dask", !options.dask.empty()},
+       {"--collect", options.collect},
+       {"--part", options.share.has_value()}}};
+  const char* first = nullptr;
+  for (const auto& [option, isGiven] : engines) {
+    if (!isGiven) continue;
+    if (first != nullptr) throw UsageError(fmt::format("{} and {}: one of them", first, option));
+    first = option;
+  }
+  if (!options.dask.empty() && (options.jobs != 1 || options.stall)) {
+    throw UsageError(
+        fmt::format("--dask and {}: workers of the cluster solve, no processes of "
+                    "this machine",
+                    options.stall ? "--stall" : "--jobs"));
+  }
+  if (options.tasks && (*options.tasks < 1 || *options.tasks > kMostTasks)) {
+    throw UsageError(fmt::format("--array {}: 1 to {} are allowed", *options.tasks, kMostTasks));
+  }
+  if (!options.time.empty() && !slurmSeconds(options.time)) {
+    throw UsageError(fmt::format(
+        "--time {}: minutes are expected, or as in 1:30:00 for hours, 2-12 for days and hours",
+        options.time));
+  }
+  std::vector<std::string> lines = options.sbatch;
+  lines.push_back(options.partition);
+  for (const std::string& line : lines) {
+    if (line.find('\n') != std::string::npos) {
+      throw UsageError(fmt::format("{}: an option of sbatch is one line", inQuotes(line)));
+    }
+  }
+  for (const std::string& option : options.sbatch) {
+    if (!option.starts_with("-")) {
+      throw UsageError(
+          fmt::format("--sbatch {}: an option of sbatch is expected, as in --sbatch=--mem=4G",
+                      inQuotes(option)));
+    }
+  }
+}
+
+SweepProgress::Kind progressOf(const std::string& word) {
+  if (word.empty() || word == "terminal") return SweepProgress::Kind::terminal;
+  if (word == "json") return SweepProgress::Kind::json;
+  if (word == "none") return SweepProgress::Kind::none;
+  throw UsageError(
+      fmt::format("--progress {}: terminal, json or none is expected", inQuotes(word)));
+}
+
+int runSweep(const SweepWords& words) {
+  SweepOptions options = words.options;
+  if (!words.part.empty()) options.share = shareOf(words.part);
+  options.progress = progressOf(words.progress);
+  requireEngine(options);
   requireWhatItTakes(options);
   refusePipes(options);
   if (!options.out.empty()) {
@@ -343,24 +175,53 @@ int runSweep(SweepOptions options) {
     }
   }
   options.reports = std::move(reports);
-  const std::pair<int, int> share = options.part.empty() ? std::pair(0, 0) : shareOf(options.part);
   SweepRun run(options);
-  bool isFine = false;
+  bool isFine = true;
   if (options.collect) {
     isFine = run.collect();
-  } else if (!options.part.empty()) {
-    isFine = run.solveShare(share.first, share.second);
+  } else if (options.share) {
+    isFine = run.solveShare(options.share->first, options.share->second);
+  } else if (options.dryRun) {
+    run.printScript();
+  } else if (options.slurm) {
+    isFine = run.solveBySlurm();
   } else {
     isFine = run.solveAll();
   }
   return isFine ? exitFine : exitFailed;
 }
 
+void addSlurmOptions(Command& command, SweepOptions& options) {
+  command.flag("--slurm", options.slurm,
+               "Submit an array job of Slurm whose tasks take a share of the sweep each, wait for "
+               "it, and make the result; with --resume, of what is missing");
+  command
+      .number("--array", options.tasks,
+              "Tasks of the job; one for four chunks, at most 1000, without it")
+      .typeName("N");
+  command
+      .text("--time", options.time,
+            "Time limit of each task, as sbatch takes it; some time before it what is solved is "
+            "published")
+      .typeName("TIME")
+      .notEmpty();
+  command.text("--partition", options.partition, "Partition of the job")
+      .typeName("NAME")
+      .notEmpty();
+  command
+      .texts("--sbatch", options.sbatch,
+             "Another option of sbatch, as in --sbatch=--mem=4G; may be repeated")
+      .typeName("OPTION");
+  command.flag("--no-wait", options.noWait, "Submit the job and end; --collect makes the result");
+  command.flag("--dry-run", options.dryRun, "Print the script that would be submitted, and end");
+}
+
 }  // namespace
 
 void addSweepCommand(CommandLine& line) {
   Command command = line.add("sweep", "Solve a model for each scenario of a file");
-  const auto options = std::make_shared<SweepOptions>();
+  const auto words = std::make_shared<SweepWords>();
+  SweepOptions* const options = &words->options;
   command.text("MODEL", options->model, "Model file (.lp, .mps, .mps.gz, .mod)");
   command.text("--scenarios", options->scenarios, "RXF file with the scenarios").typeName("FILE");
   command
@@ -414,7 +275,7 @@ void addSweepCommand(CommandLine& line) {
       .typeName("FOLDER")
       .notEmpty();
   command
-      .text("--part", options->part,
+      .text("--part", words->part,
             "Solve the share K of M into the folder of --parts, and make no result; without MODEL, "
             "of the sweep that was begun there")
       .typeName("K/M")
@@ -427,6 +288,19 @@ void addSweepCommand(CommandLine& line) {
                "and in what they differ from the nearest one with a solution");
   command.flag("--resume", options->resume,
                "Keep what an interrupted run has solved, and solve the rest");
+  command
+      .text("--progress", words->progress,
+            "How the run tells how it gets on: terminal, a line that is drawn anew where standard "
+            "error is a terminal; json, an object on a line of standard error each second; none")
+      .typeName("HOW")
+      .notEmpty();
+  addSlurmOptions(command, *options);
+  command
+      .text("--dask", options->dask,
+            "Have the workers of a Dask cluster solve, whose scheduler has this address, as in "
+            "tcp://host:8786; parts come back over the network, or stand in the folder of --parts")
+      .typeName("ADDRESS")
+      .notEmpty();
   addMemoryOption(command);
   command.footer(
       "A parameter price(s, food) of the scenario file drives the columns price_var(food) of the\n"
@@ -435,7 +309,7 @@ void addSweepCommand(CommandLine& line) {
       "SYM_level(s, ...) and SYM_marginal(s, ...) of each symbol reported.\n\n"
       "Example:\n"
       "  ztb sweep diet.lp --scenarios prices.rxf --over s --report buy --out sweep.rxf --jobs 2");
-  command.action([options] { return runSweep(*options); });
+  command.action([words] { return runSweep(*words); });
 }
 
 }  // namespace tool

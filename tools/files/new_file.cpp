@@ -49,7 +49,11 @@ int openLocked(const std::string& name) {
 // Removes a file whose writer is gone; false where there is none, or its writer lives.
 bool removeIfLeft(const std::string& name) {
   const int fd = open(name.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
-  if (fd < 0) return false;
+  if (fd < 0) {
+    // Its writer may have given it its own name meanwhile.
+    errno = EEXIST;
+    return false;
+  }
   struct stat opened {};
   struct stat named {};
   // Who holds the lock knows that the name still leads to the file.

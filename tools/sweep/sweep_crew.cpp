@@ -19,13 +19,6 @@ constexpr int kDeathsAtScenario = 2;
 // Workers in a row that a share may lose with nothing published in between.
 constexpr int kFruitlessDeaths = 20;
 
-std::string progressText(int done, int count, double seconds) {
-  const double rate = done / std::max(seconds, 1e-3);
-  return fmt::format("{} of {} solved, {:.{}f} a second, {:.0f} s left", done,
-                     counted(static_cast<std::size_t>(count), "scenario"), rate, rate < 10 ? 1 : 0,
-                     (count - done) / rate);
-}
-
 }  // namespace
 
 void SweepCrew::solve(const std::vector<int>& chunks) {
@@ -40,9 +33,7 @@ void SweepCrew::solve(const std::vector<int>& chunks) {
     shares_[job].tellsNotes = job == 0;
   }
   if (jobs > 0) startWorker(0);
-  start_ = Clock::now();
-  count_ = scenarioCount(chunks);
-  progress_.emplace().step("opening " + plan_.model);
+  progress_.step("opening " + plan_.model);
   while (workers_.busy()) {
     const std::optional<WorkerMessage> message = workers_.next(std::chrono::milliseconds(200));
     if (message) receive(*message);
@@ -51,9 +42,10 @@ void SweepCrew::solve(const std::vector<int>& chunks) {
       workers_.askToStop();
     }
     endStalledWorkers();
-    showProgress();
+    counts_.workers = workers_.running();
+    progress_.show(counts_);
   }
-  progress_.reset();
+  progress_.pause();
 }
 
 int SweepCrew::scenarioCount(const std::vector<int>& chunks) const {
@@ -85,19 +77,23 @@ void SweepCrew::receive(const WorkerMessage& message) {
       // The others find the basis that the first worker has left.
       if (!isShared_) {
         isShared_ = true;
-        progress_.reset();
+        progress_.pause();
         for (std::size_t other = 1; other < shares_.size() && !isStopping_; ++other) {
           startWorker(other);
         }
-        progress_.emplace();
       }
       break;
     case SweepMessage::done:
       ++share.solved;
-      ++done_;
+      ++counts_.done;
+      break;
+    case SweepMessage::failed:
+      ++share.failed;
+      ++counts_.failures;
       break;
     case SweepMessage::published:
       share.published = share.solved;
+      share.failed = 0;
       share.fruitless = 0;
       break;
     case WorkerMessage::died:
@@ -114,7 +110,10 @@ void SweepCrew::receive(const WorkerMessage& message) {
 
 // Gives what the dead worker left to another one, but for a scenario that took enough of them.
 void SweepCrew::afterDeath(Share& share, const std::string& how) {
-  done_ -= share.solved - share.published;
+  ++counts_.lost;
+  counts_.failures -= share.failed;
+  share.failed = 0;
+  counts_.done -= share.solved - share.published;
   int solved = share.solved - share.published;
   for (int left = share.published; left > 0;) {
     const ztb::Sweep::Range range = sweep_.chunk(share.chunks.front());
@@ -142,7 +141,7 @@ void SweepCrew::afterDeath(Share& share, const std::string& how) {
     }
     return;
   }
-  progress_.reset();
+  progress_.pause();
   if (++deathsAt_[scenario] >= kDeathsAtScenario) {
     deaths_[scenario] = how;
     sweep_.skip(scenario, how);
@@ -151,7 +150,6 @@ void SweepCrew::afterDeath(Share& share, const std::string& how) {
         fmt::format("ztb: scenario {}: {}; it is solved again", sweep_.scenario(scenario), how));
   }
   startWorker(static_cast<std::size_t>(&share - shares_.data()));
-  progress_.emplace();
 }
 
 void SweepCrew::endStalledWorkers() {
@@ -165,14 +163,6 @@ void SweepCrew::endStalledWorkers() {
       share.stalled = true;
       workers_.kill(workerOfShare_[number]);
     }
-  }
-}
-
-void SweepCrew::showProgress() {
-  // The rate falls while a long scenario is solved.
-  if (done_ > 0) {
-    const double seconds = std::chrono::duration<double>(Clock::now() - start_).count();
-    progress_->step(progressText(done_, count_, seconds));
   }
 }
 

@@ -16,8 +16,8 @@
 #include <vector>
 #include <ztb/sweep.hpp>
 
+#include "tools/sweep/sweep_progress.h"
 #include "tools/sweep/worker_processes.h"
-#include "tools/text/progress.h"
 
 namespace tool {
 
@@ -33,7 +33,8 @@ class SweepCrew {
     bool (*stops)() = [] { return false; };
   };
 
-  SweepCrew(ztb::Sweep& sweep, const Plan& plan) : sweep_(sweep), plan_(plan) {}
+  SweepCrew(ztb::Sweep& sweep, const Plan& plan, SweepProgress& progress)
+      : sweep_(sweep), plan_(plan), progress_(progress) {}
 
   // Has these chunks, in ascending order, solved and published as parts in the folder. Throws
   // Failure for what keeps all scenarios from being solved. Ends early once plan.stops says so: the
@@ -52,6 +53,7 @@ class SweepCrew {
     // Scenarios of `chunks` that the present worker has solved and published.
     int solved = 0;
     int published = 0;
+    int failed = 0;  // solves of those that are not published
     // Chunk before which what was solved is published: a worker died in it.
     int careful = -1;
     // Workers that died in a row without publishing anything.
@@ -65,7 +67,6 @@ class SweepCrew {
   void receive(const WorkerMessage& message);
   void afterDeath(Share& share, const std::string& how);
   void endStalledWorkers();
-  void showProgress();
   [[nodiscard]] int scenarioCount(const std::vector<int>& chunks) const;
 
   ztb::Sweep& sweep_;
@@ -81,11 +82,9 @@ class SweepCrew {
   bool isShared_ = false;  // all shares have had a worker
   bool isStopping_ = false;
 
-  // A process may only be forked while nothing draws.
-  std::optional<Progress> progress_;
-  Clock::time_point start_;
-  int count_ = 0;
-  int done_ = 0;
+  // A process may only be forked while it draws nothing.
+  SweepProgress& progress_;
+  SweepCounts counts_;
 };
 
 }  // namespace tool

@@ -29,6 +29,8 @@ class SweepWorker {
       if (event == ZTB_SWEEP_SOLVED) {
         ++unpublished_;
         channel_.send(SweepMessage::done);
+      } else if (event == ZTB_SWEEP_FAILED) {
+        channel_.send(SweepMessage::failed);
       } else if (event == ZTB_SWEEP_NOTE && work.tellsNotes) {
         printError(std::string("ztb: ") + text);
       }

@@ -21,6 +21,8 @@ struct SweepWork {
 struct SweepMessage {
   // The model is open, and the basis that chunks start from there.
   static constexpr char prepared = 'b';
+  // The solve of a scenario failed; `done` follows.
+  static constexpr char failed = 'f';
   // A scenario is done.
   static constexpr char done = '.';
   // A part with all scenarios done so far, but for those in earlier parts, is published.

@@ -111,6 +111,11 @@ void WorkerProcesses::askToStop() const {
   }
 }
 
+int WorkerProcesses::running() const {
+  return static_cast<int>(
+      std::ranges::count_if(workers_, [](const Worker& worker) { return worker.descriptor >= 0; }));
+}
+
 bool WorkerProcesses::busy() const {
   return !messages_.empty() ||
          std::ranges::any_of(workers_, [](const Worker& worker) { return worker.descriptor >= 0; });

@@ -58,6 +58,7 @@ class WorkerProcesses {
   // Sends SIGTERM to all workers that run.
   void askToStop() const;
 
+  [[nodiscard]] int running() const;
   // Whether some worker runs, or messages are left.
   [[nodiscard]] bool busy() const;
   // The next message; nothing when none came within the time, or when the last worker ended.

@@ -16,6 +16,10 @@ Options = Sequence[Tuple[str, str]]
 _lock = threading.Lock()
 _loaded: Dict[str, Any] = {}
 
+_WATCH = ctypes.CFUNCTYPE(None, ctypes.c_void_p, ctypes.c_int, ctypes.c_int, ctypes.c_char_p)
+#: What a watch is told of a solve that failed.
+_SOLVE_FAILED = 2
+
 _STRINGS = ("Message", "Inputs", "Key", "Over", "Unmatched")
 
 
@@ -39,6 +43,7 @@ def _library() -> Any:
                 getattr(library, "ztbSweep" + name).argtypes = [pointer]
             for name in ("Prepare", "Publish", "Collect"):
                 getattr(library, "ztbSweep" + name).argtypes = [pointer, text]
+            library.ztbSweepSetWatch.argtypes = [pointer, _WATCH, pointer]
             library.ztbSweepFind.argtypes = [pointer, text, text]
             library.ztbSweepSolve.argtypes = [pointer, text, number]
             library.ztbSweepRemove.argtypes = [pointer, text, number]
@@ -118,10 +123,22 @@ class Chunks:
         """Solves the unchanged model, unless it was done, and leaves its basis in the folder."""
         self._require(self._library.ztbSweepPrepare(self._sweep, os.fsencode(folder)))
 
-    def solve(self, folder: Path, chunk: int) -> None:
-        """Solves a chunk and publishes its part."""
-        self._require(self._library.ztbSweepSolve(self._sweep, os.fsencode(folder), chunk))
+    def solve(self, folder: Path, chunk: int) -> int:
+        """Solves a chunk and publishes its part; how many of its solves failed."""
+        failed: List[int] = []
+
+        def watch(_context: Any, event: int, scenario: int, _text: Any) -> None:
+            if event == _SOLVE_FAILED:
+                failed.append(scenario)
+
+        told = _WATCH(watch)
+        self._library.ztbSweepSetWatch(self._sweep, told, None)
+        try:
+            self._require(self._library.ztbSweepSolve(self._sweep, os.fsencode(folder), chunk))
+        finally:
+            self._library.ztbSweepSetWatch(self._sweep, _WATCH(), None)
         self._require(self._library.ztbSweepPublish(self._sweep, os.fsencode(folder)))
+        return len(failed)
 
     def find(self, folder: Path, result: Optional[Path] = None) -> None:
         """Looks for parts in the folder, and for results in a file of before."""

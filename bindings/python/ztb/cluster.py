@@ -1,10 +1,18 @@
-"""Sweeps on a cluster of Dask: its workers solve chunks, this process hands them out and collects."""
+"""Sweeps on a cluster of Dask: its workers solve chunks, this process hands them out and collects.
+
+``python3 -m ztb.cluster`` is what ``ztb sweep --dask`` runs: it reads one object of JSON with
+``address`` of the scheduler, ``options`` of the sweep, the ``folder`` of parts, whether it is
+``shared`` by the workers, ``chunks`` as ranges, and ``program``, the path of the command; and writes
+objects on lines, as ``progress`` is told them, or with ``note`` or ``error``.
+"""
 
 from __future__ import annotations
 
+import json
 import os
 import statistics
 import subprocess
+import sys
 import tempfile
 import threading
 import time
@@ -27,6 +35,12 @@ STRAGGLES = 3.0
 # it is handed out twice; chunks that tell how long one takes.
 _LOOK = 0.01
 _LEAST = 2.0
+# Seconds between two times that progress is told where nothing is done, and those without a worker
+# after which that is said.
+_BEAT = 1.0
+_ALONE = 10.0
+# Chunks that workers have refused for good after which the sweep ends at once.
+_MOST_REFUSED = 100
 _LOOKED_AT = 100
 
 _lock = threading.Lock()
@@ -36,22 +50,22 @@ _live: Dict[str, Tuple[Chunks, Any]] = {}
 
 def solve_chunk(
     options: Options, key: str, chunk: int, folder: Optional[str], basis: bytes, program: str = ""
-) -> bytes:
+) -> Tuple[bytes, int]:
     """The task of a worker, which keeps the live model of one sweep for the chunks that follow. Gives
-    the part, or nothing where it stands in ``folder``. With ``program``, the path of the command, the
-    chunk is solved in a process of its own, which finds scenarios that end it."""
+    the part, or nothing where it stands in ``folder``, and how many of its solves failed. With
+    ``program``, the path of the command, the chunk is solved in a process of its own, which finds
+    scenarios that end it."""
     with _lock:  # one solver at a time in a worker
         chunks, own = _live_sweep(options, key)
         if folder is not None:
-            _solve_into(chunks, options, folder, chunk, program)
-            return b""
+            return b"", _solve_into(chunks, options, folder, chunk, program)
         if not os.path.exists(chunks.basis(own.name)):
             FilePath(chunks.basis(own.name)).write_bytes(basis)
-        _solve_into(chunks, options, own.name, chunk, program)
+        failed = _solve_into(chunks, options, own.name, chunk, program)
         part = FilePath(chunks.part(own.name, chunk))
         content = part.read_bytes()
         part.unlink()
-        return content
+        return content, failed
 
 
 def _live_sweep(options: Options, key: str) -> Tuple[Chunks, Any]:
@@ -68,13 +82,10 @@ def _live_sweep(options: Options, key: str) -> Tuple[Chunks, Any]:
     return _live[key]
 
 
-def _solve_into(
-    chunks: Chunks, options: Options, folder: str, chunk: int, program: str
-) -> None:
+def _solve_into(chunks: Chunks, options: Options, folder: str, chunk: int, program: str) -> int:
     if not program:
-        chunks.solve(folder, chunk)
-        return
-    command = [program, "sweep", dict(options)["model"]]
+        return chunks.solve(folder, chunk)
+    command = [program, "sweep", dict(options)["model"], "--progress", "none"]
     command += ["--part", f"{chunk + 1}/{len(chunks)}", "--parts", folder]
     for name, value in options:
         if name != "model":
@@ -82,6 +93,8 @@ def _solve_into(
     run = subprocess.run(command, stdin=subprocess.DEVNULL, capture_output=True, check=False)
     if not os.path.exists(chunks.part(folder, chunk)):
         raise Error(run.stderr.decode("utf-8", "replace").strip() or "the command left no part", "sweep")
+    chunks.find(folder)
+    return chunks.state(chunk)[1]
 
 
 class World:
@@ -135,9 +148,16 @@ class Run:
         self._took: List[float] = []
         self._done = 0
         self._failures = 0
+        self._lost = 0
+        self._told = 0.0
+        # Why chunks are given up.
+        self._refused: Dict[int, Exception] = {}
+        #: The dict that progress is told.
+        self.state: Dict[str, Any] = {}
 
     def solve(self, pending: Sequence[int]) -> None:
-        """Has these chunks solved, and leaves their parts in the folder."""
+        """Has these chunks solved, and leaves their parts in the folder. A chunk that all workers
+        refuse is told by an error when the others are done."""
         if not pending:
             return
         self.chunks.prepare(self._folder)
@@ -155,33 +175,48 @@ class Run:
                 if not self._completed.has_ready():
                     self._world.rest(_LOOK)
                     self._double()
+                    self._tell(_BEAT)
                     continue
-                done = self._receive(next(self._completed))
-                following = next(waiting, None) if done is not None else None
-                if following is not None:
-                    self._hand_out(following)
+                if self._receive(next(self._completed)):
+                    following = next(waiting, None)
+                    if following is not None:
+                        self._hand_out(following)
         finally:
             self._client.cancel([future for future, _, _ in self._out.values()], force=True)
             self._out.clear()
+        self._tell()
+        if self._refused:
+            self._raise_refusal()
+
+    def _raise_refusal(self) -> None:
+        chunk, error = min(self._refused.items())
+        numbers = self.chunks.range(chunk)
+        first = self.chunks.scenario(numbers.start)
+        last = self.chunks.scenario(numbers.stop - 1)
+        others = len(self._refused) - 1
+        more = f" (and {others} other chunks)" if others else ""
+        raise Error(f"scenarios {first} to {last}{more}: {error}", "sweep") from error
 
     def _hand_out(self, chunk: int, careful: bool = False, again: str = "") -> None:
         future = self._submit(chunk, careful, again)
         self._out[future.key] = (future, chunk, self._world.now())
         self._completed.add(future)
 
-    def _receive(self, future: Any) -> Optional[int]:
-        """The chunk that is done with this; nothing where none is."""
+    def _receive(self, future: Any) -> bool:
+        """Whether a chunk is through with this."""
         _, chunk, begun = self._out.pop(future.key)
         if chunk not in self._left:
-            return None
+            return False
         if future.status != "finished":
-            self._again(chunk, future)
-            return None
-        self._take(chunk, future.result())
+            return self._again(chunk, future)
+        part, failed = future.result()
+        self._take(chunk, part)
         self._left.discard(chunk)
         self._took.append(self._world.now() - begun)
-        self._tell(chunk)
-        return chunk
+        self._done += len(self.chunks.range(chunk))
+        self._failures += failed
+        self._tell()
+        return True
 
     def _submit(self, chunk: int, careful: bool, again: str) -> Any:
         """A task of the key that stands for the chunk, so that a task that is there is found."""
@@ -210,19 +245,23 @@ class Run:
             os.fsync(out.fileno())
         os.replace(made, file)
 
-    def _again(self, chunk: int, future: Any) -> None:
-        """A worker died under the chunk, again and again, or refused it."""
+    def _again(self, chunk: int, future: Any) -> bool:
+        """A worker died under the chunk, again and again, or refused it; whether it is given up."""
         from distributed.scheduler import KilledWorker
 
         error = future.exception()
-        self._failures += 1
+        self._lost += 1
         self._tries[chunk] = self._tries.get(chunk, 0) + 1
-        if self._tries[chunk] > TRIES:
-            numbers = self.chunks.range(chunk)
-            first = self.chunks.scenario(numbers.start)
-            last = self.chunks.scenario(numbers.stop - 1)
-            raise Error(f"scenarios {first} to {last}: {error}", "sweep") from error
-        self._hand_out(chunk, careful=isinstance(error, KilledWorker))
+        if self._tries[chunk] <= TRIES:
+            # The last try finds a scenario that keeps the others of its chunk from being solved.
+            careful = isinstance(error, KilledWorker) or self._tries[chunk] == TRIES
+            self._hand_out(chunk, careful=careful)
+            return False
+        self._left.discard(chunk)
+        self._refused[chunk] = error
+        if not self._took or len(self._refused) >= _MOST_REFUSED:
+            self._raise_refusal()
+        return True
 
     def _double(self) -> None:
         """Hands chunks of the end out twice that take far longer than the others did."""
@@ -237,22 +276,23 @@ class Run:
                     self._doubled.add(chunk)
                     self._hand_out(chunk, again="twice")
 
-    def _tell(self, chunk: int) -> None:
-        self._done += len(self.chunks.range(chunk))
-        if self._progress is None:
+    def _tell(self, after: float = 0.0) -> None:
+        """Tells progress, unless that was done within so many seconds."""
+        now = self._world.now()
+        if self._progress is None or (after and now - self._told < after):
             return
-        seconds = self._world.now() - self._start
-        rate = self._done / max(seconds, 1e-9)
-        self._progress(
-            {
-                "done": self._done,
-                "count": self._count,
-                "rate": rate,
-                "seconds_left": (self._count - self._done) / rate,
-                "failures": self._failures,
-                "workers": len(self._client.scheduler_info()["workers"]),
-            }
-        )
+        self._told = now
+        rate = self._done / max(now - self._start, 1e-9)
+        self.state = {
+            "done": self._done,
+            "count": self._count,
+            "rate": rate,
+            "seconds_left": (self._count - self._done) / rate if self._done else None,
+            "failures": self._failures,
+            "lost": self._lost,
+            "workers": len(self._client.scheduler_info()["workers"]),
+        }
+        self._progress(self.state)
 
 
 def sweep(
@@ -288,3 +328,66 @@ def sweep(
         return notes
     finally:
         chunks.close()
+
+
+class _Answers:
+    """Lines of JSON for the command, which started this process."""
+
+    def __init__(self) -> None:
+        self._began = time.monotonic()
+        self._alone = False
+
+    def tell(self, **what: Any) -> None:
+        print(json.dumps(what), flush=True)
+
+    def progress(self, state: Dict[str, Any]) -> None:
+        self.tell(**state)
+        if not state["workers"] and not self._alone and time.monotonic() - self._began > _ALONE:
+            self._alone = True
+            self.tell(note="the scheduler has no worker, one is waited for")
+
+
+def _end_with(parent: int) -> None:
+    """Ends this process with the one that started it, in whatever way that ends."""
+    while os.getppid() == parent:
+        time.sleep(0.5)
+    os._exit(1)
+
+
+def main() -> int:
+    """Solves what standard input asks for; see the head of this file."""
+    threading.Thread(target=_end_with, args=(os.getppid(),), daemon=True).start()
+    answers = _Answers()
+    request = json.load(sys.stdin)
+    try:
+        import distributed
+    except ImportError as error:
+        answers.tell(error=f"{error}; --dask needs Dask (Debian package python3-distributed)")
+        return 1
+    try:
+        client: Any = distributed.Client(request["address"], timeout=10)
+    except (OSError, ValueError) as error:
+        text = str(error).split("\n", 1)[0] or type(error).__name__
+        answers.tell(error=f"--dask {request['address']}: there is no scheduler: {text}")
+        return 1
+    try:
+        options = [(name, value) for name, value in request["options"]]
+        with client, Chunks(options) as chunks:
+            run = Run(
+                client, chunks, options, request["folder"], request["program"], request["shared"],
+                answers.progress,
+            )  # fmt: skip
+            run.solve([chunk for first, end in request["chunks"] for chunk in range(first, end)])
+    except KeyboardInterrupt:
+        return 130
+    except Error as error:
+        answers.tell(error=error.text)
+        return 1
+    return 0
+
+
+if __name__ == "__main__":
+    # Tasks are found by the workers under the name of the package.
+    from ztb import cluster
+
+    sys.exit(cluster.main())

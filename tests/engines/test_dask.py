@@ -3,14 +3,15 @@
 import json
 import os
 import signal
-import subprocess
 import sys
-from pathlib import Path
 
 import dask
 import distributed
+import cluster_simulation
 import pandas as pd
 import pytest
+from conftest import Sweep
+from dask_processes import DaskProcesses
 
 import ztb
 
@@ -61,7 +62,7 @@ def test_workers_give_the_bytes_that_one_process_gives(client, inputs, tmp_path)
     assert (tmp_path / "dask.rxf").read_bytes() == (tmp_path / "one.rxf").read_bytes()
     assert result.objective["s7"] == pytest.approx(1 + 35 % 9)
     assert told[-1]["done"] == told[-1]["count"] == COUNT
-    assert told[-1]["workers"] == 2 and told[-1]["failures"] == 0
+    assert told[-1]["workers"] == 2 and told[-1]["failures"] == told[-1]["lost"] == 0
     json.dumps(told)
     assert not (tmp_path / "dask.rxf.parts").exists()
     # Parts on storage that all see stay there, and what is lost of them is solved again.
@@ -98,7 +99,7 @@ class Deadly(distributed.WorkerPlugin):
         def solve(own, folder, chunk):
             if label in [own.scenario(number) for number in own.range(chunk)]:
                 os.kill(os.getpid(), signal.SIGKILL)
-            plain(own, folder, chunk)
+            return plain(own, folder, chunk)
 
         chunks.Chunks.solve = solve
 
@@ -116,7 +117,7 @@ def test_a_chunk_that_ends_its_workers_is_solved_in_a_process_of_its_own(client,
         ztb.sweep(**inputs, out=tmp_path / "o.rxf", client=client, progress=told.append)
     finally:
         client.unregister_worker_plugin("deadly")
-    assert told[-1]["failures"] >= 1
+    assert told[-1]["lost"] >= 1
     assert (tmp_path / "o.rxf").read_bytes() == (tmp_path / "one.rxf").read_bytes()
 
 
@@ -130,28 +131,71 @@ def test_workers_that_see_other_files_are_refused(client, inputs, tmp_path):
         cluster.solve_chunk(options, "0123456789abcdef", 0, str(tmp_path), b"")
 
 
-def test_processes_of_a_scheduler_and_workers(inputs, tmp_path):
-    environment = {**os.environ, "PYTHONPATH": os.pathsep.join(sys.path)}
-    file = tmp_path / "scheduler.json"
-    started = []
-    try:
-        for arguments in (
-            ["distributed.cli.dask_scheduler", "--port", "0", "--no-dashboard"],
-            ["distributed.cli.dask_worker", "--nthreads", "1", "--no-nanny", "--no-dashboard"],
-        ):
-            started.append(
-                subprocess.Popen(
-                    [sys.executable, "-m", *arguments, "--scheduler-file", str(file)],
-                    env=environment, cwd=tmp_path, stdout=subprocess.DEVNULL,
-                    stderr=subprocess.DEVNULL,
-                )  # fmt: skip
-            )
-        with distributed.Client(scheduler_file=str(file), timeout=60) as client:
-            result = ztb.sweep(**inputs, out=tmp_path / "o.rxf", client=client)
-        assert len(result) == COUNT
-        assert result.objective["s1"] == pytest.approx(6)
-    finally:
-        for process in reversed(started):
-            process.kill()
-            process.wait()
-    assert Path(result.path).exists()
+@pytest.fixture
+def command(inputs, tmp_path):
+    words = [inputs["model"], "--scenarios", inputs["scenarios"], "--over", "s", "--report", "a"]
+    return Sweep(tmp_path, [*words, "--chunk", 3])
+
+
+@pytest.fixture
+def address(tmp_path):
+    with DaskProcesses(tmp_path, 2) as cluster:
+        yield cluster.address
+
+
+def test_processes_of_a_scheduler_and_workers(inputs, address, tmp_path):
+    with distributed.Client(address, timeout=60) as client:
+        result = ztb.sweep(**inputs, out=tmp_path / "o.rxf", client=client)
+    assert len(result) == COUNT
+    assert result.objective["s1"] == pytest.approx(6)
+
+
+def test_the_command_gives_the_bytes_of_one_process(command, address):
+    command("--out", "one.rxf")
+    output, errors = command("--out", "dask.rxf", "--dask", address, "--progress", "json")
+    assert output.startswith("40 scenarios: 40 optimal in ")
+    assert command.bytes("dask.rxf") == command.bytes("one.rxf")
+    assert not (command.folder / "dask.rxf.parts").exists()
+    told = [json.loads(line) for line in errors.splitlines()]
+    assert told[-1]["done"] == told[-1]["count"] == COUNT
+    assert set(told[-1]) == {
+        "done", "count", "rate", "seconds_left", "failures", "lost", "workers",
+    }  # fmt: skip
+    # Parts in a folder that the workers see stay there, and the rest is solved.
+    command("--out", "shared.rxf", "--dask", address, "--parts", "parts")
+    parts = sorted((command.folder / "parts").glob("*.rxf"))
+    assert len(parts) == 14
+    parts[5].unlink()
+    (command.folder / "shared.rxf").unlink()
+    output, _ = command("--out", "shared.rxf", "--dask", address, "--parts", "parts", "--resume")
+    assert output.startswith("40 scenarios, 37 of them kept: ")
+    assert command.bytes("shared.rxf") == command.bytes("one.rxf")
+
+
+def test_what_is_missing_for_dask_is_named(command, tmp_path):
+    _, errors = command("--out", "o.rxf", "--dask", "tcp://127.0.0.1:1", expected=1)
+    assert errors.startswith("ztb: --dask tcp://127.0.0.1:1: there is no scheduler: ")
+    _, errors = command("--out", "o.rxf", "--dask", "nonsense://x", expected=1)
+    assert errors.startswith("ztb: --dask nonsense://x: there is no scheduler: ")
+    environment = {**os.environ, "ZTB_PYTHON": str(tmp_path / "python")}
+    _, errors = command("--out", "o.rxf", "--dask", "tcp://h:1", expected=1, env=environment)
+    assert errors == (
+        f"ztb: {tmp_path}/python: there is no such program; --dask needs Python with the packages "
+        "python3-ztb and python3-distributed (ZTB_PYTHON names another Python)\n"
+    )
+    # A Python that looks at nothing but its own library has no Dask.
+    python = tmp_path / "bare"
+    python.write_text(f'#!/bin/sh\nexec {sys.executable} -S "$@"\n')
+    python.chmod(0o755)
+    environment = {**os.environ, "ZTB_PYTHON": str(python)}
+    _, errors = command("--out", "o.rxf", "--dask", "tcp://h:1", expected=1, env=environment)
+    assert errors.startswith("ztb: ") and "No module named" in errors
+    assert "needs " in errors and "(" in errors
+
+
+@pytest.mark.parametrize("losses", [0.01, 0.1])
+@pytest.mark.parametrize("workers", [10, 100, 1000])
+def test_each_chunk_is_taken_once_on_a_cluster_that_is_played(workers, losses):
+    efficiency, taken = cluster_simulation.simulate(workers, losses)
+    assert sorted(taken) == list(range(workers * cluster_simulation.CHUNKS_A_WORKER))
+    assert efficiency > 0.6

@@ -52,7 +52,7 @@ class Future:
         self.status, self.deaths, self.failure = "pending", 0, None
 
     def result(self):
-        return b""
+        return b"", 0
 
     def exception(self):
         return self.failure
