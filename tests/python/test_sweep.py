@@ -1,5 +1,9 @@
 """Sweeps from Python, whose results read as frames."""
 
+import io
+import sys
+import types
+
 import numpy as np
 import pandas as pd
 import pytest
@@ -224,3 +228,66 @@ def test_a_model_that_was_built_is_swept(family, tmp_path):
     model.drive(drive[0])
     with pytest.raises(ValueError, match="before it is driven, tied or solved; say in drive="):
         ztb.sweep(model, {"cost": costs}, over="s")
+
+
+def test_progress_is_told(file, scenarios, tmp_path, capfd):
+    told = []
+    ztb.sweep(file, scenarios, "s", drive=DRIVE, jobs=2, progress=told.append)
+    assert told[-1]["done"] == told[-1]["count"] == 3
+    assert set(told[-1]) == {
+        "done", "count", "rate", "seconds_left", "failures", "lost", "workers",
+    }  # fmt: skip
+    # Nothing is drawn where standard error is no terminal.
+    capfd.readouterr()
+    result = ztb.sweep(file, scenarios, "s", drive=DRIVE, progress=True)
+    assert len(result) == 3 and result.notes == ["scenario s3: infeasible"]
+    assert capfd.readouterr().err == ""
+    with pytest.raises(TypeError, match="progress is True or is called with a dict, not int"):
+        ztb.sweep(file, scenarios, "s", drive=DRIVE, progress=5)
+
+
+STATE = {
+    "done": 30, "count": 120, "rate": 2.5, "seconds_left": 36.0, "failures": 1, "lost": 2, "workers": 4,
+}  # fmt: skip
+
+
+def test_a_notebook_shows_a_sweep_as_a_bar(monkeypatch):
+    shown = []
+
+    class Handle:
+        def update(self, view):
+            shown.append(view._repr_html_())
+
+    def display(view, display_id):
+        assert display_id
+        shown.append(view._repr_html_())
+        return Handle()
+
+    shell = types.ModuleType("IPython")
+    shell.get_ipython = lambda: types.SimpleNamespace(kernel=None)
+    shell.display = types.ModuleType("IPython.display")
+    shell.display.display = display
+    monkeypatch.setitem(sys.modules, "IPython", shell)
+    monkeypatch.setitem(sys.modules, "IPython.display", shell.display)
+    view = ztb.SweepView()
+    view({**STATE, "done": 0, "seconds_left": None})
+    view(STATE)
+    view.close()
+    assert len(shown) == 2
+    assert '<progress value="30" max="120"' in shown[1]
+    assert "30 of 120 scenarios solved, 2.5 a second, 36 s left, 1 failed, 2 workers lost, 4 workers" in shown[1]
+    assert "s left" not in shown[0]
+
+
+def test_a_terminal_shows_a_sweep_as_a_line(monkeypatch):
+    class Terminal(io.StringIO):
+        def isatty(self):
+            return True
+
+    terminal = Terminal()
+    monkeypatch.setattr(sys, "stderr", terminal)
+    view = ztb.SweepView()
+    view(STATE)
+    view.close()
+    assert terminal.getvalue() == f"\r\x1b[K{view}\n"
+    assert repr(view) == f"<ztb.SweepView: {view}>"

@@ -38,6 +38,7 @@ from .special import (
     special_code,
     special_codes,
 )
+from .progress import SweepView
 from .sweeps import SweepResult, sweep
 from .symbol import Alias, Domain, Set, Symbol, Texts, Violation
 from .values import FIELDS, Values
@@ -80,6 +81,7 @@ __all__ = [
     "Set",
     "Solution",
     "SweepResult",
+    "SweepView",
     "Symbol",
     "Texts",
     "Tie",

@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import json
 import os
 import re
 import shutil
@@ -13,7 +14,6 @@ from typing import (
     TYPE_CHECKING,
     Any,
     Callable,
-    Dict,
     Iterator,
     List,
     Mapping,
@@ -23,7 +23,7 @@ from typing import (
     Union,
 )
 
-from . import arguments, fills, viewer
+from . import arguments, fills, progress as progresses, viewer
 from .database import Database
 from .driven import stated_positions, with_positions
 from .errors import DamagedFileError, Error, MissingFileError
@@ -148,7 +148,7 @@ def sweep(
     time_limit: Optional[float] = None,
     client: Any = None,
     parts: Optional[Path] = None,
-    progress: Optional[Callable[[Dict[str, Any]], None]] = None,
+    progress: progresses.Progress = None,
 ) -> SweepResult:
     """Solves a model for each element of the set ``over``, by ``jobs`` processes.
 
@@ -166,15 +166,19 @@ def sweep(
 
     With ``client``, a client of Dask, its workers solve the chunks in the place of processes of this
     machine; each needs the package, and the files of the sweep under the same names. Their results
-    come back over the network, or stand in the folder ``parts`` that all of them see. ``progress``
-    is called now and then with a dict of ``done``, ``count``, ``rate``, ``seconds_left``,
-    ``failures`` and ``workers``.
+    come back over the network, or stand in the folder ``parts`` that all of them see.
+
+    ``progress=True`` shows how the sweep gets on, in a notebook or at a terminal. Something else is
+    called now and then with a dict of ``done`` and ``count`` of scenarios, ``rate`` a second,
+    ``seconds_left``, ``failures``, solves that failed, ``lost``, processes and workers that died or gave a
+    chunk back, and ``workers`` at work.
 
     This is ``ztb sweep``, whose page in the reference tells the rest; its program is found beside
     the package or on ``PATH``.
     """
     arguments.text(over, "name of a set to sweep over")
     arguments.whole(jobs, "number of jobs")
+    tell = progresses.teller(progress)
     if solver is not None:
         arguments.text(solver, "name of a solver")
     reports = [report] if isinstance(report, str) else list(arguments.several(report, "report"))
@@ -209,8 +213,6 @@ def sweep(
         source = os.fspath(scenarios)
         # What is missing or damaged is told here, by its kind of error.
         Database(source).close()
-    if client is None and progress is not None:
-        raise ValueError("progress is told of a sweep with a client")
     if isinstance(data, Mapping) and not isinstance(data, Database):
         data = fills.database_of(data)
     if isinstance(data, Database):
@@ -234,10 +236,13 @@ def sweep(
         from . import cluster
 
         folder_of_parts = None if parts is None else os.path.abspath(parts)
-        notes = cluster.sweep(
-            client, _absolute(options), os.path.abspath(target), _program(),
-            parts=folder_of_parts, resume=resume, progress=progress,
-        )  # fmt: skip
+        try:
+            notes = cluster.sweep(
+                client, _absolute(options), os.path.abspath(target), _program(),
+                parts=folder_of_parts, resume=resume, progress=tell,
+            )  # fmt: skip
+        finally:
+            _end(tell)
         return SweepResult(target, over, folder, notes)
     command = [_program(), "sweep", options[0][1], "--out", target, "--jobs", str(jobs)]
     for name, value in options[1:]:
@@ -246,7 +251,17 @@ def sweep(
         command += ["--parts", os.fspath(parts)]
     if resume:
         command.append("--resume")
-    return SweepResult(target, over, folder, _run(command))
+    if tell is not None:
+        command += ["--progress", "json"]
+    try:
+        return SweepResult(target, over, folder, _run(command, tell))
+    finally:
+        _end(tell)
+
+
+def _end(tell: Optional[Callable[[progresses.State], None]]) -> None:
+    if isinstance(tell, progresses.SweepView):
+        tell.close()
 
 
 def _absolute(options: List[Tuple[str, str]]) -> List[Tuple[str, str]]:
@@ -357,21 +372,31 @@ def _program() -> str:
     return found
 
 
-def _run(command: List[str]) -> List[str]:
+def _run(command: List[str], tell: Optional[Callable[[progresses.State], None]]) -> List[str]:
     """Runs the program; what it told. A run that leaves scenarios without a solution has results all
     the same, of which it prints a summary."""
-    process = subprocess.Popen(
-        command, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE
-    )
-    try:
-        summary, errors = process.communicate()
-    except BaseException:
-        process.send_signal(signal.SIGINT)
-        process.communicate()
-        raise
-    text = errors.decode("utf-8", "surrogateescape").strip()
-    lines = [line[5:] if line.startswith("ztb: ") else line for line in text.splitlines()]
-    if process.returncode == 0 or (process.returncode == 1 and summary):
+    lines = []
+    with tempfile.TemporaryFile() as output:
+        process = subprocess.Popen(
+            command, stdin=subprocess.DEVNULL, stdout=output, stderr=subprocess.PIPE
+        )
+        assert process.stderr is not None
+        try:
+            for told in process.stderr:
+                line = told.decode("utf-8", "surrogateescape").rstrip("\n")
+                if tell is not None and line.startswith("{"):
+                    tell(json.loads(line))
+                else:
+                    lines.append(line[5:] if line.startswith("ztb: ") else line)
+            process.wait()
+        except BaseException:
+            process.send_signal(signal.SIGINT)
+            process.communicate()
+            raise
+        finally:
+            process.stderr.close()
+        has_summary = output.seek(0, os.SEEK_END) > 0
+    if process.returncode == 0 or (process.returncode == 1 and has_summary):
         return lines
     kind = DamagedFileError if any(_DAMAGED.search(line) for line in lines) else Error
     raise kind("\n".join(lines) or f"ztb ended with {process.returncode}", "sweep")
