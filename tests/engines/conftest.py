@@ -18,6 +18,8 @@ PROGRAM = str(Path(os.environ.get("ZTB_BUILD", PROJECT / "build" / "release")) /
 class Sweep:
     """A folder in which the command runs, with the words that stand for one sweep."""
 
+    PROGRAM = PROGRAM
+
     def __init__(self, folder, words, environment=None):
         self.folder = folder
         self.words = [str(word) for word in words]
