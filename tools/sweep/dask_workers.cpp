@@ -19,7 +19,6 @@ namespace tool {
 namespace {
 
 namespace fs = std::filesystem;
-using Json = nlohmann::json;
 
 // Where the package lies of the command's own build, installation or wheel; empty: where Python
 // itself looks.
@@ -44,9 +43,12 @@ std::string packageFolder(const fs::path& program) {
 
 std::string requestOf(const SweepOptions& options, const std::string& folder,
                       const std::vector<int>& chunks, const fs::path& program) {
-  Json request{{"address", options.dask},          {"folder", fs::absolute(folder).string()},
-               {"shared", !options.parts.empty()}, {"program", program.string()},
-               {"options", Json::array()},         {"chunks", Json::array()}};
+  nlohmann::json request{{"address", options.dask},
+                         {"folder", fs::absolute(folder).string()},
+                         {"shared", !options.parts.empty()},
+                         {"program", program.string()},
+                         {"options", nlohmann::json::array()},
+                         {"chunks", nlohmann::json::array()}};
   for (const auto& [name, value] : options.ofSweep()) request["options"].push_back({name, value});
   for (std::size_t at = 0; at < chunks.size();) {
     std::size_t last = at;
@@ -56,7 +58,7 @@ std::string requestOf(const SweepOptions& options, const std::string& folder,
   }
   try {
     return request.dump();
-  } catch (const Json::exception&) {
+  } catch (const nlohmann::json::exception&) {
     throw Failure("--dask takes names of files in UTF-8 only");
   }
 }
@@ -99,7 +101,7 @@ void solveWithDask(const SweepOptions& options, const std::string& folder,
     }
     const auto line = child->line(std::chrono::milliseconds(200));
     if (!line) continue;
-    const Json told = Json::parse(*line, nullptr, false);
+    const nlohmann::json told = nlohmann::json::parse(*line, nullptr, false);
     if (!told.is_object()) continue;
     if (told.contains("error")) {
       failure = told["error"].get<std::string>();
