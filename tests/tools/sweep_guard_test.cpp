@@ -150,7 +150,8 @@ TEST_F(SweepGuardTest, APartOfOtherInputsThatAppearsOnTheWayIsNotCollected) {
   std::filesystem::rename(path("foreign.rxf"), path(partOfSecond()));
   EXPECT_EQ(run->wait(), 1);
   EXPECT_THAT(read("errors"), HasSubstr("-1-2.rxf: is from a sweep with another scenario file; "
-                                        "without --resume all is solved anew\n"));
+                                        "without --resume all is solved anew; remove this file, "
+                                        "and what it held is solved again\n"));
   EXPECT_EQ(read("out.rxf"), "an older result");
 }
 

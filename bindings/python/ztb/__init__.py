@@ -12,9 +12,8 @@
 
 from . import _native
 from .arrow import from_arrow
-from .database import Database, memory_needed, open, read
-from .datasets import aggregate, concat, merge, rename, where
 from .database import Database, from_xarray, memory_needed, open, read
+from .datasets import aggregate, concat, merge, rename, where
 from .errors import DamagedFileError, Error, MissingFileError, NotFoundError
 from .families import Expression, Family
 from .labels import Key, Label, label_text

@@ -8,6 +8,7 @@ objects on lines, as ``progress`` is told them, or with ``note`` or ``error``.
 
 from __future__ import annotations
 
+import importlib
 import json
 import os
 import statistics
@@ -388,6 +389,4 @@ def main() -> int:
 
 if __name__ == "__main__":
     # Tasks are found by the workers under the name of the package.
-    from ztb import cluster
-
-    sys.exit(cluster.main())
+    sys.exit(importlib.import_module("ztb.cluster").main())
