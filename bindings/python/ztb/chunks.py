@@ -136,7 +136,7 @@ class Chunks:
         try:
             self._require(self._library.ztbSweepSolve(self._sweep, os.fsencode(folder), chunk))
         finally:
-            self._library.ztbSweepSetWatch(self._sweep, ctypes.cast(None, _WATCH), None)
+            self._library.ztbSweepSetWatch(self._sweep, ctypes.cast(0, _WATCH), None)
         self._require(self._library.ztbSweepPublish(self._sweep, os.fsencode(folder)))
         return len(failed)
 
