@@ -3,19 +3,26 @@
 namespace ztb::peers {
 namespace {
 
-constexpr FamilyTable rxfTable {
-  .libraryBaseName = "rxfcclib", .apiVersion = ZTB_PEER_RXF_VERSION, .createName = "XCreate",
-  .createInDirectoryName = "XCreateD", .freeName = "XFree", .checkName = "C__XCheck",
-  .versionName = "C__XAPIVersion", .setLoadPathName = "C__rxfSetLoadPath",
-  .getLoadPathName = "C__rxfGetLoadPath",
 #if defined(ZTB_PLAIN_STORES)
-  // One record after the other, as from a peer without blocks.
-      .readBlockStartName = nullptr, .readBlockName = nullptr
-};
+// One record after the other, as from a peer without blocks.
+constexpr const char* readBlockStart = nullptr;
+constexpr const char* readBlock = nullptr;
 #else
-  .readBlockStartName = "C__rxfDataReadBlockStart", .readBlockName = "C__rxfDataReadBlock"
-};
+constexpr const char* readBlockStart = "C__rxfDataReadBlockStart";
+constexpr const char* readBlock = "C__rxfDataReadBlock";
 #endif
+
+constexpr FamilyTable rxfTable{.libraryBaseName = "rxfcclib",
+                               .apiVersion = ZTB_PEER_RXF_VERSION,
+                               .createName = "XCreate",
+                               .createInDirectoryName = "XCreateD",
+                               .freeName = "XFree",
+                               .checkName = "C__XCheck",
+                               .versionName = "C__XAPIVersion",
+                               .setLoadPathName = "C__rxfSetLoadPath",
+                               .getLoadPathName = "C__rxfGetLoadPath",
+                               .readBlockStartName = readBlockStart,
+                               .readBlockName = readBlock};
 
 }  // namespace
 

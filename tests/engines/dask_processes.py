@@ -2,6 +2,7 @@
 
 import json
 import os
+import resource
 import subprocess
 import sys
 import time
@@ -10,7 +11,10 @@ import time
 class DaskProcesses:
     """Started at the beginning of a ``with``, and ended with it."""
 
-    def __init__(self, folder, workers, failures=3):
+    def __init__(self, folder, workers, failures=3, seconds=None):
+        """With ``seconds`` the system ends each worker, and each process that it starts, after so
+        much processor time."""
+        self.seconds = seconds
         self.folder = folder
         self.file = os.path.join(folder, "scheduler.json")
         self.count = workers
@@ -39,7 +43,16 @@ class DaskProcesses:
             process.wait()
 
     def start_worker(self):
-        self.workers.append(self._start("dask_worker", "--nthreads", "1", "--no-nanny", "--no-dashboard"))
+        limit = None if self.seconds is None else (self.seconds, self.seconds)
+        self.workers.append(
+            self._start("dask_worker", "--nthreads", "1", "--no-nanny", "--no-dashboard", limit=limit)
+        )
+
+    def replace_dead_workers(self):
+        for process in list(self.workers):
+            if process.poll() is not None:
+                self.workers.remove(process)
+                self.start_worker()
 
     def kill_worker(self):
         """Kills the worker that has lived longest, and starts another."""
@@ -48,7 +61,7 @@ class DaskProcesses:
         process.wait()
         self.start_worker()
 
-    def _start(self, name, *words):
+    def _start(self, name, *words, limit=None):
         environment = {
             **os.environ,
             "PYTHONPATH": os.pathsep.join(sys.path),
@@ -58,6 +71,7 @@ class DaskProcesses:
             [sys.executable, "-m", f"distributed.cli.{name}", *words, "--scheduler-file", self.file],
             env=environment, cwd=self.folder, stdin=subprocess.DEVNULL,
             stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
+            preexec_fn=limit and (lambda: resource.setrlimit(resource.RLIMIT_CPU, limit)),
         )  # fmt: skip
         self.started.append(process)
         return process
