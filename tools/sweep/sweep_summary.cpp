@@ -74,7 +74,7 @@ void SweepSummary::print(int kept, double seconds) const {
     separator = ", ";
   }
   line += fmt::format(" in {:.2f} s", seconds);
-  if (seconds > 0) line += fmt::format(" ({:.0f} a second)", (all - kept) / seconds);
+  if (seconds > 0 && all > kept) line += fmt::format(" ({:.0f} a second)", (all - kept) / seconds);
   line += '\n';
   if (lowest) {
     line += fmt::format("objective: lowest {:.10g} ({}), highest {:.10g} ({})\n", lowest->first,
