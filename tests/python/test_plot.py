@@ -147,3 +147,11 @@ def test_a_missing_matplotlib_is_named(diet, monkeypatch):
         "matplotlib is needed for this: install the Debian package python3-matplotlib, or "
         "matplotlib by pip"
     )
+
+
+@pytest.mark.parametrize("kind", ["line", "bar", "area", "scatter", "hist"])
+def test_a_symbol_without_records_is_an_empty_picture(db, kind):
+    db.add_set("a")
+    for symbol in (db.add_parameter("p", "a"), db.add_variable("x", "a")):
+        axes = symbol.plot(kind=kind, **({} if kind == "hist" else {"x": "a"}))
+        assert axes.get_title() == symbol.name

@@ -121,10 +121,12 @@ def plot(
         raise ValueError("x= and by= are one position")
     pyplot = _pyplot()
     keys, content = symbol._native.rows()
-    values = _drawn(content.reshape(len(keys), -1)[:, place])
+    values = _drawn(content.reshape(len(keys), len(columns))[:, place])
     if axes is None:
         axes = pyplot.figure().add_subplot()
     axes.set_title(f"{symbol.name}: {symbol.text}" if symbol.text else symbol.name)
+    if len(keys) == 0:
+        return axes
     if x is None:
         axes.hist(values[~np.isnan(values)])
         return axes
