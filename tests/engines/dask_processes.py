@@ -65,6 +65,8 @@ class DaskProcesses:
         environment = {
             **os.environ,
             "PYTHONPATH": os.pathsep.join(sys.path),
+            # What killed workers leave lies with the test.
+            "TMPDIR": str(self.folder),
             "DASK_DISTRIBUTED__SCHEDULER__ALLOWED_FAILURES": str(self.failures),
         }
         process = subprocess.Popen(
