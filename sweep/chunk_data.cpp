@@ -44,20 +44,17 @@ void ChunkData::begin(int first, int end) {
 }
 
 void ChunkData::read(Parameter& parameter, int first, int end) {
-  const int from = scenarios_.number(first);
   if (!parameter.walk) {
     parameter.walk = std::make_unique<RecordWalk>(scenarios_.file(), *parameter.source);
-  } else if (from < parameter.passed) {
-    parameter.walk->rewind();
-    parameter.waits = false;
   }
   RecordWalk& walk = *parameter.walk;
+  walk.seek(scenarios_.number(first));
   parameter.records.keys.clear();
   parameter.records.values.clear();
   parameter.begins.assign(1, 0);
   int scenario = first;
-  parameter.waits = parameter.waits || walk.next();
-  while (parameter.waits && scenario < end) {
+  bool isThere = walk.next();
+  while (isThere && scenario < end) {
     const int key = walk.keys()[0];
     if (key > scenarios_.number(scenario)) {
       parameter.begins.push_back(parameter.records.values.size());
@@ -69,11 +66,10 @@ void ChunkData::read(Parameter& parameter, int first, int end) {
       parameter.records.keys.insert(parameter.records.keys.end(), keys.begin(), keys.end());
       parameter.records.values.push_back(walk.values()[0]);
     }
-    parameter.waits = walk.next();
+    isThere = walk.next();
   }
   parameter.begins.resize(static_cast<std::size_t>(end - first) + 1,
                           parameter.records.values.size());
-  parameter.passed = scenarios_.number(end - 1) + 1;
 }
 
 void ChunkData::apply(int scenario) {

@@ -1,7 +1,8 @@
 // The records of the scenarios of a chunk, and their way into the model.
 //
-// The scenario file is walked forward as chunks ascend; nothing is kept but the records of the
-// present chunk, and those of the parameters that are not swept over.
+// Of the scenario file only the blocks with the records of a chunk are read, and the few that it
+// takes to find them; nothing is kept but the records of the present chunk, and those of the
+// parameters that are not swept over.
 #ifndef ZTB_SWEEP_CHUNK_DATA_H_
 #define ZTB_SWEEP_CHUNK_DATA_H_
 
@@ -43,8 +44,6 @@ class ChunkData {
   struct Parameter {
     const tool::FileSymbol* source = nullptr;
     std::unique_ptr<tool::RecordWalk> walk;
-    bool waits = false;               // the walk stands at a record that was not taken yet
-    int passed = 0;                   // label number before which the walk has passed everything
     Records records;                  // of the present chunk
     std::vector<std::size_t> begins;  // of each scenario's records, and the end of the last one's
   };
