@@ -4,10 +4,31 @@
 
 #include <algorithm>
 
+#include "view/model_solution.h"
+
 namespace view {
 
-OpenedFile& Session::file(const Parameters& parameters, const char* name) {
-  return *files[parameters.number(name, 0, files.size() - 1)];
+std::shared_ptr<const OpenedFile> Session::file(const Parameters& parameters, const char* name) {
+  const std::string* given = parameters.find(name);
+  for (std::size_t number = 0; given != nullptr && number < files.size(); ++number) {
+    if (*given != std::to_string(firstSolution + number)) continue;
+    const std::shared_ptr<const ModelSolution> solved = solution(number);
+    if (!solved || !solved->file) {
+      throw RequestError(404, fmt::format("{} has no solution", files[number]->name()));
+    }
+    return {solved, &*solved->file};
+  }
+  return files[parameters.number(name, 0, files.size() - 1)];
+}
+
+std::shared_ptr<const ModelSolution> Session::solution(std::size_t model) {
+  const std::lock_guard lock(mutex_);
+  return solutions_.at(model);
+}
+
+void Session::keepSolution(std::size_t model, std::shared_ptr<const ModelSolution> solution) {
+  const std::lock_guard lock(mutex_);
+  solutions_.at(model) = std::move(solution);
 }
 
 namespace {
@@ -23,25 +44,33 @@ std::string_view kindWord(FileKind kind) {
   }
 }
 
+}  // namespace
+
+void writeFile(const OpenedFile& file, formats::JsonText& answer) {
+  answer.beginObject();
+  answer.name("name");
+  answer.text(file.name());
+  answer.name("kind");
+  answer.text(kindWord(file.kind()));
+  answer.name("bytes");
+  answer.count(file.bytes());
+  const bool isModel = file.kind() == FileKind::model;
+  answer.name("symbols");
+  answer.count(isModel ? 0 : file.exchange().symbols().size());
+  answer.name("labels");
+  answer.count(isModel ? 0 : static_cast<std::size_t>(file.exchange().labelCount()));
+  answer.endObject();
+}
+
+namespace {
+
 void answerFiles(Question& question) {
   formats::JsonText& answer = question.answer;
   answer.beginObject();
   answer.name("files");
   answer.beginArray();
   for (const auto& file : question.session.files) {
-    answer.beginObject();
-    answer.name("name");
-    answer.text(file->name());
-    answer.name("kind");
-    answer.text(kindWord(file->kind()));
-    answer.name("bytes");
-    answer.count(file->bytes());
-    const bool isModel = file->kind() == FileKind::model;
-    answer.name("symbols");
-    answer.count(isModel ? 0 : file->exchange().symbols().size());
-    answer.name("labels");
-    answer.count(isModel ? 0 : static_cast<std::size_t>(file->exchange().labelCount()));
-    answer.endObject();
+    writeFile(*file, answer);
   }
   answer.endArray();
   answer.name("version");
@@ -62,6 +91,8 @@ void answerProgress(Question& question) {
   answer.number(job ? job->done() : 1);
   answer.name("records");
   answer.count(job ? job->records() : 0);
+  answer.name("words");
+  answer.text(job ? job->words() : std::string());
   answer.endObject();
 }
 
@@ -82,11 +113,12 @@ struct Path {
 };
 
 constexpr Path paths[] = {
-    {"alive", answerAlive},   {"cancel", answerCancel},       {"compare", answerCompare},
-    {"counts", answerCounts}, {"export", answerExport},       {"fan", answerFan},
-    {"files", answerFiles},   {"histogram", answerHistogram}, {"model", answerModel},
-    {"pivot", answerPivot},   {"progress", answerProgress},   {"rows", answerRows},
-    {"series", answerSeries}, {"sweep", answerSweep},         {"symbols", answerSymbols},
+    {"alive", answerAlive},     {"cancel", answerCancel},       {"compare", answerCompare},
+    {"counts", answerCounts},   {"export", answerExport},       {"fan", answerFan},
+    {"files", answerFiles},     {"histogram", answerHistogram}, {"model", answerModel},
+    {"pivot", answerPivot},     {"progress", answerProgress},   {"rows", answerRows},
+    {"series", answerSeries},   {"solve", answerSolve},         {"sweep", answerSweep},
+    {"symbols", answerSymbols},
 };
 
 }  // namespace

@@ -2,7 +2,10 @@
 #ifndef ZTB_VIEW_API_H_
 #define ZTB_VIEW_API_H_
 
+#include <array>
 #include <memory>
+#include <mutex>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -17,15 +20,36 @@
 
 namespace view {
 
+struct ModelSolution;
+
+inline constexpr std::size_t mostFiles = 2;
+// The solution of a model has the number of the model's file and this.
+inline constexpr std::size_t firstSolution = mostFiles;
+
+// An answer in JSON that is given again.
+struct KeptAnswer {
+  std::string json;
+  [[nodiscard]] std::size_t bytes() const { return json.size(); }
+};
+
 // The files of a server and what is kept of them.
 struct Session {
-  std::vector<std::unique_ptr<OpenedFile>> files;
+  std::vector<std::shared_ptr<const OpenedFile>> files;
   Jobs jobs;
   ResultCache<RowIndex> indexes{std::size_t{256} << 20U, 64};
   ResultCache<Comparison> comparisons{std::size_t{64} << 20U, 8};
+  ResultCache<KeptAnswer> models{std::size_t{64} << 20U, mostFiles};
 
   // The file that a parameter names by its number. Throws RequestError.
-  [[nodiscard]] OpenedFile& file(const Parameters& parameters, const char* name = "f");
+  [[nodiscard]] std::shared_ptr<const OpenedFile> file(const Parameters& parameters,
+                                                       const char* name = "f");
+  // What the latest solve of a model has left, by the number of the model's file; null before one.
+  [[nodiscard]] std::shared_ptr<const ModelSolution> solution(std::size_t model);
+  void keepSolution(std::size_t model, std::shared_ptr<const ModelSolution> solution);
+
+ private:
+  std::mutex mutex_;
+  std::array<std::shared_ptr<const ModelSolution>, mostFiles> solutions_;
 };
 
 // A file that a page has asked for; it goes with the object.
@@ -51,6 +75,9 @@ struct Question {
 using Answering = void (*)(Question& question);
 Answering findAnswering(std::string_view path);
 
+// What the list of files says of one.
+void writeFile(const OpenedFile& file, formats::JsonText& answer);
+
 void answerCompare(Question& question);
 void answerCounts(Question& question);
 void answerExport(Question& question);
@@ -60,6 +87,7 @@ void answerModel(Question& question);
 void answerPivot(Question& question);
 void answerRows(Question& question);
 void answerSeries(Question& question);
+void answerSolve(Question& question);
 void answerSweep(Question& question);
 void answerSymbols(Question& question);
 

@@ -275,9 +275,9 @@ void answerCompare(Question& question) {
   std::optional<CommonNumbers> texts;
   if (isSet) texts.emplace(commonTexts(first.file(), second.file()));
   const CommonNumbers* const commonText = texts ? &*texts : nullptr;
-  const std::string name = fmt::format("{} {} {} {} {}\n{}\n{}", parameters.text("f", "0"),
-                                       before.number, parameters.text("f2", "0"), after.number,
-                                       slot, first.filter().words(), second.filter().words());
+  const std::string name =
+      fmt::format("{} {} {} {} {}\n{}\n{}", first.file().id(), before.number, second.file().id(),
+                  after.number, slot, first.filter().words(), second.filter().words());
   const auto comparison = question.session.comparisons.get(name, [&] {
     SideRecords left(first, slot);
     SideRecords right(second, slot);

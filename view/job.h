@@ -8,6 +8,7 @@
 #include <mutex>
 #include <string>
 #include <unordered_map>
+#include <utility>
 
 #include "view/parameters.h"
 
@@ -23,21 +24,39 @@ class Job {
     records_ += records;
     if (cancelled_) throw RequestError(499, "The request was cancelled.");
   }
+  // Work beyond the reading, in the same unit as records.
+  void work(std::size_t amount) {
+    worked_ += amount;
+    count(0);
+  }
+  // How far it is, in words, where records do not tell it.
+  void tell(std::string words) {
+    const std::lock_guard lock(mutex_);
+    words_ = std::move(words);
+  }
   void cancel() { cancelled_ = true; }
 
   [[nodiscard]] std::size_t records() const { return records_; }
+  [[nodiscard]] std::string words() const {
+    const std::lock_guard lock(mutex_);
+    return words_;
+  }
   // From 0 to 1.
   [[nodiscard]] double done() const {
     const std::size_t expected = expected_;
     if (expected == 0) return 0;
-    const double share = static_cast<double>(records_) / static_cast<double>(expected);
+    const std::size_t done = records_ + worked_;
+    const double share = static_cast<double>(done) / static_cast<double>(expected);
     return share < 1 ? share : 1;
   }
 
  private:
   std::atomic<std::size_t> expected_{0};
   std::atomic<std::size_t> records_{0};
+  std::atomic<std::size_t> worked_{0};
   std::atomic<bool> cancelled_{false};
+  mutable std::mutex mutex_;
+  std::string words_;
 };
 
 // The jobs that run, by the names that the page gave them.

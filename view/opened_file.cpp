@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <filesystem>
 
 #include "tools/models/model_session.h"
@@ -31,7 +32,13 @@ FileKind kindOf(const tool::ExchangeFile& file) {
 
 }  // namespace
 
-OpenedFile::OpenedFile(const std::string& path) : path_(path) {
+std::size_t OpenedFile::nextId() {
+  static std::atomic<std::size_t> last{0};
+  return ++last;
+}
+
+OpenedFile::OpenedFile(const std::string& path)
+    : path_(path), name_(std::filesystem::path(path).filename().string()) {
   if (isModel(path)) {
     tool::openModel(path, "");
     bytes_ = std::filesystem::file_size(path);
@@ -40,6 +47,11 @@ OpenedFile::OpenedFile(const std::string& path) : path_(path) {
   exchange_ = std::make_unique<tool::ExchangeFile>(path);
   kind_ = kindOf(*exchange_);
   bytes_ = exchange_->file().size();
+  name_ = std::filesystem::path(exchange_->path()).filename().string();
+}
+
+OpenedFile::OpenedFile(const std::string& path, const std::string& name) : OpenedFile(path) {
+  name_ = name;
 }
 
 const tool::ExchangeFile& OpenedFile::exchange() const {
@@ -47,14 +59,10 @@ const tool::ExchangeFile& OpenedFile::exchange() const {
   return *exchange_;
 }
 
-std::string OpenedFile::name() const {
-  return std::filesystem::path(exchange_ ? exchange_->path() : path_).filename().string();
-}
-
 const tool::FileSymbol& OpenedFile::symbol(const std::string& name) const {
   const tool::FileSymbol* found = exchange().findSymbol(name);
   if (found == nullptr) {
-    throw RequestError(404, fmt::format("{} has no symbol {}", this->name(), tool::inQuotes(name)));
+    throw RequestError(404, fmt::format("{} has no symbol {}", name_, tool::inQuotes(name)));
   }
   return exchange_->resolved(*found);
 }

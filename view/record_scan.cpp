@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <utility>
 #include <ztb/column_names.hpp>
 
 #include "tools/text/failure.h"
@@ -21,13 +22,13 @@ RecordScan::RecordScan(Question& question, SecondSide /*side*/)
                  question.parameters.text(question.parameters.find("s2") != nullptr ? "s2" : "s")) {
 }
 
-RecordScan::RecordScan(Question& question, std::size_t times, const OpenedFile& file,
-                       const std::string& symbol)
-    : file_(file),
-      symbol_(file_.symbol(symbol)),
-      filter_(file_, symbol_, question.parameters),
+RecordScan::RecordScan(Question& question, std::size_t times,
+                       std::shared_ptr<const OpenedFile> file, const std::string& symbol)
+    : file_(std::move(file)),
+      symbol_(file_->symbol(symbol)),
+      filter_(*file_, symbol_, question.parameters),
       job_(question.job),
-      records_(file_.exchange().file(), file_.exchange().file().symbol(symbol_.number)) {
+      records_(file_->exchange().file(), file_->exchange().file().symbol(symbol_.number)) {
   job_.expect(times * symbol_.recordCount);
 }
 
@@ -36,7 +37,7 @@ bool RecordScan::next() {
   try {
     if (!records_.next()) return false;
   } catch (const ztb::Error& error) {
-    throw tool::Failure(tool::withFile(file_.exchange().path(), error.what()));
+    throw tool::Failure(tool::withFile(file_->exchange().path(), error.what()));
   }
   chosenCount_ = filter_.evaluate(records_, chosen_);
   return true;
@@ -46,7 +47,7 @@ void RecordScan::skip(std::size_t blocks) {
   try {
     records_.skip(static_cast<int>(blocks));
   } catch (const ztb::Error& error) {
-    throw tool::Failure(tool::withFile(file_.exchange().path(), error.what()));
+    throw tool::Failure(tool::withFile(file_->exchange().path(), error.what()));
   }
 }
 

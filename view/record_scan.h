@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 #include "view/api.h"
@@ -22,12 +23,16 @@ class RecordScan {
   static constexpr SecondSide secondSide{};
   RecordScan(Question& question, SecondSide side);
 
-  [[nodiscard]] const OpenedFile& file() const { return file_; }
+  [[nodiscard]] const OpenedFile& file() const { return *file_; }
   [[nodiscard]] const tool::FileSymbol& symbol() const { return symbol_; }
   [[nodiscard]] std::size_t dimension() const {
     return static_cast<std::size_t>(symbol_.dimension);
   }
   [[nodiscard]] const RecordFilter& filter() const { return filter_; }
+  // Whether it is a variable or equation, whose fields are level, marginal, lower, upper and scale.
+  [[nodiscard]] bool hasBounds() const {
+    return symbol_.type == ztb::Type::variable || symbol_.type == ztb::Type::equation;
+  }
 
   // Goes to the next block; false behind the last. Throws Failure that names the file, and what
   // Job::count throws.
@@ -41,7 +46,7 @@ class RecordScan {
   void rewind() { records_.rewind(); }
 
   // The label of a number.
-  [[nodiscard]] std::string_view label(int number) const { return file_.exchange().label(number); }
+  [[nodiscard]] std::string_view label(int number) const { return file_->exchange().label(number); }
 
   // The value that a parameter "field" names, the first without one. Throws RequestError, also for
   // a set.
@@ -50,10 +55,10 @@ class RecordScan {
   [[nodiscard]] std::size_t position(const Parameters& parameters, const char* name) const;
 
  private:
-  RecordScan(Question& question, std::size_t times, const OpenedFile& file,
+  RecordScan(Question& question, std::size_t times, std::shared_ptr<const OpenedFile> file,
              const std::string& symbol);
 
-  const OpenedFile& file_;
+  std::shared_ptr<const OpenedFile> file_;
   const tool::FileSymbol& symbol_;
   RecordFilter filter_;
   Job& job_;

@@ -7,6 +7,7 @@
 
 #include "tools/files/record_order.h"
 #include "tools/text/words.h"
+#include "view/model_solution.h"
 #include "view/record_scan.h"
 
 namespace view {
@@ -48,10 +49,16 @@ class SortKeys {
       places_ = placesOf(file.textCount(), [&](int number) { return file.text(number); });
     } else {
       slot_ = static_cast<int>(sort.column - scan.dimension());
+      isSlack_ = slot_ == scan.symbol().valueCount;
     }
   }
 
   [[nodiscard]] std::uint64_t of(const ztb::RxfRecords& block, std::size_t record) const {
+    if (isSlack_) {
+      return tool::orderOfValue(
+          slackOf(block.values(0)[record], block.values(2)[record], block.values(3)[record]),
+          descending_);
+    }
     if (places_.empty()) return tool::orderOfValue(block.values(slot_)[record], descending_);
     const std::size_t number = isPosition_ ? static_cast<std::size_t>(block.keys(slot_)[record])
                                            : static_cast<std::size_t>(block.values(slot_)[record]);
@@ -61,6 +68,7 @@ class SortKeys {
  private:
   bool descending_;
   bool isPosition_;
+  bool isSlack_ = false;
   int slot_ = 0;
   std::vector<std::uint64_t> places_;
 };
@@ -113,6 +121,7 @@ std::optional<RowSort> rowSortOf(const Question& question, const RecordScan& sca
   std::vector<std::string> columns =
       ztb::keyColumns(symbol.name, symbol.type, tool::domainNames(symbol));
   for (const std::string& column : ztb::contentColumns(symbol.type)) columns.push_back(column);
+  if (scan.hasBounds()) columns.emplace_back("slack");
   const auto found = std::ranges::find_if(
       columns, [&](const std::string& column) { return tool::sameFolded(column, *wanted); });
   if (found == columns.end()) {
@@ -125,10 +134,9 @@ std::optional<RowSort> rowSortOf(const Question& question, const RecordScan& sca
 
 std::shared_ptr<const RowIndex> rowIndexOf(Question& question, RecordScan& scan,
                                            const std::optional<RowSort>& sort) {
-  const std::string name =
-      fmt::format("{} {} {} {}\n{}", question.parameters.text("f", "0"), scan.symbol().number,
-                  sort ? static_cast<long long>(sort->column) : -1, sort && sort->descending,
-                  scan.filter().words());
+  const std::string name = fmt::format("{} {} {} {}\n{}", scan.file().id(), scan.symbol().number,
+                                       sort ? static_cast<long long>(sort->column) : -1,
+                                       sort && sort->descending, scan.filter().words());
   return question.session.indexes.get(name, [&] {
     // Without filter and order nothing has to be read to know where rows stand.
     if (!sort && scan.filter().takesAll()) return wholeIndex(scan.symbol().recordCount);

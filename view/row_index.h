@@ -18,7 +18,8 @@ struct Question;
 
 // By what rows are sorted.
 struct RowSort {
-  // A position, or behind these a value, or the text of a set.
+  // A position, or behind these a value, or the text of a set; behind the values of a variable or
+  // equation its slack.
   std::size_t column = 0;
   bool descending = false;
 };

@@ -1,7 +1,11 @@
 // Windows of the records of a symbol.
 
-#include <algorithm>
+#include <fmt/format.h>
 
+#include <algorithm>
+#include <cmath>
+
+#include "view/model_solution.h"
 #include "view/row_visits.h"
 
 namespace view {
@@ -11,7 +15,9 @@ namespace {
 constexpr std::size_t mostPageRows = 1000;
 constexpr std::size_t mostRecords = std::size_t{1} << 40U;
 
-void writeRow(const RecordScan& scan, std::size_t record, formats::JsonText& answer) {
+// With what is between the level of a variable or equation and its bounds, where that is asked for.
+void writeRow(const RecordScan& scan, std::size_t record, bool withSlack,
+              formats::JsonText& answer) {
   const ztb::RxfRecords& block = scan.block();
   answer.beginArray();
   for (int position = 0; position < block.dimension(); ++position) {
@@ -25,6 +31,15 @@ void writeRow(const RecordScan& scan, std::size_t record, formats::JsonText& ans
       answer.number(value);
     }
   }
+  if (withSlack) {
+    const double slack =
+        slackOf(block.values(0)[record], block.values(2)[record], block.values(3)[record]);
+    if (std::isnan(slack)) {
+      answer.null();
+    } else {
+      answer.number(slack);
+    }
+  }
   answer.endArray();
 }
 
@@ -35,6 +50,10 @@ void answerRows(Question& question) {
   RecordScan scan(question);
   const std::size_t from = parameters.number("from", 0, mostRecords);
   const std::size_t count = parameters.number("count", 100, mostPageRows);
+  const bool withSlack = parameters.flag("slack");
+  if (withSlack && !scan.hasBounds()) {
+    throw RequestError(400, fmt::format("{} has no bounds", scan.symbol().name));
+  }
   const std::optional<RowSort> sort = rowSortOf(question, scan);
   const std::shared_ptr<const RowIndex> index = rowIndexOf(question, scan, sort);
   formats::JsonText& answer = question.answer;
@@ -47,7 +66,7 @@ void answerRows(Question& question) {
   answer.beginArray();
   if (!sort) {
     visitRowsInOrder(scan, *index, from, count,
-                     [&](std::size_t record) { writeRow(scan, record, answer); });
+                     [&](std::size_t record) { writeRow(scan, record, withSlack, answer); });
   } else if (from < index->total) {
     // Read in the order of the file, written in theirs.
     const std::span<const std::uint32_t> order(index->order);
@@ -56,7 +75,7 @@ void answerRows(Question& question) {
     formats::JsonText row;
     visitRecords(scan, window, [&](std::size_t place, std::size_t record) {
       row.clear();
-      writeRow(scan, record, row);
+      writeRow(scan, record, withSlack, row);
       rows[place] = row.chars();
     });
     for (const std::string& text : rows) answer.json(text);

@@ -26,10 +26,10 @@ constexpr std::string_view objectiveName = "sweep_objective";
 constexpr std::size_t mostFanValues = 5'000'000;
 constexpr std::array<double, 5> quantiles{0.05, 0.25, 0.5, 0.75, 0.95};
 
-const OpenedFile& sweepOf(const Question& question) {
-  const OpenedFile& file = question.session.file(question.parameters);
-  if (file.kind() != FileKind::sweep) {
-    throw RequestError(400, fmt::format("{} is no result of ztb sweep", file.name()));
+std::shared_ptr<const OpenedFile> sweepOf(const Question& question) {
+  std::shared_ptr<const OpenedFile> file = question.session.file(question.parameters);
+  if (file->kind() != FileKind::sweep) {
+    throw RequestError(400, fmt::format("{} is no result of ztb sweep", file->name()));
   }
   return file;
 }
@@ -107,7 +107,8 @@ double quantileOf(const std::vector<double>& sorted, double share) {
 }  // namespace
 
 void answerSweep(Question& question) {
-  const OpenedFile& file = sweepOf(question);
+  const std::shared_ptr<const OpenedFile> held = sweepOf(question);
+  const OpenedFile& file = *held;
   const std::map<int, double> statuses = valuesOf(file, statusName, question.job);
   const std::map<int, double> solveStatuses = valuesOf(file, solveStatusName, question.job);
   const std::map<int, double> objectives = valuesOf(file, objectiveName, question.job);

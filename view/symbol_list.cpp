@@ -8,7 +8,8 @@
 namespace view {
 
 void answerSymbols(Question& question) {
-  const OpenedFile& file = question.session.file(question.parameters);
+  const std::shared_ptr<const OpenedFile> held = question.session.file(question.parameters);
+  const OpenedFile& file = *held;
   formats::JsonText& answer = question.answer;
   const auto texts = [&](std::string_view name, const std::vector<std::string>& values) {
     answer.name(name);

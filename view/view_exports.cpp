@@ -64,6 +64,8 @@ void setOption(view::ViewOptions& options, std::string_view name, const std::str
     options.readTimeout = std::chrono::seconds(numberOf(name, value, 1, day));
   } else if (name == "idle-timeout") {
     options.idleTimeout = std::chrono::seconds(numberOf(name, value, 1, day));
+  } else if (name == "solve") {
+    options.solve = numberOf(name, value, 0, 1) == 1;
   } else if (name == "framed") {
     options.framed = numberOf(name, value, 0, 1) == 1;
   } else {

@@ -21,8 +21,6 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr std::size_t mostFiles = 2;
-
 std::string policy(bool framed) {
   return fmt::format(
       "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self' data: blob:; "
@@ -69,7 +67,11 @@ ViewServer::ViewServer(const ViewOptions& options)
   }
   if (wake_ < 0) throw tool::Failure("the system gives no event counter");
   for (const std::string& file : options.files) {
-    session_.files.push_back(std::make_unique<OpenedFile>(file));
+    session_.files.push_back(std::make_shared<const OpenedFile>(file));
+  }
+  const auto isModel = [](const auto& file) { return file->kind() == FileKind::model; };
+  if (options.solve && std::ranges::none_of(session_.files, isModel)) {
+    throw tool::UsageError("--solve: there is no model to solve");
   }
   port_ = server_.bind(options.port);
   if (port_ == 0) {
@@ -88,7 +90,8 @@ ViewServer::~ViewServer() {
 }
 
 std::string ViewServer::link() const {
-  return fmt::format("http://127.0.0.1:{}/#token={}", port_, token_);
+  return fmt::format("http://127.0.0.1:{}/#token={}{}", port_, token_,
+                     options_.solve ? "&solve=auto" : "");
 }
 
 void ViewServer::run() {

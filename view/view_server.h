@@ -23,6 +23,8 @@ struct ViewOptions {
   std::chrono::milliseconds readTimeout{5000};
   // Without a request of the page the server ends after this time.
   std::chrono::milliseconds idleTimeout{std::chrono::minutes(10)};
+  // Whether the page solves the model at once.
+  bool solve = false;
   // Pages of this machine, such as notebooks, may show the page in a frame.
   bool framed = false;
 };

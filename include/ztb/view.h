@@ -31,9 +31,9 @@ void ztbViewFree(ztbView** view);
 
 /* Before ztbViewOpen: "file", given once or twice; "port", from 0 (any that is free, the default)
  * to 65535; "read-timeout", the seconds in which a request has to be there, 5; "idle-timeout", the
- * seconds after which a server ends that no page asks, 600; "framed", 1 where pages of this
- * machine, such as notebooks, may show the page in a frame. 0 for an option that there is not, or a
- * value that it does not take. */
+ * seconds after which a server ends that no page asks, 600; "solve", 1 where the page of a model
+ * solves it at once; "framed", 1 where pages of this machine, such as notebooks, may show the page
+ * in a frame. 0 for an option that there is not, or a value that it does not take. */
 int ztbViewOption(ztbView* view, const char* name, const char* value);
 
 /* Opens the files and takes the port. */

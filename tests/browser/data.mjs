@@ -83,6 +83,23 @@ export function makeHostile(folder) {
     '--parameter', 'evil(label in all, other in all) "\u202E<img src=x onerror=alert(3)>"');
 }
 
+// endless.lp: items whose weights of several kinds are to come to half of all, a search without end.
+export function makeEndless(folder) {
+  const items = 50;
+  let state = 7;
+  const rows = [];
+  for (let kind = 1; kind <= 6; ++kind) {
+    const weights = Array.from({length: items}, () => {
+      state = (Math.imul(state, 1664525) + 1013904223) >>> 0;
+      return (state >>> 16) % 100;
+    });
+    const all = weights.reduce((sum, weight) => sum + weight, 0);
+    rows.push(` exactly(${kind}):${weights.map((weight, item) => ` + ${weight} item(${item + 1})\n`).join('')} = ${Math.floor(all / 2)}\n`);
+  }
+  const names = Array.from({length: items}, (_, item) => ` item(${item + 1})\n`).join('');
+  writeFileSync(path.join(folder, 'endless.lp'), `Minimize\n first: item(1)\nSubject To\n${rows.join('')}Binaries\n${names}End\n`);
+}
+
 // The records of CSV as the command prints it, without quotes within fields.
 export const rowsOf = (csv) => csv.trim().split('\n').map((line) => {
   const fields = [];

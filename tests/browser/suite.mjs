@@ -24,6 +24,15 @@ export function suite(make, ...files) {
   after(() => seen.browser?.end());
 }
 
+// The text of an element.
+export const textOf = (selector) => seen.page.$eval(selector, (place) => place.textContent);
+
+// Waits until a question takes long enough for its button, and ends it.
+export async function cancel() {
+  await seen.page.waitForSelector('#busy:not([hidden])');
+  await seen.page.click('#busy-cancel');
+}
+
 export const view = (fragment, selector) => go(seen.page, fragment, selector);
 
 export async function click(selector) {

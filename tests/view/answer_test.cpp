@@ -210,7 +210,8 @@ TEST_F(ViewAnswerTest, SaysWhatIsWrongWithARequest) {
   EXPECT_EQ(server_.refused(400, "series", {{"s", "cost"}, {"x", "0"}, {"by", "0"}}),
             "A position has one place in a chart.");
   // What has ended is done, and needs no end.
-  EXPECT_EQ(server_.json("progress", {{"of", "x"}}), Json::parse(R"({"done":1,"records":0})"));
+  EXPECT_EQ(server_.json("progress", {{"of", "x"}}),
+            Json::parse(R"({"done":1,"records":0,"words":""})"));
   EXPECT_EQ(server_.json("cancel", {{"of", "x"}}), Json::object());
   EXPECT_EQ(server_.refused(400, "progress"), "of: is missing");
   EXPECT_EQ(server_.refused(404, "nothing"), "There is nothing under this address.");

@@ -1,6 +1,5 @@
-// Work that takes long can be watched and ended; a model tells what it consists of.
+// Work that takes long can be watched and ended.
 #include <atomic>
-#include <fstream>
 #include <thread>
 #include <ztb/rxf.hpp>
 
@@ -88,31 +87,6 @@ TEST_F(ViewWorkTest, EndsWithWorkThatRuns) {
   EXPECT_EQ(connected("127.0.0.1", server.port()), -1);
 }
 
-TEST_F(ViewWorkTest, TellsWhatAModelConsistsOf) {
-  std::ofstream(path("small.lp")) << "Minimize\n cost: 2 x['a b'] + 3 x['c'] + y\n"
-                                     "Subject To\n"
-                                     " need['u']: x['a b'] + x['c'] >= 4\n"
-                                     " need['v']: 5 x['c'] - y <= 9\n"
-                                     "Bounds\n y <= 7\nGenerals\n y\nEnd\n";
-  const Server server({path("small.lp"), makeCosts()});
-  EXPECT_EQ(server.json("files")["files"][0]["kind"], "model");
-  EXPECT_TRUE(server.json("symbols").empty());
-  const Json model = server.json("model");
-  EXPECT_EQ(model["columns"], 3);
-  EXPECT_EQ(model["integers"], 1);
-  ASSERT_GE(model["families"].size(), 2U);
-  for (const Json& family : model["families"]) {
-    if (family["name"] != "x") continue;
-    EXPECT_EQ(family["of"], "columns");
-    EXPECT_EQ(family["count"], 2);
-    EXPECT_EQ(family["min"], 1);
-    EXPECT_EQ(family["max"], 5);
-  }
-  EXPECT_EQ(model["matrix"]["density"], Json::parse("[[1,1,1],[1,1,0],[0,1,1]]"));
-  EXPECT_EQ(server.refused(400, "rows", {{"s", "x"}}), "small.lp is a model, which has no records");
-  EXPECT_EQ(server.refused(400, "model", {{"f", "1"}}), "costs.rxf is no model");
-}
-
 TEST_F(ViewWorkTest, SaysWhichFileCannotBeOpened) {
   for (const char* name : {"nothing.rxf", "nothing.lp"}) {
     ztbView* view = nullptr;
@@ -129,6 +103,11 @@ TEST_F(ViewWorkTest, SaysWhichFileCannotBeOpened) {
   EXPECT_EQ(ztbViewIsUsage(view), 1);
   EXPECT_EQ(ztbViewRun(view), 0);
   EXPECT_STREQ(ztbViewMessage(view), "the viewer is not open");
+  ztbViewOption(view, "file", makeCosts().c_str());
+  ztbViewOption(view, "solve", "1");
+  EXPECT_EQ(ztbViewOpen(view), 0);
+  EXPECT_STREQ(ztbViewMessage(view), "--solve: there is no model to solve");
+  EXPECT_EQ(ztbViewIsUsage(view), 1);
   ztbViewFree(&view);
 }
 

@@ -31,6 +31,7 @@ struct ViewCommandOptions {
   std::optional<std::size_t> readTimeout;
   bool noOpen = false;
   bool framed = false;
+  bool solve = false;
 };
 
 // The viewer, as a value.
@@ -133,6 +134,7 @@ void runView(const ViewCommandOptions& options) {
   if (options.port) viewer.option("port", std::to_string(*options.port));
   if (options.readTimeout) viewer.option("read-timeout", std::to_string(*options.readTimeout));
   if (options.framed) viewer.option("framed", "1");
+  if (options.solve) viewer.option("solve", "1");
   viewer.open();
   const ViewInterrupt interrupt(viewer.handle());
   print(viewer.link() + '\n');
@@ -147,11 +149,14 @@ void runView(const ViewCommandOptions& options) {
 void addViewCommand(CommandLine& line) {
   Command command = line.add("view", "Look at files in the browser");
   auto options = std::make_shared<ViewCommandOptions>();
-  command.words("FILE", options->files, 1, "RXF file, - for standard input; two to compare")
+  command
+      .words("FILE", options->files, 1, "RXF file or model, - for standard input; two to compare")
       .typeName("[FILE]")
       .required();
   command.number("--port", options->port, "Port of this machine; without it one that is free")
       .typeName("N");
+  command.flag("--solve", options->solve,
+               "Solve a model at once, as the button of its page does; Cancel ends it");
   command.flag("--no-open", options->noOpen, "Print the link, and leave the browser alone");
   command
       .number("--read-timeout", options->readTimeout,
@@ -166,6 +171,7 @@ void addViewCommand(CommandLine& line) {
       "sees the files. Ctrl-C ends it, and so does a page that was closed for ten minutes.\n\n"
       "Examples:\n"
       "  ztb view diet.rxf\n"
+      "  ztb view diet.lp --solve\n"
       "  ztb view before.rxf after.rxf\n"
       "  ztb view --no-open --port 8080 plan.rxf");
   command.action([options] {

@@ -1,5 +1,4 @@
 // Requests to the command that shows this page, and nothing else.
-import {say} from './dom.js';
 
 const slow = 1000;
 let key = sessionStorage.getItem('key');
@@ -10,6 +9,11 @@ export class Refused extends Error {
     super(text);
     this.status = status;
   }
+}
+
+// The user has pressed Cancel.
+export class Cancelled extends Error {
+  name = 'Cancelled';
 }
 
 export const hasKey = () => key !== null;
@@ -65,11 +69,11 @@ class Busy {
       // It has ended, and its answer is on the way.
       if (!answer.ok) return;
       if (Busy.current === this) {
-        const {done = 0, records = 0} = await answer.json();
+        const {done = 0, records = 0, words = ''} = await answer.json();
         const bar = document.getElementById('busy-bar');
         if (done > 0) bar.value = done; else bar.removeAttribute('value');
         document.getElementById('busy-text').textContent =
-          `${records.toLocaleString('en-US')} records read`;
+          words === '' ? `${records.toLocaleString('en-US')} records read` : words;
       }
     } catch {
       // The request itself tells what is wrong.
@@ -95,9 +99,10 @@ async function answered(path, parameters, signal) {
   };
   if (signal?.aborted) throw new DOMException('given up', 'AbortError');
   signal?.addEventListener('abort', cancel, {once: true});
+  let isCancelled = false;
   const busy = new Busy(id, () => {
+    isCancelled = true;
     cancel();
-    say('cancelled');
   });
   try {
     const answer = await request(path, {...parameters, id}, gone.signal);
@@ -105,6 +110,7 @@ async function answered(path, parameters, signal) {
     if (!answer.ok) throw new Refused(answer.status, await reason(answer));
     return path === 'export' ? await answer.blob() : await answer.json();
   } catch (error) {
+    if (isCancelled) throw new Cancelled('Cancelled.');
     if (error instanceof TypeError) throw new Error('ztb view has ended; start it again to go on');
     throw error;
   } finally {

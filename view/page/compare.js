@@ -10,7 +10,10 @@ const kinds = {new: 'new', gone: 'gone', changed: 'changed'};
 export async function comparePage(main, context) {
   const {symbol, found, file} = context;
   if (symbol === null) return askForSymbol(main, 'Compare');
-  const other = state.get('f2') === '' ? (found.files.length > 1 ? 1 - file : file) : Number(state.get('f2'));
+  const comparable = Object.entries(found.files).filter(([, one]) => one.kind !== 'model').map(([number]) => Number(number));
+  const usual = file ^ 1;
+  const wanted = state.get('f2') === '' ? usual : Number(state.get('f2'));
+  const other = comparable.includes(wanted) ? wanted : file;
   if (found.symbols[other] === undefined) {
     found.symbols[other] = await api.get('symbols', {f: other}, context.signal);
   }
@@ -19,7 +22,7 @@ export async function comparePage(main, context) {
   const second = fitting.find((one) => one.name === state.get('s2')) ?? same ?? fitting[0];
   const counts = h('dl', {class: 'numbers', id: 'compare-counts'});
   const choices = h('div', {class: 'row'},
-    found.files.length > 1 && choice('With the file', found.files.map((one, index) => [String(index), shown(one.name)]), String(other),
+    comparable.length > 1 && choice('With the file', comparable.map((number) => [String(number), shown(found.files[number].name)]), String(other),
       (value) => state.set({f2: value, s2: ''})),
     second && choice('With the symbol', fitting.map((one) => [one.name, shown(one.name)]), second.name, (value) => state.set({s2: value})),
     symbol.values.length > 1 && choice('Field', symbol.values.map((name) => [name, name]), state.get('field') || 'level',

@@ -47,8 +47,10 @@ export function say(text) {
   if (text !== '') say.timer = setTimeout(() => place.classList.remove('shown'), 5000);
 }
 
+// What went wrong; what the user has ended can be asked for again.
 export function problem(error) {
-  return h('p', {class: 'problem', role: 'alert'}, error.message);
+  return h('p', {class: 'problem', role: 'alert'}, error.message, ' ', error.name === 'Cancelled' &&
+    h('button', {type: 'button', id: 'again', onclick: () => dispatchEvent(new Event('redraw'))}, 'Try again'));
 }
 
 // A select with a label before it.

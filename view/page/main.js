@@ -8,7 +8,7 @@ import {pivotPage} from './pivot.js';
 import {chartPage} from './chart.js';
 import {comparePage} from './compare.js';
 import {sweepPage} from './sweep.js';
-import {modelPage} from './model.js';
+import {firstSolution, modelPage, solution} from './model.js';
 
 const pages = [
   ['symbols', 'Symbols', symbolsPage],
@@ -19,10 +19,15 @@ const pages = [
   ['sweep', 'Sweep', sweepPage],
   ['model', 'Model', modelPage],
 ];
-const found = {files: [], symbols: []};
+const found = {files: [], symbols: [], solved: []};
 let running = null;
 
-const file = () => Math.min(Number(state.get('f')) || 0, found.files.length - 1);
+// The number of the file that is shown: one that was opened, or the solution of a model.
+function file() {
+  const number = Number(state.get('f')) || 0;
+  if (found.files[number] !== undefined) return number;
+  return found.files[number - firstSolution]?.kind === 'model' ? number : 0;
+}
 
 function offered() {
   const {kind} = found.files[file()];
@@ -54,20 +59,24 @@ async function draw() {
   const {signal} = running;
   const main = document.getElementById('main');
   try {
-    if (found.symbols[file()] === undefined) {
-      found.symbols[file()] = await api.get('symbols', {f: file()}, signal);
+    const number = file();
+    if (number >= firstSolution) {
+      const {solved, status} = await solution(found, number - firstSolution, signal);
+      if (!solved) throw new Error(`The model has no solution: ${status}.`);
     }
+    found.symbols[number] ??= await api.get('symbols', {f: number}, signal);
     const name = currentPage();
     drawPages(name);
-    const shownFile = found.files[file()];
+    const shownFile = found.files[number];
     document.getElementById('file-name').textContent = shown(shownFile.name);
     document.title = `${shown(state.get('s') || shownFile.name)} - ztb view`;
-    drawSymbolList(document.getElementById('symbols'), found, file());
-    const symbols = found.symbols[file()];
+    const redrawSymbols = () => drawSymbolList(document.getElementById('symbols'), found, number);
+    redrawSymbols();
+    const symbols = found.symbols[number];
     const symbol = symbols.find((one) => one.name === state.get('s')) ?? null;
     const page = pages.find(([other]) => other === name)[2];
     const focused = document.activeElement?.id;
-    await page(main, {found, file: file(), symbols, symbol, signal});
+    await page(main, {found, file: number, symbols, symbol, signal, redrawSymbols});
     if (focused && document.activeElement === document.body) {
       document.getElementById(focused)?.focus();
     }
@@ -168,6 +177,7 @@ async function start() {
   listenToKeys();
   matchMedia('(prefers-color-scheme: dark)').addEventListener('change', draw);
   state.listen(draw);
+  addEventListener('redraw', draw);
   await draw();
 }
 

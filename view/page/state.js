@@ -10,7 +10,7 @@ export const numbers = (name) =>
 export const entries = () => [...state.entries()];
 
 // Of these only the view is kept when another symbol is opened.
-const ofAll = new Set(['view', 'f']);
+const ofAll = new Set(['view', 'f', 'solve', 'seconds']);
 
 function changed(push) {
   const address = `#${state}`;

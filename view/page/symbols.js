@@ -43,7 +43,8 @@ function group([type, title], symbols) {
 }
 
 export function drawSymbolList(place, found, file) {
-  const key = `${file} ${found.files.length}`;
+  const files = Object.entries(found.files).map(([number, one]) => [number, shown(one.name)]);
+  const key = `${file} ${files.join()}`;
   if (drawn !== key) {
     drawn = key;
     const search = h('input', {
@@ -54,10 +55,9 @@ export function drawSymbolList(place, found, file) {
         if (state.get('view') === 'symbols') drawRows(found.symbols[file]);
       },
     });
-    const files = found.files.length > 1 && choice('File',
-      found.files.map((one, index) => [String(index), shown(one.name)]), String(file),
+    const choose = files.length > 1 && choice('File', files, String(file),
       (value) => state.set({f: value === '0' ? '' : value}));
-    place.replaceChildren(...[files, search, h('div', {id: 'symbol-groups'})].filter(Boolean));
+    place.replaceChildren(...[choose, search, h('div', {id: 'symbol-groups'})].filter(Boolean));
   }
   drawGroups(found.symbols[file]);
 }
@@ -67,7 +67,7 @@ function drawGroups(symbols) {
   const place = document.getElementById('symbol-groups');
   const top = place.scrollTop;
   place.replaceChildren(...types.map((type) => group(type, fitting)).filter(Boolean),
-    ...(fitting.length === 0 ? [h('p', {class: 'hint'}, 'No symbol fits.')] : []));
+    ...(fitting.length === 0 ? [h('p', {class: 'hint'}, symbols.length === 0 ? 'No symbols.' : 'No symbol fits.')] : []));
   place.scrollTop = top;
 }
 
