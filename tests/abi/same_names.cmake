@@ -1,8 +1,9 @@
 cmake_minimum_required(VERSION 3.25)
 
-# Fails unless two libraries export the same names, and LISTED, where it is given, a .def file for
-# Windows, lists them.
-#   cmake -DNM=nm -DLIBRARY=one.so -DDESCRIBED=other.so [-DLISTED=names.def] -P same_names.cmake
+# Fails unless two libraries export the same names, the description BASELINE knows them, and LISTED,
+# where it is given, a .def file for Windows, lists them.
+#   cmake -DNM=nm -DLIBRARY=one.so -DDESCRIBED=other.so -DBASELINE=one.abi [-DLISTED=names.def]
+#         -P same_names.cmake
 foreach(file LIBRARY DESCRIBED)
   execute_process(COMMAND ${NM} -D --defined-only --format=posix ${${file}}
     OUTPUT_VARIABLE lines COMMAND_ERROR_IS_FATAL ANY)
@@ -22,6 +23,14 @@ endforeach()
 foreach(name ${DESCRIBED_NAMES})
   if(NOT name IN_LIST LIBRARY_NAMES)
     message(SEND_ERROR "${name} is described, but not exported")
+  endif()
+endforeach()
+file(READ ${BASELINE} baseline)
+foreach(name ${LIBRARY_NAMES})
+  string(FIND "${baseline}" "<elf-symbol name='${name}'" place)
+  if(place EQUAL -1)
+    message(SEND_ERROR "${name} is exported, but not described in ${BASELINE}: "
+      "build the target abi_baselines")
   endif()
 endforeach()
 if(LISTED)
