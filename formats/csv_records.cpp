@@ -97,7 +97,7 @@ class BlockWriting {
     try {
       if (!records_.next()) return false;
     } catch (const ztb::Error& error) {
-      throw tool::Failure(tool::withFile(file_.path(), error.what()));
+      throw tool::failureOf(file_.path(), error);
     }
     number = taken_++;
     block.rows = records_.size();

@@ -115,14 +115,16 @@ std::span<const Format> formatTable() {
 void requireReadable(const Format& format) {
   if (*format.missingToRead != '\0') {
     throw tool::Failure(fmt::format("{} files cannot be read: ztb was built without {}",
-                                    format.name, format.missingToRead));
+                                    format.name, format.missingToRead),
+                        ZTB_ERROR_NO_LIBRARY);
   }
 }
 
 void requireWritable(const Format& format) {
   if (*format.missingToWrite != '\0') {
     throw tool::Failure(fmt::format("{} files cannot be written: ztb was built without {}",
-                                    format.name, format.missingToWrite));
+                                    format.name, format.missingToWrite),
+                        ZTB_ERROR_NO_LIBRARY);
   }
 }
 

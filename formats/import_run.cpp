@@ -37,7 +37,7 @@ std::size_t countOf(const std::string& option, const std::string& text) {
 void requireThere(const std::string& path) {
   std::error_code error;
   if (path != "-" && !std::filesystem::exists(path, error)) {
-    throw MissingFile(fmt::format("{}: cannot be read: {}", path, std::strerror(ENOENT)));
+    throw tool::systemFailure(path, "cannot be read", ENOENT);
   }
 }
 
@@ -203,7 +203,8 @@ void ImportRun::write(const std::string& path, bool shows, RunResult& result) {
   fill(database, records, problems, warnings, result);
   if (result.problemCount > 0) {
     throw Failure(fmt::format("{}: not written: {} in the input", name,
-                              tool::counted(result.problemCount, "problem")));
+                              tool::counted(result.problemCount, "problem")),
+                  ZTB_ERROR_DAMAGED_FILE);
   }
   progress.step("writing " + name);
   try {
@@ -212,7 +213,7 @@ void ImportRun::write(const std::string& path, bool shows, RunResult& result) {
       rewriteFrom(store_, path, checkDomains_);
     }
   } catch (const ztb::Error& error) {
-    throw Failure(tool::withFile(name, error.what()));
+    throw tool::failureOf(name, error);
   }
 }
 
@@ -228,7 +229,8 @@ void ImportRun::addTo(ztbRec* target, bool shows, RunResult& result) {
   fill(database, records, problems, warnings, result);
   if (result.problemCount > 0) {
     throw Failure(fmt::format("nothing is imported: {} in the input",
-                              tool::counted(result.problemCount, "problem")));
+                              tool::counted(result.problemCount, "problem")),
+                  ZTB_ERROR_DAMAGED_FILE);
   }
   addSymbols(target, database, lent, lentLabels + 1);
   result.symbols -= static_cast<std::size_t>(lent);

@@ -14,12 +14,6 @@
 
 namespace formats {
 
-// A source that there is not.
-class MissingFile : public tool::Failure {
- public:
-  using Failure::Failure;
-};
-
 // What a run did and found.
 struct RunResult {
   std::size_t symbols = 0;

@@ -21,14 +21,8 @@ bool Job::attempt(const std::function<void()>& body) noexcept {
     usage_ = true;
     kind_ = ZTB_ERROR_REFUSED;
     message_ = error.what();
-  } catch (const MissingFile& error) {
-    kind_ = ZTB_ERROR_NO_FILE;
-    message_ = error.what();
-  } catch (const Conflict& error) {
-    kind_ = ZTB_ERROR_REFUSED;
-    message_ = error.what();
   } catch (const tool::Failure& error) {
-    kind_ = result_.problemCount > 0 ? ZTB_ERROR_DAMAGED_FILE : ZTB_ERROR_IO;
+    kind_ = error.kind();
     message_ = error.what();
   } catch (const ztb::Error& error) {
     kind_ = static_cast<int>(error.kind());

@@ -37,9 +37,11 @@ void requireFree(const TableHead& wide, std::string_view label, const std::strin
       std::span(wide.columns).first(wide.keys),
       [&](const TableColumn& column) { return tool::sameFolded(column.name, label); });
   if (taken || label.empty()) {
-    throw tool::Failure(fmt::format(
-        "--wide {}: the label {} of {} cannot be a column: {}", position, tool::inQuotes(label),
-        wide.name, taken ? "the keys have one of this name" : "a column needs a name"));
+    throw tool::Failure(
+        fmt::format("--wide {}: the label {} of {} cannot be a column: {}", position,
+                    tool::inQuotes(label), wide.name,
+                    taken ? "the keys have one of this name" : "a column needs a name"),
+        ZTB_ERROR_REFUSED);
   }
 }
 

@@ -23,7 +23,7 @@ RecordBlock FileBlocks::next() {
       return block;
     }
   } catch (const ztb::Error& error) {
-    throw tool::Failure(tool::withFile(file_.path(), error.what()));
+    throw tool::failureOf(file_.path(), error);
   }
   block.count = records_.size();
   for (int position = 0; position < records_.dimension(); ++position) {

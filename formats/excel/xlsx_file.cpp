@@ -3,8 +3,10 @@
 #include <expat.h>
 #include <fmt/format.h>
 #include <minizip/unzip.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <exception>
 #include <utility>
 #include <vector>
@@ -159,7 +161,10 @@ std::string_view XmlAttributes::operator[](std::string_view name) const {
 }
 
 XlsxFile::XlsxFile(const std::string& path) : path_(path), zip_(unzOpen64(path.c_str())) {
-  if (zip_ == nullptr) fail("is no workbook: it cannot be opened as a zip file");
+  if (zip_ == nullptr) {
+    if (access(path.c_str(), R_OK) != 0) throw tool::systemFailure(path, "cannot be read", errno);
+    fail("is no workbook: it cannot be opened as a zip file");
+  }
 }
 
 XlsxFile::~XlsxFile() {
@@ -193,7 +198,7 @@ bool XlsxFile::contains(const std::string& part, std::string_view bytes) {
 }
 
 void XlsxFile::fail(const std::string& reason) const {
-  throw tool::Failure(fmt::format("{}: {}", path_, reason));
+  throw tool::Failure(fmt::format("{}: {}", path_, reason), ZTB_ERROR_DAMAGED_FILE);
 }
 
 }  // namespace formats

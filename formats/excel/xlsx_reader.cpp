@@ -172,7 +172,8 @@ SheetPart parsePart(const Workbook& workbook, const TableSource& source) {
       return {.sheet = tables.onlyOne.value_or(0), .range = {}};
     throw tool::Failure(
         fmt::format("{}: which sheet is meant? give --from {}#SHEET; its sheets are {}",
-                    source.path, source.path, shown));
+                    source.path, source.path, shown),
+        ZTB_ERROR_REFUSED);
   }
   if (const auto sheet = sheetNamed(workbook, part)) return {.sheet = *sheet, .range = {}};
   if (const auto range = parseRange(part)) return {.sheet = 0, .range = range};
@@ -183,11 +184,13 @@ SheetPart parsePart(const Workbook& workbook, const TableSource& source) {
     if (sheet && range) return {.sheet = *sheet, .range = range};
     if (sheet) {
       throw tool::Failure(fmt::format("{}: {} is no range of cells such as B3:F90", source.name(),
-                                      tool::inQuotes(part.substr(mark + 1))));
+                                      tool::inQuotes(part.substr(mark + 1))),
+                          ZTB_ERROR_REFUSED);
     }
   }
   throw tool::Failure(fmt::format("{}: no sheet {}; its sheets are {}", source.path,
-                                  tool::inQuotes(part.substr(0, mark)), shown));
+                                  tool::inQuotes(part.substr(0, mark)), shown),
+                      ZTB_ERROR_NOT_FOUND);
 }
 
 }  // namespace

@@ -78,9 +78,10 @@ class XlsxWriter : public TableWriter {
     const bool hasNumbers = std::ranges::any_of(
         head.columns, [](const TableColumn& column) { return column.kind == ColumnKind::number; });
     if (head_.columns.size() + 1 > mostSheetColumns) {
-      throw tool::Failure(fmt::format("{}: {} has {}, a sheet holds {}", path_, head.name,
-                                      tool::counted(head.columns.size(), "column"),
-                                      mostSheetColumns - 1));
+      throw tool::Failure(
+          fmt::format("{}: {} has {}, a sheet holds {}", path_, head.name,
+                      tool::counted(head.columns.size(), "column"), mostSheetColumns - 1),
+          ZTB_ERROR_LIMIT);
     }
     keepsBits_ = head.exact && hasNumbers;
     sheet_ = 0;
@@ -225,12 +226,14 @@ class XlsxWriter : public TableWriter {
     const lxw_col_t at = column();
     if (text.size() > longestCell) {
       throw tool::Failure(
-          fmt::format("{}: a text of {} bytes does not fit into a cell", path_, text.size()));
+          fmt::format("{}: a text of {} bytes does not fit into a cell", path_, text.size()),
+          ZTB_ERROR_LIMIT);
     }
     std::string room;
     if (!head_.exact && spelled(text, TextForm::xml, room) != text && !text.empty()) {
       throw tool::Failure(
-          fmt::format("{}: {} cannot stand in a cell of a workbook", path_, tool::inQuotes(text)));
+          fmt::format("{}: {} cannot stand in a cell of a workbook", path_, tool::inQuotes(text)),
+          ZTB_ERROR_REFUSED);
     }
     check(worksheet_write_string(worksheet_, row_, at, text.c_str(), format));
   }

@@ -67,7 +67,8 @@ class Lines {
       if (stop != nullptr) return true;
       if (line_.size() > longestLine) {
         throw tool::Failure(fmt::format("{}:{}: the line has more than {} MiB", name_, number_ + 1,
-                                        longestLine >> 20U));
+                                        longestLine >> 20U),
+                            ZTB_ERROR_LIMIT);
       }
     }
   }

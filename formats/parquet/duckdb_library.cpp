@@ -56,11 +56,13 @@ void* openLibrary() {
     if (library == nullptr) library = opened(libraryName);
   }
   if (library != nullptr) return library;
-  throw tool::Failure(fmt::format(
-      "Parquet files need DuckDB's library {}, which cannot be opened ({}); get it from DuckDB, or "
-      "by the npm package @duckdb/node-bindings-linux-x64, and name the file or its folder in the "
-      "environment variable ZTB_DUCKDB",
-      libraryName, reasons));
+  throw tool::Failure(fmt::format("Parquet files need DuckDB's library {}, which cannot be opened "
+                                  "({}); get it from DuckDB, or "
+                                  "by the npm package @duckdb/node-bindings-linux-x64, and name "
+                                  "the file or its folder in the "
+                                  "environment variable ZTB_DUCKDB",
+                                  libraryName, reasons),
+                      ZTB_ERROR_NO_LIBRARY);
 }
 
 template <class Function>
@@ -68,7 +70,8 @@ void find(void* library, const char* name, Function*& function) {
   void* found = dlsym(library, name);
   if (found == nullptr) {
     throw tool::Failure(
-        fmt::format("DuckDB's library has no function {}: its version is not fit for this", name));
+        fmt::format("DuckDB's library has no function {}: its version is not fit for this", name),
+        ZTB_ERROR_NO_LIBRARY);
   }
   function = reinterpret_cast<Function*>(found);
 }

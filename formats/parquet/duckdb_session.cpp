@@ -102,7 +102,7 @@ DuckdbQuery::~DuckdbQuery() {
 }
 
 void DuckdbQuery::fail(const char* reason) const {
-  throw tool::Failure(tool::withFile(shown_, reason));
+  throw tool::Failure(tool::withFile(shown_, reason), ZTB_ERROR_DAMAGED_FILE);
 }
 
 DuckdbRows DuckdbQuery::next() {

@@ -29,7 +29,8 @@ constexpr std::size_t everyColumn = ZTB_MAX_DIMENSION + 2 * ztb::fieldCount;
 
 [[noreturn]] void failCount(const std::string& path, std::size_t found, std::size_t expected) {
   throw tool::Failure(fmt::format("{}: has {}, and {} were written to it", path,
-                                  tool::counted(found, "row"), expected));
+                                  tool::counted(found, "row"), expected),
+                      ZTB_ERROR_DAMAGED_FILE);
 }
 
 // Rows whose number was noted when they were written: a file that was cut or replaced is told.
@@ -92,7 +93,7 @@ class ParquetFolderReader : public DatabaseReader {
       records.storeIn(symbol);
       return records.count();
     } catch (const ztb::Error& error) {
-      throw tool::Failure(tool::withFile(path, error.what()));
+      throw tool::failureOf(path, error);
     }
   }
 
@@ -126,7 +127,8 @@ class ParquetFolderReader : public DatabaseReader {
         path);
     const DuckdbRows rows = labels->next();
     if (rows.count() != 1 || rows.isNull(0, 0)) {
-      throw tool::Failure(fmt::format("{}: does not tell how many labels there are", path));
+      throw tool::Failure(fmt::format("{}: does not tell how many labels there are", path),
+                          ZTB_ERROR_DAMAGED_FILE);
     }
     labelCount_ = static_cast<std::size_t>(std::max(rows.doubles(0)[0], 0.0));
   }
@@ -160,7 +162,8 @@ class ParquetFolderReader : public DatabaseReader {
       if (isNull || (text.starts_with('\\') && !plain)) {
         throw tool::Failure(
             fmt::format("{}: row {}: {}", path, table.rowCount + row + 1,
-                        isNull ? "a label is missing" : "is no label as it was written"));
+                        isNull ? "a label is missing" : "is no label as it was written"),
+            ZTB_ERROR_DAMAGED_FILE);
       }
       labels.rows.push_back(labels.add(plain ? *plain : text));
     }

@@ -48,7 +48,7 @@ ParquetColumn columnOf(std::string name, std::string_view type) {
 std::vector<ParquetColumn> parquetColumns(const DuckdbSession& session, const std::string& path) {
   std::error_code error;
   if (!std::filesystem::is_regular_file(path, error)) {
-    throw tool::Failure(fmt::format("{}: no such file", path));
+    throw tool::Failure(fmt::format("{}: no such file", path), ZTB_ERROR_NO_FILE);
   }
   std::vector<ParquetColumn> columns;
   const auto query = session.query("describe select * from " + parquetSource(path), path);

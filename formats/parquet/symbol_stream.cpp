@@ -43,7 +43,7 @@ std::vector<std::size_t> slotsToSpell(const tool::ExchangeFile& file,
       }
     }
   } catch (const ztb::Error& error) {
-    throw tool::Failure(tool::withFile(file.path(), error.what()));
+    throw tool::failureOf(file.path(), error);
   }
   for (std::size_t slot = 0; slot < isIn.size(); ++slot) {
     if (isIn[slot]) slots.push_back(slot);

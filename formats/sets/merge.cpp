@@ -71,8 +71,9 @@ class Merge {
     run_.result.problems = problems_.report();
     run_.result.problemCount = problems_.count();
     if (!problems_.empty()) {
-      throw Conflict(fmt::format("{}: not written: {} between the files", run_.shownName,
-                                 tool::counted(problems_.count(), "conflict")));
+      throw tool::Failure(fmt::format("{}: not written: {} between the files", run_.shownName,
+                                      tool::counted(problems_.count(), "conflict")),
+                          ZTB_ERROR_REFUSED);
     }
     output.publish();
     run_.result.symbols = output.symbolCount();

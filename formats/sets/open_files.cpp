@@ -17,7 +17,7 @@ std::vector<std::unique_ptr<tool::ExchangeFile>> openFiles(const std::vector<std
   for (const std::string& path : paths) {
     std::error_code error;
     if (path != "-" && !std::filesystem::exists(path, error)) {
-      throw MissingFile(fmt::format("{}: cannot be read: {}", path, std::strerror(ENOENT)));
+      throw tool::systemFailure(path, "cannot be read", ENOENT);
     }
     progress.step("opening " + path);
     files.push_back(std::make_unique<tool::ExchangeFile>(path));

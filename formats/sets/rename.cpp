@@ -82,8 +82,9 @@ void renameIn(const SetRun& run) {
   run.result.problems = problems.report();
   run.result.problemCount = problems.count();
   if (!problems.empty()) {
-    throw Conflict(fmt::format("{}: not written: {} with the new names", run.shownName,
-                               tool::counted(problems.count(), "problem")));
+    throw tool::Failure(fmt::format("{}: not written: {} with the new names", run.shownName,
+                                    tool::counted(problems.count(), "problem")),
+                        ZTB_ERROR_REFUSED);
   }
   SetOutput output(run.path, run.shownName, run.progress);
   for (int number = 1; number <= file.labelCount(); ++number) output.addLabel(labels.at(number));

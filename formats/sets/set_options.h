@@ -8,15 +8,8 @@
 #include <vector>
 
 #include "formats/import_run.h"
-#include "tools/text/failure.h"
 
 namespace formats {
-
-// Files that do not fit together; the problems tell how.
-class Conflict : public tool::Failure {
- public:
-  using Failure::Failure;
-};
 
 // Which value a record has that files have different ones of.
 enum class Preferred { none, first, last };

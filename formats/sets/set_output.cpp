@@ -12,7 +12,7 @@ namespace {
 ztb::RxfOutput begun(const std::string& path, const std::string& shownName) try {
   return ztb::RxfOutput(path);
 } catch (const ztb::Error& error) {
-  throw tool::Failure(tool::withFile(shownName, error.what()));
+  throw tool::failureOf(shownName, error);
 }
 
 }  // namespace
@@ -122,7 +122,7 @@ void SetOutput::publish() {
   try {
     output_.publish();
   } catch (const ztb::Error& error) {
-    throw tool::Failure(tool::withFile(shownName_, error.what()));
+    throw tool::failureOf(shownName_, error);
   }
 }
 
@@ -133,7 +133,7 @@ bool BlockWalk::next() {
   try {
     return records_.next();
   } catch (const ztb::Error& error) {
-    throw tool::Failure(tool::withFile(file_.path(), error.what()));
+    throw tool::failureOf(file_.path(), error);
   }
 }
 

@@ -11,6 +11,24 @@
 
 namespace formats {
 
+namespace {
+
+int kindOf(int code) {
+  switch (code) {
+    case SQLITE_CORRUPT:
+    case SQLITE_NOTADB:
+      return ZTB_ERROR_DAMAGED_FILE;
+    case SQLITE_ERROR:
+      return ZTB_ERROR_REFUSED;
+    case SQLITE_NOMEM:
+      return ZTB_ERROR_OUT_OF_MEMORY;
+    default:
+      return ZTB_ERROR_IO;
+  }
+}
+
+}  // namespace
+
 std::string quotedName(std::string_view name) {
   std::string quoted = "\"";
   for (const char c : name) {
@@ -56,12 +74,14 @@ void SqliteFile::requireWhole(const std::string& path) const {
   // What lies behind the end SQLite would take for zeros.
   if (!error && size < expected) {
     throw tool::Failure(
-        fmt::format("{}: is cut short: it has {} bytes of {}", path, size, expected));
+        fmt::format("{}: is cut short: it has {} bytes of {}", path, size, expected),
+        ZTB_ERROR_DAMAGED_FILE);
   }
 }
 
 void SqliteFile::fail() const {
-  throw tool::Failure(fmt::format("{}: SQLite: {}", shown_, sqlite3_errmsg(file_.get())));
+  throw tool::Failure(fmt::format("{}: SQLite: {}", shown_, sqlite3_errmsg(file_.get())),
+                      kindOf(sqlite3_errcode(file_.get())));
 }
 
 SqliteStatement SqliteFile::prepare(const std::string& sql) const {
@@ -75,7 +95,8 @@ SqliteStatement SqliteFile::prepare(const std::string& sql) const {
   if (statement == nullptr || sqlite3_stmt_readonly(statement) == 0) return result;
   while (*rest == ' ' || *rest == ';' || *rest == '\n') ++rest;
   if (*rest != '\0') {
-    throw tool::Failure(fmt::format("{}: expected one statement, found more behind it", shown_));
+    throw tool::Failure(fmt::format("{}: expected one statement, found more behind it", shown_),
+                        ZTB_ERROR_REFUSED);
   }
   return result;
 }

@@ -28,7 +28,7 @@ class SqliteReader : public TableReader {
       : TableReader(std::move(shown)), file_(std::move(file)), exact_(exact) {
     statement_ = file_.prepare(sql);
     if (statement_ == nullptr || sqlite3_stmt_readonly(statement_.get()) == 0) {
-      throw tool::Failure(path_ + ": expected a query that only reads");
+      throw tool::Failure(path_ + ": expected a query that only reads", ZTB_ERROR_REFUSED);
     }
     columns_ = sqlite3_column_count(statement_.get());
   }
@@ -128,7 +128,8 @@ std::unique_ptr<TableReader> openSqlite(const TableSource& source) {
         fmt::format("{}: {}; its tables are {}", source.path,
                     table.empty() ? "which table is meant? give --from " + source.path + "#TABLE"
                                   : "no table " + tool::inQuotes(table),
-                    tool::shortened(fmt::format("{}", fmt::join(tables, ", ")))));
+                    tool::shortened(fmt::format("{}", fmt::join(tables, ", ")))),
+        ZTB_ERROR_NOT_FOUND);
   }
   std::string sql = "select * from " + quotedName(*found);
   if (source.exact) sql += " order by rowid";

@@ -34,9 +34,7 @@ class FileSink : public ByteSink {
   }
 
  private:
-  [[noreturn]] void fail() const {
-    throw tool::Failure(fmt::format("{}: cannot be written: {}", name_, std::strerror(errno)));
-  }
+  [[noreturn]] void fail() const { throw tool::systemFailure(name_, "cannot be written", errno); }
 
   std::string name_;
   std::optional<tool::NewFile> owned_;

@@ -16,8 +16,8 @@ namespace formats {
 
 namespace {
 
-[[noreturn]] void failRead(const std::string& name, const char* reason) {
-  throw tool::Failure(fmt::format("{}: cannot be read: {}", name, reason));
+[[noreturn]] void failRead(const std::string& name) {
+  throw tool::systemFailure(name, "cannot be read", errno);
 }
 
 class FileBytes : public ByteSource {
@@ -25,7 +25,7 @@ class FileBytes : public ByteSource {
   explicit FileBytes(const std::string& path)
       : name_(path == "-" ? "standard input" : path),
         file_(path == "-" ? stdin : std::fopen(path.c_str(), "rb")) {
-    if (file_ == nullptr) failRead(path, std::strerror(errno));
+    if (file_ == nullptr) failRead(path);
   }
   ~FileBytes() override {
     if (file_ != stdin) std::fclose(file_);
@@ -33,7 +33,7 @@ class FileBytes : public ByteSource {
 
   std::size_t read(char* into, std::size_t size) override {
     const std::size_t count = std::fread(into, 1, size, file_);
-    if (std::ferror(file_) != 0) failRead(name_, std::strerror(errno));
+    if (std::ferror(file_) != 0) failRead(name_);
     return count;
   }
 
@@ -55,7 +55,8 @@ class PackedBytes : public ByteSource {
     return end_ > 0;
   }
   [[noreturn]] void failDamaged(const char* reason) const {
-    throw tool::Failure(fmt::format("{}: cannot be unpacked: {}", name_, reason));
+    throw tool::Failure(fmt::format("{}: cannot be unpacked: {}", name_, reason),
+                        ZTB_ERROR_DAMAGED_FILE);
   }
 
   std::string name_;

@@ -41,7 +41,8 @@ bool CsvReader::fill() {
 void CsvReader::checkLength() const {
   if (chars_.size() > longestRecord) {
     throw tool::Failure(fmt::format("{}:{}: the record has more than {} MiB", path_, recordLine_,
-                                    longestRecord >> 20U));
+                                    longestRecord >> 20U),
+                        ZTB_ERROR_LIMIT);
   }
 }
 

@@ -17,7 +17,7 @@ namespace {
 constexpr std::size_t pendingLimit = std::size_t{1} << 16U;
 
 [[noreturn]] void failWrite(const std::string& name) {
-  throw tool::Failure(fmt::format("{}: cannot be written: {}", name, std::strerror(errno)));
+  throw tool::systemFailure(name, "cannot be written", errno);
 }
 
 }  // namespace

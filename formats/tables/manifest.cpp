@@ -230,7 +230,7 @@ void beginFolder(const std::filesystem::path& manifest) {
     std::filesystem::remove(manifest, error);
   }
   if (error) {
-    throw tool::Failure(fmt::format("{}: cannot be written: {}", folder.string(), error.message()));
+    throw tool::systemFailure(folder.string(), "cannot be written", error.value());
   }
 }
 

@@ -2,7 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <fstream>
+#include <initializer_list>
+#include <string>
+#include <utility>
 #include <ztb/formats.hpp>
 
 #include "tests/support/temp_folder.h"
@@ -76,6 +80,76 @@ TEST(FormatsWrapper, ThrowsWithTheKindOfTheFailure) {
               std::string::npos);
   }
   EXPECT_THROW(ztb::Formats({{"colour", "red"}}), ztb::Error);
+}
+
+void cutInHalf(const std::string& path) {
+  std::filesystem::resize_file(path, std::filesystem::file_size(path) / 2);
+}
+
+TEST(FormatsWrapper, TellsWhatIsDamagedFromWhatIsMissing) {
+  const ztbtest::TempFolder folder;
+  const std::string whole = folder.file("whole.rxf");
+  const std::string cut = folder.file("cut.rxf");
+  ztb::Database database;
+  ztb::Symbol price = database.addParameter("price", {"*"});
+  price.add("Milk").setLevel(11);
+  database.write(whole);
+  std::filesystem::copy_file(whole, cut);
+  cutInHalf(cut);
+  for (const char* name : {"no.db", "no.xlsx", "no.jsonl", "no.csv.gz"}) {
+    std::ofstream(folder.file(name)) << "hello, world\n";
+  }
+  const std::string out = folder.file("out.rxf");
+  const auto kindOf = [](const auto& run) {
+    try {
+      run();
+    } catch (const ztb::Error& error) {
+      return error.kind();
+    }
+    return ztb::ErrorKind::none;
+  };
+  const auto imported = [&](std::initializer_list<std::pair<const char*, std::string>> options) {
+    return kindOf([&] { ztb::Formats(options).importTo(out); });
+  };
+  const auto exported = [&](const std::string& to) {
+    return kindOf([&] { ztb::Formats({{"to", to}, {"all", ""}}).exportFrom(whole); });
+  };
+  EXPECT_EQ(kindOf([&] {
+              ztb::Formats({{"file", cut}, {"where", "value > 2"}}).whereTo(out);
+            }),
+            ztb::ErrorKind::damagedFile);
+  EXPECT_EQ(kindOf([&] {
+              ztb::Formats({{"file", cut}, {"file", whole}}).mergeTo(out);
+            }),
+            ztb::ErrorKind::damagedFile);
+  EXPECT_EQ(kindOf([&] {
+              ztb::Formats({{"to", folder.file("a.db")}, {"all", ""}}).exportFrom(cut);
+            }),
+            ztb::ErrorKind::damagedFile);
+  EXPECT_EQ(imported({{"from", folder.file("no.db")}}), ztb::ErrorKind::damagedFile);
+  EXPECT_EQ(imported({{"from", folder.file("no.xlsx")}}), ztb::ErrorKind::damagedFile);
+  EXPECT_EQ(imported({{"from", folder.file("no.csv.gz")}, {"set", "x"}}),
+            ztb::ErrorKind::damagedFile);
+  ztb::Formats({{"to", folder.file("a.db")}, {"all", ""}}).exportFrom(whole);
+  ztb::Formats({{"to", folder.file("a.xlsx")}, {"all", ""}}).exportFrom(whole);
+  EXPECT_EQ(imported({{"from", folder.file("a.db#nix")}, {"set", "x"}}), ztb::ErrorKind::notFound);
+  EXPECT_EQ(imported({{"from", folder.file("a.xlsx#nix")}, {"set", "x"}}),
+            ztb::ErrorKind::notFound);
+  cutInHalf(folder.file("a.db"));
+  EXPECT_EQ(imported({{"from", folder.file("a.db")}}), ztb::ErrorKind::damagedFile);
+  for (const char* name : {"none/a.db", "none/a.xlsx", "none/a.jsonl"}) {
+    EXPECT_EQ(exported(folder.file(name)), ztb::ErrorKind::noFile) << name;
+  }
+  EXPECT_EQ(kindOf([&] {
+              ztb::Formats({{"file", whole}, {"where", "value > 2"}})
+                  .whereTo(folder.file("none/out.rxf"));
+            }),
+            ztb::ErrorKind::noFile);
+  EXPECT_EQ(kindOf([&] {
+              ztb::Formats({{"from", folder.file("no.jsonl")}}).importTo(out);
+            }),
+            ztb::ErrorKind::damagedFile);
+  EXPECT_FALSE(std::filesystem::exists(out));
 }
 
 }  // namespace

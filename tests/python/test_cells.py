@@ -1,6 +1,7 @@
 """Cells of pandas objects: missing ones by choice, wrong ones refused."""
 
 from decimal import Decimal
+from fractions import Fraction
 
 import numpy as np
 import pandas as pd
@@ -103,15 +104,26 @@ def test_what_is_no_number_is_refused(p, data, text):
         series([2.0, 3], dtype="float32"),
         series([Decimal(2), Decimal(3)]),
         series([2, 3.0], dtype=object),
+        series([2, Decimal(3)]),
+        series([np.float32(2), Fraction(3)], dtype=object),
         series([2.0, 3.0], dtype="Sparse[float]"),
     ],
-    ids=lambda data: str(data.dtype),
+    ids=lambda data: f"{data.dtype}-{type(data.iloc[1]).__name__}",
 )
 def test_numbers_of_every_type_come_in(p, data):
     p.from_pandas(data)
     assert dict(p) == {("l0",): 2.0, ("l1",): 3.0}
     p.from_pandas(series([True, False]))
     assert dict(p) == {("l0",): 1.0, ("l1",): 0.0}
+
+
+def test_a_number_beyond_all_doubles_is_refused(p):
+    for value in [10**400, Fraction(10**400)]:
+        with pytest.raises(OverflowError, match="a value of symbol p is larger than any double"):
+            p.from_pandas(series([1, value], dtype=object))
+    with pytest.raises(OverflowError, match="a value of symbol p is larger than any double"):
+        p["old"] = 10**400
+    assert dict(p) == {("old",): 1.0}
 
 
 @pytest.mark.parametrize("value", ["3", b"3", None, [1], 1j, pd.NA])

@@ -54,7 +54,7 @@ def test_a_domain_of_arrays_may_stand_alone(diet):
     assert p.axes("food") == (["Milk", "Tofu"],)
 
 
-@pytest.mark.parametrize("domains", [3, [3], [["food"]], 1.5])
+@pytest.mark.parametrize("domains", [3, [3], [["food"]], 1.5, b"food"])
 def test_what_is_no_domain_is_refused(diet, domains):
     wrong = domains[0] if isinstance(domains, list) else domains
     with pytest.raises(TypeError) as failure:

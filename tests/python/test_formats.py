@@ -1,5 +1,6 @@
 """Tables and databases of other programs, in and out."""
 
+import errno
 import json
 import sqlite3
 from fractions import Fraction
@@ -122,6 +123,43 @@ def test_what_is_wrong_is_told_and_nothing_is_added(diet, tmp_path):
     with pytest.raises(ValueError, match="a csv file takes the table of one symbol"):
         diet.export(tmp_path / "b.csv")
     assert (list(diet), diet.labels) == before
+
+
+def test_damaged_and_missing_files_have_their_errors(diet, tmp_path):
+    diet.write(tmp_path / "cut.rxf")
+    whole = (tmp_path / "cut.rxf").read_bytes()
+    (tmp_path / "cut.rxf").write_bytes(whole[: len(whole) // 2])
+    for name in ["no.db", "no.xlsx", "no.jsonl", "no.nc"]:
+        (tmp_path / name).write_text("hello, world\n")
+    damaged = [
+        lambda: ztb.where(tmp_path / "cut.rxf", "value > 2"),
+        lambda: ztb.merge([tmp_path / "cut.rxf"], tmp_path / "out.rxf"),
+        lambda: ztb.read(tmp_path / "no.db"),
+        lambda: ztb.read(tmp_path / "no.xlsx"),
+        lambda: ztb.read(tmp_path / "no.jsonl"),
+        lambda: ztb.read(tmp_path / "no.nc"),
+        lambda: diet.import_table(tmp_path / "no.db", sets="x"),
+    ]
+    for attempt in damaged:
+        with pytest.raises(ztb.DamagedFileError, match=r"(cut\.rxf|no\.\w+)"):
+            attempt()
+    missing = [
+        lambda: ztb.where(tmp_path / "none.rxf", "value > 2"),
+        lambda: ztb.read(tmp_path / "none.db"),
+        lambda: ztb.read(tmp_path / "none.nc"),
+        lambda: diet.export(tmp_path / "none" / "a.db"),
+        lambda: diet.export(tmp_path / "none" / "a.csv", ["holds"]),
+        lambda: diet.export(tmp_path / "none" / "a.nc"),
+        lambda: ztb.where(diet, "value > 2", tmp_path / "none" / "out.rxf"),
+    ]
+    for attempt in missing:
+        with pytest.raises(ztb.MissingFileError, match="none") as failure:
+            attempt()
+        assert failure.value.errno == errno.ENOENT
+    with pytest.raises(ztb.MissingFileError) as failure:
+        diet.export(tmp_path / "none" / "a.db")
+    assert failure.value.operation == "ztbFormatsExportDatabase"
+    assert not (tmp_path / "out.rxf").exists()
 
 
 def test_warnings_are_warnings(tmp_path):

@@ -117,6 +117,8 @@ def test_a_set_of_another_database_is_refused(diet):
 def test_what_the_library_refuses_comes_with_its_text(db):
     with pytest.raises(ValueError, match="symbol pi has no position, so to_numpy has no axis for it"):
         db.add_parameter("pi").to_numpy()
+    with pytest.raises(ValueError, match="symbol pi has no position, so to_coo has no axis for it"):
+        db["pi"].to_coo()
     db.add_set("none")
     with pytest.raises(ztb.Error, match="Zero sized cube"):
         db.add_parameter("p", ["none"]).to_numpy()

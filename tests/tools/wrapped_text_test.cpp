@@ -39,6 +39,11 @@ TEST(WrappedHelp, FillsParagraphsAnew) {
   EXPECT_EQ(wrappedHelp("one two three\nfour five\n", 0), "one two three\nfour five\n");
 }
 
+TEST(WrappedHelp, BeginsALineWithTheUsage) {
+  EXPECT_EQ(wrappedHelp("Show the records\nUsage: ztb show FILE\n\nOptions:\n", 60),
+            "Show the records\nUsage: ztb show FILE\n\nOptions:\n");
+}
+
 TEST(WrappedHelp, LeavesExamplesAsTheyAre) {
   EXPECT_EQ(wrappedHelp("Examples:\n  ztb show diet.rxf price --head 3\nExit codes: 0 fine\n", 12),
             "Examples:\n  ztb show diet.rxf price --head 3\nExit codes:\n0 fine\n");

@@ -21,7 +21,7 @@ ztb::RxfFile openFile(const std::string& path) {
     if (const std::size_t at = text.find(file); file != path && at != std::string::npos) {
       text.replace(at, file.size(), inputName(path));
     }
-    throw Failure(withFile(inputName(path), text));
+    throw Failure(withFile(inputName(path), text), static_cast<int>(error.kind()));
   }
 }
 
@@ -78,7 +78,7 @@ const FileSymbol* ExchangeFile::findSymbol(const std::string& name) const {
 const FileSymbol& ExchangeFile::symbol(const std::string& name) const {
   const FileSymbol* found = findSymbol(name);
   if (found == nullptr) {
-    throw Failure(fmt::format("{}: Cannot find symbol {}", path_, name));
+    throw Failure(fmt::format("{}: Cannot find symbol {}", path_, name), ZTB_ERROR_NOT_FOUND);
   }
   return *found;
 }

@@ -153,7 +153,7 @@ void NewFile::publish() {
 }
 
 void NewFile::fail() const {
-  throw Failure(fmt::format("{}: cannot be written: {}", path_, std::strerror(errno)));
+  throw systemFailure(path_, "cannot be written", errno);
 }
 
 }  // namespace tool

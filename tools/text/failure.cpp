@@ -1,6 +1,9 @@
 #include "tools/text/failure.h"
 
+#include <cerrno>
 #include <cstddef>
+#include <cstring>
+#include <string>
 #include <string_view>
 
 namespace tool {
@@ -23,6 +26,18 @@ std::string withFile(std::string_view fileName, std::string_view message) {
     }
   }
   return file + ": " + text;
+}
+
+Failure failureOf(std::string_view file, const ztb::Error& error) {
+  return Failure(withFile(file, error.what()), static_cast<int>(error.kind()));
+}
+
+Failure systemFailure(std::string_view file, std::string_view what, int code) {
+  const bool isMissing = code == ENOENT || code == ENOTDIR;
+  const int kind = isMissing        ? ZTB_ERROR_NO_FILE
+                   : code == ENOMEM ? ZTB_ERROR_OUT_OF_MEMORY
+                                    : ZTB_ERROR_IO;
+  return Failure(std::string(file) + ": " + std::string(what) + ": " + std::strerror(code), kind);
 }
 
 }  // namespace tool

@@ -70,6 +70,8 @@ std::string wrappedHelp(std::string_view text, std::size_t width) {
     if (!indented) {
       inExamples = line.starts_with("Example");
     }
+    // It stands right below what the command does.
+    if (line.starts_with("Usage:")) endParagraph();
     if (!line.empty() && !indented && !line.ends_with(':')) {
       paragraph += paragraph.empty() ? "" : " ";
       paragraph += line;

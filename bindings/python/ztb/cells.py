@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import decimal
 import numbers
 from typing import Any, List
 
@@ -11,6 +12,8 @@ import pandas as pd
 
 #: What pandas calls the content of a column of objects that are all numbers.
 _NUMBERS = ("integer", "floating", "mixed-integer-float", "boolean", "decimal", "empty")
+#: What a number among objects is: database drivers give decimals.
+_NUMBER = (numbers.Real, decimal.Decimal, np.number, np.bool_)
 
 
 def floats_of(columns: pd.DataFrame, symbol: str) -> npt.NDArray[np.float64]:
@@ -31,12 +34,15 @@ def _floats(column: "pd.Series[Any]", symbol: str) -> npt.NDArray[np.float64]:
         return _with_nan(column)
     if pd.api.types.infer_dtype(column, skipna=True) not in _NUMBERS:
         for row, value in enumerate(column):
-            if not pd.isna(value) and not isinstance(value, (numbers.Real, np.number)):
+            if not pd.isna(value) and not isinstance(value, _NUMBER):
                 raise TypeError(
                     f"row {row}: the value {value!r} ({type(value).__name__}) of symbol {symbol} "
                     "is no number"
                 )
-    return _with_nan(column.where(column.notna(), np.nan))
+    try:
+        return _with_nan(column.where(column.notna(), np.nan))
+    except OverflowError:
+        raise OverflowError(f"a value of symbol {symbol} is larger than any double") from None
 
 
 def _with_nan(column: "pd.Series[Any]") -> npt.NDArray[np.float64]:

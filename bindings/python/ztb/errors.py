@@ -36,7 +36,7 @@ class MissingFileError(Error, FileNotFoundError):
 
 
 class DamagedFileError(Error):
-    """What stands in a file is no whole RXF file: damaged, cut short, or something else.
+    """What stands in a file is not what it should be: damaged, cut short, or something else.
 
     Raised when the file is opened, or when records are first touched; nothing of what is damaged
     is delivered.

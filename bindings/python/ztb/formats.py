@@ -11,6 +11,7 @@ from typing import Any, Dict, Iterable, List, Optional, Tuple, Union
 
 from . import _native, arguments
 from .errors import DamagedFileError, Error, MissingFileError
+from .texts import level_of_caller
 
 Path = Union[str, "os.PathLike[str]"]
 Texts = Union[str, Iterable[str]]
@@ -61,7 +62,7 @@ class _Job:
             raise MemoryError
         for name, value in options:
             text = os.fsencode(value)
-            self._require(self._library.ztbFormatsOption(self._job, name.encode(), text))
+            self._require("Option", self._library.ztbFormatsOption(self._job, name.encode(), text))
 
     def __enter__(self) -> _Job:
         return self
@@ -70,21 +71,24 @@ class _Job:
         self._library.ztbFormatsFree(ctypes.byref(self._job))
 
     def import_into(self, handle: int) -> None:
-        self._require(self._library.ztbFormatsImportInto(self._job, ctypes.c_void_p(handle)))
+        self._run("ImportInto", ctypes.c_void_p(handle))
 
     def export_database(self, handle: int) -> None:
-        self._require(self._library.ztbFormatsExportDatabase(self._job, ctypes.c_void_p(handle)))
+        self._run("ExportDatabase", ctypes.c_void_p(handle))
 
     def make(self, making: str, path: Path) -> None:
-        function = getattr(self._library, "ztbFormats" + making)
-        self._require(function(self._job, os.fsencode(path)))
+        self._run(making, os.fsencode(path))
+
+    def _run(self, name: str, argument: Any) -> None:
+        function = getattr(self._library, "ztbFormats" + name)
+        self._require(name, function(self._job, argument))
 
     def _text(self, name: str) -> str:
         return os.fsdecode(getattr(self._library, "ztbFormats" + name)(self._job))
 
-    def _require(self, result: int) -> None:
+    def _require(self, name: str, result: int) -> None:
         for line in self._text("Warnings").splitlines():
-            warnings.warn(line.replace("ztb: ", "", 1), stacklevel=4)
+            warnings.warn(line.replace("ztb: ", "", 1), stacklevel=level_of_caller())
         if result:
             return
         text = _native.display_text(self._text("Message"))
@@ -93,10 +97,10 @@ class _Job:
         if self._library.ztbFormatsIsUsage(self._job):
             raise ValueError(text)
         if kind == _NO_FILE:
-            raise MissingFileError(text, "ztbFormatsImport")
+            raise MissingFileError(text, "ztbFormats" + name)
         if kind == _DAMAGED_FILE:
-            raise DamagedFileError(problems + text, "ztbFormatsImport")
-        raise Error(problems + text, "ztbFormats")
+            raise DamagedFileError(problems + text, "ztbFormats" + name)
+        raise Error(problems + text, "ztbFormats" + name)
 
 
 def _several(value: Optional[Texts]) -> List[str]:

@@ -105,7 +105,7 @@ def choice_of(native: _native.Symbol, home: Home, key: object) -> Choice:
     """What a partial key chooses. Labels that the database does not have are an error."""
     if arguments.is_frame(key):
         raise TypeError("a frame chooses no records, expected a series of truth")
-    if str(getattr(key, "dtype", "")) in ("bool", "boolean") and hasattr(key, "index"):
+    if _is_marks(key):
         from . import frames
 
         return frames.choice_of_marks(native, home, key)
@@ -125,6 +125,16 @@ def choice_of(native: _native.Symbol, home: Home, key: object) -> Choice:
         return marks
 
     return choice
+
+
+def _is_marks(key: object) -> bool:
+    """Whether it is a series of truth, as pandas also makes of objects where some are missing."""
+    kind = str(getattr(key, "dtype", ""))
+    if kind != "object" or not (hasattr(key, "iloc") and hasattr(key, "index")):
+        return kind in ("bool", "boolean") and hasattr(key, "index")
+    from pandas.api.types import infer_dtype
+
+    return bool(infer_dtype(key, skipna=True) == "boolean")
 
 
 def _require_labels(symbol: str, key: object) -> None:

@@ -466,6 +466,8 @@ class Symbol(display.Shows, MutableMapping[Any, Value]):
 
         arguments.flag(drop, "drop")
         count = arguments.whole(rows, "number of positions")
+        if count > 0:
+            self._require_positions("to_coo")
         matrix, dropped = sparse.to_coo(
             keys, values, self._axis_numbers(domains), count, self.name
         )
@@ -669,7 +671,7 @@ DomainsLike = Union[str, Set, Alias, Sequence[DomainLike]]
 
 def several(domains: DomainsLike) -> List[DomainLike]:
     """Domains as a list, also where one stands alone."""
-    if isinstance(domains, (str, Symbol, Alias)):
+    if isinstance(domains, (str, bytes, Symbol, Alias)):
         return [domains]
     try:
         return list(domains)

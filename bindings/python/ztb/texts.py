@@ -9,7 +9,7 @@ from typing import Iterable, List
 from . import _native
 
 
-def _level_of_caller() -> int:
+def level_of_caller() -> int:
     """The level of a warning, given by who calls this, at the line that called the package."""
     level = 1
     frame = sys._getframe(1)
@@ -37,5 +37,5 @@ def warn_of_kept(symbol: str, given: Iterable[str], kept: Iterable[str]) -> None
                 f"text {text!r} of set {symbol} is kept as {spelling!r}: texts are one whatever the "
                 "case of letters, and the first spelling stays",
                 UserWarning,
-                stacklevel=_level_of_caller(),
+                stacklevel=level_of_caller(),
             )

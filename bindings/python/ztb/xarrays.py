@@ -5,6 +5,7 @@ xarray, and for files netCDF4, are imported only when something is asked for.
 
 from __future__ import annotations
 
+import errno
 import importlib
 import os
 import tempfile
@@ -14,7 +15,7 @@ import numpy as np
 import numpy.typing as npt
 
 from . import arguments
-from .errors import DamagedFileError
+from .errors import DamagedFileError, MissingFileError
 from .missing import missing_value, require_choice
 from .special import _double
 from .values import FIELDS
@@ -340,6 +341,10 @@ def write_netcdf(database: Database, path: Any, most: int) -> None:
     encoding = {name: {"_FillValue": None} for name, kind in kinds.items() if kind in "fi"}
     # The file takes its name when it is whole.
     folder, name = os.path.split(os.path.abspath(path))
+    if not os.path.isdir(folder):
+        raise MissingFileError(
+            f"{os.fsdecode(path)}: cannot be written: the folder does not exist", "write_netcdf"
+        )
     with tempfile.TemporaryDirectory(prefix=".ztb.", dir=folder) as scratch:
         written = os.path.join(scratch, name)
         dataset.to_netcdf(written, engine="netcdf4", encoding=encoding)
@@ -353,6 +358,8 @@ def read_netcdf(path: Any) -> Any:
     try:
         return xarray.load_dataset(path, engine="netcdf4", mask_and_scale=False)
     except FileNotFoundError:
-        raise
+        raise MissingFileError(
+            f"{os.fsdecode(path)}: cannot be read: {os.strerror(errno.ENOENT)}", "read_netcdf"
+        ) from None
     except (OSError, ValueError, RuntimeError) as error:
-        raise DamagedFileError(f"{path}: {error}", "read_netcdf") from None
+        raise DamagedFileError(f"{os.fsdecode(path)}: {error}", "read_netcdf") from None
