@@ -79,6 +79,10 @@ int ztbRxfNextBlock(ztbRxfRecords* records) {
   return ZTB_LATE(rxfLibrary, ztbRxfNextBlock)(records);
 }
 
+int ztbRxfSkipBlocks(ztbRxfRecords* records, int count) {
+  return ZTB_LATE(rxfLibrary, ztbRxfSkipBlocks)(records, count);
+}
+
 const int* ztbRxfKeys(const ztbRxfRecords* records, int position) {
   return ZTB_LATE(rxfLibrary, ztbRxfKeys)(records, position);
 }
