@@ -26,12 +26,13 @@ BasisLock::BasisLock(const std::string& basisFile, const std::atomic<bool>& stop
     if (stopped || (errno != EWOULDBLOCK && errno != EINTR)) return;
     std::this_thread::sleep_for(kBetweenLooks);
   }
+  isHeld_ = descriptor_ >= 0;
 }
 
 BasisLock::~BasisLock() {
   if (descriptor_ < 0) return;
   // Who waits for this file gets its lock and finds the basis.
-  ::unlink(name_.c_str());
+  if (isHeld_) ::unlink(name_.c_str());
   ::close(descriptor_);
 }
 

@@ -22,6 +22,7 @@ class BasisLock {
  private:
   std::string name_;
   int descriptor_ = -1;
+  bool isHeld_ = false;
 };
 
 }  // namespace sweep
