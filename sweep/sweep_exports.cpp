@@ -132,6 +132,13 @@ SWEEP_EXPORT int ztbSweepSameInputs(ztbSweep* sweep) {
   });
 }
 
+SWEEP_EXPORT int ztbSweepLock(ztbSweep* sweep, const char* out) {
+  return guarded(sweep, [&] {
+    sweep->job.lock(given(out));
+    return 1;
+  });
+}
+
 SWEEP_EXPORT void ztbSweepSetWatch(ztbSweep* sweep,
                                    void (*watch)(void* context, int event, int scenario,
                                                  const char* text),

@@ -179,6 +179,13 @@ void SweepJob::requireSameInputs() const {
   if (!difference.empty()) throw Failure(difference);
 }
 
+void SweepJob::lock(const std::string& out) {
+  requireOpen();
+  if (out.empty()) throw Failure("the result has no name");
+  lock_.reset();
+  lock_ = std::make_unique<ResultLock>(out);
+}
+
 // The model file may be another one by now: what was read is held against the checksums.
 ChunkSolver& SweepJob::solver() {
   requireOpen();

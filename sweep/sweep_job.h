@@ -14,6 +14,7 @@
 #include "sweep/options.h"
 #include "sweep/part_folder.h"
 #include "sweep/part_index.h"
+#include "sweep/result_lock.h"
 #include "sweep/scenario_file.h"
 
 namespace sweep {
@@ -28,6 +29,7 @@ class SweepJob {
   void save(const std::string& folder) const;
   void load(const std::string& folder);
   void requireSameInputs() const;
+  void lock(const std::string& out);
   void prepare(const std::string& folder);
   bool solve(const std::string& folder, int chunk);
   void publish(const std::string& folder);
@@ -68,6 +70,7 @@ class SweepJob {
   std::atomic<bool> stopped_ = false;
   std::string preparedIn_;  // folder whose basis chunks start from; empty: none yet
   std::map<int, std::string> skipped_;
+  std::unique_ptr<ResultLock> lock_;
   std::unique_ptr<Explanation> explanation_;
   Watch watch_;
 };

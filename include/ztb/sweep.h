@@ -88,6 +88,13 @@ int ztbSweepChunk(const ztbSweep* sweep, int chunk, int* first, int* end);
  * in "another model file". They are read again only where one seems to have changed. */
 int ztbSweepSameInputs(ztbSweep* sweep);
 
+/* Keeps others from writing this result, a file that need not exist yet, until ztbSweepFree or
+ * another call: those that ask for the same lock. It is a file .NAME.lock beside the result, locked
+ * by `flock`; who dies holds it no longer. Where it is held it is waited for, for two seconds; then
+ * 0, and the message names its holder: "out.rxf: another sweep is writing this result (process
+ * 4711)". Two names of one file have one lock. */
+int ztbSweepLock(ztbSweep* sweep, const char* out);
+
 /* What is told while a chunk is solved. */
 enum {
   ZTB_SWEEP_SOLVED = 1, /* a scenario is through, with or without a solution */

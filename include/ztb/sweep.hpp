@@ -82,6 +82,9 @@ class Sweep {
     return ztbSweepSameInputs(handle_) != 0 ? "" : ztbSweepMessage(handle_);
   }
 
+  // Keeps others from writing this result, as long as this object lives.
+  void lock(const ZString& out) { require(ztbSweepLock(handle_, out.c_str()), "ztbSweepLock"); }
+
   // Is told what ZTB_SWEEP_SOLVED and its like stand for.
   using Watch = std::function<void(int event, int scenario, const char* text)>;
   void setWatch(Watch watch) {

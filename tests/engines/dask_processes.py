@@ -30,7 +30,7 @@ class DaskProcesses:
     def __enter__(self):
         self._start("dask_scheduler", "--port", "0", "--no-dashboard")
         end = time.monotonic() + 60
-        while not os.path.exists(self.file):
+        while not self._is_told():
             assert time.monotonic() < end and self.started[0].poll() is None
             time.sleep(0.05)
         for _ in range(self.count):
@@ -41,6 +41,13 @@ class DaskProcesses:
         for process in reversed(self.started):
             process.kill()
             process.wait()
+
+    def _is_told(self):
+        """Whether the scheduler has written its file, all of it."""
+        try:
+            return bool(self.address)
+        except (OSError, ValueError):
+            return False
 
     def start_worker(self):
         limit = None if self.seconds is None else (self.seconds, self.seconds)

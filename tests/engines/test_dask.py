@@ -81,6 +81,113 @@ def test_workers_give_the_bytes_that_one_process_gives(client, inputs, tmp_path)
     assert (tmp_path / "shared.rxf").read_bytes() == (tmp_path / "one.rxf").read_bytes()
 
 
+@pytest.fixture
+def one(inputs, tmp_path):
+    """The bytes that one process gives."""
+    ztb.sweep(**inputs, out=tmp_path / "one.rxf")
+    return (tmp_path / "one.rxf").read_bytes()
+
+
+@pytest.mark.parametrize("processes", [True, False])
+def test_workers_of_several_threads_solve_one_chunk_at_a_time(inputs, one, tmp_path, processes):
+    with distributed.LocalCluster(
+        n_workers=2, threads_per_worker=4, processes=processes, dashboard_address=":0"
+    ) as cluster, distributed.Client(cluster) as client:
+        ztb.sweep(**inputs, out=tmp_path / "o.rxf", client=client)
+    assert (tmp_path / "o.rxf").read_bytes() == one
+
+
+def test_a_sweep_beside_another_of_the_same_inputs_has_parts_of_its_own(
+    client, inputs, one, tmp_path
+):
+    # While the first holds its tasks a second one is done, whose parts are to come as bytes.
+    nested = []
+
+    def in_between(state):
+        if state["done"] and not nested:
+            nested.append("begun")
+            ztb.sweep(**inputs, out=tmp_path / "second.rxf", client=client)
+            nested.append("done")
+
+    ztb.sweep(
+        **inputs, out=tmp_path / "first.rxf", client=client, parts=tmp_path / "p", progress=in_between
+    )
+    assert nested == ["begun", "done"]
+    assert (tmp_path / "second.rxf").read_bytes() == one
+    assert (tmp_path / "first.rxf").read_bytes() == one
+
+
+def test_a_second_sweep_into_one_result_is_refused(client, inputs, tmp_path):
+    out = tmp_path / "o.rxf"
+    told = []
+
+    def in_between(state):
+        if not told:
+            with pytest.raises(ztb.Error) as refused:
+                ztb.sweep(**inputs, out=out, client=client)
+            told.append(str(refused.value))
+
+    ztb.sweep(**inputs, out=out, client=client, progress=in_between)
+    assert told == [f"{out}: another sweep is writing this result (process {os.getpid()})"]
+    assert not list(tmp_path.glob(".*.lock"))
+
+
+def test_an_input_that_changes_on_the_way_ends_the_sweep_without_result(client, inputs, tmp_path):
+    def in_between(state):
+        if state["done"] == state["count"]:
+            inputs["model"].write_text(MODEL.replace("a(i1) <= 4", "a(i1) <= 2"))
+
+    with pytest.raises(ztb.Error, match="o.rxf: another model file stood in its place while the sweep"):
+        ztb.sweep(**inputs, out=tmp_path / "o.rxf", client=client, progress=in_between)
+    assert not (tmp_path / "o.rxf").exists()
+    assert not (tmp_path / "o.rxf.parts").exists()
+
+
+def test_what_a_sweep_of_other_inputs_left_is_not_gone_on_with(client, inputs, one, tmp_path):
+    parts = tmp_path / "o.rxf.parts"
+    ztb.sweep(**inputs, out=tmp_path / "other.rxf", client=client, parts=parts)
+    inputs["report"] = []
+    with pytest.raises(ztb.Error, match="is from a sweep with another --report; without --resume"):
+        ztb.sweep(**inputs, out=tmp_path / "o.rxf", client=client, resume=True)
+    assert len(list(parts.glob("*.rxf"))) == 14
+    # A result of before stays until it is replaced, and is in no way of parts that are there.
+    inputs["report"] = ["a"]
+    (tmp_path / "o.rxf").write_bytes(b"of before")
+    ztb.sweep(**inputs, out=tmp_path / "o.rxf", client=client, resume=True)
+    assert (tmp_path / "o.rxf").read_bytes() == one
+    inputs["report"] = []
+    with pytest.raises(ztb.Error, match="o.rxf: is from a sweep with another --report"):
+        ztb.sweep(**inputs, out=tmp_path / "o.rxf", client=client, resume=True)
+    assert (tmp_path / "o.rxf").read_bytes() == one
+
+
+def test_a_damaged_part_is_a_damaged_file(client, inputs, tmp_path):
+    parts = tmp_path / "p"
+    ztb.sweep(**inputs, out=tmp_path / "o.rxf", client=client, parts=parts)
+    part = next(parts.glob("*-3-6.rxf"))
+    part.write_bytes(part.read_bytes()[:-9])
+    with pytest.raises(ztb.DamagedFileError, match="-3-6.rxf: .*remove this file"):
+        ztb.sweep(**inputs, out=tmp_path / "o.rxf", client=client, parts=parts, resume=True)
+
+
+def test_a_folder_that_was_begun_here_is_collected_by_the_command(client, inputs, one, tmp_path):
+    ztb.sweep(**inputs, out=tmp_path / "o.rxf", client=client, parts=tmp_path / "p")
+    collect = Sweep(tmp_path, ["--collect", "--parts", "p"])
+    collect("--out", "c.rxf")
+    assert (tmp_path / "c.rxf").read_bytes() == one
+
+
+def test_what_the_command_tells_of_a_sweep_stands_in_its_notes(client, inputs, tmp_path):
+    with ztb.Database(inputs["scenarios"]) as db:
+        for number in range(30):
+            db["wanted"][f"s{number}",] = 1000.0
+        db.write(inputs["scenarios"])
+    told = ztb.sweep(**inputs, out=tmp_path / "one.rxf").notes
+    assert told[0] == "scenario s0: infeasible"
+    assert told[-1] == "30 scenarios without a solution, of which 20 are shown" and len(told) == 21
+    assert ztb.sweep(**inputs, out=tmp_path / "o.rxf", client=client).notes == told
+
+
 class Deadly(distributed.WorkerPlugin):
     """Has the solve of a chunk with a scenario end the worker process, also that of a worker that
     takes its place."""
@@ -109,6 +216,22 @@ class Deadly(distributed.WorkerPlugin):
         chunks.Chunks.solve = self.solve
 
 
+def leftovers(folder):
+    """What workers keep of sweeps below a folder, by the process that has it."""
+    return [path for path in folder.rglob("ztb-chunks-*") if path.is_dir()]
+
+
+def test_what_a_killed_worker_leaves_is_removed_by_the_next_one(inputs, tmp_path):
+    with DaskProcesses(tmp_path, 1) as cluster:
+        with distributed.Client(cluster.address, timeout=60) as client:
+            ztb.sweep(**inputs, out=tmp_path / "o.rxf", client=client)
+            left = leftovers(tmp_path)
+            assert len(left) == 1
+            cluster.kill_worker()
+            ztb.sweep(**inputs, out=tmp_path / "o.rxf", client=client)
+            assert len(leftovers(tmp_path)) == 1 and leftovers(tmp_path) != left
+
+
 def test_a_chunk_that_ends_its_workers_is_solved_in_a_process_of_its_own(client, inputs, tmp_path):
     ztb.sweep(**inputs, out=tmp_path / "one.rxf")
     told = []
@@ -122,13 +245,13 @@ def test_a_chunk_that_ends_its_workers_is_solved_in_a_process_of_its_own(client,
 
 
 def test_workers_that_see_other_files_are_refused(client, inputs, tmp_path):
-    from ztb import chunks, cluster
+    from ztb import chunks, tasks
 
     options = [("model", str(inputs["model"])), ("scenarios", str(inputs["scenarios"])), ("over", "s")]
     with chunks.Chunks(options) as own:
         assert len(own) == COUNT
     with pytest.raises(ztb.Error, match="the worker sees other files under the names of the sweep"):
-        cluster.solve_chunk(options, "0123456789abcdef", 0, str(tmp_path), b"")
+        tasks.solve_chunk(options, "0123456789abcdef", 0, str(tmp_path), b"")
 
 
 @pytest.fixture

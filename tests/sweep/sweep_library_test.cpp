@@ -1,12 +1,14 @@
 // The functions of ztb/sweep.h and their wrapper: where chunks begin and end, that a chunk is a
 // function of its inputs, and what is told of parts.
 #include <gmock/gmock.h>
+#include <unistd.h>
 #include <ztb/sweep.h>
 
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <map>
+#include <memory>
 #include <string>
 #include <vector>
 #include <ztb/sweep.hpp>
@@ -293,6 +295,28 @@ TEST_F(SweepLibraryTest, ADamagedPartIsAnError) {
   const std::string name = parts("parts").begin()->first;
   std::ofstream(path("parts/" + name)) << "no part";
   EXPECT_THAT(errorOf([&] { sweep.find(path("parts")); }), HasSubstr(name));
+}
+
+TEST_F(SweepLibraryTest, AResultIsLockedAsLongAsItsSweepLives) {
+  makeScenarios(2);
+  std::filesystem::create_symlink("out.rxf", path("link.rxf"));
+  auto first = std::make_unique<ztb::Sweep>();
+  EXPECT_EQ(errorOf([&] { first->lock(path("out.rxf")); }), "the sweep is not open");
+  open(*first);
+  EXPECT_EQ(errorOf([&] { first->lock(""); }), "the result has no name");
+  first->lock(path("out.rxf"));
+  ztb::Sweep second;
+  open(second);
+  for (const char* name : {"out.rxf", "link.rxf"}) {
+    EXPECT_EQ(errorOf([&] { second.lock(path(name)); }),
+              path(name) + ": another sweep is writing this result (process " +
+                  std::to_string(getpid()) + ")");
+  }
+  first->lock(path("other.rxf"));
+  second.lock(path("link.rxf"));
+  first.reset();
+  second.lock(path("other.rxf"));
+  EXPECT_FALSE(std::filesystem::exists(path(".out.rxf.lock")));
 }
 
 TEST_F(SweepLibraryTest, NoSweepIsNoCrash) {

@@ -70,6 +70,10 @@ int ztbSweepSameInputs(ztbSweep* sweep) {
   return ZTB_LATE(sweepLibrary, ztbSweepSameInputs)(sweep);
 }
 
+int ztbSweepLock(ztbSweep* sweep, const char* out) {
+  return ZTB_LATE(sweepLibrary, ztbSweepLock)(sweep, out);
+}
+
 void ztbSweepSetWatch(ztbSweep* sweep,
                       void (*watch)(void* context, int event, int scenario, const char* text),
                       void* context) {

@@ -12,7 +12,6 @@
 
 #include "tools/sweep/dask_workers.h"
 #include "tools/sweep/sweep_crew.h"
-#include "tools/sweep/sweep_lock.h"
 #include "tools/sweep/sweep_summary.h"
 #include "tools/text/failure.h"
 #include "tools/text/output.h"
@@ -93,7 +92,7 @@ SweepRun::SweepRun(const SweepOptions& options)
 }
 
 bool SweepRun::solveAll() {
-  const SweepLock lock(options_.out);
+  sweep_.lock(options_.out);
   const bool hasResult = findKept();
   const std::vector<int> pending = pendingChunks(0, sweep_.chunkCount(), true);
   if (!pending.empty()) sweep_.save(folder_);
@@ -135,7 +134,7 @@ bool SweepRun::solveShare(int number, int count) {
 }
 
 bool SweepRun::collect() {
-  const SweepLock lock(options_.out);
+  sweep_.lock(options_.out);
   sweep_.find(folder_);
   makeResult();
   return report(all(), "missing", {}, {});
@@ -307,7 +306,7 @@ void SweepRun::printScript() {
 }
 
 bool SweepRun::solveBySlurm() {
-  const SweepLock lock(options_.out);
+  sweep_.lock(options_.out);
   SlurmArray array = slurmArray();
   const bool isQueued = !array.job().empty() && array.queue();
   if (isQueued && !options_.resume) {

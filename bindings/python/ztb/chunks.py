@@ -4,11 +4,12 @@ from __future__ import annotations
 
 import ctypes
 import os
+import re
 import threading
 from typing import Any, Dict, List, Optional, Sequence, Tuple, Union
 
 from . import _native
-from .errors import Error
+from .errors import DamagedFileError, Error
 
 Path = Union[str, "os.PathLike[str]"]
 Options = Sequence[Tuple[str, str]]
@@ -41,12 +42,14 @@ def _library() -> Any:
             library.ztbSweepOption.argtypes = [pointer, text, text]
             for name in ("Open", "ScenarioCount", "ChunkCount", "SameInputs", "Stop"):
                 getattr(library, "ztbSweep" + name).argtypes = [pointer]
-            for name in ("Prepare", "Publish", "Collect"):
+            for name in ("Prepare", "Publish", "Collect", "Save", "Lock"):
                 getattr(library, "ztbSweep" + name).argtypes = [pointer, text]
             library.ztbSweepSetWatch.argtypes = [pointer, _WATCH, pointer]
             library.ztbSweepFind.argtypes = [pointer, text, text]
             library.ztbSweepSolve.argtypes = [pointer, text, number]
             library.ztbSweepRemove.argtypes = [pointer, text, number]
+            library.ztbSweepForeignPart.restype = text
+            library.ztbSweepForeignPart.argtypes = [pointer, text]
             for name in ("Scenario", "Reason"):
                 function = getattr(library, "ztbSweep" + name)
                 function.restype, function.argtypes = text, [pointer, number]
@@ -65,13 +68,18 @@ class Chunks:
 
     def __init__(self, options: Options) -> None:
         self._library = _library()
+        self._options = list(options)
         self._sweep = ctypes.c_void_p()
         if not self._library.ztbSweepCreate(ctypes.byref(self._sweep)):
             raise MemoryError
-        for name, value in options:
-            text = os.fsencode(value)
-            self._require(self._library.ztbSweepOption(self._sweep, name.encode(), text))
-        self._require(self._library.ztbSweepOpen(self._sweep))
+        try:
+            for name, value in options:
+                text = os.fsencode(value)
+                self._require(self._library.ztbSweepOption(self._sweep, name.encode(), text))
+            self._require(self._library.ztbSweepOpen(self._sweep))
+        except Error:
+            self.close()
+            raise
 
     def close(self) -> None:
         """Ends the sweep, and with it the model."""
@@ -119,6 +127,24 @@ class Chunks:
         """The file of the basis that chunks start from."""
         return os.path.join(folder, f"{self.key}.basis")
 
+    def lock(self, out: Path) -> None:
+        """Keeps other sweeps from writing this result until this one is closed."""
+        self._require(self._library.ztbSweepLock(self._sweep, os.fsencode(out)))
+
+    def save(self, folder: Path) -> None:
+        """Leaves the options in the folder, for ``ztb sweep --collect``."""
+        self._require(self._library.ztbSweepSave(self._sweep, os.fsencode(folder)))
+
+    def difference(self) -> str:
+        """In what the files differ from those that were opened; empty if in nothing."""
+        return "" if self._library.ztbSweepSameInputs(self._sweep) else self._message()
+
+    def foreign_part(self, folder: Path) -> str:
+        """In what a part of another sweep in the folder differs; empty where there is none."""
+        text = self._library.ztbSweepForeignPart(self._sweep, os.fsencode(folder))
+        self._require(text is not None)
+        return str(text.decode("utf-8", "surrogateescape"))
+
     def prepare(self, folder: Path) -> None:
         """Solves the unchanged model, unless it was done, and leaves its basis in the folder."""
         self._require(self._library.ztbSweepPrepare(self._sweep, os.fsencode(folder)))
@@ -145,20 +171,32 @@ class Chunks:
         file = b"" if result is None else os.fsencode(result)
         self._require(self._library.ztbSweepFind(self._sweep, os.fsencode(folder), file))
 
-    def unsolved(self) -> List[str]:
-        """Of what was found, a line for each scenario whose solve failed or that is missing."""
-        lines = []
+    def notes(self) -> List[str]:
+        """What the command tells of what was found: parameters that meet no column, and the first of
+        the scenarios that are missing or have no solution."""
+        scenarios = dict(self._options)["scenarios"]
+        unmatched = self._library.ztbSweepUnmatched(self._sweep).decode("utf-8", "surrogateescape")
+        lines = [
+            f"{scenarios}: {name} has records that meet no column {name}_var of the model"
+            for name in unmatched.split()
+        ]
         status, solve, objective = ctypes.c_int(), ctypes.c_int(), ctypes.c_double()
         places = (ctypes.byref(status), ctypes.byref(solve), ctypes.byref(objective))
+        unsolved = 0
         for number in range(self.scenario_count):
             found = self._library.ztbSweepOutcome(self._sweep, number, *places)
-            if found == 2:
+            unsolved += found != 2
+            if found == 2 or unsolved > _SHOWN:
                 continue
             text = "missing" if found == 0 else _native.status_text(status.value)
             if found == 1 and solve.value == _FAILED:
                 reason = self._library.ztbSweepReason(self._sweep, number)
                 text = "failed: " + reason.decode("utf-8", "surrogateescape") if reason else "failed"
+            elif found == 1 and solve.value != _NORMAL:
+                text += f", {_native.solve_status_text(solve.value)}"
             lines.append(f"scenario {self.scenario(number)}: {text}")
+        if unsolved > _SHOWN:
+            lines.append(f"{unsolved} scenarios without a solution, of which {_SHOWN} are shown")
         return lines
 
     def collect(self, out: Path) -> None:
@@ -177,9 +215,16 @@ class Chunks:
 
     def _require(self, result: int) -> None:
         if not result:
-            text = self._library.ztbSweepMessage(self._sweep)
-            raise Error(text.decode("utf-8", "surrogateescape"), "sweep")
+            text = self._message()
+            raise (DamagedFileError if DAMAGED.search(text) else Error)(text, "sweep")
+
+    def _message(self) -> str:
+        return str(self._library.ztbSweepMessage(self._sweep).decode("utf-8", "surrogateescape"))
 
 
-#: Solve status of a solve that failed.
-_FAILED = 13
+#: Solve statuses of a solve that ended as it should, and of one that failed.
+_NORMAL, _FAILED = 1, 13
+#: Scenarios without a solution that are told by name.
+_SHOWN = 20
+#: How the library and the command tell of a file that is no whole one.
+DAMAGED = re.compile(r"(^|: )File is (damaged|cut short): ")

@@ -8,32 +8,30 @@ objects on lines, as ``progress`` is told them, or with ``note`` or ``error``.
 
 from __future__ import annotations
 
-import importlib
+import hashlib
 import json
 import os
 import statistics
-import subprocess
 import sys
-import tempfile
 import threading
 import time
 from pathlib import Path as FilePath
 from typing import Any, Callable, Dict, Iterator, List, Optional, Sequence, Set, Tuple
 
-from .chunks import Chunks
+from .chunks import Chunks, Options
 from .errors import Error
-
-Options = Sequence[Tuple[str, str]]
+from .tasks import given, solve_chunk
 
 #: Chunks that the scheduler knows of at once.
 WINDOW = 2000
 #: Times that a chunk whose solve was refused by a worker is handed out.
 TRIES = 3
-#: A chunk of the end is handed out once more when it takes so many times as long as others did.
+#: The chunks of a worker are handed out once more at the end when it has finished none for so many
+#: times as long as a chunk takes.
 STRAGGLES = 3.0
 
-# Seconds between two looks at what has come back, and those that a chunk takes in any case before
-# it is handed out twice; chunks that tell how long one takes.
+# Seconds between two looks at what has come back, and those that a worker has in any case before
+# its chunks are handed out twice; chunks that tell how long one takes.
 _LOOK = 0.01
 _LEAST = 2.0
 # Seconds between two times that progress is told where nothing is done, and those without a worker
@@ -41,61 +39,10 @@ _LEAST = 2.0
 _BEAT = 1.0
 _ALONE = 10.0
 # Chunks that workers have refused for good after which the sweep ends at once.
-_MOST_REFUSED = 100
+_MOST_REFUSED = 20
 _LOOKED_AT = 100
-
-_lock = threading.Lock()
-# The sweep of this worker by its key, with the folder of its basis and of parts on their way.
-_live: Dict[str, Tuple[Chunks, Any]] = {}
-
-
-def solve_chunk(
-    options: Options, key: str, chunk: int, folder: Optional[str], basis: bytes, program: str = ""
-) -> Tuple[bytes, int]:
-    """The task of a worker, which keeps the live model of one sweep for the chunks that follow. Gives
-    the part, or nothing where it stands in ``folder``, and how many of its solves failed. With
-    ``program``, the path of the command, the chunk is solved in a process of its own, which finds
-    scenarios that end it."""
-    with _lock:  # one solver at a time in a worker
-        chunks, own = _live_sweep(options, key)
-        if folder is not None:
-            return b"", _solve_into(chunks, options, folder, chunk, program)
-        if not os.path.exists(chunks.basis(own.name)):
-            FilePath(chunks.basis(own.name)).write_bytes(basis)
-        failed = _solve_into(chunks, options, own.name, chunk, program)
-        part = FilePath(chunks.part(own.name, chunk))
-        content = part.read_bytes()
-        part.unlink()
-        return content, failed
-
-
-def _live_sweep(options: Options, key: str) -> Tuple[Chunks, Any]:
-    if key not in _live:
-        for other, folder in _live.values():
-            other.close()
-            folder.cleanup()
-        _live.clear()
-        chunks = Chunks(options)
-        if chunks.key != key:
-            chunks.close()
-            raise Error("the worker sees other files under the names of the sweep", "sweep")
-        _live[key] = chunks, tempfile.TemporaryDirectory(prefix="ztb-chunks-")
-    return _live[key]
-
-
-def _solve_into(chunks: Chunks, options: Options, folder: str, chunk: int, program: str) -> int:
-    if not program:
-        return chunks.solve(folder, chunk)
-    command = [program, "sweep", dict(options)["model"], "--progress", "none"]
-    command += ["--part", f"{chunk + 1}/{len(chunks)}", "--parts", folder]
-    for name, value in options:
-        if name != "model":
-            command += [f"--{name}", value]
-    run = subprocess.run(command, stdin=subprocess.DEVNULL, capture_output=True, check=False)
-    if not os.path.exists(chunks.part(folder, chunk)):
-        raise Error(run.stderr.decode("utf-8", "replace").strip() or "the command left no part", "sweep")
-    chunks.find(folder)
-    return chunks.state(chunk)[1]
+# Bytes of a basis that go with each chunk; a larger one the scheduler has once.
+_SMALL = 16384
 
 
 class World:
@@ -139,13 +86,20 @@ class Run:
         self._window = window
         self._world = World() if world is None else world
         self.chunks = chunks
+        # The basis, the task that has it where it is large, and digits for it and the place of parts.
         self._basis = b""
+        self._basis_task: Any = None
+        self._place = ""
         self._tries: Dict[int, int] = {}
-        # Tasks that are handed out, with their chunks and since when, by their keys.
-        self._out: Dict[str, Tuple[Any, int, float]] = {}
+        # Tasks that are handed out, with their chunks, by their keys.
+        self._out: Dict[str, Tuple[Any, int]] = {}
         self._left: Set[int] = set()
         self._completed: Any = None
         self._doubled: Set[int] = set()
+        self._all_out = False
+        # What workers were at when they were looked at, and since when.
+        self._seen: Dict[str, Tuple[Set[str], float]] = {}
+        self._looked = 0.0
         self._took: List[float] = []
         self._done = 0
         self._failures = 0
@@ -163,11 +117,18 @@ class Run:
             return
         self.chunks.prepare(self._folder)
         self._basis = FilePath(self.chunks.basis(self._folder)).read_bytes()
+        # Tasks of one key give one part: with the same basis, and in the same place.
+        place = self._basis + os.fsencode(self._folder if self._shared else "")
+        self._place = hashlib.sha256(place).hexdigest()[:8]
+        if not self._shared and len(self._basis) > _SMALL:
+            key = f"ztb-{self.chunks.key}-{self._place}-basis"
+            self._basis_task = self._client.submit(given, self._basis, key=key, pure=True)
         self._start = self._world.now()
         self._count = sum(len(self.chunks.range(chunk)) for chunk in pending)
         waiting: Iterator[int] = iter(pending)
         self._left = set(pending)
         self._doubled = set()
+        self._all_out = len(pending) <= self._window
         self._completed = self._world.completed()
         for _, chunk in zip(range(self._window), waiting):
             self._hand_out(chunk)
@@ -180,11 +141,13 @@ class Run:
                     continue
                 if self._receive(next(self._completed)):
                     following = next(waiting, None)
+                    self._all_out = following is None
                     if following is not None:
                         self._hand_out(following)
         finally:
-            self._client.cancel([future for future, _, _ in self._out.values()], force=True)
+            self._client.cancel([future for future, _ in self._out.values()])
             self._out.clear()
+            self._basis_task = None
         self._tell()
         if self._refused:
             self._raise_refusal()
@@ -198,41 +161,49 @@ class Run:
         more = f" (and {others} other chunks)" if others else ""
         raise Error(f"scenarios {first} to {last}{more}: {error}", "sweep") from error
 
-    def _hand_out(self, chunk: int, careful: bool = False, again: str = "") -> None:
-        future = self._submit(chunk, careful, again)
-        self._out[future.key] = (future, chunk, self._world.now())
+    def _hand_out(
+        self, chunk: int, careful: bool = False, again: str = "", workers: Sequence[str] = ()
+    ) -> None:
+        future = self._submit(chunk, careful, again, workers)
+        self._out[future.key] = (future, chunk)
         self._completed.add(future)
 
     def _receive(self, future: Any) -> bool:
         """Whether a chunk is through with this."""
-        _, chunk, begun = self._out.pop(future.key)
+        _, chunk = self._out.pop(future.key)
         if chunk not in self._left:
             return False
         if future.status != "finished":
             return self._again(chunk, future)
-        part, failed = future.result()
+        part, failed, seconds = future.result()
         self._take(chunk, part)
         self._left.discard(chunk)
-        self._took.append(self._world.now() - begun)
+        self._took.append(seconds)
+        if chunk in self._doubled:
+            self._client.cancel([other for other, of in self._out.values() if of == chunk])
         self._done += len(self.chunks.range(chunk))
         self._failures += failed
         self._tell()
         return True
 
-    def _submit(self, chunk: int, careful: bool, again: str) -> Any:
+    def _submit(self, chunk: int, careful: bool, again: str, workers: Sequence[str]) -> Any:
         """A task of the key that stands for the chunk, so that a task that is there is found."""
         kind = again or ("careful" if careful else "chunk")
         tries = self._tries.get(chunk, 0)
+        # What is handed out again waits for nothing that a worker has to give.
+        basis = self._basis if again or tries or self._basis_task is None else self._basis_task
         return self._client.submit(
             solve_chunk,
             self._options,
             self.chunks.key,
             chunk,
             self._folder if self._shared else None,
-            self._basis,
+            b"" if self._shared else basis,
             self._program if careful else "",
-            key=f"ztb-{self.chunks.key}-{chunk}-{kind}{tries if tries else ''}",
+            key=f"ztb-{self.chunks.key}-{self._place}-{chunk}-{kind}{tries if tries else ''}",
             pure=True,
+            workers=list(workers) or None,
+            allow_other_workers=bool(workers),
         )
 
     def _take(self, chunk: int, part: bytes) -> None:
@@ -250,7 +221,10 @@ class Run:
         """A worker died under the chunk, again and again, or refused it; whether it is given up."""
         from distributed.scheduler import KilledWorker
 
-        error = future.exception()
+        if future.status == "cancelled":
+            error: Exception = Error("the scheduler has dropped it", "sweep")
+        else:
+            error = future.exception()
         self._lost += 1
         self._tries[chunk] = self._tries.get(chunk, 0) + 1
         if self._tries[chunk] <= TRIES:
@@ -265,17 +239,27 @@ class Run:
         return True
 
     def _double(self) -> None:
-        """Hands chunks of the end out twice that take far longer than the others did."""
-        workers = len(self._client.scheduler_info()["workers"])
-        if not self._took or len(self._out) >= 2 * max(1, workers):
-            return
-        usual = statistics.median(self._took[-_LOOKED_AT:])
+        """When nothing is left to be handed out and some workers are idle, hands the chunks out twice
+        of those that have finished none for far longer than one takes."""
         now = self._world.now()
-        for _, chunk, begun in list(self._out.values()):
+        if not self._all_out or not self._took or now - self._looked < _BEAT:
+            return
+        self._looked = now
+        processing = {worker: set(keys) for worker, keys in self._client.processing().items()}
+        before, self._seen = self._seen, {}
+        for worker, keys in processing.items():
+            known = before.get(worker)
+            self._seen[worker] = known if known is not None and known[0] == keys else (keys, now)
+        if all(processing.values()):
+            return
+        patience = max(_LEAST, STRAGGLES * statistics.median(self._took[-_LOOKED_AT:]))
+        slow = [w for w, (keys, since) in self._seen.items() if keys and now - since > patience]
+        quick = [worker for worker in processing if worker not in slow]
+        for key in sorted(key for worker in slow for key in processing[worker]):
+            chunk = self._out[key][1] if key in self._out else -1
             if chunk in self._left and chunk not in self._doubled:
-                if now - begun > max(_LEAST, STRAGGLES * usual):
-                    self._doubled.add(chunk)
-                    self._hand_out(chunk, again="twice")
+                self._doubled.add(chunk)
+                self._hand_out(chunk, again="twice", workers=quick)
 
     def _tell(self, after: float = 0.0) -> None:
         """Tells progress, unless that was done within so many seconds."""
@@ -309,26 +293,60 @@ def sweep(
     """Solves a sweep with the workers of a client, and makes ``out``; what was told of it. ``parts``
     is a folder that all workers see; without it parts come back as bytes."""
     folder = parts if parts is not None else out + ".parts"
-    os.makedirs(folder, exist_ok=True)
     chunks = Chunks(options)
     run = Run(client, chunks, options, folder, program, parts is not None, progress)
     try:
-        result = None
-        if resume and os.path.exists(out):
-            result = out
-        elif not resume:
+        chunks.lock(out)
+        result = _kept(chunks, folder, out, parts is None) if resume else None
+        if not resume:
             chunks.remove(folder, parts is None)
-            os.makedirs(folder, exist_ok=True)
+        pending = [chunk for chunk in range(len(chunks)) if any(chunks.state(chunk))]
+        if pending:
+            chunks.save(folder)
+        try:
+            run.solve(pending)
+        except Error:
+            _require_same_inputs(chunks, folder, out, parts is None)
+            raise
+        _require_same_inputs(chunks, folder, out, parts is None)
         chunks.find(folder, result)
-        run.solve([chunk for chunk in range(len(chunks)) if any(chunks.state(chunk))])
-        chunks.find(folder, result)
-        chunks.collect(out)
-        notes = chunks.unsolved()
+        if result is None or os.path.exists(folder):
+            chunks.collect(out)
+        notes = chunks.notes()
         if parts is None:
             chunks.remove(folder, True)
         return notes
     finally:
         chunks.close()
+
+
+def _require_same_inputs(chunks: Chunks, folder: str, out: str, is_own: bool) -> None:
+    difference = chunks.difference()
+    if not difference:
+        return
+    if is_own:
+        chunks.remove(folder)
+    raise Error(
+        f"{out}: {difference} stood in its place while the sweep ran; what this run solved is dropped",
+        "sweep",
+    )
+
+
+def _kept(chunks: Chunks, folder: str, out: str, is_own: bool) -> Optional[str]:
+    """Finds what an interrupted sweep has left in the folder; the result where it is of this one."""
+    foreign = chunks.foreign_part(folder) if is_own else ""
+    if foreign:
+        raise Error(foreign, "sweep")
+    if os.path.exists(out):
+        try:
+            chunks.find(folder, out)
+            return out
+        except Error:
+            # What the interrupted sweep was to replace, when that has left parts.
+            if not os.path.exists(folder):
+                raise
+    chunks.find(folder)
+    return None
 
 
 class _Answers:
@@ -388,5 +406,4 @@ def main() -> int:
 
 
 if __name__ == "__main__":
-    # Tasks are found by the workers under the name of the package.
-    sys.exit(importlib.import_module("ztb.cluster").main())
+    sys.exit(main())

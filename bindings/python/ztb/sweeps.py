@@ -4,7 +4,6 @@ from __future__ import annotations
 
 import json
 import os
-import re
 import shutil
 import signal
 import subprocess
@@ -24,6 +23,7 @@ from typing import (
 )
 
 from . import arguments, fills, progress as progresses, viewer
+from .chunks import DAMAGED
 from .database import Database
 from .driven import stated_positions, with_positions
 from .errors import DamagedFileError, Error, MissingFileError
@@ -34,10 +34,6 @@ if TYPE_CHECKING:
 
 #: Scenarios: an RXF file, a database, or data by the names of what they drive.
 Scenarios = Union[Path, Database, Mapping[str, Any]]
-
-
-#: How the command tells of a file that is no whole one.
-_DAMAGED = re.compile(r"(^|: )File is (damaged|cut short): ")
 
 
 class SweepResult:
@@ -166,7 +162,8 @@ def sweep(
 
     With ``client``, a client of Dask, its workers solve the chunks in the place of processes of this
     machine; each needs the package, and the files of the sweep under the same names. Their results
-    come back over the network, or stand in the folder ``parts`` that all of them see.
+    come back over the network, or stand in the folder ``parts`` that all of them see. A process of
+    a worker solves one chunk at a time, however many threads it has.
 
     ``progress=True`` shows how the sweep gets on, in a notebook or at a terminal. Something else is
     called now and then with a dict of ``done`` and ``count`` of scenarios, ``rate`` a second,
@@ -398,5 +395,5 @@ def _run(command: List[str], tell: Optional[Callable[[progresses.State], None]])
         has_summary = output.seek(0, os.SEEK_END) > 0
     if process.returncode == 0 or (process.returncode == 1 and has_summary):
         return lines
-    kind = DamagedFileError if any(_DAMAGED.search(line) for line in lines) else Error
+    kind = DamagedFileError if any(DAMAGED.search(line) for line in lines) else Error
     raise kind("\n".join(lines) or f"ztb ended with {process.returncode}", "sweep")

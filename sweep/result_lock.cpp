@@ -1,4 +1,4 @@
-#include "tools/sweep/sweep_lock.h"
+#include "sweep/result_lock.h"
 
 #include <fcntl.h>
 #include <fmt/format.h>
@@ -17,7 +17,10 @@
 
 #include "tools/text/failure.h"
 
-namespace tool {
+namespace sweep {
+
+using tool::Failure;
+using tool::withFile;
 
 namespace {
 
@@ -47,7 +50,7 @@ fs::path lockOf(const std::string& out) {
 
 }  // namespace
 
-SweepLock::SweepLock(const std::string& out) : out_(out), path_(lockOf(out)) {
+ResultLock::ResultLock(const std::string& out) : out_(out), path_(lockOf(out)) {
   for (int tried = 0; tried < kTries; ++tried) {
     if (tried > 0) {
       std::this_thread::sleep_for(kBetweenTries);
@@ -66,13 +69,13 @@ SweepLock::SweepLock(const std::string& out) : out_(out), path_(lockOf(out)) {
   }
 }
 
-SweepLock::~SweepLock() {
+ResultLock::~ResultLock() {
   // The file goes while it is still locked, so that whoever waits for it finds it gone.
   ::unlink(path_.c_str());
   ::close(descriptor_);
 }
 
-void SweepLock::open() {
+void ResultLock::open() {
   descriptor_ = ::open(path_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0644);
   if (descriptor_ < 0) {
     const fs::path folder = fs::path(out_).parent_path();
@@ -86,7 +89,7 @@ void SweepLock::open() {
   }
 }
 
-bool SweepLock::tryToTake() {
+bool ResultLock::tryToTake() {
   if (::flock(descriptor_, LOCK_EX | LOCK_NB) == 0) {
     return isStillThere();
   }
@@ -99,14 +102,14 @@ bool SweepLock::tryToTake() {
 }
 
 // The sweep that held the lock may have removed the file since it was opened here.
-bool SweepLock::isStillThere() const {
+bool ResultLock::isStillThere() const {
   struct stat opened {};
   struct stat named {};
   return ::fstat(descriptor_, &opened) == 0 && ::stat(path_.c_str(), &named) == 0 &&
          opened.st_ino == named.st_ino && opened.st_dev == named.st_dev;
 }
 
-std::string SweepLock::holder() const {
+std::string ResultLock::holder() const {
   std::array<char, 32> text{};
   const ssize_t length = ::pread(descriptor_, text.data(), text.size(), 0);
   int process = 0;
@@ -118,11 +121,11 @@ std::string SweepLock::holder() const {
 
 // A lock that does not say who holds it is as good, so no result is looked at but to satisfy the
 // compiler.
-void SweepLock::tellHolder() const {
+void ResultLock::tellHolder() const {
   const std::string text = fmt::format("{}\n", getpid());
   if (::ftruncate(descriptor_, 0) != 0 || ::pwrite(descriptor_, text.data(), text.size(), 0) < 0) {
     return;
   }
 }
 
-}  // namespace tool
+}  // namespace sweep

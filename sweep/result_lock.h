@@ -4,23 +4,23 @@
 // worker processes lives and removed when the sweep ends. One that a killed sweep left behind is
 // locked by nobody and in nobody's way. Two names of one result file (a link and its target) have
 // one lock.
-#ifndef ZTB_TOOLS_SWEEP_SWEEP_LOCK_H_
-#define ZTB_TOOLS_SWEEP_SWEEP_LOCK_H_
+#ifndef ZTB_SWEEP_RESULT_LOCK_H_
+#define ZTB_SWEEP_RESULT_LOCK_H_
 
 #include <filesystem>
 #include <string>
 
-namespace tool {
+namespace sweep {
 
-class SweepLock {
+class ResultLock {
  public:
   // Takes the lock of this result file. The workers of a sweep that was just killed may live for an
   // instant longer, so a lock that is held is waited for, but only for two seconds. Throws Failure
   // that names the process that holds it, or what keeps the lock from being made.
-  explicit SweepLock(const std::string& out);
-  SweepLock(const SweepLock&) = delete;
-  SweepLock& operator=(const SweepLock&) = delete;
-  ~SweepLock();
+  explicit ResultLock(const std::string& out);
+  ResultLock(const ResultLock&) = delete;
+  ResultLock& operator=(const ResultLock&) = delete;
+  ~ResultLock();
 
  private:
   void open();
@@ -34,6 +34,6 @@ class SweepLock {
   int descriptor_ = -1;
 };
 
-}  // namespace tool
+}  // namespace sweep
 
-#endif  // ZTB_TOOLS_SWEEP_SWEEP_LOCK_H_
+#endif  // ZTB_SWEEP_RESULT_LOCK_H_
