@@ -23,6 +23,7 @@ set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
 if(WIN32)
   set(CMAKE_SHARED_LIBRARY_PREFIX "")
   set(CMAKE_SHARED_MODULE_PREFIX "")
+  set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_RUNTIME_OUTPUT_DIRECTORY})
 endif()
 
 # The libraries find each other, and the tool finds them, by relative run paths only, so that an

@@ -24,6 +24,7 @@ set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 set(ENV{PKG_CONFIG_LIBDIR} ${ZTB_WINDOWS_LIBRARIES}/lib/pkgconfig)
 set(ENV{PKG_CONFIG_SYSROOT_DIR} "")
 
+set(ZLIB_USE_STATIC_LIBS ON)
 set(static "-static -static-libgcc -static-libstdc++")
 set(CMAKE_EXE_LINKER_FLAGS_INIT ${static})
 set(CMAKE_SHARED_LINKER_FLAGS_INIT ${static})

@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "providers/model/model_error.h"
+#include "providers/model/platform.h"
 #include "providers/model/text_target.h"
 
 namespace lomu {
@@ -55,7 +56,7 @@ void writeBasis(const Basis& basis, const std::string& file) {
 }
 
 Basis readBasis(const std::string& file) {
-  std::ifstream stream(file);
+  std::ifstream stream(platform::pathOf(file));
   if (!stream) throw ModelError(file + ": cannot be opened");
   std::string line;
   std::getline(stream, line);

@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <array>
+#include <filesystem>
 #include <fstream>
 #include <ztb/case_folding.hpp>
 
 #include "providers/model/model_error.h"
+#include "providers/model/platform.h"
 #include "providers/model/solver_library.h"
 
 namespace lomu {
@@ -43,7 +45,7 @@ class RowReader {
     row.name = words[0];
     row.kinds = kindsOf(words[1]);
     row.inPlace = inPlaceOf(words[2]);
-    row.library = words[3].find('/') == std::string::npos ? directory_ + words[3] : words[3];
+    row.library = platform::pathOf(words[3]).has_parent_path() ? words[3] : directory_ + words[3];
     return row;
   }
 
@@ -89,7 +91,7 @@ std::string_view kindOf(ModelType type) {
 }
 
 Catalogue Catalogue::read(const std::string& file, const std::string& directory) {
-  std::ifstream stream(file, std::ios::binary);
+  std::ifstream stream(platform::pathOf(file), std::ios::binary);
   std::string text;
   std::array<char, kMaxRowLength> part{};
   while (stream.read(part.data(), part.size()), stream.gcount() > 0) {

@@ -1,28 +1,15 @@
 #include "providers/model/environment.h"
 
-#include <dlfcn.h>
-
 #include <cstdio>
 #include <new>
 #include <ztb/display_text.hpp>
 
+#include "providers/model/platform.h"
+
 namespace lomu {
 
-namespace {
-
-std::string libraryDirectory() {
-  static const char kHere = 0;
-  Dl_info info{};
-  if (dladdr(&kHere, &info) == 0 || info.dli_fname == nullptr) return "./";
-  const std::string path = info.dli_fname;
-  const std::size_t slash = path.rfind('/');
-  return slash == std::string::npos ? "./" : path.substr(0, slash + 1);
-}
-
-}  // namespace
-
 Environment::Environment() {
-  options_.set("NameSysDir", libraryDirectory());
+  options_.set("NameSysDir", platform::ownFolder());
 }
 
 void Environment::log(std::string_view text) const noexcept {
@@ -41,7 +28,7 @@ void Environment::log(std::string_view text) const noexcept {
   }
   const std::string& file = options_.text(OptionId::logFile);
   if (file.empty()) return;
-  std::FILE* stream = std::fopen(file.c_str(), "a");
+  std::FILE* stream = platform::openFile(file, "a");
   if (stream == nullptr) return;
   std::fprintf(stream, "%.*s\n", static_cast<int>(text.size()), text.data());
   std::fclose(stream);

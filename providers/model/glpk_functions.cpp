@@ -1,18 +1,14 @@
 #include "providers/model/glpk_functions.h"
 
-#include <dlfcn.h>
-
 #include "providers/model/model_error.h"
+#include "providers/model/platform.h"
 
 namespace lomu {
 
 namespace {
 
-// The interface of the glpk.h that this is compiled against.
-constexpr const char* kLibrary = "libglpk.so.40";
-
 void* find(void* library, const std::string& path, const char* name) {
-  void* const found = dlsym(library, name);
+  void* const found = platform::findSymbol(library, name);
   if (found == nullptr)
     throw ModelError(path + " is no GLPK: it has no " + name, ZTB_ERROR_NO_LIBRARY);
   return found;
@@ -21,13 +17,11 @@ void* find(void* library, const std::string& path, const char* name) {
 }  // namespace
 
 GlpkFunctions GlpkFunctions::open(const std::string& path) {
-  void* const library = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+  void* const library = platform::openLibrary(path);
   if (library == nullptr) {
-    throw ModelError(
-        "MathProg files are read by GLPK (package libglpk40), which cannot be "
-        "opened: " +
-            std::string(dlerror()),
-        ZTB_ERROR_NO_LIBRARY);
+    throw ModelError("MathProg files are read by GLPK (" + platform::glpkPlace() +
+                         "), which cannot be opened: " + platform::openErrorText(path),
+                     ZTB_ERROR_NO_LIBRARY);
   }
   GlpkFunctions functions{};
 #define ZTB_GLPK_FIND(name) \
@@ -38,7 +32,7 @@ GlpkFunctions GlpkFunctions::open(const std::string& path) {
 }
 
 const GlpkFunctions& glpk() {
-  static const GlpkFunctions functions = GlpkFunctions::open(kLibrary);
+  static const GlpkFunctions functions = GlpkFunctions::open(platform::glpkLibrary());
   return functions;
 }
 

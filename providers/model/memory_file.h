@@ -16,10 +16,12 @@ class MemoryFile {
   MemoryFile& operator=(const MemoryFile&) = delete;
 
   // What opens it, within this process.
-  [[nodiscard]] std::string path() const;
+  [[nodiscard]] const std::string& path() const { return path_; }
 
  private:
-  int descriptor_;
+  // -1 where the system has files in memory only by a name.
+  int descriptor_ = -1;
+  std::string path_;
 };
 
 }  // namespace lomu

@@ -1,10 +1,8 @@
 #include "providers/model/solver_library.h"
 
-#include <dlfcn.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <array>
+#include <filesystem>
 #include <limits>
 #include <map>
 #include <mutex>
@@ -14,6 +12,7 @@
 #include <vector>
 
 #include "providers/model/model_error.h"
+#include "providers/model/platform.h"
 
 namespace lomu {
 
@@ -21,10 +20,10 @@ namespace {
 
 // The table of a library, of whatever version.
 const ztbSolverFunctions& opened(const std::string& path) {
-  void* library = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+  void* library = platform::openLibrary(path);
   if (library == nullptr)
-    throw ModelError(std::string("the solver cannot be opened: ") + dlerror());
-  void* found = dlsym(library, "ztbSolverLibrary");
+    throw ModelError("the solver cannot be opened: " + platform::openErrorText(path));
+  void* found = platform::findSymbol(library, "ztbSolverLibrary");
   if (found == nullptr) {
     throw ModelError(path + " is no solver library: it has no ztbSolverLibrary");
   }
@@ -143,7 +142,9 @@ std::string packageOf(const std::string& path) {
       std::ranges::find(kPackages, std::string_view(path).substr(path.rfind('/') + 1),
                         &std::pair<std::string_view, std::string_view>::first);
   if (found == kPackages.end()) return "";
-  const std::string package(access(path.c_str(), F_OK) == 0 ? found->second : "ztb-solvers");
+  std::error_code ignored;
+  const std::string package(
+      std::filesystem::exists(platform::pathOf(path), ignored) ? found->second : "ztb-solvers");
   return " (package " + package + ")";
 }
 

@@ -14,6 +14,7 @@
 #include <ztb/case_folding.hpp>
 
 #include "providers/model/model_error.h"
+#include "providers/model/platform.h"
 
 namespace lomu {
 
@@ -30,7 +31,8 @@ constexpr std::size_t kMaxText = std::numeric_limits<int>::max();
 
 std::uintmax_t checkedSize(const std::string& file) {
   std::error_code error;
-  const auto status = std::filesystem::status(file, error);
+  const std::filesystem::path path = platform::pathOf(file);
+  const auto status = std::filesystem::status(path, error);
   if (error) failReading(file, error);
   if (std::filesystem::is_directory(status)) {
     throw ModelError(file + ": this is a folder, expected a file", ZTB_ERROR_IO);
@@ -38,17 +40,20 @@ std::uintmax_t checkedSize(const std::string& file) {
   if (!std::filesystem::is_regular_file(status)) {
     throw ModelError(file + ": this is no ordinary file, expected one", ZTB_ERROR_IO);
   }
-  const std::uintmax_t size = std::filesystem::file_size(file, error);
+  const std::uintmax_t size = std::filesystem::file_size(path, error);
   if (error) failReading(file, error);
   return size;
 }
 
 gzFile openChecked(const std::string& file, std::size_t& size) {
   size = static_cast<std::size_t>(checkedSize(file));
-  errno = 0;
-  gzFile stream = gzopen(file.c_str(), "rb");
-  if (stream == nullptr && errno == 0) throw std::bad_alloc();
-  if (stream == nullptr) failReading(file, {errno, std::generic_category()});
+  const int descriptor = platform::openDescriptor(file);
+  if (descriptor < 0) failReading(file, {errno, std::generic_category()});
+  gzFile stream = gzdopen(descriptor, "rb");
+  if (stream == nullptr) {
+    platform::closeDescriptor(descriptor);
+    throw std::bad_alloc();
+  }
   if (size == 0) {
     gzclose(stream);
     throw ModelError(file + ":1:1: the file is empty, expected text", ZTB_ERROR_DAMAGED_FILE);

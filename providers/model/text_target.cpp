@@ -1,8 +1,5 @@
 #include "providers/model/text_target.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <array>
 #include <cerrno>
 #include <charconv>
@@ -10,20 +7,21 @@
 #include <utility>
 
 #include "providers/model/model_error.h"
+#include "providers/model/platform.h"
 
 namespace lomu {
 
 TextTarget::TextTarget(std::string file)
     : file_(std::move(file)),
-      temporary_(file_ + "." + std::to_string(getpid()) + ".tmp"),
-      stream_(std::fopen(temporary_.c_str(), "wbx")) {
+      temporary_(file_ + "." + std::to_string(platform::processNumber()) + ".tmp"),
+      stream_(platform::openFile(temporary_, "wbx")) {
   if (stream_ == nullptr) fail(errno);
 }
 
 TextTarget::~TextTarget() {
   if (stream_ == nullptr) return;
   std::fclose(stream_);
-  unlink(temporary_.c_str());
+  platform::removeFile(temporary_);
 }
 
 TextTarget& TextTarget::operator<<(std::string_view text) {
@@ -38,9 +36,14 @@ TextTarget& TextTarget::operator<<(double number) {
 }
 
 void TextTarget::publish() {
-  if (std::fflush(stream_) != 0 || fsync(fileno(stream_)) != 0) fail(errno);
-  if (std::rename(temporary_.c_str(), file_.c_str()) != 0) fail(errno);
-  std::fclose(std::exchange(stream_, nullptr));
+  if (std::fflush(stream_) != 0) fail(errno);
+  if (const int error = platform::syncFile(stream_)) fail(error);
+  // Not every system renames a file that is open.
+  const int closed = std::fclose(std::exchange(stream_, nullptr)) == 0 ? 0 : errno;
+  const int error = closed != 0 ? closed : platform::replaceFile(temporary_, file_);
+  if (error == 0) return;
+  platform::removeFile(temporary_);
+  fail(error);
 }
 
 void TextTarget::fail(int error) const {

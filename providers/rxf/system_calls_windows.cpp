@@ -9,10 +9,14 @@
 #include <memory>
 #include <string>
 
-#include "providers/rxf/held_file_windows.h"
 #include "providers/rxf/system_calls.h"
+#include "providers/windows/held_file.h"
+#include "providers/windows/wide_text.h"
 
 namespace rxffile {
+
+using ztbwindows::tryWhileHeld;
+using ztbwindows::wideText;
 
 namespace {
 
@@ -78,16 +82,6 @@ int failed() {
 
 int succeeded(BOOL done) {
   return done != 0 ? 0 : failed();
-}
-
-// Empty, which opens nothing, for what is no UTF-8.
-std::wstring wide(const char* path) {
-  const int length = MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, path, -1, nullptr, 0);
-  if (length <= 1) return {};
-  std::wstring text(static_cast<std::size_t>(length), L'\0');
-  MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, path, -1, text.data(), length);
-  text.pop_back();
-  return text;
 }
 
 // Windows takes a name that is too long for one that is not there.
@@ -166,7 +160,7 @@ bool waitingWhileHeld(Action action) {
 }  // namespace
 
 int SystemCalls::open(const char* path, int flags, mode_t /*mode*/) {
-  const std::wstring name = wide(path);
+  const std::wstring name = wideText(path);
   // Folders are not brought to the disk by themselves here.
   if ((flags & O_DIRECTORY) != 0) {
     errno = EACCES;
@@ -199,7 +193,7 @@ int SystemCalls::fstat(int fd, FileStatus* status) {
 }
 
 int SystemCalls::stat(const char* path, FileStatus* status) {
-  const std::wstring name = wide(path);
+  const std::wstring name = wideText(path);
   if (hasTooLongName(name)) {
     errno = ENAMETOOLONG;
     return -1;
@@ -250,7 +244,7 @@ int SystemCalls::fchmod(int /*fd*/, mode_t /*mode*/) {
 }
 
 int SystemCalls::access(const char* path, int mode) {
-  const DWORD attributes = GetFileAttributesW(wide(path).c_str());
+  const DWORD attributes = GetFileAttributesW(wideText(path).c_str());
   if (attributes == INVALID_FILE_ATTRIBUTES) return failed();
   if ((mode & W_OK) == 0 || (attributes & FILE_ATTRIBUTE_READONLY) == 0) return 0;
   errno = EACCES;
@@ -264,8 +258,8 @@ ssize_t SystemCalls::readlink(const char* /*path*/, char* /*target*/, std::size_
 }
 
 int SystemCalls::rename(const char* from, const char* to) {
-  const std::wstring source = wide(from);
-  const std::wstring target = wide(to);
+  const std::wstring source = wideText(from);
+  const std::wstring target = wideText(to);
   const bool done = waitingWhileHeld([&] {
     return MoveFileExW(source.c_str(), target.c_str(),
                        MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;
@@ -277,7 +271,7 @@ int SystemCalls::rename(const char* from, const char* to) {
 }
 
 int SystemCalls::unlink(const char* path) {
-  const std::wstring name = wide(path);
+  const std::wstring name = wideText(path);
   return succeeded(waitingWhileHeld([&] { return DeleteFileW(name.c_str()) != 0; }) ? 1 : 0);
 }
 

@@ -10,6 +10,7 @@
 #include <limits>
 #include <string>
 
+#include "tests/support/library_name.h"
 #include "tests/support/temp_folder.h"
 
 namespace {
@@ -353,20 +354,22 @@ TEST(CatalogueSolver, TellsWhatThereIs) {
   EXPECT_STREQ(message.data(), "no catalogue file was named");
   const ztbtest::TempFolder folder;
   const std::string file = folder.file("vltcmpNT.txt");
-  std::ofstream(file) << "gone LP yes libztbglpk.so\n";
+  std::ofstream(file) << "gone LP yes " ZTB_LIBRARY_NAME("ztbglpk") "\n";
   EXPECT_EQ(ztbCatalogueSolver(file.c_str(), nullptr, message.data(), 400), 0);
   EXPECT_STREQ(message.data(), "no solver was named");
   EXPECT_EQ(ztbCatalogueSolver(file.c_str(), "clp", message.data(), 400), 0);
   EXPECT_STREQ(message.data(), "the only solver is gone");
   EXPECT_EQ(ztbCatalogueSolver(file.c_str(), "GONE", message.data(), 400), 0);
-  EXPECT_EQ(message.data(), "the solver cannot be opened: " + folder.file("libztbglpk.so") +
-                                ": cannot open shared object file: No such file or directory "
-                                "(package ztb-solvers)");
+  EXPECT_EQ(message.data(),
+            "the solver cannot be opened: " + folder.file(ZTB_LIBRARY_NAME("ztbglpk")) +
+                ": cannot open shared object file: No such file or directory "
+                "(package ztb-solvers)");
   // One that is there, but not what it needs.
-  std::ofstream(folder.file("libztbglpk.so")) << "no library";
+  std::ofstream(folder.file(ZTB_LIBRARY_NAME("ztbglpk"))) << "no library";
   EXPECT_EQ(ztbCatalogueSolver(file.c_str(), "gone", message.data(), 400), 0);
   EXPECT_THAT(message.data(), testing::EndsWith(" (package libglpk40)"));
-  std::ofstream(file) << "clp LP yes " ZTB_LIBRARY_FOLDER "/libztbclp.so\nb LP no b.so\n";
+  std::ofstream(file) << "clp LP yes " ZTB_LIBRARY_FOLDER
+                         "/" ZTB_LIBRARY_NAME("ztbclp") "\nb LP no b.so\n";
   EXPECT_EQ(ztbCatalogueSolver(file.c_str(), "Clp", message.data(), 400), 1);
   EXPECT_STREQ(message.data(), "");
   EXPECT_EQ(ztbCatalogueSolver(file.c_str(), "x", message.data(), 400), 0);

@@ -1,4 +1,5 @@
 #include "tests/model/peer_library.h"
+#include "tests/support/library_name.h"
 
 #include <dlfcn.h>
 
@@ -53,12 +54,12 @@ std::vector<std::string> PeerLibrary::exportedNames() const {
 }
 
 const PeerLibrary& modelLibrary() {
-  static const PeerLibrary library(kFolder + "/liblomudclib64.so");
+  static const PeerLibrary library(kFolder + "/" ZTB_LIBRARY_NAME("lomudclib64"));
   return library;
 }
 
 const PeerLibrary& dictionaryLibrary() {
-  static const PeerLibrary library(kFolder + "/libnmtmdclib64.so");
+  static const PeerLibrary library(kFolder + "/" ZTB_LIBRARY_NAME("nmtmdclib64"));
   return library;
 }
 

@@ -1,8 +1,11 @@
 #include "tests/model_files/model_text.h"
 
+#include <zlib.h>
+
 #include <algorithm>
 #include <cstdio>
 #include <fstream>
+#include <iterator>
 #include <map>
 #include <numeric>
 #include <sstream>
@@ -181,6 +184,16 @@ void writeFile(const std::string& file, const std::string& text) {
   out << text;
   out.close();
   if (!out) throw std::runtime_error("cannot write " + file);
+}
+
+void packFile(const std::string& file) {
+  std::ifstream in(file, std::ios::binary);
+  const std::string text{std::istreambuf_iterator<char>(in), {}};
+  const gzFile out = gzopen((file + ".gz").c_str(), "wb");
+  const bool written =
+      out != nullptr && gzwrite(out, text.data(), static_cast<unsigned>(text.size())) ==
+                            static_cast<int>(text.size());
+  if (gzclose(out) != Z_OK || !written) throw std::runtime_error("cannot pack " + file);
 }
 
 std::string outputOf(const std::string& command) {

@@ -44,6 +44,9 @@ void writeFile(const std::string& file, const std::string& text);
 // What a command writes to its standard output.
 std::string outputOf(const std::string& command);
 
+// Packs a file, as gzip does, into one beside it with the ending .gz.
+void packFile(const std::string& file);
+
 }  // namespace modelfiles
 
 #endif  // ZTB_TESTS_MODEL_FILES_MODEL_TEXT_H_

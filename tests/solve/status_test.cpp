@@ -11,6 +11,7 @@
 
 #include "tests/solve/transport.h"
 #include "tests/support/temp_folder.h"
+#include "tests/support/library_name.h"
 
 namespace {
 
@@ -119,7 +120,7 @@ class Catalogues : public testing::Test {
 };
 
 TEST_F(Catalogues, WithoutASolverForTheKindOfModelIsTold) {
-  write("clp LP yes " ZTB_LIBRARY_FOLDER "/libztbclp.so\n");
+  write("clp LP yes " ZTB_LIBRARY_FOLDER "/" ZTB_LIBRARY_NAME("ztbclp") "\n");
   ztb::Model model;
   model.setOption("NameSysDir", folder_.file(""));
   model.addProduct(0, model.addColumn("x", 0, 9, ztbColumnInteger), 0, 1);
@@ -137,13 +138,13 @@ TEST_F(Catalogues, WithoutASolverForTheKindOfModelIsTold) {
 
 TEST_F(Catalogues, ASolverWithoutItsLibraryOnlyDropsItsRow) {
   const std::string libraries = ZTB_LIBRARY_FOLDER;
-  write("gone LP yes libgone.so\nnosolver LP no " + libraries + "/libztbcclib64.so\nclp LP yes " +
-        libraries + "/libztbclp.so\n");
+  write("gone LP yes libgone.so\nnosolver LP no " + libraries + "/" ZTB_LIBRARY_NAME("ztbcclib64") "\nclp LP yes " +
+        libraries + "/" ZTB_LIBRARY_NAME("ztbclp") "\n");
   EXPECT_THAT(failure(model_, "gone"),
               AllOf(StartsWith("Invalid solver name: gone: the solver cannot be opened: "),
                     HasSubstr("libgone.so: cannot open shared object file")));
   EXPECT_THAT(failure(model_, "nosolver"),
-              EndsWith("libztbcclib64.so is no solver library: it has no "
+              EndsWith(ZTB_LIBRARY_NAME("ztbcclib64") " is no solver library: it has no "
                        "ztbSolverLibrary"));
   EXPECT_EQ(failure(model_, "CLP"), "");
   EXPECT_EQ(model_.status(), ztbModelOptimal);
@@ -152,10 +153,10 @@ TEST_F(Catalogues, ASolverWithoutItsLibraryOnlyDropsItsRow) {
 TEST_F(Catalogues, ALibraryOfAnotherVersionIsRefusedWithBothNamed) {
   const std::string libraries = ZTB_PLAIN_SOLVERS;
   for (const char* inPlace : {"yes", "no"}) {
-    write("older LP " + std::string(inPlace) + " " + libraries + "/libplain_older.so\n");
+    write("older LP " + std::string(inPlace) + " " + libraries + "/" ZTB_LIBRARY_NAME("plain_older") "\n");
     EXPECT_EQ(failure(model_, "older"),
               "solver older did not solve the model: " + libraries +
-                  "/libplain_older.so has version 4 of the interface to solvers, expected "
+                  "/" ZTB_LIBRARY_NAME("plain_older") " has version 4 of the interface to solvers, expected "
                   "version " +
                   std::to_string(ztbSolverVersion));
   }

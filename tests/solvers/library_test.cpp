@@ -8,6 +8,7 @@
 #include "providers/model/model_error.h"
 #include "providers/model/solver_library.h"
 #include "tests/solvers/small_model.h"
+#include "tests/support/library_name.h"
 
 namespace ztbtest {
 namespace {
@@ -27,7 +28,7 @@ std::string refusal(const std::string& path) {
 }
 
 std::string plainPath(const std::string& kind) {
-  return std::string(ZTB_PLAIN_SOLVERS) + "/lib" + kind + ".so";
+  return std::string(ZTB_PLAIN_SOLVERS) + "/" + libraryName(kind);
 }
 
 // The least of x - y over a box.

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "providers/model/solver_library.h"
+#include "tests/support/library_name.h"
 
 namespace ztbtest {
 
@@ -77,7 +78,7 @@ double SmallModel::activity(std::size_t rowNumber, const std::vector<double>& at
 }
 
 std::unique_ptr<lomu::Solver> openSolver(const std::string& name) {
-  return lomu::SolverLibrary::makeSolver(std::string(ZTB_SOLVER_FOLDER) + "/libztb" + name + ".so");
+  return lomu::SolverLibrary::makeSolver(std::string(ZTB_SOLVER_FOLDER) + "/" + libraryName("ztb" + name));
 }
 
 lomu::SolverResult resultFor(const SmallModel& model) {

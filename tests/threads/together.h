@@ -4,8 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <condition_variable>
 #include <exception>
-#include <latch>
+#include <mutex>
 #include <thread>
 #include <vector>
 
@@ -15,11 +16,18 @@ namespace threadtest {
 // is a failure of the test.
 template <class Work>
 void together(int count, const Work& work) {
-  std::latch start(count);
+  // No std::latch: that of the compiler for Windows loses wakings.
+  std::mutex mutex;
+  std::condition_variable allAreHere;
+  int missing = count;
   std::vector<std::thread> threads;
   for (int number = 0; number < count; ++number) {
     threads.emplace_back([&, number] {
-      start.arrive_and_wait();
+      {
+        std::unique_lock lock(mutex);
+        if (--missing == 0) allAreHere.notify_all();
+        allAreHere.wait(lock, [&] { return missing == 0; });
+      }
       try {
         work(number);
       } catch (const std::exception& error) {

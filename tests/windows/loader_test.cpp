@@ -11,6 +11,7 @@
 #include <fstream>
 #include <set>
 #include <string>
+#include <utility>
 
 #include "tests/support/database.h"
 #include "tests/support/temp_folder.h"
@@ -90,9 +91,19 @@ TEST(WindowsLibraries, exportTheNamesOfTheirListsAndNothingElse) {
   const std::set<std::string> core = exportsOf(lib().handle);
   EXPECT_TRUE(core.contains("c__ztbaddrecord"));
   EXPECT_EQ(listed(ZTB_SOURCE_FOLDER "/core/exports/ztbcclib64.def"), core);
-  void* const rxf = LoadLibraryA(RXF_LIBRARY);
-  ASSERT_NE(nullptr, rxf);
-  EXPECT_EQ(listed(ZTB_SOURCE_FOLDER "/providers/rxf/rxf.def"), exportsOf(rxf));
+  const std::string folder = std::filesystem::path(RXF_LIBRARY).parent_path().string() + "\\";
+  const std::pair<const char*, const char*> others[] = {
+      {"rxfcclib64.dll", "rxf/rxf.def"},          {"lomudclib64.dll", "model/lomu.def"},
+      {"nmtmdclib64.dll", "model/nmt.def"},       {"ztbclp.dll", "model/solvers/solver.def"},
+      {"ztbcbc.dll", "model/solvers/solver.def"}, {"ztbglpk.dll", "model/solvers/solver.def"},
+  };
+  for (const auto& [file, list] : others) {
+    void* const library =
+        LoadLibraryExA((folder + file).c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
+    ASSERT_NE(nullptr, library) << file;
+    EXPECT_EQ(listed(std::string(ZTB_SOURCE_FOLDER "/providers/") + list), exportsOf(library))
+        << file;
+  }
 }
 
 }  // namespace

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "providers/rxf/held_file_windows.h"
 #include "providers/rxf/system_calls.h"
+#include "providers/windows/held_file.h"
 #include "tests/rxf/content.h"
 #include "tests/rxf/peer_file.h"
 #include "tests/rxf/temp_folder.h"
@@ -85,7 +85,7 @@ TEST(PublishOnWindows, whatIsHeldForAMomentIsTriedAgainUntilItIsFree) {
   writeFile(folder.file("to"), "old");
   Held held(folder.file("to"), kSharedWithoutRemoval);
   int pauses = 0;
-  const bool done = rxffile::tryWhileHeld(
+  const bool done = ztbwindows::tryWhileHeld(
       [&] {
         return MoveFileExA(folder.file("from").c_str(), folder.file("to").c_str(),
                            MOVEFILE_REPLACE_EXISTING) != 0;
@@ -103,7 +103,7 @@ TEST(PublishOnWindows, whatStaysHeldIsGivenUpAfterABoundedNumberOfTries) {
   writeFile(folder.file("x"), "old");
   const Held held(folder.file("x"), kSharedWithoutRemoval);
   int pauses = 0;
-  const bool done = rxffile::tryWhileHeld(
+  const bool done = ztbwindows::tryWhileHeld(
       [&] { return DeleteFileA(folder.file("x").c_str()) != 0; }, [&](DWORD) { ++pauses; });
   EXPECT_FALSE(done);
   EXPECT_EQ(24, pauses);
@@ -113,8 +113,8 @@ TEST(PublishOnWindows, whatStaysHeldIsGivenUpAfterABoundedNumberOfTries) {
 TEST(PublishOnWindows, whatIsNotThereIsNotTriedAgain) {
   const TempFolder folder;
   int pauses = 0;
-  EXPECT_FALSE(rxffile::tryWhileHeld([&] { return DeleteFileA(folder.file("x").c_str()) != 0; },
-                                     [&](DWORD) { ++pauses; }));
+  EXPECT_FALSE(ztbwindows::tryWhileHeld([&] { return DeleteFileA(folder.file("x").c_str()) != 0; },
+                                        [&](DWORD) { ++pauses; }));
   EXPECT_EQ(0, pauses);
 }
 

@@ -8,6 +8,7 @@
 #include <ztb/rxf.hpp>
 #include <ztb/ztb.hpp>
 
+#include "tests/support/library_name.h"
 #include "tests/support/temp_folder.h"
 
 namespace {
@@ -18,7 +19,7 @@ TEST(OtherCopyDeathTest, RefusesALimitThatWouldNotHoldAndOpensWithoutOne) {
   const ztbtest::TempFolder folder;
   const std::string path = folder.file("a.rxf");
   ztb::RxfOutput(path).publish();
-  std::filesystem::copy(RXF_LIBRARY, folder.file("librxfcclib64.so"));
+  std::filesystem::copy(RXF_LIBRARY, folder.file(ZTB_LIBRARY_NAME("rxfcclib64")));
   EXPECT_EXIT(
       {
         try {

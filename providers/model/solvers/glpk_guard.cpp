@@ -1,12 +1,13 @@
 #include "providers/model/solvers/glpk_guard.h"
 
 #include <glpk.h>
-#include <unistd.h>
 
 #include <array>
 #include <atomic>
 #include <csetjmp>
 #include <cstring>
+
+#include "providers/model/solvers/first_thread.h"
 
 namespace lomu {
 
@@ -27,7 +28,7 @@ thread_local std::uint64_t threadNumber = 0;
 struct ThreadEnd {
   ~ThreadEnd() {
     threadNumber = 0;
-    if (::gettid() != ::getpid()) glp_free_env();
+    if (!isFirstThread()) glp_free_env();
   }
 };
 thread_local ThreadEnd threadEnd;

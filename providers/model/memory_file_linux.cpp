@@ -1,10 +1,10 @@
-#include "providers/model/memory_file.h"
-
 #include <sys/mman.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <system_error>
+
+#include "providers/model/memory_file.h"
 
 namespace lomu {
 
@@ -19,14 +19,11 @@ MemoryFile::MemoryFile(std::string_view text) : descriptor_(memfd_create("model"
     }
     text.remove_prefix(static_cast<std::size_t>(count));
   }
+  path_ = "/proc/self/fd/" + std::to_string(descriptor_);
 }
 
 MemoryFile::~MemoryFile() {
   close(descriptor_);
-}
-
-std::string MemoryFile::path() const {
-  return "/proc/self/fd/" + std::to_string(descriptor_);
 }
 
 }  // namespace lomu

@@ -1,13 +1,13 @@
 // What to do about files that somebody has open for a moment, as virus scanners and indexers have
 // new ones: try again, a bounded number of times.
-#ifndef ZTB_PROVIDERS_RXF_HELD_FILE_WINDOWS_H_
-#define ZTB_PROVIDERS_RXF_HELD_FILE_WINDOWS_H_
+#ifndef ZTB_PROVIDERS_WINDOWS_HELD_FILE_H_
+#define ZTB_PROVIDERS_WINDOWS_HELD_FILE_H_
 
 #include <windows.h>
 
 #include <algorithm>
 
-namespace rxffile {
+namespace ztbwindows {
 
 // The waits between them add up to less than five seconds.
 inline constexpr int kTriesOfHeldFile = 25;
@@ -31,6 +31,6 @@ bool tryWhileHeld(Action action, Pause pause) {
   }
 }
 
-}  // namespace rxffile
+}  // namespace ztbwindows
 
-#endif  // ZTB_PROVIDERS_RXF_HELD_FILE_WINDOWS_H_
+#endif  // ZTB_PROVIDERS_WINDOWS_HELD_FILE_H_
