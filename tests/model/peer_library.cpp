@@ -1,5 +1,4 @@
 #include "tests/model/peer_library.h"
-#include "tests/support/library_name.h"
 
 #include <dlfcn.h>
 
@@ -8,6 +7,8 @@
 #include <memory>
 #include <sstream>
 #include <stdexcept>
+
+#include "tests/support/library_name.h"
 
 namespace modeltest {
 

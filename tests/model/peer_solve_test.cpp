@@ -13,9 +13,9 @@
 #include <thread>
 
 #include "tests/model/peer_library.h"
+#include "tests/support/library_name.h"
 #include "tests/support/stdout_capture.h"
 #include "tests/support/temp_folder.h"
-#include "tests/support/library_name.h"
 
 namespace modeltest {
 namespace {
@@ -253,7 +253,8 @@ TEST_F(PeerSolves, ACatalogueThatCannotBeReadLeavesTheOneBefore) {
 
 TEST_F(PeerSolves, ACatalogueInAFolderOfItsOwnNamesItsOwnSolvers) {
   const ztbtest::TempFolder folder;
-  std::ofstream(folder.file("vltcmpNT.txt")) << "mine LP no " << kFolder << ZTB_LIBRARY_NAME("ztbglpk") "\n";
+  std::ofstream(folder.file("vltcmpNT.txt"))
+      << "mine LP no " << kFolder << ZTB_LIBRARY_NAME("ztbglpk") "\n";
   ASSERT_EQ(ztbModelSetOption(model_, "NameSysDir", folder.file("").c_str()), 1);
   EXPECT_EQ(option("NameSysDir"), folder.file(""));
   ASSERT_EQ(readCatalogue(folder.file("vltcmpNT.txt"), folder.file("")), 0);

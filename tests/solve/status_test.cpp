@@ -10,8 +10,8 @@
 #include <ztb/model.hpp>
 
 #include "tests/solve/transport.h"
-#include "tests/support/temp_folder.h"
 #include "tests/support/library_name.h"
+#include "tests/support/temp_folder.h"
 
 namespace {
 
@@ -138,14 +138,15 @@ TEST_F(Catalogues, WithoutASolverForTheKindOfModelIsTold) {
 
 TEST_F(Catalogues, ASolverWithoutItsLibraryOnlyDropsItsRow) {
   const std::string libraries = ZTB_LIBRARY_FOLDER;
-  write("gone LP yes libgone.so\nnosolver LP no " + libraries + "/" ZTB_LIBRARY_NAME("ztbcclib64") "\nclp LP yes " +
-        libraries + "/" ZTB_LIBRARY_NAME("ztbclp") "\n");
+  write("gone LP yes libgone.so\nnosolver LP no " + libraries +
+        "/" ZTB_LIBRARY_NAME("ztbcclib64") "\nclp LP yes " + libraries +
+        "/" ZTB_LIBRARY_NAME("ztbclp") "\n");
   EXPECT_THAT(failure(model_, "gone"),
               AllOf(StartsWith("Invalid solver name: gone: the solver cannot be opened: "),
                     HasSubstr("libgone.so: cannot open shared object file")));
   EXPECT_THAT(failure(model_, "nosolver"),
               EndsWith(ZTB_LIBRARY_NAME("ztbcclib64") " is no solver library: it has no "
-                       "ztbSolverLibrary"));
+                                                      "ztbSolverLibrary"));
   EXPECT_EQ(failure(model_, "CLP"), "");
   EXPECT_EQ(model_.status(), ztbModelOptimal);
 }
@@ -153,7 +154,8 @@ TEST_F(Catalogues, ASolverWithoutItsLibraryOnlyDropsItsRow) {
 TEST_F(Catalogues, ALibraryOfAnotherVersionIsRefusedWithBothNamed) {
   const std::string libraries = ZTB_PLAIN_SOLVERS;
   for (const char* inPlace : {"yes", "no"}) {
-    write("older LP " + std::string(inPlace) + " " + libraries + "/" ZTB_LIBRARY_NAME("plain_older") "\n");
+    write("older LP " + std::string(inPlace) + " " + libraries +
+          "/" ZTB_LIBRARY_NAME("plain_older") "\n");
     EXPECT_EQ(failure(model_, "older"),
               "solver older did not solve the model: " + libraries +
                   "/" ZTB_LIBRARY_NAME("plain_older") " has version 4 of the interface to solvers, expected "

@@ -78,7 +78,8 @@ double SmallModel::activity(std::size_t rowNumber, const std::vector<double>& at
 }
 
 std::unique_ptr<lomu::Solver> openSolver(const std::string& name) {
-  return lomu::SolverLibrary::makeSolver(std::string(ZTB_SOLVER_FOLDER) + "/" + libraryName("ztb" + name));
+  return lomu::SolverLibrary::makeSolver(std::string(ZTB_SOLVER_FOLDER) + "/" +
+                                         libraryName("ztb" + name));
 }
 
 lomu::SolverResult resultFor(const SmallModel& model) {

@@ -11,9 +11,9 @@
 #include <stdexcept>
 #include <string>
 
+#include "tests/support/library_name.h"
 #include "tests/support/scripted_model/scripted_model.h"
 #include "tests/support/scripted_rxf/control.h"
-#include "tests/support/library_name.h"
 
 namespace scripted {
 
@@ -22,7 +22,8 @@ namespace scripted {
 class ModelClient {
  private:
   static void* open() {
-    void* library = dlopen((directory() + "/" ZTB_LIBRARY_NAME("lomudclib64")).c_str(), RTLD_NOW | RTLD_LOCAL);
+    void* library =
+        dlopen((directory() + "/" ZTB_LIBRARY_NAME("lomudclib64")).c_str(), RTLD_NOW | RTLD_LOCAL);
     if (library == nullptr) throw std::runtime_error(dlerror());
     return library;
   }

@@ -12,9 +12,9 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/library_name.h"
 #include "tests/support/scripted_rxf/control.h"
 #include "tests/support/scripted_rxf/scripted_rxf.h"
-#include "tests/support/library_name.h"
 
 namespace scripted {
 
@@ -23,7 +23,8 @@ namespace scripted {
 class Client {
  private:
   static void* open() {
-    void* library = dlopen((directory() + "/" ZTB_LIBRARY_NAME("rxfcclib64")).c_str(), RTLD_NOW | RTLD_LOCAL);
+    void* library =
+        dlopen((directory() + "/" ZTB_LIBRARY_NAME("rxfcclib64")).c_str(), RTLD_NOW | RTLD_LOCAL);
     if (library == nullptr) throw std::runtime_error(dlerror());
     return library;
   }
