@@ -5,18 +5,13 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <memory>
-#include <new>
 #include <system_error>
 #include <vector>
 
-#define XXH_INLINE_ALL
-#include <xxhash.h>
-
+#include "sweep/checksum.h"
 #include "tools/models/table_files.h"
 #include "tools/text/failure.h"
 #include "tools/text/words.h"
@@ -60,38 +55,6 @@ constexpr std::array<Word, 11> kWords{{{"model", "another model file"},
                                        {kLimit, "another --time-limit"},
                                        {kChunk, "another --chunk"}}};
 
-// XXH3 with 64 bits of a text or of the bytes of a file.
-std::uint64_t ofText(std::string_view text) {
-  return XXH3_64bits(text.data(), text.size());
-}
-
-std::uint64_t ofFile(const std::string& path) {
-  struct FreeState {
-    void operator()(XXH3_state_t* state) const { XXH3_freeState(state); }
-  };
-  const std::unique_ptr<XXH3_state_t, FreeState> state(XXH3_createState());
-  // A pipe gives its content only once, and others read the file as well.
-  std::error_code error;
-  if (std::filesystem::exists(path, error) && !std::filesystem::is_regular_file(path, error)) {
-    throw Failure(withFile(path, "cannot be read: it is no regular file"));
-  }
-  std::ifstream in(path, std::ios::binary);
-  std::array<char, 65536> buffer{};
-  if (!state || XXH3_64bits_reset(state.get()) != XXH_OK) {
-    throw std::bad_alloc();
-  }
-  if (in) {
-    do {
-      in.read(buffer.data(), buffer.size());
-      XXH3_64bits_update(state.get(), buffer.data(), static_cast<std::size_t>(in.gcount()));
-    } while (in);
-  }
-  if (!in.eof()) {
-    throw Failure(withFile(path, "cannot be read"));
-  }
-  return XXH3_64bits_digest(state.get());
-}
-
 // The files that a MathProg model reads tables from; none of any other model.
 std::vector<std::string> tablesOf(const std::string& model) {
   std::vector<std::string> files;
@@ -105,18 +68,6 @@ std::vector<std::string> tablesOf(const std::string& model) {
   return files;
 }
 
-// The word "key=..." of a text of such words.
-std::string_view wordOf(std::string_view text, std::string_view key) {
-  while (!text.empty()) {
-    const std::string_view word = text.substr(0, text.find(' '));
-    if (word.starts_with(key) && word.substr(key.size()).starts_with('=')) {
-      return word;
-    }
-    text.remove_prefix(std::min(text.size(), word.size() + 1));
-  }
-  return {};
-}
-
 }  // namespace
 
 std::string inputsOf(const Options& options) {
@@ -125,22 +76,26 @@ std::string inputsOf(const Options& options) {
     reports += folded(report) + ' ';
   }
   const std::array<std::uint64_t, 6> sums{
-      ofFile(options.model),     options.modelData.empty() ? ofText("") : ofFile(options.modelData),
-      ofFile(options.scenarios), ofText(folded(options.over)),
-      ofText(options.solver),    ofText(reports)};
+      checksumOfFile(options.model),
+      options.modelData.empty() ? checksumOfText("") : checksumOfFile(options.modelData),
+      checksumOfFile(options.scenarios),
+      checksumOfText(folded(options.over)),
+      checksumOfText(options.solver),
+      checksumOfText(reports)};
   std::string text;
   for (std::size_t part = 0; part < sums.size(); ++part) {
     text += fmt::format("{}{}={:016x}", part == 0 ? "" : " ", kWords.at(part).key, sums.at(part));
   }
   std::string tables;
   for (const std::string& name : tablesOf(options.model)) {
-    tables += fmt::format("{} {:016x}\n", name, ofFile(name));
+    tables += fmt::format("{} {:016x}\n", name, checksumOfFile(name));
   }
-  if (!tables.empty()) text += fmt::format(" {}={:016x}", kTables, ofText(tables));
+  if (!tables.empty()) text += fmt::format(" {}={:016x}", kTables, checksumOfText(tables));
   std::string drives;
   for (const std::string& statement : options.drives) drives += statement + '\n';
-  if (!drives.empty()) text += fmt::format(" {}={:016x}", kDrives, ofText(drives));
-  if (!options.data.empty()) text += fmt::format(" {}={:016x}", kFills, ofFile(options.data));
+  if (!drives.empty()) text += fmt::format(" {}={:016x}", kDrives, checksumOfText(drives));
+  if (!options.data.empty())
+    text += fmt::format(" {}={:016x}", kFills, checksumOfFile(options.data));
   if (!options.timeLimit.empty()) text += fmt::format(" {}={}", kLimit, options.timeLimit);
   return text;
 }
@@ -151,7 +106,7 @@ std::string chunkWord(int size) {
 
 std::string inputsDifference(std::string_view one, std::string_view other) {
   for (const Word& part : kWords) {
-    if (wordOf(one, part.key) != wordOf(other, part.key)) {
+    if (inputsWord(one, part.key) != inputsWord(other, part.key)) {
       return part.difference;
     }
   }
@@ -159,7 +114,7 @@ std::string inputsDifference(std::string_view one, std::string_view other) {
 }
 
 std::string keyOf(std::string_view inputs) {
-  return fmt::format("{:016x}", ofText(inputs));
+  return fmt::format("{:016x}", checksumOfText(inputs));
 }
 
 std::string filesOf(const Options& options) {

@@ -113,12 +113,12 @@ struct Path {
 };
 
 constexpr Path paths[] = {
-    {"alive", answerAlive},     {"cancel", answerCancel},       {"compare", answerCompare},
-    {"counts", answerCounts},   {"export", answerExport},       {"fan", answerFan},
-    {"files", answerFiles},     {"histogram", answerHistogram}, {"model", answerModel},
-    {"pivot", answerPivot},     {"progress", answerProgress},   {"rows", answerRows},
-    {"series", answerSeries},   {"solve", answerSolve},         {"sweep", answerSweep},
-    {"symbols", answerSymbols},
+    {"alive", answerAlive},   {"cancel", answerCancel},       {"compare", answerCompare},
+    {"counts", answerCounts}, {"export", answerExport},       {"fan", answerFan},
+    {"files", answerFiles},   {"histogram", answerHistogram}, {"inputs", answerInputs},
+    {"model", answerModel},   {"pivot", answerPivot},         {"progress", answerProgress},
+    {"rows", answerRows},     {"series", answerSeries},       {"solve", answerSolve},
+    {"sweep", answerSweep},   {"symbols", answerSymbols},
 };
 
 }  // namespace

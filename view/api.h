@@ -83,6 +83,7 @@ void answerCounts(Question& question);
 void answerExport(Question& question);
 void answerFan(Question& question);
 void answerHistogram(Question& question);
+void answerInputs(Question& question);
 void answerModel(Question& question);
 void answerPivot(Question& question);
 void answerRows(Question& question);

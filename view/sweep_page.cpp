@@ -13,43 +13,31 @@
 #include "tools/text/words.h"
 #include "view/distribution.h"
 #include "view/record_scan.h"
+#include "view/sweep_symbols.h"
 
 namespace view {
 
 namespace {
 
-constexpr std::string_view statusName = "sweep_status";
-constexpr std::string_view solveStatusName = "sweep_solve_status";
-constexpr std::string_view objectiveName = "sweep_objective";
-
 // Values that a fan may be drawn of: all are held.
 constexpr std::size_t mostFanValues = 5'000'000;
 constexpr std::array<double, 5> quantiles{0.05, 0.25, 0.5, 0.75, 0.95};
 
-std::shared_ptr<const OpenedFile> sweepOf(const Question& question) {
-  std::shared_ptr<const OpenedFile> file = question.session.file(question.parameters);
-  if (file->kind() != FileKind::sweep) {
-    throw RequestError(400, fmt::format("{} is no result of ztb sweep", file->name()));
-  }
-  return file;
-}
-
-// What a parameter over the scenarios has of each.
-std::map<int, double> valuesOf(const OpenedFile& file, std::string_view name, Job& job) {
-  std::map<int, double> values;
-  const tool::FileSymbol* symbol = file.exchange().findSymbol(std::string(name));
-  if (symbol == nullptr || symbol->dimension != 1 || symbol->type == ztb::Type::set) return values;
-  job.expect(symbol->recordCount);
+// Why solves failed, by the labels of their scenarios.
+std::map<int, std::string> reasonsOf(const OpenedFile& file) {
+  std::map<int, std::string> reasons;
+  const tool::FileSymbol* symbol = file.exchange().findSymbol(sweepReasonName);
+  if (symbol == nullptr || symbol->dimension != 1 || symbol->type != ztb::Type::set) return reasons;
   for (tool::RecordWalk walk(file.exchange(), *symbol); walk.next();) {
-    values.emplace(walk.keys()[0], walk.values()[0]);
-    job.count(1);
+    reasons.emplace(walk.keys()[0], walk.text());
   }
-  return values;
+  return reasons;
 }
 
 void writeFailed(const OpenedFile& file, const std::map<int, double>& statuses,
                  const std::map<int, double>& solveStatuses,
                  const std::map<int, double>& objectives, formats::JsonText& answer) {
+  const std::map<int, std::string> reasons = reasonsOf(file);
   answer.name("failed");
   answer.beginArray();
   for (const auto& [scenario, status] : statuses) {
@@ -62,6 +50,9 @@ void writeFailed(const OpenedFile& file, const std::map<int, double>& statuses,
     answer.text(file.exchange().label(scenario));
     answer.name("status");
     answer.text(isFailed ? "failed" : ztbModelStatusText(static_cast<int>(status)));
+    answer.name("reason");
+    const auto reason = reasons.find(scenario);
+    answer.text(reason == reasons.end() ? std::string() : reason->second);
     answer.endObject();
   }
   answer.endArray();
@@ -90,8 +81,8 @@ void writeObjectives(const OpenedFile& file, const std::map<int, double>& object
 
 bool isReport(const tool::FileSymbol& symbol) {
   return symbol.type == ztb::Type::parameter && symbol.dimension >= 1 &&
-         symbol.name != statusName && symbol.name != solveStatusName &&
-         symbol.name != objectiveName;
+         symbol.name != sweepStatusName && symbol.name != sweepSolveStatusName &&
+         symbol.name != sweepObjectiveName;
 }
 
 // The value below which a share of the sorted values lies, between two of them where it falls
@@ -106,12 +97,32 @@ double quantileOf(const std::vector<double>& sorted, double share) {
 
 }  // namespace
 
+std::shared_ptr<const OpenedFile> sweepOf(const Question& question) {
+  std::shared_ptr<const OpenedFile> file = question.session.file(question.parameters);
+  if (file->kind() != FileKind::sweep) {
+    throw RequestError(400, fmt::format("{} is no result of ztb sweep", file->name()));
+  }
+  return file;
+}
+
+std::map<int, double> valuesOf(const OpenedFile& file, const std::string& name, Job& job) {
+  std::map<int, double> values;
+  const tool::FileSymbol* symbol = file.exchange().findSymbol(name);
+  if (symbol == nullptr || symbol->dimension != 1 || symbol->type == ztb::Type::set) return values;
+  job.expect(symbol->recordCount);
+  for (tool::RecordWalk walk(file.exchange(), *symbol); walk.next();) {
+    values.emplace(walk.keys()[0], walk.values()[0]);
+    job.count(1);
+  }
+  return values;
+}
+
 void answerSweep(Question& question) {
   const std::shared_ptr<const OpenedFile> held = sweepOf(question);
   const OpenedFile& file = *held;
-  const std::map<int, double> statuses = valuesOf(file, statusName, question.job);
-  const std::map<int, double> solveStatuses = valuesOf(file, solveStatusName, question.job);
-  const std::map<int, double> objectives = valuesOf(file, objectiveName, question.job);
+  const std::map<int, double> statuses = valuesOf(file, sweepStatusName, question.job);
+  const std::map<int, double> solveStatuses = valuesOf(file, sweepSolveStatusName, question.job);
+  const std::map<int, double> objectives = valuesOf(file, sweepObjectiveName, question.job);
   formats::JsonText& answer = question.answer;
   answer.beginObject();
   answer.name("scenarios");

@@ -1,6 +1,6 @@
 // The viewer in a browser: starts the command and the browser, and gives pages that note whatever
 // goes wrong in them.
-import {execFileSync, spawn} from 'node:child_process';
+import {execFileSync, spawn, spawnSync} from 'node:child_process';
 import {createRequire} from 'node:module';
 import {mkdtempSync, rmSync} from 'node:fs';
 import {tmpdir} from 'node:os';
@@ -18,6 +18,13 @@ const environment = {...process.env, NO_COLOR: '1', LC_ALL: 'C.UTF-8'};
 export function ztb(folder, ...parameters) {
   return execFileSync(path.join(programs, 'ztb'), parameters,
     {cwd: folder, encoding: 'utf8', env: environment, maxBuffer: 1 << 28, stdio: ['ignore', 'pipe', 'pipe']});
+}
+
+// The same of a command that ends with 1; what it says on standard error.
+export function ztbFails(folder, ...parameters) {
+  const {status, stderr} = spawnSync(path.join(programs, 'ztb'), parameters, {cwd: folder, encoding: 'utf8', env: environment});
+  if (status !== 1) throw new Error(`ztb ${parameters.join(' ')} ended with ${status}: ${stderr}`);
+  return stderr;
 }
 
 export class Browser {

@@ -4,7 +4,7 @@ import {copyFileSync, createWriteStream, existsSync, mkdtempSync, readdirSync, r
 import {once} from 'node:events';
 import {tmpdir} from 'node:os';
 import path from 'node:path';
-import {project, ztb} from './browser.mjs';
+import {project, ztb, ztbFails} from './browser.mjs';
 
 export const routes = path.join(project, '../shared/data/air-routes');
 export const hasRoutes = existsSync(path.join(routes, 'routes.csv'));
@@ -39,6 +39,15 @@ export function makeSweep(folder, count = 1000) {
   ztb(folder, 'import', 'scenarios.rxf', '--from', 'scenarios.csv', '--set', 'scenario', '--from', 'foods.csv', '--set', 'food',
     '--from', 'prices.csv', '--parameter', 'price(scenario, food) = index "Price beside that of 1939"');
   ztb(folder, 'sweep', 'diet.lp', '--scenarios', 'scenarios.rxf', '--over', 'scenario', '--report', 'buy', '--out', 'sweep.rxf');
+}
+
+// some.rxf: of thirty scenarios those that need more than twenty have no solution.
+export function makeFailing(folder) {
+  writeFileSync(path.join(folder, 'room.lp'), 'Minimize\n cost: x\nSubject To\n meet: x - need_var >= 0\nBounds\n x <= 20\n need_var = 1\nEnd\n');
+  const rows = Array.from({length: 30}, (_, index) => `need ${index + 1},${index + 1}`);
+  writeFileSync(path.join(folder, 'needs.csv'), `case,need\n${rows.join('\n')}\n`);
+  ztb(folder, 'import', 'needs.rxf', '--from', 'needs.csv', '--set', 'case', '--parameter', 'need(case)');
+  return ztbFails(folder, 'sweep', 'room.lp', '--scenarios', 'needs.rxf', '--over', 'case', '--report', 'x', '--out', 'some.rxf');
 }
 
 export function makeRoutes(folder) {

@@ -2,17 +2,17 @@
 import assert from 'node:assert/strict';
 import {test} from 'node:test';
 import {ztb} from './browser.mjs';
-import {makeDiet, makeSweep, rowsOf} from './data.mjs';
-import {seen, suite, view} from './suite.mjs';
+import {makeDiet, makeFailing, makeSweep, rowsOf} from './data.mjs';
+import {seen, shownRows, suite, textOf, view} from './suite.mjs';
 
 suite((folder) => {
   makeDiet(folder);
   makeSweep(folder);
-}, 'sweep.rxf');
+}, 'sweep.rxf', 'scenarios.rxf');
 
 test('the objectives are those of the result', async () => {
   await view('view=sweep', '#sweep-total');
-  assert.equal(await seen.page.$eval('#sweep-total', (place) => place.textContent), '1,000 scenarios, 0 failed ones');
+  assert.equal(await seen.page.$eval('#sweep-total', (place) => place.textContent), '1,000 scenarios, 0 without a solution');
   const expected = rowsOf(ztb(seen.folder, 'show', 'sweep.rxf', 'sweep_objective', '--csv')).slice(1);
   const rows = await seen.page.$$eval('section:nth-of-type(1) .values tbody tr', (all) => all.map((row) => [...row.cells].map((cell) => cell.textContent)));
   assert.ok(rows.length >= 500);
@@ -41,4 +41,39 @@ test('a fan lies within the extremes of its symbol, its middle at their median',
     assert.ok(bands[0] >= own[0] && bands.at(-1) <= own.at(-1), row[0]);
     assert.ok(Number(row[middle]) >= own[Math.floor((own.length - 1) / 2)] - 1e-12 && Number(row[middle]) <= own[Math.ceil((own.length - 1) / 2)] + 1e-12, row[0]);
   }
+});
+
+test('the inputs that differ most are those of the scenario file', async () => {
+  await view('view=sweep', '#differ');
+  const objectives = rowsOf(ztb(seen.folder, 'show', 'sweep.rxf', 'sweep_objective', '--csv')).slice(1)
+    .sort((left, right) => Number(left[1]) - Number(right[1]));
+  const [low, high] = [objectives[0], objectives.at(-1)];
+  assert.match(await textOf('#extremes'), new RegExp(`^Lowest objective: ${low[0]} with ${low[1]}; highest: ${high[0]} with ${high[1]}\\.`));
+  const pricesOf = ([scenario]) => new Map(rowsOf(ztb(seen.folder, 'show', 'scenarios.rxf', 'price', '--slice', `${scenario},*`, '--csv')).slice(1)
+    .map(([, food, price]) => [food, Number(price)]));
+  const [lows, highs] = [pricesOf(low), pricesOf(high)];
+  const differences = [...lows].filter(([food, price]) => price !== highs.get(food))
+    .map(([food, price]) => [food, price, highs.get(food), Math.abs(price - highs.get(food)) / Math.max(price, highs.get(food))])
+    .sort((left, right) => right[3] - left[3]);
+  const rows = await shownRows('#differ');
+  assert.ok(rows.length > 50);
+  assert.equal(rows.length, differences.length);
+  rows.forEach(([symbol, food, first, second, share], index) => {
+    assert.deepEqual([symbol, food, Number(first), Number(second)], ['price', ...differences[index].slice(0, 3)]);
+    assert.ok(Math.abs(Number.parseFloat(share) - 100 * differences[index][3]) < 0.5, share);
+  });
+});
+
+test('scenarios without a solution are told by name, as ztb sweep tells them', async () => {
+  const said = makeFailing(seen.folder);
+  const page = await seen.browser.page(await seen.browser.view(seen.folder, 'some.rxf'));
+  await page.waitForSelector('#failed');
+  const rows = await page.$$eval('#failed tbody tr', (all) => all.map((row) => [...row.cells].map((cell) => cell.textContent)));
+  assert.deepEqual(rows.map(([name, ended]) => [name, ended]),
+    Array.from({length: 10}, (_, index) => [`need ${index + 21}`, 'infeasible']));
+  for (const [name] of rows) assert.ok(said.includes(name), name);
+  assert.equal(await page.$eval('#sweep-total', (place) => place.textContent), '30 scenarios, 10 without a solution');
+  assert.match(await page.$eval('#inputs', (place) => place.textContent), /ztb view RESULT SCENARIOS/);
+  assert.deepEqual(page.problems, []);
+  await page.close();
 });

@@ -10,17 +10,36 @@ const listed = 200;
 
 function failedList(failed) {
   if (failed.length === 0) return h('p', {}, 'Every scenario has a solution.');
-  return h('table', {class: 'grid'}, h('thead', {}, h('tr', {}, h('th', {scope: 'col'}, 'Scenario'), h('th', {scope: 'col'}, 'Ended'))),
-    h('tbody', {}, failed.slice(0, listed).map(({label, status}) =>
-      h('tr', {}, h('th', {scope: 'row'}, shown(label)), h('td', {}, String(status))))));
+  return h('div', {class: 'scroll-x', tabIndex: 0, role: 'region', 'aria-label': 'Without a solution, scrolls'},
+    h('table', {class: 'grid', id: 'failed'}, h('thead', {}, h('tr', {}, ['Scenario', 'Ended', 'Reason'].map((title) => h('th', {scope: 'col'}, title)))),
+      h('tbody', {}, failed.map(({label, status, reason}) =>
+        h('tr', {}, h('th', {scope: 'row'}, shown(label)), h('td', {}, String(status)), h('td', {}, reason === '' ? '' : shown(reason)))))));
 }
 
-function differTable(differ) {
-  return h('table', {class: 'grid', id: 'differ'}, h('thead', {}, h('tr', {}, ['Input', 'Of', 'Best', 'Worst', 'Share'].map((title, index) =>
-    h('th', {scope: 'col', class: index > 1 ? 'number' : ''}, title)))),
-  h('tbody', {}, differ.slice(0, listed).map(({symbol, key, best, worst, share}) => h('tr', {},
-    h('th', {scope: 'row'}, shown(symbol)), h('td', {}, key.map(shown).join(', ')), h('td', {class: 'number'}, numberText(best)),
-    h('td', {class: 'number'}, numberText(worst)), h('td', {class: 'number'}, shortNumber(share))))));
+function differTable({low, high, inputs, total}) {
+  return [
+    h('p', {class: 'hint', id: 'extremes'}, 'Lowest objective: ', h('b', {}, shown(low.label)), ` with ${numberText(low.objective)}; highest: `,
+      h('b', {}, shown(high.label)), ` with ${numberText(high.objective)}. ${counted(total, 'input')} ${total === 1 ? 'differs' : 'differ'}.`),
+    total > 0 && h('div', {class: 'scroll-x', tabIndex: 0, role: 'region', 'aria-label': 'Inputs that differ, scrolls'},
+      h('table', {class: 'grid', id: 'differ'}, h('thead', {}, h('tr', {}, ['Input', 'Of', 'At the lowest', 'At the highest', 'Difference'].map((title, index) =>
+        h('th', {scope: 'col', class: index > 1 ? 'number' : ''}, title)))),
+      h('tbody', {}, inputs.slice(0, listed).map((one) => h('tr', {},
+        h('th', {scope: 'row'}, shown(one.symbol)), h('td', {}, one.key.map(shown).join(', ')),
+        h('td', {class: 'number'}, one.low === null ? 'as in the model' : numberText(one.low)),
+        h('td', {class: 'number'}, one.high === null ? 'as in the model' : numberText(one.high)),
+        h('td', {class: 'number'}, one.share === null ? '' : `${Number((100 * one.share).toPrecision(3))} %`)))))),
+    total > listed && h('p', {class: 'hint'}, `The ${listed} greatest differences.`),
+  ].filter(Boolean);
+}
+
+// The inputs that differ most between the extremes, which the scenario file has.
+async function drawInputs(context, out) {
+  try {
+    const answer = await api.get('inputs', {f: context.file}, context.signal);
+    out.replaceChildren(...answer.known ? differTable(answer) : [h('p', {}, answer.why)]);
+  } catch (error) {
+    if (error.name !== 'AbortError') out.replaceChildren(problem(error));
+  }
 }
 
 async function drawFan(context, out, symbol) {
@@ -35,9 +54,9 @@ async function drawFan(context, out, symbol) {
 
 export async function sweepPage(main, context) {
   const answer = await api.get('sweep', {f: context.file}, context.signal);
-  const {scenarios, failed, objective, reports, histogram, differ} = answer;
+  const {scenarios, failed, objective, reports, histogram} = answer;
   main.replaceChildren(h('h1', {}, 'Sweep'),
-    h('p', {class: 'hint', id: 'sweep-total'}, `${counted(scenarios, 'scenario')}, ${counted(failed.length, 'failed one')}`));
+    h('p', {class: 'hint', id: 'sweep-total'}, `${counted(scenarios, 'scenario')}, ${failed.length.toLocaleString('en-US')} without a solution`));
   const section = (title, ...children) => main.append(h('section', {}, h('h2', {}, title), ...children));
   const x = objective.map(({label}) => label);
   const series = [{label: 'objective', y: objective.map(({value}) => value)}];
@@ -57,5 +76,7 @@ export async function sweepPage(main, context) {
     await drawFan(context, out, report);
   }
   section('Without a solution', failedList(failed));
-  section('Best and worst', differ?.length > 0 ? differTable(differ) : h('p', {}, 'No input is known that differs.'));
+  const inputs = h('div', {id: 'inputs'});
+  section('Best and worst', inputs);
+  await drawInputs(context, inputs);
 }

@@ -45,13 +45,19 @@ class SweepResult:
     """
 
     def __init__(
-        self, path: Path, over: str, folder: Any = None, notes: Sequence[str] = ()
+        self,
+        path: Path,
+        over: str,
+        folder: Any = None,
+        notes: Sequence[str] = (),
+        scenarios: Optional[Path] = None,
     ) -> None:
         #: What was told of the sweep: records that meet nothing, scenarios without a solution.
         self.notes = list(notes)
         self._path = path
         self._over = over
         self._folder = folder
+        self._scenarios_file = scenarios
         self._database: Optional[Database] = None
 
     @property
@@ -60,9 +66,12 @@ class SweepResult:
         return self._path
 
     def view(self, *, open_browser: Optional[bool] = None) -> viewer.View:
-        """Shows the results in the browser as ``ztb view`` does, in a notebook as a frame.
-        ``open_browser`` overrules whether the browser is opened."""
-        view = viewer.show([self._path], open_browser)
+        """Shows the results in the browser as ``ztb view`` does, in a notebook as a frame, with the
+        scenario file as long as it is there. ``open_browser`` overrules whether the browser is opened."""
+        files = [self._path]
+        if self._scenarios_file is not None and os.path.exists(self._scenarios_file):
+            files.append(self._scenarios_file)
+        view = viewer.show(files, open_browser)
         view.kept = self._folder
         return view
 
@@ -240,7 +249,7 @@ def sweep(
             )  # fmt: skip
         finally:
             _end(tell)
-        return SweepResult(target, over, folder, notes)
+        return SweepResult(target, over, folder, notes, source)
     command = [_program(), "sweep", options[0][1], "--out", target, "--jobs", str(jobs)]
     for name, value in options[1:]:
         command += [f"--{name}", value]
@@ -251,7 +260,7 @@ def sweep(
     if tell is not None:
         command += ["--progress", "json"]
     try:
-        return SweepResult(target, over, folder, _run(command, tell))
+        return SweepResult(target, over, folder, _run(command, tell), source)
     finally:
         _end(tell)
 

@@ -6,6 +6,7 @@ import atexit
 import ctypes
 import html
 import os
+import pathlib
 import sys
 import tempfile
 import threading
@@ -55,6 +56,8 @@ class View:
         self._height = height
         #: What has to live as long: what removes a temporary file.
         self.kept: Any = None
+        #: The page that has opened the browser.
+        self.door: Any = None
         self._library = _library()
         self._handle = ctypes.c_void_p()
         if self._library.ztbViewCreate(ctypes.byref(self._handle)) == 0:
@@ -110,11 +113,11 @@ class View:
 
 
 class _KeptFile:
-    """A temporary file that goes with what holds it."""
+    """A temporary file that goes with what holds it, and that other users cannot read."""
 
-    def __init__(self) -> None:
+    def __init__(self, name: str) -> None:
         folder = tempfile.mkdtemp(prefix="ztb-view-")
-        self.path = os.path.join(folder, "database.rxf")
+        self.path = os.path.join(folder, name)
         self._end = weakref.finalize(self, _remove, self.path, folder)
 
 
@@ -128,13 +131,27 @@ def show(files: Sequence[Path], open_browser: Optional[bool]) -> View:
     """Starts a view of files, and opens the browser unless that shows in a notebook."""
     view = View(files)
     if open_browser if open_browser is not None else not _in_notebook():
-        webbrowser.open(view.link)
+        view.door = _opened(view.link)
     return view
+
+
+def _opened(link: str) -> _KeptFile:
+    """Opens the browser by a page of its own, which goes on to the link: the arguments of a process are
+    seen by every user of the machine, and the link is a secret."""
+    page = _KeptFile("ztb-view.html")
+    address = html.escape(link)
+    with open(page.path, "w", encoding="utf-8") as file:
+        file.write(
+            "<!doctype html><meta charset=utf-8><title>ztb view</title>"
+            f'<meta http-equiv=refresh content="0; url={address}"><a href="{address}">ztb view</a>\n'
+        )
+    webbrowser.open(pathlib.Path(page.path).as_uri())
+    return page
 
 
 def show_database(database: Any, open_browser: Optional[bool]) -> View:
     """The same for what a database has now, which is written to a temporary file."""
-    kept = _KeptFile()
+    kept = _KeptFile("database.rxf")
     database.write(kept.path)
     view = show([kept.path], open_browser)
     view.kept = kept
