@@ -24,7 +24,7 @@ namespace {
 
 // Changes that are kept to be looked at; all are counted.
 constexpr std::size_t mostChanges = 100000;
-constexpr std::size_t mostCompared = 1000;
+constexpr std::size_t mostCompared = 20000;
 
 // Numbers of labels, or of texts, that mean the same in both files: those of the first, and behind
 // them what only the second has.

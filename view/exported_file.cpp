@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cctype>
-#include <limits>
 
 #include "formats/database_export.h"
 #ifdef ZTB_WRITES_EXCEL
@@ -22,6 +21,9 @@ namespace {
 
 // Rows that are held as text, to bring them into order.
 constexpr std::size_t sortedAtOnce = 262144;
+
+// Beyond what any file has.
+constexpr std::size_t mostRows = std::size_t{1} << 40U;
 
 // The cells of a row that are not hidden.
 class RowCells {
@@ -100,14 +102,16 @@ void writeTable(Question& question, RecordScan& scan, formats::TableWriter& writ
   const RowCells cells(scan, question.parameters.numbers("hide", columns));
   const std::optional<RowSort> sort = rowSortOf(question, scan);
   const std::shared_ptr<const RowIndex> index = rowIndexOf(question, scan, sort);
-  writer.begin(cells.head(index->total));
+  const std::size_t rows =
+      std::min(index->total, question.parameters.number("most", mostRows, mostRows));
+  writer.begin(cells.head(rows));
   if (!sort) {
-    visitRowsInOrder(scan, *index, 0, std::numeric_limits<std::size_t>::max(),
+    visitRowsInOrder(scan, *index, 0, rows,
                      [&](std::size_t record) { cells.write(record, writer); });
   }
-  for (std::size_t first = 0; sort && first < index->total; first += sortedAtOnce) {
+  for (std::size_t first = 0; sort && first < rows; first += sortedAtOnce) {
     const std::span<const std::uint32_t> order(index->order);
-    const auto window = order.subspan(first, std::min(sortedAtOnce, index->total - first));
+    const auto window = order.subspan(first, std::min(sortedAtOnce, rows - first));
     std::vector<RowCells::Held> held(window.size());
     scan.rewind();
     visitRecords(scan, window,
@@ -188,6 +192,11 @@ void answerExport(Question& question) {
     file->path = file->folder.file("table.csv");
     formats::CsvWriter writer(file->path);
     writeTable(question, scan, writer);
+  } else if (format == "tsv") {
+    file->type = "text/tab-separated-values; charset=utf-8";
+    file->path = file->folder.file("table.tsv");
+    formats::CsvWriter writer(file->path, {.separator = '\t'});
+    writeTable(question, scan, writer);
   } else if (format == "xlsx") {
     file->type = "application/vnd.openxmlformats-officedocument.spreadsheetml.sheet";
     file->path = file->folder.file("table.xlsx");
@@ -204,7 +213,7 @@ void answerExport(Question& question) {
     writeExchangeFile(scan, file->path);
   } else {
     throw RequestError(
-        400, fmt::format("format: {} is none of csv, xlsx and rxf", tool::inQuotes(format)));
+        400, fmt::format("format: {} is none of csv, tsv, xlsx and rxf", tool::inQuotes(format)));
   }
   question.file = std::move(file);
 }

@@ -41,6 +41,10 @@ class RecordScan {
   [[nodiscard]] const ztb::RxfRecords& block() const { return records_; }
   [[nodiscard]] std::size_t chosenCount() const { return chosenCount_; }
   [[nodiscard]] const std::vector<std::uint8_t>& chosen() const { return chosen_; }
+  // For work with the records that were read: announces some, and tells that some was done. Throws
+  // what Job::count throws.
+  void expectWork(std::size_t amount) { job_.expect(amount); }
+  void work(std::size_t amount) { job_.work(amount); }
   // Goes behind so many blocks.
   void skip(std::size_t blocks);
   void rewind() { records_.rewind(); }

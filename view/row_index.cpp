@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <bit>
 #include <ztb/column_names.hpp>
 
 #include "tools/files/record_order.h"
@@ -73,6 +74,19 @@ class SortKeys {
   std::vector<std::uint64_t> places_;
 };
 
+// Sorts, and asks now and then whether that is still wanted.
+void sortRecords(std::vector<SortedRecord>& records, RecordScan& scan) {
+  constexpr std::size_t between = std::size_t{1} << 16U;
+  // About so many comparisons a record.
+  const auto comparisonsEach = static_cast<std::size_t>(std::bit_width(records.size()));
+  scan.expectWork(records.size());
+  std::size_t comparisons = 0;
+  std::ranges::sort(records, [&](const SortedRecord& left, const SortedRecord& right) {
+    if (++comparisons % between == 0) scan.work(between / comparisonsEach);
+    return left.key != right.key ? left.key < right.key : left.number < right.number;
+  });
+}
+
 }  // namespace
 
 RowIndex wholeIndex(std::size_t records) {
@@ -106,9 +120,7 @@ RowIndex makeRowIndex(RecordScan& scan, const std::optional<RowSort>& sort) {
   }
   if (!keys) return index;
   index.before.clear();
-  std::ranges::sort(sorted, [](const SortedRecord& left, const SortedRecord& right) {
-    return left.key != right.key ? left.key < right.key : left.number < right.number;
-  });
+  sortRecords(sorted, scan);
   index.order.reserve(sorted.size());
   for (const SortedRecord& record : sorted) index.order.push_back(record.number);
   return index;

@@ -12,7 +12,8 @@ namespace view {
 
 namespace {
 
-constexpr std::size_t mostPageRows = 1000;
+// As many as are printed.
+constexpr std::size_t mostPageRows = 20000;
 constexpr std::size_t mostRecords = std::size_t{1} << 40U;
 
 // With what is between the level of a variable or equation and its bounds, where that is asked for.

@@ -73,9 +73,11 @@ test('every page is reached by keys alone', async () => {
 
 test('a table prints without what is around it', async () => {
   await view('view=table&f=1&s=price', '.grid tbody td');
+  await seen.page.evaluate(() => dispatchEvent(new Event('beforeprint')));
   await seen.page.emulateMediaType('print');
-  const shown = await seen.page.evaluate(() => ['.top', '.side', '.filters', '.grid'].map((name) =>
-    getComputedStyle(document.querySelector(name)).display !== 'none'));
+  const shown = await seen.page.evaluate(() => ['.top', '.side', '.filters', '.row button', '.scroller', '.printed', '.printed tbody tr:last-child'].map((name) =>
+    document.querySelector(name).checkVisibility()));
   await seen.page.emulateMediaType(null);
-  assert.deepEqual(shown, [false, false, false, true]);
+  await seen.page.evaluate(() => dispatchEvent(new Event('afterprint')));
+  assert.deepEqual(shown, [false, false, false, false, false, true, true]);
 });

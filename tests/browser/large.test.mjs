@@ -3,7 +3,7 @@ import assert from 'node:assert/strict';
 import {test} from 'node:test';
 import {settled, ztb} from './browser.mjs';
 import {bigValue, makeBig, rowsOf} from './data.mjs';
-import {seen, shownRows, suite, view} from './suite.mjs';
+import {cancel, seen, shownRows, suite, textOf, view} from './suite.mjs';
 
 suite(makeBig, 'big.rxf');
 
@@ -62,4 +62,73 @@ test('a pivot of all is that of ztb aggregate', async () => {
   await view('view=pivot&s=big&rows=1&over=0,2', '.pivot tbody td');
   const expected = rowsOf(ztb(seen.folder, 'aggregate', 'big.rxf', 'big', '--by', 'j', '--sum', '--csv')).slice(1);
   assert.deepEqual(await shownRows('.pivot'), expected);
+});
+
+test('an order that takes long is cancelled, and asked for again', async () => {
+  // Until one takes long enough for the button: how long an order takes is nobody's to say.
+  let caught = null;
+  for (let round = 0; round < 50 && caught === null; ++round) {
+    const fragment = `view=table&s=big&sort=value&desc=${round % 2}&where=${encodeURIComponent(`value >= ${Math.floor(round / 2)}`)}`;
+    await seen.page.evaluate((next) => { location.hash = next; }, fragment);
+    const isBusy = await Promise.race([
+      seen.page.waitForSelector('#busy:not([hidden])').then(() => true),
+      settled(seen.page).then(() => false)]);
+    if (!isBusy) continue;
+    assert.match(await textOf('#busy-text'), /records read|^$/);
+    await cancel().catch(() => {});
+    await settled(seen.page);
+    if (await seen.page.$('main .problem') !== null) caught = round;
+  }
+  assert.notEqual(caught, null);
+  assert.match(await textOf('main .problem'), /^Cancelled\./);
+  assert.equal(await seen.page.$eval('#busy', (place) => place.hidden), true);
+  await seen.page.click('#again');
+  await seen.page.waitForSelector('.grid tbody td:not(.coming)');
+  await settled(seen.page);
+  const least = Math.floor(caught / 2);
+  const wanted = caught % 2 === 1 ? 999 : least;
+  const rows = await shownRows();
+  assert.ok(rows.length >= 10);
+  const expected = [];
+  for (let index = 0; expected.length < rows.length; ++index) {
+    const row = rowAt(index);
+    if (Number(row[3]) === wanted) expected.push(row);
+  }
+  assert.deepEqual(rows, expected);
+});
+
+test('what is printed and copied of so many records says where it ends', async () => {
+  await view('view=table&s=big', '.grid tbody td');
+  await seen.page.evaluate(() => {
+    globalThis.print = () => {
+      const rows = document.querySelectorAll('.printed tbody tr');
+      globalThis.printed = [rows.length, rows[rows.length - 1].textContent, document.querySelector('.printed .cut').textContent];
+    };
+  });
+  await seen.page.click('#print');
+  await seen.page.waitForFunction(() => globalThis.printed !== undefined);
+  assert.deepEqual(await seen.page.evaluate(() => globalThis.printed), [20000, rowAt(19999).join(''),
+    'Rows 1 to 20,000 of 10,000,000. Print on the page takes the first 20,000, a file has all.']);
+  await seen.page.evaluate(() => {
+    dispatchEvent(new Event('afterprint'));
+    navigator.clipboard.writeText = async (text) => { globalThis.copied = text; };
+  });
+  await seen.page.click('#copy');
+  await seen.page.waitForFunction(() => globalThis.copied !== undefined);
+  const [lines, last] = await seen.page.evaluate(() => {
+    const all = globalThis.copied.trimEnd().split('\n');
+    return [all.length, all.at(-1)];
+  });
+  assert.deepEqual([lines, last], [2000001, rowAt(1999999).join('\t')]);
+  assert.equal(await textOf('#said'), 'the first 2,000,000 of 10,000,000 rows (a file has all) copied');
+});
+
+test('labels at a position and a distribution count every record', async () => {
+  await view('view=chart&s=big&type=spread', '.values');
+  const counts = (await shownRows('.values')).map(([, count]) => Number(count));
+  assert.equal(counts.reduce((sum, count) => sum + count, 0), total);
+  await view('view=chart&s=big&x=2&type=line&how=count', '.values');
+  const expected = rowsOf(ztb(seen.folder, 'aggregate', 'big.rxf', 'big', '--by', 'k', '--count', '--csv')).slice(1);
+  const numbers = (rows) => new Map(rows.map(([label, count]) => [label, Number(count)]));
+  assert.deepEqual(numbers(await shownRows('.values')), numbers(expected));
 });

@@ -1,11 +1,11 @@
 // The pages Symbols and Table, held against what the command prints for the same question.
 import assert from 'node:assert/strict';
-import {readFileSync, writeFileSync} from 'node:fs';
+import {readFileSync, rmSync, writeFileSync} from 'node:fs';
 import path from 'node:path';
 import {test} from 'node:test';
 import {settled, texts, ztb} from './browser.mjs';
 import {makeDiet, rowsOf} from './data.mjs';
-import {click, heads, saved, seen, shownRows, suite, view} from './suite.mjs';
+import {click, heads, saved, seen, shownRows, suite, textOf, view} from './suite.mjs';
 
 suite(makeDiet, 'diet.rxf');
 
@@ -135,6 +135,60 @@ test('what is shown is saved as CSV, Excel and RXF', async () => {
   assert.equal(ztb(seen.folder, 'show', 'back.rxf', 'nutrition', '--csv'), expected);
   writeFileSync(path.join(seen.folder, 'back.xlsx'), await saved('#export-xlsx', 'nutrition.xlsx'));
   assert.equal(readFileSync(path.join(seen.folder, 'back.xlsx')).subarray(0, 2).toString(), 'PK');
+});
+
+test('a file tells what it cannot keep: RXF has all positions, in its own order', async () => {
+  await view('view=table&s=nutrition&p0=*beans*', '.grid tbody td');
+  assert.equal(await seen.page.$('#rxf-keeps'), null);
+  await view('view=table&s=nutrition&p0=*beans*&hide=1&sort=value', '.grid tbody td');
+  assert.equal(await textOf('#rxf-keeps'), 'RXF keeps the filters; it has all positions, in its own order.');
+  rmSync(path.join(seen.downloads, 'nutrition.rxf'), {force: true});
+  writeFileSync(path.join(seen.folder, 'back.rxf'), await saved('#export-rxf', 'nutrition.rxf'));
+  assert.equal(ztb(seen.folder, 'show', 'back.rxf', 'nutrition', '--csv'),
+    ztb(seen.folder, 'show', 'diet.rxf', 'nutrition', '--slice', '*beans*,*', '--csv'));
+  assert.match(await textOf('#said'), /saved, with all positions in the order of the file$/);
+});
+
+test('Copy takes all rows that are shown, in their columns and order', async () => {
+  await seen.browser.browser.defaultBrowserContext().overridePermissions(new URL(seen.link).origin, ['clipboard-read', 'clipboard-write', 'clipboard-sanitized-write']);
+  await seen.page.bringToFront();
+  await view('view=table&s=nutrition&sort=value&desc=1&hide=1', '.grid tbody td');
+  await click('#copy');
+  await seen.page.waitForFunction(() => /copied/.test(document.getElementById('said').textContent));
+  assert.equal(await textOf('#said'), '570 rows copied');
+  const copied = await seen.page.evaluate(() => navigator.clipboard.readText());
+  const expected = records('nutrition', '--sort', 'value', '--descending');
+  assert.deepEqual(copied.trimEnd().split('\n').map((line) => line.split('\t')),
+    [['food', 'value'], ...expected.map((row) => [row[0], row[2]])]);
+});
+
+// What is printed when the browser is asked to.
+const printed = () => seen.page.evaluate(() => globalThis.printedRows);
+const notePrinting = () => seen.page.evaluate(() => {
+  globalThis.printedRows = null;
+  globalThis.print = () => {
+    globalThis.printedRows = [...document.querySelectorAll('.printed tbody tr')].map((row) => [...row.cells].map((cell) => cell.textContent));
+  };
+});
+
+test('all rows of a table are printed, by the button, by keys, and by the menu of the browser', async () => {
+  await view('view=table&s=nutrition&p1=*_mg', '.grid tbody td');
+  const expected = records('nutrition', '--slice', '*,*_mg');
+  assert.ok(expected.length > 250);
+  await notePrinting();
+  await click('#print');
+  assert.deepEqual(await printed(), expected);
+  await notePrinting();
+  await seen.page.keyboard.down('Control');
+  await seen.page.keyboard.press('p');
+  await seen.page.keyboard.up('Control');
+  await settled(seen.page);
+  assert.deepEqual(await printed(), expected);
+  await seen.page.evaluate(() => dispatchEvent(new Event('afterprint')));
+  assert.equal(await seen.page.$('.printed tr'), null);
+  await seen.page.evaluate(() => dispatchEvent(new Event('beforeprint')));
+  assert.deepEqual(await shownRows('.printed'), expected);
+  await seen.page.evaluate(() => dispatchEvent(new Event('afterprint')));
 });
 
 test('a link holds the view and not the token', async () => {

@@ -188,8 +188,8 @@ TEST_F(ViewAnswerTest, SaysWhatIsWrongWithARequest) {
   EXPECT_EQ(server_.refused(400, "rows"), "s: is missing");
   EXPECT_EQ(server_.refused(400, "rows", {{"s", "cost"}, {"f", "1"}}),
             "f: '1' is no whole number from 0 to 0");
-  EXPECT_EQ(server_.refused(400, "rows", {{"s", "cost"}, {"count", "1001"}}),
-            "count: '1001' is no whole number from 0 to 1000");
+  EXPECT_EQ(server_.refused(400, "rows", {{"s", "cost"}, {"count", "20001"}}),
+            "count: '20001' is no whole number from 0 to 20000");
   EXPECT_EQ(server_.refused(400, "rows", {{"s", "cost"}, {"sort", "day"}}),
             "cost has no column 'day'");
   EXPECT_EQ(server_.refused(400, "rows", {{"s", "cost"}, {"where", "level > 1"}}),

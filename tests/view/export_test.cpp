@@ -23,6 +23,14 @@ TEST_F(ViewExportTest, WritesCsvAsItIsShown) {
             "plant,text\nAda,the first\nBor,\n");
 }
 
+TEST_F(ViewExportTest, WritesTextWithTabsUpToSoManyRows) {
+  const Answer some = server_.get("/api/export?s=cost&format=tsv&most=2");
+  EXPECT_EQ(some.header("content-type"), "text/tab-separated-values; charset=utf-8");
+  EXPECT_EQ(some.body, "plant\tweek\tvalue\nAda\tw1\t5\nAda\tw2\t-2.5\n");
+  EXPECT_EQ(server_.get("/api/export?s=cost&format=tsv&sort=value&hide=1&most=1").body,
+            "plant\tvalue\nAda\t-2.5\n");
+}
+
 TEST_F(ViewExportTest, WritesExchangeFiles) {
   const Answer answer = server_.get("/api/export?s=cost&format=rxf&where=value%3E0");
   EXPECT_EQ(answer.status, 200);
@@ -47,7 +55,7 @@ TEST_F(ViewExportTest, WritesExcel) {
 
 TEST_F(ViewExportTest, SaysWhatIsWrong) {
   EXPECT_EQ(server_.refused(400, "export", {{"s", "cost"}, {"format", "pdf"}}),
-            "format: 'pdf' is none of csv, xlsx and rxf");
+            "format: 'pdf' is none of csv, tsv, xlsx and rxf");
   EXPECT_EQ(server_.refused(400, "export", {{"s", "cost"}, {"format", "csv"}, {"hide", "0,1,2"}}),
             "hide: no column would be left");
   EXPECT_EQ(server_.refused(400, "export", {{"s", "cost"}}), "format: is missing");

@@ -69,7 +69,7 @@ export function tick(label, value, change) {
 export function dialog(title, ...children) {
   const heading = h('h2', {id: 'dialog-title'}, title);
   const box = h('dialog', {'aria-labelledby': 'dialog-title', onclose: () => box.remove()}, heading,
-    ...children);
+    ...children.filter(Boolean));
   document.body.append(box);
   box.showModal();
   return box;
@@ -84,14 +84,24 @@ export function save(blob, name) {
   setTimeout(() => URL.revokeObjectURL(url), 10000);
 }
 
+// Copies a text. Where the browser wants a click for it that was not too long ago, a dialog asks for one.
 export async function toClipboard(text, what) {
   try {
     await navigator.clipboard.writeText(text);
     say(`${what} copied`);
   } catch {
-    const area = h('textarea', {readOnly: true, rows: 6, 'aria-label': what}, text);
-    dialog('Copy with the keyboard', area);
-    area.select();
+    const isShort = text.length < 1e6;
+    const area = isShort && h('textarea', {readOnly: true, rows: 6, 'aria-label': what}, text);
+    const box = dialog('Ready to be copied', area, h('div', {class: 'row'}, h('button', {type: 'button', class: 'main', onclick: async () => {
+      try {
+        await navigator.clipboard.writeText(text);
+        box.close();
+        say(`${what} copied`);
+      } catch (error) {
+        say(error.message);
+      }
+    }}, 'Copy'), h('button', {type: 'button', onclick: () => box.close()}, 'Close')));
+    if (isShort) area.select();
   }
 }
 

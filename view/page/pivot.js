@@ -8,6 +8,7 @@ import {askForSymbol, heading} from './symbols.js';
 const zones = [['rows', 'Rows'], ['cols', 'Columns'], ['over', 'Over']];
 const atOnce = 300;
 const widest = 200;
+const mostPrinted = 20000;
 export const ways = [['sum', 'Sum'], ['mean', 'Mean'], ['count', 'Count'], ['min', 'Least'], ['max', 'Greatest']];
 
 // The positions in their zones; at first the last goes across, and the others down.
@@ -138,10 +139,14 @@ export async function pivotPage(main, context) {
   total.textContent = `${counted(answer.rows.length, 'row')} × ${counted(answer.cols.length, 'column')}, ${counted(answer.cells.length, 'cell')}`;
   const cut = answer.cols.length > widest &&
     h('p', {class: 'hint'}, `${counted(answer.cols.length - widest, 'column')} more; filter, or put the position in the rows.`);
+  let shownRows = atOnce;
   const show = (count) => {
-    const more = answer.rows.length > count && h('button', {type: 'button', onclick: () => show(count + atOnce)},
-      `Show more of ${counted(answer.rows.length, 'row')}`);
-    out.replaceChildren(...[drawTable(symbol, layoutNow, answer, count), more, cut].filter(Boolean));
+    const isCut = answer.rows.length > count;
+    const more = isCut && h('button', {type: 'button', onclick: () => show(shownRows += atOnce)}, `Show more of ${counted(answer.rows.length, 'row')}`);
+    const rest = isCut && h('p', {class: 'cut'}, `The first ${count.toLocaleString('en-US')} of ${counted(answer.rows.length, 'row')}.`);
+    out.replaceChildren(...[drawTable(symbol, layoutNow, answer, count), more, rest, cut].filter(Boolean));
   };
-  show(atOnce);
+  show(shownRows);
+  addEventListener('beforeprint', () => show(Math.max(shownRows, mostPrinted)), {signal: context.signal});
+  addEventListener('afterprint', () => show(shownRows), {signal: context.signal});
 }

@@ -4,6 +4,7 @@ import * as state from './state.js';
 
 const types = [['set', 'Sets'], ['alias', 'Aliases'], ['parameter', 'Parameters'],
   ['variable', 'Variables'], ['equation', 'Equations']];
+const mostRows = 2000;
 let wanted = '';
 let drawn = null;
 
@@ -85,9 +86,10 @@ function drawRows(symbols) {
   const body = document.getElementById('symbol-rows');
   if (body === null) return;
   const fitting = symbols.filter(fits);
-  body.replaceChildren(...fitting.slice(0, 2000).map(row));
+  body.replaceChildren(...fitting.slice(0, mostRows).map(row));
   document.getElementById('symbol-total').textContent =
-    `${counted(fitting.length, 'symbol')}, ${counted(fitting.reduce((sum, one) => sum + one.records, 0), 'record')}`;
+    `${counted(fitting.length, 'symbol')}, ${counted(fitting.reduce((sum, one) => sum + one.records, 0), 'record')}` +
+    (fitting.length > mostRows ? `; the first ${mostRows.toLocaleString('en-US')} are shown, search for the others` : '');
 }
 
 export async function symbolsPage(main, {found, file, symbols}) {

@@ -2,12 +2,13 @@
 import * as api from './api.js';
 import {counted, dialog, h, numberText, problem, save, say, shown, tick, toClipboard} from './dom.js';
 import {asked, filterBar} from './filters.js';
+import {printAll} from './print.js';
 import * as state from './state.js';
 import {askForSymbol, heading} from './symbols.js';
 import {Windowed} from './windowed.js';
 
-const copied = 10000;
-const perRequest = 1000;
+// A clipboard takes so many cells.
+const mostCopied = 8e6;
 
 const order = () => ({sort: state.get('sort'), desc: state.get('desc')});
 
@@ -42,30 +43,22 @@ function chooseColumns(symbol) {
   }}, 'Apply'), h('button', {type: 'button', onclick: () => box.close()}, 'Cancel')));
 }
 
-// What is shown as text with tabs, up to so many rows.
+// What is shown as text with tabs, as far as it fits.
 async function copyRows(context, total) {
-  const {symbol} = context;
-  const columns = shownColumns(symbol);
-  const names = [...symbol.keys, ...symbol.values];
-  const lines = [columns.map((index) => names[index]).join('\t')];
-  const end = Math.min(total, copied);
-  for (let from = 0; from < end; from += perRequest) {
-    const {rows} = await api.get('rows',
-      {...asked(context), ...order(), from, count: Math.min(perRequest, end - from)}, context.signal);
-    for (const row of rows) {
-      lines.push(columns.map((index) => isNumber(symbol, index) ? numberText(row[index])
-        : String(row[index]).replace(/[\t\r\n]/g, ' ')).join('\t'));
-    }
-  }
-  await toClipboard(lines.join('\n') + '\n',
-    end < total ? `the first ${counted(end, 'row')}` : counted(end, 'row'));
+  const rows = Math.floor(mostCopied / shownColumns(context.symbol).length);
+  const blob = await api.get('export', {...asked(context), ...order(), hide: state.get('hide'), format: 'tsv', most: rows}, context.signal);
+  await toClipboard(await blob.text(), total <= rows ? counted(total, 'row')
+    : `the first ${rows.toLocaleString('en-US')} of ${counted(total, 'row')} (a file has all)`);
 }
+
+// What a file of each kind keeps of what is shown.
+const keepsAll = (format) => format !== 'rxf' || (state.get('hide') === '' && state.get('sort') === '');
 
 async function exportAs(context, format) {
   const blob = await api.get('export',
     {...asked(context), ...order(), hide: state.get('hide'), format}, context.signal);
   save(blob, `${context.symbol.name.replace(/[^\w.-]/g, '_')}.${format}`);
-  say(`${counted(blob.size, 'byte')} saved`);
+  say(`${counted(blob.size, 'byte')} saved${keepsAll(format) ? '' : ', with all positions in the order of the file'}`);
 }
 
 export async function tablePage(main, context) {
@@ -107,9 +100,11 @@ export async function tablePage(main, context) {
     h('div', {class: 'row'}, total,
       h('button', {type: 'button', id: 'columns', onclick: () => chooseColumns(symbol)}, 'Columns'),
       h('button', {type: 'button', id: 'copy', onclick: act(() => copyRows(context, rowCount))}, 'Copy'),
+      h('button', {type: 'button', id: 'print', onclick: act(printAll)}, 'Print'),
       ['csv', 'xlsx', 'rxf'].map((format) => h('button', {
         type: 'button', id: `export-${format}`, onclick: act(() => exportAs(context, format)),
-      }, {csv: 'Save CSV', xlsx: 'Save Excel', rxf: 'Save RXF'}[format]))),
+      }, {csv: 'Save CSV', xlsx: 'Save Excel', rxf: 'Save RXF'}[format])),
+      !keepsAll('rxf') && h('span', {class: 'hint', id: 'rxf-keeps'}, 'RXF keeps the filters; it has all positions, in its own order.')),
     table.element);
   try {
     await table.open();

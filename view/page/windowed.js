@@ -1,6 +1,7 @@
 // A table of any number of rows, of which those that are seen are asked for. Browsers end elements at
 // some millions of pixels; beyond that the scroll bar tells a share of the whole instead of pixels.
 import {h, problem} from './dom.js';
+import {makePrintable, readyRows} from './print.js';
 
 const rowHeight = 26;
 const tallest = 6e6;
@@ -20,11 +21,13 @@ export class Windowed {
       h('thead', {}, h('tr', {'aria-rowindex': 1}, columns.map((column) => this.title(column)))), this.body);
     this.view = h('div', {class: 'view'}, this.table);
     this.tall = h('div', {class: 'tall'}, this.view);
-    this.element = h('div', {class: 'scroller', tabIndex: 0, role: 'region', 'aria-label': `${label}, scrolls`}, this.tall);
-    this.element.addEventListener('scroll', () => this.scrolled());
-    this.element.addEventListener('wheel', (event) => this.wheeled(event), {passive: false});
-    this.element.addEventListener('keydown', (event) => this.pressed(event));
-    new ResizeObserver(() => this.draw()).observe(this.element);
+    this.scroller = h('div', {class: 'scroller', tabIndex: 0, role: 'region', 'aria-label': `${label}, scrolls`}, this.tall);
+    makePrintable(this);
+    this.element = h('div', {class: 'windowed'}, this.scroller, this.printed);
+    this.scroller.addEventListener('scroll', () => this.scrolled());
+    this.scroller.addEventListener('wheel', (event) => this.wheeled(event), {passive: false});
+    this.scroller.addEventListener('keydown', (event) => this.pressed(event));
+    new ResizeObserver(() => this.draw()).observe(this.scroller);
   }
 
   title(column) {
@@ -40,7 +43,7 @@ export class Windowed {
   }
 
   get fitting() {
-    return Math.max(1, Math.floor((this.element.clientHeight - this.head()) / rowHeight));
+    return Math.max(1, Math.floor((this.scroller.clientHeight - this.head()) / rowHeight));
   }
 
   head() {
@@ -59,6 +62,16 @@ export class Windowed {
     this.counted(total);
     this.table.setAttribute('aria-rowcount', total + 1);
     this.go(this.first);
+    if (total <= readyRows) this.makeReady();
+  }
+
+  // Asks for all rows of a small table beforehand.
+  async makeReady() {
+    try {
+      for (let page = 0; page * pageRows < this.total; ++page) await this.page(page);
+    } catch {
+      // They are asked for again when they are seen.
+    }
   }
 
   page(number) {
@@ -91,9 +104,9 @@ export class Windowed {
     this.first = Math.min(Math.max(0, Math.round(row)), this.last);
     const height = this.heightOfAll();
     this.tall.style.height = `${height}px`;
-    const room = height - this.element.clientHeight;
+    const room = height - this.scroller.clientHeight;
     this.expected = this.last === 0 ? 0 : this.first / this.last * Math.max(0, room);
-    this.element.scrollTop = this.expected;
+    this.scroller.scrollTop = this.expected;
     this.draw();
     clearTimeout(this.movedTimer);
     this.movedTimer = setTimeout(() => this.moved(this.first), 400);
@@ -101,10 +114,10 @@ export class Windowed {
 
   scrolled() {
     // What go() has set comes back as an event of its own.
-    if (this.expected !== undefined && Math.abs(this.element.scrollTop - this.expected) < 2) return;
+    if (this.expected !== undefined && Math.abs(this.scroller.scrollTop - this.expected) < 2) return;
     this.expected = undefined;
-    const room = this.heightOfAll() - this.element.clientHeight;
-    const first = room <= 0 ? 0 : Math.round(this.element.scrollTop / room * this.last);
+    const room = this.heightOfAll() - this.scroller.clientHeight;
+    const first = room <= 0 ? 0 : Math.round(this.scroller.scrollTop / room * this.last);
     if (first === this.first) return;
     this.first = Math.min(first, this.last);
     this.draw();
@@ -126,7 +139,7 @@ export class Windowed {
   }
 
   pressed(event) {
-    if (event.target !== this.element) return;
+    if (event.target !== this.scroller) return;
     const step = {ArrowDown: 1, ArrowUp: -1, PageDown: this.fitting - 1, PageUp: 1 - this.fitting}[event.key];
     if (step !== undefined) this.go(this.first + step);
     else if (event.key === 'Home') this.go(0);
@@ -172,9 +185,13 @@ export class Windowed {
       const to = Math.floor(Math.max(this.first, end - 1) / pageRows);
       try {
         for (let page = from; page <= to; ++page) await this.page(page);
+        this.wrong?.remove();
         this.draw();
       } catch (error) {
-        if (error.name !== 'AbortError') this.element.before(problem(error));
+        if (error.name === 'AbortError') return;
+        this.wrong?.remove();
+        this.wrong = problem(error);
+        this.element.before(this.wrong);
       }
     }, 40);
   }
