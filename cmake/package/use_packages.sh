@@ -24,6 +24,23 @@ for file in bash-completion/completions/ztb zsh/site-functions/_ztb \
 done
 ztb show diet.rxf price --slice macaroni --csv | grep -qx 'Macaroni,14.1' ||
   fail 'the command shows no price of macaroni'
+# What is opened when a command needs it: tables, SQL, the viewer.
+ztb export diet.rxf --all --to diet.db >log || fail "no SQLite file is written: $(cat log)"
+ztb export diet.rxf --all --to diet.xlsx >log || fail "no workbook is written: $(cat log)"
+for file in diet.db diet.xlsx; do
+  ztb import back.rxf --from $file >log && ztb diff diet.rxf back.rxf >log ||
+    fail "$file is not what was written: $(cat log)"
+done
+[ "$(ztb sql diet.rxf "select value from price where food = 'Macaroni'" --csv | tail -n 1)" = 14.1 ] ||
+  fail 'the command finds no price of macaroni in SQL'
+ztb plot diet.rxf price --x food --type bar --out price.svg >log || fail "nothing is drawn: $(cat log)"
+mkfifo link
+ztb view diet.rxf --no-open >link 2>log &
+viewer=$!
+read -r shown <link
+grep -q 'http://127\.0\.0\.1:' <<<"$shown" || fail "the viewer says: $shown $(cat log)"
+kill $viewer
+wait $viewer || fail "the viewer ends with $?: $(cat log)"
 if ztb solve diet.lp --solver clp >log 2>&1; then
   fail 'the command solved a model without a solver'
 fi
@@ -33,6 +50,14 @@ for solver in clp cbc glpk ipopt bonmin; do
   ztb solve diet.lp --solver $solver | grep -Eq '^objective +39\.66' ||
     fail "$solver does not solve the diet"
 done
+
+printf 'Minimize\n obj: x\nSubject To\n c: [ x * y ] >= 6\nBounds\n 0 <= x <= 9\n 0 <= y <= 4\nGenerals\n x y\nEnd\n' >whole.lp
+ztb solve whole.lp | grep -Eq '^objective +2$' || fail 'no model with integers and products is solved'
+printf 's,food,price\nas_is,Spinach,1\ndear,Spinach,3\n' >prices.csv
+ztb import prices.rxf --from prices.csv --set 's(s)' --parameter 'price(s, food) = price' >log
+ztb sweep diet.lp --scenarios prices.rxf --over s --report buy --out sweep.rxf --jobs 2 >log 2>&1 ||
+  fail "the sweep says: $(cat log)"
+ztb show sweep.rxf sweep_objective --csv | grep -q '^dear,41\.52' || fail 'the sweep has other results'
 
 apt-get install -qq -y --no-install-recommends ../python3-ztb_*.deb >/dev/null
 python3 -c 'import ztb
@@ -48,7 +73,7 @@ printf '#include <ztb/ztb.h>\nint main(void) { ztbRec* z = 0; char m[256];\n' >s
 printf 'return !(ztbcreate(&z, m, 256) && ztbfree(&z)); }\n' >>small.c
 # The flags are words to be split.
 # shellcheck disable=SC2046
-gcc small.c $(pkg-config --cflags --libs ztb ztb-model ztb-rxf) -o small
+gcc small.c $(pkg-config --cflags --libs ztb ztb-model ztb-rxf ztb-formats ztb-sweep) -o small
 ./small || fail 'a program in C fails'
 
 cd /packages

@@ -10,6 +10,7 @@
 #include "providers/model/model_error.h"
 #include "providers/model/model_file.h"
 #include "tests/model_files/model_text.h"
+#include "tests/support/stdout_capture.h"
 #include "tests/support/temp_folder.h"
 
 namespace {
@@ -213,9 +214,9 @@ TEST_F(MathProg, furtherObjectivesAreFreeRows) {
 }
 
 TEST_F(MathProg, statementsPrintNothing) {
-  testing::internal::CaptureStdout();
+  ztbtest::StdoutCapture output;
   lomu::readModelFile(write("m.mod", std::string(kModel) + kData), "");
-  EXPECT_EQ("", testing::internal::GetCapturedStdout());
+  EXPECT_EQ("", output.text());
 }
 
 TEST_F(MathProg, syntaxErrorNamesTheLine) {

@@ -6,6 +6,7 @@
 
 #include "providers/model/model_file.h"
 #include "tests/model_files/model_text.h"
+#include "tests/support/stdout_capture.h"
 #include "tests/support/temp_folder.h"
 
 namespace {
@@ -550,10 +551,10 @@ TEST_F(Mps, longFiles) {
 }
 
 TEST_F(Mps, nothingIsPrinted) {
-  testing::internal::CaptureStdout();
+  ztbtest::StdoutCapture output;
   read(kFixed);
   fileRefusal(write("m.mps", "nonsense\n"));
-  EXPECT_EQ("", testing::internal::GetCapturedStdout());
+  EXPECT_EQ("", output.text());
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include <sys/wait.h>
 
 #include <cstdlib>
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -36,6 +37,9 @@ TEST_F(HelpTest, OfACommandIsThatOfItsOption) {
   EXPECT_EQ(help, ztbFine({"show", "--help"}));
   EXPECT_NE(help.find("--slice PATTERNS"), std::string::npos);
   EXPECT_EQ(ztbFine({"help"}), ztbFine({"--help"}));
+  EXPECT_NE(ztbFine({"help", "merge"}).find("Usage: ztb merge [OPTIONS] FILE ... OUT\n"),
+            std::string::npos);
+  EXPECT_NE(ztbFine({"help", "sql"}).find("  FILE ... QUERY REQUIRED  "), std::string::npos);
   expectFails(2, "ztb: no command 'shwo', is show meant?; ztb --help lists the commands\n",
               {"help", "shwo"});
 }
@@ -46,11 +50,37 @@ TEST_F(HelpTest, BashCompletesCommandsOptionsAndChoices) {
   EXPECT_EQ(offered("ztb show f.rxf --s"), "--slice\n--sort\n--store\n");
   EXPECT_EQ(offered("ztb show f.rxf s --store \"\""), "map\nvector\ntrie\n");
   EXPECT_EQ(offered("ztb show f.rxf s --store = t"), "trie\n");
+  EXPECT_EQ(offered("ztb show f.rxf s --sort \"\""),
+            "value\nlevel\nmarginal\nlower\nupper\nscale\n");
+  EXPECT_EQ(offered("ztb pivot f.rxf s --field m"), "marginal\n");
   EXPECT_EQ(offered("ztb completion \"\""), "bash\nzsh\nfish\n");
   EXPECT_EQ(offered("ztb help s"), "show\nsql\nsolve\nsweep\n");
   // Nothing of its own, so that bash offers files.
   EXPECT_EQ(offered("ztb show \"\""), "\n");
   EXPECT_EQ(offered("ztb import o.rxf --from \"\""), "\n");
+}
+
+// A shell on a terminal completes the names of files, which are not the function's.
+TEST_F(HelpTest, BashCompletesFiles) {
+  write("completion", ztbFine({"completion", "bash"}));
+  write("onlyfile.csv", "");
+  std::filesystem::create_directory(path("onlyfolder"));
+  write("type.py",
+        "import os, pty\n"
+        "pid, terminal = pty.fork()\n"
+        "if pid == 0:\n"
+        "    os.execvp('bash', ['bash', '--norc', '-i'])\n"
+        "def typed(keys, seen):\n"
+        "    os.write(terminal, keys)\n"
+        "    shown = b''\n"
+        "    while seen not in shown:\n"
+        "        shown += os.read(terminal, 4096)\n"
+        "typed(b\"source ./completion; PS1=rea''dy\\n\", b'ready')\n"
+        "typed(b'ztb import o.rxf --from onlyfi\\t', b'onlyfile.csv')\n"
+        "typed(b'\\x15ztb export f.rxf --to onlyfi\\t', b'onlyfile.csv')\n"
+        "typed(b'\\x15ztb sweep m.lp --parts onlyfo\\t', b'onlyfolder')\n"
+        "print('all three')\n");
+  EXPECT_EQ(shell("timeout 120 /usr/bin/python3 type.py"), "all three\n");
 }
 
 // Every option that the help lists, in the language of each shell.
@@ -83,6 +113,12 @@ TEST_F(HelpTest, FishCompletesCommandsOptionsAndChoices) {
   EXPECT_EQ(offeredFor("ztb s"), "show\nsolve\nsql\nsweep\n");
   EXPECT_EQ(offeredFor("ztb show f.rxf --s"), "--slice\n--sort\n--store\n");
   EXPECT_EQ(offeredFor("ztb show f.rxf s --store "), "map\ntrie\nvector\n");
+  write("onlyfile.csv", "");
+  std::filesystem::create_directory(path("onlyfolder"));
+  EXPECT_EQ(offeredFor("ztb import o.rxf --from onlyfi"), "onlyfile.csv\n");
+  EXPECT_EQ(offeredFor("ztb export f.rxf --to onlyfi"), "onlyfile.csv\n");
+  EXPECT_EQ(offeredFor("ztb aggregate f.rxf s --out onlyfi"), "onlyfile.csv\n");
+  EXPECT_EQ(offeredFor("ztb sweep m.lp --parts onlyfo"), "onlyfolder/\n");
 }
 
 // A shell on a terminal, into which words and the tabulator are typed.
@@ -97,8 +133,11 @@ TEST_F(HelpTest, ZshCompletesCommandsAndOptions) {
         "zpty -w -n z $'ztb show f.rxf --di\\t'\n"
         "zpty -r z seen '*--digits*' && print options\n"
         "zpty -w -n z $'\\x15ztb so\\t'\n"
-        "zpty -r z seen '*solve*' && print commands\n");
-  EXPECT_EQ(shell("timeout 120 zsh -f type.zsh"), "options\ncommands\n");
+        "zpty -r z seen '*solve*' && print commands\n"
+        "zpty -w -n z $'\\x15ztb import o.rxf --from onlyfi\\t'\n"
+        "zpty -r z seen '*onlyfile.csv*' && print files\n");
+  write("onlyfile.csv", "");
+  EXPECT_EQ(shell("timeout 120 zsh -f type.zsh"), "options\ncommands\nfiles\n");
 }
 
 // man tells of what roff does not understand.
@@ -108,7 +147,9 @@ TEST_F(HelpTest, ManShowsThePage) {
   for (const char* text :
        {"ztb show FILE SYMBOL [options]", "--slice PATTERNS",
         "ztb show diet.rxf nutrition --slice 'wheat*,*' --head 20", "ztb solve MODEL [options]",
-        "0 fine, 1 failed", "ENVIRONMENT", "NO_COLOR", "TMPDIR"}) {
+        "0 fine, 1 failed", "ENVIRONMENT", "NO_COLOR", "TMPDIR", "ZTB_DUCKDB", "ZTB_PYTHON",
+        "ZTB_RSVG", "ztb merge FILE ... OUT [options]", "ztb sql FILE ... QUERY [options]",
+        "ztb export FILE [SYMBOL ...] [options]", "ztb view FILE [FILE] [options]"}) {
     EXPECT_NE(page.find(text), std::string::npos) << text;
   }
 }

@@ -46,6 +46,27 @@ Number numberOf(const std::string& text) {
   return number;
 }
 
+// What follows the name of an argument that is several words of different meaning, as in
+// "FILE ... OUT" or "FILE [FILE]"; empty for any other one.
+std::string tailOf(const CLI::Option& option) {
+  const std::string type = option.get_type_name();
+  return type.starts_with("...") || type.starts_with('[') ? type : "";
+}
+
+// Help that tells such arguments as they are given.
+class HelpForm : public CLI::Formatter {
+ public:
+  std::string make_option_usage(const CLI::Option* option) const override {
+    const std::string tail = tailOf(*option);
+    return tail.empty() ? CLI::Formatter::make_option_usage(option)
+                        : make_option_name(option, true) + " " + tail;
+  }
+  std::string make_option_opts(const CLI::Option* option) const override {
+    const std::string tail = tailOf(*option);
+    return tail.empty() ? CLI::Formatter::make_option_opts(option) : " " + tail + " REQUIRED";
+  }
+};
+
 std::vector<std::string> optionNames(const CLI::App& command) {
   std::vector<std::string> names;
   for (const CLI::Option* option : command.get_options()) {
@@ -146,7 +167,10 @@ std::string usageText(const CLI::App& app, const CLI::ParseError& error) {
 OptionDescription described(const CLI::Option& option) {
   const bool isOption = !option.get_lnames().empty();
   const bool takesValue = option.get_items_expected_max() > 0;
+  const bool takesMany = !isOption && option.get_items_expected_max() > 1;
+  const std::string tail = tailOf(option);
   return {.name = isOption ? "--" + option.get_lnames().front() : option.get_name(true, false),
+          .tail = tail.empty() && takesMany ? "..." : tail,
           .value = takesValue ? option.get_type_name() : "",
           .help = option.get_description(),
           .required = option.get_required()};
@@ -289,6 +313,7 @@ void Command::action(std::function<int()> run) {
 CommandLine::CommandLine(const std::string& name, const std::string& version,
                          const std::string& description, const std::string& footer)
     : version_(version), app_(std::make_unique<CLI::App>(description)) {
+  app_->formatter(std::make_shared<HelpForm>());
   app_->name(name);
   app_->set_version_flag("--version", version);
   app_->require_subcommand(1);

@@ -1,7 +1,10 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
+#include <algorithm>
+#include <array>
 #include <string_view>
+#include <ztb/column_names.hpp>
 
 #include "tools/commands/description.h"
 
@@ -60,14 +63,25 @@ std::string zshAction(const OptionDescription& option) {
 
 }  // namespace
 
+bool OptionDescription::isPath() const {
+  constexpr std::array paths = {"FILE", "DIR", "FOLDER", "OUT", "SOURCE", "TARGET"};
+  return std::ranges::find(paths, value) != paths.end();
+}
+
 std::vector<std::string> OptionDescription::choices() const {
+  constexpr std::string_view field = "FIELD";
   std::vector<std::string> words;
-  if (value.find('|') == std::string::npos) {
+  if (value.find('|') == std::string::npos && value != field) {
     return words;
   }
   for (std::size_t begin = 0;;) {
     const std::size_t end = value.find('|', begin);
-    words.push_back(value.substr(begin, end - begin));
+    const std::string word = value.substr(begin, end - begin);
+    if (word == field) {
+      words.insert(words.end(), ztb::fieldNames.begin(), ztb::fieldNames.end());
+    } else {
+      words.push_back(word);
+    }
     if (end == std::string::npos) {
       return words;
     }

@@ -10,14 +10,15 @@ namespace tool {
 
 struct OptionDescription {
   std::string name;   // with its dashes, as in "--head"; of an argument as in "FILE"
+  std::string tail;   // of an argument that is several words, as in "... OUT"
   std::string value;  // what stands behind an option, as in "N"; empty for a flag
   std::string help;
   bool required = false;
 
-  // The words that the value is one of, where it is written as in "map|vector|trie".
+  // The words that the value is one of, where it is written as in "map|vector|trie", or is FIELD.
   [[nodiscard]] std::vector<std::string> choices() const;
   // Whether the value is the name of a file or folder.
-  [[nodiscard]] bool isPath() const { return value == "FILE" || value == "DIR"; }
+  [[nodiscard]] bool isPath() const;
 };
 
 struct CommandDescription {

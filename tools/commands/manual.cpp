@@ -11,8 +11,8 @@ namespace tool {
 
 namespace {
 
-// What the program asks of its surroundings; it has no variables of its own, and no pager.
-constexpr std::array<std::pair<std::string_view, std::string_view>, 4> environment{
+// What the program asks of its surroundings.
+constexpr std::array<std::pair<std::string_view, std::string_view>, 7> environment{
     {{"NO_COLOR", "Where it is set to anything, nothing stands out by colour or weight."},
      {"TERM", "Where it is dumb, neither."},
      {"TMPDIR",
@@ -20,7 +20,11 @@ constexpr std::array<std::pair<std::string_view, std::string_view>, 4> environme
       "it."},
      {"LD_LIBRARY_PATH",
       "Folders where another file library is looked for before the installed "
-      "one."}}};
+      "one."},
+     {"ZTB_DUCKDB", "DuckDB's library, or its folder, which Parquet files need."},
+     {"ZTB_PYTHON",
+      "The program that starts a sweep on a Dask cluster; /usr/bin/python3 without it."},
+     {"ZTB_RSVG", "The library librsvg, which pictures in PNG need, where it is elsewhere."}}};
 
 // A text with what roff would take for its own escaped, and no line that it would take for a
 // request.
@@ -66,7 +70,8 @@ std::string asWritten(std::string_view text) {
 std::string synopsisOf(const ProgramDescription& program, const CommandDescription& command) {
   std::string line = fmt::format("\\fB{} {}\\fR", program.name, command.name);
   for (const OptionDescription& argument : command.arguments) {
-    const std::string name = fmt::format("\\fI{}\\fR", roff(argument.name));
+    const std::string words = argument.name + (argument.tail.empty() ? "" : " " + argument.tail);
+    const std::string name = fmt::format("\\fI{}\\fR", roff(words));
     line += argument.required ? " " + name : " [" + name + "]";
   }
   return line + " [\\fIoptions\\fR]\n";

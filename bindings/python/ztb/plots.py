@@ -8,7 +8,7 @@ from typing import Any, Dict, List, Optional, Tuple, Union
 import numpy as np
 import numpy.typing as npt
 
-from . import arguments
+from . import _native, arguments
 from .values import FIELDS
 
 # Symbols are the package's own, which import this module.
@@ -34,9 +34,9 @@ def _position(symbol: Symbol, given: Position, name: str) -> int:
     """The position that is meant: its number, from 0, or the name of its column."""
     columns: List[str] = symbol._native.columns()
     if isinstance(given, str):
-        folded = [column.casefold() for column in columns]
-        if given.casefold() in folded:
-            return folded.index(given.casefold())
+        folded = [_native.folded(column) for column in columns]
+        if _native.folded(given) in folded:
+            return folded.index(_native.folded(given))
     elif isinstance(given, int) and not isinstance(given, bool) and 0 <= given < len(columns):
         return given
     raise ValueError(
