@@ -24,7 +24,11 @@
  * a set of one position with a record for each label. Texts that are returned stay until the file
  * is closed. A number that does not exist, and a null handle, give null or 0.
  *
- * An open file may be used by several threads at once; each ztbRxfRecords by one at a time.
+ * An open file may be used by several threads at once; each ztbRxfRecords by one at a time. Of a
+ * symbol of very many records, once two blocks in a row were read, a thread of the library's own
+ * decodes the next block ahead; nothing but the time tells. It ends with the last block, with a
+ * failure, and when blocks are skipped or the records rewound or closed. There is none where the
+ * process may use one processor only, or with ZTB_RXF_THREADS=1 in the environment.
  */
 #ifndef ZTB_RXF_H_
 #define ZTB_RXF_H_

@@ -26,7 +26,9 @@
  *               the same time, from their first calls on: opening the libraries that they need is
  *               guarded. A call with two databases (c__ztbinitfromdb, c__ztbcopysymbol) uses both.
  *               Shared by all threads are the trace level and standard output. A model is used like
- *               a database, by the thread that uses the database it is tied to.
+ *               a database, by the thread that uses the database it is tied to. A large symbol of
+ *               an exchange file is read with the help of a thread of that library, which has ended
+ *               when the operation has (docs/reference/rxf.md).
  *   Process     libraries are opened once, at the first need, and stay open to the end: a folder
  *               that a later database names has no effect on those already open, and this library
  *               must not be unloaded. An opening that failed is tried again by the next database.

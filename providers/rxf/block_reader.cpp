@@ -13,39 +13,36 @@ void BlockReader::start(const SymbolEntry& entry, std::uint32_t number, std::str
   name_ = name;
   labelCount_ = labelCount;
   textCount_ = textCount;
-  index_ = 0;
-  offset_ = entry.dataOffset;
-  place_ = {};
-  lost_ = false;
-  first_ = true;
+  at_ = {};
+  at_.offset = entry.dataOffset;
 }
 
 // Has `work` take the next block, and moves behind that.
 template <class Work>
 void BlockReader::pass(const Work& work) {
-  place_ = {index_, offset_, 0};
-  std::uint64_t behind = offset_;
+  at_.place = {at_.index, at_.offset, 0};
+  std::uint64_t behind = at_.offset;
   try {
     work(behind);
   } catch (const Malformed&) {
     file_.requireUnchanged();
-    lost_ = behind == offset_;
-    index_ = lost_ ? entry_->blockCount() : index_ + 1;
-    offset_ = behind;
+    at_.lost = behind == at_.offset;
+    at_.index = at_.lost ? entry_->blockCount() : at_.index + 1;
+    at_.offset = behind;
     throw;
   } catch (const Failure&) {
     file_.requireUnchanged();
     throw;
   }
   file_.requireUnchanged();
-  ++index_;
-  offset_ = behind;
+  ++at_.index;
+  at_.offset = behind;
 }
 
 void BlockReader::next(DecodedBlock& block) {
   pass([&](std::uint64_t& behind) {
-    const FrameHead head = readBlock(index_, behind, block);
-    place_.checksum = head.bodyChecksum;
+    const FrameHead head = readBlock(at_.index, behind, block);
+    at_.place.checksum = head.bodyChecksum;
     block.verify(head.count, entry_->dim, slotsOfType(entry_->type), labelCount_, decompressor_);
     if (entry_->type == kTypeSet) block.verifyTextNumbers(textCount_);
     checkOrder(block);
@@ -53,20 +50,20 @@ void BlockReader::next(DecodedBlock& block) {
 }
 
 void BlockReader::skip() {
-  pass([&](std::uint64_t& behind) { readHead(index_, behind); });
-  first_ = true;
+  pass([&](std::uint64_t& behind) { readHead(at_.index, behind); });
+  at_.first = true;
 }
 
 // Throws Malformed when the records do not come behind those of the whole block before.
 void BlockReader::checkOrder(const DecodedBlock& block) {
   const std::size_t dim = static_cast<std::size_t>(entry_->dim);
   const std::uint32_t* first = block.keys().firstKeys();
-  if (!first_ &&
-      !std::lexicographical_compare(last_.begin(), last_.begin() + dim, first, first + dim)) {
+  if (!at_.first &&
+      !std::lexicographical_compare(at_.last.begin(), at_.last.begin() + dim, first, first + dim)) {
     throw Malformed(DetailText("its records do not ascend from the block before"));
   }
-  std::copy_n(block.keys().lastKeys(), dim, last_.begin());
-  first_ = false;
+  std::copy_n(block.keys().lastKeys(), dim, at_.last.begin());
+  at_.first = false;
 }
 
 void BlockReader::again(const Place& place, DecodedBlock& block) {

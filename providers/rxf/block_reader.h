@@ -30,8 +30,30 @@ class BlockReader {
     std::uint64_t checksum = 0;
   };
 
+  // How far it is; what was read before does not count for it.
+  struct Position {
+    std::uint32_t index = 0;
+    std::uint64_t offset = 0;
+    Place place;
+    bool lost = false;
+    // Keys of the last record of the block before, unless there was none or it was not read.
+    bool first = true;
+    std::array<std::uint32_t, kMaxDimension> last{};
+  };
+
   BlockReader(const InputFile& file, Decompressor& decompressor)
       : file_(file), decompressor_(decompressor) {}
+
+  // One that stands where `other` does and reads on by itself.
+  BlockReader(const BlockReader& other, Decompressor& decompressor)
+      : file_(other.file_),
+        decompressor_(decompressor),
+        entry_(other.entry_),
+        number_(other.number_),
+        name_(other.name_),
+        labelCount_(other.labelCount_),
+        textCount_(other.textCount_),
+        at_(other.at_) {}
 
   // Begins with the first block of a symbol. `labelCount` bounds the keys, and `textCount` the text
   // numbers of a set. `entry` is to stay until the next start.
@@ -39,10 +61,25 @@ class BlockReader {
              std::uint32_t labelCount, std::uint32_t textCount);
 
   // Whether no block is left.
-  [[nodiscard]] bool atEnd() const { return index_ == entry_->blockCount(); }
+  [[nodiscard]] bool atEnd() const { return at_.index == entry_->blockCount(); }
+  // Whether no block was read yet.
+  [[nodiscard]] bool atStart() const { return at_.index == 0; }
+  [[nodiscard]] std::uint32_t blocksLeft() const { return entry_->blockCount() - at_.index; }
+
+  [[nodiscard]] const Position& position() const { return at_; }
+  // Goes where another reader of the same symbol is.
+  void moveTo(const Position& position) { at_ = position; }
+
+  // The shape of the records.
+  [[nodiscard]] std::size_t dim() const { return static_cast<std::size_t>(entry_->dim); }
+  [[nodiscard]] std::size_t slots() const {
+    return static_cast<std::size_t>(slotsOfType(entry_->type));
+  }
+
+  [[nodiscard]] SystemCalls& calls() const { return file_.calls(); }
 
   // The block that next() reads, or that it failed to read: its index, from 0, and its offset.
-  [[nodiscard]] const Place& place() const { return place_; }
+  [[nodiscard]] const Place& place() const { return at_.place; }
 
   // Reads the next block into `block` and verifies all of it, also that its records come behind
   // those of the whole block before. Throws Malformed when it is damaged, and Failure when the file
@@ -56,7 +93,7 @@ class BlockReader {
   void skip();
 
   // Whether the blocks behind the damaged one cannot be found.
-  [[nodiscard]] bool lost() const { return lost_; }
+  [[nodiscard]] bool lost() const { return at_.lost; }
 
   // Reads a block again that next() has verified. Throws Malformed when it is another now, and
   // Failure.
@@ -82,13 +119,7 @@ class BlockReader {
   std::uint32_t labelCount_ = 0;
   std::uint32_t textCount_ = 0;
 
-  std::uint32_t index_ = 0;
-  std::uint64_t offset_ = 0;
-  Place place_;
-  bool lost_ = false;
-  // Keys of the last record of the block before, unless there was none or it was not read.
-  std::array<std::uint32_t, kMaxDimension> last_{};
-  bool first_ = true;
+  Position at_;
 };
 
 }  // namespace rxffile

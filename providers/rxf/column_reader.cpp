@@ -20,16 +20,14 @@ ColumnReader::ColumnReader(std::shared_ptr<const RxfReader> reader, std::uint32_
     blocks_.start(entry, number_, reader_->symbols().name(number_), labels,
                   reader_->texts().size());
   }
-  const std::size_t room = std::min(records, kBlockRecords);
-  keys_.assign(dim, std::vector<std::int32_t>(room));
-  values_.assign(slots, std::vector<double>(room));
+  columns_.shape(dim, slots, std::min(records, kBlockRecords));
 }
 
 std::uint32_t ColumnReader::next() {
   if (failure_ != nullptr) throw Failure(*failure_);
   if (again_) {
     again_ = false;
-    return count_;
+    return count();
   }
   return number_ == 0 ? countLabels() : readBlock();
 }
@@ -42,21 +40,27 @@ bool ColumnReader::skip() {
   }
   if (number_ == 0) return countLabels() > 0;
   if (blocks_.atEnd()) return false;
+  ahead_.stop();
+  inARow_ = false;
   pass([&] { blocks_.skip(); });
   return true;
 }
 
 std::uint32_t ColumnReader::readBlock() {
   if (blocks_.atEnd()) return 0;
-  pass([&] { blocks_.next(decoded_); });
-  decode();
-  return count_;
+  pass([&] {
+    if (ahead_.running() && ahead_.take(blocks_, columns_)) return;
+    blocks_.next(decoded_);
+    columns_.decode(decoded_, specials_, room_);
+  });
+  if (inARow_ && block_ == 2) ahead_.start(blocks_, specials_, columns_);
+  return count();
 }
 
 // Has `work` go behind the next block, and remembers why it cannot.
 template <class Work>
 void ColumnReader::pass(const Work& work) {
-  count_ = 0;
+  columns_.setCount(0);
   try {
     work();
   } catch (const Malformed& malformed) {
@@ -73,39 +77,30 @@ void ColumnReader::pass(const Work& work) {
   if (failure_ != nullptr) throw Failure(*failure_);
 }
 
-void ColumnReader::decode() {
-  decoded_.rewind();
-  while (const std::size_t count = decoded_.next(specials_, keyPiece_, valuePieces_)) {
-    for (std::size_t j = 0; j < keys_.size(); ++j) {
-      std::copy_n(keyPiece_.columns[j].data(), count, keys_[j].data() + count_);
-    }
-    for (std::size_t s = 0; s < values_.size(); ++s) {
-      std::copy_n(valuePieces_[s].data(), count, values_[s].data() + count_);
-    }
-    count_ += static_cast<std::uint32_t>(count);
-  }
-}
-
 // The universe needs no block: label numbers count up, and no label has a text.
 std::uint32_t ColumnReader::countLabels() {
   const std::uint32_t left = reader_->labels().size() - labels_;
   if (left == 0) return 0;
-  count_ = std::min(kBlockRecords, left);
-  std::iota(keys_[0].begin(), keys_[0].begin() + count_, static_cast<std::int32_t>(labels_ + 1));
-  labels_ += count_;
+  const std::uint32_t taken = std::min(kBlockRecords, left);
+  std::iota(columns_.keys(0), columns_.keys(0) + taken, labels_ + 1);
+  std::fill_n(columns_.values(0), taken, 0.0);
+  columns_.setCount(taken);
+  labels_ += taken;
   ++block_;
-  return count_;
+  return taken;
 }
 
 void ColumnReader::rewind() {
   failure_.reset();
   damaged_ = false;
-  again_ = block_ == 1 && count_ > 0;
+  again_ = block_ == 1 && columns_.count() > 0;
   if (again_) return;
   block_ = 0;
   offset_ = 0;
   labels_ = 0;
-  count_ = 0;
+  columns_.setCount(0);
+  inARow_ = true;
+  ahead_.stop();
   if (number_ != 0) {
     blocks_.start(reader_->symbols().at(number_), number_, reader_->symbols().name(number_),
                   reader_->labels().size(), reader_->texts().size());

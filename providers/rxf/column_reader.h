@@ -1,18 +1,20 @@
 // The records of one symbol of an open file by columns, block by block.
 //
-// Memory is that of one block, whatever the symbol has: nothing else of it is kept.
+// Memory is that of a few blocks, whatever the symbol has: nothing else of it is kept. From the
+// second block on in a row, those behind are decoded by a thread ahead of their delivery
+// (BlocksAhead) where there are many; whoever looks at the first one only, or skips some, has the
+// others left alone.
 #ifndef ZTB_PROVIDERS_RXF_COLUMN_READER_H_
 #define ZTB_PROVIDERS_RXF_COLUMN_READER_H_
 
-#include <array>
 #include <cstdint>
 #include <memory>
-#include <vector>
 
+#include "providers/rxf/block_columns.h"
 #include "providers/rxf/block_reader.h"
+#include "providers/rxf/blocks_ahead.h"
 #include "providers/rxf/decoded_block.h"
 #include "providers/rxf/failure.h"
-#include "providers/rxf/limits.h"
 #include "providers/rxf/rxf_reader.h"
 #include "providers/rxf/special_table.h"
 #include "providers/rxf/zstd_codec.h"
@@ -37,13 +39,13 @@ class ColumnReader {
   // The columns of the block that next() gave last. REQUIRES: position below the dimension, slot
   // below the number of values.
   [[nodiscard]] const std::int32_t* keys(int position) const {
-    return keys_[static_cast<std::size_t>(position)].data();
+    return reinterpret_cast<const std::int32_t*>(columns_.keys(static_cast<std::size_t>(position)));
   }
   [[nodiscard]] const double* values(int slot) const {
-    return values_[static_cast<std::size_t>(slot)].data();
+    return columns_.values(static_cast<std::size_t>(slot));
   }
-  [[nodiscard]] int dimension() const { return static_cast<int>(keys_.size()); }
-  [[nodiscard]] int valueCount() const { return static_cast<int>(values_.size()); }
+  [[nodiscard]] int dimension() const { return static_cast<int>(columns_.dim()); }
+  [[nodiscard]] int valueCount() const { return static_cast<int>(columns_.slots()); }
 
   // Back to the first block. If it is the one that next() gave last it is not read again.
   void rewind();
@@ -60,21 +62,16 @@ class ColumnReader {
   void pass(const Work& work);
   std::uint32_t readBlock();
   std::uint32_t countLabels();
-  void decode();
+  [[nodiscard]] std::uint32_t count() const { return static_cast<std::uint32_t>(columns_.count()); }
 
   std::shared_ptr<const RxfReader> reader_;
   std::uint32_t number_;
   Decompressor decompressor_;
   BlockReader blocks_;
   DecodedBlock decoded_;
-  KeyPiece keyPiece_;
-  std::array<ValuePiece, kMaxSlots> valuePieces_;
+  PieceRoom room_;
   const SpecialTable specials_;
-
-  std::vector<std::vector<std::int32_t>> keys_;
-  std::vector<std::vector<double>> values_;
-  // Records in the columns.
-  std::uint32_t count_ = 0;
+  BlockColumns columns_;
   std::uint32_t block_ = 0;
   std::uint64_t offset_ = 0;
   // Labels of the universe that were handed out.
@@ -83,6 +80,9 @@ class ColumnReader {
   bool again_ = false;
   std::unique_ptr<Failure> failure_;
   bool damaged_ = false;
+  // No block was skipped since the first.
+  bool inARow_ = true;
+  BlocksAhead ahead_;
 };
 
 }  // namespace rxffile

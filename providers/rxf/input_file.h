@@ -23,6 +23,7 @@ class InputFile {
   ~InputFile();
 
   [[nodiscard]] const std::string& path() const { return path_; }
+  [[nodiscard]] SystemCalls& calls() const { return calls_; }
 
   // The name as texts show it: of a long one only its end, so that there is room for the reason.
   [[nodiscard]] std::string shownName() const;

@@ -6,9 +6,10 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <cstdint>
 
-#include "providers/rxf/decoded_block.h"
-#include "providers/rxf/key_codec.h"
+#include "providers/rxf/block_columns.h"
+#include "providers/rxf/limits.h"
 
 namespace rxffile {
 
@@ -22,15 +23,15 @@ class RecordPiece {
     if (at == ready_) [[unlikely]]
       return false;
     if (dim_ == 3) {
-      keys[0] = static_cast<int>(keys_.columns[0][at]);
-      keys[1] = static_cast<int>(keys_.columns[1][at]);
-      keys[2] = static_cast<int>(keys_.columns[2][at]);
+      keys[0] = static_cast<int>(keys_[0][at]);
+      keys[1] = static_cast<int>(keys_[1][at]);
+      keys[2] = static_cast<int>(keys_[2][at]);
     } else {
-      for (std::size_t j = 0; j < dim_; ++j) keys[j] = static_cast<int>(keys_.columns[j][at]);
+      for (std::size_t j = 0; j < dim_; ++j) keys[j] = static_cast<int>(keys_[j][at]);
     }
     values[0] = values_[0][at];
     for (std::size_t s = 1; s < slots_; ++s) values[s] = values_[s][at];
-    *firstChanged = keys_.firstChanged[at] + positionFrom_;
+    *firstChanged = firstChanged_[at] + positionFrom_;
     at_ = at + 1;
     return true;
   }
@@ -41,11 +42,11 @@ class RecordPiece {
     const std::size_t at = at_;
     const std::size_t count = std::min(room, ready_ - at);
     for (std::size_t j = 0; j < dim_; ++j) {
-      const auto* column = keys_.columns[j].data() + at;
+      const std::uint32_t* column = keys_[j] + at;
       for (std::size_t i = 0; i < count; ++i) keys[i * dim_ + j] = static_cast<int>(column[i]);
     }
     for (std::size_t s = 0; s < slots_; ++s) {
-      const double* column = values_[s].data() + at;
+      const double* column = values_[s] + at;
       for (std::size_t i = 0; i < count; ++i) values[i * slots_ + s] = column[i];
     }
     at_ = at + count;
@@ -60,23 +61,47 @@ class RecordPiece {
     fill(0);
   }
 
-  // Says that `count` records stand in keys() and values() from the front on.
+  // Says that `count` records stand in room() from the front on.
   void fill(std::size_t count) {
+    for (std::size_t j = 0; j < dim_; ++j) keys_[j] = room_.keys.columns[j].data();
+    for (std::size_t s = 0; s < slots_; ++s) values_[s] = room_.values[s].data();
+    firstChanged_ = room_.keys.firstChanged.data();
+    deliver(count);
+  }
+
+  // Has the records of a whole block delivered, which is to stay until they are. REQUIRES: it is of
+  // this shape.
+  void lend(BlockColumns& block) {
+    for (std::size_t j = 0; j < dim_; ++j) keys_[j] = block.keys(j);
+    for (std::size_t s = 0; s < slots_; ++s) values_[s] = block.values(s);
+    firstChanged_ = block.firstChanged();
+    deliver(block.count());
+  }
+
+  PieceRoom& room() { return room_; }
+
+  // The records that are there.
+  [[nodiscard]] const std::uint32_t* keys(std::size_t position) const { return keys_[position]; }
+  [[nodiscard]] std::size_t count() const { return ready_; }
+  void setFirstChanged(std::size_t position) {
+    firstChanged_[0] = static_cast<std::uint8_t>(position);
+  }
+
+ private:
+  void deliver(std::size_t count) {
     at_ = 0;
     ready_ = count;
   }
 
-  KeyPiece& keys() { return keys_; }
-  std::array<ValuePiece, kMaxSlots>& values() { return values_; }
-
- private:
   std::size_t at_ = 0;
   std::size_t ready_ = 0;
   std::size_t dim_ = 0;
   std::size_t slots_ = 1;
   int positionFrom_ = 1;
-  KeyPiece keys_;
-  std::array<ValuePiece, kMaxSlots> values_;
+  std::array<const std::uint32_t*, kMaxDimension> keys_{};
+  std::array<const double*, kMaxSlots> values_{};
+  std::uint8_t* firstChanged_ = nullptr;
+  PieceRoom room_;
 };
 
 }  // namespace rxffile

@@ -28,6 +28,7 @@ void RecordStream::start(const SymbolEntry& entry, std::uint32_t number, std::st
 }
 
 void RecordStream::stop() {
+  ahead_.stop();
   open_ = false;
   kept_ = 0;
   waiting_.clear();
@@ -75,26 +76,41 @@ DecodedBlock& RecordStream::blockToKeep() {
 bool RecordStream::refill() {
   piece_.fill(0);
   if (!open_) return false;
+  PieceRoom& room = piece_.room();
   std::size_t count = 0;
-  while (current_ == nullptr ||
-         (count = current_->next(specials_, piece_.keys(), piece_.values())) == 0) {
+  while (current_ == nullptr || (count = current_->next(specials_, room.keys, room.values)) == 0) {
+    if (ahead_.running() && takeAhead()) {
+      joinToPrevious();
+      return true;
+    }
     if (!nextBlock()) return false;
   }
-  joinToPrevious(count);
   piece_.fill(count);
+  joinToPrevious();
+  return true;
+}
+
+// The next block, if the thread gives it.
+bool RecordStream::takeAhead() {
+  current_ = nullptr;
+  try {
+    if (!ahead_.take(reader_, columns_)) return false;
+  } catch (const Malformed& malformed) {
+    throw damageAt(reader_.place(), malformed);
+  }
+  piece_.lend(columns_);
   return true;
 }
 
 // The first record of a block does not know the record before it.
-void RecordStream::joinToPrevious(std::size_t count) {
-  KeyPiece& keys = piece_.keys();
+void RecordStream::joinToPrevious() {
   if (!first_) {
     std::size_t changed = 0;
-    while (changed < dim_ && keys.columns[changed][0] == last_[changed]) ++changed;
-    keys.firstChanged[0] = static_cast<std::uint8_t>(changed);
+    while (changed < dim_ && piece_.keys(changed)[0] == last_[changed]) ++changed;
+    piece_.setFirstChanged(changed);
   }
   first_ = false;
-  for (std::size_t j = 0; j < dim_; ++j) last_[j] = keys.columns[j][count - 1];
+  for (std::size_t j = 0; j < dim_; ++j) last_[j] = piece_.keys(j)[piece_.count() - 1];
 }
 
 bool RecordStream::nextBlock() {
@@ -102,8 +118,10 @@ bool RecordStream::nextBlock() {
   if (verify_ == Verify::onTheWay) {
     if (reader_.atEnd()) return false;
     DecodedBlock& block = blockToKeep();
+    const bool first = reader_.atStart();
     readVerified(block);
     current_ = &block;
+    if (first) ahead_.start(reader_, specials_, columns_);
   } else if (deliveredKept_ < kept_) {
     current_ = blocks_[deliveredKept_++].get();
   } else if (deliveredWaiting_ < waiting_.size()) {

@@ -5,7 +5,8 @@
 // do; what goes wrong is a Failure that names the block. When all were verified, a few blocks are
 // kept, so that small symbols are decoded once; of larger ones the blocks behind those are read
 // again. Of a block that is not kept only its place and checksum are remembered, 24 bytes for 65536
-// records.
+// records. Blocks that are verified on the way, and are many, are decoded by a thread ahead of
+// their delivery (BlocksAhead), which is over when the last of them is delivered.
 #ifndef ZTB_PROVIDERS_RXF_RECORD_STREAM_H_
 #define ZTB_PROVIDERS_RXF_RECORD_STREAM_H_
 
@@ -15,7 +16,9 @@
 #include <string_view>
 #include <vector>
 
+#include "providers/rxf/block_columns.h"
 #include "providers/rxf/block_reader.h"
+#include "providers/rxf/blocks_ahead.h"
 #include "providers/rxf/decoded_block.h"
 #include "providers/rxf/failure.h"
 #include "providers/rxf/input_file.h"
@@ -53,10 +56,11 @@ class RecordStream {
 
  private:
   bool nextBlock();
+  bool takeAhead();
   void verifyBlocks();
   void readVerified(DecodedBlock& block);
   [[nodiscard]] Failure damageAt(const BlockReader::Place& place, const Malformed& malformed) const;
-  void joinToPrevious(std::size_t count);
+  void joinToPrevious();
   DecodedBlock& blockToKeep();
 
   Decompressor decompressor_;
@@ -80,6 +84,10 @@ class RecordStream {
   std::array<std::uint32_t, kMaxDimension> last_{};
 
   RecordPiece piece_;
+
+  // The block that was decoded ahead and is delivered, and what decodes those behind it.
+  BlockColumns columns_;
+  BlocksAhead ahead_;
 };
 
 }  // namespace rxffile

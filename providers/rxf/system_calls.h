@@ -1,15 +1,17 @@
-// The calls of the operating system that files are read and written with, behind an interface, so
-// that tests can make each of them fail or end the process there.
+// The calls of the operating system that files are read and written with, and those by which a
+// thread helps with reading, behind an interface, so that tests can make each of them fail or end
+// the process there.
 //
 // On Windows they are made of its own calls, as far as these go.
 //
-// Every call has the meaning, the result and the errno of the POSIX call of its name. Writing
-// beyond the process's file-size limit is the error EFBIG and never the signal SIGXFSZ, whatever
-// the process has arranged for that.
+// Every call of a file has the meaning, the result and the errno of the POSIX call of its name.
+// Writing beyond the process's file-size limit is the error EFBIG and never the signal SIGXFSZ,
+// whatever the process has arranged for that.
 #ifndef ZTB_PROVIDERS_RXF_SYSTEM_CALLS_H_
 #define ZTB_PROVIDERS_RXF_SYSTEM_CALLS_H_
 
 #include <cstddef>
+#include <thread>
 
 #include "providers/rxf/system_types.h"
 
@@ -36,10 +38,22 @@ class SystemCalls {
   virtual ssize_t readlink(const char* path, char* target, std::size_t size);
   virtual int rename(const char* from, const char* to);
   virtual int unlink(const char* path);
+
+  // Processors that the process may use; what ZTB_RXF_THREADS says where that is a number from 1
+  // on.
+  virtual unsigned processors();
+  // Starts `run(what)` as `thread`, where no signal that is sent to the process is handled. Throws
+  // std::system_error and std::bad_alloc.
+  virtual void startThread(std::thread& thread, void (*run)(void* what), void* what);
+  // The process's number, another one behind a fork.
+  virtual long process();
 };
 
 // The real calls.
 SystemCalls& operatingSystem();
+
+// The number in ZTB_RXF_THREADS, 0 where there is none.
+unsigned threadsAsked();
 
 }  // namespace rxffile
 

@@ -1,13 +1,39 @@
 #include <fcntl.h>
+#include <sched.h>
 #include <sys/file.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <csignal>
 #include <cstdio>
 
 #include "providers/rxf/held_signal.h"
 #include "providers/rxf/system_calls.h"
 
 namespace rxffile {
+
+namespace {
+
+// While it lives, no signal is handled in this thread but those that its own instructions raise.
+class SignalsElsewhere {
+ public:
+  SignalsElsewhere() {
+    sigset_t others;
+    sigfillset(&others);
+    for (const int own : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP, SIGABRT, SIGSYS}) {
+      sigdelset(&others, own);
+    }
+    pthread_sigmask(SIG_BLOCK, &others, &before_);
+  }
+  SignalsElsewhere(const SignalsElsewhere&) = delete;
+  SignalsElsewhere& operator=(const SignalsElsewhere&) = delete;
+  ~SignalsElsewhere() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
+
+ private:
+  sigset_t before_{};
+};
+
+}  // namespace
 
 int SystemCalls::open(const char* path, int flags, mode_t mode) {
   return ::open(path, flags, mode);
@@ -64,6 +90,26 @@ int SystemCalls::rename(const char* from, const char* to) {
 
 int SystemCalls::unlink(const char* path) {
   return ::unlink(path);
+}
+
+unsigned SystemCalls::processors() {
+  if (const unsigned asked = threadsAsked(); asked > 0) return asked;
+  cpu_set_t allowed;
+  CPU_ZERO(&allowed);
+  if (sched_getaffinity(0, sizeof allowed, &allowed) != 0) {
+    return std::max(std::thread::hardware_concurrency(), 1U);
+  }
+  return static_cast<unsigned>(CPU_COUNT(&allowed));
+}
+
+// The thread begins with the signals of the one that starts it.
+void SystemCalls::startThread(std::thread& thread, void (*run)(void* what), void* what) {
+  const SignalsElsewhere elsewhere;
+  thread = std::thread(run, what);
+}
+
+long SystemCalls::process() {
+  return getpid();
 }
 
 SystemCalls& operatingSystem() {

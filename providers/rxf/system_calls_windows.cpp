@@ -275,6 +275,20 @@ int SystemCalls::unlink(const char* path) {
   return succeeded(waitingWhileHeld([&] { return DeleteFileW(name.c_str()) != 0; }) ? 1 : 0);
 }
 
+unsigned SystemCalls::processors() {
+  if (const unsigned asked = threadsAsked(); asked > 0) return asked;
+  return std::thread::hardware_concurrency();
+}
+
+void SystemCalls::startThread(std::thread& thread, void (*run)(void* what), void* what) {
+  thread = std::thread(run, what);
+}
+
+// No process is a copy of another.
+long SystemCalls::process() {
+  return 0;
+}
+
 SystemCalls& operatingSystem() {
   static SystemCalls calls;
   return calls;

@@ -12,6 +12,7 @@
 
 #include "tests/fault/failing_allocation.h"
 #include "tests/fault/fault_loop.h"
+#include "tests/support/environment_setting.h"
 #include "tests/support/stdout_capture.h"
 #include "tests/support/temp_folder.h"
 
@@ -135,6 +136,61 @@ TEST_F(ExchangeFaults, readingASymbol) {
     EXPECT_EQ(3.0, db.level(db.first(db.find("v")))) << "other symbols stay readable";
     return happened;
   });
+}
+
+// A symbol that is decoded by a thread of the exchange-file library's, into the default store.
+// Where the thread has no memory the read goes on without.
+TEST_F(ExchangeFaults, readingALargeSymbol) {
+  constexpr int side = 1000;
+  constexpr int records = 500'000;
+  const std::string large = folder.file("large.rxf");
+  {
+    Database source;
+    void* const data = source.addParameter("p", 2);
+    for (int label = 1; label <= side; ++label) source.uel(numbered("l", label).c_str());
+    for (int i = 0; i < records; ++i) {
+      const int keys[] = {1 + i / side, 1 + i % side};
+      double values[5] = {i * 0.5};
+      ASSERT_EQ(1, lib().c__ztbmergerecordint(source, data, keys, 0, 0, nullptr, 1, values));
+    }
+    ASSERT_EQ(1, lib().c__ztbwriterxf(source, large.c_str(), 0)) << source.lastError();
+  }
+  const EnvironmentSetting helped("ZTB_RXF_THREADS", "2");
+  int survived = 0;
+  forEveryAllocation([&](long number, Failures failures) {
+    Database db(large);
+    void* const symbol = db.find("p");
+    StdoutCapture capture;
+    void* handle = nullptr;
+    int result = -1;
+    bool happened = false;
+    {
+      const FailingAllocation failing(number, failures);
+      result = lib().c__ztbfindfirstrecord(db, symbol, &handle);
+      happened = failing.happened();
+    }
+    capture.text();
+    if (result == 1) {
+      const Record record(db, handle);
+      double level = -1;
+      int count = 0;
+      do {
+        lib().c__ztbgetlevel(db, record, &level);
+        if (level != count * 0.5) break;
+        ++count;
+      } while (lib().c__ztbrecordmovenext(db, record) == 1);
+      EXPECT_EQ(records, count);
+      survived += happened ? 1 : 0;
+    } else {
+      EXPECT_TRUE(happened);
+      const std::string told = db.lastError();
+      EXPECT_TRUE(told.starts_with("Out of memory in ") ||
+                  told.starts_with("Symbol p could not be read from "))
+          << told;
+    }
+    return happened;
+  });
+  EXPECT_GT(survived, 3) << "the thread's";
 }
 
 TEST_F(ExchangeFaults, closingWithTheRest) {

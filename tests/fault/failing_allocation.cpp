@@ -1,5 +1,6 @@
 #include "tests/fault/failing_allocation.h"
 
+#include <atomic>
 #include <cstddef>
 #include <cstdlib>
 #include <new>
@@ -8,12 +9,13 @@ namespace ztbtest {
 
 namespace {
 
-// Plain words, since they are in use before and after every constructor of the process.
-bool armed = false;
-bool allFollowingFail = false;
-bool failed = false;
-long remaining = 0;
-long live = 0;
+// Words without a constructor, since they are in use before and after every constructor of the
+// process; for all threads, since the exchange-file library may have one of its own.
+std::atomic<bool> armed = false;
+std::atomic<bool> allFollowingFail = false;
+std::atomic<bool> failed = false;
+std::atomic<long> remaining = 0;
+std::atomic<long> live = 0;
 
 bool mustFail() {
   if (!armed || (failed && !allFollowingFail)) {

@@ -1,14 +1,16 @@
 #include "tests/rxf/failing_new.h"
 
+#include <atomic>
 #include <cstddef>
 #include <cstdlib>
 #include <new>
 
 namespace {
 
-int allocationsLeft = 0;
-bool armed = false;
-bool reached = false;
+// A library's own thread allocates while the one that arms waits.
+std::atomic<int> allocationsLeft = 0;
+std::atomic<bool> armed = false;
+std::atomic<bool> reached = false;
 
 bool failsNow() {
   if (!armed || allocationsLeft == 0 || --allocationsLeft != 0) return false;
