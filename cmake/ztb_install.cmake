@@ -10,7 +10,7 @@
 #                       ztb::view for programs that show files in the browser (ztb/view.h);
 #                       ztb::sql for programs that query databases in SQL (ztb/sql.h)
 #   pkg-config ztb      the same for other build systems; ztb-model, ztb-rxf, ztb-formats,
-#                       ztb-sweep
+#                       ztb-sweep, ztb-sql, ztb-view
 
 include(CMakePackageConfigHelpers)
 
@@ -85,7 +85,7 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/ztb-config.cmake
 # The files of pkg-config tell the folders relative to their own.
 file(RELATIVE_PATH ZTB_UP_TO_PREFIX /${ZTB_LIBRARY_FOLDER}/pkgconfig /)
 string(REGEX REPLACE "/$" "" ZTB_UP_TO_PREFIX ${ZTB_UP_TO_PREFIX})
-foreach(package ztb ztb-model ztb-rxf ztb-formats ztb-sweep)
+foreach(package ztb ztb-model ztb-rxf ztb-formats ztb-sweep ztb-sql ztb-view)
   configure_file(${PROJECT_SOURCE_DIR}/cmake/${package}.pc.in
     ${CMAKE_CURRENT_BINARY_DIR}/${package}.pc @ONLY)
   install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${package}.pc

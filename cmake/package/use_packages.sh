@@ -73,7 +73,7 @@ printf '#include <ztb/ztb.h>\nint main(void) { ztbRec* z = 0; char m[256];\n' >s
 printf 'return !(ztbcreate(&z, m, 256) && ztbfree(&z)); }\n' >>small.c
 # The flags are words to be split.
 # shellcheck disable=SC2046
-gcc small.c $(pkg-config --cflags --libs ztb ztb-model ztb-rxf ztb-formats ztb-sweep) -o small
+gcc small.c $(pkg-config --cflags --libs ztb ztb-model ztb-rxf ztb-formats ztb-sweep ztb-sql ztb-view) -o small
 ./small || fail 'a program in C fails'
 
 cd /packages

@@ -34,7 +34,7 @@ by-package/diet diet.rxf | grep -q 'Spinach  *918.4' || fail 'the example found 
 "$tree/bin/ztb" show diet.rxf price --slice milk --csv | grep -qx 'Milk,12.5' ||
   fail 'the example changed no price'
 
-# A program in C and one in C++ for each of four libraries, by the CMake package and by
+# A program in C and one in C++ for each of its libraries, by the CMake package and by
 # pkg-config. Each prints what the programs of its library have to print.
 cat >ztb.c <<'END'
 #include <stdio.h>
@@ -159,6 +159,61 @@ int main() {
   }
 }
 END
+cat >formats.c <<'END'
+#include <stdio.h>
+#include <ztb/formats.h>
+int main(void) {
+  ztbFormatsJob* job = NULL;
+  if (!ztbFormatsCreate(&job)) return 1;
+  if (ztbFormatsOption(job, "from", "none.db") && ztbFormatsImport(job, "none.rxf")) return 2;
+  puts(ztbFormatsMessage(job));
+  if (ztbFormatsErrorKind(job) != ZTB_ERROR_NO_FILE) return 3;
+  ztbFormatsFree(&job);
+  return 0;
+}
+END
+cat >formats.cpp <<'END'
+#include <iostream>
+#include <ztb/formats.hpp>
+int main() {
+  try {
+    ztb::Formats({{"from", "none.db"}}).importTo("none.rxf");
+  } catch (const ztb::Error& error) {
+    std::cout << error.what() << '\n';
+    return error.kind() == ztb::ErrorKind::noFile ? 0 : 1;
+  }
+}
+END
+cat >sql.c <<'END'
+#include <stdio.h>
+#include <ztb/sql.h>
+int main(void) {
+  char text[512];
+  ztbSql* sql = NULL;
+  ztbSqlRows* rows = NULL;
+  if (!ztbSqlOpen(&sql, text, sizeof text) ||
+      !ztbSqlAttachFile(sql, "diet", "diet.rxf", text, sizeof text) ||
+      !ztbSqlQuery(&rows, sql, "select count(*) from \"*\"", text, sizeof text)) {
+    return 1;
+  }
+  while (ztbSqlNext(rows) == 1) printf("%s labels\n", ztbSqlText(rows, 0));
+  ztbSqlRowsClose(&rows);
+  ztbSqlClose(&sql);
+  return 0;
+}
+END
+cat >view.c <<'END'
+#include <stdio.h>
+#include <ztb/view.h>
+int main(void) {
+  ztbView* view = NULL;
+  if (!ztbViewCreate(&view)) return 1;
+  if (ztbViewOption(view, "colour", "red") || !ztbViewIsUsage(view)) return 2;
+  puts(ztbViewMessage(view));
+  ztbViewFree(&view);
+  return 0;
+}
+END
 cp "$source/examples/diet/diet.lp" .
 expect_printed() {
   printed=$("$1") || fail "$1 ends with an error"
@@ -169,12 +224,15 @@ expect_printed() {
   rxf*) [ "$printed" = '5 symbols' ] ;;
   limit*) [ "$printed" = '77 prices' ] ;;
   sweep*) [[ $printed = *'a sweep has no option colour' ]] ;;
+  formats*) [ "$printed" = 'none.db: cannot be read: No such file or directory' ] ;;
+  sql*) [ "$printed" = '86 labels' ] ;;
+  view*) [[ $printed = *colour* ]] ;;
   esac || fail "$1 prints: $printed"
 }
 tried=0
 for language in C CXX; do
   mkdir "$language"
-  if [ $language = C ]; then ending=c names='ztb model rxf sweep'; else ending=cpp names='ztb model rxf sweep limit'; fi
+  if [ $language = C ]; then ending=c names='ztb model rxf sweep formats sql view'; else ending=cpp names='ztb model rxf sweep formats limit'; fi
   {
     printf 'cmake_minimum_required(VERSION 3.16)\nproject(programs %s)\nfind_package(ztb REQUIRED)\n' \
       $language
@@ -204,7 +262,7 @@ for language in C CXX; do
     tried=$((tried + 1))
   done
 done
-[ $tried -eq 9 ] || fail "$tried programs were tried"
+[ $tried -eq 13 ] || fail "$tried programs were tried"
 
 # Headers stand alone.
 for header in "$tree"/include/ztb/*.hpp; do
