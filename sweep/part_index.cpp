@@ -48,9 +48,17 @@ void PartIndex::take(const std::string& path, int first, int end, std::string_vi
         path,
         fmt::format("is from a sweep with {}; without --resume all is solved anew", difference)));
   }
-  end = std::min(end, scenarios_.count());
-  if (first >= end) return;
+  if (end > scenarios_.count()) {
+    throw Failure(withFile(path, fmt::format("is said to have scenarios up to number {}, and the "
+                                             "sweep has {}",
+                                             end, scenarios_.count())));
+  }
   Content content = read(file, first, end);
+  for (int scenario = first; scenario < end; ++scenario) {
+    if (content.outcomes[static_cast<std::size_t>(scenario - first)].isThere()) continue;
+    throw Failure(withFile(path, fmt::format("lacks scenario {}, which it is said to have",
+                                             scenarios_.label(scenario))));
+  }
   const int source = static_cast<int>(files_.size());
   files_.push_back(path);
   for (int chunk = first / size_; chunk < chunkCount() && begin(chunk) < end; ++chunk) {

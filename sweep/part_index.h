@@ -26,8 +26,8 @@ class PartIndex {
 
   // Takes a file with results of the scenarios from `first` to before `end`. Of each chunk the
   // results of the file with the most of its scenarios count, of those the one with the fewest
-  // that failed, of those the last. Throws Failure when the file cannot be read, and where
-  // it is from a sweep with other inputs.
+  // that failed, of those the last. Throws Failure when the file cannot be read, where it is from a
+  // sweep with other inputs, and where it lacks one of the scenarios.
   void take(const std::string& file, int first, int end, std::string_view inputs);
 
   // The text of sweep_inputs in a file; throws Failure if the file is no sweep's.

@@ -39,6 +39,12 @@ auto guarded(ztbSweep* sweep, const Work& work) -> decltype(work()) {
   return {};
 }
 
+// What is asked for, where somebody asks.
+template <class Value>
+void put(Value* place, Value value) {
+  if (place != nullptr) *place = value;
+}
+
 bool hasScenario(const ztbSweep* sweep, int scenario) {
   return sweep != nullptr && sweep->job.isOpen() && scenario >= 0 &&
          scenario < sweep->job.scenarios().count();
@@ -52,6 +58,7 @@ bool hasChunk(const ztbSweep* sweep, int chunk) {
 }  // namespace
 
 SWEEP_EXPORT int ztbSweepCreate(ztbSweep** sweep) {
+  if (sweep == nullptr) return 0;
   *sweep = new (std::nothrow) ztbSweep();
   return *sweep == nullptr ? 0 : 1;
 }
@@ -120,8 +127,8 @@ SWEEP_EXPORT int ztbSweepChunkCount(const ztbSweep* sweep) {
 
 SWEEP_EXPORT int ztbSweepChunk(const ztbSweep* sweep, int chunk, int* first, int* end) {
   if (!hasChunk(sweep, chunk)) return 0;
-  *first = sweep->job.index().begin(chunk);
-  *end = sweep->job.index().end(chunk);
+  put(first, sweep->job.index().begin(chunk));
+  put(end, sweep->job.index().end(chunk));
   return 1;
 }
 
@@ -191,8 +198,8 @@ SWEEP_EXPORT int ztbSweepFind(ztbSweep* sweep, const char* folder, const char* r
 
 SWEEP_EXPORT int ztbSweepChunkState(const ztbSweep* sweep, int chunk, int* missing, int* failed) {
   if (!hasChunk(sweep, chunk)) return 0;
-  *missing = sweep->job.index().missing(chunk);
-  *failed = sweep->job.index().failed(chunk);
+  put(missing, sweep->job.index().missing(chunk));
+  put(failed, sweep->job.index().failed(chunk));
   return 1;
 }
 
@@ -200,9 +207,9 @@ SWEEP_EXPORT int ztbSweepOutcome(const ztbSweep* sweep, int scenario, int* statu
                                  double* objective) {
   if (!hasScenario(sweep, scenario)) return 0;
   const sweep::Outcome& outcome = sweep->job.index().outcome(scenario);
-  *status = outcome.status;
-  *solveStatus = outcome.solveStatus;
-  *objective = outcome.objective.value_or(0);
+  put(status, outcome.status);
+  put(solveStatus, outcome.solveStatus);
+  put(objective, outcome.objective.value_or(0));
   if (!outcome.isThere()) return 0;
   return outcome.objective ? 2 : 1;
 }

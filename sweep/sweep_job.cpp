@@ -179,9 +179,21 @@ void SweepJob::requireSameInputs() const {
   if (!difference.empty()) throw Failure(difference);
 }
 
-void SweepJob::lock(const std::string& out) {
+// The result must not take the place of a file that the sweep is made from.
+void SweepJob::refuseReplacing(const std::string& out) const {
   requireOpen();
   if (out.empty()) throw Failure("the result has no name");
+  for (const TextOption& option : kTextOptions) {
+    const std::string& file = options_.*option.member;
+    std::error_code error;
+    if (option.isFile && !file.empty() && std::filesystem::equivalent(file, out, error)) {
+      throw Failure(withFile(out, "would be replaced by the results; name another --out"));
+    }
+  }
+}
+
+void SweepJob::lock(const std::string& out) {
+  refuseReplacing(out);
   lock_.reset();
   lock_ = std::make_unique<ResultLock>(out);
 }
@@ -291,7 +303,7 @@ std::string SweepJob::explain(const std::string& folder, int scenario) {
 }
 
 void SweepJob::collect(const std::string& out) const {
-  requireOpen();
+  refuseReplacing(out);
   sweep::collect(*index_, *scenarios_, inputs_, out);
 }
 

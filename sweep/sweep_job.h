@@ -55,6 +55,7 @@ class SweepJob {
  private:
   [[nodiscard]] int chunkSize() const;
   void requireOpen() const;
+  void refuseReplacing(const std::string& out) const;
   void requireChunk(int chunk) const;
   ChunkSolver& solver();
 

@@ -297,6 +297,45 @@ TEST_F(SweepLibraryTest, ADamagedPartIsAnError) {
   EXPECT_THAT(errorOf([&] { sweep.find(path("parts")); }), HasSubstr(name));
 }
 
+TEST_F(SweepLibraryTest, APartHasTheScenariosThatItsNameTells) {
+  makeScenarios(6);
+  ztb::Sweep sweep;
+  open(sweep, "2");
+  for (int chunk = 0; chunk < 3; ++chunk) {
+    sweep.solve(path("parts"), chunk);
+    sweep.publish(path("parts"));
+  }
+  const auto part = [&](const char* range) {
+    return path("parts/" + sweep.key() + "-" + range + ".rxf");
+  };
+  const auto found = [&] { return errorOf([&] { sweep.find(path("parts")); }); };
+  // Under the name of another one, and of more than it has.
+  std::filesystem::copy_file(part("2-4"), part("0-2"),
+                             std::filesystem::copy_options::overwrite_existing);
+  EXPECT_EQ(found(),
+            part("0-2") +
+                ": lacks scenario s0, which it is said to have; remove this file, and what "
+                "it held is solved again");
+  std::filesystem::remove(part("0-2"));
+  EXPECT_EQ(found(), "no error");
+  std::filesystem::rename(part("4-6"), part("4-7"));
+  EXPECT_THAT(found(),
+              HasSubstr("is said to have scenarios up to number 7, and the sweep has 6; remove"));
+}
+
+TEST_F(SweepLibraryTest, AResultTakesThePlaceOfNoInput) {
+  makeScenarios(2);
+  ztb::Sweep sweep;
+  open(sweep);
+  std::filesystem::create_symlink("m.lp", path("link.rxf"));
+  for (const char* name : {"m.lp", "sc.rxf", "link.rxf"}) {
+    const std::string text = path(name) + ": would be replaced by the results; name another --out";
+    EXPECT_EQ(errorOf([&] { sweep.lock(path(name)); }), text);
+    EXPECT_EQ(errorOf([&] { sweep.collect(path(name)); }), text);
+  }
+  EXPECT_THAT(read(path("m.lp")), testing::StartsWith("Minimize"));
+}
+
 TEST_F(SweepLibraryTest, AResultIsLockedAsLongAsItsSweepLives) {
   makeScenarios(2);
   std::filesystem::create_symlink("out.rxf", path("link.rxf"));
@@ -324,6 +363,13 @@ TEST_F(SweepLibraryTest, NoSweepIsNoCrash) {
   EXPECT_EQ(ztbSweepScenarioCount(nullptr), 0);
   EXPECT_STREQ(ztbSweepMessage(nullptr), "");
   EXPECT_EQ(ztbSweepScenario(nullptr, 0), nullptr);
+  EXPECT_EQ(ztbSweepCreate(nullptr), 0);
+  makeScenarios(2);
+  ztb::Sweep sweep;
+  open(sweep);
+  EXPECT_EQ(ztbSweepChunk(sweep.handle(), 1, nullptr, nullptr), 1);
+  EXPECT_EQ(ztbSweepChunkState(sweep.handle(), 1, nullptr, nullptr), 1);
+  EXPECT_EQ(ztbSweepOutcome(sweep.handle(), 1, nullptr, nullptr, nullptr), 0);
   ztbSweepStop(nullptr);
   ztbSweepFree(nullptr);
 }

@@ -189,7 +189,10 @@ TEST_F(SweepChunkTest, AnotherSizeOfChunksIsAnotherSweep) {
 
 TEST_F(SweepChunkTest, WrongUse) {
   makeScenarios(2);
-  expectFails(1, "ztb: --chunk 0: 1 to 1000000 are allowed\n", sweep({"--chunk", "0"}));
+  for (const char* chunk : {"0", "1000001"}) {
+    expectFails(2, "ztb: --chunk " + std::string(chunk) + ": 1 to 1000000 are allowed\n",
+                sweep({"--chunk", chunk}));
+  }
   EXPECT_THAT(ztb(sweep({"--time-limit", "soon"})).errors, StartsWith("ztb: --time-limit soon: "));
   expectFails(2, "ztb: --part: --parts is missing, the folder of the parts\n",
               {"sweep", "m.lp", "--scenarios", "sc.rxf", "--over", "s", "--part", "1/2"});
@@ -199,8 +202,15 @@ TEST_F(SweepChunkTest, WrongUse) {
               sweep({"--part", "1/2", "--parts", "parts"}));
   expectFails(2, "ztb: --collect and --part: one of them\n",
               sweep({"--part", "1/2", "--parts", "parts", "--collect"}));
-  for (const char* part : {"3/2", "0/2", "1", "1/2/3", "a/b"}) {
-    expectFails(2, "ztb: --part " + std::string(part) + ": two numbers are expected, as in 2/10\n",
+  for (const char* part : {"1", "1/", "1/2/3", "a/b", " 1/2", "99999999999/99999999999"}) {
+    expectFails(2,
+                "ztb: --part '" + std::string(part) + "': two numbers are expected, as in 2/10\n",
+                share(part));
+  }
+  for (const char* part : {"3/2", "0/2", "-1/2", "1/0"}) {
+    expectFails(2,
+                "ztb: --part " + std::string(part) +
+                    ": the first number is that of a share, 1 to the second one\n",
                 share(part));
   }
   expectFails(2, "ztb: --out is required\n",

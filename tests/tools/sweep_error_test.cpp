@@ -79,6 +79,8 @@ TEST_F(SweepErrorTest, ASolverThatIsNotInTheCatalogue) {
               "bonmin\n",
               sweep({"--solver", "nosuch", "--jobs", "2"}));
   EXPECT_FALSE(exists("out.rxf"));
+  // Nothing was solved, and nothing is left to go on from.
+  EXPECT_FALSE(exists("out.rxf.parts"));
 }
 
 TEST_F(SweepErrorTest, FilesThatCannotBeRead) {
@@ -96,6 +98,15 @@ TEST_F(SweepErrorTest, AResultThatWouldReplaceAnInput) {
               sweep({}, "./sc.rxf"));
   expectFails(2, "ztb: m.lp: would be replaced by the results; name another --out\n",
               sweep({}, "m.lp"));
+  // Also where the names stand in the folder of parts.
+  ztbFine({"sweep", "m.lp", "--scenarios", "sc.rxf", "--over", "s", "--part", "1/1", "--parts",
+           "parts"});
+  for (const char* out : {"m.lp", "sc.rxf"}) {
+    expectFails(
+        1, "ztb: " + std::string(out) + ": would be replaced by the results; name another --out\n",
+        {"sweep", "--collect", "--parts", "parts", "--out", out});
+  }
+  EXPECT_THAT(read("m.lp"), testing::HasSubstr("Minimize"));
 }
 
 TEST_F(SweepErrorTest, ANumberOfJobsOutOfRange) {

@@ -25,6 +25,7 @@ namespace tool {
 namespace {
 
 constexpr int kMaxJobs = 64;
+constexpr int kMostScenarios = 1'000'000;  // of a chunk
 constexpr int kMostTasks = 100'000;
 
 // Words of the command line that are looked into before they become options.
@@ -59,8 +60,13 @@ std::pair<int, int> shareOf(const std::string& text) {
   const auto [slash, error] = std::from_chars(text.data(), end, number);
   const bool isNumber = error == std::errc() && slash != end && *slash == '/';
   const auto [last, otherError] = std::from_chars(isNumber ? slash + 1 : end, end, count);
-  if (!isNumber || otherError != std::errc() || last != end || number < 1 || number > count) {
-    throw UsageError(fmt::format("--part {}: two numbers are expected, as in 2/10", text));
+  if (!isNumber || otherError != std::errc() || last != end) {
+    throw UsageError(
+        fmt::format("--part {}: two numbers are expected, as in 2/10", inQuotes(text)));
+  }
+  if (number < 1 || number > count) {
+    throw UsageError(
+        fmt::format("--part {}: the first number is that of a share, 1 to the second one", text));
   }
   return {number, count};
 }
@@ -161,6 +167,10 @@ int runSweep(const SweepWords& words) {
     requirePlace(options.out);
   }
   requireTakesFills(options.data, options.model);
+  if (options.chunk && (*options.chunk < 1 || *options.chunk > kMostScenarios)) {
+    throw UsageError(
+        fmt::format("--chunk {}: 1 to {} are allowed", *options.chunk, kMostScenarios));
+  }
   if (options.stall == 0) {
     throw UsageError("--stall 0: at least 1 is expected");
   }

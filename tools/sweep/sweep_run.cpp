@@ -101,6 +101,7 @@ bool SweepRun::solveAll() {
     deaths = solve(pending);
   } catch (const Failure&) {
     requireSameInputs();
+    leaveNoEmptyFolder();
     throw;
   }
   requireSameInputs();
@@ -202,6 +203,17 @@ std::map<int, std::string> SweepRun::solve(const std::vector<int>& pending) {
   SweepCrew crew(sweep_, plan, progress);
   crew.solve(pending);
   return crew.deaths();
+}
+
+// Where nothing was solved the folder holds nothing to go on from.
+void SweepRun::leaveNoEmptyFolder() {
+  if (!options_.parts.empty()) return;
+  try {
+    sweep_.find(folder_);
+    if (missingCount() == sweep_.scenarioCount()) sweep_.remove(folder_);
+  } catch (const ztb::Error&) {
+    // What ended the sweep is to be told, and not this.
+  }
 }
 
 int SweepRun::missingCount() const {

@@ -63,6 +63,7 @@ class SweepRun {
   bool tellOfEnd(const std::string& how);
   // Each process opens the model by itself, and others may read the files once the sweep is done.
   void requireSameInputs();
+  void leaveNoEmptyFolder();
   void makeResult();
   bool report(ztb::Sweep::Range range, const std::string& missing,
               const std::map<int, std::string>& deaths, const std::vector<int>& solved);

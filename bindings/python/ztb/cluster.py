@@ -152,6 +152,10 @@ class Run:
         if self._refused:
             self._raise_refusal()
 
+    @property
+    def has_solved(self) -> bool:
+        return bool(self._took)
+
     def _raise_refusal(self) -> None:
         chunk, error = min(self._refused.items())
         numbers = self.chunks.range(chunk)
@@ -307,6 +311,8 @@ def sweep(
             run.solve(pending)
         except Error:
             _require_same_inputs(chunks, folder, out, parts is None)
+            if parts is None and not run.has_solved:
+                chunks.remove(folder)
             raise
         _require_same_inputs(chunks, folder, out, parts is None)
         chunks.find(folder, result)
