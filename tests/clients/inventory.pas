@@ -2,7 +2,7 @@
 program inventory;
 
 {$mode objfpc}{$H-}
-{$linklib c}
+{$ifdef unix}{$linklib c}{$endif}
 
 const
   Ztb = 'ztbcclib64';
