@@ -28,8 +28,8 @@
  *
  * Functions that can fail give 0 and leave the reason in ztbSweepMessage. A sweep is used by one
  * thread at a time, but for ztbSweepStop. Scenarios and chunks count from 0; a number that does not
- * exist gives 0 or null; places for what is not wanted may be null. The functions stand in libztbsweep.so; link with it, or open it at run
- * time.
+ * exist gives 0 or null; places for what is not wanted may be null. The functions stand in
+ * libztbsweep.so; link with it, or open it at run time.
  */
 #ifndef ZTB_SWEEP_H_
 #define ZTB_SWEEP_H_
@@ -128,8 +128,8 @@ int ztbSweepSkip(ztbSweep* sweep, int scenario, const char* reason);
 void ztbSweepStop(ztbSweep* sweep);
 
 /* Looks for what there is: parts of this sweep in the folder, and `result`, unless null or empty, a
- * file that ztbSweepCollect made. Refused where a file cannot be read or lacks a scenario that it is
- * to have, and a result of another sweep. */
+ * file that ztbSweepCollect made. Refused where a file cannot be read or lacks a scenario that it
+ * is to have, and a result of another sweep. */
 int ztbSweepFind(ztbSweep* sweep, const char* folder, const char* result);
 
 /* What was found: of a chunk the scenarios without an outcome and those whose solve failed; of a
