@@ -3,6 +3,7 @@
 #include <array>
 #include <cerrno>
 #include <charconv>
+#include <filesystem>
 #include <system_error>
 #include <utility>
 
@@ -11,8 +12,33 @@
 
 namespace lomu {
 
+namespace {
+
+// A link or a device would be replaced by an ordinary file.
+std::string checkedPlace(std::string file) {
+  std::error_code ignored;
+  const auto type = std::filesystem::symlink_status(platform::pathOf(file), ignored).type();
+  const char* kind = nullptr;
+  if (type == std::filesystem::file_type::symlink) {
+    kind = "is a symbolic link, nothing is written through it";
+  } else if (type == std::filesystem::file_type::directory) {
+    kind = "is a folder";
+  } else if (type == std::filesystem::file_type::block ||
+             type == std::filesystem::file_type::character ||
+             type == std::filesystem::file_type::fifo ||
+             type == std::filesystem::file_type::socket) {
+    kind = "is no ordinary file, nothing is written to it";
+  }
+  if (kind != nullptr) {
+    throw ModelError(file + ": " + kind + ", expected a file or a new name", ZTB_ERROR_IO);
+  }
+  return file;
+}
+
+}  // namespace
+
 TextTarget::TextTarget(std::string file)
-    : file_(std::move(file)),
+    : file_(checkedPlace(std::move(file))),
       temporary_(file_ + "." + std::to_string(platform::processNumber()) + ".tmp"),
       stream_(platform::openFile(temporary_, "wbx")) {
   if (stream_ == nullptr) fail(errno);

@@ -10,7 +10,8 @@ namespace lomu {
 
 class TextTarget {
  public:
-  // Begins a file beside `file`, which is not touched before publish(). Throws ModelError.
+  // Begins a file beside `file`, which is not touched before publish(). Throws ModelError, also
+  // where `file` is a link, a device or a folder.
   explicit TextTarget(std::string file);
   // Removes what was not published.
   ~TextTarget();

@@ -1,6 +1,5 @@
 // Problems with products of columns and integers, worked by hand, or by trying all integers.
 #include <gtest/gtest.h>
-#include <signal.h>
 
 #include <algorithm>
 #include <cmath>
@@ -279,40 +278,6 @@ TEST(IntegerProduct, endsAtTheLimitOfIterations) {
   const SolverResult result = solveFresh("bonmin", model, limits);
   EXPECT_EQ(result.outcome, Outcome::iterationLimit) << result.reason;
   EXPECT_TRUE(result.hasPoint);
-}
-
-void ownHandler(int /*signal*/) {}
-
-// Asked whenever the solver asks whether it is to end.
-struct HandlerWatch {
-  int times = 0;
-  int foreign = 0;
-  static std::int32_t ended(void* context) {
-    auto& watch = *static_cast<HandlerWatch*>(context);
-    struct sigaction present {};
-    sigaction(SIGINT, nullptr, &present);
-    ++watch.times;
-    if (present.sa_handler != &ownHandler) ++watch.foreign;
-    return 0;
-  }
-};
-
-TEST(IntegerProduct, leavesTheHandlerOfInterruptsToTheProcess) {
-  struct sigaction before {};
-  struct sigaction own {};
-  own.sa_handler = &ownHandler;
-  ASSERT_EQ(sigaction(SIGINT, &own, &before), 0);
-  HandlerWatch watch;
-  SolverLimits limits;
-  limits.terminated = &HandlerWatch::ended;
-  limits.context = &watch;
-  SmallModel model = closestPoint();
-  solveFresh("bonmin", model, limits);
-  struct sigaction after {};
-  ASSERT_EQ(sigaction(SIGINT, &before, &after), 0);
-  EXPECT_EQ(after.sa_handler, &ownHandler);
-  EXPECT_GT(watch.times, 10);
-  EXPECT_EQ(watch.foreign, 0);
 }
 
 TEST(IntegerProduct, printsNothing) {

@@ -60,6 +60,42 @@ TEST_P(Limit, leavesNoLessThanASolverThatGoesOn) {
   EXPECT_NEAR(random_.model.objective(result.level), random_.model.objective(fresh.level), 1e-5);
 }
 
+// Says that the solve may go on, and counts how often it was asked.
+struct Count {
+  int times = 0;
+  static std::int32_t ended(void* context) {
+    ++static_cast<Count*>(context)->times;
+    return 0;
+  }
+};
+
+// An iteration over many rows takes long: 1,400 of them are asked about in hundreds.
+TEST(GlpkLimit, isAskedForMoreOftenTheMoreRowsThereAre) {
+  constexpr int kRows = 1400;
+  SmallModel model;
+  for (int j = 0; j < kRows; ++j) model.column(1, 0, 5);
+  for (std::size_t i = 0; i < kRows; ++i) {
+    std::vector<double> row(kRows, 0.0);
+    row[i] = 1;
+    row[(i + 1) % kRows] = 0.25;
+    model.row(std::move(row), 1, kInf);
+  }
+  const auto live = openSolver("glpk");
+  std::string reason;
+  ASSERT_TRUE(live->load(model.problem(), reason)) << reason;
+  solveLive(*live, model);
+  for (double& cost : model.cost) cost = -1;
+  ASSERT_TRUE(live->update(model.problem()));
+  Count count;
+  SolverLimits limits;
+  limits.terminated = &Count::ended;
+  limits.context = &count;
+  const SolverResult result = solveLive(*live, model, limits);
+  ASSERT_EQ(result.outcome, Outcome::optimal) << result.reason;
+  ASSERT_GT(result.iterations, 1000);
+  EXPECT_GE(count.times, result.iterations / 102);
+}
+
 INSTANTIATE_TEST_SUITE_P(Solvers, Limit, testing::Values("clp", "cbc", "glpk", "ipopt", "bonmin"),
                          [](const auto& tested) { return std::string(tested.param); });
 

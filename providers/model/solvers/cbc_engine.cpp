@@ -51,6 +51,9 @@ class LinearStopHandler : public ClpEventHandler {
 void fill(OsiClpSolverInterface& interface, const LinearForm& form) {
   interface.messageHandler()->setLogLevel(0);
   interface.setHintParam(OsiDoReducePrint, true, OsiHintTry);
+  ClpSolve choice;
+  leaveInterrupts(choice);
+  interface.setSolveOptions(choice);
   interface.loadProblem(form.columnCount, form.rowCount, form.start.data(), form.rowOf.data(),
                         form.value.data(), form.lower.data(), form.upper.data(), form.cost.data(),
                         form.rowLower.data(), form.rowUpper.data());

@@ -114,6 +114,7 @@ void ClpProgram::runFresh(Watch& watch) {
   ClpSolve choice;
   choice.setSolveType(watch.wantsBarrier() ? ClpSolve::useBarrier : ClpSolve::automatic);
   choice.setPresolveType(ClpSolve::presolveOn, kPresolvePasses);
+  leaveInterrupts(choice);
   simplex_.initialSolve(choice);
   simplex_.setPerturbation(perturbation);
   iterations_ += simplex_.numberIterations();

@@ -5,6 +5,7 @@
 #define ZTB_PROVIDERS_MODEL_SOLVERS_CLP_PROGRAM_H_
 
 #include <ClpSimplex.hpp>
+#include <ClpSolve.hpp>
 #include <cstdint>
 #include <vector>
 
@@ -13,6 +14,12 @@
 #include "providers/model/solvers/watch.h"
 
 namespace lomu {
+
+// Keeps Clp from taking the signal of an interrupt from the program while it solves.
+inline void leaveInterrupts(ClpSolve& choice) {
+  constexpr int kWhoseInterrupts = 2;
+  choice.setSpecialOption(kWhoseInterrupts, 1);
+}
 
 class ClpProgram {
  public:

@@ -12,8 +12,15 @@ namespace lomu {
 namespace {
 
 // The simplex method of GLPK has no callback; it is stopped after this many iterations, and then
-// twice as many, to ask whether it may go on.
+// twice as many, to ask whether it may go on. An iteration over many rows can take long: what is
+// asked then, and with it the way to the optimum, depends on the problem alone and never on time.
 constexpr int kFirstStretch = 500;
+int longestStretch(int rows) {
+  constexpr double kRowsByRows = 2e8;
+  constexpr double kFewest = 100;
+  constexpr double kMost = 1e9;
+  return static_cast<int>(std::clamp(kRowsByRows / (1.0 + rows) / (1.0 + rows), kFewest, kMost));
+}
 
 // Of a presolved problem GLPK tells how far it is after so many iterations.
 constexpr int kLineEvery = 200;
@@ -212,7 +219,9 @@ int GlpkProgram::simplex(const Job& job) {
 // Runs the simplex method to an end or a limit. Failed when GLPK gave up; otherwise optimal stands
 // for "at an end", and GLPK's statuses tell which.
 Outcome GlpkProgram::runSimplex(Watch& watch, int method) {
-  for (int stretch = kFirstStretch;; stretch = stretch > 1000000000 ? stretch : 2 * stretch) {
+  const int longest = longestStretch(form_.rowCount);
+  for (int stretch = std::min(kFirstStretch, longest);;
+       stretch = stretch > longest / 2 ? longest : 2 * stretch) {
     if (watch.mustStop()) return watch.reason();
     const int left = watch.iterationsLeft(iterations_);
     if (left == 0) return Outcome::iterationLimit;
