@@ -13,7 +13,7 @@ suite((folder) => {
 const views = [
   'view=sweep', 'view=symbols&f=1', 'view=table&f=1', 'view=table&f=1&s=nutrition&sort=value&p0=*beans*', 'view=pivot&f=1&s=nutrition&heat=1',
   'view=chart&f=1&s=price&type=bar', 'view=chart&f=1&s=nutrition&x=1&by=0&type=line&p0=*beans*', 'view=chart&f=1&s=nutrition&type=area&x=1&each=0&p0=*beans*',
-  'view=chart&f=1&s=price&type=spread', 'view=compare&f=1&s=food&f2=1&s2=nutrient', 'view=table&f=1&s=nutrition&where=value+%3E',
+  'view=chart&f=1&s=price&type=spread', 'view=chart&f=1&s=nutrition&type=scatter&x=0&by=1&vs=sprice', 'view=chart&f=1&s=nutrition&type=scatter&vs=p1', 'view=compare&f=1&s=food&f2=1&s2=nutrient', 'view=table&f=1&s=nutrition&where=value+%3E',
 ];
 
 async function found(where) {

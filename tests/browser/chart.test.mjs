@@ -3,7 +3,7 @@ import assert from 'node:assert/strict';
 import {test} from 'node:test';
 import {ztb} from './browser.mjs';
 import {makeDiet, rowsOf} from './data.mjs';
-import {saved, seen, shownRows, suite, view} from './suite.mjs';
+import {saved, seen, shownRows, suite, textOf, view} from './suite.mjs';
 
 suite(makeDiet, 'diet.rxf');
 
@@ -50,6 +50,49 @@ test('a distribution counts every value once', async () => {
   assert.equal(facts.Least, Math.min(...values));
   assert.equal(facts.Greatest, Math.max(...values));
   assert.ok(Math.abs(facts.Mean - values.reduce((sum, value) => sum + value, 0) / values.length) < 1e-3);
+});
+
+test('points of two labels are those of ztb pivot', async () => {
+  await view('view=chart&s=nutrition&type=scatter&x=0&vs=p1&lx=protein_g&ly=iron_mg', '.values');
+  const [head, ...foods] = rowsOf(ztb(seen.folder, 'pivot', 'diet.rxf', 'nutrition', '--rows', 'food', '--columns', 'nutrient', '--csv'));
+  const [x, y] = [head.indexOf('protein_g'), head.indexOf('iron_mg')];
+  const both = foods.filter((row) => row[x] !== '' && row[y] !== '').map((row) => [row[0], row[x], row[y]]);
+  assert.deepEqual(await shownRows('.values'), both);
+  assert.match(await textOf('#point-total'), new RegExp(`^${both.length} points`));
+  assert.equal(await seen.page.$$eval('.uplot canvas', (all) => all.length), 1);
+  const svg = (await saved('#save-svg', 'nutrition.svg')).toString();
+  assert.equal(svg.match(/<circle /g).length, both.length);
+  for (const name of ['protein_g', 'iron_mg']) assert.ok(svg.includes(`>${name}</text>`), name);
+});
+
+test('points of two symbols over the same set', async () => {
+  await view('view=chart&s=nutrition&type=scatter&x=0&by=1&vs=sprice', '.values');
+  const prices = new Map(csv('show', 'diet.rxf', 'price'));
+  const expected = csv('show', 'diet.rxf', 'nutrition').map(([food, nutrient, value]) => [food, nutrient, value, prices.get(food)]);
+  const rows = await shownRows('.values');
+  assert.equal(rows.length, 500);
+  assert.match(await textOf('#point-total'), /^570 points$/);
+  const known = new Set(expected.map((row) => row.join()));
+  for (const row of rows) assert.ok(known.has(row.join()), row.join());
+  await view('view=chart&s=price&type=scatter&vs=snutrition&p0=*beans*', '.values');
+  const sums = new Map(csv('aggregate', 'diet.rxf', 'nutrition', '--by', 'food', '--sum').map(([food, sum]) => [food, Number(sum)]));
+  const beans = csv('show', 'diet.rxf', 'price', '--slice', '*beans*').filter(([food]) => sums.has(food));
+  assert.deepEqual((await shownRows('.values')).map(([food, price, sum]) => [food, price, Number(sum)]),
+    beans.map(([food, price]) => [food, price, sums.get(food)]));
+});
+
+test('what stands against a symbol is chosen by keys, and forgotten where it does not fit', async () => {
+  await view('view=chart&s=nutrition&type=scatter', '.values');
+  const labels = await seen.page.$$eval('.choice span', (all) => all.map((one) => one.textContent));
+  assert.deepEqual(labels.slice(0, 6), ['Chart', 'Across', 'Series', 'One for each', 'Value', 'Against']);
+  await seen.page.locator('.choice ::-p-text(Against)').click();
+  const select = (await seen.page.$$('.choice select'))[5];
+  await select.focus();
+  await seen.page.keyboard.press('ArrowDown');
+  await seen.page.waitForSelector('#point-total');
+  assert.match(await seen.page.evaluate(() => location.hash), /vs=p1/);
+  await view('view=chart&s=nutrition&type=scatter&x=0&by=1&vs=p1', '.values');
+  assert.equal(await seen.page.$('#point-total'), null);
 });
 
 test('a chart is saved as SVG and PNG', async () => {

@@ -1,7 +1,7 @@
 // A browser for the tests of one file, whose pages must not have had a problem at the end of each.
 import assert from 'node:assert/strict';
 import {after, afterEach, before} from 'node:test';
-import {mkdirSync, readFileSync, readdirSync} from 'node:fs';
+import {mkdirSync, readFileSync, readdirSync, rmSync} from 'node:fs';
 import path from 'node:path';
 import {Browser, go, settled, texts} from './browser.mjs';
 import {newFolder} from './data.mjs';
@@ -48,8 +48,9 @@ export const heads = async (selector = '.grid') =>
 
 // What a click saves.
 export async function saved(selector, name) {
-  await seen.page.click(selector);
   const file = path.join(seen.downloads, name);
+  rmSync(file, {force: true});
+  await seen.page.click(selector);
   for (let turn = 0; turn < 200; ++turn) {
     if (readdirSync(seen.downloads).includes(name)) return readFileSync(file);
     await new Promise((done) => setTimeout(done, 50));

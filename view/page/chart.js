@@ -5,6 +5,7 @@ import {chartOf, colour, inOrder, savePng, saveSvg, together} from './draw.js';
 import {asked, filterBar} from './filters.js';
 import {interactive} from './lines.js';
 import {ways} from './pivot.js';
+import {against, rivalChoice, scatterOf} from './scatter.js';
 import * as state from './state.js';
 import {askForSymbol, heading} from './symbols.js';
 
@@ -102,27 +103,36 @@ export async function chartPage(main, context) {
   const none = [['', '–']];
   const rest = (...taken) => none.concat(positions.filter(([position]) => !taken.includes(position)));
   const out = h('div', {class: 'drawn'});
+  const controls = h('div', {class: 'row'});
+  const isScatter = type === 'scatter' && !isSet;
   let make = null;
   const saving = (work) => async () => {
     if (make === null) return say('nothing to save');
-    await work(make(), symbol.name.replace(/[^\w.-]/g, '_'));
+    try {
+      await work(make(), symbol.name.replace(/[^\w.-]/g, '_'));
+    } catch (error) {
+      say(error.message);
+    }
   };
   main.replaceChildren(heading(symbol), filterBar(context),
     h('div', {class: 'row'},
       choice('Chart', types.filter(([word]) => !isSet || word !== 'spread'), type, (value) => state.set({type: value})),
       type !== 'spread' && [
-        choice('Across', positions, chosen.x, (value) => state.set({x: value})),
+        choice(isScatter && against(context.symbols, symbol, chosen) !== '' ? 'Points' : 'Across', positions, chosen.x, (value) => state.set({x: value})),
         choice('Series', rest(chosen.x), chosen.by, (value) => state.set({by: value})),
         choice('One for each', rest(chosen.x, chosen.by), chosen.over, (value) => state.set({each: value})),
         choice('Value', isSet ? ways.filter(([word]) => word === 'count') : ways, how, (value) => state.set({how: value})),
       ],
+      isScatter && rivalChoice(context.symbols, symbol, chosen),
       symbol.values.length > 1 && choice('Field', symbol.values.map((name) => [name, name]),
         state.get('field') || 'level', (value) => state.set({field: value})),
       h('button', {type: 'button', id: 'save-svg', onclick: saving(saveSvg)}, 'Save SVG'),
       h('button', {type: 'button', id: 'save-png', onclick: saving(savePng)}, 'Save PNG')),
-    out);
+    controls, out);
   try {
-    make = type === 'spread' ? await distribution(context, out) : await seriesOver(context, out, type, chosen, how);
+    if (type === 'spread') make = await distribution(context, out);
+    else if (isScatter && against(context.symbols, symbol, chosen) !== '') make = await scatterOf(context, out, controls, chosen, how);
+    else make = await seriesOver(context, out, type, chosen, how);
   } catch (error) {
     if (error.name === 'AbortError') throw error;
     out.replaceChildren(problem(error));

@@ -16,7 +16,7 @@ function fill(element, properties, children) {
     }
   }
   for (const child of children.flat()) {
-    if (child !== undefined && child !== null && child !== false) element.append(child);
+    if (child !== undefined && child !== null && child !== false && child !== '') element.append(child);
   }
   return element;
 }

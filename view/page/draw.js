@@ -166,6 +166,33 @@ export function chartOf(type, x, series, name, isSmall = false) {
   }, ...axes(field, x), ...drawn);
 }
 
+// Points at numbers, with numbers along both axes, each named.
+export function pointsOf(series, names, name, isSmall = false) {
+  const size = {...(isSmall ? small : whole), bottom: 52};
+  const all = series.flatMap(({points}) => points);
+  const ends = (key) => [Math.min(...all.map((point) => point[key])), Math.max(...all.map((point) => point[key]))];
+  const across = ticks(...ends('x'), isSmall ? 4 : 8);
+  const up = ticks(...ends('y'));
+  const left = 34 + 6.4 * Math.max(...up.map((tick) => shortNumber(tick).length));
+  const share = (value, steps) => (value - steps[0]) / (steps.at(-1) - steps[0]);
+  const x = (value) => left + share(value, across) * (size.width - size.right - left - 16) + 8;
+  const y = (value) => size.top + (1 - share(value, up)) * (size.height - size.top - size.bottom);
+  const foot = size.height - size.bottom;
+  const grid = (d) => svg('path', {d, stroke: style('--line'), fill: 'none'});
+  const axisName = (words, properties) => svg('text', {...properties, 'text-anchor': 'middle', 'font-size': 11, fill: style('--ink')}, words);
+  const middle = size.top + (foot - size.top) / 2;
+  return svg('svg', {
+    xmlns: 'http://www.w3.org/2000/svg', viewBox: `0 0 ${size.width} ${size.height}`, class: 'chart', role: 'img',
+    'aria-label': name, 'font-family': "system-ui,'DejaVu Sans',sans-serif",
+  },
+  ...up.flatMap((tick) => [grid(`M${left} ${y(tick).toFixed(1)}H${size.width - size.right}`), text(left - 6, y(tick) + 4, 'end', shortNumber(tick))]),
+  ...across.flatMap((tick) => [grid(`M${x(tick).toFixed(1)} ${size.top}V${foot}`), text(x(tick), foot + 16, 'middle', shortNumber(tick))]),
+  axisName(names[0], {x: ((left + size.width - size.right) / 2).toFixed(1), y: size.height - 12}),
+  axisName(names[1], {x: 12, y: middle.toFixed(1), transform: `rotate(-90 12 ${middle.toFixed(1)})`}),
+  ...series.flatMap(({label, points}, number) => points.map((point) => svg('circle', {cx: x(point.x).toFixed(1), cy: y(point.y).toFixed(1), r: 3, fill: colour(number)},
+    hint(point.label, label, `${point.x}, ${point.y}`)))));
+}
+
 // Bands between quantiles, the middle one as a line.
 export function fanOf(x, bands, name) {
   const size = whole;

@@ -2,13 +2,14 @@
 import {h, shortNumber, shown} from './dom.js';
 import {colour, placesOf} from './draw.js';
 
-// Puts a chart into the element; it goes with the signal.
-export function interactive(place, type, x, series, name, signal) {
+// Puts a chart into the element; it goes with the signal. `scatter` has, of points that stand at
+// numbers, in ascending order, these and the names of both axes.
+export function interactive(place, type, x, series, name, signal, scatter = null) {
   const style = getComputedStyle(document.documentElement);
   const soft = style.getPropertyValue('--soft').trim();
   const line = style.getPropertyValue('--line').trim();
-  const places = placesOf(x);
-  const isNumeric = x.some((label, index) => label !== String(index)) && places.some((at, index) => at !== index);
+  const places = scatter?.places ?? placesOf(x);
+  const isNumeric = scatter !== null || x.some((label, index) => label !== String(index)) && places.some((at, index) => at !== index);
   const labelAt = (at) => isNumeric ? shortNumber(at) : shown(x[Math.round(at)] ?? '');
   const axis = {stroke: soft, grid: {stroke: line, width: 1}, ticks: {stroke: line, width: 1}, font: '11px system-ui'};
   const options = {
@@ -17,11 +18,11 @@ export function interactive(place, type, x, series, name, signal) {
     legend: {live: true},
     scales: {x: {time: false}},
     axes: [
-      {...axis, values: (_, ticks) => ticks.map((at) => isNumeric || Number.isInteger(at) ? labelAt(at).slice(0, 14) : ''), space: 90},
-      {...axis, size: 70, values: (_, ticks) => ticks.map(shortNumber)},
+      {...axis, label: scatter?.names[0], values: (_, ticks) => ticks.map((at) => isNumeric || Number.isInteger(at) ? labelAt(at).slice(0, 14) : ''), space: 90},
+      {...axis, size: 70, label: scatter?.names[1], values: (_, ticks) => ticks.map(shortNumber)},
     ],
     series: [
-      {label: 'at', value: (_, at) => at === null ? '' : labelAt(at)},
+      {label: 'at', value: (_, at, __, index) => at === null ? '' : scatter === null ? labelAt(at) : `${shown(x[index] ?? '')} ${shortNumber(at)}`},
       ...series.map(({label}, index) => ({
         label: label === '' ? 'value' : shown(label),
         stroke: colour(index),
