@@ -271,18 +271,25 @@ void answerCompare(Question& question) {
   const int slot = isSet ? 0 : first.slot(parameters);
   const std::size_t from = parameters.number("from", 0, mostChanges);
   const std::size_t count = parameters.number("count", 100, mostCompared);
+  const std::string order = parameters.text("sort", "change");
+  if (order != "change" && order != "key") {
+    throw RequestError(400,
+                       fmt::format("sort: {} is neither change nor key", tool::inQuotes(order)));
+  }
   const CommonNumbers labels = commonLabels(first.file(), second.file());
   std::optional<CommonNumbers> texts;
   if (isSet) texts.emplace(commonTexts(first.file(), second.file()));
   const CommonNumbers* const commonText = texts ? &*texts : nullptr;
   const std::string name =
-      fmt::format("{} {} {} {} {}\n{}\n{}", first.file().id(), before.number, second.file().id(),
-                  after.number, slot, first.filter().words(), second.filter().words());
+      fmt::format("{} {} {} {} {} {}\n{}\n{}", first.file().id(), before.number, second.file().id(),
+                  after.number, slot, order, first.filter().words(), second.filter().words());
   const auto comparison = question.session.comparisons.get(name, [&] {
     SideRecords left(first, slot);
     SideRecords right(second, slot);
     right.renumber(labels, commonText);
-    return compared(left, right, isSet);
+    Comparison result = compared(left, right, isSet);
+    if (order == "key") std::ranges::sort(result.changes, {}, &RecordChange::keys);
+    return result;
   });
   formats::JsonText& answer = question.answer;
   answer.beginObject();

@@ -1,9 +1,8 @@
 // What screen readers get, and contrasts, in light and dark.
 import assert from 'node:assert/strict';
 import {test} from 'node:test';
-import {axeSource} from './browser.mjs';
 import {makeDiet, makeSweep} from './data.mjs';
-import {click, seen, suite, view} from './suite.mjs';
+import {click, found, seen, suite, view} from './suite.mjs';
 
 suite((folder) => {
   makeDiet(folder);
@@ -15,12 +14,6 @@ const views = [
   'view=chart&f=1&s=price&type=bar', 'view=chart&f=1&s=nutrition&x=1&by=0&type=line&p0=*beans*', 'view=chart&f=1&s=nutrition&type=area&x=1&each=0&p0=*beans*',
   'view=chart&f=1&s=price&type=spread', 'view=chart&f=1&s=nutrition&type=scatter&x=0&by=1&vs=sprice', 'view=chart&f=1&s=nutrition&type=scatter&vs=p1', 'view=compare&f=1&s=food&f2=1&s2=nutrient', 'view=table&f=1&s=nutrition&where=value+%3E',
 ];
-
-async function found(where) {
-  await seen.page.evaluate(axeSource);
-  const {violations} = await seen.page.evaluate(() => globalThis.axe.run());
-  return violations.flatMap(({id, nodes}) => nodes.map((node) => `${where}: ${id}: ${node.html.slice(0, 160)}`));
-}
 
 for (const scheme of ['light', 'dark']) {
   test(`axe finds nothing, ${scheme}`, async () => {

@@ -20,11 +20,11 @@ export function ztb(folder, ...parameters) {
     {cwd: folder, encoding: 'utf8', env: environment, maxBuffer: 1 << 28, stdio: ['ignore', 'pipe', 'pipe']});
 }
 
-// The same of a command that ends with 1; what it says on standard error.
+// The same of a command that ends with 1: what it prints, and what it says on standard error.
 export function ztbFails(folder, ...parameters) {
-  const {status, stderr} = spawnSync(path.join(programs, 'ztb'), parameters, {cwd: folder, encoding: 'utf8', env: environment});
+  const {status, stdout, stderr} = spawnSync(path.join(programs, 'ztb'), parameters, {cwd: folder, encoding: 'utf8', env: environment});
   if (status !== 1) throw new Error(`ztb ${parameters.join(' ')} ended with ${status}: ${stderr}`);
-  return stderr;
+  return {output: stdout, said: stderr};
 }
 
 export class Browser {

@@ -109,6 +109,54 @@ export function makeEndless(folder) {
   writeFileSync(path.join(folder, 'endless.lp'), `Minimize\n first: item(1)\nSubject To\n${rows.join('')}Binaries\n${names}End\n`);
 }
 
+// odd.rxf and other.rxf: symbols without records, of 20 positions and of none, an alias, special values, numbers as far apart as
+// they can be, labels that addresses and CSV take for something else.
+export const strange = ['#&=+%20', 'a,b', '日本語ラベル', '\\\\\\x41', 'x'.repeat(63), 'a;b|c', '="1"'.replace(/"/g, "'"), '-inf'];
+export function makeOdd(folder) {
+  const write = (name, symbols) => {
+    const labels = new Set();
+    const lines = [];
+    for (const {symbol, domains, type = 'parameter', alias_of, records = []} of symbols) {
+      lines.push({symbol, type, domains, user_info: type === 'variable' ? 5 : 0, ...(alias_of ? {alias_of} : {records: records.length}), text: ''});
+    }
+    const rows = symbols.flatMap(({symbol, records = []}) => records.map(([keys, content]) => {
+      keys.forEach((key) => labels.add(key));
+      return {of: symbol, keys, ...(typeof content === 'object' ? content : {value: content})};
+    }));
+    const all = [{symbols: symbols.length, labels: labels.size}, ...lines, ...[...labels].map((label) => ({label})), ...rows];
+    writeFileSync(path.join(folder, `${name}.jsonl`), all.map((line) => `${JSON.stringify(line)}\n`).join(''));
+    ztb(folder, 'import', `${name}.rxf`, '--from', `${name}.jsonl`);
+  };
+  const any = (count) => Array.from({length: count}, () => '*');
+  const of = (labels, values) => labels.map((label, index) => [[label], values[index]]);
+  const deep = (sign) => Array.from({length: 20}, (_, index) => `${sign}${index}`);
+  write('odd', [
+    {symbol: 's', type: 'set', domains: ['*'], records: ['a', 'b', 'c'].map((label) => [[label], {text: ''}])},
+    {symbol: 'other_s', type: 'alias', domains: ['*'], alias_of: 's'},
+    {symbol: 'empty', type: 'set', domains: ['*']},
+    {symbol: 'nothing', domains: ['s', '*']},
+    {symbol: 'scalar', domains: [], records: [[[], 3.5]]},
+    {symbol: 'no_scalar', domains: []},
+    {symbol: 'deep', domains: any(20), records: [[deep('k'), 1], [deep('j'), -2]]},
+    {symbol: 'special', domains: ['s', '*'], records: [[['a', 'x'], 'na'], [['a', 'y'], 'inf'], [['b', 'x'], '-inf'], [['b', 'y'], 'eps'], [['c', 'x'], 'undef'], [['c', 'y'], 4]]},
+    {symbol: 'huge', domains: ['s'], records: of(['a', 'b', 'c'], [1.7e308, -1.7e308, 1e-308])},
+    {symbol: 'same', domains: ['s'], records: of(['a', 'b', 'c'], [7, 7, 7])},
+    {symbol: 'years', domains: ['*'], records: of(['2001', '1999', '2000'], [1, 2, 3])},
+    {symbol: 'v', type: 'variable', domains: ['s'], records: [[['a'], {level: 2, marginal: 0, lower: '-inf', upper: 'inf', scale: 1}]]},
+    {symbol: 'no_v', type: 'variable', domains: ['s']},
+    {symbol: 'q', type: 'equation', domains: ['s'], records: [[['b'], {level: 3, marginal: 1, lower: 1, upper: 3, scale: 1}]]},
+    {symbol: 'pairs', type: 'set', domains: ['s', 's'], records: [[['a', 'b'], {text: ''}]]},
+    {symbol: 'strange', domains: any(2), records: strange.map((label, index) => [[label, label], index])},
+  ]);
+  write('other', [
+    {symbol: 't', type: 'set', domains: ['*'], records: ['b', 'c', 'd'].map((label) => [[label], {text: ''}])},
+    {symbol: 'same', domains: ['t'], records: of(['b', 'c', 'd'], [8, 7, 9])},
+    {symbol: 'special', domains: any(2), records: [[['a', 'x'], 'na'], [['b', 'y'], 1], [['c', 'y'], 4]]},
+    {symbol: 'deep', domains: any(3)},
+    {symbol: 'scalar', domains: [], records: [[[], 4]]},
+  ]);
+}
+
 // The records of CSV as the command prints it, without quotes within fields.
 export const rowsOf = (csv) => csv.trim().split('\n').map((line) => {
   const fields = [];

@@ -1,11 +1,14 @@
 // Ten million records: any of them is reached, and filters are counted whole.
 import assert from 'node:assert/strict';
 import {test} from 'node:test';
-import {settled, ztb} from './browser.mjs';
+import {settled, ztb, ztbFails} from './browser.mjs';
 import {bigValue, makeBig, rowsOf} from './data.mjs';
 import {cancel, seen, shownRows, suite, textOf, view} from './suite.mjs';
 
-suite(makeBig, 'big.rxf');
+suite(async (folder) => {
+  await makeBig(folder);
+  ztb(folder, 'where', 'big.rxf', 'fewer.rxf', '--symbol', 'big', '--where', 'value < 995');
+}, 'big.rxf', 'fewer.rxf');
 
 const rowAt = (index) => {
   const [i, j, k] = [Math.floor(index / 10000), Math.floor(index / 100) % 100, index % 100];
@@ -131,4 +134,16 @@ test('labels at a position and a distribution count every record', async () => {
   const expected = rowsOf(ztb(seen.folder, 'aggregate', 'big.rxf', 'big', '--by', 'k', '--count', '--csv')).slice(1);
   const numbers = (rows) => new Map(rows.map(([label, count]) => [label, Number(count)]));
   assert.deepEqual(numbers(await shownRows('.values')), numbers(expected));
+});
+
+test('ten million records are compared, and listed among the symbols', async () => {
+  await view('view=symbols', '.list');
+  assert.deepEqual((await shownRows('.list')).map((row) => [row[0], row[3]]), [['big', '10,000,000']]);
+  await view('view=compare&s=big&f2=1', '.grid tbody td');
+  let gone = 0;
+  for (let i = 0; i < 1000; ++i) for (let j = 0; j < 100; ++j) for (let k = 0; k < 100; ++k) gone += bigValue(i, j, k) >= 995 ? 1 : 0;
+  const counts = await Promise.all(['new', 'gone', 'changed', 'same'].map((word) => textOf(`#count-${word}`)));
+  assert.deepEqual(counts, ['0', gone.toLocaleString('en-US'), '0', (total - gone).toLocaleString('en-US')]);
+  assert.match(ztbFails(seen.folder, 'diff', 'big.rxf', 'fewer.rxf').output, new RegExp(`${gone} gone`));
+  assert.deepEqual((await shownRows())[0].slice(3), ['gone', '999', '', '-999']);
 });

@@ -3,7 +3,7 @@ import assert from 'node:assert/strict';
 import {test} from 'node:test';
 import {settled, texts, ztb} from './browser.mjs';
 import {makeDiet, makeEndless, rowsOf} from './data.mjs';
-import {cancel, click, heads, seen, shownRows, suite, textOf, view} from './suite.mjs';
+import {cancel, click, found, heads, seen, shownRows, suite, textOf, view} from './suite.mjs';
 
 suite((folder) => {
   makeDiet(folder);
@@ -99,4 +99,31 @@ test('what cannot be solved so is told', async () => {
   assert.match(await textOf('#solution .problem'), /endless\.lp: .*abacus|endless\.lp: .*clp/);
   await settled(seen.page);
   seen.page.problems = seen.page.problems.filter((text) => !/Failed to load resource.*400/.test(text));
+});
+
+for (const scheme of ['light', 'dark']) {
+  test(`axe finds nothing, ${scheme}`, async () => {
+    await seen.page.emulateMediaFeatures([{name: 'prefers-color-scheme', value: scheme}]);
+    await view('f=0', '#model-total');
+    const all = await found('not solved');
+    await view('f=0&solve=auto&of=enough', '[aria-label="Solution of enough"] td');
+    all.push(...await found('solved'));
+    assert.deepEqual(all, []);
+  });
+}
+
+test('a model is solved and its records sorted by keys alone', async () => {
+  await view('f=0', '#model-total');
+  await seen.page.focus('#solve select');
+  await seen.page.keyboard.type('glpk');
+  await seen.page.keyboard.press('Tab');
+  await seen.page.keyboard.type('60');
+  await seen.page.keyboard.press('Enter');
+  await seen.page.waitForSelector('#solve-facts');
+  assert.match(await textOf('#solve-facts'), /optimal.*glpk/);
+  await seen.page.focus('#solution-sort-1');
+  await seen.page.keyboard.press('Enter');
+  await settled(seen.page);
+  assert.equal(await seen.page.$eval('[aria-label^="Solution of"] th[aria-sort]', (head) => head.textContent), 'level ↑');
+  assert.match(await seen.page.evaluate(() => location.hash), /solve=glpk.*seconds=60|seconds=60.*solve=glpk/);
 });

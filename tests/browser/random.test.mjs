@@ -23,10 +23,9 @@ function generator(seed) {
   };
 }
 
-test('random clicking', async () => {
-  const seed = Number(process.env.ZTB_BROWSER_SEED ?? 17);
+// Clicks, types and turns the wheel for a time; what was done.
+async function wander(page, seed, lasting) {
   const next = generator(seed);
-  const {page} = seen;
   const done = [];
   const end = Date.now() + lasting;
   while (Date.now() < end) {
@@ -51,13 +50,30 @@ test('random clicking', async () => {
       await page.mouse.wheel({deltaY: next(2000) - 1000});
     }
   }
+  return done;
+}
+
+const seed = Number(process.env.ZTB_BROWSER_SEED ?? 17);
+
+function expectNothingBroken(page, done, least) {
   // Answers that refuse are told on the page, and noted by the browser too.
   page.problems = page.problems.filter((text) => !/Failed to load resource.*\b(400|404|413|499)\b/.test(text));
-  assert.ok(done.length > 100, `${done.length} turns`);
+  assert.ok(done.length > least, `${done.length} turns`);
   assert.deepEqual(page.problems, [], `seed ${seed}, last: ${done.slice(-12).join('; ')}`);
+}
+
+test('random clicking', async () => {
+  const {page} = seen;
+  expectNothingBroken(page, await wander(page, seed, lasting), 100);
   await page.evaluate(() => document.querySelectorAll('dialog').forEach((dialog) => dialog.close()));
   // A page that is loaded anew has its session still, and nothing in its search.
   await page.reload();
   await view('view=symbols&f=1', '.list tbody tr');
   assert.equal(await page.$$eval('.list tbody tr', (rows) => rows.length), 4);
+}, {timeout: 3 * lasting});
+
+test('random clicking on a model', async () => {
+  const page = await seen.browser.page(await seen.browser.view(seen.folder, 'diet.lp', 'diet.rxf'));
+  expectNothingBroken(page, await wander(page, seed + 1, lasting / 4), 10);
+  await page.close();
 }, {timeout: 3 * lasting});

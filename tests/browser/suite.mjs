@@ -3,7 +3,7 @@ import assert from 'node:assert/strict';
 import {after, afterEach, before} from 'node:test';
 import {mkdirSync, readFileSync, readdirSync, rmSync} from 'node:fs';
 import path from 'node:path';
-import {Browser, go, settled, texts} from './browser.mjs';
+import {Browser, axeSource, go, settled, texts} from './browser.mjs';
 import {newFolder} from './data.mjs';
 
 export const seen = {folder: newFolder(), browser: null, page: null};
@@ -26,6 +26,14 @@ export function suite(make, ...files) {
 
 // The text of an element.
 export const textOf = (selector) => seen.page.$eval(selector, (place) => place.textContent);
+
+// What axe-core finds wrong with what is shown, and with what opens.
+export async function found(where) {
+  await seen.page.$$eval('main details', (parts) => parts.forEach((part) => { part.open = true; }));
+  await seen.page.evaluate(axeSource);
+  const {violations} = await seen.page.evaluate(() => globalThis.axe.run());
+  return violations.flatMap(({id, nodes}) => nodes.map((node) => `${where}: ${id}: ${node.html.slice(0, 160)}`));
+}
 
 // Waits until a question takes long enough for its button, and ends it.
 export async function cancel() {

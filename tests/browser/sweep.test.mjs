@@ -3,7 +3,7 @@ import assert from 'node:assert/strict';
 import {test} from 'node:test';
 import {ztb} from './browser.mjs';
 import {makeDiet, makeFailing, makeSweep, rowsOf} from './data.mjs';
-import {seen, shownRows, suite, textOf, view} from './suite.mjs';
+import {found, heads, seen, shownRows, suite, textOf, view} from './suite.mjs';
 
 suite((folder) => {
   makeDiet(folder);
@@ -64,8 +64,34 @@ test('the inputs that differ most are those of the scenario file', async () => {
   });
 });
 
+for (const scheme of ['light', 'dark']) {
+  test(`axe finds nothing, ${scheme}`, async () => {
+    await seen.page.emulateMediaFeatures([{name: 'prefers-color-scheme', value: scheme}]);
+    await view('view=sweep', '#differ');
+    assert.deepEqual(await found('sweep'), []);
+  });
+}
+
+test('its symbols are on the other pages what the command says of them', async () => {
+  await view('view=table&s=buy_level&where=value+%3E+0', '.grid tbody td');
+  ztb(seen.folder, 'where', 'sweep.rxf', 'bought.rxf', '--symbol', 'buy_level', '--where', 'value > 0');
+  const bought = rowsOf(ztb(seen.folder, 'show', 'bought.rxf', 'buy_level', '--csv')).slice(1);
+  const rows = await shownRows();
+  assert.deepEqual(rows, bought.slice(0, rows.length));
+  assert.equal(await textOf('#row-total'), `${bought.length.toLocaleString('en-US')} records of 77,000`);
+  await view('view=pivot&s=buy_level&rows=1&over=0&how=mean', '.pivot tbody td');
+  const numbers = (all) => new Map(all.map(([label, number]) => [label, Number(number)]));
+  assert.deepEqual(numbers(await shownRows('.pivot')), numbers(rowsOf(ztb(seen.folder, 'aggregate', 'sweep.rxf', 'buy_level', '--by', '2', '--mean', '--csv')).slice(1)));
+  assert.equal((await heads('.pivot')).length, 2);
+  await view('view=chart&s=sweep_objective&type=line', '.values');
+  assert.deepEqual(await shownRows('.values'), rowsOf(ztb(seen.folder, 'show', 'sweep.rxf', 'sweep_objective', '--csv')).slice(1, 501));
+  await view('view=compare&s=buy_level&f2=0&s2=buy_marginal', '.grid tbody td');
+  const counts = await Promise.all(['new', 'gone', 'changed', 'same'].map(async (word) => Number((await textOf(`#count-${word}`)).replace(/,/g, ''))));
+  assert.equal(counts.reduce((sum, count) => sum + count, 0), 77000);
+});
+
 test('scenarios without a solution are told by name, as ztb sweep tells them', async () => {
-  const said = makeFailing(seen.folder);
+  const {said} = makeFailing(seen.folder);
   const page = await seen.browser.page(await seen.browser.view(seen.folder, 'some.rxf'));
   await page.waitForSelector('#failed');
   const rows = await page.$$eval('#failed tbody tr', (all) => all.map((row) => [...row.cells].map((cell) => cell.textContent)));

@@ -41,6 +41,15 @@ TEST_F(ViewCompareTest, TellsWhatDiffersByTheSizeOfTheChange) {
             1U);
 }
 
+TEST_F(ViewCompareTest, TellsWhatDiffersInTheOrderOfTheLabels) {
+  const Json compared = server_.json("compare", {{"s", "cost"}, {"f2", "1"}, {"sort", "key"}});
+  std::vector<Json> keys;
+  for (const Json& row : compared["rows"]) keys.push_back(row["keys"]);
+  EXPECT_EQ(Json(keys), Json::parse(R"([["Ada","w2"],["Ada","w3"],["Bor","w1"],["Cid","w1"]])"));
+  EXPECT_EQ(server_.refused(400, "compare", {{"s", "cost"}, {"sort", "size"}}),
+            "sort: 'size' is neither change nor key");
+}
+
 TEST_F(ViewCompareTest, ComparesTexts) {
   const Json compared = server_.json("compare", {{"s", "plant"}, {"f2", "1"}});
   EXPECT_EQ(compared["same"], 1);

@@ -4,7 +4,7 @@ import {choice, counted, h, numberText, problem, say, shortNumber, shown} from '
 import {chartOf, colour, inOrder, savePng, saveSvg, together} from './draw.js';
 import {asked, filterBar} from './filters.js';
 import {interactive} from './lines.js';
-import {ways} from './pivot.js';
+import {fieldOf, howOf, waysOf} from './pivot.js';
 import {against, rivalChoice, scatterOf} from './scatter.js';
 import * as state from './state.js';
 import {askForSymbol, heading} from './symbols.js';
@@ -20,9 +20,9 @@ export function legend(names) {
 }
 
 // The values as a table, for those who would rather read them.
-export function valueTable(x, series, xName) {
+export function valueTable(x, series, xName, title) {
   return h('details', {class: 'values'}, h('summary', {}, 'Values as a table'),
-    h('div', {class: 'scroll-x', tabIndex: 0, role: 'region', 'aria-label': 'Values, scrolls'}, h('table', {class: 'grid'},
+    h('div', {class: 'scroll-x', tabIndex: 0, role: 'region', 'aria-label': `Values of ${title}, scrolls`}, h('table', {class: 'grid'},
       h('thead', {}, h('tr', {}, h('th', {scope: 'col'}, xName), series.map(({label}) =>
         h('th', {scope: 'col', class: 'number'}, label === '' ? 'value' : shown(label))))),
       h('tbody', {}, x.slice(0, mostRows).map((label, index) => h('tr', {}, h('th', {scope: 'row'}, shown(label)),
@@ -54,25 +54,25 @@ function drawPanels(out, type, panels, name, signal, xName) {
     } else {
       figure.append(charts[index]);
     }
-    figure.append(valueTable(panel.x, panel.series, xName));
+    figure.append(valueTable(panel.x, panel.series, xName, panel.label === '' ? name : `${name} ${shown(panel.label)}`));
   });
   return () => together(charts, panels.map((panel) => panel.label === '' ? name : shown(panel.label)), names.map(shown));
 }
 
 async function distribution(context, out) {
-  const field = context.symbol.values.length > 1 ? state.get('field') || 'level' : '';
+  const field = fieldOf(context.symbol);
   const answer = await api.get('histogram', {...asked(context), field, bins: 40}, context.signal);
   const {x, series} = spreadSeries(answer);
   const name = `Distribution of ${shown(context.symbol.name)}`;
   const chart = chartOf('bar', x, series, name);
-  out.replaceChildren(spreadFacts(answer), h('figure', {}, chart, valueTable(x, series, 'values')));
+  out.replaceChildren(spreadFacts(answer), h('figure', {}, chart, valueTable(x, series, 'values', name)));
   return () => together([chart], [name], []);
 }
 
 async function seriesOver(context, out, type, chosen, how) {
   const {symbol} = context;
   const answer = await api.get('series', {
-    ...asked(context), ...chosen, how, field: symbol.values.length > 1 ? state.get('field') || 'level' : '',
+    ...asked(context), ...chosen, how, field: fieldOf(symbol),
   }, context.signal);
   const panels = answer.panels.slice(0, mostPanels).map(({label, series}) => ({
     label: label ?? '', ...inOrder(answer.x, series.slice(0, mostSeries).map((one) => ({...one, label: one.label ?? ''}))),
@@ -94,11 +94,14 @@ export async function chartPage(main, context) {
   const {symbol} = context;
   if (symbol === null) return askForSymbol(main, 'Chart');
   const isSet = symbol.values[0] === 'text';
-  const type = symbol.dim === 0 ? 'spread' : state.get('type') || 'bar';
-  const chosen = {x: state.get('x') || '0', by: state.get('by'), over: state.get('each')};
+  const offered = types.filter(([word]) => !isSet || word !== 'spread');
+  const type = symbol.dim === 0 ? 'spread' : offered.some(([word]) => word === state.get('type')) ? state.get('type') : 'bar';
+  // A position of the symbol, or none.
+  const position = (name) => /^\d+$/.test(state.get(name)) && Number(state.get(name)) < symbol.dim ? String(Number(state.get(name))) : '';
+  const chosen = {x: position('x') || '0', by: position('by'), over: position('each')};
   if (chosen.by === chosen.x) chosen.by = '';
   if (chosen.over === chosen.x || chosen.over === chosen.by) chosen.over = '';
-  const how = state.get('how') || (isSet ? 'count' : 'sum');
+  const how = howOf(symbol);
   const positions = symbol.keys.map((name, position) => [String(position), shown(name)]);
   const none = [['', '–']];
   const rest = (...taken) => none.concat(positions.filter(([position]) => !taken.includes(position)));
@@ -116,16 +119,16 @@ export async function chartPage(main, context) {
   };
   main.replaceChildren(heading(symbol), filterBar(context),
     h('div', {class: 'row'},
-      choice('Chart', types.filter(([word]) => !isSet || word !== 'spread'), type, (value) => state.set({type: value})),
+      choice('Chart', offered, type, (value) => state.set({type: value})),
       type !== 'spread' && [
         choice(isScatter && against(context.symbols, symbol, chosen) !== '' ? 'Points' : 'Across', positions, chosen.x, (value) => state.set({x: value})),
         choice('Series', rest(chosen.x), chosen.by, (value) => state.set({by: value})),
         choice('One for each', rest(chosen.x, chosen.by), chosen.over, (value) => state.set({each: value})),
-        choice('Value', isSet ? ways.filter(([word]) => word === 'count') : ways, how, (value) => state.set({how: value})),
+        choice('Value', waysOf(symbol), how, (value) => state.set({how: value})),
       ],
       isScatter && rivalChoice(context.symbols, symbol, chosen),
       symbol.values.length > 1 && choice('Field', symbol.values.map((name) => [name, name]),
-        state.get('field') || 'level', (value) => state.set({field: value})),
+        fieldOf(symbol), (value) => state.set({field: value})),
       h('button', {type: 'button', id: 'save-svg', onclick: saving(saveSvg)}, 'Save SVG'),
       h('button', {type: 'button', id: 'save-png', onclick: saving(savePng)}, 'Save PNG')),
     controls, out);

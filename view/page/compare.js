@@ -1,6 +1,7 @@
 // Two symbols side by side: what is new, gone and changed.
 import * as api from './api.js';
-import {choice, h, numberText, problem, shown} from './dom.js';
+import {choice, counted, h, numberText, problem, shown} from './dom.js';
+import {fieldOf} from './pivot.js';
 import * as state from './state.js';
 import {askForSymbol, heading} from './symbols.js';
 import {Windowed} from './windowed.js';
@@ -17,25 +18,28 @@ export async function comparePage(main, context) {
   if (found.symbols[other] === undefined) {
     found.symbols[other] = await api.get('symbols', {f: other}, context.signal);
   }
-  const fitting = found.symbols[other].filter((one) => one.dim === symbol.dim && (other !== file || one.name !== symbol.name));
+  const fitting = found.symbols[other].filter((one) => one.dim === symbol.dim && one.values.join() === symbol.values.join() &&
+    (other !== file || one.name !== symbol.name));
   const same = fitting.find((one) => one.name.toLowerCase() === symbol.name.toLowerCase());
   const second = fitting.find((one) => one.name === state.get('s2')) ?? same ?? fitting[0];
   const counts = h('dl', {class: 'numbers', id: 'compare-counts'});
+  const order = state.get('order') === 'key' ? 'key' : 'change';
+  const rest = h('p', {class: 'hint', id: 'compare-rest'});
   const choices = h('div', {class: 'row'},
     comparable.length > 1 && choice('With the file', comparable.map((number) => [String(number), shown(found.files[number].name)]), String(other),
       (value) => state.set({f2: value, s2: ''})),
     second && choice('With the symbol', fitting.map((one) => [one.name, shown(one.name)]), second.name, (value) => state.set({s2: value})),
-    symbol.values.length > 1 && choice('Field', symbol.values.map((name) => [name, name]), state.get('field') || 'level',
+    symbol.values.length > 1 && choice('Field', symbol.values.map((name) => [name, name]), fieldOf(symbol),
       (value) => state.set({field: value})),
-    choice('Order', [['change', 'greatest change first'], ['key', 'labels']], state.get('order') || 'change', (value) => state.set({order: value})));
-  main.replaceChildren(heading(symbol), choices, counts);
+    choice('Order', [['change', 'greatest change first'], ['key', 'labels']], order, (value) => state.set({order: value})));
+  main.replaceChildren(heading(symbol), choices, counts, rest);
   if (second === undefined) {
-    main.append(h('p', {}, 'There is no other symbol with as many positions.'));
+    main.append(h('p', {}, 'There is no other symbol with as many positions and the same values.'));
     return;
   }
   const parameters = {
-    f: file, s: symbol.name, f2: other, s2: second.name, sort: state.get('order') || 'change',
-    field: symbol.values.length > 1 ? state.get('field') || 'level' : '',
+    f: file, s: symbol.name, f2: other, s2: second.name, sort: order,
+    field: fieldOf(symbol),
   };
   const table = new Windowed({
     label: `${shown(symbol.name)} compared`,
@@ -45,6 +49,8 @@ export async function comparePage(main, context) {
       const answer = await api.get('compare', {...parameters, from, count}, context.signal);
       counts.replaceChildren(...['new', 'gone', 'changed', 'same'].map((word) =>
         h('div', {}, h('dt', {}, word), h('dd', {id: `count-${word}`}, answer[word].toLocaleString('en-US')))));
+      rest.textContent = answer.differ > answer.total
+        ? `Of ${counted(answer.differ, 'difference')} the ${answer.total.toLocaleString('en-US')} greatest are shown.` : '';
       return answer;
     },
     cells: (row) => [...row.keys.map(shown), h('span', {class: row.kind}, kinds[row.kind]),

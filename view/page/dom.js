@@ -110,7 +110,7 @@ export function counted(count, noun) {
   return `${counting.format(count)} ${noun}${count === 1 ? '' : 's'}`;
 }
 
-// A number as the command writes it; words of special values as they are.
+// A number with the fewest digits that read back to the same; words of special values as they are.
 export function numberText(value) {
   if (value === null || value === undefined) return '';
   if (typeof value === 'string') return shown(value);

@@ -13,8 +13,13 @@ export function ticks(low, high, count = 5) {
   const step = power * ([1, 2, 5].find((factor) => factor * power >= least * (1 - 1e-12)) ?? 10);
   const first = Math.floor(low / step + 1e-9);
   const last = Math.max(first + 1, Math.ceil(high / step - 1e-9));
-  return Array.from({length: last - first + 1}, (_, index) => Number(((first + index) * step).toPrecision(12)));
+  return Array.from({length: last - first + 1}, (_, index) => bounded(Number(((first + index) * step).toPrecision(12))));
 }
+
+// Beyond the greatest number there is none.
+const bounded = (value) => Math.max(-Number.MAX_VALUE, Math.min(Number.MAX_VALUE, value));
+// How far a value is on its way from one to another, which may be as far apart as numbers can be.
+const shareOf = (value, from, to) => (value / 2 - from / 2) / (to / 2 - from / 2);
 
 const drawable = (value) => typeof value === 'number' && Number.isFinite(value);
 
@@ -25,7 +30,7 @@ function range(type, series, count) {
   for (const {y} of series) {
     y.forEach((value, index) => {
       if (!drawable(value)) return;
-      const top = type === 'area' ? (piles[index] += value) : value;
+      const top = type === 'area' ? (piles[index] = bounded(piles[index] + value)) : value;
       low = Math.min(low, top);
       high = Math.max(high, top);
     });
@@ -50,7 +55,7 @@ class Field {
   down(value) {
     const [low, high] = [this.steps[0], this.steps.at(-1)];
     const {top, height, bottom} = this.size;
-    return top + (high - value) / (high - low) * (height - top - bottom);
+    return top + (1 - shareOf(value, low, high)) * (height - top - bottom);
   }
 
   get room() {
@@ -60,7 +65,7 @@ class Field {
   across(index) {
     if (this.type === 'bar') return this.left + (index + 0.5) * this.room;
     const [first, last] = [this.places[0], this.places.at(-1)];
-    const share = first === last ? 0.5 : (this.places[index] - first) / (last - first);
+    const share = first === last ? 0.5 : shareOf(this.places[index], first, last);
     return this.left + 8 + share * (this.size.width - this.size.right - this.left - 16);
   }
 }
@@ -110,7 +115,7 @@ function areas(field, series, count) {
     const back = [];
     for (let index = 0; index < count; ++index) {
       back.unshift(`${field.across(index).toFixed(1)} ${field.down(below[index]).toFixed(1)}`);
-      if (drawable(y[index])) below[index] += y[index];
+      if (drawable(y[index])) below[index] = bounded(below[index] + y[index]);
       up.push(`${field.across(index).toFixed(1)} ${field.down(below[index]).toFixed(1)}`);
     }
     return svg('path', {d: `M${[...up, ...back].join('L')}Z`, fill: colour(number), 'fill-opacity': 0.85});
@@ -174,7 +179,7 @@ export function pointsOf(series, names, name, isSmall = false) {
   const across = ticks(...ends('x'), isSmall ? 4 : 8);
   const up = ticks(...ends('y'));
   const left = 34 + 6.4 * Math.max(...up.map((tick) => shortNumber(tick).length));
-  const share = (value, steps) => (value - steps[0]) / (steps.at(-1) - steps[0]);
+  const share = (value, steps) => shareOf(value, steps[0], steps.at(-1));
   const x = (value) => left + share(value, across) * (size.width - size.right - left - 16) + 8;
   const y = (value) => size.top + (1 - share(value, up)) * (size.height - size.top - size.bottom);
   const foot = size.height - size.bottom;

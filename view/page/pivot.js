@@ -9,7 +9,12 @@ const zones = [['rows', 'Rows'], ['cols', 'Columns'], ['over', 'Over']];
 const atOnce = 300;
 const widest = 200;
 const mostPrinted = 20000;
-export const ways = [['sum', 'Sum'], ['mean', 'Mean'], ['count', 'Count'], ['min', 'Least'], ['max', 'Greatest']];
+const ways = [['sum', 'Sum'], ['mean', 'Mean'], ['count', 'Count'], ['min', 'Least'], ['max', 'Greatest']];
+
+// How values come together, and of which field: what the address says, where it fits the symbol.
+export const waysOf = (symbol) => symbol.values[0] === 'text' ? ways.filter(([word]) => word === 'count') : ways;
+export const howOf = (symbol) => waysOf(symbol).some(([word]) => word === state.get('how')) ? state.get('how') : waysOf(symbol)[0][0];
+export const fieldOf = (symbol) => symbol.values.length === 1 ? '' : symbol.values.includes(state.get('field')) ? state.get('field') : 'level';
 
 // The positions in their zones; at first the last goes across, and the others down.
 function layout(symbol) {
@@ -113,23 +118,23 @@ export async function pivotPage(main, context) {
   const {symbol} = context;
   if (symbol === null) return askForSymbol(main, 'Pivot');
   const layoutNow = layout(symbol);
-  const how = state.get('how') || (symbol.values[0] === 'text' ? 'count' : 'sum');
+  const how = howOf(symbol);
   const out = h('div', {class: 'out', tabIndex: 0, role: 'region', 'aria-label': 'Pivot, scrolls'});
   const total = h('span', {role: 'status', id: 'pivot-total'});
   main.replaceChildren(heading(symbol), filterBar(context),
     h('div', {class: 'zones'}, zones.map((zone) => zoneElement(symbol, layoutNow, zone))),
     h('div', {class: 'row'},
-      choice('Value', symbol.values[0] === 'text' ? ways.filter(([word]) => word === 'count') : ways, how,
+      choice('Value', waysOf(symbol), how,
         (value) => state.set({how: value})),
       symbol.values.length > 1 && choice('Field', symbol.values.map((name) => [name, name]),
-        state.get('field') || 'level', (value) => state.set({field: value})),
+        fieldOf(symbol), (value) => state.set({field: value})),
       tick('Heat map', state.get('heat') === '1', (value) => state.set({heat: value})), total),
     out);
   let answer = null;
   try {
     answer = await api.get('pivot', {
       ...asked(context), rows: layoutNow.rows.join(','), cols: layoutNow.cols.join(','), how,
-      field: symbol.values.length > 1 ? state.get('field') || 'level' : '',
+      field: fieldOf(symbol),
     }, context.signal);
   } catch (error) {
     if (error.name === 'AbortError') throw error;

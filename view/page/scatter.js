@@ -4,6 +4,7 @@ import {choice, counted, h, numberText, shown} from './dom.js';
 import {pointsOf, together} from './draw.js';
 import {asked} from './filters.js';
 import {interactive} from './lines.js';
+import {fieldOf} from './pivot.js';
 import * as state from './state.js';
 
 const mostLabels = 1000;
@@ -89,7 +90,7 @@ async function labelChoices(context, position) {
 // What is asked for both sides, how the axes are called, and more controls.
 async function sides(context, chosen, how) {
   const {symbol, symbols} = context;
-  const field = symbol.values.length > 1 ? state.get('field') || 'level' : '';
+  const field = fieldOf(symbol);
   const first = {...asked(context), ...chosen, how, field};
   const wanted = against(symbols, symbol, chosen);
   if (wanted.startsWith('p')) {
@@ -104,7 +105,7 @@ async function sides(context, chosen, how) {
     return position === '' || found < 0 ? '' : found;
   };
   const usual = other.name === symbol.name && field === 'level' ? 'marginal' : 'level';
-  const otherField = other.values.length > 1 ? state.get('fy') || usual : '';
+  const otherField = other.values.length === 1 ? '' : other.values.includes(state.get('fy')) ? state.get('fy') : usual;
   const [by, over] = [place(chosen.by), place(chosen.over)];
   const filters = other.name === symbol.name ? asked(context) : {f: context.file, s: other.name};
   return {
@@ -115,11 +116,11 @@ async function sides(context, chosen, how) {
   };
 }
 
-function pointTable(panel, names, xName) {
+function pointTable(panel, names, xName, title) {
   const rows = panel.series.flatMap(({label, points}) => points.map((point) => ({...point, series: label})));
   const hasSeries = panel.series.some(({label}) => label !== '');
   return h('details', {class: 'values'}, h('summary', {}, 'Values as a table'),
-    h('div', {class: 'scroll-x', tabIndex: 0, role: 'region', 'aria-label': 'Values, scrolls'}, h('table', {class: 'grid'},
+    h('div', {class: 'scroll-x', tabIndex: 0, role: 'region', 'aria-label': `Values of ${title}, scrolls`}, h('table', {class: 'grid'},
       h('thead', {}, h('tr', {}, h('th', {scope: 'col'}, xName), hasSeries && h('th', {scope: 'col'}, 'series'),
         names.map((name) => h('th', {scope: 'col', class: 'number'}, shown(name))))),
       h('tbody', {}, rows.slice(0, mostListed).map(({label, series, x, y}) => h('tr', {}, h('th', {scope: 'row'}, shown(label)),
@@ -161,7 +162,7 @@ export async function scatterOf(context, out, controls, chosen, how) {
     const figure = h('figure', {}, panel.label === '' ? '' : h('figcaption', {}, shown(panel.label)));
     place.append(figure);
     drawPanel(figure, panel, names, titleOf(panel), signal);
-    figure.append(pointTable(panel, names, shown(symbol.keys[chosen.x])));
+    figure.append(pointTable(panel, names, shown(symbol.keys[chosen.x]), titleOf(panel)));
   }
   return () => {
     if (points > mostSaved) throw new Error(`A picture has ${mostSaved.toLocaleString('en-US')} points at most: filter first.`);

@@ -46,7 +46,7 @@ async function drawFan(context, out, symbol) {
   try {
     const {x, bands} = await api.get('fan', {f: context.file, s: symbol}, context.signal);
     out.replaceChildren(h('figure', {}, fanOf(x, bands, `Fan of ${shown(symbol)}`),
-      valueTable(x, bands.map(({quantile, y}) => ({label: String(quantile), y})), 'label')));
+      valueTable(x, bands.map(({quantile, y}) => ({label: String(quantile), y})), 'label', `the fan of ${shown(symbol)}`)));
   } catch (error) {
     if (error.name !== 'AbortError') out.replaceChildren(problem(error));
   }
@@ -63,11 +63,11 @@ export async function sweepPage(main, context) {
   const lines = h('figure');
   section('Objective', lines);
   if (x.length > 0) interactive(lines, 'line', x, series, 'Objective over scenarios', context.signal);
-  lines.append(valueTable(x, series, 'scenario'));
+  lines.append(valueTable(x, series, 'scenario', 'objectives'));
   if (histogram?.counts?.length > 0) {
     const spread = spreadSeries(histogram);
     section('Distribution', spreadFacts({count: x.length, ...histogram}),
-      h('figure', {}, chartOf('bar', spread.x, spread.series, 'Distribution of objectives'), valueTable(spread.x, spread.series, 'objective')));
+      h('figure', {}, chartOf('bar', spread.x, spread.series, 'Distribution of objectives'), valueTable(spread.x, spread.series, 'objective', 'their distribution')));
   }
   if (reports.length > 0) {
     const report = reports.includes(state.get('report')) ? state.get('report') : reports[0];

@@ -10,7 +10,11 @@ import {Windowed} from './windowed.js';
 // A clipboard takes so many cells.
 const mostCopied = 8e6;
 
-const order = () => ({sort: state.get('sort'), desc: state.get('desc')});
+// The column that the rows are sorted by, where the symbol has it, and which way.
+function order({symbol}) {
+  const sort = [...symbol.keys, ...symbol.values].includes(state.get('sort')) ? state.get('sort') : '';
+  return {sort, desc: sort !== '' && state.get('desc') === '1' ? '1' : ''};
+}
 
 function toggleSort(column) {
   const isSame = state.get('sort') === column;
@@ -19,10 +23,15 @@ function toggleSort(column) {
     : {sort: column, desc: isSame ? '1' : '', from: ''});
 }
 
-// The columns that are shown, by their numbers.
+// The columns that are hidden, and those that are shown, by their numbers; one is shown at least.
+function hiddenColumns(symbol) {
+  const count = symbol.keys.length + symbol.values.length;
+  const hidden = [...new Set(state.numbers('hide'))].filter((index) => index < count).sort((left, right) => left - right);
+  return hidden.length < count ? hidden : [];
+}
 function shownColumns(symbol) {
-  const hidden = new Set(state.numbers('hide'));
-  return [...symbol.keys, ...symbol.values].map((_, index) => index).filter((index) => !hidden.has(index));
+  const hidden = hiddenColumns(symbol);
+  return [...symbol.keys, ...symbol.values].map((_, index) => index).filter((index) => !hidden.includes(index));
 }
 
 const isNumber = (symbol, index) => index >= symbol.keys.length && symbol.values[0] !== 'text';
@@ -31,7 +40,7 @@ const cellText = (symbol, index, value) =>
 
 function chooseColumns(symbol) {
   const names = [...symbol.keys, ...symbol.values];
-  const hidden = new Set(state.numbers('hide'));
+  const hidden = new Set(hiddenColumns(symbol));
   const box = dialog('Columns', h('fieldset', {}, h('legend', {}, 'Shown'),
     names.map((name, index) => tick(shown(name), !hidden.has(index), (isShown) => {
       if (isShown) hidden.delete(index); else hidden.add(index);
@@ -46,19 +55,19 @@ function chooseColumns(symbol) {
 // What is shown as text with tabs, as far as it fits.
 async function copyRows(context, total) {
   const rows = Math.floor(mostCopied / shownColumns(context.symbol).length);
-  const blob = await api.get('export', {...asked(context), ...order(), hide: state.get('hide'), format: 'tsv', most: rows}, context.signal);
+  const blob = await api.get('export', {...asked(context), ...order(context), hide: hiddenColumns(context.symbol).join(), format: 'tsv', most: rows}, context.signal);
   await toClipboard(await blob.text(), total <= rows ? counted(total, 'row')
     : `the first ${rows.toLocaleString('en-US')} of ${counted(total, 'row')} (a file has all)`);
 }
 
 // What a file of each kind keeps of what is shown.
-const keepsAll = (format) => format !== 'rxf' || (state.get('hide') === '' && state.get('sort') === '');
+const keepsAll = (context, format) => format !== 'rxf' || (hiddenColumns(context.symbol).length === 0 && order(context).sort === '');
 
 async function exportAs(context, format) {
   const blob = await api.get('export',
-    {...asked(context), ...order(), hide: state.get('hide'), format}, context.signal);
+    {...asked(context), ...order(context), hide: hiddenColumns(context.symbol).join(), format}, context.signal);
   save(blob, `${context.symbol.name.replace(/[^\w.-]/g, '_')}.${format}`);
-  say(`${counted(blob.size, 'byte')} saved${keepsAll(format) ? '' : ', with all positions in the order of the file'}`);
+  say(`${counted(blob.size, 'byte')} saved${keepsAll(context, format) ? '' : ', with all positions in the order of the file'}`);
 }
 
 export async function tablePage(main, context) {
@@ -75,10 +84,10 @@ export async function tablePage(main, context) {
       title: shown(names[index]),
       id: `sort-${index}`,
       number: isNumber(symbol, index),
-      order: state.get('sort') === names[index] ? (state.get('desc') === '1' ? 'desc' : 'asc') : '',
+      order: order(context).sort === names[index] ? (state.get('desc') === '1' ? 'desc' : 'asc') : '',
       sort: () => toggleSort(names[index]),
     })),
-    fetch: (from, count) => api.get('rows', {...asked(context), ...order(), from, count}, context.signal),
+    fetch: (from, count) => api.get('rows', {...asked(context), ...order(context), from, count}, context.signal),
     cells: (row) => columns.map((index) => cellText(symbol, index, row[index])),
     moved: (first) => {
       if (!context.signal.aborted) state.set({from: first === 0 ? '' : first}, {quietly: true});
@@ -104,7 +113,7 @@ export async function tablePage(main, context) {
       ['csv', 'xlsx', 'rxf'].map((format) => h('button', {
         type: 'button', id: `export-${format}`, onclick: act(() => exportAs(context, format)),
       }, {csv: 'Save CSV', xlsx: 'Save Excel', rxf: 'Save RXF'}[format])),
-      !keepsAll('rxf') && h('span', {class: 'hint', id: 'rxf-keeps'}, 'RXF keeps the filters; it has all positions, in its own order.')),
+      !keepsAll(context, 'rxf') && h('span', {class: 'hint', id: 'rxf-keeps'}, 'RXF keeps the filters; it has all positions, in its own order.')),
     table.element);
   try {
     await table.open();
