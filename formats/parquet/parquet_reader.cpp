@@ -4,12 +4,14 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 #include <filesystem>
 #include <limits>
 #include <optional>
 #include <system_error>
 #include <utility>
 
+#include "formats/parquet/parquet_columns.h"
 #include "formats/parquet/parquet_names.h"
 #include "formats/parquet/parquet_tables.h"
 #include "formats/tables/exact_text.h"
@@ -19,8 +21,7 @@ namespace formats {
 
 namespace {
 
-// How a column of one of DuckDB's types is read. Whole numbers beyond what doubles hold are texts,
-// as labels have to keep each digit.
+// How a column of one of DuckDB's types is read.
 ParquetColumn columnOf(std::string name, std::string_view type) {
   const std::string column = sqlName(name);
   const auto is = [&](std::initializer_list<std::string_view> names) {
@@ -29,9 +30,11 @@ ParquetColumn columnOf(std::string name, std::string_view type) {
   if (is({"DOUBLE", "FLOAT", "BOOLEAN"}) || type.starts_with("DECIMAL")) {
     return {std::move(name), ParquetColumn::Kind::number, column + "::double"};
   }
-  if (is({"DATE", "VARCHAR", "UUID", "TINYINT", "SMALLINT", "INTEGER", "BIGINT", "HUGEINT",
-          "UTINYINT", "USMALLINT", "UINTEGER", "UBIGINT", "UHUGEINT", "TIME"}) ||
-      type.starts_with("ENUM")) {
+  if (is({"TINYINT", "SMALLINT", "INTEGER", "BIGINT", "HUGEINT", "UTINYINT", "USMALLINT",
+          "UINTEGER", "UBIGINT", "UHUGEINT"})) {
+    return {std::move(name), ParquetColumn::Kind::text, column + "::varchar", true};
+  }
+  if (is({"DATE", "VARCHAR", "UUID", "TIME"}) || type.starts_with("ENUM")) {
     return {std::move(name), ParquetColumn::Kind::text, column + "::varchar"};
   }
   if (is({"TIMESTAMP", "TIMESTAMP_S", "TIMESTAMP_MS", "TIMESTAMP_NS"})) {
@@ -78,7 +81,6 @@ ParquetReader::ParquetReader(std::shared_ptr<const DuckdbSession> session, const
   fieldCount_ = columns_.size();
   exactOf_.resize(columns_.size());
   if (exact_) splitExact();
-  query_ = session_->query(parquetQuery(columns_, path), path);
   texts_.resize(columns_.size());
 }
 
@@ -125,6 +127,11 @@ TableField ParquetReader::fieldAt(std::size_t column) {
     return field;
   }
   field.text = kept(column, *plain);
+  if (columns_[column].whole) {
+    field.isNumber = true;
+    field.number = std::strtod(field.text.data(), nullptr);
+    field.rounded = fmt::format("{:.0f}", field.number) != field.text;
+  }
   return field;
 }
 
@@ -138,6 +145,7 @@ bool ParquetReader::next(ProblemList& problems) {
     }
     return true;
   }
+  if (query_ == nullptr) query_ = session_->query(parquetQuery(columns_, path_), path_);
   while (at_ == rows_.count()) {
     rows_ = query_->next();
     at_ = 0;
@@ -149,6 +157,11 @@ bool ParquetReader::next(ProblemList& problems) {
   }
   ++at_;
   return true;
+}
+
+std::unique_ptr<BulkRows> ParquetReader::columns(const BulkColumnPlaces& wanted,
+                                                 tool::Progress& progress) {
+  return exact_ ? nullptr : ParquetColumns::read(*session_, path_, columns_, wanted, progress);
 }
 
 std::string ParquetReader::place(TextPosition at) const {

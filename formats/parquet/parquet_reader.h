@@ -17,6 +17,8 @@ struct ParquetColumn {
   std::string name;
   Kind kind = Kind::text;
   std::string expression;
+  // Of whole numbers, which are read as texts: as labels they have to keep each digit.
+  bool whole = false;
 };
 
 // The columns of a file; throws Failure for one that is no Parquet file, or there is not.
@@ -32,6 +34,8 @@ class ParquetReader : public TableReader {
                 std::size_t most);
 
   bool next(ProblemList& problems) override;
+  std::unique_ptr<BulkRows> columns(const BulkColumnPlaces& wanted,
+                                    tool::Progress& progress) override;
   [[nodiscard]] TextPosition position() const override { return {.line = row_, .column = 1}; }
   [[nodiscard]] std::string place(TextPosition at) const override;
   [[nodiscard]] std::string shortPlace(TextPosition at) const override;
@@ -49,6 +53,7 @@ class ParquetReader : public TableReader {
   // By column, that of its exact values, or 0.
   std::vector<std::size_t> exactOf_;
   std::size_t fieldCount_ = 0;
+  // Begun with the first row.
   std::unique_ptr<DuckdbQuery> query_;
   DuckdbRows rows_;
   std::size_t at_ = 0;

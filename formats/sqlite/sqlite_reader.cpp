@@ -22,6 +22,12 @@ bool isQuery(std::string_view part) {
          (tool::sameFolded(word, "select") || tool::sameFolded(word, "with"));
 }
 
+// Whether a double is not the whole number that it was made from.
+bool isRounded(sqlite3_int64 whole, double number) {
+  constexpr double beyond = 0x1p63;
+  return number >= beyond || static_cast<sqlite3_int64>(number) != whole;
+}
+
 class SqliteReader : public TableReader {
  public:
   SqliteReader(SqliteFile file, const std::string& sql, std::string shown, bool exact)
@@ -85,6 +91,7 @@ class SqliteReader : public TableReader {
       case SQLITE_INTEGER:
         field.isNumber = true;
         field.number = sqlite3_column_double(statement, column);
+        field.rounded = isRounded(sqlite3_column_int64(statement, column), field.number);
         break;
       case SQLITE_BLOB:
         field.fault = "is a blob, expected a text or a number";

@@ -12,13 +12,11 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
-#include <deque>
 #include <mutex>
 #include <optional>
 #include <thread>
 #include <utility>
 
-#include "formats/tables/record_import.h"
 #include "tools/text/number_text.h"
 
 namespace formats {
@@ -72,70 +70,6 @@ class CsvBulk::File {
 
  private:
   int file_;
-};
-
-// The labels that one thread met, numbered from 0 as it met them.
-class CsvBulk::Dictionary {
- public:
-  static constexpr int none = -1;
-
-  // The number of a label; none for a text that cannot be one.
-  int find(std::string_view text) {
-    const std::uint64_t hash = hashOf(text);
-    std::size_t place = hash & (places_.size() - 1);
-    for (; places_[place] != 0; place = (place + 1) & (places_.size() - 1)) {
-      const auto known = static_cast<std::size_t>(places_[place] - 1);
-      if (hashes_[known] == hash && labels_[known] == text) return places_[place] - 1;
-    }
-    if (text.empty() || !labelProblem(text).empty()) return none;
-    labels_.emplace_back(text);
-    hashes_.push_back(hash);
-    latestChunks_.push_back(0);
-    places_[place] = static_cast<int>(labels_.size());
-    if (2 * labels_.size() > places_.size()) grow();
-    return static_cast<int>(labels_.size()) - 1;
-  }
-
-  // Whether a label is met for the first time in a chunk; chunks are numbered from 1.
-  bool isFresh(int label, std::size_t chunk) {
-    std::size_t& latest = latestChunks_[static_cast<std::size_t>(label)];
-    return std::exchange(latest, chunk) != chunk;
-  }
-
-  [[nodiscard]] std::size_t size() const { return labels_.size(); }
-  [[nodiscard]] const std::string& label(int number) const {
-    return labels_[static_cast<std::size_t>(number)];
-  }
-  // The numbers that labels got in the end; 0 for none yet.
-  std::vector<int> numbers;
-
- private:
-  static std::uint64_t hashOf(std::string_view text) {
-    std::uint64_t hash = text.size();
-    while (!text.empty()) {
-      std::uint64_t word = 0;
-      const std::size_t count = std::min(text.size(), sizeof word);
-      std::memcpy(&word, text.data(), count);
-      hash = (hash ^ word) * 0x9E3779B97F4A7C15U;
-      hash ^= hash >> 29U;
-      text.remove_prefix(count);
-    }
-    return hash;
-  }
-
-  void grow() {
-    places_.assign(2 * places_.size(), 0);
-    for (std::size_t label = 0; label < labels_.size(); ++label) {
-      std::size_t place = hashes_[label] & (places_.size() - 1);
-      while (places_[place] != 0) place = (place + 1) & (places_.size() - 1);
-      places_[place] = static_cast<int>(label) + 1;
-    }
-  }
-
-  std::deque<std::string> labels_;
-  std::vector<std::uint64_t> hashes_;
-  std::vector<std::size_t> latestChunks_;
-  std::vector<int> places_ = std::vector<int>(1024);
 };
 
 struct CsvBulk::Chunk {
@@ -277,29 +211,29 @@ class CsvBulk::Reading {
     }
   }
 
-  bool parse(std::string_view text, std::size_t number, Dictionary& dictionary,
+  bool parse(std::string_view text, std::size_t number, LabelDictionary& dictionary,
              Chunk& chunk) const {
     Piece& piece = chunk.piece;
-    piece.labels.resize(form_.labelColumns.size());
-    piece.numbers.resize(form_.numberColumns.size());
+    piece.labels.resize(form_.columns.labels.size());
+    piece.numbers.resize(form_.columns.numbers.size());
     Row row(form_.columnCount);
     // The label that each column had last, which often comes again.
-    std::vector<int> latest(form_.labelColumns.size(), Dictionary::none);
+    std::vector<int> latest(form_.columns.labels.size(), LabelDictionary::none);
     const char* at = text.data();
     const char* const end = at + text.size();
     for (skipLineEnds(at, end); at != end; skipLineEnds(at, end)) {
       if (!readRow(at, end, row)) return false;
       for (std::size_t index = 0; index < latest.size(); ++index) {
-        const std::string_view field = row.fields[form_.labelColumns[index]];
-        if (latest[index] == Dictionary::none || dictionary.label(latest[index]) != field) {
+        const std::string_view field = row.fields[form_.columns.labels[index]];
+        if (latest[index] == LabelDictionary::none || dictionary.label(latest[index]) != field) {
           latest[index] = dictionary.find(field);
-          if (latest[index] == Dictionary::none) return false;
+          if (latest[index] == LabelDictionary::none) return false;
           if (dictionary.isFresh(latest[index], number)) chunk.fresh.push_back(latest[index]);
         }
         piece.labels[index].push_back(latest[index]);
       }
       for (std::size_t index = 0; index < piece.numbers.size(); ++index) {
-        const std::optional<double> value = numberOf(row.fields[form_.numberColumns[index]]);
+        const std::optional<double> value = numberOf(row.fields[form_.columns.numbers[index]]);
         if (!value) return false;
         piece.numbers[index].push_back(*value);
       }
@@ -338,7 +272,7 @@ bool CsvBulk::read(const std::string& path, const CsvBulkForm& form, tool::Progr
   if (file.size() == 0) return false;
   threads_ = std::max(1U, form.threads);
   for (unsigned thread = 0; thread < threads_; ++thread) {
-    dictionaries_.push_back(std::make_unique<Dictionary>());
+    dictionaries_.push_back(std::make_unique<LabelDictionary>());
   }
   Reading reading(*this, file, form, progress);
   const auto work = [&reading](std::size_t dictionary) {
@@ -366,7 +300,7 @@ std::size_t CsvBulk::mostLabels() const {
 void CsvBulk::numberLabels(const std::function<int(const std::string& label)>& number) {
   for (const auto& dictionary : dictionaries_) dictionary->numbers.assign(dictionary->size(), 0);
   for (const auto& chunk : chunks_) {
-    Dictionary& dictionary = *dictionaries_[chunk->dictionary];
+    LabelDictionary& dictionary = *dictionaries_[chunk->dictionary];
     for (const int label : chunk->fresh) {
       int& known = dictionary.numbers[static_cast<std::size_t>(label)];
       if (known == 0) known = number(dictionary.label(label));

@@ -13,6 +13,8 @@
 #include <string_view>
 #include <vector>
 
+#include "formats/tables/bulk_rows.h"
+#include "formats/tables/label_dictionary.h"
 #include "tools/text/progress.h"
 
 namespace formats {
@@ -21,49 +23,33 @@ struct CsvBulkForm {
   char separator = ',';
   char decimal = '.';
   std::size_t columnCount = 0;
-  // Columns whose fields are labels, in the order in which a row's labels are numbered, and those
-  // whose fields are numbers.
-  std::vector<std::size_t> labelColumns;
-  std::vector<std::size_t> numberColumns;
+  BulkColumnPlaces columns;
   // Bytes of a chunk, about, and how many threads read them.
   std::size_t chunkBytes = std::size_t{4} << 20U;
   unsigned threads = 1;
 };
 
-class CsvBulk {
+class CsvBulk : public BulkRows {
  public:
   CsvBulk();
-  CsvBulk(const CsvBulk&) = delete;
-  CsvBulk& operator=(const CsvBulk&) = delete;
-  ~CsvBulk();
+  ~CsvBulk() override;
 
   // Reads a file that is no link to a pipe or the like, and not packed; false where it gives up.
   bool read(const std::string& path, const CsvBulkForm& form, tool::Progress& progress);
 
-  // A bound of how many labels there are.
-  [[nodiscard]] std::size_t mostLabels() const;
-  // Asks for the number of each label, in the order in which the rows have them; for one that
-  // several threads met more than once.
-  void numberLabels(const std::function<int(const std::string& label)>& number);
-
-  // A piece of the rows, in their order: by the order of the form's columns, numbers of labels once
-  // they were numbered, and numbers.
-  struct Piece {
-    std::size_t rows = 0;
-    std::vector<std::vector<int>> labels;
-    std::vector<std::vector<double>> numbers;
-  };
-  [[nodiscard]] std::size_t pieceCount() const;
-  [[nodiscard]] const Piece& piece(std::size_t number) const;
+  [[nodiscard]] std::size_t mostLabels() const override;
+  // For one that several threads met more than once.
+  void numberLabels(const std::function<int(const std::string& label)>& number) override;
+  [[nodiscard]] std::size_t pieceCount() const override;
+  [[nodiscard]] const Piece& piece(std::size_t number) const override;
 
  private:
   class File;
-  class Dictionary;
   class Reading;
   struct Chunk;
 
   unsigned threads_ = 1;
-  std::vector<std::unique_ptr<Dictionary>> dictionaries_;
+  std::vector<std::unique_ptr<LabelDictionary>> dictionaries_;
   std::vector<std::unique_ptr<Chunk>> chunks_;
 };
 

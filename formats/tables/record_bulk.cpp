@@ -1,11 +1,12 @@
-// The way of big CSV files into a database: read by all processors, stored where nothing is to be
-// told of them.
+// The way of big tables into a database: read by columns, stored where nothing is to be told of
+// them.
 
 #include <algorithm>
 #include <array>
 #include <bit>
 #include <filesystem>
 #include <limits>
+#include <memory>
 #include <optional>
 #include <span>
 #include <system_error>
@@ -55,37 +56,47 @@ void sortEntries(std::vector<OrderEntry>& entries) {
   std::inplace_merge(entries.begin(), middle, entries.end(), less);
 }
 
+// The columns of a CSV file that is worth it; null where it is read row by row.
+std::unique_ptr<BulkRows> columnsOfCsv(const PartedFile& file, CsvBulkForm form,
+                                       tool::Progress& progress) {
+  std::error_code error;
+  if (std::filesystem::file_size(file.path, error) < 2 * form.chunkBytes || error) return nullptr;
+  form.separator = file.separator;
+  form.threads = processors();
+  auto bulk = std::make_unique<CsvBulk>();
+  return bulk->read(file.path, form, progress) ? std::move(bulk) : nullptr;
+}
+
 }  // namespace
 
-bool RecordImport::readBulk(const TableReader& reader, const std::vector<ImportTarget>& targets) {
-  const std::optional<PartedFile> file = reader.partedFile();
-  std::error_code error;
-  if (!file || std::filesystem::file_size(file->path, error) < 2 * chunkBytes_ || error ||
-      std::ranges::any_of(targets, [](const ImportTarget& target) {
+bool RecordImport::readBulk(TableReader& reader, const std::vector<ImportTarget>& targets) {
+  if (std::ranges::any_of(targets, [](const ImportTarget& target) {
         return target.textColumn.has_value() || target.keyColumns.empty();
       })) {
     return false;
   }
-  CsvBulkForm form{.separator = file->separator,
-                   .decimal = decimal_,
-                   .columnCount = columns_->size(),
-                   .labelColumns = {},
-                   .numberColumns = {},
-                   .chunkBytes = chunkBytes_,
-                   .threads = processors()};
+  BulkColumnPlaces wanted;
   std::vector<BulkColumns> columns;
   for (const ImportTarget& target : targets) {
     BulkColumns& places =
         columns.emplace_back(BulkColumns{.target = target, .keys = {}, .values = {}});
     for (const std::size_t column : target.keyColumns) {
-      places.keys.push_back(placeAmong(column, form.labelColumns));
+      places.keys.push_back(placeAmong(column, wanted.labels));
     }
     for (const std::size_t column : target.valueColumns) {
-      places.values.push_back(placeAmong(column, form.numberColumns));
+      places.values.push_back(placeAmong(column, wanted.numbers));
     }
   }
-  CsvBulk bulk;
-  if (!bulk.read(file->path, form, progress_)) return false;
+  const std::optional<PartedFile> file = reader.partedFile();
+  const std::unique_ptr<BulkRows> read = file ? columnsOfCsv(*file,
+                                                             {.decimal = decimal_,
+                                                              .columnCount = columns_->size(),
+                                                              .columns = wanted,
+                                                              .chunkBytes = chunkBytes_},
+                                                             progress_)
+                                              : reader.columns(wanted, progress_);
+  if (read == nullptr) return false;
+  BulkRows& bulk = *read;
   const auto mostLabels = static_cast<std::size_t>(database_.labelCount()) + bulk.mostLabels();
   const auto fitsInWord = [&](const BulkColumns& places) {
     return places.keys.size() * static_cast<std::size_t>(std::bit_width(mostLabels)) <= 64;
@@ -104,14 +115,14 @@ bool RecordImport::readBulk(const TableReader& reader, const std::vector<ImportT
   return true;
 }
 
-bool RecordImport::orderBulk(const CsvBulk& bulk, const BulkColumns& columns,
+bool RecordImport::orderBulk(const BulkRows& bulk, const BulkColumns& columns,
                              std::vector<std::uint32_t>& order) const {
   const auto bits = static_cast<unsigned>(
       std::bit_width(static_cast<unsigned>(std::max(database_.labelCount(), 1))));
   // Calls use with the key of each row until it gives false.
   const auto eachKey = [&](auto use) {
     for (std::size_t number = 0; number < bulk.pieceCount(); ++number) {
-      const CsvBulk::Piece& piece = bulk.piece(number);
+      const BulkRows::Piece& piece = bulk.piece(number);
       for (std::size_t row = 0; row < piece.rows; ++row) {
         std::uint64_t key = 0;
         for (const std::size_t column : columns.keys) {
@@ -153,7 +164,7 @@ bool RecordImport::orderBulk(const CsvBulk& bulk, const BulkColumns& columns,
   return true;
 }
 
-bool RecordImport::insideDomains(const CsvBulk& bulk, const BulkColumns& columns) {
+bool RecordImport::insideDomains(const BulkRows& bulk, const BulkColumns& columns) {
   const std::vector<ztb::Domain> domains = columns.target.symbol.domains();
   for (std::size_t position = 0; position < domains.size(); ++position) {
     const Member* member = memberOf(domains[position]);
@@ -177,7 +188,7 @@ bool RecordImport::insideDomains(const CsvBulk& bulk, const BulkColumns& columns
   return true;
 }
 
-void RecordImport::storeBulk(const CsvBulk& bulk, const BulkColumns& columns,
+void RecordImport::storeBulk(const BulkRows& bulk, const BulkColumns& columns,
                              const std::vector<std::uint32_t>& order) {
   const ImportTarget& target = columns.target;
   ztb::Symbol symbol = target.symbol;
@@ -185,7 +196,7 @@ void RecordImport::storeBulk(const CsvBulk& bulk, const BulkColumns& columns,
   const bool isSet = symbol.type() == ztb::Type::set;
   std::array<int, ZTB_MAX_DIMENSION> keys{};
   std::array<double, ztb::fieldCount> values = target.defaults;
-  const auto put = [&](const CsvBulk::Piece& piece, std::size_t row) {
+  const auto put = [&](const BulkRows::Piece& piece, std::size_t row) {
     for (std::size_t position = 0; position < columns.keys.size(); ++position) {
       keys[position] = piece.labels[columns.keys[position]][row];
     }
@@ -202,7 +213,7 @@ void RecordImport::storeBulk(const CsvBulk& bulk, const BulkColumns& columns,
   };
   if (order.empty()) {
     for (std::size_t number = 0; number < bulk.pieceCount(); ++number) {
-      const CsvBulk::Piece& piece = bulk.piece(number);
+      const BulkRows::Piece& piece = bulk.piece(number);
       for (std::size_t row = 0; row < piece.rows; ++row) put(piece, row);
     }
     return;

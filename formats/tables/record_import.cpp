@@ -190,6 +190,10 @@ bool RecordImport::readValues(const TableReader& reader, const ImportTarget& tar
     if (!reason.empty()) {
       problem(reader, column, reason);
       good = false;
+    } else if (field.rounded) {
+      warnings_.add(reader.place(field.at),
+                    fmt::format("warning: {}: {} is taken as {:.0f}, the nearest double",
+                                (*columns_)[column], field.text, field.number));
     }
   }
   return good;

@@ -39,7 +39,7 @@ struct ImportTarget {
   bool skipEmpty = false;
 };
 
-class CsvBulk;
+class BulkRows;
 struct BulkColumns;
 
 // Reads files into one database. Problems and warnings go to the lists of the caller; the database
@@ -89,15 +89,15 @@ class RecordImport {
     int number = 0;
   };
 
-  // Reads a big CSV file with all processors; false, with no record stored, where its rows have to
-  // be looked at one by one.
-  bool readBulk(const TableReader& reader, const std::vector<ImportTarget>& targets);
+  // Reads a big table by columns, a CSV file with all processors; false, with no record stored,
+  // where its rows have to be looked at one by one.
+  bool readBulk(TableReader& reader, const std::vector<ImportTarget>& targets);
   // Whether the records of a target have nothing wrong with them; `order` becomes their order,
   // empty for that of the file.
-  bool orderBulk(const CsvBulk& bulk, const BulkColumns& columns,
+  bool orderBulk(const BulkRows& bulk, const BulkColumns& columns,
                  std::vector<std::uint32_t>& order) const;
-  bool insideDomains(const CsvBulk& bulk, const BulkColumns& columns);
-  void storeBulk(const CsvBulk& bulk, const BulkColumns& columns,
+  bool insideDomains(const BulkRows& bulk, const BulkColumns& columns);
+  void storeBulk(const BulkRows& bulk, const BulkColumns& columns,
                  const std::vector<std::uint32_t>& order);
 
   // What a field shows, followed by a zero char; valid until the next call.

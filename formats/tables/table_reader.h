@@ -2,13 +2,16 @@
 #ifndef ZTB_FORMATS_TABLES_TABLE_READER_H_
 #define ZTB_FORMATS_TABLES_TABLE_READER_H_
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
+#include "formats/tables/bulk_rows.h"
 #include "formats/tables/problem_list.h"
+#include "tools/text/progress.h"
 
 namespace formats {
 
@@ -22,6 +25,8 @@ struct TableField {
   // The field is this number. The text shows it, or is empty, and then its digits are the text.
   bool isNumber = false;
   double number = 0;
+  // The number is the nearest to that of the text, which no double holds.
+  bool rounded = false;
   // Why nothing can be made of the field.
   const char* fault = nullptr;
 };
@@ -47,6 +52,15 @@ class TableReader {
 
   // The file whose rows these are, as they stand in it; nothing where there is no such one.
   [[nodiscard]] virtual std::optional<PartedFile> partedFile() const { return std::nullopt; }
+
+  // Columns of the rows behind the header, which was read and nothing else; null where they have to
+  // be looked at one by one, which next() goes on with then.
+  virtual std::unique_ptr<BulkRows> columns(const BulkColumnPlaces& wanted,
+                                            tool::Progress& progress) {
+    static_cast<void>(wanted);
+    static_cast<void>(progress);
+    return nullptr;
+  }
 
   // The row that next() read; valid until the next call.
   [[nodiscard]] const std::vector<TableField>& fields() const { return fields_; }

@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <cstdio>
@@ -12,8 +13,10 @@
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <vector>
 #include <ztb/ztb.hpp>
 
+#include "formats/parquet/duckdb_session.h"
 #include "tests/formats/job.h"
 
 namespace {
@@ -122,6 +125,79 @@ TEST_F(ParquetTest, ComesInAsATable) {
   Job twice({{"from", folder_.file("price.parquet")}, {"set", "s(value)"}});
   ASSERT_TRUE(twice.importInto(other.handle())) << twice.errors(folder_);
   EXPECT_TRUE(other["s"].find("-2").has_value());
+}
+
+// A file of DuckDB's own, made by a query.
+TEST_F(ParquetTest, MovesColumnsOfAllTypesAsRowsWould) {
+  const std::string file = folder_.file("flows.parquet");
+  formats::DuckdbSession session;
+  session.run(
+      "copy (select 'n' || (i * 7 % 12) as a, date '2024-02-27' + i::integer as day, "
+      "(i % 3)::smallint as b, i::bigint * 1000000 as whole, i / 8.0 as amount, i % 2 = 0 "
+      "as even from range(3000) t(i)) to '" +
+          file + "' (format parquet)",
+      file);
+  Job in({{"from", file},
+          {"parameter", "flow(b, day, a) = amount"},
+          {"variable", "x(day) = level: whole, upper: even"},
+          {"distinct-set", "a"}});
+  ASSERT_TRUE(in.import(folder_.file("flows.rxf"))) << in.errors(folder_);
+  const ztb::Database read = ztb::Database::open(folder_.file("flows.rxf"));
+  // Labels are numbered as the rows name them, by the order of the symbols and their keys.
+  std::vector<std::string> labels;
+  for (int number = 1; number <= 6; ++number) labels.push_back(read.label(number).str());
+  EXPECT_THAT(labels, testing::ElementsAre("0", "2024-02-27", "n0", "1", "2024-02-28", "n7"));
+  ASSERT_EQ(read["flow"].recordCount(), 3000);
+  EXPECT_EQ(read["flow"].find("2", "2024-02-29", "n2")->level(), 0.25);
+  EXPECT_EQ(read["flow"].find("2", "2032-05-14", "n5")->level(), 2999 / 8.0);
+  EXPECT_EQ(read["x"].find("2024-03-01")->level(), 3e6);
+  EXPECT_EQ(read["x"].find("2024-03-01")->upper(), 0);
+  EXPECT_EQ(read["x"].find("2024-03-02")->upper(), 1);
+  EXPECT_EQ(read["a"].recordCount(), 12);
+}
+
+TEST_F(ParquetTest, TellsOfRowsThatColumnsCannotTell) {
+  const std::string file = folder_.file("rows.parquet");
+  formats::DuckdbSession session;
+  const auto errorsOf = [&](const std::string& rows, const std::string& symbol) {
+    session.run(
+        "copy (select * from (values " + rows + ") t(a, v)) to '" + file + "' (format parquet)",
+        file);
+    Job in({{"from", file}, {"parameter", symbol}});
+    EXPECT_FALSE(in.import(folder_.file("rows.rxf")));
+    return in.errors(folder_);
+  };
+  EXPECT_THAT(errorsOf("('x', 1.5), ('y', null)", "p(a) = v"),
+              StartsWith("rows.parquet: row 2: v: is empty, expected a number\n"));
+  EXPECT_THAT(errorsOf("('x', 1.5), (null, 2)", "p(a) = v"),
+              StartsWith("rows.parquet: row 2: a: is empty, expected a label"));
+  EXPECT_THAT(errorsOf("('x', 1.5), ('X', 2)", "p(a) = v"),
+              StartsWith("rows.parquet: row 2: record (\"x\") of p stands in row 1 already"));
+  EXPECT_THAT(errorsOf("('x', 'one'), ('y', '2')", "p(a) = v"),
+              StartsWith("rows.parquet: row 1: v: 'one' is not a number\n"));
+  EXPECT_THAT(errorsOf("('x', 1), (repeat('y', 64), 2)", "p(a) = v"),
+              StartsWith("rows.parquet: row 2: a: label '"));
+}
+
+TEST_F(ParquetTest, TellsOfWholeNumbersThatNoDoubleHolds) {
+  const std::string file = folder_.file("whole.parquet");
+  formats::DuckdbSession session;
+  session.run(
+      "copy (select * from (values ('x', 9007199254740993), ('y', 9007199254740994), "
+      "('z', 3)) t(a, v)) to '" +
+          file + "' (format parquet)",
+      file);
+  Job in({{"from", file}, {"parameter", "p(a) = v"}});
+  ASSERT_TRUE(in.import(folder_.file("whole.rxf"))) << in.errors(folder_);
+  const std::string warnings = in.warnings(folder_);
+  EXPECT_THAT(warnings, HasSubstr("whole.parquet: row 1: warning: v: 9007199254740993 is taken as "
+                                  "9007199254740992, the nearest double\n"));
+  EXPECT_EQ(std::count(warnings.begin(), warnings.end(), '\n'), 1);
+  const ztb::Database read = ztb::Database::open(folder_.file("whole.rxf"));
+  EXPECT_EQ(read["p"].find("y")->level(), 9007199254740994.0);
+  Job labels({{"from", file}, {"set", "s(v)"}});
+  ASSERT_TRUE(labels.import(folder_.file("whole.rxf"))) << labels.errors(folder_);
+  EXPECT_EQ(labels.warnings(folder_), "");
 }
 
 TEST_F(ParquetTest, GoesOutWide) {

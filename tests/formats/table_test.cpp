@@ -524,6 +524,25 @@ TEST_F(TableTest, KeepsValuesWhateverSpecialValuesTheDatabaseHasSet) {
   EXPECT_EQ(back["price"].find("Tofu")->level(), 5e-324);
 }
 
+TEST_F(TableTest, TellsOfWholeNumbersOfSqliteThatNoDoubleHolds) {
+  sql("ids.db",
+      "create table t(a text, v integer);"
+      "insert into t values('x', 9007199254740993), ('y', -9223372036854775807),"
+      "('z', -9223372036854775808), ('u', 9223372036854775807), ('v', 9007199254740992)");
+  Job job({{"from", folder_.file("ids.db")}, {"parameter", "p(a) = v"}});
+  ASSERT_TRUE(job.import(folder_.file("ids.rxf"))) << job.errors(folder_);
+  EXPECT_EQ(job.warnings(folder_),
+            "ids.db#t: row 1: warning: v: 9007199254740993 is taken as 9007199254740992, the "
+            "nearest double\n"
+            "ids.db#t: row 2: warning: v: -9223372036854775807 is taken as -9223372036854775808, "
+            "the nearest double\n"
+            "ids.db#t: row 4: warning: v: 9223372036854775807 is taken as 9223372036854775808, the "
+            "nearest double\n");
+  // As labels they keep each digit.
+  const ztb::Database read = imported("ids.db#t", {{"set", "s(v)"}});
+  EXPECT_TRUE(read["s"].find("9007199254740993").has_value());
+}
+
 TEST_F(TableTest, TellsAMissingFileByItsKind) {
   Job job({{"from", folder_.file("none.csv")}, {"set", "x"}});
   EXPECT_FALSE(job.import(folder_.file("none.rxf")));

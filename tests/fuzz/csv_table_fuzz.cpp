@@ -53,7 +53,7 @@ void compareChunks(const std::string& path, char separator, const Table& table) 
   constexpr std::size_t tinyChunk = 64;
   formats::CsvBulkForm form{.separator = separator, .columnCount = table.rows.front().size()};
   for (std::size_t column = 0; column < form.columnCount; ++column) {
-    form.labelColumns.push_back(column);
+    form.columns.labels.push_back(column);
   }
   form.chunkBytes = tinyChunk;
   formats::CsvBulk bulk;

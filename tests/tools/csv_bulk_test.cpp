@@ -28,8 +28,7 @@ class CsvBulkTest : public testing::Test {
     const formats::CsvBulkForm form{.separator = ',',
                                     .decimal = '.',
                                     .columnCount = 4,
-                                    .labelColumns = {1, 0},
-                                    .numberColumns = {2},
+                                    .columns = {.labels = {1, 0}, .numbers = {2}},
                                     .chunkBytes = chunkBytes,
                                     .threads = threads};
     if (!reader.read(folder_.file("a.csv"), form, progress)) return std::nullopt;
