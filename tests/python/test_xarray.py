@@ -1,6 +1,7 @@
 """Symbols as xarray objects, and whole databases as data sets and NetCDF files."""
 
 import math
+import os
 
 import netCDF4
 import numpy as np
@@ -155,6 +156,21 @@ def test_a_database_goes_to_netcdf_and_back(diet, tmp_path):
         assert list(file["food"][:]) == list(diet["food"])
     with ztb.read(path) as back:
         same(diet, back)
+
+
+def test_what_is_no_regular_file_is_not_replaced(diet, tmp_path):
+    os.mkfifo(tmp_path / "pipe.nc")
+    (tmp_path / "kept").write_text("kept")
+    (tmp_path / "link.nc").symlink_to(tmp_path / "kept")
+    (tmp_path / "folder.nc").mkdir()
+    for name in ["pipe.nc", "link.nc", "folder.nc"]:
+        with pytest.raises(ztb.Error, match=f"{name}: is no regular file, nothing is written"):
+            diet.export(tmp_path / name)
+    assert (tmp_path / "pipe.nc").is_fifo() and (tmp_path / "link.nc").is_symlink()
+    assert (tmp_path / "kept").read_text() == "kept"
+    assert sorted(path.name for path in tmp_path.iterdir()) == [
+        "folder.nc", "kept", "link.nc", "pipe.nc"
+    ]
 
 
 def test_files_that_are_no_such_files_are_refused(diet, tmp_path):

@@ -15,7 +15,7 @@ import numpy as np
 import numpy.typing as npt
 
 from . import arguments
-from .errors import DamagedFileError, MissingFileError
+from .errors import DamagedFileError, Error, MissingFileError
 from .missing import missing_value, require_choice
 from .special import _double
 from .values import FIELDS
@@ -344,6 +344,10 @@ def write_netcdf(database: Database, path: Any, most: int) -> None:
     if not os.path.isdir(folder):
         raise MissingFileError(
             f"{os.fsdecode(path)}: cannot be written: the folder does not exist", "write_netcdf"
+        )
+    if os.path.lexists(path) and (os.path.islink(path) or not os.path.isfile(path)):
+        raise Error(
+            f"{os.fsdecode(path)}: is no regular file, nothing is written to it", "write_netcdf"
         )
     with tempfile.TemporaryDirectory(prefix=".ztb.", dir=folder) as scratch:
         written = os.path.join(scratch, name)
