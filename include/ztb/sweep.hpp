@@ -71,10 +71,7 @@ class Sweep {
   };
   [[nodiscard]] Range chunk(int number) const {
     Range range;
-    if (ztbSweepChunk(handle_, number, &range.first, &range.end) == 0) {
-      throw Error("ztbSweepChunk", "there is no chunk " + std::to_string(number),
-                  ErrorKind::notFound);
-    }
+    if (ztbSweepChunk(handle_, number, &range.first, &range.end) == 0) throw noChunk(number);
     return range;
   }
   // In what the files differ from those that were opened; empty if in nothing.
@@ -126,7 +123,8 @@ class Sweep {
   };
   [[nodiscard]] State state(int chunk) const {
     State state;
-    ztbSweepChunkState(handle_, chunk, &state.missing, &state.failed);
+    if (ztbSweepChunkState(handle_, chunk, &state.missing, &state.failed) == 0)
+      throw noChunk(chunk);
     return state;
   }
   struct Outcome {
@@ -170,6 +168,9 @@ class Sweep {
  private:
   void require(int result, const char* operation) const {
     if (result == 0) throw Error(operation, ztbSweepMessage(handle_));
+  }
+  static Error noChunk(int number) {
+    return {"ztbSweepChunk", "there is no chunk " + std::to_string(number), ErrorKind::notFound};
   }
   std::string text(const char* found, const char* operation) const {
     if (found == nullptr) throw Error(operation, ztbSweepMessage(handle_));

@@ -100,13 +100,17 @@ def test_four_workers_of_dask_give_what_one_process_gives(diet, kills, tmp_path)
     expect_same(diet, "dask.rxf")
 
 
-def test_a_client_that_is_killed_is_followed_by_another(diet, tmp_path):
+@pytest.mark.parametrize("ending", [signal.SIGKILL, signal.SIGTERM])
+def test_a_client_that_is_ended_is_followed_by_another(diet, tmp_path, ending):
     with DaskProcesses(tmp_path, 2) as cluster:
         first = diet.start("--out", "again.rxf", "--dask", cluster.address)
         parts = diet.folder / "again.rxf.parts"
         wait_for_parts(parts, 20, first)
-        first.kill()
-        first.communicate()
+        first.send_signal(ending)
+        _, errors = first.communicate(timeout=60)
+        if ending == signal.SIGTERM:
+            assert first.returncode == 1
+            assert "ztb: was asked to end; " in errors and "stands in again.rxf.parts" in errors
         kept = len(list(parts.glob("*.rxf")))
         second = diet.start("--out", "again.rxf", "--dask", cluster.address, "--resume")
         output, errors = second.communicate(timeout=240)
@@ -165,6 +169,10 @@ def test_a_full_disk_loses_nothing(diet, small_disk):
 def test_a_full_disk_of_workers_of_dask_loses_nothing(diet, small_disk, tmp_path):
     parts = small_disk / "parts"
     with DaskProcesses(tmp_path, 2) as cluster:
+        # Where the parts come back to is full.
+        _, errors = diet("--out", small_disk / "o.rxf", "--dask", cluster.address, expected=1)
+        assert re.fullmatch(rf"ztb: {small_disk}/o.rxf.parts/\S+: cannot be written: No space .*\n", errors)
+        shutil.rmtree(small_disk / "o.rxf.parts")
         words = ["--out", "filled.rxf", "--dask", cluster.address]
         _, errors = diet(*words, "--parts", parts, expected=1)
         # The chunk that all workers gave back is told by its first and last scenario.

@@ -280,6 +280,7 @@ TEST_F(SweepLibraryTest, WhatIsRefused) {
   EXPECT_EQ(errorOf([&] { sweep.solve("", 0); }), "the folder of the parts has no name");
   EXPECT_EQ(errorOf([&] { sweep.skip(4, ""); }), "there is no scenario 4");
   EXPECT_EQ(errorOf([&] { (void)sweep.chunk(2); }), "there is no chunk 2");
+  EXPECT_EQ(errorOf([&] { (void)sweep.state(2); }), "there is no chunk 2");
   EXPECT_EQ(errorOf([&] { (void)sweep.scenario(-1); }), "there is no scenario -1");
   sweep.solve(path("parts"), 1);
   EXPECT_EQ(errorOf([&] { sweep.solve(path("parts"), 0); }),

@@ -168,6 +168,8 @@ TEST_F(SweepSlurmTest, WrongUsageIsTold) {
        "--sbatch 'mem': an option of sbatch is expected, as in --sbatch=--mem=4G"},
       {{"--dask", "tcp://h:1", "--jobs", "2"},
        "--dask and --jobs: workers of the cluster solve, no processes of this machine"},
+      {{"--dask", "tcp://h:1", "--max-memory", "1G"},
+       "--dask and --max-memory: workers are limited where they are started"},
       {{"--progress", "loud"}, "--progress 'loud': terminal, json or none is expected"}};
   for (const auto& [more, text] : cases) {
     const Outcome outcome = ztb(sweep(more));

@@ -1,4 +1,5 @@
 #include <fmt/format.h>
+#include <ztb/rxf.h>
 
 #include <algorithm>
 #include <array>
@@ -121,6 +122,13 @@ void requireEngine(const SweepOptions& options) {
         fmt::format("--dask and {}: workers of the cluster solve, no processes of "
                     "this machine",
                     options.stall ? "--stall" : "--jobs"));
+  }
+  if (!options.dask.empty()) {
+    const unsigned long long memory = ztbRxfMemoryLimit(0);
+    ztbRxfMemoryLimit(memory);
+    if (memory > 0) {
+      throw UsageError("--dask and --max-memory: workers are limited where they are started");
+    }
   }
   if (options.tasks && (*options.tasks < 1 || *options.tasks > kMostTasks)) {
     throw UsageError(fmt::format("--array {}: 1 to {} are allowed", *options.tasks, kMostTasks));

@@ -215,11 +215,15 @@ class Run:
             return
         file = self.chunks.part(self._folder, chunk)
         made = os.path.join(self._folder, "." + os.path.basename(file) + f".{os.getpid()}")
-        with open(made, "wb") as out:
-            out.write(part)
-            out.flush()
-            os.fsync(out.fileno())
-        os.replace(made, file)
+        try:
+            with open(made, "wb") as out:
+                out.write(part)
+                out.flush()
+                os.fsync(out.fileno())
+            os.replace(made, file)
+        except OSError as error:
+            FilePath(made).unlink(missing_ok=True)
+            raise Error(f"{file}: cannot be written: {error.strerror}", "sweep") from error
 
     def _again(self, chunk: int, future: Any) -> bool:
         """A worker died under the chunk, again and again, or refused it; whether it is given up."""
