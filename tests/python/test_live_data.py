@@ -176,6 +176,7 @@ def test_a_solution_tells_bound_gap_and_times(tie):
     tie.update("buy", 0, "upper")
     without = tie.solve()
     assert without.status == "infeasible" and np.isnan(without.gap)
+    assert repr(without) == "<ztb.Solution infeasible, by clp>"
     assert solution.status == "optimal" and solution.objective == pytest.approx(9)
 
 

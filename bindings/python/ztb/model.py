@@ -484,7 +484,8 @@ class Solution:
         return self.tie._native.field(name, 1)
 
     def __repr__(self) -> str:
-        return f"<ztb.Solution {self.status}, objective {self.objective:g}, by {self.solver}>"
+        point = f"objective {self.objective:g}, " if self.has_point else ""
+        return f"<ztb.Solution {self.status}, {point}by {self.solver}>"
 
 
 class Progress(NamedTuple):
