@@ -13,15 +13,16 @@ const pictures = [
   ['view-pivot', ['diet.rxf'], 'view=pivot&s=nutrition&heat=1&p0=*beans*', 'light'],
   ['view-chart', ['diet.rxf'], 'view=chart&s=nutrition&x=1&by=0&type=area&p0=*beans*', 'dark'],
   ['view-compare', ['diet.rxf', 'changed.rxf'], 'view=compare&s=price', 'light'],
-  ['view-sweep', ['sweep.rxf'], 'view=sweep', 'light'],
-  ['view-model', ['diet.lp'], 'view=model', 'light'],
+  ['view-scatter', ['diet.rxf'], 'view=chart&s=nutrition&type=scatter&x=0&vs=p1&lx=protein_g&ly=iron_mg', 'light'],
+  ['view-sweep', ['sweep.rxf', 'scenarios.rxf'], 'view=sweep', 'light'],
+  ['view-model', ['diet.lp'], 'view=model&solve=auto&of=enough', 'light', 1340],
 ];
 
 const browser = await Browser.start();
 try {
-  for (const [name, files, fragment, scheme] of pictures) {
+  for (const [name, files, fragment, scheme, height = 600] of pictures) {
     const page = await browser.page(await browser.view(folder, ...files));
-    await page.setViewport({width: 1040, height: 600});
+    await page.setViewport({width: 1040, height});
     await page.emulateMediaFeatures([{name: 'prefers-color-scheme', value: scheme}]);
     await go(page, fragment, 'h1');
     if (page.problems.length > 0) throw new Error(page.problems.join('\n'));

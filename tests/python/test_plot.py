@@ -155,3 +155,16 @@ def test_a_symbol_without_records_is_an_empty_picture(db, kind):
     for symbol in (db.add_parameter("p", "a"), db.add_variable("x", "a")):
         axes = symbol.plot(kind=kind, **({} if kind == "hist" else {"x": "a"}))
         assert axes.get_title() == symbol.name
+
+
+@pytest.mark.parametrize("kind", ["line", "bar", "area", "scatter"])
+def test_labels_and_texts_are_no_formulas(kind, tmp_path):
+    database = ztb.Database()
+    odd = database.add_parameter("odd", ["*", "*"], "costs $a_{$ in $")
+    for number, label in enumerate(["$a_{$", "_hidden", "<b>"], start=1):
+        odd[label, "$\\frac$"] = float(number)
+    axes = odd.plot(x=1, by=0, kind=kind)
+    assert [text.get_text() for text in axes.get_legend().get_texts()] == ["$a_{$", "_hidden", "<b>"]
+    assert words(axes) == ["$\\frac$"]
+    axes.figure.savefig(tmp_path / "odd.svg")
+    assert (tmp_path / "odd.svg").stat().st_size > 0

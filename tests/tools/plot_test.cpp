@@ -264,6 +264,10 @@ TEST_F(PlotTest, RefusesWhatCannotBeDrawn) {
       {"sold", "--x", "1"});
   expectWrong("--x: 'week' is no position of rise(*), expected 1 to 1 or one of label",
               {"rise", "--x", "week"});
+  ztb::Database database;
+  database.addParameter("pi", {}).add().setLevel(3);
+  database.write(path("pi.rxf"));
+  expectFails(2, "ztb: --x: pi has no positions\n", {"plot", "pi.rxf", "pi", "--x", "1"});
   expectWrong("--by: position 1 (label) is named twice", {"rise", "--x", "1", "--by", "label"});
   expectWrong("--by: --x is missing, a position", {"rise", "--by", "1"});
   expectWrong("--type bar: --x is missing, a position", {"rise", "--type", "bar"});

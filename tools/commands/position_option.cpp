@@ -15,6 +15,9 @@ std::size_t positionOf(const std::string& word, const std::string& option, const
       return position;
     }
   }
+  if (keyColumns.empty()) {
+    throw UsageError(fmt::format("{}: {} has no positions", option, signature(symbol)));
+  }
   throw UsageError(fmt::format("{}: '{}' is no position of {}, expected 1 to {} or one of {}",
                                option, word, signature(symbol), keyColumns.size(),
                                fmt::join(keyColumns, ", ")));

@@ -80,18 +80,32 @@ def _grid(
     return across, names, grid
 
 
-def _draw(axes: Any, kind: str, at: npt.NDArray[np.float64], series: Dict[str, Any]) -> None:
+def _draw(
+    axes: Any, kind: str, at: npt.NDArray[np.float64], series: Dict[str, Any]
+) -> List[Any]:
+    """What stands for each series in a legend."""
     if kind == "area":
-        axes.stackplot(at, *[np.nan_to_num(y) for y in series.values()], labels=list(series))
-        return
+        piles = [np.nan_to_num(y) for y in series.values()]
+        return list(axes.stackplot(at, *piles, labels=list(series)))
     width = 0.8 / max(1, len(series))
+    drawn: List[Any] = []
     for index, (name, y) in enumerate(series.items()):
         if kind == "bar":
-            axes.bar(at + (index - (len(series) - 1) / 2) * width, y, width, label=name)
+            shifted = at + (index - (len(series) - 1) / 2) * width
+            drawn.append(axes.bar(shifted, y, width, label=name))
         elif kind == "scatter":
-            axes.scatter(at, y, label=name)
+            drawn.append(axes.scatter(at, y, label=name))
         else:
-            axes.plot(at, y, label=name)
+            drawn += axes.plot(at, y, label=name)
+    return drawn
+
+
+def _add_legend(axes: Any, drawn: List[Any], titles: List[str]) -> None:
+    """With each title as it is: matplotlib leaves out those that begin with an underscore."""
+    texts = axes.legend(drawn, ["-"] * len(drawn)).get_texts()
+    for text, title in zip(texts, titles):
+        text.set_text(title)
+        text.set_parse_math(False)
 
 
 def plot(
@@ -124,7 +138,9 @@ def plot(
     values = _drawn(content.reshape(len(keys), len(columns))[:, place])
     if axes is None:
         axes = pyplot.figure().add_subplot()
-    axes.set_title(f"{symbol.name}: {symbol.text}" if symbol.text else symbol.name)
+    # Names, labels and texts are no formulas, whatever dollars are in them.
+    title = f"{symbol.name}: {symbol.text}" if symbol.text else symbol.name
+    axes.set_title(title, parse_math=False)
     if len(keys) == 0:
         return axes
     if x is None:
@@ -137,15 +153,15 @@ def plot(
     if numbers is None:
         at = np.arange(len(words), dtype=np.float64)
         axes.set_xticks(at)
-        axes.set_xticklabels(words, rotation=90 if len(words) > 8 else 0)
+        axes.set_xticklabels(words, rotation=90 if len(words) > 8 else 0, parse_math=False)
     else:
         order = np.argsort(numbers, kind="stable")
         at, grid = numbers[order], grid[:, order]
     if kind == "area" and bool((grid < 0).any()):
         raise ValueError("an area chart piles values up; none may be below zero")
     titles = [str(labels[name]) if parts >= 0 else symbol.name for name in names]
-    _draw(axes, kind, at, dict(zip(titles, grid)))
-    axes.set_xlabel(symbol._native.columns()[over])
+    drawn = _draw(axes, kind, at, dict(zip(titles, grid)))
+    axes.set_xlabel(symbol._native.columns()[over], parse_math=False)
     if parts >= 0:
-        axes.legend()
+        _add_legend(axes, drawn, titles)
     return axes
