@@ -158,6 +158,9 @@ class ZTBSymbolIterator final : public AbstractZTBSymbolIterator {
       return universePosition_ - first + 1;
     }
     dmap::RecordView record = current();
+    if constexpr (requires { position_.rowsOnward(most); }) {
+      return copyRows(most, keys, values);
+    }
     const int slots = dmap::slotCount(symbol_->type);
     int count = 0;
     while (true) {
@@ -187,6 +190,46 @@ class ZTBSymbolIterator final : public AbstractZTBSymbolIterator {
   }
 
  private:
+  // Copies records that lie side by side, run by run; in a slice those that match.
+  int copyRows(int most, int* const* keys, double* const* values) {
+    const auto width = static_cast<std::size_t>(dimension());
+    const auto slots = static_cast<std::size_t>(dmap::slotCount(symbol_->type));
+    int count = 0;
+    do {
+      const dmap::RecordView first = position_.get();
+      int run = position_.rowsOnward(most - count);
+      if (mode_ == IterationMode::slice) {
+        run = matchingRun(first.keys, run);
+      }
+      for (std::size_t position = 0; position < width; ++position) {
+        copyColumn(first.keys + position, width, run, keys[position] + count);
+      }
+      for (std::size_t slot = 0; slot < slots; ++slot) {
+        copyColumn(first.values + slot, slots, run, values[slot] + count);
+      }
+      count += run;
+      position_.moveTo(position_.row() + run - 1);
+    } while (count < most && stepQuietly());
+    return count;
+  }
+
+  // How many of the rows lie in the slice before one that does not; the first one does.
+  [[nodiscard]] int matchingRun(const int* keys, int rows) const {
+    int run = 1;
+    for (const int* key = keys + dimension();
+         run < rows && dmap::matchesMask(sliceMask_.get(), key, dimension()); key += dimension()) {
+      ++run;
+    }
+    return run;
+  }
+
+  template <class Value>
+  static void copyColumn(const Value* from, std::size_t width, int rows, Value* into) {
+    for (int row = 0; row < rows; ++row) {
+      into[row] = from[static_cast<std::size_t>(row) * width];
+    }
+  }
+
   void showNode() {
     if constexpr (requires { position_.nodeAtHand(); }) {
       node_ = position_.nodeAtHand();

@@ -3,6 +3,7 @@
 #ifndef ZTB_STORE_VECTOR_ITERATOR_H_
 #define ZTB_STORE_VECTOR_ITERATOR_H_
 
+#include <algorithm>
 #include <cstddef>
 
 #include "store/flat_array.h"
@@ -53,6 +54,14 @@ class VectorIterator final : public BaseDMapIterator {
   [[nodiscard]] const void* endAddress() const { return get().values; }
 
   [[nodiscard]] int row() const { return row_; }
+  // Records from this one on, `most` at most.
+  // REQUIRES: stands on a record.
+  [[nodiscard]] int rowsOnward(int most) const {
+    if (dim() == 0) {
+      return 1;
+    }
+    return std::min(most, static_cast<int>(keys_->size() / static_cast<std::size_t>(dim())) - row_);
+  }
   // REQUIRES: not the null iterator.
   void moveTo(int row) { row_ = row; }
 

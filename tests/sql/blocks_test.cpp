@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <string>
 #include <vector>
@@ -63,6 +64,47 @@ TEST_P(Blocks, OfASliceHaveItsRecordsAlone) {
   EXPECT_THAT(keys_[0], ElementsAre(1, 3));
   EXPECT_THAT(values_, ElementsAre(13, 33));
   c__ztbfreesymboliterator(database_.handle(), record);
+}
+
+// Every slice of a variable, in blocks of every size, beside its records one by one.
+TEST_P(Blocks, OfSlicesAreTheRecordsThatStepsMeet) {
+  ztb::Symbol x = database_.addVariable("x", 5, {"*", "*", "*"});
+  for (int place = 0; place < 27; ++place) {
+    const std::array key{place / 9 + 1, place / 3 % 3 + 1, place % 3 + 1};
+    // Some are missing, so that runs end in the middle of blocks.
+    if (place * 7 % 5 != 0) x.put(key, std::array<double, 5>{1.0 * place, 2, 3, 4, 5.5 + place});
+  }
+  for (int slice = 0; slice < 64; ++slice) {
+    const std::array<const char*, 4> labels{" ", "a", "b", "c"};
+    std::array<const char*, 3> keys{labels[slice / 16], labels[slice / 4 % 4], labels[slice % 4]};
+    std::vector<std::array<double, 5>> stepped;
+    for (const ztb::Row row : x.sliceRows(std::vector<const char*>(keys.begin(), keys.end()))) {
+      stepped.push_back(
+          {1.0 * row.keys[0], 1.0 * row.keys[1], 1.0 * row.keys[2], row.values[0], row.values[4]});
+    }
+    for (int most = 1; most < 9 && !stepped.empty(); ++most) {
+      void* record = nullptr;
+      ASSERT_EQ(c__ztbfindfirstrecordslice(database_.handle(), x.handle(), keys.data(), &record),
+                1);
+      std::vector<std::array<double, 5>> inBlocks;
+      do {
+        std::array<std::array<int, 8>, 3> numbers{};
+        std::array<std::array<double, 8>, 5> values{};
+        std::array<int*, 3> into{numbers[0].data(), numbers[1].data(), numbers[2].data()};
+        std::array<double*, 5> slots{};
+        std::ranges::transform(values, slots.begin(), [](auto& slot) { return slot.data(); });
+        const int count =
+            ztbReadRecords(database_.handle(), record, most, into.data(), slots.data());
+        ASSERT_GT(count, 0);
+        for (std::size_t row = 0; row < static_cast<std::size_t>(count); ++row) {
+          inBlocks.push_back({1.0 * numbers[0][row], 1.0 * numbers[1][row], 1.0 * numbers[2][row],
+                              values[0][row], values[4][row]});
+        }
+      } while (c__ztbrecordmovenext(database_.handle(), record) == 1);
+      EXPECT_EQ(inBlocks, stepped) << "slice " << slice << ", blocks of " << most;
+      c__ztbfreesymboliterator(database_.handle(), record);
+    }
+  }
 }
 
 TEST_P(Blocks, HaveSpecialValuesInTheSpellingOfTheCaller) {
