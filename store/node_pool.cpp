@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <new>
 
-#include "store/huge_pages.h"
-
 namespace ztb::dmap {
 namespace {
 
@@ -12,27 +10,15 @@ constexpr std::size_t fewestNodes = 4;
 // A block has this share of the nodes of those before it: more of them would stand empty in a map
 // that does not grow on, fewer would make more blocks.
 constexpr std::size_t share = 4;
-constexpr std::size_t largestOrdinary = std::size_t{1} << 20;
-constexpr std::size_t largestHuge = 16 * hugePage;
-constexpr std::align_val_t hugeBoundary{hugePage};
+constexpr std::size_t largestBlock = std::size_t{1} << 20;
 
 }  // namespace
 
 void NodePool::addBlock() {
-  const std::size_t wanted = sizeof(Block) + nodes_ / share * nodeSize_;
-  const bool huge = wanted >= hugePage;
-  std::size_t size = 0;
-  void* memory = nullptr;
-  if (huge) {
-    size = std::min(wanted / hugePage * hugePage, largestHuge);
-    memory = ::operator new(size, hugeBoundary);
-    askForHugePages(memory, size);
-  } else {
-    size = std::clamp(wanted, sizeof(Block) + fewestNodes * nodeSize_, largestOrdinary);
-    memory = ::operator new(size);
-  }
-  const std::size_t nodes = (size - sizeof(Block)) / nodeSize_;
-  latest_ = new (memory) Block{latest_, huge};
+  const std::size_t most = (largestBlock - sizeof(Block)) / nodeSize_;
+  const std::size_t nodes = std::clamp(nodes_ / share, fewestNodes, most);
+  void* memory = ::operator new(sizeof(Block) + nodes * nodeSize_);
+  latest_ = new (memory) Block{latest_};
   nodes_ += nodes;
   next_ = static_cast<std::byte*>(memory) + sizeof(Block);
   end_ = next_ + nodes * nodeSize_;
@@ -44,11 +30,7 @@ void NodePool::addBlock() {
 void NodePool::releaseAll() noexcept {
   while (latest_ != nullptr) {
     Block* before = latest_->before;
-    if (latest_->huge) {
-      ::operator delete(latest_, hugeBoundary);
-    } else {
-      ::operator delete(latest_);
-    }
+    ::operator delete(latest_);
     latest_ = before;
   }
   nodes_ = 0;

@@ -1,6 +1,5 @@
-// Memory for the nodes of one container, all of one size: from blocks that grow with their number,
-// those of 2 MiB and more, up to 32, in huge pages, with no word of bookkeeping a node. A node that
-// is given back is the next to be taken; all go at once.
+// Memory for the nodes of one container, all of one size: from blocks that grow to 1 MiB, with no
+// word of bookkeeping a node. A node that is given back is the next to be taken; all go at once.
 #ifndef ZTB_STORE_NODE_POOL_H_
 #define ZTB_STORE_NODE_POOL_H_
 
@@ -51,7 +50,6 @@ class NodePool {
   };
   struct Block {
     Block* before;
-    bool huge;
   };
 
   void* takeFree() {

@@ -5,15 +5,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdint>
-#include <cstdio>
 #include <deque>
-#include <filesystem>
-#include <fstream>
 #include <iterator>
 #include <random>
 #include <set>
-#include <string>
 #include <vector>
 
 #include "store/node_pool.h"
@@ -238,42 +233,7 @@ TEST(NodePoolTest, LeavesLittleMemoryUnused) {
     pool.take();
     ASSERT_LE(pool.reserved(), count + count / 4 + 4) << count;
   }
-  for (std::size_t count = 30001; count <= 3'000'000; ++count) pool.take();
-  EXPECT_LE(pool.reserved(), 3'750'000U);
 }
-
-#ifdef __linux__
-// Whether huge pages were asked for where an address is; the system tells in the flags of its map.
-bool isAskedForInHugePages(const void* address) {
-  const auto wanted = reinterpret_cast<std::uintptr_t>(address);
-  std::ifstream maps("/proc/self/smaps");
-  bool here = false;
-  for (std::string line; std::getline(maps, line);) {
-    std::uintptr_t first = 0;
-    std::uintptr_t last = 0;
-    if (std::sscanf(line.c_str(), "%lx-%lx ", &first, &last) == 2) {
-      here = first <= wanted && wanted < last;
-    } else if (here && line.starts_with("VmFlags:")) {
-      return (line + ' ').find(" hg ") != std::string::npos;
-    }
-  }
-  return false;
-}
-
-// A system without huge pages at all knows no such flag.
-TEST(NodePoolTest, AsksForHugePagesWhenItIsLarge) {
-  NodePool pool(48);
-  void* const first = pool.take();
-  void* last = nullptr;
-  for (int count = 0; count < 400'000; ++count) last = pool.take();
-  const bool known = std::filesystem::exists("/sys/kernel/mm/transparent_hugepage");
-  EXPECT_FALSE(isAskedForInHugePages(first));
-  EXPECT_EQ(isAskedForInHugePages(last), known);
-  for (int count = 0; count < 2'000'000; ++count)
-    std::fill_n(static_cast<char*>(pool.take()), 48, 'x');
-  EXPECT_EQ(isAskedForInHugePages(pool.take()), known);
-}
-#endif
 
 }  // namespace
 }  // namespace ztb::dmap
