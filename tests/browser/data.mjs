@@ -43,11 +43,12 @@ export function makeSweep(folder, count = 1000) {
 
 // some.rxf: of thirty scenarios those that need more than twenty have no solution.
 export function makeFailing(folder) {
-  writeFileSync(path.join(folder, 'room.lp'), 'Minimize\n cost: x\nSubject To\n meet: x - need_var >= 0\nBounds\n x <= 20\n need_var = 1\nEnd\n');
+  writeFileSync(path.join(folder, 'room.lp'), 'Minimize\n cost: x\nSubject To\n meet: x - need_var >= 0\n' +
+    " split['a','u']: y['a','u'] - x = 0\n split['a','v']: y['a','v'] - 2 x = 0\n split['b','u']: y['b','u'] - 4 x = 0\nBounds\n x <= 20\n need_var = 1\nEnd\n");
   const rows = Array.from({length: 30}, (_, index) => `need ${index + 1},${index + 1}`);
   writeFileSync(path.join(folder, 'needs.csv'), `case,need\n${rows.join('\n')}\n`);
   ztb(folder, 'import', 'needs.rxf', '--from', 'needs.csv', '--set', 'case', '--parameter', 'need(case)');
-  return ztbFails(folder, 'sweep', 'room.lp', '--scenarios', 'needs.rxf', '--over', 'case', '--report', 'x', '--out', 'some.rxf');
+  return ztbFails(folder, 'sweep', 'room.lp', '--scenarios', 'needs.rxf', '--over', 'case', '--report', 'y', '--out', 'some.rxf');
 }
 
 export function makeRoutes(folder) {

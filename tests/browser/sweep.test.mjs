@@ -99,6 +99,14 @@ test('scenarios without a solution are told by name, as ztb sweep tells them', a
     Array.from({length: 10}, (_, index) => [`need ${index + 21}`, 'infeasible']));
   for (const [name] of rows) assert.ok(said.includes(name), name);
   assert.equal(await page.$eval('#sweep-total', (place) => place.textContent), '30 scenarios, 10 without a solution');
+  // y(a, u), y(a, v) and y(b, u) are 1, 2 and 4 times the need, of which the median is 10.5.
+  const middles = async () => page.$$eval('section:nth-of-type(3) .values tbody tr', (all) => all.map((row) => [row.cells[0].textContent, Number(row.cells[3].textContent)]));
+  await page.evaluate(() => { location.hash = 'view=sweep&report=y_level'; });
+  await page.waitForNetworkIdle({idleTime: 150});
+  assert.deepEqual(await middles(), [['a', 31.5], ['b', 42]]);
+  await page.evaluate(() => { location.hash = 'view=sweep&report=y_level&fx=2'; });
+  await page.waitForNetworkIdle({idleTime: 150});
+  assert.deepEqual(await middles(), [['u', 52.5], ['v', 21]]);
   assert.match(await page.$eval('#inputs', (place) => place.textContent), /ztb view RESULT SCENARIOS/);
   assert.deepEqual(page.problems, []);
   await page.close();

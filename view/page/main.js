@@ -111,6 +111,7 @@ async function about(version) {
       h('dt', {}, '/'), h('dd', {}, 'search for a symbol'),
       h('dt', {}, '1 to 7'), h('dd', {}, 'the pages, from the left'),
       h('dt', {}, 'arrows, Page Up, Page Down, Home, End'), h('dd', {}, 'scroll a table that has the focus'),
+      h('dt', {}, 'Ctrl-P'), h('dd', {}, 'print all rows of a table, up to 20,000'),
       h('dt', {}, 'arrows on a position of a pivot'), h('dd', {}, 'move it to another place'),
       h('dt', {}, 'Escape'), h('dd', {}, 'close a window like this one')),
     h('button', {type: 'button', onclick: () => box.close()}, 'Close'));

@@ -42,9 +42,14 @@ async function drawInputs(context, out) {
   }
 }
 
+// The positions of a report behind that of its scenarios, over which a fan may be drawn.
+const fanPositions = (context, name) => (context.symbols.find((one) => one.name === name)?.keys ?? [])
+  .map((key, position) => [String(position), shown(key)]).slice(1);
+const fanPosition = (positions) => positions.some(([position]) => position === state.get('fx')) ? state.get('fx') : positions[0]?.[0] ?? '';
+
 async function drawFan(context, out, symbol) {
   try {
-    const {x, bands} = await api.get('fan', {f: context.file, s: symbol}, context.signal);
+    const {x, bands} = await api.get('fan', {f: context.file, s: symbol, x: fanPosition(fanPositions(context, symbol))}, context.signal);
     out.replaceChildren(h('figure', {}, fanOf(x, bands, `Fan of ${shown(symbol)}`),
       valueTable(x, bands.map(({quantile, y}) => ({label: String(quantile), y})), 'label', `the fan of ${shown(symbol)}`)));
   } catch (error) {
@@ -72,7 +77,9 @@ export async function sweepPage(main, context) {
   if (reports.length > 0) {
     const report = reports.includes(state.get('report')) ? state.get('report') : reports[0];
     const out = h('div');
-    section('Reports', choice('Symbol', reports.map((name) => [name, shown(name)]), report, (value) => state.set({report: value})), out);
+    const positions = fanPositions(context, report);
+    section('Reports', h('div', {class: 'row'}, choice('Symbol', reports.map((name) => [name, shown(name)]), report, (value) => state.set({report: value, fx: ''})),
+      positions.length > 1 && choice('Across', positions, fanPosition(positions), (value) => state.set({fx: value}))), out);
     await drawFan(context, out, report);
   }
   section('Without a solution', failedList(failed));
