@@ -130,7 +130,7 @@ TableField ParquetReader::fieldAt(std::size_t column) {
   if (columns_[column].whole) {
     field.isNumber = true;
     field.number = std::strtod(field.text.data(), nullptr);
-    field.rounded = fmt::format("{:.0f}", field.number) != field.text;
+    if (fmt::format("{:.0f}", field.number) != field.text) field.rounded = field.text;
   }
   return field;
 }

@@ -75,6 +75,7 @@ class SqliteReader : public TableReader {
     TableField field{.text = "",
                      .quoted = false,
                      .at = {.line = row_, .column = static_cast<std::size_t>(column) + 1}};
+    bool isRoundedOff = false;
     switch (sqlite3_column_type(statement, column)) {
       case SQLITE_NULL:
         // In a database that was written here this is a value.
@@ -91,7 +92,7 @@ class SqliteReader : public TableReader {
       case SQLITE_INTEGER:
         field.isNumber = true;
         field.number = sqlite3_column_double(statement, column);
-        field.rounded = isRounded(sqlite3_column_int64(statement, column), field.number);
+        isRoundedOff = isRounded(sqlite3_column_int64(statement, column), field.number);
         break;
       case SQLITE_BLOB:
         field.fault = "is a blob, expected a text or a number";
@@ -103,6 +104,7 @@ class SqliteReader : public TableReader {
     const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(statement, column));
     if (text == nullptr) throw std::bad_alloc();
     field.text = {text, static_cast<std::size_t>(sqlite3_column_bytes(statement, column))};
+    if (isRoundedOff) field.rounded = field.text;
     return field;
   }
 

@@ -190,10 +190,10 @@ bool RecordImport::readValues(const TableReader& reader, const ImportTarget& tar
     if (!reason.empty()) {
       problem(reader, column, reason);
       good = false;
-    } else if (field.rounded) {
+    } else if (!field.rounded.empty()) {
       warnings_.add(reader.place(field.at),
-                    fmt::format("warning: {}: {} is taken as {:.0f}, the nearest double",
-                                (*columns_)[column], field.text, field.number));
+                    fmt::format("warning: {}: {} is no double, the nearest one is taken",
+                                (*columns_)[column], field.rounded));
     }
   }
   return good;

@@ -25,8 +25,8 @@ struct TableField {
   // The field is this number. The text shows it, or is empty, and then its digits are the text.
   bool isNumber = false;
   double number = 0;
-  // The number is the nearest to that of the text, which no double holds.
-  bool rounded = false;
+  // The whole number that the number is the nearest double to, where it is none itself.
+  std::string_view rounded{};
   // Why nothing can be made of the field.
   const char* fault = nullptr;
 };

@@ -532,12 +532,16 @@ TEST_F(TableTest, TellsOfWholeNumbersOfSqliteThatNoDoubleHolds) {
   Job job({{"from", folder_.file("ids.db")}, {"parameter", "p(a) = v"}});
   ASSERT_TRUE(job.import(folder_.file("ids.rxf"))) << job.errors(folder_);
   EXPECT_EQ(job.warnings(folder_),
-            "ids.db#t: row 1: warning: v: 9007199254740993 is taken as 9007199254740992, the "
-            "nearest double\n"
-            "ids.db#t: row 2: warning: v: -9223372036854775807 is taken as -9223372036854775808, "
-            "the nearest double\n"
-            "ids.db#t: row 4: warning: v: 9223372036854775807 is taken as 9223372036854775808, the "
-            "nearest double\n");
+            "ids.db#t: row 1: warning: v: 9007199254740993 is no double, the nearest one is taken\n"
+            "ids.db#t: row 2: warning: v: -9223372036854775807 is no double, the nearest one is "
+            "taken\n"
+            "ids.db#t: row 4: warning: v: 9223372036854775807 is no double, the nearest one is "
+            "taken\n");
+  Job units({{"from", folder_.file("ids.db#select * from t where a = 'x'")},
+             {"units", "v = 0.5"},
+             {"parameter", "p(a) = v"}});
+  ASSERT_TRUE(units.import(folder_.file("ids.rxf"))) << units.errors(folder_);
+  EXPECT_THAT(units.warnings(folder_), HasSubstr("v: 9007199254740993 is no double"));
   // As labels they keep each digit.
   const ztb::Database read = imported("ids.db#t", {{"set", "s(v)"}});
   EXPECT_TRUE(read["s"].find("9007199254740993").has_value());

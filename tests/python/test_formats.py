@@ -162,6 +162,40 @@ def test_damaged_and_missing_files_have_their_errors(diet, tmp_path):
     assert not (tmp_path / "out.rxf").exists()
 
 
+@pytest.mark.parametrize(
+    "attempt, text",
+    [
+        (lambda db: ztb.read(3), "3 (int) is no path of a file, expected a str or a path object"),
+        (lambda db: db.export(3), "3 (int) is no path of a file, expected a str or a path object"),
+        (lambda db: ztb.read("a.csv", parameters=3), "3 (int) holds no parameters, expected a list"),
+        (lambda db: ztb.read("a.csv", sets=[3]), "3 (int) is no text for sets, expected a str"),
+        (lambda db: ztb.read("a.csv", rename=3), "3 (int) is no rename, expected a mapping"),
+        (lambda db: ztb.read("a.csv", rename={"a": 3}), "3 (int) is no name of a column"),
+        (lambda db: ztb.read("a.csv", units=["a"]), "['a'] (list) is no units, expected a mapping"),
+        (lambda db: ztb.read("a.csv", separator=3), "3 (int) is no separator, expected a str"),
+        (lambda db: ztb.read("a.csv", skip_empty=1), "1 (int) is no value for skip_empty"),
+        (lambda db: db.export("a.db", format=3), "3 (int) is no format, expected a str"),
+        (lambda db: ztb.merge("a.rxf"), "'a.rxf' is one file, expected several"),
+        (lambda db: ztb.aggregate(db, "holds", by=1.5), "1.5 (float) holds no positions"),
+    ],
+)
+def test_arguments_of_a_wrong_type_are_told(diet, tmp_path, monkeypatch, attempt, text):
+    monkeypatch.chdir(tmp_path)
+    (tmp_path / "a.csv").write_text("a,v\nx,1\n")
+    with pytest.raises(TypeError) as failure:
+        attempt(diet)
+    assert str(failure.value).startswith(text)
+
+
+def test_positions_are_numbers_too_and_unknown_symbols_are_not_found(diet, tmp_path):
+    with ztb.aggregate(diet, "holds", by=1) as sums:
+        assert dict(sums["holds_sum"]) == dict(
+            ztb.aggregate(diet, "holds", by="food")["holds_sum"])
+    with pytest.raises(ztb.NotFoundError, match="^Cannot find symbol nosuch$"):
+        diet.export(tmp_path / "a.db", ["nosuch"])
+    assert not (tmp_path / "a.db").exists()
+
+
 def test_warnings_are_warnings(tmp_path):
     (tmp_path / "a.csv").write_text("i,t\na,text\nb,TEXT\n")
     with pytest.warns(UserWarning, match="text 'TEXT' is kept as 'text'"):

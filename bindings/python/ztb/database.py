@@ -183,6 +183,8 @@ class Database(display.Shows, Home, Mapping[str, Symbol[Any]]):
         bit. ``wide`` names the position of one symbol whose labels become columns.
         """
         names = None if symbols is None else self._names(symbols)
+        for name in names or []:
+            self._native.find_symbol(name, True)
         if _is_netcdf(target, format):
             if names is not None:
                 raise ValueError("a NetCDF file takes a whole database")

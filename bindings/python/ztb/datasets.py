@@ -19,7 +19,7 @@ class _Sources:
     """The paths of sources, with a file in a folder of its own for each database, and a result."""
 
     def __init__(self, sources: Iterable[Source], out: Optional[Path]) -> None:
-        self._sources = list(sources)
+        self._sources = list(arguments.several(sources, "file"))
         self._out = out
         self._folder: Optional["tempfile.TemporaryDirectory[str]"] = None
 
@@ -138,7 +138,7 @@ def aggregate(
     symbol: str,
     out: Optional[Path] = None,
     *,
-    by: Union[str, Sequence[Union[str, int]]] = (),
+    by: Union[str, int, Sequence[Union[str, int]]] = (),
     how: str = "sum",
     field: Optional[str] = None,
     skip_na: bool = False,
@@ -152,7 +152,11 @@ def aggregate(
     """
     if how not in _STATISTICS:
         raise ValueError(f"how={how!r}: expected one of {', '.join(_STATISTICS)}")
-    positions: List[str] = [by] if isinstance(by, str) else [str(position) for position in by]
+    chosen = [by] if isinstance(by, (str, int)) else arguments.several(by, "position")
+    positions: List[str] = [
+        position if isinstance(position, str) else str(arguments.whole(position, "position"))
+        for position in chosen
+    ]
     options: formats.Options = [("symbol", arguments.text(symbol, "name of a symbol")), (how, "")]
     options.append(("by", ",".join(positions)))
     if field is not None:

@@ -6,8 +6,9 @@ import ctypes
 import os
 import threading
 import warnings
+from collections.abc import Mapping as MappingClass
 from fractions import Fraction
-from typing import Any, Dict, Iterable, List, Optional, Tuple, Union
+from typing import Any, Dict, Iterable, List, Mapping, Optional, Tuple, Union
 
 from . import _native, arguments
 from .errors import DamagedFileError, Error, MissingFileError
@@ -103,10 +104,28 @@ class _Job:
         raise Error(problems + text, "ztbFormats" + name)
 
 
-def _several(value: Optional[Texts]) -> List[str]:
+def _several(value: Optional[Texts], what: str) -> List[str]:
     if value is None:
         return []
-    return [value] if isinstance(value, str) else list(value)
+    if isinstance(value, str):
+        return [value]
+    texts = arguments.several(value, what[:-1])
+    return [arguments.text(text, f"text for {what}") for text in texts]
+
+
+def _names(value: Optional[Mapping[str, Any]], what: str) -> Mapping[str, Any]:
+    if value is None:
+        return {}
+    if not isinstance(value, MappingClass):
+        raise TypeError(f"{arguments.shown(value)} is no {what}, expected a mapping from columns")
+    for name in value:
+        arguments.text(name, f"column of {what}")
+    return value
+
+
+def _word(options: Options, name: str, value: Optional[str]) -> None:
+    if value is not None:
+        options.append((name, arguments.text(value, name)))
 
 
 def _factor(column: str, by: Factor) -> str:
@@ -131,23 +150,23 @@ def import_options(
     skip_empty: bool,
     check_domains: bool,
 ) -> Options:
-    options: Options = [("from", os.fspath(source))]
-    if format is not None:
-        options.append(("format", format))
-    if wide is not None:
-        options.append(("wide", wide))
-    options += [("rename", f"{old}={new}") for old, new in (rename or {}).items()]
-    options += [("units", f"{name}={_factor(name, by)}") for name, by in (units or {}).items()]
-    if dates is not None:
-        options.append(("dates", dates))
-    options += [("set", spec) for spec in _several(sets)]
-    options += [("distinct-set", spec) for spec in _several(distinct_sets)]
-    options += [("parameter", spec) for spec in _several(parameters)]
-    options += [("variable", spec) for spec in _several(variables)]
-    options += [("separator", separator), ("decimal", decimal)]
-    if skip_empty:
+    options: Options = [("from", os.fsdecode(arguments.path(source)))]
+    _word(options, "format", format)
+    _word(options, "wide", wide)
+    for old, new in _names(rename, "rename").items():
+        options.append(("rename", f"{old}={arguments.text(new, 'name of a column')}"))
+    for name, by in _names(units, "units").items():
+        options.append(("units", f"{name}={_factor(name, by)}"))
+    _word(options, "dates", dates)
+    options += [("set", spec) for spec in _several(sets, "sets")]
+    options += [("distinct-set", spec) for spec in _several(distinct_sets, "distinct_sets")]
+    options += [("parameter", spec) for spec in _several(parameters, "parameters")]
+    options += [("variable", spec) for spec in _several(variables, "variables")]
+    _word(options, "separator", separator)
+    _word(options, "decimal", decimal)
+    if arguments.flag(skip_empty, "skip_empty"):
         options.append(("skip-empty", ""))
-    if check_domains:
+    if arguments.flag(check_domains, "check_domains"):
         options.append(("check-domains", ""))
     return options
 
@@ -160,11 +179,11 @@ def export_options(
     separator: str,
     decimal: str,
 ) -> Options:
-    options: Options = [("to", os.fspath(target)), ("separator", separator), ("decimal", decimal)]
-    if format is not None:
-        options.append(("format", format))
-    if wide is not None:
-        options.append(("wide", wide))
+    options: Options = [("to", os.fsdecode(arguments.path(target)))]
+    _word(options, "separator", separator)
+    _word(options, "decimal", decimal)
+    _word(options, "format", format)
+    _word(options, "wide", wide)
     if symbols is None:
         options.append(("all", ""))
     return options + [("symbol", name) for name in symbols or []]
