@@ -62,6 +62,12 @@ test('every page is reached by keys alone', async () => {
   await seen.page.keyboard.press('Enter');
   await seen.page.waitForSelector('.grid tbody td');
   assert.equal(await seen.page.$eval('h1', (place) => place.textContent), 'price(food)');
+  // Whatever is drawn anew keeps the focus.
+  await seen.page.waitForFunction(() => document.activeElement.id === 'symbol-of-price');
+  await seen.page.focus('#page-pivot');
+  await seen.page.keyboard.press('Enter');
+  await seen.page.waitForSelector('.pivot');
+  await seen.page.waitForFunction(() => document.activeElement.id === 'page-pivot');
 });
 
 test('a table prints without what is around it', async () => {

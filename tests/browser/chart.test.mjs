@@ -91,6 +91,10 @@ test('what stands against a symbol is chosen by keys, and forgotten where it doe
   await seen.page.keyboard.press('ArrowDown');
   await seen.page.waitForSelector('#point-total');
   assert.match(await seen.page.evaluate(() => location.hash), /vs=p1/);
+  // The focus stays where it was, so that keys go on.
+  await seen.page.waitForFunction(() => document.activeElement.id === 'choice-against');
+  await seen.page.keyboard.press('ArrowDown');
+  await seen.page.waitForFunction(() => location.hash.includes('vs=sprice'));
   await view('view=chart&s=nutrition&type=scatter&x=0&by=1&vs=p1', '.values');
   assert.equal(await seen.page.$('#point-total'), null);
 });

@@ -121,6 +121,8 @@ test('a model is solved and its records sorted by keys alone', async () => {
   await seen.page.keyboard.press('Enter');
   await seen.page.waitForSelector('#solve-facts');
   assert.match(await textOf('#solve-facts'), /optimal.*glpk/);
+  await seen.page.waitForSelector('#solution-sort-1');
+  await settled(seen.page);
   await seen.page.focus('#solution-sort-1');
   await seen.page.keyboard.press('Enter');
   await settled(seen.page);

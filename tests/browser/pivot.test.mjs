@@ -3,7 +3,7 @@ import assert from 'node:assert/strict';
 import {test} from 'node:test';
 import {settled, ztb} from './browser.mjs';
 import {makeDiet, rowsOf} from './data.mjs';
-import {click, heads, seen, shownRows, suite, view} from './suite.mjs';
+import {heads, seen, shownRows, suite, view} from './suite.mjs';
 
 suite(makeDiet, 'diet.rxf');
 
@@ -60,7 +60,10 @@ test('filters hold for a pivot', async () => {
 
 test('a heat map colours cells by their size', async () => {
   await view('view=pivot&s=nutrition', '.pivot tbody td');
-  await click('.tick input');
+  await seen.page.focus('#heat');
+  await seen.page.keyboard.press('Space');
+  await settled(seen.page);
+  assert.equal(await seen.page.evaluate(() => document.activeElement.id), 'heat');
   const shares = await seen.page.$$eval('.pivot tbody td', (cells) => cells.map((cell) =>
     [Number(cell.textContent), Number.parseFloat(cell.style.getPropertyValue('--heat'))]).filter(([, share]) => share >= 0));
   const greatest = Math.max(...shares.map(([value]) => value));

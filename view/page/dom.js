@@ -53,15 +53,15 @@ export function problem(error) {
     h('button', {type: 'button', id: 'again', onclick: () => dispatchEvent(new Event('redraw'))}, 'Try again'));
 }
 
-// A select with a label before it.
+// A select with a label before it, by which its focus is found again when the page is drawn anew.
 export function choice(label, options, value, change) {
-  const select = h('select', {onchange: () => change(select.value)},
+  const select = h('select', {id: `choice-${label.toLowerCase().replace(/\W+/g, '-')}`, onchange: () => change(select.value)},
     options.map(([key, text]) => h('option', {value: key, selected: key === value}, text)));
   return h('label', {class: 'choice'}, h('span', {}, label), select);
 }
 
-export function tick(label, value, change) {
-  const box = h('input', {type: 'checkbox', checked: value, onchange: () => change(box.checked)});
+export function tick(label, value, change, id = undefined) {
+  const box = h('input', {type: 'checkbox', id, checked: value, onchange: () => change(box.checked)});
   return h('label', {class: 'tick'}, box, label);
 }
 

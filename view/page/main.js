@@ -48,6 +48,7 @@ function drawPages(current) {
   document.getElementById('pages').replaceChildren(h('ul', {}, offered().map(([name, title]) =>
     h('li', {}, h('button', {
       type: 'button',
+      id: `page-${name}`,
       'aria-current': name === current ? 'page' : undefined,
       onclick: () => state.set({view: name}),
     }, title)))));
@@ -58,6 +59,7 @@ async function draw() {
   running = new AbortController();
   const {signal} = running;
   const main = document.getElementById('main');
+  const focused = document.activeElement?.id;
   try {
     const number = file();
     if (number >= firstSolution) {
@@ -75,11 +77,14 @@ async function draw() {
     const symbols = found.symbols[number];
     const symbol = symbols.find((one) => one.name === state.get('s')) ?? null;
     const page = pages.find(([other]) => other === name)[2];
-    const focused = document.activeElement?.id;
-    await page(main, {found, file: number, symbols, symbol, signal, redrawSymbols});
-    if (focused && document.activeElement === document.body) {
-      document.getElementById(focused)?.focus();
-    }
+    const keepFocus = () => {
+      if (focused && document.activeElement === document.body) document.getElementById(focused)?.focus();
+    };
+    // Controls are drawn at once, answers when they have come.
+    const drawn = page(main, {found, file: number, symbols, symbol, signal, redrawSymbols});
+    keepFocus();
+    await drawn;
+    keepFocus();
   } catch (error) {
     if (error.name === 'AbortError') return;
     if (signal.aborted) return;

@@ -128,7 +128,7 @@ export async function pivotPage(main, context) {
         (value) => state.set({how: value})),
       symbol.values.length > 1 && choice('Field', symbol.values.map((name) => [name, name]),
         fieldOf(symbol), (value) => state.set({field: value})),
-      tick('Heat map', state.get('heat') === '1', (value) => state.set({heat: value})), total),
+      tick('Heat map', state.get('heat') === '1', (value) => state.set({heat: value}), 'heat'), total),
     out);
   let answer = null;
   try {

@@ -26,6 +26,7 @@ function item(symbol) {
   return h('li', {}, h('button', {
     type: 'button',
     class: 'symbol',
+    id: `symbol-of-${symbol.name}`,
     title: shown(symbol.text || signature(symbol)),
     'aria-current': symbol.name === state.get('s') ? 'true' : undefined,
     onclick: () => open(symbol),
