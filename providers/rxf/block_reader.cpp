@@ -15,6 +15,8 @@ void BlockReader::start(const SymbolEntry& entry, std::uint32_t number, std::str
   textCount_ = textCount;
   at_ = {};
   at_.offset = entry.dataOffset;
+  // The second block and those behind it come from the disk while the first is worked on.
+  if (entry.blockCount() > 1) file_.willRead(entry.dataOffset, entry.dataLength);
 }
 
 // Has `work` take the next block, and moves behind that.

@@ -1,5 +1,6 @@
 #include "providers/rxf/input_file.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 
@@ -53,6 +54,13 @@ std::string InputFile::shownName() const {
   constexpr std::size_t longest = 80;
   if (path_.size() <= longest) return path_;
   return "..." + path_.substr(path_.size() - longest);
+}
+
+void InputFile::willRead(std::uint64_t offset, std::uint64_t size) const {
+  if (offset < size_) {
+    calls_.willRead(fd_, static_cast<off_t>(offset),
+                    static_cast<off_t>(std::min(size, size_ - offset)));
+  }
 }
 
 void InputFile::requireUnchanged() const {

@@ -38,6 +38,9 @@ class InputFile {
     read(offset, data, size, shownName().c_str());
   }
 
+  // Says that these bytes are read soon.
+  void willRead(std::uint64_t offset, std::uint64_t size) const;
+
   // Failures: changed when size, identity or time of the last write are not those of the opening;
   // readFailed. The detail does not name the file.
   void requireUnchanged() const;

@@ -39,6 +39,10 @@ class SystemCalls {
   virtual int rename(const char* from, const char* to);
   virtual int unlink(const char* path);
 
+  // Tells the system that these bytes are read soon, so that it may bring them from the disk
+  // meanwhile. Nothing but time depends on it.
+  virtual void willRead(int fd, off_t offset, off_t length);
+
   // Processors that the process may use; what ZTB_RXF_THREADS says where that is a number from 1
   // on.
   virtual unsigned processors();

@@ -88,6 +88,10 @@ int SystemCalls::rename(const char* from, const char* to) {
   return ::rename(from, to);
 }
 
+void SystemCalls::willRead(int fd, off_t offset, off_t length) {
+  posix_fadvise(fd, offset, length, POSIX_FADV_WILLNEED);
+}
+
 int SystemCalls::unlink(const char* path) {
   return ::unlink(path);
 }

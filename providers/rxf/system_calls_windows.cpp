@@ -270,6 +270,9 @@ int SystemCalls::rename(const char* from, const char* to) {
   return -1;
 }
 
+// The system reads ahead by what it sees.
+void SystemCalls::willRead(int /*fd*/, off_t /*offset*/, off_t /*length*/) {}
+
 int SystemCalls::unlink(const char* path) {
   const std::wstring name = wideText(path);
   return succeeded(waitingWhileHeld([&] { return DeleteFileW(name.c_str()) != 0; }) ? 1 : 0);

@@ -112,6 +112,27 @@ TEST_F(ReadAhead, GivesWhatIsGivenWithout) {
   EXPECT_EQ(helped.helped(), 3 * (kLargeBlocks - 1));
 }
 
+// From the head of the first block, which lies 40 bytes before its body, to behind the last one.
+TEST_F(ReadAhead, TellsTheSystemOnceWhichBytesASymbolHas) {
+  HelpedCalls calls(1);
+  const std::string path = folder_->file("large");
+  const std::string bytes = readFile(path);
+  RxfObject object(calls);
+  ASSERT_EQ(object.openRead(path.c_str()), 0);
+  ASSERT_TRUE(begin(object));
+  EXPECT_EQ(calls.advices(), 1);
+  EXPECT_EQ(calls.advisedOffset(), static_cast<off_t>(bodyOfBlock(bytes, 1) - 40));
+  EXPECT_EQ(calls.advisedLength(),
+            static_cast<off_t>(bodyOfBlock(bytes, kLargeBlocks + 1) - bodyOfBlock(bytes, 1)));
+  Outcome outcome;
+  readOn(object, outcome);
+  EXPECT_EQ(outcome.records, kLargeRecords);
+  object.finishReading();
+  // One block is read at once.
+  ASSERT_TRUE(begin(object, 2));
+  EXPECT_EQ(calls.advices(), 1);
+}
+
 TEST_F(ReadAhead, LeavesWhoWantsSingleRecordsAlone) {
   HelpedCalls calls(2);
   RxfObject object(calls);

@@ -27,6 +27,17 @@ class HelpedCalls : public rxffile::SystemCalls {
   // Whether the call that was to fail was made.
   [[nodiscard]] bool failed() const { return failed_; }
 
+  // What was told of being read soon: how often, and the last place.
+  [[nodiscard]] int advices() const { return advices_; }
+  [[nodiscard]] off_t advisedOffset() const { return advisedOffset_; }
+  [[nodiscard]] off_t advisedLength() const { return advisedLength_; }
+
+  void willRead(int fd, off_t offset, off_t length) override {
+    ++advices_;
+    advisedOffset_ = offset;
+    advisedLength_ = length;
+    SystemCalls::willRead(fd, offset, length);
+  }
   unsigned processors() override { return processors_; }
   void startThread(std::thread& thread, void (*run)(void* what), void* what) override {
     ++threads_;
@@ -57,6 +68,9 @@ class HelpedCalls : public rxffile::SystemCalls {
   int failingRead_ = 0;
   int failingStatus_ = 0;
   int threads_ = 0;
+  int advices_ = 0;
+  off_t advisedOffset_ = 0;
+  off_t advisedLength_ = 0;
   std::atomic<int> reads_ = 0;
   std::atomic<int> questions_ = 0;
   std::atomic<int> helped_ = 0;
