@@ -72,6 +72,15 @@ for (const scheme of ['light', 'dark']) {
   });
 }
 
+test('its symbols are listed as ztb info lists them', async () => {
+  await view('view=symbols', '.list');
+  const {symbols} = JSON.parse(ztb(seen.folder, 'info', 'sweep.rxf', '--json'));
+  assert.ok(symbols.length > 5);
+  assert.deepEqual(
+    (await shownRows('.list')).map((row) => [row[0], Number(row[3].replace(/,/g, ''))]),
+    symbols.map(({name, records}) => [name, records]));
+});
+
 test('its symbols are on the other pages what the command says of them', async () => {
   await view('view=table&s=buy_level&where=value+%3E+0', '.grid tbody td');
   ztb(seen.folder, 'where', 'sweep.rxf', 'bought.rxf', '--symbol', 'buy_level', '--where', 'value > 0');
