@@ -54,9 +54,6 @@ class Future:
         self.status, self.deaths, self.failure = "pending", 0, None
         self.took = 0.0
 
-    def result(self):
-        return b"", 0, self.took
-
     def exception(self):
         return self.failure
 
@@ -96,7 +93,9 @@ class Cluster(cluster.World):
         return {**{worker: () for worker in self.idle}, **keys}
 
     def scheduler_info(self):
-        return {"workers": range(self.workers)}
+        return {
+            "workers": {f"worker {n}": {"last_seen": self.time} for n in range(self.workers)}
+        }
 
     # What it sees of the world.
     def now(self):
@@ -121,7 +120,8 @@ class Cluster(cluster.World):
         return bool(self.ready)
 
     def __next__(self):
-        return self.ready.popleft()
+        future = self.ready.popleft()
+        return future, (b"", 0, future.took)
 
     # The scheduler and its workers.
     def at(self, time, happens):
@@ -166,6 +166,34 @@ class Cluster(cluster.World):
             self.ready.append(future)
 
 
+class StandsStill(Cluster):
+    """A cluster whose worker stops behind a chunk near the end, whose result it has not sent."""
+
+    STOPPED_BEHIND = 395
+    still = None
+
+    def finish(self, worker):
+        if self.still is None and self.at_work[worker].chunk == self.STOPPED_BEHIND:
+            self.still = (worker, self.time)
+            self.at_work.pop(worker).status = "finished"
+        else:
+            super().finish(worker)
+
+    def processing(self):
+        known = super().processing()
+        return known if self.still is None else {**known, self.still[0]: ()}
+
+    def scheduler_info(self):
+        told = super().scheduler_info()
+        if self.still is not None:
+            told["workers"][self.still[0]]["last_seen"] = self.still[1]
+        return told
+
+    def rest(self, seconds):
+        assert self.time < 1e5, "the sweep does not end"
+        super().rest(seconds)
+
+
 class Run(cluster.Run):
     """Keeps which chunks were taken."""
 
@@ -173,9 +201,9 @@ class Run(cluster.Run):
         self.taken.append(chunk)
 
 
-def simulate(workers, losses, seed=1):
+def simulate(workers, losses, seed=1, kind=Cluster):
     """The efficiency, and the chunks in the order in which their results were taken."""
-    played = Cluster(workers, losses, seed)
+    played = kind(workers, losses, seed)
     count = workers * CHUNKS_A_WORKER
     run = Run(played, Chunks(count), [], "", "ztb", True, None, cluster.WINDOW, played)
     run.taken = []

@@ -3,12 +3,26 @@
 #include <unistd.h>
 
 #include <array>
+#include <filesystem>
 #include <iostream>
+#include <random>
 #include <stdexcept>
+#include <string>
 
 namespace ztbtest {
 
 namespace {
+
+// A file that is gone when it is closed. That of Windows lies in the folder above all, where
+// processes that ask for one at the same moment get in each other's way.
+std::FILE* openScratchFile() {
+#ifdef _WIN32
+  const auto name = "ztb-output-" + std::to_string(std::random_device()());
+  return std::fopen((std::filesystem::temp_directory_path() / name).string().c_str(), "w+bD");
+#else
+  return std::tmpfile();
+#endif
+}
 
 void flushAll() {
   std::cout.flush();
@@ -17,7 +31,7 @@ void flushAll() {
 
 }  // namespace
 
-StdoutCapture::StdoutCapture() : file_(std::tmpfile()), savedDescriptor_(dup(STDOUT_FILENO)) {
+StdoutCapture::StdoutCapture() : file_(openScratchFile()), savedDescriptor_(dup(STDOUT_FILENO)) {
   if (file_ == nullptr || savedDescriptor_ < 0) {
     throw std::runtime_error("cannot capture standard output");
   }

@@ -41,6 +41,11 @@ _ALONE = 10.0
 # Chunks that workers have refused for good after which the sweep ends at once.
 _MOST_REFUSED = 20
 _LOOKED_AT = 100
+# Seconds without a word after which a worker is given nothing a second time, and those that a result
+# may take from its worker to here; how often a chunk is handed out again.
+_SILENT = 10.0
+_ON_THE_WAY = 15.0
+_MOST_AGAIN = 5
 # Bytes of a basis that go with each chunk; a larger one the scheduler has once.
 _SMALL = 16384
 
@@ -55,11 +60,12 @@ class World:
         time.sleep(seconds)
 
     def completed(self) -> Any:
-        """Tasks that are done, in the order in which they are: add, has_ready and next."""
+        """Tasks that are done, with their results, in the order in which these come: add, has_ready
+        and next. A worker that stands still keeps back those that lie with it, and no others."""
         import distributed
 
         completed: Any = distributed.as_completed
-        return completed()
+        return completed(with_results=True, raise_errors=False)
 
 
 class Run:
@@ -95,10 +101,13 @@ class Run:
         self._out: Dict[str, Tuple[Any, int]] = {}
         self._left: Set[int] = set()
         self._completed: Any = None
-        self._doubled: Set[int] = set()
+        # How often chunks were handed out twice.
+        self._doubled: Dict[int, int] = {}
         self._all_out = False
         # What workers were at when they were looked at, and since when.
         self._seen: Dict[str, Tuple[Set[str], float]] = {}
+        # Tasks that are done and whose results are not here, and since when.
+        self._lying: Dict[str, float] = {}
         self._looked = 0.0
         self._took: List[float] = []
         self._done = 0
@@ -127,7 +136,7 @@ class Run:
         self._count = sum(len(self.chunks.range(chunk)) for chunk in pending)
         waiting: Iterator[int] = iter(pending)
         self._left = set(pending)
-        self._doubled = set()
+        self._doubled = {}
         self._all_out = len(pending) <= self._window
         self._completed = self._world.completed()
         for _, chunk in zip(range(self._window), waiting):
@@ -139,7 +148,7 @@ class Run:
                     self._double()
                     self._tell(_BEAT)
                     continue
-                if self._receive(next(self._completed)):
+                if self._receive(*next(self._completed)):
                     following = next(waiting, None)
                     self._all_out = following is None
                     if following is not None:
@@ -172,14 +181,14 @@ class Run:
         self._out[future.key] = (future, chunk)
         self._completed.add(future)
 
-    def _receive(self, future: Any) -> bool:
+    def _receive(self, future: Any, result: Any) -> bool:
         """Whether a chunk is through with this."""
         _, chunk = self._out.pop(future.key)
         if chunk not in self._left:
             return False
         if future.status != "finished":
             return self._again(chunk, future)
-        part, failed, seconds = future.result()
+        part, failed, seconds = result
         self._take(chunk, part)
         self._left.discard(chunk)
         self._took.append(seconds)
@@ -248,7 +257,8 @@ class Run:
 
     def _double(self) -> None:
         """When nothing is left to be handed out and some workers are idle, hands the chunks out twice
-        of those that have finished none for far longer than one takes."""
+        of those that have finished none for far longer than one takes, and those whose results stay
+        with their workers."""
         now = self._world.now()
         if not self._all_out or not self._took or now - self._looked < _BEAT:
             return
@@ -258,16 +268,33 @@ class Run:
         for worker, keys in processing.items():
             known = before.get(worker)
             self._seen[worker] = known if known is not None and known[0] == keys else (keys, now)
+        done = {key for key, (future, _) in self._out.items() if future.status == "finished"}
+        self._lying = {key: self._lying.get(key, now) for key in done}
         if all(processing.values()):
             return
         patience = max(_LEAST, STRAGGLES * statistics.median(self._took[-_LOOKED_AT:]))
-        slow = [w for w, (keys, since) in self._seen.items() if keys and now - since > patience]
-        quick = [worker for worker in processing if worker not in slow]
-        for key in sorted(key for worker in slow for key in processing[worker]):
-            chunk = self._out[key][1] if key in self._out else -1
-            if chunk in self._left and chunk not in self._doubled:
-                self._doubled.add(chunk)
-                self._hand_out(chunk, again="twice", workers=quick)
+        slow = {w for w, (keys, since) in self._seen.items() if keys and now - since > patience}
+        stuck = {key for worker in slow for key in processing[worker]}
+        stuck |= {
+            key for key, since in self._lying.items() if now - since > max(patience, _ON_THE_WAY)
+        }
+        if not stuck:
+            return
+        away = slow | self._silent()
+        quick = [worker for worker in processing if worker not in away]
+        free = {chunk for key, (_, chunk) in self._out.items() if key not in stuck}
+        for chunk in sorted({self._out[key][1] for key in stuck if key in self._out}):
+            times = self._doubled.get(chunk, 0)
+            if chunk in self._left and chunk not in free and times < _MOST_AGAIN:
+                self._doubled[chunk] = times + 1
+                self._hand_out(chunk, again=f"twice{times or ''}", workers=quick)
+
+    def _silent(self) -> Set[str]:
+        """Workers that the scheduler has not heard of for long; idle ones tell it every second or so."""
+        workers = self._client.scheduler_info()["workers"]
+        heard = {worker: float(told["last_seen"]) for worker, told in workers.items()}
+        latest = max(heard.values(), default=0.0)
+        return {worker for worker, seen in heard.items() if latest - seen > _SILENT}
 
     def _tell(self, after: float = 0.0) -> None:
         """Tells progress, unless that was done within so many seconds."""
