@@ -8,6 +8,7 @@ Prints the efficiency for each number of workers at losses of 1 % and 10 %, on a
 seeds: the time that solving takes without any loss, over the time that the workers were there.
 """
 
+import asyncio
 import heapq
 import itertools
 import os
@@ -164,6 +165,21 @@ class Cluster(cluster.World):
         else:
             future.status, future.failure = "error", KilledWorker(future.key, "worker", DEATHS)
             self.ready.append(future)
+
+
+class Drops(Cluster):
+    """A cluster that drops the first result of every tenth chunk, and leaves the task done."""
+
+    def __init__(self, *settings):
+        super().__init__(*settings)
+        self.dropped = set()
+
+    def __next__(self):
+        future, result = super().__next__()
+        if future.chunk % 10 == 0 and future.chunk not in self.dropped:
+            self.dropped.add(future.chunk)
+            return future, asyncio.CancelledError(future.key)
+        return future, result
 
 
 class StandsStill(Cluster):

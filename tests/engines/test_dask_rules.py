@@ -2,7 +2,7 @@
 
 import pytest
 
-from cluster_simulation import StandsStill, simulate
+from cluster_simulation import Drops, StandsStill, simulate
 
 
 @pytest.mark.parametrize("losses", [0, 0.01, 0.1, 0.5])
@@ -14,6 +14,10 @@ def test_every_chunk_is_taken_once_whatever_is_lost(losses):
 
 def test_a_result_that_stays_with_a_worker_that_stands_still_is_made_again():
     assert sorted(simulate(10, 0, seed=7, kind=StandsStill)[1]) == list(range(400))
+
+
+def test_a_chunk_whose_result_is_dropped_is_handed_out_again():
+    assert sorted(simulate(10, 0, seed=7, kind=Drops)[1]) == list(range(400))
 
 
 def test_nothing_is_lost_but_the_end_where_all_goes_well():

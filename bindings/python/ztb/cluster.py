@@ -186,7 +186,8 @@ class Run:
         _, chunk = self._out.pop(future.key)
         if chunk not in self._left:
             return False
-        if future.status != "finished":
+        # A result that was dropped on its way is the reason in its place.
+        if future.status != "finished" or isinstance(result, BaseException):
             return self._again(chunk, future)
         part, failed, seconds = result
         self._take(chunk, part)
