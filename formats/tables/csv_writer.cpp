@@ -1,13 +1,10 @@
 #include "formats/tables/csv_writer.h"
 
-#include <fmt/format.h>
-#include <unistd.h>
-
 #include <cerrno>
-#include <cstring>
 #include <utility>
 
 #include "formats/tables/byte_sink.h"
+#include "tools/text/console.h"
 #include "tools/text/failure.h"
 
 namespace formats {
@@ -23,7 +20,7 @@ constexpr std::size_t pendingLimit = std::size_t{1} << 16U;
 }  // namespace
 
 CsvWriter::CsvWriter(std::FILE* stream, std::string name, CsvForm form)
-    : name_(std::move(name)), file_(stream), rows_(form, isatty(fileno(stream)) != 0) {}
+    : name_(std::move(name)), file_(stream), rows_(form, tool::isTerminal(fileno(stream))) {}
 
 void CsvWriter::begin(const TableHead& head) {
   for (const TableColumn& column : head.columns) {

@@ -1,14 +1,12 @@
 #include "formats/tables/row_sorter.h"
 
-#include <fcntl.h>
 #include <fmt/format.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 #include <utility>
 
+#include "tools/files/system_files.h"
 #include "tools/text/failure.h"
 
 namespace formats {
@@ -42,12 +40,12 @@ RowSorter::RowSorter(std::size_t keyWords, std::size_t words, std::string folder
                                         2, std::numeric_limits<std::uint32_t>::max())) {}
 
 RowSorter::~RowSorter() {
-  if (file_ >= 0) close(file_);
+  if (file_ >= 0) posix::close(file_);
 }
 
 void RowSorter::fail(const char* what) const {
-  throw tool::Failure(
-      fmt::format("{}: a temporary file for sorting {}: {}", folder_, what, std::strerror(errno)));
+  throw tool::Failure(fmt::format("{}: a temporary file for sorting {}: {}", folder_, what,
+                                  tool::systemText(errno)));
 }
 
 bool RowSorter::less(const std::uint64_t* left, const std::uint64_t* right) const {
@@ -103,16 +101,15 @@ void RowSorter::sortRows(std::size_t most) {
 
 void RowSorter::spill() {
   if (file_ < 0) {
-    std::string name = folder_ + "/.ztb-sort.XXXXXX";
-    file_ = mkostemp(name.data(), O_CLOEXEC);
+    std::string name;
+    file_ = tool::openTemporary(folder_, name);
     if (file_ < 0) fail("cannot be made");
-    unlink(name.c_str());
   }
   sortRows(count_);
   runs_.push_back({.offset = fileSize_, .rowsLeft = count_, .buffer = {}, .at = 0, .end = 0});
   const char* bytes = reinterpret_cast<const char*>(rows_.data());
   for (std::size_t left = rows_.size() * wordBytes; left > 0;) {
-    const ssize_t written = write(file_, bytes, left);
+    const ssize_t written = posix::write(file_, bytes, left);
     if (written < 0 && errno == EINTR) continue;
     if (written <= 0) fail("cannot be written");
     bytes += written;
@@ -150,7 +147,7 @@ bool RowSorter::advance(Run& run) {
   run.end = rows * words_;
   char* into = reinterpret_cast<char*>(run.buffer.data());
   for (std::size_t left = run.end * wordBytes; left > 0;) {
-    const ssize_t got = pread(file_, into, left, static_cast<off_t>(run.offset));
+    const ssize_t got = posix::pread(file_, into, left, static_cast<off_t>(run.offset));
     if (got < 0 && errno == EINTR) continue;
     if (got <= 0) fail("cannot be read");
     into += got;

@@ -1,282 +1,68 @@
-// The calls of POSIX over those of Windows: names are UTF-8, files are opened so that others may
-// rename and remove them meanwhile, and what another program holds for a moment is tried again.
-
-#include <io.h>
-#include <windows.h>
-
-#include <algorithm>
-#include <cerrno>
-#include <memory>
-#include <string>
+// The calls of files are those of providers/windows.
 
 #include "providers/rxf/system_calls.h"
-#include "providers/windows/held_file.h"
-#include "providers/windows/wide_text.h"
+#include "providers/windows/posix_calls.h"
 
 namespace rxffile {
 
-using ztbwindows::tryWhileHeld;
-using ztbwindows::wideText;
-
-namespace {
-
-constexpr DWORD kShared = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-constexpr std::uint64_t kMaxAtOnce = 1U << 30U;
-// The one byte that is locked. Locks keep others from reading here, so it lies behind all data.
-constexpr DWORD kLockedHigh = 0x7FFFFFFF;
-
-struct CloseHandleOf {
-  void operator()(HANDLE handle) const { CloseHandle(handle); }
-};
-using OwnHandle = std::unique_ptr<void, CloseHandleOf>;
-
-int errnoOf(DWORD error) {
-  switch (error) {
-    case ERROR_FILE_NOT_FOUND:
-    case ERROR_BAD_NETPATH:
-    case ERROR_BAD_NET_NAME:
-    case ERROR_INVALID_DRIVE:
-      return ENOENT;
-    case ERROR_PATH_NOT_FOUND:
-      return ENOTDIR;
-    case ERROR_FILE_EXISTS:
-    case ERROR_ALREADY_EXISTS:
-      return EEXIST;
-    case ERROR_ACCESS_DENIED:
-    case ERROR_PRIVILEGE_NOT_HELD:
-      return EACCES;
-    case ERROR_WRITE_PROTECT:
-      return EROFS;
-    case ERROR_SHARING_VIOLATION:
-    case ERROR_USER_MAPPED_FILE:
-      return ETXTBSY;
-    case ERROR_LOCK_VIOLATION:
-    case ERROR_IO_PENDING:
-      return EWOULDBLOCK;
-    case ERROR_DISK_FULL:
-    case ERROR_HANDLE_DISK_FULL:
-      return ENOSPC;
-    case ERROR_DIRECTORY:
-      return EISDIR;
-    case ERROR_FILENAME_EXCED_RANGE:
-      return ENAMETOOLONG;
-    case ERROR_INVALID_NAME:
-    case ERROR_INVALID_PARAMETER:
-    case ERROR_NO_UNICODE_TRANSLATION:
-      return EINVAL;
-    case ERROR_NOT_ENOUGH_MEMORY:
-      return ENOMEM;
-    case ERROR_TOO_MANY_OPEN_FILES:
-      return EMFILE;
-    case ERROR_FILE_TOO_LARGE:
-      return EFBIG;
-    default:
-      return EIO;
-  }
-}
-
-int failed() {
-  errno = errnoOf(GetLastError());
-  return -1;
-}
-
-int succeeded(BOOL done) {
-  return done != 0 ? 0 : failed();
-}
-
-// Windows takes a name that is too long for one that is not there.
-bool hasTooLongName(const std::wstring& path) {
-  constexpr std::size_t longest = 255;
-  std::size_t length = 0;
-  for (const wchar_t unit : path) {
-    length = unit == L'/' || unit == L'\\' ? 0 : length + 1;
-    if (length > longest) return true;
-  }
-  return false;
-}
-
-HANDLE handleOf(int fd) {
-  return reinterpret_cast<HANDLE>(_get_osfhandle(fd));
-}
-
-bool isFolder(const std::wstring& path) {
-  const DWORD attributes = GetFileAttributesW(path.c_str());
-  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
-}
-
-int statusOf(HANDLE file, FileStatus* status) {
-  *status = {};
-  if (GetFileType(file) != FILE_TYPE_DISK) {
-    status->st_mode = S_IFCHR;
-    return 0;
-  }
-  BY_HANDLE_FILE_INFORMATION info;
-  if (GetFileInformationByHandle(file, &info) == 0) return failed();
-  const bool folder = (info.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
-  const bool readOnly = (info.dwFileAttributes & FILE_ATTRIBUTE_READONLY) != 0;
-  status->st_dev = info.dwVolumeSerialNumber;
-  status->st_ino = std::uint64_t{info.nFileIndexHigh} << 32U | info.nFileIndexLow;
-  status->st_mode = static_cast<mode_t>((folder ? S_IFDIR : S_IFREG) | (readOnly ? 0444 : 0666));
-  status->st_size =
-      static_cast<off_t>(std::uint64_t{info.nFileSizeHigh} << 32U | info.nFileSizeLow);
-  // One that is removed while it is open keeps its name until it is closed.
-  FILE_STANDARD_INFO standard;
-  const bool removed =
-      GetFileInformationByHandleEx(file, FileStandardInfo, &standard, sizeof standard) != 0 &&
-      standard.DeletePending != 0;
-  status->st_nlink = removed ? 0 : info.nNumberOfLinks;
-  // In steps of 100 ns from 1601 on.
-  const std::uint64_t time = std::uint64_t{info.ftLastWriteTime.dwHighDateTime} << 32U |
-                             info.ftLastWriteTime.dwLowDateTime;
-  status->st_mtim.tv_sec = static_cast<time_t>(time / 10000000);
-  status->st_mtim.tv_nsec = static_cast<long>(time % 10000000 * 100);
-  return 0;
-}
-
-// Windows says no more than that access is denied where another program has the file open in a way
-// that lets it be removed.
-bool isHeldOpen(const std::wstring& path) {
-  const HANDLE file = CreateFileW(path.c_str(), DELETE, 0, nullptr, OPEN_EXISTING,
-                                  FILE_FLAG_BACKUP_SEMANTICS, nullptr);
-  if (file != INVALID_HANDLE_VALUE) {
-    CloseHandle(file);
-    return false;
-  }
-  return GetLastError() == ERROR_SHARING_VIOLATION;
-}
-
-OVERLAPPED placeOf(off_t offset) {
-  OVERLAPPED place = {};
-  place.Offset = static_cast<DWORD>(static_cast<std::uint64_t>(offset) & 0xFFFFFFFFU);
-  place.OffsetHigh = static_cast<DWORD>(static_cast<std::uint64_t>(offset) >> 32U);
-  return place;
-}
-
-template <typename Action>
-bool waitingWhileHeld(Action action) {
-  return tryWhileHeld(action, [](DWORD milliseconds) { Sleep(milliseconds); });
-}
-
-}  // namespace
-
-int SystemCalls::open(const char* path, int flags, mode_t /*mode*/) {
-  const std::wstring name = wideText(path);
-  // Folders are not brought to the disk by themselves here.
-  if ((flags & O_DIRECTORY) != 0) {
-    errno = EACCES;
-    return -1;
-  }
-  const bool writes = (flags & (O_WRONLY | O_RDWR)) != 0;
-  DWORD creation = OPEN_EXISTING;
-  if ((flags & O_CREAT) != 0) creation = (flags & O_EXCL) != 0 ? CREATE_NEW : OPEN_ALWAYS;
-  const HANDLE file = CreateFileW(name.c_str(), GENERIC_READ | (writes ? GENERIC_WRITE : 0),
-                                  kShared, nullptr, creation, FILE_ATTRIBUTE_NORMAL, nullptr);
-  if (file == INVALID_HANDLE_VALUE) {
-    failed();
-    if (errno == EACCES && isFolder(name)) errno = EISDIR;
-    return -1;
-  }
-  const int fd = _open_osfhandle(reinterpret_cast<intptr_t>(file), O_BINARY | O_NOINHERIT);
-  if (fd < 0) {
-    CloseHandle(file);
-    errno = EMFILE;
-  }
-  return fd;
+int SystemCalls::open(const char* path, int flags, mode_t mode) {
+  return ztbwindows::open(path, flags, mode);
 }
 
 int SystemCalls::close(int fd) {
-  return ::_close(fd);
+  return ztbwindows::close(fd);
 }
 
 int SystemCalls::fstat(int fd, FileStatus* status) {
-  return statusOf(handleOf(fd), status);
+  return ztbwindows::fstat(fd, status);
 }
 
 int SystemCalls::stat(const char* path, FileStatus* status) {
-  const std::wstring name = wideText(path);
-  if (hasTooLongName(name)) {
-    errno = ENAMETOOLONG;
-    return -1;
-  }
-  const HANDLE file = CreateFileW(name.c_str(), FILE_READ_ATTRIBUTES, kShared, nullptr,
-                                  OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
-  if (file == INVALID_HANDLE_VALUE) return failed();
-  const OwnHandle closed(file);
-  return statusOf(file, status);
+  return ztbwindows::stat(path, status);
 }
 
 ssize_t SystemCalls::pread(int fd, void* data, std::size_t size, off_t offset) {
-  OVERLAPPED place = placeOf(offset);
-  DWORD got = 0;
-  const auto wanted = static_cast<DWORD>(std::min<std::uint64_t>(size, kMaxAtOnce));
-  if (ReadFile(handleOf(fd), data, wanted, &got, &place) != 0) return got;
-  return GetLastError() == ERROR_HANDLE_EOF ? 0 : failed();
+  return ztbwindows::pread(fd, data, size, offset);
 }
 
 ssize_t SystemCalls::pwrite(int fd, const void* data, std::size_t size, off_t offset) {
-  OVERLAPPED place = placeOf(offset);
-  DWORD written = 0;
-  const auto wanted = static_cast<DWORD>(std::min<std::uint64_t>(size, kMaxAtOnce));
-  if (WriteFile(handleOf(fd), data, wanted, &written, &place) != 0) return written;
-  return failed();
+  return ztbwindows::pwrite(fd, data, size, offset);
 }
 
 int SystemCalls::ftruncate(int fd, off_t length) {
-  FILE_END_OF_FILE_INFO end;
-  end.EndOfFile.QuadPart = length;
-  return succeeded(SetFileInformationByHandle(handleOf(fd), FileEndOfFileInfo, &end, sizeof end));
+  return ztbwindows::ftruncate(fd, length);
 }
 
 int SystemCalls::fsync(int fd) {
-  return succeeded(FlushFileBuffers(handleOf(fd)));
+  return ztbwindows::fsync(fd);
 }
 
 int SystemCalls::flock(int fd, int operation) {
-  OVERLAPPED place = {};
-  place.OffsetHigh = kLockedHigh;
-  const DWORD flags =
-      LOCKFILE_EXCLUSIVE_LOCK | ((operation & LOCK_NB) != 0 ? DWORD{LOCKFILE_FAIL_IMMEDIATELY} : 0);
-  return succeeded(LockFileEx(handleOf(fd), flags, 0, 1, 0, &place));
+  return ztbwindows::flock(fd, operation);
 }
 
-int SystemCalls::fchmod(int /*fd*/, mode_t /*mode*/) {
-  return 0;
+int SystemCalls::fchmod(int fd, mode_t mode) {
+  return ztbwindows::fchmod(fd, mode);
 }
 
 int SystemCalls::access(const char* path, int mode) {
-  const DWORD attributes = GetFileAttributesW(wideText(path).c_str());
-  if (attributes == INVALID_FILE_ATTRIBUTES) return failed();
-  if ((mode & W_OK) == 0 || (attributes & FILE_ATTRIBUTE_READONLY) == 0) return 0;
-  errno = EACCES;
-  return -1;
+  return ztbwindows::access(path, mode);
 }
 
-// Links are followed by the system itself.
-ssize_t SystemCalls::readlink(const char* /*path*/, char* /*target*/, std::size_t /*size*/) {
-  errno = EINVAL;
-  return -1;
+ssize_t SystemCalls::readlink(const char* path, char* target, std::size_t size) {
+  return ztbwindows::readlink(path, target, size);
 }
 
 int SystemCalls::rename(const char* from, const char* to) {
-  const std::wstring source = wideText(from);
-  const std::wstring target = wideText(to);
-  const bool done = waitingWhileHeld([&] {
-    return MoveFileExW(source.c_str(), target.c_str(),
-                       MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;
-  });
-  if (done) return 0;
-  failed();
-  if (errno == EACCES && isHeldOpen(target)) errno = ETXTBSY;
-  return -1;
+  return ztbwindows::rename(from, to);
+}
+
+int SystemCalls::unlink(const char* path) {
+  return ztbwindows::unlink(path);
 }
 
 // The system reads ahead by what it sees.
 void SystemCalls::willRead(int /*fd*/, off_t /*offset*/, off_t /*length*/) {}
-
-int SystemCalls::unlink(const char* path) {
-  const std::wstring name = wideText(path);
-  return succeeded(waitingWhileHeld([&] { return DeleteFileW(name.c_str()) != 0; }) ? 1 : 0);
-}
 
 unsigned SystemCalls::processors() {
   if (const unsigned asked = threadsAsked(); asked > 0) return asked;

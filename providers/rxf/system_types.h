@@ -1,5 +1,5 @@
 // The types and constants of the calls in system_calls.h. A system of POSIX has them; for Windows
-// system_types_windows.h has what its compiler lacks.
+// providers/windows has what its compiler lacks.
 #ifndef ZTB_PROVIDERS_RXF_SYSTEM_TYPES_H_
 #define ZTB_PROVIDERS_RXF_SYSTEM_TYPES_H_
 
@@ -9,7 +9,17 @@
 #include <unistd.h>
 
 #ifdef _WIN32
-#include "providers/rxf/system_types_windows.h"
+#include "providers/windows/posix_types.h"
+
+namespace rxffile {
+
+using ztbwindows::FileStatus;
+using ztbwindows::geteuid;
+using ztbwindows::uid_t;
+
+inline constexpr const char* kSeparators = "/\\:";
+
+}  // namespace rxffile
 #else
 #include <sys/file.h>
 

@@ -16,8 +16,11 @@ class TempFolder {
 
   const std::filesystem::path& path() const { return path_; }
 
-  // Full name of a file in the folder.
-  std::string file(const std::string& name) const { return (path_ / name).string(); }
+  // Full name of a file in the folder, UTF-8 on each system.
+  std::string file(const std::string& name) const {
+    const std::u8string folder = path_.generic_u8string();
+    return std::string(folder.begin(), folder.end()) + "/" + name;
+  }
 
  private:
   std::filesystem::path path_;

@@ -1,18 +1,13 @@
 #include "tools/files/new_file.h"
 
-#include <fcntl.h>
 #include <fmt/format.h>
-#include <sys/file.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <cerrno>
-#include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <functional>
 #include <utility>
 
+#include "tools/files/system_files.h"
 #include "tools/text/failure.h"
 
 namespace tool {
@@ -34,34 +29,35 @@ mode_t modeOfNewFiles() {
 // A new file with its lock, which a file system without locks does not give; -1 with errno where
 // there is none, EEXIST where the name is taken.
 int openLocked(const std::string& name) {
-  const int fd = open(name.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0600);
+  const int fd =
+      posix::open(name.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0600);
   if (fd < 0) return fd;
-  while (flock(fd, LOCK_EX) != 0 && errno == EINTR) {
+  while (posix::flock(fd, LOCK_EX) != 0 && errno == EINTR) {
   }
   // Another writer may have taken it for one that was left, before it had the lock.
-  struct stat status {};
-  if (fstat(fd, &status) == 0 && status.st_nlink > 0) return fd;
-  close(fd);
+  posix::FileStatus status{};
+  if (posix::fstat(fd, &status) == 0 && status.st_nlink > 0) return fd;
+  posix::close(fd);
   errno = EEXIST;
   return -1;
 }
 
 // Removes a file whose writer is gone; false where there is none, or its writer lives.
 bool removeIfLeft(const std::string& name) {
-  const int fd = open(name.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
+  const int fd = posix::open(name.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
   if (fd < 0) {
     // Its writer may have given it its own name meanwhile.
     errno = EEXIST;
     return false;
   }
-  struct stat opened {};
-  struct stat named {};
+  posix::FileStatus opened{};
+  posix::FileStatus named{};
   // Who holds the lock knows that the name still leads to the file.
-  const bool left = flock(fd, LOCK_EX | LOCK_NB) == 0 && fstat(fd, &opened) == 0 &&
-                    stat(name.c_str(), &named) == 0 && opened.st_dev == named.st_dev &&
+  const bool left = posix::flock(fd, LOCK_EX | LOCK_NB) == 0 && posix::fstat(fd, &opened) == 0 &&
+                    posix::stat(name.c_str(), &named) == 0 && opened.st_dev == named.st_dev &&
                     opened.st_ino == named.st_ino;
-  if (left) unlink(name.c_str());
-  close(fd);
+  if (left) posix::unlink(name.c_str());
+  posix::close(fd);
   errno = EEXIST;
   return left;
 }
@@ -74,8 +70,8 @@ NewFile::NewFile(std::string path) : path_(std::move(path)) {
   stream_ = fdopen(fd, "wb");
   if (stream_ == nullptr) {
     const int error = errno;
-    close(fd);
-    unlink(temporary_.c_str());
+    posix::close(fd);
+    posix::unlink(temporary_.c_str());
     errno = error;
     fail();
   }
@@ -84,20 +80,20 @@ NewFile::NewFile(std::string path) : path_(std::move(path)) {
 NewFile::~NewFile() {
   if (stream_ != nullptr) {
     std::fclose(stream_);
-    unlink(temporary_.c_str());
+    posix::unlink(temporary_.c_str());
   }
 }
 
 // Makes the file under the first name that no other writer has, and removes what killed ones left.
 // A writer holds the lock of its file as long as the file has its temporary name.
 int NewFile::makeTemporary() {
-  const std::filesystem::path name(path_);
-  std::string base = name.filename().string();
+  const std::filesystem::path name = pathOf(path_);
+  std::string base = nameOf(name.filename());
   if (base.size() > longestBase) {
     base = fmt::format("{}~{:016x}", base.substr(0, longestBase), std::hash<std::string>()(base));
   }
-  const auto nameOf = [&](int number) {
-    return (name.parent_path() / fmt::format(".{}.{}.ztbtmp", base, number)).string();
+  const auto temporaryOf = [&](int number) {
+    return nameOf(name.parent_path() / pathOf(fmt::format(".{}.{}.ztbtmp", base, number)));
   };
   int fd = -1;
   int number = 0;
@@ -105,19 +101,19 @@ int NewFile::makeTemporary() {
     if (number == mostTemporaries) {
       throw Failure(fmt::format("{}: cannot be written: too many writers of the file", path_));
     }
-    temporary_ = nameOf(number);
+    temporary_ = temporaryOf(number);
     // The second try is behind the removal of a file that was left under the name.
     fd = openLocked(temporary_);
     if (fd < 0 && errno == EEXIST && removeIfLeft(temporary_)) fd = openLocked(temporary_);
     if (fd < 0 && errno != EEXIST) fail();
   }
-  while (number < mostTemporaries && removeIfLeft(nameOf(number))) ++number;
+  while (number < mostTemporaries && removeIfLeft(temporaryOf(number))) ++number;
   return fd;
 }
 
 void NewFile::lookAtOld() {
-  struct stat old {};
-  if (lstat(path_.c_str(), &old) != 0) {
+  posix::FileStatus old{};
+  if (posix::lstat(path_.c_str(), &old) != 0) {
     if (errno != ENOENT) {
       fail();
     }
@@ -130,7 +126,7 @@ void NewFile::lookAtOld() {
   if (!S_ISREG(old.st_mode)) {
     throw Failure(fmt::format("{}: is no regular file, nothing is written to it", path_));
   }
-  if (access(path_.c_str(), W_OK) != 0) {
+  if (posix::access(path_.c_str(), W_OK) != 0) {
     fail();
   }
   mode_ = old.st_mode & permissionBits;
@@ -138,16 +134,17 @@ void NewFile::lookAtOld() {
 
 void NewFile::publish() {
   if (std::fflush(stream_) != 0 || std::ferror(stream_) != 0 ||
-      fchmod(fileno(stream_), mode_) != 0) {
+      posix::fchmod(fileno(stream_), mode_) != 0) {
     fail();
   }
   std::FILE* stream = std::exchange(stream_, nullptr);
   // Keeps the lock until the file has its name.
-  const int lock = fcntl(fileno(stream), F_DUPFD_CLOEXEC, 0);
-  const bool good = std::fclose(stream) == 0 && std::rename(temporary_.c_str(), path_.c_str()) == 0;
+  const int lock = posix::duplicate(fileno(stream));
+  const bool good =
+      std::fclose(stream) == 0 && posix::rename(temporary_.c_str(), path_.c_str()) == 0;
   const int error = errno;
-  if (!good) unlink(temporary_.c_str());
-  if (lock >= 0) close(lock);
+  if (!good) posix::unlink(temporary_.c_str());
+  if (lock >= 0) posix::close(lock);
   errno = error;
   if (!good) fail();
 }

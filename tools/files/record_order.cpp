@@ -2,11 +2,10 @@
 
 #include <bit>
 #include <cmath>
-#include <filesystem>
-#include <system_error>
 #include <vector>
 
 #include "formats/tables/row_sorter.h"
+#include "tools/files/system_files.h"
 #include "tools/text/number_text.h"
 
 namespace tool {
@@ -34,13 +33,11 @@ void walkInOrder(RecordWalk& walk, const FileSymbol& symbol, const RecordOrder& 
                  const std::function<bool(const ShownRecord&)>& visit) {
   const auto dimension = static_cast<std::size_t>(symbol.dimension);
   const auto valueCount = static_cast<std::size_t>(symbol.valueCount);
-  std::error_code error;
-  const std::filesystem::path folder = std::filesystem::temp_directory_path(error);
   // A row is the order, the labels, the values.
   std::vector<std::uint64_t> row(1 + dimension + valueCount);
   formats::RowSorter::Limits limits;
   limits.rows = order.most;
-  formats::RowSorter sorter(1, row.size(), error ? "/tmp" : folder.string(), limits);
+  formats::RowSorter sorter(1, row.size(), temporaryFolder(), limits);
   while (walk.next()) {
     if (!wanted(walk.keys())) continue;
     row[0] = orderOfValue(walk.values()[order.slot], order.descending);

@@ -1,16 +1,14 @@
 #include "tools/files/standard_streams.h"
 
-#include <fcntl.h>
 #include <fmt/format.h>
-#include <unistd.h>
 
 #include <array>
 #include <cerrno>
-#include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <system_error>
 
+#include "tools/files/system_files.h"
+#include "tools/text/console.h"
 #include "tools/text/failure.h"
 
 namespace tool {
@@ -21,26 +19,20 @@ constexpr const char* inputTitle = "standard input";
 constexpr const char* outputTitle = "standard output";
 
 [[noreturn]] void fail(const std::string& file, const char* what) {
-  throw Failure(fmt::format("{}: {}: {}", file, what, std::strerror(errno)));
-}
-
-std::string temporaryName() {
-  std::error_code error;
-  const std::filesystem::path folder = std::filesystem::temp_directory_path(error);
-  return ((error ? std::filesystem::path("/tmp") : folder) / "ztb.XXXXXX").string();
+  throw Failure(fmt::format("{}: {}: {}", file, what, systemText(errno)));
 }
 
 // Copies all that is left of one file to the end of another.
 void copyAll(int from, const std::string& fromName, int to, const std::string& toName) {
   std::array<char, 1U << 16U> buffer{};
   for (;;) {
-    const ssize_t count = read(from, buffer.data(), buffer.size());
+    const ssize_t count = posix::read(from, buffer.data(), buffer.size());
     if (count < 0 && errno == EINTR) continue;
     if (count < 0) fail(fromName, "cannot be read");
     if (count == 0) return;
     for (ssize_t done = 0; done < count;) {
       const ssize_t written =
-          write(to, buffer.data() + done, static_cast<std::size_t>(count - done));
+          posix::write(to, buffer.data() + done, static_cast<std::size_t>(count - done));
       if (written < 0 && errno != EINTR) fail(toName, "cannot be written");
       done += written < 0 ? 0 : written;
     }
@@ -54,14 +46,13 @@ std::string inputFile(const std::string& path) {
     return path;
   }
   takeStandardInput();
-  std::string name = temporaryName();
-  const int file = mkostemp(name.data(), O_CLOEXEC);
+  std::string name;
+  const int file = openTemporary(temporaryFolder(), name);
   if (file < 0) {
     fail(name, "cannot be written");
   }
-  unlink(name.c_str());
   copyAll(STDIN_FILENO, inputTitle, file, name);
-  return fmt::format("/proc/self/fd/{}", file);
+  return name;
 }
 
 void takeStandardInput() {
@@ -80,17 +71,16 @@ OutputFile::OutputFile(const std::string& path) : name_(path), path_(path) {
   if (path != "-") {
     return;
   }
-  if (isatty(STDOUT_FILENO) != 0) {
+  if (isTerminal(STDOUT_FILENO)) {
     throw UsageError(
         "-: an RXF file is nothing for a terminal; give a name or redirect the output");
   }
   name_ = outputTitle;
-  folder_ = temporaryName();
-  if (mkdtemp(folder_.data()) == nullptr) {
+  if (makeTemporaryFolder(folder_) != 0) {
     fail(folder_, "cannot be made");
   }
   path_ = folder_ + "/output.rxf";
-  output_ = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+  output_ = posix::duplicate(STDOUT_FILENO);
   if (output_ < 0 || dup2(STDERR_FILENO, STDOUT_FILENO) < 0) {
     fail(name_, "cannot be written");
   }
@@ -98,9 +88,9 @@ OutputFile::OutputFile(const std::string& path) : name_(path), path_(path) {
 
 OutputFile::~OutputFile() {
   if (!folder_.empty()) {
-    close(output_);
+    posix::close(output_);
     std::error_code error;
-    std::filesystem::remove_all(folder_, error);
+    std::filesystem::remove_all(pathOf(folder_), error);
   }
 }
 
@@ -108,17 +98,17 @@ void OutputFile::finish() {
   if (folder_.empty()) {
     return;
   }
-  const int file = open(path_.c_str(), O_RDONLY | O_CLOEXEC);
+  const int file = posix::open(path_.c_str(), O_RDONLY | O_CLOEXEC);
   if (file < 0) {
     fail(path_, "cannot be read");
   }
   try {
     copyAll(file, path_, output_, name_);
   } catch (...) {
-    close(file);
+    posix::close(file);
     throw;
   }
-  close(file);
+  posix::close(file);
 }
 
 }  // namespace tool

@@ -7,8 +7,8 @@
 
 namespace tool {
 
-// The name to open a file by: the path itself; for "-" that of a file without a name in any folder,
-// which has all of standard input and goes with the process. Throws Failure if it cannot be made,
+// The name to open a file by: the path itself; for "-" that of a temporary file, which has all of
+// standard input and goes with the process. Throws Failure if it cannot be made,
 // and UsageError for a second "-".
 std::string inputFile(const std::string& path);
 

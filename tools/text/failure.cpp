@@ -2,9 +2,10 @@
 
 #include <cerrno>
 #include <cstddef>
-#include <cstring>
 #include <string>
 #include <string_view>
+
+#include "tools/files/system_files.h"
 
 namespace tool {
 
@@ -37,7 +38,7 @@ Failure systemFailure(std::string_view file, std::string_view what, int code) {
   const int kind = isMissing        ? ZTB_ERROR_NO_FILE
                    : code == ENOMEM ? ZTB_ERROR_OUT_OF_MEMORY
                                     : ZTB_ERROR_IO;
-  return Failure(std::string(file) + ": " + std::string(what) + ": " + std::strerror(code), kind);
+  return Failure(std::string(file) + ": " + std::string(what) + ": " + systemText(code), kind);
 }
 
 }  // namespace tool

@@ -1,12 +1,13 @@
 #include "tools/text/progress.h"
 
 #include <fmt/format.h>
-#include <unistd.h>
 
 #include <chrono>
 #include <cstdio>
 #include <utility>
 #include <ztb/display_text.hpp>
+
+#include "tools/text/console.h"
 
 namespace tool {
 
@@ -27,7 +28,7 @@ std::string recordsText(std::size_t records, double seconds, double share) {
 }
 
 Progress::Progress(bool shown) {
-  if (shown && isatty(STDERR_FILENO) != 0) {
+  if (shown && isTerminal(2)) {
     thread_ = std::thread([this] { run(); });
   }
 }

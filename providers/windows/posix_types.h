@@ -1,11 +1,12 @@
 // What the compiler for Windows lacks of the types and constants of POSIX. Of the constants only
-// system_calls_windows.cpp gives a meaning to the numbers.
-#ifndef ZTB_PROVIDERS_RXF_SYSTEM_TYPES_WINDOWS_H_
-#define ZTB_PROVIDERS_RXF_SYSTEM_TYPES_WINDOWS_H_
+// posix_calls.cpp gives a meaning to the numbers.
+#ifndef ZTB_PROVIDERS_WINDOWS_POSIX_TYPES_H_
+#define ZTB_PROVIDERS_WINDOWS_POSIX_TYPES_H_
 
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/types.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <cstdint>
@@ -17,6 +18,10 @@
 #define O_DIRECTORY 0x100000
 #define LOCK_EX 2
 #define LOCK_NB 4
+#ifndef S_IFLNK
+#define S_IFLNK 0120000
+#define S_ISLNK(mode) (((mode)&S_IFMT) == S_IFLNK)
+#endif
 #ifndef S_ISVTX
 #define S_ISVTX 01000
 #endif
@@ -25,7 +30,7 @@
 #define EDQUOT 10069
 #endif
 
-namespace rxffile {
+namespace ztbwindows {
 
 using uid_t = unsigned;
 
@@ -42,10 +47,9 @@ struct FileStatus {
   uid_t st_uid;
   off_t st_size;
   timespec st_mtim;
+  timespec st_ctim;
 };
 
-inline constexpr const char* kSeparators = "/\\:";
+}  // namespace ztbwindows
 
-}  // namespace rxffile
-
-#endif  // ZTB_PROVIDERS_RXF_SYSTEM_TYPES_WINDOWS_H_
+#endif  // ZTB_PROVIDERS_WINDOWS_POSIX_TYPES_H_
