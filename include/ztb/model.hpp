@@ -281,19 +281,20 @@ class Model {
   struct Watch {
     ztbModel* handle;
     std::function<bool(const Progress&)> goesOn;
-    // What one has thrown in a solve by this thread, on its way out of it.
-    static inline thread_local std::exception_ptr thrown;
+    // Where a call of this thread takes what a watch throws, on its way out of it. No object with a
+    // destructor: some compilers give the memory of a thread's variables back before that runs.
+    static inline thread_local std::exception_ptr* thrown = nullptr;
 
     static int asked(void* context) noexcept {
       auto& watch = *static_cast<Watch*>(context);
-      if (thrown) return 1;
+      if (thrown != nullptr && *thrown) return 1;
       try {
         Progress progress;
         progress.isKnown =
             ztbModelProgress(watch.handle, &progress.objective, &progress.bound) != 0;
         return watch.goesOn(progress) ? 0 : 1;
       } catch (...) {
-        thrown = std::current_exception();
+        if (thrown != nullptr) *thrown = std::current_exception();
         return 1;
       }
     }
@@ -301,9 +302,11 @@ class Model {
   // What `call` gives; throws on what a watch has thrown meanwhile.
   template <class Call>
   static int watched(const Call& call) {
-    Watch::thrown = nullptr;
+    std::exception_ptr thrown;
+    std::exception_ptr* const outer = std::exchange(Watch::thrown, &thrown);
     const int result = call();
-    if (Watch::thrown) std::rethrow_exception(std::exchange(Watch::thrown, nullptr));
+    Watch::thrown = outer;
+    if (thrown) std::rethrow_exception(thrown);
     return result;
   }
 

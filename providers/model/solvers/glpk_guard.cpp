@@ -7,7 +7,7 @@
 #include <csetjmp>
 #include <cstring>
 
-#include "providers/model/solvers/first_thread.h"
+#include "providers/model/solvers/thread_end.h"
 
 namespace lomu {
 
@@ -23,15 +23,12 @@ struct Guard {
 std::atomic<std::uint64_t> lastThread{0};
 thread_local std::uint64_t threadNumber = 0;
 
-// Frees GLPK's environment of a thread at its end. That of the first thread stays: it may hold
+// Frees GLPK's environment of a thread that ends. That of the first thread stays: it may hold
 // objects of the program's own.
-struct ThreadEnd {
-  ~ThreadEnd() {
-    threadNumber = 0;
-    if (!isFirstThread()) glp_free_env();
-  }
-};
-thread_local ThreadEnd threadEnd;
+void freeEnvironment() {
+  threadNumber = 0;
+  glp_free_env();
+}
 
 int keepText(void* info, const char* text) {
   auto* guard = static_cast<Guard*>(info);
@@ -81,7 +78,7 @@ bool guardedGlpkCall(void (*function)(void* context), void* context, std::string
 
 std::uint64_t glpkThread() {
   if (threadNumber == 0) {
-    static_cast<void>(&threadEnd);
+    atThreadEnd(freeEnvironment);
     threadNumber = ++lastThread;
   }
   return threadNumber;

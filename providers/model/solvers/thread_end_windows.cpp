@@ -2,9 +2,10 @@
 // After the header of the system.
 #include <tlhelp32.h>
 
+#include <atomic>
 #include <cstdint>
 
-#include "providers/model/solvers/first_thread.h"
+#include "providers/model/solvers/thread_end.h"
 
 namespace lomu {
 
@@ -26,8 +27,6 @@ std::uint64_t birthOf(DWORD id) {
   return born;
 }
 
-}  // namespace
-
 // The system does not say it: the first one is what is older than the others.
 bool isFirstThread() {
   const DWORD own = GetCurrentThreadId();
@@ -45,6 +44,23 @@ bool isFirstThread() {
   }
   CloseHandle(all);
   return first;
+}
+
+std::atomic<void (*)()> atEnd{nullptr};
+
+void WINAPI endThread(void* /*mark*/) {
+  atEnd.load()();
+}
+
+}  // namespace
+
+// By a slot of the system's and not by the destructor of a thread_local object: with mingw-w64 that
+// runs when the memory of the thread's variables is given back already.
+void atThreadEnd(void (*function)()) {
+  static const DWORD slot = FlsAlloc(endThread);
+  if (slot == FLS_OUT_OF_INDEXES || FlsGetValue(slot) != nullptr || isFirstThread()) return;
+  atEnd = function;
+  FlsSetValue(slot, &atEnd);
 }
 
 }  // namespace lomu
