@@ -15,7 +15,8 @@ cmake_path(NORMAL_PATH ZTB_WINDOWS_LIBRARIES)
 # The program wine itself is a script that also asks for the 32-bit one. Its settings and drives lie in
 # the build folder.
 set(CMAKE_CROSSCOMPILING_EMULATOR
-  env WINEPREFIX=${ZTB_WINDOWS_LIBRARIES}/../wine WINEDEBUG=-all /usr/lib/wine/wine64)
+  env WINEPREFIX=${ZTB_WINDOWS_LIBRARIES}/../wine WINEDEBUG=-all
+  WINEDLLOVERRIDES=winedbg.exe=d /usr/lib/wine/wine64)
 set(CMAKE_FIND_ROOT_PATH ${ZTB_WINDOWS_LIBRARIES} /usr/x86_64-w64-mingw32)
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
