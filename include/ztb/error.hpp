@@ -63,6 +63,20 @@ class Error : public std::runtime_error {
 
 namespace detail {
 
+// The handle of an object that has not been moved to another one; `type` and `what` are its type
+// and what a person calls it.
+template <class Handle>
+Handle* notMoved(Handle* handle, const char* type, const char* what) {
+  if (handle == nullptr) [[unlikely]] {
+    throw Error(type, std::string(what) + " moved to another object", ErrorKind::closed);
+  }
+  return handle;
+}
+
+}  // namespace detail
+
+namespace detail {
+
 // The kind of the database's latest failure.
 inline ErrorKind kindOf(const ztbRec* database) noexcept {
   return static_cast<ErrorKind>(ztbErrorKind(database));

@@ -74,45 +74,45 @@ class Model {
   ~Model() { ztbModelFree(&handle_); }
 
   void setObjective(const ZString& name, bool maximize = false, double constant = 0) {
-    check(ztbModelSetObjective(handle_, name.c_str(), maximize ? 1 : 0, constant),
+    check(ztbModelSetObjective(own(), name.c_str(), maximize ? 1 : 0, constant),
           "ztbModelSetObjective");
   }
   int addColumn(const ZString& name, double lower, double upper, int kind = ztbColumnContinuous) {
-    const int number = ztbModelAddColumn(handle_, name.c_str(), kind, lower, upper);
+    const int number = ztbModelAddColumn(own(), name.c_str(), kind, lower, upper);
     check(number >= 0, "ztbModelAddColumn");
     return number;
   }
   int addRow(const ZString& name, int type, double rhs, double range = 0) {
-    const int number = ztbModelAddRow(handle_, name.c_str(), type, rhs, range);
+    const int number = ztbModelAddRow(own(), name.c_str(), type, rhs, range);
     check(number >= 0, "ztbModelAddRow");
     return number;
   }
   void addTerm(int row, int column, double value) {
-    check(ztbModelAddTerm(handle_, row, column, value), "ztbModelAddTerm");
+    check(ztbModelAddTerm(own(), row, column, value), "ztbModelAddTerm");
   }
   void addProduct(int row, int column1, int column2, double value) {
-    check(ztbModelAddProduct(handle_, row, column1, column2, value), "ztbModelAddProduct");
+    check(ztbModelAddProduct(own(), row, column1, column2, value), "ztbModelAddProduct");
   }
 
   // Says which numbers of the model a symbol drives: "price(food) = cost of buy"; ztbModelDrive
   // tells all forms. Before the model is tied to a database.
   void drive(const ZString& statement) {
-    check(ztbModelDrive(handle_, statement.c_str()), "ztbModelDrive");
+    check(ztbModelDrive(own(), statement.c_str()), "ztbModelDrive");
   }
 
   void setOption(const ZString& name, const ZString& value) {
-    check(ztbModelSetOption(handle_, name.c_str(), value.c_str()), "ztbModelSetOption");
+    check(ztbModelSetOption(own(), name.c_str(), value.c_str()), "ztbModelSetOption");
   }
 
   // ztbKindLinear and so on.
   [[nodiscard]] int kind() {
     (void)pbi();
-    return ztbModelKind(handle_);
+    return ztbModelKind(own());
   }
   // The kind that the next solve finds once variables or parameters were updated.
   [[nodiscard]] int updatedKind() {
     (void)pbi();
-    return ztbModelUpdatedKind(handle_);
+    return ztbModelUpdatedKind(own());
   }
 
   // Why the last solve had no solution: rows and bounds that cannot hold together, in words such
@@ -129,14 +129,14 @@ class Model {
     std::string condition;  // what else counts, such as "columns that have to be integers"
   };
   [[nodiscard]] Conflict explain(double seconds = 1e8) {
-    check(watched([&] { return ztbModelExplain(handle_, seconds); }), "ztbModelExplain");
+    check(watched([&] { return ztbModelExplain(own(), seconds); }), "ztbModelExplain");
     Conflict conflict{{},
-                      ztbModelConflictIsIrreducible(handle_) != 0,
-                      ztbModelConflictIsByIntegers(handle_) != 0,
-                      ztbModelConflictCondition(handle_)};
-    for (int n = 0; n < ztbModelConflictCount(handle_); ++n) {
-      Conflict::Member member{ztbModelConflictText(handle_, n)};
-      ztbModelConflictMember(handle_, n, &member.part, &member.number);
+                      ztbModelConflictIsIrreducible(own()) != 0,
+                      ztbModelConflictIsByIntegers(own()) != 0,
+                      ztbModelConflictCondition(own())};
+    for (int n = 0; n < ztbModelConflictCount(own()); ++n) {
+      Conflict::Member member{ztbModelConflictText(own(), n)};
+      ztbModelConflictMember(own(), n, &member.part, &member.number);
       conflict.members.push_back(std::move(member));
     }
     return conflict;
@@ -150,18 +150,20 @@ class Model {
   };
   [[nodiscard]] Progress progress() const {
     Progress progress;
-    progress.isKnown = ztbModelProgress(handle_, &progress.objective, &progress.bound) != 0;
+    progress.isKnown = ztbModelProgress(own(), &progress.objective, &progress.bound) != 0;
     return progress;
   }
   // Has `watch` called now and then while a solve runs, by the thread that solves, with how far it
   // is: the solve goes on as long as it gives true. What it throws ends the solve, too, and leaves
   // it. Empty: none any more. Not while a solve runs.
   void setWatch(std::function<bool(const Progress&)> watch) {
-    watch_ = watch ? std::make_unique<Watch>(Watch{handle_, std::move(watch)}) : nullptr;
-    ztbModelSetWatch(handle_, watch_ ? &Watch::asked : nullptr, watch_.get());
+    watch_ = watch ? std::make_unique<Watch>(Watch{own(), std::move(watch)}) : nullptr;
+    ztbModelSetWatch(own(), watch_ ? &Watch::asked : nullptr, watch_.get());
   }
   // Ends the running solve as soon as the solver asks; of any thread, and of a signal handler.
-  void terminate() const noexcept { ztbModelTerminate(handle_); }
+  void terminate() const noexcept {
+    if (handle_ != nullptr) ztbModelTerminate(handle_);
+  }
 
   // How far each cost and each right-hand side can move by itself while the basis that the last
   // solve left stays optimal; ztbModelRanging tells more. An entry a column, and a row.
@@ -176,31 +178,31 @@ class Model {
     std::vector<Range> sides;  // the first is the objective's, without an end
   };
   [[nodiscard]] Ranging ranging() {
-    check(watched([&] { return ztbModelRanging(handle_); }), "ztbModelRanging");
+    check(watched([&] { return ztbModelRanging(own()); }), "ztbModelRanging");
     Ranging ranging;
-    for (int j = 0; j < ztbModelColumnCount(handle_); ++j) {
+    for (int j = 0; j < ztbModelColumnCount(own()); ++j) {
       ranging.costs.push_back(rangeOf(j, ztbModelColumnElement, ztbModelCostRange));
     }
-    for (int i = 0; i < ztbModelRowCount(handle_); ++i) {
+    for (int i = 0; i < ztbModelRowCount(own()); ++i) {
       ranging.sides.push_back(rangeOf(i, ztbModelRowElement, ztbModelRhsRange));
     }
     return ranging;
   }
 
   // What the last solve left.
-  [[nodiscard]] int status() const { return ztbModelStatus(handle_); }
-  [[nodiscard]] int solveStatus() const { return ztbModelSolveStatus(handle_); }
+  [[nodiscard]] int status() const { return ztbModelStatus(own()); }
+  [[nodiscard]] int solveStatus() const { return ztbModelSolveStatus(own()); }
   [[nodiscard]] bool hasSolution() const {
     return status() == ztbModelOptimal || status() == ztbModelLocallyOptimal ||
            status() == ztbModelFeasible;
   }
-  [[nodiscard]] double objective() const { return ztbModelObjective(handle_); }
-  [[nodiscard]] double iterations() const { return ztbModelIterations(handle_); }
+  [[nodiscard]] double objective() const { return ztbModelObjective(own()); }
+  [[nodiscard]] double iterations() const { return ztbModelIterations(own()); }
   // What no objective can be better than, as far as the last solve knows.
-  [[nodiscard]] double bound() const { return ztbModelBound(handle_); }
+  [[nodiscard]] double bound() const { return ztbModelBound(own()); }
   // Of the last solve: time by the wall clock, and of the processor.
-  [[nodiscard]] double seconds() const { return ztbModelSeconds(handle_); }
-  [[nodiscard]] double processorSeconds() const { return ztbModelProcessorSeconds(handle_); }
+  [[nodiscard]] double seconds() const { return ztbModelSeconds(own()); }
+  [[nodiscard]] double processorSeconds() const { return ztbModelProcessorSeconds(own()); }
   // A field of all records of a variable or equation, in their order; into as many numbers as there
   // are records.
   [[nodiscard]] std::vector<double> values(const ZString& symbol, Field field = Field::level) {
@@ -211,7 +213,7 @@ class Model {
   void copyValues(const ZString& symbol, std::span<double> cells, Field field = Field::level) {
     const int size = static_cast<int>(std::min<std::size_t>(cells.size(), kMostCells));
     const int count =
-        ztbModelGetField(handle_, symbol.c_str(), static_cast<int>(field), cells.data(), size);
+        ztbModelGetField(own(), symbol.c_str(), static_cast<int>(field), cells.data(), size);
     check(count >= 0, "ztbModelGetField");
     if (static_cast<std::size_t>(count) != cells.size()) {
       throw Error("ztbModelGetField", std::string(symbol.c_str()) + " has " +
@@ -220,59 +222,62 @@ class Model {
     }
   }
   // Whether the last solve began with the solution that option UseStart asked for.
-  [[nodiscard]] bool startTaken() const { return ztbModelStartTaken(handle_) != 0; }
+  [[nodiscard]] bool startTaken() const { return ztbModelStartTaken(own()) != 0; }
   // Solves that were followed by another one from the beginning, since nothing proved the first.
-  [[nodiscard]] int coldSolves() const { return ztbModelColdSolves(handle_); }
+  [[nodiscard]] int coldSolves() const { return ztbModelColdSolves(own()); }
   // The basis that the last solve left, to a file, and from one for the next solve; whether that
   // was taken. clp and glpk have bases.
   void writeBasis(const ZString& file) {
-    check(ztbModelWriteBasis(handle_, file.c_str()), "ztbModelWriteBasis");
+    check(ztbModelWriteBasis(own(), file.c_str()), "ztbModelWriteBasis");
   }
   void readBasis(const ZString& file) {
     (void)pbi();
-    check(ztbModelReadBasis(handle_, file.c_str()), "ztbModelReadBasis");
+    check(ztbModelReadBasis(own(), file.c_str()), "ztbModelReadBasis");
   }
-  [[nodiscard]] bool basisTaken() const { return ztbModelBasisTaken(handle_) != 0; }
+  [[nodiscard]] bool basisTaken() const { return ztbModelBasisTaken(own()) != 0; }
   // Levels as before the first solve, where a solver such as ipopt begins.
-  void resetLevels() { check(ztbModelResetLevels(handle_), "ztbModelResetLevels"); }
+  void resetLevels() { check(ztbModelResetLevels(own()), "ztbModelResetLevels"); }
   // Why the last call that failed did; empty when none did, and after a solve that worked.
-  [[nodiscard]] std::string message() const { return ztbModelMessage(handle_); }
+  [[nodiscard]] std::string message() const { return ztbModelMessage(own()); }
 
   // What the reading of a file noted, and names that had to be changed, one text each.
-  [[nodiscard]] int noteCount() const { return ztbModelNoteCount(handle_); }
-  [[nodiscard]] std::string note(int number) const { return ztbModelNote(handle_, number); }
+  [[nodiscard]] int noteCount() const { return ztbModelNoteCount(own()); }
+  [[nodiscard]] std::string note(int number) const { return ztbModelNote(own(), number); }
 
   // How much of everything the model has, and its families of columns and rows; ztb/model.h tells
   // more. Until the model is tied to a database.
   [[nodiscard]] ztbModelSize size() {
     ztbModelSize size{};
-    check(ztbModelGetSize(handle_, &size), "ztbModelGetSize");
+    check(ztbModelGetSize(own(), &size), "ztbModelGetSize");
     return size;
   }
   [[nodiscard]] ztbModelFamily family(int number) {
     ztbModelFamily family{};
-    check(ztbModelGetFamily(handle_, number, &family), "ztbModelGetFamily");
+    check(ztbModelGetFamily(own(), number, &family), "ztbModelGetFamily");
     return family;
   }
   // Writes the model as .lp or .mps, until it is tied to a database.
-  void write(const ZString& file) { check(ztbModelWrite(handle_, file.c_str()), "ztbModelWrite"); }
+  void write(const ZString& file) { check(ztbModelWrite(own(), file.c_str()), "ztbModelWrite"); }
 
   // For ztb.h; the model cannot be built further.
   [[nodiscard]] void* pbi() {
-    void* pbi = ztbModelPbi(handle_);
+    void* pbi = ztbModelPbi(own());
     check(pbi != nullptr, "ztbModelPbi");
     return pbi;
   }
-  [[nodiscard]] ztbModel* handle() const noexcept { return handle_; }
+  [[nodiscard]] ztbModel* handle() const { return own(); }
 
  private:
+  [[nodiscard]] ztbModel* own() const {
+    return detail::notMoved(handle_, "ztb::Model", "This model was");
+  }
+
   static constexpr int kMessageSize = 1024;
   using Message = std::array<char, kMessageSize>;
 
   static constexpr std::size_t kMostCells = 2147483647;
   std::size_t countOf(const ZString& symbol, Field field) {
-    const int count =
-        ztbModelGetField(handle_, symbol.c_str(), static_cast<int>(field), nullptr, 0);
+    const int count = ztbModelGetField(own(), symbol.c_str(), static_cast<int>(field), nullptr, 0);
     check(count >= 0, "ztbModelGetField");
     return static_cast<std::size_t>(count);
   }
@@ -316,7 +321,7 @@ class Model {
     if (result == 0) throw Error(operation, message.data(), latestKind());
   }
   void check(int result, const char* operation) const {
-    if (result == 0) throw Error(operation, ztbModelMessage(handle_), latestKind());
+    if (result == 0) throw Error(operation, ztbModelMessage(own()), latestKind());
   }
 
   template <class Element, class Find>
@@ -324,9 +329,9 @@ class Model {
     std::array<const char*, kMaxDimension> labels{};
     int dimension = 0;
     Ranging::Range range;
-    range.symbol = element(handle_, number, &dimension, labels.data());
+    range.symbol = element(own(), number, &dimension, labels.data());
     range.labels.assign(labels.begin(), labels.begin() + dimension);
-    find(handle_, number, &range.lower, &range.upper);
+    find(own(), number, &range.lower, &range.upper);
     return range;
   }
   static constexpr std::size_t kMaxDimension = 20;

@@ -64,14 +64,14 @@ class Record {
   // Steps to the next or previous record; false, standing where it stood, when there is none.
   bool moveNext() {
     return age_.counts() ? step(c__ztbrecordmovenext, "ztbRecordMoveNext")
-                         : c__ztbrecordmovenext(place_.database, handle_) != 0;
+                         : c__ztbrecordmovenext(place_.database, own()) != 0;
   }
   bool movePrevious() {
-    return age_.counts() ? stepBack() : c__ztbrecordmoveprev(place_.database, handle_) != 0;
+    return age_.counts() ? stepBack() : c__ztbrecordmoveprev(place_.database, own()) != 0;
   }
   [[nodiscard]] bool hasNext() const {
     return age_.counts() ? step(c__ztbrecordhasnext, "ztbRecordHasNext")
-                         : c__ztbrecordhasnext(place_.database, handle_) != 0;
+                         : c__ztbrecordhasnext(place_.database, own()) != 0;
   }
   [[nodiscard]] bool hasPrevious() const;
 
@@ -131,7 +131,7 @@ class Record {
     if (age_.counts()) {
       eraseWithCare();
     } else {
-      require(c__ztbdeleterecord(place_.database, handle_), "ztbDeleteRecord");
+      require(c__ztbdeleterecord(place_.database, own()), "ztbDeleteRecord");
     }
   }
 
@@ -165,7 +165,10 @@ class Record {
         throw Error(operation, "the record handle stands on no record");
       }
     }
-    return handle_;
+    return own();
+  }
+  [[nodiscard]] void* own() const {
+    return detail::notMoved(handle_, "ztb::Record", "This record handle was");
   }
   double get(Getter getter, const char* operation) const {
     double value = 0;
@@ -195,13 +198,13 @@ inline Record Record::copy() const {
     }
   }
   void* handle = nullptr;
-  if (c__ztbcopysymboliterator(place_.database, handle_, &handle) == 0) {
+  if (c__ztbcopysymboliterator(place_.database, own(), &handle) == 0) {
     // The library copies handles of the store of new symbols only.
     int chosen = 0;
     require(c__ztbinfo(place_.database, ZTB_INFO_RECORD_STORAGE, &chosen, nullptr, nullptr),
             "ztbInfo");
     c__ztbselectrecordstorage(place_.database, nullptr, place_.store);
-    const int result = c__ztbcopysymboliterator(place_.database, handle_, &handle);
+    const int result = c__ztbcopysymboliterator(place_.database, own(), &handle);
     c__ztbselectrecordstorage(place_.database, nullptr, chosen);
     require(result, "ztbCopySymbolIterator");
   }
@@ -210,7 +213,7 @@ inline Record Record::copy() const {
 
 inline bool Record::hasPrevious() const {
   if (!age_.counts()) {
-    return c__ztbrecordhasprev(place_.database, handle_) != 0;
+    return c__ztbrecordhasprev(place_.database, own()) != 0;
   }
   if (standing_ == Standing::behindLast) {
     age_.requireCurrent(place_, "ztbRecordHasPrev");
@@ -222,7 +225,7 @@ inline bool Record::hasPrevious() const {
 inline bool Record::step(Step take, const char* operation) const {
   age_.requireCurrent(place_, operation);
   return standing_ != Standing::behindLast && detail::answer(place_.database, operation, [&] {
-           return take(place_.database, handle_) != 0;
+           return take(place_.database, own()) != 0;
          });
 }
 

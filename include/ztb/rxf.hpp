@@ -98,33 +98,33 @@ class RxfFile {
   RxfFile& operator=(const RxfFile&) = delete;
   ~RxfFile() { ztbRxfClose(&handle_); }
 
-  [[nodiscard]] int version() const { return ztbRxfVersion(handle_); }
-  [[nodiscard]] std::string_view producer() const { return ztbRxfProducer(handle_); }
+  [[nodiscard]] int version() const { return ztbRxfVersion(own()); }
+  [[nodiscard]] std::string_view producer() const { return ztbRxfProducer(own()); }
   // Length in bytes.
-  [[nodiscard]] unsigned long long size() const { return ztbRxfSize(handle_); }
+  [[nodiscard]] unsigned long long size() const { return ztbRxfSize(own()); }
 
   // Labels are numbered from 1.
-  [[nodiscard]] int labelCount() const { return ztbRxfLabelCount(handle_); }
+  [[nodiscard]] int labelCount() const { return ztbRxfLabelCount(own()); }
   [[nodiscard]] std::string_view label(int number) const {
-    return existing(ztbRxfLabel(handle_, number), "ztbRxfLabel", "label", number);
+    return existing(ztbRxfLabel(own(), number), "ztbRxfLabel", "label", number);
   }
   // The case of ASCII letters does not matter, here and for names.
   [[nodiscard]] std::optional<int> findLabel(const ZString& label) const {
-    const int number = ztbRxfFindLabel(handle_, label.c_str());
+    const int number = ztbRxfFindLabel(own(), label.c_str());
     return number == 0 ? std::nullopt : std::optional(number);
   }
 
   // Texts of set elements, from 1; an element's value is the number of its text, 0 for none.
-  [[nodiscard]] int textCount() const { return ztbRxfTextCount(handle_); }
+  [[nodiscard]] int textCount() const { return ztbRxfTextCount(own()); }
   [[nodiscard]] std::string_view text(int number) const {
-    return existing(ztbRxfText(handle_, number), "ztbRxfText", "text", number);
+    return existing(ztbRxfText(own(), number), "ztbRxfText", "text", number);
   }
 
   // Symbols without the universe.
-  [[nodiscard]] int symbolCount() const { return ztbRxfSymbolCount(handle_); }
+  [[nodiscard]] int symbolCount() const { return ztbRxfSymbolCount(own()); }
   [[nodiscard]] RxfSymbol symbol(int number) const {
     ztbRxfSymbolInfo info;
-    if (ztbRxfSymbol(handle_, number, &info) == 0) {
+    if (ztbRxfSymbol(own(), number, &info) == 0) {
       throw Error("ztbRxfSymbol", "No symbol has the number " + std::to_string(number),
                   ErrorKind::notFound);
     }
@@ -140,12 +140,12 @@ class RxfFile {
                      info.aliasTarget,
                      {}};
     for (int position = 0; position < info.dimension; ++position) {
-      symbol.domains.emplace_back(ztbRxfDomain(handle_, number, position));
+      symbol.domains.emplace_back(ztbRxfDomain(own(), number, position));
     }
     return symbol;
   }
   [[nodiscard]] std::optional<RxfSymbol> findSymbol(const ZString& name) const {
-    const int number = ztbRxfFindSymbol(handle_, name.c_str());
+    const int number = ztbRxfFindSymbol(own(), name.c_str());
     return number < 0 ? std::nullopt : std::optional(symbol(number));
   }
   [[nodiscard]] RxfSymbol operator[](const ZString& name) const { return symbol(name); }
@@ -163,16 +163,19 @@ class RxfFile {
 
   // Bytes that the records of a symbol take in a database, about.
   [[nodiscard]] unsigned long long memory(const RxfSymbol& symbol, Store store = Store::map) const {
-    return ztbRxfMemory(handle_, symbol.number, static_cast<int>(store));
+    return ztbRxfMemory(own(), symbol.number, static_cast<int>(store));
   }
 
-  [[nodiscard]] ztbRxfFile* handle() const noexcept { return handle_; }
+  [[nodiscard]] ztbRxfFile* handle() const { return own(); }
 
  private:
   friend class RxfRecords;
   // Holds every message of the library.
   static constexpr int messageSize = 512;
 
+  [[nodiscard]] ztbRxfFile* own() const {
+    return detail::notMoved(handle_, "ztb::RxfFile", "This file was");
+  }
   static std::string_view existing(const char* text, const char* operation, const char* what,
                                    int number) {
     if (text == nullptr) {
@@ -217,10 +220,10 @@ class RxfRecords {
   // Goes to the next block; false behind the last. Throws RxfDamage, and again with every call,
   // when it cannot be handed out.
   bool next() {
-    const int count = ztbRxfNextBlock(handle_);
+    const int count = ztbRxfNextBlock(own());
     size_ = count < 0 ? 0 : static_cast<std::size_t>(count);
     if (count < 0) {
-      throw RxfDamage(ztbRxfMessage(handle_), detail::rxfErrorKind(), blockNumber(), blockOffset());
+      throw RxfDamage(ztbRxfMessage(own()), detail::rxfErrorKind(), blockNumber(), blockOffset());
     }
     return count > 0;
   }
@@ -228,10 +231,10 @@ class RxfRecords {
   // Goes behind the next `count` blocks, of which only the heads are read, and gives how many there
   // were. Throws as next() does.
   int skip(int count) {
-    const int skipped = ztbRxfSkipBlocks(handle_, count);
+    const int skipped = ztbRxfSkipBlocks(own(), count);
     size_ = 0;
     if (skipped < 0) {
-      throw RxfDamage(ztbRxfMessage(handle_), detail::rxfErrorKind(), blockNumber(), blockOffset());
+      throw RxfDamage(ztbRxfMessage(own()), detail::rxfErrorKind(), blockNumber(), blockOffset());
     }
     return skipped;
   }
@@ -240,11 +243,11 @@ class RxfRecords {
   // a slot, from 0; none of one that there is not. Valid until next() or rewind().
   [[nodiscard]] std::size_t size() const noexcept { return size_; }
   [[nodiscard]] std::span<const int> keys(int position) const {
-    const int* keys = ztbRxfKeys(handle_, position);
+    const int* keys = ztbRxfKeys(own(), position);
     return {keys, keys == nullptr ? 0 : size_};
   }
   [[nodiscard]] std::span<const double> values(int slot) const {
-    const double* values = ztbRxfValues(handle_, slot);
+    const double* values = ztbRxfValues(own(), slot);
     return {values, values == nullptr ? 0 : size_};
   }
   [[nodiscard]] int dimension() const noexcept { return dimension_; }
@@ -252,18 +255,22 @@ class RxfRecords {
 
   // Back to the first block.
   void rewind() {
-    ztbRxfRewind(handle_);
+    ztbRxfRewind(own());
     size_ = 0;
   }
 
   // Goes on behind a damaged block, which is left out; false when nothing behind it can be found.
-  bool skipDamage() { return ztbRxfSkipDamage(handle_) != 0; }
+  bool skipDamage() { return ztbRxfSkipDamage(own()) != 0; }
 
   // Where the present block is; 0 before the first.
-  [[nodiscard]] int blockNumber() const { return ztbRxfBlockNumber(handle_); }
-  [[nodiscard]] unsigned long long blockOffset() const { return ztbRxfBlockOffset(handle_); }
+  [[nodiscard]] int blockNumber() const { return ztbRxfBlockNumber(own()); }
+  [[nodiscard]] unsigned long long blockOffset() const { return ztbRxfBlockOffset(own()); }
 
  private:
+  [[nodiscard]] ztbRxfRecords* own() const {
+    return detail::notMoved(handle_, "ztb::RxfRecords", "These records were");
+  }
+
   int dimension_;
   int valueCount_;
   std::size_t size_ = 0;

@@ -117,9 +117,9 @@ class Database {
   // The same for a database that was just made; after a failure it can only be ended.
   void openFile(const ZString& fileName) {
     if (lastErrorKind() == ErrorKind::noLibrary) {
-      detail::fail(handle_, "ztbInitFromRXF");
+      detail::fail(own(), "ztbInitFromRXF");
     }
-    detail::require(c__ztbinitfromrxf(handle_, fileName.c_str()), handle_, "ztbInitFromRXF");
+    detail::require(c__ztbinitfromrxf(own(), fileName.c_str()), own(), "ztbInitFromRXF");
   }
   // The limit of the thread is afterwards what it was.
   void openFile(const ZString& fileName, const OpenOptions& options) {
@@ -133,14 +133,14 @@ class Database {
   }
   // Closes the file; with loadRemaining, what was not read yet is read first, else it is lost.
   void closeFile(bool loadRemaining) {
-    detail::require(c__ztbcloserxf(handle_, loadRemaining ? 1 : 0), handle_, "ztbCloseRXF");
+    detail::require(c__ztbcloserxf(own(), loadRemaining ? 1 : 0), own(), "ztbCloseRXF");
   }
   // Writes the whole database to an RXF file, which may be the one that it was opened from. With
   // checkDomains, records of symbols whose domains are sets are checked against them. On failure
   // the old file stays; only where the folder of the new one could not be brought to the disk,
   // which comes last and is told, the new one stands.
   void write(const ZString& fileName, bool checkDomains = false) {
-    detail::require(c__ztbwriterxf(handle_, fileName.c_str(), checkDomains ? 0 : 1), handle_,
+    detail::require(c__ztbwriterxf(own(), fileName.c_str(), checkDomains ? 0 : 1), own(),
                     "ztbWriteRXF");
   }
   // Whether unread symbols come from a source.
@@ -152,18 +152,17 @@ class Database {
   // not bring along. Throws for one that is refused: too long, blank, with a control character or
   // both kinds of quotes.
   int mergeLabel(const ZString& label) {
-    return detail::mergeLabel(handle_, "ztbMergeUel", label.c_str());
+    return detail::mergeLabel(own(), "ztbMergeUel", label.c_str());
   }
   // Nothing if the database does not have the label; it never has a blank one. Throws for one that
   // no database can hold.
   [[nodiscard]] std::optional<int> findLabel(const ZString& label) const {
-    const int number = detail::findLabel(handle_, "ztbFindUel", label.c_str());
+    const int number = detail::findLabel(own(), "ztbFindUel", label.c_str());
     return number == detail::newLabel ? std::nullopt : std::optional<int>(number);
   }
   [[nodiscard]] Text label(int number) const {
     Text text;
-    detail::require(c__ztbgetuelbyindex(handle_, number, text.buffer()), handle_,
-                    "ztbGetUelByIndex");
+    detail::require(c__ztbgetuelbyindex(own(), number, text.buffer()), own(), "ztbGetUelByIndex");
     return text;
   }
 
@@ -171,21 +170,21 @@ class Database {
   [[nodiscard]] int symbolCount() const { return info(ZTB_INFO_SYMBOL_COUNT_WITH_ALIAS); }
   [[nodiscard]] Symbol symbolAt(int position) const {
     void* handle = nullptr;
-    detail::require(c__ztbgetsymbolbynumber(handle_, position, &handle), handle_,
+    detail::require(c__ztbgetsymbolbynumber(own(), position, &handle), own(),
                     "ztbGetSymbolByNumber");
-    return {handle_, handle};
+    return {own(), handle};
   }
   // All of them, to be walked over, as often as wanted:
   //   for (ztb::Symbol symbol : database.symbols()) { ... symbol.name() ... }
   // Symbols that are added on the way are met too.
-  [[nodiscard]] Symbols symbols() const noexcept { return Symbols(handle_); }
+  [[nodiscard]] Symbols symbols() const { return Symbols(own()); }
   [[nodiscard]] Symbol universe() const { return symbolAt(-1); }
   // A symbol by name, case folded; "*" is the universe. An alias is resolved to its set. Throws if
   // there is none.
   [[nodiscard]] Symbol symbol(const ZString& name) const {
     void* handle = nullptr;
-    detail::require(c__ztbfindsymbol(handle_, name.c_str(), &handle), handle_, "ztbFindSymbol");
-    return {handle_, handle};
+    detail::require(c__ztbfindsymbol(own(), name.c_str(), &handle), own(), "ztbFindSymbol");
+    return {own(), handle};
   }
   [[nodiscard]] Symbol operator[](const ZString& name) const { return symbol(name); }
   // The same, but nothing if there is none.
@@ -226,7 +225,7 @@ class Database {
 
   // Chooses the store of symbols that are made or opened from now on.
   void selectStore(Store store) {
-    detail::require(c__ztbselectrecordstorage(handle_, nullptr, static_cast<int>(store)), handle_,
+    detail::require(c__ztbselectrecordstorage(own(), nullptr, static_cast<int>(store)), own(),
                     "ztbSelectRecordStorage");
   }
   [[nodiscard]] Store store() const { return static_cast<Store>(info(ZTB_INFO_RECORD_STORAGE)); }
@@ -234,40 +233,43 @@ class Database {
   // afterwards; the result has lost its domains, and an alias stands for itself alone.
   [[nodiscard]] Symbol moveTo(const Symbol& symbol, Store store) {
     void* handle = symbol.handle();
-    detail::require(c__ztbselectrecordstorage(handle_, &handle, static_cast<int>(store)), handle_,
+    detail::require(c__ztbselectrecordstorage(own(), &handle, static_cast<int>(store)), own(),
                     "ztbSelectRecordStorage");
-    return {handle_, handle};
+    return {own(), handle};
   }
 
   // The caller's spelling of the five special values, used in both directions from now on.
   void setSpecialValues(const SpecialValues& values) {
-    c__ztbsetspecialvalues(handle_, values.data());
+    c__ztbsetspecialvalues(own(), values.data());
   }
   [[nodiscard]] SpecialValues userSpecialValues() const {
     SpecialValues values{};
-    c__ztbgetuserspecialvalues(handle_, values.data());
+    c__ztbgetuserspecialvalues(own(), values.data());
     return values;
   }
   // The library's own five values.
   [[nodiscard]] SpecialValues specialValues() const {
     SpecialValues values{};
-    c__ztbgetspecialvalues(handle_, values.data());
+    c__ztbgetspecialvalues(own(), values.data());
     return values;
   }
 
   // Text of the latest failure; a success does not clear it.
   [[nodiscard]] Text lastError() const {
     Text text;
-    c__ztbgetlasterror(handle_, text.buffer());
+    c__ztbgetlasterror(own(), text.buffer());
     return text;
   }
 
-  [[nodiscard]] ErrorKind lastErrorKind() const noexcept { return detail::kindOf(handle_); }
+  [[nodiscard]] ErrorKind lastErrorKind() const { return detail::kindOf(own()); }
 
   // The handle of the C interface; stays owned by this object.
-  [[nodiscard]] ztbRec* handle() const noexcept { return handle_; }
+  [[nodiscard]] ztbRec* handle() const { return own(); }
 
  private:
+  [[nodiscard]] ztbRec* own() const {
+    return detail::notMoved(handle_, "ztb::Database", "This database was");
+  }
   // The set that a domain stands for; null for a name alone.
   [[nodiscard]] void* domainSet(const DomainArgument& domain) const {
     const std::string_view name = domain.name();
@@ -290,19 +292,19 @@ class Database {
 
   [[nodiscard]] int info(int key) const {
     int value = 0;
-    detail::require(c__ztbinfo(handle_, key, &value, nullptr, nullptr), handle_, "ztbInfo");
+    detail::require(c__ztbinfo(own(), key, &value, nullptr, nullptr), own(), "ztbInfo");
     return value;
   }
   [[nodiscard]] std::optional<Symbol> find(Finder finder, const ZString& name,
                                            const char* operation) const {
     void* handle = nullptr;
-    if (finder(handle_, name.c_str(), &handle) == 0) {
-      if (!detail::nothingFound(handle_)) {
-        detail::fail(handle_, operation);
+    if (finder(own(), name.c_str(), &handle) == 0) {
+      if (!detail::nothingFound(own())) {
+        detail::fail(own(), operation);
       }
       return std::nullopt;
     }
-    return Symbol(handle_, handle);
+    return Symbol(own(), handle);
   }
 
   // Throws what made addSymbol or addAlias fail; of a name that is taken it tells by what, since
@@ -310,13 +312,13 @@ class Database {
   [[noreturn]] void failAdding(const ZString& name, const char* operation) const {
     void* taken = nullptr;
     if (lastErrorKind() != ErrorKind::exists) {
-      detail::fail(handle_, operation);
+      detail::fail(own(), operation);
     }
     const std::string text = lastError().str();
-    if (c__ztbfindsymbolwithalias(handle_, name.c_str(), &taken) == 0) {
+    if (c__ztbfindsymbolwithalias(own(), name.c_str(), &taken) == 0) {
       throw Error(operation, text, ErrorKind::exists);
     }
-    const std::string other = Symbol(handle_, taken).name().str();
+    const std::string other = Symbol(own(), taken).name().str();
     const bool folds = other != name.c_str();
     throw Error(operation,
                 "The name " + std::string(name.c_str()) + " is that of symbol " + other +
@@ -342,11 +344,11 @@ inline Symbol Database::addSymbol(const ZString& name, Type type, DomainArgument
   }
   void* handle = nullptr;
   if (dimension == 0 || dimension > ZTB_MAX_DIMENSION) {
-    if (c__ztbaddsymbol(handle_, name.c_str(), dimension, static_cast<int>(type), userInfo,
+    if (c__ztbaddsymbol(own(), name.c_str(), dimension, static_cast<int>(type), userInfo,
                         text.c_str(), &handle) == 0) {
       failAdding(name, "ztbAddSymbol");
     }
-    return {handle_, handle};
+    return {own(), handle};
   }
   std::array<void*, ZTB_MAX_DIMENSION> handles{};
   std::array<const char*, ZTB_MAX_DIMENSION> names{};
@@ -355,17 +357,17 @@ inline Symbol Database::addSymbol(const ZString& name, Type type, DomainArgument
     names[position] = domains[position].name();
   }
   const int result =
-      c__ztbaddsymbolx(handle_, name.c_str(), dimension, static_cast<int>(type), userInfo,
+      c__ztbaddsymbolx(own(), name.c_str(), dimension, static_cast<int>(type), userInfo,
                        text.c_str(), handles.data(), names.data(), &handle);
   if (result == 0 || handle == nullptr) {
     failAdding(name, "ztbAddSymbolX");
   }
-  return {handle_, handle};
+  return {own(), handle};
 }
 
 inline Symbol Database::addAlias(const ZString& name, const Symbol& target, const ZString& text) {
   constexpr const char* operation = "ztbAddSymbol";
-  if (target.database() != handle_) {
+  if (target.database() != own()) {
     throw Error(operation, "Symbol " + target.name().str() + " belongs to another database");
   }
   const Symbol set = target.unaliased();
@@ -380,11 +382,11 @@ inline Symbol Database::addAlias(const ZString& name, const Symbol& target, cons
     --position;
   }
   void* handle = nullptr;
-  if (c__ztbaddsymbol(handle_, name.c_str(), set.dimension(), ZTB_ALIAS, position, text.c_str(),
+  if (c__ztbaddsymbol(own(), name.c_str(), set.dimension(), ZTB_ALIAS, position, text.c_str(),
                       &handle) == 0) {
     failAdding(name, operation);
   }
-  return {handle_, handle};
+  return {own(), handle};
 }
 
 }  // namespace ztb::inline client
