@@ -9,6 +9,8 @@ from typing import Any, Iterable, Sequence, Union
 
 import numpy as np
 
+from .rounding import warn_of_value
+
 #: What float() takes, and what is no real number all the same.
 _NO_NUMBERS = (str, bytes, bytearray, np.complexfloating, np.datetime64, np.timedelta64)
 
@@ -89,7 +91,9 @@ def number(value: object, symbol: str) -> float:
     """A value that is to go into a symbol, as a double."""
     if not isinstance(value, _NO_NUMBERS):
         try:
-            return float(value)  # type: ignore[arg-type]
+            double = float(value)  # type: ignore[arg-type]
+            warn_of_value(value, double, symbol)
+            return double
         except TypeError:
             pass
         except OverflowError:

@@ -10,7 +10,7 @@ import numpy.typing as npt
 
 from .arguments import number
 from .missing import require_choice
-
+from .rounding import warn_of_cells
 
 
 def truths(array: object, symbol: str, nan: str) -> npt.NDArray[np.bool_]:
@@ -73,6 +73,8 @@ def _doubles(
         doubles = np.array(flat, dtype=np.float64).reshape(cells.shape)
     elif cells.dtype.kind in "biuf":
         doubles = np.asarray(cells, dtype=np.float64)
+        there = cells if masked is None else np.where(masked, 0, cells)
+        warn_of_cells(there, symbol, first_cell)
     else:
         raise TypeError(f"cells of type {cells.dtype} for symbol {symbol}, numbers expected")
     return doubles if masked is None else np.where(masked, np.nan, doubles)

@@ -10,6 +10,8 @@ import numpy as np
 import numpy.typing as npt
 import pandas as pd
 
+from .rounding import may_be_rounded, warn_of_cells, warn_of_value
+
 #: What pandas calls the content of a column of objects that are all numbers.
 _NUMBERS = ("integer", "floating", "mixed-integer-float", "boolean", "decimal", "empty")
 #: What a number among objects is: database drivers give decimals.
@@ -31,6 +33,8 @@ def _floats(column: "pd.Series[Any]", symbol: str) -> npt.NDArray[np.float64]:
         types = pd.api.types
         if not types.is_numeric_dtype(column.dtype) or types.is_complex_dtype(column.dtype):
             raise TypeError(f"values of type {column.dtype} for symbol {symbol}, numbers expected")
+        if types.is_integer_dtype(column.dtype):
+            _tell_rounded(column, symbol)
         return _with_nan(column)
     if pd.api.types.infer_dtype(column, skipna=True) not in _NUMBERS:
         for row, value in enumerate(column):
@@ -40,9 +44,18 @@ def _floats(column: "pd.Series[Any]", symbol: str) -> npt.NDArray[np.float64]:
                     "is no number"
                 )
     try:
-        return _with_nan(column.where(column.notna(), np.nan))
+        doubles = _with_nan(column.where(column.notna(), np.nan))
     except OverflowError:
         raise OverflowError(f"a value of symbol {symbol} is larger than any double") from None
+    for row in np.flatnonzero(may_be_rounded(doubles)):
+        warn_of_value(column.iloc[row], doubles[row], symbol, f"row {row}: ")
+    return doubles
+
+
+def _tell_rounded(column: "pd.Series[Any]", symbol: str) -> None:
+    kind = np.uint64 if pd.api.types.is_unsigned_integer_dtype(column.dtype) else np.int64
+    cells = column.to_numpy(dtype=kind, na_value=0) if column.hasnans else column.to_numpy(dtype=kind)
+    warn_of_cells(cells, symbol, lambda marks: f"row {int(np.flatnonzero(marks)[0])}")
 
 
 def _with_nan(column: "pd.Series[Any]") -> npt.NDArray[np.float64]:

@@ -15,8 +15,10 @@ import numpy as np
 import numpy.typing as npt
 
 from . import arguments
+from .arrays import first_cell
 from .errors import DamagedFileError, Error, MissingFileError
 from .missing import missing_value, require_choice
+from .rounding import warn_of_cells
 from .special import _double
 from .values import FIELDS
 
@@ -166,6 +168,7 @@ def fill(symbol: Symbol, data: Any, nan: str) -> None:
         _put(symbol, axes, np.asarray(cells, dtype=np.bool_), None)
         return
     values = np.array(cells, dtype=np.float64)
+    warn_of_cells(cells, symbol.name, first_cell)
     rows = values if wide else values[..., np.newaxis]
     there = ~(rows.view(np.uint64) == _ABSENT_BITS).all(axis=-1)
     if nan != "na":
