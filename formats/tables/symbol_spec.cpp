@@ -133,6 +133,7 @@ class SpecParser {
       parseFields();
     } else {
       spec_.contentColumn = columnName();
+      spec_.contentIsGiven = true;
     }
   }
 

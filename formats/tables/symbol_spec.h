@@ -2,7 +2,8 @@
 //
 //   --set        NAME                                       the labels of column NAME
 //   --set        NAME(KEY, ...) [: TEXTCOLUMN] ["text"]
-//   --parameter  NAME(KEY, ...) [= VALUECOLUMN] ["text"]    the value column is NAME if not given
+//   --parameter  NAME(KEY, ...) [= VALUECOLUMN] ["text"]    the value column is NAME if not given, or
+//                                                           value where no column is called NAME
 //   --variable   [KIND] NAME(KEY, ...) [= LEVELCOLUMN] ["text"]
 //   --variable   [KIND] NAME(KEY, ...) = FIELD: COLUMN, ... ["text"]
 //   KEY          COLUMN [in SET]
@@ -44,6 +45,7 @@ struct SymbolSpec {
   std::vector<KeySpec> keys;
   // Column of the explanatory texts of a set (empty for none) or of the values of a parameter.
   std::string contentColumn;
+  bool contentIsGiven = false;
   // Of a variable; empty for all columns that have the names of fields.
   std::vector<FieldSpec> fields;
   // Subtype of a variable, which the bounds come from that no column gives.

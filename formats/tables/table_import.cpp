@@ -140,8 +140,7 @@ class SymbolMaker {
   std::vector<std::string> lostRoles_;
 };
 
-// Finds columns by name in the header of one file: as written, else with the case of letters
-// folded.
+// Finds columns by name in the header of one file.
 class Header {
  public:
   Header(TableReader& reader, ProblemList& problems) : reader_(reader), problems_(problems) {
@@ -180,21 +179,40 @@ class Header {
 
   // The place of a column; reported, and 0, if there is none or more than one.
   std::size_t find(const std::string& name) {
-    auto found = matching([&](const std::string& other) { return other == name; });
-    if (found.empty()) {
-      found = matching([&](const std::string& other) { return tool::sameFolded(other, name); });
-    }
-    if (found.size() != 1) {
-      problems_.add(reader_.place(position_),
-                    fmt::format("{} {}; the columns are {}",
-                                found.empty() ? "no column" : "more than one column",
-                                tool::inQuotes(name), columnList()));
-      return 0;
-    }
-    return found.front();
+    const std::vector<std::size_t> found = places(name);
+    return found.empty() ? missing(tool::inQuotes(name)) : single(found, name);
+  }
+  // That of the second one where there is none of the first name.
+  std::size_t findEither(const std::string& first, std::string_view second) {
+    const std::string other(second);
+    const std::vector<std::size_t> found = places(first);
+    if (!found.empty()) return single(found, first);
+    const std::vector<std::size_t> others = places(other);
+    return others.empty() ? missing(tool::inQuotes(first) + " or " + tool::inQuotes(other))
+                          : single(others, other);
   }
 
  private:
+  // All columns of a name: as written, else with the case of letters folded.
+  [[nodiscard]] std::vector<std::size_t> places(const std::string& name) const {
+    std::vector<std::size_t> found =
+        matching([&](const std::string& other) { return other == name; });
+    return found.empty()
+               ? matching([&](const std::string& other) { return tool::sameFolded(other, name); })
+               : found;
+  }
+  std::size_t missing(const std::string& names) {
+    problems_.add(reader_.place(position_),
+                  fmt::format("no column {}; the columns are {}", names, columnList()));
+    return 0;
+  }
+  std::size_t single(const std::vector<std::size_t>& found, const std::string& name) {
+    if (found.size() == 1) return found.front();
+    problems_.add(reader_.place(position_),
+                  fmt::format("more than one column {}; the columns are {}", tool::inQuotes(name),
+                              columnList()));
+    return 0;
+  }
   template <class Predicate>
   [[nodiscard]] std::vector<std::size_t> matching(Predicate predicate) const {
     std::vector<std::size_t> found;
@@ -232,6 +250,15 @@ std::array<double, ztb::fieldCount> defaultsOf(int subtype) {
   return {record.level(), record.marginal(), record.lower(), record.upper(), record.scale()};
 }
 
+// What the column of values is called in exported tables.
+constexpr std::string_view usualContent = "value";
+
+// Whether a position has the labels of that column.
+bool takesTheUsual(const SymbolSpec& spec) {
+  return std::ranges::any_of(
+      spec.keys, [](const KeySpec& key) { return tool::sameFolded(key.column, usualContent); });
+}
+
 ImportTarget planTarget(const SymbolSpec& spec, const ztb::Symbol& symbol, Header& header,
                         const TableImportOptions& options) {
   ImportTarget target{.symbol = symbol,
@@ -246,7 +273,9 @@ ImportTarget planTarget(const SymbolSpec& spec, const ztb::Symbol& symbol, Heade
     target.keyColumns.push_back(header.find(key.column));
   }
   if (spec.kind == SpecKind::parameter) {
-    target.valueColumns.push_back(header.find(spec.contentColumn));
+    target.valueColumns.push_back(spec.contentIsGiven || takesTheUsual(spec)
+                                      ? header.find(spec.contentColumn)
+                                      : header.findEither(spec.contentColumn, usualContent));
     target.valueFields.push_back(0);
   } else if (spec.kind == SpecKind::variable) {
     target.defaults = defaultsOf(spec.subtype);
@@ -266,6 +295,7 @@ SymbolSpec inShape(const SymbolSpec& spec, const TableShape& shape) {
   SymbolSpec result = spec;
   if (!shape.wide.empty() && spec.kind == SpecKind::parameter && spec.contentColumn == spec.name) {
     result.contentColumn = spreadValues;
+    result.contentIsGiven = true;
   }
   return result;
 }

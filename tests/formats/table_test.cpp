@@ -119,7 +119,7 @@ TEST_F(TableTest, WritesTablesThatAreReadBack) {
     Job job({{"symbol", "price"}, {"to", folder_.file(target)}});
     ASSERT_TRUE(job.exportDatabase(database.handle())) << job.errors(folder_);
     EXPECT_EQ(job.counted(ZTB_FORMATS_RECORDS), 2);
-    const ztb::Database back = imported(target, {{"parameter", "price(food) = value"}});
+    const ztb::Database back = imported(target, {{"parameter", "price(food)"}});
     EXPECT_EQ(back["price"].find("Milk")->level(), 11.25) << target;
     EXPECT_EQ(back["price"].recordCount(), 2) << target;
   }
@@ -127,6 +127,27 @@ TEST_F(TableTest, WritesTablesThatAreReadBack) {
       {{"symbol", "price"}, {"to", folder_.file("q.csv")}, {"separator", ";"}, {"decimal", ","}});
   ASSERT_TRUE(job.exportDatabase(database.handle())) << job.errors(folder_);
   EXPECT_EQ(read("q.csv"), "food;value\nMilk;11,25\n\"a;b\";0\n");
+}
+
+TEST_F(TableTest, TakesTheColumnOfTheNameBeforeThatOfValues) {
+  write("both.csv", "food,value,price\nMilk,1,2\n");
+  EXPECT_EQ(imported("both.csv", {{"parameter", "price(food)"}})["price"].find("Milk")->level(), 2);
+  EXPECT_EQ(imported("both.csv", {{"parameter", "cost(food)"}})["cost"].find("Milk")->level(), 1);
+  // Labels of a position are no values.
+  EXPECT_EQ(errorsOf("both.csv", {{"parameter", "cost(value)"}}),
+            "both.csv:1:1: no column 'cost'; the columns are food, value, price\n"
+            "none.rxf: not written: 1 problem in the input");
+  write("neither.csv", "food,cents\nMilk,1\n");
+  EXPECT_EQ(errorsOf("neither.csv", {{"parameter", "price(food)"}}),
+            "neither.csv:1:1: no column 'price' or 'value'; the columns are food, cents\n"
+            "none.rxf: not written: 1 problem in the input");
+  write("twice.csv", "food,value,Value\nMilk,1,2\n");
+  EXPECT_EQ(imported("twice.csv", {{"parameter", "price(food)"}})["price"].find("Milk")->level(),
+            1);
+  write("folded.csv", "food,VALUE,Value\nMilk,1,2\n");
+  EXPECT_EQ(errorsOf("folded.csv", {{"parameter", "price(food)"}}),
+            "folded.csv:1:1: more than one column 'value'; the columns are food, VALUE, Value\n"
+            "none.rxf: not written: 1 problem in the input");
 }
 
 TEST_F(TableTest, ReadsTablesAndQueriesOfSqlite) {
