@@ -66,9 +66,19 @@ def test_what_is_no_domain_is_refused(diet, domains):
 
 
 def test_what_no_alias_can_stand_for_is_refused(diet):
-    with pytest.raises(TypeError, match=r"'food' \(str\) is no set, which alone an alias can"):
-        diet.add_alias("dish", "food")
+    with pytest.raises(TypeError, match=r"5 \(int\) is no set, which alone an alias can"):
+        diet.add_alias("dish", 5)
+    with pytest.raises(ValueError, match="^holds is no set, which alone an alias can stand for$"):
+        diet.add_alias("dish", "holds")
+    with pytest.raises(ztb.NotFoundError, match="Cannot find symbol drinks"):
+        diet.add_alias("dish", "drinks")
     assert "dish" not in diet
+
+
+def test_an_alias_goes_by_the_name_of_its_set(diet):
+    assert diet.add_alias("dish", "food").set == diet["food"]
+    # By the name of another alias it stands for the set.
+    assert diet.add_alias("meal", "dish").set == diet["food"]
 
 
 def test_symbols_that_were_asked_for_do_not_keep_the_database():

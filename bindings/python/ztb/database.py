@@ -295,8 +295,11 @@ class Database(display.Shows, Home, Mapping[str, Symbol[Any]]):
         _require_below(_EQUATION_SUBTYPES, subtype)
         return cast(Equation, self._add(name, 3, domains, text, subtype))
 
-    def add_alias(self, name: str, target: Union[Set, Alias]) -> Alias:
-        """Adds a second name for a set; for what an alias stands for when one is given."""
+    def add_alias(self, name: str, target: Union[Set, Alias, str]) -> Alias:
+        """Adds a second name for a set, which its name may stand for; for what an alias stands for
+        when one is given."""
+        if isinstance(target, str):
+            target = cast(Any, self[target])
         if isinstance(target, Symbol) and not isinstance(target, Set):
             raise ValueError(f"{target.name} is no set, which alone an alias can stand for")
         if not isinstance(target, (Set, Alias)):
