@@ -1,9 +1,8 @@
 #include "formats/csv_folder.h"
 
-#include <filesystem>
-#include <system_error>
 #include <vector>
 
+#include "formats/file_name.h"
 #include "formats/tables/csv_reader.h"
 #include "formats/tables/csv_writer.h"
 
@@ -16,29 +15,29 @@ class CsvFolderReader : public DatabaseReader {
   explicit CsvFolderReader(std::string folder) : folder_(std::move(folder)) {}
 
   std::vector<ManifestEntry> symbols(ProblemList& problems) override {
-    CsvReader reader(manifestPath(folder_).string(), ',');
+    CsvReader reader(manifestPath(folder_), ',');
     return readManifest(reader, problems);
   }
   [[nodiscard]] std::string place(const ManifestEntry& entry) const override {
-    return placeText(manifestPath(folder_).string(), entry.at);
+    return placeText(manifestPath(folder_), entry.at);
   }
   std::unique_ptr<TableReader> labels() override {
-    const std::filesystem::path path = labelsPath(folder_);
-    if (!std::filesystem::exists(path)) {
+    const std::string path = labelsPath(folder_);
+    if (!isThere(path)) {
       return nullptr;
     }
-    return std::make_unique<CsvReader>(path.string(), ',');
+    return std::make_unique<CsvReader>(path, ',');
   }
   std::unique_ptr<TableReader> records(const ManifestEntry& entry) override {
-    return std::make_unique<CsvReader>(recordsPath(folder_, entry.name).string(), ',');
+    return std::make_unique<CsvReader>(recordsPath(folder_, entry.name), ',');
   }
 
  private:
   std::string folder_;
 };
 
-void writeLabelFile(const std::filesystem::path& folder, const tool::ExchangeFile& file) {
-  CsvWriter csv(labelsPath(folder).string());
+void writeLabelFile(const std::string& folder, const tool::ExchangeFile& file) {
+  CsvWriter csv(labelsPath(folder));
   csv.text("label");
   csv.endRow();
   for (int number = 1; number <= file.labelCount(); ++number) {
@@ -51,8 +50,7 @@ void writeLabelFile(const std::filesystem::path& folder, const tool::ExchangeFil
 }  // namespace
 
 bool isCsvFolder(const std::string& path) {
-  std::error_code error;
-  return std::filesystem::exists(manifestPath(path), error);
+  return isThere(manifestPath(path));
 }
 
 std::unique_ptr<DatabaseReader> openCsvFolder(const std::string& path) {
@@ -60,14 +58,14 @@ std::unique_ptr<DatabaseReader> openCsvFolder(const std::string& path) {
 }
 
 void writeCsvFolder(const DatabaseExport& database) {
-  const std::filesystem::path folder = database.path;
+  const std::string& folder = database.path;
   beginFolder(manifestPath(folder));
   writeLabelFile(folder, database.file);
   std::vector<ManifestEntry> entries;
   for (const tool::FileSymbol* symbol : database.symbols) {
     entries.push_back(describe(database.file, *symbol));
     if (!symbol->isAlias()) {
-      const std::string path = recordsPath(folder, symbol->name).string();
+      const std::string path = recordsPath(folder, symbol->name);
       database.progress.step("writing " + path);
       CsvWriter csv(path);
       csv.begin(headOf(*symbol));

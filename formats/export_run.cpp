@@ -3,12 +3,11 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <filesystem>
-#include <system_error>
 
 #include "formats/csv_folder.h"
 #include "formats/database_export.h"
 #include "formats/field_chars.h"
+#include "formats/file_name.h"
 #include "formats/source_name.h"
 #include "formats/table_source.h"
 #include "formats/wide_export.h"
@@ -125,9 +124,8 @@ void ExportRun::writeTable(const Format& format, const tool::ExchangeFile& file,
 
 // A name without an ending that tells a format is that of a folder only if it surely is one.
 void ExportRun::requireKnownEnding() const {
-  std::error_code error;
-  if (targetOption_ != "to" || target_ == "-" || !format_.empty() || target_.ends_with('/') ||
-      formatOfFile(target_) != nullptr || std::filesystem::is_directory(target_, error)) {
+  if (targetOption_ != "to" || target_ == "-" || !format_.empty() || endsAsFolder(target_) ||
+      formatOfFile(target_) != nullptr || isFolder(target_)) {
     return;
   }
   std::string endings;

@@ -6,7 +6,6 @@
 #include <cerrno>
 #include <charconv>
 #include <cstring>
-#include <filesystem>
 #include <system_error>
 #include <utility>
 
@@ -14,6 +13,7 @@
 #include "formats/database_import.h"
 #include "formats/database_merge.h"
 #include "formats/field_chars.h"
+#include "formats/file_name.h"
 #include "formats/source_name.h"
 #include "tools/text/failure.h"
 #include "tools/text/words.h"
@@ -35,8 +35,7 @@ std::size_t countOf(const std::string& option, const std::string& text) {
 }
 
 void requireThere(const std::string& path) {
-  std::error_code error;
-  if (path != "-" && !std::filesystem::exists(path, error)) {
+  if (path != "-" && !isThere(path)) {
     throw tool::systemFailure(path, "cannot be read", ENOENT);
   }
 }

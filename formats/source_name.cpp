@@ -2,24 +2,21 @@
 
 #include <fmt/format.h>
 
-#include <filesystem>
-#include <system_error>
-
+#include "formats/file_name.h"
 #include "tools/text/failure.h"
 #include "tools/text/words.h"
 
 namespace formats {
 
 TableSource parseSource(const std::string& argument) {
-  std::error_code error;
-  if (argument.find('#') == std::string::npos || std::filesystem::exists(argument, error)) {
+  if (argument.find('#') == std::string::npos || isThere(argument)) {
     return {.path = argument, .part = {}};
   }
   std::size_t byEnding = std::string::npos;
   for (std::size_t at = argument.find('#'); at != std::string::npos;
        at = argument.find('#', at + 1)) {
     const std::string path = argument.substr(0, at);
-    if (!path.empty() && std::filesystem::exists(path, error)) {
+    if (!path.empty() && isThere(path)) {
       return {.path = path, .part = argument.substr(at + 1)};
     }
     const Format* format = formatOfFile(path);

@@ -3,7 +3,6 @@
 #include <expat.h>
 #include <fmt/format.h>
 #include <minizip/unzip.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -11,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "tools/files/system_files.h"
 #include "tools/text/failure.h"
 
 namespace formats {
@@ -162,7 +162,8 @@ std::string_view XmlAttributes::operator[](std::string_view name) const {
 
 XlsxFile::XlsxFile(const std::string& path) : path_(path), zip_(unzOpen64(path.c_str())) {
   if (zip_ == nullptr) {
-    if (access(path.c_str(), R_OK) != 0) throw tool::systemFailure(path, "cannot be read", errno);
+    if (posix::access(path.c_str(), R_OK) != 0)
+      throw tool::systemFailure(path, "cannot be read", errno);
     fail("is no workbook: it cannot be opened as a zip file");
   }
 }

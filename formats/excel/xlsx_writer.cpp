@@ -9,13 +9,13 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
-#include <filesystem>
 #include <map>
 #include <set>
 #include <utility>
 
 #include "formats/excel/cell_range.h"
 #include "formats/excel/xlsx_tables.h"
+#include "formats/file_name.h"
 #include "formats/tables/exact_text.h"
 #include "tools/files/new_file.h"
 #include "tools/text/failure.h"
@@ -31,11 +31,6 @@ constexpr std::size_t mostRows = mostSheetRows - 1;
 constexpr std::size_t longestSheetName = 31;
 constexpr std::size_t longestCell = 32767;
 constexpr double columnWidth = 16;
-
-std::string folderOf(const std::string& path) {
-  const std::string folder = std::filesystem::path(path).parent_path().string();
-  return folder.empty() ? "." : folder;
-}
 
 class XlsxWriter : public TableWriter {
  public:
@@ -167,7 +162,7 @@ class XlsxWriter : public TableWriter {
   void endSheet() {
     if (worksheet_ == nullptr) return;
     if (std::ferror(worksheet_->optimize_tmpfile) != 0) {
-      throw tool::Failure(fmt::format("{}: cannot be written: {}", path_, std::strerror(errno)));
+      throw tool::Failure(fmt::format("{}: cannot be written: {}", path_, tool::systemText(errno)));
     }
     sheetRows_.push_back(row_);
     worksheet_ = nullptr;

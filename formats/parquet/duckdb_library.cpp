@@ -1,73 +1,58 @@
-#include <dlfcn.h>
 #include <fmt/format.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <mutex>
 #include <string>
 #include <system_error>
 
 #include "formats/parquet/duckdb_api.h"
+#include "formats/parquet/shared_library.h"
 #include "tools/text/failure.h"
 
 namespace formats {
 
 namespace {
 
-constexpr const char* libraryName = "libduckdb.so";
-
-// Where the library for tables itself lies.
-std::filesystem::path ownFolder() {
-  Dl_info info{};
-  if (dladdr(reinterpret_cast<const void*>(&duckdbApi), &info) == 0) return {};
-  std::error_code error;
-  return std::filesystem::weakly_canonical(info.dli_fname, error).parent_path();
-}
-
 // What scripts/duckdb put beside a build tree that this library lies in; empty for any other place.
 std::filesystem::path fileOfBuildTree(const std::filesystem::path& own) {
   std::error_code error;
   const std::filesystem::path tree = own.parent_path();
   if (!std::filesystem::exists(tree / "CMakeCache.txt", error)) return {};
-  return tree.parent_path() / "duckdb/node_modules/@duckdb/node-bindings-linux-x64" / libraryName;
+  return tree.parent_path() / duckdbModules / duckdbPackage / duckdbFile;
 }
 
 // Opens the library that ZTB_DUCKDB names, or else the first of those that may be it; one without a
-// folder is looked for by the loader.
+// folder is looked for where the system does.
 void* openLibrary() {
   std::string reasons;
   const auto opened = [&](const std::filesystem::path& path) {
-    void* library = path.empty() ? nullptr : dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
-    if (library == nullptr && !path.empty()) {
-      reasons += fmt::format("{}{}", reasons.empty() ? "" : "; ", dlerror());
-    }
+    std::string reason;
+    void* library = path.empty() ? nullptr : openSharedLibrary(path, reason);
+    if (!reason.empty()) reasons += (reasons.empty() ? "" : "; ") + reason;
     return library;
   };
   void* library = nullptr;
-  const char* named = std::getenv("ZTB_DUCKDB");
-  if (named != nullptr && *named != '\0') {
-    const std::filesystem::path path = named;
+  const std::filesystem::path named = environmentPath("ZTB_DUCKDB");
+  if (!named.empty()) {
     std::error_code error;
-    library = opened(std::filesystem::is_directory(path, error) ? path / libraryName : path);
+    library = opened(std::filesystem::is_directory(named, error) ? named / duckdbFile : named);
   } else {
-    const std::filesystem::path own = ownFolder();
-    library = opened(own / libraryName);
+    const std::filesystem::path own = ownFile().parent_path();
+    library = opened(own / duckdbFile);
     if (library == nullptr) library = opened(fileOfBuildTree(own));
-    if (library == nullptr) library = opened(libraryName);
+    if (library == nullptr) library = opened(duckdbFile);
   }
   if (library != nullptr) return library;
   throw tool::Failure(fmt::format("Parquet files need DuckDB's library {}, which cannot be opened "
-                                  "({}); get it from DuckDB, or "
-                                  "by the npm package @duckdb/node-bindings-linux-x64, and name "
-                                  "the file or its folder in the "
-                                  "environment variable ZTB_DUCKDB",
-                                  libraryName, reasons),
+                                  "({}); get it from DuckDB, or by the npm package {}, and name "
+                                  "the file or its folder in the environment variable ZTB_DUCKDB",
+                                  duckdbFile, reasons, duckdbPackage),
                       ZTB_ERROR_NO_LIBRARY);
 }
 
 template <class Function>
 void find(void* library, const char* name, Function*& function) {
-  void* found = dlsym(library, name);
+  void* found = functionOf(library, name);
   if (found == nullptr) {
     throw tool::Failure(
         fmt::format("DuckDB's library has no function {}: its version is not fit for this", name),

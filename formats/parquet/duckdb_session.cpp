@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "tools/files/new_file.h"
+#include "tools/files/system_files.h"
 #include "tools/text/failure.h"
 
 namespace formats {
@@ -21,7 +22,7 @@ std::string quoted(std::string_view text, char quote) {
 // The first line of what DuckDB tells; the others show the query.
 std::string firstLine(const char* text) {
   const std::string_view all = text == nullptr ? "no reason is told" : text;
-  return std::string(all.substr(0, all.find('\n')));
+  return std::string(all.substr(0, all.find_first_of("\r\n")));
 }
 
 }  // namespace
@@ -37,7 +38,7 @@ std::string sqlName(std::string_view name) {
 std::string parquetName(const std::string& path) {
   // Chars that would match many files stand in brackets of their own, and a name is one in this
   // folder, whatever it begins with.
-  std::string exact = path.starts_with('/') ? "" : "./";
+  std::string exact = tool::pathOf(path).has_root_path() ? "" : "./";
   for (const char c : path) {
     const bool isPattern = c == '*' || c == '?' || c == '[';
     exact += isPattern ? fmt::format("[{}]", c) : std::string(1, c);
@@ -211,7 +212,7 @@ void DuckdbSession::writeParquet(ArrowArrayStream& stream, const std::string& li
   }
   run(fmt::format("copy (select {} from records) to {} (format parquet, compression zstd, "
                   "use_tmp_file false{})",
-                  list, sqlText(published.temporary()), options),
+                  list, sqlText(published.lend()), options),
       path);
   run("drop view records", path);
   published.publish();

@@ -1,15 +1,14 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <filesystem>
 #include <map>
 #include <memory>
 #include <optional>
-#include <system_error>
 #include <utility>
 #include <ztb/column_names.hpp>
 
 #include "formats/arrow/column_records.h"
+#include "formats/file_name.h"
 #include "formats/parquet/parquet_names.h"
 #include "formats/parquet/parquet_reader.h"
 #include "formats/parquet/parquet_tables.h"
@@ -99,7 +98,7 @@ class ParquetFolderReader : public DatabaseReader {
 
  private:
   [[nodiscard]] std::string pathOf(const std::string& name) const {
-    return parquetFile(folder_, name).string();
+    return parquetFile(folder_, name);
   }
   [[nodiscard]] std::size_t countOf(const std::string& symbol) const {
     const auto found = counts_.find(symbol);
@@ -191,8 +190,7 @@ class ParquetFolderReader : public DatabaseReader {
 }  // namespace
 
 bool isParquetFolder(const std::string& path) {
-  std::error_code error;
-  return std::filesystem::exists(parquetFile(path, parquetSymbols), error);
+  return isThere(parquetFile(path, parquetSymbols));
 }
 
 std::unique_ptr<DatabaseReader> openParquetFolder(const std::string& path) {
@@ -202,9 +200,9 @@ std::unique_ptr<DatabaseReader> openParquetFolder(const std::string& path) {
 void writeParquetFolder(const DatabaseExport& database) {
   // Without DuckDB nothing is touched.
   DuckdbSession session;
-  const std::filesystem::path folder = database.path;
+  const std::string& folder = database.path;
   beginFolder(parquetFile(folder, parquetSymbols));
-  ParquetWriter manifest(session, parquetFile(folder, parquetSymbols).string());
+  ParquetWriter manifest(session, parquetFile(folder, parquetSymbols));
   // Numbers of records are a column of its own.
   TableHead head = manifestHead(database.symbols.size());
   head.columns.pop_back();
@@ -224,10 +222,10 @@ void writeParquetFolder(const DatabaseExport& database) {
   database.progress.step("writing labels");
   OwnedStream labels;
   const std::string label = makeLabelStream(database.file, &labels.stream());
-  session.writeParquet(labels.stream(), label, parquetFile(folder, parquetLabels).string());
+  session.writeParquet(labels.stream(), label, parquetFile(folder, parquetLabels));
   for (const tool::FileSymbol* symbol : database.symbols) {
     if (symbol->isAlias()) continue;
-    const std::string path = parquetFile(folder, symbol->name).string();
+    const std::string path = parquetFile(folder, symbol->name);
     database.progress.step("writing " + path);
     OwnedStream stream;
     const std::string list = makeSymbolStream(database, *symbol, true, &stream.stream());

@@ -2,15 +2,15 @@
 #ifndef ZTB_FORMATS_PARQUET_PARQUET_NAMES_H_
 #define ZTB_FORMATS_PARQUET_PARQUET_NAMES_H_
 
-#include <filesystem>
 #include <string>
 #include <string_view>
 
+#include "formats/file_name.h"
+
 namespace formats {
 
-inline std::filesystem::path parquetFile(const std::filesystem::path& folder,
-                                         const std::string& name) {
-  return folder / (name + ".parquet");
+inline std::string parquetFile(const std::string& folder, const std::string& name) {
+  return nameIn(folder, name + ".parquet");
 }
 inline constexpr const char* parquetSymbols = "_symbols";
 inline constexpr const char* parquetLabels = "_labels";

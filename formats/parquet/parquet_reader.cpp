@@ -4,13 +4,14 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
+#include <charconv>
 #include <filesystem>
 #include <limits>
 #include <optional>
 #include <system_error>
 #include <utility>
 
+#include "formats/file_name.h"
 #include "formats/parquet/parquet_columns.h"
 #include "formats/parquet/parquet_names.h"
 #include "formats/parquet/parquet_tables.h"
@@ -50,7 +51,7 @@ ParquetColumn columnOf(std::string name, std::string_view type) {
 
 std::vector<ParquetColumn> parquetColumns(const DuckdbSession& session, const std::string& path) {
   std::error_code error;
-  if (!std::filesystem::is_regular_file(path, error)) {
+  if (!std::filesystem::is_regular_file(tool::pathOf(path), error)) {
     throw tool::Failure(fmt::format("{}: no such file", path), ZTB_ERROR_NO_FILE);
   }
   std::vector<ParquetColumn> columns;
@@ -129,7 +130,7 @@ TableField ParquetReader::fieldAt(std::size_t column) {
   field.text = kept(column, *plain);
   if (columns_[column].whole) {
     field.isNumber = true;
-    field.number = std::strtod(field.text.data(), nullptr);
+    std::from_chars(field.text.data(), field.text.data() + field.text.size(), field.number);
     if (fmt::format("{:.0f}", field.number) != field.text) field.rounded = field.text;
   }
   return field;

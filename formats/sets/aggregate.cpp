@@ -120,7 +120,7 @@ void fillGroups(Groups& groups, const KeyPacking& packing, const tool::ExchangeF
 
 void aggregateSymbol(const SetRun& run) {
   const SetOptions& options = run.options;
-  const auto opened = openFiles(options.files, run.progress);
+  auto opened = openFiles(options.files, run.progress);
   const tool::ExchangeFile& file = *opened.front();
   const tool::FileSymbol& symbol = file.resolved(file.symbol(options.chosen.front()));
   if (symbol.isUniverse()) throw tool::UsageError("*: the universe has no records to add up");
@@ -163,9 +163,9 @@ void aggregateSymbol(const SetRun& run) {
     ++count;
   });
   output.addTexts(file);
-  output.publish();
-  run.result.symbols = output.symbolCount();
   run.result.labels = static_cast<std::size_t>(file.labelCount());
+  output.publish(opened);
+  run.result.symbols = output.symbolCount();
   run.result.records = before + count;
 }
 

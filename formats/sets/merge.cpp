@@ -11,6 +11,7 @@
 #include <unordered_set>
 #include <ztb/column_names.hpp>
 
+#include "formats/file_name.h"
 #include "formats/sets/label_union.h"
 #include "formats/sets/open_files.h"
 #include "formats/sets/set_options.h"
@@ -75,7 +76,7 @@ class Merge {
                                       tool::counted(problems_.count(), "conflict")),
                           ZTB_ERROR_REFUSED);
     }
-    output.publish();
+    output.publish(opened_);
     run_.result.symbols = output.symbolCount();
     run_.result.labels = static_cast<std::size_t>(labels_.size());
     run_.result.records = output.recordCount();
@@ -93,7 +94,7 @@ class Merge {
     for (std::size_t place = 0; hasCases_ && place < opened_.size(); ++place) {
       const std::string& path = run_.options.files[place];
       const std::string& stem =
-          stems_.emplace_back(path == "-" ? "stdin" : std::filesystem::path(path).stem().string());
+          stems_.emplace_back(path == "-" ? "stdin" : tool::nameOf(tool::pathOf(path).stem()));
       if (stem.size() > ZTB_MAX_NAME_LENGTH) {
         throw tool::UsageError(fmt::format("--case {}: the name of {} is no label: it has {} bytes",
                                            run_.options.caseSet, path, stem.size()));

@@ -4,9 +4,8 @@
 
 #include <cerrno>
 #include <cstring>
-#include <filesystem>
-#include <system_error>
 
+#include "formats/file_name.h"
 #include "formats/import_run.h"
 
 namespace formats {
@@ -15,8 +14,7 @@ std::vector<std::unique_ptr<tool::ExchangeFile>> openFiles(const std::vector<std
                                                            tool::Progress& progress) {
   std::vector<std::unique_ptr<tool::ExchangeFile>> files;
   for (const std::string& path : paths) {
-    std::error_code error;
-    if (path != "-" && !std::filesystem::exists(path, error)) {
+    if (path != "-" && !isThere(path)) {
       throw tool::systemFailure(path, "cannot be read", ENOENT);
     }
     progress.step("opening " + path);

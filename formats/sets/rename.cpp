@@ -66,7 +66,7 @@ class NewNames {
 }  // namespace
 
 void renameIn(const SetRun& run) {
-  const auto opened = openFiles(run.options.files, run.progress);
+  auto opened = openFiles(run.options.files, run.progress);
   const tool::ExchangeFile& file = *opened.front();
   ProblemList problems(run.options.maxErrors);
   std::vector<std::string> symbolNames{""};
@@ -102,9 +102,9 @@ void renameIn(const SetRun& run) {
     if (!symbol.isAlias()) output.copyRecords(file, symbol);
   }
   output.addTexts(file);
-  output.publish();
-  run.result.symbols = output.symbolCount();
   run.result.labels = static_cast<std::size_t>(file.labelCount());
+  output.publish(opened);
+  run.result.symbols = output.symbolCount();
   run.result.records = output.recordCount();
 }
 

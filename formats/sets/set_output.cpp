@@ -116,8 +116,9 @@ void SetOutput::addTexts(const tool::ExchangeFile& file) {
   }
 }
 
-void SetOutput::publish() {
+void SetOutput::publish(std::vector<std::unique_ptr<tool::ExchangeFile>>& sources) {
   flush();
+  sources.clear();
   progress_.step("writing " + shownName_);
   try {
     output_.publish();

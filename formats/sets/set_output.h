@@ -3,6 +3,7 @@
 #define ZTB_FORMATS_SETS_SET_OUTPUT_H_
 
 #include <cstddef>
+#include <memory>
 #include <span>
 #include <string>
 #include <string_view>
@@ -51,7 +52,9 @@ class SetOutput {
   void copyRecords(const tool::ExchangeFile& file, const tool::FileSymbol& symbol);
   void addText(std::string_view text);
   void addTexts(const tool::ExchangeFile& file);
-  void publish();
+  // Closes the files that it was made of first, since the new one may take the place of one of
+  // them.
+  void publish(std::vector<std::unique_ptr<tool::ExchangeFile>>& sources);
 
   [[nodiscard]] std::size_t recordCount() const { return recordCount_; }
   [[nodiscard]] std::size_t symbolCount() const { return symbolCount_; }

@@ -4,9 +4,9 @@
 
 #include <array>
 #include <charconv>
-#include <filesystem>
 #include <optional>
 
+#include "formats/file_name.h"
 #include "tools/text/words.h"
 
 namespace formats {
@@ -96,8 +96,7 @@ std::optional<Statistic> statisticOf(const std::string& name) {
 }  // namespace
 
 std::string SetRun::folder() const {
-  const std::filesystem::path parent = std::filesystem::path(path).parent_path();
-  return parent.empty() ? "." : parent.string();
+  return formats::folderOf(path);
 }
 
 bool SetsRun::option(const std::string& name, const std::string& value) {

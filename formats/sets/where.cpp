@@ -95,7 +95,7 @@ class ChosenColumns {
 
 void selectWhere(const SetRun& run) {
   const ConditionNode condition = parseCondition(run.options.condition);
-  const auto opened = openFiles(run.options.files, run.progress);
+  auto opened = openFiles(run.options.files, run.progress);
   const tool::ExchangeFile& file = *opened.front();
   const std::vector<const tool::FileSymbol*> filtered =
       filteredSymbols(run.options, file, condition);
@@ -128,9 +128,9 @@ void selectWhere(const SetRun& run) {
     }
   }
   output.addTexts(file);
-  output.publish();
-  run.result.symbols = output.symbolCount();
   run.result.labels = static_cast<std::size_t>(file.labelCount());
+  output.publish(opened);
+  run.result.symbols = output.symbolCount();
   run.result.records = output.recordCount();
 }
 

@@ -9,10 +9,10 @@
 // of a variable or equation) and text, and by name alone dim_5 to dim_20, marginal, lower, upper,
 // scale.
 
-#include <sys/stat.h>
-
 #include <algorithm>
 #include <array>
+#include <cstdint>
+#include <ctime>
 #include <map>
 #include <memory>
 #include <string>
@@ -21,6 +21,7 @@
 #include "formats/sql/module.h"
 #include "formats/sql/plan.h"
 #include "formats/sql/walk.h"
+#include "tools/files/system_files.h"
 
 SQLITE_EXTENSION_INIT1
 
@@ -34,8 +35,8 @@ using formats::SqlWalk;
 // Where a file stood when it was opened; another one of its name is another file.
 struct Place {
   std::string path;
-  dev_t device = 0;
-  ino_t number = 0;
+  std::uint64_t device = 0;
+  std::uint64_t number = 0;
   timespec time{};
 
   [[nodiscard]] bool isSame(const Place& other) const {
@@ -48,9 +49,9 @@ struct Place {
 class Files {
  public:
   std::shared_ptr<SqlDatabase> open(const std::string& path) {
-    struct stat status {};
+    posix::FileStatus status{};
     Place place{path};
-    if (stat(path.c_str(), &status) == 0) {
+    if (posix::stat(path.c_str(), &status) == 0) {
       place = {path, status.st_dev, status.st_ino, status.st_mtim};
     }
     const auto found = files_.find(path);

@@ -7,6 +7,7 @@
 #include <system_error>
 #include <utility>
 
+#include "formats/file_name.h"
 #include "tools/text/failure.h"
 
 namespace formats {
@@ -70,7 +71,7 @@ void SqliteFile::requireWhole(const std::string& path) const {
   if (sqlite3_step(statement.get()) != SQLITE_ROW) fail();
   const auto expected = static_cast<std::uintmax_t>(sqlite3_column_int64(statement.get(), 0));
   std::error_code error;
-  const std::uintmax_t size = std::filesystem::file_size(path, error);
+  const std::uintmax_t size = std::filesystem::file_size(tool::pathOf(path), error);
   // What lies behind the end SQLite would take for zeros.
   if (!error && size < expected) {
     throw tool::Failure(

@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "tools/files/system_files.h"
 #include "tools/text/failure.h"
 
 namespace formats {
@@ -24,7 +25,7 @@ class FileBytes : public ByteSource {
  public:
   explicit FileBytes(const std::string& path)
       : name_(path == "-" ? "standard input" : path),
-        file_(path == "-" ? stdin : std::fopen(path.c_str(), "rb")) {
+        file_(path == "-" ? stdin : tool::openStream(path, "rb")) {
     if (file_ == nullptr) failRead(path);
   }
   ~FileBytes() override {

@@ -1,9 +1,5 @@
 #include "formats/tables/csv_bulk.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <array>
 #include <atomic>
@@ -17,6 +13,7 @@
 #include <thread>
 #include <utility>
 
+#include "tools/files/system_files.h"
 #include "tools/text/number_text.h"
 
 namespace formats {
@@ -42,23 +39,23 @@ std::size_t lastRecordEnd(std::string_view bytes) {
 // A file that closes itself.
 class CsvBulk::File {
  public:
-  explicit File(const std::string& path) : file_(open(path.c_str(), O_RDONLY | O_CLOEXEC)) {}
+  explicit File(const std::string& path) : file_(posix::open(path.c_str(), O_RDONLY | O_CLOEXEC)) {}
   File(const File&) = delete;
   File& operator=(const File&) = delete;
   ~File() {
-    if (file_ >= 0) close(file_);
+    if (file_ >= 0) posix::close(file_);
   }
 
   // The length of a regular file, 0 for anything else.
   [[nodiscard]] std::size_t size() const {
-    struct stat status {};
-    const bool regular = file_ >= 0 && fstat(file_, &status) == 0 && S_ISREG(status.st_mode);
+    posix::FileStatus status{};
+    const bool regular = file_ >= 0 && posix::fstat(file_, &status) == 0 && S_ISREG(status.st_mode);
     return regular ? static_cast<std::size_t>(status.st_size) : 0;
   }
   // Whether all of it could be read.
   bool read(char* into, std::size_t size, std::size_t offset) const {
     while (size > 0) {
-      const ssize_t count = pread(file_, into, size, static_cast<off_t>(offset));
+      const ssize_t count = posix::pread(file_, into, size, static_cast<off_t>(offset));
       if (count < 0 && errno == EINTR) continue;
       if (count <= 0) return false;
       into += count;

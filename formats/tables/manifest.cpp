@@ -10,6 +10,7 @@
 #include <span>
 #include <system_error>
 
+#include "formats/file_name.h"
 #include "formats/tables/csv_writer.h"
 #include "tools/text/failure.h"
 #include "tools/text/words.h"
@@ -210,27 +211,28 @@ class ManifestReader {
 
 }  // namespace
 
-std::filesystem::path manifestPath(const std::filesystem::path& folder) {
-  return folder / "_symbols.csv";
+std::string manifestPath(const std::string& folder) {
+  return nameIn(folder, "_symbols.csv");
 }
 
-std::filesystem::path labelsPath(const std::filesystem::path& folder) {
-  return folder / "_labels.csv";
+std::string labelsPath(const std::string& folder) {
+  return nameIn(folder, "_labels.csv");
 }
 
-std::filesystem::path recordsPath(const std::filesystem::path& folder, const std::string& symbol) {
-  return folder / (symbol + ".csv");
+std::string recordsPath(const std::string& folder, const std::string& symbol) {
+  return nameIn(folder, symbol + ".csv");
 }
 
-void beginFolder(const std::filesystem::path& manifest) {
-  const std::filesystem::path folder = manifest.parent_path();
+void beginFolder(const std::string& manifest) {
+  const std::filesystem::path file = tool::pathOf(manifest);
+  const std::filesystem::path folder = file.parent_path();
   std::error_code error;
   std::filesystem::create_directories(folder, error);
   if (!error) {
-    std::filesystem::remove(manifest, error);
+    std::filesystem::remove(file, error);
   }
   if (error) {
-    throw tool::systemFailure(folder.string(), "cannot be written", error.value());
+    throw tool::systemFailure(tool::nameOf(folder), "cannot be written", error.value());
   }
 }
 
@@ -288,8 +290,8 @@ void writeEntry(TableWriter& writer, const ManifestEntry& entry, bool withTables
   writer.endRow();
 }
 
-void writeManifest(const std::filesystem::path& folder, const std::vector<ManifestEntry>& entries) {
-  CsvWriter csv(manifestPath(folder).string());
+void writeManifest(const std::string& folder, const std::vector<ManifestEntry>& entries) {
+  CsvWriter csv(manifestPath(folder));
   TableHead head = manifestHead(entries.size());
   head.columns.erase(head.columns.begin() + tablesColumn);
   csv.begin(head);

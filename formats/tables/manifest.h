@@ -16,7 +16,6 @@
 #define ZTB_FORMATS_TABLES_MANIFEST_H_
 
 #include <cstddef>
-#include <filesystem>
 #include <optional>
 #include <string>
 #include <vector>
@@ -44,13 +43,13 @@ struct ManifestEntry {
   TextPosition at;
 };
 
-std::filesystem::path manifestPath(const std::filesystem::path& folder);
-std::filesystem::path labelsPath(const std::filesystem::path& folder);
-std::filesystem::path recordsPath(const std::filesystem::path& folder, const std::string& symbol);
+std::string manifestPath(const std::string& folder);
+std::string labelsPath(const std::string& folder);
+std::string recordsPath(const std::string& folder, const std::string& symbol);
 
 // Makes the folder of a table of symbols, and takes an older such table away: it is there again
 // only when everything is.
-void beginFolder(const std::filesystem::path& manifest);
+void beginFolder(const std::string& manifest);
 
 // The entry of a symbol of a file.
 ManifestEntry describe(const tool::ExchangeFile& file, const tool::FileSymbol& symbol);
@@ -67,7 +66,7 @@ TableHead manifestHead(std::size_t symbols);
 void writeEntry(TableWriter& writer, const ManifestEntry& entry, bool withTables);
 
 // Throws Failure if the table cannot be written.
-void writeManifest(const std::filesystem::path& folder, const std::vector<ManifestEntry>& entries);
+void writeManifest(const std::string& folder, const std::vector<ManifestEntry>& entries);
 
 // Reads the table, with or without columns of tables and of records; an older one has no numbers of
 // records, and no entry of the universe. What is wrong with a row is reported, and the row left

@@ -13,6 +13,7 @@
 #include <thread>
 #include <utility>
 
+#include "formats/file_name.h"
 #include "formats/tables/csv_bulk.h"
 #include "formats/tables/processors.h"
 #include "formats/tables/record_import.h"
@@ -60,7 +61,8 @@ void sortEntries(std::vector<OrderEntry>& entries) {
 std::unique_ptr<BulkRows> columnsOfCsv(const PartedFile& file, CsvBulkForm form,
                                        tool::Progress& progress) {
   std::error_code error;
-  if (std::filesystem::file_size(file.path, error) < 2 * form.chunkBytes || error) return nullptr;
+  if (std::filesystem::file_size(tool::pathOf(file.path), error) < 2 * form.chunkBytes || error)
+    return nullptr;
   form.separator = file.separator;
   form.threads = processors();
   auto bulk = std::make_unique<CsvBulk>();

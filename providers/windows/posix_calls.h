@@ -38,6 +38,9 @@ ssize_t readlink(const char* path, char* target, std::size_t size);
 int rename(const char* from, const char* to);
 int unlink(const char* path);
 
+// Whether a file that a program has open can be opened by any other one: each says whether it may.
+inline constexpr bool opensForAll = false;
+
 // As F_DUPFD_CLOEXEC of fcntl does.
 int duplicate(int fd);
 // A new file for reading and writing under a name of its own in `folder`, which begins with

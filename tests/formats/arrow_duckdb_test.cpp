@@ -40,8 +40,8 @@ const Functions& functions() {
   static const Functions found = [] {
     const char* named = std::getenv("ZTB_DUCKDB");
     std::filesystem::path path = named == nullptr || *named == '\0' ? ZTB_DUCKDB_FOLDER : named;
-    if (std::filesystem::is_directory(path)) path /= "libduckdb.so";
-    void* library = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+    if (std::filesystem::is_directory(path)) path /= ZTB_DUCKDB_FILE;
+    void* library = dlopen(path.string().c_str(), RTLD_NOW | RTLD_LOCAL);
     Functions result{};
     if (library == nullptr) return result;
     const auto bind = [&](const char* name, auto& function) {

@@ -51,6 +51,11 @@ std::string contentOf(const std::string& path) {
   return {std::istreambuf_iterator<char>(file), {}};
 }
 
+void replace(const std::string& file, const std::string& by) {
+  std::filesystem::remove(file);
+  std::filesystem::copy_file(by, file);
+}
+
 class ParquetTest : public testing::Test {
  protected:
   ParquetTest() {
@@ -196,7 +201,7 @@ TEST_F(ParquetTest, TellsOfWholeNumbersThatNoDoubleHolds) {
   const ztb::Database read = ztb::Database::open(folder_.file("whole.rxf"));
   EXPECT_EQ(read["p"].find("y")->level(), 9007199254740994.0);
   Job labels({{"from", file}, {"set", "s(v)"}});
-  ASSERT_TRUE(labels.import(folder_.file("whole.rxf"))) << labels.errors(folder_);
+  ASSERT_TRUE(labels.import(folder_.file("labels.rxf"))) << labels.errors(folder_);
   EXPECT_EQ(labels.warnings(folder_), "");
 }
 
@@ -261,12 +266,10 @@ TEST_F(ParquetTest, TellsAFileThatIsMissingCutOrOfOtherRows) {
   Job replaced({{"symbol", "price"}, {"to", price}});
   ASSERT_TRUE(replaced.exportFile(folder_.file("fewer.rxf"))) << replaced.errors(folder_);
   EXPECT_EQ(refusalOfFolder(), "dir/price.parquet: has 1 row, and 2 were written to it");
-  std::filesystem::copy_file(ZTB_PARQUET_FILES "/null_label.parquet", price,
-                             std::filesystem::copy_options::overwrite_existing);
+  replace(price, ZTB_PARQUET_FILES "/null_label.parquet");
   EXPECT_EQ(refusalOfFolder(), "dir/price.parquet: row 2: a label is missing");
   writeFolder();
-  std::filesystem::copy_file(folder_.file("dir/price.parquet"), folder_.file("dir/_labels.parquet"),
-                             std::filesystem::copy_options::overwrite_existing);
+  replace(folder_.file("dir/_labels.parquet"), price);
   EXPECT_THAT(refusalOfFolder(),
               StartsWith("dir/_labels.parquet: row 1: the header is not label\n"));
 }
@@ -288,7 +291,12 @@ TEST_F(ParquetTest, RefusesWhatItCannotTake) {
 }
 
 TEST_F(ParquetTest, TakesNamesWithCharsOfPatternsAndQuotes) {
+#ifdef _WIN32
+  // It has no names with stars.
+  const std::string path = folder_.file("it's [a].parquet");
+#else
   const std::string path = folder_.file("it's [a]*.parquet");
+#endif
   Job out({{"symbol", "price"}, {"to", path}});
   ASSERT_TRUE(out.exportFile(rxf())) << out.errors(folder_);
   ztb::Database other;

@@ -49,8 +49,9 @@ class TableTest : public testing::Test {
     Options all{{"from", folder_.file(source)}};
     all.insert(all.end(), options.begin(), options.end());
     Job job(all);
-    EXPECT_TRUE(job.import(folder_.file("out.rxf"))) << job.errors(folder_);
-    return ztb::Database::open(folder_.file("out.rxf"));
+    const std::string out = folder_.file("out" + std::to_string(++outs_) + ".rxf");
+    EXPECT_TRUE(job.import(out)) << job.errors(folder_);
+    return ztb::Database::open(out);
   }
   // What is told of an import that fails and leaves nothing.
   std::string errorsOf(const std::string& source, const Options& options) {
@@ -63,6 +64,8 @@ class TableTest : public testing::Test {
   }
 
   ztbtest::TempFolder folder_;
+  // Files that were made: one that is open cannot be replaced everywhere.
+  int outs_ = 0;
 };
 
 const Options price{{"parameter", "price(food) = cents"}};

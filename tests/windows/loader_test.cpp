@@ -93,16 +93,21 @@ TEST(WindowsLibraries, exportTheNamesOfTheirListsAndNothingElse) {
   EXPECT_EQ(listed(ZTB_SOURCE_FOLDER "/core/exports/ztbcclib64.def"), core);
   const std::string folder = std::filesystem::path(RXF_LIBRARY).parent_path().string() + "\\";
   const std::pair<const char*, const char*> others[] = {
-      {"rxfcclib64.dll", "rxf/rxf.def"},          {"lomudclib64.dll", "model/lomu.def"},
-      {"nmtmdclib64.dll", "model/nmt.def"},       {"ztbclp.dll", "model/solvers/solver.def"},
-      {"ztbcbc.dll", "model/solvers/solver.def"}, {"ztbglpk.dll", "model/solvers/solver.def"},
+      {"rxfcclib64.dll", "providers/rxf/rxf.def"},
+      {"lomudclib64.dll", "providers/model/lomu.def"},
+      {"nmtmdclib64.dll", "providers/model/nmt.def"},
+      {"ztbclp.dll", "providers/model/solvers/solver.def"},
+      {"ztbcbc.dll", "providers/model/solvers/solver.def"},
+      {"ztbglpk.dll", "providers/model/solvers/solver.def"},
+      {"ztbformats.dll", "formats/formats.def"},
+      {"ztbsql.dll", "formats/sql/sql.def"},
+      {"ztbsqlite.dll", "formats/sql/extension.def"},
   };
   for (const auto& [file, list] : others) {
     void* const library =
         LoadLibraryExA((folder + file).c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
     ASSERT_NE(nullptr, library) << file;
-    EXPECT_EQ(listed(std::string(ZTB_SOURCE_FOLDER "/providers/") + list), exportsOf(library))
-        << file;
+    EXPECT_EQ(listed(std::string(ZTB_SOURCE_FOLDER "/") + list), exportsOf(library)) << file;
   }
 }
 

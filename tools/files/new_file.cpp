@@ -78,10 +78,9 @@ NewFile::NewFile(std::string path) : path_(std::move(path)) {
 }
 
 NewFile::~NewFile() {
-  if (stream_ != nullptr) {
-    std::fclose(stream_);
-    posix::unlink(temporary_.c_str());
-  }
+  const bool isLeft = stream_ != nullptr || isLent_;
+  if (stream_ != nullptr) std::fclose(stream_);
+  if (isLeft) posix::unlink(temporary_.c_str());
 }
 
 // Makes the file under the first name that no other writer has, and removes what killed ones left.
@@ -132,7 +131,20 @@ void NewFile::lookAtOld() {
   mode_ = old.st_mode & permissionBits;
 }
 
+const std::string& NewFile::lend() {
+  if (!posix::opensForAll) {
+    isLent_ = true;
+    if (std::fclose(std::exchange(stream_, nullptr)) != 0) fail();
+  }
+  return temporary_;
+}
+
 void NewFile::publish() {
+  if (isLent_) {
+    if (posix::rename(temporary_.c_str(), path_.c_str()) != 0) fail();
+    isLent_ = false;
+    return;
+  }
   if (std::fflush(stream_) != 0 || std::ferror(stream_) != 0 ||
       posix::fchmod(fileno(stream_), mode_) != 0) {
     fail();

@@ -25,6 +25,9 @@ class NewFile {
   [[nodiscard]] std::FILE* stream() { return stream_; }
   // The name that it has until it is published, for a library that opens it itself.
   [[nodiscard]] const std::string& temporary() const { return temporary_; }
+  // The same for a library that opens files for itself alone, where a system has such: there it is
+  // no longer open here, and has no stream.
+  const std::string& lend();
 
   // Gives the file its name. Throws Failure if not all could be written or the name is not to be
   // had. Called once.
@@ -39,6 +42,7 @@ class NewFile {
   std::string temporary_;
   mode_t mode_ = 0;
   std::FILE* stream_ = nullptr;
+  bool isLent_ = false;
 };
 
 }  // namespace tool

@@ -2,11 +2,11 @@
 #ifndef ZTB_TOOLS_FILES_SCRATCH_FOLDER_H_
 #define ZTB_TOOLS_FILES_SCRATCH_FOLDER_H_
 
-#include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <system_error>
 
+#include "tools/files/system_files.h"
 #include "tools/text/failure.h"
 
 namespace tool {
@@ -15,18 +15,13 @@ namespace tool {
 class ScratchFolder {
  public:
   ScratchFolder() {
-    std::error_code error;
-    const std::filesystem::path folder = std::filesystem::temp_directory_path(error);
-    path_ = ((error ? std::filesystem::path("/tmp") : folder) / "ztb.XXXXXX").string();
-    if (mkdtemp(path_.data()) == nullptr) {
-      throw Failure(path_ + ": cannot be made");
-    }
+    if (makeTemporaryFolder(path_) != 0) throw Failure(path_ + ": cannot be made");
   }
   ScratchFolder(const ScratchFolder&) = delete;
   ScratchFolder& operator=(const ScratchFolder&) = delete;
   ~ScratchFolder() {
     std::error_code error;
-    std::filesystem::remove_all(path_, error);
+    std::filesystem::remove_all(pathOf(path_), error);
   }
 
   [[nodiscard]] std::string file(const std::string& name) const { return path_ + '/' + name; }

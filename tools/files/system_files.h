@@ -40,6 +40,9 @@ using ::unlink;
 using ::write;
 using FileStatus = struct stat;
 
+// Whether a file that a program has open can be opened by any other one.
+inline constexpr bool opensForAll = true;
+
 inline int fchmod(int fd, mode_t mode) {
   return ::fchmod(fd, mode);
 }
