@@ -1,12 +1,15 @@
-// How solves end: statuses told apart, refusals with their reasons, limits, terminate, the log.
+// How solves end: statuses told apart, refusals with their reasons, limits, terminate, the log;
+// through a database and without one.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <ztb/solver.h>
 
+#include <cmath>
 #include <fstream>
 #include <limits>
 #include <sstream>
 #include <string>
+#include <tuple>
 #include <ztb/model.hpp>
 
 #include "tests/solve/transport.h"
@@ -34,14 +37,27 @@ ztb::Model small(double need, int kind = ztbColumnContinuous, double lowerOfY = 
   return model;
 }
 
+// The text of a solve that fails; a model is solved through a database first, then without one, and
+// both say the same and find the same.
 std::string failure(ztb::Model& model, const char* solver) {
+  const auto textOf = [](const auto& solve) -> std::string {
+    try {
+      solve();
+    } catch (const ztb::Error& error) {
+      return error.what();
+    }
+    return "";
+  };
+  const auto found = [&] {
+    return std::tuple(model.status(), model.solveStatus(),
+                      model.hasSolution() ? std::llround(1e6 * model.objective()) : 0);
+  };
   ztb::Database database;
-  try {
-    ztb::ModelTie(database, model).solve(solver);
-  } catch (const ztb::Error& error) {
-    return error.what();
-  }
-  return "";
+  const std::string text = textOf([&] { ztb::ModelTie(database, model).solve(solver); });
+  const auto foundByDatabase = found();
+  EXPECT_EQ(textOf([&] { model.solve(solver); }), text);
+  EXPECT_EQ(found(), foundByDatabase);
+  return text;
 }
 
 class Solvers : public testing::TestWithParam<const char*> {};
@@ -133,6 +149,7 @@ TEST_F(Catalogues, WithoutASolverForTheKindOfModelIsTold) {
     EXPECT_STREQ(error.what(),
                  "The model has integer columns and products of columns that can move. Invalid "
                  "solver name: bonmin: the only solver is clp");
+    EXPECT_EQ(failure(model, "bonmin"), error.what());
   }
 }
 

@@ -343,8 +343,8 @@ TEST_F(SolveTest, SaysWhatToInstallForASolverWithoutItsLibrary) {
   const std::string option = "NameSysDir=" + path("");
   expectFails(
       1,
-      "ztb: m.lp: solver bonmin did not solve the model: there is no solver \"bonmin\": the "
-      "solver cannot be opened: " +
+      "ztb: m.lp: The model has integer columns and products of columns that can move. Invalid "
+      "solver name: bonmin: the solver cannot be opened: " +
           path("libztbbonmin.so") +
           ": cannot open shared object file: No such file or directory (package "
           "ztb-solvers)\n",

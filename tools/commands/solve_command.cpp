@@ -16,6 +16,7 @@
 #include "tools/commands/memory_option.h"
 #include "tools/commands/table_options.h"
 #include "tools/files/exchange_file.h"
+#include "tools/files/freed_memory.h"
 #include "tools/files/standard_streams.h"
 #include "tools/models/model_input.h"
 #include "tools/models/model_session.h"
@@ -193,6 +194,15 @@ void withBasis(ModelSession& session, void (ztb::Model::*use)(const ztb::ZString
   }
 }
 
+void applyInput(const SolveOptions& options, const std::optional<ExchangeFile>& data,
+                const ModelFills* filling, ModelSession& session) {
+  if (!data && options.settings.empty() && options.start.empty()) return;
+  ModelInput input(session);
+  if (data) input.applyFile(*data, filling);
+  for (const std::string& setting : options.settings) input.applySetting(setting);
+  if (!options.start.empty()) input.applyStart(options.start);
+}
+
 void run(const SolveOptions& options) {
   if (options.csv && !options.ranging && options.shown.size() > 1) {
     throw UsageError("--csv prints one table: name one symbol with --show, or none");
@@ -203,6 +213,7 @@ void run(const SolveOptions& options) {
   refuseReplacing({options.model, options.modelData, options.data, options.start}, options.out);
   if (!options.out.empty() && options.out != "-") requirePlace(options.out);
   if (!options.basis.empty()) requirePlace(options.basis);
+  keepFreedMemory();
   OutputFile output(options.out);
   Progress progress;
   progress.step("reading " + options.model);
@@ -211,16 +222,15 @@ void run(const SolveOptions& options) {
   std::optional<ModelFills> fills;
   if (data && takesFills(options.model)) fills.emplace(*data);
   ModelFills* const filling = fills ? &*fills : nullptr;
-  ModelSession session(options.model, options.modelData, filling, options.drives);
+  ModelSession session(options.model, options.modelData, filling, options.drives,
+                       ModelSession::Tied::whenAsked);
   for (const std::string& note : session.notes(options.notes)) printError("ztb: " + note);
   setOptions(session.model(), options.options);
   for (const std::string& name : options.shown) {
     (void)solvedSymbol(session, session.database(), name);
   }
-  ModelInput input(session);
-  if (data) input.applyFile(*data, filling);
-  for (const std::string& setting : options.settings) input.applySetting(setting);
-  if (!options.start.empty()) input.applyStart(options.start);
+  if (!options.out.empty()) (void)session.database();
+  applyInput(options, data, filling, session);
 
   const bool hadBasis = !options.basis.empty() && std::filesystem::exists(options.basis);
   if (hadBasis) withBasis(session, &ztb::Model::readBasis, options.basis);
@@ -230,7 +240,7 @@ void run(const SolveOptions& options) {
   try {
     const SolveInterrupt interrupt(session.model());
     const Progress::Detail detail(progress, SolveProgress(session.model()));
-    session.tie().solve(solver);
+    session.solve(solver);
   } catch (const ztb::Error& error) {
     throw Failure(withFile(options.model, error.what()));
   }
