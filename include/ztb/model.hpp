@@ -120,7 +120,7 @@ class Model {
   // changed data go through a ModelTie, whose solver stays alive; the symbols of one that there was
   // before are not told of this solution.
   double solve(const ZString& solver) {
-    check(watched([&] { return ztbModelSolve(handle_, solver.c_str()); }), "ztbModelSolve");
+    check(watched([&] { return ztbModelSolve(own(), solver.c_str()); }), "ztbModelSolve");
     return processorSeconds();
   }
   // The same with the solver for this kind of model.

@@ -395,7 +395,10 @@ void Instance::takeBound(const SolverResult& result) {
   if (!result.hasPoint) {
     // Where there is no best point, nothing bounds one.
     const bool none = result.outcome == Outcome::infeasible || result.outcome == Outcome::unbounded;
-    bound_ = products_.empty() && !none ? sign * result.bound - rhs_[0] : -sign * kInfinity;
+    // The solver was handed products as costs where the model was presented as linear.
+    const bool isLinearForm = products_.empty() || (forcedLinear_ && isLinear(lowers(), uppers()));
+    const double shift = alternativeRhs_ ? alternativeRhsOf_[0] : rhs_[0];
+    bound_ = isLinearForm && !none ? sign * result.bound - shift : -sign * kInfinity;
     return;
   }
   bound_ = rows_[0].level;

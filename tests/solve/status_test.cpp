@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <ztb/solver.h>
 
+#include <algorithm>
 #include <cmath>
 #include <fstream>
 #include <limits>
@@ -102,6 +103,44 @@ TEST_P(LinearSolvers, StopAtTheIterationLimit) {
   EXPECT_EQ(failure(model, GetParam()), "");
   EXPECT_EQ(model.solveStatus(), ztbSolveIterationLimit);
   EXPECT_NE(model.status(), ztbModelOptimal);
+}
+
+// Costs and shipments are at least 0, so at least that is proved; and nothing beyond the optimum.
+TEST_P(LinearSolvers, TellAtALimitWhatTheMarginalsProve) {
+  const solvetest::Transport transport(20, 30);
+  const double best = transport.solvedAfresh().objective;
+  for (const char* iterations : {"1", "5", "10", "20"}) {
+    ztb::Model model = transport.model();
+    model.setOption("IterationLimit", iterations);
+    EXPECT_EQ(failure(model, GetParam()), "");
+    ASSERT_EQ(model.solveStatus(), ztbSolveIterationLimit);
+    EXPECT_GE(model.bound(), 0);
+    EXPECT_LE(model.bound(), best + 1e-6 * best);
+  }
+}
+
+// With greater demands the dual method begins at a basis whose marginals prove the optimum of
+// before, for none of them is negative of a demand.
+TEST_P(LinearSolvers, TellAtALimitTheBoundThatALiveSolveBeganWith) {
+  solvetest::Transport transport(20, 30);
+  ztb::Model model = transport.model();
+  ztb::Database database;
+  ztb::ModelTie tie(database, model);
+  tie.solve(GetParam());
+  ASSERT_EQ(model.status(), ztbModelOptimal);
+  const double before = model.objective();
+  ztb::Symbol demand = database.addParameter("demand", {"*"});
+  for (int j = 0; j < transport.targets; ++j) {
+    double& amount = transport.demand[static_cast<std::size_t>(j)];
+    amount *= j % 3 == 0 ? 1.4 : 1.1;
+    demand.add(solvetest::target(j)).setLevel(amount);
+  }
+  tie.update(database.symbol("demand_var"), ztb::Action::fix, demand, ztb::Missing::keep);
+  model.setOption("IterationLimit", "1");
+  tie.solve(GetParam());
+  ASSERT_EQ(model.solveStatus(), ztbSolveIterationLimit);
+  EXPECT_GE(model.bound(), before * (1 - 1e-6));
+  EXPECT_LE(model.bound(), transport.solvedAfresh().objective * (1 + 1e-6));
 }
 
 INSTANTIATE_TEST_SUITE_P(All, LinearSolvers, testing::Values("clp", "glpk"),

@@ -122,7 +122,13 @@ std::string withoutSolution(const ztb::Model& model) {
 // How far from the best a solution may be that a limit or a signal left.
 void printBound(const ztb::Model& model) {
   const double bound = model.bound();
-  if (!std::isfinite(bound)) return;
+  if (!std::isfinite(bound)) {
+    const int ended = model.solveStatus();
+    const bool isLimited = ended == ztbSolveIterationLimit || ended == ztbSolveTimeLimit ||
+                           ended == ztbSolveTerminated;
+    if (isLimited) print("bound       none: nothing is proved of better points\n");
+    return;
+  }
   print(fmt::format("bound       {}\n", NumberText(bound).view()));
   if (const std::optional<double> gap = gapOf(model)) {
     print(fmt::format("gap         {:.3g} %\n", 100 * *gap));
