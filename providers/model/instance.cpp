@@ -3,7 +3,10 @@
 #include <algorithm>
 #include <atomic>
 #include <cmath>
+#include <iterator>
+#include <map>
 #include <numeric>
+#include <tuple>
 
 namespace lomu {
 
@@ -71,6 +74,19 @@ Statuses statusesOf(const SolverResult& result) {
   }
 }
 
+// Without those that add up to nothing in their row: a model that has no others is linear.
+std::vector<Product> countingProducts(const std::vector<Product>& products) {
+  const auto placeOf = [](const Product& p) {
+    return std::tuple(p.row, std::min(p.column1, p.column2), std::max(p.column1, p.column2));
+  };
+  std::map<std::tuple<int, int, int>, double> sums;
+  for (const Product& p : products) sums[placeOf(p)] += p.value;
+  std::vector<Product> counting;
+  std::copy_if(products.begin(), products.end(), std::back_inserter(counting),
+               [&](const Product& p) { return sums.at(placeOf(p)) != 0; });
+  return counting;
+}
+
 }  // namespace
 
 Instance::Instance(const ModelData& data, const DrivenNumbers& driven)
@@ -79,7 +95,7 @@ Instance::Instance(const ModelData& data, const DrivenNumbers& driven)
       rows_(data.rows.size()),
       matrix_(data),
       linearized_(matrix_.value),
-      products_(data.products),
+      products_(countingProducts(data.products)),
       carrierCount_(driven.carrierCount),
       driven_(driven.numbers),
       drivenStart_(at(driven.carrierCount) + 1, 0) {

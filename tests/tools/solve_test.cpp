@@ -426,6 +426,17 @@ TEST_F(SolveTest, BeginsWithAStartAndTellsWhetherItWasTaken) {
       testing::AllOf(StartsWith("objective   9\n"), HasSubstr("\nstart       not taken\n")));
 }
 
+TEST_F(SolveTest, TellsThatASolverHasNoStart) {
+  write("things.lp", kThings);
+  ztbFine({"solve", "things.lp", "--set", "take(a)=0", "--out", "start.rxf"});
+  for (const char* solver : {"glpk", "bonmin"}) {
+    EXPECT_THAT(
+        ztbFine({"solve", "things.lp", "--start", "start.rxf", "--solver", solver}),
+        testing::AllOf(StartsWith("objective   9\n"),
+                       HasSubstr("\nstart       not taken: cbc alone begins with a point\n")));
+  }
+}
+
 TEST_F(SolveTest, RefusesAStartOfAnotherModel) {
   write("things.lp", kThings);
   ztbFine({"solve", "t.lp", "--out", "other.rxf"});

@@ -153,7 +153,11 @@ void printSummary(const SolveReport& report, int digits) {
                     ztbModelSolveStatusText(model.solveStatus())));
   if (model.status() == ztbModelFeasible || !model.hasSolution()) printBound(model);
   if (report.started) {
-    print(fmt::format("start       {}\n", model.startTaken() ? "taken" : "not taken"));
+    const bool hasStarts = sameFolded(report.solver, "cbc");
+    print(fmt::format("start       {}\n", model.startTaken() ? "taken"
+                                          : hasStarts
+                                              ? "not taken"
+                                              : "not taken: cbc alone begins with a point"));
   }
   if (!report.basis.empty()) print(fmt::format("basis       {}\n", report.basis));
   print(fmt::format(
