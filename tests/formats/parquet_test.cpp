@@ -281,14 +281,14 @@ TEST_F(ParquetTest, TellsAllThatIsWrongWithAFolderAtOnce) {
   database_.addVariable("x", 0, {"food"}).add("Milk").setLevel(1);
   writeFolder();
   formats::DuckdbSession session;
-  const auto replace = [&](const std::string& name, const std::string& query) {
+  const auto forge = [&](const std::string& name, const std::string& query) {
     const std::string path = folder_.file("dir/" + name + ".parquet");
     session.run("copy (" + query + ") to '" + path + "' (format parquet)", path);
   };
-  replace("price",
-          "select * from (values ('Milk', 'a', 1.0), ('milk', 'A', 2.0)) t(food, dim_2, value)");
-  replace("cost", "select * from (values ('Milk', 1.0), ('Tofu', 2.0)) t(food, value)");
-  replace("x", "select 'Milk' as food, 1.0 as level");
+  forge("price",
+        "select * from (values ('Milk', 'a', 1.0), ('milk', 'A', 2.0)) t(food, dim_2, value)");
+  forge("cost", "select * from (values ('Milk', 1.0), ('Tofu', 2.0)) t(food, value)");
+  forge("x", "select 'Milk' as food, 1.0 as level");
   EXPECT_THAT(
       refusalOfFolder(),
       StartsWith("dir/price.parquet: row 2: record (\"Milk\",\"a\") of price stands in row 1 "
