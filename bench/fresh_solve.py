@@ -163,15 +163,17 @@ def run(command):
     return text, usage.ru_utime + usage.ru_stime
 
 
-def best_of(command):
-    runs = []
-    while len(runs) < (SHORT_RUNS if runs and runs[0][1] < SHORT else RUNS):
-        runs.append(run(command))
-        if runs[-1] is None:
+def best_of(*commands):
+    """What each command prints, and its least time, the commands run in turn; None when one takes
+    too long."""
+    rounds = []
+    while len(rounds) < (SHORT_RUNS if rounds and rounds[0][0][1] < SHORT else RUNS):
+        rounds.append([run(command) for command in commands])
+        if None in rounds[-1]:
             return None
-        if runs[-1][1] > LONG:
+        if max(used for _, used in rounds[-1]) > LONG:
             break
-    return runs[0][0], min(used for _, used in runs)
+    return [(runs[0][0], min(used for _, used in runs)) for runs in zip(*rounds)]
 
 
 def number(pattern, text):
@@ -193,11 +195,11 @@ def main():
         for file in files:
             if solver == "clp" and "'MARKER'" in file.read_text():
                 continue
-            own = best_of(command(str(file)))
-            ours = best_of([program, "solve", str(file), "--solver", solver])
-            if own is None or ours is None:
+            both = best_of(command(str(file)), [program, "solve", str(file), "--solver", solver])
+            if both is None:
                 print(f"{file.stem:<26}longer than {SECONDS} s")
                 continue
+            own, ours = both
             expected = number(OBJECTIVE[solver], own[0])
             told = number(OBJECTIVE["ztb"], ours[0])
             ratio = ours[1] / own[1]

@@ -11,6 +11,9 @@ namespace lomu {
 
 namespace {
 
+// How often a node of a search is walked over, about, to find its bound.
+constexpr int kMostWalks = 2;
+
 // The simplex method of GLPK has no callback; it is stopped after this many iterations, and then
 // twice as many, to ask whether it may go on. An iteration over many rows can take long: what is
 // asked then, and with it the way to the optimum, depends on the problem alone and never on time.
@@ -391,14 +394,19 @@ int GlpkProgram::search(const Job& job) {
   return glp_intopt(problem_, &options);
 }
 
-// Which node has the best bound costs GLPK a walk over all: it is asked once a node, and when there
-// is a new point.
+// Which node has the best bound costs GLPK a walk over all: it is asked when there is a new point,
+// and otherwise so often that a node is walked over about twice.
 void GlpkProgram::askInSearch(glp_tree* tree, void* context) {
   auto* job = static_cast<Job*>(context);
   glp_prob* const problem = glp_ios_get_prob(tree);
   const int reason = glp_ios_reason(tree);
   const bool stops = job->watch->mustStop() || glp_get_it_cnt(problem) >= job->iterationLimit;
-  if (stops || reason == GLP_ISELECT || reason == GLP_IBINGO) {
+  if (reason == GLP_ISELECT) ++job->selected;
+  int active = 0;
+  glp_ios_tree_size(tree, &active, nullptr, nullptr);
+  const bool isDue = reason == GLP_ISELECT && kMostWalks * job->selected >= active;
+  if (stops || isDue || reason == GLP_IBINGO) {
+    job->selected = 0;
     const int best = glp_ios_best_node(tree);
     if (best != 0) job->result->bound = glp_ios_node_bound(tree, best);
     const bool hasPoint = glp_mip_status(problem) == GLP_FEAS;
@@ -421,6 +429,11 @@ void GlpkProgram::searchIntegers(Watch& watch, SolverResult& result) {
   result.iterations += glp_get_it_cnt(problem_) - before;
   const int status = glp_mip_status(problem_);
   result.hasPoint = status == GLP_OPT || status == GLP_FEAS;
+  if (job.code == GLP_EMIPGAP && result.hasPoint) {
+    // What the search ended with is a proof, newer than the last bound that was asked for.
+    const double best = glp_mip_obj_val(problem_);
+    result.bound = std::max(result.bound, best - watch.relativeGap() * std::abs(best));
+  }
   if (job.code == 0 || job.code == GLP_EMIPGAP) {
     result.outcome = result.hasPoint ? Outcome::optimal : Outcome::infeasible;
     if (job.code == 0) result.bound = -HUGE_VAL;  // the best point tells it

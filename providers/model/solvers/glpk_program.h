@@ -49,6 +49,7 @@ class GlpkProgram : public IntegerEngine {
     const std::int32_t* position = nullptr;
     const std::int32_t* rowPosition = nullptr;
     SolverRanges* ranges = nullptr;
+    int selected = 0;  // nodes of a search since its bound was asked for
   };
 
   static void perform(void* context);
