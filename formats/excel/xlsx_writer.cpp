@@ -49,7 +49,9 @@ class XlsxWriter : public TableWriter {
   XlsxWriter(const XlsxWriter&) = delete;
   XlsxWriter& operator=(const XlsxWriter&) = delete;
   ~XlsxWriter() override {
-    if (book_ != nullptr) lxw_workbook_free(book_);
+    if (book_ == nullptr) return;
+    closeParts();
+    lxw_workbook_free(book_);
   }
 
   std::vector<std::string> namesFor(const std::string& name, std::size_t rows) override {
@@ -121,7 +123,10 @@ class XlsxWriter : public TableWriter {
   void finish() override {
     endSheet();
     lxw_workbook* book = std::exchange(book_, nullptr);
-    check(workbook_close(book));
+    const lxw_error error = workbook_close(book);
+    // No part was looked at then.
+    if (error == LXW_ERROR_CREATING_XLSX_FILE) closeParts();
+    check(error);
 #ifdef ZTB_READS_EXCEL
     requireWholeWorkbook(published_.temporary(), path_, sheetRows_);
 #endif
@@ -136,6 +141,11 @@ class XlsxWriter : public TableWriter {
     if (error != LXW_NO_ERROR) {
       throw tool::Failure(fmt::format("{}: cannot be written: {}", path_, lxw_strerror(error)));
     }
+  }
+
+  // The library closes the files of parts only when it puts them into the workbook.
+  void closeParts() {
+    for (std::FILE* part : std::exchange(parts_, {})) std::fclose(part);
   }
 
   // The name of a sheet: at most 31 chars, none of []:*?/\, no quote at its ends, and not that of
@@ -182,6 +192,7 @@ class XlsxWriter : public TableWriter {
     if (worksheet_ == nullptr) {
       throw tool::Failure(fmt::format("{}: no sheet can be called {}", path_, name));
     }
+    parts_.push_back(worksheet_->optimize_tmpfile);
     worksheet_freeze_panes(worksheet_, 1, static_cast<lxw_col_t>(std::min(head_.keys, mostFrozen)));
     const auto columns = static_cast<lxw_col_t>(head_.columns.size());
     if (columns > 0) {
@@ -241,6 +252,7 @@ class XlsxWriter : public TableWriter {
   lxw_workbook* book_ = nullptr;
   lxw_format* bold_ = nullptr;
   lxw_worksheet* worksheet_ = nullptr;
+  std::vector<std::FILE*> parts_;
   TableHead head_;
   // The sheets of the tables of records, and all names that are taken, in folded letters.
   std::map<std::string, std::vector<std::string>> names_;

@@ -94,6 +94,16 @@ TEST(FileNames, OfTablesAndSetsOfDataToo) {
               testing::StartsWith("\xC3\x9F.csv: cannot be read: No such file"));
 }
 
+TEST(FileNames, NoneIsLeftOfAWorkbookThatFails) {
+  const ztbtest::TempFolder folder;
+  ztb::Database database;
+  database.addParameter("price", {"food", "year"}).add("\xFF", "2020").setLevel(11);
+  Job out({{"symbol", "price"}, {"wide", "year"}, {"to", folder.file("price.xlsx")}});
+  EXPECT_FALSE(out.exportDatabase(database.handle()));
+  EXPECT_THAT(out.errors(folder), testing::HasSubstr("cannot stand in a cell of a workbook"));
+  EXPECT_THAT(namesIn(folder.path()), testing::IsEmpty());
+}
+
 #ifdef _WIN32
 
 TEST(FileNames, OfDevicesAreRefused) {
