@@ -13,6 +13,7 @@
 #define XXH_INLINE_ALL
 #include <xxhash.h>
 
+#include "tools/files/system_files.h"
 #include "tools/text/failure.h"
 
 namespace sweep {
@@ -27,11 +28,12 @@ std::uint64_t checksumOfFile(const std::string& path) {
   };
   const std::unique_ptr<XXH3_state_t, FreeState> state(XXH3_createState());
   // A pipe gives its content only once, and others read the file as well.
+  const std::filesystem::path name = tool::pathOf(path);
   std::error_code error;
-  if (std::filesystem::exists(path, error) && !std::filesystem::is_regular_file(path, error)) {
+  if (std::filesystem::exists(name, error) && !std::filesystem::is_regular_file(name, error)) {
     throw tool::Failure(tool::withFile(path, "cannot be read: it is no regular file"));
   }
-  std::ifstream in(path, std::ios::binary);
+  std::ifstream in(name, std::ios::binary);
   std::array<char, 65536> buffer{};
   if (!state || XXH3_64bits_reset(state.get()) != XXH_OK) {
     throw std::bad_alloc();

@@ -8,6 +8,7 @@
 #include <random>
 
 #include "sweep/basis_lock.h"
+#include "tools/files/system_files.h"
 #include "tools/text/failure.h"
 
 namespace sweep {
@@ -22,11 +23,11 @@ constexpr const char* kNoBasis = "none";
 
 // A file of no other process, on no other machine either that shares the folder.
 std::string nameBeside(const std::string& file) {
-  const std::filesystem::path path(file);
+  const std::filesystem::path path = tool::pathOf(file);
   std::random_device random;
-  return (path.parent_path() /
-          fmt::format(".{}.{:08x}{:08x}", path.filename().string(), random(), random()))
-      .string();
+  return tool::nameOf(path.parent_path() /
+                      tool::pathOf(fmt::format(".{}.{:08x}{:08x}", tool::nameOf(path.filename()),
+                                               random(), random())));
 }
 
 // No scenario can be solved.
@@ -92,24 +93,26 @@ bool ChunkSolver::makeBasis(const std::string& basisFile) {
       hasBasis = false;
     }
   }
-  if (!hasBasis && !(std::ofstream(made) << kNoBasis << '\n' << std::flush)) {
+  if (!hasBasis && !(std::ofstream(tool::pathOf(made), std::ios::binary) << kNoBasis << '\n'
+                                                                         << std::flush)) {
     throw Failure(withFile(made, "cannot be written"));
   }
-  std::error_code error;
-  std::filesystem::rename(made, basisFile, error);
-  if (error) throw Failure(withFile(basisFile, "cannot be made: " + error.message()));
+  if (posix::rename(made.c_str(), basisFile.c_str()) != 0) {
+    throw Failure(withFile(basisFile, "cannot be made: " + tool::systemText(errno)));
+  }
   return true;
 }
 
 void ChunkSolver::prepare(const std::string& basisFile) {
   std::error_code error;
-  if (!std::filesystem::exists(basisFile, error)) {
+  const std::filesystem::path path = tool::pathOf(basisFile);
+  if (!std::filesystem::exists(path, error)) {
     const BasisLock lock(basisFile, stopped_);
     if (stopped_) return;
-    if (!std::filesystem::exists(basisFile, error) && !makeBasis(basisFile)) return;
+    if (!std::filesystem::exists(path, error) && !makeBasis(basisFile)) return;
   }
   std::string line;
-  std::getline(std::ifstream(basisFile), line);
+  std::getline(std::ifstream(path, std::ios::binary), line);
   basisFile_ = line == kNoBasis ? "" : basisFile;
 }
 

@@ -1,7 +1,6 @@
 #include "sweep/inputs.h"
 
 #include <fmt/format.h>
-#include <sys/stat.h>
 
 #include <algorithm>
 #include <array>
@@ -12,6 +11,7 @@
 #include <vector>
 
 #include "sweep/checksum.h"
+#include "tools/files/system_files.h"
 #include "tools/models/table_files.h"
 #include "tools/text/failure.h"
 #include "tools/text/words.h"
@@ -59,11 +59,11 @@ constexpr std::array<Word, 11> kWords{{{"model", "another model file"},
 std::vector<std::string> tablesOf(const std::string& model) {
   std::vector<std::string> files;
   if (!folded(model).ends_with(".mod")) return files;
-  std::ifstream in(model, std::ios::binary);
+  std::ifstream in(tool::pathOf(model), std::ios::binary);
   const std::string text{std::istreambuf_iterator<char>(in), {}};
   for (const std::string& name : tableInputs(text)) {
     std::error_code error;
-    if (std::filesystem::is_regular_file(name, error)) files.push_back(name);
+    if (std::filesystem::is_regular_file(tool::pathOf(name), error)) files.push_back(name);
   }
   return files;
 }
@@ -122,8 +122,8 @@ std::string filesOf(const Options& options) {
   files.insert(files.end(), {options.model, options.modelData, options.data, options.scenarios});
   std::string text;
   for (const std::string& file : files) {
-    struct stat found {};
-    if (file.empty() || ::stat(file.c_str(), &found) != 0) continue;
+    posix::FileStatus found{};
+    if (file.empty() || posix::stat(file.c_str(), &found) != 0) continue;
     text += fmt::format("{} {} {} {} {}.{:09} {}.{:09}\n", file, found.st_dev, found.st_ino,
                         found.st_size, found.st_mtim.tv_sec, found.st_mtim.tv_nsec,
                         found.st_ctim.tv_sec, found.st_ctim.tv_nsec);

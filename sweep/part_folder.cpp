@@ -7,6 +7,7 @@
 #include <tuple>
 #include <utility>
 
+#include "tools/files/system_files.h"
 #include "tools/text/failure.h"
 
 namespace sweep {
@@ -28,10 +29,11 @@ constexpr std::size_t kKeyLength = 16;
 std::vector<std::string> namesIn(const std::string& folder) {
   std::vector<std::string> names;
   std::error_code error;
-  if (!fs::exists(folder, error)) return names;
-  for (fs::directory_iterator entry(folder, error), end; !error && entry != end;
+  const fs::path path = tool::pathOf(folder);
+  if (!fs::exists(path, error)) return names;
+  for (fs::directory_iterator entry(path, error), end; !error && entry != end;
        entry.increment(error)) {
-    names.push_back(entry->path().filename().string());
+    names.push_back(tool::nameOf(entry->path().filename()));
   }
   if (error) throw Failure(withFile(folder, error.message()));
   std::ranges::sort(names);
@@ -78,23 +80,24 @@ bool isLog(std::string_view rest) {
   return takeNumber(rest) && rest == kLogEnding;
 }
 
-void removeFile(const fs::path& file) {
+void removeFile(const std::string& file) {
   std::error_code error;
-  fs::remove(file, error);
-  if (error) throw Failure(withFile(file.string(), "cannot be removed: " + error.message()));
+  fs::remove(tool::pathOf(file), error);
+  if (error) throw Failure(withFile(file, "cannot be removed: " + error.message()));
 }
 
 }  // namespace
 
 std::string PartFolder::path(const std::string& name) const {
-  return (fs::path(folder_) / name).string();
+  return tool::nameOf(tool::pathOf(folder_) / tool::pathOf(name));
 }
 
 void PartFolder::make() const {
   std::error_code error;
-  fs::create_directory(folder_, error);
+  fs::create_directory(tool::pathOf(folder_), error);
   if (error) throw Failure(withFile(folder_, "cannot be made: " + error.message()));
-  if (!fs::is_directory(folder_, error)) throw Failure(withFile(folder_, "is no folder"));
+  if (!fs::is_directory(tool::pathOf(folder_), error))
+    throw Failure(withFile(folder_, "is no folder"));
 }
 
 std::string PartFolder::part(int first, int end) const {
@@ -140,7 +143,7 @@ void PartFolder::remove(bool ofAll) const {
     if (isOfSweep && (ofAll || shown.starts_with(key_))) removeFile(path(name));
   }
   std::error_code error;
-  fs::remove(folder_, error);  // refused while anything is in it
+  fs::remove(tool::pathOf(folder_), error);  // refused while anything is in it
 }
 
 std::vector<std::string> PartFolder::saved(const std::string& folder) {
@@ -148,14 +151,14 @@ std::vector<std::string> PartFolder::saved(const std::string& folder) {
   for (const std::string& name : namesIn(folder)) {
     if (name.size() == kKeyLength + kSavedEnding.size() && name.ends_with(kSavedEnding) &&
         isKey(std::string_view(name).substr(0, kKeyLength))) {
-      files.push_back((fs::path(folder) / name).string());
+      files.push_back(tool::nameOf(tool::pathOf(folder) / tool::pathOf(name)));
     }
   }
   return files;
 }
 
 std::string PartFolder::saved(const std::string& folder, const std::string& key) {
-  return (fs::path(folder) / (key + std::string(kSavedEnding))).string();
+  return tool::nameOf(tool::pathOf(folder) / (key + std::string(kSavedEnding)));
 }
 
 }  // namespace sweep

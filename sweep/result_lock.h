@@ -7,7 +7,6 @@
 #ifndef ZTB_SWEEP_RESULT_LOCK_H_
 #define ZTB_SWEEP_RESULT_LOCK_H_
 
-#include <filesystem>
 #include <string>
 
 namespace sweep {
@@ -30,7 +29,7 @@ class ResultLock {
   void tellHolder() const;
 
   std::string out_;
-  std::filesystem::path path_;
+  std::string path_;
   int descriptor_ = -1;
 };
 

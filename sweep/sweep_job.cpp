@@ -16,6 +16,7 @@
 #include "sweep/collection.h"
 #include "sweep/inputs.h"
 #include "tools/files/new_file.h"
+#include "tools/files/system_files.h"
 #include "tools/text/failure.h"
 
 namespace sweep {
@@ -135,7 +136,8 @@ void SweepJob::save(const std::string& folder) const {
   for (const TextOption& option : kTextOptions) {
     const std::string& value = options_.*option.member;
     if (value.empty()) continue;
-    add(option.name, option.isFile ? std::filesystem::absolute(value).string() : value);
+    add(option.name,
+        option.isFile ? tool::nameOf(std::filesystem::absolute(tool::pathOf(value))) : value);
   }
   for (const std::string& drive : options_.drives) add("drive", drive);
   for (const std::string& report : options_.reports) add("report", report);
@@ -154,7 +156,7 @@ void SweepJob::load(const std::string& folder) {
                             "and scenarios",
                             saved.size(), saved[0], saved[1], saved.size() > 2 ? ", ..." : "")));
   }
-  std::ifstream in(saved.front());
+  std::ifstream in(tool::pathOf(saved.front()), std::ios::binary);
   std::string line;
   if (!std::getline(in, line) || line != kFirstLine) {
     throw Failure(withFile(saved.front(), "does not hold the options of a sweep"));
@@ -186,7 +188,8 @@ void SweepJob::refuseReplacing(const std::string& out) const {
   for (const TextOption& option : kTextOptions) {
     const std::string& file = options_.*option.member;
     std::error_code error;
-    if (option.isFile && !file.empty() && std::filesystem::equivalent(file, out, error)) {
+    if (option.isFile && !file.empty() &&
+        std::filesystem::equivalent(tool::pathOf(file), tool::pathOf(out), error)) {
       throw Failure(withFile(out, "would be replaced by the results; name another --out"));
     }
   }

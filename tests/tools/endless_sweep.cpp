@@ -11,13 +11,6 @@ constexpr int kColumns = 50;
 
 }  // namespace
 
-ProcessorTimeLimit::ProcessorTimeLimit(rlim_t seconds) {
-  EXPECT_EQ(getrlimit(RLIMIT_CPU, &before_), 0);
-  rlimit limit = before_;
-  limit.rlim_cur = seconds;
-  EXPECT_EQ(setrlimit(RLIMIT_CPU, &limit), 0);
-}
-
 void EndlessSweepTest::SetUp() {
   std::mt19937 random(3);
   std::string rows;

@@ -3,8 +3,6 @@
 #ifndef ZTB_TESTS_TOOLS_ENDLESS_SWEEP_H_
 #define ZTB_TESTS_TOOLS_ENDLESS_SWEEP_H_
 
-#include <sys/resource.h>
-
 #include <array>
 #include <set>
 #include <string>
@@ -13,19 +11,6 @@
 #include "tests/tools/program.h"
 
 namespace tooltest {
-
-// Programs started in its life may use some seconds of processor time each, so that one that is
-// waited for in vain ends.
-class ProcessorTimeLimit {
- public:
-  explicit ProcessorTimeLimit(rlim_t seconds);
-  ProcessorTimeLimit(const ProcessorTimeLimit&) = delete;
-  ProcessorTimeLimit& operator=(const ProcessorTimeLimit&) = delete;
-  ~ProcessorTimeLimit() { setrlimit(RLIMIT_CPU, &before_); }
-
- private:
-  rlimit before_{};
-};
 
 // Items to be chosen so that the weights of each of several kinds come to exactly what is wanted:
 // nothing is chosen at once where nothing is wanted (the objective is then 0), while half of all

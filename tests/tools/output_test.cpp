@@ -6,6 +6,8 @@
 
 #include <array>
 
+#include "tools/text/console.h"
+
 namespace {
 
 // What a child process finds when it has closed its standard streams, occupied them and opened a

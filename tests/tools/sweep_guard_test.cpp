@@ -10,6 +10,7 @@
 
 #include "tests/tools/background_program.h"
 #include "tests/tools/endless_sweep.h"
+#include "tests/tools/processor_time_limit.h"
 
 namespace {
 

@@ -9,6 +9,7 @@
 
 #include "tests/tools/background_program.h"
 #include "tests/tools/endless_sweep.h"
+#include "tests/tools/processor_time_limit.h"
 #include "tests/tools/sweep_fixture.h"
 #include "tests/tools/terminal.h"
 

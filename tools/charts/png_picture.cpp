@@ -1,11 +1,11 @@
 #include "tools/charts/png_picture.h"
 
-#include <dlfcn.h>
 #include <fmt/format.h>
 
 #include <cstdlib>
 #include <memory>
 
+#include "tools/files/shared_library.h"
 #include "tools/text/failure.h"
 
 namespace tool {
@@ -27,7 +27,7 @@ struct RsvgLibrary {
 
 template <class Function>
 void find(void* library, const char* name, Function& function) {
-  function = reinterpret_cast<Function>(dlsym(library, name));
+  function = reinterpret_cast<Function>(functionOf(library, name));
   if (function == nullptr) {
     throw Failure(
         fmt::format("librsvg has no function {}: a version from 2.52 on is expected", name));
@@ -37,12 +37,13 @@ void find(void* library, const char* name, Function& function) {
 RsvgLibrary openRsvg() {
   const char* named = std::getenv("ZTB_RSVG");
   if (named == nullptr || *named == '\0') named = "librsvg-2.so.2";
-  void* const library = dlopen(named, RTLD_NOW | RTLD_LOCAL);
+  std::string reason;
+  void* const library = openLibrary(named, reason);
   if (library == nullptr) {
     throw Failure(
         fmt::format("a PNG picture is made by librsvg, which cannot be opened: {}; install "
                     "Debian's librsvg2-2, or write SVG",
-                    dlerror()));
+                    reason));
   }
   // Names are looked for in the libraries that a library needs, too.
   RsvgLibrary rsvg{};

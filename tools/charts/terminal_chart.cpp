@@ -1,10 +1,7 @@
 #include "tools/charts/terminal_chart.h"
 
-#include <langinfo.h>
-
 #include <algorithm>
 #include <array>
-#include <clocale>
 #include <cmath>
 #include <cstring>
 #include <optional>
@@ -273,14 +270,6 @@ class Drawing {
 };
 
 }  // namespace
-
-bool localeTakesUtf8() {
-  const locale_t locale = newlocale(LC_CTYPE_MASK, "", nullptr);
-  if (locale == nullptr) return false;
-  const bool takes = std::strcmp(nl_langinfo_l(CODESET, locale), "UTF-8") == 0;
-  freelocale(locale);
-  return takes;
-}
 
 std::string drawInTerminal(const Chart& chart, ChartType type, const TerminalStyle& style) {
   return Drawing(chart, type, style).lines();

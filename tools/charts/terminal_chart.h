@@ -16,9 +16,6 @@ struct TerminalStyle {
   bool colour = false;      // series are told apart by colours
 };
 
-// Whether the locale says that the terminal reads UTF-8.
-bool localeTakesUtf8();
-
 // The lines, each with its end, without the title. Series that colours cannot tell apart have
 // letters for their marks.
 std::string drawInTerminal(const Chart& chart, ChartType type, const TerminalStyle& style);

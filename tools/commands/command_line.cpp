@@ -317,6 +317,8 @@ CommandLine::CommandLine(const std::string& name, const std::string& version,
   app_->name(name);
   app_->set_version_flag("--version", version);
   app_->require_subcommand(1);
+  // Options are written in one way on each system.
+  app_->allow_windows_style_options(false);
   app_->footer(footer);
 }
 

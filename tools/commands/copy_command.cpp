@@ -13,6 +13,7 @@
 #include "tools/commands/memory_option.h"
 #include "tools/files/exchange_file.h"
 #include "tools/files/standard_streams.h"
+#include "tools/files/system_files.h"
 #include "tools/text/failure.h"
 #include "tools/text/output.h"
 #include "tools/text/progress.h"
@@ -203,7 +204,7 @@ class Copy {
 void runCopy(const CopyOptions& options) {
   const std::string& target = options.words.back();
   std::error_code error;
-  if (std::filesystem::equivalent(options.source, target, error)) {
+  if (std::filesystem::equivalent(pathOf(options.source), pathOf(target), error)) {
     throw UsageError(
         fmt::format("{}: would be replaced by a part of itself; name another file", target));
   }

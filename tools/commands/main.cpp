@@ -1,7 +1,8 @@
 // The ztb command. Exit codes: 0 fine, 1 failed (diff: the files differ), 2 wrong usage.
 
+#include "tools/commands/main.h"
+
 #include <algorithm>
-#include <csignal>
 #include <cstdio>
 #include <exception>
 #include <iterator>
@@ -12,6 +13,8 @@
 
 #include "tools/commands/command_line.h"
 #include "tools/commands/commands.h"
+#include "tools/sweep/worker_request.h"
+#include "tools/text/console.h"
 #include "tools/text/failure.h"
 #include "tools/text/output.h"
 #include "tools/text/words.h"
@@ -87,12 +90,9 @@ int fail(const std::string& text, int status) {
 
 }  // namespace
 
-int main(int argc, char** argv) {
+int ztbMain(int argc, char** argv) {
   tool::occupyStandardStreams();
-#ifdef SIGXFSZ
-  // A limit on the size of files is then an error of the write.
-  std::signal(SIGXFSZ, SIG_IGN);
-#endif
+  if (argc == 2 && std::string_view(argv[1]) == tool::kWorkerCommand) tool::runRequestedWorker();
   const auto textOf = [&](const std::exception& error) {
     return withShortArguments(ztb::displayText(error.what()), argc, argv);
   };

@@ -25,6 +25,7 @@
 #include "tools/files/new_file.h"
 #include "tools/files/slice_filter.h"
 #include "tools/files/standard_streams.h"
+#include "tools/text/console.h"
 #include "tools/text/failure.h"
 #include "tools/text/output.h"
 #include "tools/text/progress.h"

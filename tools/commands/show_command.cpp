@@ -1,6 +1,4 @@
 #include <fmt/format.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <functional>
@@ -24,6 +22,7 @@
 #include "tools/files/record_walk.h"
 #include "tools/files/slice_filter.h"
 #include "tools/files/standard_streams.h"
+#include "tools/files/system_files.h"
 #include "tools/text/failure.h"
 #include "tools/text/json_text.h"
 #include "tools/text/number_text.h"
@@ -240,8 +239,8 @@ void printJson(ShownRecords& shown) {
 // Ends the progress line, unless the output goes to a file: elsewhere it may come to the same
 // terminal.
 void beginOutput(std::optional<Progress>& progress) {
-  struct stat status {};
-  if (fstat(STDOUT_FILENO, &status) == 0 && S_ISREG(status.st_mode)) {
+  posix::FileStatus status{};
+  if (posix::fstat(STDOUT_FILENO, &status) == 0 && S_ISREG(status.st_mode)) {
     progress->step("writing");
   } else {
     progress.reset();

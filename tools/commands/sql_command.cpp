@@ -20,6 +20,7 @@
 #include "tools/commands/memory_option.h"
 #include "tools/commands/table_options.h"
 #include "tools/files/standard_streams.h"
+#include "tools/files/system_files.h"
 #include "tools/text/failure.h"
 #include "tools/text/json_text.h"
 #include "tools/text/number_text.h"
@@ -46,7 +47,7 @@ using Message = std::array<char, 512>;
 // A name for the tables of a file: that of the file without its folder and ending, with a number
 // behind it where it is taken.
 std::string schemaOf(const std::string& path, const std::vector<std::string>& taken) {
-  const std::string stem = path == "-" ? "stdin" : std::filesystem::path(path).stem().string();
+  const std::string stem = path == "-" ? "stdin" : nameOf(pathOf(path).stem());
   const auto isTaken = [&](const std::string& name) {
     return name.empty() || sameFolded(name, "main") || sameFolded(name, "temp") ||
            std::ranges::any_of(taken, [&](const auto& other) { return sameFolded(other, name); });

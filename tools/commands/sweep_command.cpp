@@ -14,6 +14,7 @@
 #include "tools/commands/commands.h"
 #include "tools/commands/memory_option.h"
 #include "tools/models/model_session.h"
+#include "tools/sweep/child_program.h"
 #include "tools/sweep/slurm_array.h"
 #include "tools/sweep/sweep_options.h"
 #include "tools/sweep/sweep_run.h"
@@ -111,6 +112,9 @@ void requireEngine(const SweepOptions& options) {
        {"--dask", !options.dask.empty()},
        {"--collect", options.collect},
        {"--part", options.share.has_value()}}};
+  if ((options.slurm || !options.dask.empty()) && !startsPrograms()) {
+    throw UsageError("--slurm and --dask: clusters are worked with from Linux");
+  }
   const char* first = nullptr;
   for (const auto& [option, isGiven] : engines) {
     if (!isGiven) continue;

@@ -1,11 +1,11 @@
 #include "tools/files/formats_library.h"
 
-#include <dlfcn.h>
 #include <fmt/format.h>
 
 #include <array>
 #include <new>
 
+#include "tools/files/shared_library.h"
 #include "tools/text/failure.h"
 
 namespace tool {
@@ -29,17 +29,18 @@ struct Functions {
 
 template <typename Function>
 void bind(void* library, const char* name, Function& function) {
-  function = reinterpret_cast<Function>(dlsym(library, name));
+  function = reinterpret_cast<Function>(functionOf(library, name));
   if (function == nullptr) {
-    throw Failure(
-        fmt::format("libztbformats.so has no function {}: it is of another version", name));
+    throw Failure(fmt::format("{} has no function {}: it is of another version",
+                              libraryFile("ztbformats"), name));
   }
 }
 
 Functions openLibrary() {
-  void* library = dlopen("libztbformats.so", RTLD_NOW | RTLD_LOCAL);
+  std::string reason;
+  void* library = tool::openLibrary(libraryFile("ztbformats"), reason);
   if (library == nullptr) {
-    throw Failure(fmt::format("the library for tables cannot be opened: {}", dlerror()));
+    throw Failure(fmt::format("the library for tables cannot be opened: {}", reason));
   }
   Functions functions{};
   bind(library, "ztbFormatsCreate", functions.create);

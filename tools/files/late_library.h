@@ -7,8 +7,9 @@ namespace tool {
 
 class LateLibrary {
  public:
-  // Looked for by the program's run path first. REQUIRES: the text outlives the library.
-  explicit constexpr LateLibrary(const char* file) : file_(file) {}
+  // The library of this name, such as "ztbsweep", looked for beside the program's own. REQUIRES:
+  // the text outlives the library.
+  explicit constexpr LateLibrary(const char* name) : name_(name) {}
 
   // A function of the library; `Function` is the type of its pointer. Throws Failure where the
   // library cannot be opened or lacks it. Safe in any thread.
@@ -20,7 +21,7 @@ class LateLibrary {
  private:
   [[nodiscard]] void* find(const char* name) const;
 
-  const char* file_;
+  const char* name_;
 };
 
 }  // namespace tool

@@ -1,12 +1,12 @@
-// The functions of ztb/rxf.h that the command calls, each of which goes on to librxfcclib64.so:
-// a command that calls none starts without it.
+// The functions of ztb/rxf.h that the command calls, each of which goes on to the library
+// rxfcclib64: a command that calls none starts without it.
 #include <ztb/rxf.h>
 
 #include "tools/files/late_library.h"
 
 namespace {
 
-constexpr tool::LateLibrary rxfLibrary("librxfcclib64.so");
+constexpr tool::LateLibrary rxfLibrary("rxfcclib64");
 
 }  // namespace
 

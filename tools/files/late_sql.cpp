@@ -1,4 +1,4 @@
-// The functions of ztb/sql.h that the command calls, each of which goes on to libztbsql.so:
+// The functions of ztb/sql.h that the command calls, each of which goes on to the library ztbsql:
 // a command that calls none starts without it.
 #include <ztb/sql.h>
 
@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr tool::LateLibrary sqlLibrary("libztbsql.so");
+constexpr tool::LateLibrary sqlLibrary("ztbsql");
 
 }  // namespace
 

@@ -1,12 +1,12 @@
-// The functions of ztb/sweep.h that the command calls, each of which goes on to libztbsweep.so:
-// a command that calls none starts without it.
+// The functions of ztb/sweep.h that the command calls, each of which goes on to the library
+// ztbsweep: a command that calls none starts without it.
 #include <ztb/sweep.h>
 
 #include "tools/files/late_library.h"
 
 namespace {
 
-constexpr tool::LateLibrary sweepLibrary("libztbsweep.so");
+constexpr tool::LateLibrary sweepLibrary("ztbsweep");
 
 }  // namespace
 

@@ -1,4 +1,4 @@
-// The functions of ztb/view.h that the command calls, each of which goes on to libztbview.so:
+// The functions of ztb/view.h that the command calls, each of which goes on to the library ztbview:
 // a command that calls none starts without it.
 #include <ztb/view.h>
 
@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr tool::LateLibrary viewLibrary("libztbview.so");
+constexpr tool::LateLibrary viewLibrary("ztbview");
 
 }  // namespace
 

@@ -2,7 +2,6 @@
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
-#include <unistd.h>
 
 #include <cmath>
 #include <filesystem>
@@ -13,6 +12,7 @@
 #include <ztb/case_folding.hpp>
 #include <ztb/model_names.hpp>
 
+#include "tools/files/system_files.h"
 #include "tools/text/failure.h"
 
 namespace tool {
@@ -51,33 +51,13 @@ std::string listed(const std::vector<std::string>& names) {
 }
 
 ModelSession::ModelSession(const std::string& modelFile, const std::string& dataFile,
-                           ModelFills* fills, const std::vector<std::string>& drives, Tied tied)
+                           ModelFills* fills, const std::vector<std::string>& drives)
     : file_(modelFile), model_(openDriven(modelFile, dataFile, fills, drives)) {
-  if (tied == Tied::atOnce) (void)tie();
-  // From here on the model has the names that a database knows, and notes of those.
-  (void)model_.pbi();
-}
-
-ztb::Database& ModelSession::database() {
-  (void)tie();
-  return *database_;
-}
-
-ztb::ModelTie& ModelSession::tie() {
-  if (!tie_) tie_.emplace(database_.emplace(), model_);
-  return *tie_;
-}
-
-void ModelSession::solve(const std::string& solver) {
-  if (tie_) {
-    tie_->solve(solver);
-  } else {
-    model_.solve(solver);
-  }
+  tie_.emplace(database_.emplace(), model_);
 }
 
 std::string ModelSession::standardSolver() {
-  return ztb::standardSolver(tie_ ? tie_->kind() : model_.kind());
+  return ztb::standardSolver(tie_->kind());
 }
 
 std::string ModelSession::standardSolverOfParameters() {
@@ -208,17 +188,17 @@ std::string conflictText(const ztb::Model::Conflict& conflict, const std::string
 
 void requirePlace(const std::string& out) {
   std::error_code error;
-  const std::filesystem::file_status status = std::filesystem::status(out, error);
+  const std::filesystem::file_status status = std::filesystem::status(pathOf(out), error);
   if (std::filesystem::is_directory(status)) throw Failure("Is a folder: " + out);
   if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status)) {
     throw Failure("Not a regular file: " + out);
   }
-  const std::filesystem::path parent = std::filesystem::path(out).parent_path();
+  const std::filesystem::path parent = pathOf(out).parent_path();
   const std::filesystem::path folder = parent.empty() ? "." : parent;
   if (!std::filesystem::is_directory(folder, error)) {
     throw Failure("No such file: the folder does not exist: " + out);
   }
-  if (access(folder.c_str(), W_OK) != 0) {
+  if (posix::access(nameOf(folder).c_str(), W_OK) != 0) {
     throw Failure("No permission to write into the folder: " + out);
   }
 }
@@ -226,7 +206,7 @@ void requirePlace(const std::string& out) {
 void refuseReplacing(std::initializer_list<std::string> inputs, const std::string& out) {
   for (const std::string& input : inputs) {
     std::error_code error;
-    if (!input.empty() && std::filesystem::equivalent(input, out, error)) {
+    if (!input.empty() && std::filesystem::equivalent(pathOf(input), pathOf(out), error)) {
       throw UsageError(
           fmt::format("{}: would be replaced by the results; name another --out", out));
     }

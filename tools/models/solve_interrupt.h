@@ -1,9 +1,9 @@
 // SIGINT and SIGTERM during a solve end the solve, and not the process: the best point found so far
-// is kept.
+// is kept. On Windows these are Ctrl-C and Ctrl-Break.
 #ifndef ZTB_TOOLS_MODELS_SOLVE_INTERRUPT_H_
 #define ZTB_TOOLS_MODELS_SOLVE_INTERRUPT_H_
 
-#include <csignal>
+#include <memory>
 #include <ztb/model.hpp>
 
 namespace tool {
@@ -18,8 +18,9 @@ class SolveInterrupt {
   ~SolveInterrupt();
 
  private:
-  struct sigaction interrupt_ {};
-  struct sigaction terminate_ {};
+  // What the process did before.
+  struct Before;
+  std::unique_ptr<Before> before_;
 };
 
 }  // namespace tool

@@ -15,6 +15,9 @@
 
 namespace tool {
 
+// Whether other programs can be started here: not on Windows.
+bool startsPrograms();
+
 // There is no program of the name.
 class NoProgram : public Failure {
  public:

@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "tools/files/new_file.h"
+#include "tools/files/system_files.h"
 #include "tools/sweep/child_program.h"
 #include "tools/text/failure.h"
 
@@ -121,7 +122,7 @@ std::optional<long long> slurmSeconds(const std::string& text) {
 
 SlurmArray::SlurmArray(const SweepOptions& options, std::string folder, std::string key, int tasks)
     : options_(options),
-      folder_(std::filesystem::absolute(folder).string()),
+      folder_(nameOf(std::filesystem::absolute(pathOf(folder)))),
       key_(std::move(key)),
       tasks_(tasks) {
   std::ifstream(file(".job")) >> job_;

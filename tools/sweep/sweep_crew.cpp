@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "tools/sweep/sweep_worker.h"
+#include "tools/sweep/worker_request.h"
 #include "tools/text/failure.h"
 #include "tools/text/output.h"
 #include "tools/text/words.h"
@@ -22,7 +23,7 @@ constexpr int kFruitlessDeaths = 20;
 }  // namespace
 
 void SweepCrew::solve(const std::vector<int>& chunks) {
-  const std::size_t jobs = std::min(static_cast<std::size_t>(plan_.jobs), chunks.size());
+  const std::size_t jobs = std::min(static_cast<std::size_t>(plan_.options.jobs), chunks.size());
   shares_.resize(jobs);
   workerOfShare_.resize(jobs);
   for (std::size_t job = 0; job < jobs; ++job) {
@@ -33,7 +34,7 @@ void SweepCrew::solve(const std::vector<int>& chunks) {
     shares_[job].tellsNotes = job == 0;
   }
   if (jobs > 0) startWorker(0);
-  progress_.step("opening " + plan_.model);
+  progress_.step("opening " + plan_.options.model);
   while (workers_.busy()) {
     const std::optional<WorkerMessage> message = workers_.next(std::chrono::milliseconds(200));
     if (message) receive(*message);
@@ -62,11 +63,14 @@ void SweepCrew::startWorker(std::size_t share) {
   shares_[share].stalled = false;
   workerOfShare_[share] = shareOfWorker_.size();
   shareOfWorker_.push_back(share);
-  workers_.start([this, share](const WorkerChannel& channel) {
-    const Share& own = shares_[share];
-    runSweepWorker(sweep_, plan_.folder, {own.chunks, own.careful, own.tellsNotes, plan_.stops},
-                   channel);
-  });
+  const Share& own = shares_[share];
+  const SweepWork work{own.chunks, own.careful, own.tellsNotes, plan_.stops};
+  workers_.start(
+      {.work =
+           [&](const WorkerChannel& channel) {
+             runSweepWorker(sweep_, plan_.folder, work, channel);
+           },
+       .request = [&] { return workerRequest(plan_.options, plan_.folder, work, skipped_); }});
 }
 
 void SweepCrew::receive(const WorkerMessage& message) {
@@ -100,7 +104,7 @@ void SweepCrew::receive(const WorkerMessage& message) {
       afterDeath(share, share.stalled
                             ? fmt::format("its worker process solved nothing for {} s (--stall) "
                                           "and was ended",
-                                          *plan_.stall)
+                                          *plan_.options.stall)
                             : message.text);
       break;
     default:
@@ -144,6 +148,7 @@ void SweepCrew::afterDeath(Share& share, const std::string& how) {
   progress_.pause();
   if (++deathsAt_[scenario] >= kDeathsAtScenario) {
     deaths_[scenario] = how;
+    skipped_[scenario] = how;
     sweep_.skip(scenario, how);
   } else {
     printError(
@@ -153,13 +158,13 @@ void SweepCrew::afterDeath(Share& share, const std::string& how) {
 }
 
 void SweepCrew::endStalledWorkers() {
-  if (!plan_.stall) return;
+  if (!plan_.options.stall) return;
   const auto now = Clock::now();
   for (std::size_t number = 0; number < shares_.size(); ++number) {
     Share& share = shares_[number];
     const bool hasWorker = std::ranges::find(shareOfWorker_, number) != shareOfWorker_.end();
     if (!hasWorker || share.stalled || share.solved >= scenarioCount(share.chunks)) continue;
-    if (now - share.heard >= std::chrono::seconds(*plan_.stall)) {
+    if (now - share.heard >= std::chrono::seconds(*plan_.options.stall)) {
       share.stalled = true;
       workers_.kill(workerOfShare_[number]);
     }

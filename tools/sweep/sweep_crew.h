@@ -11,11 +11,11 @@
 #include <chrono>
 #include <cstddef>
 #include <map>
-#include <optional>
 #include <string>
 #include <vector>
 #include <ztb/sweep.hpp>
 
+#include "tools/sweep/sweep_options.h"
 #include "tools/sweep/sweep_progress.h"
 #include "tools/sweep/worker_processes.h"
 
@@ -24,11 +24,8 @@ namespace tool {
 class SweepCrew {
  public:
   struct Plan {
-    std::string model;   // as messages name it
+    const SweepOptions& options;
     std::string folder;  // of the parts
-    int jobs = 1;
-    // Seconds after which a worker that solves nothing is ended.
-    std::optional<int> stall;
     // Whether the sweep was asked to end.
     bool (*stops)() = [] { return false; };
   };
@@ -79,7 +76,8 @@ class SweepCrew {
   std::vector<std::size_t> workerOfShare_;
   std::map<int, int> deathsAt_;  // by scenario
   std::map<int, std::string> deaths_;
-  bool isShared_ = false;  // all shares have had a worker
+  std::map<int, std::string> skipped_;  // what workers do not try any more
+  bool isShared_ = false;               // all shares have had a worker
   bool isStopping_ = false;
 
   // A process may only be forked while it draws nothing.

@@ -6,6 +6,7 @@
 #include <string>
 #include <utility>
 #include <vector>
+#include <ztb/sweep.hpp>
 
 #include "tools/sweep/sweep_progress.h"
 
@@ -42,6 +43,10 @@ struct SweepOptions {
   bool dryRun = false;
 
   std::string dask;  // address of a scheduler; empty: none
+
+  // Gives a sweep what decides the results, or where no model is named what --parts has saved, and
+  // opens it. Throws ztb::Error.
+  void open(ztb::Sweep& sweep) const;
 
   // What decides the results, as ztbSweepOption takes it; files with their paths from the root on.
   [[nodiscard]] std::vector<std::pair<std::string, std::string>> ofSweep() const;

@@ -4,13 +4,14 @@
 #include <ztb/model.h>
 
 #include <algorithm>
-#include <csignal>
 #include <cstddef>
 #include <filesystem>
 #include <system_error>
 #include <thread>
 
+#include "tools/files/system_files.h"
 #include "tools/sweep/dask_workers.h"
+#include "tools/sweep/end_request.h"
 #include "tools/sweep/sweep_crew.h"
 #include "tools/sweep/sweep_summary.h"
 #include "tools/text/failure.h"
@@ -27,68 +28,15 @@ constexpr int kChunksOfTask = 4;
 constexpr int kMostTasks = 1000;
 constexpr int kTasksShown = 20;
 
-// Whether the system asked the sweep to end, as it does before a time limit.
-volatile std::sig_atomic_t wasAskedToEnd = 0;
-
-bool isAskedToEnd() {
-  return wasAskedToEnd != 0;
-}
-
-void noteRequest(int) {
-  wasAskedToEnd = 1;
-}
-
 std::string scenarios(int count) {
   return counted(static_cast<std::size_t>(count), "scenario");
 }
 
-void open(ztb::Sweep& sweep, const SweepOptions& options) {
-  if (options.model.empty()) {
-    sweep.load(options.parts);
-    return;
-  }
-  const auto give = [&](const char* name, const std::string& value) {
-    if (!value.empty()) sweep.option(name, value);
-  };
-  give("model", options.model);
-  give("model-data", options.modelData);
-  give("data", options.data);
-  give("scenarios", options.scenarios);
-  give("over", options.over);
-  give("solver", options.solver);
-  give("time-limit", options.timeLimit);
-  if (options.chunk) give("chunk", std::to_string(*options.chunk));
-  for (const std::string& drive : options.drives) give("drive", drive);
-  for (const std::string& report : options.reports) give("report", report);
-  sweep.open();
-}
-
 }  // namespace
-
-std::vector<std::pair<std::string, std::string>> SweepOptions::ofSweep() const {
-  std::vector<std::pair<std::string, std::string>> words;
-  const auto give = [&](const char* name, const std::string& value) {
-    if (!value.empty()) words.emplace_back(name, value);
-  };
-  const auto absolute = [](const std::string& file) {
-    return file.empty() ? file : std::filesystem::absolute(file).string();
-  };
-  give("model", absolute(model));
-  give("model-data", absolute(modelData));
-  give("data", absolute(data));
-  give("scenarios", absolute(scenarios));
-  give("over", over);
-  give("solver", solver);
-  give("time-limit", timeLimit);
-  if (chunk) give("chunk", std::to_string(*chunk));
-  for (const std::string& drive : drives) give("drive", drive);
-  for (const std::string& report : reports) give("report", report);
-  return words;
-}
 
 SweepRun::SweepRun(const SweepOptions& options)
     : options_(options), folder_(options.parts.empty() ? options.out + ".parts" : options.parts) {
-  open(sweep_, options);
+  options.open(sweep_);
 }
 
 bool SweepRun::solveAll() {
@@ -113,7 +61,7 @@ bool SweepRun::solveAll() {
 bool SweepRun::finish(bool hasResult, const std::map<int, std::string>& deaths,
                       const std::vector<int>& solved) {
   std::error_code error;
-  if (!hasResult || std::filesystem::exists(folder_, error)) makeResult();
+  if (!hasResult || std::filesystem::exists(pathOf(folder_), error)) makeResult();
   const bool allSolved = report(all(), "failed", deaths, solved);
   if (options_.parts.empty()) sweep_.remove(folder_, true);
   return allSolved;
@@ -156,14 +104,14 @@ bool SweepRun::findKept() {
   const std::string foreign = options_.parts.empty() ? sweep_.foreignPart(folder_) : "";
   if (!foreign.empty()) throw Failure(foreign);
   std::error_code error;
-  if (std::filesystem::exists(options_.out, error)) {
+  if (std::filesystem::exists(pathOf(options_.out), error)) {
     try {
       sweep_.find(folder_, options_.out);
       return true;
     } catch (const ztb::Error&) {
       // What an interrupted sweep was to replace, when that has left parts, and otherwise no
       // sweep to resume.
-      if (!std::filesystem::exists(folder_, error)) throw;
+      if (!std::filesystem::exists(pathOf(folder_), error)) throw;
     }
   }
   sweep_.find(folder_);
@@ -189,17 +137,13 @@ int SweepRun::scenarioCount(const std::vector<int>& chunks) const {
 }
 
 std::map<int, std::string> SweepRun::solve(const std::vector<int>& pending) {
-  std::signal(SIGTERM, noteRequest);
+  watchForEnd(false);
   SweepProgress progress(options_.progress, scenarioCount(pending));
   if (!options_.dask.empty()) {
     if (!pending.empty()) solveWithDask(options_, folder_, pending, progress, isAskedToEnd);
     return {};
   }
-  const SweepCrew::Plan plan{.model = options_.model,
-                             .folder = folder_,
-                             .jobs = options_.jobs,
-                             .stall = options_.stall,
-                             .stops = isAskedToEnd};
+  const SweepCrew::Plan plan{.options = options_, .folder = folder_, .stops = isAskedToEnd};
   SweepCrew crew(sweep_, plan, progress);
   crew.solve(pending);
   return crew.deaths();
@@ -358,8 +302,7 @@ bool SweepRun::solveBySlurm() {
 }
 
 void SweepRun::await(const SlurmArray& array, const std::vector<int>& pending) {
-  std::signal(SIGTERM, noteRequest);
-  std::signal(SIGINT, noteRequest);
+  watchForEnd(true);
   SweepProgress progress(options_.progress, scenarioCount(pending));
   SweepCounts counts;
   std::string told;

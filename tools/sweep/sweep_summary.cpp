@@ -9,6 +9,7 @@
 
 #include "tools/charts/chart.h"
 #include "tools/charts/terminal_chart.h"
+#include "tools/text/console.h"
 #include "tools/text/output.h"
 #include "tools/text/screen.h"
 #include "tools/text/table_printer.h"

@@ -1,8 +1,8 @@
 #include "tools/sweep/sweep_worker.h"
 
 #include <chrono>
-#include <csignal>
 
+#include "tools/sweep/end_request.h"
 #include "tools/text/output.h"
 
 namespace tool {
@@ -16,8 +16,8 @@ constexpr std::chrono::seconds kTimeOfPart{5};
 // Publishing waits for the disk; it takes at most about a tenth of the time.
 constexpr int kRestBetweenParts = 10;
 
-// The sweep that a signal stops: a process has one.
-ztb::Sweep* stoppedBySignal = nullptr;
+// The sweep that is stopped on request: a process has one.
+ztb::Sweep* stoppedOnRequest = nullptr;
 
 class SweepWorker {
  public:
@@ -35,9 +35,9 @@ class SweepWorker {
         printError(std::string("ztb: ") + text);
       }
     });
-    stoppedBySignal = &sweep_;
+    stoppedOnRequest = &sweep_;
     ztbSweepStop(nullptr);  // finds the function, which a signal handler must not
-    std::signal(SIGTERM, [](int) { stoppedBySignal->stop(); });
+    whenAskedToStop([] { stoppedOnRequest->stop(); });
     if (work.stops()) sweep_.stop();
     sweep_.prepare(folder_);
     channel_.send(SweepMessage::prepared);

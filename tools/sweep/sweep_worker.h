@@ -14,7 +14,7 @@ struct SweepWork {
   std::vector<int> chunks;  // in ascending order
   int careful = -1;         // chunk before which what was solved is published: a worker died in it
   bool tellsNotes = false;  // on standard error, what is to be known of the model
-  bool (*stops)() = [] { return false; };  // whether SIGTERM came before the worker heard it
+  bool (*stops)() = [] { return false; };  // whether that came before the worker heard it
 };
 
 // What a worker sends, beside what WorkerProcesses adds.
@@ -31,8 +31,8 @@ struct SweepMessage {
 
 // Solves the chunks and publishes their results in parts: with a chunk after 100 scenarios, later
 // if that would take more than a tenth of the time, but with the first one that ends after 5
-// seconds, and at the end, also at that which SIGTERM makes. Throws Failure and ztb::Error for what
-// keeps all scenarios from being run.
+// seconds, and at the end, also at that which a request makes. Throws Failure and ztb::Error for
+// what keeps all scenarios from being run.
 void runSweepWorker(ztb::Sweep& sweep, const std::string& folder, const SweepWork& work,
                     const WorkerChannel& channel);
 

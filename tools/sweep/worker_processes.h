@@ -1,19 +1,17 @@
 // Processes that share a job and tell the parent, in lines of text through a pipe, how they get on.
 //
-// They are forked, so each has to be started while the program has one thread and holds nothing
-// that may not be copied. They end when the parent does, in whatever way that ends.
+// On Linux they are forked, so each has to be started while the program has one thread and holds
+// nothing that may not be copied. On Windows each is a ztb of its own, which reads what it is to
+// do. They end when the parent does, in whatever way that ends.
 #ifndef ZTB_TOOLS_SWEEP_WORKER_PROCESSES_H_
 #define ZTB_TOOLS_SWEEP_WORKER_PROCESSES_H_
 
-#include <sys/types.h>
-
 #include <chrono>
 #include <cstddef>
-#include <deque>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
-#include <vector>
 
 namespace tool {
 
@@ -40,22 +38,30 @@ struct WorkerMessage {
   std::string text;
 };
 
+// What a worker does.
+struct WorkerTask {
+  // In a copy of this process.
+  std::function<void(const WorkerChannel&)> work;
+  // What a ztb is told, in one line, that does the same (worker_request.h).
+  std::function<std::string()> request;
+};
+
 class WorkerProcesses {
  public:
-  WorkerProcesses() = default;
+  WorkerProcesses();
   WorkerProcesses(const WorkerProcesses&) = delete;
   WorkerProcesses& operator=(const WorkerProcesses&) = delete;
   // Kills the workers that still run.
   ~WorkerProcesses();
 
-  // Runs `work` in a new process. What it throws is sent as a message of the kind failed. Throws
+  // Does a task in a new process. What it throws is sent as a message of the kind failed. Throws
   // Failure if there is no process to be had.
-  void start(const std::function<void(const WorkerChannel&)>& work);
+  void start(const WorkerTask& task);
 
   // Ends a worker that runs, stopped ones too; the message that it died follows.
   void kill(std::size_t worker);
 
-  // Sends SIGTERM to all workers that run.
+  // Has whenAskedToStop() tell all workers that run.
   void askToStop() const;
 
   [[nodiscard]] int running() const;
@@ -65,17 +71,8 @@ class WorkerProcesses {
   std::optional<WorkerMessage> next(std::chrono::milliseconds time);
 
  private:
-  struct Worker {
-    pid_t process = -1;
-    int descriptor = -1;  // -1: the worker has ended
-    std::string unread;   // the beginning of a line
-  };
-
-  void receive(std::size_t number);
-  void end(std::size_t number);
-
-  std::vector<Worker> workers_;
-  std::deque<WorkerMessage> messages_;
+  struct Crew;
+  std::unique_ptr<Crew> crew_;
 };
 
 }  // namespace tool

@@ -1,5 +1,9 @@
+#include <fcntl.h>
 #include <io.h>
 #include <windows.h>
+
+#include <array>
+#include <cstdio>
 
 #include "tools/text/console.h"
 
@@ -27,6 +31,23 @@ std::size_t terminalWidth() {
   CONSOLE_SCREEN_BUFFER_INFO info;
   if (GetConsoleScreenBufferInfo(consoleOf(1), &info) == 0) return 0;
   return static_cast<std::size_t>(info.srWindow.Right - info.srWindow.Left + 1);
+}
+
+bool localeTakesUtf8() {
+  return true;
+}
+
+void occupyStandardStreams() {
+  const std::array<std::FILE*, 3> streams{stdin, stdout, stderr};
+  for (int number = 0; number <= 2; ++number) {
+    std::FILE* const stream = streams.at(static_cast<std::size_t>(number));
+    const DWORD type = GetFileType(consoleOf(number));
+    if (type == FILE_TYPE_UNKNOWN && GetLastError() != NO_ERROR) {
+      static_cast<void>(std::freopen("NUL", number == 0 ? "wb" : "rb", stream));
+    } else {
+      _setmode(number, _O_BINARY);
+    }
+  }
 }
 
 }  // namespace tool

@@ -1,25 +1,16 @@
 #include "tools/text/output.h"
 
-#include <fcntl.h>
 #include <fmt/format.h>
 
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <string>
 #include <ztb/display_text.hpp>
 
+#include "tools/files/system_files.h"
 #include "tools/text/failure.h"
 
 namespace tool {
-
-void occupyStandardStreams() {
-  for (int stream = 0; stream <= 2; ++stream) {
-    if (fcntl(stream, F_GETFD) < 0) {
-      static_cast<void>(open("/dev/null", stream == 0 ? O_WRONLY : O_RDONLY));
-    }
-  }
-}
 
 void print(std::string_view text) {
   while (!text.empty()) {
@@ -42,7 +33,7 @@ void printError(std::string_view line) {
 
 void flushOutput() {
   if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
-    throw Failure(fmt::format("standard output: cannot be written: {}", std::strerror(errno)));
+    throw Failure(fmt::format("standard output: cannot be written: {}", systemText(errno)));
   }
 }
 

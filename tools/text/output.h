@@ -7,10 +7,6 @@
 
 namespace tool {
 
-// To be called before any file is opened: standard streams that the caller has closed get a place
-// at which each read and write fails. Otherwise files would stand there, and messages go into them.
-void occupyStandardStreams();
-
 // Writes lines to standard output, with any control character but the ends of lines spelled out.
 void print(std::string_view text);
 

@@ -1,7 +1,5 @@
 #include "tools/text/table_printer.h"
 
-#include <unistd.h>
-
 #include <algorithm>
 
 #include "tools/text/display_width.h"
@@ -29,7 +27,7 @@ bool isPlain(std::string_view text) {
 }  // namespace
 
 TableStyle outputStyle(const std::optional<std::size_t>& width) {
-  return {.width = tableWidth(width), .colour = takesColour(STDOUT_FILENO)};
+  return {.width = tableWidth(width), .colour = takesColour(1)};
 }
 
 void TablePrinter::addColumn(std::string_view header, Align align) {

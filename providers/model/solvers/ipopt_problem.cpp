@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <utility>
 
 #include "providers/model/at.h"
 
@@ -267,11 +266,7 @@ bool IpoptProblem::intermediate_callback(Ipopt::AlgorithmMode /*mode*/, int iter
                                          const Ipopt::IpoptData* /*data*/,
                                          Ipopt::IpoptCalculatedQuantities* /*quantities*/) {
   iterations_ = iteration;
-  // The next iteration, whose factorization nothing interrupts, takes about as long as this one.
-  const auto now = std::chrono::steady_clock::now();
-  const double lasted = std::chrono::duration<double>(now - asked_).count();
-  const bool isFirst = std::exchange(asked_, now) == std::chrono::steady_clock::time_point{};
-  return !(isFirst ? watch_.mustStop() : watch_.mustStopWithin(lasted));
+  return !watch_.mustStop();
 }
 
 }  // namespace lomu

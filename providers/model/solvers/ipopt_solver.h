@@ -29,8 +29,7 @@ class IpoptSolver : public Solver {
     bool diverged = false;
     bool rowsHaveProducts = false;
     bool objectiveHasProducts = false;
-    bool isConvex = false;       // a local optimum is a global one
-    bool rowsAreConvex = false;  // the rows alone
+    bool isConvex = false;  // a local optimum is a global one
   };
 
   void solveWithin(Watch& watch, SolverResult& result);

@@ -1,5 +1,3 @@
-#include "tools/sweep/child_program.h"
-
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <poll.h>
@@ -14,6 +12,8 @@
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
+
+#include "tools/sweep/child_program.h"
 
 namespace tool {
 
@@ -55,6 +55,10 @@ int fileOf(const std::string& text, const std::string& program) {
 }
 
 }  // namespace
+
+bool startsPrograms() {
+  return true;
+}
 
 ChildProgram::ChildProgram(const std::vector<std::string>& words, const std::string& input,
                            const std::vector<std::pair<std::string, std::string>>& variables) {

@@ -1,6 +1,7 @@
-#include "tools/models/solve_interrupt.h"
-
 #include <atomic>
+#include <csignal>
+
+#include "tools/models/solve_interrupt.h"
 
 namespace tool {
 
@@ -14,19 +15,24 @@ void endSolve(int /*signal*/) {
 
 }  // namespace
 
-SolveInterrupt::SolveInterrupt(const ztb::Model& model) {
+struct SolveInterrupt::Before {
+  struct sigaction interrupt {};
+  struct sigaction terminate {};
+};
+
+SolveInterrupt::SolveInterrupt(const ztb::Model& model) : before_(std::make_unique<Before>()) {
   solved.store(model.handle());
   struct sigaction action {};
   action.sa_handler = &endSolve;
   action.sa_flags = static_cast<int>(SA_RESETHAND) | SA_RESTART;
   sigemptyset(&action.sa_mask);
-  sigaction(SIGINT, &action, &interrupt_);
-  sigaction(SIGTERM, &action, &terminate_);
+  sigaction(SIGINT, &action, &before_->interrupt);
+  sigaction(SIGTERM, &action, &before_->terminate);
 }
 
 SolveInterrupt::~SolveInterrupt() {
-  sigaction(SIGINT, &interrupt_, nullptr);
-  sigaction(SIGTERM, &terminate_, nullptr);
+  sigaction(SIGINT, &before_->interrupt, nullptr);
+  sigaction(SIGTERM, &before_->terminate, nullptr);
   solved.store(nullptr);
 }
 

@@ -1,5 +1,3 @@
-#include "tools/sweep/worker_processes.h"
-
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <poll.h>
@@ -13,9 +11,12 @@
 #include <csignal>
 #include <cstdio>
 #include <cstring>
+#include <deque>
 #include <exception>
 #include <utility>
+#include <vector>
 
+#include "tools/sweep/worker_processes.h"
 #include "tools/text/failure.h"
 
 namespace tool {
@@ -52,32 +53,32 @@ auto repeated(Call call) {
 
 }  // namespace
 
-void WorkerChannel::send(char kind, std::string text) const {
-  std::ranges::replace_if(
-      text, [](char c) { return static_cast<unsigned char>(c) < ' '; }, ' ');
-  const std::string line = kind + text + '\n';
-  std::size_t written = 0;
-  while (written < line.size()) {
-    const ssize_t count = repeated(
-        [&] { return ::write(descriptor_, line.data() + written, line.size() - written); });
-    if (count < 0) {
-      // Nobody listens any more.
-      _exit(exitFailed);
-    }
-    written += static_cast<std::size_t>(count);
-  }
-}
+struct WorkerProcesses::Crew {
+  struct Worker {
+    pid_t process = -1;
+    int descriptor = -1;  // -1: the worker has ended
+    std::string unread;   // the beginning of a line
+  };
+
+  void receive(std::size_t number);
+  void end(std::size_t number);
+
+  std::vector<Worker> workers;
+  std::deque<WorkerMessage> messages;
+};
+
+WorkerProcesses::WorkerProcesses() : crew_(std::make_unique<Crew>()) {}
 
 WorkerProcesses::~WorkerProcesses() {
-  for (std::size_t number = 0; number < workers_.size(); ++number) {
-    if (workers_[number].descriptor >= 0) {
+  for (std::size_t number = 0; number < crew_->workers.size(); ++number) {
+    if (crew_->workers[number].descriptor >= 0) {
       kill(number);
-      end(number);
+      crew_->end(number);
     }
   }
 }
 
-void WorkerProcesses::start(const std::function<void(const WorkerChannel&)>& work) {
+void WorkerProcesses::start(const WorkerTask& task) {
   std::fflush(stdout);
   std::fflush(stderr);
   std::array<int, 2> ends{};
@@ -88,7 +89,7 @@ void WorkerProcesses::start(const std::function<void(const WorkerChannel&)>& wor
   const pid_t process = fork();
   if (process == 0) {
     close(ends[0]);
-    runWorker(parent, ends[1], work);
+    runWorker(parent, ends[1], task.work);
   }
   const int error = errno;
   close(ends[1]);
@@ -96,38 +97,39 @@ void WorkerProcesses::start(const std::function<void(const WorkerChannel&)>& wor
     close(ends[0]);
     throw Failure(fmt::format("no worker process: {}", std::strerror(error)));
   }
-  workers_.push_back({.process = process, .descriptor = ends[0], .unread = ""});
+  crew_->workers.push_back({.process = process, .descriptor = ends[0], .unread = ""});
 }
 
 void WorkerProcesses::kill(std::size_t worker) {
-  if (workers_[worker].descriptor >= 0) {
-    ::kill(workers_[worker].process, SIGKILL);
+  if (crew_->workers[worker].descriptor >= 0) {
+    ::kill(crew_->workers[worker].process, SIGKILL);
   }
 }
 
 void WorkerProcesses::askToStop() const {
-  for (const Worker& worker : workers_) {
+  for (const Crew::Worker& worker : crew_->workers) {
     if (worker.descriptor >= 0) ::kill(worker.process, SIGTERM);
   }
 }
 
 int WorkerProcesses::running() const {
-  return static_cast<int>(
-      std::ranges::count_if(workers_, [](const Worker& worker) { return worker.descriptor >= 0; }));
+  return static_cast<int>(std::ranges::count_if(
+      crew_->workers, [](const Crew::Worker& worker) { return worker.descriptor >= 0; }));
 }
 
 bool WorkerProcesses::busy() const {
-  return !messages_.empty() ||
-         std::ranges::any_of(workers_, [](const Worker& worker) { return worker.descriptor >= 0; });
+  return !crew_->messages.empty() ||
+         std::ranges::any_of(crew_->workers,
+                             [](const Crew::Worker& worker) { return worker.descriptor >= 0; });
 }
 
 std::optional<WorkerMessage> WorkerProcesses::next(std::chrono::milliseconds time) {
-  if (messages_.empty()) {
+  if (crew_->messages.empty()) {
     std::vector<pollfd> waited;
     std::vector<std::size_t> numbers;
-    for (std::size_t number = 0; number < workers_.size(); ++number) {
-      if (workers_[number].descriptor >= 0) {
-        waited.push_back({.fd = workers_[number].descriptor, .events = POLLIN, .revents = 0});
+    for (std::size_t number = 0; number < crew_->workers.size(); ++number) {
+      if (crew_->workers[number].descriptor >= 0) {
+        waited.push_back({.fd = crew_->workers[number].descriptor, .events = POLLIN, .revents = 0});
         numbers.push_back(number);
       }
     }
@@ -136,20 +138,20 @@ std::optional<WorkerMessage> WorkerProcesses::next(std::chrono::milliseconds tim
     }
     for (std::size_t place = 0; place < waited.size(); ++place) {
       if (waited[place].revents != 0) {
-        receive(numbers[place]);
+        crew_->receive(numbers[place]);
       }
     }
   }
-  if (messages_.empty()) {
+  if (crew_->messages.empty()) {
     return std::nullopt;
   }
-  WorkerMessage message = std::move(messages_.front());
-  messages_.pop_front();
+  WorkerMessage message = std::move(crew_->messages.front());
+  crew_->messages.pop_front();
   return message;
 }
 
-void WorkerProcesses::receive(std::size_t number) {
-  Worker& worker = workers_[number];
+void WorkerProcesses::Crew::receive(std::size_t number) {
+  Worker& worker = workers[number];
   std::array<char, 65536> buffer{};
   const ssize_t count =
       repeated([&] { return ::read(worker.descriptor, buffer.data(), buffer.size()); });
@@ -161,26 +163,26 @@ void WorkerProcesses::receive(std::size_t number) {
   std::size_t begin = 0;
   for (std::size_t stop = worker.unread.find('\n'); stop != std::string::npos;
        stop = worker.unread.find('\n', begin)) {
-    messages_.push_back({.worker = number,
-                         .kind = worker.unread[begin],
-                         .text = worker.unread.substr(begin + 1, stop - begin - 1)});
+    messages.push_back({.worker = number,
+                        .kind = worker.unread[begin],
+                        .text = worker.unread.substr(begin + 1, stop - begin - 1)});
     begin = stop + 1;
   }
   worker.unread.erase(0, begin);
 }
 
-void WorkerProcesses::end(std::size_t number) {
-  Worker& worker = workers_[number];
+void WorkerProcesses::Crew::end(std::size_t number) {
+  Worker& worker = workers[number];
   close(std::exchange(worker.descriptor, -1));
   int status = 0;
   repeated([&] { return waitpid(worker.process, &status, 0); });
   if (WIFSIGNALED(status)) {
-    messages_.push_back(
+    messages.push_back(
         {.worker = number,
          .kind = WorkerMessage::died,
          .text = fmt::format("its worker process was ended by signal {}", WTERMSIG(status))});
   } else if (WEXITSTATUS(status) != exitFine) {
-    messages_.push_back(
+    messages.push_back(
         {.worker = number,
          .kind = WorkerMessage::died,
          .text = fmt::format("its worker process ended with exit code {}", WEXITSTATUS(status))});
