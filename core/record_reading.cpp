@@ -139,6 +139,7 @@ int ztbReadRecords(ztbRec* handle, void* rec, int most, int* const* keys, double
     const int count = record.copyRecords(most, db.uels.size() - 1, keys, values);
     if (db.specialValueMode != SpecialValueMode::none && !record.onUniverse()) {
       for (int slot = 0; slot < dmap::slotCount(record.symbol()->type); ++slot) {
+        if (values[slot] == nullptr) continue;
         std::transform(values[slot], values[slot] + count, values[slot],
                        [&](double value) { return db.mapOut(value); });
       }

@@ -91,12 +91,6 @@ void readLabels(DatabaseReader& database, const std::optional<ManifestEntry>& to
 
 void readRecords(DatabaseReader& database, const ReadSymbol& symbol, RecordImport& records,
                  ProblemList& problems) {
-  if (!records.checksDomains()) {
-    if (const std::optional<std::size_t> count = database.fill(symbol.entry, symbol.symbol)) {
-      records.countFilled(*count);
-      return;
-    }
-  }
   const std::unique_ptr<TableReader> opened = database.records(symbol.entry);
   TableReader& reader = *opened;
   const std::size_t keyCount = symbol.entry.domains.size();

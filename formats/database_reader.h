@@ -2,9 +2,7 @@
 #ifndef ZTB_FORMATS_DATABASE_READER_H_
 #define ZTB_FORMATS_DATABASE_READER_H_
 
-#include <cstddef>
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 #include <ztb/ztb.hpp>
@@ -30,13 +28,6 @@ class DatabaseReader {
   virtual std::unique_ptr<TableReader> labels() = 0;
   // The records of a symbol that is no alias: the keys, then what ztb::contentColumns tells.
   virtual std::unique_ptr<TableReader> records(const ManifestEntry& entry) = 0;
-  // Fills a symbol with its records by columns, and gives their number; nothing where a format has
-  // no such way, or not for this symbol.
-  virtual std::optional<std::size_t> fill(const ManifestEntry& entry, const ztb::Symbol& symbol) {
-    static_cast<void>(entry);
-    static_cast<void>(symbol);
-    return std::nullopt;
-  }
 };
 
 }  // namespace formats

@@ -59,7 +59,8 @@ class AbstractZTBSymbolIterator {
   virtual const void* valuesAddress() = 0;
 
   // Copies records by columns, at most `most` from the one that it stands on, and stands on the
-  // last of them then; their number. Of the universe, whose largest label is given, no values.
+  // last of them then; their number. Arrays that are null are left out. Of the universe, whose
+  // largest label is given, no values.
   virtual int copyRecords(int most, int lastLabel, int* const* keys, double* const* values) = 0;
 
   // Steps on, or gives the values, without a virtual call, where the handle stands on a record of a

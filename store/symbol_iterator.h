@@ -3,9 +3,11 @@
 #define ZTB_STORE_SYMBOL_ITERATOR_H_
 
 #include <algorithm>
+#include <array>
 #include <memory>
 #include <numeric>
 #include <optional>
+#include <span>
 #include <stdexcept>
 
 #include "store/abstract_symbol.h"
@@ -154,20 +156,29 @@ class ZTBSymbolIterator final : public AbstractZTBSymbolIterator {
     if (mode_ == IterationMode::universe) {
       const int first = universePosition_;
       universePosition_ = first + std::min(most - 1, std::max(lastLabel - first, 0));
-      std::iota(keys[0], keys[0] + (universePosition_ - first + 1), first);
+      if (keys[0] != nullptr) {
+        std::iota(keys[0], keys[0] + (universePosition_ - first + 1), first);
+      }
       return universePosition_ - first + 1;
     }
     dmap::RecordView record = current();
     if constexpr (requires { position_.rowsOnward(most); }) {
       return copyRows(most, keys, values);
     }
-    const int slots = dmap::slotCount(symbol_->type);
+    // The positions and slots that are asked for.
+    std::array<int, dmap::maxDimension> positions{};
+    std::array<int, dmap::maxSlots> slots{};
+    const std::size_t positionCount = asked(keys, dimension(), positions);
+    const std::size_t slotCount = asked(values, dmap::slotCount(symbol_->type), slots);
     int count = 0;
     while (true) {
-      for (int position = 0; position < dimension(); ++position) {
+      // Records that were put in order lie side by side, and no processor looks beyond a page.
+      constexpr std::size_t ahead = 1024;
+      __builtin_prefetch(reinterpret_cast<const char*>(record.values) + ahead);
+      for (const int position : std::span(positions).first(positionCount)) {
         keys[position][count] = record.keys[position];
       }
-      for (int slot = 0; slot < slots; ++slot) {
+      for (const int slot : std::span(slots).first(slotCount)) {
         values[slot][count] = record.values[slot];
       }
       if (++count == most || !stepQuietly()) {
@@ -190,6 +201,16 @@ class ZTBSymbolIterator final : public AbstractZTBSymbolIterator {
   }
 
  private:
+  // The places of arrays that are there.
+  template <class Value, std::size_t most>
+  static std::size_t asked(Value* const* arrays, int count, std::array<int, most>& places) {
+    std::size_t found = 0;
+    for (int place = 0; place < count; ++place) {
+      if (arrays[place] != nullptr) places[found++] = place;
+    }
+    return found;
+  }
+
   // Copies records that lie side by side, run by run; in a slice those that match.
   int copyRows(int most, int* const* keys, double* const* values) {
     const auto width = static_cast<std::size_t>(dimension());
@@ -202,9 +223,11 @@ class ZTBSymbolIterator final : public AbstractZTBSymbolIterator {
         run = matchingRun(first.keys, run);
       }
       for (std::size_t position = 0; position < width; ++position) {
+        if (keys[position] == nullptr) continue;
         copyColumn(first.keys + position, width, run, keys[position] + count);
       }
       for (std::size_t slot = 0; slot < slots; ++slot) {
+        if (values[slot] == nullptr) continue;
         copyColumn(first.values + slot, slots, run, values[slot] + count);
       }
       count += run;

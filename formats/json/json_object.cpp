@@ -1,7 +1,11 @@
 #include "formats/json/json_object.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
+#include <cmath>
 #include <nlohmann/json.hpp>
+#include <unordered_set>
 
 #include "tools/text/number_text.h"
 #include "tools/text/words.h"
@@ -20,16 +24,19 @@ class ObjectFiller : public nlohmann::json_sax<nlohmann::json> {
     return scalar({.kind = JsonValue::Kind::number,
                    .text = value ? "true" : "false",
                    .number = value ? 1.0 : 0.0,
+                   .rounded = false,
                    .items = {}});
   }
   bool number_integer(number_integer_t value) override {
-    return number(static_cast<double>(value), std::to_string(value));
+    // Only numbers with a sign come here.
+    if (value == 0) return number(-0.0, "-0");
+    return whole(static_cast<double>(value), std::to_string(value));
   }
   bool number_unsigned(number_unsigned_t value) override {
-    return number(static_cast<double>(value), std::to_string(value));
+    return whole(static_cast<double>(value), std::to_string(value));
   }
   bool number_float(number_float_t value, const string_t& text) override {
-    (void)text;
+    if (text.find_first_not_of("-0123456789") == std::string::npos) return whole(value, text);
     return number(value, std::string(tool::NumberText(value).view()));
   }
   bool string(string_t& text) override {
@@ -37,8 +44,11 @@ class ObjectFiller : public nlohmann::json_sax<nlohmann::json> {
       object_.values.back().items.push_back(std::move(text));
       return true;
     }
-    return scalar(
-        {.kind = JsonValue::Kind::text, .text = std::move(text), .number = 0, .items = {}});
+    return scalar({.kind = JsonValue::Kind::text,
+                   .text = std::move(text),
+                   .number = 0,
+                   .rounded = false,
+                   .items = {}});
   }
   bool binary(binary_t& value) override {
     (void)value;
@@ -49,7 +59,7 @@ class ObjectFiller : public nlohmann::json_sax<nlohmann::json> {
     return depth_++ == 0 || fail("holds an object within the object");
   }
   bool key(string_t& name) override {
-    if (object_.find(name) != nullptr) {
+    if (isKnown(name)) {
       return fail("has the key " + tool::inQuotes(name) + " twice");
     }
     object_.names.push_back(std::move(name));
@@ -71,17 +81,37 @@ class ObjectFiller : public nlohmann::json_sax<nlohmann::json> {
   }
   bool parse_error(std::size_t at, const std::string& token,
                    const nlohmann::json::exception& error) override {
-    (void)token;
-    (void)error;
+    constexpr int overflow = 406;
+    if (error.id == overflow) {
+      // Of what was read the token is the end.
+      const std::string digits = token.substr(token.find_last_not_of("+-.0123456789eE") + 1);
+      return fail("the number " + tool::inQuotes(digits) + " is outside the range of a double");
+    }
     return fail("is no JSON from char " + std::to_string(at) + " on");
   }
 
   [[nodiscard]] const std::string& fault() const { return fault_; }
 
  private:
-  bool number(double value, std::string text) {
-    return scalar(
-        {.kind = JsonValue::Kind::number, .text = std::move(text), .number = value, .items = {}});
+  // Few names are looked through, which is faster than to keep them.
+  bool isKnown(const std::string& name) {
+    constexpr std::size_t few = 16;
+    if (object_.names.size() < few) return object_.find(name) != nullptr;
+    if (known_.empty()) known_.insert(object_.names.begin(), object_.names.end());
+    return !known_.insert(name).second;
+  }
+  bool number(double value, std::string text, bool rounded = false) {
+    return scalar({.kind = JsonValue::Kind::number,
+                   .text = std::move(text),
+                   .number = value,
+                   .rounded = rounded,
+                   .items = {}});
+  }
+  bool whole(double value, const std::string& digits) {
+    // From here on not every whole number is a double.
+    constexpr double firstInexact = 9007199254740992;  // 2^53
+    return number(value, digits,
+                  std::abs(value) >= firstInexact && fmt::format("{:.0f}", value) != digits);
   }
   bool scalar(JsonValue value) {
     if (depth_ == 0) return fail("is no object");
@@ -95,6 +125,7 @@ class ObjectFiller : public nlohmann::json_sax<nlohmann::json> {
   }
 
   JsonObject& object_;
+  std::unordered_set<std::string> known_;
   int depth_ = 0;
   bool inArray_ = false;
   std::string fault_;

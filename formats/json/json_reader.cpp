@@ -9,6 +9,7 @@
 #include <deque>
 #include <map>
 #include <optional>
+#include <unordered_map>
 #include <ztb/column_names.hpp>
 
 #include "formats/json/json_lines.h"
@@ -115,6 +116,7 @@ class JsonTable : public TableReader {
   bool readHeader(ProblemList& problems) {
     if (!readObject(problems)) return false;
     names_ = object_.names;
+    for (std::size_t place = 0; place < names_.size(); ++place) places_[names_[place]] = place;
     fields_.clear();
     for (const std::string& name : names_) {
       fields_.push_back({.text = name, .quoted = true, .at = position()});
@@ -123,21 +125,30 @@ class JsonTable : public TableReader {
     return !names_.empty();
   }
 
+  // The place of a key, which is mostly where it stands.
+  [[nodiscard]] std::optional<std::size_t> placeOf(const std::string& name,
+                                                   std::size_t member) const {
+    if (member < names_.size() && names_[member] == name) return member;
+    const auto found = places_.find(name);
+    return found == places_.end() ? std::nullopt : std::optional(found->second);
+  }
+
   bool takeRow(ProblemList& problems) {
     fields_.assign(names_.size(), {.text = "", .at = position()});
     for (std::size_t member = 0; member < object_.names.size(); ++member) {
-      const auto found = std::ranges::find(names_, object_.names[member]);
-      if (found == names_.end()) {
+      const std::optional<std::size_t> found = placeOf(object_.names[member], member);
+      if (!found) {
         problems.add(place(position()), fmt::format("the first line has no key {}",
                                                     tool::inQuotes(object_.names[member])));
         return false;
       }
-      TableField& field = fields_[static_cast<std::size_t>(found - names_.begin())];
+      TableField& field = fields_[*found];
       const JsonValue& value = object_.values[member];
       field.text = value.text;
       field.quoted = value.kind == JsonValue::Kind::text;
       field.isNumber = value.kind == JsonValue::Kind::number;
       field.number = value.number;
+      if (value.rounded) field.rounded = value.text;
       if (value.kind == JsonValue::Kind::array) {
         field.fault = "is an array, expected a text or a number";
       }
@@ -149,6 +160,7 @@ class JsonTable : public TableReader {
   JsonObject object_;
   bool pending_ = false;
   std::vector<std::string> names_;
+  std::unordered_map<std::string, std::size_t> places_;
 };
 
 // A row that was taken out of a line: texts in a heap of all, and numbers.

@@ -1,6 +1,7 @@
 #include "formats/parquet/duckdb_session.h"
 
 #include <fmt/format.h>
+#include <ztb/rxf.h>
 
 #include <algorithm>
 #include <utility>
@@ -210,9 +211,11 @@ void DuckdbSession::writeParquet(ArrowArrayStream& stream, const std::string& li
   if (duckdbApi().arrow_scan(connection_, "records", lent.get()) != 0) {
     throw tool::Failure(fmt::format("{}: DuckDB does not take the columns", path));
   }
+  // A group of rows is a batch of the stream, which DuckDB would otherwise copy into others.
   run(fmt::format("copy (select {} from records) to {} (format parquet, compression zstd, "
-                  "use_tmp_file false{})",
-                  list, sqlText(published.lend()), options),
+                  "row_group_size {}, use_tmp_file false{})",
+                  list, sqlText(published.lend()), static_cast<int>(ZTB_RXF_BLOCK_RECORDS),
+                  options),
       path);
   run("drop view records", path);
   published.publish();

@@ -4,7 +4,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 #include <span>
+
+#include "formats/tables/exact_text.h"
 
 namespace formats {
 
@@ -22,24 +25,24 @@ bool isWithin(std::span<const double> numbers) {
 
 std::unique_ptr<ParquetColumns> ParquetColumns::read(const DuckdbSession& session,
                                                      const std::string& path,
-                                                     const std::vector<ParquetColumn>& columns,
+                                                     const ParquetForm& form,
                                                      const BulkColumnPlaces& wanted,
                                                      tool::Progress& progress) {
   std::vector<ParquetColumn> asked;
   for (const std::size_t place : wanted.labels) {
-    if (columns[place].kind != ParquetColumn::Kind::text) return nullptr;
-    asked.push_back(columns[place]);
+    if (form.columns[place].kind != ParquetColumn::Kind::text) return nullptr;
+    asked.push_back(form.columns[place]);
   }
   // By column of numbers, whether they were whole ones.
   std::vector<bool> whole;
   for (const std::size_t place : wanted.numbers) {
-    const ParquetColumn& column = columns[place];
+    const ParquetColumn& column = form.columns[place];
     if (column.kind != ParquetColumn::Kind::number && !column.whole) return nullptr;
     asked.push_back(column);
     asked.back().expression = sqlName(column.name) + "::double";
     whole.push_back(column.whole);
   }
-  auto result = std::make_unique<ParquetColumns>();
+  auto result = std::make_unique<ParquetColumns>(form.exact);
   result->rows_.labels.resize(wanted.labels.size());
   result->rows_.numbers.resize(wanted.numbers.size());
   result->latest_.assign(wanted.labels.size(), LabelDictionary::none);
@@ -71,7 +74,13 @@ bool ParquetColumns::add(const DuckdbRows& rows, const std::vector<bool>& whole)
 bool ParquetColumns::addLabels(const DuckdbRows& rows) {
   for (std::size_t row = 0; row < rows.count(); ++row) {
     for (std::size_t column = 0; column < latest_.size(); ++column) {
-      const std::string_view text = rows.text(column, row);
+      std::string_view text = rows.text(column, row);
+      std::optional<std::string> plain;
+      if (exact_ && text.starts_with('\\')) {
+        plain = unspelled(text);
+        if (!plain) return false;
+        text = *plain;
+      }
       int& latest = latest_[column];
       if (latest == LabelDictionary::none || dictionary_.label(latest) != text) {
         latest = dictionary_.find(text);

@@ -7,7 +7,6 @@
 #include <utility>
 #include <ztb/column_names.hpp>
 
-#include "formats/arrow/column_records.h"
 #include "formats/file_name.h"
 #include "formats/parquet/parquet_names.h"
 #include "formats/parquet/parquet_reader.h"
@@ -26,12 +25,6 @@ namespace {
 constexpr std::size_t manifestColumns = 8;
 constexpr std::size_t everyColumn = ZTB_MAX_DIMENSION + 2 * ztb::fieldCount;
 
-[[noreturn]] void failCount(const std::string& path, std::size_t found, std::size_t expected) {
-  throw tool::Failure(fmt::format("{}: has {}, and {} were written to it", path,
-                                  tool::counted(found, "row"), expected),
-                      ZTB_ERROR_DAMAGED_FILE);
-}
-
 // Rows whose number was noted when they were written: a file that was cut or replaced is told.
 class CountedReader : public ParquetReader {
  public:
@@ -41,8 +34,17 @@ class CountedReader : public ParquetReader {
 
   bool next(ProblemList& problems) override {
     if (ParquetReader::next(problems)) return true;
-    if (rowCount() != expected_) failCount(path(), rowCount(), expected_);
+    if (rowCount() != expected_) {
+      problems.add(path(), fmt::format("has {}, and {} were written to it",
+                                       tool::counted(rowCount(), "row"), expected_));
+    }
     return false;
+  }
+  // Columns of another number of rows are told by next().
+  std::unique_ptr<BulkRows> columns(const BulkColumnPlaces& wanted,
+                                    tool::Progress& progress) override {
+    std::unique_ptr<BulkRows> rows = ParquetReader::columns(wanted, progress);
+    return rows && rows->piece(0).rows == expected_ ? std::move(rows) : nullptr;
   }
 
  private:
@@ -67,33 +69,6 @@ class ParquetFolderReader : public DatabaseReader {
   }
   std::unique_ptr<TableReader> records(const ManifestEntry& entry) override {
     return std::make_unique<CountedReader>(session_, pathOf(entry.name), countOf(entry.name));
-  }
-
-  // Sets go row by row, since each of their texts is looked at, and so does what has exact columns.
-  std::optional<std::size_t> fill(const ManifestEntry& entry, const ztb::Symbol& symbol) override {
-    if (entry.type == ztb::Type::set) return std::nullopt;
-    const std::string path = pathOf(entry.name);
-    const std::vector<ParquetColumn> columns = parquetColumns(*session_, path);
-    const std::vector<std::string> contents = ztb::contentColumns(entry.type);
-    const std::size_t keys = entry.domains.size();
-    if (columns.size() != keys + contents.size()) return std::nullopt;
-    for (std::size_t column = 0; column < columns.size(); ++column) {
-      const auto kind = column < keys ? ParquetColumn::Kind::text : ParquetColumn::Kind::number;
-      if (columns[column].kind != kind) return std::nullopt;
-    }
-    ColumnTable table = read(columns, keys, path);
-    if (table.rowCount != countOf(entry.name)) {
-      failCount(path, table.rowCount, countOf(entry.name));
-    }
-    NumberPlan plan{.fields = {}, .names = contents, .others = {}, .nulls = 0};
-    for (std::size_t field = 0; field < contents.size(); ++field) plan.fields.push_back(field);
-    try {
-      const ColumnRecords records(symbol.database(), symbol.type(), table, plan);
-      records.storeIn(symbol);
-      return records.count();
-    } catch (const ztb::Error& error) {
-      throw tool::failureOf(path, error);
-    }
   }
 
  private:
@@ -130,55 +105,6 @@ class ParquetFolderReader : public DatabaseReader {
                           ZTB_ERROR_DAMAGED_FILE);
     }
     labelCount_ = static_cast<std::size_t>(std::max(rows.doubles(0)[0], 0.0));
-  }
-
-  ColumnTable read(const std::vector<ParquetColumn>& columns, std::size_t keys,
-                   const std::string& path) {
-    ColumnTable table;
-    table.keys.resize(keys);
-    table.numbers.resize(columns.size() - keys);
-    const auto query = session_->query(parquetQuery(columns, path), path);
-    for (DuckdbRows rows = query->next(); rows.count() > 0; rows = query->next()) {
-      for (std::size_t key = 0; key < keys; ++key) {
-        readLabels(rows, key, table, path);
-      }
-      for (std::size_t number = 0; number < table.numbers.size(); ++number) {
-        readNumbers(rows, keys + number, table.numbers[number]);
-      }
-      table.rowCount += rows.count();
-    }
-    return table;
-  }
-
-  static void readLabels(const DuckdbRows& rows, std::size_t key, ColumnTable& table,
-                         const std::string& path) {
-    LabelColumn& labels = table.keys[key];
-    for (std::size_t row = 0; row < rows.count(); ++row) {
-      const std::string_view text = rows.isNull(key, row) ? "" : rows.text(key, row);
-      const bool isNull = rows.isNull(key, row);
-      const std::optional<std::string> plain =
-          text.starts_with('\\') ? unspelled(text) : std::nullopt;
-      if (isNull || (text.starts_with('\\') && !plain)) {
-        throw tool::Failure(
-            fmt::format("{}: row {}: {}", path, table.rowCount + row + 1,
-                        isNull ? "a label is missing" : "is no label as it was written"),
-            ZTB_ERROR_DAMAGED_FILE);
-      }
-      labels.rows.push_back(labels.add(plain ? *plain : text));
-    }
-  }
-
-  static void readNumbers(const DuckdbRows& rows, std::size_t column, NumberColumn& numbers) {
-    const double* values = rows.doubles(column);
-    const std::size_t before = numbers.rows.size();
-    numbers.rows.insert(numbers.rows.end(), values, values + rows.count());
-    for (std::size_t row = 0; rows.hasNulls(column) && row < rows.count(); ++row) {
-      if (rows.isNull(column, row)) {
-        numbers.nulls.resize(before + row + 1);
-        numbers.nulls[before + row] = true;
-      }
-    }
-    if (!numbers.nulls.empty()) numbers.nulls.resize(numbers.rows.size());
   }
 
   std::string folder_;

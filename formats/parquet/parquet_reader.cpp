@@ -162,7 +162,9 @@ bool ParquetReader::next(ProblemList& problems) {
 
 std::unique_ptr<BulkRows> ParquetReader::columns(const BulkColumnPlaces& wanted,
                                                  tool::Progress& progress) {
-  return exact_ ? nullptr : ParquetColumns::read(*session_, path_, columns_, wanted, progress);
+  if (columns_.size() > fieldCount_) return nullptr;  // values are put together of two columns
+  return ParquetColumns::read(*session_, path_, {.columns = columns_, .exact = exact_}, wanted,
+                              progress);
 }
 
 std::string ParquetReader::place(TextPosition at) const {

@@ -243,7 +243,7 @@ int filterFunction(sqlite3_vtab_cursor* base, int number, const char* conditions
       throw ztb::Error("ztb", "symbol " + symbol + " has " +
                                   std::to_string(cursor.table->dimension()) +
                                   " positions, of which * shows 4: name dim_5 and on, or create "
-                                  "virtual table using ztb");
+                                  "virtual table using ztb_symbol");
     }
     // A condition on a position that the symbol does not have finds null there.
     formats::SqlSelection selection =
@@ -252,10 +252,13 @@ int filterFunction(sqlite3_vtab_cursor* base, int number, const char* conditions
          ++at) {
       selection.nothing = selection.nothing || selection.labels[at] != 0;
     }
-    const bool withTexts =
-        (number & 1) != 0 && cursor.table->isSet() && !cursor.table->isUniverse();
+    // All columns, but texts only where they are used.
+    unsigned columns = ~0U;
+    if ((number & 1) == 0 && cursor.table->isSet()) {
+      columns &= ~(1U << static_cast<unsigned>(cursor.table->dimension()));
+    }
     cursor.walk = std::make_unique<SqlWalk>(*cursor.table);
-    cursor.walk->begin(std::move(selection), withTexts);
+    cursor.walk->begin(std::move(selection), columns);
     return SQLITE_OK;
   });
 }
@@ -315,6 +318,7 @@ sqlite3_module functionModule() {
   module.xEof = [](sqlite3_vtab_cursor* cursor) { return cursorOf(cursor).walk->atEnd() ? 1 : 0; };
   module.xColumn = [](sqlite3_vtab_cursor* cursor, sqlite3_context* context, int column) {
     return guardedSql(&cursor->pVtab->zErrMsg, [&] {
+      cursorOf(cursor).walk->requireUnchanged();
       giveColumn(cursorOf(cursor), context, column);
       return SQLITE_OK;
     });
@@ -322,11 +326,7 @@ sqlite3_module functionModule() {
   module.xRowid = [](sqlite3_vtab_cursor* cursor, sqlite3_int64* number) {
     return guardedSql(&cursor->pVtab->zErrMsg, [&] {
       FunctionCursor& at = cursorOf(cursor);
-      std::array<int, ZTB_MAX_DIMENSION> keys{};
-      for (int position = 0; position < at.table->dimension(); ++position) {
-        keys[static_cast<std::size_t>(position)] = at.walk->key(position);
-      }
-      *number = at.table->rowNumber(keys.data());
+      *number = at.table->rowNumber(at.walk->keys().data());
       return SQLITE_OK;
     });
   };

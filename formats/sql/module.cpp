@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdlib>
 #include <exception>
+#include <limits>
 #include <new>
 
 #include "formats/sql/plan.h"
@@ -16,8 +17,13 @@ namespace {
 struct Cursor {
   sqlite3_vtab_cursor base{};
   SqlWalk walk;
+  // The first column with a number; none has one where it is beyond all.
+  int firstValue;
 
-  explicit Cursor(SqlTable& table) : walk(table) {}
+  explicit Cursor(SqlTable& table)
+      : walk(table),
+        firstValue(table.isSet() || table.isUniverse() ? std::numeric_limits<int>::max()
+                                                       : table.dimension()) {}
 };
 
 // What module and tables share of a connection.
@@ -66,9 +72,8 @@ int bestIndex(sqlite3_vtab* base, sqlite3_index_info* info) {
       return SQLITE_NOMEM;
     }
     info->needToFreeIdxStr = 1;
-    const bool namesText =
-        table.isSet() && !table.isUniverse() && ((info->colUsed >> table.dimension()) & 1) != 0;
-    info->idxNum = namesText ? 1 : 0;
+    // Of the at most 25 columns those that the query names.
+    info->idxNum = static_cast<int>(info->colUsed & std::numeric_limits<int>::max());
     double rows = table.estimate(plan.given);
     // A list or range on the first position is taken for a quarter, as SQLite itself takes it.
     constexpr double partOfRange = 0.25;
@@ -97,16 +102,19 @@ int closeCursor(sqlite3_vtab_cursor* cursor) {
   return SQLITE_OK;
 }
 
-int filter(sqlite3_vtab_cursor* base, int withTexts, const char* conditions, int /*count*/,
+int filter(sqlite3_vtab_cursor* base, int columns, const char* conditions, int /*count*/,
            sqlite3_value** arguments) {
   return guarded(base->pVtab, [&] {
     SqlWalk& walk = cursorOf(base).walk;
-    walk.begin(selectionOf(tableOf(base->pVtab).table, conditions, arguments), withTexts != 0);
+    walk.begin(selectionOf(tableOf(base->pVtab).table, conditions, arguments),
+               static_cast<unsigned>(columns));
     return SQLITE_OK;
   });
 }
 
 int next(sqlite3_vtab_cursor* base) {
+  // Nearly all steps are such.
+  if (cursorOf(base).walk.stepped()) return SQLITE_OK;
   try {
     cursorOf(base).walk.next();
     return SQLITE_OK;
@@ -119,21 +127,37 @@ int atEnd(sqlite3_vtab_cursor* base) {
   return cursorOf(base).walk.atEnd() ? 1 : 0;
 }
 
-void giveColumn(SqlTable& table, SqlWalk& walk, sqlite3_context* context, int column) {
-  if (column < table.dimension()) {
-    const std::string_view label = table.database().labels.text(walk.key(column));
-    sqlite3_result_text(context, label.data(), static_cast<int>(label.size()), SQLITE_STATIC);
-  } else if (table.isSet()) {
-    const ztb::Text text = walk.text();
+// What only few columns need, kept apart, since its buffers would burden each call of column().
+[[gnu::noinline]] int giveText(sqlite3_vtab_cursor* base, sqlite3_context* context) {
+  return guarded(base->pVtab, [&] {
+    const ztb::Text text = cursorOf(base).walk.text();
     sqlite3_result_text(context, text.c_str(), -1, SQLITE_TRANSIENT);
-  } else {
-    sqlite3_result_double(context, walk.value(column - table.dimension()));
-  }
+    return SQLITE_OK;
+  });
+}
+
+[[gnu::noinline]] int show(sqlite3_vtab_cursor* base, int column) {
+  return guarded(base->pVtab, [&] {
+    cursorOf(base).walk.show(column);
+    return SQLITE_OK;
+  });
 }
 
 int column(sqlite3_vtab_cursor* base, sqlite3_context* context, int column) {
+  const Cursor& cursor = cursorOf(base);
+  if (!cursor.walk.shows(column)) {
+    const int result = show(base, column);
+    if (result != SQLITE_OK) return result;
+  }
+  if (column >= cursor.firstValue) {
+    sqlite3_result_double(context, cursor.walk.value(column - cursor.firstValue));
+    return SQLITE_OK;
+  }
+  SqlTable& table = tableOf(base->pVtab).table;
+  if (column >= table.dimension()) return giveText(base, context);
   try {
-    giveColumn(tableOf(base->pVtab).table, cursorOf(base).walk, context, column);
+    const std::string_view label = table.database().labels.text(cursor.walk.key(column));
+    sqlite3_result_text(context, label.data(), static_cast<int>(label.size()), SQLITE_STATIC);
     return SQLITE_OK;
   } catch (...) {
     return guarded(base->pVtab, []() -> int { throw; });
@@ -142,12 +166,7 @@ int column(sqlite3_vtab_cursor* base, sqlite3_context* context, int column) {
 
 int rowNumber(sqlite3_vtab_cursor* base, sqlite3_int64* number) {
   return guarded(base->pVtab, [&] {
-    SqlTable& table = tableOf(base->pVtab).table;
-    std::array<int, ZTB_MAX_DIMENSION> keys{};
-    for (int position = 0; position < table.dimension(); ++position) {
-      keys[static_cast<std::size_t>(position)] = cursorOf(base).walk.key(position);
-    }
-    *number = table.rowNumber(keys.data());
+    *number = tableOf(base->pVtab).table.rowNumber(cursorOf(base).walk.keys().data());
     return SQLITE_OK;
   });
 }

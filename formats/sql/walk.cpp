@@ -1,7 +1,9 @@
 #include "formats/sql/walk.h"
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
+#include <span>
 #include <utility>
 
 namespace formats {
@@ -21,8 +23,11 @@ void SqlWalk::failChanged() const {
                    "records of the database were changed while the query was reading");
 }
 
-void SqlWalk::begin(SqlSelection selection, bool withTexts) {
-  selection_ = std::move(selection);
+void SqlWalk::begin(SqlSelection selection, unsigned columns) {
+  asked_ = std::move(selection);
+  selection_ = asked_;
+  columns_ = columns;
+  passed_ = 0;
   record_ = {};
   at_ = 0;
   filled_ = 0;
@@ -37,6 +42,8 @@ void SqlWalk::begin(SqlSelection selection, bool withTexts) {
     return;
   }
   c__ztbgetuserspecialvalues(symbol.database(), special_.data());
+  leastSpecial_ = std::numeric_limits<double>::infinity();
+  for (const double special : special_) leastSpecial_ = std::fmin(leastSpecial_, std::abs(special));
   const auto positions = static_cast<std::size_t>(table_->dimension());
   const auto given = static_cast<std::size_t>(std::count_if(selection_.labels.data(),
                                                             selection_.labels.data() + positions,
@@ -59,6 +66,7 @@ void SqlWalk::begin(SqlSelection selection, bool withTexts) {
   }
   // The text of a record is asked of the handle that stands on it.
   isOne_ = given == positions && positions > 0;
+  const bool withTexts = table_->isSet() && !table_->isUniverse() && isAsked(positions);
   most_ = withTexts || isOne_ ? 1 : largestBlock;
   blockSize_ = std::min(firstBlock, most_);
   keys_.resize(positions);
@@ -79,6 +87,7 @@ void SqlWalk::keepFirsts() {
 void SqlWalk::fill() {
   do {
     at_ = 0;
+    passed_ += filled_;
     filled_ = 0;
     if (!toRecords()) {
       return;
@@ -97,17 +106,16 @@ void SqlWalk::fill() {
 
 // Puts the handle on the first record behind the block.
 bool SqlWalk::toRecords() {
-  ztbRec* database = table_->database().handle;
   if (kind_ != Kind::slices) {
     if (left_ > 0 && mayGoOn_) {
-      ztb::detail::require(c__ztbrecordmovenext(database, record_.get()), database,
+      ztb::detail::require(c__ztbrecordmovenext(database_, record_.get()), database_,
                            "ztbRecordMoveNext");
     }
     return left_ > 0;
   }
   if (mayGoOn_) {
-    if (ztb::detail::answer(database, "ztbRecordMoveNext",
-                            [&] { return c__ztbrecordmovenext(database, record_.get()) != 0; })) {
+    if (ztb::detail::answer(database_, "ztbRecordMoveNext",
+                            [&] { return c__ztbrecordmovenext(database_, record_.get()) != 0; })) {
       return true;
     }
   }
@@ -124,15 +132,22 @@ bool SqlWalk::toRecords() {
 }
 
 void SqlWalk::readBlock() {
-  ztbRec* database = table_->database().handle;
   std::array<int*, ZTB_MAX_DIMENSION> keys{};
   std::array<double*, ztb::fieldCount> values{};
-  std::ranges::transform(keys_, keys.begin(), [](auto& column) { return column.data(); });
-  std::ranges::transform(values_, values.begin(), [](auto& column) { return column.data(); });
-  const int read = ztbReadRecords(database, record_.get(), static_cast<int>(blockSize_),
+  for (std::size_t position = 0; position < keys_.size(); ++position) {
+    const bool isWanted = isAsked(position) || (position == 0 && !isFirst_.empty());
+    keys[position] = isWanted ? keys_[position].data() : nullptr;
+  }
+  for (std::size_t slot = 0; slot < values_.size(); ++slot) {
+    values[slot] = isAsked(keys_.size() + slot) ? values_[slot].data() : nullptr;
+  }
+  const int read = ztbReadRecords(database_, record_.get(), static_cast<int>(blockSize_),
                                   keys.data(), values.data());
-  ztb::detail::require(read, database, "ztbReadRecords");
+  ztb::detail::require(read, database_, "ztbReadRecords");
   filled_ = static_cast<std::size_t>(read);
+  for (std::size_t slot = 0; slot < values_.size(); ++slot) {
+    if (values[slot] != nullptr) spell(values_[slot]);
+  }
   mayGoOn_ = !isOne_ && filled_ == blockSize_;
   left_ -= std::min(left_, filled_);
   if (!isFirst_.empty()) {
@@ -158,6 +173,29 @@ void SqlWalk::readNumbers() {
   }
 }
 
+const std::array<int, ZTB_MAX_DIMENSION>& SqlWalk::keys() {
+  requireUnchanged();
+  askFor((1U << keys_.size()) - 1);
+  for (std::size_t position = 0; position < keys_.size(); ++position) {
+    allKeys_[position] = keys_[position][at_];
+  }
+  return allKeys_;
+}
+
+void SqlWalk::show(int column) {
+  requireUnchanged();
+  askFor(1U << static_cast<unsigned>(column));
+}
+
+// Goes to the same record again, with these columns in the blocks.
+void SqlWalk::askFor(unsigned columns) {
+  if ((columns_ & columns) == columns) return;
+  const std::size_t here = passed_ + at_;
+  begin(asked_, columns_ | columns);
+  while (passed_ + filled_ <= here) fill();
+  at_ = here - passed_;
+}
+
 // Finds the first record with the chosen labels.
 bool SqlWalk::toFirst() {
   const ztb::Symbol& symbol = table_->symbol();
@@ -179,20 +217,28 @@ bool SqlWalk::toFirst() {
   return record != nullptr;
 }
 
-double SqlWalk::spelled(double value) const {
+void SqlWalk::spell(std::vector<double>& column) const {
   constexpr double infinity = std::numeric_limits<double>::infinity();
-  if (value == special_[ZTB_PLUS_INFINITY]) {
-    return infinity;
+  const std::span<double> block = std::span(column).first(filled_);
+  // Most blocks have none, which several values at once are looked at for.
+  int odd = 0;
+  for (const double value : block) odd |= static_cast<int>(!(std::abs(value) < leastSpecial_));
+  if (odd == 0) return;
+  for (double& value : block) {
+    if (value == special_[ZTB_PLUS_INFINITY]) {
+      value = infinity;
+    } else if (value == special_[ZTB_MINUS_INFINITY]) {
+      value = -infinity;
+    } else if (value == special_[ZTB_UNDEFINED] || value == special_[ZTB_NOT_AVAILABLE]) {
+      value = std::numeric_limits<double>::quiet_NaN();
+    }
   }
-  return value == special_[ZTB_MINUS_INFINITY] ? -infinity
-                                               : std::numeric_limits<double>::quiet_NaN();
 }
 
 ztb::Text SqlWalk::text() const {
   requireUnchanged();
   ztb::Text text;
-  ztbRec* database = table_->database().handle;
-  ztb::detail::require(c__ztbgetelemtext(database, record_.get(), text.buffer()), database,
+  ztb::detail::require(c__ztbgetelemtext(database_, record_.get(), text.buffer()), database_,
                        "ztbGetElemText");
   return text;
 }

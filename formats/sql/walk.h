@@ -23,12 +23,23 @@ struct SqlSelection {
 
 class SqlWalk {
  public:
-  explicit SqlWalk(SqlTable& table) : table_(&table) {}
+  explicit SqlWalk(SqlTable& table) : table_(&table), database_(table.database().handle) {}
 
-  // Stands on the first of them, or at the end. text() can be asked for only if that is told here.
-  void begin(SqlSelection selection, bool withTexts);
+  // Stands on the first of them, or at the end. Of columns whose bit is not set no values are asked
+  // for, nor texts.
+  void begin(SqlSelection selection, unsigned columns);
   [[nodiscard]] bool atEnd() const { return at_ == filled_; }
-  // Throws when records were changed since begin(), as all that follows does.
+  // False when records were changed since begin(); then next() and text() throw.
+  [[nodiscard]] bool isUnchanged() const { return ztbRecordChanges(database_) == changes_; }
+  void requireUnchanged() const {
+    if (!isUnchanged()) failChanged();
+  }
+  // Steps within a block; false, where it stood, at the end of one and when records were changed.
+  [[nodiscard]] bool stepped() {
+    const bool steps = at_ + 1 < filled_ && isUnchanged();
+    at_ += steps ? 1 : 0;
+    return steps;
+  }
   void next() {
     requireUnchanged();
     if (++at_ == filled_) {
@@ -36,43 +47,44 @@ class SqlWalk {
     }
   }
 
-  // Of the record that it stands on.
+  // Whether a column can be read: it was asked for, and records were not changed.
+  [[nodiscard]] bool shows(int column) const {
+    return (columns_ >> static_cast<unsigned>(column) & 1U) != 0 && isUnchanged();
+  }
+  // Throws when records were changed; asks for a column that was not, which is slow the first time.
+  void show(int column);
+  // Of the record that it stands on. REQUIRES: shows() its column.
   [[nodiscard]] int key(int position) const {
-    requireUnchanged();
     return keys_[static_cast<std::size_t>(position)][at_];
   }
   // Special values as SQL has them: infinities, and no number (a NaN) for what has no value.
   [[nodiscard]] double value(int slot) const {
-    requireUnchanged();
-    return ordinary(values_[static_cast<std::size_t>(slot)][at_]);
+    return values_[static_cast<std::size_t>(slot)][at_];
   }
   [[nodiscard]] ztb::Text text() const;
+  // All keys, whatever columns were asked for.
+  const std::array<int, ZTB_MAX_DIMENSION>& keys();
 
  private:
   enum class Kind { all, slices, numbers };
 
-  void requireUnchanged() const {
-    if (table_->database().changes() != changes_) {
-      failChanged();
-    }
-  }
   [[noreturn]] void failChanged() const;
-  [[nodiscard]] double ordinary(double value) const {
-    const bool isSpecial =
-        value == special_[ZTB_UNDEFINED] || value == special_[ZTB_NOT_AVAILABLE] ||
-        value == special_[ZTB_PLUS_INFINITY] || value == special_[ZTB_MINUS_INFINITY];
-    return isSpecial ? spelled(value) : value;
-  }
-  [[nodiscard]] double spelled(double value) const;
+  // Gives special values of the block as SQL has them.
+  void spell(std::vector<double>& column) const;
   void fill();
   bool toRecords();
   void readBlock();
   void readNumbers();
   void keepFirsts();
   bool toFirst();
+  [[nodiscard]] bool isAsked(std::size_t column) const { return (columns_ >> column & 1U) != 0; }
+  void askFor(unsigned columns);
 
   SqlTable* table_;
-  SqlSelection selection_;
+  ztbRec* database_;
+  SqlSelection asked_;      // as it was given
+  SqlSelection selection_;  // what is left of it
+  unsigned columns_ = 0;
   Kind kind_ = Kind::all;
   ztb::detail::OwnedRecord record_;
   unsigned changes_ = 0;
@@ -88,7 +100,10 @@ class SqlWalk {
   std::vector<std::vector<double>> values_;
   std::size_t at_ = 0;
   std::size_t filled_ = 0;
+  std::size_t passed_ = 0;  // records before the block
+  std::array<int, ZTB_MAX_DIMENSION> allKeys_{};
   ztb::SpecialValues special_{};
+  double leastSpecial_ = 0;  // the least of their magnitudes
 };
 
 }  // namespace formats

@@ -25,8 +25,6 @@ class BulkRows {
   BulkRows& operator=(const BulkRows&) = delete;
   virtual ~BulkRows() = default;
 
-  // A bound of how many labels there are.
-  [[nodiscard]] virtual std::size_t mostLabels() const = 0;
   // Asks for the number of each label, in the order in which the rows have them; for some more than
   // once.
   virtual void numberLabels(const std::function<int(const std::string& label)>& number) = 0;

@@ -288,12 +288,6 @@ bool CsvBulk::read(const std::string& path, const CsvBulkForm& form, tool::Progr
   return reading.good();
 }
 
-std::size_t CsvBulk::mostLabels() const {
-  std::size_t count = 0;
-  for (const auto& dictionary : dictionaries_) count += dictionary->size();
-  return count;
-}
-
 void CsvBulk::numberLabels(const std::function<int(const std::string& label)>& number) {
   for (const auto& dictionary : dictionaries_) dictionary->numbers.assign(dictionary->size(), 0);
   for (const auto& chunk : chunks_) {

@@ -37,7 +37,6 @@ class CsvBulk : public BulkRows {
   // Reads a file that is no link to a pipe or the like, and not packed; false where it gives up.
   bool read(const std::string& path, const CsvBulkForm& form, tool::Progress& progress);
 
-  [[nodiscard]] std::size_t mostLabels() const override;
   // For one that several threads met more than once.
   void numberLabels(const std::function<int(const std::string& label)>& number) override;
   [[nodiscard]] std::size_t pieceCount() const override;

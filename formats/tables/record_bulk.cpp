@@ -44,6 +44,23 @@ struct OrderEntry {
   std::uint32_t row;
 };
 
+// Whether the keys of all rows ascend.
+bool ascends(const BulkRows& bulk, const std::vector<std::size_t>& columns) {
+  std::vector<int> last;
+  std::vector<int> keys(columns.size());
+  for (std::size_t number = 0; number < bulk.pieceCount(); ++number) {
+    const BulkRows::Piece& piece = bulk.piece(number);
+    for (std::size_t row = 0; row < piece.rows; ++row) {
+      for (std::size_t key = 0; key < keys.size(); ++key) {
+        keys[key] = piece.labels[columns[key]][row];
+      }
+      if (last >= keys) return false;
+      last = keys;
+    }
+  }
+  return true;
+}
+
 // Sorts both halves at once.
 void sortEntries(std::vector<OrderEntry>& entries) {
   const auto less = [](const OrderEntry& left, const OrderEntry& right) {
@@ -99,11 +116,6 @@ bool RecordImport::readBulk(TableReader& reader, const std::vector<ImportTarget>
                                               : reader.columns(wanted, progress_);
   if (read == nullptr) return false;
   BulkRows& bulk = *read;
-  const auto mostLabels = static_cast<std::size_t>(database_.labelCount()) + bulk.mostLabels();
-  const auto fitsInWord = [&](const BulkColumns& places) {
-    return places.keys.size() * static_cast<std::size_t>(std::bit_width(mostLabels)) <= 64;
-  };
-  if (!std::ranges::all_of(columns, fitsInWord)) return false;
   // What is numbered now has the same numbers when rows are read one by one.
   bulk.numberLabels([this](const std::string& label) { return database_.mergeLabel(label); });
   std::vector<std::vector<std::uint32_t>> orders(columns.size());
@@ -121,6 +133,8 @@ bool RecordImport::orderBulk(const BulkRows& bulk, const BulkColumns& columns,
                              std::vector<std::uint32_t>& order) const {
   const auto bits = static_cast<unsigned>(
       std::bit_width(static_cast<unsigned>(std::max(database_.labelCount(), 1))));
+  // Keys that no word holds are not sorted here.
+  if (bits * columns.keys.size() > 64) return ascends(bulk, columns.keys);
   // Calls use with the key of each row until it gives false.
   const auto eachKey = [&](auto use) {
     for (std::size_t number = 0; number < bulk.pieceCount(); ++number) {

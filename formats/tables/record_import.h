@@ -53,7 +53,6 @@ class RecordImport {
   // From now on each label is looked up in the domain set of its position, which must have been
   // read before the symbol that names it.
   void checkDomains() { checkDomains_ = true; }
-  [[nodiscard]] bool checksDomains() const { return checkDomains_; }
 
   // A set of one position whose elements are there already, in which labels are looked up.
   void know(const ztb::Symbol& set);
@@ -74,8 +73,6 @@ class RecordImport {
   void setChunkBytes(std::size_t bytes) { chunkBytes_ = bytes; }
 
   [[nodiscard]] std::size_t recordCount() const { return recordCount_; }
-  // Counts records that went into the database by another way.
-  void countFilled(std::size_t records) { recordCount_ += records; }
 
  private:
   struct Member {

@@ -115,6 +115,17 @@ class Model {
     return ztbModelUpdatedKind(own());
   }
 
+  // Solves without a database, with a solver that begins afresh each time, and gives the processor
+  // time that it took, in seconds; a solver that finds no solution has solved. Repeated solves with
+  // changed data go through a ModelTie, whose solver stays alive; the symbols of one that there was
+  // before are not told of this solution.
+  double solve(const ZString& solver) {
+    check(watched([&] { return ztbModelSolve(own(), solver.c_str()); }), "ztbModelSolve");
+    return processorSeconds();
+  }
+  // The same with the solver for this kind of model.
+  double solve();
+
   // Why the last solve had no solution: rows and bounds that cannot hold together, in words such
   // as "demand(oslo) >= 30", and what ztbModelConflictIsIrreducible and its like tell.
   struct Conflict {
@@ -357,6 +368,10 @@ inline const char* standardSolver(int kind) noexcept {
     default:
       return "bonmin";
   }
+}
+
+inline double Model::solve() {
+  return solve(standardSolver(kind()));
 }
 
 // Ties a database to a model: its symbols take their records from the model's solution.

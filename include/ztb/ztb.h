@@ -326,7 +326,8 @@ int c__ztbgetrecordraw(ztbRec* ztb, void* rec, int dim, int* keys, double* value
 /* Copies records by columns, the one that the handle stands on first, and leaves the handle on the
  * last of them: at most `most`, and their number is returned, 0 after a failure. keys has an array
  * of `most` label numbers for each position, values an array of `most` doubles for each slot, 1 or
- * 5. Much faster than a step and a read for each record. Of the universe there are no values. */
+ * 5; one that is null is left out. Much faster than a step and a read for each record. Of the
+ * universe there are no values. */
 static inline int ztbReadRecords(ztbRec* ztb, void* rec, int most, int* const* keys,
                                  double* const* values) {
   return ztb->recordReader(ztb, rec, most, keys, values);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <utility>
 
 #include "providers/model/solvers/claim_check.h"
@@ -27,7 +28,18 @@ double secondsSince(std::chrono::steady_clock::time_point begin) {
 
 }  // namespace
 
+// What a limit leaves has a bound where the marginals of the last basis prove one.
 void CheckedSolver::solve(const SolverLimits& limits, SolverResult& result) {
+  solveBelieved(limits, result);
+  const bool isLimited = result.outcome == Outcome::timeLimit ||
+                         result.outcome == Outcome::iterationLimit ||
+                         result.outcome == Outcome::terminated;
+  if (isLimited && std::isinf(result.bound)) {
+    result.bound = provenBound(*problem_, result.rowMarginal);
+  }
+}
+
+void CheckedSolver::solveBelieved(const SolverLimits& limits, SolverResult& result) {
   doubt_.clear();
   const auto begin = std::chrono::steady_clock::now();
   if (!std::exchange(isWarm_, true)) {

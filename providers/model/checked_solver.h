@@ -33,6 +33,8 @@ class CheckedSolver : public Solver {
   static constexpr double kLeastWarmSeconds = 2;
 
  private:
+  void solveBelieved(const SolverLimits& limits, SolverResult& result);
+
   std::unique_ptr<Solver> solver_;
   const SolverProblem* problem_ = nullptr;
   SolverProblem cold_{};    // the same without a basis to begin with

@@ -30,6 +30,11 @@ std::string acceptableLabel(const std::string& label) {
   return result.empty() ? "_" : result;
 }
 
+// What may be the name of an element; any other name is that of a symbol without labels.
+bool hasLabels(std::string_view name) {
+  return std::any_of(name.begin(), name.end(), [](char c) { return c == '[' || c == '('; });
+}
+
 // The rows of the defaults that a database keeps for variables: 1 binary, 2 integer, 3 not
 // negative, 4 not positive, 5 free.
 int boundsKind(const ColumnData& column) {
@@ -42,6 +47,15 @@ int boundsKind(const ColumnData& column) {
 }  // namespace
 
 void DictionaryBuilder::build(const ModelData& data) {
+  // Each of these is a symbol of its own, of which a large model may have very many.
+  const auto withoutLabels = [](const auto& items) {
+    return std::count_if(items.begin(), items.end(),
+                         [](const auto& item) { return !hasLabels(item.name); });
+  };
+  const auto most =
+      static_cast<std::size_t>(withoutLabels(data.columns) + withoutLabels(data.rows));
+  dictionary_.symbols_.reserve(most);
+  symbolNames_.reserve(most);
   dictionary_.columns_.reserve(data.columns.size());
   dictionary_.rows_.reserve(data.rows.size());
   // A kind is 1 at least, so 0 is that of a symbol without elements so far.
@@ -111,7 +125,7 @@ void DictionaryBuilder::sortElements(const DictionarySymbol& symbol, std::span<i
 Dictionary::Entry DictionaryBuilder::add(SymbolType type, const std::string& modelName) {
   const std::size_t first = dictionary_.keys_.size();
   // Most names of large models have no labels.
-  if (modelName.find_first_of("[(") == std::string::npos) {
+  if (!hasLabels(modelName)) {
     return {newSymbol(type, modelName, 0), 0, first};
   }
   const ElementName name = parseElementName(modelName);
@@ -147,17 +161,17 @@ int DictionaryBuilder::symbolFor(SymbolType type, const ElementName& name, std::
 }
 
 int DictionaryBuilder::newSymbol(SymbolType type, const std::string& modelName, int dimension) {
-  const std::string name =
+  std::string name =
       symbolNames_.take(dictionary_.symbols_, acceptableName(modelName), ztb::parameterSuffix);
   const int number = static_cast<int>(dictionary_.symbols_.size()) + 1;
-  DictionarySymbol symbol{name, "", type, dimension, 0, {}};
+  std::string text;
   if (name != modelName) {
-    symbol.text = modelName.substr(0, 255);
+    text = modelName.substr(0, 255);
     dictionary_.notes_.push_back((type == SymbolType::variable ? "variable \"" : "equation \"") +
                                  modelName + "\" of dimension " + std::to_string(dimension) +
                                  " is called \"" + name + "\"");
   }
-  dictionary_.symbols_.push_back(std::move(symbol));
+  dictionary_.symbols_.push_back({std::move(name), std::move(text), type, dimension, 0, {}});
   return number;
 }
 

@@ -29,6 +29,9 @@ class DistinctNames {
     }
   }
 
+  // Makes room for so many names at once, where none was taken yet.
+  void reserve(std::size_t names) { taken_.reserve(names); }
+
   // The names that were taken, by the numbers of their items; nothing is left here.
   NameIndex<FoldedNames> release() { return std::exchange(taken_, {}); }
 

@@ -80,4 +80,9 @@ const Catalogue& Environment::catalogue() {
   return *catalogue_;
 }
 
+const Catalogue& Environment::catalogueAsOfNow() {
+  catalogue_.reset();
+  return catalogue();
+}
+
 }  // namespace lomu

@@ -55,9 +55,10 @@ class Environment {
   // The limits of the options, with the request to terminate.
   [[nodiscard]] SolverLimits limits();
 
-  // The catalogue in the system directory, read again when that option was changed. Throws
-  // ModelError.
+  // The catalogue in the system directory, read again when that option was changed, or read now.
+  // Both throw ModelError.
   const Catalogue& catalogue();
+  const Catalogue& catalogueAsOfNow();
 
  private:
   Options options_;

@@ -3,7 +3,10 @@
 #include <algorithm>
 #include <atomic>
 #include <cmath>
+#include <iterator>
+#include <map>
 #include <numeric>
+#include <tuple>
 
 namespace lomu {
 
@@ -71,6 +74,19 @@ Statuses statusesOf(const SolverResult& result) {
   }
 }
 
+// Without those that add up to nothing in their row: a model that has no others is linear.
+std::vector<Product> countingProducts(const std::vector<Product>& products) {
+  const auto placeOf = [](const Product& p) {
+    return std::tuple(p.row, std::min(p.column1, p.column2), std::max(p.column1, p.column2));
+  };
+  std::map<std::tuple<int, int, int>, double> sums;
+  for (const Product& p : products) sums[placeOf(p)] += p.value;
+  std::vector<Product> counting;
+  std::copy_if(products.begin(), products.end(), std::back_inserter(counting),
+               [&](const Product& p) { return sums.at(placeOf(p)) != 0; });
+  return counting;
+}
+
 }  // namespace
 
 Instance::Instance(const ModelData& data, const DrivenNumbers& driven)
@@ -79,7 +95,7 @@ Instance::Instance(const ModelData& data, const DrivenNumbers& driven)
       rows_(data.rows.size()),
       matrix_(data),
       linearized_(matrix_.value),
-      products_(data.products),
+      products_(countingProducts(data.products)),
       carrierCount_(driven.carrierCount),
       driven_(driven.numbers),
       drivenStart_(at(driven.carrierCount) + 1, 0) {
@@ -395,7 +411,10 @@ void Instance::takeBound(const SolverResult& result) {
   if (!result.hasPoint) {
     // Where there is no best point, nothing bounds one.
     const bool none = result.outcome == Outcome::infeasible || result.outcome == Outcome::unbounded;
-    bound_ = products_.empty() && !none ? sign * result.bound - rhs_[0] : -sign * kInfinity;
+    // The solver was handed products as costs where the model was presented as linear.
+    const bool isLinearForm = products_.empty() || (forcedLinear_ && isLinear(lowers(), uppers()));
+    const double shift = alternativeRhs_ ? alternativeRhsOf_[0] : rhs_[0];
+    bound_ = isLinearForm && !none ? sign * result.bound - shift : -sign * kInfinity;
     return;
   }
   bound_ = rows_[0].level;

@@ -59,6 +59,8 @@ void enterAll(const Items& items, std::size_t first, NameIndex<>& names, const s
 }  // namespace
 
 ModelBuilder::ModelBuilder(ModelData data) : data_(std::move(data)) {
+  columnNames_.reserve(data_.columns.size());
+  rowNames_.reserve(data_.rows.size());
   enterAll(data_.columns, 0, columnNames_, "column");
   enterAll(data_.rows, 1, rowNames_, "row");
   checkFreeRow(data_.rows.front().name);

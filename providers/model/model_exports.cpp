@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "providers/model/fixed_text.h"
+#include "providers/model/fresh_solve.h"
 #include "providers/model/model.h"
 #include "providers/model/model_builder.h"
 #include "providers/model/model_error.h"
@@ -254,6 +255,14 @@ MODEL_EXPORT int ztbModelKind(ztbModel* model) {
 MODEL_EXPORT int ztbModelUpdatedKind(ztbModel* model) {
   const bool inUse = model != nullptr && model->model != nullptr;
   return inUse ? static_cast<int>(model->model->instance.alternativeType()) : 0;
+}
+
+MODEL_EXPORT int ztbModelSolve(ztbModel* model, const char* solver) {
+  return change(model, [&] {
+    if (solver == nullptr) throw ModelError("no solver was named");
+    if (ztbModelPbi(model) == nullptr) throw ModelError(model->message);
+    lomu::solveFresh(*model->model, solver);
+  });
 }
 
 MODEL_EXPORT int ztbModelStatus(ztbModel* model) {

@@ -14,7 +14,7 @@ namespace lomu {
 
 namespace {
 
-constexpr std::size_t kBlock = std::size_t{1} << 18U;
+constexpr std::size_t kBlock = std::size_t{1} << 16U;
 constexpr std::size_t kMaxLine = std::size_t{1} << 20U;
 
 // The number of all of the text, old spellings such as 1.5D+3 included.

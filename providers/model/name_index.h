@@ -2,6 +2,8 @@
 #ifndef ZTB_PROVIDERS_MODEL_NAME_INDEX_H_
 #define ZTB_PROVIDERS_MODEL_NAME_INDEX_H_
 
+#include <algorithm>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -45,6 +47,12 @@ class NameIndex {
  public:
   static constexpr int kNone = -1;
 
+  // Makes room for so many names at once, where none was entered yet.
+  void reserve(std::size_t names) {
+    if (count_ > 0) return;
+    slots_.assign(std::bit_ceil(std::max(kSmallest, 2 * names + 2)), {});
+  }
+
   template <typename Items>
   [[nodiscard]] int find(const Items& items, std::string_view name) const {
     return slots_.empty() ? kNone : slots_[slotOf(items, name, hashOf(name))].number;
@@ -66,6 +74,8 @@ class NameIndex {
   }
 
  private:
+  static constexpr std::size_t kSmallest = 64;
+
   struct Slot {
     std::uint32_t hash = 0;
     int number = kNone;
@@ -90,7 +100,6 @@ class NameIndex {
   }
 
   void grow() {
-    constexpr std::size_t kSmallest = 64;
     std::vector<Slot> larger(slots_.empty() ? kSmallest : 2 * slots_.size());
     for (const Slot& slot : slots_) {
       if (slot.number == kNone) continue;

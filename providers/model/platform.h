@@ -32,6 +32,11 @@ std::filesystem::path pathOf(const std::string& path);
 std::FILE* openFile(const std::string& path, const char* mode);
 int openDescriptor(const std::string& path);
 void closeDescriptor(int descriptor);
+// Bytes from where it stands: how many, 0 at the end, -1 and errno where that fails. `size` is at
+// most the largest int.
+long readDescriptor(int descriptor, char* bytes, unsigned size);
+// Back to the beginning: 0, or -1 and errno.
+int rewindDescriptor(int descriptor);
 
 // Brings what was written to the disk. Result: 0, or errno.
 int syncFile(std::FILE* file);

@@ -53,6 +53,18 @@ void closeDescriptor(int descriptor) {
   close(descriptor);
 }
 
+long readDescriptor(int descriptor, char* bytes, unsigned size) {
+  ssize_t count = -1;
+  do {
+    count = read(descriptor, bytes, size);
+  } while (count < 0 && errno == EINTR);
+  return count;
+}
+
+int rewindDescriptor(int descriptor) {
+  return lseek(descriptor, 0, SEEK_SET) == 0 ? 0 : -1;
+}
+
 int syncFile(std::FILE* file) {
   return fsync(fileno(file)) == 0 ? 0 : errno;
 }

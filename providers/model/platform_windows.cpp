@@ -98,6 +98,14 @@ void closeDescriptor(int descriptor) {
   _close(descriptor);
 }
 
+long readDescriptor(int descriptor, char* bytes, unsigned size) {
+  return _read(descriptor, bytes, size);
+}
+
+int rewindDescriptor(int descriptor) {
+  return _lseeki64(descriptor, 0, SEEK_SET) == 0 ? 0 : -1;
+}
+
 int syncFile(std::FILE* file) {
   return _commit(_fileno(file)) == 0 ? 0 : errno;
 }

@@ -3,6 +3,7 @@
 #include <zlib.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstdint>
 #include <filesystem>
@@ -45,21 +46,16 @@ std::uintmax_t checkedSize(const std::string& file) {
   return size;
 }
 
-gzFile openChecked(const std::string& file, std::size_t& size) {
+// A descriptor of the file, which has something in it.
+int openChecked(const std::string& file, std::size_t& size) {
   size = static_cast<std::size_t>(checkedSize(file));
   const int descriptor = platform::openDescriptor(file);
   if (descriptor < 0) failReading(file, {errno, std::generic_category()});
-  gzFile stream = gzdopen(descriptor, "rb");
-  if (stream == nullptr) {
-    platform::closeDescriptor(descriptor);
-    throw std::bad_alloc();
-  }
   if (size == 0) {
-    gzclose(stream);
+    platform::closeDescriptor(descriptor);
     throw ModelError(file + ":1:1: the file is empty, expected text", ZTB_ERROR_DAMAGED_FILE);
   }
-  gzbuffer(stream, kBlock);
-  return stream;
+  return descriptor;
 }
 
 gzFile streamOf(void* stream) {
@@ -70,7 +66,7 @@ gzFile streamOf(void* stream) {
 
 void checkReadable(const std::string& file) {
   std::size_t size = 0;
-  gzclose(openChecked(file, size));
+  platform::closeDescriptor(openChecked(file, size));
 }
 
 bool hasEnding(const std::string& file, const std::string& ending) {
@@ -79,15 +75,61 @@ bool hasEnding(const std::string& file, const std::string& ending) {
 }
 
 TextSource::TextSource(std::string file)
-    : file_(std::move(file)),
-      stream_(openChecked(file_, size_)),
-      packed_(hasEnding(file_, ".gz")) {}
+    : file_(std::move(file)), descriptor_(openChecked(file_, size_)) {
+  try {
+    readAhead();
+  } catch (...) {
+    platform::closeDescriptor(descriptor_);
+    throw;
+  }
+}
 
 TextSource::~TextSource() {
-  gzclose(streamOf(stream_));
+  if (stream_ != nullptr) {
+    gzclose(streamOf(stream_));
+  } else {
+    platform::closeDescriptor(descriptor_);
+  }
+}
+
+// Packed files go through zlib. Plain ones do not, though it lets them pass: it would copy them
+// twice.
+void TextSource::readAhead() {
+  constexpr std::string_view kPacked = "\x1f\x8b";
+  std::array<char, kPacked.size()> begin{};
+  const bool isPacked = readPlain(begin.data(), begin.size()) == begin.size() &&
+                        std::string_view(begin.data(), begin.size()) == kPacked;
+  if (!isPacked && hasEnding(file_, ".gz")) {
+    throw ModelError(file_ + ": the file is not packed, expected what gzip writes",
+                     ZTB_ERROR_DAMAGED_FILE);
+  }
+  if (platform::rewindDescriptor(descriptor_) != 0) {
+    failReading(file_, {errno, std::generic_category()});
+  }
+  if (!isPacked) return;
+  const gzFile stream = gzdopen(descriptor_, "rb");
+  if (stream == nullptr) throw std::bad_alloc();
+  gzbuffer(stream, kBlock);
+  stream_ = stream;
 }
 
 std::size_t TextSource::read(char* bytes, std::size_t size) {
+  return stream_ == nullptr ? readPlain(bytes, size) : readPacked(bytes, size);
+}
+
+std::size_t TextSource::readPlain(char* bytes, std::size_t size) {
+  std::size_t got = 0;
+  while (got < size) {
+    const auto wanted = static_cast<unsigned>(std::min<std::size_t>(size - got, kMaxText));
+    const long count = platform::readDescriptor(descriptor_, bytes + got, wanted);
+    if (count < 0) failReading(file_, {errno, std::generic_category()});
+    if (count == 0) break;
+    got += static_cast<std::size_t>(count);
+  }
+  return got;
+}
+
+std::size_t TextSource::readPacked(char* bytes, std::size_t size) {
   std::size_t got = 0;
   while (got < size) {
     const auto wanted = static_cast<unsigned>(std::min<std::size_t>(size - got, kBlock));
@@ -95,11 +137,7 @@ std::size_t TextSource::read(char* bytes, std::size_t size) {
     const int count = gzread(streamOf(stream_), bytes + got, wanted);
     int code = Z_OK;
     const char* const text = gzerror(streamOf(stream_), &code);
-    if (code == Z_ERRNO) {
-      throw ModelError(file_ + ": " + std::error_code(errno, std::generic_category()).message() +
-                           ", expected a file that can be read",
-                       ZTB_ERROR_IO);
-    }
+    if (code == Z_ERRNO) failReading(file_, {errno, std::generic_category()});
     if (code == Z_MEM_ERROR) throw std::bad_alloc();
     if (code != Z_OK && code != Z_STREAM_END) {
       throw ModelError(file_ + ": the packed file is damaged or cut off (" + text +
@@ -107,10 +145,6 @@ std::size_t TextSource::read(char* bytes, std::size_t size) {
                        ZTB_ERROR_DAMAGED_FILE);
     }
     if (count <= 0) break;
-    if (packed_ && got == 0 && gzdirect(streamOf(stream_)) != 0) {
-      throw ModelError(file_ + ": the file is not packed, expected what gzip writes",
-                       ZTB_ERROR_DAMAGED_FILE);
-    }
     got += static_cast<std::size_t>(count);
   }
   return got;

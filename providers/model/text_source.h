@@ -15,7 +15,8 @@ bool hasEnding(const std::string& file, const std::string& ending);
 
 class TextSource {
  public:
-  // Opens the file; one whose name ends in .gz is unpacked. Throws ModelError as checkReadable.
+  // Opens the file; one that begins as packed ones do is unpacked, whatever its name, and one whose
+  // name ends in .gz has to be packed. Throws ModelError as checkReadable.
   explicit TextSource(std::string file);
   ~TextSource();
   TextSource(const TextSource&) = delete;
@@ -30,10 +31,14 @@ class TextSource {
   [[nodiscard]] std::size_t fileSize() const { return size_; }
 
  private:
+  void readAhead();
+  std::size_t readPlain(char* bytes, std::size_t size);
+  std::size_t readPacked(char* bytes, std::size_t size);
+
   std::string file_;
   std::size_t size_ = 0;
-  void* stream_;  // zlib's, which passes files that are not packed through
-  bool packed_;
+  int descriptor_;
+  void* stream_ = nullptr;  // zlib's, which then has the descriptor; null for a plain file
 };
 
 // All of a file. Throws ModelError, also when there are more bytes than the largest int tells.

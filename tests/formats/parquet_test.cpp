@@ -265,13 +265,72 @@ TEST_F(ParquetTest, TellsAFileThatIsMissingCutOrOfOtherRows) {
   fewer.write(folder_.file("fewer.rxf"));
   Job replaced({{"symbol", "price"}, {"to", price}});
   ASSERT_TRUE(replaced.exportFile(folder_.file("fewer.rxf"))) << replaced.errors(folder_);
-  EXPECT_EQ(refusalOfFolder(), "dir/price.parquet: has 1 row, and 2 were written to it");
+  EXPECT_THAT(refusalOfFolder(),
+              StartsWith("dir/price.parquet: has 1 row, and 2 were written to it\n"));
   replace(price, ZTB_PARQUET_FILES "/null_label.parquet");
-  EXPECT_EQ(refusalOfFolder(), "dir/price.parquet: row 2: a label is missing");
+  EXPECT_THAT(refusalOfFolder(),
+              StartsWith("dir/price.parquet: row 2: food: is empty, expected a label"));
   writeFolder();
   replace(folder_.file("dir/_labels.parquet"), price);
   EXPECT_THAT(refusalOfFolder(),
               StartsWith("dir/_labels.parquet: row 1: the header is not label\n"));
+}
+
+TEST_F(ParquetTest, TellsAllThatIsWrongWithAFolderAtOnce) {
+  database_.addParameter("cost", {"food"}).add("Milk").setLevel(1);
+  database_.addVariable("x", 0, {"food"}).add("Milk").setLevel(1);
+  writeFolder();
+  formats::DuckdbSession session;
+  const auto forge = [&](const std::string& name, const std::string& query) {
+    const std::string path = folder_.file("dir/" + name + ".parquet");
+    session.run("copy (" + query + ") to '" + path + "' (format parquet)", path);
+  };
+  forge("price",
+        "select * from (values ('Milk', 'a', 1.0), ('milk', 'A', 2.0)) t(food, dim_2, value)");
+  forge("cost", "select * from (values ('Milk', 1.0), ('Tofu', 2.0)) t(food, value)");
+  forge("x", "select 'Milk' as food, 1.0 as level");
+  EXPECT_THAT(
+      refusalOfFolder(),
+      StartsWith("dir/price.parquet: row 2: record (\"Milk\",\"a\") of price stands in row 1 "
+                 "already (the case of letters does not matter)\n"
+                 "dir/cost.parquet: has 2 rows, and 1 were written to it\n"
+                 "dir/x.parquet: has 2 fields, expected 6 for variable x with 1 position\n"
+                 "back.rxf: not written: 3 problems in the input"));
+}
+
+// Keys of 20 positions are longer than a word, in the order of their rows and in another one.
+TEST_F(ParquetTest, MovesLongKeysInAnyOrder) {
+  const std::string file = folder_.file("long.parquet");
+  formats::DuckdbSession session;
+  const auto errorsOf = [&](const std::string& rows, int expected) {
+    std::string columns;
+    std::string keys;
+    for (int key = 1; key <= 20; ++key) {
+      columns += "'l' || ((i + " + std::to_string(key) + ") % 50) as k" + std::to_string(key) + ",";
+      keys += (key > 1 ? ", k" : "k") + std::to_string(key);
+    }
+    session.run("copy (select " + columns + " i / 4.0 as v from (" + rows + ") r(i)) to '" + file +
+                    "' (format parquet)",
+                file);
+    Job in({{"from", file}, {"parameter", "p(" + keys + ") = v"}});
+    if (!in.import(folder_.file("long.rxf"))) return in.errors(folder_);
+    const ztb::Database read = ztb::Database::open(folder_.file("long.rxf"));
+    EXPECT_EQ(read["p"].recordCount(), expected);
+    double sum = 0;
+    for (const ztb::Row row : read["p"].rows()) {
+      // Labels of neighbours follow each other; the first tells the row.
+      const int first = std::stoi(read.label(row.keys[0]).str().substr(1));
+      EXPECT_EQ(read.label(row.keys[19]).str(), "l" + std::to_string((first + 19) % 50));
+      EXPECT_EQ(row.values[0], ((first + 49) % 50) / 4.0);
+      sum += row.values[0];
+    }
+    EXPECT_EQ(sum, 49 * 50 / 8.0);
+    return std::string();
+  };
+  EXPECT_EQ(errorsOf("select * from range(50)", 50), "");
+  EXPECT_EQ(errorsOf("select 7 * range % 50 from range(50)", 50), "");
+  EXPECT_THAT(errorsOf("select range % 50 from range(51)", 50),
+              StartsWith("long.parquet: row 51: record (\"l1\",\"l2\","));
 }
 
 TEST_F(ParquetTest, RefusesWhatItCannotTake) {

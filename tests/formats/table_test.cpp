@@ -20,6 +20,7 @@ namespace {
 using formatstest::Job;
 using formatstest::Options;
 using testing::HasSubstr;
+using testing::StartsWith;
 
 class TableTest : public testing::Test {
  protected:
@@ -210,6 +211,49 @@ TEST_F(TableTest, ReadsJsonLines) {
                       "2021")
                 ->level(),
             5e-324);
+}
+
+TEST_F(TableTest, KeepsTheSignOfAZeroInJsonLines) {
+  write("a.jsonl", "{\"food\":\"Milk\",\"cents\":-0}\n{\"food\":-0,\"cents\":0}\n");
+  const ztb::Database database = imported("a.jsonl", price);
+  EXPECT_TRUE(std::signbit(database["price"].find("Milk")->level()));
+  EXPECT_FALSE(std::signbit(database["price"].find("-0")->level()));
+}
+
+TEST_F(TableTest, TellsOfWholeNumbersOfJsonLinesThatNoDoubleHolds) {
+  write("a.jsonl",
+        "{\"food\":9007199254740993,\"cents\":9007199254740993}\n"
+        "{\"food\":12345678901234567890123,\"cents\":-12345678901234567890123}\n"
+        "{\"food\":1.50,\"cents\":9007199254740994}\n"
+        "{\"food\":1e3,\"cents\":1e23}\n");
+  Job job({{"from", folder_.file("a.jsonl")}, {"parameter", "price(food) = cents"}});
+  ASSERT_TRUE(job.import(folder_.file("a.rxf"))) << job.errors(folder_);
+  EXPECT_EQ(job.warnings(folder_),
+            "a.jsonl:1: warning: cents: 9007199254740993 is no double, the nearest one is taken\n"
+            "a.jsonl:2: warning: cents: -12345678901234567890123 is no double, the nearest one is "
+            "taken\n");
+  const ztb::Database read = ztb::Database::open(folder_.file("a.rxf"));
+  EXPECT_EQ(read["price"].find("9007199254740993")->level(), 9007199254740992.0);
+  EXPECT_EQ(read["price"].find("12345678901234567890123")->level(), -12345678901234567890123.0);
+  EXPECT_TRUE(read["price"].find("1.5").has_value());
+  EXPECT_TRUE(read["price"].find("1000").has_value());
+  write("b.jsonl", "{\"food\":\"Milk\",\"cents\":1}\n{\"food\":\"Tofu\",\"cents\":-1e999}\n");
+  EXPECT_THAT(errorsOf("b.jsonl", price),
+              StartsWith("b.jsonl:2: the number '-1e999' is outside the range of a double\n"));
+}
+
+TEST_F(TableTest, TakesVeryManyKeysOfJsonLines) {
+  std::string line = "{\"food\":\"Milk\"";
+  for (int column = 0; column < 1000000; ++column) {
+    line += ",\"c" + std::to_string(column) + "\":" + std::to_string(column);
+  }
+  write("many.jsonl", line + "}\n" + "{\"food\":\"Tofu\",\"c999999\":7,\"c3\":1}\n");
+  const ztb::Database database = imported("many.jsonl", {{"parameter", "price(food) = c999999"}});
+  EXPECT_EQ(database["price"].find("Milk")->level(), 999999);
+  EXPECT_EQ(database["price"].find("Tofu")->level(), 7);
+  write("twice.jsonl", line.substr(0, line.find(",\"c100\"")) + ",\"c77\":1}\n");
+  EXPECT_THAT(errorsOf("twice.jsonl", price),
+              HasSubstr("twice.jsonl:1: has the key 'c77' twice\n"));
 }
 
 TEST_F(TableTest, TellsWhatIsWrongWithJsonLines) {

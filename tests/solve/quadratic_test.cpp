@@ -29,6 +29,41 @@ TEST(Quadratic, TheNearestPointOfALine) {
   EXPECT_NEAR(database.symbol("distance").find()->level(), 5, 1e-6);
 }
 
+// max x + y, x^2 + y^2 <= 10 over integers: 4, as in (1, 3); (2, 3) is outside.
+TEST(Quadratic, IntegersWithinAConvexRow) {
+  ztb::Model model;
+  model.setObjective("sum", true);
+  const int x = model.addColumn("x", 0, 9, ztbColumnInteger);
+  const int y = model.addColumn("y", 0, 9, ztbColumnInteger);
+  const int row = model.addRow("circle", ztbRowLessOrEqual, 10);
+  for (const int column : {x, y}) {
+    model.addTerm(0, column, 1);
+    model.addProduct(row, column, column, 1);
+  }
+  model.solve("bonmin");
+  EXPECT_EQ(model.status(), ztbModelOptimal);
+  EXPECT_NEAR(model.objective(), 4, 1e-6);
+  EXPECT_NEAR(model.bound(), 4, 1e-4);
+}
+
+// A product that counts nothing makes no model quadratic.
+TEST(Quadratic, ProductsOfNothingLeaveALinearModel) {
+  ztb::Model model;
+  model.setObjective("cost");
+  const int x = model.addColumn("x", 1, 9);
+  const int y = model.addColumn("y", 1, 9);
+  const int row = model.addRow("sum", ztbRowGreaterOrEqual, 5);
+  model.addTerm(0, x, 2), model.addTerm(0, y, 1);
+  model.addTerm(row, x, 1), model.addTerm(row, y, 1);
+  model.addProduct(0, x, x, 0);
+  model.addProduct(row, x, y, 3), model.addProduct(row, y, x, -3);
+  EXPECT_EQ(model.kind(), ztbKindLinear);
+  model.solve("clp");
+  EXPECT_NEAR(model.objective(), 2 + 4, 1e-9);
+  model.solve("glpk");
+  EXPECT_NEAR(model.objective(), 2 + 4, 1e-9);
+}
+
 // min (x - 1.6)^2 + (y - 2.3)^2 over integers with x + 2 y <= 5: (2, 2) is out, (1, 2) is 0.45
 // away, and nothing else as near.
 TEST(Quadratic, TheNearestIntegerPoint) {

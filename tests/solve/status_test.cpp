@@ -1,12 +1,16 @@
-// How solves end: statuses told apart, refusals with their reasons, limits, terminate, the log.
+// How solves end: statuses told apart, refusals with their reasons, limits, terminate, the log;
+// through a database and without one.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <ztb/solver.h>
 
+#include <algorithm>
+#include <cmath>
 #include <fstream>
 #include <limits>
 #include <sstream>
 #include <string>
+#include <tuple>
 #include <ztb/model.hpp>
 
 #include "tests/solve/transport.h"
@@ -34,14 +38,27 @@ ztb::Model small(double need, int kind = ztbColumnContinuous, double lowerOfY = 
   return model;
 }
 
+// The text of a solve that fails; a model is solved through a database first, then without one, and
+// both say the same and find the same.
 std::string failure(ztb::Model& model, const char* solver) {
+  const auto textOf = [](const auto& solve) -> std::string {
+    try {
+      solve();
+    } catch (const ztb::Error& error) {
+      return error.what();
+    }
+    return "";
+  };
+  const auto found = [&] {
+    return std::tuple(model.status(), model.solveStatus(),
+                      model.hasSolution() ? std::llround(1e6 * model.objective()) : 0);
+  };
   ztb::Database database;
-  try {
-    ztb::ModelTie(database, model).solve(solver);
-  } catch (const ztb::Error& error) {
-    return error.what();
-  }
-  return "";
+  const std::string text = textOf([&] { ztb::ModelTie(database, model).solve(solver); });
+  const auto foundByDatabase = found();
+  EXPECT_EQ(textOf([&] { model.solve(solver); }), text);
+  EXPECT_EQ(found(), foundByDatabase);
+  return text;
 }
 
 class Solvers : public testing::TestWithParam<const char*> {};
@@ -86,6 +103,44 @@ TEST_P(LinearSolvers, StopAtTheIterationLimit) {
   EXPECT_EQ(failure(model, GetParam()), "");
   EXPECT_EQ(model.solveStatus(), ztbSolveIterationLimit);
   EXPECT_NE(model.status(), ztbModelOptimal);
+}
+
+// Costs and shipments are at least 0, so at least that is proved; and nothing beyond the optimum.
+TEST_P(LinearSolvers, TellAtALimitWhatTheMarginalsProve) {
+  const solvetest::Transport transport(20, 30);
+  const double best = transport.solvedAfresh().objective;
+  for (const char* iterations : {"1", "5", "10", "20"}) {
+    ztb::Model model = transport.model();
+    model.setOption("IterationLimit", iterations);
+    EXPECT_EQ(failure(model, GetParam()), "");
+    ASSERT_EQ(model.solveStatus(), ztbSolveIterationLimit);
+    EXPECT_GE(model.bound(), 0);
+    EXPECT_LE(model.bound(), best + 1e-6 * best);
+  }
+}
+
+// With greater demands the dual method begins at a basis whose marginals prove the optimum of
+// before, for none of them is negative of a demand.
+TEST_P(LinearSolvers, TellAtALimitTheBoundThatALiveSolveBeganWith) {
+  solvetest::Transport transport(20, 30);
+  ztb::Model model = transport.model();
+  ztb::Database database;
+  ztb::ModelTie tie(database, model);
+  tie.solve(GetParam());
+  ASSERT_EQ(model.status(), ztbModelOptimal);
+  const double before = model.objective();
+  ztb::Symbol demand = database.addParameter("demand", {"*"});
+  for (int j = 0; j < transport.targets; ++j) {
+    double& amount = transport.demand[static_cast<std::size_t>(j)];
+    amount *= j % 3 == 0 ? 1.4 : 1.1;
+    demand.add(solvetest::target(j)).setLevel(amount);
+  }
+  tie.update(database.symbol("demand_var"), ztb::Action::fix, demand, ztb::Missing::keep);
+  model.setOption("IterationLimit", "1");
+  tie.solve(GetParam());
+  ASSERT_EQ(model.solveStatus(), ztbSolveIterationLimit);
+  EXPECT_GE(model.bound(), before * (1 - 1e-6));
+  EXPECT_LE(model.bound(), transport.solvedAfresh().objective * (1 + 1e-6));
 }
 
 INSTANTIATE_TEST_SUITE_P(All, LinearSolvers, testing::Values("clp", "glpk"),
@@ -133,6 +188,7 @@ TEST_F(Catalogues, WithoutASolverForTheKindOfModelIsTold) {
     EXPECT_STREQ(error.what(),
                  "The model has integer columns and products of columns that can move. Invalid "
                  "solver name: bonmin: the only solver is clp");
+    EXPECT_EQ(failure(model, "bonmin"), error.what());
   }
 }
 

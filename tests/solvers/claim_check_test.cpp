@@ -10,6 +10,7 @@
 namespace ztbtest {
 namespace {
 
+using lomu::provenBound;
 using lomu::provesInfeasible;
 using lomu::provesUnbounded;
 
@@ -33,6 +34,29 @@ TEST(ClaimCheck, aRayOfTheRowsProvesThatNoPointExists) {
   EXPECT_FALSE(provesInfeasible(model.problem(), {1}));
   EXPECT_FALSE(provesInfeasible(model.problem(), {kInf, 0}));
   EXPECT_FALSE(provesInfeasible(model.problem(), {}));
+}
+
+// With weights w of x + y >= 4: 4 w and what is left of the costs, 1 - w a column, at their best
+// end.
+TEST(ClaimCheck, marginalsProveABound) {
+  SmallModel model = narrow(5);
+  EXPECT_EQ(provenBound(model.problem(), {1, 0}), 4);
+  EXPECT_EQ(provenBound(model.problem(), {0.5, 0}), 2);
+  EXPECT_EQ(provenBound(model.problem(), {2, 0}), 8 - 1 - 5);
+  EXPECT_EQ(provenBound(model.problem(), {0, 0}), 0);
+  EXPECT_EQ(provenBound(model.problem(), {-1, 0}), 0) << "the row has no side above";
+  EXPECT_EQ(provenBound(model.problem(), {kInf, 0}), 0);
+  // x - y <= -1 counts from above: 4 + 1 and (1 - 1 + 1) x at 0, (1 - 1 - 1) y at 5.
+  EXPECT_EQ(provenBound(model.problem(), {1, -1}), 4 + 1 - 5);
+  model.upper[1] = kInf;
+  // The weights count by half, where y costs nothing more.
+  EXPECT_EQ(provenBound(model.problem(), {2, 0}), 4);
+  EXPECT_NEAR(provenBound(model.problem(), {1 + 1e-7, 0}), 4, 1e-9);
+  model.cost[1] = -1;
+  EXPECT_EQ(provenBound(model.problem(), {1, 0}), -kInf);
+  EXPECT_EQ(provenBound(model.problem(), {0, 0}), -kInf);
+  model.lower[0] = 2;  // and at most 1: what holds of no point proves nothing
+  EXPECT_EQ(provenBound(model.problem(), {1, 0}), -kInf);
 }
 
 TEST(ClaimCheck, aRayProvesNothingWithinTheTolerance) {

@@ -129,10 +129,14 @@ TEST(IntegerProduct, standsInRows) {
   model.row({0, 0}, -kInf, 5);
   model.products = {{0, 0, 0, 1.0}, {0, 1, 1, 1.0}};
   SolverResult result = solveFresh("bonmin", model);
-  ASSERT_EQ(result.outcome, Outcome::locallyOptimal) << result.reason;
+  ASSERT_EQ(result.outcome, Outcome::optimal) << result.reason;
   EXPECT_EQ(result.level, (std::vector<double>{1, 2}));
-
   model.rowUpper[0] = -1;
+  EXPECT_EQ(solveFresh("bonmin", model).outcome, Outcome::infeasible);
+
+  // Its outside is not convex: no corner of the square is 90 away.
+  model.rowLower[0] = 90;
+  model.rowUpper[0] = kInf;
   result = solveFresh("bonmin", model);
   EXPECT_EQ(result.outcome, Outcome::failed);
   EXPECT_EQ(result.reason, "bonmin found no feasible point, and rows have products");

@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "providers/model/solvers/watch.h"
 #include "tests/solvers/random_model.h"
 
 namespace ztbtest {
@@ -46,6 +47,17 @@ TEST_P(Limit, byTheCallerBeforeTheFirstIteration) {
   const SolverResult result = solveFresh(GetParam(), random_.model, limits_);
   EXPECT_EQ(result.outcome, Outcome::terminated) << result.reason;
   EXPECT_FALSE(result.hasPoint);
+}
+
+TEST(Watch, endsWhatCannotBeAskedBeforeTheTimeIsOver) {
+  SolverLimits limits;
+  limits.seconds = 1000;
+  lomu::Watch watch(limits);
+  EXPECT_FALSE(watch.mustStop());
+  EXPECT_FALSE(watch.mustStopWithin(1));
+  EXPECT_TRUE(watch.mustStopWithin(1001));
+  EXPECT_TRUE(watch.mustStop());
+  EXPECT_EQ(watch.reason(), Outcome::timeLimit);
 }
 
 TEST_P(Limit, leavesNoLessThanASolverThatGoesOn) {

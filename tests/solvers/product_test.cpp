@@ -88,9 +88,44 @@ TEST(Product, curvesARow) {
   model.row({0, 0}, -kInf, 1);
   model.products = {{0, 0, 0, 1.0}, {0, 1, 1, 1.0}};
   const SolverResult result = solveFresh("ipopt", model);
-  ASSERT_EQ(result.outcome, Outcome::locallyOptimal) << result.reason;
+  ASSERT_EQ(result.outcome, Outcome::optimal) << result.reason;
   EXPECT_NEAR(model.objective(result.level), -std::sqrt(2.0), 1e-6);
   EXPECT_NEAR(result.rowMarginal[0], -std::sqrt(0.5), 1e-5);
+}
+
+// The inside of a circle is convex however it is written, its line and its outside are not.
+TEST(Product, ofRowsThatHoldAConvexSetLeavesABestPoint) {
+  SmallModel model;
+  model.column(-1, -3, 3);
+  model.column(-1, -3, 3);
+  model.row({0, 0}, -1, kInf);
+  model.products = {{0, 0, 0, -1.0}, {0, 1, 1, -1.0}};
+  EXPECT_EQ(solveFresh("ipopt", model).outcome, Outcome::optimal);
+  model.rowUpper[0] = -1;
+  EXPECT_EQ(solveFresh("ipopt", model).outcome, Outcome::locallyOptimal);
+  model.rowLower[0] = -kInf;
+  EXPECT_EQ(solveFresh("ipopt", model).outcome, Outcome::locallyOptimal);
+  // Products that cancel leave an equation of a line, x + y = 1.
+  model.row({1, 1}, 1, 1);
+  model.rowUpper[0] = kInf;
+  model.products = {{1, 0, 1, 2.0}, {1, 1, 0, -2.0}};
+  EXPECT_EQ(solveFresh("ipopt", model).outcome, Outcome::optimal);
+  // Beside a row that is convex, an objective that is not.
+  model.products = {{0, 0, 0, -1.0}, {0, 1, 1, -1.0}, {kObjectiveRow, 0, 1, 1.0}};
+  model.rowLower[0] = -1;
+  EXPECT_EQ(solveFresh("ipopt", model).outcome, Outcome::locallyOptimal);
+}
+
+// x^2 + y^2 <= 1 and x + y >= 5 hold at no point, and rows that are convex tell so.
+TEST(Product, ofRowsThatHoldAConvexSetTellsInfeasible) {
+  SmallModel model;
+  model.column(1, -9, 9);
+  model.column(0, -9, 9);
+  model.row({0, 0}, -kInf, 1);
+  model.row({1, 1}, 5, kInf);
+  model.products = {{0, 0, 0, 1.0}, {0, 1, 1, 1.0}};
+  const SolverResult result = solveFresh("ipopt", model);
+  EXPECT_EQ(result.outcome, Outcome::infeasible) << result.reason;
 }
 
 // x y on a square from -1 to 1 has a saddle in (0, 0), where a start must not stay.
@@ -127,10 +162,11 @@ TEST(Product, tellsUnbounded) {
   EXPECT_FALSE(result.hasPoint);
 }
 
+// x^2 >= 30 with x at most 5: the set is not convex, so Ipopt proves nothing.
 TEST(Product, doesNotClaimThatCurvedRowsAreInfeasible) {
   SmallModel model;
   model.column(0, -5, 5);
-  model.row({0}, -kInf, -1);
+  model.row({0}, 30, kInf);
   model.products = {{0, 0, 0, 1.0}};
   const SolverResult result = solveFresh("ipopt", model);
   EXPECT_EQ(result.outcome, Outcome::failed);

@@ -125,6 +125,34 @@ TEST_P(Blocks, OfTheUniverseAreLabelNumbers) {
   c__ztbfreesymboliterator(database_.handle(), record);
 }
 
+TEST_P(Blocks, LeaveOutTheColumnsWithoutAnArray) {
+  ztb::Symbol x = database_.addVariable("x", 5, {"*", "*", "*"});
+  x.put(std::array{1, 2, 3}, std::array<double, 5>{1, 2, 3, 4, 5});
+  x.put(std::array{2, 1, 3}, std::array<double, 5>{6, 7, database_.specialValues()[1], 9, 10});
+  database_.setSpecialValues({1e40, 2e40, 3e40, 4e40, 5e40});
+  for (const bool inSlice : {false, true}) {
+    std::array<int, 2> second{};
+    std::array<double, 2> lower{};
+    std::array<int*, 3> keys{nullptr, second.data(), nullptr};
+    std::array<double*, 5> values{nullptr, nullptr, lower.data(), nullptr, nullptr};
+    void* record = nullptr;
+    const char* slice[] = {" ", " ", "c"};
+    const int found =
+        inSlice ? c__ztbfindfirstrecordslice(database_.handle(), x.handle(), slice, &record)
+                : c__ztbfindfirstrecord(database_.handle(), x.handle(), &record);
+    ASSERT_EQ(found, 1);
+    EXPECT_EQ(ztbReadRecords(database_.handle(), record, 2, keys.data(), values.data()), 2);
+    EXPECT_THAT(second, ElementsAre(2, 1));
+    EXPECT_THAT(lower, ElementsAre(3, 2e40));
+    c__ztbfreesymboliterator(database_.handle(), record);
+  }
+  void* record = nullptr;
+  ASSERT_EQ(c__ztbfindfirstrecord(database_.handle(), database_.universe().handle(), &record), 1);
+  int* none = nullptr;
+  EXPECT_EQ(ztbReadRecords(database_.handle(), record, 2, &none, nullptr), 2);
+  c__ztbfreesymboliterator(database_.handle(), record);
+}
+
 TEST_P(Blocks, NeedAHandleAndACount) {
   EXPECT_EQ(read(nullptr, 1), 0);
   EXPECT_STREQ(database_.lastError().c_str(), "No symbol record handle specified");

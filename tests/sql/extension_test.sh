@@ -46,7 +46,8 @@ fails() {
 fails "select * from ztb('diet.rxf', 'nothing')" 'diet.rxf: there is no symbol nothing'
 fails "select * from ztb('none.rxf', 'price')" 'none.rxf'
 fails "select * from ztb('diet.rxf')" 'ztb() takes a file and the name of a symbol'
-fails "select * from ztb('diet.rxf', 'wide')" 'symbol wide has 5 positions, of which * shows 4'
+fails "select * from ztb('diet.rxf', 'wide')" \
+  'symbol wide has 5 positions, of which * shows 4: name dim_5 and on, or create virtual table using ztb_symbol'
 fails "create virtual table p using ztb_symbol('diet.rxf')" \
   'ztb_symbol takes a file and the name of a symbol'
 fails "create virtual table p using ztb_symbol('diet.rxf', 'price'); delete from p" \

@@ -277,6 +277,25 @@ TEST_F(SqlQuery, TellsRecordsOfManyPositionsApart) {
               UnorderedElementsAre("1.0", "2.0"));
 }
 
+// The number of a row is asked for though no column of a key is, in the middle of blocks too.
+TEST_F(SqlQuery, NumbersRowsOfWhichFewColumnsAreRead) {
+  ztb::Symbol big = database_.addParameter("big", {"*", "*"});
+  for (int i = 1; i <= 40; ++i) database_.mergeLabel("n" + std::to_string(i));
+  for (int i = 1; i <= 40; ++i) {
+    for (int j = 1; j <= 40; ++j) big.put(std::array{i, j}, 100 * i + j);
+  }
+  begin();
+  EXPECT_THAT(rows("select count(distinct rowid), count(distinct value), sum(value) from big"),
+              ElementsAre("1600 1600 3312800.0"));
+  EXPECT_THAT(rows("select value, (select dim_1 || dim_2 from big b where b.rowid = a.rowid) = "
+                   "dim_1 || dim_2 from big a where value in (101, 4040)"),
+              ElementsAre("101.0 1", "4040.0 1"));
+  EXPECT_THAT(rows("select value from big where value > 3900 and rowid > 0 limit 1 offset 60"),
+              ElementsAre("4021.0"));
+  EXPECT_THAT(rows("select text from food where rowid > 0 and text <> ''"),
+              ElementsAre("in quarts"));
+}
+
 TEST_F(SqlQuery, ReadsOnlyTheSymbolsOfTheQuery) {
   const ztbtest::TempFolder folder;
   database_.write(folder.file("diet.rxf"));

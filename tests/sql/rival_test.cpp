@@ -125,6 +125,20 @@ TEST_P(SqlRival, GivesTheAnswersOfItsOwnTables) {
       "where a.k = " +
       quoted(labels[2]) + " order by 1, 2, 3, 4";
   EXPECT_EQ(answer(own, join), answer(rival, join));
+  // Queries that name few columns, and rows that are told apart by their numbers nevertheless.
+  for (const std::string wanted : {"value", "k", "count(*)", "sum(value)"}) {
+    const std::string query = "select " + wanted + " from p where i = " + quoted(labels[3]) +
+                              " or j = " + quoted(labels[5]) + " or k in (" + quoted(labels[1]) +
+                              ", " + quoted(labels[2]) + ") order by 1";
+    EXPECT_EQ(answer(own, query), answer(rival, query)) << query;
+  }
+  EXPECT_EQ(answer(own, "select count(distinct rowid) from p"),
+            answer(rival, "select count(*) from p"));
+  EXPECT_EQ(answer(own, "select rowid from p where i = " + quoted(labels[39])),
+            answer(own,
+                   "select a.rowid from p a where (select b.i from p b where b.rowid = "
+                   "a.rowid) = " +
+                       quoted(labels[39])));
   ztbSqlClose(&sql);
   sqlite3_close(rival);
 }

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# A command starts with the database and the models alone: a tree without the libraries of files, of
+# A command starts with the models alone: a tree without the libraries of the database, of files, of
 # queries and of formats solves a model, and says which library it misses when it needs one.
 #
 #   late_libraries_test.sh ZTB LIBRARY_FOLDER
@@ -14,13 +14,13 @@ fail() {
 
 mkdir "$folder/bin" "$folder/lib"
 cp "$ztb" "$folder/bin/ztb"
-cp "$libraries"/lib{ztbcclib64,lomudclib64,nmtmdclib64,ztbclp}.so "$libraries/vltcmpNT.txt" "$folder/lib"
+cp "$libraries"/lib{lomudclib64,ztbclp}.so "$libraries/vltcmpNT.txt" "$folder/lib"
 printf 'NAME small\nROWS\n N cost\n G least\nCOLUMNS\n x cost 2 least 1\nRHS\n RHS least 3\nENDATA\n' \
   >"$folder/small.mps"
 said=$(LD_DEBUG=files "$folder/bin/ztb" solve "$folder/small.mps" 2>"$folder/files") ||
   fail "small.mps was not solved: $said"
 grep -Eq '^objective +6$' <<<"$said" || fail "of small.mps it was said: $said"
-! grep -Eq 'calling init: .*(rxf|sql|formats|sweep|view)' "$folder/files" || fail 'a solve opened more than it needs'
+! grep -Eq 'calling init: .*(ztbcc|nmtmd|rxf|zstd|sql|formats|sweep|view)' "$folder/files" || fail 'a solve opened more than it needs'
 
 misses() {
   local library=$1
@@ -30,6 +30,8 @@ misses() {
     <<<"$said" || fail "of $library it was said: $said"
 }
 echo 'no file of ours' >"$folder/small.rxf"
+misses libztbcclib64.so solve "$folder/small.mps" --show x
+cp "$libraries"/lib{ztbcclib64,nmtmdclib64}.so "$folder/lib"
 misses librxfcclib64.so info "$folder/small.rxf"
 misses libztbsweep.so sweep --collect --parts "$folder" --out "$folder/out.rxf"
 misses libztbview.so view "$folder/small.rxf"

@@ -101,6 +101,21 @@ TEST_F(SolveReportTest, CsvLeavesTheExplanationToStandardError) {
   }
 }
 
+// Without an iteration nothing is known but that x and y are at least 2 and 1 of 3 x + 5 y; and of
+// a column without an end nothing at all.
+TEST_F(SolveReportTest, TellsWhatIsProvedWhenALimitCameFirst) {
+  const std::vector<std::string> solve = {"solve", "l.lp",     "--solver",
+                                          "clp",   "--option", "IterationLimit=0"};
+  const std::string rows =
+      "Minimize\n o: 3 x + 5 y\nSubject To\n c: x + y >= 9\n d: x - y >= -2\n"
+      "Bounds\n";
+  write("l.lp", rows + " x >= 2\n y >= 1\nEnd\n");
+  EXPECT_THAT(ztb(solve).output, HasSubstr("iteration limit\nbound       11\n"));
+  write("l.lp", rows + " x free\n y free\nEnd\n");
+  EXPECT_THAT(ztb(solve).output,
+              HasSubstr("iteration limit\nbound       none: nothing is proved of better points\n"));
+}
+
 // 2 x = 3 has no integer, though a bound of the objective.
 TEST_F(SolveReportTest, NothingBoundsWhatHasNoPoint) {
   write("i.lp", "Minimize\n o: x + y\nSubject To\n c: x + y >= 6\n d: 2 x = 3\nGeneral\n x\nEnd\n");

@@ -343,8 +343,8 @@ TEST_F(SolveTest, SaysWhatToInstallForASolverWithoutItsLibrary) {
   const std::string option = "NameSysDir=" + path("");
   expectFails(
       1,
-      "ztb: m.lp: solver bonmin did not solve the model: there is no solver \"bonmin\": the "
-      "solver cannot be opened: " +
+      "ztb: m.lp: The model has integer columns and products of columns that can move. Invalid "
+      "solver name: bonmin: the solver cannot be opened: " +
           path("libztbbonmin.so") +
           ": cannot open shared object file: No such file or directory (package "
           "ztb-solvers)\n",
@@ -424,6 +424,17 @@ TEST_F(SolveTest, BeginsWithAStartAndTellsWhetherItWasTaken) {
   EXPECT_THAT(
       ztbFine({"solve", "things.lp", "--start", "all.rxf"}),
       testing::AllOf(StartsWith("objective   9\n"), HasSubstr("\nstart       not taken\n")));
+}
+
+TEST_F(SolveTest, TellsThatASolverHasNoStart) {
+  write("things.lp", kThings);
+  ztbFine({"solve", "things.lp", "--set", "take(a)=0", "--out", "start.rxf"});
+  for (const char* solver : {"glpk", "bonmin"}) {
+    EXPECT_THAT(
+        ztbFine({"solve", "things.lp", "--start", "start.rxf", "--solver", solver}),
+        testing::AllOf(StartsWith("objective   9\n"),
+                       HasSubstr("\nstart       not taken: cbc alone begins with a point\n")));
+  }
 }
 
 TEST_F(SolveTest, RefusesAStartOfAnotherModel) {

@@ -16,6 +16,7 @@
 #include "tools/commands/memory_option.h"
 #include "tools/commands/table_options.h"
 #include "tools/files/exchange_file.h"
+#include "tools/files/freed_memory.h"
 #include "tools/files/standard_streams.h"
 #include "tools/files/system_files.h"
 #include "tools/models/model_input.h"
@@ -122,7 +123,13 @@ std::string withoutSolution(const ztb::Model& model) {
 // How far from the best a solution may be that a limit or a signal left.
 void printBound(const ztb::Model& model) {
   const double bound = model.bound();
-  if (!std::isfinite(bound)) return;
+  if (!std::isfinite(bound)) {
+    const int ended = model.solveStatus();
+    const bool isLimited = ended == ztbSolveIterationLimit || ended == ztbSolveTimeLimit ||
+                           ended == ztbSolveTerminated;
+    if (isLimited) print("bound       none: nothing is proved of better points\n");
+    return;
+  }
   print(fmt::format("bound       {}\n", NumberText(bound).view()));
   if (const std::optional<double> gap = gapOf(model)) {
     print(fmt::format("gap         {:.3g} %\n", 100 * *gap));
@@ -147,7 +154,11 @@ void printSummary(const SolveReport& report, int digits) {
                     ztbModelSolveStatusText(model.solveStatus())));
   if (model.status() == ztbModelFeasible || !model.hasSolution()) printBound(model);
   if (report.started) {
-    print(fmt::format("start       {}\n", model.startTaken() ? "taken" : "not taken"));
+    const bool hasStarts = sameFolded(report.solver, "cbc");
+    print(fmt::format("start       {}\n", model.startTaken() ? "taken"
+                                          : hasStarts
+                                              ? "not taken"
+                                              : "not taken: cbc alone begins with a point"));
   }
   if (!report.basis.empty()) print(fmt::format("basis       {}\n", report.basis));
   print(fmt::format(
@@ -194,6 +205,15 @@ void withBasis(ModelSession& session, void (ztb::Model::*use)(const ztb::ZString
   }
 }
 
+void applyInput(const SolveOptions& options, const std::optional<ExchangeFile>& data,
+                const ModelFills* filling, ModelSession& session) {
+  if (!data && options.settings.empty() && options.start.empty()) return;
+  ModelInput input(session);
+  if (data) input.applyFile(*data, filling);
+  for (const std::string& setting : options.settings) input.applySetting(setting);
+  if (!options.start.empty()) input.applyStart(options.start);
+}
+
 void run(const SolveOptions& options) {
   if (options.csv && !options.ranging && options.shown.size() > 1) {
     throw UsageError("--csv prints one table: name one symbol with --show, or none");
@@ -204,6 +224,7 @@ void run(const SolveOptions& options) {
   refuseReplacing({options.model, options.modelData, options.data, options.start}, options.out);
   if (!options.out.empty() && options.out != "-") requirePlace(options.out);
   if (!options.basis.empty()) requirePlace(options.basis);
+  keepFreedMemory();
   OutputFile output(options.out);
   Progress progress;
   progress.step("reading " + options.model);
@@ -212,16 +233,15 @@ void run(const SolveOptions& options) {
   std::optional<ModelFills> fills;
   if (data && takesFills(options.model)) fills.emplace(*data);
   ModelFills* const filling = fills ? &*fills : nullptr;
-  ModelSession session(options.model, options.modelData, filling, options.drives);
+  ModelSession session(options.model, options.modelData, filling, options.drives,
+                       ModelSession::Tied::whenAsked);
   for (const std::string& note : session.notes(options.notes)) printError("ztb: " + note);
   setOptions(session.model(), options.options);
   for (const std::string& name : options.shown) {
     (void)solvedSymbol(session, session.database(), name);
   }
-  ModelInput input(session);
-  if (data) input.applyFile(*data, filling);
-  for (const std::string& setting : options.settings) input.applySetting(setting);
-  if (!options.start.empty()) input.applyStart(options.start);
+  if (!options.out.empty()) (void)session.database();
+  applyInput(options, data, filling, session);
 
   const bool hadBasis = !options.basis.empty() && std::filesystem::exists(pathOf(options.basis));
   if (hadBasis) withBasis(session, &ztb::Model::readBasis, options.basis);
@@ -231,7 +251,7 @@ void run(const SolveOptions& options) {
   try {
     const SolveInterrupt interrupt(session.model());
     const Progress::Detail detail(progress, SolveProgress(session.model()));
-    session.tie().solve(solver);
+    session.solve(solver);
   } catch (const ztb::Error& error) {
     throw Failure(withFile(options.model, error.what()));
   }

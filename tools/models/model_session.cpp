@@ -51,13 +51,33 @@ std::string listed(const std::vector<std::string>& names) {
 }
 
 ModelSession::ModelSession(const std::string& modelFile, const std::string& dataFile,
-                           ModelFills* fills, const std::vector<std::string>& drives)
+                           ModelFills* fills, const std::vector<std::string>& drives, Tied tied)
     : file_(modelFile), model_(openDriven(modelFile, dataFile, fills, drives)) {
-  tie_.emplace(database_.emplace(), model_);
+  if (tied == Tied::atOnce) (void)tie();
+  // From here on the model has the names that a database knows, and notes of those.
+  (void)model_.pbi();
+}
+
+ztb::Database& ModelSession::database() {
+  (void)tie();
+  return *database_;
+}
+
+ztb::ModelTie& ModelSession::tie() {
+  if (!tie_) tie_.emplace(database_.emplace(), model_);
+  return *tie_;
+}
+
+void ModelSession::solve(const std::string& solver) {
+  if (tie_) {
+    tie_->solve(solver);
+  } else {
+    model_.solve(solver);
+  }
 }
 
 std::string ModelSession::standardSolver() {
-  return ztb::standardSolver(tie_->kind());
+  return ztb::standardSolver(tie_ ? tie_->kind() : model_.kind());
 }
 
 std::string ModelSession::standardSolverOfParameters() {

@@ -1,4 +1,4 @@
-// A model tied to a database of its own: what `ztb solve` and `ztb sweep` work on.
+// A model, and a database of its own that it is tied to: what `ztb solve` and `ztb sweep` work on.
 //
 // A parameter `price` drives the columns price_var of the model, which stand in its file or come of
 // a statement such as "price(food) = cost of buy". Data files and the command line name parameters,
@@ -24,17 +24,27 @@ ztb::Model openModel(const std::string& file, const std::string& dataFile,
 
 class ModelSession {
  public:
+  // When the database is made. A model that is solved once, with no data and no symbol read, needs
+  // none, and then the libraries of the database are not opened.
+  enum class Tied { atOnce, whenAsked };
+
   // Opens a model file; `dataFile` belongs to a .mod and may be empty, as may what fills its sets
   // and parameters. `drives` are statements of what symbols drive in it. Throws Failure.
   ModelSession(const std::string& modelFile, const std::string& dataFile,
-               ModelFills* fills = nullptr, const std::vector<std::string>& drives = {});
+               ModelFills* fills = nullptr, const std::vector<std::string>& drives = {},
+               Tied tied = Tied::atOnce);
   ModelSession(const ModelSession&) = delete;
   ModelSession& operator=(const ModelSession&) = delete;
 
   [[nodiscard]] ztb::Model& model() { return model_; }
-  [[nodiscard]] ztb::Database& database() { return *database_; }
-  [[nodiscard]] ztb::ModelTie& tie() { return *tie_; }
+  // Made now where they were not yet; all below but solve(), standardSolver() and notes() REQUIRE
+  // that they are there.
+  [[nodiscard]] ztb::Database& database();
+  [[nodiscard]] ztb::ModelTie& tie();
   [[nodiscard]] const std::string& file() const { return file_; }
+
+  // Solves, through the database where there is one. Throws ztb::Error.
+  void solve(const std::string& solver);
 
   // The solver for the kind that the next solve will find, or that a solve will find once
   // parameters were applied.

@@ -93,7 +93,7 @@ void BonminSolver::solveWithin(Watch& watch, const SolverLimits& limits,
   }
   const IpoptProblem asked(problem_, watch);
   const bool rowsAreLinear = !asked.rowsHaveProducts();
-  const bool isConvex = rowsAreLinear && curvesUpwards(asked.curved(), problem_.columnCount);
+  const bool convex = isConvex(problem_, asked.curved());
   SolverResult point = result;
   if (rowsAreLinear && !findBound(watch, limits, point)) {
     result.outcome = point.outcome;
@@ -102,8 +102,9 @@ void BonminSolver::solveWithin(Watch& watch, const SolverLimits& limits,
     return;
   }
   result.iterations = point.iterations;
-  searchByBonmin(problem_, isConvex, watch, result);
-  if (!result.hasPoint && result.outcome == Outcome::infeasible) {
+  searchByBonmin(problem_, convex, watch, result);
+  const bool isBelieved = !rowsAreLinear && rowsAreConvex(problem_, asked.curved());
+  if (!result.hasPoint && result.outcome == Outcome::infeasible && !isBelieved) {
     result.outcome = Outcome::failed;
     result.reason = rowsAreLinear ? "bonmin found no feasible point, though there is one"
                                   : "bonmin found no feasible point, and rows have products";
@@ -114,7 +115,7 @@ void BonminSolver::solveWithin(Watch& watch, const SolverLimits& limits,
     result.hasPoint = true;
   }
   if (result.hasPoint) complete(result);
-  if (result.outcome == Outcome::optimal && !isConvex) result.outcome = Outcome::locallyOptimal;
+  if (result.outcome == Outcome::optimal && !convex) result.outcome = Outcome::locallyOptimal;
 }
 
 // Whether the rows have a point with integers, which is left, and the objective an end; else what

@@ -157,6 +157,63 @@ std::string optimumDoubt(const SolverProblem& problem, const SolverResult& resul
   return "its marginals leave room for a better point";
 }
 
+namespace {
+
+// A cost less the weighted rows, at the best end of its column, for rows that count by `share`.
+// Rounding may turn the sign of a number that should be 0.
+double leastOf(double cost, const Sum& rows, double share, double lower, double upper) {
+  const double rest = cost - share * rows.value;
+  if (rest == 0) return 0;
+  const double end = rest > 0 ? lower : upper;
+  if (std::isfinite(end)) return rest * end;
+  const bool isRounding = std::abs(rest) <= kRounding * std::max(std::abs(cost), rows.largest);
+  return isRounding ? 0 : -HUGE_VAL;
+}
+
+// The largest share of the rows, at most 1, with which no column that has no end is left with a
+// cost that draws it there: a perturbed solver stops a little beyond it.
+double shareWithoutEnds(const SolverProblem& problem, const std::vector<Sum>& sums) {
+  double share = 1;
+  for (int j = 0; j < problem.columnCount; ++j) {
+    const Sum& rows = sums[static_cast<std::size_t>(j)];
+    const double cost = problem.cost[j];
+    if (!std::isinf(leastOf(cost, rows, 1, problem.lower[j], problem.upper[j]))) continue;
+    const double ratio = cost / rows.value;
+    if (!(ratio >= 0)) return 1;
+    share = std::min(share, ratio);
+  }
+  return share;
+}
+
+}  // namespace
+
+double provenBound(const SolverProblem& problem, const std::vector<double>& rowMarginal) {
+  LinearForm form;
+  std::string reason;
+  if (!form.take(problem, reason) || form.boundsCross()) return -HUGE_VAL;
+  const SolverProblem linear = form.problem();
+  // A row without the side that its weight asks for counts nothing.
+  std::vector<double> weights(rowMarginal.size());
+  double sides = 0;
+  for (std::size_t i = 0; i < weights.size(); ++i) {
+    const double side = rowMarginal[i] > 0 ? linear.rowLower[i] : linear.rowUpper[i];
+    if (!std::isfinite(rowMarginal[i]) || rowMarginal[i] == 0 || std::isinf(side)) continue;
+    weights[i] = rowMarginal[i];
+    sides += rowMarginal[i] * side;
+  }
+  std::vector<Sum> sums;
+  for (int j = 0; j < linear.columnCount; ++j) {
+    sums.push_back(columnSum(linear, j, weights.data()));
+  }
+  const double share = shareWithoutEnds(linear, sums);
+  double bound = share * sides;
+  for (int j = 0; j < linear.columnCount; ++j) {
+    bound += leastOf(linear.cost[j], sums[static_cast<std::size_t>(j)], share, linear.lower[j],
+                     linear.upper[j]);
+  }
+  return std::isnan(bound) ? -HUGE_VAL : bound;
+}
+
 std::string claimDoubt(const SolverProblem& problem, const SolverResult& result) {
   LinearForm form;
   std::string reason;

@@ -31,6 +31,11 @@ std::string optimumDoubt(const SolverProblem& problem, const SolverResult& resul
 // optimum with integers nothing but its point can be looked at.
 std::string claimDoubt(const SolverProblem& problem, const SolverResult& result);
 
+// What no objective of the problem is below, integers or not, as the marginals of the rows prove
+// it: any numbers prove one, those of a dual feasible basis that of the basis. Minus infinity where
+// they prove none, and for a problem that is not linear.
+double provenBound(const SolverProblem& problem, const std::vector<double>& rowMarginal);
+
 }  // namespace lomu
 
 #endif  // ZTB_PROVIDERS_MODEL_SOLVERS_CLAIM_CHECK_H_

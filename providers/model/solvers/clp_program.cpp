@@ -165,7 +165,11 @@ void ClpProgram::solve(Watch& watch, SolverResult& result) {
   } else {
     decideUnsolvable(watch, result);
   }
-  if (result.hasPoint) leavePoint(result);
+  if (result.hasPoint) {
+    leavePoint(result);
+  } else if (wasLimited()) {
+    leaveMarginals(result);
+  }
   result.iterations = iterations_;
   isWhole_ = true;
 }
@@ -228,6 +232,12 @@ void ClpProgram::decideUnsolvable(Watch& watch, SolverResult& result) {
   }
   result.outcome = Outcome::failed;
   result.reason = "clp gave up with status " + std::to_string(simplex_.status());
+}
+
+// Of a basis without a point.
+void ClpProgram::leaveMarginals(SolverResult& result) const {
+  const double* const duals = simplex_.dualRowSolution();
+  std::copy(duals, duals + form_.rowCount, result.rowMarginal.begin());
 }
 
 void ClpProgram::leavePoint(SolverResult& result) const {

@@ -91,6 +91,7 @@ class ClpProgram {
   void rangeCosts(SolverRanges& ranges);
   void rangeRows(SolverRanges& ranges);
   [[nodiscard]] bool wasLimited() const { return simplex_.status() == 3 || simplex_.status() == 5; }
+  void leaveMarginals(SolverResult& result) const;
   void leavePoint(SolverResult& result) const;
 
   ClpSimplex simplex_;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <map>
 #include <numeric>
 #include <utility>
 #include <vector>
@@ -109,6 +110,55 @@ bool curvesUpwards(std::span<const SolverProduct> products, int columnCount) {
     if (!matrix.isSemidefinite()) return false;
   }
   return true;
+}
+
+namespace {
+
+// The products of each row, and of the objective.
+std::map<int, std::vector<SolverProduct>> byRows(std::span<const SolverProduct> products) {
+  std::map<int, std::vector<SolverProduct>> rows;
+  for (const SolverProduct& p : products) rows[p.row].push_back(p);
+  return rows;
+}
+
+// With the sign turned where `sign` is -1. The columns are numbered anew: a row has few of them.
+bool curves(std::vector<SolverProduct> products, double sign) {
+  std::vector<int> columns;
+  for (const SolverProduct& p : products) {
+    columns.push_back(p.column1);
+    columns.push_back(p.column2);
+  }
+  std::sort(columns.begin(), columns.end());
+  columns.erase(std::unique(columns.begin(), columns.end()), columns.end());
+  const auto placeOf = [&](int column) {
+    return static_cast<int>(std::lower_bound(columns.begin(), columns.end(), column) -
+                            columns.begin());
+  };
+  for (SolverProduct& p : products) {
+    p = {p.row, placeOf(p.column1), placeOf(p.column2), sign * p.value};
+  }
+  return curvesUpwards(products, static_cast<int>(columns.size()));
+}
+
+bool rowIsConvex(const SolverProblem& problem, int row,
+                 const std::vector<SolverProduct>& products) {
+  return (std::isinf(problem.rowUpper[row]) || curves(products, 1)) &&
+         (std::isinf(problem.rowLower[row]) || curves(products, -1));
+}
+
+}  // namespace
+
+bool rowsAreConvex(const SolverProblem& problem, std::span<const SolverProduct> products) {
+  return std::ranges::all_of(byRows(products), [&](const auto& row) {
+    return row.first == kObjectiveRow || rowIsConvex(problem, row.first, row.second);
+  });
+}
+
+bool isConvex(const SolverProblem& problem, std::span<const SolverProduct> products) {
+  return std::ranges::all_of(byRows(products), [&](const auto& row) {
+    return row.first == kObjectiveRow ? curves(row.second, 1)
+                                      : rowIsConvex(problem, row.first, row.second);
+  });
 }
 
 }  // namespace lomu

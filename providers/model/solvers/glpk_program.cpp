@@ -298,7 +298,16 @@ void GlpkProgram::solveLinear(Watch& watch, SolverResult& result) {
   } else {
     result.hasPoint = problem_ != nullptr && glp_get_prim_stat(problem_) == GLP_FEAS;
   }
-  if (result.hasPoint) leavePoint(result);
+  const bool isLimited =
+      !claimsNone && result.outcome != Outcome::optimal && result.outcome != Outcome::failed;
+  if (result.hasPoint) {
+    leavePoint(result);
+  } else if (isLimited && problem_ != nullptr) {
+    // Of a basis without a point.
+    for (int i = 0; i < form_.rowCount; ++i) {
+      result.rowMarginal[at(i)] = glp_get_row_dual(problem_, i + 1);
+    }
+  }
   result.iterations = iterations_;
 }
 

@@ -8,6 +8,7 @@
 #define ZTB_PROVIDERS_MODEL_SOLVERS_IPOPT_PROBLEM_H_
 
 #include <IpTNLP.hpp>
+#include <chrono>
 #include <vector>
 
 #include "providers/model/solver.h"
@@ -98,6 +99,7 @@ class IpoptProblem : public Ipopt::TNLP {
   std::vector<double> rowMarginal_;
   double objective_ = 0;
   int iterations_ = 0;
+  std::chrono::steady_clock::time_point asked_;  // when the last iteration ended
 };
 
 }  // namespace lomu

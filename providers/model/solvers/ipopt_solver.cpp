@@ -125,7 +125,8 @@ IpoptSolver::Run IpoptSolver::run(const SolverProblem& problem, Watch& watch,
   const Ipopt::SmartPtr<IpoptProblem> asked = new IpoptProblem(problem, watch);
   run.rowsHaveProducts = asked->rowsHaveProducts();
   run.objectiveHasProducts = asked->objectiveHasProducts();
-  run.isConvex = !run.rowsHaveProducts && curvesUpwards(asked->curved(), problem.columnCount);
+  run.isConvex = isConvex(problem, asked->curved());
+  run.rowsAreConvex = run.isConvex || rowsAreConvex(problem, asked->curved());
   if (!asked->anythingMoves()) {
     result.level = asked->level();
     std::fill(result.rowMarginal.begin(), result.rowMarginal.end(), 0.0);
@@ -133,7 +134,7 @@ IpoptSolver::Run IpoptSolver::run(const SolverProblem& problem, Watch& watch,
     run.outcome = run.localInfeasibility ? Outcome::failed : Outcome::optimal;
     run.hasPoint = true;
     run.rowsHaveProducts = run.objectiveHasProducts = false;
-    run.isConvex = true;
+    run.isConvex = run.rowsAreConvex = true;
     return run;
   }
   if (watch.mustStop()) {
@@ -187,7 +188,9 @@ IpoptSolver::Run IpoptSolver::run(const SolverProblem& problem, Watch& watch,
 
 void IpoptSolver::decideUnsolved(const Run& first, Watch& watch, SolverResult& result) const {
   if (first.rowsHaveProducts) {
-    if (first.localInfeasibility) {
+    if (first.localInfeasibility && first.rowsAreConvex) {
+      result.outcome = Outcome::infeasible;
+    } else if (first.localInfeasibility) {
       result.reason = "ipopt found no feasible point near its start, and rows have products";
     }
     return;

@@ -29,7 +29,8 @@ class IpoptSolver : public Solver {
     bool diverged = false;
     bool rowsHaveProducts = false;
     bool objectiveHasProducts = false;
-    bool isConvex = false;  // a local optimum is a global one
+    bool isConvex = false;       // a local optimum is a global one
+    bool rowsAreConvex = false;  // the rows alone
   };
 
   void solveWithin(Watch& watch, SolverResult& result);

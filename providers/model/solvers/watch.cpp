@@ -24,6 +24,15 @@ bool Watch::mustStop() {
   return stopped_;
 }
 
+bool Watch::mustStopWithin(double seconds) {
+  if (mustStop()) return true;
+  if (seconds > secondsLeft()) {
+    stopped_ = true;
+    reason_ = Outcome::timeLimit;
+  }
+  return stopped_;
+}
+
 bool Watch::waitFor(std::unique_lock<std::mutex>& lock) {
   while (!lock.try_lock()) {
     if (mustStop()) return false;

@@ -16,6 +16,9 @@ class Watch {
 
   // True once the time is over or the caller wants an end; stays true from then on.
   bool mustStop();
+  // The same for a solver that cannot be asked again before so many seconds: also true when they
+  // are more than are left.
+  bool mustStopWithin(double seconds);
   // Waits for a lock; false, without it, when mustStop() comes first.
   bool waitFor(std::unique_lock<std::mutex>& lock);
   // Tells the caller how far a search is; the values are those of the minimized problem.
