@@ -3,8 +3,9 @@
     PYTHONPATH=build/release/python /usr/bin/python3 bench/live_steps.py build/release/bin
 
 A step gives every demand another value, solves on the live solver, and reads the levels. The data
-are there when the steps begin; the C++ loop reads the levels record by record, or as an array as
-Python does. All take turns; the least processor time of each counts.
+are there when a step begins, a new array, series or frame for each, whose labels are its index or a
+column; the C++ loop reads the levels record by record, or as an array as Python does. All take
+turns; the least processor time of each counts.
 """
 
 import subprocess
@@ -59,27 +60,31 @@ class Loop:
             return values
         if self.way == "series":
             return pd.Series(values, self.index)
+        if self.way == "indexed":
+            return pd.DataFrame({"value": values}, self.index)
         return pd.DataFrame({self.index.name: np.array(self.index), "value": values})
 
     def run(self, steps):
-        tie, total = self.tie, 0.0
-        data = [self.data(1 + 0.01 * step) for step in range(20)]
-        begin = time.process_time()
-        for step in range(steps):
-            tie["demand"] = data[step % 20]
-            solution = tie.solve("clp")
-            solution.levels("x")
-            total += solution.objective
-        return (time.process_time() - begin) / steps, total
+        tie, total, seconds = self.tie, 0.0, 0.0
+        for _ in range(steps // 20):
+            data = [self.data(1 + 0.01 * step) for step in range(20)]
+            begin = time.process_time()
+            for step_data in data:
+                tie["demand"] = step_data
+                solution = tie.solve("clp")
+                solution.levels("x")
+                total += solution.objective
+            seconds += time.process_time() - begin
+        return seconds / steps, total
 
 
-WAYS = ("arrays", "series", "frames")
+WAYS = ("arrays", "series", "indexed", "frames")
 
 
 def main():
     program = Path(sys.argv[1]) / "ztb_live_steps"
     print("                    C++ us a step, by    Python beside the first / the second")
-    print("sources x targets   records   arrays       arrays       series       frames")
+    print("sources x targets   records   arrays ", *(f"{way:>12}" for way in WAYS))
     for sources, targets, steps in ((5, 20, 2000), (20, 100, 300), (40, 250, 60)):
         with tempfile.TemporaryDirectory() as folder:
             file = Path(folder) / "transport.lp"

@@ -133,6 +133,92 @@ def test_numbers_of_other_types_are_taken_with_labels_that_are_known(tie):
         tie["price"] = pd.DataFrame({"food": ["x", "y"], "value": [5.0, np.nan]})
 
 
+@pytest.mark.parametrize("by_place", [True, False])
+@pytest.mark.parametrize("held_by", ["column", "index"])
+def test_frames_that_are_new_in_each_step_are_looked_at(tie, held_by, by_place, monkeypatch):
+    if not by_place:  # a pandas that gives no array of a column by its place
+        monkeypatch.delattr(pd.DataFrame, "_get_column_array")
+        monkeypatch.setattr(pd.DataFrame, "items", None)
+    label = tie.index("price").name
+
+    def frame(labels, values, kind=pd.DataFrame):
+        table = {label: pd.Series(labels, dtype=object), "price": values}
+        return kind(table) if held_by == "column" else kind(table).set_index(label)
+
+    for labels, values, expected in [
+        (["y", "x"], [3.0, 5.0], 12),
+        (["y", "x"], [1.0, 5.0], 4),
+        (["x", "y"], [1.0, 5.0], 3 + 5),
+        (["x", "y"], [1.0, 5.0], 3 + 5),
+        (["x", "z"], [1.0, 5.0], 3 + 3),
+        (["y"], [1.0], 4),
+        (["y", "x"], [1, 5], 4),
+        (["y", "x"], pd.array([3, 5], dtype="Int64"), 12),
+        (["y", "x"], np.array([[3.0, 9.0], [5.0, 9.0]])[:, 0], 12),
+    ]:
+        tie["price"] = frame(labels, values)
+        assert cost(tie) == pytest.approx(expected), labels
+
+    class Frame(pd.DataFrame):
+        _constructor = property(lambda self: Frame)
+
+    for x in (1, 2):
+        tie["price"] = frame(["x", "y"], [x, 5.0], Frame)
+        assert cost(tie) == pytest.approx(3 * x + 5)
+
+
+def test_columns_that_are_put_into_a_frame_are_seen(tie):
+    label = tie.index("price").name
+    frame = pd.DataFrame({label: ["y", "x"], "price": [3.0, 5.0]})
+    tie["price"] = frame
+    frame["price"] = [1.0, 5.0]
+    tie["price"] = frame
+    assert cost(tie) == pytest.approx(4)
+    frame[label] = ["x", "y"]
+    tie["price"] = frame
+    assert cost(tie) == pytest.approx(3 + 5)
+    frame[label] = pd.Categorical(["y", "x"])
+    tie["price"] = frame
+    assert cost(tie) == pytest.approx(4)
+    # Another name in the same frame, and the columns the other way round.
+    frame.columns = [label, "cost"]
+    tie["price"] = frame
+    assert cost(tie) == pytest.approx(4)
+    frame.insert(0, "first", frame.pop("cost"))
+    tie["price"] = frame
+    assert cost(tie) == pytest.approx(4)
+    frame["second"] = 1.0
+    with pytest.raises(ValueError, match="a frame of one column is expected, not of 2"):
+        tie["price"] = frame
+
+
+def test_what_another_door_wrote_is_replaced(tie):
+    data = pd.Series([5.0, 3.0], index=tie.index("price"))
+    for _ in range(2):
+        tie["price"] = data
+        tie["price"]["x"] = 1
+        tie["price"]["z"] = 7
+        tie["price"] = data
+        assert dict(tie["price"]) == {("x",): 5, ("y",): 3}
+        assert cost(tie) == pytest.approx(12)
+        tie["price"].clear()
+
+
+def test_frames_whose_labels_are_known_are_checked_like_the_first(tie):
+    label = tie.index("price").name
+    for _ in range(2):
+        tie["price"] = pd.DataFrame({label: ["y", "x"], "price": [3.0, 5.0]})
+        assert cost(tie) == pytest.approx(12)
+        with pytest.warns(UserWarning, match="row 1: 9007199254740993 for symbol price is no"):
+            tie["price"] = pd.DataFrame({label: ["y", "x"], "price": [3, 2**53 + 1]})
+        assert cost(tie) == pytest.approx(12)
+        for wrong in ([np.nan, 5.0], pd.array([None, 5], dtype="Int64")):
+            with pytest.raises(ztb.Error, match=r"Bad value nan in price\(y\)"):
+                tie["price"] = pd.DataFrame({label: ["y", "x"], "price": wrong})
+        with pytest.raises(ValueError, match="row 0: a label of symbol price is missing"):
+            tie["price"] = pd.DataFrame({label: [None, "x"], "price": [3.0, 5.0]})
+
+
 def test_names_are_found_in_any_case(tie):
     tie["PRICE"] = np.array([5.0, 3.0])
     tie["Price"] = np.array([2.0, 3.0])
@@ -166,6 +252,18 @@ def test_frames_and_arrays_have_what_the_symbols_have(tie):
         solution["price"]
     with pytest.raises(ztb.NotFoundError, match="no variable or equation sell"):
         solution.levels("sell")
+
+
+def test_names_that_one_frame_is_given_are_not_those_of_the_next(tie):
+    solution = tie.solve("clp")
+    for read in (lambda: solution["buy"], lambda: solution.symbol("buy").to_pandas()):
+        names = list(read().index.names)
+        frame = read()
+        frame.index.names = ["mine"]
+        frame.columns.name = "field"
+        assert list(read().index.names) == names != ["mine"]
+        assert read().columns.name is None
+        assert list(read().columns) == ["level", "marginal", "lower", "upper", "scale"]
 
 
 def test_a_solution_tells_bound_gap_and_times(tie):

@@ -29,7 +29,6 @@ from .families import Data, Expression, Family, Over
 from .matrices import Names
 from .numeric import Equation, Parameter, Variable
 from .symbol import Symbol
-from .values import FIELDS
 
 if TYPE_CHECKING:
     import pandas as pd
@@ -44,6 +43,8 @@ _WITH_POINT = (1, 2, 6)
 _SUFFIX = _native.parameter_suffix
 #: Seconds that no solve takes, the most that its limit may be.
 _LONG = 1e10
+#: Seconds between two calls of a progress callback, unless others are asked for.
+_EVERY = 0.5
 
 class Model:
     """An optimization model: its variables, its rows, and the solvers' way to it.
@@ -290,7 +291,7 @@ class Model:
         *,
         time_limit: Optional[float] = None,
         progress: Optional[Callable[[Progress], Any]] = None,
-        every: float = 0.5,
+        every: float = _EVERY,
         options: Optional[Mapping[str, Any]] = None,
     ) -> "Solution":
         """Solves; see :meth:`Tie.solve`."""
@@ -463,10 +464,11 @@ class Solution:
 
     def __getitem__(self, name: str) -> "pd.DataFrame":
         """The variable or equation of this name as a frame: level, marginal, lower, upper, scale."""
-        import pandas as pd
+        from . import frames
 
         fields = self.tie._fields(name)
-        return pd.DataFrame(fields.T, index=self.tie._result_index(name), columns=list(FIELDS))
+        # A view of the index, because whoever has the frame may name its levels.
+        return frames.frame_of_fields(fields.T, self.tie._result_index(name).view())
 
     def symbol(self, name: str) -> Union[Variable, Equation]:
         """The variable or equation of this name."""
@@ -614,7 +616,7 @@ class Tie:
         *,
         time_limit: Optional[float] = None,
         progress: Optional[Callable[[Progress], Any]] = None,
-        every: float = 0.5,
+        every: float = _EVERY,
         options: Optional[Mapping[str, Any]] = None,
     ) -> Solution:
         """Solves, on a solver that lives on and starts from the solution before where it can.
@@ -628,7 +630,9 @@ class Tie:
         """
         if progress is not None and not callable(progress):
             raise TypeError(f"progress={progress!r} cannot be called")
-        if not 0 <= arguments.real(every, "number of seconds for every") < _LONG:
+        if every is not _EVERY and not (
+            0 <= arguments.real(every, "number of seconds for every") < _LONG
+        ):
             raise ValueError(f"every={every} is no number of seconds")
         if solver is not None and not isinstance(solver, str):
             raise TypeError(f"{solver!r} is no name of a solver")
@@ -638,8 +642,9 @@ class Tie:
             time_limit = arguments.real(time_limit, "number of seconds for time_limit")
         self._require_tied()
         native = self._native
-        for option, value in (options or {}).items():
-            native.set_option(option, str(value))
+        if options is not None:
+            for option, value in options.items():
+                native.set_option(option, str(value))
         name = solver or self._standard_solver()
         limit = None
         if time_limit is not None:
