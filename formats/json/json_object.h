@@ -14,7 +14,7 @@ struct JsonValue {
   Kind kind = Kind::null;
   std::string text;  // of a number its digits
   double number = 0;
-  bool rounded = false;  // a whole number that no double holds, and the nearest one
+  bool rounded = false;            // a whole number that no double holds, and the nearest one
   std::vector<std::string> items;  // texts of an array
 };
 

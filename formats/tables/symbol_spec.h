@@ -2,8 +2,8 @@
 //
 //   --set        NAME                                       the labels of column NAME
 //   --set        NAME(KEY, ...) [: TEXTCOLUMN] ["text"]
-//   --parameter  NAME(KEY, ...) [= VALUECOLUMN] ["text"]    the value column is NAME if not given, or
-//                                                           value where no column is called NAME
+//   --parameter  NAME(KEY, ...) [= VALUECOLUMN] ["text"]    the value column is NAME if not given,
+//                                                           or value where no column is called NAME
 //   --variable   [KIND] NAME(KEY, ...) [= LEVELCOLUMN] ["text"]
 //   --variable   [KIND] NAME(KEY, ...) = FIELD: COLUMN, ... ["text"]
 //   KEY          COLUMN [in SET]

@@ -160,11 +160,11 @@ int ztbModelGetOption(ztbModel* model, const char* name, char* value, int size);
 int ztbModelKind(ztbModel* model);
 int ztbModelUpdatedKind(ztbModel* model);
 
-/* Solves the model as it stands with a solver of the catalogue, without a database; from then on the
- * model cannot be built further. The solver begins afresh each time and is freed behind it: repeated
- * solves with changed data go through a database, whose solver stays alive. Symbols of a database
- * that was tied to the model before are not told of the new solution. 1 when the solver ended,
- * whatever it found; otherwise ztbModelMessage tells why, and ztbModelErrorKind the kind:
+/* Solves the model as it stands with a solver of the catalogue, without a database; from then on
+ * the model cannot be built further. The solver begins afresh each time and is freed behind it:
+ * repeated solves with changed data go through a database, whose solver stays alive. Symbols of a
+ * database that was tied to the model before are not told of the new solution. 1 when the solver
+ * ended, whatever it found; otherwise ztbModelMessage tells why, and ztbModelErrorKind the kind:
  * ZTB_ERROR_NOT_FOUND for a solver that there is not, ZTB_ERROR_SOLVER for one that failed. */
 int ztbModelSolve(ztbModel* model, const char* solver);
 

@@ -1,5 +1,5 @@
-/* libxlsxwriter puts parts of a workbook together in files that it has from this function of another
- * library, which opens names in the code page of the system. */
+/* libxlsxwriter puts parts of a workbook together in files that it has from this function of
+ * another library, which opens names in the code page of the system. */
 #include <errno.h>
 #include <fcntl.h>
 #include <io.h>
@@ -12,18 +12,18 @@
 #include "utf8_files.h"
 #include "xlsxwriter/third_party/tmpfileplus.h"
 
-/* A new file in a folder that goes when it is closed, or when the process ends; NULL with errno where
- * none can be made. Nothing asks for a prefix, for the name, or to keep it. */
-FILE *tmpfileplus(const char *dir, const char *prefix, char **name, int keep) {
+/* A new file in a folder that goes when it is closed, or when the process ends; NULL with errno
+ * where none can be made. Nothing asks for a prefix, for the name, or to keep it. */
+FILE* tmpfileplus(const char* dir, const char* prefix, char** name, int keep) {
   static volatile LONG count = 0;
   const int tries = 100;
   HANDLE handle = INVALID_HANDLE_VALUE;
   DWORD error = ERROR_FILE_EXISTS;
-  FILE *file = NULL;
+  FILE* file = NULL;
   int descriptor = -1;
-  wchar_t *folder = ztb_utf8_wide(dir != NULL ? dir : ".");
+  wchar_t* folder = ztb_utf8_wide(dir != NULL ? dir : ".");
   const size_t length = folder != NULL ? wcslen(folder) + 64 : 0;
-  wchar_t *path = folder != NULL ? malloc(length * sizeof *path) : NULL;
+  wchar_t* path = folder != NULL ? malloc(length * sizeof *path) : NULL;
   (void)prefix;
   (void)name;
   (void)keep;

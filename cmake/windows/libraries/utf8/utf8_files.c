@@ -4,9 +4,9 @@
 #include <stdlib.h>
 #include <windows.h>
 
-wchar_t *ztb_utf8_wide(const char *text) {
+wchar_t* ztb_utf8_wide(const char* text) {
   const int length = MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, text, -1, NULL, 0);
-  wchar_t *wide = length > 0 ? malloc((size_t)length * sizeof *wide) : NULL;
+  wchar_t* wide = length > 0 ? malloc((size_t)length * sizeof *wide) : NULL;
   if (wide == NULL) {
     errno = length > 0 ? ENOMEM : EINVAL;
     return NULL;
@@ -15,10 +15,10 @@ wchar_t *ztb_utf8_wide(const char *text) {
   return wide;
 }
 
-FILE *ztb_utf8_fopen(const char *name, const char *mode) {
-  wchar_t *wide_name = ztb_utf8_wide(name);
-  wchar_t *wide_mode = ztb_utf8_wide(mode);
-  FILE *file = wide_name != NULL && wide_mode != NULL ? _wfopen(wide_name, wide_mode) : NULL;
+FILE* ztb_utf8_fopen(const char* name, const char* mode) {
+  wchar_t* wide_name = ztb_utf8_wide(name);
+  wchar_t* wide_mode = ztb_utf8_wide(mode);
+  FILE* file = wide_name != NULL && wide_mode != NULL ? _wfopen(wide_name, wide_mode) : NULL;
   free(wide_mode);
   free(wide_name);
   return file;

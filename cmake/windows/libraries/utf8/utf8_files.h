@@ -6,8 +6,8 @@
 #include <stdio.h>
 
 /* A name as Windows has it, which the caller frees; NULL with errno where it is no UTF-8. */
-wchar_t *ztb_utf8_wide(const char *text);
-FILE *ztb_utf8_fopen(const char *name, const char *mode);
+wchar_t* ztb_utf8_wide(const char* text);
+FILE* ztb_utf8_fopen(const char* name, const char* mode);
 
 #undef fopen64
 #define fopen ztb_utf8_fopen
