@@ -376,7 +376,10 @@ extern "C" [[gnu::visibility("default")]] int sqlite3_ztbsqlite_init(
       return sqlite3_create_module_v2(connection, name, &module, new std::shared_ptr<Files>(files),
                                       dropFiles);
     };
-    const int result = add("ztb", function);
-    return result == SQLITE_OK ? add("ztb_symbol", symbol) : result;
+    int result = add("ztb", function);
+    if (result == SQLITE_OK) result = add("ztb_symbol", symbol);
+    // It stays when the connection ends: what the process keeps for its symbols would be lost with
+    // it, and again with each connection that loads it.
+    return result == SQLITE_OK ? SQLITE_OK_LOAD_PERMANENTLY : result;
   });
 }
