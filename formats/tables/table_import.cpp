@@ -254,7 +254,7 @@ std::array<double, ztb::fieldCount> defaultsOf(int subtype) {
 constexpr std::string_view usualContent = "value";
 
 // Whether a position has the labels of that column.
-bool takesTheUsual(const SymbolSpec& spec) {
+bool hasUsualKey(const SymbolSpec& spec) {
   return std::ranges::any_of(
       spec.keys, [](const KeySpec& key) { return tool::sameFolded(key.column, usualContent); });
 }
@@ -273,7 +273,7 @@ ImportTarget planTarget(const SymbolSpec& spec, const ztb::Symbol& symbol, Heade
     target.keyColumns.push_back(header.find(key.column));
   }
   if (spec.kind == SpecKind::parameter) {
-    target.valueColumns.push_back(spec.contentIsGiven || takesTheUsual(spec)
+    target.valueColumns.push_back(spec.contentIsGiven || hasUsualKey(spec)
                                       ? header.find(spec.contentColumn)
                                       : header.findEither(spec.contentColumn, usualContent));
     target.valueFields.push_back(0);

@@ -131,4 +131,28 @@ TEST(Watch, MayThrow) {
   EXPECT_EQ(model.solveStatus(), ztbSolveIterationLimit);
 }
 
+// Also where no database is made, and where the watch solves another model on its way.
+TEST(Watch, MayThrowOutOfASolveWithoutADatabase) {
+  ztb::Model model = knapsacks(ztbColumnInteger);
+  ztb::Model other = knapsacks(ztbColumnContinuous);
+  other.setWatch([](const ztb::Model::Progress&) { return true; });
+  model.setWatch([&](const ztb::Model::Progress&) -> bool {
+    other.solve("clp");
+    throw std::out_of_range("enough");
+  });
+  EXPECT_THROW(model.solve("cbc"), std::out_of_range);
+  EXPECT_EQ(model.solveStatus(), ztbSolveTerminated);
+  EXPECT_EQ(other.status(), ztbModelOptimal);
+  model.setWatch([&](const ztb::Model::Progress&) {
+    model.terminate();
+    return true;
+  });
+  model.solve("cbc");
+  EXPECT_EQ(model.solveStatus(), ztbSolveTerminated);
+  model.setWatch(nullptr);
+  model.setOption("IterationLimit", "1");
+  model.solve("cbc");
+  EXPECT_EQ(model.solveStatus(), ztbSolveIterationLimit);
+}
+
 }  // namespace

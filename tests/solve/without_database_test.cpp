@@ -97,23 +97,4 @@ TEST(WithoutDatabase, BeforeAndAfterADatabase) {
   EXPECT_NEAR(model.objective(), 13, 1e-9);
 }
 
-TEST(WithoutDatabase, WhatAWatchThrowsEndsTheSolve) {
-  ztb::Model model = corner(ztbColumnInteger);
-  bool asked = false;
-  model.setWatch([&](const ztb::Model::Progress&) -> bool {
-    asked = true;
-    throw std::string("enough");
-  });
-  std::string thrown;
-  try {
-    model.solve("cbc");
-  } catch (const std::string& text) {
-    thrown = text;
-  }
-  EXPECT_EQ(thrown, asked ? "enough" : "");
-  model.setWatch({});
-  model.solve("cbc");
-  EXPECT_EQ(model.status(), ztbModelOptimal);
-}
-
 }  // namespace

@@ -192,4 +192,18 @@ TEST_F(ProgramTest, ATerminalIsToldHowFarASolveIs) {
       << terminal.text().substr(0, 400);
 }
 
+// The line that tells how far it is makes room for what is printed while the run goes on.
+TEST_F(ProgramTest, OnATerminalResultsBeginWhereProgressWas) {
+  write("hard.lp", knapsacks());
+  tooltest::Terminal terminal;
+  BackgroundProgram run(path("."), {"solve", "hard.lp", "--solver", "cbc"}, terminal.path(),
+                        terminal.path());
+  terminal.leaveToPrograms();
+  EXPECT_TRUE(terminal.waitFor("solving with cbc: best "));
+  ::kill(run.process(), SIGINT);
+  EXPECT_TRUE(terminal.waitFor("\nstatus "));
+  EXPECT_THAT(terminal.text(), HasSubstr("\r\x1b[Kobjective   "));
+  EXPECT_EQ(run.wait(), 0);
+}
+
 }  // namespace

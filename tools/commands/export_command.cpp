@@ -1,7 +1,6 @@
 #include <fmt/format.h>
 #include <ztb/formats.h>
 
-#include <cstdio>
 #include <memory>
 #include <string>
 #include <vector>
@@ -43,7 +42,7 @@ void runExport(const ExportOptions& options) {
   job.option("decimal", options.decimal);
   job.option("progress", "");
   job.exportFile(options.file);
-  std::fputs(job.warnings().c_str(), stderr);
+  printErrors(job.warnings());
   const std::string& target = options.folder.empty() ? options.target : options.folder;
   if (target != "-") {
     print(fmt::format("{}: {}, {}, {}\n", ztb::displayText(target),

@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 #include <ztb/formats.h>
 
-#include <cstdio>
 #include <ztb/display_text.hpp>
 
 #include "tools/files/standard_streams.h"
@@ -28,11 +27,11 @@ void makeFile(FormatsJob& job, const std::string& out,
     make(output.path());
     output.finish();
   } catch (const Failure&) {
-    std::fputs(job.warnings().c_str(), stderr);
-    std::fputs(job.problems().c_str(), stderr);
+    printErrors(job.warnings());
+    printErrors(job.problems());
     throw;
   }
-  std::fputs(job.warnings().c_str(), stderr);
+  printErrors(job.warnings());
   print(fmt::format("{}: {}, {}, {}\n", ztb::displayText(output.name()),
                     counted(job.counted(ZTB_FORMATS_SYMBOLS), "symbol"),
                     counted(job.counted(ZTB_FORMATS_LABELS), "label"),

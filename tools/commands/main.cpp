@@ -103,6 +103,7 @@ int ztbMain(int argc, char** argv) {
   } catch (const std::bad_alloc&) {
     return fail("out of memory", tool::exitFailed);
   } catch (const std::exception& error) {
+    if (tool::outputReaderIsGone()) return tool::exitFailed;
     return fail(textOf(error), tool::exitFailed);
   }
 }

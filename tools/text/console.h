@@ -3,6 +3,7 @@
 #define ZTB_TOOLS_TEXT_CONSOLE_H_
 
 #include <cstddef>
+#include <cstdio>
 
 namespace tool {
 
@@ -20,6 +21,14 @@ bool localeTakesUtf8();
 // at which each read and write fails. Otherwise files would stand there, and messages go into them.
 // Bytes go through all three as they are.
 void occupyStandardStreams();
+
+// To be called behind a text that was put into a standard stream: has it appear on a console, which
+// gets whole texts so that none of its chars is parted. Elsewhere streams keep what they hold.
+void showWritten(std::FILE* stream);
+
+// Whether standard output failed because nobody reads it any more. On Linux a signal has ended the
+// process then.
+bool outputReaderIsGone();
 
 }  // namespace tool
 

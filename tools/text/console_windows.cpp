@@ -15,6 +15,14 @@ HANDLE consoleOf(int stream) {
   return reinterpret_cast<HANDLE>(_get_osfhandle(stream));
 }
 
+bool isConsole(int stream) {
+  DWORD mode = 0;
+  return GetConsoleMode(consoleOf(stream), &mode) != 0;
+}
+
+// More than a text has that is put into a console at once.
+constexpr std::size_t kConsoleBuffer = std::size_t{1} << 20U;
+
 }  // namespace
 
 bool isTerminal(int stream) {
@@ -46,8 +54,20 @@ void occupyStandardStreams() {
       static_cast<void>(std::freopen("NUL", number == 0 ? "wb" : "rb", stream));
     } else {
       _setmode(number, _O_BINARY);
+      // Without a buffer of its own each byte would go to the console by itself.
+      if (number > 0 && isConsole(number)) {
+        static_cast<void>(std::setvbuf(stream, nullptr, _IOFBF, kConsoleBuffer));
+      }
     }
   }
+}
+
+void showWritten(std::FILE* stream) {
+  if (isConsole(_fileno(stream))) static_cast<void>(std::fflush(stream));
+}
+
+bool outputReaderIsGone() {
+  return std::ferror(stdout) != 0 && GetFileType(consoleOf(1)) == FILE_TYPE_PIPE;
 }
 
 }  // namespace tool

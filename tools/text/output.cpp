@@ -8,11 +8,14 @@
 #include <ztb/display_text.hpp>
 
 #include "tools/files/system_files.h"
+#include "tools/text/console.h"
 #include "tools/text/failure.h"
+#include "tools/text/progress.h"
 
 namespace tool {
 
 void print(std::string_view text) {
+  const auto alone = withoutProgress();
   while (!text.empty()) {
     const std::size_t end = text.find('\n');
     const std::string_view line = text.substr(0, end);
@@ -25,10 +28,17 @@ void print(std::string_view text) {
       static_cast<void>(std::fputs((ztb::displayText(line) + (ends ? "\n" : "")).c_str(), stdout));
     }
   }
+  showWritten(stdout);
 }
 
 void printError(std::string_view line) {
-  static_cast<void>(std::fputs((ztb::displayText(line) + "\n").c_str(), stderr));
+  printErrors(ztb::displayText(line) + "\n");
+}
+
+void printErrors(const std::string& lines) {
+  const auto alone = withoutProgress();
+  static_cast<void>(std::fputs(lines.c_str(), stderr));
+  showWritten(stderr);
 }
 
 void flushOutput() {

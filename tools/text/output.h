@@ -3,6 +3,7 @@
 #ifndef ZTB_TOOLS_TEXT_OUTPUT_H_
 #define ZTB_TOOLS_TEXT_OUTPUT_H_
 
+#include <string>
 #include <string_view>
 
 namespace tool {
@@ -12,6 +13,9 @@ void print(std::string_view text);
 
 // Writes one line to standard error; an end of line within it is spelled out too.
 void printError(std::string_view line);
+
+// Writes lines to standard error that are fit for it.
+void printErrors(const std::string& lines);
 
 // Writes what is still held back. Throws Failure if standard output did not take everything.
 void flushOutput();

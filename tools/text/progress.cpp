@@ -17,7 +17,21 @@ constexpr std::chrono::milliseconds beforeFirst{1000};
 constexpr std::chrono::milliseconds betweenDrawings{200};
 constexpr const char* wipeLine = "\r\x1b[K";
 
+// Who holds it writes to the terminal.
+std::mutex screen;
+bool lineIsDrawn = false;
+
 }  // namespace
+
+std::unique_lock<std::mutex> withoutProgress() {
+  std::unique_lock lock(screen);
+  if (lineIsDrawn) {
+    std::fputs(wipeLine, stderr);
+    std::fflush(stderr);
+    lineIsDrawn = false;
+  }
+  return lock;
+}
 
 std::string recordsText(std::size_t records, double seconds, double share) {
   std::string text = fmt::format("{} records", records);
@@ -43,9 +57,7 @@ Progress::~Progress() {
   }
   wake_.notify_one();
   thread_.join();
-  if (drawn_) {
-    std::fputs(wipeLine, stderr);
-  }
+  static_cast<void>(withoutProgress());
 }
 
 void Progress::step(const std::string& text) {
@@ -89,9 +101,10 @@ void Progress::draw() {
     const std::chrono::duration<double> passed = std::chrono::steady_clock::now() - stepBegan_;
     line += ": " + recordsText(records, passed.count(), share);
   }
+  const std::lock_guard lock(screen);
   std::fputs(line.c_str(), stderr);
   std::fflush(stderr);
-  drawn_ = true;
+  lineIsDrawn = true;
 }
 
 }  // namespace tool

@@ -17,6 +17,10 @@ namespace tool {
 // the time left where a share of the work, from 0 to 1, is known to be done.
 std::string recordsText(std::size_t records, double seconds, double share);
 
+// Takes the line of progress off the terminal, and none is drawn until what it gives ends: who
+// writes lines holds it meanwhile.
+[[nodiscard]] std::unique_lock<std::mutex> withoutProgress();
+
 // Shows the present step on standard error once the run has taken a second, and wipes it at the
 // end. Nothing is shown unless standard error is a terminal. It draws from a thread of its own, so
 // that it goes on while a call of the library runs.
@@ -61,7 +65,6 @@ class Progress {
   std::string text_;
   std::function<std::string()> detail_;
   bool ended_ = false;
-  bool drawn_ = false;
   std::chrono::steady_clock::time_point stepBegan_ = std::chrono::steady_clock::now();
   std::atomic<std::size_t> records_{0};
   std::atomic<std::size_t> expected_{0};
