@@ -3,8 +3,8 @@
     PYTHONPATH=build/release/python /usr/bin/python3 bench/live_steps.py build/release/bin
 
 A step gives every demand another value, solves on the live solver, and reads the levels. The data
-are there when a step begins, a new array, series or frame for each, whose labels are its index or a
-column; the C++ loop reads the levels record by record, or as an array as Python does. All take
+are there when the steps begin, a new array, series or frame for each, whose labels are its index or
+a column; the C++ loop reads the levels record by record, or as an array as Python does. All take
 turns; the least processor time of each counts.
 """
 
@@ -65,17 +65,15 @@ class Loop:
         return pd.DataFrame({self.index.name: np.array(self.index), "value": values})
 
     def run(self, steps):
-        tie, total, seconds = self.tie, 0.0, 0.0
-        for _ in range(steps // 20):
-            data = [self.data(1 + 0.01 * step) for step in range(20)]
-            begin = time.process_time()
-            for step_data in data:
-                tie["demand"] = step_data
-                solution = tie.solve("clp")
-                solution.levels("x")
-                total += solution.objective
-            seconds += time.process_time() - begin
-        return seconds / steps, total
+        tie, total = self.tie, 0.0
+        data = [self.data(1 + 0.01 * (step % 20)) for step in range(steps)]
+        begin = time.process_time()
+        for step_data in data:
+            tie["demand"] = step_data
+            solution = tie.solve("clp")
+            solution.levels("x")
+            total += solution.objective
+        return (time.process_time() - begin) / steps, total
 
 
 WAYS = ("arrays", "series", "indexed", "frames")

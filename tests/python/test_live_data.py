@@ -133,17 +133,16 @@ def test_numbers_of_other_types_are_taken_with_labels_that_are_known(tie):
         tie["price"] = pd.DataFrame({"food": ["x", "y"], "value": [5.0, np.nan]})
 
 
-@pytest.mark.parametrize("by_place", [True, False])
+@pytest.mark.parametrize("manager", ["block", "array"])
 @pytest.mark.parametrize("held_by", ["column", "index"])
-def test_frames_that_are_new_in_each_step_are_looked_at(tie, held_by, by_place, monkeypatch):
-    if not by_place:  # a pandas that gives no array of a column by its place
-        monkeypatch.delattr(pd.DataFrame, "_get_column_array")
-        monkeypatch.setattr(pd.DataFrame, "items", None)
+def test_frames_that_are_new_in_each_step_are_looked_at(tie, held_by, manager):
     label = tie.index("price").name
 
     def frame(labels, values, kind=pd.DataFrame):
-        table = {label: pd.Series(labels, dtype=object), "price": values}
-        return kind(table) if held_by == "column" else kind(table).set_index(label)
+        # How pandas keeps columns within.
+        with pd.option_context("mode.data_manager", manager):
+            table = kind({label: pd.Series(labels, dtype=object), "price": values})
+        return table if held_by == "column" else table.set_index(label)
 
     for labels, values, expected in [
         (["y", "x"], [3.0, 5.0], 12),
@@ -165,6 +164,62 @@ def test_frames_that_are_new_in_each_step_are_looked_at(tie, held_by, by_place, 
     for x in (1, 2):
         tie["price"] = frame(["x", "y"], [x, 5.0], Frame)
         assert cost(tie) == pytest.approx(3 * x + 5)
+
+
+def test_frames_may_keep_the_same_columns_in_different_ways(tie):
+    label = tie.index("price").name
+    columns = [label, "price"]
+
+    def by_column(x):
+        return pd.DataFrame({label: ["y", "x"], "price": [3.0, x]})
+
+    def numbers_first(x):
+        frame = pd.DataFrame({"price": [3.0, x]})
+        frame.insert(0, label, ["y", "x"])
+        return frame
+
+    def by_row(x):
+        return pd.DataFrame([["y", 3.0], ["x", x]], columns=columns, dtype=object)
+
+    def of_a_wider_one(x):
+        frame = pd.DataFrame({"more": [9.0, 9.0], "price": [3.0, x], label: ["y", "x"]})
+        return frame[columns]
+
+    def every_other_row(x):
+        frame = pd.DataFrame({label: list("yzxz"), "price": [3.0, 9.0, x, 9.0]})
+        return frame[::2]
+
+    def in_columns(x):
+        cells = np.array([["y", 3.0], ["x", x]], dtype=object, order="F")
+        return pd.DataFrame(cells, columns=columns)
+
+    ways = [by_column, numbers_first, by_row, of_a_wider_one, every_other_row, in_columns]
+    for first in ways:
+        tie["price"] = first(7.0)
+        for step, way in enumerate(ways):
+            tie["price"] = way(4.0 + step)
+            assert dict(tie["price"]) == {("x",): 4 + step, ("y",): 3}, (first, way)
+    assert cost(tie) == pytest.approx(12)
+
+
+def test_columns_of_labels_that_changed_places_are_seen(tmp_path):
+    path = tmp_path / "m.lp"
+    path.write_text(PLAN.replace("(x)", "(x,y)").replace("(y)", "(y,x)"))
+    model = ztb.Model.open(path)
+    model.drive("price(from, to) = cost of buy")
+    tie = model.tie()
+    forth, back = ["x", "y"], ["y", "x"]
+    frame = pd.DataFrame({"price": [5.0, 3.0]})
+    frame.insert(0, "from", forth)
+    frame.insert(1, "to", back)
+    tie["price"] = frame
+    assert cost(tie) == pytest.approx(12)
+    # The labels were put in in another order, too.
+    frame = pd.DataFrame({"price": [3.0, 5.0]})
+    frame.insert(0, "to", forth)
+    frame.insert(0, "from", back)
+    tie["price"] = frame
+    assert dict(tie["price"]) == {("x", "y"): 5, ("y", "x"): 3}
 
 
 def test_columns_that_are_put_into_a_frame_are_seen(tie):

@@ -47,18 +47,18 @@ void Connection::leaveTurn() {
 void Connection::endTurn() {
   use_ = nullptr;
   user_ = std::thread::id();
-  free_.release();
+  turn_.giveBack();
 }
 
 Use::Use(Connection& connection) : connection_(connection) {
   if (connection_.user_ == std::this_thread::get_id()) {
     throw ztb::Error("Database", "The database is in the middle of another operation");
   }
-  while (!connection_.free_.try_acquire()) {
+  while (!connection_.turn_.tryTake()) {
     bool mine = false;
     {
       const py::gil_scoped_release released;
-      mine = connection_.free_.try_acquire_for(betweenSignalLooks);
+      mine = connection_.turn_.takeWithin(betweenSignalLooks);
     }
     if (mine) {
       break;

@@ -6,12 +6,13 @@
 #include <atomic>
 #include <memory>
 #include <optional>
-#include <semaphore>
 #include <string>
 #include <thread>
 #include <unordered_set>
 #include <utility>
 #include <ztb/ztb.hpp>
+
+#include "bindings/python/native/turn_lock.h"
 
 namespace python {
 
@@ -56,7 +57,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
 
   std::optional<ztb::Database> database_;
   std::unordered_set<const void*> loaded_;
-  std::binary_semaphore free_{1};
+  TurnLock turn_;
   // The thread inside of an operation, and what holds its turn.
   std::atomic<std::thread::id> user_;
   Use* use_ = nullptr;

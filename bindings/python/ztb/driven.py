@@ -23,6 +23,7 @@ Numbers = npt.NDArray[np.float64]
 _STATED = re.compile(r"\s*(\w+)\s*[(\[]([^)\]]*)[)\]]\s*=")
 
 _DOUBLE = np.dtype(np.float64)
+_OBJECT = np.dtype(object)
 
 
 def stated_positions(statements: Iterable[str], name: str) -> Optional[Tuple[str, ...]]:
@@ -73,16 +74,10 @@ class _Labels:
         #: The columns that hold labels, what they held, and its bytes; none where the index does.
         held = [(name, _array(data[name]).copy()) for name in columns]
         self.columns = [
-            (data.columns.get_loc(name), labels, labels.dtype, labels.tobytes())
-            for name, labels in held
+            (_Place(data, name), labels, labels.dtype, labels.tobytes()) for name, labels in held
         ]
         #: The place of the column of numbers.
-        self.place = 0 if self.heads is None else data.columns.get_loc(column)
-        #: Gives what a column holds by its place. A frame of pandas itself gives its array without
-        #: a series around it, which takes ten times as long to make.
-        self.array_at: Callable[[Any, int], Any] = _column_at
-        if self.kind is pd.DataFrame:
-            self.array_at = getattr(self.kind, "_get_column_array", _column_at)
+        self.place = None if self.heads is None else _Place(data, column)
         #: Label numbers in ascending order, and the row of each; None until they are asked for.
         self.keys: Optional[Keys] = None
         self.order: Optional[npt.NDArray[np.intp]] = None
@@ -90,30 +85,49 @@ class _Labels:
     def values(self, data: Any) -> Any:
         """The numbers of data of this kind, as an array of whatever type; None for data that have
         other labels, or the same in other rows."""
-        if self.heads is None:
+        if self.place is None or self.heads is None:
             return _array(data) if self.indexes.holds(data.index) else None
         if not self.heads.holds(data.columns):
             return None
         if not self.columns and not self.indexes.holds(data.index):
             return None
-        array_at = self.array_at
         for place, labels, dtype, held in self.columns:
-            new = array_at(data, place)
-            if type(new) is not np.ndarray or new.dtype is not dtype:
-                new = _array(data.iloc[:, place])
+            new = place.array(data)
             # Of objects these are addresses, and those of the labels stay theirs.
             if (new.dtype is not dtype or new.tobytes() != held) and not (
                 new.dtype == dtype and np.array_equal(new, labels)
             ):
                 return None
-        values = array_at(data, self.place)
-        if type(values) is np.ndarray and values.dtype is _DOUBLE:
-            return values
-        return _array(data.iloc[:, self.place])
+        return self.place.array(data)
 
 
-def _column_at(data: Any, place: int) -> Any:
-    return _array(data.iloc[:, place])
+class _Place:
+    """Where a frame has a column."""
+
+    __slots__ = ("_block", "_column", "_dtype", "_row")
+
+    def __init__(self, frame: "pd.DataFrame", name: Hashable) -> None:
+        self._column = frame.columns.get_loc(name)
+        self._dtype = _array(frame[name]).dtype
+        #: In which array of the frame it lies, and in which of its rows; -1 where that is unknown.
+        self._block = self._row = -1
+        for number, block in enumerate(getattr(getattr(frame, "_mgr", None), "blocks", ())):
+            row = np.flatnonzero(block.mgr_locs.as_array == self._column)
+            if len(row) == 1:
+                self._block, self._row = number, int(row[0])
+
+    def array(self, frame: "pd.DataFrame") -> Any:
+        """What the column holds in a frame with the same columns. Its array is taken from where it
+        lies, since pandas takes ten times as long to hand it out of a new frame."""
+        try:
+            block = frame._mgr.blocks[self._block]
+            if block._mgr_locs.as_array.item(self._row) == self._column:
+                array = block.values[self._row]
+                if type(array) is np.ndarray and array.dtype is self._dtype:
+                    return array
+        except (AttributeError, IndexError, TypeError, ValueError):
+            pass  # frames of other versions keep their columns otherwise
+        return _array(frame.iloc[:, self._column])
 
 
 class _Same:
@@ -134,7 +148,7 @@ class _Same:
         self._kind = type(first)
         self._name = first.name
         if self._kind is pd.Index and first.dtype.kind == "O":
-            self._bytes = _addresses(first)
+            self._bytes = first.values.tobytes()
 
     def holds(self, index: "pd.Index") -> bool:
         if id(index) in self._known:
@@ -148,20 +162,15 @@ class _Same:
 
     def _looks_same(self, index: "pd.Index") -> bool:
         """Whether it has the very same objects and name, which is told quickly."""
+        if self._bytes is None or type(index) is not self._kind:
+            return False
+        values = index.values
         return (
-            self._bytes is not None
-            and type(index) is self._kind
-            and _addresses(index) == self._bytes
+            type(values) is np.ndarray
+            and values.dtype is _OBJECT
+            and values.tobytes() == self._bytes
             and bool(index.name == self._name)
         )
-
-
-def _addresses(index: "pd.Index") -> Optional[bytes]:
-    """The addresses of the objects that an index holds; None where it holds none."""
-    values = index.values
-    if type(values) is np.ndarray and values.dtype.kind == "O":
-        return values.tobytes()
-    return None
 
 
 def _array(column: Any) -> Any:

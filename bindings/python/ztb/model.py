@@ -628,6 +628,15 @@ class Tie:
         every ``every`` seconds, and ends the solve when it gives ``False``. The interpreter's lock
         is free meanwhile, and Ctrl-C ends the solve. No solution is no error: the status tells.
         """
+        if (
+            type(solver) is str
+            and time_limit is None
+            and progress is None
+            and options is None
+            and every is _EVERY
+            and self._tied
+        ):
+            return Solution(self._native.solve(solver, None, every), solver, self)
         if progress is not None and not callable(progress):
             raise TypeError(f"progress={progress!r} cannot be called")
         if every is not _EVERY and not (
