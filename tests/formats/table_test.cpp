@@ -2,75 +2,27 @@
 // those that are wrong.
 
 #include <gmock/gmock.h>
-#include <sqlite3.h>
-#include <zlib.h>
+#include <gtest/gtest.h>
 #include <zstd.h>
 
-#include <cmath>
-#include <cstdio>
+#include <cstring>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
+#include <limits>
+#include <string>
+#include <utility>
+#include <vector>
 #include <ztb/ztb.hpp>
 
-#include "tests/formats/job.h"
+#include "tests/formats/table_fixture.h"
 
 namespace {
 
+using formatstest::foods;
 using formatstest::Job;
 using formatstest::Options;
+using formatstest::price;
+using formatstest::TableTest;
 using testing::HasSubstr;
-using testing::StartsWith;
-
-class TableTest : public testing::Test {
- protected:
-  void write(const std::string& name, const std::string& content) {
-    std::ofstream(folder_.file(name), std::ios::binary) << content;
-  }
-  std::string read(const std::string& name) {
-    std::ostringstream content;
-    content << std::ifstream(folder_.file(name), std::ios::binary).rdbuf();
-    return content.str();
-  }
-  void gzip(const std::string& name, const std::string& content) {
-    gzFile file = gzopen(folder_.file(name).c_str(), "wb");
-    gzwrite(file, content.data(), static_cast<unsigned>(content.size()));
-    gzclose(file);
-  }
-  void sql(const std::string& name, const char* statements) {
-    sqlite3* file = nullptr;
-    ASSERT_EQ(sqlite3_open(folder_.file(name).c_str(), &file), SQLITE_OK);
-    EXPECT_EQ(sqlite3_exec(file, statements, nullptr, nullptr, nullptr), SQLITE_OK)
-        << sqlite3_errmsg(file);
-    sqlite3_close(file);
-  }
-
-  // Imports a source with options behind it and opens what was made.
-  ztb::Database imported(const std::string& source, const Options& options) {
-    Options all{{"from", folder_.file(source)}};
-    all.insert(all.end(), options.begin(), options.end());
-    Job job(all);
-    const std::string out = folder_.file("out" + std::to_string(++outs_) + ".rxf");
-    EXPECT_TRUE(job.import(out)) << job.errors(folder_);
-    return ztb::Database::open(out);
-  }
-  // What is told of an import that fails and leaves nothing.
-  std::string errorsOf(const std::string& source, const Options& options) {
-    Options all{{"from", folder_.file(source)}};
-    all.insert(all.end(), options.begin(), options.end());
-    Job job(all);
-    EXPECT_FALSE(job.import(folder_.file("none.rxf")));
-    EXPECT_FALSE(std::filesystem::exists(folder_.file("none.rxf")));
-    return job.errors(folder_);
-  }
-
-  ztbtest::TempFolder folder_;
-  // Files that were made: one that is open cannot be replaced everywhere.
-  int outs_ = 0;
-};
-
-const Options price{{"parameter", "price(food) = cents"}};
-constexpr const char* foods = "food,cents\nMilk,11\nTofu,7.5\n";
 
 TEST_F(TableTest, ReadsPackedTables) {
   gzip("a.csv.gz", foods);
@@ -154,194 +106,6 @@ TEST_F(TableTest, TakesTheColumnOfTheNameBeforeThatOfValues) {
             "none.rxf: not written: 1 problem in the input");
 }
 
-TEST_F(TableTest, ReadsTablesAndQueriesOfSqlite) {
-  sql("stock.db",
-      "create table food(name text, cents real, made text); insert into food values"
-      "('Milk', 11, '2024-03-01'), ('Tofu', 7.25, '2024-03-02'), ('Lard', null, 'x');"
-      "create table other(a); create view cheap as select name, cents from food where cents < 10");
-  const Options named{{"skip-empty", ""}, {"parameter", "price(name) = cents"}};
-  EXPECT_EQ(imported("stock.db#food", named)["price"].recordCount(), 2);
-  EXPECT_EQ(imported("stock.db#CHEAP", named)["price"].find("Tofu")->level(), 7.25);
-  const ztb::Database query = imported(
-      "stock.db#select name || '#' as name, cents * 2 as cents from food where cents > 8", named);
-  EXPECT_EQ(query["price"].find("Milk#")->level(), 22);
-}
-
-TEST_F(TableTest, TellsWhatIsWrongWithASqliteTable) {
-  sql("stock.db",
-      "create table food(name, cents); insert into food values"
-      "('Milk', 'much'), (null, 1), (x'00ff', 2), ('Tofu', 3), ('tofu', 4)");
-  EXPECT_EQ(errorsOf("stock.db#food", {{"parameter", "price(name) = cents"}}),
-            "stock.db#food: row 1: cents: 'much' is not a number\n"
-            "stock.db#food: row 2: name: is empty, expected a label (the empty label is written "
-            "\"\")\n"
-            "stock.db#food: row 3: name: is a blob, expected a text or a number\n"
-            "stock.db#food: row 5: record (\"Tofu\") of price stands in row 4 already (the case of "
-            "letters does not matter)\n"
-            "none.rxf: not written: 4 problems in the input");
-  EXPECT_EQ(errorsOf("stock.db#drinks", price), "stock.db: no table 'drinks'; its tables are food");
-  EXPECT_EQ(errorsOf("stock.db#food", price),
-            "stock.db#food: no column 'food'; the columns are name, cents\n"
-            "none.rxf: not written: 1 problem in the input");
-  EXPECT_THAT(errorsOf("stock.db#select nope from food", price),
-              HasSubstr("stock.db: SQLite: no such column: nope"));
-  EXPECT_THAT(errorsOf("stock.db#with x as (select 1) delete from food", price),
-              HasSubstr("expected a query that only reads"));
-  EXPECT_THAT(errorsOf("stock.db", {}), HasSubstr("no whole database was written to it"));
-  write("no.db", std::string(5000, 'x'));
-  EXPECT_EQ(errorsOf("no.db", {}), "no.db: SQLite: file is not a database");
-  const std::string whole = read("stock.db");
-  write("cut.db", whole.substr(0, 5000));
-  EXPECT_THAT(errorsOf("cut.db#food", {{"parameter", "price(name) = cents"}}),
-              HasSubstr("cut.db: is cut short: it has 5000 bytes of 8192"));
-}
-
-TEST_F(TableTest, ReadsJsonLines) {
-  write("a.jsonl",
-        "\xEF\xBB\xBF{\"food\":\"Milk\",\"year\":2020,\"cents\":11.5}\r\n\n"
-        "{\"cents\":\"eps\",\"food\":\"T\\u00f6fu\",\"year\":2021}\n"
-        "{\"cents\":null,\"food\":\"Lard\",\"year\":2021}\n");
-  const ztb::Database database =
-      imported("a.jsonl", {{"skip-empty", ""}, {"parameter", "price(food, year) = cents"}});
-  EXPECT_EQ(database["price"].recordCount(), 2);
-  EXPECT_EQ(database["price"].find("Milk", "2020")->level(), 11.5);
-  EXPECT_EQ(database["price"]
-                .find("T\xC3\xB6"
-                      "fu",
-                      "2021")
-                ->level(),
-            5e-324);
-}
-
-TEST_F(TableTest, KeepsTheSignOfAZeroInJsonLines) {
-  write("a.jsonl", "{\"food\":\"Milk\",\"cents\":-0}\n{\"food\":-0,\"cents\":0}\n");
-  const ztb::Database database = imported("a.jsonl", price);
-  EXPECT_TRUE(std::signbit(database["price"].find("Milk")->level()));
-  EXPECT_FALSE(std::signbit(database["price"].find("-0")->level()));
-}
-
-TEST_F(TableTest, TellsOfWholeNumbersOfJsonLinesThatNoDoubleHolds) {
-  write("a.jsonl",
-        "{\"food\":9007199254740993,\"cents\":9007199254740993}\n"
-        "{\"food\":12345678901234567890123,\"cents\":-12345678901234567890123}\n"
-        "{\"food\":1.50,\"cents\":9007199254740994}\n"
-        "{\"food\":1e3,\"cents\":1e23}\n");
-  Job job({{"from", folder_.file("a.jsonl")}, {"parameter", "price(food) = cents"}});
-  ASSERT_TRUE(job.import(folder_.file("a.rxf"))) << job.errors(folder_);
-  EXPECT_EQ(job.warnings(folder_),
-            "a.jsonl:1: warning: cents: 9007199254740993 is no double, the nearest one is taken\n"
-            "a.jsonl:2: warning: cents: -12345678901234567890123 is no double, the nearest one is "
-            "taken\n");
-  const ztb::Database read = ztb::Database::open(folder_.file("a.rxf"));
-  EXPECT_EQ(read["price"].find("9007199254740993")->level(), 9007199254740992.0);
-  EXPECT_EQ(read["price"].find("12345678901234567890123")->level(), -12345678901234567890123.0);
-  EXPECT_TRUE(read["price"].find("1.5").has_value());
-  EXPECT_TRUE(read["price"].find("1000").has_value());
-  write("b.jsonl", "{\"food\":\"Milk\",\"cents\":1}\n{\"food\":\"Tofu\",\"cents\":-1e999}\n");
-  EXPECT_THAT(errorsOf("b.jsonl", price),
-              StartsWith("b.jsonl:2: the number '-1e999' is outside the range of a double\n"));
-}
-
-TEST_F(TableTest, TakesVeryManyKeysOfJsonLines) {
-  std::string line = "{\"food\":\"Milk\"";
-  for (int column = 0; column < 1000000; ++column) {
-    line += ",\"c" + std::to_string(column) + "\":" + std::to_string(column);
-  }
-  write("many.jsonl", line + "}\n" + "{\"food\":\"Tofu\",\"c999999\":7,\"c3\":1}\n");
-  const ztb::Database database = imported("many.jsonl", {{"parameter", "price(food) = c999999"}});
-  EXPECT_EQ(database["price"].find("Milk")->level(), 999999);
-  EXPECT_EQ(database["price"].find("Tofu")->level(), 7);
-  write("twice.jsonl", line.substr(0, line.find(",\"c100\"")) + ",\"c77\":1}\n");
-  EXPECT_THAT(errorsOf("twice.jsonl", price),
-              HasSubstr("twice.jsonl:1: has the key 'c77' twice\n"));
-}
-
-TEST_F(TableTest, TellsWhatIsWrongWithJsonLines) {
-  write("a.jsonl",
-        "{\"food\":\"Milk\",\"cents\":1}\n"
-        "{\"food\":\"Tofu\",\"cents\":\n"
-        "[1]\n"
-        "{\"food\":\"Tofu\",\"cents\":{}}\n"
-        "{\"food\":\"Tofu\",\"cents\":[\"1\"]}\n"
-        "{\"food\":\"Tofu\",\"food\":\"x\"}\n"
-        "{\"food\":\"Tofu\",\"price\":3}\n"
-        "{\"food\":\"\xFF\",\"cents\":3}\n"
-        "{\"food\":\"Ham\",\"cents\":\"x\"}\n");
-  const std::string errors = errorsOf("a.jsonl", price);
-  EXPECT_THAT(errors, HasSubstr("a.jsonl:2: is no JSON from char "));
-  EXPECT_THAT(errors, HasSubstr("a.jsonl:3: is no object\n"));
-  EXPECT_THAT(errors, HasSubstr("a.jsonl:4: holds an object within the object\n"));
-  EXPECT_THAT(errors, HasSubstr("a.jsonl:5: cents: is an array, expected a text or a number\n"));
-  EXPECT_THAT(errors, HasSubstr("a.jsonl:6: has the key 'food' twice\n"));
-  EXPECT_THAT(errors, HasSubstr("a.jsonl:7: the first line has no key 'price'\n"));
-  EXPECT_THAT(errors, HasSubstr("a.jsonl:8: is no JSON from char "));
-  EXPECT_THAT(errors, HasSubstr("a.jsonl:9: cents: 'x' is not a number\n"));
-  EXPECT_THAT(errors, HasSubstr("none.rxf: not written: 8 problems in the input"));
-}
-
-TEST_F(TableTest, TellsLinesThatMakeNoDatabase) {
-  write("a.jsonl",
-        "{\"symbol\":\"p\",\"type\":\"parameter\",\"domains\":[\"*\"],\"user_info\":0}\n"
-        "{\"of\":\"q\",\"keys\":[\"a\"],\"value\":1}\n"
-        "{\"of\":\"p\",\"keys\":[\"a\",\"b\"],\"value\":1}\n"
-        "{\"of\":\"p\",\"keys\":[\"\\\\a\\\\q\"],\"value\":1}\n"
-        "{\"of\":\"p\",\"keys\":[\"a\"]}\n"
-        "{\"food\":\"Milk\"}\n"
-        "{\"symbol\":\"s\",\"type\":\"thing\"}\n"
-        "{\"symbol\":\"t\",\"type\":\"set\",\"user_info\":1.5}\n");
-  EXPECT_EQ(errorsOf("a.jsonl", {}),
-            "a.jsonl:2: of: no line before tells of a symbol 'q'\n"
-            "a.jsonl:3: keys: has 2 labels, expected 1\n"
-            "a.jsonl:4: keys: a backslash stands before no escape\n"
-            "a.jsonl:6: has none of the keys symbol, label and of\n"
-            "a.jsonl:7: type: expected set, parameter, variable, equation or alias\n"
-            "a.jsonl:8: user_info: is no whole number\n"
-            "a.jsonl:5: value: is empty, expected a number\n"
-            "none.rxf: not written: 7 problems in the input");
-  write("b.jsonl", "\n\n");
-  EXPECT_EQ(errorsOf("b.jsonl", {}),
-            "b.jsonl: has no line of a symbol or label: it holds no whole database\n"
-            "none.rxf: not written: 1 problem in the input");
-}
-
-// Cut behind a line, where nothing else shows it.
-TEST_F(TableTest, TellsThatTheEndOfADatabaseIsMissing) {
-  const std::string catalogue =
-      "{\"symbols\":2,\"labels\":2}\n"
-      "{\"symbol\":\"p\",\"type\":\"parameter\",\"domains\":[\"*\"],\"records\":2}\n";
-  const std::string symbols =
-      catalogue + "{\"symbol\":\"s\",\"type\":\"set\",\"domains\":[\"*\"],\"records\":0}\n";
-  const std::string labels = symbols + "{\"label\":\"a\"}\n{\"label\":\"b\"}\n";
-  const std::string record = "{\"of\":\"p\",\"keys\":[\"a\"],\"value\":1}\n";
-  write("a.jsonl", labels + record);
-  EXPECT_EQ(errorsOf("a.jsonl", {}),
-            "a.jsonl:2: tells of 2 records of p, the file has 1: its end is missing\n"
-            "none.rxf: not written: 1 problem in the input");
-  write("a.jsonl", symbols + "{\"label\":\"a\"}\n");
-  EXPECT_EQ(errorsOf("a.jsonl", {}),
-            "a.jsonl:1: tells of 2 labels, the file has 1: its end is missing\n"
-            "a.jsonl:2: tells of 2 records of p, the file has 0: its end is missing\n"
-            "none.rxf: not written: 2 problems in the input");
-  write("a.jsonl", catalogue);
-  EXPECT_THAT(errorsOf("a.jsonl", {}),
-              HasSubstr("a.jsonl:1: tells of 2 symbols, the file has 1: its end is missing\n"));
-  write("a.jsonl", "{\"symbols\":1,\"labels\":0}\n");
-  EXPECT_THAT(errorsOf("a.jsonl", {}),
-              HasSubstr("a.jsonl:1: tells of 1 symbol, the file has 0: its end is missing\n"));
-  write("a.jsonl",
-        "{\"symbols\":\"2\"}\n{\"symbol\":\"s\",\"type\":\"set\",\"records\":1.5}\n"
-        "{\"symbols\":0,\"labels\":-1}\n");
-  EXPECT_EQ(errorsOf("a.jsonl", {}),
-            "a.jsonl:1: symbols: is no count\n"
-            "a.jsonl:2: records: is no count\n"
-            "a.jsonl:3: labels: is no count\n"
-            "none.rxf: not written: 3 problems in the input");
-  // A record that was added by hand is taken.
-  const std::string other = "{\"of\":\"p\",\"keys\":[\"b\"],\"value\":2}\n";
-  write("a.jsonl", labels + record + other + "{\"of\":\"s\",\"keys\":[\"b\"]}\n");
-  EXPECT_EQ(imported("a.jsonl", {}).symbol("s").recordCount(), 1);
-}
-
 TEST_F(TableTest, TakesNumbersInAnotherUnit) {
   write("a.csv", "food,tons,cents\nMilk,1.5,7\nTofu,inf,eps\nHam,0,-29\n");
   const ztb::Database stock = imported("a.csv", {{"rename", "food = dish"},
@@ -383,122 +147,6 @@ TEST_F(TableTest, TellsNumbersThatAreNoneInAnotherUnit) {
               "--units " + std::string(units) +
                   ": expected COLUMN = NUMBER or COLUMN = NUMBER/NUMBER, none of them 0");
   }
-}
-
-TEST_F(TableTest, TurnsWideTablesIntoRecords) {
-  write("wide.csv", "from,note,2020,2021\nLIS,x,1,2\nOPO,y,,4\n");
-  const Options options{{"rename", "from = origin"},
-                        {"wide", "year: 2020, 2021"},
-                        {"parameter", "flow(origin, year)"}};
-  const ztb::Database database = imported("wide.csv", options);
-  EXPECT_EQ(database["flow"].recordCount(), 3);
-  EXPECT_EQ(database["flow"].find("LIS", "2021")->level(), 2);
-  EXPECT_EQ(database["flow"].find("OPO", "2021")->level(), 4);
-  EXPECT_EQ(database["flow"].domains()[0].name, "origin");
-  sql("wide.db", "create table t(a, \"2020\", \"2021\"); insert into t values('LIS', 1, null)");
-  const ztb::Database other =
-      imported("wide.db", {{"wide", "year"}, {"parameter", "flow(a, year)"}});
-  EXPECT_EQ(other["flow"].recordCount(), 1);
-  EXPECT_EQ(other["flow"].find("LIS", "2020")->level(), 1);
-  EXPECT_EQ(errorsOf("wide.csv", {{"wide", "year"}, {"parameter", "flow(from, year)"}}),
-            "wide.csv:2:5: value: 'x' is not a number\n"
-            "wide.csv:3:5: value: 'y' is not a number\n"
-            "none.rxf: not written: 2 problems in the input");
-  EXPECT_THAT(errorsOf("wide.csv", {{"wide", "year: 1999"}, {"parameter", "flow(from, year)"}}),
-              HasSubstr("wide.csv:1:1: no column '1999' to spread\n"));
-  EXPECT_THAT(errorsOf("wide.csv", {{"rename", "to=x"}, {"parameter", "flow(from) = 2020"}}),
-              HasSubstr("wide.csv:1:1: no column 'to' to rename\n"));
-  write("short.csv", "from,2020\nLIS\n");
-  EXPECT_EQ(errorsOf("short.csv", {{"wide", "year"}, {"parameter", "flow(from, year)"}}),
-            "short.csv:2:1: has 1 field, the header has 2\n"
-            "none.rxf: not written: 1 problem in the input");
-}
-
-TEST_F(TableTest, WritesWideTables) {
-  ztb::Database database;
-  ztb::Symbol flow = database.addParameter("flow", {"from", "year"});
-  flow.add("LIS", "2020").setLevel(1);
-  flow.add("OPO", "2021").setLevel(4);
-  flow.add("LIS", "2021").setLevel(2);
-  database.addSet("s", {"*"});
-  for (const char* position : {"year", "2"}) {
-    Job job({{"symbol", "flow"}, {"wide", position}, {"to", folder_.file("w.csv")}});
-    ASSERT_TRUE(job.exportDatabase(database.handle())) << job.errors(folder_);
-    EXPECT_EQ(read("w.csv"), "from,2020,2021\nLIS,1,2\nOPO,,4\n");
-  }
-  Job wrong({{"symbol", "flow"}, {"wide", "town"}, {"to", folder_.file("x.csv")}});
-  EXPECT_FALSE(wrong.exportDatabase(database.handle()));
-  EXPECT_EQ(wrong.errors(folder_),
-            "--wide town: flow has no such position; its positions are from, year");
-  EXPECT_TRUE(wrong.isUsage());
-  Job set({{"symbol", "s"}, {"wide", "1"}, {"to", folder_.file("x.csv")}});
-  EXPECT_FALSE(set.exportDatabase(database.handle()));
-  EXPECT_EQ(set.errors(folder_), "--wide 1: s is a set, which has no values");
-  EXPECT_FALSE(std::filesystem::exists(folder_.file("x.csv")));
-}
-
-TEST_F(TableTest, WritesManyRecordsInTheirOrder) {
-  // More than a block, written by several threads.
-  constexpr int records = 100000;
-  ztb::Database database;
-  std::vector<int> keys{0, database.mergeLabel("a;\"b\"")};
-  const std::string quoted = "\"a;\"\"b\"\"\"";
-  ztb::Symbol value = database.addParameter("v", {"i", "j"});
-  ztb::Symbol set = database.addSet("s", {"i", "j"});
-  std::string values = "i;j;value\n";
-  std::string texts = "i;j;text\n";
-  for (int record = 0; record < records; ++record) {
-    const std::string label = "i" + std::to_string(record);
-    keys[0] = database.mergeLabel(label);
-    value.put(keys, record + 0.5);
-    set.putElement(keys, record % 2 == 0 ? "t;" : "");
-    values += label + ';' + quoted + ';' + std::to_string(record) + ",5\n";
-    texts += label + ';' + quoted + (record % 2 == 0 ? ";\"t;\"\n" : ";\n");
-  }
-  for (const auto& [symbol, expected] : {std::pair("v", values), std::pair("s", texts)}) {
-    Job job(
-        {{"symbol", symbol}, {"to", folder_.file("a.csv")}, {"separator", ";"}, {"decimal", ","}});
-    ASSERT_TRUE(job.exportDatabase(database.handle())) << job.errors(folder_);
-    EXPECT_EQ(job.counted(ZTB_FORMATS_RECORDS), records);
-    // Not EXPECT_EQ: what differs would be shown whole.
-    EXPECT_TRUE(read("a.csv") == expected) << symbol;
-  }
-}
-
-TEST_F(TableTest, TellsMissingCellsOfWideTablesFromWhatIsNotAvailable) {
-  for (const char* target : {"w.csv", "w.db", "w.jsonl", "w.xlsx"}) {
-    ztb::Database database;
-    ztb::Symbol flow = database.addParameter("flow", {"from", "year"});
-    flow.add("LIS", "2020").setLevel(1);
-    flow.add("LIS", "2021").setLevel(std::nan(""));
-    flow.add("OPO", "2021").setLevel(4);
-    Job out({{"symbol", "flow"}, {"wide", "year"}, {"to", folder_.file(target)}});
-    ASSERT_TRUE(out.exportDatabase(database.handle())) << out.errors(folder_);
-    const ztb::Database back =
-        imported(target, {{"wide", "year"}, {"parameter", "flow(from, year) = value"}});
-    EXPECT_EQ(back["flow"].recordCount(), 3) << target;
-    EXPECT_TRUE(std::isnan(back["flow"].find("LIS", "2021")->level())) << target;
-  }
-}
-
-TEST_F(TableTest, TellsLabelsThatCannotBeColumnsOfAWideTable) {
-  ztb::Database database;
-  ztb::Symbol flow = database.addParameter("flow", {"from", "year"});
-  flow.add("LIS", "From").setLevel(1);
-  Job taken({{"symbol", "flow"}, {"wide", "year"}, {"to", folder_.file("w.jsonl")}});
-  EXPECT_FALSE(taken.exportDatabase(database.handle()));
-  EXPECT_EQ(taken.errors(folder_),
-            "--wide year: the label 'From' of flow cannot be a column: the keys have one of this "
-            "name");
-  ztb::Database unnamed;
-  const int none = unnamed.mergeLabel("");
-  const int town = unnamed.mergeLabel("LIS");
-  unnamed.addParameter("flow", {"from", "year"}).put(std::vector<int>{town, none}, 1);
-  Job empty({{"symbol", "flow"}, {"wide", "year"}, {"to", folder_.file("w.jsonl")}});
-  EXPECT_FALSE(empty.exportDatabase(unnamed.handle()));
-  EXPECT_EQ(empty.errors(folder_),
-            "--wide year: the label '' of flow cannot be a column: a column needs a name");
-  EXPECT_FALSE(std::filesystem::exists(folder_.file("w.jsonl")));
 }
 
 TEST_F(TableTest, TakesDatesAsIsoLabels) {
@@ -590,29 +238,6 @@ TEST_F(TableTest, KeepsValuesWhateverSpecialValuesTheDatabaseHasSet) {
   const ztb::Database back = ztb::Database::open(folder_.file("out.rxf"));
   EXPECT_EQ(back["price"].find("Milk")->level(), 0.0);
   EXPECT_EQ(back["price"].find("Tofu")->level(), 5e-324);
-}
-
-TEST_F(TableTest, TellsOfWholeNumbersOfSqliteThatNoDoubleHolds) {
-  sql("ids.db",
-      "create table t(a text, v integer);"
-      "insert into t values('x', 9007199254740993), ('y', -9223372036854775807),"
-      "('z', -9223372036854775808), ('u', 9223372036854775807), ('v', 9007199254740992)");
-  Job job({{"from", folder_.file("ids.db")}, {"parameter", "p(a) = v"}});
-  ASSERT_TRUE(job.import(folder_.file("ids.rxf"))) << job.errors(folder_);
-  EXPECT_EQ(job.warnings(folder_),
-            "ids.db#t: row 1: warning: v: 9007199254740993 is no double, the nearest one is taken\n"
-            "ids.db#t: row 2: warning: v: -9223372036854775807 is no double, the nearest one is "
-            "taken\n"
-            "ids.db#t: row 4: warning: v: 9223372036854775807 is no double, the nearest one is "
-            "taken\n");
-  Job units({{"from", folder_.file("ids.db#select * from t where a = 'x'")},
-             {"units", "v = 0.5"},
-             {"parameter", "p(a) = v"}});
-  ASSERT_TRUE(units.import(folder_.file("ids.rxf"))) << units.errors(folder_);
-  EXPECT_THAT(units.warnings(folder_), HasSubstr("v: 9007199254740993 is no double"));
-  // As labels they keep each digit.
-  const ztb::Database read = imported("ids.db#t", {{"set", "s(v)"}});
-  EXPECT_TRUE(read["s"].find("9007199254740993").has_value());
 }
 
 TEST_F(TableTest, TellsAMissingFileByItsKind) {

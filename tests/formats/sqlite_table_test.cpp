@@ -1,0 +1,84 @@
+// Tables and queries of SQLite.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <ztb/ztb.hpp>
+
+#include "tests/formats/table_fixture.h"
+
+namespace {
+
+using formatstest::Job;
+using formatstest::Options;
+using formatstest::price;
+using formatstest::TableTest;
+using testing::HasSubstr;
+
+TEST_F(TableTest, ReadsTablesAndQueriesOfSqlite) {
+  sql("stock.db",
+      "create table food(name text, cents real, made text); insert into food values"
+      "('Milk', 11, '2024-03-01'), ('Tofu', 7.25, '2024-03-02'), ('Lard', null, 'x');"
+      "create table other(a); create view cheap as select name, cents from food where cents < 10");
+  const Options named{{"skip-empty", ""}, {"parameter", "price(name) = cents"}};
+  EXPECT_EQ(imported("stock.db#food", named)["price"].recordCount(), 2);
+  EXPECT_EQ(imported("stock.db#CHEAP", named)["price"].find("Tofu")->level(), 7.25);
+  const ztb::Database query = imported(
+      "stock.db#select name || '#' as name, cents * 2 as cents from food where cents > 8", named);
+  EXPECT_EQ(query["price"].find("Milk#")->level(), 22);
+}
+
+TEST_F(TableTest, TellsWhatIsWrongWithASqliteTable) {
+  sql("stock.db",
+      "create table food(name, cents); insert into food values"
+      "('Milk', 'much'), (null, 1), (x'00ff', 2), ('Tofu', 3), ('tofu', 4)");
+  EXPECT_EQ(errorsOf("stock.db#food", {{"parameter", "price(name) = cents"}}),
+            "stock.db#food: row 1: cents: 'much' is not a number\n"
+            "stock.db#food: row 2: name: is empty, expected a label (the empty label is written "
+            "\"\")\n"
+            "stock.db#food: row 3: name: is a blob, expected a text or a number\n"
+            "stock.db#food: row 5: record (\"Tofu\") of price stands in row 4 already (the case of "
+            "letters does not matter)\n"
+            "none.rxf: not written: 4 problems in the input");
+  EXPECT_EQ(errorsOf("stock.db#drinks", price), "stock.db: no table 'drinks'; its tables are food");
+  EXPECT_EQ(errorsOf("stock.db#food", price),
+            "stock.db#food: no column 'food'; the columns are name, cents\n"
+            "none.rxf: not written: 1 problem in the input");
+  EXPECT_THAT(errorsOf("stock.db#select nope from food", price),
+              HasSubstr("stock.db: SQLite: no such column: nope"));
+  EXPECT_THAT(errorsOf("stock.db#with x as (select 1) delete from food", price),
+              HasSubstr("expected a query that only reads"));
+  EXPECT_THAT(errorsOf("stock.db", {}), HasSubstr("no whole database was written to it"));
+  write("no.db", std::string(5000, 'x'));
+  EXPECT_EQ(errorsOf("no.db", {}), "no.db: SQLite: file is not a database");
+  const std::string whole = read("stock.db");
+  write("cut.db", whole.substr(0, 5000));
+  EXPECT_THAT(errorsOf("cut.db#food", {{"parameter", "price(name) = cents"}}),
+              HasSubstr("cut.db: is cut short: it has 5000 bytes of 8192"));
+}
+
+TEST_F(TableTest, TellsOfWholeNumbersOfSqliteThatNoDoubleHolds) {
+  sql("ids.db",
+      "create table t(a text, v integer);"
+      "insert into t values('x', 9007199254740993), ('y', -9223372036854775807),"
+      "('z', -9223372036854775808), ('u', 9223372036854775807), ('v', 9007199254740992)");
+  Job job({{"from", folder_.file("ids.db")}, {"parameter", "p(a) = v"}});
+  ASSERT_TRUE(job.import(folder_.file("ids.rxf"))) << job.errors(folder_);
+  EXPECT_EQ(job.warnings(folder_),
+            "ids.db#t: row 1: warning: v: 9007199254740993 is no double, the nearest one is taken\n"
+            "ids.db#t: row 2: warning: v: -9223372036854775807 is no double, the nearest one is "
+            "taken\n"
+            "ids.db#t: row 4: warning: v: 9223372036854775807 is no double, the nearest one is "
+            "taken\n");
+  Job units({{"from", folder_.file("ids.db#select * from t where a = 'x'")},
+             {"units", "v = 0.5"},
+             {"parameter", "p(a) = v"}});
+  ASSERT_TRUE(units.import(folder_.file("ids.rxf"))) << units.errors(folder_);
+  EXPECT_THAT(units.warnings(folder_), HasSubstr("v: 9007199254740993 is no double"));
+  // As labels they keep each digit.
+  const ztb::Database read = imported("ids.db#t", {{"set", "s(v)"}});
+  EXPECT_TRUE(read["s"].find("9007199254740993").has_value());
+}
+
+}  // namespace
