@@ -1,5 +1,6 @@
 // Queries over a symbol beside the same queries over the same records in SQLite's own table, whose
-// primary key is that of the records; both in memory, in one program. Processor time.
+// primary key is that of the records; both in memory, in one program, and both connections without
+// locks, since one thread uses them. Processor time.
 
 #include <sqlite3.h>
 #include <ztb/sql.h>
@@ -113,6 +114,29 @@ void fill(sqlite3* rival, const ztb::Symbol& symbol) {
   must(sqlite3_exec(rival, "commit", nullptr, nullptr, nullptr), rival);
 }
 
+// What passes before a query over a live database gives its first row, beside the load into
+// SQLite's table before it can.
+double firstRow(ztbRec* database) {
+  double best = 1e9;
+  for (int round = 0; round < rounds; ++round) {
+    const double begin = seconds();
+    ztbSql* sql = nullptr;
+    ztbSqlRows* rows = nullptr;
+    std::array<char, 512> message{};
+    if (ztbSqlOpen(&sql, message.data(), 512) == 0 ||
+        ztbSqlAttach(sql, "db", database, message.data(), 512) == 0 ||
+        ztbSqlQuery(&rows, sql, "select * from p", message.data(), 512) == 0 ||
+        ztbSqlNext(rows) != 1) {
+      std::fprintf(stderr, "%s\n", message.data());
+      std::exit(1);
+    }
+    best = std::min(best, seconds() - begin);
+    ztbSqlRowsClose(&rows);
+    ztbSqlClose(&sql);
+  }
+  return best;
+}
+
 void contest(ztb::Store store, const char* name, sqlite3* rival) {
   ztb::Database database;
   database.selectStore(store);
@@ -127,8 +151,11 @@ void contest(ztb::Store store, const char* name, sqlite3* rival) {
       }
     }
   }
+  static double loadOfRival = 0;
   if (sqlite3_total_changes(rival) == 0) {
+    const double begin = seconds();
     fill(rival, symbol);
+    loadOfRival = seconds() - begin;
   }
   ztbSql* sql = nullptr;
   std::array<char, 512> message{};
@@ -149,6 +176,8 @@ void contest(ztb::Store store, const char* name, sqlite3* rival) {
   both("second position, all columns", "select * from p where j = 'label150'");
   both("groups of the first position", "select i, sum(value) from p group by i");
   report("200,000 lookups", timedLookups(own), timedLookups(rival));
+  std::printf("%-44s %9.2f %9.2f\n", "live database to the first row; rival's load",
+              firstRow(database.handle()) * 1e3, loadOfRival * 1e3);
   ztbSqlClose(&sql);
 }
 
@@ -156,8 +185,10 @@ void contest(ztb::Store store, const char* name, sqlite3* rival) {
 
 int main() {
   sqlite3* rival = nullptr;
-  must(sqlite3_open(":memory:", &rival), rival);
+  constexpr int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX;
+  must(sqlite3_open_v2(":memory:", &rival, flags, nullptr), rival);
   contest(ztb::Store::map, "map", rival);
   contest(ztb::Store::vector, "vector", rival);
+  contest(ztb::Store::trie, "trie", rival);
   sqlite3_close(rival);
 }

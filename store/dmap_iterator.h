@@ -2,9 +2,14 @@
 #ifndef ZTB_STORE_DMAP_ITERATOR_H_
 #define ZTB_STORE_DMAP_ITERATOR_H_
 
+#include <algorithm>
+#include <array>
+#include <cstddef>
 #include <optional>
+#include <span>
 
 #include "store/map_family.h"
+#include "store/record_columns.h"
 
 namespace ztb::dmap {
 
@@ -44,6 +49,11 @@ class DMapIterator final : public BaseDMapIterator {
   }
   [[nodiscard]] bool isNull() const override { return position_ == nullptr; }
 
+  // Copies this record and those behind it, `most` at most, up to the last or, with a mask, before
+  // one that it does not take, and fewer where that suits; then stands on the last of them. Their
+  // number. REQUIRES: stands on a record, which the mask takes.
+  int copyRun(int most, const int* mask, const RecordColumns& columns);
+
   // Whether the iterator stands at the end of its map, where that shows without a look at the map.
   // REQUIRES: not the null iterator.
   [[nodiscard]] std::optional<bool> isAtEnd() const {
@@ -76,6 +86,37 @@ class DMapIterator final : public BaseDMapIterator {
  private:
   void* position_ = nullptr;
 };
+
+inline int DMapIterator::copyRun(int most, const int* mask, const RecordColumns& columns) {
+#if !defined(ZTB_PLAIN_STORES)
+  if (dim() != 0) {
+    std::array<TreeLink*, recordsOfRun> nodes;
+    const int wanted = std::min(most, recordsOfRun);
+    int count = 0;
+    do {
+      auto* node = static_cast<TreeLink*>(position_);
+      __builtin_prefetch(reinterpret_cast<const char*>(node) + bytesAhead);
+      nodes[static_cast<std::size_t>(count++)] = node;
+    } while (count < wanted && stepToRecord(position_, mask, dim()));
+    const auto run = std::span(nodes).first(static_cast<std::size_t>(count));
+    for (const RecordColumn<int>& column : columns.keys()) {
+      std::ranges::transform(run, column.into,
+                             [&](TreeLink* node) { return keyOfNode(node)[column.place]; });
+    }
+    for (const RecordColumn<double>& column : columns.values()) {
+      std::ranges::transform(run, column.into, [&, dim = dim()](TreeLink* node) {
+        return valuesOfNode(node, dim)[column.place];
+      });
+    }
+    return count;
+  }
+#else
+  static_cast<void>(most);
+  static_cast<void>(mask);
+#endif
+  columns.copyOne(get());
+  return 1;
+}
 
 }  // namespace ztb::dmap
 

@@ -21,18 +21,8 @@ void throwRing() {
   throw std::logic_error("the labels of the trie run in a ring");
 }
 
-Node* Node::child() const {
-  if (tag_ != Tag::child) {
-    throw std::bad_variant_access();
-  }
-  return content_.child;
-}
-
-double* Node::values() const {
-  if (tag_ != Tag::values) {
-    throw std::bad_variant_access();
-  }
-  return content_.values;
+void throwOtherContent() {
+  throw std::bad_variant_access();
 }
 
 GTree::GTree(int dim, int type)

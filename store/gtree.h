@@ -28,6 +28,7 @@ inline constexpr int maxDepth = 20;
 
 [[noreturn]] void throwMissingNode();
 [[noreturn]] void throwRing();
+[[noreturn]] void throwOtherContent();
 
 // Beside what is listed first, in its order, stand members of our own. The words of the two pools,
 // first block, last block, bytes used and block size of each, are those of a `Pool`.
@@ -39,13 +40,23 @@ class GTree {
     explicit Node(int keyElement) : key(keyElement) {}
 
     // The first node of the next level, null if there is none. Throws on a record's last node.
-    [[nodiscard]] Node* child() const;
+    [[nodiscard]] Node* child() const {
+      if (tag_ != Tag::child) {
+        throwOtherContent();
+      }
+      return content_.child;
+    }
     // The same; null on a record's last node.
     [[nodiscard]] Node* childOrNull() const {
       return tag_ == Tag::child ? content_.child : nullptr;
     }
     // The record's value slots. Throws on any other node.
-    [[nodiscard]] double* values() const;
+    [[nodiscard]] double* values() const {
+      if (tag_ != Tag::values) {
+        throwOtherContent();
+      }
+      return content_.values;
+    }
     void setChild(Node* child) {
       content_.child = child;
       tag_ = Tag::child;

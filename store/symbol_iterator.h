@@ -3,16 +3,15 @@
 #define ZTB_STORE_SYMBOL_ITERATOR_H_
 
 #include <algorithm>
-#include <array>
 #include <memory>
 #include <numeric>
 #include <optional>
-#include <span>
 #include <stdexcept>
 
 #include "store/abstract_symbol.h"
 #include "store/abstract_symbol_iterator.h"
 #include "store/idmap.h"
+#include "store/record_columns.h"
 #include "store/slice_mask.h"
 
 namespace ztb {
@@ -161,31 +160,16 @@ class ZTBSymbolIterator final : public AbstractZTBSymbolIterator {
       }
       return universePosition_ - first + 1;
     }
-    dmap::RecordView record = current();
-    if constexpr (requires { position_.rowsOnward(most); }) {
-      return copyRows(most, keys, values);
-    }
-    // The positions and slots that are asked for.
-    std::array<int, dmap::maxDimension> positions{};
-    std::array<int, dmap::maxSlots> slots{};
-    const std::size_t positionCount = asked(keys, dimension(), positions);
-    const std::size_t slotCount = asked(values, dmap::slotCount(symbol_->type), slots);
+    static_cast<void>(current());
+    dmap::RecordColumns columns(dimension(), dmap::slotCount(symbol_->type), keys, values);
+    const int* mask = mode_ == IterationMode::slice ? sliceMask_.get() : nullptr;
     int count = 0;
-    while (true) {
-      // Records that were put in order lie side by side, and no processor looks beyond a page.
-      constexpr std::size_t ahead = 1024;
-      __builtin_prefetch(reinterpret_cast<const char*>(record.values) + ahead);
-      for (const int position : std::span(positions).first(positionCount)) {
-        keys[position][count] = record.keys[position];
-      }
-      for (const int slot : std::span(slots).first(slotCount)) {
-        values[slot][count] = record.values[slot];
-      }
-      if (++count == most || !stepQuietly()) {
-        return count;
-      }
-      record = position_.get();
-    }
+    do {
+      const int run = position_.copyRun(most - count, mask, columns);
+      columns.advance(static_cast<std::size_t>(run));
+      count += run;
+    } while (count < most && stepQuietly());
+    return count;
   }
 
   void assignPosition(const AbstractZTBSymbolIterator& other) override {
@@ -201,58 +185,6 @@ class ZTBSymbolIterator final : public AbstractZTBSymbolIterator {
   }
 
  private:
-  // The places of arrays that are there.
-  template <class Value, std::size_t most>
-  static std::size_t asked(Value* const* arrays, int count, std::array<int, most>& places) {
-    std::size_t found = 0;
-    for (int place = 0; place < count; ++place) {
-      if (arrays[place] != nullptr) places[found++] = place;
-    }
-    return found;
-  }
-
-  // Copies records that lie side by side, run by run; in a slice those that match.
-  int copyRows(int most, int* const* keys, double* const* values) {
-    const auto width = static_cast<std::size_t>(dimension());
-    const auto slots = static_cast<std::size_t>(dmap::slotCount(symbol_->type));
-    int count = 0;
-    do {
-      const dmap::RecordView first = position_.get();
-      int run = position_.rowsOnward(most - count);
-      if (mode_ == IterationMode::slice) {
-        run = matchingRun(first.keys, run);
-      }
-      for (std::size_t position = 0; position < width; ++position) {
-        if (keys[position] == nullptr) continue;
-        copyColumn(first.keys + position, width, run, keys[position] + count);
-      }
-      for (std::size_t slot = 0; slot < slots; ++slot) {
-        if (values[slot] == nullptr) continue;
-        copyColumn(first.values + slot, slots, run, values[slot] + count);
-      }
-      count += run;
-      position_.moveTo(position_.row() + run - 1);
-    } while (count < most && stepQuietly());
-    return count;
-  }
-
-  // How many of the rows lie in the slice before one that does not; the first one does.
-  [[nodiscard]] int matchingRun(const int* keys, int rows) const {
-    int run = 1;
-    for (const int* key = keys + dimension();
-         run < rows && dmap::matchesMask(sliceMask_.get(), key, dimension()); key += dimension()) {
-      ++run;
-    }
-    return run;
-  }
-
-  template <class Value>
-  static void copyColumn(const Value* from, std::size_t width, int rows, Value* into) {
-    for (int row = 0; row < rows; ++row) {
-      into[row] = from[static_cast<std::size_t>(row) * width];
-    }
-  }
-
   void showNode() {
     if constexpr (requires { position_.nodeAtHand(); }) {
       node_ = position_.nodeAtHand();

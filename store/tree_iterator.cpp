@@ -1,7 +1,9 @@
 #include "store/tree_iterator.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
+#include <span>
 
 namespace ztb::dmap {
 namespace {
@@ -60,6 +62,41 @@ RecordView TreeIterator::get() const {
     keys[level] = here.node[level]->key;
   }
   return {keys, here.node[here.depth - 1U]->values()};
+}
+
+int TreeIterator::copyRun(int most, const int* mask, const RecordColumns& columns) {
+  if (dim() == 0) {
+    columns.copyOne(get());
+    return 1;
+  }
+  auto& here = std::get<gtree::Path>(position_);
+  const auto last = static_cast<std::size_t>(here.depth) - 1;
+  std::array<gtree::Node*, recordsOfRun> nodes;
+  const bool anyLabel = mask == nullptr || mask[last] == 0;
+  const int wanted = anyLabel ? std::min(most, recordsOfRun) : 1;
+  gtree::Node* node = gtree::requireNode(here.node[last]);
+  int count = 0;
+  while (true) {
+    nodes[static_cast<std::size_t>(count++)] = node;
+    if (count == wanted || node->next == nullptr || node->closesRing()) {
+      break;
+    }
+    node = node->next;
+  }
+  here.node[last] = node;
+  const auto run = std::span(nodes).first(static_cast<std::size_t>(count));
+  for (const RecordColumn<int>& column : columns.keys()) {
+    if (column.place == last) {
+      std::ranges::transform(run, column.into, [](const gtree::Node* at) { return at->key; });
+    } else {
+      std::fill_n(column.into, count, gtree::requireNode(here.node[column.place])->key);
+    }
+  }
+  for (const RecordColumn<double>& column : columns.values()) {
+    std::ranges::transform(run, column.into,
+                           [&](const gtree::Node* at) { return at->values()[column.place]; });
+  }
+  return count;
 }
 
 bool TreeIterator::equals(const IDMapIterator& other) const {

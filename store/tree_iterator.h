@@ -8,6 +8,7 @@
 
 #include "store/gtree.h"
 #include "store/idmap.h"
+#include "store/record_columns.h"
 
 namespace ztb::dmap {
 
@@ -33,6 +34,11 @@ class TreeIterator final : public BaseDMapIterator {
   [[nodiscard]] RecordView get() const override;
   [[nodiscard]] bool equals(const IDMapIterator& other) const override;
   [[nodiscard]] bool isNull() const override;
+
+  // Copies this record and those behind it, `most` at most, up to the last with the same keys but
+  // one or, with a mask, before one that it does not take, and fewer where that suits; then stands
+  // on the last of them. Their number. REQUIRES: stands on a record, which the mask takes.
+  int copyRun(int most, const int* mask, const RecordColumns& columns);
 
   // What stands for the address of a record's values where there is no record, at the end.
   [[nodiscard]] const void* endAddress() const { return get().values; }

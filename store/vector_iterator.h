@@ -8,6 +8,8 @@
 
 #include "store/flat_array.h"
 #include "store/idmap.h"
+#include "store/record_columns.h"
+#include "store/slice_mask.h"
 
 namespace ztb::dmap {
 
@@ -54,18 +56,46 @@ class VectorIterator final : public BaseDMapIterator {
   [[nodiscard]] const void* endAddress() const { return get().values; }
 
   [[nodiscard]] int row() const { return row_; }
-  // Records from this one on, `most` at most.
-  // REQUIRES: stands on a record.
-  [[nodiscard]] int rowsOnward(int most) const {
-    if (dim() == 0) {
-      return 1;
+  // Copies this record and those behind it, `most` at most, up to the end of the arrays or, with a
+  // mask, before one that it does not take; then stands on the last of them. Their number.
+  // REQUIRES: stands on a record, which the mask takes.
+  int copyRun(int most, const int* mask, const RecordColumns& columns) {
+    const RecordView first = get();
+    const auto width = static_cast<std::size_t>(dim());
+    const auto slots = static_cast<std::size_t>(slotCount(type()));
+    const int run = dim() == 0 ? 1 : runOnward(first.keys, most, mask);
+    for (const RecordColumn<int>& column : columns.keys()) {
+      copyColumn(first.keys + column.place, width, run, column.into);
     }
-    return std::min(most, static_cast<int>(keys_->size() / static_cast<std::size_t>(dim())) - row_);
+    for (const RecordColumn<double>& column : columns.values()) {
+      copyColumn(first.values + column.place, slots, run, column.into);
+    }
+    row_ += run - 1;
+    return run;
   }
   // REQUIRES: not the null iterator.
   void moveTo(int row) { row_ = row; }
 
  private:
+  [[nodiscard]] int runOnward(const int* keys, int most, const int* mask) const {
+    const int rows = std::min(most, static_cast<int>(keys_->size() / dim()) - row_);
+    if (mask == nullptr) {
+      return rows;
+    }
+    int run = 1;
+    for (const int* key = keys + dim(); run < rows && matchesMask(mask, key, dim()); key += dim()) {
+      ++run;
+    }
+    return run;
+  }
+
+  template <class Value>
+  static void copyColumn(const Value* from, std::size_t width, int rows, Value* into) {
+    for (int row = 0; row < rows; ++row) {
+      into[row] = from[static_cast<std::size_t>(row) * width];
+    }
+  }
+
   int row_ = -1;
   FlatArray<int>* keys_ = nullptr;
   FlatArray<double>* values_ = nullptr;

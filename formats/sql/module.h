@@ -9,14 +9,28 @@
 
 #include "formats/sql/sqlite_api.h"
 #include "formats/sql/table.h"
+#include "formats/sql/walk.h"
 
 namespace formats {
+
+// A walk over a table as SQLite holds it. `base` comes first.
+struct SqlCursor {
+  sqlite3_vtab_cursor base{};
+  SqlWalk walk;
+  int dimension;
+  // The first column with a number; none has one where it is beyond all.
+  int firstValue;
+
+  explicit SqlCursor(SqlTable& table);
+};
 
 // A table as SQLite holds it. `base` comes first.
 struct SqlVirtualTable {
   sqlite3_vtab base{};
   std::shared_ptr<SqlDatabase> database;
   SqlTable table;
+  // One that was closed, with its memory: each run of a query opens and closes one.
+  std::unique_ptr<SqlCursor> spare;
 
   SqlVirtualTable(std::shared_ptr<SqlDatabase> from, int position)
       : database(std::move(from)), table(*database, position) {}

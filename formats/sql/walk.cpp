@@ -41,9 +41,7 @@ void SqlWalk::begin(SqlSelection selection, unsigned columns) {
   if (selection_.nothing || count == 0) {
     return;
   }
-  c__ztbgetuserspecialvalues(symbol.database(), special_.data());
-  leastSpecial_ = std::numeric_limits<double>::infinity();
-  for (const double special : special_) leastSpecial_ = std::fmin(leastSpecial_, std::abs(special));
+  readSpecialValues();
   const auto positions = static_cast<std::size_t>(table_->dimension());
   const auto given = static_cast<std::size_t>(std::count_if(selection_.labels.data(),
                                                             selection_.labels.data() + positions,
@@ -72,6 +70,18 @@ void SqlWalk::begin(SqlSelection selection, unsigned columns) {
   keys_.resize(positions);
   values_.resize(symbol.valueCount());
   fill();
+}
+
+void SqlWalk::readSpecialValues() {
+  ztb::SpecialValues own{};
+  c__ztbgetspecialvalues(database_, own.data());
+  c__ztbgetuserspecialvalues(database_, special_.data());
+  epsilon_ = own[ZTB_EPSILON];
+  leastSpecial_ = std::numeric_limits<double>::infinity();
+  for (const double special : special_) {
+    // Epsilon mostly stays what it is, and less than all numbers is.
+    if (special != epsilon_) leastSpecial_ = std::fmin(leastSpecial_, std::abs(special));
+  }
 }
 
 // Looks at all records for a long list of first labels.
@@ -231,6 +241,8 @@ void SqlWalk::spell(std::vector<double>& column) const {
       value = -infinity;
     } else if (value == special_[ZTB_UNDEFINED] || value == special_[ZTB_NOT_AVAILABLE]) {
       value = std::numeric_limits<double>::quiet_NaN();
+    } else if (value == special_[ZTB_EPSILON]) {
+      value = epsilon_;
     }
   }
 }

@@ -28,6 +28,11 @@ class SqlWalk {
   // Stands on the first of them, or at the end. Of columns whose bit is not set no values are asked
   // for, nor texts.
   void begin(SqlSelection selection, unsigned columns);
+  // Lets go of the records; the memory stays for the next walk.
+  void end() {
+    record_ = {};
+    at_ = filled_ = 0;
+  }
   [[nodiscard]] bool atEnd() const { return at_ == filled_; }
   // False when records were changed since begin(); then next() and text() throw.
   [[nodiscard]] bool isUnchanged() const { return ztbRecordChanges(database_) == changes_; }
@@ -71,6 +76,7 @@ class SqlWalk {
   [[noreturn]] void failChanged() const;
   // Gives special values of the block as SQL has them.
   void spell(std::vector<double>& column) const;
+  void readSpecialValues();
   void fill();
   bool toRecords();
   void readBlock();
@@ -103,7 +109,8 @@ class SqlWalk {
   std::size_t passed_ = 0;  // records before the block
   std::array<int, ZTB_MAX_DIMENSION> allKeys_{};
   ztb::SpecialValues special_{};
-  double leastSpecial_ = 0;  // the least of their magnitudes
+  double epsilon_ = 0;       // as SQL has it
+  double leastSpecial_ = 0;  // the least magnitude of those that SQL has otherwise
 };
 
 }  // namespace formats

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <numeric>
 #include <string>
 #include <vector>
 #include <ztb/ztb.hpp>
@@ -103,6 +104,48 @@ TEST_P(Blocks, OfSlicesAreTheRecordsThatStepsMeet) {
       } while (c__ztbrecordmovenext(database_.handle(), record) == 1);
       EXPECT_EQ(inBlocks, stepped) << "slice " << slice << ", blocks of " << most;
       c__ztbfreesymboliterator(database_.handle(), record);
+    }
+  }
+}
+
+// More records than a store hands over at a time, put in order and, where the store takes them,
+// not: in blocks whose ends fall everywhere, all of them and those of a slice.
+TEST_P(Blocks, OfManyRecordsAreTheRecordsThatStepsMeet) {
+  constexpr int wide = 90;
+  for (int label = 4; label <= wide; ++label) database_.mergeLabel("n" + std::to_string(label));
+  for (const int stride : {1, 37}) {
+    if (stride != 1 && GetParam() == ztb::Store::vector) continue;
+    ztb::Symbol q = database_.addParameter("q" + std::to_string(stride), {"*", "*"});
+    for (int step = 0; step < 3 * wide; ++step) {
+      const int place = step * stride % (3 * wide);
+      q.put(std::array{place / wide + 1, place % wide + 1}, place);
+    }
+    for (const char* first : {" ", "b"}) {
+      std::vector<int> places(static_cast<std::size_t>(*first == ' ' ? 3 * wide : wide));
+      std::iota(places.begin(), places.end(), *first == ' ' ? 0 : wide);
+      for (const int most : {1, 63, 64, 65, 89, 90, 91, 128, 129, 269, 270, 271}) {
+        void* record = nullptr;
+        std::array<const char*, 2> slice{first, " "};
+        ASSERT_EQ(c__ztbfindfirstrecordslice(database_.handle(), q.handle(), slice.data(), &record),
+                  1);
+        std::vector<int> met;
+        do {
+          std::array<std::vector<int>, 2> numbers;
+          for (std::vector<int>& column : numbers) column.resize(static_cast<std::size_t>(most));
+          std::vector<double> values(static_cast<std::size_t>(most));
+          std::array<int*, 2> keys{numbers[0].data(), numbers[1].data()};
+          std::array<double*, 1> slots{values.data()};
+          const int count =
+              ztbReadRecords(database_.handle(), record, most, keys.data(), slots.data());
+          ASSERT_GT(count, 0);
+          for (std::size_t row = 0; row < static_cast<std::size_t>(count); ++row) {
+            met.push_back((numbers[0][row] - 1) * wide + numbers[1][row] - 1);
+            EXPECT_EQ(values[row], met.back());
+          }
+        } while (c__ztbrecordmovenext(database_.handle(), record) == 1);
+        EXPECT_EQ(met, places) << "stride " << stride << ", blocks of " << most;
+        c__ztbfreesymboliterator(database_.handle(), record);
+      }
     }
   }
 }

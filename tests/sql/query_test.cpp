@@ -185,7 +185,8 @@ TEST_F(SqlQuery, GivesSpecialValuesAsSqlHasThem) {
   set("Milk", "kcal", special[ZTB_NOT_AVAILABLE]);
   set("Tofu", "iron", special[ZTB_PLUS_INFINITY]);
   set("2020", "kcal", special[ZTB_MINUS_INFINITY]);
-  const std::vector<std::string> expected{"null", "null", "Inf", "-Inf", "9.0"};
+  set("apple", "zinc", special[ZTB_EPSILON]);
+  const std::vector<std::string> expected{"null", "null", "Inf", "-Inf", "4.94065645841247e-324"};
   EXPECT_EQ(rows("select value from holds"), expected);
   // Whatever the caller spells them like.
   database_.setSpecialValues({-1, -2, -3, -4, -5});
