@@ -147,12 +147,14 @@ int positionOfColumn(int column) {
 int connectFunction(sqlite3* connection, void* data, sqlite3_vtab** table) {
   std::string text = "create table ztb(";
   const auto addKey = [&](int position, const char* type) {
-    text += "dim_" + std::to_string(position + 1) + " text" + type + " collate nocase, ";
+    text += "dim_" + std::to_string(position + 1) + ' ' + type + " collate nocase, ";
   };
-  for (int position = 0; position < shownPositions; ++position) addKey(position, "");
+  for (int position = 0; position < shownPositions; ++position) addKey(position, "text");
   text += "value real, text text, file text hidden, symbol text hidden, ";
   for (int position = shownPositions; position < ZTB_MAX_DIMENSION; ++position) {
-    addKey(position, " hidden");  // a part of the type to SQLite
+    // Hidden is a part of the type to SQLite, which versions about 3.40 cut out without moving the
+    // collation that is stored behind it: they find it in the last six chars of what is left.
+    addKey(position, "hidden text nocase");
   }
   text += "marginal real hidden, lower real hidden, upper real hidden, scale real hidden)";
   const int result = sqlite3_declare_vtab(connection, text.c_str());

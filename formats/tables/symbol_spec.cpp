@@ -26,9 +26,9 @@ constexpr std::array<VariableKind, 5> variableKinds{
 
 class SpecParser {
  public:
-  SpecParser(SpecKind kind, const std::string& argument) : argument_(argument) {
+  SpecParser(SpecKind kind, const std::string& argument, const char* option) : argument_(argument) {
     spec_.kind = kind;
-    spec_.source = fmt::format("{} {}", optionOf(kind), argument);
+    spec_.source = fmt::format("{} {}", option == nullptr ? optionOf(kind) : option, argument);
   }
 
   SymbolSpec parse() {
@@ -247,8 +247,8 @@ const char* optionOf(SpecKind kind) {
   }
 }
 
-SymbolSpec parseSymbolSpec(SpecKind kind, const std::string& argument) {
-  return SpecParser(kind, argument).parse();
+SymbolSpec parseSymbolSpec(SpecKind kind, const std::string& argument, const char* option) {
+  return SpecParser(kind, argument, option).parse();
 }
 
 }  // namespace formats

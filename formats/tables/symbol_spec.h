@@ -57,8 +57,10 @@ struct SymbolSpec {
 // Name of the option of a kind: "--set", "--distinct-set", "--parameter", "--variable".
 const char* optionOf(SpecKind kind);
 
-// Throws UsageError, which says what is expected and where, for anything else.
-SymbolSpec parseSymbolSpec(SpecKind kind, const std::string& argument);
+// Throws UsageError, which says what is expected and where, for anything else. `option` is what the
+// argument stands behind, in errors, where that is none of the above.
+SymbolSpec parseSymbolSpec(SpecKind kind, const std::string& argument,
+                           const char* option = nullptr);
 
 }  // namespace formats
 

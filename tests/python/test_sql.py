@@ -2,6 +2,7 @@
 
 import math
 
+import numpy as np
 import pytest
 
 import ztb
@@ -24,6 +25,14 @@ def test_parameters_take_labels_and_numbers(diet):
     assert ztb.sql(diet, query, "milk", 1.5).value.tolist() == [3.0]
     with pytest.raises(ValueError, match="the query has 2 parameters, 1 are given"):
         ztb.sql(diet, query, "milk")
+
+
+def test_parameters_are_integers_of_any_kind_within_64_bits(diet):
+    frame = ztb.sql(diet, "select typeof(?1) as t, ?1 as n", np.int32(7))
+    assert frame.values.tolist() == [["integer", 7]]
+    assert ztb.sql(diet, "select ? as n", -(2**63)).n.tolist() == [-(2**63)]
+    with pytest.raises(ValueError, match="parameter 2 is an integer beyond the 64 bits"):
+        ztb.sql(diet, "select ?, ?", 1, 2**63)
 
 
 def test_special_values(diet):

@@ -29,6 +29,13 @@ expect "select dim_1, text from ztb('diet.rxf', 'food') where dim_1 = 'TOFU'" 'T
 expect "select value from ztb('diet.rxf', 'price') where dim_1 in ('milk', 'x')" '11.0'
 expect "select value from ztb('diet.rxf', 'price') where dim_2 = 'Milk'" ''
 expect "select dim_5, value from ztb('diet.rxf', 'wide')" '5|6.0'
+printf 'a,b,c,d,e,v\nu,v,w,x,Yes,6\nu,v,w,x,No,7\n' >letters.csv
+"$ztb" import letters.rxf --from letters.csv --parameter 'deep(a, b, c, d, e) = v' >/dev/null
+expect "select value from ztb('letters.rxf', 'deep') where dim_5 = 'YES'" '6.0'
+expect "select value from ztb('letters.rxf', 'deep') where dim_5 in ('yes', 'z')" '6.0'
+expect "select value from ztb('letters.rxf', 'deep') where dim_5 < 'P'" '7.0'
+expect "select b.value from ztb('letters.rxf', 'deep') b join (select 'NO' as x) on dim_5 = x" '7.0'
+expect "select value from ztb('letters.rxf', 'deep') where dim_5 = 'YES' collate binary" ''
 expect "create virtual table temp.p using ztb_symbol('diet.rxf', 'price');
   select food, value from p where food = 'milk'" 'Milk|11.0'
 expect "create virtual table p using ztb_symbol('diet.rxf', 'wide'); select * from p" '1|2|3|4|5|6.0'

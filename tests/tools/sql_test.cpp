@@ -117,6 +117,17 @@ TEST_F(SqlTest, TellsWhatIsWrong) {
   expectFails(
       1, "ztb: --into a(food): row 1: a label is null\n",
       {"sql", "diet.rxf", "select null as food, 1 as a", "--into", "a(food)", "--out", "new.rxf"});
+  expectFails(2,
+              "ztb: --into a: '(' and the key columns are expected; a scalar is written with () at "
+              "char 2\n",
+              {"sql", "diet.rxf", "select 1 as v", "--into", "a", "--out", "new.rxf"});
+  expectFails(
+      1, "ztb: --into a(): row 2: one row is expected, since there are no key columns\n",
+      {"sql", "diet.rxf", "select 1 as v union all select 2", "--into", "a()", "--out", "new.rxf"});
+  expectFails(2,
+              "ztb: --json: two columns are called 'food', which an object cannot have: name one "
+              "with as\n",
+              {"sql", "diet.rxf", "select food, 1, food from food", "--json"});
   EXPECT_FALSE(exists("new.rxf"));
 }
 

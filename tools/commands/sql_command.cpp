@@ -210,6 +210,15 @@ Json jsonCell(const Query& query, int column) {
 
 // An array with an object for each row, one on a line.
 void printJson(Query& query) {
+  for (int column = 1; column < query.columnCount(); ++column) {
+    for (int before = 0; before < column; ++before) {
+      if (query.columnName(before) == query.columnName(column)) {
+        throw UsageError(fmt::format(
+            "--json: two columns are called {}, which an object cannot have: name one with as",
+            inQuotes(query.columnName(column))));
+      }
+    }
+  }
   std::string before = "[\n  ";
   query.walk([&] {
     Json row = Json::object();
@@ -285,6 +294,9 @@ void addRecord(const Query& query, const Content& content, ztb::Database& databa
     }
     labels[position] = cellText(query, content.keys[position], 0);
   }
+  if (labels.empty() && symbol.recordCount() > 0) {
+    throw Failure("one row is expected, since there are no key columns");
+  }
   ztb::Record record = symbol.add(labels);
   if (content.value < 0) {
     return;
@@ -300,8 +312,8 @@ void addRecord(const Query& query, const Content& content, ztb::Database& databa
 
 // Writes all of the first file, with the result as one symbol more.
 void writeSymbol(Query& query, const SqlOptions& options) {
-  formats::SymbolSpec spec = formats::parseSymbolSpec(formats::SpecKind::parameter, *options.into);
-  spec.source = "--into " + *options.into;
+  const formats::SymbolSpec spec =
+      formats::parseSymbolSpec(formats::SpecKind::parameter, *options.into, "--into");
   const Content content = contentOf(query, spec);
   OutputFile output(*options.out);
   ztb::Database database = ztb::Database::open(query.firstFile());

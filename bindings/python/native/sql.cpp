@@ -81,6 +81,20 @@ class Column {
   bool isObjects_ = false;
 };
 
+long long integerFrom(const py::object& value, int number) {
+  const auto integer = py::reinterpret_steal<py::object>(PyNumber_Index(value.ptr()));
+  if (!integer) {
+    throw py::error_already_set();
+  }
+  int overflow = 0;
+  const long long result = PyLong_AsLongLongAndOverflow(integer.ptr(), &overflow);
+  if (overflow != 0) {
+    throw py::value_error("parameter " + std::to_string(number) +
+                          " is an integer beyond the 64 bits that SQL has");
+  }
+  return result;
+}
+
 void bind(ztbSqlRows* rows, const py::sequence& parameters) {
   const int count = ztbSqlParameterCount(rows);
   if (static_cast<int>(py::len(parameters)) != count) {
@@ -89,8 +103,9 @@ void bind(ztbSqlRows* rows, const py::sequence& parameters) {
   }
   for (int number = 1; number <= count; ++number) {
     const py::object value = parameters[static_cast<std::size_t>(number) - 1];
-    if (py::isinstance<py::int_>(value)) {
-      ztbSqlBindInteger(rows, number, value.cast<long long>());
+    // Integers of numpy are no int of Python, but give one.
+    if (PyIndex_Check(value.ptr()) != 0) {
+      ztbSqlBindInteger(rows, number, integerFrom(value, number));
     } else if (py::isinstance<py::float_>(value)) {
       ztbSqlBindReal(rows, number, value.cast<double>());
     } else {
