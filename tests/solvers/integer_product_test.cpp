@@ -1,8 +1,10 @@
 // Problems with products of columns and integers, worked by hand, or by trying all integers.
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <random>
 
 #include "tests/solvers/small_model.h"
@@ -273,6 +275,41 @@ TEST(IntegerProduct, endsWhenTimeIsOver) {
   const SolverResult result = solveFresh("bonmin", model, limits);
   EXPECT_EQ(result.outcome, Outcome::timeLimit) << result.reason;
   EXPECT_TRUE(result.hasPoint);
+}
+
+// Equal halves of many odd-sized things on five scales at once. Heuristics of Bonmin hand such a
+// model to a search of their own that asks nobody for a minute of the processor.
+TEST(IntegerProduct, endsWhereItsHeuristicsWouldSearch) {
+  SmallModel model;
+  constexpr int kThings = 40;
+  constexpr int kScales = 5;
+  for (int j = 0; j < kThings; ++j) model.column(0, 0, 1, true);
+  for (int i = 0; i < 2 * kScales; ++i) model.column(1, 0, kInf);
+  unsigned state = 12345;
+  for (int i = 0; i < kScales; ++i) {
+    std::vector<double> row(kThings + 2 * kScales, 0.0);
+    int sum = 0;
+    for (int j = 0; j < kThings; ++j) {
+      state = state * 1103515245U + 12345U;
+      const int size = static_cast<int>(state / 65536U % 100U);
+      row[static_cast<std::size_t>(j)] = size;
+      sum += size;
+    }
+    row[static_cast<std::size_t>(kThings + 2 * i)] = 1;
+    row[static_cast<std::size_t>(kThings + 2 * i + 1)] = -1;
+    const double half = sum / 2;
+    model.row(row, half, half);
+  }
+  State asked{1000};
+  SolverLimits limits;
+  limits.terminated = &State::ended;
+  limits.context = &asked;
+  EXPECT_EXIT(
+      {
+        alarm(50);
+        std::exit(solveFresh("bonmin", model, limits).outcome == Outcome::terminated ? 0 : 1);
+      },
+      testing::ExitedWithCode(0), "");
 }
 
 TEST(IntegerProduct, endsAtTheLimitOfIterations) {

@@ -89,6 +89,8 @@ std::string optionsOf(const Watch& watch, int iterations) {
       "bonmin.allowable_gap 0\n"
       "bonmin.allowable_fraction_gap %.17g\n"
       "bonmin.cutoff_decr 1e-9\n"
+      "bonmin.heuristic_dive_MIP_fractional no\n"
+      "bonmin.heuristic_dive_MIP_vectorLength no\n"
       "bonmin.iteration_limit %d\n"
       "bonmin.num_retry_unsolved_random_point 3\n"
       "bonmin.bb_log_level 0\n"
