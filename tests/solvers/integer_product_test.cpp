@@ -277,9 +277,8 @@ TEST(IntegerProduct, endsWhenTimeIsOver) {
   EXPECT_TRUE(result.hasPoint);
 }
 
-// Equal halves of many odd-sized things on five scales at once. Heuristics of Bonmin hand such a
-// model to a search of their own that asks nobody for a minute of the processor.
-TEST(IntegerProduct, endsWhereItsHeuristicsWouldSearch) {
+// Equal halves of many odd-sized things on five scales at once.
+SmallModel halves() {
   SmallModel model;
   constexpr int kThings = 40;
   constexpr int kScales = 5;
@@ -300,6 +299,13 @@ TEST(IntegerProduct, endsWhereItsHeuristicsWouldSearch) {
     const double half = sum / 2;
     model.row(row, half, half);
   }
+  return model;
+}
+
+// Heuristics of Bonmin hand such a model to a search of their own that asks nobody for a minute of
+// the processor.
+TEST(IntegerProduct, endsWhereItsHeuristicsWouldSearch) {
+  SmallModel model = halves();
   State asked{1000};
   SolverLimits limits;
   limits.terminated = &State::ended;
@@ -310,6 +316,20 @@ TEST(IntegerProduct, endsWhereItsHeuristicsWouldSearch) {
         std::exit(solveFresh("bonmin", model, limits).outcome == Outcome::terminated ? 0 : 1);
       },
       testing::ExitedWithCode(0), "");
+}
+
+// Whatever it is at: what is left of the problems that it tries before it branches makes it talk.
+TEST(IntegerProduct, printsNothingWhereverItIsEnded) {
+  SmallModel model = halves();
+  for (const int times : {100, 220, 400}) {
+    StdoutCapture capture;
+    State asked{times};
+    SolverLimits limits;
+    limits.terminated = &State::ended;
+    limits.context = &asked;
+    ASSERT_EQ(solveFresh("bonmin", model, limits).outcome, Outcome::terminated) << times;
+    ASSERT_EQ(capture.text(), "") << times;
+  }
 }
 
 TEST(IntegerProduct, endsAtTheLimitOfIterations) {

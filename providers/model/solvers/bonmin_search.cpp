@@ -8,6 +8,7 @@
 #include <CbcEventHandler.hpp>
 #include <CbcModel.hpp>
 #include <CoinError.hpp>
+#include <CoinMessageHandler.hpp>
 #include <IpException.hpp>
 #include <algorithm>
 #include <array>
@@ -82,6 +83,13 @@ class SearchHandler : public CbcEventHandler {
   Search* search_;
 };
 
+// Bonmin prints some of its messages at every level of its log.
+class SilentHandler : public CoinMessageHandler {
+ public:
+  int print() override { return 0; }
+  [[nodiscard]] CoinMessageHandler* clone() const override { return new SilentHandler(*this); }
+};
+
 std::string optionsOf(const Watch& watch, int iterations) {
   // A better solution counts however little it is better by.
   constexpr const char* kOptions =
@@ -142,7 +150,8 @@ void search(const SolverProblem& problem, Search& search, SolverResult& result) 
   const Ipopt::SmartPtr<Bonmin::TMINLP> handedOver =
       new BonminProblem(problem, asked, [&] { search.evaluated(); });
   const int iterations = search.watch.iterationsLeft(result.iterations);
-  Bonmin::BonminSetup setup;
+  const SilentHandler silent;
+  Bonmin::BonminSetup setup(&silent);
   setup.initializeOptionsAndJournalist();
   setup.readOptionsString(optionsOf(search.watch, iterations));
   setup.initialize(handedOver);
