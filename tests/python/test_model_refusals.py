@@ -32,7 +32,8 @@ def solved(*arguments, **options):
         ([["1", "2"]], TypeError, "numbers expected"),
         ([[1, 1, 1]], ValueError, "A has 3 columns, c has 2 numbers"),
         (np.zeros((1, 1, 2)), ValueError, "A has 3 axes, expected two"),
-        ([[np.nan, 1]], ztb.Error, "a coefficient has to be a finite number"),
+        ([[1, 2], [3, np.nan]], ValueError, r"A\[1, 1\] is nan, a finite number is expected"),
+        (([1.0, -np.inf], [1, 0], [0, 0, 2]), ValueError, r"A\[1, 0\] is -inf, a finite number"),
     ],
 )
 def test_matrices_that_are_none(matrix, error, text):
@@ -57,6 +58,7 @@ def test_matrices_that_are_none(matrix, error, text):
         ({"columns": ["a"]}, ValueError, "columns: 1 names for 2"),
         ({"columns": ["a", "a"]}, ztb.Error, 'column "a" stands twice'),
         ({"columns": {"buy": ("f", ["a"])}}, ValueError, "the families have 1 elements, expected 2"),
+        ({"maximize": "min"}, TypeError, "maximize is True or False, not 'min'"),
         ({"constant": np.nan}, ztb.Error, "constant has to be a finite number"),
     ],
 )
@@ -71,8 +73,15 @@ def test_rows_that_contradict_themselves_have_no_solution():
     assert model.explain().members == ["row(0) >= 4", "row(0) <= 3"]
 
 
+def test_costs_that_are_no_numbers_are_told_by_place():
+    with pytest.raises(ValueError, match=r"c\[1\] is inf, a finite number is expected"):
+        ztb.Model.from_arrays([1, np.inf], [[1, 1]])
+
+
 def test_arrays_are_taken_as_they_are_meant():
     one = [[1, 1]]
+    assert solved([-1, -2], one, None, 4) == ("optimal", [0, 4])
+    assert solved([1, 2], one, 1, None) == ("optimal", [1, 0])
     assert solved([1, 2], one, lower=1, bounds=(0, None)) == ("optimal", [1, 0])
     assert solved([1, 2], one, lower=1, bounds=(None, None))[0] == "unbounded"
     assert solved([1, 2], one, lower=1, bounds=([0, 2], 1))[0] == "infeasible"

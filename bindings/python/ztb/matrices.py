@@ -55,6 +55,16 @@ def entries(
     )
 
 
+def expect_finite(
+    values: npt.NDArray[np.float64], place: str, *numbers: npt.NDArray[np.integer[Any]]
+) -> None:
+    """Refuses numbers that are none, by the first one's place with its numbers put in."""
+    wrong = np.flatnonzero(~np.isfinite(values))
+    if len(wrong):
+        where = place.format(*(number[wrong[0]] for number in numbers))
+        raise ValueError(f"{where} is {values[wrong[0]]}, a finite number is expected")
+
+
 def _places(values: Any, what: str) -> npt.NDArray[np.int32]:
     """Numbers of columns or entries."""
     places = np.asarray(values)

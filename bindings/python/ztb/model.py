@@ -117,8 +117,8 @@ class Model:
         cls,
         c: npt.ArrayLike,
         A: Any,
-        lower: npt.ArrayLike = -np.inf,
-        upper: npt.ArrayLike = np.inf,
+        lower: Optional[npt.ArrayLike] = -np.inf,
+        upper: Optional[npt.ArrayLike] = np.inf,
         *,
         bounds: Tuple[Optional[npt.ArrayLike], Optional[npt.ArrayLike]] = (0.0, np.inf),
         kind: Union[str, npt.ArrayLike] = "continuous",
@@ -146,16 +146,20 @@ class Model:
         at, column, value, shape = matrices.entries(A, len(cost))
         if shape[1] != len(cost):
             raise ValueError(f"A has {shape[1]} columns, c has {len(cost)} numbers")
+        matrices.expect_finite(cost, "c[{}]", np.arange(len(cost)))
+        matrices.expect_finite(value, "A[{}, {}]", at, column)
+        if not isinstance(maximize, (bool, np.bool_)):
+            raise TypeError(f"maximize is True or False, not {maximize!r}")
         model = cls()
         types, rhs, ranges = matrices.sides(
-            matrices.spread(lower, shape[0], "lower"),
-            matrices.spread(upper, shape[0], "upper"),
+            matrices.spread(-np.inf if lower is None else lower, shape[0], "lower"),
+            matrices.spread(np.inf if upper is None else upper, shape[0], "upper"),
             "rows",
         )
         kinds = matrices.kinds(kind, len(cost))
         low, high = matrices.within_kinds(kinds, *matrices.bounds_of(bounds, len(cost)))
         native = model._native
-        native.set_objective(str(objective), maximize, constant)
+        native.set_objective(str(objective), bool(maximize), constant)
         for name, positions, part in matrices.named(columns, len(cost), "x", "columns"):
             native.add_columns(name, positions, kinds[part], low[part], high[part])
         for name, positions, part in matrices.named(rows, shape[0], "row", "rows"):
