@@ -480,6 +480,31 @@ def test_a_limit_ends_a_solve_and_is_given_back(endless):
     assert float(endless._native.option("TimeLimit")) == 1e10
 
 
+def test_solves_of_one_model_by_two_threads_have_limits_of_their_own(endless):
+    first_runs, second_comes = threading.Event(), threading.Event()
+    calls_left = [10]
+
+    def first(progress):
+        first_runs.set()
+        if second_comes.is_set():
+            calls_left[0] -= 1
+        return calls_left[0] > 0
+
+    statuses = []
+    thread = threading.Thread(
+        target=lambda: statuses.append(
+            endless.solve(time_limit=100, progress=first, every=0.05).solve_status
+        )
+    )
+    thread.start()
+    assert first_runs.wait(60)
+    second_comes.set()
+    second = endless.solve(time_limit=0.3, progress=lambda progress: progress.seconds < 30)
+    thread.join()
+    assert (statuses, second.solve_status) == (["terminated"], "time limit")
+    assert float(endless._native.option("TimeLimit")) == 1e10
+
+
 def test_other_threads_run_during_a_solve_and_ctrl_c_ends_it(endless):
     """The timer's thread needs the interpreter's lock to send the signal."""
     timer = threading.Timer(0.3, lambda: os.kill(os.getpid(), signal.SIGINT))

@@ -5,6 +5,8 @@
 #include <array>
 #include <chrono>
 #include <cstddef>
+#include <optional>
+#include <string>
 #include <ztb/model_fills.hpp>
 
 #include "bindings/python/native/filling.h"
@@ -128,6 +130,37 @@ class SolveWatch {
   std::optional<py::error_already_set> error_;
 };
 
+// The value of an option of a model.
+std::string optionOf(const ztb::Model& model, const std::string& name) {
+  std::array<char, 4096> value{};
+  if (ztbModelGetOption(model.handle(), name.c_str(), value.data(),
+                        static_cast<int>(value.size())) == 0) {
+    throw ztb::Error("ztbModelGetOption", model.message());
+  }
+  return value.data();
+}
+
+// A limit of time that a model has in its scope, if there is one; that of before comes back.
+class TimeLimit {
+ public:
+  TimeLimit(ztb::Model& model, const std::optional<std::string>& seconds) : model_(model) {
+    if (!seconds) return;
+    before_ = optionOf(model, kName);
+    model.setOption(kName, *seconds);
+  }
+  TimeLimit(const TimeLimit&) = delete;
+  TimeLimit& operator=(const TimeLimit&) = delete;
+  ~TimeLimit() {
+    if (before_) ztbModelSetOption(model_.handle(), kName, before_->c_str());
+  }
+
+ private:
+  static constexpr const char* kName = "TimeLimit";
+
+  ztb::Model& model_;
+  std::optional<std::string> before_;
+};
+
 // A model that is watched in its scope.
 class Watched {
  public:
@@ -187,17 +220,8 @@ void Model::drive(const py::str& statement) {
   model_.drive(fromPython(statement));
 }
 
-void Model::setOption(const py::str& name, const py::str& value) {
-  model_.setOption(fromPython(name), fromPython(value));
-}
-
 py::str Model::option(const py::str& name) const {
-  std::array<char, 4096> value{};
-  if (ztbModelGetOption(model_.handle(), fromPython(name).c_str(), value.data(),
-                        static_cast<int>(value.size())) == 0) {
-    throw ztb::Error("ztbModelGetOption", model_.message());
-  }
-  return toPython(value.data());
+  return toPython(optionOf(model_, fromPython(name)));
 }
 
 py::list Model::notes() const {
@@ -252,10 +276,20 @@ int Model::fix(const Symbol& columns, const Symbol& data, const Numbers& keys,
   return tie.update(columns.client(), ztb::Action::fix, data.client(), ztb::Missing::base);
 }
 
-py::tuple Model::solve(const py::str& solver, const py::object& progress, double every) {
+int Model::updatedKind() {
+  requireTie();
+  const Use use(*connection_);
+  return model_.updatedKind();
+}
+
+py::tuple Model::solve(const py::str& solver, const py::object& progress, double every,
+                       const std::vector<std::pair<std::string, std::string>>& options,
+                       const std::optional<std::string>& timeLimit) {
   ztb::ModelTie& tie = requireTie();
   const std::string name = fromPython(solver);
   const Use use(*connection_);
+  for (const auto& [option, value] : options) model_.setOption(option, value);
+  const TimeLimit limit(model_, timeLimit);
   std::optional<SolveWatch> watch;
   runWithoutInterpreter([&](Interruption& interruption) {
     watch.emplace(model_, interruption, progress, every);
@@ -368,7 +402,6 @@ void bindModel(py::module_& module) {
       .def("add_rows", &Model::addRows)
       .def("add_terms", &Model::addTerms)
       .def("drive", &Model::drive)
-      .def("set_option", &Model::setOption)
       .def("option", &Model::option)
       .def("kind", &Model::kind)
       .def("updated_kind", &Model::updatedKind)
@@ -376,7 +409,9 @@ void bindModel(py::module_& module) {
       .def("tie", &Model::tie)
       .def("update", &Model::update)
       .def("fix", &Model::fix)
-      .def("solve", &Model::solve)
+      .def("solve", &Model::solve, py::arg("solver"), py::arg("progress"), py::arg("every"),
+           py::arg("options") = std::vector<std::pair<std::string, std::string>>(),
+           py::arg("time_limit") = py::none())
       .def("field", &Model::field)
       .def("fields", &Model::fields)
       .def("explain", &Model::explain)

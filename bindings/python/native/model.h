@@ -36,10 +36,10 @@ class Model {
   void addTerms(const Numbers& rows, const Numbers& columns, const Values& values);
   void drive(const py::str& statement);
 
-  void setOption(const py::str& name, const py::str& value);
   [[nodiscard]] py::str option(const py::str& name) const;
   [[nodiscard]] int kind() { return model_.kind(); }
-  [[nodiscard]] int updatedKind() { return model_.updatedKind(); }
+  // Waits for the turn with the tied database.
+  [[nodiscard]] int updatedKind();
   [[nodiscard]] py::list notes() const;
   void readBasis(const py::object& path) { model_.readBasis(pathFromPython(path)); }
   void writeBasis(const py::object& path) { model_.writeBasis(pathFromPython(path)); }
@@ -57,9 +57,13 @@ class Model {
   int fix(const Symbol& columns, const Symbol& data, const Numbers& keys, const Values& values);
   // Solves without the interpreter's lock. A signal whose handler raises ends it. `progress`,
   // unless None, is called about every `every` seconds with those that passed, the objective of the
-  // best point so far and the bound, and ends the solve when it raises, or gives False. Gives what
-  // the solve left: status, solve status, objective, bound, seconds, processor seconds, iterations.
-  py::tuple solve(const py::str& solver, const py::object& progress, double every);
+  // best point so far and the bound, and ends the solve when it raises, or gives False. `options`,
+  // names and texts, are set before and stay; a `timeLimit` that is not None is that of this solve.
+  // All of it is in one turn: another thread's solve of the model has neither. Gives what the solve
+  // left: status, solve status, objective, bound, seconds, processor seconds, iterations.
+  py::tuple solve(const py::str& solver, const py::object& progress, double every,
+                  const std::vector<std::pair<std::string, std::string>>& options,
+                  const std::optional<std::string>& timeLimit);
   // A field of all records of a variable or equation, in their order.
   Values field(const py::str& symbol, int number);
   // All fields, a row for each.

@@ -654,21 +654,11 @@ class Tie:
         if time_limit is not None:
             time_limit = arguments.real(time_limit, "number of seconds for time_limit")
         self._require_tied()
-        native = self._native
-        if options is not None:
-            for option, value in options.items():
-                native.set_option(option, str(value))
+        set_now = [(str(option), str(value)) for option, value in (options or {}).items()]
+        limit = None if time_limit is None else repr(min(float(time_limit), _LONG))
         name = solver or self._standard_solver()
-        limit = None
-        if time_limit is not None:
-            limit = native.option("TimeLimit")
-            native.set_option("TimeLimit", repr(min(float(time_limit), _LONG)))
         told = None if progress is None else lambda *state: progress(Progress(*state))
-        try:
-            left = native.solve(name, told, every)
-        finally:
-            if limit is not None:
-                native.set_option("TimeLimit", limit)
+        left = self._native.solve(name, told, every, set_now, limit)
         return Solution(left, name, self)
 
     def __repr__(self) -> str:
