@@ -156,6 +156,28 @@ TEST_F(Checked, anOptimumFarOutIsNot) {
   expectCold("it claims an optimum, but column #1 is at -1800000000000000000000.000000");
 }
 
+// Against sides and bounds: 3e7 is farther than a side of 2 explains, and no distance beside 100.
+TEST_F(Checked, anOptimumFarBeyondAllSidesIsNot) {
+  model_.cost = {-1, 0};
+  SolverResult wrong = best_;
+  wrong.level = {1.5, 3e7};
+  wrong.rowMarginal = {0};
+  wrong.rowPosition = {lomu::Position::basic};
+  answer(wrong);
+  expectCold("it claims an optimum, but column #1 is at 30000000.000000");
+}
+
+TEST_F(Checked, anOptimumIsBelievedAsFarOutAsItsSidesAre) {
+  model_.cost = {-1, 0};
+  model_.lower[1] = -100;
+  SolverResult far = best_;
+  far.level = {1.5, 3e7};
+  far.rowMarginal = {0};
+  far.rowPosition = {lomu::Position::basic};
+  EXPECT_EQ(answer(far).level, far.level);
+  expectBelieved();
+}
+
 TEST_F(Checked, noPointIsBelievedWithARayOfTheRows) {
   model_.upper[1] = 0.25;
   SolverResult none = claim(Outcome::infeasible);

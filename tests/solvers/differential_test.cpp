@@ -103,6 +103,47 @@ TEST_P(Differential, everyStepIsWhatAFreshSolveByAnotherTells) {
   EXPECT_GT(seen(Outcome::unbounded), steps / 5);
 }
 
+// Problems of a few columns and rows with small whole numbers, many without an end or a point,
+// where solvers meet every corner: each solver tells of each what GLPK tells.
+TEST(TinyProblems, areTheSameToAll) {
+  std::array<int, 8> seen{};
+  for (unsigned seed = 1; seed <= 1500; ++seed) {
+    unsigned state = seed * 2654435761U;
+    const auto number = [&](int least, int most) {
+      state = state * 1664525U + 1013904223U;
+      return least + static_cast<int>((state >> 8) % static_cast<unsigned>(most - least + 1));
+    };
+    SmallModel model;
+    const int columns = number(1, 4);
+    for (int j = 0; j < columns; ++j) {
+      const double lower = number(1, 10) <= 3 ? -kInf : number(-2, 0);
+      const double upper = number(1, 10) <= 6 ? kInf : number(1, 8);
+      model.column(number(-3, 3), lower, upper);
+    }
+    for (int rows = number(0, 3); rows > 0; --rows) {
+      std::vector<double> coefficients;
+      for (int j = 0; j < columns; ++j) {
+        coefficients.push_back(number(1, 10) <= 7 ? number(-3, 3) : 0);
+      }
+      const double lower = number(1, 10) <= 4 ? -kInf : number(-6, 6);
+      const double upper = (std::isinf(lower) ? 0 : lower) + number(0, 8);
+      model.row(coefficients, lower, number(1, 10) <= 4 ? kInf : upper);
+    }
+    const SolverResult expected = solveFresh("glpk", model);
+    ++seen.at(static_cast<std::size_t>(expected.outcome));
+    for (const char* solver : {"clp", "cbc"}) {
+      const SolverResult result = solveFresh(solver, model);
+      ASSERT_EQ(result.outcome, expected.outcome) << solver << ", " << seed;
+      if (expected.outcome != Outcome::optimal) continue;
+      ASSERT_NEAR(model.objective(result.level), model.objective(expected.level), 1e-6)
+          << solver << ", " << seed;
+    }
+  }
+  EXPECT_GT(seen.at(static_cast<std::size_t>(Outcome::optimal)), 300);
+  EXPECT_GT(seen.at(static_cast<std::size_t>(Outcome::infeasible)), 100);
+  EXPECT_GT(seen.at(static_cast<std::size_t>(Outcome::unbounded)), 300);
+}
+
 INSTANTIATE_TEST_SUITE_P(Live, Differential,
                          testing::Values(Pair{"clp", "glpk"}, Pair{"glpk", "clp"}),
                          [](const auto& tested) { return std::string(tested.param.live); });

@@ -179,6 +179,26 @@ TEST_P(Linear, solvesWithoutRows) {
   EXPECT_EQ(result.position[1], Position::atUpper);
 }
 
+// x falls without an end, whatever y and z do.
+TEST_P(Linear, tellsUnboundedBesideARowThatHolds) {
+  model_.column(-2, 0, kInf);
+  model_.column(2, 0, kInf);
+  model_.column(3, -kInf, kInf);
+  model_.row({0, 1, 1}, 6, kInf);
+  expectNoPoint(Outcome::unbounded);
+}
+
+// With x = 10 - w the rows hold for b = 9 and c = -1, and -x + w falls with w.
+TEST_P(Linear, tellsUnboundedBetweenColumnsThatCancel) {
+  model_.column(-1, -kInf, kInf);
+  model_.column(3, -1, kInf);
+  model_.column(0, -1, kInf);
+  model_.column(1, -kInf, 1);
+  model_.row({-2, -1, 0, -2}, 3, 10);
+  model_.row({1, 1, -1, 1}, 4, kInf);
+  expectNoPoint(Outcome::unbounded);
+}
+
 TEST_P(Linear, tellsUnboundedWithoutRows) {
   model_.column(-2, 0, kInf);
   expectNoPoint(Outcome::unbounded);

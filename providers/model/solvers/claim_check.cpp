@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "providers/model/solvers/linear_form.h"
 #include "providers/model/solvers/point_check.h"
@@ -14,7 +15,9 @@ namespace {
 constexpr double kRounding = 1e-9;
 // How far a solver lets a point be outside.
 constexpr double kClaimTolerance = 1e-6;
-// A level beyond this that is no bound is one that a solver ran to for want of an end.
+// How far levels may be out: so many times the largest side or bound of the problem, and no farther
+// than this.
+constexpr double kFarBeyondSides = 1e7;
 constexpr double kFarAway = 1e12;
 
 struct Sum {
@@ -45,6 +48,21 @@ bool boundsCross(const SolverProblem& problem) {
   };
   return cross(problem.lower, problem.upper, problem.columnCount) ||
          cross(problem.rowLower, problem.rowUpper, problem.rowCount);
+}
+
+// The largest side or bound that there is, at least 1.
+double largestEnd(const SolverProblem& problem) {
+  double largest = 1;
+  const auto look = [&](const double* ends, int count) {
+    for (int k = 0; k < count; ++k) {
+      if (std::isfinite(ends[k])) largest = std::max(largest, std::abs(ends[k]));
+    }
+  };
+  look(problem.lower, problem.columnCount);
+  look(problem.upper, problem.columnCount);
+  look(problem.rowLower, problem.rowCount);
+  look(problem.rowUpper, problem.rowCount);
+  return largest;
 }
 
 // Whether the weighted rows are above anything that the columns reach. `sign` is that of the ray.
@@ -124,7 +142,27 @@ bool provesUnbounded(const SolverProblem& problem, const std::vector<double>& le
          violation(problem, level).empty();
 }
 
+int runawayColumn(const SolverProblem& problem, const std::vector<double>& level) {
+  double farAway = kFarBeyondSides;
+  bool isKnown = false;
+  for (int j = 0; j < problem.columnCount; ++j) {
+    const double at = level[static_cast<std::size_t>(j)];
+    if (!(std::abs(at) > farAway) || at == problem.lower[j] || at == problem.upper[j]) continue;
+    // Sides are looked at where a level is that large at all.
+    if (!std::exchange(isKnown, true)) {
+      farAway = std::min(kFarAway, kFarBeyondSides * largestEnd(problem));
+    }
+    if (std::abs(at) > farAway) return j;
+  }
+  return -1;
+}
+
 std::string optimumDoubt(const SolverProblem& problem, const SolverResult& result) {
+  const int runaway = runawayColumn(problem, result.level);
+  if (runaway >= 0) {
+    return "column #" + std::to_string(runaway) + " is at " +
+           std::to_string(result.level[static_cast<std::size_t>(runaway)]);
+  }
   double gap = 0;
   double size = 1;
   for (int j = 0; j < problem.columnCount; ++j) {
@@ -133,9 +171,6 @@ std::string optimumDoubt(const SolverProblem& problem, const SolverResult& resul
     const double upper = problem.upper[j];
     size += std::abs(problem.cost[j] * level);
     if (lower == upper) continue;
-    if (std::abs(level) > kFarAway && level != lower && level != upper) {
-      return "column #" + std::to_string(j) + " is at " + std::to_string(level);
-    }
     double marginal = problem.cost[j];
     for (int e = problem.start[j]; e < problem.start[j + 1]; ++e) {
       marginal -= result.rowMarginal[static_cast<std::size_t>(problem.rowOf[e])] * problem.value[e];

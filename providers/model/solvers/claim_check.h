@@ -22,9 +22,13 @@ bool provesInfeasible(const SolverProblem& problem, const std::vector<double>& r
 bool provesUnbounded(const SolverProblem& problem, const std::vector<double>& level,
                      const std::vector<double>& columnRay);
 
+// The first column whose level is no bound, and farther out than the sides and bounds of the problem
+// explain; -1 without one. A solver ran there for want of an end, or along a pivot that rounding
+// left.
+int runawayColumn(const SolverProblem& problem, const std::vector<double>& level);
+
 // Empty when the marginals of the rows prove that no point is better than the levels, to 1e-6 of
-// the terms of the objective, and no level is too large for its digits to tell anything; otherwise
-// what speaks against it.
+// the terms of the objective, and no column ran away; otherwise what speaks against it.
 std::string optimumDoubt(const SolverProblem& problem, const SolverResult& result);
 
 // Empty when the outcome of `result` may be believed; otherwise why not. A limit is no claim; of an

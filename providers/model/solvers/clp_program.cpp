@@ -22,6 +22,12 @@ constexpr double kWeightsWearOut = 100;
 // As many as Clp's program makes.
 constexpr int kPresolvePasses = 5;
 
+// Options of Clp for a solve that begins at the last one's basis: the point of a few pivots is not
+// factorized anew, and a basis without infeasibilities is not looked at a second time (2048, 4096).
+// Point and marginals are checked here after each solve. The ray that proves a problem infeasible is
+// made nevertheless (32).
+constexpr unsigned kShortSteps = 32 | 2048 | 4096;
+
 // How long a solve waits before it tells again how far it is.
 constexpr std::chrono::milliseconds kBetweenTellings{100};
 
@@ -124,6 +130,7 @@ void ClpProgram::runFresh(Watch& watch) {
 }
 
 void ClpProgram::runLive(Watch& watch) {
+  simplex_.setSpecialOptions(simplex_.specialOptions() | kShortSteps);
   // What a solve leaves is of use only when it ends well.
   run(simplex_, method_, watch, std::exchange(reuse_, kLeaveWork));
   if (simplex_.status() == 0) reuse_ = kUseWork;
@@ -140,7 +147,8 @@ void ClpProgram::solve(Watch& watch, SolverResult& result) {
     handOver();
     isFresh_ = true;
   }
-  if (std::exchange(isFresh_, false)) {
+  const bool wasFresh = std::exchange(isFresh_, false);
+  if (wasFresh) {
     runFresh(watch);
   } else {
     runLive(watch);
@@ -155,8 +163,7 @@ void ClpProgram::solve(Watch& watch, SolverResult& result) {
 
   result.hasPoint = false;
   if (wasLimited()) {
-    result.outcome = watch.stopped() ? watch.reason() : Outcome::iterationLimit;
-    result.hasPoint = simplex_.primalFeasible();
+    leaveLimit(watch, result);
   } else if (simplex_.status() == 0) {
     result.outcome = Outcome::optimal;
     result.hasPoint = true;
@@ -165,13 +172,38 @@ void ClpProgram::solve(Watch& watch, SolverResult& result) {
   } else {
     decideUnsolvable(watch, result);
   }
-  if (result.hasPoint) {
-    leavePoint(result);
-  } else if (wasLimited()) {
-    leaveMarginals(result);
-  }
+  if (result.hasPoint) leavePoint(result);
+  // After a step from the last basis such a claim is a reason for a fresh solve.
+  const bool isDoubtful = wasFresh && result.outcome == Outcome::optimal &&
+                          !optimumDoubt(form_.problem(), result).empty();
+  if (isDoubtful) solveFromNothing(watch, result);
+  if (!result.hasPoint && wasLimited()) leaveMarginals(result);
   result.iterations = iterations_;
   isWhole_ = true;
+}
+
+// The dual method takes columns without an end for ones with a far end, and may stop there; presolve
+// and the search for a ray may leave columns away from their bounds that are taken for settled. The
+// primal method from no basis at all does neither. What it claims counts.
+void ClpProgram::solveFromNothing(Watch& watch, SolverResult& result) {
+  simplex_.allSlackBasis(true);
+  reuse_ = kLeaveWork;
+  runUnscaled(watch);
+  if (simplex_.status() == 0) {
+    leavePoint(result);
+  } else if (simplex_.status() == 2) {
+    leaveColumnRay(result);
+    result.hasPoint = false;
+    result.outcome = Outcome::unbounded;
+  } else if (wasLimited()) {
+    leaveLimit(watch, result);
+    if (result.hasPoint) leavePoint(result);
+  }
+}
+
+void ClpProgram::leaveLimit(const Watch& watch, SolverResult& result) const {
+  result.outcome = watch.stopped() ? watch.reason() : Outcome::iterationLimit;
+  result.hasPoint = simplex_.primalFeasible();
 }
 
 bool ClpProgram::leaveRowRay(const ClpSimplex& simplex, SolverResult& result) const {

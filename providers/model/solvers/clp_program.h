@@ -84,6 +84,7 @@ class ClpProgram {
   void runLive(Watch& watch);
   void runUnscaled(Watch& watch);
   void decideUnsolvable(Watch& watch, SolverResult& result);
+  void solveFromNothing(Watch& watch, SolverResult& result);
   // Whether Clp left a proof that no point exists; it is in `result` then.
   bool leaveRowRay(const ClpSimplex& simplex, SolverResult& result) const;
   // Leaves what Clp has as a proof that there is no end, with its point.
@@ -91,6 +92,7 @@ class ClpProgram {
   void rangeCosts(SolverRanges& ranges);
   void rangeRows(SolverRanges& ranges);
   [[nodiscard]] bool wasLimited() const { return simplex_.status() == 3 || simplex_.status() == 5; }
+  void leaveLimit(const Watch& watch, SolverResult& result) const;
   void leaveMarginals(SolverResult& result) const;
   void leavePoint(SolverResult& result) const;
 
