@@ -22,9 +22,9 @@ bool provesInfeasible(const SolverProblem& problem, const std::vector<double>& r
 bool provesUnbounded(const SolverProblem& problem, const std::vector<double>& level,
                      const std::vector<double>& columnRay);
 
-// The first column whose level is no bound, and farther out than the sides and bounds of the problem
-// explain; -1 without one. A solver ran there for want of an end, or along a pivot that rounding
-// left.
+// The first column whose level is no bound, and farther out than the sides and bounds of the
+// problem explain; -1 without one. A solver ran there for want of an end, or along a pivot that
+// rounding left.
 int runawayColumn(const SolverProblem& problem, const std::vector<double>& level);
 
 // Empty when the marginals of the rows prove that no point is better than the levels, to 1e-6 of

@@ -24,8 +24,8 @@ constexpr int kPresolvePasses = 5;
 
 // Options of Clp for a solve that begins at the last one's basis: the point of a few pivots is not
 // factorized anew, and a basis without infeasibilities is not looked at a second time (2048, 4096).
-// Point and marginals are checked here after each solve. The ray that proves a problem infeasible is
-// made nevertheless (32).
+// Point and marginals are checked here after each solve. The ray that proves a problem infeasible
+// is made nevertheless (32).
 constexpr unsigned kShortSteps = 32 | 2048 | 4096;
 
 // How long a solve waits before it tells again how far it is.
@@ -182,9 +182,9 @@ void ClpProgram::solve(Watch& watch, SolverResult& result) {
   isWhole_ = true;
 }
 
-// The dual method takes columns without an end for ones with a far end, and may stop there; presolve
-// and the search for a ray may leave columns away from their bounds that are taken for settled. The
-// primal method from no basis at all does neither. What it claims counts.
+// The dual method takes columns without an end for ones with a far end, and may stop there;
+// presolve and the search for a ray may leave columns away from their bounds that are taken for
+// settled. The primal method from no basis at all does neither. What it claims counts.
 void ClpProgram::solveFromNothing(Watch& watch, SolverResult& result) {
   simplex_.allSlackBasis(true);
   reuse_ = kLeaveWork;
