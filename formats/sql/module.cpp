@@ -61,17 +61,12 @@ int bestIndex(sqlite3_vtab* base, sqlite3_index_info* info) {
     info->needToFreeIdxStr = 1;
     // Of the at most 25 columns those that the query names.
     info->idxNum = static_cast<int>(info->colUsed & std::numeric_limits<int>::max());
-    double rows = table.estimate(plan.given);
-    // A list or range on the first position is taken for a quarter, as SQLite itself takes it.
-    constexpr double partOfRange = 0.25;
-    rows = plan.ranged ? std::max(rows * partOfRange, 1.0) : rows;
     if (std::ranges::find(plan.fixed, false) == plan.fixed.end()) {
       info->idxFlags = SQLITE_INDEX_SCAN_UNIQUE;
     }
-    info->estimatedRows = static_cast<sqlite3_int64>(rows);
-    // Finding a place takes about as long as a few steps.
-    constexpr double seek = 4;
-    info->estimatedCost = rows + (plan.conditions.empty() ? 0 : seek);
+    const SqlEffort effort = effortOf(info, table, plan);
+    info->estimatedRows = static_cast<sqlite3_int64>(effort.rows + 0.5);
+    info->estimatedCost = effort.cost;
     info->orderByConsumed = givesOrder(info, table, plan.fixed) ? 1 : 0;
     return SQLITE_OK;
   });

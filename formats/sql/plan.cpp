@@ -108,7 +108,83 @@ void giveLabel(SqlSelection& selection, std::size_t position, std::vector<int> l
   }
 }
 
+// What a query gives as constants, told before it runs.
+struct KnownValues {
+  std::vector<int> prefix;          // labels of the first positions, 0 for what is none
+  std::optional<LabelBound> lower;  // of the first position
+  std::optional<LabelBound> upper;
+};
+
+KnownValues knownValuesOf(sqlite3_index_info* info, SqlLabels& labels, const SqlPlan& plan) {
+  KnownValues known;
+  std::vector<std::optional<int>> given(plan.given.size());
+  for (std::size_t i = 0; i < plan.constraints.size(); ++i) {
+    if (!isText(info, plan.constraints[i])) continue;
+    sqlite3_value* value = nullptr;
+    sqlite3_vtab_rhs_value(info, plan.constraints[i], &value);
+    const auto condition = static_cast<SqlCondition>(plan.conditions[2 * i]);
+    const LabelBound bound{textOf(value),
+                           condition == SqlCondition::from || condition == SqlCondition::upTo};
+    if (condition == SqlCondition::equal) {
+      given[static_cast<std::size_t>(plan.conditions[2 * i + 1] - 'a')] =
+          labels.find(textOf(value));
+    } else if (condition == SqlCondition::above || condition == SqlCondition::from) {
+      known.lower = bound;
+    } else if (condition == SqlCondition::below || condition == SqlCondition::upTo) {
+      known.upper = bound;
+    }
+  }
+  for (std::size_t position = 0; position < given.size() && given[position]; ++position) {
+    known.prefix.push_back(*given[position]);
+  }
+  return known;
+}
+
+// Labels of an IN, whose list is not told before it is walked over: as many as SQLite takes.
+constexpr double labelsOfIn = 25;
+
+// The records of the plan among `count` of a symbol, or labels of the universe.
+double rowsOf(SqlTable& table, const SqlPlan& plan, const KnownValues& known, double count) {
+  const auto isGiven = std::ranges::count(plan.given, true);
+  const bool isBound = known.lower.has_value() || known.upper.has_value();
+  if (std::ranges::find(known.prefix, 0) != known.prefix.end()) return 0;
+  if (isGiven == table.dimension()) return std::min(count, 1.0);
+  std::vector<int> firsts;
+  if (isBound) firsts = table.database().labels.between(known.lower, known.upper);
+  if (table.isUniverse()) {
+    return isBound ? static_cast<double>(firsts.size())
+                   : (plan.ranged ? std::min(count, labelsOfIn) : count);
+  }
+  SqlEstimates& estimates = table.estimates();
+  if (isGiven > 0 && isGiven == static_cast<std::ptrdiff_t>(known.prefix.size())) {
+    return estimates.ofPrefix(known.prefix);
+  }
+  double rows = isGiven > 0 ? estimates.ofPositions(plan.given) : count;
+  if (isBound) {
+    rows *= estimates.ofFirsts(firsts) / count;
+  } else if (plan.ranged) {
+    rows *= std::min(1.0, labelsOfIn / estimates.firstCount());
+  }
+  return rows;
+}
+
 }  // namespace
+
+SqlEffort effortOf(sqlite3_index_info* info, SqlTable& table, const SqlPlan& plan) {
+  const double count = table.recordCount();
+  if (plan.conditions.empty() || count == 0) return {count, count};
+  const KnownValues known = knownValuesOf(info, table.database().labels, plan);
+  const double rows = rowsOf(table, plan, known, count);
+  double places = 1;
+  const auto isGiven = std::ranges::count(plan.given, true);
+  if (!table.isUniverse() && isGiven > 0 && isGiven < table.dimension() &&
+      isGiven != static_cast<std::ptrdiff_t>(known.prefix.size())) {
+    places = table.estimates().jumpsTo(plan.given);
+  }
+  // Finding a place takes about as long as a few steps.
+  constexpr double seek = 4;
+  return {rows, rows + std::min(seek * places, count)};
+}
 
 SqlPlan planSql(sqlite3_index_info* info, int dimension) {
   SqlPlan plan;

@@ -35,6 +35,13 @@ struct SqlPlan {
 // The plan for a table whose first `dimension` columns are keys.
 SqlPlan planSql(sqlite3_index_info* info, int dimension);
 
+// How many records come, and how long that takes, in the time of a step to the next one.
+struct SqlEffort {
+  double rows = 0;
+  double cost = 0;
+};
+SqlEffort effortOf(sqlite3_index_info* info, SqlTable& table, const SqlPlan& plan);
+
 // Whether records come in the order that the query wants, or, where it wants groups alone, with
 // those of a group behind each other.
 bool givesOrder(sqlite3_index_info* info, SqlTable& table, const std::vector<bool>& fixed);

@@ -1,17 +1,12 @@
 #include "formats/sql/table.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
+#include <span>
 #include <ztb/column_names.hpp>
 
 namespace formats {
-
-namespace {
-
-// Records that are looked at to guess how many labels a position has.
-constexpr int sampleSize = 1024;
-
-}  // namespace
 
 SqlTable::SqlTable(SqlDatabase& database, int position)
     : database_(&database), position_(position) {
@@ -54,7 +49,7 @@ void SqlTable::renew() {
                        database_->handle, "ztbGetSymbolByNumber");
   symbol_.reset();
   symbol_.emplace(ztb::Symbol(database_->handle, handle).unaliased());
-  distinct_.clear();
+  estimates_.reset();
   ascends_.clear();
   seen_ = database_->changes();
 }
@@ -63,87 +58,79 @@ int SqlTable::recordCount() {
   return isUniverse() ? database_->labels.count() : symbol().recordCount();
 }
 
-// The first records tell how many labels a position has. At the first position they stand for their
-// part of all, between the labels of the first record and the last.
-void SqlTable::sample() {
-  const auto positions = static_cast<std::size_t>(dimension_);
-  std::vector<std::vector<int>> labels(positions);
-  std::vector<int> last(positions);
-  int looked = 0;
-  for (const ztb::Row row : symbol().rows()) {
-    for (std::size_t position = 0; position < positions; ++position) {
-      labels[position].push_back(row.keys[position]);
-    }
-    if (++looked == sampleSize) {
-      break;
-    }
+SqlEstimates& SqlTable::estimates() {
+  const ztb::Symbol& records = symbol();
+  if (!estimates_) {
+    estimates_.emplace(records, database_->labels);
   }
-  const double count = symbol().recordCount();
-  distinct_.assign(positions, 1);
-  for (std::size_t position = 0; position < positions && looked > 0; ++position) {
-    std::vector<int>& seen = labels[position];
-    const int first = seen.front();
-    std::ranges::sort(seen);
-    seen.erase(std::unique(seen.begin(), seen.end()), seen.end());
-    const auto found = static_cast<double>(seen.size());
-    const bool goesOn = position == 0 || seen.size() > static_cast<std::size_t>(looked) / 2;
-    double guess = goesOn ? found * count / looked : found;
-    if (position == 0) {
-      std::array<double, ztb::fieldCount> values{};
-      const ztb::Record end(
-          *symbol_, ztb::detail::lastRecord({database_->handle, symbol_->handle()}).release());
-      end.raw(last.data(), values.data());
-      guess = std::min(guess, last[0] - first + 1.0);
-    }
-    distinct_[position] = std::max(guess, 1.0);
-  }
+  return *estimates_;
 }
 
-double SqlTable::estimate(const std::vector<bool>& given) {
-  const double count = recordCount();
-  if (isUniverse()) {
-    return given[0] ? 1 : count;
-  }
-  if (std::ranges::count(given, true) == dimension_) {
-    return 1;
-  }
-  if (distinct_.empty()) {
-    sample();
-  }
-  double rows = count;
-  for (std::size_t position = 0; position < given.size(); ++position) {
-    if (given[position]) {
-      rows /= distinct_[position];
+// Labels that all ascend do so in each position. Otherwise those that are used count, and a
+// position whose labels so far do not ascend need not be looked at further.
+void SqlTable::findOrder() {
+  SqlLabels& labels = database_->labels;
+  const auto size = static_cast<std::size_t>(labels.count()) + 1;
+  const auto ascend = [&](const std::vector<bool>& used) {
+    int before = 0;
+    for (int number = 1; number < static_cast<int>(size); ++number) {
+      if (!used[static_cast<std::size_t>(number)]) continue;
+      if (before != 0 && compareFolded(labels.text(before), labels.text(number)) >= 0) return false;
+      before = number;
     }
+    return true;
+  };
+  const auto positions = static_cast<std::size_t>(dimension_);
+  ascends_.assign(positions, true);
+  const ztb::Symbol& records = symbol();
+  const auto count = static_cast<std::size_t>(recordCount());
+  if (count == 0 || ascend(std::vector<bool>(size, true))) {
+    return;
   }
-  return std::max(rows, 1.0);
+  if (isUniverse()) {
+    ascends_.assign(positions, false);
+    return;
+  }
+  std::vector<std::vector<bool>> used(positions, std::vector<bool>(size, false));
+  constexpr std::size_t most = 4096;
+  std::vector<std::vector<int>> columns(positions, std::vector<int>(most));
+  const std::array<double*, ztb::fieldCount> values{};
+  const ztb::detail::OwnedRecord record =
+      ztb::detail::firstRecord({database_->handle, records.handle()});
+  std::size_t seen = 0;
+  std::size_t nextCheck = most;
+  while (seen < count) {
+    if (seen > 0) {
+      ztb::detail::require(c__ztbrecordmovenext(database_->handle, record.get()), database_->handle,
+                           "ztbRecordMoveNext");
+    }
+    std::array<int*, ZTB_MAX_DIMENSION> keys{};
+    for (std::size_t at = 0; at < positions; ++at) {
+      keys[at] = ascends_[at] ? columns[at].data() : nullptr;
+    }
+    const int read = ztbReadRecords(database_->handle, record.get(), static_cast<int>(most),
+                                    keys.data(), values.data());
+    ztb::detail::require(read, database_->handle, "ztbReadRecords");
+    for (std::size_t at = 0; at < positions; ++at) {
+      if (!ascends_[at]) continue;
+      for (const int label : std::span(columns[at]).first(static_cast<std::size_t>(read))) {
+        used[at][static_cast<std::size_t>(label)] = true;
+      }
+    }
+    seen += static_cast<std::size_t>(read);
+    if (seen < std::min(nextCheck, count)) continue;
+    nextCheck *= 2;
+    for (std::size_t at = 0; at < positions; ++at) {
+      ascends_[at] = ascends_[at] && ascend(used[at]);
+    }
+    if (std::ranges::find(ascends_, true) == ascends_.end()) return;
+  }
 }
 
 bool SqlTable::ascends(int position) {
-  const ztb::Symbol& records = symbol();
+  static_cast<void>(symbol());
   if (ascends_.empty()) {
-    SqlLabels& labels = database_->labels;
-    const auto size = static_cast<std::size_t>(labels.count()) + 1;
-    std::vector<std::vector<bool>> used(static_cast<std::size_t>(dimension_),
-                                        std::vector<bool>(size, isUniverse()));
-    if (!isUniverse()) {
-      for (const ztb::Row row : records.rows()) {
-        for (std::size_t at = 0; at < used.size(); ++at) {
-          used[at][static_cast<std::size_t>(row.keys[at])] = true;
-        }
-      }
-    }
-    for (const std::vector<bool>& marks : used) {
-      bool ascending = true;
-      int before = 0;
-      for (int number = 1; ascending && number < static_cast<int>(size); ++number) {
-        if (marks[static_cast<std::size_t>(number)]) {
-          ascending = before == 0 || compareFolded(labels.text(before), labels.text(number)) < 0;
-          before = number;
-        }
-      }
-      ascends_.push_back(ascending);
-    }
+    findOrder();
   }
   return ascends_[static_cast<std::size_t>(position)];
 }

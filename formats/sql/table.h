@@ -9,6 +9,7 @@
 #include <vector>
 #include <ztb/ztb.hpp>
 
+#include "formats/sql/estimates.h"
 #include "formats/sql/labels.h"
 
 namespace formats {
@@ -48,8 +49,8 @@ class SqlTable {
 
   // Records; read now, if they were not yet.
   [[nodiscard]] int recordCount();
-  // About how many records have one given label at each position that is marked.
-  [[nodiscard]] double estimate(const std::vector<bool>& given);
+  // REQUIRES: one position or more, and not the universe.
+  [[nodiscard]] SqlEstimates& estimates();
   // Whether records with ascending labels' numbers at a position have ascending texts there.
   [[nodiscard]] bool ascends(int position);
   // A number for a key that no other key of the symbol has, as long as this object lives.
@@ -57,7 +58,7 @@ class SqlTable {
 
  private:
   void renew();
-  void sample();
+  void findOrder();
 
   SqlDatabase* database_;
   int position_;
@@ -67,7 +68,7 @@ class SqlTable {
   int dimension_ = 0;
   std::vector<std::string> columns_;
   std::optional<unsigned> seen_;  // changes, when what follows was found out
-  std::vector<double> distinct_;  // labels at each position, about
+  std::optional<SqlEstimates> estimates_;
   std::vector<bool> ascends_;
   std::unordered_map<std::string, std::int64_t> rowNumbers_;  // of keys too long for a number
 };
