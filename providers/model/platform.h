@@ -25,6 +25,9 @@ std::string glpkLibrary();
 // Where a user gets it from.
 std::string glpkPlace();
 
+// Whether a name is kept by the system for a device, which no look at it would tell.
+bool isDeviceName(const std::string& path);
+
 // A name of ours for the language's functions on files.
 std::filesystem::path pathOf(const std::string& path);
 

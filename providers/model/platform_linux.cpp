@@ -37,6 +37,10 @@ std::string glpkPlace() {
   return "package libglpk40";
 }
 
+bool isDeviceName(const std::string& /*path*/) {
+  return false;
+}
+
 std::filesystem::path pathOf(const std::string& path) {
   return path;
 }

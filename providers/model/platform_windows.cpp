@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "providers/model/platform.h"
+#include "providers/windows/device_name.h"
 #include "providers/windows/held_file.h"
 #include "providers/windows/wide_text.h"
 
@@ -80,6 +81,10 @@ std::string glpkLibrary() {
 
 std::string glpkPlace() {
   return "glpk_5_0.dll beside this library";
+}
+
+bool isDeviceName(const std::string& path) {
+  return ztbwindows::isDeviceName(wideText(path.c_str()));
 }
 
 std::filesystem::path pathOf(const std::string& path) {

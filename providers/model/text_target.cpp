@@ -26,7 +26,7 @@ std::string checkedPlace(std::string file) {
   } else if (type == std::filesystem::file_type::block ||
              type == std::filesystem::file_type::character ||
              type == std::filesystem::file_type::fifo ||
-             type == std::filesystem::file_type::socket) {
+             type == std::filesystem::file_type::socket || platform::isDeviceName(file)) {
     kind = "is no ordinary file, nothing is written to it";
   }
   if (kind != nullptr) {

@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <memory>
 
+#include "providers/windows/device_name.h"
 #include "providers/windows/held_file.h"
 #include "providers/windows/wide_text.h"
 
@@ -99,6 +100,12 @@ int failedAt(std::wstring path) {
 
 int succeeded(BOOL done) {
   return done != 0 ? 0 : failed();
+}
+
+// Wine would put a file in the place of a device, or remove it, where it may.
+int refusedDevice() {
+  errno = EACCES;
+  return -1;
 }
 
 // Windows takes a name that is too long for one that is not there.
@@ -253,6 +260,11 @@ int fstat(int fd, FileStatus* status) {
 
 int stat(const char* path, FileStatus* status) {
   const std::wstring name = wideText(path);
+  if (isDeviceName(name)) {
+    *status = {};
+    status->st_mode = S_IFCHR;
+    return 0;
+  }
   if (hasTooLongName(name)) {
     errno = ENAMETOOLONG;
     return -1;
@@ -334,6 +346,7 @@ ssize_t readlink(const char* /*path*/, char* /*target*/, std::size_t /*size*/) {
 int rename(const char* from, const char* to) {
   const std::wstring source = wideText(from);
   const std::wstring target = wideText(to);
+  if (isDeviceName(source) || isDeviceName(target)) return refusedDevice();
   const bool done = waitingWhileHeld([&] {
     return MoveFileExW(source.c_str(), target.c_str(),
                        MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;
@@ -346,6 +359,7 @@ int rename(const char* from, const char* to) {
 
 int unlink(const char* path) {
   const std::wstring name = wideText(path);
+  if (isDeviceName(name)) return refusedDevice();
   return succeeded(waitingWhileHeld([&] { return DeleteFileW(name.c_str()) != 0; }) ? 1 : 0);
 }
 

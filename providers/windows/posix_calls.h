@@ -35,6 +35,7 @@ int fchmod(int fd, mode_t mode);
 int access(const char* path, int mode);
 // Links are followed by the system; there is none to read.
 ssize_t readlink(const char* path, char* target, std::size_t size);
+// EACCES for the name of a device, as unlink() too.
 int rename(const char* from, const char* to);
 int unlink(const char* path);
 

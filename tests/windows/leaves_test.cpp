@@ -106,11 +106,34 @@ TEST(NewFileOnWindows, placesWhereNoneCanBeAreToldApart) {
             failureOf(folder.file("none/x")));
   EXPECT_EQ(folder.file("plain/x") + ": cannot be written: Not a directory",
             failureOf(folder.file("plain/x")));
-  EXPECT_EQ("NUL: is no regular file, nothing is written to it", failureOf("NUL"));
+  // No names of devices that are there: Wine would let them be replaced.
+  for (const char* device : {"LPT9", "lpt9.csv"}) {
+    EXPECT_EQ(std::string(device) + ": is no regular file, nothing is written to it",
+              failureOf(device));
+  }
   ASSERT_NE(0, SetFileAttributesA(folder.file("plain").c_str(), FILE_ATTRIBUTE_READONLY));
   EXPECT_EQ(folder.file("plain") + ": cannot be written: Permission denied",
             failureOf(folder.file("plain")));
   ASSERT_NE(0, SetFileAttributesA(folder.file("plain").c_str(), FILE_ATTRIBUTE_NORMAL));
+}
+
+TEST(CallsOnWindows, doNotReplaceOrRemoveDevices) {
+  const ztbtest::TempFolder folder;
+  write(folder.file("x"), "kept");
+  for (const char* device : {"lpt9", "LPT9.txt", "C:/lpt9:x"}) {
+    errno = 0;
+    EXPECT_EQ(-1, posix::rename(folder.file("x").c_str(), device));
+    EXPECT_EQ(EACCES, errno) << device;
+    errno = 0;
+    EXPECT_EQ(-1, posix::unlink(device));
+    EXPECT_EQ(EACCES, errno) << device;
+  }
+  EXPECT_EQ("kept", contentOf(folder.file("x")));
+  // Names that only begin as one.
+  for (const char* name : {"lpt", "lpt0", "lpt10", "null"}) {
+    EXPECT_EQ(-1, posix::unlink(name));
+    EXPECT_EQ(ENOENT, errno) << name;
+  }
 }
 
 TEST(TemporaryOnWindows, isOpenedByItsNameAndGoesWhenItIsClosed) {

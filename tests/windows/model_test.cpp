@@ -70,6 +70,22 @@ TEST(WindowsModels, aFileThatAnotherProgramHasOpenStays) {
   EXPECT_EQ(2, std::distance(std::filesystem::directory_iterator(folder.path()), {}));
 }
 
+// One that is not there: Wine would let it be replaced.
+TEST(WindowsModels, areWrittenToNoDevice) {
+  const TempFolder folder;
+  std::ofstream(wideName(nameIn(folder, ".lp"))) << kSmall;
+  ztb::Model model = ztb::Model::open(nameIn(folder, ".lp"));
+  for (const std::string device : {"lpt9.lp", "LPT9.mps"}) {
+    try {
+      model.write(device);
+      FAIL();
+    } catch (const ztb::Error& error) {
+      EXPECT_THAT(error.what(), testing::HasSubstr(device + ": is no ordinary file, nothing is "
+                                                            "written to it"));
+    }
+  }
+}
+
 std::string refusalOfSolver(const std::string& library) {
   return lomu::SolverLibrary::whyNot(library);
 }

@@ -57,6 +57,12 @@ class Held {
 
 constexpr DWORD kSharedWithoutRemoval = FILE_SHARE_READ | FILE_SHARE_WRITE;
 
+// One that is not there: Wine would let it be replaced.
+TEST(PublishOnWindows, theNameOfADeviceIsNoPlace) {
+  PeerFile file;
+  EXPECT_EQ(4, file.openWrite("lpt9.rxf"));
+}
+
 TEST(PublishOnWindows, aFileThatAnotherProgramHasOpenStaysAndTheErrorSaysWhy) {
   const TempFolder folder;
   const std::string path = folder.file("x.rxf");

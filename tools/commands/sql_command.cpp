@@ -59,7 +59,7 @@ std::string schemaOf(const std::string& path, const std::vector<std::string>& ta
   return name;
 }
 
-// Databases with their tables, and one query over them.
+// Databases with their tables, and one query over them, until they are closed.
 class Query {
  public:
   explicit Query(const std::vector<std::string>& words, Progress& progress) {
@@ -85,6 +85,11 @@ class Query {
   }
   // The name by which the first file is opened.
   [[nodiscard]] const std::string& firstFile() const { return firstFile_; }
+
+  void close() {
+    ztbSqlRowsClose(&rows_);
+    ztbSqlClose(&sql_);
+  }
 
   // Visits the rows; gives their number.
   std::size_t walk(const std::function<void()>& visit) {
@@ -123,11 +128,6 @@ class Query {
       throw UsageError("the query has a parameter, which nothing is given for");
     }
   }
-  void close() {
-    ztbSqlRowsClose(&rows_);
-    ztbSqlClose(&sql_);
-  }
-
   ztbSql* sql_ = nullptr;
   ztbSqlRows* rows_ = nullptr;
   std::string firstFile_;
@@ -330,6 +330,8 @@ void writeSymbol(Query& query, const SqlOptions& options) {
         throw Failure(fmt::format("--into {}: row {}: {}", *options.into, count, error.what()));
       }
     });
+    // The result may have the name of a file that the query read.
+    query.close();
     database.write(output.path());
   } catch (const ztb::Error& error) {
     throw Failure(withFile(output.name(), error.what()));

@@ -207,14 +207,13 @@ std::string conflictText(const ztb::Model::Conflict& conflict, const std::string
 }
 
 void requirePlace(const std::string& out) {
-  std::error_code error;
-  const std::filesystem::file_status status = std::filesystem::status(pathOf(out), error);
-  if (std::filesystem::is_directory(status)) throw Failure("Is a folder: " + out);
-  if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status)) {
-    throw Failure("Not a regular file: " + out);
-  }
+  posix::FileStatus status{};
+  const bool isThere = posix::stat(out.c_str(), &status) == 0;
+  if (isThere && S_ISDIR(status.st_mode)) throw Failure("Is a folder: " + out);
+  if (isThere && !S_ISREG(status.st_mode)) throw Failure("Not a regular file: " + out);
   const std::filesystem::path parent = pathOf(out).parent_path();
   const std::filesystem::path folder = parent.empty() ? "." : parent;
+  std::error_code error;
   if (!std::filesystem::is_directory(folder, error)) {
     throw Failure("No such file: the folder does not exist: " + out);
   }

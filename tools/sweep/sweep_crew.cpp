@@ -65,12 +65,15 @@ void SweepCrew::startWorker(std::size_t share) {
   shareOfWorker_.push_back(share);
   const Share& own = shares_[share];
   const SweepWork work{own.chunks, own.careful, own.tellsNotes, plan_.stops};
-  workers_.start(
-      {.work =
-           [&](const WorkerChannel& channel) {
-             runSweepWorker(sweep_, plan_.folder, work, channel);
-           },
-       .request = [&] { return workerRequest(plan_.options, plan_.folder, work, skipped_); }});
+  workers_.start({.work =
+                      [&](const WorkerChannel& channel) {
+                        runSweepWorker(sweep_, plan_.folder, work, channel);
+                      },
+                  .request =
+                      [&] {
+                        return workerRequest(plan_.options, sweep_.key(), plan_.folder, work,
+                                             skipped_);
+                      }});
 }
 
 void SweepCrew::receive(const WorkerMessage& message) {

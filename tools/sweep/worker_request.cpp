@@ -51,6 +51,10 @@ void doRequest(const WorkerChannel& channel) {
   ztbRxfMemoryLimit(request.at("memory").get<unsigned long long>());
   ztb::Sweep sweep;
   options.open(sweep);
+  // Nothing is left in the folder then that the sweep would not know.
+  if (sweep.key() != request.at("key").get<std::string>()) {
+    throw Failure("another file stood in the place of an input while the sweep ran");
+  }
   for (const auto& [scenario, reason] : request.at("skipped").items()) {
     sweep.skip(std::stoi(scenario), reason.get<std::string>());
   }
@@ -62,12 +66,19 @@ void doRequest(const WorkerChannel& channel) {
 
 }  // namespace
 
-std::string workerRequest(const SweepOptions& options, const std::string& folder,
-                          const SweepWork& work, const std::map<int, std::string>& skipped) {
-  nlohmann::json request{
-      {"folder", folder},        {"drives", options.drives}, {"reports", options.reports},
-      {"chunk", nullptr},        {"memory", memoryLimit()},  {"chunks", work.chunks},
-      {"careful", work.careful}, {"notes", work.tellsNotes}, {"skipped", nlohmann::json::object()}};
+std::string workerRequest(const SweepOptions& options, const std::string& key,
+                          const std::string& folder, const SweepWork& work,
+                          const std::map<int, std::string>& skipped) {
+  nlohmann::json request{{"key", key},
+                         {"folder", folder},
+                         {"drives", options.drives},
+                         {"reports", options.reports},
+                         {"chunk", nullptr},
+                         {"memory", memoryLimit()},
+                         {"chunks", work.chunks},
+                         {"careful", work.careful},
+                         {"notes", work.tellsNotes},
+                         {"skipped", nlohmann::json::object()}};
   for (const auto& [name, member] : kTexts) request[name] = options.*member;
   if (options.chunk) request["chunk"] = *options.chunk;
   for (const auto& [scenario, reason] : skipped) {

@@ -14,9 +14,11 @@ namespace tool {
 // help tells of it.
 inline constexpr const char* kWorkerCommand = "sweep-worker";
 
-// The work of a worker in one line of text; `skipped` are scenarios that are not solved, and why.
-std::string workerRequest(const SweepOptions& options, const std::string& folder,
-                          const SweepWork& work, const std::map<int, std::string>& skipped);
+// The work of a worker in one line of text. `key` is that of the sweep, which the worker compares
+// with what it reads; `skipped` are scenarios that are not solved, and why.
+std::string workerRequest(const SweepOptions& options, const std::string& key,
+                          const std::string& folder, const SweepWork& work,
+                          const std::map<int, std::string>& skipped);
 
 // Reads a request, does it, and ends the process. What is told goes to standard output.
 [[noreturn]] void runRequestedWorker();

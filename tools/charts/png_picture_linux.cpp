@@ -1,10 +1,9 @@
-#include "tools/charts/png_picture.h"
-
 #include <fmt/format.h>
 
 #include <cstdlib>
 #include <memory>
 
+#include "tools/charts/png_picture.h"
 #include "tools/files/shared_library.h"
 #include "tools/text/failure.h"
 
