@@ -1,4 +1,4 @@
-// A variable of the environment, set while an object lives; it was not set before.
+// Variables of the environment, which programs that a test starts have too.
 #ifndef ZTB_TESTS_SUPPORT_ENVIRONMENT_SETTING_H_
 #define ZTB_TESTS_SUPPORT_ENVIRONMENT_SETTING_H_
 
@@ -7,23 +7,26 @@
 
 namespace ztbtest {
 
+// An empty value is none.
+inline void setVariable(const std::string& name, const std::string& value) {
+#ifdef _WIN32
+  _putenv_s(name.c_str(), value.c_str());
+#else
+  value.empty() ? unsetenv(name.c_str()) : setenv(name.c_str(), value.c_str(), 1);
+#endif
+}
+
+// One that was not set before, set while this object lives.
 class EnvironmentSetting {
  public:
-  EnvironmentSetting(const char* name, const char* value) : name_(name) { set(value); }
+  EnvironmentSetting(const char* name, const char* value) : name_(name) {
+    setVariable(name_, value);
+  }
   EnvironmentSetting(const EnvironmentSetting&) = delete;
   EnvironmentSetting& operator=(const EnvironmentSetting&) = delete;
-  ~EnvironmentSetting() { set(""); }
+  ~EnvironmentSetting() { setVariable(name_, ""); }
 
  private:
-  // An empty value is none.
-  void set(const char* value) {
-#ifdef _WIN32
-    _putenv_s(name_.c_str(), value);
-#else
-    *value == '\0' ? unsetenv(name_.c_str()) : setenv(name_.c_str(), value, 1);
-#endif
-  }
-
   std::string name_;
 };
 

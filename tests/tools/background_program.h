@@ -5,26 +5,41 @@
 #include <sys/types.h>
 
 #include <cstddef>
+#include <memory>
 #include <string>
 #include <vector>
 
 namespace tooltest {
 
+// How messages tell the end of a child that was ended by killChild(), and what BackgroundProgram's
+// wait() gives after its kill().
+#ifdef _WIN32
+inline constexpr const char* kKilledChild = "ended with exit code 9";
+#else
+inline constexpr const char* kKilledChild = "was ended by signal 9";
+#endif
+inline constexpr int kKilled = -9;
+
+// Ends a process, and stops one that is then never heard of again.
+void killChild(pid_t child);
+void stopChild(pid_t child);
+
 // A run in a folder; it is killed at the end of this object's life if it still goes on.
 class BackgroundProgram {
  public:
-  // Standard error goes to the file `errors` in the folder, standard output to `output`.
-  BackgroundProgram(std::string folder, const std::vector<std::string>& arguments,
-                    const std::string& errors, const std::string& output = "/dev/null");
+  // Standard error goes to the file `errors` in the folder, standard output to the file `output`
+  // that is there, or nowhere.
+  BackgroundProgram(const std::string& folder, const std::vector<std::string>& arguments,
+                    const std::string& errors, const std::string& output = "");
   BackgroundProgram(const BackgroundProgram&) = delete;
   BackgroundProgram& operator=(const BackgroundProgram&) = delete;
   ~BackgroundProgram();
 
-  // Blocks until a file whose name begins and ends so was moved into place in the folder, or in the
-  // folder out.rxf.parts in it if that was there at the start; false if the program can have ended
-  // without one.
-  bool waitForFile(const std::string& prefix, const std::string& ending = "");
-  pid_t process() const { return process_; }
+  // Blocks until a file whose name ends so was moved into place in the folder, or in the folder
+  // out.rxf.parts in it if that was there at the start; false if the program can have ended without
+  // one.
+  bool waitForFile(const std::string& ending);
+  pid_t process() const;
   bool goesOn() const;
   // The processes that it started and that still run.
   std::vector<pid_t> children() const;
@@ -37,12 +52,10 @@ class BackgroundProgram {
   int wait();
 
  private:
-  [[nodiscard]] bool hasEnded() const;
+  // What the system has of it.
+  struct Run;
 
-  pid_t process_ = -1;
-  int watch_ = -1;
-  // Becomes readable when the program and its children have ended.
-  int end_ = -1;
+  std::unique_ptr<Run> run_;
 };
 
 }  // namespace tooltest

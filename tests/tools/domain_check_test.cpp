@@ -104,4 +104,20 @@ TEST_F(DomainCheckTest, hasJsonForDomainsOnly) {
   expectFails(2, "ztb: --json: goes with --domains\n", {"check", "a.rxf", "--json"});
 }
 
+TEST_F(DomainCheckTest, fitsTheWidthAskedFor) {
+  ztb::Database database;
+  const ztb::Symbol food = database.addSet("food", {"*"});
+  database.addParameter("price", {food}).add("a food that is in no set").setLevel(1);
+  database.write(path("c.rxf"));
+  EXPECT_EQ(ztb({"check", "c.rxf", "--domains", "--width", "24"}).output,
+            "parameter price(food): 1\n"
+            "record outside its\n"
+            "domains\n"
+            "\n"
+            "food             outside\n"
+            "---------------  -------\n"
+            "a food that is\xE2\x80\xA6  1 food\n"
+            "\n");
+}
+
 }  // namespace

@@ -4,9 +4,7 @@
 #include <ztb/ztb.hpp>
 
 #include "tests/rxf/reseal.h"
-#include "tests/tools/background_program.h"
 #include "tests/tools/program.h"
-#include "tests/tools/terminal.h"
 
 namespace {
 
@@ -24,6 +22,15 @@ const std::string kC1Label =
 const std::string kTurnedLabel = "ex\u202Egpj\x7F";
 const std::string kHalfLabel = "half\xE2\x82";
 const std::string kText = "\x1b]0;owned\x07\x1b[2J\r\n\u2028gone\U000E0041";
+
+// The introducer in an argument. Those of Windows are UTF-16, which has no bytes of their own.
+#ifdef _WIN32
+const std::string kRawArgument = "\xC2\x9B";
+const std::string kRawShown = "<U+009B>";
+#else
+const std::string kRawArgument = "\x9b";
+const std::string kRawShown = "\\x9b";
+#endif
 
 class HostileTextTest : public ProgramTest {
  protected:
@@ -114,12 +121,12 @@ TEST_F(HostileTextTest, ForProgramsItIsExact) {
 }
 
 TEST_F(HostileTextTest, ArgumentsInMessages) {
-  const std::string name = "\x1b[2J\x9b\u202E\r\nx";
-  const std::string shown = "\\x1b[2J\\x9b<U+202E>\\x0d\\nx";
+  const std::string name = "\x1b[2J" + kRawArgument + "\u202E\r\nx";
+  const std::string shown = "\\x1b[2J" + kRawShown + "<U+202E>\\x0d\\nx";
   EXPECT_TRUE(has(safely({"info", name}), shown));
   EXPECT_TRUE(has(safely({"show", "a.rxf", name}), shown));
-  EXPECT_TRUE(
-      has(safely({"show", "a.rxf", "cost", "--slice", "\x1b[2J\x9bx,*"}), "\\x1b[2J\\x9bx"));
+  EXPECT_TRUE(has(safely({"show", "a.rxf", "cost", "--slice", "\x1b[2J" + kRawArgument + "x,*"}),
+                  "\\x1b[2J" + kRawShown + "x"));
   EXPECT_TRUE(has(safely({"show", "a.rxf", "cost", "--field", name}), "\\x1b[2J"));
   EXPECT_TRUE(has(safely({"show", "a.rxf", "cost", "--head", name}), shown));
   EXPECT_TRUE(has(safely({"show", "a.rxf", "cost", "--" + name}), shown));
@@ -214,7 +221,8 @@ TEST_F(HostileTextTest, LongOnesAreToldByTheirLength) {
                 beginning +
                 "...' (1048576 bytes) is not a number\n"
                 "ztb: o.rxf: not written: 2 problems in the input\n");
-  const std::string argument(100000, 'a');
+  // Windows takes lines of 32767 characters.
+  const std::string argument(30000, 'a');
   for (const std::vector<std::string>& arguments :
        {std::vector<std::string>{"show", "a.rxf", "s", "--slice", argument},
         {"show", "a.rxf", "s", "--field", argument},
@@ -224,8 +232,8 @@ TEST_F(HostileTextTest, LongOnesAreToldByTheirLength) {
         {"info", argument}}) {
     const std::string text = safely(arguments);
     EXPECT_LT(text.size(), 1000U) << arguments.front();
-    EXPECT_TRUE(has(text, beginning + "... (100000 bytes)") ||
-                has(text, beginning + "...' (100000 bytes)"))
+    EXPECT_TRUE(has(text, beginning + "... (30000 bytes)") ||
+                has(text, beginning + "...' (30000 bytes)"))
         << text;
   }
 }
@@ -236,20 +244,6 @@ TEST_F(HostileTextTest, ModelsAndTheirSolvers) {
   write("n.lp", "minimize\n obj: x\nsubject to\n c: x >= 1\nend\n");
   EXPECT_TRUE(has(safely({"solve", "n.lp", "--solver", "\x1b[2J"}), "\\x1b[2J"));
   EXPECT_TRUE(has(safely({"solve", "n.lp", "--set", "\x1b[2J=1"}), "\\x1b[2J"));
-}
-
-TEST_F(HostileTextTest, CsvOnATerminalIsForItsReader) {
-  tooltest::Terminal terminal;
-  tooltest::BackgroundProgram program(path("."), {"show", "a.rxf", "cost", "--csv"}, "errors",
-                                      terminal.path());
-  terminal.leaveToPrograms();
-  EXPECT_TRUE(terminal.waitFor("half[^\n]*2\r\n"));
-  EXPECT_EQ(program.wait(), 0);
-  // The terminal itself puts the returns in.
-  EXPECT_EQ(terminal.text(),
-            "part,dim_2,value\r\n"
-            "bad\\x9b31m,bad<U+009B>31m,1\r\n"
-            "ex<U+202E>gpj\\x7f,half\\xe2\\x82,2\r\n");
 }
 
 }  // namespace

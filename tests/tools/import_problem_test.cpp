@@ -1,9 +1,6 @@
 // What is wrong with the input of an import is told with file, line and column, and nothing is
 // written then.
 
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <string>
 #include <vector>
 

@@ -7,9 +7,9 @@
 #include <vector>
 #include <ztb/ztb.hpp>
 
-#include "tests/tools/background_program.h"
+#include "tests/support/environment_setting.h"
+#include "tests/support/matches.h"
 #include "tests/tools/program.h"
-#include "tests/tools/terminal.h"
 
 namespace {
 
@@ -21,7 +21,7 @@ using tooltest::ProgramTest;
 class PlotTest : public ProgramTest {
  protected:
   void SetUp() override {
-    setenv("LC_ALL", "C.UTF-8", 1);
+    ztbtest::setVariable("LC_ALL", "C.UTF-8");
     ztb::Database database;
     ztb::Symbol rise = database.addParameter("rise", {"*"}, "Going up");
     rise.add("w1").setLevel(0);
@@ -54,7 +54,7 @@ class PlotTest : public ProgramTest {
     }
     database.write(path("a.rxf"));
   }
-  void TearDown() override { unsetenv("LC_ALL"); }
+  void TearDown() override { ztbtest::setVariable("LC_ALL", ""); }
 
   std::string plot(std::vector<std::string> arguments) const {
     arguments.insert(arguments.begin(), {"plot", "a.rxf"});
@@ -94,7 +94,7 @@ TEST_F(PlotTest, FallsBackToAsciiWhereTheLocaleIsNotUtf8) {
   std::vector<std::string> ascii = arguments;
   ascii.emplace_back("--ascii");
   EXPECT_THAT(plot(arguments), HasSubstr("┤"));
-  setenv("LC_ALL", "C", 1);
+  ztbtest::setVariable("LC_ALL", "C");
   EXPECT_EQ(plot(arguments), plot(ascii));
   EXPECT_THAT(plot(arguments), Not(HasSubstr("┤")));
 }
@@ -189,21 +189,6 @@ TEST_F(PlotTest, ShowsAFieldOfAVariable) {
             "variable flow(*),\nmarginal\n\nw1  |############# 3\n");
 }
 
-TEST_F(PlotTest, ColoursTellSeriesApartOnATerminal) {
-  setenv("TERM", "xterm", 1);
-  unsetenv("NO_COLOR");
-  tooltest::Terminal terminal;
-  tooltest::BackgroundProgram program(
-      path("."),
-      {"plot", "a.rxf", "sold", "--x", "1", "--by", "2", "--type", "bar", "--width", "40"},
-      "errors", terminal.path());
-  terminal.leaveToPrograms();
-  EXPECT_FALSE(terminal.waitFor("what no chart holds"));
-  EXPECT_EQ(program.wait(), 0);
-  EXPECT_THAT(terminal.text(), HasSubstr("│\x1b[36m█████████████\x1b[0m 4\r\n"));
-  EXPECT_THAT(terminal.text(), HasSubstr("│\x1b[33m██████▌\x1b[0m 2\r\n"));
-}
-
 // From 32 + 2 characters of 7 to 776, with 8 free at both ends; 330 high from 48 on.
 TEST_F(PlotTest, WritesSvg) {
   EXPECT_EQ(plot({"rise", "--x", "1", "--out", "rise.svg"}), "");
@@ -240,7 +225,7 @@ TEST_F(PlotTest, WritesPng) {
 }
 
 TEST_F(PlotTest, SaysWhatPngNeeds) {
-  setenv("ZTB_RSVG", path("nowhere.so").c_str(), 1);
+  ztbtest::setVariable("ZTB_RSVG", path("nowhere.so"));
   expectFails(
       1,
       "ztb: a PNG picture is made by librsvg, which cannot be opened: " + path("nowhere.so") +
@@ -248,12 +233,12 @@ TEST_F(PlotTest, SaysWhatPngNeeds) {
           "librsvg2-2, or write SVG\n",
       {"plot", "a.rxf", "rise", "--x", "1", "--out", "rise.png"});
   EXPECT_FALSE(exists("rise.png"));
-  setenv("ZTB_RSVG", "libc.so.6", 1);
+  ztbtest::setVariable("ZTB_RSVG", "libc.so.6");
   expectFails(1,
               "ztb: librsvg has no function rsvg_handle_new_from_data: a version from 2.52 on is "
               "expected\n",
               {"plot", "a.rxf", "rise", "--x", "1", "--out", "rise.png"});
-  unsetenv("ZTB_RSVG");
+  ztbtest::setVariable("ZTB_RSVG", "");
 }
 
 TEST_F(PlotTest, RefusesWhatCannotBeDrawn) {
@@ -309,10 +294,10 @@ TEST_F(PlotTest, DrawsAnyValues) {
   for (const char* symbol : {"wide", "tight", "tiny"}) {
     for (const char* type : {"line", "bar", "scatter"}) {
       EXPECT_THAT(ztbFine({"plot", "b.rxf", symbol, "--x", "1", "--type", type}),
-                  testing::ContainsRegex("\\(\\*\\)\n\n(.*\n)+"))
+                  ztbtest::HasMatch("\\(\\*\\)\n\n(.*\n)+"))
           << symbol << ' ' << type;
     }
-    EXPECT_THAT(ztbFine({"plot", "b.rxf", symbol}), testing::ContainsRegex(" [12]\n")) << symbol;
+    EXPECT_THAT(ztbFine({"plot", "b.rxf", symbol}), ztbtest::HasMatch(" [12]\n")) << symbol;
   }
 }
 

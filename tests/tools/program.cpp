@@ -4,8 +4,6 @@
 #include <fstream>
 #include <iterator>
 
-#include "tests/tools/run_program.h"
-
 namespace tooltest {
 
 namespace {
@@ -22,11 +20,26 @@ std::string contentOf(const std::string& path) {
 
 }  // namespace
 
-Outcome ProgramTest::ztb(const std::vector<std::string>& arguments,
-                         const std::string& input) const {
+std::vector<std::string> solvers() {
+#ifdef _WIN32
+  return {"clp", "cbc", "glpk"};
+#else
+  return {"clp", "cbc", "glpk", "ipopt", "bonmin"};
+#endif
+}
+
+std::string listOfSolvers() {
+  const std::vector<std::string> names = solvers();
+  std::string list = names.front();
+  for (std::size_t at = 1; at + 1 < names.size(); ++at) list += ", " + names[at];
+  return list + " and " + names.back();
+}
+
+Outcome ProgramTest::ztb(const std::vector<std::string>& arguments, const std::string& input,
+                         OutputTo output) const {
   const ztbtest::TempFolder streams;
   std::ofstream(streams.file("in"), std::ios::binary) << input;
-  const int status = runProgram(ZTB_PROGRAM, arguments, folder_.path(), streams);
+  const int status = runProgram(ZTB_PROGRAM, arguments, folder_.path(), streams, output);
   return {.status = status,
           .output = contentOf(streams.file("out")),
           .errors = contentOf(streams.file("err"))};

@@ -8,8 +8,20 @@
 #include <vector>
 
 #include "tests/support/temp_folder.h"
+#include "tests/tools/run_program.h"
 
 namespace tooltest {
+
+// The solvers of the catalogue, and how a message lists them.
+std::vector<std::string> solvers();
+std::string listOfSolvers();
+
+// What no regular file is. Not NUL: Wine lets the device behind it be replaced.
+#ifdef _WIN32
+inline constexpr const char* kDevice = "LPT9";
+#else
+inline constexpr const char* kDevice = "/dev/null";
+#endif
 
 // How a run ended; status is minus the signal's number if a signal ended it.
 struct Outcome {
@@ -22,7 +34,8 @@ struct Outcome {
 // path.
 class ProgramTest : public testing::Test {
  protected:
-  Outcome ztb(const std::vector<std::string>& arguments, const std::string& input = "") const;
+  Outcome ztb(const std::vector<std::string>& arguments, const std::string& input = "",
+              OutputTo output = OutputTo::newFile) const;
 
   // Runs it and expects success without a word on standard error; gives what it printed.
   std::string ztbFine(const std::vector<std::string>& arguments) const;

@@ -3,6 +3,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <array>
+
+#include "tests/support/full_disk.h"
 #include "tests/tools/run_program.h"
 
 namespace tooltest {
@@ -16,10 +19,25 @@ void redirect(const std::string& path, int flags, int target) {
   }
 }
 
+void redirectOutput(const ztbtest::TempFolder& streams, OutputTo output) {
+  std::array<int, 2> ends{};
+  switch (output) {
+    case OutputTo::newFile:
+      return redirect(streams.file("out"), O_WRONLY | O_CREAT, STDOUT_FILENO);
+    case OutputTo::fullDisk:
+      return redirect(ztbtest::kFullDisk, O_WRONLY, STDOUT_FILENO);
+    case OutputTo::deadPipe:
+      if (pipe(ends.data()) != 0 || close(ends[0]) != 0 || dup2(ends[1], STDOUT_FILENO) < 0) {
+        _exit(126);
+      }
+  }
+}
+
 }  // namespace
 
 int runProgram(const std::string& program, const std::vector<std::string>& arguments,
-               const std::filesystem::path& folder, const ztbtest::TempFolder& streams) {
+               const std::filesystem::path& folder, const ztbtest::TempFolder& streams,
+               OutputTo output) {
   std::vector<char*> argv{const_cast<char*>("ztb")};
   for (const std::string& argument : arguments) {
     argv.push_back(const_cast<char*>(argument.c_str()));
@@ -28,7 +46,7 @@ int runProgram(const std::string& program, const std::vector<std::string>& argum
   const pid_t child = fork();
   if (child == 0) {
     redirect(streams.file("in"), O_RDONLY, STDIN_FILENO);
-    redirect(streams.file("out"), O_WRONLY | O_CREAT, STDOUT_FILENO);
+    redirectOutput(streams, output);
     redirect(streams.file("err"), O_WRONLY | O_CREAT, STDERR_FILENO);
     if (chdir(folder.c_str()) == 0) {
       execv(program.c_str(), argv.data());

@@ -3,7 +3,11 @@
 #include <gtest/gtest.h>
 
 #include "providers/windows/wide_text.h"
+#include "tests/support/full_disk.h"
 #include "tests/tools/run_program.h"
+
+// Behind windows.h, which it does not include.
+#include <tlhelp32.h>
 
 namespace tooltest {
 
@@ -28,17 +32,31 @@ HANDLE opened(const std::string& path, DWORD access, DWORD creation) {
                      FILE_ATTRIBUTE_NORMAL, nullptr);
 }
 
+HANDLE openedOutput(const ztbtest::TempFolder& streams, OutputTo output) {
+  if (output == OutputTo::newFile) return opened(streams.file("out"), GENERIC_WRITE, CREATE_NEW);
+  if (output == OutputTo::fullDisk) {
+    return opened(ztbtest::kFullDisk, GENERIC_WRITE, OPEN_EXISTING);
+  }
+  SECURITY_ATTRIBUTES handedDown = {sizeof handedDown, nullptr, TRUE};
+  HANDLE reader = nullptr;
+  HANDLE writer = nullptr;
+  EXPECT_TRUE(CreatePipe(&reader, &writer, &handedDown, 0) != 0) << "error " << GetLastError();
+  CloseHandle(reader);
+  return writer;
+}
+
 }  // namespace
 
 Program::Program(const std::string& program, const std::vector<std::string>& arguments,
-                 const std::filesystem::path& folder, const ztbtest::TempFolder& streams) {
+                 const std::filesystem::path& folder, const ztbtest::TempFolder& streams,
+                 OutputTo output) {
   std::wstring line = quoted(program);
   for (const std::string& argument : arguments) line += L' ' + quoted(argument);
   STARTUPINFOW how = {};
   how.cb = sizeof how;
   how.dwFlags = STARTF_USESTDHANDLES;
   how.hStdInput = opened(streams.file("in"), GENERIC_READ, OPEN_EXISTING);
-  how.hStdOutput = opened(streams.file("out"), GENERIC_WRITE, CREATE_NEW);
+  how.hStdOutput = openedOutput(streams, output);
   how.hStdError = opened(streams.file("err"), GENERIC_WRITE, CREATE_NEW);
   PROCESS_INFORMATION made = {};
   EXPECT_TRUE(CreateProcessW(ztbwindows::wideText(program.c_str()).c_str(), line.data(), nullptr,
@@ -65,9 +83,38 @@ int Program::wait() {
   return static_cast<int>(status);
 }
 
+std::vector<DWORD> childrenOf(DWORD parent) {
+  std::vector<DWORD> children;
+  const HANDLE all = CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0);
+  PROCESSENTRY32W entry = {};
+  entry.dwSize = sizeof entry;
+  for (BOOL found = Process32FirstW(all, &entry); found != 0; found = Process32NextW(all, &entry)) {
+    if (entry.th32ParentProcessID == parent && wcsstr(entry.szExeFile, L"ztb") != nullptr) {
+      children.push_back(entry.th32ProcessID);
+    }
+  }
+  CloseHandle(all);
+  return children;
+}
+
+bool hasLoaded(DWORD process, const wchar_t* library) {
+  const HANDLE all = CreateToolhelp32Snapshot(TH32CS_SNAPMODULE, process);
+  if (all == INVALID_HANDLE_VALUE) return false;
+  MODULEENTRY32W entry = {};
+  entry.dwSize = sizeof entry;
+  bool found = false;
+  for (BOOL more = Module32FirstW(all, &entry); more != 0 && !found;
+       more = Module32NextW(all, &entry)) {
+    found = wcscmp(entry.szModule, library) == 0;
+  }
+  CloseHandle(all);
+  return found;
+}
+
 int runProgram(const std::string& program, const std::vector<std::string>& arguments,
-               const std::filesystem::path& folder, const ztbtest::TempFolder& streams) {
-  return Program(program, arguments, folder, streams).wait();
+               const std::filesystem::path& folder, const ztbtest::TempFolder& streams,
+               OutputTo output) {
+  return Program(program, arguments, folder, streams, output).wait();
 }
 
 }  // namespace tooltest

@@ -3,6 +3,12 @@
 #define ZTB_TESTS_TOOLS_RUN_PROGRAM_WINDOWS_H_
 
 #include <windows.h>
+// Words of the tests that this header takes as macros.
+#undef ERROR
+#undef interface
+#undef near
+#undef far
+#undef small
 
 #include <filesystem>
 #include <string>
@@ -17,7 +23,8 @@ namespace tooltest {
 class Program {
  public:
   Program(const std::string& program, const std::vector<std::string>& arguments,
-          const std::filesystem::path& folder, const ztbtest::TempFolder& streams);
+          const std::filesystem::path& folder, const ztbtest::TempFolder& streams,
+          OutputTo output = OutputTo::newFile);
   Program(const Program&) = delete;
   Program& operator=(const Program&) = delete;
   ~Program();
@@ -32,6 +39,13 @@ class Program {
   HANDLE process_ = nullptr;
   DWORD number_ = 0;
 };
+
+// The processes of ztb that a process has started.
+std::vector<DWORD> childrenOf(DWORD parent);
+
+// Whether a process is far enough to have loaded a library. One that is ended while it starts may
+// not have been started for its parent.
+bool hasLoaded(DWORD process, const wchar_t* library);
 
 }  // namespace tooltest
 

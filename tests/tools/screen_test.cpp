@@ -79,22 +79,6 @@ TEST_F(ScreenTest, TextsFitTheTerminal) {
   }
 }
 
-TEST_F(ScreenTest, ACheckFitsTheWidthAskedFor) {
-  ztb::Database database;
-  const ztb::Symbol food = database.addSet("food", {"*"});
-  database.addParameter("price", {food}).add("a food that is in no set").setLevel(1);
-  database.write(path("c.rxf"));
-  EXPECT_EQ(ztb({"check", "c.rxf", "--domains", "--width", "24"}).output,
-            "parameter price(food): 1\n"
-            "record outside its\n"
-            "domains\n"
-            "\n"
-            "food             outside\n"
-            "---------------  -------\n"
-            "a food that is\xE2\x80\xA6  1 food\n"
-            "\n");
-}
-
 TEST_F(ScreenTest, TheWidthAskedForComesFirst) {
   EXPECT_NE(shown(21, {"show", "a.rxf", "p", "--head", "1", "--width", "0"})
                 .find("a rather long label, number 1      1\r\n"),
@@ -124,6 +108,24 @@ TEST_F(ScreenTest, ManyRecordsEndWithALimitThatIsTold) {
   EXPECT_NE(shown(80, {"show", "a.rxf", "p", "--all"}).find("\r\n1500 records\r\n"),
             std::string::npos);
   EXPECT_NE(ztbFine({"show", "a.rxf", "p"}).find("\n1500 records\n"), std::string::npos);
+}
+
+// What steers a terminal is spelled out, in a table for programs too.
+TEST_F(ScreenTest, CsvIsForItsReader) {
+  ztb::Database database;
+  ztb::Symbol cost = database.addParameter("cost", {"*", "*"});
+  cost.add(
+          "bad\x9b"
+          "31m",
+          "bad\xC2\x9B"
+          "31m")
+      .setLevel(1);
+  cost.add("ex\u202Egpj\x7F", "half\xE2\x82").setLevel(2);
+  database.write(path("h.rxf"));
+  EXPECT_EQ(shown(80, {"show", "h.rxf", "cost", "--csv"}),
+            "dim_1,dim_2,value\r\n"
+            "bad\\x9b31m,bad<U+009B>31m,1\r\n"
+            "ex<U+202E>gpj\\x7f,half\\xe2\\x82,2\r\n");
 }
 
 }  // namespace

@@ -181,11 +181,10 @@ TEST_F(ShowTest, RefusesFieldsWhereThereAreNone) {
 }
 
 TEST_F(ShowTest, FailsWhenStandardOutputIsFull) {
-  const int status = std::system(
-      (std::string(ZTB_PROGRAM) + " show " + path("a.rxf") + " holds > /dev/full 2> " + path("err"))
-          .c_str());
-  EXPECT_EQ(WEXITSTATUS(status), 1);
-  EXPECT_EQ(read("err"), "ztb: standard output: cannot be written: No space left on device\n");
+  const tooltest::Outcome outcome =
+      ztb({"show", "a.rxf", "holds"}, "", tooltest::OutputTo::fullDisk);
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.errors, "ztb: standard output: cannot be written: No space left on device\n");
 }
 
 }  // namespace

@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <array>
 #include <chrono>
 #include <cmath>
 #include <csignal>
@@ -14,6 +13,7 @@
 #include <tuple>
 
 #include "tests/tools/background_program.h"
+#include "tests/tools/knapsacks.h"
 #include "tests/tools/program.h"
 #include "tests/tools/terminal.h"
 
@@ -23,39 +23,6 @@ using testing::HasSubstr;
 using testing::StartsWith;
 using tooltest::BackgroundProgram;
 using tooltest::ProgramTest;
-
-// Things of much the same worth a size in five knapsacks: a point is found at once, and the proof
-// that one is best takes longer than anybody waits.
-std::string knapsacks() {
-  constexpr int kThings = 70;
-  unsigned state = 12345;
-  const auto next = [&] {
-    state = state * 1664525U + 1013904223U;
-    return 5 + static_cast<int>(state >> 8) % 995;
-  };
-  std::array<std::string, 5> rows;
-  std::array<int, 5> sizes{};
-  std::string worth;
-  std::string names;
-  for (int thing = 0; thing < kThings; ++thing) {
-    const std::string name = " x" + std::to_string(thing);
-    int sum = 0;
-    for (std::size_t row = 0; row < rows.size(); ++row) {
-      const int size = next();
-      rows.at(row) += " + " + std::to_string(size) + name + "\n";
-      sizes.at(row) += size;
-      sum += size;
-    }
-    worth += " + " + std::to_string(sum / 5 + next() % 100) + name + "\n";
-    names += name + "\n";
-  }
-  std::string text = "Maximize\n worth: " + worth + "Subject To\n";
-  for (std::size_t row = 0; row < rows.size(); ++row) {
-    text += " r" + std::to_string(row) + ": " + rows.at(row) +
-            " <= " + std::to_string(sizes.at(row) / 2) + "\n";
-  }
-  return text + "Binaries\n" + names + "End\n";
-}
 
 std::string content(const std::string& file) {
   std::ostringstream text;
@@ -120,7 +87,7 @@ class SolveInterrupt : public ProgramTest {
   // What a solve of hard.lp prints that the signal ends.
   std::string interrupted(const std::string& solver, int signal) {
     write("output", "");
-    BackgroundProgram run(path(""), {"solve", "hard.lp", "--solver", solver}, "errors", "output");
+    BackgroundProgram run(path("."), {"solve", "hard.lp", "--solver", solver}, "errors", "output");
     const pid_t process = run.process();
     // Far more than reading the file takes.
     constexpr long kTicks = 50;
@@ -139,7 +106,7 @@ class SolveInterruptTest : public SolveInterrupt,
 
 TEST_P(SolveInterruptTest, endsTheSolveAndTellsTheBestPointAndItsBound) {
   const auto [solver, signal] = GetParam();
-  write("hard.lp", knapsacks());
+  write("hard.lp", tooltest::knapsacks());
   const std::string output = interrupted(solver, signal);
   EXPECT_THAT(output, StartsWith("objective   "));
   EXPECT_THAT(output, HasSubstr("\nstatus      feasible, terminated\n"));
@@ -173,16 +140,8 @@ TEST_F(SolveInterrupt, EndsASearchByBonmin) {
   }
 }
 
-TEST_F(ProgramTest, aLimitOfTimeTellsTheBestPointAndItsBound) {
-  write("hard.lp", knapsacks());
-  const std::string output = ztbFine({"solve", "hard.lp", "--option", "TimeLimit=2"});
-  EXPECT_THAT(output, HasSubstr("\nstatus      feasible, time limit\n"));
-  EXPECT_THAT(output, HasSubstr("\nbound       "));
-  EXPECT_THAT(output, HasSubstr("\nprocessor   "));
-}
-
 TEST_F(ProgramTest, ATerminalIsToldHowFarASolveIs) {
-  write("hard.lp", knapsacks());
+  write("hard.lp", tooltest::knapsacks());
   tooltest::Terminal terminal;
   const BackgroundProgram run(path("."), {"solve", "hard.lp", "--solver", "cbc"}, terminal.path());
   terminal.leaveToPrograms();
@@ -194,7 +153,7 @@ TEST_F(ProgramTest, ATerminalIsToldHowFarASolveIs) {
 
 // The line that tells how far it is makes room for what is printed while the run goes on.
 TEST_F(ProgramTest, OnATerminalResultsBeginWhereProgressWas) {
-  write("hard.lp", knapsacks());
+  write("hard.lp", tooltest::knapsacks());
   tooltest::Terminal terminal;
   BackgroundProgram run(path("."), {"solve", "hard.lp", "--solver", "cbc"}, terminal.path(),
                         terminal.path());

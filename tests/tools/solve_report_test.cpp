@@ -6,6 +6,7 @@
 #include <string>
 #include <ztb/ztb.hpp>
 
+#include "tests/tools/knapsacks.h"
 #include "tests/tools/program.h"
 
 namespace {
@@ -128,7 +129,8 @@ TEST_F(SolveReportTest, APlaceWhereNoFileCanBeIsToldBeforeTheSolve) {
   std::filesystem::create_directory(path("folder"));
   for (const char* option : {"--out", "--basis"}) {
     expectFails(1, "ztb: Is a folder: folder\n", {"solve", "t.lp", option, "folder"});
-    expectFails(1, "ztb: Not a regular file: /dev/null\n", {"solve", "t.lp", option, "/dev/null"});
+    expectFails(1, std::string("ztb: Not a regular file: ") + tooltest::kDevice + "\n",
+                {"solve", "t.lp", option, tooltest::kDevice});
     expectFails(1, "ztb: No such file: the folder does not exist: none/o.rxf\n",
                 {"solve", "t.lp", option, "none/o.rxf"});
   }
@@ -151,6 +153,14 @@ TEST_F(SolveReportTest, RefusesTwoFormsAndTwoTables) {
   const Outcome both = ztb({"solve", "t.lp", "--csv", "--json"});
   EXPECT_EQ(both.status, 2);
   EXPECT_THAT(both.errors, HasSubstr("--csv and --json exclude each other"));
+}
+
+TEST_F(SolveReportTest, ALimitOfTimeTellsTheBestPointAndItsBound) {
+  write("hard.lp", tooltest::knapsacks());
+  const std::string output = ztbFine({"solve", "hard.lp", "--option", "TimeLimit=2"});
+  EXPECT_THAT(output, HasSubstr("\nstatus      feasible, time limit\n"));
+  EXPECT_THAT(output, HasSubstr("\nbound       "));
+  EXPECT_THAT(output, HasSubstr("\nprocessor   "));
 }
 
 }  // namespace

@@ -1,6 +1,3 @@
-#include <sys/wait.h>
-
-#include <cstdlib>
 #include <string>
 #include <ztb/ztb.hpp>
 
@@ -9,6 +6,7 @@
 namespace {
 
 using tooltest::Outcome;
+using tooltest::OutputTo;
 using tooltest::ProgramTest;
 
 class StandardStreamsTest : public ProgramTest {
@@ -92,11 +90,9 @@ TEST_F(StandardStreamsTest, MessagesNameStandardInput) {
 }
 
 TEST_F(StandardStreamsTest, AResultThatDoesNotGoThroughIsAFailure) {
-  const int status = std::system(
-      (std::string(ZTB_PROGRAM) + " copy " + path("a.rxf") + " p - > /dev/full 2> " + path("err"))
-          .c_str());
-  EXPECT_EQ(WEXITSTATUS(status), 1);
-  EXPECT_EQ(read("err"), "ztb: standard output: cannot be written: No space left on device\n");
+  const Outcome outcome = ztb({"copy", "a.rxf", "p", "-"}, "", OutputTo::fullDisk);
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.errors, "ztb: standard output: cannot be written: No space left on device\n");
 }
 
 }  // namespace

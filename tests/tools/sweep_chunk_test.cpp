@@ -1,13 +1,11 @@
 // ztb sweep: chunks, the shares that machines take of them, and how their parts are put together.
 #include <gmock/gmock.h>
-#include <signal.h>
 
 #include <filesystem>
 #include <string>
 #include <vector>
 #include <ztb/ztb.hpp>
 
-#include "tests/tools/background_program.h"
 #include "tests/tools/endless_sweep.h"
 #include "tests/tools/processor_time_limit.h"
 #include "tests/tools/sweep_fixture.h"
@@ -16,7 +14,6 @@ namespace {
 
 using testing::HasSubstr;
 using testing::StartsWith;
-using tooltest::BackgroundProgram;
 using tooltest::Outcome;
 using tooltest::ProcessorTimeLimit;
 using tooltest::SweepTest;
@@ -222,26 +219,6 @@ TEST_F(SweepChunkTest, WrongUse) {
 }
 
 using SweepEndTest = tooltest::EndlessSweepTest;
-
-TEST_F(SweepEndTest, AShareThatIsAskedToEndPublishesWhatItHasSolved) {
-  makeScenarios(6, {3});
-  const ProcessorTimeLimit limit(60);
-  std::filesystem::create_directory(path("out.rxf.parts"));
-  const std::vector<std::string> one{
-      "sweep",    "m.lp",          "--scenarios", "sc.rxf", "--over",  "s",
-      "--solver", "glpk",          "--part",      "1/1",    "--chunk", "6",
-      "--parts",  "out.rxf.parts", "--stall",     "50"};
-  BackgroundProgram run(path("."), one, "errors");
-  // The endless scenario is the one that is ended, whenever that is.
-  ASSERT_TRUE(run.waitForFile("", ".basis"));
-  ASSERT_NE(run.waitForChildBut(0), 0);
-  ::kill(run.process(), SIGTERM);
-  EXPECT_EQ(run.wait(), 1);
-  EXPECT_THAT(read("errors"),
-              testing::MatchesRegex("ztb: was asked to end; [4-6] of 6 scenarios are "
-                                    "not solved yet, what is solved stands in "
-                                    "out.rxf.parts\n"));
-}
 
 TEST_F(SweepEndTest, AScenarioEndsAtItsTimeLimit) {
   makeScenarios(3, {2});

@@ -74,10 +74,10 @@ TEST_F(SweepErrorTest, ASymbolThatCannotBeReported) {
 
 TEST_F(SweepErrorTest, ASolverThatIsNotInTheCatalogue) {
   makeFile("rate", 2);
-  expectFails(1,
-              "ztb: m.lp: Invalid solver name: nosuch: the solvers are clp, cbc, glpk, ipopt and "
-              "bonmin\n",
-              sweep({"--solver", "nosuch", "--jobs", "2"}));
+  expectFails(
+      1,
+      "ztb: m.lp: Invalid solver name: nosuch: the solvers are " + tooltest::listOfSolvers() + "\n",
+      sweep({"--solver", "nosuch", "--jobs", "2"}));
   EXPECT_FALSE(exists("out.rxf"));
   // Nothing was solved, and nothing is left to go on from.
   EXPECT_FALSE(exists("out.rxf.parts"));

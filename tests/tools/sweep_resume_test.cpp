@@ -1,6 +1,5 @@
 // ztb sweep: what is left of a run that was interrupted, and going on with it.
 #include <gmock/gmock.h>
-#include <signal.h>
 
 #include <filesystem>
 #include <string>
@@ -125,7 +124,8 @@ TEST_F(SweepResumeTest, APlaceWhereNoFileCanBeIsToldBeforeAnythingIsSolved) {
   std::filesystem::create_directory(path("taken"));
   expectFails(1, "ztb: Is a folder: taken\n", sweep({}, "taken"));
   EXPECT_FALSE(exists("taken.parts"));
-  expectFails(1, "ztb: Not a regular file: /dev/null\n", sweep({}, "/dev/null"));
+  expectFails(1, std::string("ztb: Not a regular file: ") + tooltest::kDevice + "\n",
+              sweep({}, tooltest::kDevice));
   expectFails(1, "ztb: No such file: the folder does not exist: none/o.rxf\n",
               sweep({}, "none/o.rxf"));
   EXPECT_EQ(ztb(sweep({}, "")).status, 2);
@@ -135,8 +135,8 @@ using SweepWithoutPlaceTest = EndlessSweepTest;
 
 TEST_F(SweepWithoutPlaceTest, KeepsThePartsOfAResultThatCannotBeWrittenInTheEnd) {
   makeScenarios(2, {2});
-  const ProcessorTimeLimit limit(1);
-  BackgroundProgram run(path("."), sweep(), "errors");
+  const ProcessorTimeLimit limit(60);
+  BackgroundProgram run(path("."), sweep({"--stall", "1"}), "errors");
   ASSERT_NE(run.waitForChildBut(0), 0) << "the sweep ended without a worker";
   std::filesystem::create_directory(path("out.rxf"));
   EXPECT_EQ(run.wait(), 1);
@@ -194,7 +194,7 @@ class InterruptedSweepTest : public EndlessSweepTest {
     for (int time = 0; time < 2; ++time) {
       killed = run.waitForChildBut(killed);
       ASSERT_NE(killed, 0) << "the run has ended";
-      kill(killed, SIGKILL);
+      tooltest::killChild(killed);
     }
   }
 
@@ -211,9 +211,11 @@ class InterruptedSweepTest : public EndlessSweepTest {
     }
   }
 
-  static constexpr const char* kTwoDeaths =
-      "ztb: scenario sc1: its worker process was ended by signal 9; it is solved again\n"
-      "ztb: scenario sc1: failed: its worker process was ended by signal 9\n";
+  static std::string twoDeaths() {
+    const std::string death = std::string("its worker process ") + tooltest::kKilledChild;
+    return "ztb: scenario sc1: " + death + "; it is solved again\n" +
+           "ztb: scenario sc1: failed: " + death + "\n";
+  }
 
   const ProcessorTimeLimit limit_{60};
 };
@@ -225,10 +227,10 @@ TEST_F(InterruptedSweepTest, AfterAKillTheRestIsSolved) {
     std::filesystem::create_directory(path("out.rxf.parts"));
     write("out.rxf.parts/notes", "it keeps the folder, which is watched");
     BackgroundProgram run(path("."), sweep({"--jobs", "2"}), "errors");
-    ASSERT_TRUE(run.waitForFile("", "-5-10.rxf"));
+    ASSERT_TRUE(run.waitForFile("-5-10.rxf"));
     std::filesystem::remove(path("out.rxf.parts/notes"));
     run.kill();
-    ASSERT_EQ(run.wait(), -SIGKILL);
+    ASSERT_EQ(run.wait(), tooltest::kKilled);
   }
   ASSERT_FALSE(exists("out.rxf"));
   write("output", "");
@@ -236,7 +238,7 @@ TEST_F(InterruptedSweepTest, AfterAKillTheRestIsSolved) {
   killTwoWorkers(rest);
   EXPECT_EQ(rest.wait(), 1);
   EXPECT_THAT(read("output"), StartsWith("10 scenarios, 5 of them kept: 9 optimal, 1 failed in "));
-  EXPECT_EQ(read("errors"), kTwoDeaths);
+  EXPECT_EQ(read("errors"), twoDeaths());
   EXPECT_FALSE(exists("out.rxf.parts"));
   expectAllButTheFirst(10);
 }
@@ -246,7 +248,7 @@ TEST_F(InterruptedSweepTest, WhatAWorkerThatIsKilledHadLeftToDoIsDoneByAnother) 
   BackgroundProgram run(path("."), sweep(), "errors");
   killTwoWorkers(run);
   EXPECT_EQ(run.wait(), 1);
-  EXPECT_EQ(read("errors"), kTwoDeaths);
+  EXPECT_EQ(read("errors"), twoDeaths());
   expectAllButTheFirst(5);
 }
 

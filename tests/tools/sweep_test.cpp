@@ -6,13 +6,13 @@
 #include <vector>
 #include <ztb/ztb.hpp>
 
+#include "tests/support/matches.h"
 #include "tests/tools/sweep_fixture.h"
 
 namespace {
 
 using testing::AllOf;
 using testing::HasSubstr;
-using testing::MatchesRegex;
 using testing::Not;
 using testing::StartsWith;
 using tooltest::Outcome;
@@ -22,9 +22,9 @@ using tooltest::SweepTest;
 TEST_F(SweepTest, EachScenarioHasItsOptimum) {
   makeScenarios(40);
   EXPECT_THAT(ztbFine(sweep({"--report", "SHIP", "--report", "need"})),
-              MatchesRegex("40 scenarios: 40 optimal in [0-9.]+ s \\([0-9]+ a second\\)\n"
-                           "objective: lowest [0-9.]+ \\(sc[0-9]+\\), "
-                           "highest [0-9.]+ \\(sc[0-9]+\\)\n"));
+              ztbtest::Matches("40 scenarios: 40 optimal in [0-9.]+ s \\([0-9]+ a second\\)\n"
+                               "objective: lowest [0-9.]+ \\(sc[0-9]+\\), "
+                               "highest [0-9.]+ \\(sc[0-9]+\\)\n"));
   expectObjectives("out.rxf", 40);
   const ztb::Database out = ztb::Database::open(path("out.rxf"));
   for (int number = 1; number <= 40; ++number) {
@@ -109,7 +109,7 @@ End
     need.merge(label).setLevel(number * 7 % 12);
   }
   scenarios.write(path("sc.rxf"));
-  for (const std::string solver : {"clp", "cbc", "glpk", "ipopt", "bonmin"}) {
+  for (const std::string& solver : tooltest::solvers()) {
     for (const char* jobs : {"1", "3"}) {
       ztb(sweep({"--solver", solver, "--jobs", jobs}));
       const ztb::Database out = ztb::Database::open(path("out.rxf"));

@@ -1,6 +1,5 @@
 // ztb sweep: worker processes that die, stop, or come to no end.
 #include <gmock/gmock.h>
-#include <signal.h>
 
 #include <string>
 #include <ztb/ztb.hpp>
@@ -37,19 +36,6 @@ class SweepWorkerDeathTest : public tooltest::EndlessSweepTest {
   }
 };
 
-TEST_F(SweepWorkerDeathTest, AScenarioThatTakesTwoWorkersWithItHasFailedAndTheOthersAreSolved) {
-  makeScenarios(9, {4});
-  // The workers that come to the endless scenario are ended by the system.
-  const ProcessorTimeLimit limit(4);
-  const Outcome outcome = ztb(sweep());
-  EXPECT_EQ(outcome.status, 1);
-  EXPECT_EQ(outcome.errors,
-            "ztb: scenario sc4: its worker process was ended by signal 24; it is solved again\n"
-            "ztb: scenario sc4: failed: its worker process was ended by signal 24\n");
-  EXPECT_THAT(outcome.output, testing::StartsWith("9 scenarios: 8 optimal, 1 failed in "));
-  expectAllButFailed(9, {4});
-}
-
 TEST_F(SweepWorkerDeathTest, AWorkerThatSolvesNothingForTooLongIsEnded) {
   makeScenarios(7, {6});
   const ProcessorTimeLimit limit(60);
@@ -70,7 +56,7 @@ TEST_F(SweepWorkerDeathTest, AStoppedWorkerDoesNotHoldTheSweep) {
   BackgroundProgram run(path("."), sweep({"--stall", "5"}), "errors");
   const pid_t worker = run.waitForChildBut(0);
   ASSERT_NE(worker, 0) << "the sweep ended without a worker";
-  kill(worker, SIGSTOP);
+  tooltest::stopChild(worker);
   EXPECT_EQ(run.wait(), 1);
   EXPECT_THAT(read("errors"), HasSubstr("solved nothing for 5 s (--stall) and was ended"));
   expectAllButFailed(3, {3});

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "tests/support/temp_folder.h"
 #include "tools/text/display_width.h"
 
 namespace {
@@ -15,9 +16,8 @@ namespace {
 using tool::TablePrinter;
 
 std::string tableOf(TablePrinter& table, const std::vector<std::array<std::string_view, 2>>& rows) {
-  char* buffer = nullptr;
-  std::size_t size = 0;
-  std::FILE* out = open_memstream(&buffer, &size);
+  const ztbtest::TempFolder folder;
+  std::FILE* out = std::fopen(folder.file("table").c_str(), "w+b");
   for (const auto& row : rows) {
     table.measure(row);
   }
@@ -25,9 +25,10 @@ std::string tableOf(TablePrinter& table, const std::vector<std::array<std::strin
   for (const auto& row : rows) {
     table.printRow(out, row);
   }
+  std::string text(static_cast<std::size_t>(std::ftell(out)), '\0');
+  std::rewind(out);
+  EXPECT_EQ(std::fread(text.data(), 1, text.size(), out), text.size());
   std::fclose(out);
-  std::string text(buffer, size);
-  std::free(buffer);
   return text;
 }
 

@@ -1,6 +1,3 @@
-#include <sys/wait.h>
-
-#include <cstdlib>
 #include <string>
 #include <utility>
 #include <vector>
@@ -10,6 +7,7 @@
 namespace {
 
 using tooltest::Outcome;
+using tooltest::OutputTo;
 using tooltest::ProgramTest;
 
 class UsageTest : public ProgramTest {};
@@ -33,11 +31,11 @@ TEST_F(UsageTest, VersionIsPrinted) {
 }
 
 TEST_F(UsageTest, HelpThatCannotBePrintedIsAFailure) {
-  for (const std::string option : {"--help", "--version", "show --help"}) {
-    const int status = std::system(
-        (std::string(ZTB_PROGRAM) + " " + option + " > /dev/full 2> " + path("err")).c_str());
-    EXPECT_EQ(WEXITSTATUS(status), 1) << option;
-    EXPECT_EQ(read("err"), "ztb: standard output: cannot be written: No space left on device\n");
+  for (const std::vector<std::string>& arguments :
+       {std::vector<std::string>{"--help"}, {"--version"}, {"show", "--help"}}) {
+    const Outcome outcome = ztb(arguments, "", OutputTo::fullDisk);
+    EXPECT_EQ(outcome.status, 1) << arguments.front();
+    EXPECT_EQ(outcome.errors, "ztb: standard output: cannot be written: No space left on device\n");
   }
 }
 

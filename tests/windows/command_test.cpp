@@ -13,9 +13,6 @@
 #include "tests/tools/program.h"
 #include "tests/tools/run_program_windows.h"
 
-// Behind windows.h, which it does not include.
-#include <tlhelp32.h>
-
 namespace {
 
 using testing::HasSubstr;
@@ -74,6 +71,8 @@ TEST_F(CommandOnWindows, WhatIsNotThereIsToldSo) {
   write("m.lp", "Minimize\n cost: x\nEnd\n");
   expectFails(1, "ztb: the viewer is not built for Windows; 'ztb show' prints what a file has\n",
               {"view", "p.rxf"});
+  expectFails(1, "ztb: PNG pictures are made on Linux alone; write SVG\n",
+              {"plot", "p.rxf", "p", "--x", "1", "--out", "p.png"});
   for (const std::vector<std::string>& engine :
        {std::vector<std::string>{"--slurm"}, {"--dask", "tcp://host:8786"}}) {
     std::vector<std::string> words{"sweep",  "m.lp", "--scenarios", "p.rxf",
@@ -81,37 +80,6 @@ TEST_F(CommandOnWindows, WhatIsNotThereIsToldSo) {
     words.insert(words.end(), engine.begin(), engine.end());
     expectFails(2, "ztb: --slurm and --dask: clusters are worked with from Linux\n", words);
   }
-}
-
-// The processes that a process has started.
-std::vector<DWORD> childrenOf(DWORD parent) {
-  std::vector<DWORD> children;
-  const HANDLE all = CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0);
-  PROCESSENTRY32W entry = {};
-  entry.dwSize = sizeof entry;
-  for (BOOL found = Process32FirstW(all, &entry); found != 0; found = Process32NextW(all, &entry)) {
-    if (entry.th32ParentProcessID == parent && wcsstr(entry.szExeFile, L"ztb") != nullptr) {
-      children.push_back(entry.th32ProcessID);
-    }
-  }
-  CloseHandle(all);
-  return children;
-}
-
-// Whether a process is far enough to have loaded a library. One that is ended while it starts may
-// not have been started for its parent.
-bool hasLoaded(DWORD process, const wchar_t* library) {
-  const HANDLE all = CreateToolhelp32Snapshot(TH32CS_SNAPMODULE, process);
-  if (all == INVALID_HANDLE_VALUE) return false;
-  MODULEENTRY32W entry = {};
-  entry.dwSize = sizeof entry;
-  bool found = false;
-  for (BOOL more = Module32FirstW(all, &entry); more != 0 && !found;
-       more = Module32NextW(all, &entry)) {
-    found = wcscmp(entry.szModule, library) == 0;
-  }
-  CloseHandle(all);
-  return found;
 }
 
 bool goesOn(const Program& run) {
@@ -134,8 +102,8 @@ class SweepOnWindows : public tooltest::EndlessSweepTest {
   // its process.
   HANDLE waitForWorker(const Program& run, DWORD known = 0) const {
     while (goesOn(run)) {
-      for (const DWORD child : childrenOf(run.number())) {
-        if (child == known || !hasBasis() || !hasLoaded(child, L"ztbsweep.dll")) continue;
+      for (const DWORD child : tooltest::childrenOf(run.number())) {
+        if (child == known || !hasBasis() || !tooltest::hasLoaded(child, L"ztbsweep.dll")) continue;
         const HANDLE worker = OpenProcess(SYNCHRONIZE | PROCESS_TERMINATE, FALSE, child);
         if (worker != nullptr) return worker;
       }
