@@ -56,8 +56,13 @@ void LiveSolver::load(Model& model) {
   if (!takes(model.instance)) {
     std::string kinds;
     for (const std::string& kind : row_.kinds) kinds += (kinds.empty() ? "" : ", ") + kind;
-    throw ModelError("solver \"" + row_.name + "\" solves " + kinds + "; the model is " +
-                     std::string(kindOf(model.instance.type())));
+    const SolverProblem problem = model.instance.solverProblem();
+    const bool hasSets = problem.isSemiContinuous != nullptr || problem.setCount > 0;
+    throw ModelError(
+        "solver \"" + row_.name + "\" solves " + kinds + "; the model is " +
+        std::string(kindOf(model.instance.type())) +
+        (hasSets ? ": it has semi-continuous columns or special ordered sets, which cbc solves"
+                 : ""));
   }
   const bool wantsStart = model.environment->options().number(OptionId::useStart) != 0;
   model.instance.useLevelsAsStart(wantsStart);

@@ -170,7 +170,8 @@ TEST_F(Sets, AreRefusedByTheOtherSolvers) {
   model_.column(1, 0, 4);
   model_.row({1, 1}, 1, 5);
   addSet(1, {0, 1});
-  const std::string why = "the model has semi-continuous columns or special ordered sets";
+  const std::string why =
+      "the model has semi-continuous columns or special ordered sets, which cbc solves";
   EXPECT_EQ(refusal("clp"), "clp solves linear models without integers: " + why);
   EXPECT_EQ(refusal("glpk"), "glpk solves linear models: " + why);
   EXPECT_EQ(refusal("ipopt"), "ipopt solves continuous models: " + why);
@@ -180,12 +181,49 @@ TEST_F(Sets, AreRefusedByTheOtherSolvers) {
 TEST_F(Sets, WithoutFiniteBoundsAreRefused) {
   model_.column(1, 0, 4);
   model_.column(1, 0, kInf);
-  model_.row({1, 1}, 1, 5);
+  model_.row({1, 1}, 1, kInf);
   addSet(1, {0, 1});
   EXPECT_EQ(
       refusal("cbc"),
       "cbc solves linear models: column #1 is semi-continuous or in a special ordered set and "
-      "has no finite bounds, which the search needs");
+      "has no finite bounds, which the search needs, nor do rows imply any");
+}
+
+// At most one of x, y and z, whose sum is at most 40: 3 z = 120 is best, 2 y = 80 without it.
+TEST_F(Sets, TakeBoundsThatARowImplies) {
+  for (const double cost : {-1.0, -2.0, -3.0}) model_.column(cost, 0, kInf);
+  model_.row({1, 1, 1}, -kInf, 40);
+  addSet(1, {0, 1, 2});
+  const SolverResult result = solve();
+  ASSERT_EQ(result.outcome, Outcome::optimal) << result.reason;
+  EXPECT_NEAR(result.level[2], 40, 1e-6);
+  model_.row({0, 0, 1}, -kInf, 0);
+  EXPECT_NEAR(model_.objective(solve().level), -80, 1e-6);
+}
+
+// x - 2 y = 4 and y at most 3 let x reach 10, by -y >= -3 of a row; y >= -5 lets it fall to -6. Of
+// x and y one is not 0: x = 4 or y = -2, and x + y is least at -2.
+TEST_F(Sets, TakeBoundsThatFollowFromOneAnother) {
+  model_.column(1, -kInf, kInf);
+  model_.column(1, -5, kInf);
+  model_.row({1, -2}, 4, 4);
+  model_.row({0, -1}, -3, kInf);
+  addSet(1, {0, 1});
+  const SolverResult result = solve();
+  ASSERT_EQ(result.outcome, Outcome::optimal) << result.reason;
+  EXPECT_NEAR(result.level[0], 0, 1e-6);
+  EXPECT_NEAR(result.level[1], -2, 1e-6);
+}
+
+// x is 0 or at least 5, and x + y at most 12; y from 0 to 2, x + y at least 3: x is 5.
+TEST_F(Sets, ASemiContinuousColumnTakesItsUpperBoundFromARow) {
+  model_.column(1, 5, kInf);
+  model_.column(3, 0, 2);
+  model_.row({1, 1}, 3, 12);
+  semiContinuous_ = {1, 0};
+  EXPECT_NEAR(model_.objective(solve().level), 5, 1e-6);
+  model_.cost[0] = -1;
+  EXPECT_NEAR(model_.objective(solve().level), -12, 1e-6);
 }
 
 }  // namespace

@@ -112,7 +112,10 @@ End
   EXPECT_EQ(solved({"line.lp"}), "objective   4.5, solver      cbc");
   EXPECT_THAT(ztb({"solve", "line.lp", "--solver", "glpk"}).errors,
               HasSubstr("solver \"glpk\" refused the model: glpk solves linear models: the model "
-                        "has semi-continuous columns or special ordered sets"));
+                        "has semi-continuous columns or special ordered sets, which cbc solves"));
+  EXPECT_THAT(ztb({"solve", "line.lp", "--solver", "clp"}).errors,
+              HasSubstr("solver \"clp\" solves LP; the model is MIP: it has semi-continuous "
+                        "columns or special ordered sets, which cbc solves\n"));
 }
 
 // 3 x + 2 y, x is 0 or from 5 to 10, y at most 3, x + y at least 4: x at 5.
@@ -144,7 +147,7 @@ TEST_F(SolveChoiceTest, NamesTheColumnOfASetThatHasNoBound) {
       ztb({"solve", "open.lp"}).errors,
       "ztb: open.lp: solver cbc did not solve the model: solver \"cbc\" refused the model: cbc "
       "solves linear models: column x(b) is semi-continuous or in a special ordered set and "
-      "has no finite bounds, which the search needs\n");
+      "has no finite bounds, which the search needs, nor do rows imply any\n");
 }
 
 // 3 x + 2 y with x + y at least 4: y at 4, unless x is fixed.

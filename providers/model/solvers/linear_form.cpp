@@ -39,7 +39,7 @@ bool cross(const std::vector<double>& lower, const std::vector<double>& upper) {
 
 bool LinearForm::take(const SolverProblem& problem, std::string& reason) {
   if (problem.isSemiContinuous != nullptr || problem.setCount > 0) {
-    reason = "the model has semi-continuous columns or special ordered sets";
+    reason = "the model has semi-continuous columns or special ordered sets, which cbc solves";
     return false;
   }
   columnCount = problem.columnCount;

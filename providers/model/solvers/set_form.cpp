@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 #include "providers/model/at.h"
+#include "providers/model/solvers/implied_bounds.h"
 
 namespace lomu {
 
@@ -24,6 +26,9 @@ bool SetForm::take(const SolverProblem& problem, std::string& reason) {
   rowLower_.assign(problem.rowLower, problem.rowLower + problem.rowCount);
   rowUpper_.assign(problem.rowUpper, problem.rowUpper + problem.rowCount);
   entries_.clear();
+  Reach reach(problem);
+  reachesLower_ = std::move(reach.lower);
+  reachesUpper_ = std::move(reach.upper);
   if (problem.isSemiContinuous != nullptr && !addSemiContinuous(problem, reason)) return false;
   for (int s = 0; s < problem.setCount; ++s) {
     if (!addSet(problem, problem.sets[s], reason)) return false;
@@ -53,7 +58,7 @@ bool SetForm::take(const SolverProblem& problem, std::string& reason) {
   return true;
 }
 
-// lower * binary <= column <= upper * binary, by the column's own bounds, which then take 0 in.
+// lower * binary <= column <= upper * binary, by the column's bounds, which then take 0 in.
 bool SetForm::addSemiContinuous(const SolverProblem& problem, std::string& reason) {
   for (int j = 0; j < problem.columnCount; ++j) {
     if (problem.isSemiContinuous[j] == 0) continue;
@@ -112,12 +117,12 @@ int SetForm::addRow(double upper) {
 }
 
 bool SetForm::tie(int column, const std::vector<int>& binaries, std::string& reason) {
-  const double upper = std::max(upper_[at(column)], 0.0);
-  const double lower = std::min(lower_[at(column)], 0.0);
+  const double upper = std::max(reachesUpper_[at(column)], 0.0);
+  const double lower = std::min(reachesLower_[at(column)], 0.0);
   if (std::isinf(upper) || std::isinf(lower)) {
     reason = "column #" + std::to_string(column) +
              " is semi-continuous or in a special ordered set and has no finite bounds, which the "
-             "search needs";
+             "search needs, nor do rows imply any";
     return false;
   }
   if (upper > 0) {

@@ -17,7 +17,7 @@ namespace lomu {
 class SetForm {
  public:
   // Makes a problem without either, over arrays of this object that stay until the next call; false
-  // with the reason where a column has no finite bound that the rows need.
+  // with the reason where a column has no finite bound that the ties need.
   bool take(const SolverProblem& problem, std::string& reason);
   [[nodiscard]] const SolverProblem& problem() const { return problem_; }
 
@@ -40,7 +40,8 @@ class SetForm {
   std::vector<double> cost_, lower_, upper_, rowLower_, rowUpper_, value_, level_;
   std::vector<char> isInteger_;
   std::vector<int> start_, rowOf_;
-  std::vector<Entry> entries_;  // of the rows that are added
+  std::vector<Entry> entries_;                       // of the rows that are added
+  std::vector<double> reachesLower_, reachesUpper_;  // by columns, which the ties need finite
 };
 
 inline bool hasSets(const SolverProblem& problem) {
