@@ -1,8 +1,10 @@
 // Measures databases of 10^6 records on their way into SQLite and back beside a loop of prepared
 // statements that a program would have written itself, to the same table and index, from and to the
-// same exchange file; and into Parquet files and back beside DuckDB's own copy from one to another.
+// same exchange file; into Arrow batches beside a copy of the same columns by hand; and into
+// Parquet files and back beside DuckDB's own copy from one to another.
 
 #include <sqlite3.h>
+#include <ztb/arrow.h>
 #include <ztb/formats.h>
 
 #include <algorithm>
@@ -16,6 +18,7 @@
 #include <stdexcept>
 #include <string>
 #include <vector>
+#include <ztb/arrow.hpp>
 #include <ztb/rxf.hpp>
 #include <ztb/ztb.hpp>
 
@@ -114,6 +117,41 @@ void runJob(const std::vector<std::pair<const char*, std::string>>& options,
   if (!good) throw std::runtime_error(message);
 }
 
+// All batches of a symbol at once, as a reader of whole tables has them.
+void readArrow(const ztb::Symbol& symbol) {
+  ztb::ArrowStream stream = ztb::toArrow(symbol);
+  std::vector<ArrowArray> batches(1);
+  while (stream.get()->get_next(stream.get(), &batches.back()) == 0 &&
+         batches.back().release != nullptr) {
+    batches.emplace_back();
+  }
+  for (ArrowArray& batch : batches) {
+    if (batch.release != nullptr) batch.release(&batch);
+  }
+}
+
+// The same columns as a program copies them that has no use for labels.
+void copyColumns(const ztb::Symbol& symbol) {
+  constexpr int most = 65536;
+  struct Block {
+    std::array<std::vector<int>, 3> keys;
+    std::vector<double> values;
+  };
+  std::vector<Block> blocks;
+  void* record = nullptr;
+  c__ztbfindfirstrecord(symbol.database(), symbol.handle(), &record);
+  do {
+    Block& block = blocks.emplace_back();
+    for (std::vector<int>& keys : block.keys) keys.resize(most);
+    block.values.resize(most);
+    const std::array<int*, 3> keys{block.keys[0].data(), block.keys[1].data(),
+                                   block.keys[2].data()};
+    double* values = block.values.data();
+    ztbReadRecords(symbol.database(), record, most, keys.data(), &values);
+  } while (c__ztbrecordmovenext(symbol.database(), record) == 1);
+  c__ztbfreesymboliterator(symbol.database(), record);
+}
+
 // By the clock, and by the processors' own, which other work of the machine tells less of.
 struct Times {
   double wall = 0;
@@ -149,7 +187,7 @@ class Contests {
       own.push_back(timed(ours));
       rivals.push_back(timed(rival));
     }
-    std::printf("%-16s beside %-13s", name.c_str(), rivalName);
+    std::printf("%-18s beside %-13s", name.c_str(), rivalName);
     for (double Times::*clock : {&Times::wall, &Times::processor}) {
       std::vector<double> mine;
       std::vector<double> theirs;
@@ -194,6 +232,14 @@ int main(int argc, char** argv) {
           runJob({{"from", folder.file("a.db")}}, ztbFormatsImport, folder.file("b.rxf"));
         },
         [&] { readByHand(folder.file("b.db"), folder.file("c.rxf")); });
+    ztb::Database database = ztb::Database::open(source);
+    const ztb::Symbol onMap = database["flow"];
+    contests.run(
+        "Arrow, of a map", "its columns", [&] { readArrow(onMap); }, [&] { copyColumns(onMap); });
+    const ztb::Symbol onVector = database.moveTo(onMap, ztb::Store::vector);
+    contests.run(
+        "Arrow, of a vector", "its columns", [&] { readArrow(onVector); },
+        [&] { copyColumns(onVector); });
     formats::DuckdbSession duckdb;
     const auto copyFrom = [&](const std::string& from, const std::string& to) {
       duckdb.run("copy (from '" + folder.file(from) + "') to '" + folder.file(to) +

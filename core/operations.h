@@ -88,9 +88,10 @@ int ztbGetScale(ztbRec* handle, void* rec, double* value);
 int ztbGetElemText(ztbRec* handle, void* rec, char* text);
 int ztbGetKeys(ztbRec* handle, void* rec, int dim, char** keys);
 int ztbGetKey(ztbRec* handle, void* rec, int index, char* key);
-// Behind no exported names: every handle leads to these two.
+// Behind no exported names: every handle leads to these three.
 int ztbReadRecords(ztbRec* handle, void* rec, int most, int* const* keys, double* const* values);
 int ztbValuesInPlace(ztbRec* handle, void* sym, const double** values);
+int ztbHoldValues(ztbRec* handle, void* sym, ztbHeldValues** held);
 int ztbGetRecordRaw(ztbRec* handle, void* rec, int dim, int* keys, double* values);
 
 int ztbAddRecord(ztbRec* handle, void* sym, const char** keys, void** recPtr);

@@ -75,7 +75,7 @@ int writeSlot(ztbRec* handle, const char* name, void* rec, int slot, double valu
   return operation(handle, name, [&](ZTB& db) {
     AbstractZTBSymbolIterator& record = requireRecord(rec);
     markWritten(db, *record.symbol());
-    valueSlot(record, slot) = db.mapIn(value);
+    slotToWrite(record, slot) = db.mapIn(value);
     return success;
   });
 }
@@ -149,7 +149,7 @@ int ztbSetElemText(ztbRec* handle, void* rec, const char* text) {
     if (std::strlen(given) > ZTB_MAX_TEXT_LENGTH) {
       return db.fail("Explanatory text too long. Max length is %d", ZTB_MAX_TEXT_LENGTH);
     }
-    double& level = valueSlot(record, ZTB_LEVEL);
+    double& level = slotToWrite(record, ZTB_LEVEL);
     markWritten(db, *record.symbol());
     level = given[0] == '\0' ? 0.0 : db.textNumber(given);
     return success;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <memory>
 #include <stdexcept>
 #include <string>
 
@@ -16,7 +17,7 @@ namespace {
 
 int readSlot(ztbRec* handle, const char* name, void* rec, int slot, double* value) {
   return operation(handle, name, [&](const ZTB& db) {
-    *value = db.mapOut(valueSlot(requireRecord(rec), slot));
+    *value = db.mapOut(valueOfSlot(requireRecord(rec), slot));
     return success;
   });
 }
@@ -25,6 +26,35 @@ int readSlot(ztbRec* handle, const char* name, void* rec, int slot, double* valu
 const char* textOfLevel(const ZTB& db, double level) {
   const bool namesText = level >= 1.0 && level < db.textPool.size();
   return namesText ? db.textPool.at(static_cast<int>(level)) : "";
+}
+
+// Runs `use` with a symbol whose values lie one behind the other, if it has records.
+template <class Use>
+int withValuesInPlace(ZTB& db, void* sym, Use&& use) {
+  AbstractZTBSymbol* symbol = symbolOf(sym);
+  if (symbol == nullptr) {
+    return failNoSymbol(db);
+  }
+  if (symbol->type != ZTB_PARAMETER || symbol->storageKind() != dmap::StorageKind::dMapVector) {
+    return success;
+  }
+  if (!db.ensureLoaded(*symbol)) {
+    return failure;
+  }
+  if (!symbol->isEmpty()) {
+    use(*symbol);
+  }
+  return success;
+}
+
+struct HeldByCaller : ztbHeldValues {
+  dmap::HeldMemory* memory = nullptr;
+};
+
+// Runs on any thread, also when the database is gone.
+void releaseHeld(ztbHeldValues* held) {
+  const std::unique_ptr<HeldByCaller> ended(static_cast<HeldByCaller*>(held));
+  ended->memory->drop();
 }
 
 void requirePosition(const AbstractZTBSymbol& symbol, int position) {
@@ -62,7 +92,7 @@ int ztbGetElemText(ztbRec* handle, void* rec, char* text) {
     if (isUniverse(db, record.symbol())) {
       return db.fail("Cannot get explanatory text for records of the Universe");
     }
-    copyText(text, textOfLevel(db, valueSlot(record, ZTB_LEVEL)));
+    copyText(text, textOfLevel(db, valueOfSlot(record, ZTB_LEVEL)));
     return success;
   });
 }
@@ -151,20 +181,21 @@ int ztbReadRecords(ztbRec* handle, void* rec, int most, int* const* keys, double
 int ztbValuesInPlace(ztbRec* handle, void* sym, const double** values) {
   return operation(handle, "ztbValuesInPlace", [&](ZTB& db) {
     *values = nullptr;
-    AbstractZTBSymbol* symbol = symbolOf(sym);
-    if (symbol == nullptr) {
-      return failNoSymbol(db);
-    }
-    if (symbol->type != ZTB_PARAMETER || symbol->storageKind() != dmap::StorageKind::dMapVector) {
-      return success;
-    }
-    if (!db.ensureLoaded(*symbol)) {
-      return failure;
-    }
-    if (!symbol->isEmpty()) {
-      *values = symbol->firstRecord()->values();
-    }
-    return success;
+    return withValuesInPlace(
+        db, sym, [&](AbstractZTBSymbol& symbol) { *values = symbol.firstRecord()->values(); });
+  });
+}
+
+int ztbHoldValues(ztbRec* handle, void* sym, ztbHeldValues** held) {
+  return operation(handle, "ztbHoldValues", [&](ZTB& db) {
+    *held = nullptr;
+    return withValuesInPlace(db, sym, [&](AbstractZTBSymbol& symbol) {
+      auto made = std::make_unique<HeldByCaller>();
+      const dmap::HeldValues values = symbol.holdValues();
+      *static_cast<ztbHeldValues*>(made.get()) = {values.values, values.count, releaseHeld};
+      made->memory = values.memory;
+      *held = made.release();
+    });
   });
 }
 

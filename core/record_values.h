@@ -9,16 +9,28 @@
 
 namespace ztb {
 
-// One slot of the record under a handle. Throws std::logic_error when the handle stands on no
-// record or its symbol's records have no such slot.
-inline double& valueSlot(AbstractZTBSymbolIterator& record, int slot) {
+// Throws std::logic_error unless records under the handle have such a slot.
+inline void requireSlot(const AbstractZTBSymbolIterator& record, int slot) {
   const AbstractZTBSymbol& symbol = *record.symbol();
   if (slot >= dmap::slotCount(symbol.type)) {
     throw std::logic_error("records of symbol " + symbol.name + " have no value slot " +
                            std::to_string(slot) + ", only a level");
   }
-  double* atHand = record.valuesAtHand();
+}
+
+// One slot of the record under a handle. Throws std::logic_error when the handle stands on no
+// record or its symbol's records have no such slot.
+inline double valueOfSlot(AbstractZTBSymbolIterator& record, int slot) {
+  requireSlot(record, slot);
+  const double* atHand = record.valuesAtHand();
   return (atHand == nullptr ? record.values() : atHand)[slot];
+}
+
+// The same to be written to.
+inline double& slotToWrite(AbstractZTBSymbolIterator& record, int slot) {
+  requireSlot(record, slot);
+  double* atHand = record.valuesAtHand();
+  return (atHand == nullptr ? record.valuesToWrite() : atHand)[slot];
 }
 
 }  // namespace ztb

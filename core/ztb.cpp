@@ -16,7 +16,7 @@ constinit std::atomic<std::int32_t> debugLevel = 0;
 ZTB::ZTB() : ZTB(nullptr) {}
 
 ZTB::ZTB(const char* systemDirectory)
-    : ztbRec{ZTB_ERROR_NONE, 0, ztbReadRecords, ztbValuesInPlace},
+    : ztbRec{ZTB_ERROR_NONE, 0, ztbReadRecords, ztbValuesInPlace, ztbHoldValues},
       sysDir(systemDirectory == nullptr ? "" : systemDirectory) {
   SymbolDescription description;
   description.name = "*";

@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "store/abstract_symbol_iterator.h"
+#include "store/held_memory.h"
 #include "store/idmap.h"
 #include "store/record_node.h"
 
@@ -72,10 +73,10 @@ class AbstractZTBSymbol {
 
   // Walks in the store's order. The pointers are good for the call only.
   virtual void forEachKey(const std::function<void(const int*)>& visit) = 0;
-  virtual void forEachRecord(const std::function<void(const int*, double*)>& visit) = 0;
+  virtual void forEachRecord(const std::function<void(const int*, const double*)>& visit) = 0;
   // Stops at the first false and returns it.
-  virtual bool forEachRecordWhile(const std::function<bool(const int*, double*)>& visit) = 0;
-  virtual void forEachValue(const std::function<void(double*)>& visit) = 0;
+  virtual bool forEachRecordWhile(const std::function<bool(const int*, const double*)>& visit) = 0;
+  virtual void forEachValue(const std::function<void(const double*)>& visit) = 0;
 
   // The record with these keys, or null.
   virtual RecordHandle findRecord(const int* keys) = 0;
@@ -84,8 +85,9 @@ class AbstractZTBSymbol {
   // First record that agrees with the mask (`dim` elements, 0 is free), or null; the handle then
   // walks the slice.
   virtual RecordHandle firstRecordInSlice(const int* mask) = 0;
-  // Finds the record or adds it with the values of `addRecord`. True and the record's slots; false
-  // and null when the store gave nothing. `record`, if not null, receives a handle.
+  // Finds the record or adds it with the values of `addRecord`. True and the record's slots, to be
+  // written to; false and null when the store gave nothing. `record`, if not null, receives a
+  // handle.
   virtual std::pair<bool, double*> mergeRecord(const int* keys, const double* variableValues,
                                                const double* equationValues,
                                                RecordHandle* record) = 0;
@@ -98,7 +100,7 @@ class AbstractZTBSymbol {
   [[nodiscard]] virtual dmap::StorageKind storageKind() const = 0;
   // The first record for which `accept` is false, with false; else a handle on the end, with true.
   virtual std::pair<bool, RecordHandle> firstRejected(
-      const std::function<bool(const int*, double*)>& accept) = 0;
+      const std::function<bool(const int*, const double*)>& accept) = 0;
   // Moves the handle on to the next record that breaks a domain; false at the end.
   virtual bool toNextDomainViolation(AbstractZTBSymbolIterator& record) = 0;
   // Removes the record; the handle then stands on the one behind it. Throws std::logic_error when
@@ -111,6 +113,9 @@ class AbstractZTBSymbol {
 
   // The value slots of the record with these keys, or null; good until the symbol next changes.
   virtual const double* findValues(const int* keys) = 0;
+  // The values of all records for somebody who drops them, where they lie one behind the other;
+  // they stay as they are whatever becomes of the symbol. REQUIRES: the symbol is not empty.
+  virtual dmap::HeldValues holdValues() = 0;
   // Moves a position on, or back, to the first record of a slice from there on, itself included.
   // False, with the position as it was, without one. REQUIRES: it stands on a record.
   virtual bool seekInSlice(dmap::IDMapIterator& position, const int* mask, bool forward) = 0;

@@ -29,7 +29,7 @@ class AbstractZTBSymbolIterator {
 
   virtual dmap::IDMapIterator& storeIterator() = 0;
   // The record's value slots.
-  virtual double* values() = 0;
+  virtual const double* values() = 0;
   // Steps forward. `lastLabel` is the largest label number, the bound of a walk over the universe.
   // On false `message()` is "Last record reached in symbol %s", "... in slice of symbol %s" or
   // "... in Universe".
@@ -52,6 +52,9 @@ class AbstractZTBSymbolIterator {
   virtual void assignPosition(const AbstractZTBSymbolIterator& other) = 0;
 
   // Operations of our own.
+
+  // The record's value slots, to be written to.
+  virtual double* valuesToWrite() = 0;
 
   // The address of the record's values, by which two handles on one record are told. Where a handle
   // stands on no record, what its store has in place of it: null, or at the end of a map an address

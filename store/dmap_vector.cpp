@@ -127,6 +127,7 @@ int DMapVector::appendWithNewMemory(const int* keys, const double* values) {
 
 void DMapVector::setScalar(const double* values) {
   valueArray_.reserve(slots_);
+  valueArray_.own();
   valueArray_.setSize(slots_);
   std::copy_n(values, slots_, valueArray_.data());
 }
@@ -168,6 +169,7 @@ bool DMapVector::fitsBefore(int row, const int* keys) const {
 
 VectorIterator DMapVector::placeBefore(int row, const int* keys, const double* values) {
   requireMemoryForRow();
+  valueArray_.own();
   stretchToRow();
   const auto first = static_cast<std::size_t>(row);
   const auto count = static_cast<std::size_t>(rowCount_);
@@ -209,6 +211,7 @@ VectorIterator DMapVector::insertOrAssign(const VectorIterator& /*hint*/, const 
   if (isEnd(bound)) {
     return append(keys, values);
   }
+  valueArray_.own();
   std::copy_n(values, slots_, bound.get().values);
   return bound;
 }
@@ -218,6 +221,7 @@ void DMapVector::erase(const VectorIterator& position) {
     valueArray_.setSize(0);
   } else {
     const auto row = static_cast<std::size_t>(position.row());
+    valueArray_.own();
     keyArray_.erase(row * width_, (row + 1) * width_);
     valueArray_.erase(row * slots_, (row + 1) * slots_);
     ascendingRows_ = std::min(ascendingRows_, position.row());
@@ -286,7 +290,7 @@ void DMapVector::clear() {
     return;
   }
   keyArray_.setSize(0);
-  valueArray_.setSize(0);
+  clearValues();
   rowCount_ = 0;
   rowCapacity_ = 0;
   ascendingRows_ = 0;
@@ -299,6 +303,21 @@ void DMapVector::release() {
   rowCapacity_ = 0;
   ascendingRows_ = 0;
   rowsOfMemory_ = noMemory();
+}
+
+void DMapVector::clearValues() {
+  valueArray_.clear();
+  if (valueArray_.capacity() == 0) {
+    rowsOfMemory_ = noMemory();
+  }
+}
+
+HeldValues DMapVector::holdValues() {
+  if (empty() || slots_ != 1) {
+    return {};
+  }
+  HeldMemory* memory = valueArray_.hold();
+  return {.values = valueArray_.data(), .count = size(), .memory = memory};
 }
 
 int DMapVector::indexOf(const VectorIterator& position) {

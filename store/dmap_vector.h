@@ -6,6 +6,9 @@
 // std::logic_error for a key that would have to go anywhere else. In every comparison a 0 on either
 // side matches anything. A dimension outside 0 to 20 gives a store that holds nothing: its ways in
 // return the null iterator.
+//
+// The values may be held outside. What a holder was shown stays as it is: the store takes other
+// memory before it changes any of it, and so does `ownValues` for those who write through a view.
 #ifndef ZTB_STORE_DMAP_VECTOR_H_
 #define ZTB_STORE_DMAP_VECTOR_H_
 
@@ -59,7 +62,7 @@ class DMapVector final : public IDMap<VectorIterator> {
   VectorIterator find(const int* keys) override;
   VectorIterator begin() override { return at(0); }
   VectorIterator end() override { return at(size()); }
-  // Keeps the memory of the arrays.
+  // Keeps the memory of the arrays, but values that are held.
   void clear() override;
   int indexOf(const VectorIterator& position) override;
   // Unchecked.
@@ -71,6 +74,11 @@ class DMapVector final : public IDMap<VectorIterator> {
   void startAnew() { clear(); }
   // As `clear`, and gives the memory back.
   void release();
+
+  // The values of all records of a store with one slot, for somebody who drops them.
+  [[nodiscard]] HeldValues holdValues();
+  // Comes before any writing through a RecordView.
+  void ownValues() { valueArray_.own(); }
 
   // The position behind a record.
   [[nodiscard]] static VectorIterator behind(VectorIterator position) {
@@ -96,6 +104,7 @@ class DMapVector final : public IDMap<VectorIterator> {
   void growMemory(std::size_t rows);
   [[nodiscard]] int noMemory() const;
   void stretchToRow();
+  void clearValues();
   void write(int row, const int* keys, const double* values);
   void setScalar(const double* values);
   VectorIterator keepPresent(int row);

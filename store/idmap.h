@@ -32,8 +32,9 @@ enum class StorageKind : std::int32_t { dMap = 0, dMapVector = 1, dMapGTree = 2 
 // A record as an iterator sees it. `keys` is not to be read when `dim` is 0; `values` is null when
 // the iterator stands on no record and its store can tell. Both pointers are borrowed from the
 // store: a view does not outlive the next change to it. Writing through `values` changes the
-// record. Since no store gives a view that owns what it shows, a view has no word for its ownership
-// and no destructor: it travels in two registers.
+// record; where others may hold the values of the store, it is made to own them first. Since no
+// store gives a view that owns what it shows, a view has no word for its ownership and no
+// destructor: it travels in two registers.
 struct RecordView {
   const int* keys = nullptr;
   double* values = nullptr;

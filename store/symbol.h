@@ -76,17 +76,17 @@ class ZTBSymbol final : public AbstractZTBSymbol {
       return true;
     });
   }
-  void forEachRecord(const std::function<void(const int*, double*)>& visit) override {
+  void forEachRecord(const std::function<void(const int*, const double*)>& visit) override {
     walk([&](const dmap::RecordView& record) {
       visit(record.keys, record.values);
       return true;
     });
   }
-  bool forEachRecordWhile(const std::function<bool(const int*, double*)>& visit) override {
+  bool forEachRecordWhile(const std::function<bool(const int*, const double*)>& visit) override {
     return walk([&](const dmap::RecordView& record) { return visit(record.keys, record.values); })
         .first;
   }
-  void forEachValue(const std::function<void(double*)>& visit) override {
+  void forEachValue(const std::function<void(const double*)>& visit) override {
     walk([&](const dmap::RecordView& record) {
       visit(record.values);
       return true;
@@ -123,6 +123,9 @@ class ZTBSymbol final : public AbstractZTBSymbol {
                                        const double* equationValues,
                                        RecordHandle* record) override {
     auto merged = record == nullptr ? nullptr : handleToCome();
+    if constexpr (requires { store_.ownValues(); }) {
+      store_.ownValues();
+    }
     insertRecordAtPosition(keys, newValues(variableValues, equationValues));
     if (lastPosition_.isNull()) {
       return {false, nullptr};
@@ -150,7 +153,7 @@ class ZTBSymbol final : public AbstractZTBSymbol {
   [[nodiscard]] dmap::StorageKind storageKind() const override { return store_.kind(); }
 
   std::pair<bool, RecordHandle> firstRejected(
-      const std::function<bool(const int*, double*)>& accept) override {
+      const std::function<bool(const int*, const double*)>& accept) override {
     const auto [passed, position] =
         walk([&](const dmap::RecordView& record) { return accept(record.keys, record.values); });
     return {passed, handleOn(position)};
@@ -188,6 +191,14 @@ class ZTBSymbol final : public AbstractZTBSymbol {
   const double* findValues(const int* keys) override {
     const Iterator position = store_.find(keys);
     return isEndPosition(position) ? nullptr : position.get().values;
+  }
+
+  dmap::HeldValues holdValues() override {
+    if constexpr (requires { store_.holdValues(); }) {
+      return store_.holdValues();
+    } else {
+      return {};
+    }
   }
 
   bool seekInSlice(dmap::IDMapIterator& position, const int* mask, bool forward) override {

@@ -48,7 +48,7 @@ class ZTBSymbolIterator final : public AbstractZTBSymbolIterator {
 
   void standOn(const Iterator& position) { position_ = position; }
 
-  double* values() override { return current().values; }
+  const double* values() override { return current().values; }
   const int* keys() override { return current().keys; }
 
   bool moveNext(int lastLabel) override {
@@ -175,6 +175,14 @@ class ZTBSymbolIterator final : public AbstractZTBSymbolIterator {
   void assignPosition(const AbstractZTBSymbolIterator& other) override {
     position_ = static_cast<const ZTBSymbolIterator&>(other).position_;
     takeRecordsOf(other);
+  }
+
+  double* valuesToWrite() override {
+    double* values = current().values;
+    if constexpr (requires { position_.ownValues(); }) {
+      return position_.ownValues() ? position_.get().values : values;
+    }
+    return values;
   }
 
   const void* valuesAddress() override {

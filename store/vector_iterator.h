@@ -52,6 +52,10 @@ class VectorIterator final : public BaseDMapIterator {
   }
   [[nodiscard]] bool isNull() const override { return keys_ == nullptr || values_ == nullptr; }
 
+  // Makes the values of all records free to be written to; whether they lie elsewhere now.
+  // REQUIRES: not the null iterator.
+  bool ownValues() { return values_->own(); }
+
   // What stands for the address of a record's values where there is no record, at the end.
   [[nodiscard]] const void* endAddress() const { return get().values; }
 

@@ -102,8 +102,7 @@ FORMATS_EXPORT int ztbArrowExport(ztbRec* database, void* symbol, const ztbArrow
     const ztb::Symbol shown = ztb::Symbol(database, symbol).unaliased();
     requireRecords(shown);
     const int most = chosen.batchRecords == 0 ? usualBatch : chosen.batchRecords;
-    auto blocks = std::make_unique<formats::DatabaseBlocks>(
-        shown, static_cast<std::size_t>(most), (chosen.flags & ZTB_ARROW_IN_PLACE) != 0);
+    auto blocks = std::make_unique<formats::DatabaseBlocks>(shown, static_cast<std::size_t>(most));
     formats::makeArrowStream(columnsOf(shown, chosen.flags), std::move(blocks), std::move(hooks),
                              stream);
   });

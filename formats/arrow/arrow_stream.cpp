@@ -246,7 +246,7 @@ class Stream {
     if (columns_.isSet) {
       addChild(*array, arrayOfTexts(std::make_shared<const TextColumn>(std::move(block.texts))));
     } else if (block.inPlace != nullptr) {
-      addChild(*array, arrayOfNumbers(block.inPlace, block.count, nullptr, columns_));
+      addChild(*array, arrayOfNumbers(block.inPlace, block.count, block.held, columns_));
     }
     for (std::vector<double>& values : block.values) {
       const auto kept = std::make_shared<const std::vector<double>>(std::move(values));

@@ -14,7 +14,7 @@ constexpr const char* operation = "ztbArrowExport";
 
 }  // namespace
 
-DatabaseBlocks::DatabaseBlocks(const ztb::Symbol& symbol, std::size_t most, bool inPlace)
+DatabaseBlocks::DatabaseBlocks(const ztb::Symbol& symbol, std::size_t most)
     : database_(symbol.database()),
       symbol_(symbol.handle()),
       positions_(static_cast<std::size_t>(symbol.dimension())),
@@ -25,15 +25,12 @@ DatabaseBlocks::DatabaseBlocks(const ztb::Symbol& symbol, std::size_t most, bool
       // Reads the records, if that was not done before.
       left_(static_cast<std::size_t>(symbol.recordCount())) {
   changes_ = ztbRecordChanges(database_);
-  if (inPlace) {
-    ztb::detail::require(ztbValuesInPlace(database_, symbol_, &values_), database_, operation);
-  }
 }
 
 // The first record that was not read yet.
 ztb::detail::OwnedRecord DatabaseBlocks::toNext() const {
   const ztb::detail::SymbolPlace place(database_, symbol_);
-  if (!begun_) {
+  if (read_ == 0) {
     return ztb::detail::firstRecord(place);
   }
   ztb::detail::OwnedRecord record = ztb::detail::findRecord(
@@ -64,10 +61,6 @@ RecordBlock DatabaseBlocks::next() {
   std::array<double*, ztb::fieldCount> values{};
   std::ranges::transform(block.keys, keys.begin(), [](auto& column) { return column.data(); });
   std::ranges::transform(block.values, values.begin(), [](auto& column) { return column.data(); });
-  if (block.values.empty()) {
-    unused_.resize(block.count);
-    values[0] = unused_.data();
-  }
   const int read = ztbReadRecords(database_, record.get(), static_cast<int>(block.count),
                                   keys.data(), values.data());
   ztb::detail::require(read, database_, operation);
@@ -77,32 +70,41 @@ RecordBlock DatabaseBlocks::next() {
   for (std::size_t position = 0; position < positions_; ++position) {
     last_[position] = block.keys[position].back();
   }
-  begun_ = true;
   left_ -= block.count;
-  if (values_ != nullptr) {
-    values_ += block.count;
-  }
+  read_ += block.count;
   return block;
 }
 
 // Whether the values of the block can be shown where they lie: none is spelled otherwise.
 bool DatabaseBlocks::showInPlace(RecordBlock& block) const {
-  if (values_ == nullptr) {
+  const std::shared_ptr<const ztbHeldValues> held = holdValues();
+  if (held == nullptr) {
     return false;
   }
+  const std::span values(held->values + read_, block.count);
   std::array<double, ZTB_SPECIAL_VALUE_COUNT> inside{};
   std::array<double, ZTB_SPECIAL_VALUE_COUNT> shown{};
   c__ztbgetspecialvalues(database_, inside.data());
   c__ztbgetuserspecialvalues(database_, shown.data());
   for (std::size_t code = 0; code < inside.size(); ++code) {
     if (!tool::sameBits(inside[code], shown[code]) &&
-        std::any_of(values_, values_ + block.count,
-                    [&](double value) { return tool::sameBits(value, inside[code]); })) {
+        std::ranges::any_of(values,
+                            [&](double value) { return tool::sameBits(value, inside[code]); })) {
       return false;
     }
   }
-  block.inPlace = values_;
+  block.inPlace = values.data();
+  block.held = held;
   return true;
+}
+
+// The values of the symbol where they lie as a column, or null.
+std::shared_ptr<const ztbHeldValues> DatabaseBlocks::holdValues() const {
+  ztbHeldValues* held = nullptr;
+  ztb::detail::require(ztbHoldValues(database_, symbol_, &held), database_, operation);
+  return held == nullptr ? nullptr
+                         : std::shared_ptr<const ztbHeldValues>(
+                               held, [held](const ztbHeldValues*) { ztbReleaseValues(held); });
 }
 
 void DatabaseBlocks::readTexts(RecordBlock& block) const {

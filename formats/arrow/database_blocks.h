@@ -4,6 +4,7 @@
 #define ZTB_FORMATS_ARROW_DATABASE_BLOCKS_H_
 
 #include <array>
+#include <memory>
 #include <string>
 #include <ztb/ztb.hpp>
 
@@ -13,8 +14,8 @@ namespace formats {
 
 class DatabaseBlocks : public RecordBlocks {
  public:
-  // Blocks of `most` records; with `inPlace`, values are not copied where they lie as a column.
-  DatabaseBlocks(const ztb::Symbol& symbol, std::size_t most, bool inPlace);
+  // Blocks of `most` records. Where values lie as a column they are held and not copied.
+  DatabaseBlocks(const ztb::Symbol& symbol, std::size_t most);
 
   // Throws ztb::Error when records of the database have changed since this was made.
   RecordBlock next() override;
@@ -23,6 +24,7 @@ class DatabaseBlocks : public RecordBlocks {
  private:
   [[nodiscard]] ztb::detail::OwnedRecord toNext() const;
   bool showInPlace(RecordBlock& block) const;
+  [[nodiscard]] std::shared_ptr<const ztbHeldValues> holdValues() const;
   void readTexts(RecordBlock& block) const;
 
   ztbRec* database_;
@@ -33,14 +35,10 @@ class DatabaseBlocks : public RecordBlocks {
   bool isSet_;
   unsigned changes_;
   std::size_t left_;
-  bool begun_ = false;
-  // The values that were not read yet, where they lie, or null.
-  const double* values_ = nullptr;
+  std::size_t read_ = 0;
   // The last record of the block before.
   std::array<int, ZTB_MAX_DIMENSION> last_{};
   ztb::Text label_;
-  // Where the library writes values that are shown in place, or none.
-  std::vector<double> unused_;
 };
 
 }  // namespace formats

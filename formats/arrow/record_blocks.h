@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -25,8 +26,9 @@ struct RecordBlock {
   std::size_t count = 0;
   std::vector<std::vector<int>> keys;       // label numbers, an array for each position
   std::vector<std::vector<double>> values;  // an array for each slot; none of a set
-  // The values of the only slot where they lie, in place of values.
+  // The values of the only slot where they lie, in place of values, and what they stay with.
   const double* inPlace = nullptr;
+  std::shared_ptr<const void> held;
   TextColumn texts;  // of a set
 };
 

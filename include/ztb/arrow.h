@@ -18,6 +18,13 @@
  * smallest positive double. They come back by the same rule, bit for bit, and so does any other
  * NaN.
  *
+ * The values of a parameter on the vector store are not copied: batches hold them where they lie
+ * (ztbHoldValues), and stay as they are, whatever becomes of the records and of the database. While
+ * such batches live, the first change to a record copies the values of its symbol, for the
+ * database. Those of any other store or symbol lie apart, or in rows beside each other, and are put
+ * together into a column for each batch; so are those of a batch with a special value that the
+ * caller has set another double for.
+ *
  * The functions stand in libztbformats.so. The stream and its database are used by one thread at a
  * time; batches may be used and released by any thread, whenever.
  */
@@ -86,11 +93,7 @@ struct ArrowArrayStream {
 enum {
   /* `na` is a null of its column. */
   ZTB_ARROW_NA_AS_NULL = 1,
-  /* The values of a parameter on the vector store are not copied: batches show them where they
-   * lie, and are not to be read any more when ztbRecordChanges tells a change, or the database has
-   * ended. Those of any other store or symbol lie in rows beside each other or apart, and are put
-   * together into a column for each batch, as without this; so are those of a batch with a special
-   * value that the caller has set another double for. */
+  /* Asks for nothing any more: values are shown where they lie, wherever they can be. */
   ZTB_ARROW_IN_PLACE = 2
 };
 
@@ -107,10 +110,10 @@ typedef struct ztbArrowOptions {
 } ztbArrowOptions;
 
 /* Makes *stream that of the records of a symbol; those of an alias are its set's. Options may be
- * null. The database has to live until the stream is released, unless `enter` keeps the stream from
- * it. When records of the database have changed, the stream fails with the next batch. A label or
- * text that is no UTF-8 fails it, too. 1, or 0 with the reason in `message`, cut to `messageSize`
- * bytes with its final zero. */
+ * null. The database has to live as long as the stream is read, unless `enter` keeps the stream
+ * from it; batches outlive it. When records of the database have changed, the stream fails with the
+ * next batch. A label or text that is no UTF-8 fails it, too. 1, or 0 with the reason in `message`,
+ * cut to `messageSize` bytes with its final zero. */
 int ztbArrowExport(ztbRec* database, void* symbol, const ztbArrowOptions* options,
                    struct ArrowArrayStream* stream, char* message, int messageSize);
 

@@ -79,7 +79,8 @@ int withArrowOptions(const ArrowColumns& columns, const Use& use) {
 }  // namespace detail
 
 // The records of a symbol as a stream; `flags` are ZTB_ARROW_ codes, added, and `batchRecords` is
-// the most of a batch, 0 for 65536. The database lives until the stream has been released.
+// the most of a batch, 0 for 65536. The database lives as long as the stream is read; batches may
+// live longer, and stay as they are when records change.
 inline ArrowStream toArrow(const Symbol& symbol, int flags = 0, int batchRecords = 0) {
   ztbArrowOptions options{};
   options.flags = flags;

@@ -8,15 +8,24 @@
 extern "C" {
 #endif
 
+/* Values that somebody holds, as ztbHoldValues gives them. To be read only. */
+typedef struct ztbHeldValues ztbHeldValues;
+struct ztbHeldValues {
+  const double* values;
+  int count;
+  void (*release)(ztbHeldValues* held); /* what ztbReleaseValues calls */
+};
+
 /* The front of a database; the rest is the library's own, so that only pointers to it cross the
  * interface. To be read only. */
 typedef struct ztbRec ztbRec;
 struct ztbRec {
   int errorKind;          /* of the latest failure, as ztbErrorKind tells it */
   unsigned recordChanges; /* as ztbRecordChanges tells it */
-  /* what ztbReadRecords and ztbValuesInPlace call */
+  /* what ztbReadRecords, ztbValuesInPlace and ztbHoldValues call */
   int (*recordReader)(ztbRec* ztb, void* rec, int most, int* const* keys, double* const* values);
   int (*valueFinder)(ztbRec* ztb, void* sym, const double** values);
+  int (*valueHolder)(ztbRec* ztb, void* sym, ztbHeldValues** held);
 };
 
 /* What a host engine offers to a database that is attached to it. Names and texts have a length

@@ -340,6 +340,19 @@ static inline int ztbValuesInPlace(ztbRec* ztb, void* sym, const double** values
   return ztb->valueFinder(ztb, sym, values);
 }
 
+/* The same, to be kept: (*held)->values are the values of (*held)->count records, which stay as
+ * they are until ztbReleaseValues, whatever becomes of symbol and database. *held is null for any
+ * other symbol and without records. Nothing is copied here; the first change to what is held has
+ * the database take a copy for itself, and clearing takes none. */
+static inline int ztbHoldValues(ztbRec* ztb, void* sym, ztbHeldValues** held) {
+  return ztb->valueHolder(ztb, sym, held);
+}
+
+/* Ends the hold, from any thread, at any time, also when the database is gone. */
+static inline void ztbReleaseValues(ztbHeldValues* held) {
+  held->release(held);
+}
+
 /* ---- changing records --------------------------------------------------------------------------
  */
 

@@ -358,7 +358,7 @@ TEST_F(Unreadable, anEvenLongerReasonLeavesTheEndOfThePath) {
 TEST_F(Unreadable, numbersOfTextsThatTheDatabaseLacksAreWrittenAsNone) {
   AbstractZTBSymbol& foods = at("foods");
   EXPECT_TRUE(db_->ensureLoaded(foods));
-  *foods.firstRecord()->values() = 3;  // the pool has 1 and 2
+  *foods.firstRecord()->valuesToWrite() = 3;  // the pool has 1 and 2
   EXPECT_EQ(1, write());
   const Lines written = dump();
   EXPECT_NE(written.end(), std::ranges::find(written, "record [1] [0]"));

@@ -78,7 +78,7 @@ TEST_F(WriteFromSource, leavesUnreadSymbolsUnreadAndReadable) {
 
 TEST_F(WriteFromSource, writesLoadedSymbolsFromMemory) {
   ASSERT_TRUE(db_->ensureLoaded(at("cost")));
-  *at("cost").firstRecord()->values() = 9;
+  *at("cost").firstRecord()->valuesToWrite() = 9;
   log();
   EXPECT_EQ(1, write());
   EXPECT_EQ((Lines{"1 rxfFindSymbol \"foods\"", "1 rxfFindSymbol \"amount\""}),

@@ -158,6 +158,7 @@ Batches::~Batches() {
   stream_.release(&stream_);
   schema_.release(&schema_);
   for (ArrowArray& batch : batches_) {
+    if (batch.release == nullptr) continue;
     ArrowArray last = *batch.children[batch.n_children - 1];
     batch.children[batch.n_children - 1]->release = nullptr;
     batch.release(&batch);
@@ -242,6 +243,25 @@ std::vector<const double*> Batches::addresses(std::size_t column) const {
     addresses.push_back(static_cast<const double*>(batch.children[column]->buffers[1]));
   }
   return addresses;
+}
+
+ArrowArrayStream Batches::handedOn() {
+  ArrowArrayStream stream{};
+  stream.get_schema = [](ArrowArrayStream* self, ArrowSchema* out) {
+    *out = static_cast<Batches*>(self->private_data)->schema_;
+    out->release = [](ArrowSchema* schema) { schema->release = nullptr; };
+    return 0;
+  };
+  stream.get_next = [](ArrowArrayStream* self, ArrowArray* out) {
+    Batches& batches = *static_cast<Batches*>(self->private_data);
+    *out = batches.handed_ == batches.batches_.size()
+               ? ArrowArray{}
+               : std::exchange(batches.batches_[batches.handed_++], ArrowArray{});
+    return 0;
+  };
+  stream.release = [](ArrowArrayStream* self) { self->release = nullptr; };
+  stream.private_data = this;
+  return stream;
 }
 
 // ---- making -------------------------------------------------------------------------------------

@@ -32,10 +32,14 @@ class Batches {
   [[nodiscard]] std::vector<std::int64_t> dictionarySizes(std::size_t column) const;
   [[nodiscard]] std::vector<const double*> addresses(std::size_t column) const;
 
+  // The batches as a stream, whose reader they belong to then. Ends before this.
+  ArrowArrayStream handedOn();
+
  private:
   ArrowArrayStream stream_;
   ArrowSchema schema_{};
   std::vector<ArrowArray> batches_;
+  std::size_t handed_ = 0;
 };
 
 // A column that was made by hand. Bytes of its buffers are written as the interface wants them.

@@ -209,6 +209,41 @@ TEST_F(ArrowDuckdbTest, ReadsASymbolInBatchesWithDictionaries) {
   EXPECT_THAT(sums->numbers(1), ElementsAre(1.5, 0.1 + 0.2 + 4));
 }
 
+// Values that lie in the store, in many batches, while the database changes behind them.
+TEST_F(ArrowDuckdbTest, ReadsValuesWhereTheyLie) {
+  database_.selectStore(ztb::Store::vector);
+  ztb::Symbol p = database_.addParameter("p", {"*", "*"});
+  std::array<int, 2> keys{};
+  for (int i = 0; i < 100; ++i) database_.mergeLabel("l" + std::to_string(i));
+  for (keys[0] = 1; keys[0] <= 100; ++keys[0]) {
+    for (keys[1] = 1; keys[1] <= 100; ++keys[1]) p.put(keys, keys[0] + keys[1] / 128.0);
+  }
+  ArrowArrayStream stream{};
+  ztbArrowOptions options{};
+  options.batchRecords = 1000;
+  ASSERT_EQ(ztbArrowExport(database_.handle(), p.handle(), &options, &stream, nullptr, 0), 1);
+  Batches held(stream);
+  const double* values = nullptr;
+  ASSERT_EQ(ztbValuesInPlace(database_.handle(), p.handle(), &values), 1);
+  EXPECT_EQ(held.addresses(2)[9], values + 9000);
+  for (ztb::Record& record : p.records()) record.setLevel(-1);
+  p.clear();
+  ArrowArrayStream handed = held.handedOn();
+  Lent lent(handed);
+  ASSERT_EQ(functions().arrow_scan(connection_, "s", lent.stream()), 0);
+  run("create table t as from s");
+  Result result(connection_,
+                "select count(*)::double, sum(value), "
+                "count(*) filter (value = (dim_1::varchar)[2:]::double + 1 + "
+                "((dim_2::varchar)[2:]::double + 1) / 128)"
+                "::double from t");
+  const Batches read(*result.stream());
+  EXPECT_THAT(read.numbers(0), ElementsAre(10000));
+  // 100 times the sum of 1 to 100, and 1/128 of the same.
+  EXPECT_THAT(read.numbers(1), ElementsAre(505000 + 505000 / 128.0));
+  EXPECT_THAT(read.numbers(2), ElementsAre(10000));
+}
+
 TEST_F(ArrowDuckdbTest, ReadsFieldsAndTexts) {
   ztb::Symbol food = database_.addSet("food", {"*"});
   food.add("Milk").setText("1 qt.");

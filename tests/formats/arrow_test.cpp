@@ -10,7 +10,9 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
+#include <memory>
 #include <string>
+#include <thread>
 #include <vector>
 #include <ztb/ztb.hpp>
 
@@ -198,11 +200,61 @@ INSTANTIATE_TEST_SUITE_P(Stores, ArrowExport,
 TEST(ArrowStream, ShowsValuesOfTheVectorStoreWhereTheyLie) {
   ztb::Database database;
   database.selectStore(ztb::Store::vector);
-  const ztb::Symbol price = addPrices(database);
+  ztb::Symbol price = addPrices(database);
+  price.find("Tofu", "a")->setLevel(database.specialValues()[ZTB_NOT_AVAILABLE]);
   const double* values = nullptr;
   ASSERT_EQ(ztbValuesInPlace(database.handle(), price.handle(), &values), 1);
-  EXPECT_THAT(exported(price, ZTB_ARROW_IN_PLACE, 2).addresses(2), ElementsAre(values, values + 2));
-  EXPECT_NE(exported(price, 0, 2).addresses(2)[0], values);
+  for (const int flags :
+       {0, static_cast<int>(ZTB_ARROW_IN_PLACE), static_cast<int>(ZTB_ARROW_NA_AS_NULL)}) {
+    EXPECT_THAT(exported(price, flags, 2).addresses(2), ElementsAre(values, values + 2));
+  }
+  // Reading and releasing leaves them there.
+  EXPECT_EQ(price.find("Milk", "a")->level(), 1.5);
+  price.find("Milk", "a")->setLevel(2.5);
+  ASSERT_THAT(exported(price, 0, 2).addresses(2), ElementsAre(values, values + 2));
+  // A batch that has a value which the caller spells otherwise is a copy, no other is.
+  database.setSpecialValues({-1, -2, -3, -4, -5});
+  const Batches spelled = exported(price, 0, 2);
+  EXPECT_EQ(spelled.addresses(2)[0], values);
+  EXPECT_NE(spelled.addresses(2)[1], values + 2);
+  EXPECT_THAT(spelled.numbers(2), ElementsAre(2.5, 0, -2));
+}
+
+// Exports that are alive at once, each with the values of its time.
+TEST(ArrowStream, BatchesStayAsTheyWereWhateverBecomesOfTheDatabase) {
+  std::vector<std::unique_ptr<Batches>> batches;
+  const auto hold = [&](const ztb::Symbol& symbol) {
+    const ztbArrowOptions options = optionsOf(0, 2);
+    ArrowArrayStream stream{};
+    ASSERT_EQ(ztbArrowExport(symbol.database(), symbol.handle(), &options, &stream, nullptr, 0), 1);
+    batches.push_back(std::make_unique<Batches>(stream));
+  };
+  {
+    ztb::Database database;
+    database.selectStore(ztb::Store::vector);
+    ztb::Symbol price = addPrices(database);
+    hold(price);
+    price.find("Milk", "b")->setLevel(7);
+    hold(price);
+    price.add("Tofu", "b").setLevel(8);
+    hold(price);
+    price.remove("Milk", "a");
+    hold(price);
+    price.clear();
+    price.add("Milk", "a").setLevel(9);
+    hold(price);
+    ztb::Symbol moved = database.moveTo(price, ztb::Store::trie);
+    moved.find("Milk", "a")->setLevel(10);
+    hold(moved);
+  }
+  const std::vector<std::vector<double>> expected = {{1.5, 0, 4}, {1.5, 7, 4}, {1.5, 7, 4, 8},
+                                                     {7, 4, 8},   {9},         {10}};
+  ASSERT_EQ(batches.size(), expected.size());
+  // Released in an order of their own, on other threads.
+  for (const std::size_t at : {3U, 0U, 5U, 1U, 4U, 2U}) {
+    EXPECT_EQ(batches[at]->numbers(2), expected[at]) << at;
+    std::thread([&] { batches[at].reset(); }).join();
+  }
 }
 
 TEST(ArrowStream, AsksItsOwnerAroundEachUse) {

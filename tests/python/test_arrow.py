@@ -98,6 +98,39 @@ def next_batch(stream):
     return columns
 
 
+class Held:
+    """The batches of some data, unreleased; their last columns are doubles."""
+
+    def __init__(self, data):
+        stream = stream_of(capsule := data.__arrow_c_stream__())
+        self.batches = []
+        while True:
+            array = Array()
+            assert stream.contents.get_next(stream, ctypes.byref(array)) == 0
+            if not array.release:
+                break
+            self.batches.append(array)
+        del capsule
+
+    def _last(self, array):
+        return array.children[array.n_children - 1].contents
+
+    def addresses(self):
+        return [self._last(array).buffers[1] for array in self.batches]
+
+    def values(self):
+        read = []
+        for array in self.batches:
+            column = self._last(array)
+            values = ctypes.cast(column.buffers[1], ctypes.POINTER(ctypes.c_double))
+            read += values[: column.length]
+        return read
+
+    def release(self):
+        for array in self.batches:
+            array.release(ctypes.byref(array))
+
+
 def table_of(data):
     capsule = data.__arrow_c_stream__()
     stream = stream_of(capsule)
@@ -229,3 +262,91 @@ def test_a_symbol_is_made_and_filled_from_one_of_its_own_database(diet):
     with pytest.raises(ztb.Error, match="copy"):
         ztb.from_arrow(holds, "copy", database=diet)
     assert dict(copy) == dict(holds)
+
+
+def numbered(store, count=5):
+    database = ztb.Database(store=store)
+    p = database.add_parameter("p", ["*"])
+    for i in range(count):
+        p[f"i{i}"] = i
+    return database, p
+
+
+def test_values_of_the_vector_store_are_not_copied():
+    database, p = numbered("vector")
+    p["i3"] = ztb.NA
+    first, second = Held(p), Held(p.arrow(batch=2, na="null"))
+    assert second.addresses() == [first.addresses()[0] + place for place in (0, 16, 32)]
+    # Reading copies nothing, and nobody who has let go is written for.
+    assert sum(p.get(f"i{i}") for i in (0, 1, 2, 4)) == 7
+    first.release()
+    second.release()
+    p["i0"] = 7
+    third = Held(p)
+    assert third.addresses() == first.addresses()
+    third.release()
+    # Where values do not lie as a column of the spelling, they are copied.
+    x = database.add_variable("x", ["*"])
+    x["i"] = 1
+    for other in (x, numbered("map")[1], numbered("trie")[1]):
+        held = Held(other), Held(other)
+        assert held[0].addresses() != held[1].addresses()
+        for batches in held:
+            batches.release()
+
+
+def test_what_was_read_stays_as_it_was():
+    database, p = numbered("vector")
+    held = [Held(p)]
+    p["i2"] = 77
+    held.append(Held(p))
+    p["more"] = 5
+    held.append(Held(p))
+    del p["i0"]
+    held.append(Held(p))
+    p.from_arrow(p)
+    held.append(Held(p))
+    p.clear()
+    p["i1"] = -1
+    held.append(Held(p))
+    p.update({"i1": 4.5})
+    held.append(Held(p))
+    database.close()
+    del p, database
+    gc.collect()
+    expected = [
+        [0, 1, 2, 3, 4],
+        [0, 1, 77, 3, 4],
+        [0, 1, 77, 3, 4, 5],
+        [1, 77, 3, 4, 5],
+        [1, 77, 3, 4, 5],
+        [-1],
+        [4.5],
+    ]
+    assert [batches.values() for batches in held] == expected
+    for place in (3, 0, 6, 5, 1, 4, 2):
+        assert held[place].values() == expected[place]
+        thread = threading.Thread(target=held[place].release)
+        thread.start()
+        thread.join()
+
+
+def test_threads_read_and_release_while_the_database_changes():
+    database, p = numbered("vector", 200)
+    wrong = []
+
+    def check(held, number):
+        if held.values() != [number] * 200:
+            wrong.append(number)
+        held.release()
+
+    threads = []
+    for number in range(20):
+        for i in range(200):
+            p[f"i{i}"] = number
+        threads.append(threading.Thread(target=check, args=(Held(p), number)))
+        threads[-1].start()
+    database.close()
+    for thread in threads:
+        thread.join()
+    assert wrong == []

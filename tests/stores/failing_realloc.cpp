@@ -7,17 +7,26 @@ namespace {
 int remaining = 0;
 bool failed = false;
 
+bool fails() {
+  if (remaining > 0 && --remaining == 0) {
+    failed = true;
+    return true;
+  }
+  return false;
+}
+
 }  // namespace
 
 // Names that the linker's --wrap gives.
 extern "C" void* __real_realloc(void* memory, std::size_t size);   // NOLINT
 extern "C" void* __wrap_realloc(void* memory, std::size_t size);   // NOLINT
 extern "C" void* __wrap_realloc(void* memory, std::size_t size) {  // NOLINT
-  if (remaining > 0 && --remaining == 0) {
-    failed = true;
-    return nullptr;
-  }
-  return __real_realloc(memory, size);
+  return fails() ? nullptr : __real_realloc(memory, size);
+}
+extern "C" void* __real_malloc(std::size_t size);   // NOLINT
+extern "C" void* __wrap_malloc(std::size_t size);   // NOLINT
+extern "C" void* __wrap_malloc(std::size_t size) {  // NOLINT
+  return fails() ? nullptr : __real_malloc(size);
 }
 
 namespace ztb::storetest {

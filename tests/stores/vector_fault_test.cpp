@@ -3,10 +3,12 @@
 #include <ztb/ztb.h>
 
 #include <array>
+#include <functional>
 #include <memory>
 #include <new>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "store/dmap_vector.h"
 #include "store/symbol_factory.h"
@@ -72,6 +74,33 @@ TEST(VectorFault, aScalarsFirstValueThrowsAndLeavesItEmpty) {
   EXPECT_TRUE(store.empty());
   store.append(nullptr, slots);
   EXPECT_EQ(1, store.size());
+}
+
+// Values that are held are copied before they change; without memory for that nothing changes.
+TEST(VectorFault, aChangeOfHeldValuesThrowsAndKeepsTheRows) {
+  const double value = 7;
+  const std::vector<std::function<void(dmap::DMapVector&)>> changes = {
+      [&](auto& store) { store.erase(store.begin()); },
+      [&](auto& store) { store.insert(Key{1}.data(), &value); },
+      [&](auto& store) { store.insertOrAssign(store.end(), Key{2}.data(), &value); },
+      [](auto& store) { store.ownValues(); }};
+  for (std::size_t change = 0; change < changes.size(); ++change) {
+    dmap::DMapVector store(1, 1);
+    appendAll(store, {{2}, {4}, {6}});
+    // Memory for one row more, so that none is needed but for the copy.
+    appendAll(store, {{8}});
+    store.erase(store.iteratorAt(3));
+    const dmap::HeldValues held = store.holdValues();
+    {
+      const FailingRealloc failing(1);
+      EXPECT_THROW(changes[change](store), std::bad_alloc) << change;
+    }
+    EXPECT_EQ((Rows{{{2}, 1}, {{4}, 2}, {{6}, 3}}), rowsOf(store, 1)) << change;
+    EXPECT_EQ(held.values, store.begin().get().values) << change;
+    changes[change](store);
+    EXPECT_NE(held.values, store.begin().get().values) << change;
+    held.memory->drop();
+  }
 }
 
 TEST(VectorFault, reserveThrowsAndKeepsTheStoreUsable) {

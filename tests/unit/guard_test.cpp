@@ -26,7 +26,8 @@ class ThrowingRecord final : public AbstractZTBSymbolIterator {
   explicit ThrowingRecord(AbstractZTBSymbol* symbol) : AbstractZTBSymbolIterator(symbol) {}
 
   dmap::IDMapIterator& storeIterator() override { return *refused<dmap::IDMapIterator>(); }
-  double* values() override { return refused<double>(); }
+  const double* values() override { return refused<const double>(); }
+  double* valuesToWrite() override { return refused<double>(); }
   bool moveNext(int) override { return refused<int>() != nullptr; }
   bool movePrev() override { return refused<int>() != nullptr; }
   bool hasNext(int) override { return refused<int>() != nullptr; }

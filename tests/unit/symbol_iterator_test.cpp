@@ -33,7 +33,7 @@ TEST(RecordHandle, isMadeWithoutMessageMaskOrLabel) {
 
 TEST(RecordHandle, valuesAreTheRecordsOwn) {
   const auto symbol = parameterWith(1, {{{1}, 4.0}});
-  *symbol->firstRecord()->values() = 8.0;
+  *symbol->firstRecord()->valuesToWrite() = 8.0;
   EXPECT_EQ(8.0, *symbol->findRecord(Keys{1}.data())->values());
 }
 

@@ -34,14 +34,10 @@ TEST_F(SymbolWalk, recordsComeWithTheirValues) {
   EXPECT_EQ((Records{{{1, 2}, 3.0}, {{1, 10}, 2.0}, {{2, 1}, 1.0}}), recordsOf(*symbol_));
 }
 
-TEST_F(SymbolWalk, valuesComeInOrderAndCanBeWritten) {
+TEST_F(SymbolWalk, valuesComeInOrder) {
   std::vector<double> visited;
-  symbol_->forEachValue([&](double* values) {
-    visited.push_back(*values);
-    *values *= 10;
-  });
+  symbol_->forEachValue([&](const double* values) { visited.push_back(*values); });
   EXPECT_EQ((std::vector<double>{3, 2, 1}), visited);
-  EXPECT_EQ((Records{{{1, 2}, 30.0}, {{1, 10}, 20.0}, {{2, 1}, 10.0}}), recordsOf(*symbol_));
 }
 
 TEST_F(SymbolWalk, whileStopsAtTheFirstFalse) {

@@ -15,7 +15,9 @@ assert set(NULLS) == set(NAN_CHOICES)
 class ArrowData:
     """The records of a symbol, to be read by whatever speaks Arrow, as often as wanted.
 
-    A reader that has begun fails when records of the database are changed.
+    A reader that has begun fails when records of the database are changed; what it has read stays
+    as it was, also when the database is closed. Values of a parameter on the vector store are not
+    copied for it.
     """
 
     def __init__(self, symbol: _native.Symbol, na: str, batch: int) -> None:
