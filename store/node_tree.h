@@ -46,7 +46,14 @@ class TreeLink {
       return right;
     }
     if (right != nullptr) {
-      return leftmost(right);
+      // What stands to the right of the way down is wanted soon after.
+      TreeLink* node = right;
+      __builtin_prefetch(node->right);
+      while (node->left != nullptr) {
+        node = node->left;
+        __builtin_prefetch(node->right);
+      }
+      return node;
     }
     TreeLink* node = this;
     TreeLink* above = parent();

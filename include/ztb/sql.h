@@ -78,7 +78,8 @@ int ztbSqlNext(ztbSqlRows* rows);
 /* Why ztbSqlNext gave -1; empty when it did not. */
 const char* ztbSqlMessage(const ztbSqlRows* rows);
 
-/* Columns, from 0, and what the present row holds in one. A null reads as 0 or "". */
+/* Columns, from 0, and what the present row holds in one. A null reads as 0 or "". A text ends with
+ * its first zero byte, and bytes that are no text, as x'41', are taken for one. */
 int ztbSqlColumnCount(const ztbSqlRows* rows);
 const char* ztbSqlColumnName(const ztbSqlRows* rows, int column);
 int ztbSqlType(const ztbSqlRows* rows, int column);
