@@ -248,6 +248,33 @@ def test_refusals_change_nothing(diet):
     assert dict(diet["holds"]) == before
 
 
+def test_what_gives_no_stream_is_named(diet):
+    class Gives:
+        def __init__(self, given):
+            self.given = given
+
+        def __arrow_c_stream__(self, requested_schema=None):
+            return self.given
+
+        def __repr__(self):
+            return "Gives"
+
+    new = ctypes.pythonapi.PyCapsule_New
+    new.restype = ctypes.py_object
+    new.argtypes = [ctypes.c_void_p, ctypes.c_char_p, ctypes.c_void_p]
+    for given, shown in (
+        (5, r"5 \(int\)"),
+        ("<capsule>", r"'<capsule>' \(str\)"),
+        (new(1, b"arrow_schema", None), '<capsule object "arrow_schema" at .* \\(PyCapsule\\)'),
+    ):
+        told = rf"^__arrow_c_stream__ of Gives \(Gives\) gave {shown}, expected a capsule with"
+        with pytest.raises(TypeError, match=told):
+            ztb.from_arrow(Gives(given), "p", database=diet)
+        with pytest.raises(TypeError, match=told):
+            diet["holds"].from_arrow(Gives(given))
+    assert "p" not in diet and len(diet["holds"]) > 0
+
+
 def test_a_symbol_is_made_and_filled_from_one_of_its_own_database(diet):
     holds = diet["holds"]
     before = dict(holds)

@@ -33,7 +33,14 @@ class ArrowData:
 def capsule_of(data: Any) -> Any:
     if not hasattr(data, "__arrow_c_stream__"):
         raise TypeError(f"{arguments.shown(data)} has no __arrow_c_stream__")
-    return data.__arrow_c_stream__()
+    capsule = data.__arrow_c_stream__()
+    # Only its name tells what a capsule holds, and only its text shows the name.
+    if not repr(capsule).startswith('<capsule object "arrow_array_stream"'):
+        raise TypeError(
+            f"__arrow_c_stream__ of {arguments.shown(data)} gave {arguments.shown(capsule)}, "
+            "expected a capsule with an Arrow stream"
+        )
+    return capsule
 
 
 def source_of(data: Any) -> Optional[_native.Symbol]:
