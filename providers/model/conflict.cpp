@@ -50,8 +50,15 @@ class Trial {
     pointAtBounds();
     // Clp may end the process over a column that lost its bounds while the solver lived.
     std::string reason;
-    if (!solver_->load(problem_, reason)) throw ModelError("cannot be explained: " + reason);
+    const bool isTaken = solver_->load(problem_, reason);
+    if (!isTaken && !wasTaken_) throw ModelError("cannot be explained: " + reason);
     result_.begin(lower.size(), rowLower.size());
+    // Without a row that implied the bounds of a column of a set: what is left is not searched.
+    if (!isTaken) {
+      result_.outcome = Outcome::failed;
+      return;
+    }
+    wasTaken_ = true;
     limits_.seconds = std::chrono::duration<double>(end_ - Clock::now()).count();
     if (problem_.hasIntegers != 0) limits_.seconds = std::min(limits_.seconds, kSecondsOfSearch);
     if (limits_.seconds <= 0) {
@@ -91,6 +98,7 @@ class Trial {
   SolverLimits limits_;
   Clock::time_point end_;
   SolverResult result_;
+  bool wasTaken_ = false;
 };
 
 // The problem with columns that break its rows at a cost of 1, a pair for each row that has sides.

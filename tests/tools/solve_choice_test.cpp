@@ -138,6 +138,18 @@ ENDATA
   EXPECT_EQ(solved({"semi.mps"}), "objective   15, solver      cbc");
 }
 
+// Row a alone bounds x and y, at least 1 both, of which one has to be 0: the search needs it, the
+// conflict does not.
+TEST_F(SolveChoiceTest, ExplainsSetsThatARowAloneBounds) {
+  write("both.lp",
+        "Minimize\n o: x + y\nSubject To\n a: x + y <= 10\n b: x >= 1\n c: y >= 1\n"
+        " d: x + y >= 1\nSOS\n s: S1 :: x:1 y:2\nEnd\n");
+  EXPECT_THAT(ztb({"solve", "both.lp", "--explain"}).output,
+              HasSubstr("these cannot hold together:\n  a <= 10\n  b >= 1\n  c >= 1\n"
+                        "  with special ordered sets\n"
+                        "  some may not be needed: not all were tried to the end\n"));
+}
+
 // A search over it needs bounds; which column has none is told by its name.
 TEST_F(SolveChoiceTest, NamesTheColumnOfASetThatHasNoBound) {
   write("open.lp",

@@ -393,7 +393,8 @@ class Conflict:
     """Rows and bounds that cannot hold together, as texts such as ``"demand(oslo) >= 30"``."""
 
     members: List[str]
-    #: Whether each was shown to be needed; not so where the time was over before.
+    #: Whether each was shown to be needed; not so where the time was over before, or no solver
+    #: searches without one that bounds a column of a set.
     irreducible: bool
     #: Whether they hold together but for columns that have to be integers, that are 0 or within
     #: their bounds, or that are in ordered sets.
