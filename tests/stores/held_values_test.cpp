@@ -179,7 +179,7 @@ TEST(HeldVectorMemory, isTheStoresOwnAgainWhenAllHaveDroppedIt) {
 
 TEST(HeldVectorMemory, isHeldOnlyWhereValuesLieOneBehindTheOther) {
   DMapVector variable(1, 2);
-  appendAll(variable, {{1}});
+  variable.append(Key{1}.data(), slots);
   EXPECT_EQ(nullptr, variable.holdValues().memory);
   DMapVector none(1, 1);
   EXPECT_EQ(nullptr, none.holdValues().memory);
