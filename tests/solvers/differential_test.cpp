@@ -103,45 +103,83 @@ TEST_P(Differential, everyStepIsWhatAFreshSolveByAnotherTells) {
   EXPECT_GT(seen(Outcome::unbounded), steps / 5);
 }
 
-// Problems of a few columns and rows with small whole numbers, many without an end or a point,
-// where solvers meet every corner: each solver tells of each what GLPK tells.
+// Numbers from a generator that is the same everywhere.
+class Numbers {
+ public:
+  explicit Numbers(unsigned seed) : state_(seed * 2654435761U) {}
+  int between(int least, int most) {
+    state_ = state_ * 1664525U + 1013904223U;
+    return least + static_cast<int>((state_ >> 8) % static_cast<unsigned>(most - least + 1));
+  }
+  bool happens(int inTen) { return between(1, 10) <= inTen; }
+
+ private:
+  unsigned state_;
+};
+
+// Adds a row with seven of ten coefficients up to `size`, divided by `divisor`.
+void addRow(SmallModel& model, Numbers& numbers, int size, double divisor) {
+  std::vector<double> coefficients;
+  for (std::size_t j = 0; j < model.cost.size(); ++j) {
+    coefficients.push_back(numbers.happens(7) ? numbers.between(-size, size) / divisor : 0);
+  }
+  const double lower = numbers.happens(4) ? -kInf : numbers.between(-6, 6);
+  const double upper = (std::isinf(lower) ? 0 : lower) + numbers.between(0, 8);
+  model.row(coefficients, lower, numbers.happens(4) ? kInf : upper);
+}
+
+// Each of the solvers tells what GLPK tells; that.
+Outcome compareWithGlpk(SmallModel& model, const std::vector<const char*>& solvers) {
+  const SolverResult expected = solveFresh("glpk", model);
+  for (const char* solver : solvers) {
+    SCOPED_TRACE(solver);
+    const SolverResult result = solveFresh(solver, model);
+    EXPECT_EQ(result.outcome, expected.outcome);
+    if (result.outcome != Outcome::optimal || expected.outcome != Outcome::optimal) continue;
+    EXPECT_NEAR(model.objective(result.level), model.objective(expected.level), 1e-6);
+  }
+  return expected.outcome;
+}
+
+// Problems of a few columns and rows with small numbers, where solvers meet every corner; many have
+// no end or no point.
 TEST(TinyProblems, areTheSameToAll) {
   std::array<int, 8> seen{};
   for (unsigned seed = 1; seed <= 1500; ++seed) {
-    unsigned state = seed * 2654435761U;
-    const auto number = [&](int least, int most) {
-      state = state * 1664525U + 1013904223U;
-      return least + static_cast<int>((state >> 8) % static_cast<unsigned>(most - least + 1));
-    };
+    SCOPED_TRACE(seed);
+    Numbers numbers(seed);
     SmallModel model;
-    const int columns = number(1, 4);
+    const int columns = numbers.between(1, 4);
     for (int j = 0; j < columns; ++j) {
-      const double lower = number(1, 10) <= 3 ? -kInf : number(-2, 0);
-      const double upper = number(1, 10) <= 6 ? kInf : number(1, 8);
-      model.column(number(-3, 3), lower, upper);
+      const double lower = numbers.happens(3) ? -kInf : numbers.between(-2, 0);
+      const double upper = numbers.happens(6) ? kInf : numbers.between(1, 8);
+      model.column(numbers.between(-3, 3), lower, upper);
     }
-    for (int rows = number(0, 3); rows > 0; --rows) {
-      std::vector<double> coefficients;
-      for (int j = 0; j < columns; ++j) {
-        coefficients.push_back(number(1, 10) <= 7 ? number(-3, 3) : 0);
-      }
-      const double lower = number(1, 10) <= 4 ? -kInf : number(-6, 6);
-      const double upper = (std::isinf(lower) ? 0 : lower) + number(0, 8);
-      model.row(coefficients, lower, number(1, 10) <= 4 ? kInf : upper);
-    }
-    const SolverResult expected = solveFresh("glpk", model);
-    ++seen.at(static_cast<std::size_t>(expected.outcome));
-    for (const char* solver : {"clp", "cbc"}) {
-      const SolverResult result = solveFresh(solver, model);
-      ASSERT_EQ(result.outcome, expected.outcome) << solver << ", " << seed;
-      if (expected.outcome != Outcome::optimal) continue;
-      ASSERT_NEAR(model.objective(result.level), model.objective(expected.level), 1e-6)
-          << solver << ", " << seed;
-    }
+    for (int rows = numbers.between(0, 3); rows > 0; --rows) addRow(model, numbers, 3, 1);
+    ++seen.at(static_cast<std::size_t>(compareWithGlpk(model, {"clp", "cbc"})));
   }
   EXPECT_GT(seen.at(static_cast<std::size_t>(Outcome::optimal)), 300);
   EXPECT_GT(seen.at(static_cast<std::size_t>(Outcome::infeasible)), 100);
   EXPECT_GT(seen.at(static_cast<std::size_t>(Outcome::unbounded)), 300);
+}
+
+// The same with integers, some of them below 0, where a cut that is none takes the best point away.
+TEST(TinyProblems, withIntegersAreTheSameToAll) {
+  int optima = 0;
+  for (unsigned seed = 1; seed <= 1500; ++seed) {
+    SCOPED_TRACE(seed);
+    Numbers numbers(seed);
+    SmallModel model;
+    const int columns = numbers.between(3, 8);
+    for (int j = 0; j < columns; ++j) {
+      const int cost = numbers.between(-60, 60);
+      const int lower = numbers.between(-2, 0);
+      model.column(cost / 10.0, lower, numbers.between(1, 20), numbers.happens(5));
+    }
+    for (int rows = numbers.between(2, 7); rows > 0; --rows) addRow(model, numbers, 40, 10);
+    if (compareWithGlpk(model, {"cbc"}) == Outcome::optimal) ++optima;
+  }
+  EXPECT_GT(optima, 500);
 }
 
 INSTANTIATE_TEST_SUITE_P(Live, Differential,
