@@ -202,7 +202,8 @@ std::string conflictText(const ztb::Model::Conflict& conflict, const std::string
     text += (text.empty() ? "" : separator) + ztb::displayText(member.text);
   }
   if (!conflict.condition.empty()) text += separator + "with " + conflict.condition;
-  if (!conflict.irreducible) text += separator + "some may not be needed: not all were tried to the end";
+  if (!conflict.irreducible)
+    text += separator + "some may not be needed: not all were tried to the end";
   return text;
 }
 
