@@ -100,6 +100,18 @@ TEST(IntegerProduct, tellsThatThereIsNoIntegerPoint) {
   EXPECT_FALSE(result.hasPoint);
 }
 
+TEST(IntegerProduct, tellsARowWithoutTermsThatNothingCanFillInfeasible) {
+  SmallModel model;
+  model.column(0, 0, 5, true);
+  model.column(-1, 0, kInf, true);
+  model.row({1, 1}, -kInf, 4);
+  model.row({0, 0}, -6, -1);
+  addSquare(model, 0, 1.4);
+  const SolverResult result = solveFresh("bonmin", model);
+  EXPECT_EQ(result.outcome, Outcome::infeasible) << result.reason;
+  EXPECT_FALSE(result.hasPoint);
+}
+
 TEST(IntegerProduct, tellsUnbounded) {
   SmallModel model;
   model.column(0, 0, 5, true);

@@ -214,6 +214,15 @@ TEST_P(Linear, tellsARowThatNothingCanFillInfeasible) {
   expectNoPoint(Outcome::infeasible);
 }
 
+// Beside rows that hold, and with a cost that has no end.
+TEST_P(Linear, tellsARowWithoutTermsThatNothingCanFillInfeasible) {
+  model_.column(-1, 0, kInf);
+  model_.column(1, -2, 5);
+  model_.row({0, 1}, -kInf, 3);
+  model_.row({0, 0}, 5, kInf);
+  expectNoPoint(Outcome::infeasible);
+}
+
 TEST_P(Linear, solvesNothingAtAll) {
   expectOptimum(0);
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <vector>
 
 namespace lomu {
 
@@ -52,6 +53,21 @@ bool settleColumnByColumn(const LinearForm& form, SolverResult& result) {
   result.outcome = Outcome::optimal;
   result.hasPoint = true;
   return true;
+}
+
+bool missesAnEmptyRow(const SolverProblem& problem) {
+  std::vector<bool> hasTerms(static_cast<std::size_t>(problem.rowCount));
+  for (int e = 0; e < problem.start[problem.columnCount]; ++e) {
+    if (problem.value[e] != 0) hasTerms[static_cast<std::size_t>(problem.rowOf[e])] = true;
+  }
+  for (const SolverProduct& product : productsOf(problem)) {
+    if (product.row == kObjectiveRow || product.value == 0) continue;
+    hasTerms[static_cast<std::size_t>(product.row)] = true;
+  }
+  for (std::size_t i = 0; i < hasTerms.size(); ++i) {
+    if (!hasTerms[i] && (problem.rowLower[i] > 0 || problem.rowUpper[i] < 0)) return true;
+  }
+  return false;
 }
 
 }  // namespace lomu

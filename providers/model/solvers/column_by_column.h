@@ -11,6 +11,9 @@ namespace lomu {
 // false when it takes a solver.
 bool settleColumnByColumn(const LinearForm& form, SolverResult& result);
 
+// Whether a row without any term, products included, has sides that 0 is not between.
+bool missesAnEmptyRow(const SolverProblem& problem);
+
 }  // namespace lomu
 
 #endif  // ZTB_PROVIDERS_MODEL_SOLVERS_COLUMN_BY_COLUMN_H_

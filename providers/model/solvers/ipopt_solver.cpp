@@ -100,7 +100,7 @@ void IpoptSolver::solveWithin(Watch& watch, SolverResult& result) {
   LinearForm form;
   std::string reason;
   if (form.take(problem_, reason) && settleColumnByColumn(form, result)) return;
-  if (form.boundsCross()) {
+  if (form.boundsCross() || missesAnEmptyRow(problem_)) {
     result.outcome = Outcome::infeasible;
     return;
   }
