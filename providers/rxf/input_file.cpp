@@ -20,6 +20,10 @@ Failure openFailure(int error, const std::string& path) {
       return {ErrorNumber::noPermission, DetailText("%s cannot be read", path.c_str())};
     case EISDIR:
       return {ErrorNumber::isFolder, DetailText("%s", path.c_str())};
+    // On Windows, where the library of C has no words for this number.
+    case ETXTBSY:
+      return {ErrorNumber::noPermission,
+              DetailText("%s cannot be read: another program has it open", path.c_str())};
     default:
       return {ErrorNumber::cannotOpen, DetailText("%s: %s", path.c_str(), std::strerror(error))};
   }

@@ -85,6 +85,22 @@ TEST(PublishOnWindows, aFileThatAnotherProgramHasOpenStaysAndTheErrorSaysWhy) {
   EXPECT_TRUE(read(path) == labelled("new"));
 }
 
+TEST(PublishOnWindows, whatAnotherProgramLetsNobodyReadIsRefusedAndTheErrorSaysWhy) {
+  TempFolder folder;
+  const std::string target = folder.file("mine alone.rxf");
+  write(target, labelled("kept"));
+  Held held(target, 0);
+
+  PeerFile reader;
+  const int code = reader.openRead(target);
+
+  EXPECT_EQ(2, code);
+  EXPECT_EQ("No permission: " + target + " cannot be read: another program has it open",
+            reader.errorText(code));
+  held.release();
+  EXPECT_EQ(labelled("kept"), read(target));
+}
+
 TEST(PublishOnWindows, whatIsHeldForAMomentIsTriedAgainUntilItIsFree) {
   const TempFolder folder;
   writeFile(folder.file("from"), "new");
