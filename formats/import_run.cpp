@@ -116,6 +116,11 @@ bool ImportRun::option(const std::string& name, const std::string& value) {
 void ImportRun::resolve(Source& source) {
   if (source.format == nullptr) source.format = &formatFor(source.tables.table.path, "");
   requireReadable(*source.format);
+  const TableSource& table = source.tables.table;
+  if (!source.format->hasParts && !table.part.empty()) {
+    throw UsageError(fmt::format("--from {}: {} is a table as a whole, and has no part {}",
+                                 source.argument, table.path, tool::inQuotes(table.part)));
+  }
   source.tables.open = source.format->openTable;
 }
 

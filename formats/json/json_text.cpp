@@ -1,8 +1,12 @@
 #include "formats/json/json_text.h"
 
+#include <fmt/format.h>
+
 #include <cmath>
+#include <ztb/display_text.hpp>
 
 #include "formats/tables/exact_text.h"
+#include "tools/text/failure.h"
 #include "tools/text/number_text.h"
 
 namespace formats {
@@ -74,8 +78,14 @@ void JsonText::separate() {
 
 void JsonText::quoted(std::string_view text) {
   constexpr std::string_view digits = "0123456789abcdef";
+  if (texts_ == Texts::spelledOut) {
+    text = spelled(text, TextForm::json, room_);
+  } else if (!isUtf8(text)) {
+    throw tool::Failure(
+        fmt::format("text '{}' is no UTF-8, which JSON is", ztb::displayText(text)));
+  }
   chars_ += '"';
-  for (const char c : spelled(text, TextForm::json, room_)) {
+  for (const char c : text) {
     const auto byte = static_cast<unsigned char>(c);
     if (c == '"' || c == '\\') {
       chars_ += '\\';

@@ -1,5 +1,6 @@
-// JSON that is put together piece by piece. What has no UTF-8 is spelled out, as exact_text.h
-// tells; special values are the words of NumberText, as strings.
+// JSON that is put together piece by piece. What is no UTF-8 is spelled out, as exact_text.h tells,
+// or refused where texts are to stand as they are; special values are the words of NumberText, as
+// strings.
 #ifndef ZTB_FORMATS_JSON_JSON_TEXT_H_
 #define ZTB_FORMATS_JSON_JSON_TEXT_H_
 
@@ -12,12 +13,16 @@ namespace formats {
 // Commas come by themselves. REQUIRES: within an object each value has its name before it.
 class JsonText {
  public:
+  enum class Texts { spelledOut, asTheyAre };
+
+  explicit JsonText(Texts texts = Texts::spelledOut) : texts_(texts) {}
+
   void beginObject() { begin('{'); }
   void endObject() { end('}'); }
   void beginArray() { begin('['); }
   void endArray() { end(']'); }
+  // Throws Failure for what is no UTF-8 and is not spelled out.
   void name(std::string_view name);
-
   void text(std::string_view text);
   void number(double value);
   void count(std::size_t value);
@@ -37,6 +42,7 @@ class JsonText {
   void separate();
   void quoted(std::string_view text);
 
+  Texts texts_;
   std::string chars_;
   std::string room_;
   bool comma_ = false;

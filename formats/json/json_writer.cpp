@@ -17,7 +17,8 @@ constexpr std::size_t pendingLimit = std::size_t{1} << 16U;
 // Lines of JSON on their way into a file.
 class JsonLines {
  public:
-  explicit JsonLines(const std::string& path) : bytes_(makeBytes(path)) {}
+  explicit JsonLines(const std::string& path, JsonText::Texts texts = JsonText::Texts::spelledOut)
+      : bytes_(makeBytes(path)), line_(texts) {}
 
   // The line that is being made, an object.
   JsonText* operator->() { return &line_; }
@@ -46,7 +47,7 @@ class JsonLines {
 
 class JsonWriter : public TableWriter {
  public:
-  explicit JsonWriter(const std::string& path) : lines_(path) {}
+  explicit JsonWriter(const std::string& path) : lines_(path, JsonText::Texts::asTheyAre) {}
 
   void begin(const TableHead& head) override { head_ = head; }
   void label(std::string_view text) override { this->text(text); }

@@ -163,4 +163,24 @@ TEST_F(TableTest, TellsThatTheEndOfADatabaseIsMissing) {
   EXPECT_EQ(imported("a.jsonl", {}).symbol("s").recordCount(), 1);
 }
 
+// What a whole database spells out stands in a table as it is, for readers that know nothing of it.
+TEST_F(TableTest, JsonLinesOfATableHaveTextsAsTheyAre) {
+  const std::string path = folder_.file("p.rxf");
+  {
+    ztb::Database database;
+    database.addParameter("p", {"*"}).add(R"(\x41)").setLevel(1);
+    database.addParameter("q", {"*"}).add("\xff").setLevel(1);
+    database.write(path);
+  }
+  Job job({{"symbol", "p"}, {"to", folder_.file("p.jsonl")}});
+  ASSERT_TRUE(job.exportFile(path)) << job.errors(folder_);
+  EXPECT_EQ(read("p.jsonl"), "{\"label\":\"\\\\x41\",\"value\":1}\n");
+  const ztb::Database back = imported("p.jsonl", {{"parameter", "p(label) = value"}});
+  EXPECT_EQ(back["p"].find(R"(\x41)")->level(), 1);
+  Job broken({{"symbol", "q"}, {"to", folder_.file("q.jsonl")}});
+  EXPECT_FALSE(broken.exportFile(path));
+  EXPECT_THAT(broken.errors(folder_), HasSubstr("is no UTF-8, which JSON is"));
+  EXPECT_FALSE(std::filesystem::exists(folder_.file("q.jsonl")));
+}
+
 }  // namespace

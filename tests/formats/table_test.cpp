@@ -191,6 +191,12 @@ TEST_F(TableTest, TellsOptionsThatMakeNoSense) {
   EXPECT_EQ(refused("store", "heap"), "--store heap: expected map, vector or trie");
   ztbFormatsFree(&job);
   EXPECT_EQ(fault({{"to", "x.csv"}}), "give the names of symbols, or --all");
+  gzip("a.tsv.gz", "food\tcents\n");
+  for (const std::string file : {"a.csv", "a.tsv.gz"}) {
+    EXPECT_EQ(errorsOf(file + "#select 1", price),
+              "--from " + file + "#select 1: " + file +
+                  " is a table as a whole, and has no part 'select 1'");
+  }
   EXPECT_EQ(fault({{"all", ""}}), "nothing to write to: give --to TARGET, or --csv DIR");
 }
 

@@ -1,8 +1,11 @@
 // ztb sweep: results never mix with those of another sweep.
 #include <gmock/gmock.h>
 
+#include <chrono>
 #include <filesystem>
 #include <string>
+#include <system_error>
+#include <thread>
 #include <ztb/ztb.hpp>
 
 #include "tests/support/matches.h"
@@ -41,6 +44,17 @@ class SweepGuardTest : public tooltest::EndlessSweepTest {
       if (name.ends_with("-1-2.rxf")) return "out.rxf.parts/" + name;
     }
     return "";
+  }
+
+  // Under another name as soon as the processes that had it open are gone: Windows asks for that.
+  void moveWhenClosed(const std::string& from, const std::string& to) {
+    std::error_code error;
+    for (int attempt = 0; attempt < 200; ++attempt) {
+      std::filesystem::rename(path(from), path(to), error);
+      if (!error) return;
+      std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    }
+    FAIL() << from << ": " << error.message();
   }
 
   const ProcessorTimeLimit limit_{60};
@@ -126,7 +140,7 @@ TEST_F(SweepGuardTest, APartOfOtherInputsThatAppearsOnTheWayIsNotCollected) {
   ztbFine(sweep({}, "foreign.rxf"));
   write("out.rxf", "an older result");
   const auto run = startEndless({"--stall", "5"});
-  std::filesystem::rename(path("foreign.rxf"), path(partOfSecond()));
+  moveWhenClosed("foreign.rxf", partOfSecond());
   EXPECT_EQ(run->wait(), 1);
   EXPECT_THAT(read("errors"), HasSubstr("-1-2.rxf: is from a sweep with another scenario file; "
                                         "without --resume all is solved anew; remove this file, "

@@ -32,6 +32,9 @@ struct WorkerMessage {
   static constexpr char failed = '!';
   // The worker was ended from outside; text is how.
   static constexpr char died = '#';
+  // The last word of a worker whose work came to its end; the program does not see it. One that
+  // ends without it has died, whatever its exit code.
+  static constexpr char through = '$';
 
   std::size_t worker = 0;  // in the order of their starts, from 0
   char kind = 0;

@@ -45,6 +45,7 @@ auto repeated(Call call) {
   } catch (const std::exception& error) {
     channel.send(WorkerMessage::failed, error.what());
   }
+  channel.send(WorkerMessage::through);
   std::fflush(stdout);
   std::fflush(stderr);
   // Nothing that was made before the fork is this process's to end.
@@ -56,8 +57,9 @@ auto repeated(Call call) {
 struct WorkerProcesses::Crew {
   struct Worker {
     pid_t process = -1;
-    int descriptor = -1;  // -1: the worker has ended
-    std::string unread;   // the beginning of a line
+    int descriptor = -1;     // -1: the worker has ended
+    std::string unread;      // the beginning of a line
+    bool isThrough = false;  // as it said
   };
 
   void receive(std::size_t number);
@@ -163,9 +165,14 @@ void WorkerProcesses::Crew::receive(std::size_t number) {
   std::size_t begin = 0;
   for (std::size_t stop = worker.unread.find('\n'); stop != std::string::npos;
        stop = worker.unread.find('\n', begin)) {
-    messages.push_back({.worker = number,
-                        .kind = worker.unread[begin],
-                        .text = worker.unread.substr(begin + 1, stop - begin - 1)});
+    const char kind = worker.unread[begin];
+    if (kind == WorkerMessage::through) {
+      worker.isThrough = true;
+    } else {
+      messages.push_back({.worker = number,
+                          .kind = kind,
+                          .text = worker.unread.substr(begin + 1, stop - begin - 1)});
+    }
     begin = stop + 1;
   }
   worker.unread.erase(0, begin);
@@ -176,12 +183,13 @@ void WorkerProcesses::Crew::end(std::size_t number) {
   close(std::exchange(worker.descriptor, -1));
   int status = 0;
   repeated([&] { return waitpid(worker.process, &status, 0); });
+  if (worker.isThrough) return;
   if (WIFSIGNALED(status)) {
     messages.push_back(
         {.worker = number,
          .kind = WorkerMessage::died,
          .text = fmt::format("its worker process was ended by signal {}", WTERMSIG(status))});
-  } else if (WEXITSTATUS(status) != exitFine) {
+  } else {
     messages.push_back(
         {.worker = number,
          .kind = WorkerMessage::died,

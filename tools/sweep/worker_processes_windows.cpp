@@ -152,6 +152,7 @@ struct WorkerProcesses::Crew {
 
 void WorkerProcesses::Crew::read(std::size_t number, HANDLE output, HANDLE process) {
   std::string unread;
+  bool isThrough = false;
   std::array<char, 4096> bytes{};
   DWORD count = 0;
   while (ReadFile(output, bytes.data(), static_cast<DWORD>(bytes.size()), &count, nullptr) != 0 &&
@@ -160,8 +161,12 @@ void WorkerProcesses::Crew::read(std::size_t number, HANDLE output, HANDLE proce
     const std::lock_guard lock(mutex);
     for (std::size_t stop = unread.find('\n'); stop != std::string::npos;
          stop = unread.find('\n')) {
-      messages.push_back(
-          {.worker = number, .kind = unread.front(), .text = unread.substr(1, stop - 1)});
+      const char kind = unread.front();
+      if (kind == WorkerMessage::through) {
+        isThrough = true;
+      } else {
+        messages.push_back({.worker = number, .kind = kind, .text = unread.substr(1, stop - 1)});
+      }
       unread.erase(0, stop + 1);
     }
     wake.notify_one();
@@ -170,7 +175,7 @@ void WorkerProcesses::Crew::read(std::size_t number, HANDLE output, HANDLE proce
   DWORD code = 0;
   GetExitCodeProcess(process, &code);
   const std::lock_guard lock(mutex);
-  if (code != exitFine) {
+  if (!isThrough) {
     messages.push_back({.worker = number,
                         .kind = WorkerMessage::died,
                         .text = "its worker process ended with exit code " +

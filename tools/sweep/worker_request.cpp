@@ -98,6 +98,7 @@ void runRequestedWorker() {
   } catch (const std::exception& error) {
     channel.send(WorkerMessage::failed, error.what());
   }
+  channel.send(WorkerMessage::through);
   std::fflush(stderr);
   // A thread may still wait for the parent's word.
   std::_Exit(exitFine);
