@@ -1,13 +1,12 @@
 // A file that changes, ends or cannot be read while it is open: a read that has begun fails, and
 // never gives a mixture of what was there at different times.
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <array>
 #include <cerrno>
+#include <chrono>
+#include <filesystem>
 #include <fstream>
 #include <memory>
 #include <string>
@@ -73,8 +72,8 @@ class ChangedFile : public testing::Test {
   ChangedFile() {
     writeFile(path_, bytes_);
     // Long ago, so that any write moves the time.
-    const struct timespec times[2] = {{1'000'000'000, 0}, {1'000'000'000, 0}};
-    utimensat(AT_FDCWD, path_.c_str(), times, 0);
+    using Time = std::filesystem::file_time_type;
+    std::filesystem::last_write_time(path_, Time::clock::now() - std::chrono::hours(100'000));
     EXPECT_EQ(object_->openRead(path_.c_str()), 0);
   }
 
@@ -120,7 +119,7 @@ TEST_F(ChangedFile, thatIsWholeIsReadInTwoPasses) {
 }
 
 TEST_F(ChangedFile, truncatedBeforeTheReadGivesNoRecord) {
-  ASSERT_EQ(truncate(path_.c_str(), 5000), 0);
+  std::filesystem::resize_file(path_, 5000);
   EXPECT_EQ(start(), -1);
   EXPECT_EQ(errorText(), "File was changed while it was open: it had " +
                              std::to_string(bytes_.size()) + " bytes, now 5000");
@@ -129,7 +128,7 @@ TEST_F(ChangedFile, truncatedBeforeTheReadGivesNoRecord) {
 
 TEST_F(ChangedFile, truncatedDuringTheReadFailsIt) {
   ASSERT_EQ(start(), records);
-  ASSERT_EQ(truncate(path_.c_str(), 5000), 0);
+  std::filesystem::resize_file(path_, 5000);
   EXPECT_LT(readOn(), records);
   EXPECT_EQ(firstChanged_, -1);
   EXPECT_EQ(errorText(), "File was changed while it was open: it had " +
@@ -153,7 +152,7 @@ TEST_F(ChangedFile, rewrittenBeforeTheReadIsNotTakenForTheOneThatWasOpened) {
 TEST_F(ChangedFile, replacedByRenamingIsStillReadAsItWas) {
   ASSERT_EQ(start(), records);
   writeFile(folder_->file("y"), otherBytes_);
-  ASSERT_EQ(rename(folder_->file("y").c_str(), path_.c_str()), 0);
+  std::filesystem::rename(folder_->file("y"), path_);
   EXPECT_EQ(readOn(), records);
   EXPECT_EQ(object_->errorCount(), 0);
 }
