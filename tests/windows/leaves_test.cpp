@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "formats/tables/row_sorter.h"
+#include "providers/windows/device_name.h"
 #include "tests/support/temp_folder.h"
 #include "tools/files/new_file.h"
 #include "tools/files/system_files.h"
@@ -115,6 +116,16 @@ TEST(NewFileOnWindows, placesWhereNoneCanBeAreToldApart) {
   EXPECT_EQ(folder.file("plain") + ": cannot be written: Permission denied",
             failureOf(folder.file("plain")));
   ASSERT_NE(0, SetFileAttributesA(folder.file("plain").c_str(), FILE_ATTRIBUTE_NORMAL));
+}
+
+TEST(DevicesOnWindows, areKnownByTheirNames) {
+  for (const wchar_t* name :
+       {L"CONOUT$", L"z:\\a\\conin$.txt", L"com\u00b9", L"LPT\u00b3 .x", L"Aux"}) {
+    EXPECT_TRUE(ztbwindows::isDeviceName(name)) << name;
+  }
+  for (const wchar_t* name : {L"conout", L"com\u2074", L"conin$x", L"aux\\x"}) {
+    EXPECT_FALSE(ztbwindows::isDeviceName(name)) << name;
+  }
 }
 
 TEST(CallsOnWindows, doNotReplaceOrRemoveDevices) {
