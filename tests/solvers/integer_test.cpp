@@ -80,6 +80,23 @@ TEST_P(Integer, tellsUnbounded) {
 }
 
 // z is unbounded below in reals, but x has no integer.
+// Where a search stopped at a far end of its own making. Column 1 falls without an end, and column
+// 4 keeps the rows.
+TEST_P(Integer, tellsUnboundedWhereASearchStopsFarOut) {
+  model_.column(1.6, -2, 1);
+  model_.column(-1.31, -1, kInf);
+  model_.column(1.16, 0, 8);
+  model_.column(3.55, -2, kInf, true);
+  model_.column(2.13, -2, kInf, true);
+  model_.column(0.94, -1, kInf);
+  model_.column(6.56, 0, 2);
+  model_.column(-5.85, -2, 3);
+  model_.row({0.561, -1.196, -2.408, 1.571, 1.882, 2.036, -1.495, -1.4}, -2, kInf);
+  model_.row({0, 1.17, -1.707, -0.931, -3.198, 1.017, -1.328, 0}, -2, kInf);
+  model_.row({0, 0.812, 0, 0.798, -2.396, 0.335, 1.057, 1.304}, -kInf, 6);
+  EXPECT_EQ(solve().outcome, Outcome::unbounded);
+}
+
 // The third column is in no row, and each more of it is better by 2.
 TEST_P(Integer, tellsUnboundedByAColumnInNoRow) {
   model_.column(-4, 0, 7);

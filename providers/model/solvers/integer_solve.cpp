@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "providers/model/solvers/claim_check.h"
+
 namespace lomu {
 
 namespace {
@@ -22,6 +24,15 @@ void decideUnbounded(IntegerEngine& engine, const LinearForm& form, Watch& watch
   result.columnRay.clear();
   if (result.outcome == Outcome::optimal) result.outcome = Outcome::unbounded;
   result.hasPoint = false;
+}
+
+// Whether the search stopped at a far end of its own making: the linear problem tells.
+bool hasNoEnd(IntegerEngine& engine, const LinearForm& form, Watch& watch,
+              const SolverResult& result) {
+  if (runawayColumn(form.problem(), result.level) < 0) return false;
+  SolverResult linear = result;
+  engine.solveLinear(watch, linear);
+  return linear.outcome == Outcome::unbounded;
 }
 
 Position positionOf(double level, double lower, double upper) {
@@ -65,8 +76,12 @@ void solveWithIntegers(IntegerEngine& engine, const LinearForm& form, Watch& wat
                        SolverResult& result) {
   if (form.hasIntegers && !engine.needsLinearFirst()) {
     engine.searchIntegers(watch, result);
-    if (result.hasPoint) {
+    if (result.hasPoint && !hasNoEnd(engine, form, watch, result)) {
       solveFixed(engine, form, result);
+      return;
+    }
+    if (result.hasPoint) {
+      decideUnbounded(engine, form, watch, result);
       return;
     }
     if (result.outcome != Outcome::infeasible && result.outcome != Outcome::failed) return;
