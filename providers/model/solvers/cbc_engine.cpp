@@ -64,14 +64,17 @@ void fill(OsiClpSolverInterface& interface, const LinearForm& form) {
 // CglMixedIntegerRounding2 is not among them: of three thousand small problems with columns below 0
 // it cut off the best points of six. Nor is CglProbing, an assertion of which ended the process on
 // some with equalities.
-void addHelp(CbcModel& model) {
+void addHelp(CbcModel& model, const LinearForm& form) {
   constexpr int kWhereUseful = -1;
   CglGomory gomory;
   CglKnapsackCover cover;
   CglFlowCover flow;
   model.addCutGenerator(&gomory, kWhereUseful, "Gomory");
   model.addCutGenerator(&cover, kWhereUseful, "Knapsack");
-  model.addCutGenerator(&flow, kWhereUseful, "FlowCover");
+  // It takes columns for flows: beside ones that go below 0 it left no point where there was one.
+  if (std::ranges::all_of(form.lower, [](double lower) { return lower >= 0; })) {
+    model.addCutGenerator(&flow, kWhereUseful, "FlowCover");
+  }
   CbcRounding round(model);
   model.addHeuristic(&round);
   CbcHeuristicFPump pump(model);
@@ -146,7 +149,7 @@ void CbcEngine::searchIntegers(Watch& watch, SolverResult& result) {
   model.setAllowableGap(0);
   // A better solution counts however little it is better by.
   model.setCutoffIncrement(1e-9);
-  addHelp(model);
+  addHelp(model, form_);
   // Where little is left to decide below a node, Clp tries all of it by itself, as in Cbc's
   // program: several knapsacks at once take a fifth of the time. Depths further from 0 take longer
   // again.
