@@ -142,13 +142,14 @@ void readRecords(DatabaseReader& database, const ReadSymbol& symbol, RecordImpor
 void importDatabase(ztb::Database& database, DatabaseReader& reader, RecordImport& records,
                     ProblemList& problems) {
   const Catalogue catalogue = addSymbols(database, reader, problems);
-  readLabels(reader, catalogue.labels, records, problems);
+  // A table that cannot be read hides nothing of the others.
+  problems.attempt([&] { readLabels(reader, catalogue.labels, records, problems); });
   // Sets first, since the labels of others may be looked up in them.
   for (const bool sets : {true, false}) {
     for (const ReadSymbol& symbol : catalogue.symbols) {
       const bool isSet = symbol.entry.type == ztb::Type::set && symbol.symbol.dimension() == 1;
       if (symbol.entry.type != ztb::Type::alias && isSet == sets) {
-        readRecords(reader, symbol, records, problems);
+        problems.attempt([&] { readRecords(reader, symbol, records, problems); });
       }
     }
   }

@@ -115,13 +115,16 @@ bool ImportRun::option(const std::string& name, const std::string& value) {
 
 void ImportRun::resolve(Source& source) {
   if (source.format == nullptr) source.format = &formatFor(source.tables.table.path, "");
-  requireReadable(*source.format);
   const TableSource& table = source.tables.table;
   if (!source.format->hasParts && !table.part.empty()) {
     throw UsageError(fmt::format("--from {}: {} is a table as a whole, and has no part {}",
                                  source.argument, table.path, tool::inQuotes(table.part)));
   }
-  source.tables.open = source.format->openTable;
+  source.tables.open = [format = source.format](const TableSource& opened) {
+    requireReadable(*format);
+    requireThere(opened.path);
+    return format->openTable(opened);
+  };
 }
 
 void ImportRun::checkUsage() const {
@@ -136,6 +139,8 @@ void ImportRun::checkUsage() const {
     throw UsageError("-: standard input can be read once, so - can stand once");
   }
   for (const Source& source : sources_) {
+    // What no library is there for is told as such.
+    if (*source.format->missingToRead != '\0') continue;
     const bool isTable = source.format->openDatabase == nullptr ||
                          !source.tables.table.part.empty() ||
                          (source.format->ownsFolder != nullptr &&
@@ -159,7 +164,6 @@ void ImportRun::fill(ztb::Database& database, RecordImport& records, ProblemList
       })) {
     requireDifferent(separator, decimal);
   }
-  for (const Source& source : sources_) requireThere(source.tables.table.path);
   if (checkDomains_) {
     records.checkDomains();
   }
@@ -168,11 +172,16 @@ void ImportRun::fill(ztb::Database& database, RecordImport& records, ProblemList
   }
   std::vector<std::string> lostRoles;
   if (folder_) {
-    importDatabase(database, *openCsvFolder(*folder_), records, problems);
+    problems.attempt(
+        [&] { importDatabase(database, *openCsvFolder(*folder_), records, problems); });
   } else if (sources_.front().tables.symbols.empty()) {
     const Source& source = sources_.front();
-    importDatabase(database, *source.format->openDatabase(source.tables.table.path), records,
-                   problems);
+    problems.attempt([&] {
+      requireReadable(*source.format);
+      requireThere(source.tables.table.path);
+      importDatabase(database, *source.format->openDatabase(source.tables.table.path), records,
+                     problems);
+    });
   } else {
     records.setDecimalChar(decimal);
     std::vector<ImportSource> tables;
@@ -190,6 +199,7 @@ void ImportRun::fill(ztb::Database& database, RecordImport& records, ProblemList
     }
   }
   result.warnings += warnings.report();
+  if (const std::optional<Failure> failure = problems.onlyFailure()) throw *failure;
   result.problems = problems.report();
   result.problemCount = problems.count();
   result.symbols = static_cast<std::size_t>(database.symbolCount());
@@ -208,7 +218,7 @@ void ImportRun::write(const std::string& path, bool shows, RunResult& result) {
   if (result.problemCount > 0) {
     throw Failure(fmt::format("{}: not written: {} in the input", name,
                               tool::counted(result.problemCount, "problem")),
-                  ZTB_ERROR_DAMAGED_FILE);
+                  problems.kind());
   }
   progress.step("writing " + name);
   try {
@@ -234,7 +244,7 @@ void ImportRun::addTo(ztbRec* target, bool shows, RunResult& result) {
   if (result.problemCount > 0) {
     throw Failure(fmt::format("nothing is imported: {} in the input",
                               tool::counted(result.problemCount, "problem")),
-                  ZTB_ERROR_DAMAGED_FILE);
+                  problems.kind());
   }
   addSymbols(target, database, lent, lentLabels + 1);
   result.symbols -= static_cast<std::size_t>(lent);

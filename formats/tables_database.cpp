@@ -12,14 +12,13 @@ namespace formats {
 
 namespace {
 
-constexpr const char* symbolsTable = "_symbols";
 constexpr const char* labelsTable = "_labels";
 
 // Tables one behind the other, with the header of the first.
 class JoinedTables : public TableReader {
  public:
-  JoinedTables(const TablesFile& file, std::vector<std::string> names)
-      : TableReader(file.path), file_(file), names_(std::move(names)) {}
+  JoinedTables(TablesFile file, std::vector<std::string> names)
+      : TableReader(file.path), file_(std::move(file)), names_(std::move(names)) {}
 
   bool next(ProblemList& problems) override {
     while (reader_ == nullptr || !reader_->next(problems)) {
@@ -43,7 +42,7 @@ class JoinedTables : public TableReader {
   }
 
  private:
-  const TablesFile& file_;
+  TablesFile file_;
   std::vector<std::string> names_;
   std::unique_ptr<TableReader> reader_;
   std::size_t at_ = 0;
@@ -100,19 +99,40 @@ class TablesDatabase : public DatabaseReader {
 
 }  // namespace
 
-DatabaseTables databaseTables(const std::vector<std::string>& tables) {
-  DatabaseTables result;
-  std::size_t own = 0;
-  for (std::size_t table = 0; table < tables.size(); ++table) {
-    if (tables[table] == symbolsTable) result.areDatabase = true;
-    if (tables[table] == symbolsTable || tables[table] == labelsTable) {
-      ++own;
-    } else {
-      result.onlyOne = table;
+OwnTables::OwnTables(TableReader& catalogue) {
+  ProblemList ignored(0);
+  ignored.attempt([&] {
+    for (ManifestEntry& entry : readManifest(catalogue, ignored)) {
+      if (isUniverse(entry)) {
+        hasLabels_ = true;
+      } else if (!entry.tables.empty()) {
+        symbols_.push_back(std::move(entry.tables));
+      }
     }
+  });
+}
+
+bool OwnTables::has(const std::string& table) const {
+  if (table == labelsTable && hasLabels_) return true;
+  return std::ranges::any_of(symbols_, [&](const std::vector<std::string>& tables) {
+    return std::ranges::find(tables, table) != tables.end();
+  });
+}
+
+std::vector<std::string> OwnTables::partsOf(const std::string& table) const {
+  for (const std::vector<std::string>& tables : symbols_) {
+    if (tables.front() == table) return tables;
   }
-  if (!result.areDatabase || tables.size() != own + 1) result.onlyOne.reset();
-  return result;
+  return {table};
+}
+
+std::optional<std::string> OwnTables::only() const {
+  if (symbols_.size() != 1) return std::nullopt;
+  return symbols_.front().front();
+}
+
+std::unique_ptr<TableReader> openParts(TablesFile file, std::vector<std::string> parts) {
+  return std::make_unique<JoinedTables>(std::move(file), std::move(parts));
 }
 
 std::unique_ptr<DatabaseReader> openTablesDatabase(TablesFile file) {

@@ -18,6 +18,9 @@ constexpr std::size_t mostMergedCells = std::size_t{1} << 22U;
 
 SheetRows::SheetRows(Workbook& workbook, const SheetEntry& sheet)
     : workbook_(workbook), sheet_(sheet) {
+  if (sheet.part.empty()) {
+    workbook_.file().fail(fmt::format("has no part for the sheet {}", sheet.name));
+  }
   if (workbook_.file().contains(sheet.part, "mergeCell ")) readMerges();
   part_ = workbook_.file().open(
       sheet.part,

@@ -166,24 +166,22 @@ void Workbook::readRelations(const std::string& part,
 void Workbook::readSheets(const std::string& part) {
   std::vector<std::pair<std::string, std::string>> relations;
   readRelations(part, relations);
-  file_.read(
-      part,
-      {.begin =
-           [&](std::string_view name, const XmlAttributes& attributes) {
-             if (name == "workbookPr") {
-               const std::string_view value = attributes["date1904"];
-               from1904_ = value == "1" || value == "true";
-             }
-             if (name != "sheet") return;
-             const auto target = std::ranges::find(relations, attributes["id"],
-                                                   &std::pair<std::string, std::string>::first);
-             if (target == relations.end() || !file_.has(target->second)) {
-               file_.fail(fmt::format("has no part for the sheet {}", attributes["name"]));
-             }
-             sheets_.push_back({.name = std::string(attributes["name"]), .part = target->second});
-           },
-       .end = {},
-       .text = {}});
+  file_.read(part,
+             {.begin =
+                  [&](std::string_view name, const XmlAttributes& attributes) {
+                    if (name == "workbookPr") {
+                      const std::string_view value = attributes["date1904"];
+                      from1904_ = value == "1" || value == "true";
+                    }
+                    if (name != "sheet") return;
+                    const auto target = std::ranges::find(
+                        relations, attributes["id"], &std::pair<std::string, std::string>::first);
+                    const bool isThere = target != relations.end() && file_.has(target->second);
+                    sheets_.push_back({.name = std::string(attributes["name"]),
+                                       .part = isThere ? target->second : std::string()});
+                  },
+              .end = {},
+              .text = {}});
   if (sheets_.empty()) file_.fail("is no workbook: it has no sheet");
   // Texts and styles lie beside the workbook, wherever that is.
   textsPart_ = resolved(part, "sharedStrings.xml");

@@ -15,7 +15,7 @@ namespace formats {
 
 struct SheetEntry {
   std::string name;
-  std::string part;
+  std::string part;  // empty where the file has none for it
 };
 
 // What a format shows a number as: itself, a date or time of day, a time that goes on beyond a day

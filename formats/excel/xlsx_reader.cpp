@@ -27,7 +27,7 @@ struct SheetPart {
 
 class XlsxReader : public TableReader {
  public:
-  XlsxReader(std::unique_ptr<Workbook> workbook, const SheetPart& part, bool exact)
+  XlsxReader(std::shared_ptr<Workbook> workbook, const SheetPart& part, bool exact)
       : TableReader(workbook->file().path() + '#' + workbook->sheets()[part.sheet].name),
         workbook_(std::move(workbook)),
         rows_(*workbook_, workbook_->sheets()[part.sheet]),
@@ -37,11 +37,17 @@ class XlsxReader : public TableReader {
 
   bool next(ProblemList& problems) override {
     while (rows_.next()) {
+      findBits();
       if (rows_.number() > range_.last.row) return false;
       if (rows_.number() < range_.first.row) continue;
       cells_.clear();
+      bits_.clear();
       for (const SheetCell& cell : rows_.cells()) {
-        if (range_.contains(cell.place)) cells_.push_back(cell);
+        if (cell.place.column == bitsColumn_) {
+          bits_ = cell.text;
+        } else if (range_.contains(cell.place)) {
+          cells_.push_back(cell);
+        }
       }
       if (cells_.empty()) continue;
       if (!headerRead_) {
@@ -65,17 +71,24 @@ class XlsxReader : public TableReader {
   }
 
  private:
+  // The column of bits, the last one of the head, is none of the table, whatever the range.
+  void findBits() {
+    if (headSeen_) return;
+    headSeen_ = true;
+    const SheetCell& last = rows_.cells().back();
+    if (!last.isNumber && last.text == exactColumn) bitsColumn_ = last.place.column;
+  }
+
   // The header goes to its last cell, and to the end of a range that is named.
   void readHeader() {
     headerRead_ = true;
     first_ = whole_ ? cells_.front().place.column : range_.first.column;
-    const std::size_t last = whole_ ? cells_.back().place.column : range_.last.column;
+    std::size_t last = whole_ ? cells_.back().place.column : range_.last.column;
+    if (last == bitsColumn_ && last > first_) --last;
     names_.assign(last - first_ + 1, "");
     for (const SheetCell& cell : cells_) {
       names_[cell.place.column - first_] = textOf(cell);
     }
-    hasExact_ = exact_ && names_.back() == exactColumn;
-    if (hasExact_) names_.pop_back();
     fields_.clear();
     for (std::size_t column = 0; column < names_.size(); ++column) {
       fields_.push_back({.text = names_[column],
@@ -92,9 +105,7 @@ class XlsxReader : public TableReader {
     }
     for (const SheetCell& cell : cells_) {
       const std::size_t column = cell.place.column - first_;
-      if (hasExact_ && column == names_.size()) {
-        takeBits(cell.text);
-      } else if (cell.place.column < first_ || column >= names_.size()) {
+      if (cell.place.column < first_ || column >= names_.size()) {
         problems.add(place({.line = cell.place.row, .column = cell.place.column}),
                      fmt::format("stands beside the table, whose columns are {} to {}; give its "
                                  "range as #SHEET!A1:B2",
@@ -110,6 +121,7 @@ class XlsxReader : public TableReader {
         field.fault = cell.fault;
       }
     }
+    takeBits(bits_);
     return true;
   }
 
@@ -118,8 +130,8 @@ class XlsxReader : public TableReader {
     return unspelled(cell.text).value_or(cell.text);
   }
 
-  // "3=3fd3333333333334", parted by blanks: the bits of the value in a column, from 1. They hold
-  // where the cell shows what they were rounded to.
+  // "3=3fd3333333333334", parted by blanks: the bits of the value in a column of the sheet, from 1.
+  // They hold where the cell shows what they were rounded to.
   void takeBits(std::string_view text) {
     while (!text.empty()) {
       const std::string_view word = text.substr(0, text.find(' '));
@@ -130,20 +142,22 @@ class XlsxReader : public TableReader {
       std::uint64_t bits = 0;
       std::from_chars(word.data(), word.data() + equals, column);
       std::from_chars(word.data() + equals + 1, word.data() + word.size(), bits, 16);
-      if (column == 0 || column > fields_.size()) continue;
-      TableField& field = fields_[column - 1];
+      if (column < first_ || column - first_ >= fields_.size()) continue;
+      TableField& field = fields_[column - first_];
       const auto value = std::bit_cast<double>(bits);
       if (field.isNumber && roundedAsWorkbook(value) == field.number) field.number = value;
     }
   }
 
-  std::unique_ptr<Workbook> workbook_;
+  std::shared_ptr<Workbook> workbook_;
   SheetRows rows_;
   CellRange range_;
   bool whole_;
   bool exact_;
   bool headerRead_ = false;
-  bool hasExact_ = false;
+  bool headSeen_ = false;
+  std::size_t bitsColumn_ = 0;  // 0 for none
+  std::string bits_;
   std::size_t first_ = 1;
   std::vector<std::string> names_;
   std::vector<SheetCell> cells_;
@@ -161,15 +175,31 @@ std::optional<std::size_t> sheetNamed(const Workbook& workbook, std::string_view
   return static_cast<std::size_t>(found - workbook.sheets().begin());
 }
 
-SheetPart parsePart(const Workbook& workbook, const TableSource& source) {
+// What the sheet of symbols, where there is one, tells of the others.
+OwnTables ownSheets(const std::shared_ptr<Workbook>& workbook) {
+  const auto& sheets = workbook->sheets();
+  const auto found = std::ranges::find(sheets, std::string_view(symbolsTable), &SheetEntry::name);
+  if (found == sheets.end()) return {};
+  OwnTables own;
+  ProblemList ignored(0);
+  ignored.attempt([&] {
+    XlsxReader catalogue(
+        workbook, {.sheet = static_cast<std::size_t>(found - sheets.begin()), .range = {}}, true);
+    own = OwnTables(catalogue);
+  });
+  return own;
+}
+
+SheetPart parsePart(const Workbook& workbook, const TableSource& source, const OwnTables& own) {
   const std::string& part = source.part;
   std::vector<std::string> names;
   for (const SheetEntry& sheet : workbook.sheets()) names.push_back(sheet.name);
   const std::string shown = tool::shortened(fmt::format("{}", fmt::join(names, ", ")));
   if (part.empty()) {
-    const DatabaseTables tables = databaseTables(names);
-    if (!tables.areDatabase || tables.onlyOne)
-      return {.sheet = tables.onlyOne.value_or(0), .range = {}};
+    if (const auto sheet = sheetNamed(workbook, own.only().value_or(""))) {
+      return {.sheet = *sheet, .range = {}};
+    }
+    if (!sheetNamed(workbook, symbolsTable)) return {};
     throw tool::Failure(
         fmt::format("{}: which sheet is meant? give --from {}#SHEET; its sheets are {}",
                     source.path, source.path, shown),
@@ -193,19 +223,29 @@ SheetPart parsePart(const Workbook& workbook, const TableSource& source) {
                       ZTB_ERROR_NOT_FOUND);
 }
 
+TablesFile sheetsOf(const std::string& path, const Workbook& workbook) {
+  TablesFile file{.path = path, .tables = {}, .open = openXlsx};
+  for (const SheetEntry& sheet : workbook.sheets()) file.tables.push_back(sheet.name);
+  return file;
+}
+
 }  // namespace
 
 std::unique_ptr<TableReader> openXlsx(const TableSource& source) {
-  auto workbook = std::make_unique<Workbook>(source.path);
-  const SheetPart part = parsePart(*workbook, source);
-  return std::make_unique<XlsxReader>(std::move(workbook), part, source.exact);
+  const auto workbook = std::make_shared<Workbook>(source.path);
+  const OwnTables own = source.exact ? OwnTables() : ownSheets(workbook);
+  const SheetPart part = parsePart(*workbook, source, own);
+  const std::string& sheet = workbook->sheets()[part.sheet].name;
+  const bool isOurs = own.has(sheet);
+  const std::vector<std::string> parts = own.partsOf(sheet);
+  if (isOurs && !part.range && parts.size() > 1) {
+    return openParts(sheetsOf(source.path, *workbook), parts);
+  }
+  return std::make_unique<XlsxReader>(workbook, part, source.exact || isOurs);
 }
 
 std::unique_ptr<DatabaseReader> openXlsxDatabase(const std::string& path) {
-  const Workbook workbook(path);
-  TablesFile file{.path = path, .tables = {}, .open = openXlsx};
-  for (const SheetEntry& sheet : workbook.sheets()) file.tables.push_back(sheet.name);
-  return openTablesDatabase(std::move(file));
+  return openTablesDatabase(sheetsOf(path, Workbook(path)));
 }
 
 }  // namespace formats

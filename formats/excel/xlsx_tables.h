@@ -2,8 +2,9 @@
 //
 // A database has a sheet for each symbol, one for _symbols and one for _labels, each with a head
 // that stays on the screen. Special values are the words of NumberText; what a workbook cannot hold
-// of a label or text is spelled as exact_text.h tells. A number that the file would round has its
-// bits in the hidden last column, which count as long as the cell is left alone.
+// of a label or text is spelled as exact_text.h tells. A number that the file would round, or whose
+// sign other programs drop, has its bits in the hidden last column of any sheet that is written,
+// which count as long as the cell is left alone.
 #ifndef ZTB_FORMATS_EXCEL_XLSX_TABLES_H_
 #define ZTB_FORMATS_EXCEL_XLSX_TABLES_H_
 

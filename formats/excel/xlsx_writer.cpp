@@ -80,7 +80,7 @@ class XlsxWriter : public TableWriter {
                       tool::counted(head.columns.size(), "column"), mostSheetColumns - 1),
           ZTB_ERROR_LIMIT);
     }
-    keepsBits_ = head.exact && hasNumbers;
+    keepsBits_ = hasNumbers;
     sheet_ = 0;
     beginSheet();
   }
@@ -100,7 +100,8 @@ class XlsxWriter : public TableWriter {
       const tool::NumberText word(value);
       return writeString(std::string(word.view()));
     }
-    if (keepsBits_ && rounded != value) {
+    // Other programs drop the sign of a zero.
+    if (keepsBits_ && (rounded != value || (value == 0 && std::signbit(value)))) {
       bits_ += fmt::format("{}{}={:016x}", bits_.empty() ? "" : " ", column_ + 1,
                            std::bit_cast<std::uint64_t>(value));
     }

@@ -1,6 +1,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <limits>
 #include <map>
 #include <memory>
 #include <optional>
@@ -14,6 +15,7 @@
 #include "formats/parquet/parquet_writer.h"
 #include "formats/parquet/symbol_stream.h"
 #include "formats/tables/exact_text.h"
+#include "formats/tables_database.h"
 #include "tools/text/failure.h"
 #include "tools/text/words.h"
 
@@ -114,6 +116,23 @@ class ParquetFolderReader : public DatabaseReader {
 };
 
 }  // namespace
+
+std::unique_ptr<TableReader> openParquet(const TableSource& source) {
+  auto session = std::make_shared<DuckdbSession>();
+  OwnTables own;
+  const std::string symbols = parquetFile(folderOf(source.path), parquetSymbols);
+  if (isThere(symbols)) {
+    ProblemList ignored(0);
+    ignored.attempt([&] {
+      ParquetReader catalogue(session, symbols, true, manifestColumns);
+      own = OwnTables(catalogue);
+    });
+  }
+  const std::string name = tool::nameOf(tool::pathOf(source.path).stem());
+  return std::make_unique<ParquetReader>(std::move(session), source.path,
+                                         source.exact || own.has(name),
+                                         std::numeric_limits<std::size_t>::max());
+}
 
 bool isParquetFolder(const std::string& path) {
   return isThere(parquetFile(path, parquetSymbols));

@@ -175,9 +175,4 @@ std::string ParquetReader::shortPlace(TextPosition at) const {
   return fmt::format("row {}", at.line);
 }
 
-std::unique_ptr<TableReader> openParquet(const TableSource& source) {
-  return std::make_unique<ParquetReader>(std::make_shared<DuckdbSession>(), source.path,
-                                         source.exact, std::numeric_limits<std::size_t>::max());
-}
-
 }  // namespace formats

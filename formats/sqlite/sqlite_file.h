@@ -30,6 +30,8 @@ class SqliteFile {
   void run(const std::string& sql) const;
   // The names of tables and views.
   [[nodiscard]] std::vector<std::string> tables() const;
+  // Failures name this from now on.
+  void showAs(const std::string& shown) { shown_ = shown; }
   // Throws what went wrong last.
   [[noreturn]] void fail() const;
   // Closes the file, which nothing uses any more.

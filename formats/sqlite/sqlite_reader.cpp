@@ -32,6 +32,7 @@ class SqliteReader : public TableReader {
  public:
   SqliteReader(SqliteFile file, const std::string& sql, std::string shown, bool exact)
       : TableReader(std::move(shown)), file_(std::move(file)), exact_(exact) {
+    file_.showAs(path_);
     statement_ = file_.prepare(sql);
     if (statement_ == nullptr || sqlite3_stmt_readonly(statement_.get()) == 0) {
       throw tool::Failure(path_ + ": expected a query that only reads", ZTB_ERROR_REFUSED);
@@ -115,6 +116,19 @@ class SqliteReader : public TableReader {
   std::size_t row_ = headerRow;
 };
 
+// What the table of symbols, where there is one, tells of the others.
+OwnTables ownTables(const std::string& path, const std::vector<std::string>& tables) {
+  if (std::ranges::find(tables, std::string_view(symbolsTable)) == tables.end()) return {};
+  OwnTables own;
+  ProblemList ignored(0);
+  ignored.attempt([&] {
+    SqliteReader catalogue(SqliteFile::forReading(path),
+                           "select * from " + quotedName(symbolsTable), path, true);
+    own = OwnTables(catalogue);
+  });
+  return own;
+}
+
 }  // namespace
 
 std::unique_ptr<TableReader> openSqlite(const TableSource& source) {
@@ -125,11 +139,8 @@ std::unique_ptr<TableReader> openSqlite(const TableSource& source) {
                                           source.path + '#' + tool::shortened(table), false);
   }
   const std::vector<std::string> tables = file.tables();
-  if (table.empty() && tables.size() == 1) {
-    table = tables.front();
-  } else if (const auto only = databaseTables(tables).onlyOne; table.empty() && only) {
-    table = tables[*only];
-  }
+  const OwnTables own = source.exact ? OwnTables() : ownTables(source.path, tables);
+  if (table.empty()) table = tables.size() == 1 ? tables.front() : own.only().value_or("");
   const auto found = std::ranges::find_if(
       tables, [&](const std::string& name) { return tool::sameFolded(name, table); });
   if (found == tables.end()) {
@@ -140,10 +151,10 @@ std::unique_ptr<TableReader> openSqlite(const TableSource& source) {
                     tool::shortened(fmt::format("{}", fmt::join(tables, ", ")))),
         ZTB_ERROR_NOT_FOUND);
   }
+  const bool exact = source.exact || own.has(*found);
   std::string sql = "select * from " + quotedName(*found);
   if (source.exact) sql += " order by rowid";
-  return std::make_unique<SqliteReader>(std::move(file), sql, source.path + '#' + *found,
-                                        source.exact);
+  return std::make_unique<SqliteReader>(std::move(file), sql, source.path + '#' + *found, exact);
 }
 
 std::unique_ptr<DatabaseReader> openSqliteDatabase(const std::string& path) {

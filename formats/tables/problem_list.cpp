@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <string_view>
 #include <ztb/display_text.hpp>
 
 namespace formats {
@@ -19,9 +21,35 @@ std::string placeText(const std::string& file, TextPosition at) {
 
 void ProblemList::add(const std::string& place, const std::string& text) {
   ++count_;
-  if (lines_.size() < limit_) {
+  if (kept_ < limit_) {
+    ++kept_;
     lines_.push_back(ztb::displayText(place + ": " + text));
   }
+}
+
+void ProblemList::add(const tool::Failure& failure) {
+  const std::string_view text = failure.what();
+  if (std::ranges::any_of(failures_, [&](const tool::Failure& other) {
+        return std::string_view(other.what()) == text;
+      })) {
+    return;
+  }
+  ++count_;
+  if (failures_.size() < limit_) lines_.emplace_back(text);
+  failures_.push_back(failure);
+}
+
+std::optional<tool::Failure> ProblemList::onlyFailure() const {
+  if (count_ != 1 || failures_.empty()) return std::nullopt;
+  return failures_.front();
+}
+
+int ProblemList::kind() const {
+  const bool alike = !failures_.empty() && failures_.size() == count_ &&
+                     std::ranges::all_of(failures_, [&](const tool::Failure& failure) {
+                       return failure.kind() == failures_.front().kind();
+                     });
+  return alike ? failures_.front().kind() : ZTB_ERROR_DAMAGED_FILE;
 }
 
 std::string ProblemList::report() const {

@@ -316,6 +316,22 @@ TableShape shapeOf(const ImportSource& source) {
   return shape;
 }
 
+// What is wrong with the columns of one symbol hides nothing of the others.
+void readSource(const ImportSource& source, const std::vector<ztb::Symbol>& symbols,
+                const TableImportOptions& options, RecordImport& records, ProblemList& problems) {
+  const std::unique_ptr<TableReader> reader = shaped(source.open(source.table), shapeOf(source));
+  Header header(*reader, problems);
+  if (!header.read()) return;
+  std::vector<ImportTarget> targets;
+  for (std::size_t spec = 0; spec < symbols.size(); ++spec) {
+    const std::size_t before = problems.count();
+    ImportTarget target =
+        planTarget(inShape(source.symbols[spec], source.shape), symbols[spec], header, options);
+    if (problems.count() == before) targets.push_back(std::move(target));
+  }
+  if (!targets.empty()) records.readRows(*reader, header.names(), targets);
+}
+
 }  // namespace
 
 std::vector<std::string> importTables(ztb::Database& database,
@@ -332,21 +348,7 @@ std::vector<std::string> importTables(ztb::Database& database,
   }
   for (std::size_t index = 0; index < sources.size(); ++index) {
     const ImportSource& source = sources[index];
-    const std::unique_ptr<TableReader> opened = shaped(source.open(source.table), shapeOf(source));
-    TableReader& reader = *opened;
-    Header header(reader, problems);
-    if (!header.read()) {
-      continue;
-    }
-    const std::size_t before = problems.count();
-    std::vector<ImportTarget> targets;
-    for (std::size_t spec = 0; spec < symbols[index].size(); ++spec) {
-      targets.push_back(planTarget(inShape(source.symbols[spec], source.shape),
-                                   symbols[index][spec], header, options));
-    }
-    if (problems.count() == before) {
-      records.readRows(reader, header.names(), targets);
-    }
+    problems.attempt([&] { readSource(source, symbols[index], options, records, problems); });
   }
   return maker.lostRoles();
 }

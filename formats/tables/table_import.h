@@ -7,6 +7,7 @@
 #ifndef ZTB_FORMATS_TABLES_TABLE_IMPORT_H_
 #define ZTB_FORMATS_TABLES_TABLE_IMPORT_H_
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -22,7 +23,7 @@ namespace formats {
 // A table and the symbols that are made from its rows.
 struct ImportSource {
   TableSource table;
-  std::unique_ptr<TableReader> (*open)(const TableSource& source) = nullptr;
+  std::function<std::unique_ptr<TableReader>(const TableSource& source)> open;
   TableShape shape;
   std::vector<SymbolSpec> symbols;
 };

@@ -46,7 +46,7 @@ TEST_F(TableTest, TellsWhatIsWrongWithASqliteTable) {
             "stock.db#food: no column 'food'; the columns are name, cents\n"
             "none.rxf: not written: 1 problem in the input");
   EXPECT_THAT(errorsOf("stock.db#select nope from food", price),
-              HasSubstr("stock.db: SQLite: no such column: nope"));
+              HasSubstr("stock.db#select nope from food: SQLite: no such column: nope"));
   EXPECT_THAT(errorsOf("stock.db#with x as (select 1) delete from food", price),
               HasSubstr("expected a query that only reads"));
   EXPECT_THAT(errorsOf("stock.db", {}), HasSubstr("no whole database was written to it"));

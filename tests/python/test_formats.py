@@ -200,3 +200,37 @@ def test_warnings_are_warnings(tmp_path):
     (tmp_path / "a.csv").write_text("i,t\na,text\nb,TEXT\n")
     with pytest.warns(UserWarning, match="text 'TEXT' is kept as 'text'"):
         ztb.read(tmp_path / "a.csv", sets="i : t").close()
+
+
+def test_tables_that_cannot_be_read_are_told_together(diet, tmp_path):
+    diet.export(f"{tmp_path}/dir/")
+    (tmp_path / "dir" / "food.csv").unlink()
+    (tmp_path / "dir" / "holds.csv").write_text("food,nutrient,value\nMilk,Iron,much\n")
+    with pytest.raises(ztb.DamagedFileError) as raised:
+        ztb.read(tmp_path / "dir")
+    text = str(raised.value)
+    assert "food.csv: cannot be read: No such file or directory\n" in text
+    assert "holds.csv:2:11: value: 'much' is not a number\n" in text
+    assert "nothing is imported: 2 problems in the input" in text
+    (tmp_path / "dir" / "holds.csv").unlink()
+    with pytest.raises(ztb.MissingFileError) as raised:
+        ztb.read(tmp_path / "dir")
+    assert "food.csv: cannot be read" in str(raised.value)
+    assert "holds.csv: cannot be read" in str(raised.value)
+
+
+@pytest.mark.parametrize("target", ["p.xlsx", "p.xlsx#price", "p.db", "p.db#price"])
+def test_the_table_of_one_symbol_comes_back_as_it_was(tmp_path, target):
+    with ztb.Database() as database:
+        price = database.add_parameter("price", ["food"])
+        values = {"Milk": 0.1 + 0.2, "2020": ztb.NA, "\\x": ztb.UNDEF, "1e3": ztb.EPS, "t\u00f6": -0.0}
+        for label, value in values.items():
+            price[label] = value
+        database.export(tmp_path / target.partition("#")[0], ["price"])
+        with ztb.read(tmp_path / target, parameters="price(food)") as back:
+            assert [keys[0] for keys in back["price"]] == list(values)
+            for label, value in values.items():
+                found = back["price"][label]
+                assert ztb.special_codes(found) == ztb.special_codes(value), label
+                if label == "Milk":
+                    assert found == 0.1 + 0.2

@@ -155,4 +155,15 @@ TEST_F(ImportProblemTest, SymbolsThatCannotBeMade) {
               {"import", "out.rxf", "--from", "a.csv", "--parameter", "v(i in k)"});
 }
 
+TEST_F(ImportProblemTest, SourcesThatCannotBeReadHideNoneOfTheOthers) {
+  write("text.xlsx", "i,v\n");
+  expectProblems("i,v\nx,much\n",
+                 {"--parameter", "v(i)", "--from", "gone.csv", "--set", "i", "--from", "text.xlsx",
+                  "--parameter", "w(i)"},
+                 "a.csv:2:3: v: 'much' is not a number\n"
+                 "gone.csv: cannot be read: No such file or directory\n"
+                 "text.xlsx: is no workbook: it cannot be opened as a zip file\n",
+                 "3 problems");
+}
+
 }  // namespace

@@ -144,7 +144,7 @@ class Database(display.Shows, Home, Mapping[str, Symbol[Any]]):
         this database may be domains.
 
         With problems in the table nothing is added: a :class:`ztb.DamagedFileError` tells all of
-        them, each with its place. What the options mean the reference of the command tells.
+        them, each with its place (a :class:`ztb.MissingFileError` where all are files that are not there). What the options mean the reference of the command tells.
         """
         options = formats.import_options(
             source,

@@ -98,7 +98,7 @@ class _Job:
         if self._library.ztbFormatsIsUsage(self._job):
             raise ValueError(text)
         if kind == _NO_FILE:
-            raise MissingFileError(text, "ztbFormats" + name)
+            raise MissingFileError(problems + text, "ztbFormats" + name)
         if kind == _DAMAGED_FILE:
             raise DamagedFileError(problems + text, "ztbFormats" + name)
         raise Error(problems + text, "ztbFormats" + name)
