@@ -49,6 +49,7 @@ void GTree::makeBranch(Node** branch, int level, const int* keys, const double* 
 Path GTree::insertFirst(const int* keys, const double* values) {
   Path path(dim_);
   makeBranch(path.node.data(), 0, keys, values);
+  dropAllFingers();
   root_ = path.node[0];
   count_ = 1;
   return path;
@@ -160,33 +161,6 @@ Path GTree::insertBranch(const int* keys, const double* values) {
   }
   ++count_;
   return path;
-}
-
-std::pair<bool, Path> GTree::findPath(const int* keys, const Path* startHint) const {
-  Path path(dim_);
-  Node* node = root_;
-  for (int level = 0; level < dim_; ++level) {
-    if (node == nullptr) {
-      return {false, path};
-    }
-    const auto place = static_cast<std::size_t>(level);
-    if (startHint != nullptr) {
-      Node* hint = requireNode(startHint->node[place]);
-      if (keys[level] >= hint->key) {
-        node = hint;
-      }
-      if (keys[level] != hint->key) {
-        startHint = nullptr;
-      }
-    }
-    node = reach(node, keys[level]);
-    if (node == nullptr || node->key != keys[level]) {
-      return {false, path};
-    }
-    path.node[place] = node;
-    node = node->childOrNull();
-  }
-  return {true, path};
 }
 
 std::pair<bool, Path> GTree::lowerBoundPath(const int* keys) const {
@@ -379,6 +353,8 @@ void GTree::erase(const Path& path) {
   }
   recentPath_ = Path(dim_);
   isIntact_ = false;
+  dropFingers(nullptr);
+  if (dim_ > 1) dropFingers(path.node[last - 1]);
   if (before != nullptr) {
     before->next = path.node[last]->next;
   } else if (dim_ > 1) {
@@ -422,6 +398,7 @@ void GTree::setBlockCapacity(int records) {
 void GTree::clear() {
   count_ = 0;
   root_ = nullptr;
+  dropAllFingers();
   holdsRing_ = false;
   isIntact_ = true;
   recentPath_ = Path(dim_);

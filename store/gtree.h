@@ -3,7 +3,8 @@
 // Each level of each branch is a singly linked list of nodes in ascending order; a record is a path
 // of one node a level, and its values hang from the last. Records that share a prefix share nodes.
 // The tree remembers the path of the last record, `lastPath`, and attaches a key above it at the
-// right end without a search. Nodes and value slots come from two pools, which give nothing back
+// right end without a search. Of long lists it also remembers places all along, so that a search
+// walks over few of their nodes. Nodes and value slots come from two pools, which give nothing back
 // before the tree is destroyed or starts anew. What `erase` and `clear` leave behind is told at
 // them.
 //
@@ -19,6 +20,7 @@
 #include <cstdint>
 #include <new>
 #include <utility>
+#include <vector>
 
 #include "store/gtree_pool.h"
 
@@ -77,13 +79,16 @@ class GTree {
     Node* next = nullptr;
 
    private:
+    friend class GTree;
+
     // A node always has a content: there is no tag for none.
     enum class Tag : std::uint8_t { child = 0, values = 1 };
     union {
       Node* child;
       double* values;
     } content_ = {nullptr};
-    Tag tag_ = Tag::child;
+    Tag tag_ : 8 = Tag::child;
+    std::uint32_t fingers_ : 24 = 0;  // of its children, as `Fingers` are numbered; 0 for none
 
    public:
     int key;
@@ -179,6 +184,14 @@ class GTree {
  private:
   enum class Order { below, same, above };
 
+  // Places in one list, ascending. Each search leaves one behind where it walked far, and they stay
+  // right as long as no node of the list is taken out.
+  struct Finger {
+    int key;
+    Node* node;
+  };
+  using Fingers = std::vector<Finger>;
+
   Node* newNode(int key) { return new (nodes_.allocate(sizeof(Node))) Node(key); }
   double* newValues(const double* values) {
     auto* result = reinterpret_cast<double*>(values_.allocate(valueSize_));
@@ -213,6 +226,18 @@ class GTree {
   [[gnu::always_inline]] inline bool step(Path& path) const;
   // The first node from this one on that is not below the key element; null without one.
   Node* reach(Node* node, int keyElement) const;
+  // The same from the head of the list below a node, or of the first level. REQUIRES: the node is
+  // linked, and lists are no rings.
+  Node* reachFromHead(Node* parent, int keyElement) const;
+  bool keepFinger(Node* parent, std::size_t place, Node* node) const;
+  [[nodiscard]] std::uint32_t fingersBelow(const Node* parent) const {
+    return parent == nullptr ? rootFingers_ : parent->fingers_;
+  }
+  void dropFingers(const Node* parent);
+  void dropAllFingers() {
+    fingers_ = {};
+    rootFingers_ = 0;
+  }
   void copyKeys(const Path& path, int* keys) const;
   [[nodiscard]] bool toFirstNotBelow(Path& path, const int* keys) const;
   [[nodiscard]] bool firstNotBelow(Node* list, int level, const int* keys, Path& path) const;
@@ -233,6 +258,9 @@ class GTree {
   // Where `insertAnywhere` was last, so that ascending keys do not walk all siblings again and
   // again. Every node of it is linked; its first is null when there is no such place.
   Path recentPath_;
+  // What searches leave behind is no part of what the tree holds.
+  mutable std::vector<Fingers> fingers_;
+  mutable std::uint32_t rootFingers_ = 0;
 };
 
 using Node = GTree::Node;
