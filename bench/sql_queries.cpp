@@ -9,6 +9,7 @@
 #include <array>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <ctime>
 #include <string>
 #include <ztb/ztb.hpp>
@@ -18,6 +19,7 @@ namespace {
 constexpr int labels = 100;  // at each of three positions
 constexpr int rounds = 5;
 constexpr int lookups = 200000;
+constexpr int listLookups = 20000;
 
 double seconds() {
   return static_cast<double>(std::clock()) / CLOCKS_PER_SEC;
@@ -40,6 +42,10 @@ sqlite3_stmt* prepared(sqlite3* connection, const char* query) {
   return statement;
 }
 
+double lengthOf(const unsigned char* text) {
+  return static_cast<double>(std::strlen(reinterpret_cast<const char*>(text)));
+}
+
 // The best time of a query, whose rows are read whole, and a sum over them.
 struct Timed {
   double time = 1e9;
@@ -55,7 +61,7 @@ Timed timed(sqlite3* connection, const char* query) {
     while (sqlite3_step(statement) == SQLITE_ROW) {
       for (int column = 0; column < sqlite3_column_count(statement); ++column) {
         result.sum += sqlite3_column_type(statement, column) == SQLITE_TEXT
-                          ? sqlite3_column_bytes(statement, column)
+                          ? lengthOf(sqlite3_column_text(statement, column))
                           : sqlite3_column_double(statement, column);
       }
     }
@@ -66,20 +72,30 @@ Timed timed(sqlite3* connection, const char* query) {
   return result;
 }
 
-Timed timedLookups(sqlite3* connection) {
-  sqlite3_stmt* statement =
-      prepared(connection, "select value from p where i = ? and j = ? and k = ?");
+struct Lookups {
+  const char* query;  // takes a label of each position, and of the last of them up to four
+  const char* prefix = "label";
+  bool backwards = false;  // positions from the last one on
+};
+
+Timed timedLookups(sqlite3* connection, const Lookups& kind, int count) {
+  sqlite3_stmt* statement = prepared(connection, kind.query);
+  const int parameters = sqlite3_bind_parameter_count(statement);
   Timed result{0, 0};
   const double begin = seconds();
-  for (int number = 0; number < lookups; ++number) {
-    const std::array<std::string, 3> keys{label(1 + number * 7 % labels),
-                                          label(1 + labels + number * 13 % labels),
-                                          label(1 + 2 * labels + number * 29 % labels)};
-    for (int position = 0; position < 3; ++position) {
-      sqlite3_bind_text(statement, position + 1, keys[static_cast<std::size_t>(position)].c_str(),
-                        -1, SQLITE_STATIC);
+  for (int number = 0; number < count; ++number) {
+    std::array<std::string, 6> keys;
+    for (int at = 0; at < parameters; ++at) {
+      const int position = kind.backwards ? 2 - std::min(at, 2) : std::min(at, 2);
+      const int step = at == 0 ? 7 : at == 1 ? 13 : 29 + 3 * (at - 2);
+      keys[static_cast<std::size_t>(at)] =
+          kind.prefix + std::to_string(1 + position * labels + (number + at) * step % labels);
+      sqlite3_bind_text(statement, at + 1, keys[static_cast<std::size_t>(at)].c_str(), -1,
+                        SQLITE_STATIC);
     }
-    result.sum += sqlite3_step(statement) == SQLITE_ROW ? sqlite3_column_double(statement, 0) : 0;
+    while (sqlite3_step(statement) == SQLITE_ROW) {
+      result.sum += sqlite3_column_double(statement, 0);
+    }
     sqlite3_reset(statement);
   }
   result.time = seconds() - begin;
@@ -171,11 +187,30 @@ void contest(ztb::Store store, const char* name, sqlite3* rival) {
   };
   both("full scan, sum of values", "select sum(value) from p");
   both("full scan, all columns", "select * from p");
+  both("full scan, all columns in a sum",
+       "select sum(length(i) + length(j) + length(k) + value) from p");
+  both("full scan, least and greatest value", "select min(value), max(value) from p");
+  both("count", "select count(*) from p");
   both("prefix of 10^4 records, sum of values", "select sum(value) from p where i = 'label7'");
   both("prefix of 10^4 records, all columns", "select * from p where i = 'label7'");
   both("second position, all columns", "select * from p where j = 'label150'");
   both("groups of the first position", "select i, sum(value) from p group by i");
-  report("200,000 lookups", timedLookups(own), timedLookups(rival));
+  both("least and greatest of each group", "select i, min(value), max(value) from p group by i");
+  both(
+      "list of ten first labels, all columns",
+      "select * from p where i in ('label3', 'label7', 'LABEL11', 'label20', 'label31', 'label44', "
+      "'label59', 'label66', 'label81', 'label97')");
+  const auto bothLookups = [&](const char* what, const Lookups& kind, int count) {
+    report(what, timedLookups(own, kind, count), timedLookups(rival, kind, count));
+  };
+  constexpr const char* lookup = "select value from p where i = ? and j = ? and k = ?";
+  bothLookups("200,000 lookups", {lookup}, lookups);
+  bothLookups("200,000 lookups in other case", {lookup, "LABEL"}, lookups);
+  bothLookups("20,000 lookups, four in a list at the end",
+              {"select value from p where i = ? and j = ? and k in (?, ?, ?, ?)"}, listLookups);
+  bothLookups("20,000 lookups, four in a list at the start",
+              {"select value from p where k = ? and j = ? and i in (?, ?, ?, ?)", "label", true},
+              listLookups);
   std::printf("%-44s %9.2f %9.2f\n", "live database to the first row; rival's load",
               firstRow(database.handle()) * 1e3, loadOfRival * 1e3);
   ztbSqlClose(&sql);

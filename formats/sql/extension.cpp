@@ -270,8 +270,8 @@ void giveColumn(const FunctionCursor& cursor, sqlite3_context* context, int colu
   const int position = positionOfColumn(column);
   if (position >= 0) {
     if (position < table.dimension()) {
-      const std::string_view label = cursor.database->labels.text(cursor.walk->key(position));
-      sqlite3_result_text(context, label.data(), static_cast<int>(label.size()), SQLITE_STATIC);
+      formats::giveSqlLabel(context,
+                            cursor.database->labels.text(cursor.walk->key(position)).data());
     }
   } else if (column == textColumn) {
     if (table.isSet() && !table.isUniverse()) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <cstring>
 #include <string>
 #include <ztb/case_folding.hpp>
@@ -14,28 +15,38 @@ namespace {
 
 constexpr std::size_t blockSize = 1 << 16;
 
-// The number that SQLite makes of a text when it compares it with one.
-std::optional<double> numberOf(std::string_view text) {
+// What is left of a text of which SQLite makes a number; empty where it does not.
+std::string_view digitsOf(std::string_view text) {
   constexpr std::string_view blanks = " \t\n\v\f\r";
   const std::size_t begin = text.find_first_not_of(blanks);
   if (begin == std::string_view::npos) {
-    return std::nullopt;
+    return {};
   }
   text = text.substr(begin, text.find_last_not_of(blanks) + 1 - begin);
   if (text.front() == '+') {
     text.remove_prefix(1);
   }
   const std::size_t digit = text.starts_with('-') ? 1 : 0;
-  if (digit >= text.size() || text.find_first_of("0123456789.", digit) != digit) {
-    return std::nullopt;
-  }
-  double value = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-  if (error != std::errc() || end != text.data() + text.size()) {
-    return std::nullopt;
-  }
-  return value;
+  const bool isNumber = digit < text.size() && text.find_first_of("0123456789.", digit) == digit;
+  return isNumber ? text : std::string_view();
 }
+
+template <class Number>
+std::optional<Number> readWhole(std::string_view digits) {
+  Number value = 0;
+  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
+  const bool isWhole =
+      !digits.empty() && error == std::errc() && end == digits.data() + digits.size();
+  return isWhole ? std::optional(value) : std::nullopt;
+}
+
+// The number that SQLite makes of a text when it compares it with one.
+std::optional<double> numberOf(std::string_view text) {
+  return readWhole<double>(digitsOf(text));
+}
+
+// From here on integers lie closer than doubles.
+constexpr double sparseFrom = 9007199254740992.0;
 
 }  // namespace
 
@@ -77,14 +88,13 @@ void SqlLabels::read(std::size_t number) {
 }
 
 int SqlLabels::find(std::string_view text) {
-  const bool blank = !text.empty() && text.find_first_not_of(' ') == std::string_view::npos;
+  const bool blank = text.empty() || text.find_first_not_of(' ') == std::string_view::npos;
   if (text.size() > ZTB_MAX_NAME_LENGTH || blank || text.find('\0') != std::string_view::npos) {
     return 0;
   }
-  const std::string label(text);
   int number = 0;
   // What no label can be is refused, which is the same here.
-  if (c__ztbfinduel(database_, label.c_str(), &number) == 0 || number < 1) {
+  if (c__ztbfinduel(database_, text.data(), &number) == 0 || number < 1) {
     return 0;
   }
   // Blanks at the end are cut in finding.
@@ -100,10 +110,37 @@ void SqlLabels::readNumbers() {
   }
 }
 
+// The labels whose integers, where they have one, are this one.
+std::vector<int> SqlLabels::thoseOf(std::vector<int> numbers, std::int64_t integer) {
+  std::erase_if(numbers, [&](int number) {
+    const auto own = readWhole<std::int64_t>(digitsOf(text(number)));
+    return own && *own != integer;
+  });
+  return numbers;
+}
+
 std::vector<int> SqlLabels::ofNumber(double value) {
   readNumbers();
   const auto found = numbers_.find(value);
-  return found == numbers_.end() ? std::vector<int>() : found->second;
+  if (found == numbers_.end()) return {};
+  // Beyond its range no label has an integer.
+  constexpr double integers = 9223372036854775808.0;
+  const bool isSparse = std::abs(value) >= sparseFrom && value >= -integers && value < integers;
+  return isSparse ? thoseOf(found->second, static_cast<std::int64_t>(value)) : found->second;
+}
+
+std::vector<int> SqlLabels::ofInteger(std::int64_t value) {
+  readNumbers();
+  const auto found = numbers_.find(static_cast<double>(value));
+  if (found == numbers_.end()) return {};
+  if (std::abs(static_cast<double>(value)) < sparseFrom) return found->second;
+  std::vector<int> those = thoseOf(found->second, value);
+  // Labels with a real number are equal to the integer that the real number is.
+  std::erase_if(those, [&](int number) {
+    const bool isInteger = readWhole<std::int64_t>(digitsOf(text(number))).has_value();
+    return !isInteger && static_cast<long double>(found->first) != value;
+  });
+  return those;
 }
 
 void SqlLabels::sortTexts() {

@@ -6,6 +6,7 @@
 
 #include <ztb/types.h>
 
+#include <cstdint>
 #include <deque>
 #include <memory>
 #include <optional>
@@ -34,10 +35,17 @@ class SqlLabels {
     }
     return texts_[place];
   }
-  // The label that is this text with the case of ASCII letters folded; 0 for none.
+  // The same, null when it was not read yet.
+  [[nodiscard]] const char* known(int number) const {
+    const auto place = static_cast<std::size_t>(number);
+    return place < texts_.size() ? texts_[place].data() : nullptr;
+  }
+  // The label that is this text with the case of ASCII letters folded; 0 for none. REQUIRES: a zero
+  // stands behind the text.
   int find(std::string_view text);
   // The labels that SQL takes for this number, ascending.
   std::vector<int> ofNumber(double value);
+  std::vector<int> ofInteger(std::int64_t value);
   // The labels within bounds, in the order of folded texts that SQL has; ascending.
   std::vector<int> between(const std::optional<LabelBound>& lower,
                            const std::optional<LabelBound>& upper);
@@ -46,6 +54,7 @@ class SqlLabels {
   void read(std::size_t number);
   void sortTexts();
   void readNumbers();
+  std::vector<int> thoseOf(std::vector<int> numbers, std::int64_t integer);
 
   ztbRec* database_;
   std::vector<std::string_view> texts_;

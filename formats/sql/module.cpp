@@ -36,8 +36,9 @@ std::string quotedName(const std::string& name) {
   return quoted + '"';
 }
 
-int guarded(sqlite3_vtab* table, const std::function<int()>& body) {
-  return guardedSql(&table->zErrMsg, body);
+template <class Body>
+int guarded(sqlite3_vtab* table, Body&& body) {
+  return guardedSql(&table->zErrMsg, std::forward<Body>(body));
 }
 
 int disconnect(sqlite3_vtab* table) {
@@ -106,7 +107,7 @@ int next(sqlite3_vtab_cursor* base) {
     cursorOf(base).walk.next();
     return SQLITE_OK;
   } catch (...) {
-    return guarded(base->pVtab, []() -> int { throw; });
+    return sqlFailure(&base->pVtab->zErrMsg);
   }
 }
 
@@ -130,7 +131,8 @@ int atEnd(sqlite3_vtab_cursor* base) {
   });
 }
 
-// The same of all columns but those of which most queries read most.
+// The same of what column() leaves: columns that were not asked for, labels that were never read,
+// and texts.
 [[gnu::noinline]] int giveOther(sqlite3_vtab_cursor* base, sqlite3_context* context, int column) {
   const SqlCursor& cursor = cursorOf(base);
   if (!cursor.walk.shows(column)) {
@@ -142,24 +144,29 @@ int atEnd(sqlite3_vtab_cursor* base) {
     return SQLITE_OK;
   }
   if (column >= cursor.dimension) return giveText(base, context);
-  try {
-    const std::string_view label =
-        tableOf(base->pVtab).table.database().labels.text(cursor.walk.key(column));
-    sqlite3_result_text(context, label.data(), static_cast<int>(label.size()), SQLITE_STATIC);
+  return guarded(base->pVtab, [&] {
+    SqlLabels& labels = tableOf(base->pVtab).table.database().labels;
+    giveSqlLabel(context, labels.text(cursor.walk.key(column)).data());
     return SQLITE_OK;
-  } catch (...) {
-    return guarded(base->pVtab, []() -> int { throw; });
-  }
+  });
 }
 
-// Calls nothing that it does not end with, and so needs to save nothing.
+// Calls nothing that it does not end with but where it gives a result, and so needs to save little.
 int column(sqlite3_vtab_cursor* base, sqlite3_context* context, int column) {
   const SqlCursor& cursor = cursorOf(base);
-  if (column < cursor.firstValue || !cursor.walk.shows(column)) {
-    return giveOther(base, context, column);
+  if (cursor.walk.shows(column)) {
+    if (column >= cursor.firstValue) {
+      sqlite3_result_double(context, cursor.walk.value(column - cursor.firstValue));
+      return SQLITE_OK;
+    }
+    if (column < cursor.dimension) {
+      if (const char* label = cursor.labels->known(cursor.walk.key(column))) {
+        giveSqlLabel(context, label);
+        return SQLITE_OK;
+      }
+    }
   }
-  sqlite3_result_double(context, cursor.walk.value(column - cursor.firstValue));
-  return SQLITE_OK;
+  return giveOther(base, context, column);
 }
 
 int rowNumber(sqlite3_vtab_cursor* base, sqlite3_int64* number) {
@@ -192,13 +199,14 @@ void dropData(void* data) {
 
 SqlCursor::SqlCursor(SqlTable& table)
     : walk(table),
+      labels(&table.database().labels),
       dimension(table.dimension()),
       firstValue(table.isSet() || table.isUniverse() ? std::numeric_limits<int>::max()
                                                      : table.dimension()) {}
 
-int guardedSql(char** message, const std::function<int()>& body) {
+int sqlFailure(char** message) noexcept {
   try {
-    return body();
+    throw;
   } catch (const std::bad_alloc&) {
     return SQLITE_NOMEM;
   } catch (const std::exception& error) {

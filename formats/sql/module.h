@@ -3,9 +3,9 @@
 #ifndef ZTB_FORMATS_SQL_MODULE_H_
 #define ZTB_FORMATS_SQL_MODULE_H_
 
-#include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "formats/sql/sqlite_api.h"
 #include "formats/sql/table.h"
@@ -17,6 +17,7 @@ namespace formats {
 struct SqlCursor {
   sqlite3_vtab_cursor base{};
   SqlWalk walk;
+  const SqlLabels* labels;
   int dimension;
   // The first column with a number; none has one where it is beyond all.
   int firstValue;
@@ -36,8 +37,24 @@ struct SqlVirtualTable {
       : database(std::move(from)), table(*database, position) {}
 };
 
-// Runs `body` and makes of what it throws an error of SQLite, whose text goes to `message`.
-int guardedSql(char** message, const std::function<int()>& body);
+// Makes of what is just caught an error of SQLite, whose text goes to `message`.
+int sqlFailure(char** message) noexcept;
+
+// Runs `body`, and makes such an error of what it throws.
+template <class Body>
+int guardedSql(char** message, Body&& body) {
+  try {
+    return std::forward<Body>(body)();
+  } catch (...) {
+    return sqlFailure(message);
+  }
+}
+
+// Gives a label as the result of a column. Without its length: SQLite would take it for a text that
+// may lack its zero, and copy it for all who read it as a C string.
+inline void giveSqlLabel(sqlite3_context* context, const char* label) {
+  sqlite3_result_text(context, label, -1, SQLITE_STATIC);
+}
 
 // Declares the columns of the table, keys compared with case folded.
 int declareTable(sqlite3* connection, const SqlTable& table);

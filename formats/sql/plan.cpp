@@ -54,12 +54,17 @@ bool isNumber(sqlite3_value* value) {
   return type == SQLITE_INTEGER || type == SQLITE_FLOAT;
 }
 
+std::vector<int> labelsOfNumber(SqlLabels& labels, sqlite3_value* value) {
+  return sqlite3_value_type(value) == SQLITE_INTEGER ? labels.ofInteger(sqlite3_value_int64(value))
+                                                     : labels.ofNumber(sqlite3_value_double(value));
+}
+
 // The labels that may equal a value. SQLite looks at numbers again, since the other side tells
 // whether they are compared as such.
 std::vector<int> labelsOf(SqlLabels& labels, sqlite3_value* value) {
   std::vector<int> found;
   if (isNumber(value)) {
-    found = labels.ofNumber(sqlite3_value_double(value));
+    found = labelsOfNumber(labels, value);
   }
   if (isNumber(value) || sqlite3_value_type(value) == SQLITE_TEXT) {
     if (const int label = labels.find(textOf(value)); label != 0) {
@@ -71,12 +76,22 @@ std::vector<int> labelsOf(SqlLabels& labels, sqlite3_value* value) {
   return found;
 }
 
+// The labels that equal a value of an IN. It is a number only where both sides are compared as
+// such: SQLite makes texts of the numbers in a list beside a column of texts.
+void addLabelsOf(SqlLabels& labels, sqlite3_value* value, std::vector<int>& all) {
+  if (isNumber(value)) {
+    std::ranges::copy(labelsOfNumber(labels, value), std::back_inserter(all));
+  } else if (sqlite3_value_type(value) == SQLITE_TEXT) {
+    if (const int label = labels.find(textOf(value)); label != 0) all.push_back(label);
+  }
+}
+
 std::vector<int> labelsAmong(SqlLabels& labels, sqlite3_value* values) {
   std::vector<int> all;
   sqlite3_value* value = nullptr;
   int result = sqlite3_vtab_in_first(values, &value);
   for (; result == SQLITE_OK && value != nullptr; result = sqlite3_vtab_in_next(values, &value)) {
-    std::ranges::copy(labelsOf(labels, value), std::back_inserter(all));
+    addLabelsOf(labels, value, all);
   }
   if (result != SQLITE_DONE && result != SQLITE_OK) {
     throw ztb::Error("ztbSqlNext", "The values of an IN cannot be read");
@@ -98,7 +113,7 @@ void narrow(SqlSelection& selection, std::vector<int> firsts) {
 }
 
 // One label at a position; several of them at the first make a list, and elsewhere SQLite sees.
-void giveLabel(SqlSelection& selection, std::size_t position, std::vector<int> labels) {
+void giveLabels(SqlSelection& selection, std::size_t position, std::vector<int> labels) {
   if (labels.empty()) {
     selection.nothing = true;
   } else if (labels.size() == 1) {
@@ -223,7 +238,7 @@ SqlPlan planSql(sqlite3_index_info* info, int dimension) {
   }
   if (among >= 0) {
     sqlite3_vtab_in(info, among, 1);
-    take(among, SqlCondition::among, 0, false);
+    take(among, SqlCondition::among, 0, comparisonOf(info, among) == Comparison::folded);
     plan.ranged = true;
     return plan;
   }
@@ -292,7 +307,13 @@ SqlSelection selectionOf(SqlTable& table, const char* conditions, sqlite3_value*
     sqlite3_value* value = *arguments;
     switch (static_cast<SqlCondition>(conditions[0])) {
       case SqlCondition::equal:
-        giveLabel(selection, position, labelsOf(labels, value));
+        // Most values are texts.
+        if (sqlite3_value_type(value) == SQLITE_TEXT) {
+          selection.labels[position] = labels.find(textOf(value));
+          selection.nothing = selection.nothing || selection.labels[position] == 0;
+        } else {
+          giveLabels(selection, position, labelsOf(labels, value));
+        }
         break;
       case SqlCondition::among:
         narrow(selection, labelsAmong(labels, value));

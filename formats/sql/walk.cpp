@@ -63,7 +63,8 @@ void SqlWalk::begin(SqlSelection selection, unsigned columns) {
     left_ = count;
   }
   // The text of a record is asked of the handle that stands on it.
-  isOne_ = given == positions && positions > 0;
+  const std::size_t listed = selection_.firsts && kind_ == Kind::slices ? 1 : 0;
+  isOne_ = given + listed == positions && positions > 0;
   const bool withTexts = table_->isSet() && !table_->isUniverse() && isAsked(positions);
   most_ = withTexts || isOne_ ? 1 : largestBlock;
   blockSize_ = std::min(firstBlock, most_);
@@ -100,6 +101,11 @@ void SqlWalk::fill() {
     passed_ += filled_;
     filled_ = 0;
     if (!toRecords()) {
+      return;
+    }
+    if (kind_ == Kind::all && columns_ == 0 && isFirst_.empty()) {
+      // Records that are counted alone need not be met.
+      filled_ = std::exchange(left_, 0);
       return;
     }
     for (std::vector<int>& column : keys_) column.resize(blockSize_);

@@ -149,6 +149,35 @@ TEST_F(SqlQuery, TakesListsAndRangesOnTheFirstPosition) {
               UnorderedElementsAre("1.0", "3.0", "5.0"));
 }
 
+// Beyond 2^53 several integers are the same double, but not the same label.
+TEST_F(SqlQuery, TellsLargeIntegersApart) {
+  for (const char* label : {"9007199254740992", "9007199254740993", "9007199254740993.0", "1e19"}) {
+    set(label, "iron", 17);
+  }
+  const auto among = [&](const std::string& values) {
+    return rows(("select food from holds where food in (" + values + ")").c_str());
+  };
+  EXPECT_THAT(among("select 9007199254740993 union select 3"), ElementsAre("9007199254740993"));
+  EXPECT_THAT(among("select cast('9007199254740992' as integer)"),
+              ElementsAre("9007199254740992", "9007199254740993.0"));
+  EXPECT_THAT(among("select cast(9007199254740992 as real)"),
+              ElementsAre("9007199254740992", "9007199254740993.0"));
+  EXPECT_THAT(among("select cast(1e19 as real)"), ElementsAre("1e19"));
+  EXPECT_THAT(among("9007199254740993"), ElementsAre("9007199254740993"));
+}
+
+// Whoever reads a label as a C string gets the one that is there.
+TEST_F(SqlQuery, GivesLabelsWithoutACopy) {
+  std::array<ztbSqlRows*, 2> queries{};
+  for (ztbSqlRows*& query : queries) {
+    ASSERT_EQ(ztbSqlQuery(&query, sql_, "select food from holds", message_.data(), 512), 1);
+    ASSERT_EQ(ztbSqlNext(query), 1);
+  }
+  EXPECT_STREQ(ztbSqlText(queries[0], 0), "Milk");
+  EXPECT_EQ(ztbSqlText(queries[0], 0), ztbSqlText(queries[1], 0));
+  for (ztbSqlRows*& query : queries) ztbSqlRowsClose(&query);
+}
+
 // A long list is faster kept than sought: each record is held against it.
 TEST_F(SqlQuery, KeepsTheRecordsOfALongList) {
   EXPECT_THAT(rows("select value from holds where food in (select label from \"*\") and value > 3"),
