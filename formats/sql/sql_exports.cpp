@@ -10,6 +10,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 #include <ztb/case_folding.hpp>
 
 #include "formats/sql/module.h"
@@ -83,6 +84,10 @@ struct ztbSqlRec {
   }
 
   void attach(const std::string& schema, std::shared_ptr<formats::SqlDatabase> database) {
+    if (const std::string name = ztb::folded(schema); name == "main" || name == "temp") {
+      throw ztb::Error("ztbSqlAttach",
+                       "a database cannot be called " + schema + ", which is a name of SQLite's");
+    }
     const std::string module = "ztb_" + std::to_string(databases.size());
     run("attach ':memory:' as " + quoted(schema));
     try {
@@ -103,10 +108,27 @@ struct ztbSqlRec {
       sqlite3_exec(connection, ("detach " + quoted(schema)).c_str(), nullptr, nullptr, nullptr);
       throw;
     }
+    schemas.push_back(schema);
     databases[ztb::folded(schema)] = std::move(database);
   }
 
+  // What helps with the error of SQLite just now: the names of databases, where a table is sought
+  // in one that there is not.
+  [[nodiscard]] std::string hint() const {
+    const std::string text = sqlite3_errmsg(connection);
+    constexpr std::string_view begin = "no such table: ";
+    const std::size_t point = text.find('.');
+    if (!text.starts_with(begin) || point == std::string::npos ||
+        databases.contains(ztb::folded(text.substr(begin.size(), point - begin.size())))) {
+      return "";
+    }
+    std::string names;
+    for (const std::string& schema : schemas) names += (names.empty() ? "" : ", ") + schema;
+    return "; the databases are called " + names;
+  }
+
   sqlite3* connection = nullptr;
+  std::vector<std::string> schemas;  // in the order of their coming
   std::map<std::string, std::shared_ptr<formats::SqlDatabase>> databases;  // by folded name
 
  private:
@@ -165,7 +187,7 @@ SQL_EXPORT int ztbSqlQuery(ztbSqlRows** rows, ztbSql* sql, const char* query, ch
     const auto prepare = [&](const char* text, const char** behind) {
       sqlite3_stmt* statement = nullptr;
       if (sqlite3_prepare_v2(sql->connection, text, -1, &statement, behind) != SQLITE_OK) {
-        throw ztb::Error("ztbSqlQuery", sqlite3_errmsg(sql->connection));
+        throw ztb::Error("ztbSqlQuery", sqlite3_errmsg(sql->connection) + sql->hint());
       }
       return formats::Statement(statement);
     };
@@ -196,6 +218,21 @@ SQL_EXPORT int ztbSqlBindReal(ztbSqlRows* rows, int number, double value) {
 
 SQL_EXPORT int ztbSqlBindInteger(ztbSqlRows* rows, int number, long long value) {
   return sqlite3_bind_int64(rows->statement.get(), number, value) == SQLITE_OK;
+}
+
+SQL_EXPORT int ztbSqlBindNull(ztbSqlRows* rows, int number) {
+  return sqlite3_bind_null(rows->statement.get(), number) == SQLITE_OK;
+}
+
+SQL_EXPORT int ztbSqlBindChars(ztbSqlRows* rows, int number, const char* chars, int size) {
+  // Without a place there would be a null.
+  return sqlite3_bind_text(rows->statement.get(), number, size == 0 ? "" : chars, size,
+                           SQLITE_TRANSIENT) == SQLITE_OK;
+}
+
+SQL_EXPORT int ztbSqlBindBlob(ztbSqlRows* rows, int number, const void* bytes, int size) {
+  return sqlite3_bind_blob(rows->statement.get(), number, size == 0 ? "" : bytes, size,
+                           SQLITE_TRANSIENT) == SQLITE_OK;
 }
 
 SQL_EXPORT int ztbSqlNext(ztbSqlRows* rows) {
@@ -231,6 +268,8 @@ SQL_EXPORT int ztbSqlType(const ztbSqlRows* rows, int column) {
       return ZTB_SQL_REAL;
     case SQLITE_NULL:
       return ZTB_SQL_NULL;
+    case SQLITE_BLOB:
+      return ZTB_SQL_BLOB;
     default:
       return ZTB_SQL_TEXT;
   }
@@ -247,6 +286,14 @@ SQL_EXPORT double ztbSqlReal(const ztbSqlRows* rows, int column) {
 SQL_EXPORT const char* ztbSqlText(const ztbSqlRows* rows, int column) {
   const auto* text = sqlite3_column_text(rows->statement.get(), column);
   return text == nullptr ? "" : reinterpret_cast<const char*>(text);
+}
+
+SQL_EXPORT const void* ztbSqlBlob(const ztbSqlRows* rows, int column) {
+  return sqlite3_column_blob(rows->statement.get(), column);
+}
+
+SQL_EXPORT int ztbSqlSize(const ztbSqlRows* rows, int column) {
+  return sqlite3_column_bytes(rows->statement.get(), column);
 }
 
 SQL_EXPORT void* ztbSqlConnection(ztbSql* sql) {

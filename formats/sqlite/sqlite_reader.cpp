@@ -15,11 +15,23 @@ namespace formats {
 
 namespace {
 
+// What stands behind blanks and comments.
+std::string_view beginOf(std::string_view sql) {
+  while (true) {
+    sql.remove_prefix(std::min(sql.find_first_not_of(" \t\n\r\f"), sql.size()));
+    const std::string_view end = sql.starts_with("--") ? "\n" : sql.starts_with("/*") ? "*/" : "";
+    if (end.empty()) return sql;
+    const std::size_t found = sql.find(end, 2);
+    sql.remove_prefix(found == std::string_view::npos ? sql.size() : found + end.size());
+  }
+}
+
 bool isQuery(std::string_view part) {
-  part.remove_prefix(std::min(part.find_first_not_of(" \t\n"), part.size()));
-  const std::string_view word = part.substr(0, part.find_first_of(" \t\n(*'\""));
-  return word.size() < part.size() &&
-         (tool::sameFolded(word, "select") || tool::sameFolded(word, "with"));
+  const std::string_view sql = beginOf(part);
+  const std::string_view word = sql.substr(0, sql.find_first_of(" \t\n\r\f(*'\"/-"));
+  return word.size() < sql.size() &&
+         (tool::sameFolded(word, "select") || tool::sameFolded(word, "with") ||
+          tool::sameFolded(word, "values"));
 }
 
 // Whether a double is not the whole number that it was made from.
@@ -134,15 +146,15 @@ OwnTables ownTables(const std::string& path, const std::vector<std::string>& tab
 std::unique_ptr<TableReader> openSqlite(const TableSource& source) {
   SqliteFile file = SqliteFile::forReading(source.path);
   std::string table = source.part;
-  if (!source.exact && isQuery(table)) {
+  const std::vector<std::string> tables = file.tables();
+  const auto isTable = [&](const std::string& name) { return tool::sameFolded(name, table); };
+  if (!source.exact && isQuery(table) && std::ranges::none_of(tables, isTable)) {
     return std::make_unique<SqliteReader>(std::move(file), table,
                                           source.path + '#' + tool::shortened(table), false);
   }
-  const std::vector<std::string> tables = file.tables();
   const OwnTables own = source.exact ? OwnTables() : ownTables(source.path, tables);
   if (table.empty()) table = tables.size() == 1 ? tables.front() : own.only().value_or("");
-  const auto found = std::ranges::find_if(
-      tables, [&](const std::string& name) { return tool::sameFolded(name, table); });
+  const auto found = std::ranges::find_if(tables, isTable);
   if (found == tables.end()) {
     throw tool::Failure(
         fmt::format("{}: {}; its tables are {}", source.path,

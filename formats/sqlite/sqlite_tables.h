@@ -15,8 +15,8 @@
 
 namespace formats {
 
-// The part is a table, a view, or a query that begins with "select" or "with"; empty for the only
-// table that there is.
+// The part is a table, a view, or a query, whose first word behind comments is "select", "with" or
+// "values"; empty for the only table that there is.
 std::unique_ptr<TableReader> openSqlite(const TableSource& source);
 std::unique_ptr<TableWriter> makeSqlite(const TableTarget& target);
 std::unique_ptr<DatabaseReader> openSqliteDatabase(const std::string& path);

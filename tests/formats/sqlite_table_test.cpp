@@ -27,6 +27,25 @@ TEST_F(TableTest, ReadsTablesAndQueriesOfSqlite) {
   const ztb::Database query = imported(
       "stock.db#select name || '#' as name, cents * 2 as cents from food where cents > 8", named);
   EXPECT_EQ(query["price"].find("Milk#")->level(), 22);
+  for (const char* sql :
+       {"-- dear\n/* ones */ select name, cents from food where cents > 8",
+        "with t as (select * from food) select name, cents from t where cents > 8",
+        "/**/with/**/t as (select * from food) select name, cents from t where cents > 8"}) {
+    EXPECT_EQ(imported(std::string("stock.db#") + sql, named)["price"].find("Milk")->level(), 11);
+  }
+  EXPECT_EQ(imported("stock.db#values('Milk', 3)", {{"parameter", "p(column1) = column2"}})["p"]
+                .find("Milk")
+                ->level(),
+            3);
+}
+
+TEST_F(TableTest, TakesATableOfSqliteForItselfWhateverItIsCalled) {
+  sql("stock.db",
+      "create table \"with care\"(name, cents); insert into \"with care\" values('Milk', 11)");
+  EXPECT_EQ(imported("stock.db#With care", {{"parameter", "price(name) = cents"}})["price"]
+                .find("Milk")
+                ->level(),
+            11);
 }
 
 TEST_F(TableTest, TellsWhatIsWrongWithASqliteTable) {

@@ -161,6 +161,23 @@ def test_texts_and_fields_go_out(diet):
     assert [table[field] for field in ztb.FIELDS] == [[1], [2], [0], [math.inf], [1]]
 
 
+def test_an_alias_gives_what_its_set_does(diet):
+    diet["food"]["Milk"] = "1 qt."
+    alias = diet.add_alias("f", "food")
+    assert table_of(alias) == table_of(diet["food"]) == {"food": ["Milk", "Tofu"], "text": ["1 qt.", ""]}
+    assert dict(ztb.from_arrow(alias.arrow(batch=1), "copy")) == {"Milk": "1 qt.", "Tofu": ""}
+    diet["food"].from_arrow(alias)
+    assert dict(diet["food"]) == {"Milk": "1 qt.", "Tofu": ""}
+
+
+def test_a_wrong_choice_for_nulls_is_told_by_its_name(diet):
+    expected = "is no choice.*, expected one of skip, na, error"
+    with pytest.raises(ValueError, match="^null='x' " + expected):
+        ztb.from_arrow(diet["holds"], "p", null="x")
+    with pytest.raises(TypeError, match=r"^3 \(int\) is no choice for null"):
+        diet["holds"].from_arrow(diet["holds"], null=3)
+
+
 def test_special_values_are_those_of_the_package():
     with ztb.Database() as database:
         p = database.add_parameter("p", ["*"])

@@ -1,5 +1,6 @@
 """Queries in SQL over databases, beside the answers of pandas."""
 
+import datetime
 import math
 
 import numpy as np
@@ -35,6 +36,27 @@ def test_parameters_are_integers_of_any_kind_within_64_bits(diet):
         ztb.sql(diet, "select ?, ?", 1, 2**63)
 
 
+def test_parameters_and_results_are_texts_bytes_and_none(diet):
+    frame = ztb.sql(
+        diet,
+        "select ?1 as n, ?2 as b, ?3 as t, ?4 as r, ?5 as d, hex(?3) as h, x'' as e",
+        *(None, b"\x00\xff", "x\0y", np.float32(1.5), datetime.date(2024, 3, 1)),
+    )
+    assert frame.iloc[0, 1:].tolist() == [b"\0\xff", "x\0y", 1.5, "2024-03-01", "780079", b""]
+    assert math.isnan(frame.n[0])
+    assert ztb.sql(diet, "select count(*) as n from holds where food = ?", None).n.tolist() == [0]
+    with pytest.raises(TypeError, match="no label"):
+        ztb.sql(diet, "select ?", object())
+    with pytest.raises(ValueError, match="a null character in"):
+        ztb.sql(diet, "select 1\0 + 1")
+
+
+def test_queries_begin_with_anything_that_gives_rows(diet):
+    assert ztb.sql(diet, "-- c\nvalues (1, 2)").values.tolist() == [[1, 2]]
+    query = "/* c */ with t as (select count(*) as n from holds) select n from t"
+    assert ztb.sql(diet, query).n.tolist() == [len(diet["holds"])]
+
+
 def test_special_values(diet):
     diet["holds"]["Milk", "iron"] = ztb.NA
     diet["holds"]["Milk", "kcal"] = ztb.UNDEF
@@ -59,6 +81,10 @@ def test_mistakes_are_told(diet):
         ztb.sql(diet, "select * from nowhere")
     with pytest.raises(ztb.Error, match="a query that gives rows is expected, as select does"):
         ztb.sql(diet, "create table t(x)")
+    with pytest.raises(ztb.Error, match=r"no such table: main\.holds; the databases are called db"):
+        ztb.sql(diet, "select * from main.holds")
+    with pytest.raises(ztb.Error, match="a database cannot be called main, which is a name of SQL"):
+        ztb.sql({"main": diet}, "select 1")
     with pytest.raises(TypeError, match="3 .* is no database"):
         ztb.sql(3, "select 1")
     diet.close()

@@ -264,6 +264,57 @@ TEST_F(SqlQuery, TakesParameters) {
   ztbSqlRowsClose(&query);
 }
 
+TEST_F(SqlQuery, TakesAndGivesTextsWithZerosBlobsAndNulls) {
+  ztbSqlRows* query = nullptr;
+  ASSERT_EQ(ztbSqlQuery(&query, sql_, "select ?, ?, ?, ?, ?, hex(?1), hex(?2), typeof(?4)",
+                        message_.data(), 512),
+            1);
+  EXPECT_EQ(ztbSqlBindChars(query, 1, "a\0b", 3), 1);
+  EXPECT_EQ(ztbSqlBindBlob(query, 2, "\0\xff", 2), 1);
+  EXPECT_EQ(ztbSqlBindInteger(query, 3, 3), 1);
+  EXPECT_EQ(ztbSqlBindNull(query, 3), 1);
+  EXPECT_EQ(ztbSqlBindChars(query, 4, nullptr, 0), 1);
+  EXPECT_EQ(ztbSqlBindBlob(query, 5, nullptr, 0), 1);
+  EXPECT_EQ(ztbSqlBindNull(query, 9), 0);
+  EXPECT_EQ(ztbSqlBindChars(query, 9, "a", 1), 0);
+  EXPECT_EQ(ztbSqlBindBlob(query, 9, "a", 1), 0);
+  ASSERT_EQ(ztbSqlNext(query), 1);
+  const auto type = [&](int column) { return ztbSqlType(query, column); };
+  EXPECT_EQ(type(0), ZTB_SQL_TEXT);
+  EXPECT_EQ(std::string(ztbSqlText(query, 0), static_cast<std::size_t>(ztbSqlSize(query, 0))),
+            std::string("a\0b", 3));
+  EXPECT_EQ(type(1), ZTB_SQL_BLOB);
+  ASSERT_EQ(ztbSqlSize(query, 1), 2);
+  EXPECT_EQ(static_cast<const unsigned char*>(ztbSqlBlob(query, 1))[1], 0xff);
+  EXPECT_EQ(type(2), ZTB_SQL_NULL);
+  EXPECT_EQ(ztbSqlSize(query, 2), 0);
+  EXPECT_EQ(type(4), ZTB_SQL_BLOB);
+  EXPECT_EQ(ztbSqlSize(query, 4), 0);
+  EXPECT_STREQ(ztbSqlText(query, 5), "610062");
+  EXPECT_STREQ(ztbSqlText(query, 6), "00FF");
+  EXPECT_STREQ(ztbSqlText(query, 7), "text");
+  ztbSqlRowsClose(&query);
+}
+
+TEST_F(SqlQuery, TakesEveryStatementThatGivesRows) {
+  EXPECT_THAT(rows("-- first\n/* then */ select 1 -- last"), ElementsAre("1"));
+  EXPECT_THAT(rows("values (1, 'a'), (2, 'b')"), ElementsAre("1 a", "2 b"));
+  EXPECT_THAT(rows("with t(x) as (select sum(value) from holds) select * from t"),
+              ElementsAre("25.0"));
+}
+
+TEST_F(SqlQuery, TellsTheNamesOfDatabasesWhereOneIsSought) {
+  EXPECT_THAT(rows("select * from main.holds"),
+              ElementsAre("!no such table: main.holds; the databases are called db"));
+  EXPECT_THAT(rows("select * from DB.none"), ElementsAre("!no such table: DB.none"));
+  EXPECT_THAT(rows("select * from none"), ElementsAre("!no such table: none"));
+  for (const char* name : {"main", "TEMP"}) {
+    EXPECT_EQ(ztbSqlAttach(sql_, name, database_.handle(), message_.data(), 512), 0);
+    EXPECT_EQ(message_.data(),
+              "a database cannot be called " + std::string(name) + ", which is a name of SQLite's");
+  }
+}
+
 TEST_F(SqlQuery, RefusesWhatIsNoSingleQuery) {
   EXPECT_THAT(rows("selct 1"), ElementsAre("!near \"selct\": syntax error"));
   EXPECT_THAT(rows(""), ElementsAre("!a query that gives rows is expected, as select does"));

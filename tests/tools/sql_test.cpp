@@ -68,6 +68,20 @@ TEST_F(SqlTest, QueriesSeveralFilesByTheirNames) {
       "a,b\n11.5,12\n");
 }
 
+TEST_F(SqlTest, PrintsBytesAsSqlSpellsThemAndTextsWhole) {
+  const std::string query = "select x'41ff00' as b, 'a' || char(0) || 'b' as t, x'' as e";
+  EXPECT_EQ(sql({query}),
+            "b          t       e\n"
+            "---------  ------  ---\n"
+            "x'41ff00'  a\\x00b  x''\n");
+  EXPECT_EQ(sql({query, "--csv"}), std::string("b,t,e\nx'41ff00',a\0b,x''\n", 24));
+  EXPECT_EQ(sql({query, "--json"}),
+            "[\n  {\"b\":\"x'41ff00'\",\"t\":\"a\\u0000b\",\"e\":\"x''\"}\n]\n");
+  expectFails(1, "ztb: --into t(c) = v: row 1: label 'a\\x00b' has a zero byte\n",
+              {"sql", "diet.rxf", "select 'a' || char(0) || 'b' as c, 1 as v", "--into", "t(c) = v",
+               "--out", "new.rxf"});
+}
+
 TEST_F(SqlTest, MakesASymbolOfTheRows) {
   EXPECT_EQ(sql({"select food, sum(value) as total from holds group by food order by 2", "--into",
                  "total(food) \"All of it\"", "--out", "new.rxf"}),
@@ -96,6 +110,8 @@ TEST_F(SqlTest, MakesASymbolOfTheRows) {
 
 TEST_F(SqlTest, TellsWhatIsWrong) {
   expectFails(1, "ztb: no such table: pric\n", {"sql", "diet.rxf", "select * from pric"});
+  expectFails(1, "ztb: no such table: main.price; the databases are called diet, main_2\n",
+              {"sql", "diet.rxf", "main.rxf", "select * from main.price"});
   expectFails(1, "ztb: Error opening RXF file: No such file: none.rxf\n",
               {"sql", "none.rxf", "select 1"});
   expectFails(1, "ztb: a query that gives rows is expected, as select does\n",

@@ -134,6 +134,21 @@ class Query {
   Progress* progress_ = nullptr;
 };
 
+std::string_view textOf(const Query& query, int column) {
+  const char* text = ztbSqlText(query.rows(), column);
+  return {text, static_cast<std::size_t>(ztbSqlSize(query.rows(), column))};
+}
+
+// Bytes as SQL spells them.
+std::string spelledBlob(const Query& query, int column) {
+  const auto* bytes = static_cast<const unsigned char*>(ztbSqlBlob(query.rows(), column));
+  std::string text = "x'";
+  for (int at = 0; at < ztbSqlSize(query.rows(), column); ++at) {
+    text += fmt::format("{:02x}", bytes[at]);
+  }
+  return text + '\'';
+}
+
 // What a row holds in a column, as text; nothing for a null.
 std::string cellText(const Query& query, int column, int digits) {
   switch (ztbSqlType(query.rows(), column)) {
@@ -141,9 +156,16 @@ std::string cellText(const Query& query, int column, int digits) {
       return "";
     case ZTB_SQL_REAL:
       return std::string(NumberText(ztbSqlReal(query.rows(), column), digits).view());
+    case ZTB_SQL_BLOB:
+      return spelledBlob(query, column);
     default:
-      return ztbSqlText(query.rows(), column);
+      return std::string(textOf(query, column));
   }
+}
+
+bool isText(const Query& query, int column) {
+  const int type = ztbSqlType(query.rows(), column);
+  return type == ZTB_SQL_TEXT || type == ZTB_SQL_BLOB;
 }
 
 void printTable(Query& query, const TableOptions& options) {
@@ -153,9 +175,8 @@ void printTable(Query& query, const TableOptions& options) {
   query.walk([&] {
     for (int column = 0; column < query.columnCount(); ++column) {
       cells.push_back(cellText(query, column, options.digits));
-      const bool isText = ztbSqlType(query.rows(), column) == ZTB_SQL_TEXT;
       numbers[static_cast<std::size_t>(column)] =
-          numbers[static_cast<std::size_t>(column)] && !isText;
+          numbers[static_cast<std::size_t>(column)] && !isText(query, column);
     }
   });
   TablePrinter table(options.style());
@@ -184,7 +205,7 @@ void printCsv(Query& query) {
   query.walk([&] {
     for (int column = 0; column < query.columnCount(); ++column) {
       const std::string cell = cellText(query, column, 0);
-      if (ztbSqlType(query.rows(), column) == ZTB_SQL_TEXT) {
+      if (isText(query, column)) {
         csv.label(cell);
       } else {
         csv.text(cell);
@@ -203,8 +224,10 @@ Json jsonCell(const Query& query, int column) {
       return ztbSqlInteger(query.rows(), column);
     case ZTB_SQL_REAL:
       return jsonNumber(ztbSqlReal(query.rows(), column));
+    case ZTB_SQL_BLOB:
+      return spelledBlob(query, column);
     default:
-      return ztbSqlText(query.rows(), column);
+      return textOf(query, column);
   }
 }
 
@@ -293,6 +316,9 @@ void addRecord(const Query& query, const Content& content, ztb::Database& databa
       throw Failure("a label is null");
     }
     labels[position] = cellText(query, content.keys[position], 0);
+    if (labels[position].find('\0') != std::string::npos) {
+      throw Failure(fmt::format("label {} has a zero byte", inQuotes(labels[position])));
+    }
   }
   if (labels.empty() && symbol.recordCount() > 0) {
     throw Failure("one row is expected, since there are no key columns");
@@ -302,9 +328,8 @@ void addRecord(const Query& query, const Content& content, ztb::Database& databa
     return;
   }
   const int type = ztbSqlType(query.rows(), content.value);
-  if (type == ZTB_SQL_TEXT) {
-    throw Failure(
-        fmt::format("{} is no number", inQuotes(ztbSqlText(query.rows(), content.value))));
+  if (isText(query, content.value)) {
+    throw Failure(fmt::format("{} is no number", inQuotes(cellText(query, content.value, 0))));
   }
   record.setLevel(type == ZTB_SQL_NULL ? database.specialValues()[ZTB_NOT_AVAILABLE]
                                        : ztbSqlReal(query.rows(), content.value));
@@ -365,7 +390,7 @@ void addSqlCommand(CommandLine& line) {
   auto options = std::make_shared<SqlOptions>();
   command
       .words("FILE", options->words, 2,
-             "RXF files, - for standard input, and the query, a select of SQLite")
+             "RXF files, - for standard input, and the query, a select, with or values of SQLite")
       .typeName("... QUERY")
       .required();
   const Option csv = command.flag("--csv", options->csv, "Print as CSV");
@@ -385,7 +410,8 @@ void addSqlCommand(CommandLine& line) {
   command.footer(
       "Each symbol is a table: its keys, named by their domains, then text, value, or level,\n"
       "marginal, lower, upper and scale. A table of one file among several is FILE.SYMBOL, by the\n"
-      "name of the file without its ending. Labels compare with the case of letters folded.\n\n"
+      "name of the file without its ending; main.rxf is main_2. Labels compare with the case of "
+      "letters folded.\n\n"
       "Examples:\n"
       "  ztb sql diet.rxf 'select food, value from price where value < 20 order by value'\n"
       "  ztb sql diet.rxf 'select nutrient, sum(value) as amount from nutrition group by nutrient' "

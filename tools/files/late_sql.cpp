@@ -59,6 +59,14 @@ const char* ztbSqlText(const ztbSqlRows* rows, int column) {
   return ZTB_LATE(sqlLibrary, ztbSqlText)(rows, column);
 }
 
+const void* ztbSqlBlob(const ztbSqlRows* rows, int column) {
+  return ZTB_LATE(sqlLibrary, ztbSqlBlob)(rows, column);
+}
+
+int ztbSqlSize(const ztbSqlRows* rows, int column) {
+  return ZTB_LATE(sqlLibrary, ztbSqlSize)(rows, column);
+}
+
 void ztbSqlRowsClose(ztbSqlRows** rows) {
   ZTB_LATE(sqlLibrary, ztbSqlRowsClose)(rows);
 }

@@ -8,6 +8,7 @@
 #include <limits>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -35,7 +36,7 @@ class Column {
  public:
   void add(const ztbSqlRows* rows, int column) {
     const int type = ztbSqlType(rows, column);
-    if (type == ZTB_SQL_INTEGER || type == ZTB_SQL_TEXT) {
+    if (type != ZTB_SQL_NULL && type != ZTB_SQL_REAL) {
       toObjects();
     }
     if (!isObjects_) {
@@ -54,8 +55,16 @@ class Column {
       case ZTB_SQL_REAL:
         objects_.append(ztbSqlReal(rows, column));
         break;
-      default:
-        objects_.append(toPython(ztbSqlText(rows, column)));
+      case ZTB_SQL_BLOB: {
+        const auto* bytes = static_cast<const char*>(ztbSqlBlob(rows, column));
+        objects_.append(py::bytes(bytes, static_cast<std::size_t>(ztbSqlSize(rows, column))));
+        break;
+      }
+      default: {
+        const char* text = ztbSqlText(rows, column);
+        const auto size = static_cast<std::size_t>(ztbSqlSize(rows, column));
+        objects_.append(toPython(std::string_view(text, size)));
+      }
     }
   }
 
@@ -95,6 +104,32 @@ long long integerFrom(const py::object& value, int number) {
   return result;
 }
 
+int sizeOf(const std::string& bytes, int number) {
+  if (bytes.size() > static_cast<std::size_t>(std::numeric_limits<int>::max())) {
+    throw py::value_error("parameter " + std::to_string(number) +
+                          " is longer than the 2^31 bytes that SQL has");
+  }
+  return static_cast<int>(bytes.size());
+}
+
+void bindOne(ztbSqlRows* rows, int number, const py::object& value) {
+  // Integers of numpy are no int of Python, but give one.
+  if (value.is_none()) {
+    ztbSqlBindNull(rows, number);
+  } else if (PyIndex_Check(value.ptr()) != 0) {
+    ztbSqlBindInteger(rows, number, integerFrom(value, number));
+  } else if (py::isinstance(value, py::module_::import("numbers").attr("Real"))) {
+    ztbSqlBindReal(rows, number, py::float_(value).cast<double>());
+  } else if (py::isinstance<py::bytes>(value)) {
+    const auto bytes = value.cast<std::string>();
+    ztbSqlBindBlob(rows, number, bytes.data(), sizeOf(bytes, number));
+  } else {
+    const std::string text =
+        PyUnicode_Check(value.ptr()) != 0 ? bytesOfText(value) : labelFromPython(value);
+    ztbSqlBindChars(rows, number, text.data(), sizeOf(text, number));
+  }
+}
+
 void bind(ztbSqlRows* rows, const py::sequence& parameters) {
   const int count = ztbSqlParameterCount(rows);
   if (static_cast<int>(py::len(parameters)) != count) {
@@ -102,15 +137,7 @@ void bind(ztbSqlRows* rows, const py::sequence& parameters) {
                           std::to_string(py::len(parameters)) + " are given");
   }
   for (int number = 1; number <= count; ++number) {
-    const py::object value = parameters[static_cast<std::size_t>(number) - 1];
-    // Integers of numpy are no int of Python, but give one.
-    if (PyIndex_Check(value.ptr()) != 0) {
-      ztbSqlBindInteger(rows, number, integerFrom(value, number));
-    } else if (py::isinstance<py::float_>(value)) {
-      ztbSqlBindReal(rows, number, value.cast<double>());
-    } else {
-      ztbSqlBindText(rows, number, labelFromPython(value).c_str());
-    }
+    bindOne(rows, number, parameters[static_cast<std::size_t>(number) - 1]);
   }
 }
 

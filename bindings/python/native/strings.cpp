@@ -29,7 +29,7 @@ py::str toPython(std::string_view bytes) {
   return py::reinterpret_steal<py::str>(text);
 }
 
-std::string fromPython(py::handle text) {
+std::string bytesOfText(py::handle text) {
   if (PyUnicode_Check(text.ptr()) == 0) {
     throw py::type_error("a str is expected, not " + std::string(py::repr(text)) + " (" +
                          Py_TYPE(text.ptr())->tp_name + ")");
@@ -37,13 +37,17 @@ std::string fromPython(py::handle text) {
   if (PyUnicode_IS_ASCII(text.ptr()) != 0) {
     // Its chars are the bytes already.
     const auto* chars = static_cast<const char*>(PyUnicode_DATA(text.ptr()));
-    return contentOf({chars, static_cast<std::size_t>(PyUnicode_GET_LENGTH(text.ptr()))}, text);
+    return {chars, static_cast<std::size_t>(PyUnicode_GET_LENGTH(text.ptr()))};
   }
   PyObject* bytes = PyUnicode_AsEncodedString(text.ptr(), encoding, escape);
   if (bytes == nullptr) {
     throw py::error_already_set();
   }
-  return contentOf(py::reinterpret_steal<py::bytes>(bytes), text);
+  return py::reinterpret_steal<py::bytes>(bytes);
+}
+
+std::string fromPython(py::handle text) {
+  return contentOf(bytesOfText(text), text);
 }
 
 std::string labelFromPython(py::handle label) {

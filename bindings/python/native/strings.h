@@ -14,6 +14,9 @@ namespace py = pybind11;
 
 py::str toPython(std::string_view bytes);
 
+// Throws TypeError for anything but a str.
+std::string bytesOfText(py::handle text);
+
 // Throws TypeError for anything but a str, and ValueError for one with a null char in it.
 std::string fromPython(py::handle text);
 

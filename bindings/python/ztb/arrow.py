@@ -30,7 +30,7 @@ def from_arrow(
     :meth:`ztb.Parameter.from_pandas`. The symbol belongs to ``database``, or to a new one, which
     is its :attr:`ztb.Symbol.database`.
     """
-    require_choice(null)
+    require_choice(null, parameter="null")
     number = -1 if kind is None else KINDS.index(arguments.choice(kind, "kind", KINDS[:4]))
     home = Database() if database is None else database
     native = _native.make_from_arrow(

@@ -55,6 +55,6 @@ def key_list(keys: Optional[Sequence[str]]) -> Optional[List[str]]:
 
 def fill(symbol: _native.Symbol, data: Any, keys: Optional[Sequence[str]], null: str) -> None:
     """Replaces the records of a symbol."""
-    require_choice(null)
+    require_choice(null, parameter="null")
     capsule = capsule_of(data)
     _native.fill_from_arrow(symbol, capsule, key_list(keys), NULLS[null], source_of(data))

@@ -10,14 +10,17 @@ from . import arguments
 NAN_CHOICES = ("skip", "na", "error")
 
 
-def require_choice(nan: object, choices: Sequence[str] = NAN_CHOICES) -> None:
-    """Refuses what is no choice."""
+def require_choice(
+    nan: object, choices: Sequence[str] = NAN_CHOICES, parameter: str = "nan"
+) -> None:
+    """Refuses what is no choice for a parameter."""
     if not isinstance(nan, str):
         raise TypeError(
-            f"{arguments.shown(nan)} is no choice for nan, expected one of {', '.join(choices)}"
+            f"{arguments.shown(nan)} is no choice for {parameter}, "
+            f"expected one of {', '.join(choices)}"
         )
     if nan not in choices:
-        raise ValueError(f"nan={nan!r} is no choice, expected one of {', '.join(choices)}")
+        raise ValueError(f"{parameter}={nan!r} is no choice, expected one of {', '.join(choices)}")
 
 
 def missing_value(place: str, symbol: str) -> ValueError:

@@ -14,17 +14,19 @@ if TYPE_CHECKING:
 def sql(
     database: Union[Database, Mapping[str, Database]], query: str, *parameters: Any
 ) -> "pd.DataFrame":
-    """The rows of a query, a ``select`` of SQLite, as a frame.
+    """The rows of a query, a ``select``, ``with`` or ``values`` of SQLite, as a frame.
 
     Each symbol is a table, of which nothing is copied: its keys, named by their domains, then
     ``text`` of a set, ``value`` of a parameter, or ``level``, ``marginal``, ``lower``, ``upper`` and
     ``scale``. Labels compare with the case of ASCII letters folded. What is not available or
     undefined is null, which a column of numbers has as NaN.
 
-    Several databases are given by names, and a table is then ``name.symbol``. Each ``?`` of the
-    query takes one of the parameters: a number, or a label.
+    Several databases are given by names, and a table is then ``name.symbol``; ``main`` and ``temp``
+    are names of SQLite's own. Each ``?`` of the query takes one of the parameters: a number, a text,
+    a date, ``bytes`` for a blob, or ``None`` for null. Blobs of the result are ``bytes``.
 
-    A query that is wrong, or writes, raises :class:`ztb.Error`.
+    A query that is wrong, or writes, raises :class:`ztb.Error`; one with a null character
+    ``ValueError``.
     """
     import pandas as pd
 

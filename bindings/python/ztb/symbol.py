@@ -72,6 +72,14 @@ class Alias(display.Shows):
         """The set that it stands for; ``None`` for the universe."""
         return set_of(self._database, self._database._native.find_symbol(self.name, False))
 
+    def __arrow_c_stream__(self, requested_schema: Any = None) -> Any:
+        """The records of its set as an Arrow stream: see :meth:`arrow`, which has choices."""
+        return self.arrow().__arrow_c_stream__(requested_schema)
+
+    def arrow(self, *, na: str = "nan", batch: int = 65536) -> ArrowData:
+        """The records of its set as Arrow data, as :meth:`Symbol.arrow` gives them."""
+        return ArrowData(self._native, na, batch)
+
     def _title(self) -> str:
         target = self.set
         name = "*" if target is None else target.name
