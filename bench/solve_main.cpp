@@ -18,6 +18,7 @@
 #include <ztb/model.hpp>
 
 #include "bench/contest.h"
+#include "bench/netlib_steps.h"
 #include "bench/problem.h"
 #include "bench/summary.h"
 
@@ -222,6 +223,9 @@ int main(int argc, char** argv) {
   std::string filter = ".";
   app.add_option("--filter", filter, "Only the loops that match this regular expression")
       ->capture_default_str();
+  std::string netlib;
+  app.add_option("--netlib", netlib, "A folder of problems of the netlib collection, as .mps")
+      ->check(CLI::ExistingDirectory);
   CLI11_PARSE(app, argc, argv);
   try {
     std::string program = "ztb_solve_bench";
@@ -239,6 +243,7 @@ int main(int argc, char** argv) {
         registerLoop<Tied<Way::records>>("by records", r, kind);
       }
     }
+    if (!netlib.empty()) bench::registerNetlibSteps(netlib);
     bench::SummaryReporter reporter(bench::ours);
     benchmark::RunSpecifiedBenchmarks(&reporter);
     return 0;

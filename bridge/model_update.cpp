@@ -50,7 +50,7 @@ class Modifier {
     for (; !walk.atEnd(); walk.next()) {
       // The value for this row or column; nothing for its base value.
       std::optional<double> value;
-      if (const double* found = data_.findValues(walk.keys().data())) {
+      if (const double* found = data_.findValuesInTurn(walk.keys().data())) {
         ++matched;
         value = found[ZTB_LEVEL];
         if (!accept(*value)) {

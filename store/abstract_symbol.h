@@ -113,6 +113,8 @@ class AbstractZTBSymbol {
 
   // The value slots of the record with these keys, or null; good until the symbol next changes.
   virtual const double* findValues(const int* keys) = 0;
+  // The same for whoever asks for many records in the order of their keys.
+  virtual const double* findValuesInTurn(const int* keys) = 0;
   // The values of all records for somebody who drops them, where they lie one behind the other;
   // they stay as they are whatever becomes of the symbol. REQUIRES: the symbol is not empty.
   virtual dmap::HeldValues holdValues() = 0;

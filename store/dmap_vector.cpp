@@ -285,6 +285,14 @@ VectorIterator DMapVector::find(const int* keys) {
   return bound;
 }
 
+VectorIterator DMapVector::findInTurn(const int* keys) {
+  const bool isTurn =
+      turn_ < rowCount_ && std::equal(keys, keys + width_, keysAt(turn_)) && ascends();
+  const VectorIterator found = isTurn ? at(turn_) : find(keys);
+  turn_ = found.row() + 1;
+  return found;
+}
+
 void DMapVector::clear() {
   if (dim_ != 0 && rowCapacity_ == 0) {
     return;

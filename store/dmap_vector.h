@@ -60,6 +60,9 @@ class DMapVector final : public IDMap<VectorIterator> {
   VectorIterator lowerBound(const int* keys) override;
   // Always `end` on a scalar.
   VectorIterator find(const int* keys) override;
+  // As `find`, for whoever asks for many keys in their order: the row behind the one that was found
+  // last is looked at first, where rows ascend.
+  VectorIterator findInTurn(const int* keys);
   VectorIterator begin() override { return at(0); }
   VectorIterator end() override { return at(size()); }
   // Keeps the memory of the arrays, but values that are held.
@@ -123,6 +126,7 @@ class DMapVector final : public IDMap<VectorIterator> {
   std::size_t width_;      // keys of a row
   std::size_t slots_;      // values of a row
   int ascendingRows_ = 0;  // of the first, how many are known to ascend; a look at more comes later
+  int turn_ = 0;           // the row that `findInTurn` looks at first
   int rowsOfMemory_;       // rows for which both arrays have memory; below any count without keys
 };
 

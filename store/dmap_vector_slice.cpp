@@ -33,14 +33,15 @@ int firstFrom(int low, int high, const Predicate& isTrue) {
 
 }  // namespace
 
-// Whether each row stands above the one before it. Rows that were once found to are not looked at
-// again.
+// Whether each row stands above the one before it, and none has a 0, which matches any key. Rows
+// that were once found to are not looked at again.
 bool DMapVector::ascends() {
-  ascendingRows_ = std::max(ascendingRows_, std::min(rowCount_, 1));
   while (ascendingRows_ < rowCount_) {
-    const int* before = keysAt(ascendingRows_ - 1);
     const int* here = keysAt(ascendingRows_);
-    if (!std::lexicographical_compare(before, before + width_, here, here + width_)) {
+    const int* before = here - width_;
+    const bool isAbove = ascendingRows_ == 0 ||
+                         std::lexicographical_compare(before, before + width_, here, here + width_);
+    if (!isAbove || std::find(here, here + width_, 0) != here + width_) {
       return false;
     }
     ++ascendingRows_;

@@ -193,6 +193,15 @@ class ZTBSymbol final : public AbstractZTBSymbol {
     return isEndPosition(position) ? nullptr : position.get().values;
   }
 
+  const double* findValuesInTurn(const int* keys) override {
+    if constexpr (requires { store_.findInTurn(keys); }) {
+      const Iterator position = store_.findInTurn(keys);
+      return isEndPosition(position) ? nullptr : position.get().values;
+    } else {
+      return findValues(keys);
+    }
+  }
+
   dmap::HeldValues holdValues() override {
     if constexpr (requires { store_.holdValues(); }) {
       return store_.holdValues();

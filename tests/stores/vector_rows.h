@@ -32,6 +32,7 @@ class Vector {
   }
   int lowerBound(const Key& key) { return store.lowerBound(key.data()).row(); }
   int find(const Key& key) { return store.find(key.data()).row(); }
+  int findInTurn(const Key& key) { return store.findInTurn(key.data()).row(); }
   std::vector<Key> keys() { return keysOf(store, dim_); }
   Rows rows() { return rowsOf(store, dim_); }
 

@@ -65,6 +65,34 @@ TEST(VectorStore, findOfAnAbsentKeyIsTheEnd) {
   }
 }
 
+TEST(VectorStore, findInTurnFindsWhatFindDoes) {
+  Vector ascending(2, {{1, 1}, {1, 4}, {2, 1}, {3, 2}, {7, 7}});
+  // In order, with absent ones between, again, and back.
+  const std::vector<Key> asked = {{1, 1}, {1, 4}, {1, 5}, {2, 1}, {3, 2}, {7, 7}, {8, 1},
+                                  {1, 1}, {2, 1}, {3, 2}, {3, 2}, {1, 4}, {7, 7}};
+  const std::vector<int> rows = {0, 1, 5, 2, 3, 4, 5, 0, 2, 3, 3, 1, 4};
+  for (std::size_t k = 0; k < asked.size(); ++k) {
+    EXPECT_EQ(rows[k], ascending.findInTurn(asked[k])) << k;
+  }
+  const VectorIterator second = ascending.store.find(asked[1].data());
+  ascending.store.erase(second);
+  EXPECT_EQ(0, ascending.findInTurn({1, 1}));
+  EXPECT_EQ(1, ascending.findInTurn({2, 1}));
+  ascending.store.clear();
+  EXPECT_EQ(0, ascending.findInTurn({1, 1}));
+}
+
+// A search that halves does not come to rows that stand in no order, and lands on another of rows
+// that match.
+TEST(VectorStore, findInTurnLooksAtNoRowThatASearchWouldMiss) {
+  Vector unsorted(1, keysOver({5, 9, 3, 7}));
+  EXPECT_EQ(4, unsorted.find({5}));
+  EXPECT_EQ(4, unsorted.findInTurn({5}));
+  Vector matching(2, {{1, 1}, {1, 2}, {1, 0}, {1, 3}});
+  EXPECT_EQ(2, matching.find({1, 1}));
+  EXPECT_EQ(2, matching.findInTurn({1, 1}));
+}
+
 TEST(VectorStore, a0InTheKeyMatchesAnythingWhereTheSearchLands) {
   Vector vector(2, {{1, 1}, {1, 2}, {2, 1}});
   EXPECT_EQ(1, vector.find({1, 0}));
