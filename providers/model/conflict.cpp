@@ -3,152 +3,25 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
-#include <limits>
 #include <memory>
+#include <optional>
 #include <string>
+#include <utility>
 
 #include "providers/model/at.h"
+#include "providers/model/conflict_trial.h"
+#include "providers/model/elastic_problem.h"
 #include "providers/model/model_data.h"
 #include "providers/model/model_error.h"
-#include "providers/model/solver_library.h"
+#include "providers/model/problem_part.h"
+#include "providers/model/solvers/claim_check.h"
+#include "providers/model/solvers/linear_form.h"
 
 namespace lomu {
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
-// Bounds alone change between the solves here.
-constexpr std::uint64_t kSameCoefficients = std::numeric_limits<std::uint64_t>::max();
-
-// A search over integers that takes longer is given up; what it was to show then stays open.
-constexpr double kSecondsOfSearch = 30;
-
-// What is broken by less is within the solvers' tolerance.
-constexpr double kBroken = 1e-7;
-
-// A problem of one's own, whose bounds can be changed, and a solver that begins afresh each time.
-class Trial {
- public:
-  Trial(const SolverProblem& problem, const CatalogueRow& solver, const SolverLimits& limits,
-        Clock::time_point end)
-      : problem_(problem),
-        lower(problem.lower, problem.lower + problem.columnCount),
-        upper(problem.upper, problem.upper + problem.columnCount),
-        rowLower(problem.rowLower, problem.rowLower + problem.rowCount),
-        rowUpper(problem.rowUpper, problem.rowUpper + problem.rowCount),
-        solver_(SolverLibrary::makeSolver(solver.library)),
-        limits_(limits),
-        end_(end) {
-    problem_.coefficientsAsOf = kSameCoefficients;
-    pointAtBounds();
-  }
-  Trial(const Trial&) = delete;
-  Trial& operator=(const Trial&) = delete;
-
-  void solve() {
-    pointAtBounds();
-    // Clp may end the process over a column that lost its bounds while the solver lived.
-    std::string reason;
-    const bool isTaken = solver_->load(problem_, reason);
-    if (!isTaken && !wasTaken_) throw ModelError("cannot be explained: " + reason);
-    result_.begin(lower.size(), rowLower.size());
-    // Without a row that implied the bounds of a column of a set: what is left is not searched.
-    if (!isTaken) {
-      result_.outcome = Outcome::failed;
-      return;
-    }
-    wasTaken_ = true;
-    limits_.seconds = std::chrono::duration<double>(end_ - Clock::now()).count();
-    if (problem_.hasIntegers != 0) limits_.seconds = std::min(limits_.seconds, kSecondsOfSearch);
-    if (limits_.seconds <= 0) {
-      result_.outcome = Outcome::timeLimit;
-      return;
-    }
-    solver_->solve(limits_, result_);
-  }
-
-  [[nodiscard]] const SolverResult& result() const { return result_; }
-  [[nodiscard]] const SolverProblem& problem() const { return problem_; }
-  // Whether there is no point; false where that is not known, which `unknown` then tells.
-  bool infeasible(bool& unknown) {
-    solve();
-    if (result_.outcome == Outcome::infeasible) return true;
-    const bool feasible = result_.hasPoint || result_.outcome == Outcome::optimal ||
-                          result_.outcome == Outcome::unbounded;
-    unknown = unknown || !feasible;
-    return false;
-  }
-
- private:
-  void pointAtBounds() {
-    problem_.lower = lower.data();
-    problem_.upper = upper.data();
-    problem_.rowLower = rowLower.data();
-    problem_.rowUpper = rowUpper.data();
-  }
-
-  SolverProblem problem_;
-
- public:
-  std::vector<double> lower, upper, rowLower, rowUpper;
-
- private:
-  std::unique_ptr<Solver> solver_;
-  SolverLimits limits_;
-  Clock::time_point end_;
-  SolverResult result_;
-  bool wasTaken_ = false;
-};
-
-// The problem with columns that break its rows at a cost of 1, a pair for each row that has sides.
-class ElasticProblem {
- public:
-  explicit ElasticProblem(const SolverProblem& problem)
-      : start_(problem.start, problem.start + problem.columnCount + 1),
-        rowOf_(problem.rowOf, problem.rowOf + start_.back()),
-        value_(problem.value, problem.value + start_.back()),
-        lower_(problem.lower, problem.lower + problem.columnCount),
-        upper_(problem.upper, problem.upper + problem.columnCount),
-        cost_(at(problem.columnCount), 0.0),
-        problem_(problem) {
-    for (int row = 0; row < problem.rowCount; ++row) {
-      for (const double sign : {1.0, -1.0}) {
-        const double side = sign > 0 ? problem.rowLower[row] : problem.rowUpper[row];
-        if (std::isinf(side)) continue;
-        rowOf_.push_back(row);
-        value_.push_back(sign);
-        start_.push_back(static_cast<int>(rowOf_.size()));
-        lower_.push_back(0);
-        upper_.push_back(kInfinity);
-        cost_.push_back(1);
-      }
-    }
-    noInteger_.assign(cost_.size(), 0);
-    problem_.columnCount = static_cast<int>(cost_.size());
-    problem_.cost = cost_.data();
-    problem_.lower = lower_.data();
-    problem_.upper = upper_.data();
-    problem_.isInteger = noInteger_.data();
-    problem_.hasIntegers = 0;
-    problem_.start = start_.data();
-    problem_.rowOf = rowOf_.data();
-    problem_.value = value_.data();
-    problem_.level = nullptr;
-  }
-  ElasticProblem(const ElasticProblem&) = delete;
-  ElasticProblem& operator=(const ElasticProblem&) = delete;
-
-  [[nodiscard]] const SolverProblem& problem() const { return problem_; }
-  // The row that a column beyond those of the model breaks.
-  [[nodiscard]] int rowOf(int column) const { return rowOf_[at(start_[at(column)])]; }
-
- private:
-  std::vector<int> start_, rowOf_;
-  std::vector<double> value_, lower_, upper_, cost_;
-  std::vector<char> noInteger_;
-  SolverProblem problem_;
-};
+using Clock = Trial::Clock;
 
 // What a search has to look at beside rows and bounds.
 std::string conditionOf(const SolverProblem& problem) {
@@ -171,6 +44,7 @@ class ConflictSearch {
       : plain_(problem),
         noCost_(at(problem.columnCount), 0.0),
         noInteger_(at(problem.columnCount), 0),
+        isFactor_(at(problem.columnCount), 0),
         catalogue_(catalogue),
         limits_(limits),
         end_(Clock::now() + std::chrono::duration_cast<Clock::duration>(
@@ -178,14 +52,21 @@ class ConflictSearch {
     plain_.cost = noCost_.data();
     plain_.level = nullptr;
     hasIntegers_ = problem.hasIntegers != 0;
+    for (const SolverProduct& product : productsOf(problem)) {
+      isFactor_[at(product.column1)] = isFactor_[at(product.column2)] = 1;
+    }
   }
   ConflictSearch(const ConflictSearch&) = delete;
   ConflictSearch& operator=(const ConflictSearch&) = delete;
 
-  Conflict run(int elasticRows) {
+  Conflict run() {
     SolverProblem relaxed = plain_;
     relaxed.isInteger = noInteger_.data();
     relaxed.hasIntegers = 0;
+    // Products with data that stand still are coefficients; others the solver refuses.
+    LinearForm form;
+    std::string reason;
+    if (relaxed.productCount > 0 && form.take(relaxed, reason)) relaxed = form.problem();
     // Columns that may be 0 beside their bounds are none of a linear problem.
     const bool hasRelaxation = plain_.isSemiContinuous == nullptr && plain_.setCount == 0;
     bool unknown = false;
@@ -206,28 +87,145 @@ class ConflictSearch {
                                : "there is a point that satisfies all rows and bounds: nothing is "
                                  "to be explained");
     }
-    if (!conflict_.byIntegers && plain_.rowCount > elasticRows) filterElastically(relaxed);
-    filterAll();
-    if (holds()) return conflict_;
+    if (!conflict_.byIntegers && (keep(elasticProof()) || keep(trial_->result().rowRay))) {
+      filterByProofs();
+    } else {
+      filterByHalves();
+    }
+    if (holds()) return toldOfTheWhole();
     throw ModelError(
         "solvers do not agree on whether there is a point that satisfies all rows and "
         "bounds");
   }
 
  private:
-  void filterAll() {
+  // All rows, and all columns whose bounds may be left out.
+  [[nodiscard]] std::vector<ConflictMember> allRows() const {
     std::vector<ConflictMember> rows;
     for (int row = 0; row < plain_.rowCount; ++row) addRow(row, rows);
-    filter(rows, 0, rows.size());
+    return rows;
+  }
+  [[nodiscard]] std::vector<ConflictMember> allBounds() const {
     std::vector<ConflictMember> bounds;
     for (int column = 0; column < plain_.columnCount; ++column) {
       // A search over integers without bounds may come to no end.
       if (conflict_.byIntegers && plain_.isInteger[column] != 0) continue;
       // Data that stand still in a product make it linear.
-      if (isFactor(column) || needsBounds(column)) continue;
+      if (isFactor_[at(column)] != 0 || needsBounds(column)) continue;
       addColumn(column, bounds);
     }
+    return bounds;
+  }
+
+  void filterByHalves() {
+    const std::vector<ConflictMember> rows = allRows();
+    filter(rows, 0, rows.size());
+    const std::vector<ConflictMember> bounds = allBounds();
     filter(bounds, 0, bounds.size());
+  }
+
+  // Weights of the rows that are broken most; empty where the solver came to no end.
+  [[nodiscard]] std::vector<double> elasticProof() const {
+    const ElasticProblem elastic(trial_->problem());
+    Trial trial(elastic.problem(), solver("clp"), limits_, end_);
+    trial.solve();
+    if (trial.result().outcome != Outcome::optimal) return {};
+    return elastic.weights(trial.result().rowMarginal);
+  }
+
+  // Makes the problem what a proof rests on; false, with nothing done, for what is none.
+  bool keep(const std::vector<double>& proof) {
+    std::vector<ConflictMember> members = allRows();
+    const std::vector<ConflictMember> bounds = allBounds();
+    members.insert(members.end(), bounds.begin(), bounds.end());
+    std::vector<char> isIn(members.size(), 1);
+    if (!narrow(proof, members, isIn, 0)) return false;
+    std::vector<char> rows(at(plain_.rowCount), 0);
+    std::vector<char> columns(at(plain_.columnCount), 0);
+    for (std::size_t k = 0; k < members.size(); ++k) {
+      if (isIn[k] == 0) continue;
+      (members[k].part <= ConflictPart::rowUpper ? rows : columns)[at(members[k].number)] = 1;
+    }
+    part_ = std::make_unique<ProblemPart>(trial_->problem(), rows, columns);
+    std::vector<char> factors;
+    for (const int column : part_->columns()) factors.push_back(isFactor_[at(column)]);
+    isFactor_ = std::move(factors);
+    plain_ = part_->problem();
+    begin(plain_, "clp");
+    return true;
+  }
+
+  // Leaves out of the problem what a proof does not rest on. The first `needed` members stay in.
+  // False, with nothing done, for what is none.
+  bool narrow(const std::vector<double>& proof, const std::vector<ConflictMember>& members,
+              std::vector<char>& isIn, std::size_t needed) {
+    const std::optional<ProofParts> parts = partsOfProof(trial_->problem(), proof);
+    if (!parts) return false;
+    std::vector<std::size_t> idle;
+    for (std::size_t k = 0; k < members.size(); ++k) {
+      if (isIn[k] == 0 || restsOn(*parts, members[k])) continue;
+      if (k >= needed) idle.push_back(k);
+    }
+    for (const std::size_t k : idle) set(members[k], false);
+    const bool holds = provesInfeasible(trial_->problem(), proof);
+    for (const std::size_t k : idle) {
+      if (holds) isIn[k] = 0;
+      if (!holds) set(members[k], true);
+    }
+    return holds;
+  }
+
+  static bool restsOn(const ProofParts& parts, const ConflictMember& member) {
+    const auto k = at(member.number);
+    switch (member.part) {
+      case ConflictPart::row:
+        return parts.rowLower[k] != 0 || parts.rowUpper[k] != 0;
+      case ConflictPart::rowLower:
+        return parts.rowLower[k] != 0;
+      case ConflictPart::rowUpper:
+        return parts.rowUpper[k] != 0;
+      case ConflictPart::column:
+        return parts.lower[k] != 0 || parts.upper[k] != 0;
+      case ConflictPart::columnLower:
+        return parts.lower[k] != 0;
+      default:
+        return parts.upper[k] != 0;
+    }
+  }
+
+  // Leaves out one member after the other, and with each that is not needed all that the proof
+  // without it does not rest on.
+  void filterByProofs() {
+    std::vector<ConflictMember> members = allRows();
+    const std::vector<ConflictMember> bounds = allBounds();
+    members.insert(members.end(), bounds.begin(), bounds.end());
+    std::vector<char> isIn(members.size(), 1);
+    for (std::size_t k = 0; k < members.size(); ++k) {
+      if (isIn[k] == 0) continue;
+      set(members[k], false);
+      bool unknown = Clock::now() >= end_;
+      if (!unknown && trial_->infeasible(unknown)) {
+        isIn[k] = 0;
+        narrow(trial_->result().rowRay, members, isIn, k);
+        continue;
+      }
+      set(members[k], true);
+      conflict_.irreducible = conflict_.irreducible && !unknown;
+    }
+    for (std::size_t k = 0; k < members.size(); ++k) {
+      if (isIn[k] != 0) conflict_.members.push_back(members[k]);
+    }
+  }
+
+  // With the numbers of the problem of the caller.
+  [[nodiscard]] Conflict toldOfTheWhole() const {
+    Conflict told = conflict_;
+    if (part_ == nullptr) return told;
+    for (ConflictMember& member : told.members) {
+      const bool ofRow = member.part <= ConflictPart::rowUpper;
+      member.number = (ofRow ? part_->rows() : part_->columns())[at(member.number)];
+    }
+    return told;
   }
 
   // Columns that may be 0 beside their bounds, and those of sets, are searched by their bounds.
@@ -259,12 +257,6 @@ class ConflictSearch {
                        ", which the catalogue does not have");
     }
     return *row;
-  }
-
-  [[nodiscard]] bool isFactor(int column) const {
-    return std::ranges::any_of(productsOf(plain_), [&](const SolverProduct& product) {
-      return product.column1 == column || product.column2 == column;
-    });
   }
 
   void addRow(int row, std::vector<ConflictMember>& members) const {
@@ -323,40 +315,11 @@ class ConflictSearch {
     filter(members, middle, end);
   }
 
-  // Leaves out the rows that were in no cheapest point broken. All are kept where the filter comes
-  // to no end.
-  void filterElastically(const SolverProblem& relaxed) {
-    const ElasticProblem elastic(relaxed);
-    Trial trial(elastic.problem(), solver("clp"), limits_, end_);
-    const int columns = relaxed.columnCount;
-    std::vector<char> kept(at(relaxed.rowCount), 0);
-    for (;;) {
-      trial.solve();
-      if (trial.result().outcome == Outcome::infeasible) break;
-      if (trial.result().outcome != Outcome::optimal) return;
-      bool broken = false;
-      for (int column = columns; column < elastic.problem().columnCount; ++column) {
-        if (trial.result().level[at(column)] > kBroken) {
-          kept[at(elastic.rowOf(column))] = 1;
-          broken = true;
-        }
-      }
-      if (!broken) return;
-      for (int column = columns; column < elastic.problem().columnCount; ++column) {
-        if (kept[at(elastic.rowOf(column))] != 0) trial.upper[at(column)] = 0;
-      }
-    }
-    for (int row = 0; row < relaxed.rowCount; ++row) {
-      if (kept[at(row)] == 0) set({ConflictPart::row, row}, false);
-    }
-    bool unknown = false;
-    if (trial_->infeasible(unknown)) return;
-    for (int row = 0; row < relaxed.rowCount; ++row) set({ConflictPart::row, row}, true);
-  }
-
-  SolverProblem plain_;  // with the bounds of the caller
+  SolverProblem plain_;  // with the bounds of the caller, or what a proof needs of them
+  std::unique_ptr<ProblemPart> part_;  // that is, this part
   std::vector<double> noCost_;
   std::vector<char> noInteger_;
+  std::vector<char> isFactor_;  // of a product, a flag a column
   bool hasIntegers_ = false;
   const Catalogue& catalogue_;
   SolverLimits limits_;
@@ -368,8 +331,8 @@ class ConflictSearch {
 }  // namespace
 
 Conflict findConflict(const SolverProblem& problem, const Catalogue& catalogue,
-                      const SolverLimits& limits, int elasticRows) {
-  return ConflictSearch(problem, catalogue, limits).run(elasticRows);
+                      const SolverLimits& limits) {
+  return ConflictSearch(problem, catalogue, limits).run();
 }
 
 }  // namespace lomu

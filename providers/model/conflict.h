@@ -1,10 +1,10 @@
 // Rows and bounds that cannot hold together, none of which can be left out: why a linear model,
 // with integers or without, has no solution.
 //
-// A deletion filter: parts of the model are left out as long as the rest has no
-// solution, halves of it first. On a model of many rows an elastic filter comes before it, which
-// finds the rows among which the conflict is: every row may be broken at a cost, and what is broken
-// in the cheapest point may not be in the next one.
+// Of a linear model, a proof that it has none comes first: that of an elastic problem, which rests
+// on few rows, or the solver's own. What the proof does not rest on is left out. Then a deletion
+// filter leaves out one member after the other, and goes on with the proof of what is left. Where
+// there are no proofs, as of columns that have to be integers, it leaves out halves first.
 #ifndef ZTB_PROVIDERS_MODEL_CONFLICT_H_
 #define ZTB_PROVIDERS_MODEL_CONFLICT_H_
 
@@ -36,13 +36,10 @@ struct Conflict {
   std::string condition;
 };
 
-// Models with more rows are filtered elastically first.
-inline constexpr int kElasticRows = 500;
-
 // The conflict of a problem, found within limits.seconds. Throws ModelError where there is none,
 // when a limit comes before even that is known, and when the solvers do not take the problem.
 Conflict findConflict(const SolverProblem& problem, const Catalogue& catalogue,
-                      const SolverLimits& limits, int elasticRows = kElasticRows);
+                      const SolverLimits& limits);
 
 }  // namespace lomu
 

@@ -21,7 +21,7 @@ namespace lomu {
 
 namespace {
 
-constexpr unsigned kBlock = 1U << 18U;
+constexpr unsigned kReadBlock = 1U << 18U;
 constexpr std::size_t kMaxText = std::numeric_limits<int>::max();
 
 [[noreturn]] void failReading(const std::string& file, const std::error_code& error) {
@@ -109,7 +109,7 @@ void TextSource::readAhead() {
   if (!isPacked) return;
   const gzFile stream = gzdopen(descriptor_, "rb");
   if (stream == nullptr) throw std::bad_alloc();
-  gzbuffer(stream, kBlock);
+  gzbuffer(stream, kReadBlock);
   stream_ = stream;
 }
 
@@ -132,7 +132,7 @@ std::size_t TextSource::readPlain(char* bytes, std::size_t size) {
 std::size_t TextSource::readPacked(char* bytes, std::size_t size) {
   std::size_t got = 0;
   while (got < size) {
-    const auto wanted = static_cast<unsigned>(std::min<std::size_t>(size - got, kBlock));
+    const auto wanted = static_cast<unsigned>(std::min<std::size_t>(size - got, kReadBlock));
     errno = 0;
     const int count = gzread(streamOf(stream_), bytes + got, wanted);
     int code = Z_OK;

@@ -13,6 +13,7 @@
 #include <vector>
 #include <ztb/model.hpp>
 
+#include "tests/solve/heard_clp.h"
 #include "tests/support/temp_folder.h"
 
 namespace {
@@ -149,21 +150,42 @@ Plain randomPlain(std::mt19937& random, std::size_t m, std::size_t n, bool integ
   return plain;
 }
 
-class Conflicts : public testing::TestWithParam<std::pair<std::size_t, bool>> {};
+// Rows, whether columns are integers, and what Clp keeps to itself.
+struct Way {
+  const char* name;
+  std::size_t rows;
+  bool integer, marginals, proofs;
+};
 
-TEST_P(Conflicts, AreIrreducible) {
-  const auto [m, integer] = GetParam();
-  std::mt19937 random(11);
-  int found = 0;
-  for (int number = 0; number < 200 && found < (m > 500 ? 3 : 40); ++number) {
-    const Plain plain = randomPlain(random, m, m, integer);
-    if (plain.feasible()) continue;
+class Conflicts : public testing::TestWithParam<Way> {
+ protected:
+  Conflicts() {
+    std::ofstream(folder_.file("vltcmpNT.txt"))
+        << "clp LP yes " << ZTB_HEARD_CLP << "\ncbc LP,MIP no " << ZTB_CBC << "\n";
+  }
+
+  ztb::Model::Conflict explained(const Plain& plain) {
     ztb::Model model = plain.model();
+    model.setOption("NameSysDir", folder_.file(""));
     ztb::Database database;
     ztb::ModelTie tie(database, model);
-    tie.solve(integer ? "cbc" : "clp");
-    ASSERT_EQ(model.status(), ztbModelInfeasible);
-    const ztb::Model::Conflict conflict = model.explain();
+    tie.solve(plain.integer ? "cbc" : "clp");
+    EXPECT_EQ(model.status(), ztbModelInfeasible);
+    heardClpKeeps(GetParam().marginals, GetParam().proofs);
+    return model.explain();
+  }
+
+  ztbtest::TempFolder folder_;
+};
+
+TEST_P(Conflicts, AreIrreducible) {
+  const Way& way = GetParam();
+  std::mt19937 random(11);
+  int found = 0;
+  for (int number = 0; number < 200 && found < (way.rows > 500 ? 3 : 40); ++number) {
+    const Plain plain = randomPlain(random, way.rows, way.rows, way.integer);
+    if (plain.feasible()) continue;
+    const ztb::Model::Conflict conflict = explained(plain);
     ++found;
     ASSERT_TRUE(conflict.irreducible);
     ASSERT_FALSE(conflict.members.empty());
@@ -176,12 +198,54 @@ TEST_P(Conflicts, AreIrreducible) {
   EXPECT_GE(found, 3);
 }
 
-// The larger ones go through the elastic filter first.
-INSTANTIATE_TEST_SUITE_P(Sizes, Conflicts,
-                         testing::Values(std::pair{std::size_t{8}, false},
-                                         std::pair{std::size_t{40}, false},
-                                         std::pair{std::size_t{700}, false}),
-                         [](const auto& test) { return std::to_string(test.param.first); });
+// Without marginals there is no elastic proof, without proofs halves are left out.
+INSTANTIATE_TEST_SUITE_P(Ways, Conflicts,
+                         testing::Values(Way{"Small", 8, false, false, false},
+                                         Way{"SmallByRays", 8, false, true, false},
+                                         Way{"SmallByHalves", 8, false, true, true},
+                                         Way{"Middle", 40, false, false, false},
+                                         Way{"MiddleByRays", 40, false, true, false},
+                                         Way{"MiddleByHalves", 40, false, true, true},
+                                         Way{"Large", 700, false, false, false}),
+                         [](const auto& test) { return test.param.name; });
+
+using ConflictOfMany = Conflicts;
+
+// A chain of balances whose demands are more than all that may be made, beside rows that have
+// nothing to do with it. Each member is tried once: with the look at the whole, the elastic
+// problem and the last look at the answer that is as many solves as members and three, and a
+// fourth where the first proof was not the last.
+TEST_P(ConflictOfMany, TakesASolveAMember) {
+  constexpr double inf = std::numeric_limits<double>::infinity();
+  constexpr std::size_t periods = 60;
+  Plain plain;
+  for (std::size_t j = 0; j < 2 * periods; ++j) plain.columns.emplace_back(0, inf);
+  const auto row = [&](double low, double high) -> std::vector<double>& {
+    plain.rows.emplace_back(low, high);
+    return plain.value.emplace_back(2 * periods, 0.0);
+  };
+  for (std::size_t t = 0; t < periods; ++t) {
+    std::vector<double>& balance = row(3, 3);
+    balance[t] = 1;
+    balance[periods + t] = -1;
+    if (t > 0) balance[periods + t - 1] = 1;
+    row(-inf, 1000)[t] = 1;
+    row(-inf, 1000)[periods + t] = 2;
+  }
+  std::vector<double>& all = row(-inf, 3 * periods - 1);
+  for (std::size_t t = 0; t < periods; ++t) all[t] = 1;
+
+  const ztb::Model::Conflict conflict = explained(plain);
+  EXPECT_TRUE(conflict.irreducible);
+  // All balances, the row of all, and that nothing is left over in the end.
+  EXPECT_EQ(conflict.members.size(), periods + 2);
+  EXPECT_LE(heardClpLoads(), static_cast<int>(periods) + 2 + 4);
+}
+
+INSTANTIATE_TEST_SUITE_P(Ways, ConflictOfMany,
+                         testing::Values(Way{"ByElasticProof", 0, false, false, false},
+                                         Way{"ByRays", 0, false, true, false}),
+                         [](const auto& test) { return test.param.name; });
 
 class Explained : public testing::Test {
  protected:

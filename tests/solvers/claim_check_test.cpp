@@ -4,12 +4,14 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 #include "tests/solvers/small_model.h"
 
 namespace ztbtest {
 namespace {
 
+using lomu::partsOfProof;
 using lomu::provenBound;
 using lomu::provesInfeasible;
 using lomu::provesUnbounded;
@@ -34,6 +36,49 @@ TEST(ClaimCheck, aRayOfTheRowsProvesThatNoPointExists) {
   EXPECT_FALSE(provesInfeasible(model.problem(), {1}));
   EXPECT_FALSE(provesInfeasible(model.problem(), {kInf, 0}));
   EXPECT_FALSE(provesInfeasible(model.problem(), {}));
+}
+
+// x + y >= 4 is out of reach for the upper bounds of both; the second row has no part in it.
+TEST(ClaimCheck, aProofRestsOnSidesAndBounds) {
+  SmallModel model = narrow(2.5);
+  using Flags = std::vector<char>;
+  for (const double sign : {1.0, -7.0}) {
+    const auto parts = partsOfProof(model.problem(), {sign, 0});
+    ASSERT_TRUE(parts.has_value());
+    EXPECT_EQ(parts->rowLower, (Flags{1, 0}));
+    EXPECT_EQ(parts->rowUpper, (Flags{0, 0}));
+    EXPECT_EQ(parts->lower, (Flags{0, 0}));
+    EXPECT_EQ(parts->upper, (Flags{1, 1}));
+  }
+  // 4 + 1 is below 2 y: without x.
+  const auto ofOne = partsOfProof(model.problem(), {1, -1});
+  EXPECT_FALSE(ofOne.has_value()) << "2 y may be 5";
+  model.upper[1] = 2;
+  const auto withoutX = partsOfProof(model.problem(), {1, -1});
+  ASSERT_TRUE(withoutX.has_value());
+  EXPECT_EQ(withoutX->rowLower, (Flags{1, 0}));
+  EXPECT_EQ(withoutX->rowUpper, (Flags{0, 1}));
+  EXPECT_EQ(withoutX->lower, (Flags{0, 0}));
+  EXPECT_EQ(withoutX->upper, (Flags{0, 1}));
+  EXPECT_FALSE(partsOfProof(model.problem(), {0, 1}).has_value());
+  EXPECT_FALSE(partsOfProof(model.problem(), {}).has_value());
+}
+
+TEST(ClaimCheck, boundsThatCrossAreAProof) {
+  using Flags = std::vector<char>;
+  SmallModel model = narrow(5);
+  model.lower[1] = 6;
+  const auto ofColumn = partsOfProof(model.problem(), {});
+  ASSERT_TRUE(ofColumn.has_value());
+  EXPECT_EQ(ofColumn->rowLower, (Flags{0, 0}));
+  EXPECT_EQ(ofColumn->lower, (Flags{0, 1}));
+  EXPECT_EQ(ofColumn->upper, (Flags{0, 1}));
+  model.rowLower[1] = 0;
+  const auto ofRow = partsOfProof(model.problem(), {1, 1});
+  ASSERT_TRUE(ofRow.has_value());
+  EXPECT_EQ(ofRow->rowLower, (Flags{0, 1}));
+  EXPECT_EQ(ofRow->rowUpper, (Flags{0, 1}));
+  EXPECT_EQ(ofRow->upper, (Flags{0, 0}));
 }
 
 // With weights w of x + y >= 4: 4 w and what is left of the costs, 1 - w a column, at their best

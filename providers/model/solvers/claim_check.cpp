@@ -39,15 +39,20 @@ Sum columnSum(const SolverProblem& problem, int j, const double* weights) {
   return sum;
 }
 
-bool boundsCross(const SolverProblem& problem) {
-  const auto cross = [](const double* lower, const double* upper, int count) {
-    for (int k = 0; k < count; ++k) {
-      if (lower[k] > upper[k] || lower[k] == HUGE_VAL || upper[k] == -HUGE_VAL) return true;
-    }
-    return false;
-  };
-  return cross(problem.lower, problem.upper, problem.columnCount) ||
-         cross(problem.rowLower, problem.rowUpper, problem.rowCount);
+// The first place where bounds cross; -1 where none do.
+int firstCrossing(const double* lower, const double* upper, int count) {
+  for (int k = 0; k < count; ++k) {
+    if (lower[k] > upper[k] || lower[k] == HUGE_VAL || upper[k] == -HUGE_VAL) return k;
+  }
+  return -1;
+}
+
+int crossingColumn(const SolverProblem& problem) {
+  return firstCrossing(problem.lower, problem.upper, problem.columnCount);
+}
+
+int crossingRow(const SolverProblem& problem) {
+  return firstCrossing(problem.rowLower, problem.rowUpper, problem.rowCount);
 }
 
 // The largest side or bound that there is, at least 1.
@@ -65,8 +70,16 @@ double largestEnd(const SolverProblem& problem) {
   return largest;
 }
 
+ProofParts noParts(const SolverProblem& problem) {
+  const std::vector<char> columns(static_cast<std::size_t>(problem.columnCount));
+  const std::vector<char> rows(static_cast<std::size_t>(problem.rowCount));
+  return {rows, rows, columns, columns};
+}
+
 // Whether the weighted rows are above anything that the columns reach. `sign` is that of the ray.
-bool isOutOfReach(const SolverProblem& problem, const std::vector<double>& ray, double sign) {
+// Enters what it looked at into `parts`, if there are any.
+bool isOutOfReach(const SolverProblem& problem, const std::vector<double>& ray, double sign,
+                  ProofParts* parts = nullptr) {
   double size = 0;
   for (const double weight : ray) size = std::max(size, std::abs(weight));
   if (!(size > 0) || !std::isfinite(size)) return false;
@@ -79,6 +92,7 @@ bool isOutOfReach(const SolverProblem& problem, const std::vector<double>& ray, 
     if (std::abs(weight) <= kRounding) continue;
     const double side = weight > 0 ? problem.rowLower[i] : problem.rowUpper[i];
     if (std::isinf(side)) return false;
+    if (parts != nullptr) (weight > 0 ? parts->rowLower : parts->rowUpper)[i] = 1;
     weights[i] = weight;
     least += weight * side;
     largest = std::max(largest, std::abs(weight * side));
@@ -92,6 +106,9 @@ bool isOutOfReach(const SolverProblem& problem, const std::vector<double>& ray, 
     if (std::isinf(bound)) {
       if (sum.isRounding()) continue;
       return false;
+    }
+    if (parts != nullptr && !sum.isRounding()) {
+      (sum.value > 0 ? parts->upper : parts->lower)[static_cast<std::size_t>(j)] = 1;
     }
     most += sum.value * bound;
     largest = std::max(largest, sum.largest * std::abs(bound));
@@ -130,9 +147,29 @@ bool fallsAlong(const SolverProblem& problem, const std::vector<double>& ray, do
 }  // namespace
 
 bool provesInfeasible(const SolverProblem& problem, const std::vector<double>& rowRay) {
-  if (boundsCross(problem)) return true;
+  if (crossingColumn(problem) >= 0 || crossingRow(problem) >= 0) return true;
   return std::ssize(rowRay) == problem.rowCount &&
          (isOutOfReach(problem, rowRay, 1) || isOutOfReach(problem, rowRay, -1));
+}
+
+std::optional<ProofParts> partsOfProof(const SolverProblem& problem,
+                                       const std::vector<double>& rowRay) {
+  ProofParts parts = noParts(problem);
+  if (const int row = crossingRow(problem); row >= 0) {
+    const auto i = static_cast<std::size_t>(row);
+    parts.rowLower[i] = parts.rowUpper[i] = 1;
+    return parts;
+  }
+  if (const int column = crossingColumn(problem); column >= 0) {
+    const auto j = static_cast<std::size_t>(column);
+    parts.lower[j] = parts.upper[j] = 1;
+    return parts;
+  }
+  if (std::ssize(rowRay) != problem.rowCount) return std::nullopt;
+  if (isOutOfReach(problem, rowRay, 1, &parts)) return parts;
+  parts = noParts(problem);
+  if (isOutOfReach(problem, rowRay, -1, &parts)) return parts;
+  return std::nullopt;
 }
 
 bool provesUnbounded(const SolverProblem& problem, const std::vector<double>& level,

@@ -4,6 +4,7 @@
 #ifndef ZTB_PROVIDERS_MODEL_SOLVERS_CLAIM_CHECK_H_
 #define ZTB_PROVIDERS_MODEL_SOLVERS_CLAIM_CHECK_H_
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -16,6 +17,16 @@ namespace lomu {
 // Whether `rowRay`, or the same with the sign turned, gives a sum of the rows that the columns
 // cannot reach. An empty ray proves bounds that cross, and nothing else.
 bool provesInfeasible(const SolverProblem& problem, const std::vector<double>& rowRay);
+
+// The sides of rows and bounds of columns that such a proof rests on, a flag each: a problem with
+// these alone has no point, but for what rounding leaves of a column's sum, which is taken for 0.
+struct ProofParts {
+  std::vector<char> rowLower, rowUpper, lower, upper;
+};
+
+// Those of a ray that proves that no point exists; nothing of one that does not.
+std::optional<ProofParts> partsOfProof(const SolverProblem& problem,
+                                       const std::vector<double>& rowRay);
 
 // Whether `level` is a point, and `columnRay`, or the same with the sign turned, a way from it that
 // stays within rows and bounds and lowers the cost.

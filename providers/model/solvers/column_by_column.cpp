@@ -37,6 +37,8 @@ bool settleColumnByColumn(const LinearForm& form, SolverResult& result) {
   for (std::size_t i = 0; i < form.rowLower.size(); ++i) {
     if (form.rowLower[i] > 0 || form.rowUpper[i] < 0) {
       result.outcome = Outcome::infeasible;
+      result.rowRay.assign(form.rowLower.size(), 0.0);
+      result.rowRay[i] = 1;
       return true;
     }
   }
