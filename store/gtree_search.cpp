@@ -22,7 +22,11 @@ constexpr std::uint32_t mostFingers = (1U << 24U) - 1;  // lists that a node can
       if (fingers_.size() == mostFingers) return false;
       fingers_.emplace_back();
       number = static_cast<std::uint32_t>(fingers_.size());
-      parent == nullptr ? rootFingers_ = number : parent->fingers_ = number;
+      if (parent == nullptr) {
+        rootFingers_ = number;
+      } else {
+        parent->fingers_ = number & mostFingers;
+      }
     }
     Fingers& fingers = fingers_[number - 1];
     fingers.insert(fingers.begin() + static_cast<std::ptrdiff_t>(place), {node->key, node});
