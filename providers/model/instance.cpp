@@ -430,14 +430,22 @@ void Instance::takeBound(const SolverResult& result) {
 void Instance::takeColumns(const SolverResult& result) {
   const double* lower = lowers().data();
   const double* upper = uppers().data();
+  // Of the solver's own problem, whose coefficients are ours where there are no products.
+  const bool areKnown = products_.empty() && !result.columnMarginal.empty();
   for (std::size_t j = 0; j < at(solverColumnCount()); ++j) {
     const double level = result.level[j];
     double marginal = 0;
-    for (std::size_t e = matrix_.start[j]; e < matrix_.start[j + 1]; ++e) {
-      const double value = matrix_.value[e];
-      SolutionRecord& row = rows_[at(matrix_.rowOf[e])];
-      row.level += value * level;
-      marginal -= row.marginal * value;
+    const std::size_t end = matrix_.start[j + 1];
+    for (std::size_t e = matrix_.start[j]; e < end && level != 0; ++e) {
+      rows_[at(matrix_.rowOf[e])].level += matrix_.value[e] * level;
+    }
+    if (areKnown) {
+      const double minimized = result.columnMarginal[j];
+      marginal = maximize_ ? 0 - minimized : minimized;  // never -0
+    } else {
+      for (std::size_t e = matrix_.start[j]; e < end; ++e) {
+        marginal -= rows_[at(matrix_.rowOf[e])].marginal * matrix_.value[e];
+      }
     }
     const Position position = result.position[j];
     const bool isZero = mayBeZero(static_cast<int>(j)) && !outside(level, 0, 0);

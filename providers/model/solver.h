@@ -65,6 +65,9 @@ struct SolverResult {
   std::vector<Position> position;
   std::vector<double> rowMarginal;
   std::vector<Position> rowPosition;
+  // Of an optimum that was looked at for doubt, those of its columns in the minimized problem; else
+  // empty.
+  std::vector<double> columnMarginal;
   // Proofs of claims, as ztb/solver.h has them; empty without one.
   std::vector<double> columnRay;
   std::vector<double> rowRay;
@@ -80,6 +83,7 @@ struct SolverResult {
     position.assign(columns, Position::basic);
     rowMarginal.assign(rows, 0.0);
     rowPosition.assign(rows, Position::basic);
+    columnMarginal.clear();
     columnRay.clear();
     rowRay.clear();
     reason.clear();

@@ -194,7 +194,8 @@ int runawayColumn(const SolverProblem& problem, const std::vector<double>& level
   return -1;
 }
 
-std::string optimumDoubt(const SolverProblem& problem, const SolverResult& result) {
+std::string optimumDoubt(const SolverProblem& problem, SolverResult& result) {
+  result.columnMarginal.clear();
   const int runaway = runawayColumn(problem, result.level);
   if (runaway >= 0) {
     return "column #" + std::to_string(runaway) + " is at " +
@@ -202,17 +203,18 @@ std::string optimumDoubt(const SolverProblem& problem, const SolverResult& resul
   }
   double gap = 0;
   double size = 1;
+  result.columnMarginal.resize(result.level.size());
   for (int j = 0; j < problem.columnCount; ++j) {
     const double level = result.level[static_cast<std::size_t>(j)];
     const double lower = problem.lower[j];
     const double upper = problem.upper[j];
     size += std::abs(problem.cost[j] * level);
-    if (lower == upper) continue;
     double marginal = problem.cost[j];
     for (int e = problem.start[j]; e < problem.start[j + 1]; ++e) {
       marginal -= result.rowMarginal[static_cast<std::size_t>(problem.rowOf[e])] * problem.value[e];
     }
-    if (marginal == 0) continue;
+    result.columnMarginal[static_cast<std::size_t>(j)] = marginal;
+    if (marginal == 0 || lower == upper) continue;
     const double way = marginal > 0 ? level - lower : upper - level;
     gap += std::abs(marginal) * (std::isfinite(way) ? way : std::max(1.0, std::abs(level)));
   }
@@ -286,7 +288,7 @@ double provenBound(const SolverProblem& problem, const std::vector<double>& rowM
   return std::isnan(bound) ? -HUGE_VAL : bound;
 }
 
-std::string claimDoubt(const SolverProblem& problem, const SolverResult& result) {
+std::string claimDoubt(const SolverProblem& problem, SolverResult& result) {
   LinearForm form;
   std::string reason;
   if (problem.productCount > 0 && !form.take(problem, reason)) return {};

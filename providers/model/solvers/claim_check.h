@@ -39,12 +39,13 @@ bool provesUnbounded(const SolverProblem& problem, const std::vector<double>& le
 int runawayColumn(const SolverProblem& problem, const std::vector<double>& level);
 
 // Empty when the marginals of the rows prove that no point is better than the levels, to 1e-6 of
-// the terms of the objective, and no column ran away; otherwise what speaks against it.
-std::string optimumDoubt(const SolverProblem& problem, const SolverResult& result);
+// the terms of the objective, and no column ran away; otherwise what speaks against it. Leaves the
+// marginals of the columns in the first case.
+std::string optimumDoubt(const SolverProblem& problem, SolverResult& result);
 
 // Empty when the outcome of `result` may be believed; otherwise why not. A limit is no claim; of an
 // optimum with integers nothing but its point can be looked at.
-std::string claimDoubt(const SolverProblem& problem, const SolverResult& result);
+std::string claimDoubt(const SolverProblem& problem, SolverResult& result);
 
 // What no objective of the problem is below, integers or not, as the marginals of the rows prove
 // it: any numbers prove one, those of a dual feasible basis that of the basis. Minus infinity where

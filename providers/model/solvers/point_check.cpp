@@ -20,6 +20,7 @@ template <class Add>
 void forEachTerm(const SolverProblem& problem, const std::vector<double>& level, const Add& add) {
   for (int j = 0; j < problem.columnCount; ++j) {
     const double at = level[static_cast<std::size_t>(j)];
+    if (at == 0) continue;
     for (int e = problem.start[j]; e < problem.start[j + 1]; ++e) {
       add(static_cast<std::size_t>(problem.rowOf[e]), problem.value[e] * at);
     }
