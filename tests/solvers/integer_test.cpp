@@ -155,6 +155,53 @@ TEST_P(Integer, solvesIntegersWithoutRows) {
   EXPECT_EQ(result.level, (std::vector<double>{1}));
 }
 
+// 0.6 / 0.1 and 0.3 / 0.1 are a little below 6 and 3 in binary numbers.
+TEST_P(Integer, reachesBoundsOfRowsThatRoundingMisses) {
+  model_.column(-1, 0, kInf, true);
+  model_.column(-1, 0, kInf, true);
+  model_.row({0.1, 0}, -kInf, 0.6);
+  model_.row({0, 0.1}, -kInf, 0.3);
+  const SolverResult result = solve();
+  ASSERT_EQ(result.outcome, Outcome::optimal) << result.reason;
+  EXPECT_EQ(result.level, (std::vector<double>{6, 3}));
+}
+
+// 0.3 y <= x <= 6: y at most 20.
+TEST_P(Integer, reachesWhatHangsOnABoundThatRoundingMisses) {
+  model_.column(0, 0, kInf, true);
+  model_.column(-1, 0, kInf);
+  model_.row({-1, 0.3}, -kInf, 0);
+  model_.row({0.1, 0}, -kInf, 0.6);
+  const SolverResult result = solve();
+  ASSERT_EQ(result.outcome, Outcome::optimal) << result.reason;
+  EXPECT_EQ(result.level[0], 6);
+  EXPECT_NEAR(result.level[1], 20, 1e-6);
+}
+
+// x = (2 y - 3.66) / 3: y = 2 gives 0.1133, which is too little, y = 3 gives 0.78. The second row
+// has all columns.
+TEST_P(Integer, solvesProblemsWithARowOfAllColumns) {
+  model_.column(1, 0, 1);
+  model_.column(4, 0, 3, true);
+  model_.row({1, 0}, 0.114, kInf);
+  model_.row({-3, 2}, 3.66, 3.66);
+  const SolverResult result = solve();
+  ASSERT_EQ(result.outcome, Outcome::optimal) << result.reason;
+  EXPECT_NEAR(result.level[0], 0.78, 1e-9);
+  EXPECT_EQ(result.level[1], 3);
+}
+
+// x is above 0 only with z = 1, which costs 3 and lets it be 5: -2. At 5e-6, z is no 0.
+TEST_P(Integer, takesNoFractionForZeroBesideALargeCoefficient) {
+  model_.column(-1, 0, 5);
+  model_.column(3, 0, 1, true);
+  model_.row({1, -1e6}, -kInf, 0);
+  const SolverResult result = solve();
+  ASSERT_EQ(result.outcome, Outcome::optimal) << result.reason;
+  EXPECT_NEAR(result.level[0], 5, 1e-9);
+  EXPECT_EQ(result.level[1], 1);
+}
+
 // Costs that differ in the seventh digit decide.
 TEST_P(Integer, seesSmallDifferencesOfTheObjective) {
   model_.column(1.0000001, 0, 1, true);

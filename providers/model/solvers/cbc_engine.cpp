@@ -8,9 +8,10 @@
 #include <CglGomory.hpp>
 #include <CglKnapsackCover.hpp>
 #include <ClpEventHandler.hpp>
-#include <OsiClpSolverInterface.hpp>
 #include <algorithm>
 #include <cmath>
+
+#include "providers/model/solvers/cbc_interface.h"
 
 namespace lomu {
 
@@ -46,31 +47,20 @@ class LinearStopHandler : public ClpEventHandler {
   Watch* watch_;
 };
 
-void fill(OsiClpSolverInterface& interface, const LinearForm& form) {
-  interface.messageHandler()->setLogLevel(0);
-  interface.setHintParam(OsiDoReducePrint, true, OsiHintTry);
-  ClpSolve choice;
-  leaveInterrupts(choice);
-  interface.setSolveOptions(choice);
-  interface.loadProblem(form.columnCount, form.rowCount, form.start.data(), form.rowOf.data(),
-                        form.value.data(), form.lower.data(), form.upper.data(), form.cost.data(),
-                        form.rowLower.data(), form.rowUpper.data());
-  for (int j = 0; j < form.columnCount; ++j) {
-    if (form.isInteger[static_cast<std::size_t>(j)] != 0) interface.setInteger(j);
-  }
-}
-
 // Cuts at the root and below it where they prove useful, and two quick ways to a first solution.
+// Covers of knapsacks are for the root alone: one made below it took the best point of a known
+// problem (lseu) away.
 // CglMixedIntegerRounding2 is not among them: of three thousand small problems with columns below 0
 // it cut off the best points of six. Nor is CglProbing, an assertion of which ended the process on
 // some with equalities.
 void addHelp(CbcModel& model, const LinearForm& form) {
   constexpr int kWhereUseful = -1;
+  constexpr int kAtRoot = -99;
   CglGomory gomory;
   CglKnapsackCover cover;
   CglFlowCover flow;
   model.addCutGenerator(&gomory, kWhereUseful, "Gomory");
-  model.addCutGenerator(&cover, kWhereUseful, "Knapsack");
+  model.addCutGenerator(&cover, kAtRoot, "Knapsack");
   // It takes columns for flows: beside ones that go below 0 it left no point where there was one.
   if (std::ranges::all_of(form.lower, [](double lower) { return lower >= 0; })) {
     model.addCutGenerator(&flow, kWhereUseful, "FlowCover");
@@ -133,8 +123,7 @@ void CbcEngine::searchIntegers(Watch& watch, SolverResult& result) {
     return;
   }
   result.startTaken = completeStart(watch, result);
-  OsiClpSolverInterface interface;
-  fill(interface, form_);
+  CbcInterface interface(form_);
   LinearStopHandler linearHandler(&watch);
   interface.getModelPtr()->passInEventHandler(&linearHandler);
   CbcModel model(interface);
@@ -167,7 +156,9 @@ void CbcEngine::searchIntegers(Watch& watch, SolverResult& result) {
   if (result.startTaken) {
     double cost = 0;
     for (std::size_t j = 0; j < start_.size(); ++j) cost += form_.cost[j] * start_[j];
-    model.setBestSolution(start_.data(), form_.columnCount, cost, true);
+    std::vector<double> point = start_;
+    point.resize(static_cast<std::size_t>(interface.getNumCols()));
+    model.setBestSolution(point.data(), interface.getNumCols(), cost, true);
   }
   model.branchAndBound();
 

@@ -31,6 +31,10 @@ constexpr int kLineEvery = 200;
 // How far a level may be outside of its bounds and still be inside.
 constexpr double kRoom = 1e-9;
 
+// How far from an integer a level may be. By GLPK's own 1e-5 a binary column on a coefficient of
+// 1e6 would be 0 and leave room for 10.
+constexpr double kIntegerTolerance = 1e-9;
+
 // GLPK counts the most time that it can be given in milliseconds.
 int milliseconds(double seconds) {
   constexpr double kMost = 2147483647;
@@ -389,6 +393,7 @@ int GlpkProgram::search(const Job& job) {
   options.msg_lev = GLP_MSG_OFF;
   options.tm_lim = milliseconds(job.watch->secondsLeft());
   options.mip_gap = job.watch->relativeGap();
+  options.tol_int = kIntegerTolerance;
   options.cb_func = &GlpkProgram::askInSearch;
   options.cb_info = const_cast<Job*>(&job);
   return glp_intopt(problem_, &options);
