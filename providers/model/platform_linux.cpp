@@ -9,7 +9,9 @@
 namespace lomu::platform {
 
 void* openLibrary(const std::string& path) {
-  return dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+  // A solver's library has thousands of functions, few of which a small problem needs; finding all
+  // of them would take longer than to solve it.
+  return dlopen(path.c_str(), RTLD_LAZY | RTLD_LOCAL);
 }
 
 std::string openErrorText(const std::string& /*path*/) {
