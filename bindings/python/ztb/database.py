@@ -402,11 +402,18 @@ def _is_netcdf(path: object, format: Optional[str]) -> bool:  # noqa: A002
     return format == "netcdf" or (format is None and name.lower().endswith(".nc"))
 
 
-def from_xarray(dataset: Any, *, store: str = "map") -> Database:
-    """The database that :meth:`Database.to_xarray` made a ``Dataset`` of."""
+def from_xarray(dataset: Any, *, nan: str = "na", store: str = "map") -> Database:
+    """The database that :meth:`Database.to_xarray` made a ``Dataset`` of, or one of any other.
+
+    Of another ``Dataset``, or a ``DataArray`` with a name, each dimension is a set of its labels
+    (dates in ISO form; 0, 1 and so on where it has none), each variable and further coordinate a
+    parameter over those sets, or, of truth values with a dimension, a set. ``nan`` tells what
+    becomes of NaNs: ``"na"``, ``"skip"`` or ``"error"``. A variable of texts or dates is a
+    ``TypeError`` that names it.
+    """
     database = Database(store=store)
     try:
-        xarrays.fill_database(database, dataset)
+        xarrays.fill_database(database, dataset, nan)
     except BaseException:
         database.close()
         raise
@@ -431,12 +438,14 @@ def read(source: Path, *, store: str = "map", **options: Any) -> Database:
 
     A SQLite file, workbook, file of JSON lines or folder of CSV files that a whole database was
     written to comes back as it was. From any other table, symbols are made as the options of
-    :meth:`Database.import_table` tell.
+    :meth:`Database.import_table` tell. A NetCDF file (``.nc``, or ``format="netcdf"``) is taken as
+    :func:`from_xarray` takes its data set, with the same ``nan``.
     """
     if _is_netcdf(source, options.get("format")):
-        if set(options) - {"format"}:
+        if set(options) - {"format", "nan"}:
             raise ValueError("a NetCDF file has no table; it is read as a whole database")
-        return from_xarray(xarrays.read_netcdf(os.fspath(source)), store=store)
+        dataset = xarrays.read_netcdf(os.fspath(source))
+        return from_xarray(dataset, nan=options.get("nan", "na"), store=store)
     database = Database(store=store)
     try:
         database.import_table(source, **options)

@@ -9,7 +9,8 @@ import errno
 import importlib
 import os
 import tempfile
-from typing import Any, Dict, List, Sequence, Tuple
+import warnings
+from typing import Any, Dict, List, Sequence, Set, Tuple
 
 import numpy as np
 import numpy.typing as npt
@@ -20,6 +21,7 @@ from .errors import DamagedFileError, Error, MissingFileError
 from .missing import missing_value, require_choice
 from .rounding import warn_of_cells
 from .special import _double
+from .texts import level_of_caller
 from .values import FIELDS
 
 # Symbols and databases are the package's own, which import this module.
@@ -34,6 +36,9 @@ _ABSENT_BITS = np.float64(ABSENT).view(np.uint64)
 
 #: The most cells of an array, unless more are asked for: a gigabyte of numbers.
 MOST_CELLS = 2**27
+
+#: The most bytes of a symbol's text.
+_MOST_TEXT = 255
 
 #: The dimension of fields in a data set, whose other dimensions may have the name of any symbol.
 _FIELD = "field:"
@@ -197,6 +202,11 @@ def _put(symbol: Symbol, axes: Sequence[Any], there: Any, rows: Any) -> None:
 
 
 def _label(label: Any) -> Any:
+    """A coordinate as what the database takes for a label; of a number the digits that tell it."""
+    if isinstance(label, np.timedelta64):
+        raise TypeError(f"{label!r} is no label, expected a str, a number, or a date")
+    if isinstance(label, (float, np.floating)) and np.isfinite(label):
+        return np.format_float_positional(label, trim="-")
     return label.item() if isinstance(label, (np.str_, np.integer)) else label
 
 
@@ -280,20 +290,96 @@ def _split(joined: str) -> List[str]:
     return [plain(text) for text in joined.split("\n")] if joined else []
 
 
-def fill_database(database: Database, dataset: Any) -> None:
-    """Makes an empty database the one that a Dataset was made from."""
-    if not isinstance(dataset, _xarray().Dataset):
-        raise TypeError(f"{arguments.shown(dataset)} is no Dataset of xarray")
-    if not {"ztb_labels", "ztb_symbols"} <= set(dataset.attrs):
-        raise DamagedFileError(
-            "the data set has no ztb_symbols: it was not made from a database", "from_xarray"
-        )
+def fill_database(database: Database, data: Any, nan: str) -> None:
+    """Makes an empty database the one that a Dataset was made from, or one of any other data set.
+
+    Variables that no symbol was written to are parameters, or sets, of their own.
+    """
+    require_choice(nan)
+    dataset = _dataset(data)
+    others = set(dataset.variables) - set(dataset.indexes)
+    if _is_ours(dataset):
+        others -= _fill_from_ours(database, dataset)
+    else:
+        _add_axes(database, dataset)
+    _require_numbers(dataset, others)
+    for name in dataset.variables:
+        if name in others:
+            _add_variable_of_others(database, dataset[name], nan)
+
+
+def _dataset(data: Any) -> Any:
+    xarray = _xarray()
+    if isinstance(data, xarray.Dataset):
+        return data
+    if not isinstance(data, xarray.DataArray):
+        raise TypeError(f"{arguments.shown(data)} is no Dataset or DataArray of xarray")
+    if data.name is None:
+        raise ValueError("the array has no name for its symbol; array.rename('x') gives it one")
+    return data.to_dataset()
+
+
+def _is_ours(dataset: Any) -> bool:
+    return {"ztb_labels", "ztb_symbols"} <= set(dataset.attrs)
+
+
+def _fill_from_ours(database: Database, dataset: Any) -> Set[Any]:
+    """Reads the symbols that a Dataset was made from; the names of their variables."""
     database.add_labels(_split(dataset.attrs["ztb_labels"]))
     for line in _split(dataset.attrs["ztb_symbols"]):
         _add_symbol(database, line.split("\t", 4))
+    names = set()
     for symbol in database.symbols():
         if not _is(symbol, "alias"):
             _read_variable(symbol, dataset)
+            of_set = [f"{symbol.name}:elements", f"{symbol.name}:texts"]
+            names.update(of_set if _is(symbol, "set") else [symbol.name])
+    return names
+
+
+def _add_axes(database: Database, dataset: Any) -> None:
+    """A set for each dimension, of its labels, or of 0, 1 and so on where it has none."""
+    for dimension in dataset.dims:
+        if getattr(dataset.indexes.get(dimension), "nlevels", 1) > 1:
+            raise ValueError(
+                f"dimension {dimension} has labels of several levels; "
+                f"dataset.unstack({dimension!r}) makes a dimension of each"
+            )
+        axis = dataset[dimension].values
+        symbol = database.add_set(dimension, ["*"], _text_of(dataset[dimension]))
+        try:
+            _put(symbol, [axis], np.ones(len(axis), dtype=np.bool_), None)
+        except (TypeError, ValueError) as error:
+            raise type(error)(f"dimension {dimension}: {error}") from None
+
+
+def _require_numbers(dataset: Any, names: Set[Any]) -> None:
+    """Refuses variables of texts, dates and the like, all at once."""
+    found = [name for name in dataset.variables if name in names]
+    kept = [name for name in found if dataset[name].dtype.kind not in "biuf"]
+    if kept:
+        told = ", ".join(f"{name} ({dataset[name].dtype})" for name in kept)
+        raise TypeError(
+            f"numbers or truth values are expected, not {told}; "
+            f"dataset.drop_vars({kept!r}) leaves them out"
+        )
+
+
+def _add_variable_of_others(database: Database, array: Any, nan: str) -> None:
+    domains = [name if name in database else "*" for name in array.dims]
+    is_set = array.dtype.kind == "b" and array.ndim > 0
+    add = database.add_set if is_set else database.add_parameter
+    fill(add(array.name, domains, _text_of(array)), array, nan)
+
+
+def _text_of(array: Any) -> str:
+    """What an array says of itself, as to_xarray or the conventions of NetCDF files tell it."""
+    text = array.attrs.get("text", array.attrs.get("long_name", ""))
+    whole = text if isinstance(text, str) else ""
+    kept = whole.encode()[:_MOST_TEXT].decode(errors="ignore")
+    if kept != whole:
+        warnings.warn(f"the text of {array.name} is cut after {_MOST_TEXT} bytes", stacklevel=level_of_caller())
+    return kept
 
 
 def _add_symbol(database: Database, parts: List[str]) -> None:
@@ -359,11 +445,12 @@ def write_netcdf(database: Database, path: Any, most: int) -> None:
 
 
 def read_netcdf(path: Any) -> Any:
-    """The Dataset of a NetCDF file."""
+    """The Dataset of a NetCDF file, of others' with dates, scales and missing values as they mean."""
     _package("netCDF4", "python3-netcdf4")
     xarray = _xarray()
     try:
-        return xarray.load_dataset(path, engine="netcdf4", mask_and_scale=False)
+        dataset = xarray.load_dataset(path, engine="netcdf4", mask_and_scale=False)
+        return dataset if _is_ours(dataset) else xarray.load_dataset(path, engine="netcdf4")
     except FileNotFoundError:
         raise MissingFileError(
             f"{os.fsdecode(path)}: cannot be read: {os.strerror(errno.ENOENT)}", "read_netcdf"
