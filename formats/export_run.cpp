@@ -3,12 +3,14 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <optional>
 
 #include "formats/csv_folder.h"
 #include "formats/database_export.h"
 #include "formats/field_chars.h"
 #include "formats/file_name.h"
 #include "formats/source_name.h"
+#include "formats/spooled_stream.h"
 #include "formats/table_source.h"
 #include "formats/wide_export.h"
 #include "tools/text/failure.h"
@@ -88,22 +90,19 @@ std::vector<const tool::FileSymbol*> ExportRun::chosenSymbols(
 // Writes the table of the one symbol that is chosen.
 void ExportRun::writeTable(const Format& format, const tool::ExchangeFile& file,
                            const std::vector<const tool::FileSymbol*>& symbols,
-                           tool::Progress& progress, RunResult& result) const {
+                           const std::string& path, tool::Progress& progress,
+                           RunResult& result) const {
   if (symbols.size() != 1 || symbols.front()->isAlias()) {
     throw UsageError(fmt::format(
         "--{} {}: {} takes the table of one symbol, {} chosen", targetOption_, target_,
         target_ == "-" ? "standard output" : fmt::format("a {} file", format.name),
         tool::counted(symbols.size(), "symbol") + (symbols.size() == 1 ? " is" : " are")));
   }
-  if (target_ == "-" && (format.hasParts || format.writeSymbol != nullptr)) {
-    throw UsageError(
-        fmt::format("--{} -: a {} file cannot go to standard output", targetOption_, format.name));
-  }
   if (wide_.empty() && format.writeSymbol != nullptr) {
     std::vector<std::string> notes;
     format.writeSymbol({.file = file,
                         .symbols = symbols,
-                        .path = target_,
+                        .path = path,
                         .progress = progress,
                         .records = result.records,
                         .notes = notes});
@@ -111,7 +110,7 @@ void ExportRun::writeTable(const Format& format, const tool::ExchangeFile& file,
   }
   const tool::FileSymbol& symbol = *symbols.front();
   const std::unique_ptr<TableWriter> writer = format.makeTables(
-      {.path = target_, .separator = separatorOf(separator_), .decimal = decimalOf(decimal_)});
+      {.path = path, .separator = separatorOf(separator_), .decimal = decimalOf(decimal_)});
   if (wide_.empty()) {
     writer->begin(headOf(symbol));
     result.records = writeRecords(*writer, file, symbol, progress);
@@ -139,7 +138,7 @@ void ExportRun::requireKnownEnding() const {
                   target_, endings));
 }
 
-void ExportRun::write(const std::string& path, bool shows, RunResult& result) {
+void ExportRun::write(const std::string& source, bool shows, RunResult& result) {
   checkUsage();
   requireKnownEnding();
   const Format& format = targetOption_ == "csv" ? *formatNamed("csv") : formatFor(target_, format_);
@@ -150,28 +149,37 @@ void ExportRun::write(const std::string& path, bool shows, RunResult& result) {
     requireDifferent(separatorOf(separator_), decimalOf(decimal_));
   }
   tool::Progress progress(shows);
-  progress.step("opening " + path);
-  const tool::ExchangeFile file(path);
+  progress.step("opening " + source);
+  const tool::ExchangeFile file(source);
   const std::vector<const tool::FileSymbol*> symbols = chosenSymbols(file);
   result.symbols = symbols.size();
   result.labels = static_cast<std::size_t>(file.labelCount());
+  const bool toStream = target_ == "-";
+  std::optional<SpooledOutput> spooled;
+  if (toStream && format.inPlaces) {
+    spooled.emplace(fmt::format("--{} -", targetOption_), format.name);
+    result.names.add(spooled->path(), "standard output");
+  }
+  const std::string path = spooled ? spooled->path() : target_;
   const bool folderOnly = format.ownsFolder != nullptr && targetOption_ != "csv" && isFile;
-  if (target_ == "-" || !wide_.empty() || format.writeDatabase == nullptr || folderOnly ||
+  const bool ofFolder = toStream && format.ownsFolder != nullptr;
+  if (!wide_.empty() || format.writeDatabase == nullptr || folderOnly || ofFolder ||
       (!all_ && symbols.size() == 1 && format.oneTableAlone)) {
     progress.step("writing " + target_);
-    writeTable(format, file, symbols, progress, result);
-    return;
+    writeTable(format, file, symbols, path, progress, result);
+  } else {
+    std::vector<std::string> notes;
+    format.writeDatabase({.file = file,
+                          .symbols = symbols,
+                          .path = path,
+                          .progress = progress,
+                          .records = result.records,
+                          .notes = notes});
+    for (const std::string& note : notes) {
+      result.warnings += "ztb: " + ztb::displayText(note) + '\n';
+    }
   }
-  std::vector<std::string> notes;
-  format.writeDatabase({.file = file,
-                        .symbols = symbols,
-                        .path = target_,
-                        .progress = progress,
-                        .records = result.records,
-                        .notes = notes});
-  for (const std::string& note : notes) {
-    result.warnings += "ztb: " + ztb::displayText(note) + '\n';
-  }
+  if (spooled) spooled->finish();
 }
 
 }  // namespace formats

@@ -16,7 +16,7 @@ class ExportRun {
   bool option(const std::string& name, const std::string& value);
 
   // Writes from an exchange file, "-" being standard input.
-  void write(const std::string& path, bool shows, RunResult& result);
+  void write(const std::string& source, bool shows, RunResult& result);
 
  private:
   void checkUsage() const;
@@ -24,8 +24,8 @@ class ExportRun {
   [[nodiscard]] std::vector<const tool::FileSymbol*> chosenSymbols(
       const tool::ExchangeFile& file) const;
   void writeTable(const Format& format, const tool::ExchangeFile& file,
-                  const std::vector<const tool::FileSymbol*>& symbols, tool::Progress& progress,
-                  RunResult& result) const;
+                  const std::vector<const tool::FileSymbol*>& symbols, const std::string& path,
+                  tool::Progress& progress, RunResult& result) const;
 
   std::vector<std::string> symbols_;
   bool all_ = false;

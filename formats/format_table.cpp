@@ -23,6 +23,7 @@ using ztb::sameFolded;
 #ifdef ZTB_HAS_SQLITE
 constexpr Format sqliteFormat{.name = "sqlite",
                               .endings = ".db .sqlite .sqlite3",
+                              .inPlaces = true,
                               .hasParts = true,
                               .openTable = openSqlite,
                               .makeTables = makeSqlite,
@@ -33,6 +34,7 @@ constexpr Format sqliteFormat{.name = "sqlite",
                               .endings = ".db .sqlite .sqlite3",
                               .missingToRead = "SQLite (Debian package libsqlite3-dev)",
                               .missingToWrite = "SQLite (Debian package libsqlite3-dev)",
+                              .inPlaces = true,
                               .hasParts = true};
 #endif
 
@@ -45,6 +47,7 @@ constexpr Format excelFormat{
 #ifndef ZTB_WRITES_EXCEL
     .missingToWrite = "libxlsxwriter (Debian package libxlsxwriter-dev)",
 #endif
+    .inPlaces = true,
     .hasParts = true,
 #ifdef ZTB_READS_EXCEL
     .openTable = openXlsx,
@@ -83,6 +86,7 @@ constexpr std::array allFormats{
            .oneTableAlone = true},
     Format{.name = "parquet",
            .endings = ".parquet",
+           .inPlaces = true,
            .openTable = openParquet,
            .makeTables = makeParquet,
            .writeSymbol = writeParquetSymbol,

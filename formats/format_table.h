@@ -28,14 +28,15 @@ struct Format {
   // Packages without which it cannot be read or written; empty where nothing is missing.
   const char* missingToRead = "";
   const char* missingToWrite = "";
+  // Whether a file is read and written in places, so that a stream has to stand in one meanwhile.
+  bool inPlaces = false;
   // Whether a file has parts, which are named behind '#'.
   bool hasParts = false;
   // Opens the rows of one table of a file.
   std::unique_ptr<TableReader> (*openTable)(const TableSource& source) = nullptr;
   // Begins a file of tables, or of one where writeDatabase is not writeTables or there is none.
   std::unique_ptr<TableWriter> (*makeTables)(const TableTarget& target) = nullptr;
-  // Writes the table of the one symbol that is chosen, all of it at once. It cannot go to standard
-  // output.
+  // Writes the table of the one symbol that is chosen, all of it at once.
   void (*writeSymbol)(const DatabaseExport& database) = nullptr;
   // Opens what a whole database was written to.
   std::unique_ptr<DatabaseReader> (*openDatabase)(const std::string& path) = nullptr;

@@ -127,6 +127,16 @@ void ImportRun::resolve(Source& source) {
   };
 }
 
+void ImportRun::spool(RunResult& result) {
+  for (Source& source : sources_) {
+    std::string& path = source.tables.table.path;
+    if (path != "-" || !source.format->inPlaces || *source.format->missingToRead != '\0') continue;
+    spooled_.emplace();
+    path = spooled_->path();
+    result.names.add(path, "standard input");
+  }
+}
+
 void ImportRun::checkUsage() const {
   if (folder_ && !sources_.empty()) {
     throw UsageError("--dir and --from exclude each other");
@@ -135,7 +145,8 @@ void ImportRun::checkUsage() const {
     throw UsageError(
         "nothing to import: give --from FILE with --set, --parameter or --variable, or --dir DIR");
   }
-  if (std::ranges::count(sources_, "-", &Source::argument) > 1) {
+  if (std::ranges::count(sources_, "-",
+                         [](const Source& source) { return source.tables.table.path; }) > 1) {
     throw UsageError("-: standard input can be read once, so - can stand once");
   }
   for (const Source& source : sources_) {
@@ -164,6 +175,7 @@ void ImportRun::fill(ztb::Database& database, RecordImport& records, ProblemList
       })) {
     requireDifferent(separator, decimal);
   }
+  spool(result);
   if (checkDomains_) {
     records.checkDomains();
   }

@@ -9,6 +9,8 @@
 #include <ztb/ztb.hpp>
 
 #include "formats/format_table.h"
+#include "formats/shown_names.h"
+#include "formats/spooled_stream.h"
 #include "formats/tables/table_import.h"
 #include "tools/text/failure.h"
 
@@ -23,6 +25,8 @@ struct RunResult {
   // Lines, each with its end.
   std::string problems;
   std::string warnings;
+  // Of files that stand under another name for a while; to be applied to all that is told.
+  ShownNames names;
 };
 
 class ImportRun {
@@ -50,11 +54,14 @@ class ImportRun {
   Source& lastSource(const std::string& option);
   void checkUsage() const;
   static void resolve(Source& source);
+  // Puts standard input into a file where a format needs one.
+  void spool(RunResult& result);
   // Fills a database with what the sources have, and tells what is wrong with them.
   void fill(ztb::Database& database, RecordImport& records, ProblemList& problems,
             ProblemList& warnings, RunResult& result);
 
   std::vector<Source> sources_;
+  std::optional<SpooledInput> spooled_;
   std::optional<std::string> folder_;
   std::string shownName_;
   std::string separator_ = ",";

@@ -4,6 +4,7 @@
 
 #include <exception>
 #include <new>
+#include <utility>
 
 #include "tools/files/scratch_folder.h"
 #include "tools/text/failure.h"
@@ -11,6 +12,18 @@
 namespace formats {
 
 bool Job::attempt(const std::function<void()>& body) noexcept {
+  const bool done = run(body);
+  try {
+    for (std::string* text : {&message_, &result_.problems, &result_.warnings}) {
+      *text = result_.names.applied(std::move(*text));
+    }
+  } catch (const std::bad_alloc&) {
+    // What is told then has the names that the files have.
+  }
+  return done;
+}
+
+bool Job::run(const std::function<void()>& body) noexcept {
   usage_ = false;
   try {
     message_.clear();
@@ -43,6 +56,10 @@ bool Job::option(const char* name, const char* value) noexcept {
     const std::string text = value == nullptr ? "" : value;
     if (option == "progress") {
       shows_ = true;
+      return;
+    }
+    if (option == "shown-file") {
+      result_.names.add(sets_.lastFile(), text);
       return;
     }
     if (option == "file" || sets_.hasFiles()) {
@@ -83,6 +100,7 @@ bool Job::exportDatabase(ztbRec* database) noexcept {
     // Records are walked over as a file has them, in the order of their labels.
     const tool::ScratchFolder folder;
     const std::string file = folder.file("database.rxf");
+    result_.names.add(file, "the database");
     ztb::detail::require(c__ztbwriterxf(database, file.c_str(), 1), database, "ztbWriteRXF");
     export_.write(file, shows_, result_);
   });

@@ -32,7 +32,9 @@ class Job {
   [[nodiscard]] const RunResult& result() const { return result_; }
 
  private:
+  // run(), and afterwards all texts name files as their user knows them.
   bool attempt(const std::function<void()>& body) noexcept;
+  bool run(const std::function<void()>& body) noexcept;
 
   ImportRun import_;
   ExportRun export_;

@@ -158,7 +158,8 @@ class ShapedReader : public TableReader {
                                    names_.size()));
           break;
         }
-        if (row[column].text.empty() && !row[column].isNumber) continue;
+        const TableField& cell = row[column];
+        if (cell.text.empty() && !cell.isNumber && cell.fault == nullptr) continue;
         dates_.clear();
         fields_.clear();
         for (const std::size_t kept : kept_) fields_.push_back(row[kept]);

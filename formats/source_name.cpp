@@ -12,6 +12,7 @@ TableSource parseSource(const std::string& argument) {
   if (argument.find('#') == std::string::npos || isThere(argument)) {
     return {.path = argument, .part = {}};
   }
+  if (argument.starts_with("-#")) return {.path = "-", .part = argument.substr(2)};
   std::size_t byEnding = std::string::npos;
   for (std::size_t at = argument.find('#'); at != std::string::npos;
        at = argument.find('#', at + 1)) {

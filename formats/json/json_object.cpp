@@ -40,7 +40,7 @@ class ObjectFiller : public nlohmann::json_sax<nlohmann::json> {
     return number(value, std::string(tool::NumberText(value).view()));
   }
   bool string(string_t& text) override {
-    if (inArray_) {
+    if (depth_ == inValue && object_.values.back().kind == JsonValue::Kind::list) {
       object_.values.back().items.push_back(std::move(text));
       return true;
     }
@@ -56,9 +56,10 @@ class ObjectFiller : public nlohmann::json_sax<nlohmann::json> {
   }
   bool start_object(std::size_t size) override {
     (void)size;
-    return depth_++ == 0 || fail("holds an object within the object");
+    return open(JsonValue::Kind::object);
   }
   bool key(string_t& name) override {
+    if (depth_ > inObject) return true;
     if (isKnown(name)) {
       return fail("has the key " + tool::inQuotes(name) + " twice");
     }
@@ -66,19 +67,13 @@ class ObjectFiller : public nlohmann::json_sax<nlohmann::json> {
     object_.values.emplace_back();
     return true;
   }
-  bool end_object() override { return true; }
+  bool end_object() override { return close(); }
   bool start_array(std::size_t size) override {
     (void)size;
     if (depth_ == 0) return fail("is no object");
-    if (inArray_) return fail("holds an array within an array");
-    inArray_ = true;
-    object_.values.back().kind = JsonValue::Kind::array;
-    return true;
+    return open(JsonValue::Kind::list);
   }
-  bool end_array() override {
-    inArray_ = false;
-    return true;
-  }
+  bool end_array() override { return close(); }
   bool parse_error(std::size_t at, const std::string& token,
                    const nlohmann::json::exception& error) override {
     constexpr int overflow = 406;
@@ -115,9 +110,32 @@ class ObjectFiller : public nlohmann::json_sax<nlohmann::json> {
   }
   bool scalar(JsonValue value) {
     if (depth_ == 0) return fail("is no object");
-    if (inArray_) return fail("holds something else than texts in an array");
-    object_.values.back() = std::move(value);
+    if (depth_ == inObject) {
+      object_.values.back() = std::move(value);
+    } else {
+      holdsOther();
+    }
     return true;
+  }
+  bool open(JsonValue::Kind kind) {
+    if (depth_ == inObject) {
+      object_.values.back().kind = kind;
+    } else if (depth_ > inObject) {
+      holdsOther();
+    }
+    ++depth_;
+    return true;
+  }
+  bool close() {
+    --depth_;
+    return true;
+  }
+  // What was taken for a list holds something else than texts.
+  void holdsOther() {
+    JsonValue& value = object_.values.back();
+    if (value.kind != JsonValue::Kind::list) return;
+    value.kind = JsonValue::Kind::array;
+    value.items.clear();
   }
   bool fail(std::string fault) {
     fault_ = std::move(fault);
@@ -126,8 +144,10 @@ class ObjectFiller : public nlohmann::json_sax<nlohmann::json> {
 
   JsonObject& object_;
   std::unordered_set<std::string> known_;
+  // How many brackets are open: one within the object, two within a value of it.
+  static constexpr int inObject = 1;
+  static constexpr int inValue = 2;
   int depth_ = 0;
-  bool inArray_ = false;
   std::string fault_;
 };
 
@@ -136,6 +156,18 @@ class ObjectFiller : public nlohmann::json_sax<nlohmann::json> {
 const JsonValue* JsonObject::find(std::string_view name) const {
   const auto found = std::ranges::find(names, name);
   return found == names.end() ? nullptr : &values[static_cast<std::size_t>(found - names.begin())];
+}
+
+const char* nestingFault(const JsonValue& value) {
+  switch (value.kind) {
+    case JsonValue::Kind::list:
+    case JsonValue::Kind::array:
+      return "is an array, expected a text or a number";
+    case JsonValue::Kind::object:
+      return "is an object, expected a text or a number";
+    default:
+      return nullptr;
+  }
 }
 
 std::string parseJsonObject(std::string_view line, JsonObject& object) {

@@ -9,13 +9,14 @@
 namespace formats {
 
 struct JsonValue {
-  enum class Kind { null, text, number, array, other };
+  // A list is an array of texts alone; any other array, like an object, stands for nothing.
+  enum class Kind { null, text, number, list, array, object };
 
   Kind kind = Kind::null;
   std::string text;  // of a number its digits
   double number = 0;
   bool rounded = false;            // a whole number that no double holds, and the nearest one
-  std::vector<std::string> items;  // texts of an array
+  std::vector<std::string> items;  // of a list
 };
 
 struct JsonObject {
@@ -26,8 +27,11 @@ struct JsonObject {
   [[nodiscard]] const JsonValue* find(std::string_view name) const;
 };
 
-// Reads one object; what is wrong with the line otherwise is the result. Its values are texts,
-// numbers, true and false (1 and 0), null, and arrays of texts.
+// What is wrong with a value that has to be a text or number; null for nothing.
+const char* nestingFault(const JsonValue& value);
+
+// Reads one object; what is wrong with the line otherwise is the result. true and false are the
+// numbers 1 and 0. What arrays and objects hold, but for lists, is passed over.
 std::string parseJsonObject(std::string_view line, JsonObject& object);
 
 }  // namespace formats

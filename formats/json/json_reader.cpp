@@ -1,20 +1,14 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <array>
-#include <cerrno>
 #include <cmath>
-#include <cstdio>
-#include <cstring>
-#include <deque>
 #include <map>
 #include <optional>
-#include <unordered_map>
 #include <ztb/column_names.hpp>
 
 #include "formats/json/json_lines.h"
 #include "formats/json/json_object.h"
-#include "formats/tables/byte_source.h"
+#include "formats/json/text_lines.h"
 #include "formats/tables/exact_text.h"
 #include "tools/files/standard_streams.h"
 #include "tools/text/failure.h"
@@ -23,145 +17,6 @@
 namespace formats {
 
 namespace {
-
-constexpr std::size_t longestLine = std::size_t{1} << 26U;
-
-// The lines of a file that are not empty.
-class Lines {
- public:
-  explicit Lines(const std::string& path)
-      : name_(tool::inputName(path)),
-        bytes_(openBytes(path)),
-        buffer_(std::size_t{1} << 18U, '\0') {}
-
-  // Goes to the next line; false at the end.
-  bool next() {
-    do {
-      line_.clear();
-      if (!fillLine()) return false;
-      ++number_;
-      if (line_.ends_with('\r')) line_.pop_back();
-      if (number_ == 1 && line_.starts_with("\xEF\xBB\xBF")) line_.erase(0, 3);
-    } while (line_.find_first_not_of(" \t") == std::string::npos);
-    return true;
-  }
-
-  [[nodiscard]] std::string_view line() const { return line_; }
-  [[nodiscard]] std::size_t number() const { return number_; }
-
- private:
-  bool fillLine() {
-    bool any = false;
-    for (;;) {
-      if (begin_ == end_) {
-        begin_ = 0;
-        end_ = bytes_->read(buffer_.data(), buffer_.size());
-        if (end_ == 0) return any;
-      }
-      any = true;
-      const char* first = buffer_.data() + begin_;
-      const auto* stop = static_cast<const char*>(std::memchr(first, '\n', end_ - begin_));
-      const std::size_t count =
-          stop == nullptr ? end_ - begin_ : static_cast<std::size_t>(stop - first);
-      line_.append(first, count);
-      begin_ += count + (stop == nullptr ? 0 : 1);
-      if (stop != nullptr) return true;
-      if (line_.size() > longestLine) {
-        throw tool::Failure(fmt::format("{}:{}: the line has more than {} MiB", name_, number_ + 1,
-                                        longestLine >> 20U),
-                            ZTB_ERROR_LIMIT);
-      }
-    }
-  }
-
-  std::string name_;
-  std::unique_ptr<ByteSource> bytes_;
-  std::string buffer_;
-  std::size_t begin_ = 0;
-  std::size_t end_ = 0;
-  std::string line_;
-  std::size_t number_ = 0;
-};
-
-class JsonTable : public TableReader {
- public:
-  explicit JsonTable(const std::string& path) : TableReader(tool::inputName(path)), lines_(path) {}
-
-  bool next(ProblemList& problems) override {
-    if (names_.empty()) return readHeader(problems);
-    for (;;) {
-      if (pending_) {
-        pending_ = false;
-      } else if (!readObject(problems)) {
-        return false;
-      }
-      if (takeRow(problems)) return true;
-    }
-  }
-  [[nodiscard]] TextPosition position() const override {
-    return {.line = lines_.number(), .column = 0};
-  }
-
- private:
-  // Reads up to the next line that is an object.
-  bool readObject(ProblemList& problems) {
-    while (lines_.next()) {
-      const std::string fault = parseJsonObject(lines_.line(), object_);
-      if (fault.empty()) return true;
-      problems.add(place(position()), fault);
-    }
-    return false;
-  }
-
-  bool readHeader(ProblemList& problems) {
-    if (!readObject(problems)) return false;
-    names_ = object_.names;
-    for (std::size_t place = 0; place < names_.size(); ++place) places_[names_[place]] = place;
-    fields_.clear();
-    for (const std::string& name : names_) {
-      fields_.push_back({.text = name, .quoted = true, .at = position()});
-    }
-    pending_ = true;
-    return !names_.empty();
-  }
-
-  // The place of a key, which is mostly where it stands.
-  [[nodiscard]] std::optional<std::size_t> placeOf(const std::string& name,
-                                                   std::size_t member) const {
-    if (member < names_.size() && names_[member] == name) return member;
-    const auto found = places_.find(name);
-    return found == places_.end() ? std::nullopt : std::optional(found->second);
-  }
-
-  bool takeRow(ProblemList& problems) {
-    fields_.assign(names_.size(), {.text = "", .at = position()});
-    for (std::size_t member = 0; member < object_.names.size(); ++member) {
-      const std::optional<std::size_t> found = placeOf(object_.names[member], member);
-      if (!found) {
-        problems.add(place(position()), fmt::format("the first line has no key {}",
-                                                    tool::inQuotes(object_.names[member])));
-        return false;
-      }
-      TableField& field = fields_[*found];
-      const JsonValue& value = object_.values[member];
-      field.text = value.text;
-      field.quoted = value.kind == JsonValue::Kind::text;
-      field.isNumber = value.kind == JsonValue::Kind::number;
-      field.number = value.number;
-      if (value.rounded) field.rounded = value.text;
-      if (value.kind == JsonValue::Kind::array) {
-        field.fault = "is an array, expected a text or a number";
-      }
-    }
-    return true;
-  }
-
-  Lines lines_;
-  JsonObject object_;
-  bool pending_ = false;
-  std::vector<std::string> names_;
-  std::unordered_map<std::string, std::size_t> places_;
-};
 
 // A row that was taken out of a line: texts in a heap of all, and numbers.
 struct StoredField {
@@ -299,8 +154,12 @@ class JsonDatabase : public DatabaseReader {
     if (object_.find("symbols") != nullptr) return takeCounts();
     if (const JsonValue* label = object_.find("label")) {
       if (label->kind != JsonValue::Kind::text) return "label: is no text";
+      if (!addText(labels_, label->text)) {
+        labels_.fields.pop_back();
+        return "label: a backslash stands before no escape";
+      }
       labels_.lines.push_back(lines_.number());
-      return addText(labels_, label->text) ? "" : "label: a backslash stands before no escape";
+      return {};
     }
     if (object_.find("of") != nullptr) return takeRecord();
     return "has none of the keys symbol, label and of";
@@ -326,7 +185,7 @@ class JsonDatabase : public DatabaseReader {
     if (!type) return "type: expected set, parameter, variable, equation or alias";
     entry.type = *type;
     if (const JsonValue* domains = object_.find("domains")) {
-      if (domains->kind != JsonValue::Kind::array) return "domains: is no array";
+      if (domains->kind != JsonValue::Kind::list) return "domains: is no array of texts";
       for (const std::string& domain : domains->items) {
         entry.domains.push_back(unspelled(domain).value_or(domain));
       }
@@ -358,13 +217,16 @@ class JsonDatabase : public DatabaseReader {
     StoredRows& rows = found->second;
     static const std::vector<std::string> none;
     const JsonValue* keys = object_.find("keys");
+    if (keys != nullptr && keys->kind != JsonValue::Kind::list) {
+      return "keys: is no array of texts";
+    }
     const std::vector<std::string>& labels = keys == nullptr ? none : keys->items;
     const std::vector<std::string> contents = ztb::contentColumns(types_[name]);
     if (labels.size() + contents.size() != rows.columns) {
       return fmt::format("keys: has {}, expected {}", tool::counted(labels.size(), "label"),
                          rows.columns - contents.size());
     }
-    rows.lines.push_back(lines_.number());
+    const std::size_t before = rows.fields.size();
     for (const std::string& label : labels) {
       if (!addText(rows, label)) fault = "keys: a backslash stands before no escape";
     }
@@ -375,9 +237,16 @@ class JsonDatabase : public DatabaseReader {
             {.begin = 0, .size = 0, .number = 0, .isNumber = false, .missing = true});
       } else if (value->kind == JsonValue::Kind::number) {
         rows.fields.push_back({.begin = 0, .size = 0, .number = value->number, .isNumber = true});
+      } else if (const char* nested = nestingFault(*value)) {
+        fault = fmt::format("{}: {}", content, nested);
       } else if (!addText(rows, value->text)) {
         fault = fmt::format("{}: a backslash stands before no escape", content);
       }
+    }
+    if (fault.empty()) {
+      rows.lines.push_back(lines_.number());
+    } else {
+      rows.fields.resize(before);
     }
     return fault;
   }
@@ -392,7 +261,7 @@ class JsonDatabase : public DatabaseReader {
   }
 
   std::string path_;
-  Lines lines_;
+  TextLines lines_;
   JsonObject object_;
   std::string heap_ = std::string(1, '\0');
   StoredRows labels_;
@@ -407,10 +276,6 @@ class JsonDatabase : public DatabaseReader {
 };
 
 }  // namespace
-
-std::unique_ptr<TableReader> openJsonLines(const TableSource& source) {
-  return std::make_unique<JsonTable>(source.path);
-}
 
 std::unique_ptr<DatabaseReader> openJsonDatabase(const std::string& path) {
   return std::make_unique<JsonDatabase>(path);

@@ -15,6 +15,10 @@ class SetsRun {
   bool option(const std::string& name, const std::string& value);
 
   [[nodiscard]] bool hasFiles() const { return !options_.files.empty(); }
+  // The file that was given last; empty for none.
+  [[nodiscard]] std::string lastFile() const {
+    return hasFiles() ? options_.files.back() : std::string();
+  }
 
   // Each makes an exchange file, which may be one of those that it is made of. Throws UsageError,
   // Failure or Conflict, and nothing is written then; `result` has the problems.

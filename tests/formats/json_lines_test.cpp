@@ -91,13 +91,50 @@ TEST_F(TableTest, TellsWhatIsWrongWithJsonLines) {
   const std::string errors = errorsOf("a.jsonl", price);
   EXPECT_THAT(errors, HasSubstr("a.jsonl:2: is no JSON from char "));
   EXPECT_THAT(errors, HasSubstr("a.jsonl:3: is no object\n"));
-  EXPECT_THAT(errors, HasSubstr("a.jsonl:4: holds an object within the object\n"));
+  EXPECT_THAT(errors, HasSubstr("a.jsonl:4: cents: is an object, expected a text or a number\n"));
   EXPECT_THAT(errors, HasSubstr("a.jsonl:5: cents: is an array, expected a text or a number\n"));
   EXPECT_THAT(errors, HasSubstr("a.jsonl:6: has the key 'food' twice\n"));
   EXPECT_THAT(errors, HasSubstr("a.jsonl:7: the first line has no key 'price'\n"));
   EXPECT_THAT(errors, HasSubstr("a.jsonl:8: is no JSON from char "));
   EXPECT_THAT(errors, HasSubstr("a.jsonl:9: cents: 'x' is not a number\n"));
   EXPECT_THAT(errors, HasSubstr("none.rxf: not written: 8 problems in the input"));
+}
+
+TEST_F(TableTest, PassesOverNestedValuesThatNoColumnUses) {
+  write("a.jsonl",
+        "{\"food\":\"Milk\",\"tags\":[\"a\",{\"food\":\"x\",\"food\":[1,[2]]}],\"cents\":1}\n"
+        "{\"tags\":{\"food\":{\"cents\":5},\"n\":null},\"cents\":2,\"food\":\"Tofu\"}\n"
+        "{\"tags\":[],\"cents\":3,\"food\":\"Ham\"}\n");
+  const ztb::Database read = imported("a.jsonl", price);
+  EXPECT_EQ(read["price"].recordCount(), 3);
+  EXPECT_EQ(read["price"].find("Milk")->level(), 1);
+  EXPECT_EQ(read["price"].find("Tofu")->level(), 2);
+  EXPECT_EQ(errorsOf("a.jsonl", {{"set", "tags"}}),
+            "a.jsonl:1: tags: is an array, expected a text or a number\n"
+            "a.jsonl:2: tags: is an object, expected a text or a number\n"
+            "a.jsonl:3: tags: is an array, expected a text or a number\n"
+            "none.rxf: not written: 3 problems in the input");
+  // Nor are they cells without a value.
+  write("w.jsonl", "{\"food\":\"Milk\",\"2020\":1,\"2021\":{\"x\":2}}\n");
+  EXPECT_EQ(errorsOf("w.jsonl", {{"wide", "year"}, {"parameter", "p(food, year)"}}),
+            "w.jsonl:1: value: is an object, expected a text or a number\n"
+            "none.rxf: not written: 1 problem in the input");
+}
+
+TEST_F(TableTest, TellsNestedValuesOfADatabase) {
+  write("a.jsonl",
+        "{\"symbol\":\"food\",\"type\":\"set\",\"domains\":[\"*\"],\"more\":{\"a\":[1]}}\n"
+        "{\"symbol\":\"dish\",\"type\":\"set\",\"domains\":[[\"*\"]]}\n"
+        "{\"of\":\"food\",\"keys\":[\"Milk\"],\"text\":[\"a\"]}\n"
+        "{\"of\":\"food\",\"keys\":[\"Tofu\"],\"text\":{\"a\":1}}\n"
+        "{\"of\":\"food\",\"keys\":[\"Ham\",1]}\n"
+        "{\"of\":\"food\",\"keys\":[\"Soy\"],\"more\":[[]]}\n");
+  EXPECT_EQ(errorsOf("a.jsonl", {}),
+            "a.jsonl:2: domains: is no array of texts\n"
+            "a.jsonl:3: text: is an array, expected a text or a number\n"
+            "a.jsonl:4: text: is an object, expected a text or a number\n"
+            "a.jsonl:5: keys: is no array of texts\n"
+            "none.rxf: not written: 4 problems in the input");
 }
 
 TEST_F(TableTest, TellsLinesThatMakeNoDatabase) {

@@ -342,9 +342,10 @@ TEST_F(ParquetTest, RefusesWhatItCannotTake) {
   EXPECT_FALSE(all.exportFile(rxf()));
   EXPECT_THAT(all.errors(folder_),
               HasSubstr("a parquet file takes the table of one symbol, 2 symbols are chosen"));
-  Job out({{"symbol", "price"}, {"to", "-"}, {"format", "parquet"}});
+  Job out({{"all", ""}, {"to", "-"}, {"format", "parquet"}});
   EXPECT_FALSE(out.exportFile(rxf()));
-  EXPECT_EQ(out.errors(folder_), "--to -: a parquet file cannot go to standard output");
+  EXPECT_EQ(out.errors(folder_),
+            "--to -: standard output takes the table of one symbol, 2 symbols are chosen");
   EXPECT_FALSE(std::filesystem::exists(folder_.file("b.rxf")));
   EXPECT_FALSE(std::filesystem::exists(folder_.file("all.parquet")));
 }
@@ -374,6 +375,18 @@ TEST_F(ParquetTest, GoesThroughTheCommandAndBack) {
                     " --format parquet >/dev/null && " + ztb + " import " + back + " --from " +
                     folder + " >/dev/null && " + ztb + " diff " + rxf() + " " + back),
             "no difference: 2 symbols, 4 records\n");
+}
+
+TEST_F(ParquetTest, GoesThroughPipes) {
+  const std::string ztb = ZTB_PROGRAM;
+  const std::string back = folder_.file("back.rxf");
+  const std::string import = ztb + " import " + back + " --from - --format parquet --parameter ";
+  printed(ztb + " export " + rxf() + " price --to - --format parquet | " + import +
+          "'price(food, dim_2)' 2>&1");
+  const ztb::Database read = ztb::Database::open(back);
+  EXPECT_EQ(read["price"].find("Milk", "a")->level(), 0.1 + 0.2);
+  EXPECT_THAT(printed("(echo PAR1 | " + import + "'p(i)' 2>&1); test $? = 1"),
+              StartsWith("ztb: standard input: "));
 }
 
 TEST_F(ParquetTest, SaysHowToGetDuckdbWhereThereIsNone) {

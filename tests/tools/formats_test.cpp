@@ -87,13 +87,49 @@ TEST_F(ToolFormatsTest, WhatIsWrongIsToldWithItsPlace) {
   expectFails(2,
               "ztb: --to a.csv: a csv file takes the table of one symbol, 4 symbols are chosen\n",
               {"export", "a.rxf", "--all", "--to", "a.csv"});
-  expectFails(2, "ztb: --to -: a sqlite file cannot go to standard output\n",
-              {"export", "a.rxf", "price", "--to", "-", "--format", "sqlite"});
-  EXPECT_FALSE(exists("-"));
   expectFails(1, "ztb: none.db: cannot be read: No such file or directory\n",
               {"import", "b.rxf", "--from", "none.db"});
   EXPECT_EQ(ztb({"export", "a.rxf", "--all", "--to", "a.db", "--csv", "x"}).status, 2);
   EXPECT_EQ(ztb({"export", "a.rxf", "--all", "--to", "a.q", "--format", "q"}).status, 2);
+}
+
+// Also those whose files are read and written in places.
+TEST_F(ToolFormatsTest, DatabasesGoThroughStandardStreams) {
+  for (const std::string format : {"sqlite", "xlsx", "jsonl"}) {
+    const Outcome out = ztb({"export", "a.rxf", "--all", "--to", "-", "--format", format});
+    EXPECT_EQ(out.status, 0) << out.errors;
+    EXPECT_EQ(out.errors, "");
+    const Outcome in = ztb({"import", "b.rxf", "--from", "-", "--format", format}, out.output);
+    EXPECT_EQ(in.status, 0) << in.errors;
+    EXPECT_EQ(ztb({"diff", "a.rxf", "b.rxf"}).status, 0) << format;
+  }
+  for (const std::string format : {"sqlite", "xlsx"}) {
+    const Outcome out = ztb({"export", "a.rxf", "price", "--to", "-", "--format", format});
+    const std::vector<std::string> table{"--format", format, "--parameter", "price(food)"};
+    for (const std::string source : {"-", "-#price"}) {
+      std::vector<std::string> arguments{"import", "c.rxf", "--from", source};
+      arguments.insert(arguments.end(), table.begin(), table.end());
+      EXPECT_EQ(ztb(arguments, out.output).errors, "") << format;
+      EXPECT_EQ(ztbFine({"show", "c.rxf", "price", "--csv"}),
+                "food,value\nMilk,0.30000000000000004\n");
+    }
+    // No temporary name is told.
+    const Outcome wrong = ztb(
+        {"import", "d.rxf", "--from", "-#price", "--format", format, "--parameter", "price(nope)"},
+        out.output);
+    EXPECT_EQ(wrong.status, 1);
+    EXPECT_EQ(wrong.errors, std::string("standard input#price") + (format == "xlsx" ? "!1" : "") +
+                                ": no column 'nope'; the columns are food, value\n"
+                                "ztb: d.rxf: not written: 1 problem in the input\n");
+    EXPECT_EQ(ztb({"import", "d.rxf", "--from", "-", "--format", format}, "no such file").errors,
+              format == "xlsx"
+                  ? "ztb: standard input: is no workbook: it cannot be opened as a zip file\n"
+                  : "ztb: standard input: SQLite: file is not a database\n");
+  }
+  const Outcome full = ztb({"export", "a.rxf", "price", "--to", "-", "--format", "xlsx"}, "",
+                           tooltest::OutputTo::fullDisk);
+  EXPECT_EQ(full.status, 1);
+  EXPECT_EQ(full.errors, "ztb: standard output: cannot be written: No space left on device\n");
 }
 
 TEST_F(ToolFormatsTest, ANameThatTellsNoFormatIsNoFolder) {
