@@ -34,9 +34,36 @@ std::size_t countOf(const std::string& option, const std::string& text) {
   return count;
 }
 
-void requireThere(const std::string& path) {
-  if (path != "-" && !isThere(path)) {
-    throw tool::systemFailure(path, "cannot be read", ENOENT);
+// Whether a folder is no whole database in the format.
+bool lacksSymbols(const Format& format, const std::string& path) {
+  return format.ownsFolder != nullptr && isFolder(path) && !format.ownsFolder(path);
+}
+
+[[noreturn]] void failLacking(const Format& format, const std::string& folder, bool either) {
+  throw tool::Failure(
+      fmt::format("{}: the folder has no _symbols.{}{}, so that it holds no whole database; give "
+                  "its files one by one, as in --from {}, with --set, --parameter or --variable",
+                  folder, format.name, either ? " or _symbols.parquet" : "",
+                  nameIn(folder, fmt::format("NAME.{}", format.name))),
+      ZTB_ERROR_NO_FILE);
+}
+
+// A source that is a file which can be opened, or a folder that is a whole database.
+void requireThere(const Format& format, const std::string& path, bool isTable) {
+  if (path == "-") return;
+  if (!isThere(path)) throw tool::systemFailure(path, "cannot be read", ENOENT);
+  if (!isFolder(path)) return;
+  // A folder whose format nothing tells is looked at as one of CSV.
+  const bool isCsv = format.name == std::string_view("csv");
+  if (lacksSymbols(format, path) && !isTable) failLacking(format, path, isCsv);
+  if (format.ownsFolder == nullptr) {
+    throw tool::Failure(fmt::format("{}: is a folder, expected a {} file", path, format.name));
+  }
+  if (isTable) {
+    throw tool::Failure(
+        fmt::format("{}: is a folder, and a table is one file of it, as in --from {}", path,
+                    nameIn(path, fmt::format("NAME.{}", format.name))),
+        ZTB_ERROR_REFUSED);
   }
 }
 
@@ -61,6 +88,13 @@ void rewriteFrom(ztb::Store store, const std::string& path, bool checkDomains) {
 
 }  // namespace
 
+void ImportRun::requireOnce(const std::string& option, const std::string& value,
+                            bool isThere) const {
+  if (!isThere) return;
+  throw UsageError(fmt::format("--{} {}: --{} is given twice for --from {}", option, value, option,
+                               sources_.back().argument));
+}
+
 ImportRun::Source& ImportRun::lastSource(const std::string& option) {
   if (sources_.empty()) {
     throw UsageError(fmt::format("{}: a --from FILE must stand before it", option));
@@ -75,18 +109,23 @@ bool ImportRun::option(const std::string& name, const std::string& value) {
     sources_.push_back(std::move(source));
   } else if (name == "format") {
     Source& source = lastSource("--format " + value);
+    requireOnce(name, value, source.format != nullptr);
     source.format = &formatFor(source.tables.table.path, value);
     if (!source.format->hasParts) source.tables.table = {.path = source.argument, .part = {}};
   } else if (const std::optional<SpecKind> kind = kindOf(name)) {
     lastSource("--" + name + " " + value).tables.symbols.push_back(parseSymbolSpec(*kind, value));
   } else if (name == "wide") {
-    parseWide(value, lastSource("--wide " + value).tables.shape);
+    TableShape& shape = lastSource("--wide " + value).tables.shape;
+    requireOnce(name, value, !shape.wide.empty());
+    parseWide(value, shape);
   } else if (name == "rename") {
     parseRename(value, lastSource("--rename " + value).tables.shape);
   } else if (name == "units") {
     parseUnits(value, lastSource("--units " + value).tables.shape);
   } else if (name == "dates") {
-    parseDates(value, lastSource("--dates " + value).tables.shape);
+    TableShape& shape = lastSource("--dates " + value).tables.shape;
+    requireOnce(name, value, shape.dates.has_value());
+    parseDates(value, shape);
   } else if (name == "dir") {
     folder_ = value;
   } else if (name == "separator") {
@@ -122,7 +161,7 @@ void ImportRun::resolve(Source& source) {
   }
   source.tables.open = [format = source.format](const TableSource& opened) {
     requireReadable(*format);
-    requireThere(opened.path);
+    requireThere(*format, opened.path, true);
     return format->openTable(opened);
   };
 }
@@ -150,8 +189,11 @@ void ImportRun::checkUsage() const {
     throw UsageError("-: standard input can be read once, so - can stand once");
   }
   for (const Source& source : sources_) {
-    // What no library is there for is told as such.
-    if (*source.format->missingToRead != '\0') continue;
+    // What no library is there for is told as such, and what a folder lacks.
+    if (*source.format->missingToRead != '\0' ||
+        (sources_.size() == 1 && lacksSymbols(*source.format, source.tables.table.path))) {
+      continue;
+    }
     const bool isTable = source.format->openDatabase == nullptr ||
                          !source.tables.table.part.empty() ||
                          (source.format->ownsFolder != nullptr &&
@@ -184,13 +226,16 @@ void ImportRun::fill(ztb::Database& database, RecordImport& records, ProblemList
   }
   std::vector<std::string> lostRoles;
   if (folder_) {
-    problems.attempt(
-        [&] { importDatabase(database, *openCsvFolder(*folder_), records, problems); });
+    problems.attempt([&] {
+      const Format& csv = *formatNamed("csv");
+      if (lacksSymbols(csv, *folder_)) failLacking(csv, *folder_, false);
+      importDatabase(database, *openCsvFolder(*folder_), records, problems);
+    });
   } else if (sources_.front().tables.symbols.empty()) {
     const Source& source = sources_.front();
     problems.attempt([&] {
       requireReadable(*source.format);
-      requireThere(source.tables.table.path);
+      requireThere(*source.format, source.tables.table.path, false);
       importDatabase(database, *source.format->openDatabase(source.tables.table.path), records,
                      problems);
     });

@@ -52,6 +52,8 @@ class ImportRun {
   };
 
   Source& lastSource(const std::string& option);
+  // Throws UsageError where the last source has the option already.
+  void requireOnce(const std::string& option, const std::string& value, bool isThere) const;
   void checkUsage() const;
   static void resolve(Source& source);
   // Puts standard input into a file where a format needs one.

@@ -36,8 +36,10 @@ const FileSymbol& sweptSet(const ExchangeFile& file, const FileSymbol& named,
                                                     tool::typeWord(found.type))));
   }
   if (found.dimension != 1) {
-    throw Failure(withFile(file.path(), fmt::format("set {} has {} positions; --over wants one",
-                                                    over, found.dimension)));
+    throw Failure(withFile(
+        file.path(),
+        fmt::format("set {} has {}; --over wants one", over,
+                    tool::counted(static_cast<std::size_t>(found.dimension), "position"))));
   }
   if (found.recordCount == 0) {
     throw Failure(withFile(file.path(), fmt::format("set {} is empty", over)));

@@ -14,6 +14,7 @@
 #include "formats/arrow/arrow_table.h"
 #include "formats/arrow/column_records.h"
 #include "formats/tables/domain_argument.h"
+#include "tools/text/words.h"
 
 namespace formats {
 
@@ -76,8 +77,10 @@ std::vector<std::size_t> keysOfSymbol(const std::vector<std::string>& columns,
     return std::move(*places);
   }
   if (columns.size() < domains.size()) {
-    failImport(fmt::format("{} columns ({}) are not enough for the {} positions of symbol {}",
-                           columns.size(), fmt::join(columns, ", "), domains.size(), name));
+    failImport(fmt::format("{} ({}) {} not enough for the {} of symbol {}",
+                           tool::counted(columns.size(), "column"), fmt::join(columns, ", "),
+                           columns.size() == 1 ? "is" : "are",
+                           tool::counted(domains.size(), "position"), name));
   }
   std::vector<std::size_t> places(domains.size());
   std::iota(places.begin(), places.end(), std::size_t{0});
@@ -237,8 +240,10 @@ void fillFromArrow(const ztb::Symbol& symbol, ArrowArrayStream* stream,
   std::vector<std::size_t> keys = options.keys == nullptr ? keysOfSymbol(table.names(), symbol)
                                                           : keysOfOptions(table.names(), options);
   if (keys.size() != static_cast<std::size_t>(symbol.dimension())) {
-    failImport(fmt::format("{} columns of labels are named, symbol {} has {} positions",
-                           keys.size(), name, symbol.dimension()));
+    failImport(
+        fmt::format("{} of labels {} named, symbol {} has {}", tool::counted(keys.size(), "column"),
+                    keys.size() == 1 ? "is" : "are", name,
+                    tool::counted(static_cast<std::size_t>(symbol.dimension()), "position")));
   }
   const SymbolPlan plan = planOf(table, std::move(keys), symbol.type(), name);
   table.read(plan.columns);

@@ -128,9 +128,11 @@ void SheetRows::finishCell() {
     cell.text = value_;
     cell.fault = "holds an error";
   } else if (type_ == "b") {
-    cell.isNumber = true;
-    cell.number = value_ == "1" || value_ == "true" ? 1 : 0;
-    cell.text = cell.number != 0 ? "TRUE" : "FALSE";
+    const bool isTrue = value_ == "1" || value_ == "true";
+    cell.isNumber = isTrue || value_ == "0" || value_ == "false";
+    cell.number = isTrue ? 1 : 0;
+    cell.text = !cell.isNumber ? value_ : isTrue ? "TRUE" : "FALSE";
+    if (!cell.isNumber) cell.fault = "is no truth value, which is 0 or 1";
   } else {
     std::string reason;
     const bool isNumber = value_.find_first_not_of("+-.0123456789eE") == std::string::npos;

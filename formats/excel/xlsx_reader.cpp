@@ -64,7 +64,8 @@ class XlsxReader : public TableReader {
   }
   [[nodiscard]] std::string place(TextPosition at) const override {
     if (at.line == 0) return path_;
-    return fmt::format("{}!{}{}", path_, at.column == 0 ? "" : columnLetters(at.column), at.line);
+    if (at.column == 0) return fmt::format("{}: row {}", path_, at.line);
+    return fmt::format("{}!{}{}", path_, columnLetters(at.column), at.line);
   }
   [[nodiscard]] std::string shortPlace(TextPosition at) const override {
     return fmt::format("row {}", at.line);

@@ -170,10 +170,11 @@ class Merge {
         !merged.symbol.isAlias() && !united_.contains(tool::folded(merged.symbol.name));
     if (!merged.hasCase) return;
     if (merged.symbol.dimension() == ZTB_MAX_DIMENSION) {
-      problems_.add(
-          merged.symbol.name,
-          fmt::format("has {} positions in {}, none is left for {}", merged.symbol.dimension(),
-                      source.file->file->path(), run_.options.caseSet));
+      problems_.add(merged.symbol.name,
+                    fmt::format("has {} in {}, none is left for {}",
+                                tool::counted(static_cast<std::size_t>(merged.symbol.dimension()),
+                                              "position"),
+                                source.file->file->path(), run_.options.caseSet));
       merged.broken = true;
     }
     merged.symbol.domains.insert(merged.symbol.domains.begin(), run_.options.caseSet);

@@ -5,6 +5,7 @@
 #include <limits>
 #include <utility>
 
+#include "formats/file_name.h"
 #include "formats/sqlite/sqlite_file.h"
 #include "formats/sqlite/sqlite_tables.h"
 #include "formats/tables_database.h"
@@ -167,6 +168,43 @@ std::unique_ptr<TableReader> openSqlite(const TableSource& source) {
   std::string sql = "select * from " + quotedName(*found);
   if (source.exact) sql += " order by rowid";
   return std::make_unique<SqliteReader>(std::move(file), sql, source.path + '#' + *found, exact);
+}
+
+void requireReplaceableSqlite(const std::string& path) {
+  if (!isThere(path)) return;
+  std::string others;
+  try {
+    const SqliteFile file = SqliteFile::forReading(path);
+    const std::vector<std::string> tables = file.tables();
+    const OwnTables own = ownTables(path, tables);
+    const bool hasCatalogue =
+        std::ranges::find(tables, std::string_view(symbolsTable)) != tables.end();
+    const SqliteStatement marked =
+        file.prepare("select instr(sql, ?) from sqlite_schema where name = ?");
+    for (const std::string& table : tables) {
+      // Where the table of symbols tells what is ours, a mark of before tells nothing.
+      bool isOurs = table == symbolsTable || own.has(table);
+      if (!hasCatalogue) {
+        sqlite3_bind_text(marked.get(), 1, exportMark, -1, SQLITE_STATIC);
+        sqlite3_bind_text(marked.get(), 2, table.data(), static_cast<int>(table.size()),
+                          SQLITE_STATIC);
+        if (sqlite3_step(marked.get()) != SQLITE_ROW) file.fail();
+        isOurs = sqlite3_column_int(marked.get(), 0) > 0;
+        sqlite3_reset(marked.get());
+      }
+      if (!isOurs) others += (others.empty() ? "" : ", ") + table;
+    }
+  } catch (const tool::Failure& failure) {
+    // What is no database, or damaged, is replaced like a file of any other format.
+    if (failure.kind() == ZTB_ERROR_DAMAGED_FILE) return;
+    throw;
+  }
+  if (others.empty()) return;
+  throw tool::Failure(
+      fmt::format("{}: has tables that no export wrote and that would be lost: {}; give another "
+                  "file, and its tables can be put together in SQL",
+                  path, tool::shortened(others)),
+      ZTB_ERROR_REFUSED);
 }
 
 std::unique_ptr<DatabaseReader> openSqliteDatabase(const std::string& path) {

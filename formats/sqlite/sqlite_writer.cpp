@@ -36,6 +36,7 @@ class SqliteWriter : public TableWriter {
  public:
   explicit SqliteWriter(const std::string& path)
       : published_(path), file_(SqliteFile::forWriting(published_.temporary(), path)) {
+    requireReplaceableSqlite(path);
     file_.run("begin");
   }
 
@@ -64,7 +65,8 @@ class SqliteWriter : public TableWriter {
     hasGaps_ = head.hasGaps;
     kinds_.clear();
     for (const TableColumn& column : head.columns) kinds_.push_back(column.kind);
-    file_.run(fmt::format("create table {} ({}) strict", quotedName(name), columns));
+    file_.run(
+        fmt::format("create table {} /*{}*/ ({}) strict", quotedName(name), exportMark, columns));
     insert_ = file_.prepare(fmt::format("insert into {} values ({})", quotedName(name), marks));
     at_ = 0;
   }

@@ -171,6 +171,10 @@ TEST_F(ExcelTest, RefusesForgedAndDamagedWorkbooks) {
   EXPECT_THAT(errorsOf("flipped.xlsx", price), HasSubstr("flipped.xlsx: part xl/sheet.xml"));
   EXPECT_THAT(errorsOf("number.xlsx", price),
               HasSubstr("number.xlsx#S!B2: price: is a number that cannot be read"));
+  EXPECT_THAT(errorsOf("truth.xlsx", price),
+              HasSubstr("truth.xlsx#S!B2: price: is no truth value, which is 0 or 1"));
+  EXPECT_THAT(errorsOf("truth.xlsx", {{"set", "nope"}}),
+              HasSubstr("truth.xlsx#S: row 1: no column 'nope'"));
   EXPECT_EQ(errorsOf("shared.xlsx", price),
             "shared.xlsx: a cell refers to the shared text 7, of 2");
   EXPECT_EQ(errorsOf("place.xlsx", price), "place.xlsx: S: a cell of row 2 is called ZZZZ2");

@@ -120,6 +120,7 @@ forge("loose.xlsx",
       '<x:c t="str"><x:f>A1</x:f><x:v>eps</x:v></x:c></x:row>',
       texts=rich)
 forge("number.xlsx", cell("B2", "1e999"))
+forge("truth.xlsx", cell("B2", "2", "b"))
 forge("shared.xlsx", cell("B2", "7", "s"), texts=rich)
 forge("place.xlsx", cell("ZZZZ2", "1"))
 forge("backwards.xlsx", cell("A2", "1"))

@@ -100,4 +100,40 @@ TEST_F(TableTest, TellsOfWholeNumbersOfSqliteThatNoDoubleHolds) {
   EXPECT_TRUE(read["s"].find("9007199254740993").has_value());
 }
 
+TEST_F(TableTest, DestroysNoTablesOfAnotherProgram) {
+  ztb::Database database;
+  ztb::Symbol stock = database.addParameter("stock", {"food", "year"});
+  stock.add("Milk", "2020").setLevel(1);
+  const auto exported = [&](const std::string& file, const Options& options) {
+    Options all{{"to", folder_.file(file)}};
+    all.insert(all.end(), options.begin(), options.end());
+    Job job(all);
+    job.exportDatabase(database.handle());
+    return job.errors(folder_);
+  };
+  const Options one{{"symbol", "stock"}};
+  const Options wide{{"symbol", "stock"}, {"wide", "year"}};
+  const std::string refusal =
+      " has tables that no export wrote and that would be lost: shipments; give another file, and "
+      "its tables can be put together in SQL";
+  sql("own.db", "create table shipments(food text); insert into shipments values ('Tofu')");
+  for (const Options& options : {one, wide, Options{{"all", ""}}}) {
+    EXPECT_EQ(exported("own.db", options), "own.db:" + refusal);
+  }
+  EXPECT_EQ(imported("own.db", {{"set", "f(food)"}})["f"].recordCount(), 1);
+  // What was exported is replaced, unless something of another program stands in it by now.
+  for (const Options& options : {one, wide}) {
+    const std::string file = options.size() == 1 ? "one.db" : "wide.db";
+    EXPECT_EQ(exported(file, options), "");
+    EXPECT_EQ(exported(file, options), "");
+    sql(file, "create view shipments as select 1");
+    EXPECT_EQ(exported(file, options), file + ":" + refusal);
+  }
+  // So is a file that is no database.
+  write("text.db", formatstest::foods);
+  EXPECT_EQ(exported("text.db", one), "");
+  write("empty.db", "");
+  EXPECT_EQ(exported("empty.db", one), "");
+}
+
 }  // namespace

@@ -106,6 +106,19 @@ TEST_F(TableTest, TakesTheColumnOfTheNameBeforeThatOfValues) {
             "none.rxf: not written: 1 problem in the input");
 }
 
+TEST_F(TableTest, TellsOptionsOfASourceThatAreGivenTwice) {
+  for (const auto& [name, value] : Options{{"wide", "year"}, {"dates", "dmy"}, {"format", "tsv"}}) {
+    const std::pair<std::string, std::string> option{name, value};
+    Job twice({{"from", "a.csv"}, option, option});
+    EXPECT_FALSE(twice.import(folder_.file("none.rxf")));
+    EXPECT_TRUE(twice.isUsage());
+    EXPECT_EQ(twice.errors(folder_),
+              "--" + name + " " + value + ": --" + name + " is given twice for --from a.csv");
+    Job others({{"from", "a.csv"}, option, {"from", "b.csv"}, option});
+    EXPECT_EQ(others.errors(folder_), "");
+  }
+}
+
 TEST_F(TableTest, TakesNumbersInAnotherUnit) {
   write("a.csv", "food,tons,cents\nMilk,1.5,7\nTofu,inf,eps\nHam,0,-29\n");
   const ztb::Database stock = imported("a.csv", {{"rename", "food = dish"},

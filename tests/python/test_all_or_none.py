@@ -55,7 +55,7 @@ def test_levels_of_an_index_are_taken_by_name(db):
 @pytest.mark.parametrize("pairs, failure, text", [
     ({"a": 2, "b": "x"}, TypeError, "the value 'x' \\(str\\) of symbol p is no number"),
     ([("a", 2), ("b\n", 3)], ztb.Error, "control character"),
-    ([("a", 2), (("b", "c"), 3)], ValueError, "2 labels given, symbol p has 1 positions"),
+    ([("a", 2), (("b", "c"), 3)], ValueError, "2 labels given, symbol p has 1 position"),
     ([("a", 2), 3], TypeError, "3 is no pair of key and value"),
     (3, TypeError, "3 \\(int\\) holds no pair of key and values"),
     ("ab", TypeError, "'ab' holds no pairs of key and value, nor is it a mapping"),

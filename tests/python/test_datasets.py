@@ -70,3 +70,13 @@ def test_values_are_summed_up(tmp_path):
         assert top["top"]["Malt"] == 5
     with pytest.raises(ValueError, match="how='median': expected one of sum, mean"):
         ztb.aggregate(source, "price", how="median")
+
+
+def test_errors_name_databases_and_not_their_temporary_files():
+    cheap, dear = prices({"Milk": 11}), prices({"Milk": 12})
+    with pytest.raises(ztb.Error) as raised:
+        ztb.merge([cheap, dear])
+    assert 'price("Milk"): 11 in database 1, 12 in database 2\n' in str(raised.value)
+    assert "the result: not written: 1 conflict between the files" in str(raised.value)
+    with pytest.raises(ztb.Error, match="^database 1: Cannot find symbol cost"):
+        ztb.aggregate(cheap, "cost")

@@ -133,7 +133,7 @@ def test_keys_names_levels_or_columns(holds):
 def test_what_is_wrong_with_labels_is_told(holds):
     frame = long(value=[1.0, 2.0, 3.0])
     for data, keys, text in [
-        (frame, ["food"], "1 keys given, symbol holds has 2 positions"),
+        (frame, ["food"], "1 key given, symbol holds has 2 positions"),
         (frame, ["food", "no"], r"keys names 'food', but the columns are \['nutrient', 'food'"),
         (frame.set_index(["food", "nutrient"]), ["food", "food"], "keys names the levels"),
         (frame.drop(columns="food"), None, "label columns are not all there: food"),

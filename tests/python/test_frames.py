@@ -128,7 +128,7 @@ def test_empty_symbols_are_empty(diet):
     [
         (pd.MultiIndex.from_tuples([("a", "b"), ("A", "b")]), "row 1: another row has the same"),
         (pd.MultiIndex.from_tuples([("a", "b"), ("a", None)]), "row 1: a label of symbol holds is"),
-        (pd.Index(["a", "b"]), "the index has 1 levels, symbol holds has 2 positions"),
+        (pd.Index(["a", "b"]), "the index has 1 level, symbol holds has 2 positions"),
     ],
 )
 def test_a_refused_series_leaves_the_records(diet, index, text):

@@ -84,7 +84,7 @@ def test_a_refused_array_leaves_the_records(diet):
     for array, domains, text in [
         (np.ones((3, 2)), None, r"shape \(3, 2\)"),
         (np.ones(6), None, r"shape \(6,\)"),
-        (np.ones((2, 3)), ["food"], "1 domains given, symbol holds has 2 positions"),
+        (np.ones((2, 3)), ["food"], "1 domain given, symbol holds has 2 positions"),
         (np.ones((2, 3)), ["food", "holds"], "position 1 of symbol holds: no one-dimensional set"),
         (np.ones((2, 3)), ["food", "*"], "position 1 of symbol holds has no set"),
     ]:

@@ -95,7 +95,7 @@ def test_marks_choose_records_by_their_labels(holds):
 def test_what_is_wrong_with_a_partial_key_is_told(holds):
     with pytest.raises(ztb.NotFoundError, match="Cannot find label Mlik"):
         holds["Mlik", :]
-    with pytest.raises(ValueError, match="1 labels given, symbol holds has 2 positions"):
+    with pytest.raises(ValueError, match="1 label given, symbol holds has 2 positions"):
         holds[:]
     with pytest.raises(TypeError, match=r"1.5 \(float\) is no label"):
         holds[[1.5], :]

@@ -24,7 +24,7 @@ def test_groups_are_those_of_pandas(diet):
 def test_parameters_take_labels_and_numbers(diet):
     query = "select value from holds where food = ? and value > ?"
     assert ztb.sql(diet, query, "milk", 1.5).value.tolist() == [3.0]
-    with pytest.raises(ValueError, match="the query has 2 parameters, 1 are given"):
+    with pytest.raises(ValueError, match="the query has 2 parameters, 1 is given"):
         ztb.sql(diet, query, "milk")
 
 

@@ -139,8 +139,20 @@ TEST_F(FolderImportTest, ChecksDomainsAlsoOfSetsThatComeLater) {
 }
 
 TEST_F(FolderImportTest, NamesAFileThatIsMissing) {
-  expectFails(1, "ztb: in/_symbols.csv: cannot be read: No such file or directory\n",
+  const std::string lacking =
+      ", so that it holds no whole database; give its files one by one, as in --from in/NAME.csv, "
+      "with --set, --parameter or --variable\n";
+  expectFails(1, "ztb: in: the folder has no _symbols.csv" + lacking,
               {"import", "out.rxf", "--dir", "in"});
+  expectFails(1, "ztb: in: the folder has no _symbols.csv or _symbols.parquet" + lacking,
+              {"import", "out.rxf", "--from", "in"});
+  expectFails(1,
+              "ztb: in: the folder has no _symbols.parquet, so that it holds no whole database; "
+              "give its files one by one, as in --from in/NAME.parquet, with --set, --parameter or "
+              "--variable\n",
+              {"import", "out.rxf", "--from", "in", "--format", "parquet"});
+  expectFails(1, "ztb: none/_symbols.csv: cannot be read: No such file or directory\n",
+              {"import", "out.rxf", "--dir", "none"});
   write("in/_symbols.csv", std::string(header) + "p,parameter,1,*,0,,\n");
   expectFails(1, "ztb: in/p.csv: cannot be read: No such file or directory\n",
               {"import", "out.rxf", "--dir", "in"});

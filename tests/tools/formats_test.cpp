@@ -118,7 +118,8 @@ TEST_F(ToolFormatsTest, DatabasesGoThroughStandardStreams) {
         {"import", "d.rxf", "--from", "-#price", "--format", format, "--parameter", "price(nope)"},
         out.output);
     EXPECT_EQ(wrong.status, 1);
-    EXPECT_EQ(wrong.errors, std::string("standard input#price") + (format == "xlsx" ? "!1" : "") +
+    EXPECT_EQ(wrong.errors, std::string("standard input#price") +
+                                (format == "xlsx" ? ": row 1" : "") +
                                 ": no column 'nope'; the columns are food, value\n"
                                 "ztb: d.rxf: not written: 1 problem in the input\n");
     EXPECT_EQ(ztb({"import", "d.rxf", "--from", "-", "--format", format}, "no such file").errors,

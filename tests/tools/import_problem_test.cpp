@@ -130,8 +130,10 @@ TEST_F(ImportProblemTest, LeaveTheOldFileAsItWas) {
 TEST_F(ImportProblemTest, FilesThatCannotBeRead) {
   expectFails(1, "ztb: none.csv: cannot be read: No such file or directory\n",
               {"import", "out.rxf", "--from", "none.csv", "--set", "i"});
-  expectFails(1, "ztb: .: cannot be read: Is a directory\n",
+  expectFails(1, "ztb: .: is a folder, and a table is one file of it, as in --from ./NAME.csv\n",
               {"import", "out.rxf", "--from", ".", "--set", "i"});
+  expectFails(1, "ztb: .: is a folder, expected a sqlite file\n",
+              {"import", "out.rxf", "--from", ".", "--format", "sqlite", "--set", "i"});
 }
 
 TEST_F(ImportProblemTest, FilesThatCannotBeWritten) {

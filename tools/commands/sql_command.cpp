@@ -309,7 +309,8 @@ ztb::Symbol addSymbol(ztb::Database& database, const formats::SymbolSpec& spec, 
   return database.addSymbol(spec.name, type, domains, spec.text);
 }
 
-void addRecord(const Query& query, const Content& content, ztb::Database& database,
+// Gives whether the value is a null, which becomes na.
+bool addRecord(const Query& query, const Content& content, ztb::Database& database,
                ztb::Symbol& symbol, std::vector<std::string>& labels) {
   for (std::size_t position = 0; position < labels.size(); ++position) {
     if (ztbSqlType(query.rows(), content.keys[position]) == ZTB_SQL_NULL) {
@@ -325,7 +326,7 @@ void addRecord(const Query& query, const Content& content, ztb::Database& databa
   }
   ztb::Record record = symbol.add(labels);
   if (content.value < 0) {
-    return;
+    return false;
   }
   const int type = ztbSqlType(query.rows(), content.value);
   if (isText(query, content.value)) {
@@ -333,6 +334,7 @@ void addRecord(const Query& query, const Content& content, ztb::Database& databa
   }
   record.setLevel(type == ZTB_SQL_NULL ? database.specialValues()[ZTB_NOT_AVAILABLE]
                                        : ztbSqlReal(query.rows(), content.value));
+  return type == ZTB_SQL_NULL;
 }
 
 // Writes all of the first file, with the result as one symbol more.
@@ -343,6 +345,7 @@ void writeSymbol(Query& query, const SqlOptions& options) {
   OutputFile output(*options.out);
   ztb::Database database = ztb::Database::open(query.firstFile());
   std::size_t count = 0;
+  std::size_t nulls = 0;
   try {
     ztb::Symbol symbol =
         addSymbol(database, spec, content.value < 0 ? ztb::Type::set : ztb::Type::parameter);
@@ -350,7 +353,7 @@ void writeSymbol(Query& query, const SqlOptions& options) {
     query.walk([&] {
       ++count;
       try {
-        addRecord(query, content, database, symbol, labels);
+        nulls += addRecord(query, content, database, symbol, labels) ? 1 : 0;
       } catch (const std::exception& error) {
         throw Failure(fmt::format("--into {}: row {}: {}", *options.into, count, error.what()));
       }
@@ -362,6 +365,12 @@ void writeSymbol(Query& query, const SqlOptions& options) {
     throw Failure(withFile(output.name(), error.what()));
   }
   output.finish();
+  if (nulls > 0) {
+    printErrors(
+        fmt::format("ztb: warning: {}: {} na: in SQL undef, na and any other NaN are null\n",
+                    ztb::displayText(spec.name),
+                    nulls == 1 ? "1 null is" : fmt::format("{} nulls are", nulls)));
+  }
   print(fmt::format("{}: {}, {}\n", ztb::displayText(output.name()), ztb::displayText(spec.name),
                     counted(count, "record")));
 }

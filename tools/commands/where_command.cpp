@@ -37,12 +37,13 @@ void addWhereCommand(CommandLine& line) {
       "Compared with = != < <= > >= and in (...) are the fields value, level, marginal, lower,\n"
       "upper and scale with numbers, and positions, by name or number, and the field text of a "
       "set\n"
-      "with labels, in which * stands for any run of chars. Between comparisons stand and, or, "
-      "not\n"
-      "and parentheses. Other symbols stay whole.\n\n"
+      "with labels, in which * stands for any run of chars and \\* for a star, a backslash taking\n"
+      "any char behind it as it stands. Between comparisons stand and, or, not and parentheses.\n"
+      "Other symbols stay whole.\n\n"
       "Examples:\n"
       "  ztb where diet.rxf dear.rxf --where 'value > 20'\n"
       "  ztb where diet.rxf milk.rxf --where 'food = \"Milk*\" and not value in (na, undef)'\n"
+      "  ztb where odd.rxf stars.rxf --where 'food = \"*\\**\"'\n"
       "  ztb where plan.rxf open.rxf --symbol buy --where 'level > 0 or marginal != 0'");
   command.action([options] {
     FormatsJob job;

@@ -133,8 +133,10 @@ void bindOne(ztbSqlRows* rows, int number, const py::object& value) {
 void bind(ztbSqlRows* rows, const py::sequence& parameters) {
   const int count = ztbSqlParameterCount(rows);
   if (static_cast<int>(py::len(parameters)) != count) {
-    throw py::value_error("the query has " + std::to_string(count) + " parameters, " +
-                          std::to_string(py::len(parameters)) + " are given");
+    const std::size_t given = py::len(parameters);
+    throw py::value_error("the query has " + std::to_string(count) +
+                          (count == 1 ? " parameter, " : " parameters, ") + std::to_string(given) +
+                          (given == 1 ? " is given" : " are given"));
   }
   for (int number = 1; number <= count; ++number) {
     bindOne(rows, number, parameters[static_cast<std::size_t>(number) - 1]);

@@ -51,14 +51,14 @@ class _Sources:
             if isinstance(source, Database):
                 path = self._file(f"database{number}.rxf")
                 source.write(path)
-                files.append(("file", path))
+                files += [("file", path), ("shown-file", f"database {number}")]
             else:
                 files.append(("file", os.fspath(source)))
         if self._out is not None:
             formats.make(making, files + options, self._out)
             return None
         path = self._file("result.rxf")
-        formats.make(making, files + options, path)
+        formats.make(making, files + [("shown-name", "the result")] + options, path)
         database = Database(path)
         database.close_file()
         return database

@@ -13,6 +13,7 @@ import pandas as pd
 
 from . import _native
 from .arguments import several
+from .display import counted
 
 
 class Labelled(NamedTuple):
@@ -140,7 +141,8 @@ def _by_keys(
     names: List[Hashable] = [keys] if isinstance(keys, str) else list(several(keys, "name"))
     if len(names) != symbol.dimension:
         raise ValueError(
-            f"{len(names)} keys given, symbol {symbol.name} has {symbol.dimension} positions"
+            f"{counted(len(names), 'key')} given, symbol {symbol.name} has "
+            f"{counted(symbol.dimension, 'position')}"
         )
     there = list(columns.columns) if isinstance(data, pd.DataFrame) else []
     levels = list(columns.index.names)
@@ -163,8 +165,8 @@ def _signature(symbol: _native.Symbol) -> str:
 
 def _misfit(symbol: _native.Symbol, index: pd.Index, frame: Optional[pd.DataFrame]) -> str:
     text = (
-        f"the index has {index.nlevels} levels, symbol {symbol.name} has "
-        f"{symbol.dimension} positions"
+        f"the index has {counted(index.nlevels, 'level')}, symbol {symbol.name} has "
+        f"{counted(symbol.dimension, 'position')}"
     )
     if frame is None:
         return text

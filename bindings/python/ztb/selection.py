@@ -113,7 +113,8 @@ def choice_of(native: _native.Symbol, home: Home, key: object) -> Choice:
     parts = labels_of_key(key)
     if len(parts) != native.dimension:
         raise ValueError(
-            f"{len(parts)} labels given, symbol {native.name} has {native.dimension} positions"
+            f"{display.counted(len(parts), 'label')} given, symbol {native.name} has "
+            f"{display.counted(native.dimension, 'position')}"
         )
     tests = [_test_of(home, part) for part in parts]
 

@@ -9,6 +9,8 @@ from typing import Any, List, Sequence, Tuple
 import numpy as np
 import numpy.typing as npt
 
+from .display import counted
+
 
 def to_coo(
     keys: npt.NDArray[np.int32],
@@ -31,7 +33,8 @@ def to_coo(
         ) from error
     if not 0 <= rows <= len(axes):
         raise ValueError(
-            f"{rows} positions cannot be rows, symbol {symbol} has {len(axes)} positions"
+            f"{counted(rows, 'position')} cannot be rows, symbol {symbol} has "
+            f"{counted(len(axes), 'position')}"
         )
     sizes = [len(axis) for axis in axes]
     shape = (math.prod(sizes[:rows]), math.prod(sizes[rows:]))

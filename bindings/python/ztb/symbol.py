@@ -270,7 +270,8 @@ class Symbol(display.Shows, MutableMapping[Any, Value]):
         for key in keys:
             if len(key) != self.dimension:
                 raise ValueError(
-                    f"{len(key)} labels given, symbol {self.name} has {self.dimension} positions"
+                    f"{display.counted(len(key), 'label')} given, symbol {self.name} has "
+                    f"{display.counted(self.dimension, 'position')}"
                 )
         labels = [label for key in keys for label in key]
         numbers = self._database._native.new_labels().numbers(labels)
@@ -409,7 +410,8 @@ class Symbol(display.Shows, MutableMapping[Any, Value]):
         given = self._own_domains() if domains is None else several(domains)
         if len(given) != self.dimension:
             raise ValueError(
-                f"{len(given)} domains given, symbol {self.name} has {self.dimension} positions"
+                f"{display.counted(len(given), 'domain')} given, symbol {self.name} has "
+                f"{display.counted(self.dimension, 'position')}"
             )
         return [self._domain_set(domain, place) for place, domain in enumerate(given)]
 
@@ -492,7 +494,8 @@ class Symbol(display.Shows, MutableMapping[Any, Value]):
     def _require_none_dropped(self, dropped: int, drop: bool) -> None:
         if dropped and not drop:
             raise ValueError(
-                f"{dropped} records of symbol {self.name} have labels outside the domains; "
+                f"{display.counted(dropped, 'record')} of symbol {self.name} "
+                f"{'has' if dropped == 1 else 'have'} labels outside the domains; "
                 "drop=True leaves them out"
             )
 
