@@ -508,7 +508,7 @@ TEST_P(ArrowFill, RefusesWithTheNameOfTheColumnAndKeepsAll) {
       refusal({Column::texts("i", {"a"}), Column::doubles("v", {1}), Column::doubles("w", {1})}),
       "symbol p: expected one column of numbers beside the columns of labels, and there are "
       "v, w");
-  EXPECT_EQ(refusal({}), "0 columns () are not enough for the 1 positions of symbol p");
+  EXPECT_EQ(refusal({}), "0 columns () are not enough for the 1 position of symbol p");
   EXPECT_EQ(p.recordCount(), 1);
   EXPECT_EQ(p.find("kept")->level(), 1);
   EXPECT_THAT(labelsOf(database_), ElementsAre("kept"));

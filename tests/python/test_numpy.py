@@ -27,7 +27,7 @@ def test_other_sets_can_lay_out_the_array(diet):
     few = diet.add_set("few")
     few.extend(["zinc", "iron"])
     holds = diet["holds"]
-    with pytest.raises(ValueError, match="1 records of symbol holds have labels outside"):
+    with pytest.raises(ValueError, match="1 record of symbol holds has labels outside"):
         holds.to_numpy(["food", few])
     cube = holds.to_numpy(["food", few], drop=True)
     assert holds.axes(["food", few]) == (["Milk", "Tofu"], ["iron", "zinc"])

@@ -25,7 +25,7 @@ def test_axes_are_those_of_arrays(diet):
     few = diet.add_set("few", "nutrient")
     few.extend(["kcal", "iron"])
     holds = diet["holds"]
-    with pytest.raises(ValueError, match="1 records of symbol holds have labels outside the domains"):
+    with pytest.raises(ValueError, match="1 record of symbol holds has labels outside the domains"):
         holds.to_coo(["food", few])
     # Elements come in the order of their labels: iron, kcal.
     assert holds.to_coo(["food", few], drop=True).toarray().tolist() == [[1, 3], [0, 0]]
@@ -66,7 +66,7 @@ def test_a_set_is_a_matrix_of_truth(diet):
     assert matrix.toarray().tolist() == [[False, False, True], [True, False, False]]
     few = diet.add_set("few", "food")
     few.add("Milk")
-    with pytest.raises(ValueError, match="1 records of symbol pairs have labels outside the domains"):
+    with pytest.raises(ValueError, match="1 record of symbol pairs has labels outside the domains"):
         pairs.to_coo([few, "nutrient"])
     assert pairs.to_coo([few, "nutrient"], drop=True).toarray().tolist() == [[False, False, True]]
     assert few.to_coo(["food"]).toarray().tolist() == [[True], [False]]
