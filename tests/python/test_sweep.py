@@ -21,6 +21,7 @@ End
 """
 DRIVE = ["rate(source) = cost of ship(source, *)", "demand(target) = rhs of demand"]
 SCENARIOS = ["s1", "s2", "s3"]
+TWO = pd.MultiIndex.from_tuples([("s1", "x"), ("s2", "x")])
 
 
 @pytest.fixture
@@ -79,6 +80,30 @@ def test_what_is_wrong_is_told(file, scenarios, tmp_path):
         ztb.sweep(tmp_path / "gone.lp", scenarios, over="s")
     with pytest.raises(ValueError, match="the model was built with its data"):
         ztb.sweep(ztb.Model(), scenarios, over="s", data={})
+
+
+@pytest.mark.parametrize(
+    "demand, place",
+    [
+        (pd.Series([1.0, np.nan], index=TWO), "demand: row s2, x"),
+        (
+            pd.DataFrame({"s": ["s1", "s2"], "to": ["x", "x"], "tons": [1, None]}, index=[7, 8]),
+            "demand: column tons: row 8",
+        ),
+        ({("s1", "x"): np.nan, ("s2", "x"): 1.0}, "demand: row s1, x"),
+        (pd.Series([1, pd.NA], dtype="Int64", index=TWO), "demand: row s2, x"),
+    ],
+)
+def test_a_missing_number_is_refused_ahead(file, tmp_path, demand, place):
+    with pytest.raises(ValueError) as told:
+        ztb.sweep(
+            file, {"demand": demand}, over="s", report="ship", drive=DRIVE[1:], out=tmp_path / "r.rxf"
+        )
+    assert str(told.value) == (
+        f"{place} holds NaN, a number is expected; what a scenario has no row for stays as the model "
+        "has it"
+    )
+    assert not (tmp_path / "r.rxf").exists()
 
 
 def test_scenarios_come_as_mappings_too(file):

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <utility>
 #include <ztb/model_fills.hpp>
 
 #include "bindings/python/native/filling.h"
@@ -178,7 +179,7 @@ class Watched {
 }  // namespace
 
 void Model::setObjective(const py::str& name, bool maximize, double constant) {
-  model_.setObjective(fromPython(name), maximize, constant);
+  model().setObjective(fromPython(name), maximize, constant);
 }
 
 int Model::addColumns(const py::object& name, const std::vector<Position>& positions,
@@ -188,7 +189,7 @@ int Model::addColumns(const py::object& name, const std::vector<Position>& posit
   const FamilyNames names(name, positions, lower.size());
   int first = 0;
   for (py::ssize_t k = 0; k < lower.size(); ++k) {
-    const int number = model_.addColumn(names.at(k), lower.at(k), upper.at(k), kinds.at(k));
+    const int number = model().addColumn(names.at(k), lower.at(k), upper.at(k), kinds.at(k));
     if (k == 0) first = number;
   }
   return first;
@@ -201,7 +202,7 @@ int Model::addRows(const py::object& name, const std::vector<Position>& position
   const FamilyNames names(name, positions, rhs.size());
   int first = 0;
   for (py::ssize_t k = 0; k < rhs.size(); ++k) {
-    const int number = model_.addRow(names.at(k), types.at(k), rhs.at(k), range.at(k));
+    const int number = model().addRow(names.at(k), types.at(k), rhs.at(k), range.at(k));
     if (k == 0) first = number;
   }
   return first;
@@ -213,31 +214,50 @@ void Model::addTerms(const Numbers& rows, const Numbers& columns, const Values& 
   const int* const row = rows.data();
   const int* const column = columns.data();
   const double* const value = values.data();
-  for (py::ssize_t k = 0; k < values.size(); ++k) model_.addTerm(row[k], column[k], value[k]);
+  for (py::ssize_t k = 0; k < values.size(); ++k) model().addTerm(row[k], column[k], value[k]);
 }
 
 void Model::drive(const py::str& statement) {
-  model_.drive(fromPython(statement));
+  model().drive(fromPython(statement));
 }
 
-py::str Model::option(const py::str& name) const {
-  return toPython(optionOf(model_, fromPython(name)));
+py::str Model::option(const py::str& name) {
+  return toPython(optionOf(model(), fromPython(name)));
 }
 
-py::list Model::notes() const {
+py::list Model::notes() {
   py::list result;
-  for (int n = 0; n < model_.noteCount(); ++n) result.append(toPython(model_.note(n)));
+  for (int n = 0; n < model().noteCount(); ++n) result.append(toPython(model().note(n)));
   return result;
 }
 
 void Model::tie(const Database& database) {
   const Shared& connection = database.connection();
   const Use use(*connection);
-  tie_.emplace(connection->database(), model_);
+  tie_.emplace(connection->database(), model());
   connection_ = connection;
 }
 
+ztb::Model& Model::model() {
+  if (!model_) throw ztb::Error("Model", "The model is closed", ztb::ErrorKind::closed);
+  return *model_;
+}
+
+// A solve of another thread ends first. The database goes first: its symbols read the solution out
+// of the model.
+void Model::close() {
+  if (!model_) return;
+  if (const Shared connection = std::exchange(connection_, nullptr)) {
+    const Use use(*connection);
+    const py::gil_scoped_release released;
+    tie_.reset();
+    connection->close();
+  }
+  model_.reset();
+}
+
 ztb::ModelTie& Model::requireTie() {
+  static_cast<void>(model());
   if (!tie_) throw py::value_error("the model is not tied to a database");
   static_cast<void>(connection_->database());
   return *tie_;
@@ -279,7 +299,7 @@ int Model::fix(const Symbol& columns, const Symbol& data, const Numbers& keys,
 int Model::updatedKind() {
   requireTie();
   const Use use(*connection_);
-  return model_.updatedKind();
+  return model().updatedKind();
 }
 
 py::tuple Model::solve(const py::str& solver, const py::object& progress, double every,
@@ -288,22 +308,23 @@ py::tuple Model::solve(const py::str& solver, const py::object& progress, double
   ztb::ModelTie& tie = requireTie();
   const std::string name = fromPython(solver);
   const Use use(*connection_);
-  for (const auto& [option, value] : options) model_.setOption(option, value);
-  const TimeLimit limit(model_, timeLimit);
+  for (const auto& [option, value] : options) model().setOption(option, value);
+  const TimeLimit limit(model(), timeLimit);
   std::optional<SolveWatch> watch;
   runWithoutInterpreter([&](Interruption& interruption) {
-    watch.emplace(model_, interruption, progress, every);
-    const Watched watched(model_.handle(), *watch);
+    watch.emplace(model(), interruption, progress, every);
+    const Watched watched(model().handle(), *watch);
     tie.solve(name);
   });
   watch->raise();
-  return py::make_tuple(model_.status(), model_.solveStatus(), model_.objective(), model_.bound(),
-                        model_.seconds(), model_.processorSeconds(), model_.iterations());
+  return py::make_tuple(model().status(), model().solveStatus(), model().objective(),
+                        model().bound(), model().seconds(), model().processorSeconds(),
+                        model().iterations());
 }
 
-int Model::countOf(const std::string& symbol, int field) const {
-  const int count = ztbModelGetField(model_.handle(), symbol.c_str(), field, nullptr, 0);
-  if (count < 0) throw ztb::Error("ztbModelGetField", model_.message(), ztb::ErrorKind::notFound);
+int Model::countOf(const std::string& symbol, int field) {
+  const int count = ztbModelGetField(model().handle(), symbol.c_str(), field, nullptr, 0);
+  if (count < 0) throw ztb::Error("ztbModelGetField", model().message(), ztb::ErrorKind::notFound);
   return count;
 }
 
@@ -313,7 +334,7 @@ Values Model::field(const py::str& symbol, int number) {
   const std::string name = fromPython(symbol);
   const int count = countOf(name, number);
   Values values(count);
-  ztbModelGetField(model_.handle(), name.c_str(), number, values.mutable_data(), count);
+  ztbModelGetField(model().handle(), name.c_str(), number, values.mutable_data(), count);
   return values;
 }
 
@@ -324,7 +345,7 @@ Values Model::fields(const py::str& symbol) {
   const int count = countOf(name, 0);
   Values values({static_cast<py::ssize_t>(ztb::fieldCount), static_cast<py::ssize_t>(count)});
   for (int number = 0; number < static_cast<int>(ztb::fieldCount); ++number) {
-    ztbModelGetField(model_.handle(), name.c_str(), number, values.mutable_data(number, 0), count);
+    ztbModelGetField(model().handle(), name.c_str(), number, values.mutable_data(number, 0), count);
   }
   return values;
 }
@@ -335,9 +356,9 @@ py::tuple Model::explain(double seconds) {
   ztb::Model::Conflict conflict;
   const py::none nobody;
   runWithoutInterpreter([&](Interruption& interruption) {
-    SolveWatch watch(model_, interruption, nobody, 0);
-    const Watched watched(model_.handle(), watch);
-    conflict = model_.explain(seconds);
+    SolveWatch watch(model(), interruption, nobody, 0);
+    const Watched watched(model().handle(), watch);
+    conflict = model().explain(seconds);
   });
   py::list members;
   for (const auto& member : conflict.members) {
@@ -352,9 +373,9 @@ py::tuple Model::ranging() {
   ztb::Model::Ranging ranging;
   const py::none nobody;
   runWithoutInterpreter([&](Interruption& interruption) {
-    SolveWatch watch(model_, interruption, nobody, 0);
-    const Watched watched(model_.handle(), watch);
-    ranging = model_.ranging();
+    SolveWatch watch(model(), interruption, nobody, 0);
+    const Watched watched(model().handle(), watch);
+    ranging = model().ranging();
   });
   const auto listOf = [](const std::vector<ztb::Model::Ranging::Range>& ranges) {
     py::list result;
@@ -403,6 +424,8 @@ void bindModel(py::module_& module) {
       .def("add_terms", &Model::addTerms)
       .def("drive", &Model::drive)
       .def("option", &Model::option)
+      .def("close", &Model::close)
+      .def_property_readonly("closed", &Model::closed)
       .def("kind", &Model::kind)
       .def("updated_kind", &Model::updatedKind)
       .def("notes", &Model::notes)

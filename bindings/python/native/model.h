@@ -17,7 +17,8 @@
 
 namespace python {
 
-// A model of the C++ wrapper, and the database that it is tied to once it is. The database, whose
+// A model of the C++ wrapper, and the database that it is tied to once it is. After close() every
+// use fails with ztb::Error. The database, whose
 // symbols read solutions out of the model, does not keep it alive: the Python layer does.
 class Model {
  public:
@@ -36,16 +37,20 @@ class Model {
   void addTerms(const Numbers& rows, const Numbers& columns, const Values& values);
   void drive(const py::str& statement);
 
-  [[nodiscard]] py::str option(const py::str& name) const;
-  [[nodiscard]] int kind() { return model_.kind(); }
+  // Frees the model and the database that it is tied to. May be called again.
+  void close();
+  [[nodiscard]] bool closed() const noexcept { return !model_; }
+
+  [[nodiscard]] py::str option(const py::str& name);
+  [[nodiscard]] int kind() { return model().kind(); }
   // Waits for the turn with the tied database.
   [[nodiscard]] int updatedKind();
-  [[nodiscard]] py::list notes() const;
-  void readBasis(const py::object& path) { model_.readBasis(pathFromPython(path)); }
-  void writeBasis(const py::object& path) { model_.writeBasis(pathFromPython(path)); }
-  [[nodiscard]] bool basisTaken() const { return model_.basisTaken(); }
-  void write(const py::object& path) { model_.write(pathFromPython(path)); }
-  [[nodiscard]] bool startTaken() const { return model_.startTaken(); }
+  [[nodiscard]] py::list notes();
+  void readBasis(const py::object& path) { model().readBasis(pathFromPython(path)); }
+  void writeBasis(const py::object& path) { model().writeBasis(pathFromPython(path)); }
+  [[nodiscard]] bool basisTaken() { return model().basisTaken(); }
+  void write(const py::object& path) { model().write(pathFromPython(path)); }
+  [[nodiscard]] bool startTaken() { return model().startTaken(); }
 
   // Ties an empty database to the model, which is then built and driven no further.
   void tie(const Database& database);
@@ -75,10 +80,11 @@ class Model {
   py::tuple ranging();
 
  private:
+  ztb::Model& model();
   ztb::ModelTie& requireTie();
-  int countOf(const std::string& symbol, int field) const;
+  int countOf(const std::string& symbol, int field);
 
-  ztb::Model model_;
+  std::optional<ztb::Model> model_;
   Shared connection_;
   std::optional<ztb::ModelTie> tie_;
 };

@@ -282,12 +282,17 @@ class Model:
 
     def tie(self, db: Optional[Database] = None) -> "Tie":
         """Ties the model to a database without labels and symbols, or to a new one."""
+        self._require_open()
         if self._tie is not None:
             raise ValueError("the model is tied to a database already")
         if db is not None and not isinstance(db, Database):
             raise TypeError(f"{arguments.shown(db)} is no database")
         self._tie = Tie(self, Database() if db is None else db)
         return self._tie
+
+    def _require_open(self) -> None:
+        if self._native.closed:
+            raise Error("The model is closed", "Model")
 
     def solve(
         self,
@@ -351,10 +356,32 @@ class Model:
         ``options={"UseStart": 1}`` asked."""
         return self._native.start_taken()
 
+    def close(self) -> None:
+        """Frees the model, the solvers that it lives on, and the database that it is tied to.
+
+        What is used of them afterwards raises :class:`ztb.Error`; may be called again. ``with
+        ztb.Model.open(path) as model:`` does so at its end.
+        """
+        self._native.close()
+        if self._tie is not None:
+            self._tie._database.close()
+
+    @property
+    def closed(self) -> bool:
+        """Whether the model was closed."""
+        return self._native.closed
+
+    def __enter__(self) -> "Model":
+        return self
+
+    def __exit__(self, *error: object) -> None:
+        self.close()
+
     def __repr__(self) -> str:
+        state = ", closed" if self.closed else ""
         if self._file is not None:
-            return f"<ztb.Model of {os.fspath(self._file[0])!r}>"
-        return f"<ztb.Model{'' if self._tie is None else ', in use'}>"
+            return f"<ztb.Model of {os.fspath(self._file[0])!r}{state}>"
+        return f"<ztb.Model{state or ('' if self._tie is None else ', in use')}>"
 
     def write_basis(self, path: Any) -> None:
         """Writes the basis that the last solve by clp or glpk left."""
@@ -554,6 +581,21 @@ class Tie:
     def drive(self, statement: str) -> None:
         """Says what a symbol drives, as :meth:`Model.drive`; before the first data or solve."""
         self._model.drive(statement)
+
+    def close(self) -> None:
+        """Frees the model and the database, as :meth:`Model.close`."""
+        self._model.close()
+
+    @property
+    def closed(self) -> bool:
+        """Whether they were."""
+        return self._model.closed
+
+    def __enter__(self) -> "Tie":
+        return self
+
+    def __exit__(self, *error: object) -> None:
+        self.close()
 
     def _require_tied(self) -> None:
         if not self._tied:

@@ -191,6 +191,8 @@ def sweep(
     statements = [drive] if isinstance(drive, str) else list(arguments.several(drive, "statement"))
     for word in (*reports, *statements):
         arguments.text(word, "report or statement")
+    if isinstance(model, Model):
+        model._require_open()
     folder = tempfile.TemporaryDirectory(prefix="ztb-sweep-")
     file: Path
     if isinstance(model, Model) and model._file is None:
@@ -330,6 +332,7 @@ def _series_of(name: str, content: Any, over: str) -> "pd.Series[Any]":
     import pandas as pd
 
     if isinstance(content, pd.Series):
+        _expect_numbers(name, content)
         return content
     if isinstance(content, pd.DataFrame):
         if over not in content.columns or len(content.columns) < 2:
@@ -338,12 +341,28 @@ def _series_of(name: str, content: Any, over: str) -> "pd.Series[Any]":
                 f"of numbers; this one has {', '.join(map(str, content.columns))}"
             )
         *labels, numbers = content.columns
+        _expect_numbers(f"{name}: column {numbers}", content[numbers])
         return content.set_index(labels)[numbers]
     if isinstance(content, Mapping):
-        return pd.Series(content)
+        series = pd.Series(content)
+        _expect_numbers(name, series)
+        return series
     raise TypeError(
         f"{name}: {type(content).__name__} is no data of scenarios, expected a series or a mapping "
         "whose first label is the scenario, or a frame"
+    )
+
+
+def _expect_numbers(where: str, series: "pd.Series[Any]") -> None:
+    """Refuses a missing number, with which no scenario can be solved, by its row."""
+    missing = series.isna().to_numpy()
+    if not missing.any():
+        return
+    row = series.index[int(missing.argmax())]
+    place = ", ".join(map(str, row)) if isinstance(row, tuple) else row
+    raise ValueError(
+        f"{where}: row {place} holds NaN, a number is expected; what a scenario has no row for stays "
+        "as the model has it"
     )
 
 
