@@ -149,6 +149,33 @@ TEST_P(Linear, tellsUnbounded) {
   expectNoPoint(Outcome::unbounded);
 }
 
+// Presolvers may take costs of 0.001 for nothing.
+TEST_P(Linear, tellsUnboundedByASmallCost) {
+  model_.column(-0.001, 0, kInf);
+  model_.column(1, 2, 3);
+  model_.column(1, 0, kInf);
+  model_.row({1, 1, -2}, -kInf, kInf);
+  model_.row({0, 1, 1}, 1, 4);
+  expectNoPoint(Outcome::unbounded);
+}
+
+// Both columns at their upper ends reach 2.
+TEST_P(Linear, tellsARowThatIsBarelyOutOfReachInfeasible) {
+  model_.column(1, 0, 1);
+  model_.column(3, 0, 1);
+  model_.column(0, 0, 9);
+  model_.row({1, 1, 0}, 2.0005, kInf);
+  model_.row({1, 0, 1}, 0.5, kInf);
+  expectNoPoint(Outcome::infeasible);
+}
+
+TEST_P(Linear, findsTheVertexOfARowThatIsBarelyWithinReach) {
+  model_.column(1, 0, 1);
+  model_.column(0, 0, 1);
+  model_.row({1, 1}, 1.9995, kInf);
+  expectOptimum(0.9995);
+}
+
 TEST_P(Linear, tellsUnboundedAlongAFreeColumn) {
   model_.column(1, -kInf, kInf);
   model_.column(0, 0, 1);

@@ -194,6 +194,17 @@ int runawayColumn(const SolverProblem& problem, const std::vector<double>& level
   return -1;
 }
 
+int endlessColumn(const SolverProblem& problem, const std::vector<double>& rowMarginal) {
+  for (int j = 0; j < problem.columnCount; ++j) {
+    if (std::isfinite(problem.lower[j]) && std::isfinite(problem.upper[j])) continue;
+    Sum rest = columnSum(problem, j, rowMarginal.data());
+    rest.add(-problem.cost[j]);
+    if (rest.isRounding()) continue;
+    if (std::isinf(rest.value > 0 ? problem.upper[j] : problem.lower[j])) return j;
+  }
+  return -1;
+}
+
 std::string optimumDoubt(const SolverProblem& problem, SolverResult& result) {
   result.columnMarginal.clear();
   const int runaway = runawayColumn(problem, result.level);

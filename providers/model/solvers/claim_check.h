@@ -38,6 +38,10 @@ bool provesUnbounded(const SolverProblem& problem, const std::vector<double>& le
 // rounding left.
 int runawayColumn(const SolverProblem& problem, const std::vector<double>& level);
 
+// The first column that its cost, less the weighted rows, draws where it has no end, be it ever so
+// little; -1 without one.
+int endlessColumn(const SolverProblem& problem, const std::vector<double>& rowMarginal);
+
 // Empty when the marginals of the rows prove that no point is better than the levels, to 1e-6 of
 // the terms of the objective, and no column ran away; otherwise what speaks against it. Leaves the
 // marginals of the columns in the first case.

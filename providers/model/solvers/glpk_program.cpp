@@ -6,6 +6,7 @@
 
 #include "providers/model/at.h"
 #include "providers/model/solvers/claim_check.h"
+#include "providers/model/solvers/point_check.h"
 
 namespace lomu {
 
@@ -34,6 +35,9 @@ constexpr double kRoom = 1e-9;
 // How far from an integer a level may be. By GLPK's own 1e-5 a binary column on a coefficient of
 // 1e6 would be 0 and leave room for 10.
 constexpr double kIntegerTolerance = 1e-9;
+
+// How far a row that is said to stand at its side may stand from it.
+constexpr double kTold = 1e-7;
 
 // GLPK counts the most time that it can be given in milliseconds.
 int milliseconds(double seconds) {
@@ -262,6 +266,23 @@ Outcome GlpkProgram::runPresolved(Watch& watch) {
   return Outcome::failed;
 }
 
+// The presolver takes what is below 0.001 for nothing, be it a cost or what a row is broken by.
+// Such an answer is a basis to go on from.
+bool GlpkProgram::presolvedHolds(SolverResult& result) const {
+  leavePoint(result);
+  const SolverProblem problem = form_.problem();
+  for (int i = 0; i < form_.rowCount; ++i) {
+    const Position position = result.rowPosition[at(i)];
+    if (position != Position::atLower && position != Position::atUpper) continue;
+    const double side =
+        position == Position::atLower ? form_.rowLower[at(i)] : form_.rowUpper[at(i)];
+    const double room = kTold * std::max(1.0, std::abs(side));
+    if (std::abs(glp_get_row_prim(problem_, i + 1) - side) > room) return false;
+  }
+  return endlessColumn(problem, result.rowMarginal) < 0 && optimumDoubt(problem, result).empty() &&
+         violation(problem, result.level).empty();
+}
+
 Outcome GlpkProgram::runLive(Watch& watch) {
   Outcome outcome = runSimplex(watch, GLP_DUALP);
   // GLPK falls over some bases that a change made singular. Afresh it has another one.
@@ -276,7 +297,11 @@ void GlpkProgram::solveLinear(Watch& watch, SolverResult& result) {
   iterations_ = 0;
   result.hasPoint = false;
   result.outcome = Outcome::failed;
-  if (problem_ != nullptr && std::exchange(isFresh_, false)) result.outcome = runPresolved(watch);
+  if (problem_ != nullptr && std::exchange(isFresh_, false)) {
+    result.outcome = runPresolved(watch);
+    const bool isDoubtful = result.outcome == Outcome::optimal && !presolvedHolds(result);
+    if (isDoubtful) result.outcome = Outcome::failed;
+  }
   if (result.outcome == Outcome::failed && (problem_ != nullptr || buildAgain())) {
     result.outcome = runLive(watch);
   }

@@ -73,6 +73,8 @@ class GlpkProgram : public IntegerEngine {
   int search(const Job& job);
   bool call(Job& job);
   Outcome runPresolved(Watch& watch);
+  // Whether what the presolver left as an optimum is one; its point is in `result` then.
+  bool presolvedHolds(SolverResult& result) const;
   Outcome runLive(Watch& watch);
   Outcome runSimplex(Watch& watch, int method);
   void leavePoint(SolverResult& result) const;
