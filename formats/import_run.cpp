@@ -57,7 +57,7 @@ void requireThere(const Format& format, const std::string& path, bool isTable) {
   const bool isCsv = format.name == std::string_view("csv");
   if (lacksSymbols(format, path) && !isTable) failLacking(format, path, isCsv);
   if (format.ownsFolder == nullptr) {
-    throw tool::Failure(fmt::format("{}: is a folder, expected a {} file", path, format.name));
+    throw tool::Failure(fmt::format("{}: is a folder, expected a file", path));
   }
   if (isTable) {
     throw tool::Failure(

@@ -35,7 +35,7 @@ SpooledInput::SpooledInput() {
 SpooledOutput::SpooledOutput(const std::string& option, const char* format) {
   if (tool::isTerminal(STDOUT_FILENO)) {
     throw tool::UsageError(
-        fmt::format("{}: a {} file is nothing for a terminal; give a name or redirect the output",
+        fmt::format("{}: {} files are nothing for a terminal; give a name or redirect the output",
                     option, format));
   }
 }

@@ -120,7 +120,7 @@ void fillGroups(Groups& groups, const KeyPacking& packing, const tool::ExchangeF
 
 void aggregateSymbol(const SetRun& run) {
   const SetOptions& options = run.options;
-  auto opened = openFiles(options.files, run.progress);
+  auto opened = openFiles(run);
   const tool::ExchangeFile& file = *opened.front();
   const tool::FileSymbol& symbol = file.resolved(file.symbol(options.chosen.front()));
   if (symbol.isUniverse()) throw tool::UsageError("*: the universe has no records to add up");

@@ -49,7 +49,7 @@ class Merge {
         parts_(parts),
         hasCases_(!run.options.caseSet.empty()),
         problems_(run.options.maxErrors),
-        opened_(openFiles(run.options.files, run.progress)) {
+        opened_(openFiles(run)) {
     numberLabels();
     if (hasCases_) findUnited();
     for (const MergedFile& file : files_) {

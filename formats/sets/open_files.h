@@ -3,17 +3,16 @@
 #define ZTB_FORMATS_SETS_OPEN_FILES_H_
 
 #include <memory>
-#include <string>
 #include <vector>
 
+#include "formats/sets/set_options.h"
 #include "tools/files/exchange_file.h"
-#include "tools/text/progress.h"
 
 namespace formats {
 
-// Throws MissingFile, or Failure for what is no such file.
-std::vector<std::unique_ptr<tool::ExchangeFile>> openFiles(const std::vector<std::string>& paths,
-                                                           tool::Progress& progress);
+// The files of a run. Throws Failure for what is missing or no such file; of several that cannot be
+// opened the result of the run tells all.
+std::vector<std::unique_ptr<tool::ExchangeFile>> openFiles(const SetRun& run);
 
 }  // namespace formats
 

@@ -66,7 +66,7 @@ class NewNames {
 }  // namespace
 
 void renameIn(const SetRun& run) {
-  auto opened = openFiles(run.options.files, run.progress);
+  auto opened = openFiles(run);
   const tool::ExchangeFile& file = *opened.front();
   ProblemList problems(run.options.maxErrors);
   std::vector<std::string> symbolNames{""};

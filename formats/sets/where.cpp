@@ -95,7 +95,7 @@ class ChosenColumns {
 
 void selectWhere(const SetRun& run) {
   const ConditionNode condition = parseCondition(run.options.condition);
-  auto opened = openFiles(run.options.files, run.progress);
+  auto opened = openFiles(run);
   const tool::ExchangeFile& file = *opened.front();
   const std::vector<const tool::FileSymbol*> filtered =
       filteredSymbols(run.options, file, condition);

@@ -41,6 +41,11 @@ bool isRounded(sqlite3_int64 whole, double number) {
   return number >= beyond || static_cast<sqlite3_int64>(number) != whole;
 }
 
+// Whether a column was declared to hold anything, as those of values are.
+bool isAny(const char* type) {
+  return type != nullptr && tool::sameFolded(type, "any");
+}
+
 class SqliteReader : public TableReader {
  public:
   SqliteReader(SqliteFile file, const std::string& sql, std::string shown, bool exact)
@@ -92,8 +97,8 @@ class SqliteReader : public TableReader {
     bool isRoundedOff = false;
     switch (sqlite3_column_type(statement, column)) {
       case SQLITE_NULL:
-        // In a database that was written here this is a value.
-        if (exact_) {
+        // In a column of values that was written here this is one; other columns have none.
+        if (exact_ && isAny(sqlite3_column_decltype(statement, column))) {
           field.text = "na";
           field.isNumber = true;
           field.number = std::numeric_limits<double>::quiet_NaN();

@@ -6,6 +6,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cmath>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
@@ -44,6 +45,40 @@ TEST(ExcelWritten, WritesASheetThatAnotherProgramReads) {
   const ztb::Database back = ztb::Database::open(folder.file("back.rxf"));
   EXPECT_EQ(back["price"].find("a<b>&\"c")->level(), 0.5);
   EXPECT_EQ(back["price"].find("Milk")->level(), 11.25);
+}
+
+// The same of the table of one symbol, read as any table: labels, words and signs of zeros too.
+TEST(ExcelWritten, ReadsATableThatAnotherProgramChanged) {
+  const ztbtest::TempFolder folder;
+  ztb::Database database;
+  ztb::Symbol price = database.addParameter("price", {"food"});
+  price.add("Milk").setLevel(0.1 + 0.2);
+  price.add("2020").setLevel(1.0 / 3);
+  price.add("\\x").setLevel(1.0 / 7);
+  price.add("Ham").setLevel(-0.0);
+  price.add("TRUE").setLevel(2.0 / 3);
+  price.add("Soy").setLevel(4);
+  const std::string target = folder.file("p.xlsx");
+  Job out({{"symbol", "price"}, {"to", target}});
+  ASSERT_TRUE(out.exportDatabase(database.handle())) << out.errors(folder);
+  const std::string change =
+      "/usr/bin/python3 -c \"import openpyxl; b = openpyxl.load_workbook('" + target +
+      "'); s = b['price']; row = {r[0].value: r for r in s.iter_rows(min_row=2)}; "
+      "row['Milk'][1].value = 0.5; row['2020'][1].value = 'eps'; row['TRUE'][0].value = 'FALSE'; "
+      "s.append(['Curd', 0.25]); s.delete_rows(row['Soy'][0].row); b.save('" +
+      target + "')\"";
+  ASSERT_EQ(std::system(change.c_str()), 0);
+  Job in({{"from", target}, {"parameter", "price(food)"}});
+  ASSERT_TRUE(in.import(folder.file("back.rxf"))) << in.errors(folder);
+  const ztb::Database back = ztb::Database::open(folder.file("back.rxf"));
+  const ztb::Symbol read = back["price"];
+  EXPECT_EQ(read.recordCount(), 6);
+  EXPECT_EQ(read.find("Milk")->level(), 0.5);
+  EXPECT_EQ(read.find("2020")->level(), 4.94065645841246544e-324);
+  EXPECT_EQ(read.find("\\x")->level(), 1.0 / 7);
+  EXPECT_TRUE(std::signbit(read.find("Ham")->level()));
+  EXPECT_EQ(read.find("FALSE")->level(), 2.0 / 3);
+  EXPECT_EQ(read.find("Curd")->level(), 0.25);
 }
 
 TEST(ExcelWritten, TellsAFullDiskThatTheLibraryOverlooks) {

@@ -135,12 +135,11 @@ TEST_F(SeveralProblemsTest, LeaveADatabaseAsItWas) {
 
 TEST_F(SeveralProblemsTest, AreToldOfAllFilesOfAFolder) {
   writeDatabase("dir/");
-  std::filesystem::remove(folder_.file("dir/_labels.csv"));
-  std::filesystem::create_directory(folder_.file("dir/_labels.csv"));
+  write("dir/_labels.csv", "\xFF\xFEl");
   std::filesystem::remove(folder_.file("dir/cost.csv"));
   write("dir/price.csv", "food,value\nTofu,much\n");
   EXPECT_EQ(errorsOf("dir", {}),
-            "dir/_labels.csv: cannot be read: Is a directory\n"
+            "dir/_labels.csv: is encoded in UTF-16, expected UTF-8 or plain bytes\n"
             "dir/cost.csv: cannot be read: No such file or directory\n"
             "dir/price.csv:2:6: value: 'much' is not a number\n"
             "none.rxf: not written: 3 problems in the input");

@@ -171,6 +171,13 @@ TEST_F(DataSetTest, damagedAndMissingInputsWriteNothing) {
   EXPECT_FALSE(exists("c.rxf"));
   expectFails(1, "ztb: none.rxf: cannot be read: No such file or directory\n",
               {"merge", "a.rxf", "none.rxf", "c.rxf"});
+  // All files that cannot be read are told.
+  write("no.rxf", "no such file");
+  expectFails(1,
+              "none.rxf: cannot be read: No such file or directory\n"
+              "Not an RXF file: no.rxf\n"
+              "ztb: c.rxf: not written: 2 files cannot be read\n",
+              {"merge", "none.rxf", "a.rxf", "no.rxf", "c.rxf"});
 }
 
 TEST_F(DataSetTest, concatAppendsParts) {

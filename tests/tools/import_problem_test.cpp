@@ -132,7 +132,7 @@ TEST_F(ImportProblemTest, FilesThatCannotBeRead) {
               {"import", "out.rxf", "--from", "none.csv", "--set", "i"});
   expectFails(1, "ztb: .: is a folder, and a table is one file of it, as in --from ./NAME.csv\n",
               {"import", "out.rxf", "--from", ".", "--set", "i"});
-  expectFails(1, "ztb: .: is a folder, expected a sqlite file\n",
+  expectFails(1, "ztb: .: is a folder, expected a file\n",
               {"import", "out.rxf", "--from", ".", "--format", "sqlite", "--set", "i"});
 }
 

@@ -65,6 +65,10 @@ TEST_F(UsageTest, WrongUsageEndsWithTwo) {
   expectFails(2, "ztb: no command 'bogus'; ztb --help lists the commands\n", {"bogus", "x"});
   expectFails(2, "ztb: FILE is required; see ztb info --help\n", {"info"});
   expectFails(2, "ztb: SYMBOL is required; see ztb show --help\n", {"show", "a.rxf"});
+  expectFails(2, "ztb: --wide is given twice; see ztb export --help\n",
+              {"export", "a.rxf", "p", "--to", "p.csv", "--wide", "i", "--wide", "j"});
+  expectFails(2, "ztb: --to is given 3 times; see ztb export --help\n",
+              {"export", "a.rxf", "p", "--to", "p.csv", "--to", "q.csv", "--to", "r.csv"});
   expectFails(2, "ztb: --width: its value is missing, expected N; see ztb show --help\n",
               {"show", "a.rxf", "p", "--width"});
   expectFails(2, "ztb: FILE ... OUT: at least 3 names are expected; see ztb concat --help\n",

@@ -135,6 +135,10 @@ std::string valueFault(const CLI::App& command, const CLI::ParseError& error) {
     return name + " " + option->get_type_name() + ": at least " +
            std::to_string(option->get_items_expected_min()) + " names are expected";
   }
+  if (option->count() > static_cast<std::size_t>(option->get_items_expected_max())) {
+    return name + " is given " +
+           (option->count() == 2 ? "twice" : std::to_string(option->count()) + " times");
+  }
   return name + ": its value is missing, expected " + option->get_type_name();
 }
 
