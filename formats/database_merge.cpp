@@ -173,12 +173,19 @@ void lendSets(ztbRec* target, ztb::Database& database, RecordImport& records, bo
 
 void addSymbols(ztbRec* target, const ztb::Database& database, int first, int firstLabel) {
   const int count = database.symbolCount();
+  std::string taken;
+  bool several = false;
   for (int position = first; position < count; ++position) {
     const std::string name = database.symbolAt(position).name().str();
-    if (findSymbol(target, name)) {
-      throw ztb::Error("ztbAddSymbol", "Symbol " + name + " exists already",
-                       ztb::ErrorKind::exists);
-    }
+    if (!findSymbol(target, name)) continue;
+    several = !taken.empty();
+    taken += (taken.empty() ? "" : ", ") + name;
+  }
+  if (!taken.empty()) {
+    throw ztb::Error(
+        "ztbAddSymbol",
+        (several ? "Symbols " + taken + " exist" : "Symbol " + taken + " exists") + " already",
+        ztb::ErrorKind::exists);
   }
   const InternalValues guard(target);
   LabelNumbers labels(target, database);

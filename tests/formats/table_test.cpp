@@ -242,6 +242,13 @@ TEST_F(TableTest, AddsTablesToADatabaseThatIsThere) {
   EXPECT_EQ(taken.kind(), ZTB_ERROR_EXISTS);
   EXPECT_EQ(database.symbolCount(), 3);
   EXPECT_EQ(database.labelCount(), 2);
+  database.addParameter("cost", {"food"});
+  Job both({{"from", folder_.file("a.csv")},
+            {"parameter", "price(food) = cents"},
+            {"parameter", "new(food) = cents"},
+            {"parameter", "cost(food) = cents"}});
+  EXPECT_FALSE(both.importInto(database.handle()));
+  EXPECT_EQ(both.errors(folder_), "Symbols price, cost exist already");
 }
 
 TEST_F(TableTest, KeepsValuesWhateverSpecialValuesTheDatabaseHasSet) {
