@@ -30,6 +30,7 @@ def solved(*arguments, **options):
         (([1.0, 2.0], [0, 1], [0, 2, 1, 2]), ValueError, "indptr does not ascend"),
         (([1.0], [0]), ValueError, "a tuple"),
         ([["1", "2"]], TypeError, "numbers expected"),
+        (None, TypeError, "A is None, expected a matrix"),
         ([[1, 1, 1]], ValueError, "A has 3 columns, c has 2 numbers"),
         (np.zeros((1, 1, 2)), ValueError, "A has 3 axes, expected two"),
         ([[1, 2], [3, np.nan]], ValueError, r"A\[1, 1\] is nan, a finite number is expected"),
@@ -60,6 +61,9 @@ def test_matrices_that_are_none(matrix, error, text):
         ({"columns": {"buy": ("f", ["a"])}}, ValueError, "the families have 1 elements, expected 2"),
         ({"maximize": "min"}, TypeError, "maximize is True or False, not 'min'"),
         ({"constant": np.nan}, ztb.Error, "constant has to be a finite number"),
+        ({"constant": "5"}, TypeError, "'5' .str. is no constant, expected a number"),
+        ({"columns": [None, "b"]}, ValueError, "columns: name 0 is missing"),
+        ({"rows": [np.nan]}, ValueError, "rows: name 0 is missing"),
     ],
 )
 def test_arrays_that_do_not_fit(options, error, text):
@@ -146,6 +150,63 @@ def test_what_is_no_expression(model, x):
             model.rows("r", None, x * data, lower=1)
     model.minimize(sum([x, x]) / 4)
     assert model.solve().objective == 1
+
+
+PAIRS = pd.MultiIndex.from_product([["p", "q"], ["a", "b"]], names=["r", "i"])
+
+
+def over_pairs(data, lower=1):
+    model = ztb.Model()
+    x = model.variable("x", ("i", ["a", "b"]))
+    model.rows("need", ("r", ["p", "q"]), x * data, lower=lower)
+    model.minimize(x * [1, 1])
+    return model.solve().objective
+
+
+@pytest.mark.parametrize(
+    "data, error, text",
+    [
+        (pd.Series([1, 2, 3, 4], PAIRS[[0, 1, 0, 3]]), ValueError, r"labels \('p', 'a'\)"),
+        (pd.Series(list("1234"), PAIRS), TypeError, "is no number"),
+        (pd.Series([1, None, 3, 4], PAIRS), ValueError, "a coefficient is nan"),
+        (pd.Series([1, None, 3, 4], PAIRS, dtype="Int64"), ValueError, "a coefficient is nan"),
+        (pd.Series([1, 2, 3, 4], PAIRS).unstack(), ValueError, r"not of 2 \(a, b\)"),
+    ],
+)
+def test_coefficients_that_are_none(data, error, text):
+    with pytest.raises(error, match=text):
+        over_pairs(data)
+
+
+@pytest.mark.parametrize(
+    "data, error, text",
+    [
+        (pd.Series([1.0, np.nan], pd.Index(["p", "q"], name="r")), ValueError, r"\('q',\) is nan"),
+        (pd.Series([1.0, 2], pd.Index(["q", "q"], name="r")), ValueError, r"labels \('q',\)"),
+        (pd.Series(["1", "2"], pd.Index(["p", "q"], name="r")), TypeError, "is no number"),
+    ],
+)
+def test_sides_that_are_none(data, error, text):
+    with pytest.raises(error, match=text):
+        over_pairs(pd.Series([1, 2, 3, 4], PAIRS), data)
+
+
+# 4 x(b) >= 8 and x(a) + 2 x(b) >= 1: x(b) at 2.
+def test_frames_are_taken_with_labels_in_their_index_or_before_the_numbers():
+    series = pd.Series([1, 2, 0, 4], PAIRS)
+    sides = pd.Series([8, 1], pd.Index(["q", "p"], name="r"))
+    for data in (series, series.to_frame("v"), series.sample(frac=1).rename("v").reset_index()):
+        for lower in (sides, sides.to_frame(), sides.rename("v").reset_index()):
+            assert over_pairs(data, lower) == pytest.approx(2)
+
+
+@pytest.mark.parametrize("name, error", [("", ValueError), (3, TypeError), (None, TypeError)])
+def test_names_that_are_none(model, x, name, error):
+    with pytest.raises(error, match="name"):
+        model.variable(name, ("i", ["a"]))
+    with pytest.raises(error, match="name"):
+        model.rows(name, None, x, lower=1)
+    assert model.rows("r", None, x, lower=1) == 1
 
 
 # ---- tied ----

@@ -20,8 +20,8 @@ from .symbol import Alias, Set
 if TYPE_CHECKING:
     import pandas as pd
 
-#: A number, or one for each element: a parameter, a series over labels, or an array.
-Data = Union[float, Parameter, "pd.Series[Any]", npt.ArrayLike]
+#: A number, or one for each element: a parameter, a series or frame over labels, or an array.
+Data = Union[float, Parameter, "pd.Series[Any]", "pd.DataFrame", npt.ArrayLike]
 #: What a family runs over: a set, an index with names, or (name, labels).
 Over = Any
 
@@ -113,9 +113,9 @@ def native_positions(frame: "pd.DataFrame") -> List[Tuple[List[Any], npt.NDArray
     return result
 
 
-def _series_frame(data: "pd.Series[Any]", names: Sequence[str]) -> "pd.DataFrame":
-    """Data over labels as a frame of label columns and one of values; ``names`` are for levels
-    that have none."""
+def _series_frame(data: "pd.Series[Any]", names: Sequence[str], what: str) -> "pd.DataFrame":
+    """Data over labels as a frame of label columns and one of values, each element once; ``names``
+    are for levels that have none."""
     import pandas as pd
 
     index = data.index
@@ -131,15 +131,28 @@ def _series_frame(data: "pd.Series[Any]", names: Sequence[str]) -> "pd.DataFrame
     frame = pd.DataFrame(
         {str(name): _texts(index.get_level_values(k)) for k, name in enumerate(levels)}
     )
-    frame[_VALUE] = np.asarray(data, dtype=np.float64)
+    if frame.duplicated().any():
+        row = int(np.flatnonzero(frame.duplicated())[0])
+        raise ValueError(f"{what}: two records have the labels {tuple(frame.iloc[row])}")
+    frame[_VALUE] = arrays.floats(data.to_numpy(), what)
     return frame
 
 
 def _series_of(data: Any) -> Any:
-    """A parameter as a series, a scalar one as its number; anything else as it is."""
+    """A parameter or frame as a series, a scalar parameter as its number; anything else as it is."""
     if isinstance(data, Parameter):
         return data.to_pandas() if data.dimension else data.value
-    return data
+    if not hasattr(data, "iloc") or data.ndim != 2:
+        return data
+    columns = list(data.columns)
+    if len(columns) > 1 and data.index.names == [None]:
+        data = data.set_index(columns[:-1])
+    if data.shape[1] != 1:
+        raise ValueError(
+            f"a frame of one column of numbers is expected, with its labels in the index or in the "
+            f"columns before it, not of {data.shape[1]} ({', '.join(map(str, columns))})"
+        )
+    return data.iloc[:, 0]
 
 
 def _numbers(data: Any, what: str) -> npt.NDArray[np.float64]:
@@ -158,15 +171,17 @@ def aligned(data: Data, frame: "pd.DataFrame", what: str) -> npt.NDArray[np.floa
     data = _series_of(data)
     count = len(frame)
     if isinstance(data, pd.Series):
-        table = _series_frame(data, list(frame.columns))
+        table = _series_frame(data, list(frame.columns), what)
         keys = [name for name in table.columns if name != _VALUE]
         strange = [name for name in keys if name not in frame.columns]
         if strange:
             raise ValueError(
                 f"{what}: {strange[0]} is no position of it, which are {tuple(frame.columns)}"
             )
-        if table.duplicated(keys).any():
-            raise ValueError(f"{what}: two records have the same labels")
+        missing = np.flatnonzero(table[_VALUE].isna())
+        if len(missing):
+            labels = tuple(table[keys].iloc[missing[0]])
+            raise ValueError(f"{what}: the number of {labels} is nan")
         values = frame.merge(table, how="left", on=keys)[_VALUE].to_numpy(dtype=np.float64)
         given = table[keys].merge(frame[keys], on=keys).shape[0]
         if not given and len(table) and count:
@@ -266,7 +281,7 @@ def _matched(
     table.columns = list(term.names)
     table[_COLUMN] = np.arange(family._first, family._first + len(table))
     if isinstance(term.data, pd.Series):
-        data = _series_frame(term.data, term.names)
+        data = _series_frame(term.data, term.names, what)
         strange = [
             name
             for name in data.columns

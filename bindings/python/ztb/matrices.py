@@ -43,6 +43,8 @@ def entries(
             arrays.floats(entries.data, "A"),
             entries.shape,
         )
+    if matrix is None:
+        raise TypeError("A is None, expected a matrix; without rows it is one of shape (0, columns)")
     dense = np.atleast_2d(arrays.floats(getattr(matrix, "to_numpy", lambda: matrix)(), "A"))
     if dense.ndim != 2:
         raise ValueError(f"A has {dense.ndim} axes, expected two")
@@ -155,6 +157,9 @@ def named(names: Names, count: int, default: str, what: str) -> List[Tuple[Any, 
         position = (labels, np.arange(count, dtype=np.int32))
         return [(names or default, [position], slice(0, count))] if count else []
     if not isinstance(names, Mapping):
+        missing = [number for number, name in enumerate(names) if name is None or name != name]
+        if missing:
+            raise ValueError(f"{what}: name {missing[0]} is missing")
         listed = [str(name) for name in names]
         if len(listed) != count:
             raise ValueError(f"{what}: {len(listed)} names for {count}")

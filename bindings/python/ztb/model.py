@@ -46,6 +46,12 @@ _LONG = 1e10
 #: Seconds between two calls of a progress callback, unless others are asked for.
 _EVERY = 0.5
 
+
+def _require_name(name: object, what: str) -> None:
+    if not arguments.text(name, f"name of a {what}"):
+        raise ValueError(f"a {what} needs a name")
+
+
 class Model:
     """An optimization model: its variables, its rows, and the solvers' way to it.
 
@@ -159,7 +165,9 @@ class Model:
         kinds = matrices.kinds(kind, len(cost))
         low, high = matrices.within_kinds(kinds, *matrices.bounds_of(bounds, len(cost)))
         native = model._native
-        native.set_objective(str(objective), bool(maximize), constant)
+        native.set_objective(
+            str(objective), bool(maximize), arguments.real(constant, "constant")
+        )
         for name, positions, part in matrices.named(columns, len(cost), "x", "columns"):
             native.add_columns(name, positions, kinds[part], low[part], high[part])
         for name, positions, part in matrices.named(rows, shape[0], "row", "rows"):
@@ -190,6 +198,7 @@ class Model:
         no record, or arrays in its order. ``kind`` is ``"continuous"``, ``"integer"`` or
         ``"binary"``; a binary variable is from 0 to 1.
         """
+        _require_name(name, "variable")
         frame = families.frame_over(over)
         kinds = matrices.kinds(kind, len(frame))
         low, high = matrices.within_kinds(
@@ -219,6 +228,7 @@ class Model:
         Sides are numbers, data over the positions of the rows, which are 0 where there is no
         record, or arrays in their order. Gives the number of rows.
         """
+        _require_name(name, "row")
         if equal is not None and (lower is not None or upper is not None):
             raise ValueError(f"{name}: equal stands alone, without lower and upper")
         if equal is None and lower is None and upper is None:
