@@ -120,6 +120,48 @@ TEST(LimitOfClp, byTheCallerInBetween) {
   EXPECT_EQ(solveFresh("clp", random.model, limits).outcome, Outcome::terminated);
 }
 
+class EndedSearch : public testing::TestWithParam<const char*> {};
+
+// The cheapest things of which one at least is in each of 40 triples. The other solver tells what
+// they cost.
+TEST_P(EndedSearch, tellsNoBoundAboveTheBest) {
+  SmallModel model;
+  unsigned state = 777;
+  const auto next = [&](unsigned below) {
+    state = state * 1103515245U + 12345U;
+    return state / 65536U % below;
+  };
+  constexpr int kThings = 24;
+  for (int j = 0; j < kThings; ++j) model.column(5.0 + next(20), 0, 1, true);
+  for (int i = 0; i < 40; ++i) {
+    std::vector<double> triple(kThings);
+    for (int k = 0; k < 3; ++k) triple[next(kThings)] = 1;
+    model.row(triple, 1, kInf);
+  }
+  const char* const other = std::string(GetParam()) == "cbc" ? "glpk" : "cbc";
+  const SolverResult whole = solveFresh(other, model);
+  ASSERT_EQ(whole.outcome, Outcome::optimal) << whole.reason;
+  const double best = model.objective(whole.level);
+  int ended = 0;
+  for (int times = 0; times < 60; ++times) {
+    SCOPED_TRACE(times);
+    Patience patience{times};
+    SolverLimits limits;
+    limits.terminated = &Patience::ended;
+    limits.context = &patience;
+    const SolverResult result = solveFresh(GetParam(), model, limits);
+    if (result.outcome == Outcome::optimal) continue;
+    EXPECT_EQ(result.outcome, Outcome::terminated) << result.reason;
+    ++ended;
+    EXPECT_LE(result.bound, best + 1e-6);
+    if (result.hasPoint) EXPECT_GE(model.objective(result.level), best - 1e-6);
+  }
+  EXPECT_GT(ended, 5);
+}
+
+INSTANTIATE_TEST_SUITE_P(Solvers, EndedSearch, testing::Values("cbc", "glpk"),
+                         [](const auto& tested) { return std::string(tested.param); });
+
 // Equal halves of many odd-sized things on several scales at once: a long search.
 class LongSearch : public testing::TestWithParam<const char*> {
  protected:

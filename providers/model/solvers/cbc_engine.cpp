@@ -17,14 +17,20 @@ namespace lomu {
 
 namespace {
 
+// Tells how far the search is, and keeps in `bound` what no objective is below. Of Cbc's own bounds
+// some are none: while it looks for a first point it gives the best one for that, and when a linear
+// problem is ended, the objective where that stood.
 class StopHandler : public CbcEventHandler {
  public:
-  explicit StopHandler(Watch* watch) : watch_(watch) {}
+  StopHandler(Watch* watch, double* bound) : watch_(watch), bound_(bound) {}
   CbcAction event(CbcEvent) override {
     const CbcModel* model = getModel();
-    if (model != nullptr) {
+    if (model != nullptr && !watch_->stopped()) {
       const bool hasPoint = model->bestSolution() != nullptr;
-      watch_->tell(hasPoint ? model->getObjValue() : HUGE_VAL, model->getBestPossibleObjValue());
+      const double objective = hasPoint ? model->getObjValue() : HUGE_VAL;
+      const double bound = model->getBestPossibleObjValue();
+      if (bound < objective) *bound_ = std::max(*bound_, bound);
+      watch_->tell(objective, *bound_);
     }
     return watch_->mustStop() ? stop : noAction;
   }
@@ -32,6 +38,7 @@ class StopHandler : public CbcEventHandler {
 
  private:
   Watch* watch_;
+  double* bound_;
 };
 
 // The same within a linear problem of the search.
@@ -129,8 +136,6 @@ void CbcEngine::searchIntegers(Watch& watch, SolverResult& result) {
   CbcModel model(interface);
   model.setLogLevel(0);
   model.solver()->messageHandler()->setLogLevel(0);
-  const StopHandler handler(&watch);
-  model.passInEventHandler(&handler);
   model.setMaximumNumberIterations(watch.iterationsLeft(result.iterations));
   model.setUseElapsedTime(true);
   model.setMaximumSeconds(watch.secondsLeft());
@@ -153,6 +158,9 @@ void CbcEngine::searchIntegers(Watch& watch, SolverResult& result) {
     if (result.hasPoint) std::copy(start_.begin(), start_.end(), result.level.begin());
     return;
   }
+  double bound = model.solver()->getObjValue();
+  const StopHandler handler(&watch, &bound);
+  model.passInEventHandler(&handler);
   if (result.startTaken) {
     double cost = 0;
     for (std::size_t j = 0; j < start_.size(); ++j) cost += form_.cost[j] * start_[j];
@@ -168,7 +176,7 @@ void CbcEngine::searchIntegers(Watch& watch, SolverResult& result) {
   if (best == nullptr && result.startTaken) best = start_.data();
   result.hasPoint = best != nullptr;
   constexpr double kNoBound = 1e30;
-  const double bound = model.getBestPossibleObjValue();
+  if (result.outcome == Outcome::optimal) bound = model.getBestPossibleObjValue();
   if (std::abs(bound) < kNoBound) result.bound = bound;
   if (result.outcome == Outcome::failed) {
     result.reason = "cbc gave up with status " + std::to_string(model.status());

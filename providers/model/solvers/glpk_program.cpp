@@ -33,8 +33,9 @@ constexpr int kLineEvery = 200;
 constexpr double kRoom = 1e-9;
 
 // How far from an integer a level may be. By GLPK's own 1e-5 a binary column on a coefficient of
-// 1e6 would be 0 and leave room for 10.
-constexpr double kIntegerTolerance = 1e-9;
+// 1e6 would be 0 and leave room for 10; by 1e-9 what the simplex method leaves of rounding is a
+// fraction, and points that are best go unseen.
+constexpr double kIntegerTolerance = 1e-8;
 
 // How far a row that is said to stand at its side may stand from it.
 constexpr double kTold = 1e-7;
