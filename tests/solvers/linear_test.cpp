@@ -316,6 +316,15 @@ TEST_P(Linear, printsNothing) {
   EXPECT_EQ(capture.text(), "");
 }
 
+// x is 60.19 / 29, and 27 of it are 56.03897, which is too little by 8e-4.
+TEST_P(Linear, tellsInfeasibleWhereALittleIsMissing) {
+  model_.column(0, 0, kInf);
+  model_.row({29}, 60.19, 60.19);
+  model_.row({27}, 56.0398, kInf);
+  const SolverResult result = solve();
+  EXPECT_EQ(result.outcome, Outcome::infeasible) << result.reason;
+}
+
 INSTANTIATE_TEST_SUITE_P(Solvers, Linear, testing::Values("clp", "cbc", "glpk", "ipopt", "bonmin"),
                          [](const auto& tested) { return std::string(tested.param); });
 
