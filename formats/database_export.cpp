@@ -1,11 +1,17 @@
 #include "formats/database_export.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
+#include <chrono>
+#include <filesystem>
+#include <system_error>
 #include <ztb/column_names.hpp>
 
 #include "formats/csv_records.h"
 #include "formats/tables/manifest.h"
 #include "tools/files/record_walk.h"
+#include "tools/files/system_files.h"
 
 namespace formats {
 
@@ -51,6 +57,27 @@ std::size_t writeRecords(TableWriter& writer, const tool::ExchangeFile& file,
   return records;
 }
 
+void endTable(TableWriter& writer, const std::string& name, tool::Progress& progress) {
+  if (const std::string_view work = writer.ending(); !work.empty()) {
+    progress.step(fmt::format("{} {}", work, name));
+  }
+  writer.end();
+}
+
+void finishTables(TableWriter& writer, const std::string& path, tool::Progress& progress) {
+  progress.step("writing " + path);
+  const std::string file = writer.growingFile();
+  if (file.empty()) return writer.finish();
+  const auto began = std::chrono::steady_clock::now();
+  const tool::Progress::Detail detail(progress, [&]() -> std::string {
+    std::error_code error;
+    const std::uintmax_t size = std::filesystem::file_size(tool::pathOf(file), error);
+    const std::chrono::duration<double> passed = std::chrono::steady_clock::now() - began;
+    return error ? "" : tool::bytesText(size, passed.count());
+  });
+  writer.finish();
+}
+
 namespace {
 
 void writeLabels(TableWriter& writer, const tool::ExchangeFile& file) {
@@ -94,10 +121,9 @@ void writeTables(TableWriter& writer, const DatabaseExport& database) {
     table.exact = true;
     writer.begin(table);
     database.records += writeRecords(writer, database.file, *symbol, database.progress);
-    writer.end();
+    endTable(writer, symbol->name, database.progress);
   }
-  database.progress.step("writing " + database.path);
-  writer.finish();
+  finishTables(writer, database.path, database.progress);
 }
 
 }  // namespace formats

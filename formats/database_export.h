@@ -30,6 +30,10 @@ TableHead headOf(const tool::FileSymbol& symbol);
 std::size_t writeRecords(TableWriter& writer, const tool::ExchangeFile& file,
                          const tool::FileSymbol& symbol, tool::Progress& progress);
 
+// Ends the table of a symbol, and all of them, as the progress tells.
+void endTable(TableWriter& writer, const std::string& name, tool::Progress& progress);
+void finishTables(TableWriter& writer, const std::string& path, tool::Progress& progress);
+
 // Writes a database into a file of many tables: _symbols, _labels and one for each symbol.
 void writeTables(TableWriter& writer, const DatabaseExport& database);
 

@@ -114,11 +114,11 @@ void ExportRun::writeTable(const Format& format, const tool::ExchangeFile& file,
   if (wide_.empty()) {
     writer->begin(headOf(symbol));
     result.records = writeRecords(*writer, file, symbol, progress);
-    writer->end();
+    endTable(*writer, symbol.name, progress);
   } else {
     result.records = writeWide(*writer, file, symbol, wide_, progress);
   }
-  writer->finish();
+  finishTables(*writer, target_, progress);
 }
 
 // A name without an ending that tells a format is that of a folder only if it surely is one.

@@ -59,6 +59,7 @@ std::size_t writeWide(TableWriter& writer, const tool::ExchangeFile& file,
   std::set<int> labels;
   std::map<std::vector<int>, std::map<int, double>> rows;
   std::size_t records = 0;
+  progress.expect(symbol.recordCount);
   for (tool::RecordWalk record(file, symbol); record.next();) {
     std::vector<int> keys(record.keys().begin(), record.keys().end());
     const int label = keys[spread];

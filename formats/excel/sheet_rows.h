@@ -36,6 +36,8 @@ class SheetRows {
   // the first of them has.
   [[nodiscard]] const std::vector<SheetCell>& cells() const { return row_; }
   [[nodiscard]] std::size_t number() const { return number_; }
+  // What part of the sheet was read, from 0 to 1.
+  [[nodiscard]] double share() const { return part_ == nullptr ? 1 : part_->share(); }
 
  private:
   struct Merge {

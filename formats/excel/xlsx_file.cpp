@@ -39,6 +39,7 @@ class PartBytes {
       file_.fail(fmt::format("has no part {}", part));
     }
     if ((info.flag & 1U) != 0) file_.fail("is encrypted");
+    size_ = info.uncompressed_size;
     limit_ = std::max(alwaysAllowed, mostGrowth * info.compressed_size);
     if (unzOpenCurrentFile(zip_) != UNZ_OK) {
       file_.fail(fmt::format("part {} cannot be unpacked", part));
@@ -64,11 +65,16 @@ class PartBytes {
     return {buffer_.data(), static_cast<std::size_t>(count)};
   }
 
+  [[nodiscard]] double share() const {
+    return size_ == 0 ? 0 : std::min(1.0, static_cast<double>(total_) / static_cast<double>(size_));
+  }
+
  private:
   const XlsxFile& file_;
   void* zip_;
   std::string part_;
   std::vector<char> buffer_;
+  unsigned long long size_ = 0;
   unsigned long long limit_ = 0;
   unsigned long long total_ = 0;
 };
@@ -103,6 +109,7 @@ class XmlPart : public XlsxPart {
     }
     return !bytes.empty();
   }
+  [[nodiscard]] double share() const override { return bytes_.share(); }
 
  private:
   // Runs `body`; an exception does not pass the parser, but ends it.

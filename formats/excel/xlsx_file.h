@@ -35,6 +35,8 @@ class XlsxPart {
   // Reads on and hands over what is there; false at the end. Throws Failure for what is damaged, no
   // XML, or grows beyond reason when it is unpacked.
   virtual bool advance() = 0;
+  // What part of it was read, from 0 to 1, as the file tells its size.
+  [[nodiscard]] virtual double share() const = 0;
 };
 
 class XlsxFile {

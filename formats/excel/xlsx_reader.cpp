@@ -59,6 +59,7 @@ class XlsxReader : public TableReader {
     return false;
   }
 
+  [[nodiscard]] double share() const override { return rows_.share(); }
   [[nodiscard]] TextPosition position() const override {
     return {.line = rows_.number(), .column = 0};
   }

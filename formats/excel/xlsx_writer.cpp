@@ -121,6 +121,8 @@ class XlsxWriter : public TableWriter {
   }
   void end() override {}
 
+  [[nodiscard]] std::string growingFile() const override { return published_.temporary(); }
+
   void finish() override {
     endSheet();
     lxw_workbook* book = std::exchange(book_, nullptr);

@@ -98,6 +98,10 @@ class SqliteWriter : public TableWriter {
     at_ = 0;
   }
 
+  [[nodiscard]] std::string_view ending() const override {
+    return keys_.empty() ? std::string_view() : "indexing";
+  }
+
   void end() override {
     insert_.reset();
     if (keys_.empty()) return;

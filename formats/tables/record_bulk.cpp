@@ -209,6 +209,15 @@ void RecordImport::storeBulk(const BulkRows& bulk, const BulkColumns& columns,
   const ImportTarget& target = columns.target;
   ztb::Symbol symbol = target.symbol;
   progress_.step("storing " + symbol.name().str());
+  // The first row of each piece, to find that of a record.
+  std::vector<std::size_t> begins;
+  std::size_t rows = 0;
+  for (std::size_t number = 0; number < bulk.pieceCount(); ++number) {
+    begins.push_back(rows);
+    rows += bulk.piece(number).rows;
+  }
+  progress_.expect(order.empty() ? rows : order.size());
+  std::size_t stored = 0;
   const bool isSet = symbol.type() == ztb::Type::set;
   std::array<int, ZTB_MAX_DIMENSION> keys{};
   std::array<double, ztb::fieldCount> values = target.defaults;
@@ -225,7 +234,8 @@ void RecordImport::storeBulk(const BulkRows& bulk, const BulkColumns& columns,
     } else {
       symbol.putUnchecked(record, values);
     }
-    progress_.count(++recordCount_);
+    ++recordCount_;
+    progress_.count(++stored);
   };
   if (order.empty()) {
     for (std::size_t number = 0; number < bulk.pieceCount(); ++number) {
@@ -233,13 +243,6 @@ void RecordImport::storeBulk(const BulkRows& bulk, const BulkColumns& columns,
       for (std::size_t row = 0; row < piece.rows; ++row) put(piece, row);
     }
     return;
-  }
-  // The first row of each piece, to find that of a record.
-  std::vector<std::size_t> begins;
-  std::size_t rows = 0;
-  for (std::size_t number = 0; number < bulk.pieceCount(); ++number) {
-    begins.push_back(rows);
-    rows += bulk.piece(number).rows;
   }
   for (const std::uint32_t row : order) {
     const auto number =

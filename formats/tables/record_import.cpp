@@ -61,6 +61,7 @@ void RecordImport::readRows(TableReader& reader, const std::vector<std::string>&
   std::size_t rows = 0;
   while (reader.next(problems_)) {
     progress_.count(++rows);
+    progress_.share(reader.share());
     const std::size_t count = reader.fields().size();
     if (count != columns.size()) {
       problems_.add(
@@ -235,6 +236,7 @@ void RecordImport::store(const TableReader& reader, const ImportTarget& target,
   ztb::Symbol symbol = target.symbol;
   progress_.step(fmt::format("storing {}", symbol.name().view()));
   const std::vector<std::size_t> order = table.order();
+  progress_.expect(order.size());
   for (std::size_t index = 0; index < order.size(); ++index) {
     const std::size_t record = order[index];
     if (index > 0 && std::ranges::equal(table.keys(order[index - 1]), table.keys(record))) {

@@ -62,6 +62,9 @@ class TableReader {
     return nullptr;
   }
 
+  // What part of the rows was read, from 0 to 1; 0 where that is not known.
+  [[nodiscard]] virtual double share() const { return 0; }
+
   // The row that next() read; valid until the next call.
   [[nodiscard]] const std::vector<TableField>& fields() const { return fields_; }
   // Where it begins.

@@ -55,7 +55,11 @@ class TableWriter {
   // Nothing stands at this place.
   virtual void missing() = 0;
   virtual void endRow() = 0;
+  // What end() does, where that may take long, as "indexing"; empty where it takes no time.
+  [[nodiscard]] virtual std::string_view ending() const { return {}; }
   virtual void end() = 0;
+  // The file that grows as finish() works, where that may take long; empty where it takes no time.
+  [[nodiscard]] virtual std::string growingFile() const { return {}; }
   virtual void finish() = 0;
   // The writer as one that takes rows that were made elsewhere; null for all but one of CSV.
   virtual CsvWriter* csv() { return nullptr; }

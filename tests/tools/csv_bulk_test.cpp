@@ -117,6 +117,8 @@ TEST_F(CsvBulkTest, LeavesToTheOtherReaderWhatIsToBeTold) {
 TEST(Progress, TellsRateAndTimeLeft) {
   EXPECT_EQ(tool::recordsText(5, 0.5, 0.1), "5 records");
   EXPECT_EQ(tool::recordsText(3000, 2, 0), "3000 records, 1500 a second");
+  EXPECT_EQ(tool::bytesText(1500000, 0.5), "1.5 MB");
+  EXPECT_EQ(tool::bytesText(30000000, 2), "30.0 MB, 15.0 MB a second");
   EXPECT_EQ(tool::recordsText(3000, 2, 0.25), "3000 records, 1500 a second, 6 s left");
 }
 

@@ -97,6 +97,79 @@ TEST_F(ScreenTest, NoColourWhereItIsNotWanted) {
   EXPECT_EQ(ztbFine({"show", "a.rxf", "p", "--head", "1"}).find('\x1b'), std::string::npos);
 }
 
+TEST_F(ScreenTest, RowsOfAQueryEndWithALimitThatIsTold) {
+  const std::string query = "select value from p";
+  const std::string limited = shown(80, {"sql", "a.rxf", query});
+  EXPECT_TRUE(
+      limited.ends_with("\r\n 1000\r\n"
+                        "\r\n"
+                        "1000 rows shown, others follow\r\n"
+                        "--all shows them all, --head N the first N\r\n"))
+      << limited.substr(limited.size() - 200);
+  EXPECT_TRUE(shown(80, {"sql", "a.rxf", query, "--all"}).ends_with("\r\n 1500\r\n"));
+  EXPECT_TRUE(shown(80, {"sql", "a.rxf", query, "--csv"}).ends_with("\r\n1500\r\n"));
+  EXPECT_TRUE(shown(80, {"sql", "a.rxf", query + " limit 1000"}).ends_with("\r\n 1000\r\n"));
+  EXPECT_TRUE(ztbFine({"sql", "a.rxf", query}).ends_with("\n 1500\n"));
+  EXPECT_EQ(ztbFine({"sql", "a.rxf", query, "--head", "1"}),
+            "value\n-----\n    1\n\n1 row shown, others follow\n");
+  EXPECT_EQ(ztbFine({"sql", "a.rxf", query, "--head", "1", "--csv"}), "value\n1\n");
+  EXPECT_EQ(ztbFine({"sql", "a.rxf", query, "--head", "1", "--json"}), "[\n  {\"value\":1.0}\n]\n");
+  expectFails(2, "ztb: --head and --all tell what is shown; --into takes all rows\n",
+              {"sql", "a.rxf", query, "--head", "1", "--into", "t", "--out", "b.rxf"});
+}
+
+TEST_F(ScreenTest, RowsOfAPivotTableEndWithALimitThatIsTold) {
+  ztb::Database database;
+  ztb::Symbol p = database.addParameter("p", {"*", "*"});
+  for (int row = 1; row <= 1500; ++row) {
+    p.add("r" + std::to_string(row), "a").setLevel(row);
+    p.add("r" + std::to_string(row), "b").setLevel(1000000.5 + row);
+  }
+  database.write(path("wide.rxf"));
+  const std::vector<std::string> pivot{"pivot", "wide.rxf", "p", "--rows", "1", "--columns", "2"};
+  const auto with = [&](std::vector<std::string> more) {
+    more.insert(more.begin(), pivot.begin(), pivot.end());
+    return more;
+  };
+  const std::string limited = shown(80, pivot);
+  EXPECT_TRUE(
+      limited.ends_with("\r\nr1000  1000  1001000.5\r\n"
+                        "\r\n"
+                        "1500 rows x 2 columns, 3000 records\r\n"
+                        "1000 rows shown, others follow\r\n"
+                        "--all shows them all, --head N the first N\r\n"))
+      << limited.substr(limited.size() - 200);
+  EXPECT_TRUE(shown(80, with({"--all"}))
+                  .ends_with("\r\nr1500  1500  1001500.5\r\n"
+                             "\r\n"
+                             "1500 rows x 2 columns, 3000 records\r\n"));
+  EXPECT_TRUE(
+      ztbFine(pivot).ends_with("\nr1500  1500  1001500.5\n"
+                               "\n"
+                               "1500 rows x 2 columns, 3000 records\n"));
+  EXPECT_EQ(ztbFine(with({"--head", "1", "--csv"})), "dim_1,a,b\nr1,1,1000001.5\n");
+  // Each part of a wide table ends there; columns are as wide as what is shown.
+  EXPECT_EQ(ztbFine(with({"--head", "2", "--width", "16"})),
+            "parameter p(*,\n"
+            "*)\n"
+            "\n"
+            "dim_1  a\n"
+            "-----  -\n"
+            "r1     1\n"
+            "r2     2\n"
+            "\n"
+            "dim_1          b\n"
+            "-----  ---------\n"
+            "r1     1000001.5\n"
+            "r2     1000002.5\n"
+            "\n"
+            "1500 rows x 2\n"
+            "columns, 3000\n"
+            "records\n"
+            "2 rows shown,\n"
+            "others follow\n");
+}
+
 TEST_F(ScreenTest, ManyRecordsEndWithALimitThatIsTold) {
   const std::string limited = shown(80, {"show", "a.rxf", "p"});
   EXPECT_NE(limited.find("\r\na rather long label, number 1000   1000\r\n"

@@ -40,6 +40,7 @@ struct PivotOptions {
   std::optional<std::string> slice;
   std::optional<std::string> field;
   bool csv = false;
+  RowLimit limit;
   TableOptions table;
 };
 
@@ -85,15 +86,17 @@ class PivotTable {
     requireRestFixed(taken);
   }
 
-  void printText(const TableOptions& options) {
+  void printText(const TableOptions& options, const RowLimit& limit) {
     TablePrinter table(options.style());
-    const std::vector<TablePrinter::Part> parts = measured(table, options.digits);
+    const std::span<const PivotGrid::Cell> shown = cellsOf(limit.rows(true));
+    std::vector<PivotGrid::Cell> cells(shown.begin(), shown.end());
+    const std::vector<TablePrinter::Part> parts =
+        measured(table, cells, limit.rows(true), options.digits);
     // The number of the part that each column stands in.
     std::vector<std::size_t> partOf;
     for (std::size_t part = 0; part < parts.size(); ++part) {
       partOf.insert(partOf.end(), parts[part].end - parts[part].begin, part);
     }
-    std::vector<PivotGrid::Cell> cells = grid_->cells();
     if (parts.size() > 1) {
       std::ranges::stable_sort(cells, {},
                                [&](const PivotGrid::Cell& cell) { return partOf[cell.column]; });
@@ -121,9 +124,13 @@ class PivotTable {
     print('\n' + options.line(fmt::format("{} x {}, {}", counted(grid_->rows().size(), "row"),
                                           counted(grid_->columns().size(), "column"),
                                           counted(grid_->cells().size(), "record"))));
+    if (grid_->rows().size() > limit.rows(true)) {
+      print(options.line(counted(limit.rows(true), "row") + " shown, others follow"));
+      if (!limit.head) print(options.line("--all shows them all, --head N the first N"));
+    }
   }
 
-  void printCsv(int digits) {
+  void printCsv(int digits, std::size_t most) {
     formats::CsvWriter csv(stdout, "standard output");
     for (const std::size_t position : grid_->rows().positions()) {
       csv.text(keyColumns_[position]);
@@ -132,7 +139,7 @@ class PivotTable {
       csv.text(columnTitle(column));
     }
     csv.endRow();
-    eachRow(grid_->cells(), 0, grid_->columns().size(), digits,
+    eachRow(cellsOf(most), 0, grid_->columns().size(), digits,
             [&](const std::vector<std::string_view>& row) {
               for (std::size_t cell = 0; cell < row.size(); ++cell) {
                 if (cell < leading()) {
@@ -150,6 +157,12 @@ class PivotTable {
   // Columns of labels in front of the values.
   [[nodiscard]] std::size_t leading() const { return grid_->rows().positions().size(); }
 
+  // The cells of the first rows, at most so many.
+  [[nodiscard]] std::span<const PivotGrid::Cell> cellsOf(std::size_t rows) const {
+    const std::vector<PivotGrid::Cell>& cells = grid_->cells();
+    return {cells.begin(), std::ranges::lower_bound(cells, rows, {}, &PivotGrid::Cell::row)};
+  }
+
   // A position on neither side must have one label.
   void requireRestFixed(const Positions& taken) const {
     for (std::size_t position = 0; position < keyColumns_.size(); ++position) {
@@ -163,20 +176,23 @@ class PivotTable {
     }
   }
 
-  // Adds the columns, as wide as their cells, and gives the parts that have room in a line.
-  std::vector<TablePrinter::Part> measured(TablePrinter& table, int digits) const {
+  // Adds the columns, as wide as these cells and labels of so many rows, and gives the parts that
+  // have room in a line.
+  std::vector<TablePrinter::Part> measured(TablePrinter& table,
+                                           std::span<const PivotGrid::Cell> cells, std::size_t rows,
+                                           int digits) const {
     for (const std::size_t position : grid_->rows().positions()) {
       table.addColumn(keyColumns_[position], TablePrinter::Align::left);
     }
     for (std::size_t column = 0; column < grid_->columns().size(); ++column) {
       table.addColumn(columnTitle(column), TablePrinter::Align::right);
     }
-    for (std::size_t row = 0; row < grid_->rows().size(); ++row) {
+    for (std::size_t row = 0; row < std::min(rows, grid_->rows().size()); ++row) {
       for (std::size_t index = 0; index < leading(); ++index) {
         table.measure(index, file_.label(grid_->rows().labels(row)[index]));
       }
     }
-    for (const PivotGrid::Cell& cell : grid_->cells()) {
+    for (const PivotGrid::Cell& cell : cells) {
       table.measure(leading() + cell.column, NumberText(cell.value, digits).view());
     }
     return table.parts(leading());
@@ -230,9 +246,9 @@ void runPivot(const PivotOptions& options) {
   PivotTable table(options);
   progress.reset();
   if (options.csv) {
-    table.printCsv(options.table.digits);
+    table.printCsv(options.table.digits, options.limit.rows(false));
   } else {
-    table.printText(options.table);
+    table.printText(options.table, options.limit);
   }
 }
 
@@ -254,6 +270,7 @@ void addPivotCommand(CommandLine& line) {
   command.text("--field", options->field, "Field of a variable or equation; level")
       .typeName("FIELD");
   command.flag("--csv", options->csv, "Print CSV");
+  addRowLimit(command, options->limit, "rows");
   addWidthOption(command, options->table);
   addDigitsOption(command, options->table);
   addMemoryOption(command);

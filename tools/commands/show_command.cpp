@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <functional>
-#include <limits>
 #include <memory>
 #include <optional>
 #include <string>
@@ -28,7 +27,6 @@
 #include "tools/text/number_text.h"
 #include "tools/text/output.h"
 #include "tools/text/progress.h"
-#include "tools/text/screen.h"
 #include "tools/text/table_printer.h"
 #include "tools/text/words.h"
 
@@ -41,27 +39,14 @@ struct ShowOptions {
   std::string symbol;
   std::optional<std::string> slice;
   std::optional<std::string> fields;
-  std::optional<std::size_t> head;
+  RowLimit limit;
   std::string sortColumn;
   bool descending = false;
-  bool all = false;
   ztb::Store store = ztb::Store::map;
   bool csv = false;
   bool json = false;
   TableOptions table;
 };
-
-// A table of more records than one reads on a screen ends early there, and tells so.
-constexpr std::size_t recordsOnTerminal = 1000;
-
-std::size_t recordsShown(const ShowOptions& options) {
-  if (options.head) {
-    return *options.head;
-  }
-  const bool isTable = !options.csv && !options.json;
-  return isTable && !options.all && outputIsTerminal() ? recordsOnTerminal
-                                                       : std::numeric_limits<std::size_t>::max();
-}
 
 // The records of one symbol as cells: labels first, then text or values.
 class ShownRecords {
@@ -70,7 +55,7 @@ class ShownRecords {
       : file_(options.file),
         symbol_(file_.resolved(file_.symbol(options.symbol))),
         store_(options.store),
-        head_(recordsShown(options)),
+        head_(options.limit.rows(!options.csv && !options.json)),
         digits_(options.table.digits),
         keyColumns_(ztb::keyColumns(symbol_.name, symbol_.type, domainNames(symbol_))),
         walk_(file_, symbol_) {
@@ -78,7 +63,7 @@ class ShownRecords {
     if (!options.sortColumn.empty()) {
       order_ = {.slot = slotToSort(options.sortColumn),
                 .descending = options.descending,
-                .most = head_ == std::numeric_limits<std::size_t>::max() ? head_ : head_ + 1};
+                .most = head_ == RowLimit::none ? head_ : head_ + 1};
     } else if (options.descending) {
       throw UsageError("--descending: goes with --sort");
     }
@@ -305,7 +290,7 @@ void printTable(ShownRecords& shown, const ShowOptions& options,
                 [&](std::span<const std::string_view> cells) { table.printRow(stdout, cells); });
   print('\n' + options.table.line(fmt::format("{}{}", counted(walked.records, "record"),
                                               walked.more ? " shown, others follow" : "")));
-  if (walked.more && !options.head) {
+  if (walked.more && !options.limit.head) {
     print(options.table.line(fmt::format("{} has {}; --all shows them all, --head N the first N",
                                          shown.symbol().name,
                                          counted(shown.symbol().recordCount, "record"))));
@@ -354,12 +339,7 @@ void addShowCommand(CommandLine& line) {
       .text("--field", options->fields,
             "Fields of a variable or equation: level, marginal, lower, upper, scale")
       .typeName("FIELD,...");
-  const Option head = command.number("--head", options->head, "Show the first N records only");
-  command
-      .flag("--all", options->all,
-            "Show all records; without it a table on a terminal ends after " +
-                std::to_string(recordsOnTerminal))
-      .excludes(head);
+  addRowLimit(command, options->limit, "records");
   command
       .text("--sort", options->sortColumn,
             "Show records in the order of their value, or of this field")

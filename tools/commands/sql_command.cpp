@@ -18,6 +18,7 @@
 #include "tools/commands/command_line.h"
 #include "tools/commands/commands.h"
 #include "tools/commands/memory_option.h"
+#include "tools/commands/sql_query.h"
 #include "tools/commands/table_options.h"
 #include "tools/files/standard_streams.h"
 #include "tools/files/system_files.h"
@@ -39,144 +40,19 @@ struct SqlOptions {
   bool json = false;
   std::optional<std::string> into;
   std::optional<std::string> out;
+  RowLimit limit;
   TableOptions table;
 };
 
-using Message = std::array<char, 512>;
-
-// A name for the tables of a file: that of the file without its folder and ending, with a number
-// behind it where it is taken.
-std::string schemaOf(const std::string& path, const std::vector<std::string>& taken) {
-  const std::string stem = path == "-" ? "stdin" : nameOf(pathOf(path).stem());
-  const auto isTaken = [&](const std::string& name) {
-    return name.empty() || sameFolded(name, "main") || sameFolded(name, "temp") ||
-           std::ranges::any_of(taken, [&](const auto& other) { return sameFolded(other, name); });
-  };
-  std::string name = stem;
-  for (int number = 2; isTaken(name); ++number) {
-    name = fmt::format("{}_{}", stem, number);
-  }
-  return name;
-}
-
-// Databases with their tables, and one query over them, until they are closed.
-class Query {
- public:
-  explicit Query(const std::vector<std::string>& words, Progress& progress) {
-    Message message{};
-    if (ztbSqlOpen(&sql_, message.data(), static_cast<int>(message.size())) == 0) {
-      throw Failure(message.data());
-    }
-    try {
-      begin(words, progress);
-    } catch (...) {
-      close();
-      throw;
-    }
-  }
-  Query(const Query&) = delete;
-  Query& operator=(const Query&) = delete;
-  ~Query() { close(); }
-
-  [[nodiscard]] ztbSqlRows* rows() const { return rows_; }
-  [[nodiscard]] int columnCount() const { return ztbSqlColumnCount(rows_); }
-  [[nodiscard]] std::string_view columnName(int column) const {
-    return ztbSqlColumnName(rows_, column);
-  }
-  // The name by which the first file is opened.
-  [[nodiscard]] const std::string& firstFile() const { return firstFile_; }
-
-  void close() {
-    ztbSqlRowsClose(&rows_);
-    ztbSqlClose(&sql_);
-  }
-
-  // Visits the rows; gives their number.
-  std::size_t walk(const std::function<void()>& visit) {
-    std::size_t count = 0;
-    int state = 0;
-    while ((state = ztbSqlNext(rows_)) > 0) {
-      visit();
-      progress_->count(++count);
-    }
-    if (state < 0) {
-      throw Failure(ztbSqlMessage(rows_));
-    }
-    return count;
-  }
-
- private:
-  void begin(const std::vector<std::string>& words, Progress& progress) {
-    progress_ = &progress;
-    Message message{};
-    const auto size = static_cast<int>(message.size());
-    std::vector<std::string> schemas;
-    for (auto file = words.begin(); file != std::prev(words.end()); ++file) {
-      progress.step("opening " + inputName(*file));
-      const std::string path = inputFile(*file);
-      firstFile_ = firstFile_.empty() ? path : firstFile_;
-      schemas.push_back(schemaOf(*file, schemas));
-      if (ztbSqlAttachFile(sql_, schemas.back().c_str(), path.c_str(), message.data(), size) == 0) {
-        throw Failure(withFile(inputName(*file), message.data()));
-      }
-    }
-    progress.step("querying");
-    if (ztbSqlQuery(&rows_, sql_, words.back().c_str(), message.data(), size) == 0) {
-      throw Failure(message.data());
-    }
-    if (ztbSqlParameterCount(rows_) > 0) {
-      throw UsageError("the query has a parameter, which nothing is given for");
-    }
-  }
-  ztbSql* sql_ = nullptr;
-  ztbSqlRows* rows_ = nullptr;
-  std::string firstFile_;
-  Progress* progress_ = nullptr;
-};
-
-std::string_view textOf(const Query& query, int column) {
-  const char* text = ztbSqlText(query.rows(), column);
-  return {text, static_cast<std::size_t>(ztbSqlSize(query.rows(), column))};
-}
-
-// Bytes as SQL spells them.
-std::string spelledBlob(const Query& query, int column) {
-  const auto* bytes = static_cast<const unsigned char*>(ztbSqlBlob(query.rows(), column));
-  std::string text = "x'";
-  for (int at = 0; at < ztbSqlSize(query.rows(), column); ++at) {
-    text += fmt::format("{:02x}", bytes[at]);
-  }
-  return text + '\'';
-}
-
-// What a row holds in a column, as text; nothing for a null.
-std::string cellText(const Query& query, int column, int digits) {
-  switch (ztbSqlType(query.rows(), column)) {
-    case ZTB_SQL_NULL:
-      return "";
-    case ZTB_SQL_REAL:
-      return std::string(NumberText(ztbSqlReal(query.rows(), column), digits).view());
-    case ZTB_SQL_BLOB:
-      return spelledBlob(query, column);
-    default:
-      return std::string(textOf(query, column));
-  }
-}
-
-bool isText(const Query& query, int column) {
-  const int type = ztbSqlType(query.rows(), column);
-  return type == ZTB_SQL_TEXT || type == ZTB_SQL_BLOB;
-}
-
-void printTable(Query& query, const TableOptions& options) {
+void printTable(Query& query, const TableOptions& options, const RowLimit& limit) {
   const auto columns = static_cast<std::size_t>(query.columnCount());
   std::vector<bool> numbers(columns, true);
   std::vector<std::string> cells;
-  query.walk([&] {
+  const bool more = query.walk(limit.rows(true), [&] {
     for (int column = 0; column < query.columnCount(); ++column) {
-      cells.push_back(cellText(query, column, options.digits));
+      cells.push_back(query.text(column, options.digits));
       numbers[static_cast<std::size_t>(column)] =
-          numbers[static_cast<std::size_t>(column)] && !isText(query, column);
+          numbers[static_cast<std::size_t>(column)] && !query.isText(column);
     }
   });
   TablePrinter table(options.style());
@@ -194,18 +70,22 @@ void printTable(Query& query, const TableOptions& options) {
   eachRow([&] { table.measure(row); });
   table.printHeader(stdout);
   eachRow([&] { table.printRow(stdout, row); });
+  if (more) {
+    print('\n' + options.line(counted(cells.size() / columns, "row") + " shown, others follow"));
+    if (!limit.head) print(options.line("--all shows them all, --head N the first N"));
+  }
 }
 
-void printCsv(Query& query) {
+void printCsv(Query& query, std::size_t most) {
   formats::CsvWriter csv(stdout, "standard output");
   for (int column = 0; column < query.columnCount(); ++column) {
     csv.text(query.columnName(column));
   }
   csv.endRow();
-  query.walk([&] {
+  query.walk(most, [&] {
     for (int column = 0; column < query.columnCount(); ++column) {
-      const std::string cell = cellText(query, column, 0);
-      if (isText(query, column)) {
+      const std::string cell = query.text(column, 0);
+      if (query.isText(column)) {
         csv.label(cell);
       } else {
         csv.text(cell);
@@ -217,22 +97,20 @@ void printCsv(Query& query) {
 }
 
 Json jsonCell(const Query& query, int column) {
-  switch (ztbSqlType(query.rows(), column)) {
+  switch (query.type(column)) {
     case ZTB_SQL_NULL:
       return nullptr;
     case ZTB_SQL_INTEGER:
-      return ztbSqlInteger(query.rows(), column);
+      return query.integer(column);
     case ZTB_SQL_REAL:
-      return jsonNumber(ztbSqlReal(query.rows(), column));
-    case ZTB_SQL_BLOB:
-      return spelledBlob(query, column);
+      return jsonNumber(query.real(column));
     default:
-      return textOf(query, column);
+      return query.text(column, 0);
   }
 }
 
 // An array with an object for each row, one on a line.
-void printJson(Query& query) {
+void printJson(Query& query, std::size_t most) {
   for (int column = 1; column < query.columnCount(); ++column) {
     for (int before = 0; before < column; ++before) {
       if (query.columnName(before) == query.columnName(column)) {
@@ -243,7 +121,7 @@ void printJson(Query& query) {
     }
   }
   std::string before = "[\n  ";
-  query.walk([&] {
+  query.walk(most, [&] {
     Json row = Json::object();
     for (int column = 0; column < query.columnCount(); ++column) {
       row[std::string(query.columnName(column))] = jsonCell(query, column);
@@ -313,10 +191,10 @@ ztb::Symbol addSymbol(ztb::Database& database, const formats::SymbolSpec& spec, 
 bool addRecord(const Query& query, const Content& content, ztb::Database& database,
                ztb::Symbol& symbol, std::vector<std::string>& labels) {
   for (std::size_t position = 0; position < labels.size(); ++position) {
-    if (ztbSqlType(query.rows(), content.keys[position]) == ZTB_SQL_NULL) {
+    if (query.type(content.keys[position]) == ZTB_SQL_NULL) {
       throw Failure("a label is null");
     }
-    labels[position] = cellText(query, content.keys[position], 0);
+    labels[position] = query.text(content.keys[position], 0);
     if (labels[position].find('\0') != std::string::npos) {
       throw Failure(fmt::format("label {} has a zero byte", inQuotes(labels[position])));
     }
@@ -328,12 +206,12 @@ bool addRecord(const Query& query, const Content& content, ztb::Database& databa
   if (content.value < 0) {
     return false;
   }
-  const int type = ztbSqlType(query.rows(), content.value);
-  if (isText(query, content.value)) {
-    throw Failure(fmt::format("{} is no number", inQuotes(cellText(query, content.value, 0))));
+  const int type = query.type(content.value);
+  if (query.isText(content.value)) {
+    throw Failure(fmt::format("{} is no number", inQuotes(query.text(content.value, 0))));
   }
   record.setLevel(type == ZTB_SQL_NULL ? database.specialValues()[ZTB_NOT_AVAILABLE]
-                                       : ztbSqlReal(query.rows(), content.value));
+                                       : query.real(content.value));
   return type == ZTB_SQL_NULL;
 }
 
@@ -350,7 +228,7 @@ void writeSymbol(Query& query, const SqlOptions& options) {
     ztb::Symbol symbol =
         addSymbol(database, spec, content.value < 0 ? ztb::Type::set : ztb::Type::parameter);
     std::vector<std::string> labels(spec.keys.size());
-    query.walk([&] {
+    query.walk(RowLimit::none, [&] {
       ++count;
       try {
         nulls += addRecord(query, content, database, symbol, labels) ? 1 : 0;
@@ -379,16 +257,19 @@ void runSql(const SqlOptions& options) {
   if (options.into.has_value() != options.out.has_value()) {
     throw UsageError("--into names the new symbol and --out its file: give both or none");
   }
+  if (options.into && (options.limit.head || options.limit.all)) {
+    throw UsageError("--head and --all tell what is shown; --into takes all rows");
+  }
   Progress progress;
   Query query(options.words, progress);
   if (options.into) {
     writeSymbol(query, options);
   } else if (options.csv) {
-    printCsv(query);
+    printCsv(query, options.limit.rows(false));
   } else if (options.json) {
-    printJson(query);
+    printJson(query, options.limit.rows(false));
   } else {
-    printTable(query, options.table);
+    printTable(query, options.table, options.limit);
   }
 }
 
@@ -413,6 +294,7 @@ void addSqlCommand(CommandLine& line) {
             "RXF file to make: the first file with the new symbol, - for standard output")
       .typeName("FILE")
       .notEmpty();
+  addRowLimit(command, options->limit, "rows");
   addWidthOption(command, options->table);
   addDigitsOption(command, options->table);
   addMemoryOption(command);

@@ -41,6 +41,13 @@ std::string recordsText(std::size_t records, double seconds, double share) {
   return text + fmt::format(", {:.0f} s left", seconds * (1 - share) / share);
 }
 
+std::string bytesText(std::uintmax_t bytes, double seconds) {
+  constexpr double megabyte = 1e6;
+  const double size = static_cast<double>(bytes) / megabyte;
+  const std::string text = fmt::format("{:.1f} MB", size);
+  return seconds < 1 ? text : text + fmt::format(", {:.1f} MB a second", size / seconds);
+}
+
 Progress::Progress(bool shown) {
   if (shown && isTerminal(2)) {
     thread_ = std::thread([this] { run(); });
@@ -89,9 +96,14 @@ void Progress::run() {
   }
 }
 
-void Progress::draw() {
+std::string Progress::line() {
+  const std::lock_guard lock(mutex_);
+  return lineNow();
+}
+
+std::string Progress::lineNow() const {
   const std::size_t records = records_.load(std::memory_order_relaxed);
-  std::string line = wipeLine + text_;
+  std::string line = text_;
   if (detail_) {
     line += ": " + ztb::displayText(detail_());
   } else if (records > 0) {
@@ -101,6 +113,11 @@ void Progress::draw() {
     const std::chrono::duration<double> passed = std::chrono::steady_clock::now() - stepBegan_;
     line += ": " + recordsText(records, passed.count(), share);
   }
+  return line;
+}
+
+void Progress::draw() {
+  const std::string line = wipeLine + lineNow();
   const std::lock_guard lock(screen);
   std::fputs(line.c_str(), stderr);
   std::fflush(stderr);

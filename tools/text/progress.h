@@ -6,6 +6,7 @@
 #include <chrono>
 #include <condition_variable>
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <mutex>
 #include <string>
@@ -16,6 +17,9 @@ namespace tool {
 // "3000000 records, 1500000 a second, 12 s left": a rate where at least a second has passed, and
 // the time left where a share of the work, from 0 to 1, is known to be done.
 std::string recordsText(std::size_t records, double seconds, double share);
+
+// "34.5 MB, 12.1 MB a second", likewise.
+std::string bytesText(std::uintmax_t bytes, double seconds);
 
 // Takes the line of progress off the terminal, and none is drawn until what it gives ends: who
 // writes lines holds it meanwhile.
@@ -53,12 +57,16 @@ class Progress {
   // Records that this step will have; from then on count() tells its share.
   void expect(std::size_t records) { expected_.store(records, std::memory_order_relaxed); }
 
+  // What is shown now, without what wipes the line before it.
+  std::string line();
+
   // Records done in this step; cheap enough for each record.
   void count(std::size_t records) { records_.store(records, std::memory_order_relaxed); }
 
  private:
   void run();
   void draw();
+  std::string lineNow() const;
 
   std::mutex mutex_;
   std::condition_variable wake_;
