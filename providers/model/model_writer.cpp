@@ -6,6 +6,7 @@
 #include "providers/model/format_writers.h"
 #include "providers/model/lp_tokens.h"
 #include "providers/model/model_error.h"
+#include "providers/model/number_text.h"
 #include "providers/model/text_source.h"
 #include "providers/model/text_target.h"
 
@@ -15,7 +16,7 @@ namespace {
 
 void checkNumber(const std::string& file, double number, const std::string& what) {
   if (std::abs(number) < kFileInfinity) return;
-  throw ModelError(file + ": " + what + " is " + std::to_string(number) +
+  throw ModelError(file + ": " + what + " is " + numberText(number) +
                    ", which model files take for infinite; expected a size below 1e30");
 }
 
@@ -34,6 +35,14 @@ void checkNumbers(const ModelData& model, const std::string& file) {
   for (const RowData& data : model.rows) {
     checkNumber(file, data.rhs, "the right-hand side of row " + shown(data.name));
     checkNumber(file, data.range, "the range of row " + shown(data.name));
+  }
+  for (const ColumnData& data : model.columns) {
+    const auto check = [&](double bound, const char* which) {
+      if (std::abs(bound) < kFileInfinity || std::isinf(bound)) return;
+      checkNumber(file, bound, which + shown(data.name));
+    };
+    check(data.lower, "the lower bound of column ");
+    check(data.upper, "the upper bound of column ");
   }
 }
 

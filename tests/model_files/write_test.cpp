@@ -206,10 +206,29 @@ TEST_F(ModelWriting, numbersThatFilesTakeForInfiniteAreRefused) {
   model.columns = {{"x"}};
   model.terms = {{0, 0, 1e30}};
   const std::string file = folder_.file("w.lp");
-  EXPECT_EQ(file +
-                ": a coefficient of row \"objective\" is 1000000000000000019884624838656.000000, "
-                "which model files take for infinite; expected a size below 1e30",
-            refusal(model, "w.lp"));
+  EXPECT_EQ(
+      file +
+          ": a coefficient of row \"objective\" is 1e+30, which model files take for infinite; "
+          "expected a size below 1e30",
+      refusal(model, "w.lp"));
+}
+
+TEST_F(ModelWriting, boundsThatFilesTakeForInfiniteAreRefused) {
+  ModelData model;
+  for (const char* name : {"w.lp", "w.mps"}) {
+    const std::string file = folder_.file(name);
+    model.columns = {{"x", ColumnKind::continuous, 0, 1e31}};
+    EXPECT_EQ(
+        file +
+            ": the upper bound of column \"x\" is 1e+31, which model files take for infinite; "
+            "expected a size below 1e30",
+        refusal(model, name));
+    model.columns = {{"x", ColumnKind::continuous, -1e30, 5}};
+    EXPECT_EQ(file +
+                  ": the lower bound of column \"x\" is -1e+30, which model files take for "
+                  "infinite; expected a size below 1e30",
+              refusal(model, name));
+  }
 }
 
 TEST_F(ModelWriting, semiContinuousUpToNothingIsRefusedForMps) {
