@@ -268,10 +268,12 @@ Outcome GlpkProgram::runPresolved(Watch& watch) {
 }
 
 // The presolver takes what is below 0.001 for nothing, be it a cost or what a row is broken by.
-// Such an answer is a basis to go on from.
+// Such an answer is a basis to go on from. Whether columns are integers is a matter of the search.
 bool GlpkProgram::presolvedHolds(SolverResult& result) const {
   leavePoint(result);
-  const SolverProblem problem = form_.problem();
+  SolverProblem problem = form_.problem();
+  const std::vector<char> noIntegers(form_.isInteger.size());
+  problem.isInteger = noIntegers.data();
   for (int i = 0; i < form_.rowCount; ++i) {
     const Position position = result.rowPosition[at(i)];
     if (position != Position::atLower && position != Position::atUpper) continue;
@@ -282,15 +284,6 @@ bool GlpkProgram::presolvedHolds(SolverResult& result) const {
   }
   return endlessColumn(problem, result.rowMarginal) < 0 && optimumDoubt(problem, result).empty() &&
          violation(problem, result.level).empty();
-}
-
-// The presolver lets rows be missed by 1e-5 of their sides, which is more than a point may.
-bool GlpkProgram::missesPresolved(SolverResult& result) const {
-  leavePoint(result);
-  SolverProblem problem = form_.problem();
-  const std::vector<char> noIntegers(form_.isInteger.size());
-  problem.isInteger = noIntegers.data();
-  return !violation(problem, result.level).empty();
 }
 
 Outcome GlpkProgram::runLive(Watch& watch) {

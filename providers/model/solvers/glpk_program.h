@@ -75,8 +75,6 @@ class GlpkProgram : public IntegerEngine {
   Outcome runPresolved(Watch& watch);
   // Whether what the presolver left as an optimum is one; its point is in `result` then.
   bool presolvedHolds(SolverResult& result) const;
-  // Whether the point of the presolved problem is none; leaves it.
-  bool missesPresolved(SolverResult& result) const;
   Outcome runLive(Watch& watch);
   Outcome runSimplex(Watch& watch, int method);
   void leavePoint(SolverResult& result) const;
