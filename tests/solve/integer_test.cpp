@@ -55,6 +55,27 @@ std::string knapsacks(unsigned seed) {
   return text.str();
 }
 
+class BelowZero : public testing::TestWithParam<const char*> {};
+
+// z >= 2 / 1.2 and 3.7 y >= 1 + 2.9 z = 5.83: y = 2. A cut by a cover of flows left no point, since
+// y can be below 0 and is none; the free row is part of it.
+TEST_P(BelowZero, FindsAPoint) {
+  const ztbtest::TempFolder folder;
+  std::ofstream(folder.file("m.mps")) << "NAME m\nROWS\n N c\n N r0\n G r1\n L r2\n G r3\nCOLUMNS\n"
+                                         " M 'MARKER' 'INTORG'\n x r0 -0.5\n x r3 -4\n y c 0.8\n"
+                                         " y r0 1.2\n y r1 3.7\n M 'MARKER' 'INTEND'\n z r1 -2.9\n"
+                                         " z r2 -1.2\n z r3 2.8\nRHS\n b r1 1\n b r2 -2\n b r3 1\n"
+                                         "BOUNDS\n UP b x 15\n LO b y -1\n UP b y 7\n UP b z 12\n"
+                                         "ENDATA\n";
+  ztb::Model model = ztb::Model::open(folder.file("m.mps"));
+  model.solve(GetParam());
+  ASSERT_EQ(model.status(), ztbModelOptimal);
+  EXPECT_NEAR(model.objective(), 1.6, 1e-9);
+}
+
+INSTANTIATE_TEST_SUITE_P(Solvers, BelowZero, testing::Values("cbc", "glpk"),
+                         [](const auto& tested) { return std::string(tested.param); });
+
 class Knapsacks : public testing::TestWithParam<unsigned> {};
 
 TEST_P(Knapsacks, HaveTheOptimumOfTheSolversOwnPrograms) {
