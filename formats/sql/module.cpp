@@ -68,7 +68,7 @@ int bestIndex(sqlite3_vtab* base, sqlite3_index_info* info) {
     const SqlEffort effort = effortOf(info, table, plan);
     info->estimatedRows = static_cast<sqlite3_int64>(effort.rows + 0.5);
     info->estimatedCost = effort.cost;
-    info->orderByConsumed = givesOrder(info, table, plan.fixed) ? 1 : 0;
+    info->orderByConsumed = givesOrder(info, table, plan) ? 1 : 0;
     return SQLITE_OK;
   });
 }

@@ -101,25 +101,27 @@ std::vector<int> labelsAmong(SqlLabels& labels, sqlite3_value* values) {
   return all;
 }
 
-// What is chosen for the first position: the labels of both lists, where there are two.
-void narrow(SqlSelection& selection, std::vector<int> firsts) {
-  if (selection.firsts) {
+// What is chosen for a position: the labels of both lists, where there are two.
+void narrow(SqlSelection& selection, std::size_t position, std::vector<int> labels) {
+  if (selection.listed && selection.listPosition == position) {
     std::vector<int> both;
-    std::ranges::set_intersection(*selection.firsts, firsts, std::back_inserter(both));
-    firsts = std::move(both);
+    std::ranges::set_intersection(*selection.listed, labels, std::back_inserter(both));
+    labels = std::move(both);
   }
-  selection.nothing = selection.nothing || firsts.empty();
-  selection.firsts = std::move(firsts);
+  selection.nothing = selection.nothing || labels.empty();
+  selection.listPosition = position;
+  selection.listed = std::move(labels);
 }
 
-// One label at a position; several of them at the first make a list, and elsewhere SQLite sees.
+// One label at a position; several of them at the first make a list unless another position has
+// one, and elsewhere SQLite sees.
 void giveLabels(SqlSelection& selection, std::size_t position, std::vector<int> labels) {
   if (labels.empty()) {
     selection.nothing = true;
   } else if (labels.size() == 1) {
     selection.labels[position] = labels.front();
-  } else if (position == 0) {
-    narrow(selection, std::move(labels));
+  } else if (position == 0 && !selection.listed) {
+    narrow(selection, position, std::move(labels));
   }
 }
 
@@ -160,6 +162,11 @@ constexpr double labelsOfIn = 25;
 
 // The records of the plan among `count` of a symbol, or labels of the universe.
 double rowsOf(SqlTable& table, const SqlPlan& plan, const KnownValues& known, double count) {
+  if (plan.listPosition > 0) {
+    std::vector<bool> given = plan.given;
+    given[static_cast<std::size_t>(plan.listPosition)] = true;
+    return std::min(count, labelsOfIn * table.estimates().ofPositions(given));
+  }
   const auto isGiven = std::ranges::count(plan.given, true);
   const bool isBound = known.lower.has_value() || known.upper.has_value();
   if (std::ranges::find(known.prefix, 0) != known.prefix.end()) return 0;
@@ -192,8 +199,12 @@ SqlEffort effortOf(sqlite3_index_info* info, SqlTable& table, const SqlPlan& pla
   const double rows = rowsOf(table, plan, known, count);
   double places = 1;
   const auto isGiven = std::ranges::count(plan.given, true);
-  if (!table.isUniverse() && isGiven > 0 && isGiven < table.dimension() &&
-      isGiven != static_cast<std::ptrdiff_t>(known.prefix.size())) {
+  if (plan.listPosition > 0) {
+    std::vector<bool> given = plan.given;
+    given[static_cast<std::size_t>(plan.listPosition)] = true;
+    places = labelsOfIn * table.estimates().jumpsTo(given);
+  } else if (!table.isUniverse() && isGiven > 0 && isGiven < table.dimension() &&
+             isGiven != static_cast<std::ptrdiff_t>(known.prefix.size())) {
     places = table.estimates().jumpsTo(plan.given);
   }
   // Finding a place takes about as long as a few steps.
@@ -224,8 +235,10 @@ SqlPlan planSql(sqlite3_index_info* info, int dimension) {
     if (comparison == Comparison::other || plan.given[position]) {
       continue;
     }
-    if (position == 0 && sqlite3_vtab_in(info, i, -1) != 0) {
-      among = i;
+    // SQLite would compare labels with numbers that a query gives as texts, if it gave them one by
+    // one.
+    if (sqlite3_vtab_in(info, i, -1) != 0) {
+      if (among < 0 || constraint.iColumn < info->aConstraint[among].iColumn) among = i;
       continue;
     }
     plan.given[position] = true;
@@ -233,13 +246,19 @@ SqlPlan planSql(sqlite3_index_info* info, int dimension) {
     take(i, SqlCondition::equal, constraint.iColumn,
          comparison == Comparison::folded && plan.fixed[position]);
   }
-  if (dimension == 0 || plan.given[0]) {
+  if (dimension == 0) {
     return plan;
   }
-  if (among >= 0) {
+  const auto takeList = [&] {
+    const int position = info->aConstraint[among].iColumn;
+    if (plan.given[static_cast<std::size_t>(position)]) return;
     sqlite3_vtab_in(info, among, 1);
-    take(among, SqlCondition::among, 0, comparisonOf(info, among) == Comparison::folded);
-    plan.ranged = true;
+    take(among, SqlCondition::among, position, comparisonOf(info, among) == Comparison::folded);
+    plan.ranged = position == 0;
+    plan.listPosition = position;
+  };
+  if (among >= 0 && (plan.given[0] || info->aConstraint[among].iColumn == 0)) takeList();
+  if (plan.given[0] || plan.ranged) {
     return plan;
   }
   bool lower = false;
@@ -260,11 +279,15 @@ SqlPlan planSql(sqlite3_index_info* info, int dimension) {
       take(i, *condition, 0, true);
     }
   }
+  if (among >= 0 && !plan.ranged) takeList();
   return plan;
 }
 
-bool givesOrder(sqlite3_index_info* info, SqlTable& table, const std::vector<bool>& fixed) {
-  if (info->nOrderBy == 0) {
+bool givesOrder(sqlite3_index_info* info, SqlTable& table, const SqlPlan& plan) {
+  const std::vector<bool>& fixed = plan.fixed;
+  // The slices of a list follow each other.
+  const auto behind = fixed.begin() + plan.listPosition;
+  if (info->nOrderBy == 0 || std::find(fixed.begin(), behind, false) != behind) {
     return false;
   }
   const int dimension = table.dimension();
@@ -316,7 +339,7 @@ SqlSelection selectionOf(SqlTable& table, const char* conditions, sqlite3_value*
         }
         break;
       case SqlCondition::among:
-        narrow(selection, labelsAmong(labels, value));
+        narrow(selection, position, labelsAmong(labels, value));
         break;
       case SqlCondition::above:
       case SqlCondition::from:
@@ -329,7 +352,7 @@ SqlSelection selectionOf(SqlTable& table, const char* conditions, sqlite3_value*
     }
   }
   if (lower || upper) {
-    narrow(selection, labels.between(lower, upper));
+    narrow(selection, 0, labels.between(lower, upper));
   }
   return selection;
 }

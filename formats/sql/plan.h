@@ -30,6 +30,7 @@ struct SqlPlan {
   std::vector<bool> given;       // positions that a value is given for
   std::vector<bool> fixed;       // those whose value is a text, which is one label at most
   bool ranged = false;           // the first position has a list or range
+  int listPosition = 0;          // a list stands at this one, where it is not 0
 };
 
 // The plan for a table whose first `dimension` columns are keys.
@@ -44,7 +45,7 @@ SqlEffort effortOf(sqlite3_index_info* info, SqlTable& table, const SqlPlan& pla
 
 // Whether records come in the order that the query wants, or, where it wants groups alone, with
 // those of a group behind each other.
-bool givesOrder(sqlite3_index_info* info, SqlTable& table, const std::vector<bool>& fixed);
+bool givesOrder(sqlite3_index_info* info, SqlTable& table, const SqlPlan& plan);
 
 // What the arguments of a walk choose.
 SqlSelection selectionOf(SqlTable& table, const char* conditions, sqlite3_value** arguments);

@@ -18,6 +18,13 @@ constexpr std::size_t largestBlock = 512;
 
 }  // namespace
 
+// Slices of a list that take less time than a look at all records.
+std::size_t SqlWalk::mostSlices(std::size_t count) const {
+  // Below a position that any label may stand at, a slice is sought all over.
+  const bool isDeep = selection_.listPosition > 0 && selection_.labels[0] == 0;
+  return isDeep ? recordsOfSlice : count / recordsOfSlice;
+}
+
 void SqlWalk::failChanged() const {
   throw ztb::Error("ztbSqlNext",
                    "records of the database were changed while the query was reading");
@@ -34,7 +41,7 @@ void SqlWalk::begin(SqlSelection selection, unsigned columns) {
   left_ = 0;
   place_ = 0;
   mayGoOn_ = false;
-  isFirst_.clear();
+  isListed_.clear();
   const ztb::Symbol& symbol = table_->symbol();
   changes_ = table_->database().changes();
   const auto count = static_cast<std::size_t>(table_->recordCount());
@@ -48,22 +55,22 @@ void SqlWalk::begin(SqlSelection selection, unsigned columns) {
                                                             [](int l) { return l != 0; }));
   if (table_->isUniverse()) {
     kind_ = Kind::numbers;
-    if (!selection_.firsts && given > 0) {
-      selection_.firsts = {selection_.labels[0]};
+    if (!selection_.listed && given > 0) {
+      selection_.listed = {selection_.labels[0]};
     }
-    left_ = selection_.firsts ? selection_.firsts->size() : count;
-  } else if (selection_.firsts && selection_.firsts->size() > count / recordsOfSlice) {
+    left_ = selection_.listed ? selection_.listed->size() : count;
+  } else if (selection_.listed && selection_.listed->size() > mostSlices(count)) {
     kind_ = given > 0 ? Kind::slices : Kind::all;
-    keepFirsts();
+    keepListed();
   } else {
-    kind_ = selection_.firsts || given > 0 ? Kind::slices : Kind::all;
+    kind_ = selection_.listed || given > 0 ? Kind::slices : Kind::all;
   }
   if (kind_ == Kind::all) {
     record_ = ztb::detail::firstRecord({symbol.database(), symbol.handle()});
     left_ = count;
   }
   // The text of a record is asked of the handle that stands on it.
-  const std::size_t listed = selection_.firsts && kind_ == Kind::slices ? 1 : 0;
+  const std::size_t listed = selection_.listed && kind_ == Kind::slices ? 1 : 0;
   isOne_ = given + listed == positions && positions > 0;
   const bool withTexts = table_->isSet() && !table_->isUniverse() && isAsked(positions);
   most_ = withTexts || isOne_ ? 1 : largestBlock;
@@ -85,13 +92,13 @@ void SqlWalk::readSpecialValues() {
   }
 }
 
-// Looks at all records for a long list of first labels.
-void SqlWalk::keepFirsts() {
-  isFirst_.assign(static_cast<std::size_t>(selection_.firsts->back()) + 1, false);
-  for (const int label : *selection_.firsts) {
-    isFirst_[static_cast<std::size_t>(label)] = true;
+// Looks at all records for a long list of labels.
+void SqlWalk::keepListed() {
+  isListed_.assign(static_cast<std::size_t>(selection_.listed->back()) + 1, false);
+  for (const int label : *selection_.listed) {
+    isListed_[static_cast<std::size_t>(label)] = true;
   }
-  selection_.firsts.reset();
+  selection_.listed.reset();
 }
 
 // Makes the next block of records that are wanted; an empty one is the end.
@@ -103,7 +110,7 @@ void SqlWalk::fill() {
     if (!toRecords()) {
       return;
     }
-    if (kind_ == Kind::all && columns_ == 0 && isFirst_.empty()) {
+    if (kind_ == Kind::all && columns_ == 0 && isListed_.empty()) {
       // Records that are counted alone need not be met.
       filled_ = std::exchange(left_, 0);
       return;
@@ -135,11 +142,11 @@ bool SqlWalk::toRecords() {
       return true;
     }
   }
-  if (!selection_.firsts) {
+  if (!selection_.listed) {
     return place_++ == 0 && toFirst();
   }
-  while (place_ < selection_.firsts->size()) {
-    selection_.labels[0] = (*selection_.firsts)[place_++];
+  while (place_ < selection_.listed->size()) {
+    selection_.labels[selection_.listPosition] = (*selection_.listed)[place_++];
     if (toFirst()) {
       return true;
     }
@@ -151,7 +158,8 @@ void SqlWalk::readBlock() {
   std::array<int*, ZTB_MAX_DIMENSION> keys{};
   std::array<double*, ztb::fieldCount> values{};
   for (std::size_t position = 0; position < keys_.size(); ++position) {
-    const bool isWanted = isAsked(position) || (position == 0 && !isFirst_.empty());
+    const bool isWanted =
+        isAsked(position) || (position == selection_.listPosition && !isListed_.empty());
     keys[position] = isWanted ? keys_[position].data() : nullptr;
   }
   for (std::size_t slot = 0; slot < values_.size(); ++slot) {
@@ -166,11 +174,11 @@ void SqlWalk::readBlock() {
   }
   mayGoOn_ = !isOne_ && filled_ == blockSize_;
   left_ -= std::min(left_, filled_);
-  if (!isFirst_.empty()) {
+  if (!isListed_.empty()) {
     std::size_t kept = 0;
     for (std::size_t i = 0; i < filled_; ++i) {
-      const auto first = static_cast<std::size_t>(keys_[0][i]);
-      if (first >= isFirst_.size() || !isFirst_[first]) {
+      const auto label = static_cast<std::size_t>(keys_[selection_.listPosition][i]);
+      if (label >= isListed_.size() || !isListed_[label]) {
         continue;
       }
       for (std::vector<int>& column : keys_) column[kept] = column[i];
@@ -185,7 +193,7 @@ void SqlWalk::readNumbers() {
   filled_ = std::min(blockSize_, left_);
   left_ -= filled_;
   for (std::size_t i = 0; i < filled_; ++i, ++place_) {
-    keys_[0][i] = selection_.firsts ? (*selection_.firsts)[place_] : static_cast<int>(place_) + 1;
+    keys_[0][i] = selection_.listed ? (*selection_.listed)[place_] : static_cast<int>(place_) + 1;
   }
 }
 

@@ -14,10 +14,11 @@
 namespace formats {
 
 // Which records: those with these labels at the positions where one is given, and with one of
-// `firsts` at the first position where there is such a list.
+// `listed` at one more position where there is such a list.
 struct SqlSelection {
   std::array<int, ZTB_MAX_DIMENSION> labels{};  // 0 for any
-  std::optional<std::vector<int>> firsts;       // ascending
+  std::optional<std::vector<int>> listed;       // ascending
+  std::size_t listPosition = 0;
   bool nothing = false;
 };
 
@@ -81,7 +82,8 @@ class SqlWalk {
   bool toRecords();
   void readBlock();
   void readNumbers();
-  void keepFirsts();
+  [[nodiscard]] std::size_t mostSlices(std::size_t count) const;
+  void keepListed();
   bool toFirst();
   [[nodiscard]] bool isAsked(std::size_t column) const { return (columns_ >> column & 1U) != 0; }
   void askFor(unsigned columns);
@@ -96,11 +98,11 @@ class SqlWalk {
   unsigned changes_ = 0;
   std::size_t blockSize_ = 1;
   std::size_t most_ = 1;
-  std::size_t left_ = 0;       // records behind the block, in a walk over all
-  bool isOne_ = false;         // a single record is wanted, by all its labels
-  bool mayGoOn_ = false;       // the handle stands on the last record of the block, not on the next
-  std::size_t place_ = 0;      // in the list of first labels, or of numbers
-  std::vector<bool> isFirst_;  // by label number, where all records are looked at for a list
+  std::size_t left_ = 0;   // records behind the block, in a walk over all
+  bool isOne_ = false;     // a single record is wanted, by all its labels
+  bool mayGoOn_ = false;   // the handle stands on the last record of the block, not on the next
+  std::size_t place_ = 0;  // in the list of labels, or of numbers
+  std::vector<bool> isListed_;  // by label number, where all records are looked at for a list
   // The block: an array for each position and slot, the place in it, and its records.
   std::vector<std::vector<int>> keys_;
   std::vector<std::vector<double>> values_;

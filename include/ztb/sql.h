@@ -24,8 +24,8 @@
  *
  * Records are read from their source when a query first plans to read them. A condition on keys
  * that asks for one label finds its records without a look at the others, at any position; so does
- * an IN or a range of labels on the first one. Records come in the order of labels' numbers, unless
- * ORDER BY says otherwise.
+ * an IN on one of them, or a range of labels on the first one. Records come in the order of labels'
+ * numbers but for such an IN behind the first, unless ORDER BY says otherwise.
  *
  * The functions stand in libztbsql.so. A ztbSql is used by one thread at a time, and so is each
  * database that it was given; it ends before they do. Texts of results stay until the next row.

@@ -2,6 +2,8 @@
 
 import datetime
 import math
+import random
+import sqlite3
 
 import numpy as np
 import pytest
@@ -90,3 +92,67 @@ def test_mistakes_are_told(diet):
     diet.close()
     with pytest.raises(ztb.Error):
         ztb.sql(diet, "select 1")
+
+
+def test_random_queries_give_what_tables_of_sqlite_do(tmp_path):
+    """Labels and numbers of every look in conditions, lists and joins, on each store."""
+    texts = "Milk tofu ZINC 1 01 1.0 2 10 1e1 -3 3.5 \u00e4 \u00c4 Apple Inf nan 0x10".split()
+    values = [1.0, 2.0, 3.5, -3.0, 10.0, 0.0, ztb.NA, ztb.INF]
+    numbers = ["1", "1.0", "10", "-3", "3.5", "null", "' '", "x'31'", "(select 1)"]
+    draw = random.Random(3)
+
+    def any_value():
+        text = draw.choice(texts)
+        return draw.choice([f"'{text}'", f"'{text.swapcase()}'", draw.choice(numbers)])
+
+    def condition():
+        key = draw.choice(["q.k0", "q.k1"])
+        some = ", ".join(any_value() for _ in range(draw.randint(1, 4)))
+        inner = draw.choice(["value", "k0", "cast(value as integer)", "k1 || ''"])
+        operator = draw.choice("= = is < <= > >= <>".split())
+        return draw.choice(
+            [
+                f"{key} {operator} {any_value()}",
+                f"{key} in ({some})",
+                f"{key} not in ({some})",
+                f"{key} in (select {inner} from b)",
+                f"{key} between {any_value()} and {any_value()}",
+                f"{key} = {any_value()} collate binary",
+                f"{key} = (select max(k1) from b)",
+                "q.value > 1",
+            ]
+        )
+
+    def rows_of(rows):
+        clean = [[None if cell != cell else cell for cell in row] for row in rows]
+        return sorted([[str(cell) for cell in row] for row in clean])
+
+    for store in ("map", "vector", "trie"):
+        database = ztb.Database()
+        tables = sqlite3.connect(":memory:")
+        for name in "ab":
+            symbol = database.add_parameter(name, ["k0", "k1"])
+            for _ in range(60):
+                symbol[draw.choice(texts), draw.choice(texts)] = draw.choice(values)
+            tables.execute(
+                f"create table {name}(k0 text collate nocase, k1 text collate nocase, value real)"
+            )
+            rows = [(*key, value if value == value else None) for key, value in symbol.items()]
+            tables.executemany(f"insert into {name} values(?, ?, ?)", rows)
+        database.write(tmp_path / "a.rxf")
+        database = ztb.open(tmp_path / "a.rxf", store=store)
+        for number in range(120):
+            conditions = [condition() for _ in range(draw.randint(1, 3))]
+            where = draw.choice([" and ", " or "]).join(conditions)
+            own, other = draw.choice(["k0", "k1"]), draw.choice(["k0", "k1", "value"])
+            query = draw.choice(
+                [
+                    f"select q.k0, q.k1, q.value from a q where {where}",
+                    f"select q.k0, count(*), max(q.value) from a q where {where} group by 1",
+                    f"select q.*, y.* from a q join b y on q.{own} = y.{other} where {where}",
+                ]
+            )
+            expected = rows_of(tables.execute(query).fetchall())
+            frame = ztb.sql(database, query)
+            found = rows_of(row[1:] for row in frame.astype(object).itertuples())
+            assert found == expected, (store, number, query)

@@ -186,6 +186,30 @@ TEST_F(SqlQuery, KeepsTheRecordsOfALongList) {
               ElementsAre("Tofu", "zinc"));
 }
 
+// SQLite compares what it gives one by one as texts, where it would compare numbers itself.
+TEST_F(SqlQuery, TakesListsAtLaterPositionsAsSqliteDoes) {
+  set("Tofu", "2020", 21);
+  set("Tofu", "kcal", 22);
+  database_.addParameter("year", {}).add().setLevel(2020);
+  begin();
+  EXPECT_THAT(rows("select value from holds where dim_2 in (select value from year)"),
+              ElementsAre("21.0"));
+  EXPECT_THAT(rows("select value from holds where food = 'tofu' and dim_2 in (select value from "
+                   "year)"),
+              ElementsAre("21.0"));
+  EXPECT_THAT(rows("select food, count(*) from holds where dim_2 in ('KCAL', 'iron') "
+                   "group by food"),
+              UnorderedElementsAre("Milk 2", "Tofu 2", "2020 1"));
+  EXPECT_THAT(rows("select value from holds where dim_2 in ('zinc', 'kcal') and food in ('apple', "
+                   "'milk')"),
+              UnorderedElementsAre("3.0", "9.0"));
+  EXPECT_THAT(rows("select value from holds where dim_2 in ('zinc', 'kcal') and food >= 'b'"),
+              UnorderedElementsAre("3.0", "22.0"));
+  EXPECT_THAT(rows("select value from holds where dim_2 in (select label from \"*\") and "
+                   "value > 8"),
+              UnorderedElementsAre("9.0", "21.0", "22.0"));
+}
+
 TEST_F(SqlQuery, SortsOnlyWhereRecordsHaveAnotherOrder) {
   EXPECT_THAT(rows("select distinct food from holds order by food"),
               ElementsAre("2020", "apple", "Milk", "Tofu"));
