@@ -387,8 +387,8 @@ void Instance::takeResult(const SolverResult& result) {
   // every solver leaves the same for the same point.
   const double sign = maximize_ ? -1 : 1;
   for (std::size_t i = 1; i < rows_.size(); ++i) {
-    rows_[i] = {0, sign * result.rowMarginal[i - 1], static_cast<int>(result.rowPosition[i - 1]),
-                0};
+    const double marginal = sign * result.rowMarginal[i - 1] + 0.0;  // never -0
+    rows_[i] = {0, marginal, static_cast<int>(result.rowPosition[i - 1]), 0};
   }
   rows_[0] = {0, -1, static_cast<int>(Position::basic), 0};  // with this weight one sum serves all
   takeColumns(result);

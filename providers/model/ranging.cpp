@@ -75,8 +75,8 @@ class RangeFinder {
     ranging.rhsUpper.assign(at(instance_.rowCount()), kInfinity);
     for (std::size_t j = 0; j < columns; ++j) {
       // A maximization was handed over with the signs turned.
-      ranging.costLower[j] = instance_.maximizes() ? -costUpper[j] : costLower[j];
-      ranging.costUpper[j] = instance_.maximizes() ? -costLower[j] : costUpper[j];
+      ranging.costLower[j] = instance_.maximizes() ? 0 - costUpper[j] : costLower[j];
+      ranging.costUpper[j] = instance_.maximizes() ? 0 - costLower[j] : costUpper[j];
     }
     for (int i = 1; i < instance_.rowCount(); ++i) {
       const std::size_t k = at(i - 1);

@@ -169,6 +169,27 @@ TEST_P(RangesTest, aBasisIsTakenAndSavesTheIterations) {
   EXPECT_FALSE(result.startTaken) << "one basic row or column too many or too few";
 }
 
+// Two columns of one row stood in the basis, the second one at 0, between its bounds. As many
+// are basic as there are rows, and all others at a bound.
+TEST_P(RangesTest, areOfAVertex) {
+  SmallModel model;
+  model.column(2, 0, kInf);
+  model.column(0, 2, 3);
+  model.column(0, -1, kInf);
+  model.column(0, 1, kInf);
+  model.row({-3, -3, 3, 2}, -9, -6);
+  const SolverResult result = solveFresh(GetParam(), model);
+  ASSERT_EQ(result.outcome, Outcome::optimal);
+  int basic = result.rowPosition[0] == Position::basic ? 1 : 0;
+  for (std::size_t j = 0; j < result.level.size(); ++j) {
+    const double level = result.level[j];
+    const bool isAtBound = level == model.lower[j] || level == model.upper[j];
+    EXPECT_TRUE(isAtBound || result.position[j] == Position::basic) << j << " at " << level;
+    basic += result.position[j] == Position::basic ? 1 : 0;
+  }
+  EXPECT_EQ(basic, 1);
+}
+
 INSTANTIATE_TEST_SUITE_P(Solvers, RangesTest, testing::Values("clp", "glpk"),
                          [](const auto& tested) { return std::string(tested.param); });
 
