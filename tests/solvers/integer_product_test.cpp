@@ -37,6 +37,25 @@ SmallModel closestPoint() {
   return model;
 }
 
+// A column that the search had fixed was taken for one to branch on, which ended the process in an
+// assertion. The best of all points that the rows leave.
+TEST(IntegerProduct, branchesOnNoFixedColumn) {
+  SmallModel model;
+  model.column(8, -1, 3, true);
+  model.column(6, -3, 1, true);
+  model.column(0, -1, 0, true);
+  model.row({3, 3, 2}, -kInf, 2);
+  model.row({-2, 2, -3}, -kInf, 2);
+  model.row({2, 3, -2}, -kInf, 1);
+  for (const int x : {0, 1, 2}) model.products.push_back({kObjectiveRow, x, x, 3});
+  model.products.push_back({kObjectiveRow, 0, 1, 2});
+  model.products.push_back({kObjectiveRow, 0, 2, -4});
+  model.products.push_back({kObjectiveRow, 1, 2, -4});
+  const SolverResult result = solveFresh("bonmin", model);
+  ASSERT_EQ(result.outcome, Outcome::optimal) << result.reason;
+  EXPECT_NEAR(model.objective(result.level), -10, 1e-6);
+}
+
 TEST(IntegerProduct, findsTheClosestIntegerPoint) {
   SmallModel model = closestPoint();
   const SolverResult result = solveFresh("bonmin", model);

@@ -91,7 +91,8 @@ class SilentHandler : public CoinMessageHandler {
 };
 
 std::string optionsOf(const Watch& watch, int iterations) {
-  // A better solution counts however little it is better by.
+  // A better solution counts however little it is better by. A fixed column that a run of Ipopt
+  // leaves a little beside its integer is none to branch on.
   constexpr const char* kOptions =
       "bonmin.algorithm B-BB\n"
       "bonmin.allowable_gap 0\n"
@@ -99,6 +100,7 @@ std::string optionsOf(const Watch& watch, int iterations) {
       "bonmin.cutoff_decr 1e-9\n"
       "bonmin.heuristic_dive_MIP_fractional no\n"
       "bonmin.heuristic_dive_MIP_vectorLength no\n"
+      "bonmin.integer_tolerance 1e-5\n"
       "bonmin.iteration_limit %d\n"
       "bonmin.num_retry_unsolved_random_point 3\n"
       "bonmin.bb_log_level 0\n"
