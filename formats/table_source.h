@@ -3,8 +3,17 @@
 #define ZTB_FORMATS_TABLE_SOURCE_H_
 
 #include <string>
+#include <vector>
 
 namespace formats {
+
+// The columns of a table that an import uses, by their names in the file.
+struct UsedColumns {
+  // All of them, whatever they are called.
+  bool all = true;
+  // Otherwise these: each is one of several names, the case of letters aside.
+  std::vector<std::vector<std::string>> names{};
+};
 
 struct TableSource {
   std::string path;
@@ -13,6 +22,7 @@ struct TableSource {
   char separator = ',';  // of the formats that part fields by a char
   // The table belongs to a whole database, and has what TableHead::exact tells.
   bool exact = false;
+  UsedColumns used{};
 
   // As messages name it.
   [[nodiscard]] std::string name() const { return part.empty() ? path : path + '#' + part; }

@@ -19,7 +19,8 @@
 
 namespace formats {
 
-// The columns are the keys of the first object; one that a later object lacks is missing there.
+// The columns are the keys of all objects, or those of the first one where they have all that are
+// used; a key that an object lacks is missing there.
 std::unique_ptr<TableReader> openJsonLines(const TableSource& source);
 std::unique_ptr<TableWriter> makeJsonLines(const TableTarget& target);
 std::unique_ptr<DatabaseReader> openJsonDatabase(const std::string& path);

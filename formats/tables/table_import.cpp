@@ -316,10 +316,50 @@ TableShape shapeOf(const ImportSource& source) {
   return shape;
 }
 
+// What a column of this name is called in the file.
+std::string nameInFile(const TableShape& shape, const std::string& name) {
+  for (const auto& [old, renamed] : shape.renames) {
+    if (tool::sameFolded(renamed, name)) return old;
+  }
+  return name;
+}
+
+// The columns of the file that the source is made from; the shape is that of shapeOf().
+UsedColumns usedColumns(const ImportSource& source, const TableShape& shape) {
+  UsedColumns used{.all = !shape.wide.empty() && shape.spread.empty(), .names = {}};
+  const auto use = [&](const std::string& name) {
+    const bool isMade = !shape.wide.empty() && (tool::sameFolded(name, shape.wide) ||
+                                                tool::sameFolded(name, spreadValues));
+    if (!isMade && !name.empty()) used.names.push_back({nameInFile(shape, name)});
+  };
+  for (const SymbolSpec& spec : source.symbols) {
+    const SymbolSpec inside = inShape(spec, shape);
+    for (const KeySpec& key : inside.keys) use(key.column);
+    for (const FieldSpec& field : inside.fields) use(field.column);
+    if (inside.kind == SpecKind::variable) {
+      // Without names any column may be one of its fields.
+      used.all = used.all || inside.fields.empty();
+    } else if (inside.kind == SpecKind::parameter && !inside.contentIsGiven &&
+               !hasUsualKey(inside)) {
+      used.names.push_back(
+          {nameInFile(shape, inside.contentColumn), nameInFile(shape, std::string(usualContent))});
+    } else {
+      use(inside.contentColumn);
+    }
+  }
+  for (const std::string& name : shape.spread) use(name);
+  for (const auto& [old, name] : shape.renames) used.names.push_back({old});
+  for (const UnitChange& change : shape.units) use(change.column);
+  return used;
+}
+
 // What is wrong with the columns of one symbol hides nothing of the others.
 void readSource(const ImportSource& source, const std::vector<ztb::Symbol>& symbols,
                 const TableImportOptions& options, RecordImport& records, ProblemList& problems) {
-  const std::unique_ptr<TableReader> reader = shaped(source.open(source.table), shapeOf(source));
+  const TableShape shape = shapeOf(source);
+  TableSource table = source.table;
+  table.used = usedColumns(source, shape);
+  const std::unique_ptr<TableReader> reader = shaped(source.open(table), shape);
   Header header(*reader, problems);
   if (!header.read()) return;
   std::vector<ImportTarget> targets;

@@ -77,6 +77,59 @@ TEST_F(TableTest, TakesVeryManyKeysOfJsonLines) {
               HasSubstr("twice.jsonl:1: has the key 'c77' twice\n"));
 }
 
+TEST_F(TableTest, TakesKeysOfJsonLinesThatTheFirstLineLacks) {
+  const std::string lines =
+      "{\"food\":\"Milk\",\"cents\":1}\n"
+      "{\"food\":\"Tofu\",\"cents\":2,\"note\":\"new\",\"Rebate\":0.5}\n"
+      "{\"food\":\"Ham\",\"note\":[1],\"cents\":3}\n";
+  write("a.jsonl", lines);
+  gzip("a.jsonl.gz", lines);
+  for (const char* name : {"a.jsonl", "a.jsonl.gz"}) {
+    // One that no column uses is passed over.
+    const ztb::Database plain = imported(name, price);
+    EXPECT_EQ(plain["price"].recordCount(), 3);
+    EXPECT_EQ(plain["price"].find("Ham")->level(), 3);
+    const ztb::Database read = imported(name, {{"skip-empty", ""},
+                                               {"parameter", "price(food) = cents"},
+                                               {"parameter", "rebate(food)"},
+                                               {"rename", "Rebate = rebate"}});
+    EXPECT_EQ(read["price"].recordCount(), 3);
+    EXPECT_EQ(read["rebate"].recordCount(), 1);
+    EXPECT_EQ(read["rebate"].find("Tofu")->level(), 0.5);
+  }
+  EXPECT_EQ(errorsOf("a.jsonl", {{"parameter", "p(food) = rebate"}}),
+            "a.jsonl:1: Rebate: is empty, expected a number\n"
+            "a.jsonl:3: Rebate: is empty, expected a number\n"
+            "none.rxf: not written: 2 problems in the input");
+  EXPECT_EQ(errorsOf("a.jsonl", {{"parameter", "p(food) = rabate"}}),
+            "a.jsonl:1: no column 'rabate'; the columns are food, cents, note, Rebate\n"
+            "none.rxf: not written: 1 problem in the input");
+  EXPECT_EQ(errorsOf("a.jsonl", {{"set", "note"}}),
+            "a.jsonl:1: note: is empty, expected a label (the empty label is written \"\")\n"
+            "a.jsonl:3: note: is an array, expected a text or a number\n"
+            "none.rxf: not written: 2 problems in the input");
+}
+
+TEST_F(TableTest, LosesNoKeyOfWideJsonLines) {
+  write("w.jsonl",
+        "{\"food\":\"Milk\",\"2020\":1}\n"
+        "{\"food\":\"Tofu\",\"2021\":2}\n"
+        "{\"2019\":3,\"food\":\"Ham\",\"2020\":4}\n");
+  const ztb::Database read =
+      imported("w.jsonl", {{"wide", "year"}, {"parameter", "p(food, year)"}});
+  EXPECT_EQ(read["p"].recordCount(), 4);
+  EXPECT_EQ(read["p"].find("Tofu", "2021")->level(), 2);
+  EXPECT_EQ(read["p"].find("Ham", "2019")->level(), 3);
+  const ztb::Database some =
+      imported("w.jsonl", {{"wide", "year: 2020, 2021"}, {"parameter", "p(food, year)"}});
+  EXPECT_EQ(some["p"].recordCount(), 3);
+  // Fields of variables are found by their names.
+  write("v.jsonl",
+        "{\"food\":\"Milk\",\"level\":1}\n{\"food\":\"Tofu\",\"marginal\":2,\"x\":{}}\n");
+  const ztb::Database fields = imported("v.jsonl", {{"skip-empty", ""}, {"variable", "v(food)"}});
+  EXPECT_EQ(fields["v"].find("Tofu")->marginal(), 2);
+}
+
 TEST_F(TableTest, TellsWhatIsWrongWithJsonLines) {
   write("a.jsonl",
         "{\"food\":\"Milk\",\"cents\":1}\n"
@@ -94,7 +147,7 @@ TEST_F(TableTest, TellsWhatIsWrongWithJsonLines) {
   EXPECT_THAT(errors, HasSubstr("a.jsonl:4: cents: is an object, expected a text or a number\n"));
   EXPECT_THAT(errors, HasSubstr("a.jsonl:5: cents: is an array, expected a text or a number\n"));
   EXPECT_THAT(errors, HasSubstr("a.jsonl:6: has the key 'food' twice\n"));
-  EXPECT_THAT(errors, HasSubstr("a.jsonl:7: the first line has no key 'price'\n"));
+  EXPECT_THAT(errors, HasSubstr("a.jsonl:7: cents: is empty, expected a number\n"));
   EXPECT_THAT(errors, HasSubstr("a.jsonl:8: is no JSON from char "));
   EXPECT_THAT(errors, HasSubstr("a.jsonl:9: cents: 'x' is not a number\n"));
   EXPECT_THAT(errors, HasSubstr("none.rxf: not written: 8 problems in the input"));
