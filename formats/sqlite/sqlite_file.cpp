@@ -66,6 +66,12 @@ SqliteFile SqliteFile::forWriting(const std::string& path, const std::string& sh
 }
 
 void SqliteFile::requireWhole(const std::string& path) const {
+  // Pages that a program has written last may stand in the log beside the file alone.
+  std::error_code none;
+  if (const auto log = std::filesystem::file_size(tool::pathOf(path + "-wal"), none);
+      !none && log > 0) {
+    return;
+  }
   const SqliteStatement statement =
       prepare("select page_count * page_size from pragma_page_count, pragma_page_size");
   if (sqlite3_step(statement.get()) != SQLITE_ROW) fail();

@@ -136,4 +136,18 @@ TEST_F(TableTest, DestroysNoTablesOfAnotherProgram) {
   EXPECT_EQ(exported("empty.db", one), "");
 }
 
+TEST_F(TableTest, ReadsATableWhosePagesStandInTheLogOfSqlite) {
+  sqlite3* file = nullptr;
+  ASSERT_EQ(sqlite3_open(folder_.file("live.db").c_str(), &file), SQLITE_OK);
+  ASSERT_EQ(sqlite3_exec(file,
+                         "pragma journal_mode = wal; create table t(food, cents); "
+                         "insert into t values('Milk', 11)",
+                         nullptr, nullptr, nullptr),
+            SQLITE_OK);
+  // The program that has it open has not moved them into the file.
+  const ztb::Database read = imported("live.db#t", price);
+  EXPECT_EQ(read["price"].find("Milk")->level(), 11);
+  sqlite3_close(file);
+}
+
 }  // namespace
