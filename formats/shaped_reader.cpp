@@ -209,7 +209,8 @@ void parseRename(const std::string& argument, TableShape& shape) {
   std::string old = trimmed(std::string_view(argument).substr(0, equals));
   std::string name =
       equals == std::string::npos ? "" : trimmed(std::string_view(argument).substr(equals + 1));
-  if (old.empty() || name.empty()) {
+  // Without an old name it is the column without a title.
+  if (name.empty()) {
     throw tool::UsageError(fmt::format("--rename {}: expected OLD=NEW", argument));
   }
   shape.renames.emplace_back(std::move(old), std::move(name));

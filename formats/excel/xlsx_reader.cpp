@@ -27,13 +27,17 @@ struct SheetPart {
 
 class XlsxReader : public TableReader {
  public:
-  XlsxReader(std::shared_ptr<Workbook> workbook, const SheetPart& part, bool exact)
+  // `passesOver` is whether nobody uses the column without a title in front of the others, in which
+  // programs write the numbers of rows.
+  XlsxReader(std::shared_ptr<Workbook> workbook, const SheetPart& part, bool exact,
+             bool passesOver = false)
       : TableReader(workbook->file().path() + '#' + workbook->sheets()[part.sheet].name),
         workbook_(std::move(workbook)),
         rows_(*workbook_, workbook_->sheets()[part.sheet]),
         range_(part.range.value_or(CellRange{})),
         whole_(!part.range),
-        exact_(exact) {}
+        exact_(exact),
+        passesOver_(passesOver) {}
 
   bool next(ProblemList& problems) override {
     while (rows_.next()) {
@@ -107,6 +111,7 @@ class XlsxReader : public TableReader {
     }
     for (const SheetCell& cell : cells_) {
       const std::size_t column = cell.place.column - first_;
+      if (passesOver_ && cell.place.column + 1 == first_) continue;
       if (cell.place.column < first_ || column >= names_.size()) {
         problems.add(place({.line = cell.place.row, .column = cell.place.column}),
                      fmt::format("stands beside the table, whose columns are {} to {}; give its "
@@ -156,6 +161,7 @@ class XlsxReader : public TableReader {
   CellRange range_;
   bool whole_;
   bool exact_;
+  bool passesOver_;
   bool headerRead_ = false;
   bool headSeen_ = false;
   std::size_t bitsColumn_ = 0;  // 0 for none
@@ -243,7 +249,8 @@ std::unique_ptr<TableReader> openXlsx(const TableSource& source) {
   if (isOurs && !part.range && parts.size() > 1) {
     return openParts(sheetsOf(source.path, *workbook), parts);
   }
-  return std::make_unique<XlsxReader>(workbook, part, source.exact || isOurs);
+  return std::make_unique<XlsxReader>(workbook, part, source.exact || isOurs,
+                                      !part.range && !source.used.all);
 }
 
 std::unique_ptr<DatabaseReader> openXlsxDatabase(const std::string& path) {

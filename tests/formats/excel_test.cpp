@@ -144,6 +144,19 @@ TEST_F(ExcelTest, ReadsTheSheetOfTheOnlySymbol) {
             "_labels, price, s");
 }
 
+TEST_F(ExcelTest, PassesOverNumbersOfRowsThatNoColumnUses) {
+  const ztb::Database plain = imported("numbered.xlsx", {{"parameter", "p(food) = cents"}});
+  EXPECT_EQ(plain["p"].recordCount(), 2);
+  EXPECT_EQ(plain["p"].find("Tofu")->level(), 7);
+  EXPECT_THAT(
+      errorsOf("numbered.xlsx", {{"wide", "unit"}, {"parameter", "p(food, unit)"}}),
+      HasSubstr("numbered.xlsx#Sheet!A2: stands beside the table, whose columns are B to C"));
+  // As a column they have a name to be given.
+  const ztb::Database named = imported(
+      "numbered.xlsx#Sheet!A1:C3", {{"rename", "= row"}, {"parameter", "p(row, food) = cents"}});
+  EXPECT_EQ(named["p"].find("1", "Tofu")->level(), 7);
+}
+
 TEST_F(ExcelTest, TellsWhatIsWrongWithASheet) {
   EXPECT_EQ(errorsOf("plan.xlsx#Formulas", price),
             "plan.xlsx#Formulas!B2: price: is a formula without a value: let a spreadsheet program "

@@ -33,6 +33,10 @@ def plan():
     formulas.append(["Tofu", "#N/A"])
     formulas["B3"].data_type = "e"
     book.save(folder / "plan.xlsx")
+    numbered = openpyxl.Workbook()
+    for row in [None, "food", "cents"], [0, "Milk", 11.5], [1, "Tofu", 7]:
+        numbered.active.append(row)
+    numbered.save(folder / "numbered.xlsx")
     old = openpyxl.Workbook()
     old.epoch = openpyxl.utils.datetime.CALENDAR_MAC_1904
     old.active.append(["day", "v"])

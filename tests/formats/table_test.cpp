@@ -196,6 +196,7 @@ TEST_F(TableTest, TellsOptionsThatMakeNoSense) {
   EXPECT_EQ(refused("rename", "a=b"), "--rename a=b: a --from FILE must stand before it");
   ztbFormatsOption(job, "from", folder_.file("a.csv").c_str());
   EXPECT_EQ(refused("rename", "a"), "--rename a: expected OLD=NEW");
+  EXPECT_EQ(refused("rename", "a="), "--rename a=: expected OLD=NEW");
   EXPECT_EQ(refused("wide", ":"), "--wide :: expected NAME, or NAME: COLUMN, ...");
   EXPECT_EQ(refused("dates", "ydm"), "--dates ydm: expected dmy, mdy or ymd");
   EXPECT_THAT(refused("format", "abc"),

@@ -135,4 +135,12 @@ TEST_F(TableTest, TellsLabelsThatCannotBeColumnsOfAWideTable) {
   EXPECT_FALSE(std::filesystem::exists(folder_.file("w.jsonl")));
 }
 
+TEST_F(TableTest, NamesTheColumnWithoutATitle) {
+  write("r.csv", ",2020,2021\nMilk,1,2\nTofu,3,4\n");
+  const ztb::Database read =
+      imported("r.csv", {{"rename", "=food"}, {"wide", "year"}, {"parameter", "p(food, year)"}});
+  EXPECT_EQ(read["p"].recordCount(), 4);
+  EXPECT_EQ(read["p"].find("Tofu", "2021")->level(), 4);
+}
+
 }  // namespace
