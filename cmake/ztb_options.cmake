@@ -64,6 +64,11 @@ if(ZTB_SANITIZE)
   target_compile_options(ztb_options INTERFACE
     -fsanitize=${ZTB_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(ztb_options INTERFACE -fsanitize=${ZTB_SANITIZE})
+  if(ZTB_SANITIZE MATCHES address)
+    # It takes terabytes of address space, which tests that bound it have to know; not every
+    # compiler tells by a macro of its own.
+    target_compile_definitions(ztb_options INTERFACE ZTB_ADDRESS_SANITIZER)
+  endif()
   # The one runtime of all programs and libraries. A program of another compiler, which does not
   # know it, must load it first.
   set(runtime asan)

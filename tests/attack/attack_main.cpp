@@ -116,7 +116,7 @@ class Campaign {
       close(ends[0]);
       const rlimit seconds{.rlim_cur = kSecondsOfChild, .rlim_max = kSecondsOfChild};
       setrlimit(RLIMIT_CPU, &seconds);
-#ifndef __SANITIZE_ADDRESS__
+#ifndef ZTB_ADDRESS_SANITIZER
       const rlimit memory{.rlim_cur = kMemoryOfChild, .rlim_max = kMemoryOfChild};
       setrlimit(RLIMIT_AS, &memory);
 #endif

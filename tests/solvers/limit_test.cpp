@@ -154,7 +154,9 @@ TEST_P(EndedSearch, tellsNoBoundAboveTheBest) {
     EXPECT_EQ(result.outcome, Outcome::terminated) << result.reason;
     ++ended;
     EXPECT_LE(result.bound, best + 1e-6);
-    if (result.hasPoint) EXPECT_GE(model.objective(result.level), best - 1e-6);
+    if (result.hasPoint) {
+      EXPECT_GE(model.objective(result.level), best - 1e-6);
+    }
   }
   EXPECT_GT(ended, 5);
 }

@@ -28,7 +28,7 @@ class AddressSpaceLimit {
   explicit AddressSpaceLimit(rlim_t bytes) {
     EXPECT_EQ(getrlimit(RLIMIT_AS, &before_), 0);
     rlimit limit = before_;
-#ifndef __SANITIZE_ADDRESS__
+#ifndef ZTB_ADDRESS_SANITIZER
     limit.rlim_cur = bytes;
 #endif
     EXPECT_EQ(setrlimit(RLIMIT_AS, &limit), 0) << bytes;
@@ -149,7 +149,7 @@ TEST_F(ManyRecordsTest, InFewBytesFillADiskAndNoMemory) {
   EXPECT_FALSE(exists("out/p.csv"));
 }
 
-#ifndef __SANITIZE_ADDRESS__
+#ifndef ZTB_ADDRESS_SANITIZER
 TEST_F(ManyRecordsTest, ThatDiffCannotSortAreToldWithTheirSymbol) {
   forge();
   ztb::Database database;
