@@ -87,7 +87,7 @@ TEST(TableProgress, OfAWorkbookIsTheShareOfTheSheet) {
   }
   writer->end();
   writer->finish();
-  const auto reader = formats::openXlsx({.path = path});
+  const auto reader = formats::openXlsx({.path = path, .part = ""});
   formats::ProblemList problems(1);
   int row = 0;
   while (reader->next(problems)) {
