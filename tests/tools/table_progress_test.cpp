@@ -73,7 +73,7 @@ TEST(TableProgress, OfSqliteTellsTheIndexAndOfExcelTheFile) {
   EXPECT_EQ(sqlite->growingFile(), "");
   const auto excel = formats::makeXlsx({.path = folder.file("a.xlsx")});
   EXPECT_EQ(excel->ending(), "");
-  EXPECT_THAT(excel->growingFile(), testing::StartsWith(folder.path().string()));
+  EXPECT_THAT(excel->growingFile(), testing::StartsWith(folder.path().generic_string()));
 }
 
 TEST(TableProgress, OfAWorkbookIsTheShareOfTheSheet) {
