@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <initializer_list>
 #include <optional>
 #include <span>
 
@@ -15,6 +16,12 @@ namespace {
 
 // From here on not every whole number is a double.
 constexpr double firstInexact = 9007199254740992;  // 2^53
+
+using Kind = ParquetColumn::Kind;
+
+bool isOf(const ParquetColumn& column, std::initializer_list<Kind> kinds) {
+  return std::ranges::find(kinds, column.kind) != kinds.end();
+}
 
 bool isWithin(std::span<const double> numbers) {
   return std::ranges::all_of(numbers,
@@ -30,17 +37,19 @@ std::unique_ptr<ParquetColumns> ParquetColumns::read(const DuckdbSession& sessio
                                                      tool::Progress& progress) {
   std::vector<ParquetColumn> asked;
   for (const std::size_t place : wanted.labels) {
-    if (form.columns[place].kind != ParquetColumn::Kind::text) return nullptr;
+    if (!isOf(form.columns[place], {Kind::text, Kind::whole, Kind::decimal})) return nullptr;
     asked.push_back(form.columns[place]);
   }
   // By column of numbers, whether they were whole ones.
   std::vector<bool> whole;
   for (const std::size_t place : wanted.numbers) {
     const ParquetColumn& column = form.columns[place];
-    if (column.kind != ParquetColumn::Kind::number && !column.whole) return nullptr;
+    if (!isOf(column, {Kind::number, Kind::whole, Kind::decimal})) return nullptr;
     asked.push_back(column);
-    asked.back().expression = sqlName(column.name) + "::double";
-    whole.push_back(column.whole);
+    // Of a long decimal as a double DuckDB does not give the nearest one.
+    const bool viaText = column.kind == Kind::decimal;
+    asked.back().expression = sqlName(column.name) + (viaText ? "::varchar::double" : "::double");
+    whole.push_back(column.kind == Kind::whole);
   }
   auto result = std::make_unique<ParquetColumns>(form.exact);
   result->rows_.labels.resize(wanted.labels.size());

@@ -22,18 +22,40 @@ namespace formats {
 
 namespace {
 
+// Whole numbers below 10^15, and powers of ten up to it, are doubles, so that one divided by the
+// other is the nearest double.
+constexpr int mostExactDigits = 15;
+
+// A column of "DECIMAL(18,3)". The digits of a longer one are more than a double keeps.
+ParquetColumn decimalOf(std::string name, std::string_view type) {
+  const std::string column = sqlName(name);
+  const std::string_view width = type.substr(type.find('(') + 1);
+  const std::string_view scale = type.substr(type.find(',') + 1);
+  if (scale == "0)") {
+    return {std::move(name), ParquetColumn::Kind::whole, column + "::varchar"};
+  }
+  int digits = 0;
+  std::from_chars(width.data(), width.data() + width.size(), digits);
+  if (digits <= mostExactDigits) {
+    return {std::move(name), ParquetColumn::Kind::number, column + "::double"};
+  }
+  return {std::move(name), ParquetColumn::Kind::decimal,
+          fmt::format("rtrim(rtrim({}::varchar, '0'), '.')", column)};
+}
+
 // How a column of one of DuckDB's types is read.
 ParquetColumn columnOf(std::string name, std::string_view type) {
   const std::string column = sqlName(name);
   const auto is = [&](std::initializer_list<std::string_view> names) {
     return std::ranges::find(names, type) != names.end();
   };
-  if (is({"DOUBLE", "FLOAT", "BOOLEAN"}) || type.starts_with("DECIMAL")) {
+  if (is({"DOUBLE", "FLOAT", "BOOLEAN"})) {
     return {std::move(name), ParquetColumn::Kind::number, column + "::double"};
   }
+  if (type.starts_with("DECIMAL(")) return decimalOf(std::move(name), type);
   if (is({"TINYINT", "SMALLINT", "INTEGER", "BIGINT", "HUGEINT", "UTINYINT", "USMALLINT",
           "UINTEGER", "UBIGINT", "UHUGEINT"})) {
-    return {std::move(name), ParquetColumn::Kind::text, column + "::varchar", true};
+    return {std::move(name), ParquetColumn::Kind::whole, column + "::varchar"};
   }
   if (is({"DATE", "VARCHAR", "UUID", "TIME"}) || type.starts_with("ENUM")) {
     return {std::move(name), ParquetColumn::Kind::text, column + "::varchar"};
@@ -42,6 +64,14 @@ ParquetColumn columnOf(std::string name, std::string_view type) {
     return {std::move(name), ParquetColumn::Kind::text,
             fmt::format("case when {0} = date_trunc('day', {0}) then {0}::date::varchar else "
                         "replace({0}::varchar, ' ', 'T') end",
+                        column)};
+  }
+  // A moment, spelled as Arrow's are; as a text of DuckDB it would stand in the time zone of this
+  // machine.
+  if (type == "TIMESTAMP WITH TIME ZONE") {
+    return {std::move(name), ParquetColumn::Kind::text,
+            fmt::format("case when isfinite({0}) then replace(make_timestamp(epoch_us({0}))"
+                        "::varchar, ' ', 'T') || '+00:00' else {0}::varchar end",
                         column)};
   }
   return {std::move(name), ParquetColumn::Kind::unfit, "null::varchar"};
@@ -128,10 +158,13 @@ TableField ParquetReader::fieldAt(std::size_t column) {
     return field;
   }
   field.text = kept(column, *plain);
-  if (columns_[column].whole) {
+  if (columns_[column].kind != ParquetColumn::Kind::text) {
     field.isNumber = true;
     std::from_chars(field.text.data(), field.text.data() + field.text.size(), field.number);
-    if (fmt::format("{:.0f}", field.number) != field.text) field.rounded = field.text;
+    if (columns_[column].kind == ParquetColumn::Kind::whole &&
+        fmt::format("{:.0f}", field.number) != field.text) {
+      field.rounded = field.text;
+    }
   }
   return field;
 }

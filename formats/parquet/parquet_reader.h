@@ -13,12 +13,11 @@ namespace formats {
 
 // A column of a file, and how it is read.
 struct ParquetColumn {
-  enum class Kind { text, number, unfit };
+  // Whole numbers and long decimals are read as texts: as labels they have to keep each digit.
+  enum class Kind { text, whole, decimal, number, unfit };
   std::string name;
   Kind kind = Kind::text;
   std::string expression;
-  // Of whole numbers, which are read as texts: as labels they have to keep each digit.
-  bool whole = false;
 };
 
 // The columns of a file; throws Failure for one that is no Parquet file, or there is not.
