@@ -421,6 +421,11 @@ void Instance::takeBound(const SolverResult& result) {
   if (result.outcome == Outcome::optimal && std::isinf(result.bound)) return;
   double cost = 0;
   for (std::size_t j = 0; j < solverCost_.size(); ++j) cost += solverCost_[j] * result.level[j];
+  for (const SolverProduct& p : productsOf(problem_)) {
+    if (p.row == kObjectiveRow) {
+      cost += p.value * result.level[at(p.column1)] * result.level[at(p.column2)];
+    }
+  }
   bound_ -= sign * std::max(0.0, cost - result.bound);
 }
 

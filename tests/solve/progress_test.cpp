@@ -64,6 +64,45 @@ TEST_P(SearchProgress, TellsTheBestPointAndTheBound) {
 
 INSTANTIATE_TEST_SUITE_P(Solvers, SearchProgress, testing::Values("cbc", "glpk"));
 
+// How near four weighted sums of half of 36 things come to 18 each, in squares: the sums of
+// fractions of the things come there, so that 0 bounds it for long.
+TEST(SearchWithProducts, TellsTheBestPointAndTheBound) {
+  ztb::Model model;
+  constexpr int kThings = 36;
+  constexpr int kSums = 4;
+  model.setObjective("distance", false, kSums * 18 * 18);
+  model.addRow("half", ztbRowEqual, kThings / 2);
+  for (int i = 0; i < kThings; ++i) {
+    model.addColumn("take(" + std::to_string(i) + ")", 0, 1, ztbColumnInteger);
+    model.addTerm(1, i, 1);
+  }
+  std::mt19937 random(3);
+  std::uniform_real_distribution<double> size(0.2, 1.8);
+  for (int sum = 0; sum < kSums; ++sum) {
+    std::vector<double> weight(kThings);
+    for (double& w : weight) w = size(random);
+    for (int i = 0; i < kThings; ++i) {
+      model.addTerm(0, i, -2 * 18 * weight[i]);
+      for (int j = 0; j < kThings; ++j) model.addProduct(0, i, j, weight[i] * weight[j]);
+    }
+  }
+  ztb::Database database;
+  ztb::ModelTie tie(database, model);
+  ztb::Model::Progress last;
+  model.setWatch([&](const ztb::Model::Progress& progress) {
+    if (progress.isKnown) last = progress;
+    return !(last.isKnown && std::isfinite(last.objective) && std::isfinite(last.bound));
+  });
+  tie.solve("bonmin");
+  model.setWatch(nullptr);
+  ASSERT_EQ(model.solveStatus(), ztbSolveTerminated);
+  EXPECT_NEAR(last.bound, 0, 1e-4);
+  EXPECT_GT(last.objective, 1e-4);
+  EXPECT_LT(last.objective, kSums * 18 * 18);
+  EXPECT_NEAR(model.bound(), 0, 1e-4);
+  EXPECT_LE(model.objective(), last.objective + 1e-6);
+}
+
 // What Clp tells is a bound or an objective, by its method; the part that stands still is in it.
 TEST(LinearProgress, IsOnTheRightSideOfTheOptimum) {
   ztb::Model model;

@@ -161,7 +161,7 @@ TEST_P(EndedSearch, tellsNoBoundAboveTheBest) {
   EXPECT_GT(ended, 5);
 }
 
-INSTANTIATE_TEST_SUITE_P(Solvers, EndedSearch, testing::Values("cbc", "glpk"),
+INSTANTIATE_TEST_SUITE_P(Solvers, EndedSearch, testing::Values("cbc", "glpk", "bonmin"),
                          [](const auto& tested) { return std::string(tested.param); });
 
 // Equal halves of many odd-sized things on several scales at once: a long search.

@@ -71,10 +71,14 @@ class SearchHandler : public CbcEventHandler {
     if (search_->watch.mustStop()) return stop;
     if (model == nullptr) return noAction;
     constexpr double kNoBound = 1e30;
-    const double bound = model->getBestPossibleObjValue();
-    if (search_->boundHolds && std::abs(bound) < kNoBound) search_->bound = bound;
     const bool hasPoint = model->bestSolution() != nullptr;
-    search_->watch.tell(hasPoint ? model->getObjValue() : HUGE_VAL, search_->bound);
+    const double objective = hasPoint ? model->getObjValue() : HUGE_VAL;
+    const double bound = model->getBestPossibleObjValue();
+    // Where the search has no bound it gives the best point's objective for one.
+    if (search_->boundHolds && bound < objective && std::abs(bound) < kNoBound) {
+      search_->bound = std::max(search_->bound, bound);
+    }
+    search_->watch.tell(objective, search_->bound);
     return noAction;
   }
   [[nodiscard]] CbcEventHandler* clone() const override { return new SearchHandler(*this); }

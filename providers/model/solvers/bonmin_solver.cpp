@@ -121,8 +121,11 @@ void BonminSolver::solveWithin(Watch& watch, const SolverLimits& limits,
 // Whether the rows have a point with integers, which is left, and the objective an end; else what
 // it is that the solve comes to.
 bool BonminSolver::findBound(Watch& watch, const SolverLimits& limits, SolverResult& point) const {
-  if (!findPoint(watch, point)) return false;
   SolverLimits rest = limits;
+  rest.seconds = watch.secondsLeft();
+  rest.progress = nullptr;  // it has another objective
+  Watch quiet(rest);
+  if (!findPoint(quiet, point)) return false;
   rest.seconds = watch.secondsLeft();
   SolverResult relaxed = point;
   solveContinuous(withoutIntegers(), rest, relaxed);
