@@ -153,11 +153,8 @@ void writeParquetFolder(const DatabaseExport& database) {
   head.columns.pop_back();
   manifest.begin(head);
   std::vector<double> counts;
-  std::string room;
   for (const tool::FileSymbol* symbol : database.symbols) {
     ManifestEntry entry = describe(database.file, *symbol);
-    entry.text = spelled(entry.text, TextForm::json, room);
-    for (std::string& domain : entry.domains) domain = spelled(domain, TextForm::json, room);
     if (!symbol->isAlias()) entry.tables = {symbol->name};
     counts.push_back(symbol->isAlias() ? 0 : static_cast<double>(symbol->recordCount));
     entry.records.reset();

@@ -16,8 +16,10 @@ inline constexpr const char* parquetSymbols = "_symbols";
 inline constexpr const char* parquetLabels = "_labels";
 
 // Behind the name of a column of numbers: that of the texts of those which are not the same as
-// doubles that compare equal. No domain can be called so.
+// doubles that compare equal.
 inline constexpr std::string_view exactEnding = " (exact)";
+// The name of a column of keys: that of its domain, spelled out where no column can be called so.
+std::string keyColumnName(std::string_view domain);
 // In the table of symbols, how many records each has; and under this key in the metadata of its
 // file, how many labels there are.
 inline constexpr const char* recordsColumn = "records";

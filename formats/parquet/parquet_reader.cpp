@@ -175,7 +175,9 @@ bool ParquetReader::next(ProblemList& problems) {
   if (!headed_) {
     headed_ = true;
     for (std::size_t column = 0; column < fieldCount_; ++column) {
-      fields_.push_back({.text = kept(column, columns_[column].name), .quoted = true});
+      const std::string& name = columns_[column].name;
+      fields_.push_back(
+          {.text = kept(column, exact_ ? unspelled(name).value_or(name) : name), .quoted = true});
     }
     return true;
   }

@@ -10,6 +10,7 @@
 #include "formats/arrow/arrow_stream.h"
 #include "formats/parquet/parquet_tables.h"
 #include "formats/parquet/symbol_stream.h"
+#include "formats/tables/exact_text.h"
 
 namespace formats {
 
@@ -80,9 +81,18 @@ class OneParquetFile : public TableWriter {
 }  // namespace
 
 void ParquetWriter::begin(const TableHead& head) {
+  exact_ = head.exact;
   for (const TableColumn& column : head.columns) {
-    columns_.push_back({.name = column.name, .kind = column.kind, .texts = {}, .numbers = {}});
+    const bool isKey = columns_.size() < head.keys;
+    columns_.push_back({.name = isKey ? keyColumnName(column.name) : column.name,
+                        .kind = column.kind,
+                        .texts = {},
+                        .numbers = {}});
   }
+}
+
+void ParquetWriter::text(std::string_view text) {
+  addText(exact_ ? spelled(text, TextForm::json, room_) : text);
 }
 
 void ParquetWriter::addText(std::string_view text) {

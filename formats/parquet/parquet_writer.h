@@ -19,7 +19,7 @@ class ParquetWriter : public TableWriter {
 
   void begin(const TableHead& head) override;
   void label(std::string_view text) override { addText(text); }
-  void text(std::string_view text) override { addText(text); }
+  void text(std::string_view text) override;
   void number(double value) override;
   void missing() override;
   void endRow() override { at_ = 0; }
@@ -46,6 +46,8 @@ class ParquetWriter : public TableWriter {
   std::string path_;
   std::vector<Column> columns_;
   std::size_t at_ = 0;
+  bool exact_ = false;
+  std::string room_;
   std::vector<std::string> texts_;
   std::unordered_map<std::string, int> places_;
 };

@@ -126,13 +126,22 @@ std::string listOf(const std::vector<std::string>& names) {
 
 }  // namespace
 
+std::string keyColumnName(std::string_view domain) {
+  if (domain.empty()) return "\\";
+  std::string room;
+  std::string name(spelled(domain, TextForm::json, room));
+  if (!name.ends_with(exactEnding)) return name;
+  // With its blank spelled out.
+  name.replace(name.size() - exactEnding.size(), 1, "\\x20");
+  return name.starts_with('\\') ? name : '\\' + name;
+}
+
 std::string makeSymbolStream(const DatabaseExport& database, const tool::FileSymbol& symbol,
                              bool exact, ArrowArrayStream* stream) {
   ArrowColumns columns;
-  std::string room;
   for (const std::string& name :
        ztb::keyColumns(symbol.name, symbol.type, tool::domainNames(symbol))) {
-    columns.keys.emplace_back(spelled(name, TextForm::json, room));
+    columns.keys.push_back(keyColumnName(name));
   }
   columns.contents = ztb::contentColumns(symbol.type);
   columns.isSet = symbol.type == ztb::Type::set;

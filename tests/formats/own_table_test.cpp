@@ -157,6 +157,11 @@ TEST_F(OwnTableTest, OfSqliteTakesNoMissingLabelForAValue) {
 TEST_F(OwnTableTest, OfAFolderOfParquetFilesComesBackAsItWas) {
   exportSymbol("price", {{"to", folder_.file("dir")}, {"format", "parquet"}});
   EXPECT_EQ(pricesOf("dir/price.parquet"), odd);
+  database_.addParameter("cost", {"", "\\"}).add("x", "y").setLevel(1);
+  exportSymbol("cost", {{"to", folder_.file("dir")}, {"format", "parquet"}});
+  const ztb::Database back =
+      imported("dir/cost.parquet", {{"rename", "= kind"}, {"parameter", "cost(kind, \\) = value"}});
+  EXPECT_EQ(back["cost"].find("x", "y")->level(), 1);
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <string>
+#include <vector>
 #include <ztb/ztb.hpp>
 
 #include "tests/formats/job.h"
@@ -62,6 +63,22 @@ TEST_P(RoundTripTest, KeepsNamesThatTheFormatHasForItself) {
   database.write(folder_.file("a.rxf"));
   EXPECT_EQ(describe(throughFormat(folder_.file("a.rxf"))),
             describe(ztb::Database::open(folder_.file("a.rxf"))));
+}
+
+TEST_P(RoundTripTest, KeepsDomainsThatColumnsCannotBeCalled) {
+  const std::vector<std::vector<ztb::DomainArgument>> domains{
+      {"", "\\"},    {"a", "\xFF"}, {"\\x41", "b"},    {"value (exact)", "*"}, {" ", "  "},
+      {"a,b", "\""}, {"x\ny", "'"}, {"\xC3\x84", "="}, {"_exact", "of"}};
+  ztb::Database database;
+  for (const auto& names : domains) {
+    const std::string number = std::to_string(database.symbolCount());
+    database.addSymbol("p" + number, ztb::Type::parameter, names).add("x", "y").setLevel(-0.0);
+    database.addSymbol("s" + number, ztb::Type::set, names).add("x", "y");
+  }
+  database.write(folder_.file("a.rxf"));
+  const std::string before = describe(ztb::Database::open(folder_.file("a.rxf")));
+  EXPECT_NE(before.find(" in a? in \xFF?"), std::string::npos);
+  EXPECT_EQ(describe(throughFormat(folder_.file("a.rxf"))), before);
 }
 
 INSTANTIATE_TEST_SUITE_P(Formats, RoundTripTest,
