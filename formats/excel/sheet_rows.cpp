@@ -124,6 +124,8 @@ void SheetRows::finishCell() {
     cell.text = withoutEscapes(value_);
   } else if (type_ == "d") {
     cell.text = value_;
+    constexpr std::string_view midnight = "T00:00:00";
+    if (cell.text.ends_with(midnight)) cell.text.resize(cell.text.size() - midnight.size());
   } else if (type_ == "e") {
     cell.text = value_;
     cell.fault = "holds an error";

@@ -133,7 +133,6 @@ std::string durationText(double days) {
 
 Workbook::Workbook(const std::string& path) : file_(path) {
   std::string main;
-  std::vector<std::pair<std::string, std::string>> relations;
   file_.read("_rels/.rels",
              {.begin =
                   [&](std::string_view name, const XmlAttributes& attributes) {
@@ -149,43 +148,47 @@ Workbook::Workbook(const std::string& path) : file_(path) {
   readStyles();
 }
 
-void Workbook::readRelations(const std::string& part,
-                             std::vector<std::pair<std::string, std::string>>& into) {
+std::vector<Workbook::Relation> Workbook::relationsOf(const std::string& part) {
+  std::vector<Relation> relations;
   const std::size_t slash = part.rfind('/') + 1;
   file_.read(part.substr(0, slash) + "_rels/" + part.substr(slash) + ".rels",
              {.begin =
                   [&](std::string_view name, const XmlAttributes& attributes) {
-                    if (name == "Relationship") {
-                      into.emplace_back(attributes["Id"], resolved(part, attributes["Target"]));
-                    }
+                    if (name != "Relationship") return;
+                    relations.push_back({.id = std::string(attributes["Id"]),
+                                         .type = std::string(attributes["Type"]),
+                                         .part = resolved(part, attributes["Target"])});
                   },
               .end = {},
               .text = {}});
+  return relations;
 }
 
 void Workbook::readSheets(const std::string& part) {
-  std::vector<std::pair<std::string, std::string>> relations;
-  readRelations(part, relations);
-  file_.read(part,
-             {.begin =
-                  [&](std::string_view name, const XmlAttributes& attributes) {
-                    if (name == "workbookPr") {
-                      const std::string_view value = attributes["date1904"];
-                      from1904_ = value == "1" || value == "true";
-                    }
-                    if (name != "sheet") return;
-                    const auto target = std::ranges::find(
-                        relations, attributes["id"], &std::pair<std::string, std::string>::first);
-                    const bool isThere = target != relations.end() && file_.has(target->second);
-                    sheets_.push_back({.name = std::string(attributes["name"]),
-                                       .part = isThere ? target->second : std::string()});
-                  },
-              .end = {},
-              .text = {}});
+  const std::vector<Relation> relations = relationsOf(part);
+  file_.read(part, {.begin =
+                        [&](std::string_view name, const XmlAttributes& attributes) {
+                          if (name == "workbookPr") {
+                            const std::string_view value = attributes["date1904"];
+                            from1904_ = value == "1" || value == "true";
+                          }
+                          if (name != "sheet") return;
+                          const auto target =
+                              std::ranges::find(relations, attributes["id"], &Relation::id);
+                          const bool isThere = target != relations.end() && file_.has(target->part);
+                          sheets_.push_back({.name = std::string(attributes["name"]),
+                                             .part = isThere ? target->part : std::string()});
+                        },
+                    .end = {},
+                    .text = {}});
   if (sheets_.empty()) file_.fail("is no workbook: it has no sheet");
-  // Texts and styles lie beside the workbook, wherever that is.
+  // Where nothing leads to them, texts and styles lie beside the workbook, wherever that is.
   textsPart_ = resolved(part, "sharedStrings.xml");
   stylesPart_ = resolved(part, "styles.xml");
+  for (const Relation& relation : relations) {
+    if (relation.type.ends_with("/sharedStrings")) textsPart_ = relation.part;
+    if (relation.type.ends_with("/styles")) stylesPart_ = relation.part;
+  }
 }
 
 void Workbook::readTexts() {

@@ -36,8 +36,14 @@ class Workbook {
   [[nodiscard]] bool from1904() const { return from1904_; }
 
  private:
-  void readRelations(const std::string& part,
-                     std::vector<std::pair<std::string, std::string>>& into);
+  // From a part to another one, whatever that is called.
+  struct Relation {
+    std::string id;
+    std::string type;  // a long name, the end of which tells
+    std::string part;
+  };
+
+  std::vector<Relation> relationsOf(const std::string& part);
   void readSheets(const std::string& part);
   void readTexts();
   void readStyles();

@@ -172,9 +172,14 @@ class XlsxReader : public TableReader {
   std::vector<std::string> texts_;
 };
 
-std::optional<std::size_t> sheetNamed(const Workbook& workbook, std::string_view name) {
+// In quotes, as formulas have it, quotes within the name stand twice.
+std::optional<std::size_t> sheetNamed(const Workbook& workbook, std::string_view given) {
+  std::string name(given);
   if (name.size() > 2 && name.front() == '\'' && name.back() == '\'') {
     name = name.substr(1, name.size() - 2);
+    for (std::size_t at = name.find("''"); at != std::string::npos; at = name.find("''", at + 1)) {
+      name.erase(at, 1);
+    }
   }
   const auto found = std::ranges::find_if(workbook.sheets(), [&](const SheetEntry& sheet) {
     return tool::sameFolded(sheet.name, name);

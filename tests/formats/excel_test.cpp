@@ -129,6 +129,21 @@ TEST_F(ExcelTest, ReadsWhatLibreOfficeWrote) {
               HasSubstr("#Plan!A4: food: label 'two\\nlines' holds a control character"));
 }
 
+TEST_F(ExcelTest, FindsTextsAndStylesUnderAnyName) {
+  const ztb::Database plan =
+      imported("other_parts.xlsx#Plan!A1:G3", {{"parameter", "cents(food, made)"}});
+  EXPECT_EQ(plan["cents"].find("Milk", "2024-02-29")->level(), 11.25);
+}
+
+TEST_F(ExcelTest, ReadsDatesInIsoFormOfASheetInQuotes) {
+  for (const char* sheet : {"", "#it's", "#'it''s'", "#'it''s'!A1:B3"}) {
+    const ztb::Database days =
+        imported(std::string("quoted.xlsx") + sheet, {{"parameter", "p(day) = v"}});
+    EXPECT_EQ(days["p"].find("2024-03-01")->level(), 1) << sheet;
+    EXPECT_EQ(days["p"].find("2024-03-01T12:30:00")->level(), 2) << sheet;
+  }
+}
+
 TEST_F(ExcelTest, ReadsTheSheetOfTheOnlySymbol) {
   ztb::Database database;
   database.addParameter("price", {"food"}).add("Milk").setLevel(2);

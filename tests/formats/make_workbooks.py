@@ -44,6 +44,32 @@ def plan():
     old.save(folder / "mac.xlsx")
 
 
+def other_parts():
+    """A workbook of LibreOffice whose texts and styles have other names, as nothing forbids."""
+    source = pathlib.Path(__file__).parent / "workbooks" / "libreoffice.xlsx"
+    names = {"sharedStrings.xml": "words.xml", "styles.xml": "looks.xml"}
+    with zipfile.ZipFile(source) as whole:
+        with zipfile.ZipFile(folder / "other_parts.xlsx", "w", zipfile.ZIP_DEFLATED) as file:
+            for part in whole.namelist():
+                content = whole.read(part)
+                for old, new in names.items():
+                    part = part.replace(old, new)
+                    if part.endswith((".rels", "[Content_Types].xml")):
+                        content = content.replace(old.encode(), new.encode())
+                file.writestr(part, content)
+
+
+def quoted():
+    """A sheet with a quote in its name, with dates in ISO form."""
+    book = openpyxl.Workbook(iso_dates=True)
+    sheet = book.active
+    sheet.title = "it's"
+    sheet.append(["day", "v"])
+    sheet.append([datetime.datetime(2024, 3, 1), 1])
+    sheet.append([datetime.datetime(2024, 3, 1, 12, 30), 2])
+    book.save(folder / "quoted.xlsx")
+
+
 def database(name, tables, sheets):
     """A workbook as ztb writes one: the parameters with the sheets of each, and their rows."""
     book = openpyxl.Workbook()
@@ -108,6 +134,8 @@ def cell(reference, value, kind="n"):
 
 
 plan()
+other_parts()
+quoted()
 two_damaged_sheets()
 # More records than a sheet holds stand in several: here in two of two rows. A label and a number
 # are spelled and kept as ztb does it; beside them stands a sheet of the user's own.
