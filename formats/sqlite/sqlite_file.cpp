@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <array>
 #include <cstdint>
 #include <filesystem>
 #include <system_error>
@@ -28,6 +29,23 @@ int kindOf(int code) {
   }
 }
 
+// Pages that a program has written last may stand in the log beside the file alone.
+bool hasPagesInLog(const std::string& path) {
+  std::error_code none;
+  const auto size = std::filesystem::file_size(tool::pathOf(path + "-wal"), none);
+  return !none && size > 0;
+}
+
+// The name of a file that nobody changes.
+std::string unchangingUri(const std::string& path) {
+  std::string uri = path.starts_with('/') ? "file://" : "file:";
+  for (const char c : path) {
+    const bool isPlain = c != '%' && c != '?' && c != '#';
+    uri += isPlain ? std::string(1, c) : fmt::format("%{:02x}", static_cast<unsigned char>(c));
+  }
+  return uri + "?immutable=1";
+}
+
 }  // namespace
 
 std::string quotedName(std::string_view name) {
@@ -49,10 +67,41 @@ SqliteFile::SqliteFile(const std::string& path, int flags, std::string shown)
 
 SqliteFile SqliteFile::forReading(const std::string& path) {
   SqliteFile file(path, SQLITE_OPEN_READONLY, path);
+  if (file.keepsLog() && !hasPagesInLog(path)) file = withoutLog(path);
   sqlite3_db_config(file.file_.get(), SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
   sqlite3_db_config(file.file_.get(), SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
   file.run("pragma cell_size_check = on");
   file.requireWhole(path);
+  return file;
+}
+
+// Whether programs write to a log beside the file, as the versions in its head tell.
+bool SqliteFile::keepsLog() const {
+  constexpr int versionsAt = 18;
+  constexpr char logged = 2;
+  sqlite3_file* file = nullptr;
+  std::array<char, 2> versions{};
+  return sqlite3_file_control(file_.get(), "main", SQLITE_FCNTL_FILE_POINTER, &file) == SQLITE_OK &&
+         file->pMethods != nullptr &&
+         file->pMethods->xRead(file, versions.data(), versions.size(), versionsAt) == SQLITE_OK &&
+         versions[1] == logged;
+}
+
+// A file that keeps a log and has nothing in it. Whoever reads it makes the log and its index anew,
+// and removes them behind itself only when it could write, too. Where it cannot, as in a folder of
+// someone else, nobody writes to the file.
+SqliteFile SqliteFile::withoutLog(const std::string& path) {
+  SqliteFile file(path, SQLITE_OPEN_READWRITE, path);
+  bool canWrite = sqlite3_db_readonly(file.file_.get(), "main") == 0;
+  if (canWrite) {
+    constexpr int primary = 0xFF;
+    const int result = sqlite3_exec(file.file_.get(), "select 1 from sqlite_schema limit 1",
+                                    nullptr, nullptr, nullptr) &
+                       primary;
+    canWrite = result != SQLITE_READONLY && result != SQLITE_CANTOPEN;
+  }
+  if (!canWrite) return {unchangingUri(path), SQLITE_OPEN_READONLY | SQLITE_OPEN_URI, path};
+  file.run("pragma query_only = on");
   return file;
 }
 
@@ -66,12 +115,7 @@ SqliteFile SqliteFile::forWriting(const std::string& path, const std::string& sh
 }
 
 void SqliteFile::requireWhole(const std::string& path) const {
-  // Pages that a program has written last may stand in the log beside the file alone.
-  std::error_code none;
-  if (const auto log = std::filesystem::file_size(tool::pathOf(path + "-wal"), none);
-      !none && log > 0) {
-    return;
-  }
+  if (hasPagesInLog(path)) return;
   const SqliteStatement statement =
       prepare("select page_count * page_size from pragma_page_count, pragma_page_size");
   if (sqlite3_step(statement.get()) != SQLITE_ROW) fail();

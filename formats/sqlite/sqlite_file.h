@@ -21,8 +21,8 @@ using SqliteStatement = std::unique_ptr<sqlite3_stmt, FinalizeStatement>;
 
 class SqliteFile {
  public:
-  // Opens a file for reading only, with nothing in it trusted; or, for writing, an empty one.
-  // Throws Failure, as all members do, that names `shown`.
+  // Opens a file for reading only, with nothing in it trusted and nothing left beside it; or, for
+  // writing, an empty one. Throws Failure, as all members do, that names `shown`.
   static SqliteFile forReading(const std::string& path);
   static SqliteFile forWriting(const std::string& path, const std::string& shown);
 
@@ -43,6 +43,8 @@ class SqliteFile {
   };
 
   SqliteFile(const std::string& path, int flags, std::string shown);
+  static SqliteFile withoutLog(const std::string& path);
+  [[nodiscard]] bool keepsLog() const;
   void requireWhole(const std::string& path) const;
 
   std::string shown_;

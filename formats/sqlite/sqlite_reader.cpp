@@ -2,6 +2,7 @@
 #include <fmt/ranges.h>
 
 #include <algorithm>
+#include <fstream>
 #include <limits>
 #include <utility>
 
@@ -54,6 +55,12 @@ class SqliteReader : public TableReader {
     statement_ = file_.prepare(sql);
     if (statement_ == nullptr || sqlite3_stmt_readonly(statement_.get()) == 0) {
       throw tool::Failure(path_ + ": expected a query that only reads", ZTB_ERROR_REFUSED);
+    }
+    if (const char* name = sqlite3_bind_parameter_name(statement_.get(), 1);
+        sqlite3_bind_parameter_count(statement_.get()) > 0) {
+      throw tool::Failure(fmt::format("{}: expected a query without parameters, found {}", path_,
+                                      name == nullptr ? "?" : name),
+                          ZTB_ERROR_REFUSED);
     }
     columns_ = sqlite3_column_count(statement_.get());
   }
@@ -147,35 +154,8 @@ OwnTables ownTables(const std::string& path, const std::vector<std::string>& tab
   return own;
 }
 
-}  // namespace
-
-std::unique_ptr<TableReader> openSqlite(const TableSource& source) {
-  SqliteFile file = SqliteFile::forReading(source.path);
-  std::string table = source.part;
-  const std::vector<std::string> tables = file.tables();
-  const auto isTable = [&](const std::string& name) { return tool::sameFolded(name, table); };
-  if (!source.exact && isQuery(table) && std::ranges::none_of(tables, isTable)) {
-    return std::make_unique<SqliteReader>(std::move(file), table,
-                                          source.path + '#' + tool::shortened(table), false);
-  }
-  const OwnTables own = source.exact ? OwnTables() : ownTables(source.path, tables);
-  if (table.empty()) table = tables.size() == 1 ? tables.front() : own.only().value_or("");
-  const auto found = std::ranges::find_if(tables, isTable);
-  if (found == tables.end()) {
-    throw tool::Failure(
-        fmt::format("{}: {}; its tables are {}", source.path,
-                    table.empty() ? "which table is meant? give --from " + source.path + "#TABLE"
-                                  : "no table " + tool::inQuotes(table),
-                    tool::shortened(fmt::format("{}", fmt::join(tables, ", ")))),
-        ZTB_ERROR_NOT_FOUND);
-  }
-  const bool exact = source.exact || own.has(*found);
-  std::string sql = "select * from " + quotedName(*found);
-  if (source.exact) sql += " order by rowid";
-  return std::make_unique<SqliteReader>(std::move(file), sql, source.path + '#' + *found, exact);
-}
-
-void requireReplaceableSqlite(const std::string& path) {
+// Tables that no export wrote.
+void requireNoOtherTables(const std::string& path) {
   if (!isThere(path)) return;
   std::string others;
   try {
@@ -210,6 +190,55 @@ void requireReplaceableSqlite(const std::string& path) {
                   "file, and its tables can be put together in SQL",
                   path, tool::shortened(others)),
       ZTB_ERROR_REFUSED);
+}
+
+// Whatever file has the name, SQLite would take the pages in these for its newest or its oldest.
+void requireNoLog(const std::string& path) {
+  const std::string journal = path + "-journal";
+  // One whose transaction has ended begins with zeros.
+  const bool isHot = std::ifstream(tool::pathOf(journal), std::ios::binary).get() > 0;
+  for (const auto& [log, isLog] :
+       {std::pair(path + "-wal", isThere(path + "-wal")), std::pair(journal, isHot)}) {
+    if (!isLog) continue;
+    throw tool::Failure(
+        fmt::format("{}: beside it stands the log {}, which SQLite would apply to the new file; "
+                    "let the program that has the file open close it, or remove the log",
+                    path, log),
+        ZTB_ERROR_REFUSED);
+  }
+}
+
+}  // namespace
+
+std::unique_ptr<TableReader> openSqlite(const TableSource& source) {
+  SqliteFile file = SqliteFile::forReading(source.path);
+  std::string table = source.part;
+  const std::vector<std::string> tables = file.tables();
+  const auto isTable = [&](const std::string& name) { return tool::sameFolded(name, table); };
+  if (!source.exact && isQuery(table) && std::ranges::none_of(tables, isTable)) {
+    return std::make_unique<SqliteReader>(std::move(file), table,
+                                          source.path + '#' + tool::shortened(table), false);
+  }
+  const OwnTables own = source.exact ? OwnTables() : ownTables(source.path, tables);
+  if (table.empty()) table = tables.size() == 1 ? tables.front() : own.only().value_or("");
+  const auto found = std::ranges::find_if(tables, isTable);
+  if (found == tables.end()) {
+    throw tool::Failure(
+        fmt::format("{}: {}; its tables are {}", source.path,
+                    table.empty() ? "which table is meant? give --from " + source.path + "#TABLE"
+                                  : "no table " + tool::inQuotes(table),
+                    tool::shortened(fmt::format("{}", fmt::join(tables, ", ")))),
+        ZTB_ERROR_NOT_FOUND);
+  }
+  const bool exact = source.exact || own.has(*found);
+  std::string sql = "select * from " + quotedName(*found);
+  if (source.exact) sql += " order by rowid";
+  return std::make_unique<SqliteReader>(std::move(file), sql, source.path + '#' + *found, exact);
+}
+
+void requireReplaceableSqlite(const std::string& path) {
+  requireNoOtherTables(path);
+  requireNoLog(path);
 }
 
 std::unique_ptr<DatabaseReader> openSqliteDatabase(const std::string& path) {

@@ -27,7 +27,7 @@ void writeSqliteDatabase(const DatabaseExport& database);
 inline constexpr const char* exportMark = " written by ztb export ";
 
 // Throws Failure where a file of this name has tables that no export wrote, which would be lost
-// with it.
+// with it, or where a log stands beside it that would go over to the new file.
 void requireReplaceableSqlite(const std::string& path);
 
 }  // namespace formats

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <string>
 #include <ztb/ztb.hpp>
 
@@ -148,6 +149,74 @@ TEST_F(TableTest, ReadsATableWhosePagesStandInTheLogOfSqlite) {
   const ztb::Database read = imported("live.db#t", price);
   EXPECT_EQ(read["price"].find("Milk")->level(), 11);
   sqlite3_close(file);
+}
+
+TEST_F(TableTest, LeavesNothingBesideASqliteFileThatKeepsALog) {
+  sql("logged.db",
+      "pragma journal_mode = wal; create table t(food, cents); insert into t values('Milk', 11)");
+  const std::string before = read("logged.db");
+  EXPECT_EQ(imported("logged.db#t", price)["price"].find("Milk")->level(), 11);
+  EXPECT_FALSE(std::filesystem::exists(folder_.file("logged.db-wal")));
+  EXPECT_FALSE(std::filesystem::exists(folder_.file("logged.db-shm")));
+  EXPECT_TRUE(read("logged.db") == before);
+  // As in a folder that nothing can be written to: there can be no index of the log.
+  std::filesystem::rename(folder_.file("logged.db"), folder_.file("a #100%.db"));
+  std::filesystem::create_directory(folder_.file("a #100%.db-shm"));
+  EXPECT_EQ(imported("a #100%.db#t", price)["price"].find("Milk")->level(), 11);
+}
+
+// The pages in the log would be taken for the newest of the file that was exported.
+TEST_F(TableTest, LeavesASqliteFileThatALogBelongsTo) {
+  ztb::Database database;
+  ztb::Symbol cost = database.addParameter("price", {"food"});
+  cost.add("Milk").setLevel(11);
+  const auto exported = [&](const std::string& file) {
+    Job job({{"symbol", "price"}, {"to", folder_.file(file)}});
+    job.exportDatabase(database.handle());
+    return job.errors(folder_);
+  };
+  const auto refusal = [](const std::string& file, const std::string& log) {
+    return file + ": beside it stands the log " + log +
+           ", which SQLite would apply to the new file; let the program that has the file open "
+           "close it, or remove the log";
+  };
+  for (const char* file : {"wal.db", "rollback.db"}) EXPECT_EQ(exported(file), "");
+  sql("wal.db", "pragma journal_mode = wal");
+  const auto open = [&](const char* file, const char* statements) {
+    sqlite3* opened = nullptr;
+    EXPECT_EQ(sqlite3_open(folder_.file(file).c_str(), &opened), SQLITE_OK);
+    EXPECT_EQ(sqlite3_exec(opened, statements, nullptr, nullptr, nullptr), SQLITE_OK);
+    return opened;
+  };
+  sqlite3* wal = open("wal.db", "update price set value = 5");
+  // Pages go to the file while the transaction is not at its end.
+  sqlite3* rollback = open("rollback.db",
+                           "pragma cache_size = 1; begin; create table t(a); insert into t select "
+                           "randomblob(9000) from price; update price set value = 5");
+  cost.find("Milk")->setLevel(12);
+  EXPECT_EQ(exported("wal.db"), refusal("wal.db", "wal.db-wal"));
+  EXPECT_EQ(imported("wal.db", {{"parameter", "price(food)"}})["price"].find("Milk")->level(), 5);
+  // A log that lost its file waits for the next one of the name.
+  std::filesystem::copy_file(folder_.file("wal.db-wal"), folder_.file("gone.db-wal"));
+  EXPECT_EQ(exported("gone.db"), refusal("gone.db", "gone.db-wal"));
+  EXPECT_FALSE(std::filesystem::exists(folder_.file("gone.db")));
+  std::filesystem::copy_file(folder_.file("rollback.db-journal"), folder_.file("lost.db-journal"));
+  EXPECT_EQ(exported("lost.db"), refusal("lost.db", "lost.db-journal"));
+  sqlite3_close(wal);
+  sqlite3_close(rollback);
+  for (const char* file : {"wal.db", "rollback.db"}) {
+    EXPECT_EQ(exported(file), "");
+    EXPECT_EQ(imported(file, {{"parameter", "price(food)"}})["price"].find("Milk")->level(), 12);
+  }
+}
+
+TEST_F(TableTest, RefusesQueriesOfSqliteWithParameters) {
+  sql("stock.db", "create table t(food, cents); insert into t values('Milk', 11)");
+  EXPECT_EQ(errorsOf("stock.db#select * from t where food = :food", price),
+            "stock.db#select * from t where food = :food: expected a query without parameters, "
+            "found :food");
+  EXPECT_THAT(errorsOf("stock.db#select * from t where food = ?", price),
+              HasSubstr("expected a query without parameters, found ?"));
 }
 
 }  // namespace
