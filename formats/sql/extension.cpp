@@ -13,6 +13,7 @@
 #include <array>
 #include <cstdint>
 #include <ctime>
+#include <limits>
 #include <map>
 #include <memory>
 #include <string>
@@ -170,6 +171,7 @@ int planFunction(sqlite3_vtab* base, sqlite3_index_info* info) {
     given.fill(-1);
     int file = -1;
     int symbol = -1;
+    int among = -1;  // an IN of a position, all of whose values are given at once
     for (int i = 0; i < info->nConstraint; ++i) {
       const auto& constraint = info->aConstraint[i];
       const bool isArgument =
@@ -187,14 +189,20 @@ int planFunction(sqlite3_vtab* base, sqlite3_index_info* info) {
       const int position = positionOfColumn(constraint.iColumn);
       if (constraint.iColumn == fileColumn) file = i;
       if (constraint.iColumn == symbolColumn) symbol = i;
-      if (position >= 0 && (collation == "NOCASE" || collation == "BINARY")) {
+      if (position < 0 || (collation != "NOCASE" && collation != "BINARY")) {
+        continue;
+      }
+      if (sqlite3_vtab_in(info, i, -1) == 0) {
         given[static_cast<std::size_t>(position)] = i;
+      } else if (among < 0) {
+        among = i;
       }
     }
     if (file < 0 || symbol < 0) {
-      throw ztb::Error("ztb",
-                       "ztb() takes a file and the name of a symbol: "
-                       "ztb('diet.rxf', 'price')");
+      // Each part of an OR is planned without what stands beside the OR, too; such a plan is never
+      // the cheapest.
+      info->estimatedCost = std::numeric_limits<double>::max();
+      return SQLITE_OK;
     }
     int next = 0;
     const auto take = [&](int constraint, bool checked) {
@@ -214,6 +222,16 @@ int planFunction(sqlite3_vtab* base, sqlite3_index_info* info) {
         rows = std::max(rows / 100, 1.0);
       }
     }
+    if (among >= 0) {
+      const int position = positionOfColumn(info->aConstraint[among].iColumn);
+      if (given[static_cast<std::size_t>(position)] < 0) {
+        sqlite3_vtab_in(info, among, 1);
+        conditions += {static_cast<char>(formats::SqlCondition::among),
+                       static_cast<char>('a' + position)};
+        take(among, false);
+        rows = std::max(rows / 4, 1.0);
+      }
+    }
     info->idxStr = sqlite3_mprintf("%s", conditions.c_str());
     info->needToFreeIdxStr = 1;
     // Texts are read one by one, so that the walk is told; and whether all that is shown is used.
@@ -229,6 +247,10 @@ int planFunction(sqlite3_vtab* base, sqlite3_index_info* info) {
 int filterFunction(sqlite3_vtab_cursor* base, int number, const char* conditions,
                    sqlite3_value** arguments) {
   return guardedSql(&base->pVtab->zErrMsg, [&] {
+    if (conditions == nullptr) {
+      throw ztb::Error("ztb",
+                       "ztb() takes a file and the name of a symbol: ztb('diet.rxf', 'price')");
+    }
     FunctionCursor& cursor = cursorOf(base);
     const auto text = [](sqlite3_value* value) {
       const auto* chars = reinterpret_cast<const char*>(sqlite3_value_text(value));
@@ -252,7 +274,8 @@ int filterFunction(sqlite3_vtab_cursor* base, int number, const char* conditions
         formats::selectionOf(*cursor.table, conditions, arguments + 2);
     for (auto at = static_cast<std::size_t>(cursor.table->dimension()); at < ZTB_MAX_DIMENSION;
          ++at) {
-      selection.nothing = selection.nothing || selection.labels[at] != 0;
+      selection.nothing = selection.nothing || selection.labels[at] != 0 ||
+                          (selection.listed && selection.listPosition == at);
     }
     // All columns, but texts only where they are used.
     unsigned columns = ~0U;

@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstring>
+#include <limits>
 #include <string>
 #include <ztb/case_folding.hpp>
 #include <ztb/error.hpp>
@@ -14,6 +15,9 @@ namespace formats {
 namespace {
 
 constexpr std::size_t blockSize = 1 << 16;
+
+// So many doubles further SQLite, whose powers of ten are not exact, may read a number.
+constexpr int mostSteps = 16;
 
 // What is left of a text of which SQLite makes a number; empty where it does not.
 std::string_view digitsOf(std::string_view text) {
@@ -31,22 +35,23 @@ std::string_view digitsOf(std::string_view text) {
   return isNumber ? text : std::string_view();
 }
 
-template <class Number>
-std::optional<Number> readWhole(std::string_view digits) {
-  Number value = 0;
-  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
-  const bool isWhole =
-      !digits.empty() && error == std::errc() && end == digits.data() + digits.size();
-  return isWhole ? std::optional(value) : std::nullopt;
-}
-
-// The number that SQLite makes of a text when it compares it with one.
+// About the number that SQLite makes of a text when it compares it with one.
 std::optional<double> numberOf(std::string_view text) {
-  return readWhole<double>(digitsOf(text));
+  const std::string_view digits = digitsOf(text);
+  const char* end = digits.data() + digits.size();
+  double value = 0;
+  const auto [read, error] = std::from_chars(digits.data(), end, value);
+  if (digits.empty() || read != end || error == std::errc::invalid_argument) {
+    return std::nullopt;
+  }
+  if (error == std::errc::result_out_of_range) {
+    // In the few chars of a label the exponent alone can make it so.
+    const bool isSmall = digits[digits.find_first_of("eE") + 1] == '-';
+    value = isSmall ? 0 : std::numeric_limits<double>::infinity();
+    return digits.front() == '-' ? -value : value;
+  }
+  return value;
 }
-
-// From here on integers lie closer than doubles.
-constexpr double sparseFrom = 9007199254740992.0;
 
 }  // namespace
 
@@ -105,42 +110,24 @@ void SqlLabels::readNumbers() {
   for (const int end = count(); numbered_ < end; ++numbered_) {
     const int number = numbered_ + 1;
     if (const std::optional<double> value = numberOf(text(number))) {
-      numbers_[*value].push_back(number);
+      numbers_.emplace(*value, number);
     }
   }
 }
 
-// The labels whose integers, where they have one, are this one.
-std::vector<int> SqlLabels::thoseOf(std::vector<int> numbers, std::int64_t integer) {
-  std::erase_if(numbers, [&](int number) {
-    const auto own = readWhole<std::int64_t>(digitsOf(text(number)));
-    return own && *own != integer;
-  });
-  return numbers;
-}
-
-std::vector<int> SqlLabels::ofNumber(double value) {
+std::vector<int> SqlLabels::near(double value) {
   readNumbers();
-  const auto found = numbers_.find(value);
-  if (found == numbers_.end()) return {};
-  // Beyond its range no label has an integer.
-  constexpr double integers = 9223372036854775808.0;
-  const bool isSparse = std::abs(value) >= sparseFrom && value >= -integers && value < integers;
-  return isSparse ? thoseOf(found->second, static_cast<std::int64_t>(value)) : found->second;
-}
-
-std::vector<int> SqlLabels::ofInteger(std::int64_t value) {
-  readNumbers();
-  const auto found = numbers_.find(static_cast<double>(value));
-  if (found == numbers_.end()) return {};
-  if (std::abs(static_cast<double>(value)) < sparseFrom) return found->second;
-  std::vector<int> those = thoseOf(found->second, value);
-  // Labels with a real number are equal to the integer that the real number is.
-  std::erase_if(those, [&](int number) {
-    const bool isInteger = readWhole<std::int64_t>(digitsOf(text(number))).has_value();
-    return !isInteger && static_cast<long double>(found->first) != value;
-  });
-  return those;
+  constexpr double infinity = std::numeric_limits<double>::infinity();
+  double lower = value;
+  double upper = value;
+  for (int step = 0; step < mostSteps; ++step) {
+    lower = std::nextafter(lower, -infinity);
+    upper = std::nextafter(upper, infinity);
+  }
+  std::vector<int> labels;
+  const auto end = numbers_.upper_bound(upper);
+  for (auto at = numbers_.lower_bound(lower); at != end; ++at) labels.push_back(at->second);
+  return labels;
 }
 
 void SqlLabels::sortTexts() {

@@ -6,12 +6,12 @@
 
 #include <ztb/types.h>
 
-#include <cstdint>
+#include <cstddef>
 #include <deque>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 namespace formats {
@@ -43,9 +43,8 @@ class SqlLabels {
   // The label that is this text with the case of ASCII letters folded; 0 for none. REQUIRES: a zero
   // stands behind the text.
   int find(std::string_view text);
-  // The labels that SQL takes for this number, ascending.
-  std::vector<int> ofNumber(double value);
-  std::vector<int> ofInteger(std::int64_t value);
+  // The labels that SQL may take for this number, those of its closest neighbours among them.
+  std::vector<int> near(double value);
   // The labels within bounds, in the order of folded texts that SQL has; ascending.
   std::vector<int> between(const std::optional<LabelBound>& lower,
                            const std::optional<LabelBound>& upper);
@@ -54,14 +53,13 @@ class SqlLabels {
   void read(std::size_t number);
   void sortTexts();
   void readNumbers();
-  std::vector<int> thoseOf(std::vector<int> numbers, std::int64_t integer);
 
   ztbRec* database_;
   std::vector<std::string_view> texts_;
   std::deque<std::unique_ptr<char[]>> blocks_;
   std::size_t room_ = 0;  // chars left in the last block
   std::vector<int> sorted_;
-  std::unordered_map<double, std::vector<int>> numbers_;
+  std::multimap<double, int> numbers_;
   int numbered_ = 0;  // labels that numbers_ was made from
 };
 

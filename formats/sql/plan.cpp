@@ -54,36 +54,27 @@ bool isNumber(sqlite3_value* value) {
   return type == SQLITE_INTEGER || type == SQLITE_FLOAT;
 }
 
-std::vector<int> labelsOfNumber(SqlLabels& labels, sqlite3_value* value) {
-  return sqlite3_value_type(value) == SQLITE_INTEGER ? labels.ofInteger(sqlite3_value_int64(value))
-                                                     : labels.ofNumber(sqlite3_value_double(value));
-}
-
-// The labels that may equal a value. SQLite looks at numbers again, since the other side tells
-// whether they are compared as such.
-std::vector<int> labelsOf(SqlLabels& labels, sqlite3_value* value) {
-  std::vector<int> found;
-  if (isNumber(value)) {
-    found = labelsOfNumber(labels, value);
-  }
-  if (isNumber(value) || sqlite3_value_type(value) == SQLITE_TEXT) {
-    if (const int label = labels.find(textOf(value)); label != 0) {
-      found.push_back(label);
-    }
-  }
-  std::ranges::sort(found);
-  found.erase(std::unique(found.begin(), found.end()), found.end());
-  return found;
-}
-
-// The labels that equal a value of an IN. It is a number only where both sides are compared as
-// such: SQLite makes texts of the numbers in a list beside a column of texts.
+// Adds the labels that may equal a value. SQLite looks at those of numbers again, since the other
+// side tells whether they are compared as such.
 void addLabelsOf(SqlLabels& labels, sqlite3_value* value, std::vector<int>& all) {
   if (isNumber(value)) {
-    std::ranges::copy(labelsOfNumber(labels, value), std::back_inserter(all));
-  } else if (sqlite3_value_type(value) == SQLITE_TEXT) {
+    std::ranges::copy(labels.near(sqlite3_value_double(value)), std::back_inserter(all));
+  }
+  if (isNumber(value) || sqlite3_value_type(value) == SQLITE_TEXT) {
     if (const int label = labels.find(textOf(value)); label != 0) all.push_back(label);
   }
+}
+
+void sortOnce(std::vector<int>& labels) {
+  std::ranges::sort(labels);
+  labels.erase(std::unique(labels.begin(), labels.end()), labels.end());
+}
+
+std::vector<int> labelsOf(SqlLabels& labels, sqlite3_value* value) {
+  std::vector<int> found;
+  addLabelsOf(labels, value, found);
+  sortOnce(found);
+  return found;
 }
 
 std::vector<int> labelsAmong(SqlLabels& labels, sqlite3_value* values) {
@@ -96,8 +87,7 @@ std::vector<int> labelsAmong(SqlLabels& labels, sqlite3_value* values) {
   if (result != SQLITE_DONE && result != SQLITE_OK) {
     throw ztb::Error("ztbSqlNext", "The values of an IN cannot be read");
   }
-  std::ranges::sort(all);
-  all.erase(std::unique(all.begin(), all.end()), all.end());
+  sortOnce(all);
   return all;
 }
 
@@ -236,7 +226,7 @@ SqlPlan planSql(sqlite3_index_info* info, int dimension) {
       continue;
     }
     // SQLite would compare labels with numbers that a query gives as texts, if it gave them one by
-    // one.
+    // one. It looks at an IN again, since its values do not tell whether numbers count as such.
     if (sqlite3_vtab_in(info, i, -1) != 0) {
       if (among < 0 || constraint.iColumn < info->aConstraint[among].iColumn) among = i;
       continue;
@@ -253,7 +243,7 @@ SqlPlan planSql(sqlite3_index_info* info, int dimension) {
     const int position = info->aConstraint[among].iColumn;
     if (plan.given[static_cast<std::size_t>(position)]) return;
     sqlite3_vtab_in(info, among, 1);
-    take(among, SqlCondition::among, position, comparisonOf(info, among) == Comparison::folded);
+    take(among, SqlCondition::among, position, false);
     plan.ranged = position == 0;
     plan.listPosition = position;
   };

@@ -42,6 +42,19 @@ expect "create virtual table p using ztb_symbol('diet.rxf', 'wide'); select * fr
 expect "select f.column1, p.value from (values ('tofu'), ('milk')) f
   join ztb('diet.rxf', 'price') p on p.dim_1 = f.column1" $'tofu|2.5\nmilk|11.0'
 
+# Each part of an OR is planned by itself, and numbers of a list are compared as those of a column.
+expect "select dim_1 from ztb('diet.rxf', 'price') where dim_1 = 'milk' or dim_1 = 'tofu'" $'Milk\nTofu'
+expect "select dim_1 from ztb('diet.rxf', 'price') where dim_1 = 'milk' or dim_2 = 'x' or value < 3" \
+  $'Milk\nTofu'
+expect "select dim_1 from ztb('diet.rxf', 'price') where dim_2 in ('milk', 'tofu')" ''
+expect "create table n(any, real real); insert into n values (5, 5.0);
+  select dim_5 from ztb('diet.rxf', 'wide') where dim_5 in (select any from n);
+  select value from ztb('diet.rxf', 'wide') where dim_5 in (select real from n)" '6.0'
+printf 'y,v\n2020,1\n2020.0,2\n' >years.csv
+"$ztb" import years.rxf --from years.csv --parameter 'of(y) = v' >/dev/null
+expect "create table n(real real); insert into n values (2020);
+  select value from ztb('years.rxf', 'of') where dim_1 in (select real from n)" $'1.0\n2.0'
+
 # The same for what the message of a failure must hold.
 fails() {
   sqlite3 -cmd ".load $extension" :memory: "$1" >said 2>&1 || true

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sqlite3.h>
 #include <ztb/sql.h>
 
 #include <array>
@@ -130,6 +131,41 @@ TEST_F(SqlQuery, ComparesLabelsWithNumbersAsSqliteDoes) {
               UnorderedElementsAre("kcal 1", "zinc 2"));
   EXPECT_THAT(rows("select value from holds where food in (2020, 'tofu')"),
               UnorderedElementsAre("5.0", "7.0", "13.0"));
+}
+
+// Between two columns SQLite compares with numbers only where one of them has the type of such.
+TEST_F(SqlQuery, TakesNumbersOfAListAsTheColumnThatTheyComeFromHasThem) {
+  set("2020.0", "10", 11);
+  auto* own = static_cast<sqlite3*>(ztbSqlConnection(sql_));
+  ASSERT_EQ(SQLITE_OK, sqlite3_exec(own,
+                                    "create table n(any, whole integer, words text);"
+                                    "insert into n values (2020, 2020, 2020), (10, 10, 10)",
+                                    nullptr, nullptr, nullptr));
+  EXPECT_THAT(rows("select food from holds where food in (select any from n)"), IsEmpty());
+  EXPECT_THAT(rows("select food from holds where dim_2 in (select any from n)"), IsEmpty());
+  EXPECT_THAT(rows("select food from holds where food in (select whole from n)"),
+              UnorderedElementsAre("2020", "2020.0"));
+  EXPECT_THAT(rows("select food from holds where dim_2 in (select whole from n)"),
+              ElementsAre("2020.0"));
+  EXPECT_THAT(rows("select food from holds where food in (select words from n)"),
+              ElementsAre("2020"));
+}
+
+// SQLite takes 19 digits of a number, and an infinity for one that is too large.
+TEST_F(SqlQuery, FindsLabelsByNumbersThatNoDoubleIs) {
+  for (const char* label : {"0.12345678901234567890123", "1e400", "-1e400", "1e-400"}) {
+    set(label, "iron", 17);
+  }
+  database_.addParameter("huge", {}).add().setLevel(HUGE_VAL);
+  begin();
+  const auto like = [&](const std::string& number) {
+    return rows(("select food from holds where food in (select " + number + " from huge)").c_str());
+  };
+  const auto number = [](const std::string& text) { return "cast('" + text + "' as real)"; };
+  EXPECT_THAT(like("value"), ElementsAre("1e400"));
+  EXPECT_THAT(like(number("-9e999")), ElementsAre("-1e400"));
+  EXPECT_THAT(like(number("0")), ElementsAre("1e-400"));
+  EXPECT_THAT(like(number("0.12345678901234567890123")), ElementsAre("0.12345678901234567890123"));
 }
 
 TEST_F(SqlQuery, TakesListsAndRangesOnTheFirstPosition) {
