@@ -226,8 +226,8 @@ int planFunction(sqlite3_vtab* base, sqlite3_index_info* info) {
       const int position = positionOfColumn(info->aConstraint[among].iColumn);
       if (given[static_cast<std::size_t>(position)] < 0) {
         sqlite3_vtab_in(info, among, 1);
-        conditions += {static_cast<char>(formats::SqlCondition::among),
-                       static_cast<char>('a' + position)};
+        conditions +=
+            {static_cast<char>(formats::SqlCondition::among), static_cast<char>('a' + position)};
         take(among, false);
         rows = std::max(rows / 4, 1.0);
       }

@@ -204,6 +204,11 @@ SQL_EXPORT int ztbSqlQuery(ztbSqlRows** rows, ztbSql* sql, const char* query, ch
   });
 }
 
+SQL_EXPORT void ztbSqlAsk(ztbSql* sql, int (*ask)(void* owner), void* owner) {
+  constexpr int stepsBetween = 10000;  // of SQLite's machine
+  sqlite3_progress_handler(sql->connection, stepsBetween, ask, owner);
+}
+
 SQL_EXPORT int ztbSqlParameterCount(const ztbSqlRows* rows) {
   return sqlite3_bind_parameter_count(rows->statement.get());
 }

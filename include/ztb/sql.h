@@ -71,6 +71,11 @@ ztbRec* ztbSqlDatabase(ztbSql* sql, const char* schema);
  * whatever comments stand around it. 1, or 0 with the reason and *rows null. */
 int ztbSqlQuery(ztbSqlRows** rows, ztbSql* sql, const char* query, char* message, int messageSize);
 
+/* Has `ask` called every few hundred microseconds while queries are planned and read. When it gives
+ * another number than 0, ztbSqlNext fails, or ztbSqlQuery. It may not use `sql`; null asks no
+ * more. */
+void ztbSqlAsk(ztbSql* sql, int (*ask)(void* owner), void* owner);
+
 /* Parameters of the query, as `?`, by number from 1, before the first row; 0 for a number that it
  * does not have. What is not given is null. A text ends with its zero, or has `size` bytes, zeros
  * among them; blobs have `size` bytes. */

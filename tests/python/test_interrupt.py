@@ -94,6 +94,36 @@ class Slow:
         return 3.0
 
 
+ENDLESS_QUERY = """
+import os, signal, threading, ztb
+db = ztb.Database()
+db.add_parameter("p", ["*"])["a"] = 4
+begun = threading.Event()
+class One:
+    def __index__(self):
+        begun.set()
+        return 1
+def run():
+    begun.wait()
+    for _ in range(1_000_000):  # other threads run while the query does
+        pass
+    os.kill(os.getpid(), signal.SIGINT)
+threading.Thread(target=run).start()
+query = "with recursive c(x) as (select ? union all select x from c) select max(x) from c"
+try:
+    ztb.sql(db, query, One())
+except KeyboardInterrupt:
+    print(ztb.sql(db, "select value from p")["value"].tolist())
+"""
+
+
+def test_a_query_that_gives_no_row_ends():
+    run = subprocess.run(
+        [sys.executable, "-c", ENDLESS_QUERY], capture_output=True, text=True, timeout=60
+    )
+    assert (run.stdout, run.stderr) == ("[4.0]\n", "")
+
+
 def test_waiting_for_another_thread_ends(db):
     p = db.add_parameter("p", ["*"])
     asked, known = threading.Event(), threading.Event()

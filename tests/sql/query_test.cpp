@@ -309,6 +309,23 @@ TEST_F(SqlQuery, FollowsASymbolToAnotherStore) {
   }
 }
 
+TEST_F(SqlQuery, EndsWhenAskedTo) {
+  const char* lengthy =
+      "with recursive c(x) as (select 1 union all select x + 1 from c limit 100000000) "
+      "select max(x) from c";
+  int asked = 0;
+  const auto thirdTime = [](void* count) { return ++*static_cast<int*>(count) == 3 ? 1 : 0; };
+  ztbSqlAsk(sql_, thirdTime, &asked);
+  EXPECT_THAT(rows(lengthy), ElementsAre("!interrupted"));
+  EXPECT_EQ(asked, 3);
+  EXPECT_THAT(rows("select value from holds where food = 'tofu'"), ElementsAre("5.0"));
+  ztbSqlAsk(sql_, nullptr, nullptr);
+  EXPECT_THAT(rows("with recursive c(x) as (select 1 union all select x + 1 from c limit 100000) "
+                   "select max(x) from c"),
+              ElementsAre("100000"));
+  EXPECT_EQ(asked, 3);
+}
+
 TEST_F(SqlQuery, TakesParameters) {
   ztbSqlRows* query = nullptr;
   ASSERT_EQ(ztbSqlQuery(&query, sql_, "select value from holds where food = ? and value > ?",

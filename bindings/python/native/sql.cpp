@@ -143,6 +143,12 @@ void bind(ztbSqlRows* rows, const py::sequence& parameters) {
   }
 }
 
+// Lets other threads run, and tells whether a signal handler raised something.
+int askForSignals(void* /*owner*/) {
+  { const py::gil_scoped_release released; }
+  return PyErr_CheckSignals();
+}
+
 // The names of the columns, and for each its content. Each database is used in its turn.
 py::tuple query(const std::vector<Named>& databases, const py::str& text,
                 const py::sequence& parameters) {
@@ -167,6 +173,7 @@ py::tuple query(const std::vector<Named>& databases, const py::str& text,
                          message.data(), size),
             message, "ztbSqlAttach");
   }
+  ztbSqlAsk(opened, askForSignals, nullptr);
   ztbSqlRows* begun = nullptr;
   require(ztbSqlQuery(&begun, opened, fromPython(text).c_str(), message.data(), size), message,
           "ztbSqlQuery");
@@ -174,14 +181,13 @@ py::tuple query(const std::vector<Named>& databases, const py::str& text,
   bind(begun, parameters);
   std::vector<Column> columns(static_cast<std::size_t>(ztbSqlColumnCount(begun)));
   int state = 0;
-  constexpr int rowsBetweenSignals = 4096;
-  for (int row = 1; (state = ztbSqlNext(begun)) > 0; ++row) {
+  while ((state = ztbSqlNext(begun)) > 0) {
     for (std::size_t column = 0; column < columns.size(); ++column) {
       columns[column].add(begun, static_cast<int>(column));
     }
-    if (row % rowsBetweenSignals == 0 && PyErr_CheckSignals() != 0) {
-      throw py::error_already_set();
-    }
+  }
+  if (PyErr_Occurred() != nullptr) {
+    throw py::error_already_set();
   }
   if (state < 0) {
     throw ztb::Error("ztbSqlNext", ztbSqlMessage(begun));
