@@ -1,6 +1,7 @@
 """Sweeps from Python, whose results read as frames."""
 
 import io
+import subprocess
 import sys
 import types
 
@@ -316,3 +317,40 @@ def test_a_terminal_shows_a_sweep_as_a_line(monkeypatch):
     view.close()
     assert terminal.getvalue() == f"\r\x1b[K{view}\n"
     assert repr(view) == f"<ztb.SweepView: {view}>"
+
+
+def test_a_sweep_that_is_interrupted_leaves_what_is_solved(tmp_path):
+    """Weights of which some are to be half of all: an endless search, but none of them at once."""
+    weights = np.random.default_rng(1).integers(100, 1000, size=(5, 50))
+    things = pd.RangeIndex(50, name="thing")
+    model = ztb.Model()
+    take = model.variable("take", things, kind="binary")
+    pairs = pd.MultiIndex.from_product([range(5), range(50)], names=["kind", "thing"])
+    model.rows(
+        "weight", pd.RangeIndex(5, name="kind"),
+        take * pd.Series(weights.ravel(), index=pairs), equal=0,
+    )
+    model.minimize(take)
+    model.write(tmp_path / "m.lp")
+    half = {("s4", str(kind)): float(weights[kind].sum() // 2) for kind in range(5)}
+    wanted = {(f"s{s}", str(kind)): 0.0 for s in range(1, 4) for kind in range(5)}
+
+    # As a terminal does it: to all processes of the group, here and in the program.
+    script = tmp_path / "script.py"
+    script.write_text(f"""
+import os, signal, ztb
+def interrupted(state):
+    if state["done"] == 3:
+        os.killpg(0, signal.SIGINT)
+try:
+    ztb.sweep("m.lp", {{"want": {wanted | half!r}}}, over="s", out="r.rxf", chunk=1,
+              drive=["want(kind) = rhs of weight"], progress=interrupted)
+except KeyboardInterrupt:
+    print("interrupted")
+""")
+    run = subprocess.run(
+        [sys.executable, script], cwd=tmp_path, start_new_session=True, capture_output=True, text=True
+    )
+    assert (run.stdout, run.stderr, run.returncode) == ("interrupted\n", "", 0)
+    parts = {file.name.split("-", 1)[1] for file in (tmp_path / "r.rxf.parts").glob("*.rxf")}
+    assert "0-3.rxf" in parts, parts

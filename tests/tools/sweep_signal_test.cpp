@@ -22,20 +22,24 @@ using SweepSignalTest = tooltest::EndlessSweepTest;
 TEST_F(SweepSignalTest, AShareThatIsAskedToEndPublishesWhatItHasSolved) {
   makeScenarios(6, {3});
   const ProcessorTimeLimit limit(60);
-  std::filesystem::create_directory(path("out.rxf.parts"));
   const std::vector<std::string> one{
       "sweep",    "m.lp",          "--scenarios", "sc.rxf", "--over",  "s",
       "--solver", "glpk",          "--part",      "1/1",    "--chunk", "6",
       "--parts",  "out.rxf.parts", "--stall",     "50"};
-  BackgroundProgram run(path("."), one, "errors");
-  // The endless scenario is the one that is ended, whenever that is.
-  ASSERT_TRUE(run.waitForFile(".basis"));
-  ASSERT_NE(run.waitForChildBut(0), 0);
-  ::kill(run.process(), SIGTERM);
-  EXPECT_EQ(run.wait(), 1);
-  EXPECT_THAT(read("errors"), ztbtest::Matches("ztb: was asked to end; [4-6] of 6 scenarios are "
-                                               "not solved yet, what is solved stands in "
-                                               "out.rxf.parts\n"));
+  for (const int signal : {SIGTERM, SIGINT}) {
+    SCOPED_TRACE(signal);
+    std::filesystem::remove_all(path("out.rxf.parts"));
+    std::filesystem::create_directory(path("out.rxf.parts"));
+    BackgroundProgram run(path("."), one, "errors");
+    // The endless scenario is the one that is ended, whenever that is.
+    ASSERT_TRUE(run.waitForFile(".basis"));
+    ASSERT_NE(run.waitForChildBut(0), 0);
+    ::kill(run.process(), signal);
+    EXPECT_EQ(run.wait(), 1);
+    EXPECT_THAT(read("errors"), ztbtest::Matches("ztb: was asked to end; [4-6] of 6 scenarios are "
+                                                 "not solved yet, what is solved stands in "
+                                                 "out.rxf.parts\n"));
+  }
 }
 
 TEST_F(SweepSignalTest, AScenarioThatTakesTwoWorkersWithItHasFailedAndTheOthersAreSolved) {

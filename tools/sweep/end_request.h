@@ -5,8 +5,8 @@
 namespace tool {
 
 // From now on SIGTERM, which the system sends before a time limit, asks this process to end and
-// does not end it, and with `interruptToo` SIGINT as well. On Windows Ctrl-C and Ctrl-Break do,
-// once: the second ends the process.
+// does not end it, and with `interruptToo` SIGINT as well, unless the process ignores it. On
+// Windows Ctrl-C and Ctrl-Break do. A second SIGINT, Ctrl-C or Ctrl-Break ends the process.
 void watchForEnd(bool interruptToo);
 
 // Whether somebody asked.

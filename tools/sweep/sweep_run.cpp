@@ -137,7 +137,7 @@ int SweepRun::scenarioCount(const std::vector<int>& chunks) const {
 }
 
 std::map<int, std::string> SweepRun::solve(const std::vector<int>& pending) {
-  watchForEnd(false);
+  watchForEnd(options_.dask.empty());
   SweepProgress progress(options_.progress, scenarioCount(pending));
   if (!options_.dask.empty()) {
     if (!pending.empty()) solveWithDask(options_, folder_, pending, progress, isAskedToEnd);

@@ -5,7 +5,6 @@ from __future__ import annotations
 import json
 import os
 import shutil
-import signal
 import subprocess
 import tempfile
 from pathlib import Path as FilePath
@@ -415,7 +414,7 @@ def _run(command: List[str], tell: Optional[Callable[[progresses.State], None]])
                     lines.append(line[5:] if line.startswith("ztb: ") else line)
             process.wait()
         except BaseException:
-            process.send_signal(signal.SIGINT)
+            process.terminate()  # it publishes what is solved
             process.communicate()
             raise
         finally:
