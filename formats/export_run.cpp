@@ -148,6 +148,10 @@ void ExportRun::write(const std::string& source, bool shows, RunResult& result) 
   if (byComma) {
     requireDifferent(separatorOf(separator_), decimalOf(decimal_));
   }
+  if (isSameFile(source, target_)) {
+    throw UsageError(
+        fmt::format("{}: would be replaced by what is made of it; name another file", target_));
+  }
   tool::Progress progress(shows);
   progress.step("opening " + source);
   const tool::ExchangeFile file(source);

@@ -32,6 +32,11 @@ inline bool isFolder(const std::string& name) {
   return std::filesystem::is_directory(tool::pathOf(name), error);
 }
 
+inline bool isSameFile(const std::string& name, const std::string& other) {
+  std::error_code error;
+  return std::filesystem::equivalent(tool::pathOf(name), tool::pathOf(other), error);
+}
+
 // Whether a name can only be that of a folder.
 inline bool endsAsFolder(const std::string& name) {
   return !name.empty() && !tool::pathOf(name).has_filename();

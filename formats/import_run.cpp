@@ -266,6 +266,11 @@ void ImportRun::fill(ztb::Database& database, RecordImport& records, ProblemList
 
 void ImportRun::write(const std::string& path, bool shows, RunResult& result) {
   const std::string name = shownName_.empty() ? path : shownName_;
+  for (const Source& source : sources_) {
+    if (!isSameFile(source.tables.table.path, path)) continue;
+    throw UsageError(
+        fmt::format("{}: would be replaced by what is made of it; name another file", name));
+  }
   tool::Progress progress(shows);
   ProblemList problems(maxErrors_);
   ProblemList warnings(maxErrors_);

@@ -52,6 +52,32 @@ class SeveralProblemsTest : public TableTest {
   long long counted_ = 0;
 };
 
+// The table or file that something is made of stays.
+TEST_F(SeveralProblemsTest, AnOutputIsNoInput) {
+  const std::string refusal = ": would be replaced by what is made of it; name another file";
+  write("foods.csv", foods);
+  sql("stock.db", "create table food(food text, cents real)");
+  const std::string stock = read("stock.db");
+  Job import({{"from", folder_.file("foods.csv")},
+              {"parameter", "p(food) = cents"},
+              {"from", folder_.file("stock.db#food")},
+              {"parameter", "q(food) = cents"}});
+  for (const char* file : {"foods.csv", "stock.db"}) {
+    EXPECT_FALSE(import.import(folder_.file(file)));
+    EXPECT_EQ(import.errors(folder_), file + refusal);
+    EXPECT_TRUE(import.isUsage());
+  }
+  EXPECT_EQ(read("foods.csv"), foods);
+  EXPECT_TRUE(read("stock.db") == stock);
+  ztb::Database database;
+  database.addParameter("price", {"food"}).add("Milk").setLevel(1);
+  database.write(folder_.file("a.rxf"));
+  Job out({{"all", ""}, {"to", folder_.file("a.rxf")}, {"format", "jsonl"}});
+  EXPECT_FALSE(out.exportFile(folder_.file("a.rxf")));
+  EXPECT_EQ(out.errors(folder_), "a.rxf" + refusal);
+  EXPECT_EQ(ztb::Database::open(folder_.file("a.rxf"))["price"].recordCount(), 1);
+}
+
 TEST_F(SeveralProblemsTest, AreToldOfAllSources) {
   gzip("cut.csv.gz", foods);
   const std::string packed = read("cut.csv.gz");
