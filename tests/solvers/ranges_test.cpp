@@ -190,6 +190,30 @@ TEST_P(RangesTest, areOfAVertex) {
   EXPECT_EQ(basic, 1);
 }
 
+// The first row stood between its sides without being basic, and the ranges of that basis were
+// wrong.
+TEST_P(RangesTest, areOfAVertexOfRowsToo) {
+  SmallModel model;
+  model.column(0, -2, kInf);
+  model.column(1, 0, 8);
+  model.column(4, 0, kInf);
+  model.column(2, -2, kInf);
+  model.column(-1, -kInf, kInf);
+  model.row({-1, 1, 2, 1, 1}, 0, 2);
+  model.row({0, 2, 0, 3, 3}, -kInf, 2);
+  model.row({0, 1, 3, 1, -1}, 0, 2);
+  const SolverResult result = solveFresh(GetParam(), model);
+  ASSERT_EQ(result.outcome, Outcome::optimal);
+  EXPECT_NEAR(model.objective(result.level), -2, 1e-9);
+  int basic = 0;
+  for (const Position position : result.position) basic += position == Position::basic ? 1 : 0;
+  for (const Position position : result.rowPosition) {
+    EXPECT_NE(position, Position::superbasic);
+    basic += position == Position::basic ? 1 : 0;
+  }
+  EXPECT_EQ(basic, 3);
+}
+
 INSTANTIATE_TEST_SUITE_P(Solvers, RangesTest, testing::Values("clp", "glpk"),
                          [](const auto& tested) { return std::string(tested.param); });
 

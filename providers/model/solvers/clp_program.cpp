@@ -127,14 +127,17 @@ void ClpProgram::runFresh(Watch& watch) {
   const ClpEventHandler none;
   simplex_.passInEventHandler(&none);
   reuse_ = kLeaveWork;
-  // Presolve may leave more columns in the basis than there are rows: such a point is no vertex.
-  if (simplex_.status() == 0 && !hasBasis()) run(simplex_, Method::primal, watch, kNothing);
+  // Presolve may leave more columns in the basis than there are rows, or others between their
+  // bounds: such a point is no vertex.
+  if (simplex_.status() == 0 && !hasVertex()) run(simplex_, Method::primal, watch, kNothing);
 }
 
-bool ClpProgram::hasBasis() const {
+bool ClpProgram::hasVertex() const {
   int basic = 0;
   for (int k = 0; k < simplex_.numberColumns() + form_.rowCount; ++k) {
-    basic += simplex_.getStatus(k) == ClpSimplex::basic ? 1 : 0;
+    const ClpSimplex::Status status = simplex_.getStatus(k);
+    if (status == ClpSimplex::superBasic) return false;
+    basic += status == ClpSimplex::basic ? 1 : 0;
   }
   return basic == form_.rowCount;
 }

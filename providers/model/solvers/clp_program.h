@@ -81,7 +81,8 @@ class ClpProgram {
   // `reuse`: what Clp is to use of its last solve.
   void run(ClpSimplex& simplex, Method method, Watch& watch, int reuse);
   void runFresh(Watch& watch);
-  [[nodiscard]] bool hasBasis() const;  // as many basic columns and rows as there are rows
+  // As many basic columns and rows as there are rows, and no other between its bounds.
+  [[nodiscard]] bool hasVertex() const;
   void runLive(Watch& watch);
   void runUnscaled(Watch& watch);
   void decideUnsolvable(Watch& watch, SolverResult& result);
