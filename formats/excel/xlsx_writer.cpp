@@ -85,7 +85,11 @@ class XlsxWriter : public TableWriter {
     beginSheet();
   }
 
-  void label(std::string_view text) override { writeText(text); }
+  void label(std::string_view text) override {
+    // Where nothing is spelled out, it would come back as a cell that is missing.
+    if (text.empty() && !head_.exact) failCell(text);
+    writeText(text);
+  }
   void text(std::string_view text) override {
     if (text.empty()) {
       ++column_;
@@ -238,13 +242,20 @@ class XlsxWriter : public TableWriter {
           fmt::format("{}: a text of {} bytes does not fit into a cell", path_, text.size()),
           ZTB_ERROR_LIMIT);
     }
-    std::string room;
-    if (!head_.exact && spelled(text, TextForm::xml, room) != text && !text.empty()) {
-      throw tool::Failure(
-          fmt::format("{}: {} cannot stand in a cell of a workbook", path_, tool::inQuotes(text)),
-          ZTB_ERROR_REFUSED);
+    if (!head_.exact) {
+      // A backslash in front means something only where texts are spelled out.
+      const std::string_view rest =
+          std::string_view(text).substr(std::min(text.find_first_not_of('\\'), text.size()));
+      std::string room;
+      if (!rest.empty() && spelled(rest, TextForm::xml, room) != rest) failCell(text);
     }
     check(worksheet_write_string(worksheet_, row_, at, text.c_str(), format));
+  }
+
+  [[noreturn]] void failCell(std::string_view text) const {
+    throw tool::Failure(
+        fmt::format("{}: {} cannot stand in a cell of a workbook", path_, tool::inQuotes(text)),
+        ZTB_ERROR_REFUSED);
   }
 
   static constexpr std::size_t mostFrozen = 4;

@@ -106,6 +106,24 @@ TEST_F(OwnTableTest, OfAWideSheetKeepsEachBit) {
   EXPECT_EQ(back["stock"].find("Tofu", "2021")->level(), 1.0 / 3);
 }
 
+TEST_F(OwnTableTest, OfAWideSheetHasTextsAsTheyAre) {
+  ztb::Symbol stock = database_.addParameter("stock", {"food", "year"});
+  stock.add("\\x41", "\\").setLevel(1);
+  exportSymbol("stock", {{"to", folder_.file("w.xlsx")}, {"wide", "year"}});
+  const ztb::Database back =
+      imported("w.xlsx", {{"wide", "year"}, {"parameter", "stock(food, year)"}});
+  EXPECT_EQ(back["stock"].find("\\x41", "\\")->level(), 1);
+  // An empty cell is none, and _x0041_ is an A.
+  for (const char* label : {"", "_x0041_", "\\_x0041_"}) {
+    stock.clear();
+    stock.add(label, "2020").setLevel(1);
+    Job job({{"symbol", "stock"}, {"to", folder_.file("none.xlsx")}, {"wide", "year"}});
+    EXPECT_FALSE(job.exportDatabase(database_.handle())) << label;
+    EXPECT_EQ(job.errors(folder_),
+              "none.xlsx: '" + std::string(label) + "' cannot stand in a cell of a workbook");
+  }
+}
+
 TEST_F(OwnTableTest, OfSeveralSheetsIsReadFromAllOfThem) {
   const std::string parts = ZTB_MADE_WORKBOOKS "/parts.xlsx";
   const auto pricesIn = [&](const std::string& source) {
