@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "formats/tables/packing.h"
 #include "tools/files/new_file.h"
 #include "tools/text/failure.h"
 
@@ -114,9 +115,14 @@ class ZstdSink : public ByteSink {
 }  // namespace
 
 std::unique_ptr<ByteSink> makeBytes(const std::string& path) {
-  if (path.ends_with(".gz")) return std::make_unique<GzipSink>(path);
-  if (path.ends_with(".zst")) return std::make_unique<ZstdSink>(path);
-  return std::make_unique<FileSink>(path);
+  switch (packingOf(path)) {
+    case Packing::gzip:
+      return std::make_unique<GzipSink>(path);
+    case Packing::zstd:
+      return std::make_unique<ZstdSink>(path);
+    default:
+      return std::make_unique<FileSink>(path);
+  }
 }
 
 }  // namespace formats

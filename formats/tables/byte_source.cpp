@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "formats/tables/packing.h"
 #include "tools/files/system_files.h"
 #include "tools/text/failure.h"
 
@@ -136,9 +137,14 @@ class ZstdBytes : public PackedBytes {
 }  // namespace
 
 std::unique_ptr<ByteSource> openBytes(const std::string& path) {
-  if (path.ends_with(".gz")) return std::make_unique<GzipBytes>(path);
-  if (path.ends_with(".zst")) return std::make_unique<ZstdBytes>(path);
-  return std::make_unique<FileBytes>(path);
+  switch (packingOf(path)) {
+    case Packing::gzip:
+      return std::make_unique<GzipBytes>(path);
+    case Packing::zstd:
+      return std::make_unique<ZstdBytes>(path);
+    default:
+      return std::make_unique<FileBytes>(path);
+  }
 }
 
 }  // namespace formats

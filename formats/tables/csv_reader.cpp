@@ -3,7 +3,10 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <array>
+#include <utility>
 
+#include "formats/tables/packing.h"
 #include "tools/text/failure.h"
 
 namespace formats {
@@ -14,6 +17,16 @@ constexpr std::size_t csvBufferSize = std::size_t{1} << 18U;
 
 // No table has such a record; a packed file may seem to.
 constexpr std::size_t longestRecord = std::size_t{1} << 26U;
+
+// How files of other kinds begin.
+constexpr std::array<std::pair<std::string_view, std::string_view>, 6> otherFiles{{
+    {"\x1F\x8B", "a file packed by gzip, which ends in .gz"},
+    {"\x28\xB5\x2F\xFD", "a file packed by Zstandard, which ends in .zst"},
+    {"PK\x03\x04", "a zip file, as workbooks are, which --format xlsx reads"},
+    {"\xD0\xCF\x11\xE0", "a workbook of an old format, to be saved as .xlsx"},
+    {"SQLite format 3", "a SQLite file, which --format sqlite reads"},
+    {"PAR1\x15", "a Parquet file, which --format parquet reads"},
+}};
 
 }  // namespace
 
@@ -26,8 +39,7 @@ CsvReader::CsvReader(const std::string& path, char separator)
 }
 
 std::optional<PartedFile> CsvReader::partedFile() const {
-  const bool packed = path_.ends_with(".gz") || path_.ends_with(".zst");
-  if (packed || path_ == "standard input") return std::nullopt;
+  if (packingOf(path_) != Packing::none || path_ == "standard input") return std::nullopt;
   return PartedFile{.path = path_, .separator = separator_};
 }
 
@@ -65,6 +77,7 @@ int CsvReader::take() {
   return c;
 }
 
+// What is no text at all is told as what it is, and not by its bytes.
 void CsvReader::skipByteOrderMark() {
   peek();
   const std::string_view start(buffer_.get() + bufferBegin_, bufferEnd_ - bufferBegin_);
@@ -73,6 +86,13 @@ void CsvReader::skipByteOrderMark() {
   } else if (start.starts_with("\xFF\xFE") || start.starts_with("\xFE\xFF")) {
     throw tool::Failure(
         fmt::format("{}: is encoded in UTF-16, expected UTF-8 or plain bytes", path_));
+  }
+  const auto known = std::ranges::find_if(
+      otherFiles, [&](const auto& other) { return start.starts_with(other.first); });
+  if (known != otherFiles.end()) {
+    throw tool::Failure(
+        fmt::format("{}: begins as {}, expected a table of text", path_, known->second),
+        ZTB_ERROR_REFUSED);
   }
 }
 

@@ -35,6 +35,37 @@ TEST_F(TableTest, ReadsPackedTables) {
   EXPECT_EQ(imported("a.tsv", price)["price"].find("Milk")->level(), 3);
 }
 
+TEST_F(TableTest, PacksAndUnpacksByEndingsInLettersOfEitherCase) {
+  gzip("A.CSV.GZ", foods);
+  const ztb::Database database = imported("A.CSV.GZ", price);
+  EXPECT_EQ(database["price"].find("Tofu")->level(), 7.5);
+  for (const auto& [file, begin] :
+       {std::pair("B.CSV.GZ", "\x1F\x8B"), std::pair("B.Jsonl.Zst", "\x28\xB5\x2F\xFD")}) {
+    Job out({{"symbol", "price"}, {"to", folder_.file(file)}});
+    ASSERT_TRUE(out.exportDatabase(database.handle())) << out.errors(folder_);
+    EXPECT_THAT(read(file), testing::StartsWith(begin));
+    EXPECT_EQ(imported(file, {{"parameter", "p(food) = value"}})["p"].find("Milk")->level(), 11);
+  }
+}
+
+TEST_F(TableTest, TellsFilesThatAreNoTextByTheirKinds) {
+  gzip("packed.gz", foods);
+  sql("stock.db", "create table t(a)");
+  for (const auto& [content, kind] :
+       {std::pair(read("packed.gz"), "a file packed by gzip, which ends in .gz"),
+        std::pair(read("stock.db"), "a SQLite file, which --format sqlite reads"),
+        std::pair(std::string("PK\x03\x04"),
+                  "a zip file, as workbooks are, which --format xlsx "
+                  "reads"),
+        std::pair(std::string("PAR1\x15"), "a Parquet file, which --format parquet reads")}) {
+    write("a.csv", content);
+    EXPECT_EQ(errorsOf("a.csv", price),
+              "a.csv: begins as " + std::string(kind) + ", expected a table of text");
+  }
+  write("a.csv", "PAR1,cents\nMilk,3\n");
+  EXPECT_EQ(imported("a.csv", {{"parameter", "p(PAR1) = cents"}})["p"].find("Milk")->level(), 3);
+}
+
 TEST_F(TableTest, TellsPackedTablesThatAreDamagedOrCutShort) {
   gzip("a.csv.gz", foods);
   const std::string whole = read("a.csv.gz");
