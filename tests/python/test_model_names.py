@@ -164,3 +164,42 @@ def test_arrays_with_named_families_have_frames_with_these_names():
     solution = model.solve()
     assert solution["buy"].index.names == ["food"]
     assert solution["need"].index.names == ["what"]
+
+
+def over(name, **numbers):
+    return pd.Series({key: float(value) for key, value in numbers.items()}).rename_axis(name)
+
+
+def test_labels_are_one_in_any_case():
+    """Six at a weight of 3 for oslo and 2 for Ghent; the cheaper way costs 2 for two of oslo."""
+    model = ztb.Model()
+    x = model.variable("x", ("city", ["oslo", "Ghent"]), upper=over("city", Oslo=9, GHENT=9))
+    model.rows("need", None, x * over("city", OSLO=3, ghent=2), lower=6)
+    model.rows("most", ("city", ["OSLO"]), x, upper=over("city", osLO=5))
+    model.minimize(x * over("city", Ghent=2, oSLO=1))
+    solution = model.solve()
+    assert solution.objective == 2
+    assert solution["x"]["level"].to_dict() == {"oslo": 2, "Ghent": 0}
+    assert list(solution["most"].index) == ["oslo"] and model.notes == []
+
+
+def test_two_records_of_one_label_in_two_cases_are_refused():
+    model = ztb.Model()
+    x = model.variable("x", ("city", ["oslo"]))
+    with pytest.raises(ValueError, match=r"two records have the labels \('oslo',\)"):
+        model.rows("need", None, x * over("city", Oslo=3, oslo=2), lower=0)
+
+
+def test_labels_of_one_position_may_differ_by_case():
+    model = ztb.Model()
+    x = model.variable("x", ("gas", ["CO", "Co"]), upper=4)
+    model.maximize(x * over("gas", CO=1, Co=10))
+    solution = model.solve()
+    assert solution.objective == 44 and len(model.notes) == 1
+
+
+def test_data_of_which_nothing_fits_are_refused():
+    model = ztb.Model()
+    x = model.variable("x", ("city", ["oslo"]))
+    with pytest.raises(ValueError, match="need: no record of the data fits any element of x"):
+        model.rows("need", None, x * over("city", paris=3), lower=6)

@@ -7,7 +7,10 @@ rows and columns are matched by pandas.
 from __future__ import annotations
 
 from numbers import Real
-from typing import TYPE_CHECKING, Any, List, Mapping, NamedTuple, Sequence, Tuple, Union
+from typing import (
+    TYPE_CHECKING, Any, Dict, List, Mapping, NamedTuple, Optional, Sequence, Set as SetOf, Tuple,
+    Union,
+)
 
 import numpy as np
 import numpy.typing as npt
@@ -30,52 +33,79 @@ _ROW = "\0row"
 _VALUE = "\0value"
 
 
-def _texts(values: Any) -> npt.NDArray[np.object_]:
-    """Labels as texts."""
+class Spelling:
+    """How a model spells its labels: as they came first, since a database takes ``Oslo`` and
+    ``oslo`` for one. Labels of one position that differ by case alone stay as they are."""
+
+    def __init__(self) -> None:
+        self._first: Dict[str, str] = {}  # by the folded label
+        self._known: SetOf[str] = set()
+
+    def of(self, labels: List[str], add: bool) -> List[str]:
+        """Distinct labels as the model spells them; with ``add`` new ones are the model's."""
+        given = set(labels)
+        result = []
+        for label in labels:
+            spelled = label
+            if label not in self._known:
+                spelled = self._first.get(_native.folded(label), label)
+                if add and spelled in given:
+                    spelled = label
+            if add:
+                self._known.add(spelled)
+                self._first.setdefault(_native.folded(spelled), spelled)
+            result.append(spelled)
+        return result
+
+
+def _texts(values: Any, spelling: Spelling, add: bool = False) -> npt.NDArray[np.object_]:
+    """Labels as texts, as the model spells them."""
     import pandas as pd
 
     codes, distinct = pd.factorize(np.asarray(values, dtype=object))
     if len(codes) and codes.min() < 0:
         raise ValueError(f"label {int(np.flatnonzero(codes < 0)[0])} is missing")
     texts = np.empty(len(distinct), dtype=object)
-    texts[:] = [label_text(label) for label in distinct]
+    texts[:] = spelling.of([label_text(label) for label in distinct], add)
     result: npt.NDArray[np.object_] = texts[codes]
     return result
 
 
-def _part_frame(part: Over) -> "pd.DataFrame":
+def _part_frame(part: Over, spelling: Spelling) -> "pd.DataFrame":
     import pandas as pd
 
     if isinstance(part, Alias):
         target = part.set
         if target is None:
             raise TypeError("all labels are no set to build over, give a set or an index")
-        return pd.DataFrame({part.name: _texts(list(target))})
+        return pd.DataFrame({part.name: _texts(list(target), spelling, True)})
     if isinstance(part, Set):
         index = part.to_pandas().index
         names = part._native.columns()
         columns = [index] if part.dimension == 1 else [
             index.get_level_values(level) for level in range(part.dimension)
         ]
-        return pd.DataFrame({name: _texts(column) for name, column in zip(names, columns)})
+        return pd.DataFrame(
+            {name: _texts(column, spelling, True) for name, column in zip(names, columns)}
+        )
     if isinstance(part, pd.Index):
         if any(name is None for name in part.names):
             raise ValueError("an index without a name says nothing of its position; name it")
         return pd.DataFrame(
             {
-                str(name): _texts(part.get_level_values(level))
+                str(name): _texts(part.get_level_values(level), spelling, True)
                 for level, name in enumerate(part.names)
             }
         )
     if isinstance(part, tuple) and len(part) == 2 and isinstance(part[0], str):
-        return pd.DataFrame({part[0]: _texts(list(part[1]))})
+        return pd.DataFrame({part[0]: _texts(list(part[1]), spelling, True)})
     raise TypeError(
         f"{part!r} ({type(part).__name__}) is nothing to build over, expected a set, an index with "
         "a name, or (name, labels)"
     )
 
 
-def frame_over(over: Over) -> "pd.DataFrame":
+def frame_over(over: Over, spelling: Optional[Spelling] = None) -> "pd.DataFrame":
     """All combinations of the parts as a frame of labels, a column for each position."""
     import pandas as pd
 
@@ -86,9 +116,10 @@ def frame_over(over: Over) -> "pd.DataFrame":
         isinstance(over, tuple) and not (len(over) == 2 and isinstance(over[0], str))
     ):
         parts = list(over)
+    spelling = Spelling() if spelling is None else spelling
     frame = pd.DataFrame(index=pd.RangeIndex(1))
     for part in parts:
-        new = _part_frame(part)
+        new = _part_frame(part, spelling)
         taken = set(frame.columns) & set(new.columns)
         if taken:
             raise ValueError(
@@ -113,7 +144,9 @@ def native_positions(frame: "pd.DataFrame") -> List[Tuple[List[Any], npt.NDArray
     return result
 
 
-def _series_frame(data: "pd.Series[Any]", names: Sequence[str], what: str) -> "pd.DataFrame":
+def _series_frame(
+    data: "pd.Series[Any]", names: Sequence[str], what: str, spelling: Spelling
+) -> "pd.DataFrame":
     """Data over labels as a frame of label columns and one of values, each element once; ``names``
     are for levels that have none."""
     import pandas as pd
@@ -129,7 +162,10 @@ def _series_frame(data: "pd.Series[Any]", names: Sequence[str], what: str) -> "p
     if any(name is None for name in levels) or len(set(levels)) != len(levels):
         raise ValueError(f"levels {tuple(index.names)} need a name each, all different")
     frame = pd.DataFrame(
-        {str(name): _texts(index.get_level_values(k)) for k, name in enumerate(levels)}
+        {
+            str(name): _texts(index.get_level_values(k), spelling)
+            for k, name in enumerate(levels)
+        }
     )
     if frame.duplicated().any():
         row = int(np.flatnonzero(frame.duplicated())[0])
@@ -164,14 +200,16 @@ def _numbers(data: Any, what: str) -> npt.NDArray[np.float64]:
     return arrays.floats(data, what)
 
 
-def aligned(data: Data, frame: "pd.DataFrame", what: str) -> npt.NDArray[np.float64]:
+def aligned(
+    data: Data, frame: "pd.DataFrame", what: str, spelling: Spelling
+) -> npt.NDArray[np.float64]:
     """A number for each row of a frame of labels: 0 where a series has no record."""
     import pandas as pd
 
     data = _series_of(data)
     count = len(frame)
     if isinstance(data, pd.Series):
-        table = _series_frame(data, list(frame.columns), what)
+        table = _series_frame(data, list(frame.columns), what, spelling)
         keys = [name for name in table.columns if name != _VALUE]
         strange = [name for name in keys if name not in frame.columns]
         if strange:
@@ -281,7 +319,7 @@ def _matched(
     table.columns = list(term.names)
     table[_COLUMN] = np.arange(family._first, family._first + len(table))
     if isinstance(term.data, pd.Series):
-        data = _series_frame(term.data, term.names, what)
+        data = _series_frame(term.data, term.names, what, family._spelling)
         strange = [
             name
             for name in data.columns
@@ -292,9 +330,11 @@ def _matched(
                 f"{what}: {strange[0]} of the data is a position neither of {family.name}, which "
                 f"has {term.names}, nor of the row"
             )
-        table = _merged(table, data)
+        table, own = _merged(table, data), len(table)
+        if own and len(data) and not len(table):
+            raise ValueError(f"{what}: no record of the data fits any element of {family.name}")
     elif term.data is not None:
-        table[_VALUE] = aligned(term.data, family._frame, what)
+        table[_VALUE] = aligned(term.data, family._frame, what, family._spelling)
     table = _merged(table, rows)
     values = np.full(len(table), term.sign)
     if term.data is not None:
@@ -310,10 +350,16 @@ class Family(Expression):
     """Variables over sets, made by :meth:`ztb.Model.variable`; an expression by itself."""
 
     def __init__(
-        self, name: str, first: int, frame: "pd.DataFrame", model: _native.Model
+        self,
+        name: str,
+        first: int,
+        frame: "pd.DataFrame",
+        model: _native.Model,
+        spelling: Spelling,
     ) -> None:
         self.name = name
         self._model = model
+        self._spelling = spelling
         self._first = first
         self._frame = frame
         super().__init__([_Term(self, tuple(frame.columns), None, 1.0)])
@@ -342,10 +388,15 @@ class Family(Expression):
 
 
 def add_rows(
-    native: _native.Model, name: str, over: Over, expression: Expression, sides: Any
+    native: _native.Model,
+    name: str,
+    over: Over,
+    expression: Expression,
+    sides: Any,
+    spelling: Spelling,
 ) -> int:
     """Adds rows and their terms; ``sides`` gives types, right-hand sides and ranges for labels."""
-    frame = frame_over(over)
+    frame = frame_over(over, spelling)
     types, rhs, ranges = sides(frame)
     rows = frame.copy(deep=False)
     # Terms are matched before anything is added, so that what is refused leaves no rows.

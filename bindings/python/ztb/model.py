@@ -71,6 +71,7 @@ class Model:
         self._statements: List[str] = []
         #: The names of the positions of variables and equations that were built, by folded names.
         self._positions: Dict[str, Tuple[str, ...]] = {}
+        self._spelling = families.Spelling()
 
     @classmethod
     def open(
@@ -116,6 +117,7 @@ class Model:
         model._file = (path, model_data, records)
         model._statements = []
         model._positions = {}
+        model._spelling = families.Spelling()
         return model
 
     @classmethod
@@ -199,18 +201,18 @@ class Model:
         ``"binary"``; a binary variable is from 0 to 1.
         """
         _require_name(name, "variable")
-        frame = families.frame_over(over)
+        frame = families.frame_over(over, self._spelling)
         kinds = matrices.kinds(kind, len(frame))
         low, high = matrices.within_kinds(
             kinds,
-            families.aligned(lower, frame, f"lower bounds of {name}"),
-            families.aligned(upper, frame, f"upper bounds of {name}"),
+            families.aligned(lower, frame, f"lower bounds of {name}", self._spelling),
+            families.aligned(upper, frame, f"upper bounds of {name}", self._spelling),
         )
         first = self._native.add_columns(
             name, families.native_positions(frame), kinds, low, high
         )
         self._positions[_native.folded(name)] = tuple(frame.columns)
-        return Family(name, first, frame, self._native)
+        return Family(name, first, frame, self._native, self._spelling)
 
     def rows(
         self,
@@ -241,12 +243,14 @@ class Model:
             low = equal if lower is None else lower
             high = equal if upper is None else upper
             return matrices.sides(
-                families.aligned(-np.inf if low is None else low, frame, name),
-                families.aligned(np.inf if high is None else high, frame, name),
+                families.aligned(-np.inf if low is None else low, frame, name, self._spelling),
+                families.aligned(np.inf if high is None else high, frame, name, self._spelling),
                 name,
             )
 
-        count = families.add_rows(self._native, name, over, expression, sides)
+        count = families.add_rows(
+            self._native, name, over, expression, sides, self._spelling
+        )
         self._positions[_native.folded(name)] = tuple(positions)
         return count
 
