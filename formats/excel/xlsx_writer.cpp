@@ -14,6 +14,7 @@
 #include <utility>
 
 #include "formats/excel/cell_range.h"
+#include "formats/excel/point_numbers.h"
 #include "formats/excel/xlsx_tables.h"
 #include "formats/file_name.h"
 #include "formats/tables/exact_text.h"
@@ -260,6 +261,7 @@ class XlsxWriter : public TableWriter {
 
   static constexpr std::size_t mostFrozen = 4;
 
+  PointNumbers pointNumbers_;
   std::string path_;
   std::string folder_;
   tool::NewFile published_;
