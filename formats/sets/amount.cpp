@@ -78,8 +78,9 @@ double Amount::result(Statistic statistic) const {
   if (statistic == Statistic::count) return static_cast<double>(count_);
   constexpr unsigned both = hasInfinity | hasMinusInfinity;
   const bool adds = statistic == Statistic::sum || statistic == Statistic::mean;
-  if ((what_ & hasUndefined) != 0 || (adds && (what_ & both) == both)) return undefinedAmount;
+  if ((what_ & hasUndefined) != 0) return undefinedAmount;
   if ((what_ & hasMissing) != 0) return missingAmount();
+  if (adds && (what_ & both) == both) return undefinedAmount;
   if (statistic == Statistic::min) return least_;
   if (statistic == Statistic::max) return greatest_;
   if ((what_ & both) != 0) return (what_ & hasInfinity) != 0 ? endlessAmount : -endlessAmount;

@@ -1,8 +1,8 @@
 // What the values of a group of records come to.
 //
-// undef with anything is undef, and so is inf with -inf; na, and any other NaN, with other values
-// is na; an infinity with numbers is that infinity. eps counts as 0 in a sum, and a sum of nothing
-// but eps is eps; as least or greatest value it stands just above 0.
+// undef with anything is undef; na, and any other NaN, with other values is na; inf with -inf is
+// undef in a sum or mean, and an infinity with numbers is that infinity. eps counts as 0 in a sum,
+// and a sum of nothing but eps is eps; as least or greatest value it stands just above 0.
 #ifndef ZTB_FORMATS_SETS_AMOUNT_H_
 #define ZTB_FORMATS_SETS_AMOUNT_H_
 

@@ -201,7 +201,9 @@ class ConditionParser {
     if (token_.kind != ConditionToken::Kind::word && token_.kind != ConditionToken::Kind::quoted) {
       fail("expected a label");
     }
-    if (token_.text.ends_with('\\')) fail("ends in a backslash, which takes a char behind it");
+    const std::size_t other = token_.text.find_last_not_of('\\');
+    if ((token_.text.size() - (other + 1)) % 2 != 0)
+      fail("ends in a backslash, which takes a char behind it");
     node.patterns.emplace_back(token_.text);
     take();
   }

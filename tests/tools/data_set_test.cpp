@@ -288,6 +288,7 @@ TEST_F(WhereTest, comparesValues) {
 TEST_F(WhereTest, comparesPositions) {
   EXPECT_EQ(years("i = \"A*0\" or i = 'a*6'"), "06");
   EXPECT_EQ(years("i = \"a\\*1\""), "1");
+  EXPECT_EQ(years("i in ('\\\\', 'a0')"), "0");  // a backslash, as it stands
   EXPECT_EQ(years("2 = 2021"), "1");
   EXPECT_EQ(years("year >= 2026"), "67");
   EXPECT_EQ(years("year in (2020, \"*7\")"), "07");
@@ -323,6 +324,7 @@ TEST_F(WhereTest, tellsWhereAConditionIsWrong) {
   fails("i = \"Milk", "column 5: the quote that opens here is never closed");
   fails("i not = 3", "column 7: expected in");
   fails("i = \"a\\\"", "column 5: ends in a backslash, which takes a char behind it");
+  fails("i = '\\\\\\'", "column 5: ends in a backslash, which takes a char behind it");
   fails("i = ,", "column 5: expected a label");
   fails("nothing = 3",
         "no symbol of a.rxf has all fields and positions that it names, such as 'nothing'");
@@ -349,10 +351,11 @@ class AggregateTest : public ProgramTest {
     const double inf = std::numeric_limits<double>::infinity();
     const double eps = std::numeric_limits<double>::denorm_min();
     const double undef = 1e300;
-    const std::vector<std::vector<double>> cases{{1, na},    {na, undef}, {inf, 2}, {inf, -inf},
-                                                 {eps, eps}, {eps, 3},    {0, eps}};
+    const std::vector<std::vector<double>> cases{{1, na},     {na, undef},    {inf, 2},
+                                                 {inf, -inf}, {eps, eps},     {eps, 3},
+                                                 {0, eps},    {inf, -inf, na}};
     for (std::size_t number = 0; number < cases.size(); ++number) {
-      for (std::size_t at = 0; at < 2; ++at) {
+      for (std::size_t at = 0; at < cases[number].size(); ++at) {
         s.add("c" + std::to_string(number), std::to_string(at)).setLevel(cases[number][at]);
       }
     }
@@ -385,16 +388,16 @@ TEST_F(AggregateTest, knowsMeanMinMaxAndCount) {
 
 TEST_F(AggregateTest, hasRulesForSpecialValues) {
   EXPECT_EQ(csv({"s", "--by", "case", "--sum"}),
-            "case,value\nc0,na\nc1,undef\nc2,inf\nc3,undef\nc4,eps\nc5,3\nc6,0\n");
+            "case,value\nc0,na\nc1,undef\nc2,inf\nc3,undef\nc4,eps\nc5,3\nc6,0\nc7,na\n");
   EXPECT_EQ(csv({"s", "--by", "case", "--min"}),
-            "case,value\nc0,na\nc1,undef\nc2,2\nc3,-inf\nc4,eps\nc5,eps\nc6,0\n");
+            "case,value\nc0,na\nc1,undef\nc2,2\nc3,-inf\nc4,eps\nc5,eps\nc6,0\nc7,na\n");
   EXPECT_EQ(csv({"s", "--by", "case", "--max", "--skip-na"}),
-            "case,value\nc0,1\nc1,undef\nc2,inf\nc3,inf\nc4,eps\nc5,3\nc6,eps\n");
+            "case,value\nc0,1\nc1,undef\nc2,inf\nc3,inf\nc4,eps\nc5,3\nc6,eps\nc7,inf\n");
 }
 
 TEST_F(AggregateTest, makesAFile) {
   EXPECT_EQ(ztbFine({"aggregate", "a.rxf", "p", "--by", "i", "--sum", "--out", "b.rxf"}),
-            "b.rxf: 2 symbols, 14 labels, 4 records\n");
+            "b.rxf: 2 symbols, 16 labels, 4 records\n");
   const ztb::RxfFile file(path("b.rxf"));
   EXPECT_EQ(file["p_sum"].text, "sum of p(i, j)");
   EXPECT_EQ(file["p_sum"].domains, std::vector<std::string_view>{"i"});
@@ -429,11 +432,12 @@ TEST_F(AggregateTest, showSortsByAValue) {
             "i,j,value\na,w,-1e+16\nb,v,-3\nb,w,0.5\na,v,1\na,u,1e+16\n");
   EXPECT_EQ(sorted({"p", "--sort", "value", "--descending", "--head", "2"}),
             "i,j,value\na,u,1e+16\na,v,1\n");
-  EXPECT_EQ(
-      sorted({"s", "--sort", "value", "--slice", "*,1"}),
-      "case,dim_2,value\nc3,1,-inf\nc4,1,eps\nc6,1,eps\nc2,1,2\nc5,1,3\nc1,1,undef\nc0,1,na\n");
+  EXPECT_EQ(sorted({"s", "--sort", "value", "--slice", "*,1"}),
+            "case,dim_2,value\nc3,1,-inf\nc7,1,-inf\nc4,1,eps\nc6,1,eps\nc2,1,2\nc5,1,3\nc1,1,"
+            "undef\nc0,1,na\n");
   EXPECT_EQ(sorted({"s", "--sort", "value", "--descending", "--slice", "*,0"}),
-            "case,dim_2,value\nc2,0,inf\nc3,0,inf\nc0,0,1\nc4,0,eps\nc5,0,eps\nc6,0,0\nc1,0,na\n");
+            "case,dim_2,value\nc2,0,inf\nc3,0,inf\nc7,0,inf\nc0,0,1\nc4,0,eps\nc5,0,eps\nc6,0,"
+            "0\nc1,0,na\n");
   EXPECT_EQ(sorted({"x", "--sort", "upper", "--descending", "--field", "upper"}),
             "i,upper\nb,6\na,4\n");
   expectFails(2, "ztb: --sort level: p(i, j) is a parameter, whose values are value\n",
