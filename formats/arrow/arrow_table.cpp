@@ -60,7 +60,10 @@ void ArrowTable::requireSuccess(int result) {
 
 std::optional<ColumnType> ArrowTable::contentType(std::size_t column) const {
   const ArrowSchema& schema = *schema_.children[column];
-  return columnTypeOf(schema.dictionary == nullptr ? schema.format : schema.dictionary->format);
+  if (schema.dictionary == nullptr) return columnTypeOf(schema.format);
+  // No entries of entries.
+  return schema.dictionary->dictionary == nullptr ? columnTypeOf(schema.dictionary->format)
+                                                  : std::nullopt;
 }
 
 bool ArrowTable::canBeLabel(std::size_t column) const {
@@ -76,10 +79,13 @@ bool ArrowTable::isNumber(std::size_t column) const {
 void ArrowTable::checkTypes(const ColumnPlan& plan) const {
   const auto refuse = [&](std::size_t column, const char* expected) {
     const ArrowSchema& schema = *schema_.children[column];
-    failTable(fmt::format(
-        "column {}: is {}{}, expected {}", names_[column],
-        schema.dictionary == nullptr ? "" : "a dictionary of ",
-        columnTypeText(schema.dictionary == nullptr ? schema : *schema.dictionary), expected));
+    failTable(fmt::format("column {}: is {}{}, expected {}", names_[column],
+                          schema.dictionary == nullptr ? "" : "a dictionary of ",
+                          schema.dictionary == nullptr ? columnTypeText(schema)
+                          : schema.dictionary->dictionary == nullptr
+                              ? columnTypeText(*schema.dictionary)
+                              : "dictionaries",
+                          expected));
   };
   for (const std::size_t column : plan.keys) {
     if (!canBeLabel(column)) refuse(column, "labels: texts, whole numbers or dates");
@@ -98,10 +104,23 @@ bool ArrowTable::nextBatch(ArrowArray& batch) {
   if (batch.n_children != schema_.n_children || batch.length < 0 || batch.offset < 0) {
     failTable("the stream is damaged: a batch has not the columns of its schema");
   }
-  if (batch.null_count > 0) {
-    failTable(fmt::format("row {}: a row cannot be null", rows_.rowCount));
-  }
+  refuseNullRows(batch);
   return true;
+}
+
+// Where nobody has counted them, the marks tell.
+void ArrowTable::refuseNullRows(const ArrowArray& batch) const {
+  const auto* marks = batch.n_buffers < 1 || batch.null_count == 0
+                          ? nullptr
+                          : static_cast<const std::uint8_t*>(batch.buffers[0]);
+  if (marks == nullptr && batch.null_count <= 0) return;
+  for (std::int64_t row = 0; row < batch.length; ++row) {
+    const std::int64_t bit = batch.offset + row;
+    if (marks == nullptr || (marks[bit / 8] >> (bit % 8) & 1U) == 0) {
+      failTable(fmt::format("row {}: a row cannot be null",
+                            rows_.rowCount + static_cast<std::size_t>(row)));
+    }
+  }
 }
 
 void ArrowTable::read(const ColumnPlan& plan) {

@@ -47,6 +47,7 @@ class ArrowTable {
   [[nodiscard]] std::optional<ColumnType> contentType(std::size_t column) const;
   void requireSuccess(int result);
   bool nextBatch(ArrowArray& batch);
+  void refuseNullRows(const ArrowArray& batch) const;
   void readBatch(const ColumnPlan& plan, const ArrowArray& batch);
   // Calls take(row, text) for each row of a column of labels or texts, where a null gives nothing.
   template <class Take>

@@ -104,25 +104,37 @@ void NewLabels::add() const {
 ColumnRecords::ColumnRecords(ztbRec* database, ztb::Type type, const ColumnTable& table,
                              const NumberPlan& plan)
     : labels_(database), table_(table.keys.size(), slotsOf(type)) {
-  std::vector<std::vector<int>> numbers;
-  for (const LabelColumn& key : table.keys) {
-    std::vector<int>& known = numbers.emplace_back();
-    for (const std::string& label : key.labels()) known.push_back(labels_.number(label));
-  }
   if (plan.nulls == ZTB_ARROW_NULLS_REFUSED) refuseNulls(table, plan);
   const double na = notAvailable(database);
-  std::vector<int> keys(numbers.size());
   for (std::size_t row = 0; row < table.rowCount; ++row) {
+    FieldValues values{};
+    if (readRow(table, plan, row, na, values)) rows_.push_back(row);
+  }
+  const std::vector<std::vector<int>> numbers = numbersOf(table);
+  std::vector<int> keys(numbers.size());
+  for (const std::size_t row : rows_) {
     FieldValues values = plan.others;
-    if (!readRow(table, plan, row, na, values)) continue;
+    readRow(table, plan, row, na, values);
     for (std::size_t key = 0; key < keys.size(); ++key) {
       keys[key] = numbers[key][static_cast<std::size_t>(table.keys[key].rows[row])];
     }
     table_.add(keys, std::span(values).first(slotsOf(type)), textAt(table, row));
-    rows_.push_back(row);
   }
   order_ = table_.order();
   refuseDuplicates(table);
+}
+
+// For each position the numbers of the labels, 0 for one of rows alone that make no record.
+std::vector<std::vector<int>> ColumnRecords::numbersOf(const ColumnTable& table) {
+  std::vector<std::vector<int>> numbers;
+  for (const LabelColumn& key : table.keys) {
+    std::vector<int>& known = numbers.emplace_back(key.labels().size(), 0);
+    for (const std::size_t row : rows_) {
+      const auto place = static_cast<std::size_t>(key.rows[row]);
+      if (known[place] == 0) known[place] = labels_.number(key.labels()[place]);
+    }
+  }
+  return numbers;
 }
 
 void ColumnRecords::storeIn(ztb::Symbol symbol) const {

@@ -57,6 +57,7 @@ class ColumnRecords {
   [[nodiscard]] std::size_t count() const { return rows_.size(); }
 
  private:
+  std::vector<std::vector<int>> numbersOf(const ColumnTable& table);
   void refuseDuplicates(const ColumnTable& table) const;
 
   NewLabels labels_;

@@ -353,6 +353,8 @@ struct HandMade::State {
   std::size_t next = 0;
   std::int64_t first = 0;
   std::int64_t count = -1;
+  std::uint8_t marks = 0xFF;  // of the first eight rows
+  std::int64_t nullCount = 0;
   std::string failure;
 };
 
@@ -384,6 +386,8 @@ HandMade::HandMade() : state_(std::make_shared<State>()) {
     const bool sliced = state.next++ == 0 && state.count >= 0;
     out->length = sliced ? state.count : columns.empty() ? 0 : columns.front().length;
     out->offset = sliced ? state.first : 0;
+    if (state.marks != 0xFF) parts->buffers = {&state.marks};
+    out->null_count = state.nullCount;
     out->n_buffers = 1;
     out->buffers = parts->buffers.data();
     out->n_children = static_cast<std::int64_t>(parts->pointers.size());
@@ -413,6 +417,11 @@ HandMade& HandMade::add(Column column) {
 void HandMade::slice(std::int64_t first, std::int64_t count) {
   state_->first = first;
   state_->count = count;
+}
+
+void HandMade::nullRow(std::size_t row, std::int64_t count) {
+  state_->marks = static_cast<std::uint8_t>(~(1U << row));
+  state_->nullCount = count;
 }
 
 void HandMade::addBatch(std::vector<Column> columns) {

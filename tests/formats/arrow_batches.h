@@ -81,6 +81,9 @@ class HandMade {
   HandMade& add(Column column);
   // Of the first batch, only these rows.
   void slice(std::int64_t first, std::int64_t count);
+  // Marks a row of the first batch, before slicing, as null, of which it tells so many; -1 for not
+  // counted.
+  void nullRow(std::size_t row, std::int64_t count);
   // Another batch, with the columns of the first.
   void addBatch(std::vector<Column> columns);
   // The stream then fails with this text where it would end.

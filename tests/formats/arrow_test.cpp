@@ -441,6 +441,7 @@ TEST_P(ArrowFill, TakesNullsByChoice) {
   withNull(skipped);
   ASSERT_EQ(fill(p, skipped, ZTB_ARROW_NULLS_SKIPPED), "");
   EXPECT_EQ(p.recordCount(), 1);
+  EXPECT_THAT(labelsOf(database_), ElementsAre("a"));
   HandMade taken;
   withNull(taken);
   ASSERT_EQ(fill(p, taken, ZTB_ARROW_NULLS_AS_NA), "");
@@ -491,6 +492,11 @@ TEST_P(ArrowFill, RefusesWithTheNameOfTheColumnAndKeepsAll) {
             "column v: is a dictionary of texts, expected numbers");
   EXPECT_EQ(refusal({Column::texts("i", {"a"}), Column::decimals("v", {1})}),
             "column v: is decimal numbers, expected numbers");
+  Column outer = Column::dictionary("i", {"a"}, {0});
+  outer.entries = std::make_shared<Column>(Column::dictionary("", {"a"}, {0}));
+  EXPECT_EQ(refusal({outer, Column::doubles("v", {1})}),
+            "column i: is a dictionary of dictionaries, expected labels: texts, whole numbers or "
+            "dates");
   EXPECT_EQ(refusal({Column::texts("i", {"new", "NEW "}), Column::doubles("v", {1, 2})}),
             "row 1: another row, 0, has the same labels (\"new\")");
   EXPECT_EQ(refusal({Column::texts("i", {"new"}, {true}), Column::doubles("v", {1})}),
@@ -512,6 +518,23 @@ TEST_P(ArrowFill, RefusesWithTheNameOfTheColumnAndKeepsAll) {
   EXPECT_EQ(p.recordCount(), 1);
   EXPECT_EQ(p.find("kept")->level(), 1);
   EXPECT_THAT(labelsOf(database_), ElementsAre("kept"));
+}
+
+TEST_P(ArrowFill, RefusesRowsThatAreNull) {
+  ztb::Symbol p = database_.addParameter("p", {"*"});
+  for (const std::int64_t count : {std::int64_t{1}, std::int64_t{-1}}) {
+    HandMade data;
+    data.add(Column::texts("i", {"a", "b", "c"})).add(Column::doubles("v", {1, 2, 3}));
+    data.slice(1, 2);
+    data.nullRow(2, count);
+    EXPECT_EQ(fill(p, data), "row 1: a row cannot be null");
+  }
+  HandMade data;
+  data.add(Column::texts("i", {"a", "b", "c"})).add(Column::doubles("v", {1, 2, 3}));
+  data.slice(1, 2);
+  data.nullRow(0, -1);
+  EXPECT_EQ(fill(p, data), "");
+  EXPECT_EQ(p.recordCount(), 2);
 }
 
 TEST_P(ArrowFill, TellsWhatTheStreamTells) {
