@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <array>
+#include <charconv>
 #include <chrono>
 #include <cmath>
 #include <cstring>
@@ -32,10 +33,59 @@ double halfOf(std::uint16_t bits) {
   return (bits & 0x8000U) != 0 ? -value : value;
 }
 
+// The nearest double to a decimal: a whole number of so many bytes, least ones first, over ten to
+// the power of the scale.
+double decimalOf(const std::uint8_t* bytes, std::size_t count, int scale) {
+  constexpr std::size_t mostWords = 8;
+  constexpr std::uint64_t billion = 1000000000;
+  std::array<std::uint32_t, mostWords> words{};
+  std::memcpy(words.data(), bytes, count);
+  const bool isNegative = (bytes[count - 1] & 0x80U) != 0;
+  const std::size_t used = count / sizeof words[0];
+  for (std::size_t word = 0, carry = 1; isNegative && word < used; ++word) {
+    words[word] = ~words[word] + static_cast<std::uint32_t>(carry);
+    carry = carry != 0 && words[word] == 0 ? 1 : 0;
+  }
+  std::string digits;  // those of each billion in front of the ones before
+  for (bool more = true; more;) {
+    std::uint64_t rest = 0;
+    more = false;
+    for (std::size_t word = used; word-- > 0;) {
+      rest = rest << 32U | words[word];
+      words[word] = static_cast<std::uint32_t>(rest / billion);
+      rest %= billion;
+      more = more || words[word] != 0;
+    }
+    digits.insert(0, fmt::format("{:09}", rest));
+  }
+  const std::string text = fmt::format("{}{}e{}", isNegative ? "-" : "", digits, -scale);
+  double value = 0;
+  std::from_chars(text.data(), text.data() + text.size(), value);
+  return value;
+}
+
+// A time of day as ISO has it, with six or nine digits behind the second where there are some.
+std::string timeTextOf(std::int64_t units, std::int64_t unitsOfSecond) {
+  const std::int64_t seconds = units / unitsOfSecond;
+  const std::int64_t nanoseconds = units % unitsOfSecond * (1000000000 / unitsOfSecond);
+  std::string text =
+      fmt::format("{:02}:{:02}:{:02}", seconds / 3600, seconds / 60 % 60, seconds % 60);
+  if (nanoseconds % 1000 != 0) {
+    text += fmt::format(".{:09}", nanoseconds);
+  } else if (nanoseconds != 0) {
+    text += fmt::format(".{:06}", nanoseconds / 1000);
+  }
+  return text;
+}
+
 // The days and time of day that a date tells, as labels have them: the ISO date at midnight without
-// a time zone, else with the time, whose digits behind the second are none, six or nine.
+// a time zone, else with the time. Empty for what no calendar or clock has.
 std::string isoTextOf(std::int64_t value, const ColumnType& type) {
   constexpr std::int64_t secondsOfDay = 86400;
+  if (type.kind == ColumnClass::time) {
+    const bool isOfDay = value >= 0 && value <= secondsOfDay * type.unitsOfSecond;
+    return isOfDay ? timeTextOf(value, type.unitsOfSecond) : std::string();
+  }
   const std::int64_t units = type.unitsOfSecond == 0 ? 1 : secondsOfDay * type.unitsOfSecond;
   std::int64_t day = value / units;
   std::int64_t rest = value % units;
@@ -52,15 +102,7 @@ std::string isoTextOf(std::int64_t value, const ColumnType& type) {
       fmt::format("{:04}-{:02}-{:02}", static_cast<int>(date.year()),
                   static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()));
   if (rest == 0 && type.zone.empty()) return text;
-  const std::int64_t seconds = rest / type.unitsOfSecond;
-  const std::int64_t nanoseconds = rest % type.unitsOfSecond * (1000000000 / type.unitsOfSecond);
-  text += fmt::format("T{:02}:{:02}:{:02}", seconds / 3600, seconds / 60 % 60, seconds % 60);
-  if (nanoseconds % 1000 != 0) {
-    text += fmt::format(".{:09}", nanoseconds);
-  } else if (nanoseconds != 0) {
-    text += fmt::format(".{:06}", nanoseconds / 1000);
-  }
-  return text + std::string(type.zone);
+  return text + 'T' + timeTextOf(rest, type.unitsOfSecond) + std::string(type.zone);
 }
 
 }  // namespace
@@ -132,8 +174,12 @@ std::string_view ColumnCells::label(std::size_t cell, std::string& room) const {
       room = std::to_string(unsignedWhole(cell));
       return room;
     case ColumnClass::date:
+    case ColumnClass::time:
       room = isoTextOf(whole(cell), type_);
-      if (room.empty()) failCell(cell, "a date beyond all calendars");
+      if (room.empty()) {
+        failCell(cell, type_.kind == ColumnClass::time ? "a time that no day has"
+                                                       : "a date beyond all calendars");
+      }
       return room;
     default:
       return type_.width == 0 ? view(cell) : text(cell);
@@ -199,6 +245,11 @@ double ColumnCells::number(std::size_t cell) const {
         failCell(cell, fmt::format("no double is {}", value));
       }
       return result;
+    }
+    case ColumnClass::decimal: {
+      const auto width = static_cast<std::size_t>(type_.width);
+      return decimalOf(static_cast<const std::uint8_t*>(data_) + at(cell) * width, width,
+                       type_.scale);
     }
     default:
       return type_.width == 2   ? halfOf(read<std::uint16_t>(cell))

@@ -1,8 +1,11 @@
 #include "formats/arrow/column_type.h"
 
 #include <array>
+#include <charconv>
+#include <cstdlib>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 namespace formats {
 
@@ -32,6 +35,10 @@ constexpr std::array plainTypes{
     PlainType{"vu", {.kind = ColumnClass::text}},
     PlainType{"tdD", {.kind = ColumnClass::date, .width = 4}},
     PlainType{"tdm", {.kind = ColumnClass::date, .width = 8, .unitsOfSecond = 1000}},
+    PlainType{"tts", {.kind = ColumnClass::time, .width = 4, .unitsOfSecond = 1}},
+    PlainType{"ttm", {.kind = ColumnClass::time, .width = 4, .unitsOfSecond = 1000}},
+    PlainType{"ttu", {.kind = ColumnClass::time, .width = 8, .unitsOfSecond = 1000000}},
+    PlainType{"ttn", {.kind = ColumnClass::time, .width = 8, .unitsOfSecond = 1000000000}},
 };
 
 // "tss:" to "tsn:", with the time zone behind.
@@ -51,6 +58,29 @@ std::optional<ColumnType> timestampOf(std::string_view format) {
     }
   }
   return std::nullopt;
+}
+
+// "d:19,10": digits, those behind the point, and bits, where these are not 128.
+std::optional<ColumnType> decimalOf(std::string_view format) {
+  if (!format.starts_with("d:")) return std::nullopt;
+  std::vector<int> numbers;
+  bool more = true;
+  for (format.remove_prefix(2); more;) {
+    const auto [end, error] =
+        std::from_chars(format.data(), format.data() + format.size(), numbers.emplace_back());
+    if (error != std::errc()) return std::nullopt;
+    format.remove_prefix(static_cast<std::size_t>(end - format.data()));
+    more = format.starts_with(',');
+    format.remove_prefix(more ? 1 : 0);
+  }
+  constexpr int mostDigits = 256;  // more than decimals of any width have
+  const int bits = numbers.size() == 3 ? numbers[2] : 128;
+  const bool isKnown = bits == 32 || bits == 64 || bits == 128 || bits == 256;
+  if (!format.empty() || numbers.size() < 2 || numbers.size() > 3 || !isKnown ||
+      std::abs(numbers[1]) > mostDigits) {
+    return std::nullopt;
+  }
+  return ColumnType{.kind = ColumnClass::decimal, .width = bits / 8, .scale = numbers[1]};
 }
 
 std::string_view wordOf(std::string_view format) {
@@ -82,7 +112,8 @@ std::optional<ColumnType> columnTypeOf(const char* format) {
   for (const PlainType& plain : plainTypes) {
     if (plain.format == format) return plain.type;
   }
-  return timestampOf(format);
+  const std::optional<ColumnType> decimal = decimalOf(format);
+  return decimal ? decimal : timestampOf(format);
 }
 
 std::string columnTypeText(const ArrowSchema& schema) {
@@ -102,8 +133,12 @@ std::string columnTypeText(const ArrowSchema& schema) {
       return "whole numbers";
     case ColumnClass::real:
       return "numbers";
+    case ColumnClass::decimal:
+      return "decimal numbers";
     case ColumnClass::text:
       return "texts";
+    case ColumnClass::time:
+      return "times of day";
     default:
       return "dates";
   }

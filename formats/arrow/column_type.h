@@ -11,20 +11,22 @@
 
 namespace formats {
 
-enum class ColumnClass { null, truth, integer, unsignedInteger, real, text, date };
+enum class ColumnClass { null, truth, integer, unsignedInteger, real, decimal, text, date, time };
 
 struct ColumnType {
   ColumnClass kind = ColumnClass::null;
   // Bytes of a value, or of an offset of a text; 0 for truth values and views of texts.
   int width = 0;
-  // Of dates: units in a second, 0 where the unit is a day; and what stands behind an ISO text for
-  // the time zone.
+  // Of dates and times of day: units in a second, 0 where the unit is a day; and what stands behind
+  // an ISO text for the time zone.
   std::int64_t unitsOfSecond = 0;
   std::string_view zone{};
+  // Of decimals: digits behind the point.
+  int scale = 0;
 
   [[nodiscard]] bool canBeLabel() const {
     return kind == ColumnClass::integer || kind == ColumnClass::unsignedInteger ||
-           kind == ColumnClass::text || kind == ColumnClass::date;
+           kind >= ColumnClass::text;
   }
   [[nodiscard]] bool isNumber() const { return kind < ColumnClass::text; }
 };

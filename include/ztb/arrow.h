@@ -144,9 +144,9 @@ typedef struct ztbArrowImportOptions {
  * tells is as a new record has it.
  *
  * Labels are utf8, large utf8, utf8 views, whole numbers, dates and times of day, in ISO form, or
- * dictionaries of these; values are numbers and truth values. A label that the database does not
- * have is added, in the order in which records first name it, position by position. On failure
- * nothing has changed. */
+ * dictionaries of these; values are numbers, decimals, as the nearest doubles, and truth values.
+ * A label that the database does not have is added, in the order in which records first name it,
+ * position by position. On failure nothing has changed. */
 int ztbArrowFill(ztbRec* database, void* symbol, struct ArrowArrayStream* stream,
                  const ztbArrowImportOptions* options, char* message, int messageSize);
 

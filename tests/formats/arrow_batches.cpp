@@ -344,8 +344,13 @@ Column Column::lists(std::string name, const std::vector<std::int32_t>& lengths)
   return plain(std::move(name), "+l", lengths);
 }
 
-Column Column::decimals(std::string name, const std::vector<std::int64_t>& values) {
-  return plain(std::move(name), "d:10,2", values);
+Column Column::decimals(std::string name, std::string format,
+                        const std::vector<std::vector<std::uint64_t>>& values) {
+  std::vector<std::uint64_t> words;
+  for (const auto& value : values) words.insert(words.end(), value.begin(), value.end());
+  Column column = plain(std::move(name), std::move(format), words);
+  column.length = static_cast<std::int64_t>(values.size());
+  return column;
 }
 
 struct HandMade::State {

@@ -58,7 +58,9 @@ struct Column {
   static Column times(std::string name, std::string format, const std::vector<std::int64_t>& units);
   static Column truths(std::string name, const std::vector<bool>& values);
   static Column lists(std::string name, const std::vector<std::int32_t>& lengths);
-  static Column decimals(std::string name, const std::vector<std::int64_t>& values);
+  // Of 64 bits for each word of a value, the least ones first.
+  static Column decimals(std::string name, std::string format,
+                         const std::vector<std::vector<std::uint64_t>>& values);
 
   std::string name;
   std::string format;

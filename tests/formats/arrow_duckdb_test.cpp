@@ -280,6 +280,21 @@ TEST_F(ArrowDuckdbTest, MakesSymbolsOfQueries) {
   EXPECT_FALSE(some.find("1").has_value());
 }
 
+// Literals with a point are decimals here, sums of whole numbers too, and times are of their own.
+TEST_F(ArrowDuckdbTest, MakesSymbolsOfDecimalsAndTimes) {
+  const ztb::Symbol sums = made(
+      "select i % 2 as odd, sum(i::integer) as value from range(101) r(i) group by 1 order by 1",
+      "sums");
+  EXPECT_EQ(sums.find("0")->level(), 2550);
+  EXPECT_EQ(sums.find("1")->level(), 2500);
+  const ztb::Symbol costs = made(
+      "select time '12:34:56.5' as at, -1234.56 as value union all "
+      "select time '00:00:00', 99999999999999999999.125",
+      "costs");
+  EXPECT_EQ(costs.find("12:34:56.500000")->level(), -1234.56);
+  EXPECT_EQ(costs.find("00:00:00")->level(), 1e20);
+}
+
 TEST_F(ArrowDuckdbTest, GoesOutAndComesBackTheSame) {
   ztb::Symbol before = database_.addParameter("before", {"*", "*"});
   for (int record = 0; record < 3000; ++record) {

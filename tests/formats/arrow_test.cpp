@@ -393,6 +393,46 @@ TEST_P(ArrowFill, TakesTimesAsIsoTexts) {
                                                "1969-12-31T23:59:59.999000+00:00"));
 }
 
+TEST_P(ArrowFill, TakesTimesOfDayAsIsoTexts) {
+  ztb::Symbol s = database_.addSet("s", {"*"});
+  HandMade data;
+  data.add(Column::times("t", "ttu", {0, 45'296'500'000, 86'399'999'999}));
+  ASSERT_EQ(fill(s, data), "");
+  ztb::Symbol z = database_.addSet("z", {"*"});
+  HandMade fine;
+  fine.add(Column::times("t", "ttn", {1}));
+  ASSERT_EQ(fill(z, fine), "");
+  HandMade coarse;
+  Column clock = Column::days("t", {3661});  // of 32 bits, too
+  clock.format = "tts";
+  coarse.add(clock);
+  ASSERT_EQ(fill(z, coarse), "");
+  EXPECT_THAT(labelsOf(database_), ElementsAre("00:00:00", "12:34:56.500000", "23:59:59.999999",
+                                               "00:00:00.000000001", "01:01:01"));
+}
+
+TEST_P(ArrowFill, TakesDecimalsAsTheNearestDoubles) {
+  ztb::Symbol x = database_.addVariable("x", 3, {"*"});
+  constexpr std::uint64_t minus = ~std::uint64_t{0};
+  constexpr std::uint64_t top = std::uint64_t{1} << 63U;
+  HandMade data;
+  data.add(Column::texts("label", {"i", "j", "k"}))
+      .add(Column::decimals("level", "d:38,2", {{123, 0}, {minus, minus}, {0, top}}))
+      .add(Column::decimals("marginal", "d:18,3,64", {{1001}, {0}, {minus - 999}}))
+      .add(Column::decimals("lower", "d:38,-2", {{5, 0}, {minus - 6, minus}, {0, 1}}))
+      .add(Column::decimals("upper", "d:76,20,256",
+                            {{0, 0, 1, 0}, {minus, minus, minus, minus}, {0, 0, 0, top}}));
+  ASSERT_EQ(fill(x, data), "");
+  const auto fields = [&](const char* label) {
+    const ztb::Record record = *x.find(label);
+    return std::vector{record.level(), record.marginal(), record.lower(), record.upper()};
+  };
+  EXPECT_THAT(fields("i"), ElementsAre(1.23, 1.001, 500, 3.4028236692093844e18));
+  EXPECT_THAT(fields("j"), ElementsAre(-0.01, 0, -700, -1e-20));
+  EXPECT_THAT(fields("k"), ElementsAre(-1.7014118346046924e36, -1, 1844674407370955161600.0,
+                                       -5.7896044618658095e56));
+}
+
 TEST_P(ArrowFill, TakesDictionariesSlicesAndBatches) {
   ztb::Symbol p = database_.addParameter("p", {"*"});
   HandMade data;
@@ -490,8 +530,16 @@ TEST_P(ArrowFill, RefusesWithTheNameOfTheColumnAndKeepsAll) {
             "column v: is texts, expected numbers");
   EXPECT_EQ(refusal({Column::texts("i", {"a"}), Column::dictionary("v", {"1"}, {0})}),
             "column v: is a dictionary of texts, expected numbers");
-  EXPECT_EQ(refusal({Column::texts("i", {"a"}), Column::decimals("v", {1})}),
-            "column v: is decimal numbers, expected numbers");
+  EXPECT_EQ(refusal({Column::decimals("i", "d:10,2", {{1, 0}}), Column::doubles("v", {1})}),
+            "column i: is decimal numbers, expected labels: texts, whole numbers or dates");
+  for (const char* odd :
+       {"d:10", "d:10,", "d:10,2,", "d:10,2,100", "d:10,2,128,", "d:,2", "d:9,x"}) {
+    EXPECT_EQ(refusal({Column::texts("i", {"a"}), Column::decimals("v", odd, {{1, 0}})}),
+              "column v: is decimal numbers, expected numbers")
+        << odd;
+  }
+  EXPECT_EQ(refusal({Column::times("i", "ttu", {-1}), Column::doubles("v", {1})}),
+            "column i, row 0: a time that no day has");
   Column outer = Column::dictionary("i", {"a"}, {0});
   outer.entries = std::make_shared<Column>(Column::dictionary("", {"a"}, {0}));
   EXPECT_EQ(refusal({outer, Column::doubles("v", {1})}),
