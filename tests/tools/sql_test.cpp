@@ -103,6 +103,16 @@ TEST_F(SqlTest, MakesASymbolOfTheRows) {
   EXPECT_EQ(nulls.errors,
             "ztb: warning: p2: 1 null is na: in SQL undef, na and any other NaN are null\n");
   EXPECT_EQ(ztbFine({"show", "new.rxf", "p2", "--csv"}), "food,value\nMilk,11.5\nTofu,na\n");
+  const tooltest::Outcome rounded =
+      ztb({"sql", "diet.rxf",
+           "with v(k, v) as (values ('a', 9007199254740992), ('b', 9007199254740993), "
+           "('c', 9223372036854775807), ('d', -9223372036854775807 - 1)) select * from v",
+           "--into", "p3(k) = v", "--out", "new.rxf"});
+  EXPECT_EQ(rounded.errors,
+            "ztb: warning: p3: 2 whole numbers are no double, the nearest one is taken\n");
+  EXPECT_EQ(ztbFine({"show", "new.rxf", "p3", "--csv"}),
+            "k,value\na,9007199254740992\nb,9007199254740992\nc,9223372036854775808\n"
+            "d,-9223372036854775808\n");
   // Columns of labels alone make a set; the file may be the one that is read.
   EXPECT_EQ(sql({"select distinct dim_2 as nutrient from holds", "--into",
                  "nutrient(nutrient in *)", "--out", "diet.rxf"}),
@@ -135,6 +145,8 @@ TEST_F(SqlTest, TellsWhatIsWrong) {
   expectFails(
       1, "ztb: --into a(food): row 1: a label is null\n",
       {"sql", "diet.rxf", "select null as food, 1 as a", "--into", "a(food)", "--out", "new.rxf"});
+  expectFails(1, "ztb: --into a(x): row 1: a label is bytes, x'41', no text\n",
+              {"sql", "diet.rxf", "select x'41' as x, 1", "--into", "a(x)", "--out", "new.rxf"});
   expectFails(2,
               "ztb: --into a: '(' and the key columns are expected; a scalar is written with () at "
               "char 2\n",

@@ -187,12 +187,28 @@ ztb::Symbol addSymbol(ztb::Database& database, const formats::SymbolSpec& spec, 
   return database.addSymbol(spec.name, type, domains, spec.text);
 }
 
-// Gives whether the value is a null, which becomes na.
-bool addRecord(const Query& query, const Content& content, ztb::Database& database,
-               ztb::Symbol& symbol, std::vector<std::string>& labels) {
+// Values that became others in the symbol.
+struct Changed {
+  std::size_t nulls = 0;    // now na
+  std::size_t rounded = 0;  // whole numbers that no double is
+};
+
+// Whether a whole number is a double; 2^63 as one is no whole number of 64 bits any more.
+bool isDouble(long long whole) {
+  const auto nearest = static_cast<double>(whole);
+  return nearest < 0x1p63 && static_cast<long long>(nearest) == whole;
+}
+
+void addRecord(const Query& query, const Content& content, ztb::Database& database,
+               ztb::Symbol& symbol, std::vector<std::string>& labels, Changed& changed) {
   for (std::size_t position = 0; position < labels.size(); ++position) {
-    if (query.type(content.keys[position]) == ZTB_SQL_NULL) {
+    const int type = query.type(content.keys[position]);
+    if (type == ZTB_SQL_NULL) {
       throw Failure("a label is null");
+    }
+    if (type == ZTB_SQL_BLOB) {
+      throw Failure(
+          fmt::format("a label is bytes, {}, no text", query.text(content.keys[position], 0)));
     }
     labels[position] = query.text(content.keys[position], 0);
     if (labels[position].find('\0') != std::string::npos) {
@@ -204,7 +220,7 @@ bool addRecord(const Query& query, const Content& content, ztb::Database& databa
   }
   ztb::Record record = symbol.add(labels);
   if (content.value < 0) {
-    return false;
+    return;
   }
   const int type = query.type(content.value);
   if (query.isText(content.value)) {
@@ -212,7 +228,8 @@ bool addRecord(const Query& query, const Content& content, ztb::Database& databa
   }
   record.setLevel(type == ZTB_SQL_NULL ? database.specialValues()[ZTB_NOT_AVAILABLE]
                                        : query.real(content.value));
-  return type == ZTB_SQL_NULL;
+  changed.nulls += type == ZTB_SQL_NULL ? 1 : 0;
+  changed.rounded += type == ZTB_SQL_INTEGER && !isDouble(query.integer(content.value)) ? 1 : 0;
 }
 
 // Writes all of the first file, with the result as one symbol more.
@@ -223,7 +240,7 @@ void writeSymbol(Query& query, const SqlOptions& options) {
   OutputFile output(*options.out);
   ztb::Database database = ztb::Database::open(query.firstFile());
   std::size_t count = 0;
-  std::size_t nulls = 0;
+  Changed changed;
   try {
     ztb::Symbol symbol =
         addSymbol(database, spec, content.value < 0 ? ztb::Type::set : ztb::Type::parameter);
@@ -231,7 +248,7 @@ void writeSymbol(Query& query, const SqlOptions& options) {
     query.walk(RowLimit::none, [&] {
       ++count;
       try {
-        nulls += addRecord(query, content, database, symbol, labels) ? 1 : 0;
+        addRecord(query, content, database, symbol, labels, changed);
       } catch (const std::exception& error) {
         throw Failure(fmt::format("--into {}: row {}: {}", *options.into, count, error.what()));
       }
@@ -243,11 +260,17 @@ void writeSymbol(Query& query, const SqlOptions& options) {
     throw Failure(withFile(output.name(), error.what()));
   }
   output.finish();
-  if (nulls > 0) {
+  if (changed.nulls > 0) {
     printErrors(
         fmt::format("ztb: warning: {}: {} na: in SQL undef, na and any other NaN are null\n",
                     ztb::displayText(spec.name),
-                    nulls == 1 ? "1 null is" : fmt::format("{} nulls are", nulls)));
+                    changed.nulls == 1 ? "1 null is" : fmt::format("{} nulls are", changed.nulls)));
+  }
+  if (changed.rounded > 0) {
+    printErrors(fmt::format(
+        "ztb: warning: {}: {} no double, the nearest one is taken\n", ztb::displayText(spec.name),
+        changed.rounded == 1 ? "1 whole number is"
+                             : fmt::format("{} whole numbers are", changed.rounded)));
   }
   print(fmt::format("{}: {}, {}\n", ztb::displayText(output.name()), ztb::displayText(spec.name),
                     counted(count, "record")));
