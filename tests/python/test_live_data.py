@@ -336,3 +336,36 @@ def test_a_solution_tells_bound_gap_and_times(tie):
 def test_what_drives_nothing_is_told_with_what_does(tie):
     with pytest.raises(KeyError, match="rent drives nothing in the model, what drives it is price"):
         tie["rent"] = 1
+
+
+@pytest.mark.parametrize(
+    "bad",
+    [
+        np.array([1.0, np.nan]),
+        {"x": 1, "y": ztb.NA},
+        pd.Series([1.0, np.nan], index=["x", "y"]),
+        pd.DataFrame({"food": ["x", "y"], "value": [1.0, np.nan]}),
+        {"x": 1, "y": ztb.UNDEF},
+    ],
+    ids=["array", "mapping", "series", "frame", "undefined"],
+)
+def test_refused_data_leave_the_model_as_it_was(tie, bad):
+    """x was at 1 already when y was refused."""
+    with pytest.raises(ztb.Error, match="Bad value"):
+        tie["price"] = bad
+    assert cost(tie) == pytest.approx(9)
+    for price, expected in ({"x": 5.0, "y": 3.0}, 12), ({"y": 1.0}, 4):
+        tie["price"] = price
+        for _ in range(2):
+            with pytest.raises(ztb.Error, match="Bad value"):
+                tie["price"] = bad
+            assert cost(tie) == pytest.approx(expected)
+            assert dict(tie["price"]) == {(label,): value for label, value in price.items()}
+
+
+def test_refused_bounds_leave_the_model_as_it_was(tie):
+    tie.update("buy", [3, 4], "upper")
+    assert cost(tie) == pytest.approx(9)
+    with pytest.raises(ztb.Error, match=r"Bad value nan in buy_data\(y\)"):
+        tie.update("buy", [1, np.nan], "upper")
+    assert cost(tie) == pytest.approx(9)

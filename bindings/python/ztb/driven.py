@@ -10,6 +10,7 @@ import numpy as np
 import numpy.typing as npt
 
 from . import _native, arrays
+from .errors import Error
 from .numeric import Parameter
 from .symbol import Symbol
 
@@ -21,6 +22,9 @@ Numbers = npt.NDArray[np.float64]
 
 #: What stands in front of the equals sign of a statement.
 _STATED = re.compile(r"\s*(\w+)\s*[(\[]([^)\]]*)[)\]]\s*=")
+
+#: A number of this size and beyond is none for a model, but infinity.
+_TOO_LARGE = 1e300
 
 _DOUBLE = np.dtype(np.float64)
 _OBJECT = np.dtype(object)
@@ -207,21 +211,33 @@ class Driven:
         self.keys: Keys = columns.rows()[0]
         self._count = len(self.keys)
         self._labels: Optional[_Labels] = None
+        #: What stands in the model.
+        self._fixed: Tuple[Keys, Numbers] = (self.keys[:0], np.empty(0))
 
     def set(self, data: Any) -> int:
         """Takes data of any kind; the number of records that meet nothing."""
         kind = type(data)
         if kind is np.ndarray:
             if data.dtype is _DOUBLE and data.size == self._count:
-                return self._model.fix(self.columns, self._native, self.keys, data)
+                return self._fix(self.keys, data)
         elif self._labels is not None and kind is self._labels.kind:
             known = self._known(self._labels, data)
             if known is not None:
-                return self._model.fix(self.columns, self._native, *known)
+                return self._fix(*known)
         fill(self.data, data, lambda: self.keys, self._name)
         self._remember(data)
         keys, table = self._native.rows()
-        return self._model.fix(self.columns, self._native, keys, table[:, 0])
+        return self._fix(keys, table[:, 0])
+
+    def _fix(self, keys: Keys, values: Numbers) -> int:
+        """Has the columns stand at values, or where they stood if one is refused."""
+        try:
+            left = self._model.fix(self.columns, self._native, keys, values)
+        except Error:
+            self._model.fix(self.columns, self._native, *self._fixed)
+            raise
+        self._fixed = keys, values.copy()
+        return left
 
     def _known(self, labels: _Labels, data: Any) -> Optional[Tuple[Keys, Numbers]]:
         """Label numbers and values of data with labels that are known; None for others."""
@@ -247,6 +263,16 @@ class Driven:
         columns, column = frames.label_columns(self._native, data)
         unique = getattr(data, "columns", data.index[:0]).is_unique
         self._labels = _Labels(data, columns, column) if unique else None
+
+
+def require_numbers(parameter: Parameter) -> None:
+    """Refuses records that no bound or level of a model can be, before any is written into it."""
+    levels = parameter._native.rows()[1][:, 0]
+    wrong = np.flatnonzero(~(levels < _TOO_LARGE) & (levels != np.inf))
+    if len(wrong):
+        labels = ", ".join(list(parameter)[wrong[0]])
+        place = f"({labels})" if parameter.dimension else ""
+        raise Error(f"Bad value {levels[wrong[0]]:g} in {parameter.name}{place}", "ztbUpdateModelSymbol")
 
 
 def fill(

@@ -23,7 +23,7 @@ import numpy.typing as npt
 
 from . import _native, arguments, arrays, families, fills, matrices
 from .database import Database
-from .driven import Driven, fill, stated_positions, with_positions
+from .driven import Driven, fill, require_numbers, stated_positions, with_positions
 from .errors import Error
 from .families import Data, Expression, Family, Over
 from .matrices import Names
@@ -667,6 +667,7 @@ class Tie:
             values = self._add_parameter(name, symbol.dimension, positions)
             self._updates[symbol.name] = values
         fill(values, data, lambda: symbol._native.rows()[0])
+        require_numbers(values)
         return self._native.update(
             symbol._native, _ACTIONS.index(action), values._native, _MISSING.index(missing)
         )
