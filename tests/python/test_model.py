@@ -509,10 +509,39 @@ def test_other_threads_run_during_a_solve_and_ctrl_c_ends_it(endless):
     """The timer's thread needs the interpreter's lock to send the signal."""
     timer = threading.Timer(0.3, lambda: os.kill(os.getpid(), signal.SIGINT))
     timer.start()
+    assert endless.solution is None
     with pytest.raises(KeyboardInterrupt):
         endless.solve(time_limit=100)
     timer.join()
+    assert endless.solution.solve_status == "terminated"
     assert endless.solve(time_limit=0.1).solve_status == "time limit"
+
+
+def test_a_solve_that_an_exception_ends_leaves_its_best_point_and_bound():
+    """How near five sums can come to their halves at once: nothing chosen misses them by these,
+    and fractions miss nothing, so that 0 bounds it for long."""
+    a = np.random.default_rng(4).integers(1, 100, (5, 50)).astype(float)
+    half = np.floor(a.sum(axis=1) / 2)
+    model = ztb.Model()
+    kinds, things = pd.RangeIndex(5, name="kind"), pd.RangeIndex(50, name="thing")
+    take = model.variable("take", things, kind="binary")
+    over, under = model.variable("over", kinds), model.variable("under", kinds)
+    weight = pd.Series(a.ravel(), index=pd.MultiIndex.from_product([kinds, things]))
+    model.rows("half", kinds, take * weight - over + under, equal=half)
+    model.minimize(over + under)
+
+    def interrupted(state):
+        if np.isfinite(state.objective) and np.isfinite(state.bound):
+            raise KeyboardInterrupt
+
+    with pytest.raises(KeyboardInterrupt):
+        model.solve("glpk", progress=interrupted, every=0)
+    left = model.solution
+    assert (left.status, left.solve_status, left.solver) == ("feasible", "terminated", "glpk")
+    assert 0 < left.objective <= half.sum() and left.bound == pytest.approx(0, abs=1e-6)
+    assert left["over"]["level"].sum() + left["under"]["level"].sum() == pytest.approx(
+        left.objective
+    )
 
 
 def hours_and_room():

@@ -317,6 +317,10 @@ py::tuple Model::solve(const py::str& solver, const py::object& progress, double
     tie.solve(name);
   });
   watch->raise();
+  return left();
+}
+
+py::tuple Model::left() {
   return py::make_tuple(model().status(), model().solveStatus(), model().objective(),
                         model().bound(), model().seconds(), model().processorSeconds(),
                         model().iterations());
@@ -435,6 +439,7 @@ void bindModel(py::module_& module) {
       .def("solve", &Model::solve, py::arg("solver"), py::arg("progress"), py::arg("every"),
            py::arg("options") = std::vector<std::pair<std::string, std::string>>(),
            py::arg("time_limit") = py::none())
+      .def("left", &Model::left)
       .def("field", &Model::field)
       .def("fields", &Model::fields)
       .def("explain", &Model::explain)

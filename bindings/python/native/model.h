@@ -69,6 +69,8 @@ class Model {
   py::tuple solve(const py::str& solver, const py::object& progress, double every,
                   const std::vector<std::pair<std::string, std::string>>& options,
                   const std::optional<std::string>& timeLimit);
+  // The same of the last solve, which an exception of `progress` or Ctrl-C may have ended.
+  py::tuple left();
   // A field of all records of a variable or equation, in their order.
   Values field(const py::str& symbol, int number);
   // All fields, a row for each.

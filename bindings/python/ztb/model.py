@@ -365,6 +365,11 @@ class Model:
         self._native.write(path)
 
     @property
+    def solution(self) -> Optional["Solution"]:
+        """What the last solve left; see :attr:`Tie.solution`."""
+        return None if self._tie is None else self._tie.solution
+
+    @property
     def start_taken(self) -> bool:
         """Whether the last solve began with the levels as a solution, for which
         ``options={"UseStart": 1}`` asked."""
@@ -581,6 +586,8 @@ class Tie:
         self._model = model
         self._native = model._native
         self._tied = False
+        #: What the last solve left, and its solver.
+        self._last: Optional[Tuple[_native.Left, str]] = None
         self._driven: Dict[str, Driven] = {}  # by the names that were used, in any case
         self._updates: Dict[str, Parameter] = {}
         self._indexes: Dict[str, "pd.Index"] = {}
@@ -688,7 +695,8 @@ class Tie:
         ``time_limit`` is in seconds; ``options`` are those of the solver environment, such as
         ``{"RelativeGap": 0.01}``, and stay. ``progress`` is called with a :class:`Progress` about
         every ``every`` seconds, and ends the solve when it gives ``False``. The interpreter's lock
-        is free meanwhile, and Ctrl-C ends the solve. No solution is no error: the status tells.
+        is free meanwhile, and Ctrl-C ends the solve: :attr:`solution` has its best point and bound
+        then. No solution is no error: the status tells.
         """
         if (
             type(solver) is str
@@ -698,7 +706,7 @@ class Tie:
             and every is _EVERY
             and self._tied
         ):
-            return Solution(self._native.solve(solver, None, every), solver, self)
+            return self._solve(solver, None, every)
         if progress is not None and not callable(progress):
             raise TypeError(f"progress={progress!r} cannot be called")
         if every is not _EVERY and not (
@@ -716,14 +724,30 @@ class Tie:
         limit = None if time_limit is None else repr(min(float(time_limit), _LONG))
         name = solver or self._standard_solver()
         told = None if progress is None else lambda *state: progress(Progress(*state))
-        left = self._native.solve(name, told, every, set_now, limit)
-        return Solution(left, name, self)
+        return self._solve(name, told, every, set_now, limit)
+
+    @property
+    def solution(self) -> Optional[Solution]:
+        """What the last solve left, with its best point and bound, also one that Ctrl-C or an
+        exception of ``progress`` ended; ``None`` before the first."""
+        return None if self._last is None else Solution(*self._last, self)
 
     def __repr__(self) -> str:
         driven = ", ".join(dict.fromkeys(one.data.name for one in self._driven.values()))
         return f"<ztb.Tie of {self._model!r}{', driven by ' + driven if driven else ''}>"
 
     # ---- inside ----
+
+    def _solve(self, solver: str, *how: Any) -> Solution:
+        try:
+            left = self._native.solve(solver, *how)
+        except Error:
+            raise  # there was no solve that left something
+        except BaseException:
+            self._last = self._native.left(), solver
+            raise
+        self._last = left, solver
+        return Solution(left, solver, self)
 
     def _standard_solver(self) -> str:
         kind = self._native.updated_kind() if self._driven else self._native.kind()
