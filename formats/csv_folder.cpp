@@ -59,7 +59,8 @@ std::unique_ptr<DatabaseReader> openCsvFolder(const std::string& path) {
 
 void writeCsvFolder(const DatabaseExport& database) {
   const std::string& folder = database.path;
-  beginFolder(manifestPath(folder));
+  beginFolder(manifestPath(folder), filesOf(database, recordsPath),
+              [](const std::string& path) { return std::make_unique<CsvReader>(path, ','); });
   writeLabelFile(folder, database.file);
   std::vector<ManifestEntry> entries;
   for (const tool::FileSymbol* symbol : database.symbols) {

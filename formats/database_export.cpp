@@ -31,6 +31,20 @@ TableHead headOf(const tool::FileSymbol& symbol) {
   return head;
 }
 
+std::vector<FolderFile> filesOf(const DatabaseExport& database,
+                                std::string (*pathOf)(const std::string& folder,
+                                                      const std::string& symbol)) {
+  std::vector<FolderFile> files;
+  for (const tool::FileSymbol* symbol : database.symbols) {
+    if (symbol->isAlias()) continue;
+    files.push_back({.path = pathOf(database.path, symbol->name), .columns = {}});
+    for (const TableColumn& column : headOf(*symbol).columns) {
+      files.back().columns.push_back(column.name);
+    }
+  }
+  return files;
+}
+
 std::size_t writeRecords(TableWriter& writer, const tool::ExchangeFile& file,
                          const tool::FileSymbol& symbol, tool::Progress& progress) {
   CsvWriter* csv = writer.csv();

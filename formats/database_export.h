@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "formats/tables/manifest.h"
 #include "formats/tables/table_writer.h"
 #include "tools/files/exchange_file.h"
 #include "tools/text/progress.h"
@@ -25,6 +26,10 @@ struct DatabaseExport {
 
 // The columns of a symbol's table.
 TableHead headOf(const tool::FileSymbol& symbol);
+// The files of a folder that records go to, whose names `pathOf` tells by folder and symbol.
+std::vector<FolderFile> filesOf(const DatabaseExport& database,
+                                std::string (*pathOf)(const std::string& folder,
+                                                      const std::string& symbol));
 
 // Writes the records of a symbol into the table that was begun; gives their number.
 std::size_t writeRecords(TableWriter& writer, const tool::ExchangeFile& file,

@@ -144,9 +144,13 @@ std::unique_ptr<DatabaseReader> openParquetFolder(const std::string& path) {
 
 void writeParquetFolder(const DatabaseExport& database) {
   // Without DuckDB nothing is touched.
-  DuckdbSession session;
+  const auto opened = std::make_shared<DuckdbSession>();
+  DuckdbSession& session = *opened;
   const std::string& folder = database.path;
-  beginFolder(parquetFile(folder, parquetSymbols));
+  beginFolder(parquetFile(folder, parquetSymbols), filesOf(database, parquetFile),
+              [&](const std::string& path) {
+                return std::make_unique<ParquetReader>(opened, path, true, everyColumn);
+              });
   ParquetWriter manifest(session, parquetFile(folder, parquetSymbols));
   // Numbers of records are a column of its own.
   TableHead head = manifestHead(database.symbols.size());

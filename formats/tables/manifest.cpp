@@ -209,6 +209,25 @@ class ManifestReader {
   bool hasRecords_ = false;
 };
 
+// Whether there is a file that has no such columns, or none that can be read.
+bool isOfOthers(const FolderFile& file,
+                const std::function<std::unique_ptr<TableReader>(const std::string&)>& open) {
+  std::error_code error;
+  const std::filesystem::path path = tool::pathOf(file.path);
+  if (!std::filesystem::is_regular_file(std::filesystem::symlink_status(path, error)) ||
+      std::filesystem::file_size(path, error) == 0) {
+    return false;
+  }
+  bool isOurs = false;
+  ProblemList ignored(0);
+  ignored.attempt([&] {
+    const std::unique_ptr<TableReader> reader = open(file.path);
+    isOurs = reader->next(ignored) &&
+             std::ranges::equal(reader->fields(), file.columns, {}, &TableField::text);
+  });
+  return !isOurs;
+}
+
 }  // namespace
 
 std::string manifestPath(const std::string& folder) {
@@ -223,9 +242,23 @@ std::string recordsPath(const std::string& folder, const std::string& symbol) {
   return nameIn(folder, symbol + ".csv");
 }
 
-void beginFolder(const std::string& manifest) {
+void beginFolder(const std::string& manifest, const std::vector<FolderFile>& files,
+                 const std::function<std::unique_ptr<TableReader>(const std::string&)>& open) {
   const std::filesystem::path file = tool::pathOf(manifest);
   const std::filesystem::path folder = file.parent_path();
+  std::string others;
+  if (!isThere(manifest)) {
+    for (const FolderFile& records : files) {
+      if (isOfOthers(records, open)) others += (others.empty() ? "" : ", ") + records.path;
+    }
+  }
+  if (!others.empty()) {
+    throw tool::Failure(
+        fmt::format("{}: has no {}, and files with other columns that would be lost: {}; give "
+                    "another folder",
+                    tool::nameOf(folder), tool::nameOf(file.filename()), tool::shortened(others)),
+        ZTB_ERROR_REFUSED);
+  }
   std::error_code error;
   std::filesystem::create_directories(folder, error);
   if (!error) {

@@ -16,6 +16,8 @@
 #define ZTB_FORMATS_TABLES_MANIFEST_H_
 
 #include <cstddef>
+#include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -47,9 +49,17 @@ std::string manifestPath(const std::string& folder);
 std::string labelsPath(const std::string& folder);
 std::string recordsPath(const std::string& folder, const std::string& symbol);
 
+// A file of a folder that records go to, with its columns.
+struct FolderFile {
+  std::string path;
+  std::vector<std::string> columns;
+};
+
 // Makes the folder of a table of symbols, and takes an older such table away: it is there again
-// only when everything is.
-void beginFolder(const std::string& manifest);
+// only when everything is. Throws Failure for a folder without one, which no export has made, that
+// has such a file with other columns: it would be lost.
+void beginFolder(const std::string& manifest, const std::vector<FolderFile>& files,
+                 const std::function<std::unique_ptr<TableReader>(const std::string&)>& open);
 
 // The entry of a symbol of a file.
 ManifestEntry describe(const tool::ExchangeFile& file, const tool::FileSymbol& symbol);

@@ -298,6 +298,22 @@ TEST_F(ParquetTest, TellsAllThatIsWrongWithAFolderAtOnce) {
                  "back.rxf: not written: 3 problems in the input"));
 }
 
+TEST_F(ParquetTest, LeavesAFolderWithOtherFilesOfTheNames) {
+  writeFolder();
+  std::filesystem::remove(folder_.file("dir/_symbols.parquet"));
+  writeFolder();
+  std::filesystem::remove(folder_.file("dir/_symbols.parquet"));
+  formats::DuckdbSession session;
+  const std::string price = folder_.file("dir/price.parquet");
+  session.run("copy (select 'Milk' as food, 11 as cents) to '" + price + "' (format parquet)",
+              price);
+  Job out({{"all", ""}, {"to", folder_.file("dir")}, {"format", "parquet"}});
+  EXPECT_FALSE(out.exportFile(rxf()));
+  EXPECT_EQ(out.errors(folder_),
+            "dir: has no _symbols.parquet, and files with other columns that would be lost: "
+            "dir/price.parquet; give another folder");
+}
+
 // Keys of 20 positions are longer than a word, in the order of their rows and in another one.
 TEST_F(ParquetTest, MovesLongKeysInAnyOrder) {
   const std::string file = folder_.file("long.parquet");

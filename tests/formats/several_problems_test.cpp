@@ -52,6 +52,35 @@ class SeveralProblemsTest : public TableTest {
   long long counted_ = 0;
 };
 
+// Files of the user's own in a folder that no export has made.
+TEST_F(SeveralProblemsTest, AFolderWithOtherFilesOfTheNamesStays) {
+  ztb::Database database;
+  ztb::Symbol food = database.addSet("food", {"*"});
+  food.add("Milk");
+  database.addParameter("price", {food}).add("Milk").setLevel(11);
+  std::filesystem::create_directory(folder_.file("own"));
+  const auto exported = [&](const Options& more) {
+    Options options{{"all", ""}, {"to", folder_.file("own")}};
+    options.insert(options.end(), more.begin(), more.end());
+    Job job(options);
+    return job.exportDatabase(database.handle()) ? "" : job.errors(folder_);
+  };
+  // One that ended early has left its files, and none of symbols.
+  write("own/food.csv", "food,text\nMilk,\n");
+  write("own/price.csv", "food,cents\nMilk,11\n");
+  EXPECT_EQ(exported({{"format", "csv"}}),
+            "own: has no _symbols.csv, and files with other columns that would be lost: "
+            "own/price.csv; give another folder");
+  EXPECT_EQ(read("own/price.csv"), "food,cents\nMilk,11\n");
+  EXPECT_FALSE(std::filesystem::exists(folder_.file("own/_labels.csv")));
+  write("own/price.csv", "");
+  EXPECT_EQ(exported({{"format", "csv"}}), "");
+  EXPECT_EQ(read("own/price.csv"), "food,value\nMilk,11\n");
+  // From now on what stands there was exported.
+  write("own/price.csv", "food,cents\nMilk,11\n");
+  EXPECT_EQ(exported({{"format", "csv"}}), "");
+}
+
 // The table or file that something is made of stays.
 TEST_F(SeveralProblemsTest, AnOutputIsNoInput) {
   const std::string refusal = ": would be replaced by what is made of it; name another file";
