@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "formats/arrow/arrow_stream.h"
+#include "formats/parquet/parquet_names.h"
 #include "formats/parquet/parquet_tables.h"
 #include "formats/parquet/symbol_stream.h"
 #include "formats/tables/exact_text.h"
