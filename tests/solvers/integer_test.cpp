@@ -1,7 +1,9 @@
 // Small problems with integers worked by hand, by the solvers that take them.
 #include <gtest/gtest.h>
 
+#include <array>
 #include <string>
+#include <vector>
 
 #include "tests/solvers/small_model.h"
 #include "tests/support/stdout_capture.h"
@@ -42,6 +44,33 @@ TEST_P(Integer, fillsAKnapsack) {
   const SolverResult result = solve();
   ASSERT_EQ(result.outcome, Outcome::optimal) << result.reason;
   EXPECT_EQ(result.level, (std::vector<double>{0, 1, 0, 1, 1}));
+}
+
+// Eight things to eight places, each pair with a cost and a weight, weights at most 89 in all, six
+// pairs not allowed. Of all 40,320 ways the best costs 92.
+TEST_P(Integer, assignsWithinABudget) {
+  constexpr std::array<int, 64> cost{
+      30, 18, 15, 31, 16, 24, 38, 15, 37, 12, 13, 21, 30, 1,  25, 18, 41, 25, 47, 9,  5,  3,
+      5,  41, 33, 23, 6,  8,  28, 45, 12, 36, 27, 14, 40, 2,  45, 50, 34, 4,  27, 11, 11, 17,
+      37, 42, 49, 11, 9,  9,  48, 48, 17, 40, 7,  34, 27, 29, 37, 2,  45, 9,  40, 41};
+  constexpr std::array<int, 64> weight{
+      16, 13, 12, 16, 16, 18, 9,  18, 19, 11, 15, 5,  22, 4,  12, 10, 16, 16, 14, 1,  4,  28,
+      25, 26, 20, 6,  20, 22, 26, 23, 28, 27, 29, 20, 17, 30, 12, 26, 16, 24, 13, 13, 12, 25,
+      2,  16, 13, 27, 7,  2,  29, 2,  29, 4,  24, 14, 30, 14, 23, 12, 7,  29, 1,  18};
+  constexpr std::array<int, 6> forbidden{3, 7, 23, 27, 30, 47};
+  for (const int c : cost) model_.column(c, 0, 1, true);
+  for (const int j : forbidden) model_.upper[static_cast<std::size_t>(j)] = 0;
+  for (std::size_t k = 0; k < 8; ++k) {
+    std::vector<double> thing(64);
+    std::vector<double> place(64);
+    for (std::size_t q = 0; q < 8; ++q) thing[8 * k + q] = place[8 * q + k] = 1;
+    model_.row(thing, 1, 1);
+    model_.row(place, 1, 1);
+  }
+  model_.row({weight.begin(), weight.end()}, -kInf, 89);
+  const SolverResult result = solve();
+  ASSERT_EQ(result.outcome, Outcome::optimal) << result.reason;
+  EXPECT_NEAR(model_.objective(result.level), 92, 1e-6);
 }
 
 // min 3x + 10y, x + 4y >= 5.5, y integer: y = 1 and x = 1.5, or y = 0 and x = 5.5, or y = 2 and

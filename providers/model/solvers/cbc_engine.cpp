@@ -6,7 +6,6 @@
 #include <CbcModel.hpp>
 #include <CglFlowCover.hpp>
 #include <CglGomory.hpp>
-#include <CglKnapsackCover.hpp>
 #include <ClpEventHandler.hpp>
 #include <algorithm>
 #include <cmath>
@@ -55,19 +54,16 @@ class LinearStopHandler : public ClpEventHandler {
 };
 
 // Cuts at the root and below it where they prove useful, and two quick ways to a first solution.
-// Covers of knapsacks are for the root alone: one made below it took the best point of a known
-// problem (lseu) away.
-// CglMixedIntegerRounding2 is not among them: of three thousand small problems with columns below 0
-// it cut off the best points of six. Nor is CglProbing, an assertion of which ended the process on
-// some with equalities.
+// Covers of knapsacks are not among them: made below the root they took the best point of a known
+// problem (lseu) away, made at the root that of an assignment with a budget. Nor is
+// CglMixedIntegerRounding2: of three thousand small problems with columns below 0 it cut off the
+// best points of six. Nor is CglProbing, an assertion of which ended the process on some with
+// equalities.
 void addHelp(CbcModel& model, const LinearForm& form) {
   constexpr int kWhereUseful = -1;
-  constexpr int kAtRoot = -99;
   CglGomory gomory;
-  CglKnapsackCover cover;
   CglFlowCover flow;
   model.addCutGenerator(&gomory, kWhereUseful, "Gomory");
-  model.addCutGenerator(&cover, kAtRoot, "Knapsack");
   // It takes columns for flows: beside ones that go below 0 it left no point where there was one.
   if (std::ranges::all_of(form.lower, [](double lower) { return lower >= 0; })) {
     model.addCutGenerator(&flow, kWhereUseful, "FlowCover");
