@@ -141,15 +141,28 @@ bool MpsLines::hasComment() const {
                      [](std::string_view field) { return field.starts_with('$'); });
 }
 
-std::string_view MpsLines::fixedField(std::size_t begin, std::size_t end, bool isName) {
+std::string_view MpsLines::fixedField(std::size_t begin, std::size_t end) {
   end = std::min(end, lineLength_);
   if (begin >= end) return {};
   char* first = lineBegin_ + begin;
   char* last = lineBegin_ + end;
   while (first < last && *first == ' ') ++first;
   while (first < last && last[-1] == ' ') --last;
-  if (isName) last = std::remove(first, last, ' ');
   return {first, static_cast<std::size_t>(last - first)};
+}
+
+void MpsLines::squeeze(std::size_t field) {
+  std::string_view& name = fields_.at(field);
+  if (name.empty()) return;
+  const std::string spelled(name);
+  std::string squeezed(name);
+  std::erase(squeezed, ' ');
+  const std::string& first = spelled_.try_emplace(squeezed, spelled).first->second;
+  if (first != spelled) {
+    failExpecting(field, "a name that differs from " + shown(first) + " by more than blanks");
+  }
+  std::copy(squeezed.begin(), squeezed.end(), lineBegin_ + (name.data() - lineBegin_));
+  name = name.substr(0, squeezed.size());
 }
 
 void MpsLines::splitFixed() {
@@ -176,7 +189,9 @@ void MpsLines::splitFixed() {
   count_ = 0;
   for (std::size_t i = typesExpected_ ? 0 : 1; i < kPlaces.size(); ++i) {
     const bool isName = i == 1 || i == 2 || i == 4;
-    fields_.at(count_++) = fixedField(kPlaces.at(i).begin, kPlaces.at(i).end, isName);
+    fields_.at(count_) = fixedField(kPlaces.at(i).begin, kPlaces.at(i).end);
+    if (isName) squeeze(count_);
+    ++count_;
   }
   while (count_ > 0 && fields_.at(count_ - 1).empty()) --count_;
 }

@@ -12,6 +12,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 
 #include "providers/model/model_error.h"
 #include "providers/model/text_source.h"
@@ -73,7 +74,9 @@ class MpsLines {
   void splitFree();
   void splitFixed();
   [[nodiscard]] bool hasComment() const;
-  [[nodiscard]] std::string_view fixedField(std::size_t begin, std::size_t end, bool isName);
+  [[nodiscard]] std::string_view fixedField(std::size_t begin, std::size_t end);
+  // Leaves the blanks within a name out. Names that differ by these alone are refused.
+  void squeeze(std::size_t field);
 
   TextSource source_;
   MpsFormat format_;
@@ -90,6 +93,7 @@ class MpsLines {
   bool typesExpected_ = false;
   std::array<std::string_view, kMaxFields> fields_;
   std::size_t count_ = 0;
+  std::unordered_map<std::string, std::string> spelled_;  // names of fixed format, by the squeezed
 };
 
 }  // namespace lomu

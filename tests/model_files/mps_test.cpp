@@ -411,6 +411,19 @@ TEST_F(Mps, membersOfSetsWithoutAWeightAreInTheirOrder) {
   EXPECT_EQ("MYSET: S2 :: Y:1 XONE:2", setText(read(text), 0));
 }
 
+TEST_F(Mps, namesThatDifferByBlanksAloneAreRefused) {
+  for (const std::string name : {"XONE", "XO NE"}) {
+    std::string text = kFixed;
+    const std::string old = "    X ONE     LIM2 ";
+    text.replace(text.find(old), old.size(),
+                 "    " + name + std::string(10 - name.size(), ' ') + "LIM2 ");
+    const std::string file = write("m.mps", text);
+    EXPECT_EQ(file + ":13:5: found \"" + name +
+                  "\", expected a name that differs from \"X ONE\" by more than blanks",
+              fileRefusal(file));
+  }
+}
+
 TEST_F(Mps, specialOrderedSetsInFixedFormat) {
   std::string text = kFixed;
   text.insert(text.find("ENDATA"),
