@@ -73,6 +73,58 @@ TEST_P(Integer, assignsWithinABudget) {
   EXPECT_NEAR(model_.objective(result.level), 92, 1e-6);
 }
 
+// min 0.0005 x + y, x <= 10 an integer without a lower bound, y + z >= 1 binary. A preprocessor
+// that takes so small a cost for none would leave x where it stands.
+TEST_P(Integer, hasNoEndByASmallCost) {
+  model_.column(0.0005, -kInf, 10, true);
+  model_.column(1, 0, 1, true);
+  model_.column(0, 0, 1, true);
+  model_.row({0, 1, 1}, 1, kInf);
+  model_.row({0, 1, -1}, -1, kInf);
+  EXPECT_EQ(solve().outcome, Outcome::unbounded);
+}
+
+// Five plants supply five customers, each pair at a fixed cost and a cost for each unit up to a
+// capacity. The optimum as the programs of Cbc and GLPK tell it.
+TEST_P(Integer, suppliesAtFixedCosts) {
+  constexpr std::array<double, 25> unitCost{
+      2.0176536012, 5.5116723739, 5.8492707759, 7.9532235898, 6.6215595081,
+      1.3958839383, 7.1626437716, 2.0483794976, 7.4015046805, 7.1720718555,
+      3.2659693658, 1.1403562725, 4.9988009725, 8.1075760014, 3.8337119408,
+      8.493289426,  3.5101429205, 1.566942336,  2.7325845603, 8.5587386936,
+      4.1202420667, 8.4833853394, 2.4093048666, 3.8912862036, 5.545595035};
+  constexpr std::array<double, 25> fixedCost{6, 5,  14, 23, 40, 27, 44, 52, 22, 33, 13, 11, 46,
+                                             8, 56, 17, 27, 50, 9,  51, 53, 28, 25, 7,  41};
+  constexpr std::array<double, 25> capacity{23, 23, 12, 16, 25, 13, 24, 22, 18, 14, 16, 23, 18,
+                                            12, 21, 19, 12, 11, 24, 20, 16, 25, 10, 14, 22};
+  constexpr std::array<double, 5> supply{38, 22, 23, 20, 30};
+  constexpr std::array<double, 5> demand{19, 10, 12, 15, 16};
+  for (std::size_t pair = 0; pair < 25; ++pair) {
+    model_.column(unitCost[pair], 0, kInf);
+    model_.column(fixedCost[pair], 0, 1, true);
+  }
+  for (std::size_t plant = 0; plant < 5; ++plant) {
+    std::vector<double> row(50);
+    for (std::size_t customer = 0; customer < 5; ++customer) row[2 * (5 * plant + customer)] = 1;
+    model_.row(row, -kInf, supply[plant]);
+  }
+  for (std::size_t customer = 0; customer < 5; ++customer) {
+    std::vector<double> row(50);
+    for (std::size_t plant = 0; plant < 5; ++plant) row[2 * (5 * plant + customer)] = 1;
+    const bool isExact = customer == 0 || customer == 4;
+    model_.row(row, demand[customer], isExact ? demand[customer] : kInf);
+  }
+  for (std::size_t pair = 0; pair < 25; ++pair) {
+    std::vector<double> row(50);
+    row[2 * pair] = 1;
+    row[2 * pair + 1] = -capacity[pair];
+    model_.row(row, -kInf, 0);
+  }
+  const SolverResult result = solve();
+  ASSERT_EQ(result.outcome, Outcome::optimal) << result.reason;
+  EXPECT_NEAR(model_.objective(result.level), 321.2488603301, 1e-6);
+}
+
 // min 3x + 10y, x + 4y >= 5.5, y integer: y = 1 and x = 1.5, or y = 0 and x = 5.5, or y = 2 and
 // x = 0: 14.5, 16.5, 20. With y at 1 a unit of right-hand side costs 3, and of y 10 - 4 * 3.
 TEST_P(Integer, leavesTheMarginalsOfTheLinearProblemWithIntegersFixed) {

@@ -4,7 +4,6 @@
 #include <CbcHeuristic.hpp>
 #include <CbcHeuristicFPump.hpp>
 #include <CbcModel.hpp>
-#include <CglFlowCover.hpp>
 #include <CglGomory.hpp>
 #include <ClpEventHandler.hpp>
 #include <algorithm>
@@ -54,20 +53,14 @@ class LinearStopHandler : public ClpEventHandler {
 };
 
 // Cuts at the root and below it where they prove useful, and two quick ways to a first solution.
-// Covers of knapsacks are not among them: made below the root they took the best point of a known
-// problem (lseu) away, made at the root that of an assignment with a budget. Nor is
-// CglMixedIntegerRounding2: of three thousand small problems with columns below 0 it cut off the
-// best points of six. Nor is CglProbing, an assertion of which ended the process on some with
-// equalities.
-void addHelp(CbcModel& model, const LinearForm& form) {
+// Gomory's alone: covers of knapsacks took the best point of a known problem (lseu) away, and that
+// of an assignment with a budget; covers of flows that of plants with fixed costs; and
+// CglMixedIntegerRounding2 those of six of three thousand small problems with columns below 0. An
+// assertion of CglProbing ended the process on some with equalities.
+void addHelp(CbcModel& model) {
   constexpr int kWhereUseful = -1;
   CglGomory gomory;
-  CglFlowCover flow;
   model.addCutGenerator(&gomory, kWhereUseful, "Gomory");
-  // It takes columns for flows: beside ones that go below 0 it left no point where there was one.
-  if (std::ranges::all_of(form.lower, [](double lower) { return lower >= 0; })) {
-    model.addCutGenerator(&flow, kWhereUseful, "FlowCover");
-  }
   CbcRounding round(model);
   model.addHeuristic(&round);
   CbcHeuristicFPump pump(model);
@@ -139,7 +132,7 @@ void CbcEngine::searchIntegers(Watch& watch, SolverResult& result) {
   model.setAllowableGap(0);
   // A better solution counts however little it is better by.
   model.setCutoffIncrement(1e-9);
-  addHelp(model, form_);
+  addHelp(model);
   // Where little is left to decide below a node, Clp tries all of it by itself, as in Cbc's
   // program: several knapsacks at once take a fifth of the time. Depths further from 0 take longer
   // again.

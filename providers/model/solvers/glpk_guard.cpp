@@ -17,7 +17,8 @@ struct Guard {
   std::jmp_buf back;
   // What GLPK says; the last lines before it gives up are the reason.
   std::array<char, 400> text;
-  Watch* watch;
+  bool (*mustStop)(void* context);
+  void* context;
 };
 
 std::atomic<std::uint64_t> lastThread{0};
@@ -32,7 +33,7 @@ void freeEnvironment() {
 
 int keepText(void* info, const char* text) {
   auto* guard = static_cast<Guard*>(info);
-  if (guard->watch != nullptr && guard->watch->mustStop()) std::longjmp(guard->back, 1);
+  if (guard->mustStop != nullptr && guard->mustStop(guard->context)) std::longjmp(guard->back, 1);
   const std::size_t used = std::strlen(guard->text.data());
   const std::size_t length = std::strlen(text);
   if (used + length < guard->text.size()) {
@@ -57,11 +58,12 @@ bool callWithin(Guard& guard, void (*function)(void* context), void* context) {
 }  // namespace
 
 bool guardedGlpkCall(void (*function)(void* context), void* context, std::string& reason,
-                     Watch* watch) {
+                     bool (*mustStop)(void* context)) {
   Guard guard;
   guard.text[0] = '\0';
-  guard.watch = watch;
-  const int output = glp_term_out(watch == nullptr ? GLP_OFF : GLP_ON);
+  guard.mustStop = mustStop;
+  guard.context = context;
+  const int output = glp_term_out(mustStop == nullptr ? GLP_OFF : GLP_ON);
   glp_term_hook(keepText, &guard);
   glp_error_hook(goBack, &guard);
   const bool done = callWithin(guard, function, context);

@@ -10,14 +10,12 @@
 #include <cstdint>
 #include <string>
 
-#include "providers/model/solvers/watch.h"
-
 namespace lomu {
 
-// Calls function(context). False with GLPK's text when GLPK gave up, or when `watch` said stop
-// while GLPK wrote a line: what GLPK writes is asked for, seen by nobody, and a way into it.
+// Calls function(context). False with GLPK's text when GLPK gave up, or when mustStop(context) was
+// true while GLPK wrote a line: what GLPK writes is asked for, seen by nobody, and a way into it.
 bool guardedGlpkCall(void (*function)(void* context), void* context, std::string& reason,
-                     Watch* watch = nullptr);
+                     bool (*mustStop)(void* context) = nullptr);
 
 // The calling thread, by a number that no other thread of the process has or had. GLPK keeps an
 // environment for each thread, to which all memory of the objects made there belongs: they may be

@@ -7,6 +7,7 @@
 #include "providers/model/at.h"
 #include "providers/model/solvers/claim_check.h"
 #include "providers/model/solvers/point_check.h"
+#include "providers/model/solvers/whole_numbers.h"
 
 namespace lomu {
 
@@ -36,6 +37,10 @@ constexpr double kRoom = 1e-9;
 // 1e6 would be 0 and leave room for 10; by 1e-9 what the simplex method leaves of rounding is a
 // fraction, and points that are best go unseen.
 constexpr double kIntegerTolerance = 1e-8;
+
+// More rows are not presolved for a search: GLPK writes its first line after 5,000 iterations, and
+// before it nobody can end the simplex method there.
+constexpr int kMostRowsPresolved = 5000;
 
 // How far a row that is said to stand at its side may stand from it.
 constexpr double kTold = 1e-7;
@@ -109,10 +114,20 @@ void GlpkProgram::perform(void* context) {
 }
 
 bool GlpkProgram::call(Job& job) {
-  Watch* const watch = job.task == Task::presolved ? job.watch : nullptr;
-  if (guardedGlpkCall(&GlpkProgram::perform, &job, reason_, watch)) return true;
+  const bool writesLines =
+      job.task == Task::presolved || (job.task == Task::search && presolvesIntegers_);
+  if (guardedGlpkCall(&GlpkProgram::perform, &job, reason_,
+                      writesLines ? &GlpkProgram::stopsAtLine : nullptr)) {
+    return true;
+  }
   problem_ = nullptr;
   return false;
+}
+
+// A tree is asked by askInSearch, which keeps the best point.
+bool GlpkProgram::stopsAtLine(void* context) {
+  const Job& job = *static_cast<Job*>(context);
+  return !job.inTree && job.watch->mustStop();
 }
 
 void GlpkProgram::take(const LinearForm& form) {
@@ -121,6 +136,8 @@ void GlpkProgram::take(const LinearForm& form) {
                     form.sameShape(form_);
   indexes_.resize(at(form.rowCount) + 1);
   values_.resize(indexes_.size());
+  presolvesIntegers_ =
+      !keep && form.hasIntegers && form.rowCount <= kMostRowsPresolved && hasWholeNumbers(form);
   Job job{this, keep ? Task::change : Task::build, nullptr, 0, 0, 0, nullptr};
   call(job);
   form_ = std::move(next_);
@@ -144,6 +161,8 @@ void GlpkProgram::build() {
     setMatrixColumn(j);
     glp_set_col_kind(problem_, j + 1, next_.isInteger[at(j)] != 0 ? GLP_IV : GLP_CV);
   }
+  // As GLPK's program has it, so that the same search follows.
+  if (presolvesIntegers_) glp_sort_matrix(problem_);
   glp_scale_prob(problem_, GLP_SF_AUTO);
   isFresh_ = true;
 }
@@ -404,7 +423,8 @@ void GlpkProgram::leavePoint(SolverResult& result) const {
     const double lower = form_.lower[at(j)];
     const double upper = form_.upper[at(j)];
     const double level = glp_get_col_prim(problem_, j + 1);
-    result.level[at(j)] = std::max(lower, std::min(upper, level));
+    // What is no number stays so, for checks to see.
+    result.level[at(j)] = level < lower ? lower : level > upper ? upper : level;
     result.position[at(j)] = positionOf(glp_get_col_stat(problem_, j + 1), lower, upper);
   }
   for (int i = 0; i < form_.rowCount; ++i) {
@@ -415,15 +435,16 @@ void GlpkProgram::leavePoint(SolverResult& result) const {
   }
 }
 
-int GlpkProgram::search(const Job& job) {
+int GlpkProgram::search(Job& job) {
   glp_iocp options;
   glp_init_iocp(&options);
-  options.msg_lev = GLP_MSG_OFF;
+  options.msg_lev = presolvesIntegers_ ? GLP_MSG_ALL : GLP_MSG_OFF;
+  options.presolve = presolvesIntegers_ ? GLP_ON : GLP_OFF;
   options.tm_lim = milliseconds(job.watch->secondsLeft());
   options.mip_gap = job.watch->relativeGap();
   options.tol_int = kIntegerTolerance;
   options.cb_func = &GlpkProgram::askInSearch;
-  options.cb_info = const_cast<Job*>(&job);
+  options.cb_info = &job;
   return glp_intopt(problem_, &options);
 }
 
@@ -433,6 +454,7 @@ void GlpkProgram::askInSearch(glp_tree* tree, void* context) {
   auto* job = static_cast<Job*>(context);
   glp_prob* const problem = glp_ios_get_prob(tree);
   const int reason = glp_ios_reason(tree);
+  job->inTree = true;
   const bool stops = job->watch->mustStop() || glp_get_it_cnt(problem) >= job->iterationLimit;
   if (reason == GLP_ISELECT) ++job->selected;
   int active = 0;
@@ -449,13 +471,17 @@ void GlpkProgram::askInSearch(glp_tree* tree, void* context) {
 }
 
 void GlpkProgram::searchIntegers(Watch& watch, SolverResult& result) {
-  const int before = glp_get_it_cnt(problem_);
+  const bool presolves = presolvesIntegers_;
+  result.hasPoint = false;
+  result.outcome = Outcome::failed;
+  const int before = problem_ == nullptr ? 0 : glp_get_it_cnt(problem_);
   const double most =
       std::min(2147483647.0, static_cast<double>(before) + watch.iterationsLeft(iterations_));
   Job job{this, Task::search, &watch, 0, static_cast<int>(most), 0, &result};
-  result.hasPoint = false;
-  if (!call(job)) {
-    result.outcome = Outcome::failed;
+  const bool done = problem_ != nullptr && call(job);
+  presolvesIntegers_ = false;
+  if (!done) {
+    if (watch.stopped()) result.outcome = watch.reason();
     result.reason = reason_;
     return;
   }
@@ -470,6 +496,8 @@ void GlpkProgram::searchIntegers(Watch& watch, SolverResult& result) {
   if (job.code == 0 || job.code == GLP_EMIPGAP) {
     result.outcome = result.hasPoint ? Outcome::optimal : Outcome::infeasible;
     if (job.code == 0) result.bound = -HUGE_VAL;  // the best point tells it
+    // Of a tree that was searched to its end; whether the linear problem tells it too is seen next.
+    presolvesIntegers_ = presolves && !result.hasPoint;
   } else if (job.code == GLP_ETMLIM) {
     result.outcome = Outcome::timeLimit;
   } else if (job.code == GLP_ESTOP) {
@@ -481,6 +509,10 @@ void GlpkProgram::searchIntegers(Watch& watch, SolverResult& result) {
   if (!result.hasPoint) return;
   for (int j = 0; j < form_.columnCount; ++j) {
     result.level[at(j)] = glp_mip_col_val(problem_, j + 1);
+  }
+  if (presolves && !violation(form_.problem(), result.level).empty()) {
+    result.hasPoint = false;
+    if (result.outcome == Outcome::optimal) result.outcome = Outcome::failed;
   }
 }
 

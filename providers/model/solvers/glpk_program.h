@@ -1,5 +1,6 @@
 // A problem in GLPK that lives from solve to solve: the first simplex is that of GLPK's own
-// program, with its presolver; then what changed is handed over, and the next one begins at the
+// program, with its presolver, and so is the first search over integers where all numbers are
+// whole; then what changed is handed over, and the next one begins at the
 // basis where the last one ended. After an error inside of GLPK the problem is given up and made
 // afresh: at once where it was the first simplex of a solve, else for the next. It is also made
 // afresh when the next solve is on another thread: GLPK binds it to its own.
@@ -34,6 +35,7 @@ class GlpkProgram : public IntegerEngine {
 
   void solveLinear(Watch& watch, SolverResult& result) override;
   void searchIntegers(Watch& watch, SolverResult& result) override;
+  [[nodiscard]] bool needsLinearFirst() const override { return !presolvesIntegers_; }
 
  private:
   enum class Task { build, change, presolved, simplex, proof, search, drop, basis, ranges };
@@ -49,11 +51,13 @@ class GlpkProgram : public IntegerEngine {
     const std::int32_t* position = nullptr;
     const std::int32_t* rowPosition = nullptr;
     SolverRanges* ranges = nullptr;
-    int selected = 0;  // nodes of a search since its bound was asked for
+    int selected = 0;     // nodes of a search since its bound was asked for
+    bool inTree = false;  // a search has its first node
   };
 
   static void perform(void* context);
   static void askInSearch(glp_tree* tree, void* context);
+  static bool stopsAtLine(void* context);
   void build();
   bool buildAgain();
   [[nodiscard]] bool isOfThisThread() const { return thread_ == glpkThread(); }
@@ -70,7 +74,7 @@ class GlpkProgram : public IntegerEngine {
   void rowRay(SolverResult& result);
   void columnRay(SolverResult& result);
   bool weighRows(SolverResult& result);
-  int search(const Job& job);
+  int search(Job& job);
   bool call(Job& job);
   Outcome runPresolved(Watch& watch);
   // Whether what the presolver left as an optimum is one; its point is in `result` then.
@@ -80,11 +84,12 @@ class GlpkProgram : public IntegerEngine {
   void leavePoint(SolverResult& result) const;
 
   glp_prob* problem_ = nullptr;
-  std::uint64_t thread_ = 0;  // on which problem_ was made
-  bool keeps_ = false;        // the next form may keep the basis
-  bool isFresh_ = true;       // problem_ was not solved yet
-  LinearForm form_;           // what problem_ holds
-  LinearForm next_;           // what it is to hold
+  std::uint64_t thread_ = 0;        // on which problem_ was made
+  bool keeps_ = false;              // the next form may keep the basis
+  bool isFresh_ = true;             // problem_ was not solved yet
+  bool presolvesIntegers_ = false;  // the next search is of the problem as GLPK presolves it
+  LinearForm form_;                 // what problem_ holds
+  LinearForm next_;                 // what it is to hold
   std::vector<int> indexes_;
   std::vector<double> values_;
   double iterations_ = 0;
