@@ -108,6 +108,23 @@ TEST(GlpkLimit, isAskedForMoreOftenTheMoreRowsThereAre) {
   EXPECT_GE(count.times, result.iterations / 102);
 }
 
+// Whole numbers alone, which GLPK would presolve and solve without a limit first.
+TEST(GlpkLimit, ofIterationsHoldsAheadOfASearchOverIntegers) {
+  constexpr int kColumns = 31;
+  SmallModel model;
+  for (int j = 0; j < kColumns; ++j) model.column(1 + j % 3, 0, 1, true);
+  for (std::size_t i = 0; i < kColumns; ++i) {
+    std::vector<double> row(kColumns, 0.0);
+    row[i] = row[(i + 1) % kColumns] = row[(i + 5) % kColumns] = 1;
+    model.row(std::move(row), 1, kInf);
+  }
+  SolverLimits limits;
+  limits.iterations = 2;
+  const SolverResult result = solveFresh("glpk", model, limits);
+  EXPECT_EQ(result.outcome, Outcome::iterationLimit) << result.reason;
+  EXPECT_LE(result.iterations, 3);
+}
+
 INSTANTIATE_TEST_SUITE_P(Solvers, Limit, testing::Values("clp", "cbc", "glpk", "ipopt", "bonmin"),
                          [](const auto& tested) { return std::string(tested.param); });
 

@@ -474,6 +474,11 @@ void GlpkProgram::searchIntegers(Watch& watch, SolverResult& result) {
   const bool presolves = presolvesIntegers_;
   result.hasPoint = false;
   result.outcome = Outcome::failed;
+  // GLPK counts the iterations of its first linear problem for nobody.
+  if (presolves && watch.limitsIterations()) {
+    presolvesIntegers_ = false;
+    return;
+  }
   const int before = problem_ == nullptr ? 0 : glp_get_it_cnt(problem_);
   const double most =
       std::min(2147483647.0, static_cast<double>(before) + watch.iterationsLeft(iterations_));

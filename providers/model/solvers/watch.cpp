@@ -49,4 +49,8 @@ int Watch::iterationsLeft(double used) const {
   return static_cast<int>(std::max(0.0, limits_.iterations - used));
 }
 
+bool Watch::limitsIterations() const {
+  return limits_.iterations < SolverLimits{}.iterations;
+}
+
 }  // namespace lomu

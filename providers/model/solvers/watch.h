@@ -33,6 +33,7 @@ class Watch {
   [[nodiscard]] double secondsLeft() const;
   // How many iterations are left after `used`, never below 0.
   [[nodiscard]] int iterationsLeft(double used) const;
+  [[nodiscard]] bool limitsIterations() const;
   [[nodiscard]] bool wantsBarrier() const { return limits_.barrier != 0; }
   [[nodiscard]] double relativeGap() const { return limits_.relativeGap; }
 
