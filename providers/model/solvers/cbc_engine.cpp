@@ -10,6 +10,7 @@
 #include <cmath>
 
 #include "providers/model/solvers/cbc_interface.h"
+#include "providers/model/solvers/probing.h"
 
 namespace lomu {
 
@@ -67,6 +68,12 @@ void addHelp(CbcModel& model) {
   model.addHeuristic(&pump);
 }
 
+// More equalities than a few, and nothing else.
+bool isLargeSystem(const LinearForm& form) {
+  constexpr int kFew = 10;
+  return form.rowCount > kFew && form.rowLower == form.rowUpper;
+}
+
 Outcome outcomeOf(const CbcModel& model, const Watch& watch) {
   if (watch.stopped()) return watch.reason();
   if (model.isProvenOptimal() && model.bestSolution() != nullptr) return Outcome::optimal;
@@ -119,7 +126,18 @@ void CbcEngine::searchIntegers(Watch& watch, SolverResult& result) {
     return;
   }
   result.startTaken = completeStart(watch, result);
-  CbcInterface interface(form_);
+  LinearForm probed = form_;
+  const bool isProbed = probeIntegers(probed, watch);
+  search(probed, watch, result);
+  // That there is none is what the problem itself is to say.
+  if (isProbed && !result.hasPoint && !watch.mustStop() &&
+      (result.outcome == Outcome::infeasible || result.outcome == Outcome::failed)) {
+    search(form_, watch, result);
+  }
+}
+
+void CbcEngine::search(const LinearForm& form, Watch& watch, SolverResult& result) {
+  CbcInterface interface(form);
   LinearStopHandler linearHandler(&watch);
   interface.getModelPtr()->passInEventHandler(&linearHandler);
   CbcModel model(interface);
@@ -135,9 +153,9 @@ void CbcEngine::searchIntegers(Watch& watch, SolverResult& result) {
   addHelp(model);
   // Where little is left to decide below a node, Clp tries all of it by itself, as in Cbc's
   // program: several knapsacks at once take a fifth of the time. Depths further from 0 take longer
-  // again.
+  // again, and so does a large system of equalities.
   constexpr int kLittleLeft = -4;
-  model.setFastNodeDepth(kLittleLeft);
+  if (!isLargeSystem(form)) model.setFastNodeDepth(kLittleLeft);
   model.initialSolve();
   // The search and its cuts take a best point of the linear problem for granted.
   if (!model.solver()->isProvenOptimal()) {

@@ -22,6 +22,8 @@ class CbcEngine : public IntegerEngine {
 
  private:
   bool completeStart(Watch& watch, SolverResult& result);
+  // Searches `form`, which is form_, or that with narrower bounds.
+  void search(const LinearForm& form, Watch& watch, SolverResult& result);
 
   LinearForm form_;
   ClpProgram program_;
