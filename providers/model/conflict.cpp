@@ -111,7 +111,7 @@ class ConflictSearch {
       // A search over integers without bounds may come to no end.
       if (conflict_.byIntegers && plain_.isInteger[column] != 0) continue;
       // Data that stand still in a product make it linear.
-      if (isFactor_[at(column)] != 0 || needsBounds(column)) continue;
+      if (isFactor_[at(column)] != 0) continue;
       addColumn(column, bounds);
     }
     return bounds;
@@ -226,17 +226,6 @@ class ConflictSearch {
       member.number = (ofRow ? part_->rows() : part_->columns())[at(member.number)];
     }
     return told;
-  }
-
-  // Columns that may be 0 beside their bounds, and those of sets, are searched by their bounds.
-  [[nodiscard]] bool needsBounds(int column) const {
-    if (plain_.isSemiContinuous != nullptr && plain_.isSemiContinuous[column] != 0) return true;
-    for (int s = 0; s < plain_.setCount; ++s) {
-      const int* const members = plain_.setColumns + plain_.sets[s].first;
-      const int* const end = members + plain_.sets[s].count;
-      if (std::find(members, end, column) != end) return true;
-    }
-    return false;
   }
 
   // Whether a fresh solver says so too of what is left, or the time is over.

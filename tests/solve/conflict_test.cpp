@@ -307,7 +307,7 @@ TEST_F(Explained, ByIntegers) {
 TEST_F(Explained, BySemiContinuousColumnsAndSets) {
   EXPECT_THAT(explained("Minimize\n c: x\nSubject To\n low: x >= 1\n high: x <= 2\nBounds\n"
                         " 3 <= x <= 5\nSemi-Continuous\n x\nEnd\n"),
-              UnorderedElementsAre("low >= 1", "high <= 2"));
+              UnorderedElementsAre("low >= 1", "high <= 2", "x >= 3"));
   EXPECT_TRUE(conflict_.byIntegers);
   EXPECT_EQ(conflict_.condition, "semi-continuous columns");
   EXPECT_THAT(explained("Minimize\n c: x\nSubject To\n a: x >= 1\n b: y >= 1\nBounds\n"

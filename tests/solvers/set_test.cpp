@@ -178,15 +178,139 @@ TEST_F(Sets, AreRefusedByTheOtherSolvers) {
   EXPECT_EQ(refusal("bonmin"), "bonmin solves models with products and integers: " + why);
 }
 
-TEST_F(Sets, WithoutFiniteBoundsAreRefused) {
-  model_.column(1, 0, 4);
-  model_.column(1, 0, kInf);
+// x is 0 or at least 2, without end, and x + y at least 1: 2 of x cost less than 1 of y.
+TEST_F(Sets, ASemiContinuousColumnNeedsNoUpperBound) {
+  model_.column(1, 2, kInf);
+  model_.column(3, 0, 10);
   model_.row({1, 1}, 1, kInf);
+  semiContinuous_ = {1, 0};
+  SolverResult result = solve();
+  ASSERT_EQ(result.outcome, Outcome::optimal) << result.reason;
+  EXPECT_NEAR(result.level[0], 2, 1e-9);
+  EXPECT_NEAR(result.level[1], 0, 1e-9);
+  EXPECT_NEAR(result.bound, 2, 1e-9);
+  // 1 of y costs less than 2 of x.
+  model_.cost[1] = 1.5;
+  result = solve();
+  ASSERT_EQ(result.outcome, Outcome::optimal) << result.reason;
+  EXPECT_NEAR(result.level[0], 0, 1e-9);
+  EXPECT_NEAR(result.level[1], 1, 1e-9);
+  EXPECT_NEAR(result.rowMarginal[0], 1.5, 1e-9);
+  // Far beyond what anyone would make up for a bound.
+  model_.rowLower[0] = 4e8;
+  result = solve();
+  ASSERT_EQ(result.outcome, Outcome::optimal) << result.reason;
+  EXPECT_NEAR(result.level[0], 4e8, 1);
+  model_.cost[0] = -1;
+  EXPECT_EQ(solve().outcome, Outcome::unbounded);
+}
+
+// The same below 0: x is 0 or at most -2.
+TEST_F(Sets, ASemiContinuousColumnNeedsNoLowerBound) {
+  model_.column(-1, -kInf, -2);
+  model_.column(3, 0, 10);
+  model_.row({-1, 1}, 1, kInf);
+  semiContinuous_ = {1, 0};
+  const SolverResult result = solve();
+  ASSERT_EQ(result.outcome, Outcome::optimal) << result.reason;
+  EXPECT_NEAR(result.level[0], -2, 1e-9);
+  model_.cost[0] = 1;
+  EXPECT_EQ(solve().outcome, Outcome::unbounded);
+}
+
+// x is 0 or from 0.5 to 1e9, and at least 0.3: a binary column at 3e-10 is no 0 of it.
+TEST_F(Sets, ASemiContinuousColumnMayHaveALargeUpperBound) {
+  model_.column(1, 0.5, 1e9);
+  model_.row({1}, 0.3, kInf);
+  semiContinuous_ = {1};
+  const SolverResult result = solve();
+  ASSERT_EQ(result.outcome, Outcome::optimal) << result.reason;
+  EXPECT_NEAR(result.level[0], 0.5, 1e-9);
+}
+
+// Of x and y, both free, one is 0; x = y leaves 0 alone, though without the set both grow.
+TEST_F(Sets, ASetWithoutBoundsHoldsWhatWouldHaveNoEnd) {
+  model_.column(-1, -kInf, kInf);
+  model_.column(-1, -kInf, kInf);
+  model_.row({1, -1}, 0, 0);
   addSet(1, {0, 1});
-  EXPECT_EQ(
-      refusal("cbc"),
-      "cbc solves linear models: column #1 is semi-continuous or in a special ordered set and "
-      "has no finite bounds, which the search needs, nor do rows imply any");
+  SolverResult result = solve();
+  ASSERT_EQ(result.outcome, Outcome::optimal) << result.reason;
+  EXPECT_NEAR(result.level[0], 0, 1e-9);
+  EXPECT_NEAR(result.level[1], 0, 1e-9);
+  model_.rowLower[0] = -3;
+  model_.rowUpper[0] = 2;
+  // x - y from -3 to 2: y = 3 alone.
+  result = solve();
+  ASSERT_EQ(result.outcome, Outcome::optimal) << result.reason;
+  EXPECT_NEAR(result.level[1], 3, 1e-9);
+  model_.rowUpper[0] = kInf;
+  result = solve();
+  EXPECT_EQ(result.outcome, Outcome::unbounded) << result.reason;
+  model_.cost = {1, -1};
+  EXPECT_NEAR(model_.objective(solve().level), -3, 1e-9);
+}
+
+// Without bounds, against the best of all choices: unbounded where one has no end.
+TEST_F(Sets, WithoutBoundsAreTheBestOfAllChoices) {
+  std::mt19937 random(5);
+  const auto between = [&](int low, int high) {
+    return low + static_cast<int>(random() % static_cast<unsigned>(high - low + 1));
+  };
+  int optima = 0;
+  int endless = 0;
+  for (int round = 0; round < 150; ++round) {
+    const int kind = round % 3;
+    SCOPED_TRACE(testing::Message() << "kind " << kind << " round " << round);
+    model_ = SmallModel();
+    semiContinuous_.clear();
+    sets_.clear();
+    setColumns_.clear();
+    setWeights_.clear();
+    constexpr int kColumns = 5;
+    for (int j = 0; j < kColumns; ++j) {
+      const bool isEndless = between(0, 3) > 0;
+      const double low = kind == 0 ? between(1, 4) : isEndless && between(0, 1) == 0 ? -kInf : -1;
+      model_.column(between(-2, 6), low, isEndless ? kInf : 6);
+    }
+    for (int i = 0; i < 4; ++i) {
+      std::vector<double> row;
+      for (int j = 0; j < kColumns; ++j) row.push_back(between(-2, 4));
+      model_.row(row, i == 3 ? -kInf : between(0, 3), i == 3 ? between(4, 20) : kInf);
+    }
+    if (kind == 0) {
+      semiContinuous_.assign(kColumns, 1);
+    } else {
+      addSet(kind, {0, 1, 2, 3, 4});
+    }
+    double best = kInf;
+    for (unsigned choice = 0; choice < 1U << kColumns; ++choice) {
+      const unsigned neighbours = choice & (choice << 1);
+      const int chosen = __builtin_popcount(choice);
+      if (kind == 1 && chosen > 1) continue;
+      if (kind == 2 && (chosen > 2 || (chosen == 2 && neighbours == 0))) continue;
+      SmallModel one = model_;
+      for (int j = 0; j < kColumns; ++j) {
+        const auto k = static_cast<std::size_t>(j);
+        if ((choice >> j & 1U) == 0) one.lower[k] = one.upper[k] = 0;
+      }
+      const SolverResult result = solveFresh("glpk", one);
+      if (result.outcome == Outcome::unbounded) best = -kInf;
+      if (result.outcome == Outcome::optimal) best = std::min(best, one.objective(result.level));
+    }
+    const SolverResult result = solve();
+    if (std::isinf(best)) {
+      endless += best < 0 ? 1 : 0;
+      EXPECT_EQ(result.outcome, best > 0 ? Outcome::infeasible : Outcome::unbounded)
+          << result.reason;
+      continue;
+    }
+    ++optima;
+    ASSERT_EQ(result.outcome, Outcome::optimal) << result.reason;
+    EXPECT_NEAR(model_.objective(result.level), best, 1e-6);
+  }
+  EXPECT_GT(optima, 40);
+  EXPECT_GT(endless, 10);
 }
 
 // At most one of x, y and z, whose sum is at most 40: 3 z = 120 is best, 2 y = 80 without it.

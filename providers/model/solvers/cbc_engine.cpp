@@ -10,6 +10,7 @@
 #include <cmath>
 
 #include "providers/model/solvers/cbc_interface.h"
+#include "providers/model/solvers/claim_check.h"
 #include "providers/model/solvers/probing.h"
 
 namespace lomu {
@@ -74,6 +75,30 @@ bool isLargeSystem(const LinearForm& form) {
   return form.rowCount > kFew && form.rowLower == form.rowUpper;
 }
 
+// Where what is taken for the best point of the linear problem may be none, as where columns have
+// no end, the primal method from no basis at all tells.
+void settleDoubt(const LinearForm& form, OsiSolverInterface& solver) {
+  auto* const clp = dynamic_cast<OsiClpSolverInterface*>(&solver);
+  if (clp == nullptr || !clp->isProvenOptimal()) return;
+  SolverResult linear;
+  linear.begin(form.cost.size(), form.rowLower.size());
+  std::copy_n(clp->getColSolution(), linear.level.size(), linear.level.begin());
+  std::copy_n(clp->getRowPrice(), linear.rowMarginal.size(), linear.rowMarginal.begin());
+  const double* const activity = clp->getRowActivity();
+  for (std::size_t i = 0; i < linear.rowPosition.size(); ++i) {
+    const bool isLow = activity[i] - form.rowLower[i] <= form.rowUpper[i] - activity[i];
+    linear.rowPosition[i] = isLow ? Position::atLower : Position::atUpper;
+  }
+  if (optimumDoubt(form.problem(), linear).empty()) return;
+  ClpSimplex& simplex = *clp->getModelPtr();
+  const int scaling = simplex.scalingFlag();
+  simplex.scaling(0);
+  simplex.allSlackBasis(true);
+  simplex.primal();
+  simplex.scaling(scaling);
+  clp->setWarmStart(nullptr);
+}
+
 Outcome outcomeOf(const CbcModel& model, const Watch& watch) {
   if (watch.stopped()) return watch.reason();
   if (model.isProvenOptimal() && model.bestSolution() != nullptr) return Outcome::optimal;
@@ -86,13 +111,8 @@ Outcome outcomeOf(const CbcModel& model, const Watch& watch) {
 }  // namespace
 
 void CbcEngine::take(const LinearForm& form) {
-  if (loaded_ && program_.isWhole() && form.sameShape(form_)) {
-    LinearForm taken = form;
-    program_.update(taken);
-  } else {
-    program_.load(form);
-  }
-  loaded_ = true;
+  // Never from the last basis: what Clp claims then, nobody here holds against a proof.
+  program_.load(form);
   form_ = form;
 }
 
@@ -157,6 +177,7 @@ void CbcEngine::search(const LinearForm& form, Watch& watch, SolverResult& resul
   constexpr int kLittleLeft = -4;
   if (!isLargeSystem(form)) model.setFastNodeDepth(kLittleLeft);
   model.initialSolve();
+  settleDoubt(form, *model.solver());
   // The search and its cuts take a best point of the linear problem for granted.
   if (!model.solver()->isProvenOptimal()) {
     result.outcome = watch.mustStop() ? watch.reason() : Outcome::failed;

@@ -28,7 +28,6 @@ class CbcEngine : public IntegerEngine {
   LinearForm form_;
   ClpProgram program_;
   std::vector<double> start_;  // empty: none
-  bool loaded_ = false;
 };
 
 }  // namespace lomu

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "providers/model/solvers/cbc_engine.h"
+#include "providers/model/solvers/choice_search.h"
 #include "providers/model/solvers/column_by_column.h"
 #include "providers/model/solvers/point_check.h"
 #include "providers/model/solvers/solver_face.h"
@@ -15,11 +16,12 @@ bool CbcSolver::load(const SolverProblem& problem, std::string& reason) {
   LinearForm form;
   std::string why;
   const bool withSets = hasSets(problem);
-  if ((withSets && !sets_.take(problem, why)) ||
-      !form.take(withSets ? sets_.problem() : problem, why)) {
+  if (withSets) sets_.take(problem);
+  if (!form.take(withSets ? sets_.problem() : problem, why)) {
     reason = "cbc solves linear models: " + why;
     return false;
   }
+  if (withSets) form.choices = sets_.choices();
   problem_ = problem;
   form_ = std::move(form);
   return true;
@@ -37,7 +39,7 @@ void CbcSolver::solveForm(const SolverLimits& limits, SolverResult& result) {
   if (problem_.levelIsStart != 0) {
     engine.setStart(hasSets(problem_) ? sets_.problem().level : problem_.level);
   }
-  solveWithIntegers(engine, form_, watch, result);
+  solveWithChoices(engine, form_, watch, result);
 }
 
 void CbcSolver::solve(const SolverLimits& limits, SolverResult& result) {

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "providers/model/at.h"
+#include "providers/model/solvers/choice_search.h"
 #include "providers/model/solvers/claim_check.h"
 
 namespace lomu {
@@ -48,6 +50,11 @@ void solveFixed(IntegerEngine& engine, const LinearForm& form, SolverResult& res
     const double level = std::max(form.lower[j], std::min(form.upper[j], result.level[j]));
     fixed.lower[j] = fixed.upper[j] = std::round(level);
   }
+  for (const Choice& choice : form.choices) {
+    const auto isOne = [&](int binary) { return fixed.lower[at(binary)] == 1; };
+    if (std::any_of(choice.binaries.begin(), choice.binaries.end(), isOne)) continue;
+    keepFromSide(fixed, choice);
+  }
   SolverResult linear = result;
   engine.take(fixed);
   // The point is there, whatever the limits say; this only completes it.
@@ -77,6 +84,7 @@ void solveWithIntegers(IntegerEngine& engine, const LinearForm& form, Watch& wat
   if (form.hasIntegers && !engine.needsLinearFirst()) {
     engine.searchIntegers(watch, result);
     if (result.hasPoint && !hasNoEnd(engine, form, watch, result)) {
+      if (brokenChoice(form, result.level) != kNoChoice) return;
       solveFixed(engine, form, result);
       return;
     }

@@ -27,7 +27,8 @@ class IntegerEngine {
   [[nodiscard]] virtual bool needsLinearFirst() const { return true; }
 };
 
-// Solves what `engine` holds, which is `form`; at the end it holds a form of the same shape.
+// Solves what `engine` holds, which is `form`; at the end it holds a form of the same shape. A
+// point that breaks a choice of the form is left as the search found it.
 void solveWithIntegers(IntegerEngine& engine, const LinearForm& form, Watch& watch,
                        SolverResult& result);
 

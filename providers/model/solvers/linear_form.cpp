@@ -42,6 +42,7 @@ bool LinearForm::take(const SolverProblem& problem, std::string& reason) {
     reason = "the model has semi-continuous columns or special ordered sets, which cbc solves";
     return false;
   }
+  choices.clear();
   columnCount = problem.columnCount;
   rowCount = problem.rowCount;
   copyInto(cost, problem.cost, columnCount);

@@ -14,6 +14,15 @@
 
 namespace lomu {
 
+// A column that is above 0, or below it, only where one of some binary columns is 1. Where rows say
+// so too, their bound is so large that a binary column next to 0 would let it.
+struct Choice {
+  int column;
+  bool isAbove;
+  bool hasRow;
+  std::vector<int> binaries;
+};
+
 struct LinearForm {
   int columnCount = 0;
   int rowCount = 0;
@@ -23,6 +32,7 @@ struct LinearForm {
   std::vector<double> rowLower, rowUpper;
   std::vector<int> start, rowOf;
   std::vector<double> value;
+  std::vector<Choice> choices;  // which only solveWithChoices knows; empty after take()
 
   // Takes the problem over; false with the reason, and then without a meaning, when it is not
   // linear or has numbers that no solver takes.

@@ -13,10 +13,14 @@ namespace lomu {
 namespace {
 
 constexpr double kNoBound = std::numeric_limits<double>::infinity();
+// A binary column is taken for 0 up to 1e-6, which lets a column be this times as much: from here
+// on a row tells too little, and from there on it misleads the search.
+constexpr double kLooseTie = 1e3;
+constexpr double kLargestTie = 1e5;
 
 }  // namespace
 
-bool SetForm::take(const SolverProblem& problem, std::string& reason) {
+void SetForm::take(const SolverProblem& problem) {
   cost_.assign(problem.cost, problem.cost + problem.columnCount);
   lower_.assign(problem.lower, problem.lower + problem.columnCount);
   upper_.assign(problem.upper, problem.upper + problem.columnCount);
@@ -26,13 +30,12 @@ bool SetForm::take(const SolverProblem& problem, std::string& reason) {
   rowLower_.assign(problem.rowLower, problem.rowLower + problem.rowCount);
   rowUpper_.assign(problem.rowUpper, problem.rowUpper + problem.rowCount);
   entries_.clear();
+  choices_.clear();
   Reach reach(problem);
   reachesLower_ = std::move(reach.lower);
   reachesUpper_ = std::move(reach.upper);
-  if (problem.isSemiContinuous != nullptr && !addSemiContinuous(problem, reason)) return false;
-  for (int s = 0; s < problem.setCount; ++s) {
-    if (!addSet(problem, problem.sets[s], reason)) return false;
-  }
+  if (problem.isSemiContinuous != nullptr) addSemiContinuous(problem);
+  for (int s = 0; s < problem.setCount; ++s) addSet(problem, problem.sets[s]);
   takeMatrix(problem);
 
   problem_ = problem;
@@ -55,11 +58,10 @@ bool SetForm::take(const SolverProblem& problem, std::string& reason) {
   problem_.setWeights = nullptr;
   // Values of the added rows move with the bounds.
   problem_.coefficientsAsOf = 0;
-  return true;
 }
 
 // lower * binary <= column <= upper * binary, by the column's bounds, which then take 0 in.
-bool SetForm::addSemiContinuous(const SolverProblem& problem, std::string& reason) {
+void SetForm::addSemiContinuous(const SolverProblem& problem) {
   for (int j = 0; j < problem.columnCount; ++j) {
     if (problem.isSemiContinuous[j] == 0) continue;
     const double lower = lower_[at(j)];
@@ -71,7 +73,7 @@ bool SetForm::addSemiContinuous(const SolverProblem& problem, std::string& reaso
       lower_[at(j)] = upper_[at(j)] = 0;
       continue;
     }
-    if (!tie(j, {addBinary(level_[at(j)] != 0)}, reason)) return false;
+    tie(j, {addBinary(level_[at(j)] != 0)});
     const int row = addRow(0);
     // The bound next to 0.
     entries_.push_back({row, j, lower > 0 ? -1.0 : 1.0});
@@ -79,12 +81,11 @@ bool SetForm::addSemiContinuous(const SolverProblem& problem, std::string& reaso
     lower_[at(j)] = std::min(lower, 0.0);
     upper_[at(j)] = std::max(upper, 0.0);
   }
-  return true;
 }
 
-bool SetForm::addSet(const SolverProblem& problem, const ztbSolverSet& set, std::string& reason) {
+void SetForm::addSet(const SolverProblem& problem, const ztbSolverSet& set) {
   // So few members are never too many.
-  if (set.count <= set.kind) return true;
+  if (set.count <= set.kind) return;
   const int* const columns = problem.setColumns + set.first;
   const int first = static_cast<int>(cost_.size());
   const int count = set.count + 1 - set.kind;
@@ -96,9 +97,8 @@ bool SetForm::addSet(const SolverProblem& problem, const ztbSolverSet& set, std:
     for (int k = member + 1 - set.kind; k <= member; ++k) {
       if (k >= 0 && k < count) binaries.push_back(first + k);
     }
-    if (!tie(columns[member], binaries, reason)) return false;
+    tie(columns[member], binaries);
   }
-  return true;
 }
 
 int SetForm::addBinary(bool isOne) {
@@ -116,26 +116,19 @@ int SetForm::addRow(double upper) {
   return static_cast<int>(rowLower_.size()) - 1;
 }
 
-bool SetForm::tie(int column, const std::vector<int>& binaries, std::string& reason) {
-  const double upper = std::max(reachesUpper_[at(column)], 0.0);
-  const double lower = std::min(reachesLower_[at(column)], 0.0);
-  if (std::isinf(upper) || std::isinf(lower)) {
-    reason = "column #" + std::to_string(column) +
-             " is semi-continuous or in a special ordered set and has no finite bounds, which the "
-             "search needs, nor do rows imply any";
-    return false;
-  }
-  if (upper > 0) {
-    const int row = addRow(0);
-    entries_.push_back({row, column, 1});
-    for (const int binary : binaries) entries_.push_back({row, binary, -upper});
-  }
-  if (lower < 0) {
-    const int row = addRow(0);
-    entries_.push_back({row, column, -1});
-    for (const int binary : binaries) entries_.push_back({row, binary, lower});
-  }
-  return true;
+void SetForm::tie(int column, const std::vector<int>& binaries) {
+  tieSide(column, 1, std::max(reachesUpper_[at(column)], 0.0), binaries);
+  tieSide(column, -1, std::max(-reachesLower_[at(column)], 0.0), binaries);
+}
+
+void SetForm::tieSide(int column, double sign, double reach, const std::vector<int>& binaries) {
+  if (reach == 0) return;
+  const bool hasRow = reach <= kLargestTie;
+  if (reach > kLooseTie) choices_.push_back({column, sign > 0, hasRow, binaries});
+  if (!hasRow) return;
+  const int row = addRow(0);
+  entries_.push_back({row, column, sign});
+  for (const int binary : binaries) entries_.push_back({row, binary, -reach});
 }
 
 // The matrix by columns: those of the problem with the added entries behind their own.

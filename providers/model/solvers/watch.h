@@ -2,6 +2,7 @@
 #ifndef ZTB_PROVIDERS_MODEL_SOLVERS_WATCH_H_
 #define ZTB_PROVIDERS_MODEL_SOLVERS_WATCH_H_
 
+#include <algorithm>
 #include <chrono>
 #include <mutex>
 
@@ -23,7 +24,16 @@ class Watch {
   bool waitFor(std::unique_lock<std::mutex>& lock);
   // Tells the caller how far a search is; the values are those of the minimized problem.
   void tell(double objective, double bound) const {
-    if (limits_.progress != nullptr) limits_.progress(limits_.context, objective, bound);
+    if (limits_.progress == nullptr) return;
+    limits_.progress(limits_.context, isPart_ ? partObjective_ : objective,
+                     isPart_ ? std::min(bound, partBound_) : bound);
+  }
+  // From now on a part of the search is told of: the best objective is that of all of it, and the
+  // rest may hold anything down to `bound`.
+  void tellOfPart(double objective, double bound) {
+    isPart_ = true;
+    partObjective_ = objective;
+    partBound_ = bound;
   }
   // Why mustStop() is true: timeLimit or terminated.
   [[nodiscard]] Outcome reason() const { return reason_; }
@@ -43,6 +53,9 @@ class Watch {
   SolverLimits limits_;
   std::chrono::steady_clock::time_point begin_;
   bool stopped_ = false;
+  bool isPart_ = false;
+  double partObjective_ = 0;
+  double partBound_ = 0;
   Outcome reason_ = Outcome::timeLimit;
 };
 
