@@ -320,6 +320,27 @@ TEST_P(Live, recoversFromInfeasibleAndUnboundedSteps) {
   step(*live, model);
 }
 
+// Covers of the edges of a ring of five: every column at a half. A coefficient 2 then makes the
+// levels 1/3 and 2/3 in turn, by the marginals 1/3, 2/3, 1/3, 2/3, 1/3 of the rows.
+TEST_P(Live, aMatrixOfOnesTakesAnotherNumber) {
+  SmallModel model;
+  constexpr std::size_t kRing = 5;
+  for (std::size_t j = 0; j < kRing; ++j) model.column(1, 0, kInf);
+  for (std::size_t i = 0; i < kRing; ++i) {
+    std::vector<double> ends(kRing, 0.0);
+    ends[i] = ends[(i + 1) % kRing] = 1;
+    model.row(ends, 1, kInf);
+  }
+  const auto live = openSolver(GetParam());
+  std::string reason;
+  ASSERT_TRUE(live->load(model.problem(), reason)) << reason;
+  EXPECT_NEAR(model.objective(solveLive(*live, model).level), 5.0 / 2, 1e-9);
+  model.rows[0][0] = 2;
+  ASSERT_TRUE(live->update(model.problem()));
+  EXPECT_NEAR(model.objective(solveLive(*live, model).level), 7.0 / 3, 1e-9);
+  EXPECT_NEAR(model.objective(solveFresh(GetParam(), model).level), 7.0 / 3, 1e-9);
+}
+
 TEST_P(Live, takesAnotherProblemInThePlaceOfTheFirst) {
   RandomModel first(3, 10, 8, 0.5);
   RandomModel second(4, 15, 6, 0.5);

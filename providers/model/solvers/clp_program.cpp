@@ -120,6 +120,9 @@ void ClpProgram::runFresh(Watch& watch) {
   ClpSolve choice;
   choice.setSolveType(watch.wantsBarrier() ? ClpSolve::useBarrier : ClpSolve::automatic);
   choice.setPresolveType(ClpSolve::presolveOn, kPresolvePasses);
+  // A matrix of ones alone is taken for such: set covers in half the time.
+  constexpr int kMatrixOfOnes = 3;
+  choice.setSpecialOption(kMatrixOfOnes, 0);
   leaveInterrupts(choice);
   simplex_.initialSolve(choice);
   simplex_.setPerturbation(perturbation);
