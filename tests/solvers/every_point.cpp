@@ -61,33 +61,40 @@ class RandomRows {
 };
 
 bool leaves(const lomu::LinearForm& form, IntegerPoint& point) {
-  const std::size_t last = form.cost.size() - 1;
-  point.least = form.lower[last];
-  point.most = form.upper[last];
+  point.least = form.lower[point.moving];
+  point.most = form.upper[point.moving];
   std::vector<double> activity(form.rowLower.size());
-  std::vector<double> ofLast(form.rowLower.size());
-  for (std::size_t j = 0; j <= last; ++j) {
+  std::vector<double> ofMoving(form.rowLower.size());
+  for (std::size_t j = 0; j < form.cost.size(); ++j) {
     for (int e = form.start[j]; e < form.start[j + 1]; ++e) {
       const auto i = static_cast<std::size_t>(form.rowOf[static_cast<std::size_t>(e)]);
       const double value = form.value[static_cast<std::size_t>(e)];
-      if (j < last) {
+      if (j != point.moving) {
         activity[i] += value * point.level[j];
       } else {
-        ofLast[i] += value;
+        ofMoving[i] += value;
       }
     }
   }
   for (std::size_t i = 0; i < activity.size(); ++i) {
     const double low = form.rowLower[i] - activity[i];
     const double high = form.rowUpper[i] - activity[i];
-    if (ofLast[i] == 0) {
+    if (ofMoving[i] == 0) {
       if (low > kTiny || high < -kTiny) return false;
       continue;
     }
-    point.least = std::max(point.least, (ofLast[i] > 0 ? low : high) / ofLast[i]);
-    point.most = std::min(point.most, (ofLast[i] > 0 ? high : low) / ofLast[i]);
+    point.least = std::max(point.least, (ofMoving[i] > 0 ? low : high) / ofMoving[i]);
+    point.most = std::min(point.most, (ofMoving[i] > 0 ? high : low) / ofMoving[i]);
   }
   return point.least <= point.most + kTiny;
+}
+
+std::size_t movingColumnOf(const lomu::LinearForm& form) {
+  std::size_t moving = form.cost.size() - 1;
+  for (std::size_t j = 0; j < form.cost.size(); ++j) {
+    if (form.isInteger[j] == 0 && form.lower[j] < form.upper[j]) moving = j;
+  }
+  return moving;
 }
 
 }  // namespace
@@ -98,29 +105,32 @@ SmallModel randomSmallIntegers(unsigned seed) {
 
 void forEveryPoint(const lomu::LinearForm& form,
                    const std::function<void(const IntegerPoint&)>& visit) {
-  const std::size_t integers = form.cost.size() - 1;
-  IntegerPoint point{{form.lower.begin(), form.lower.end() - 1}, 0, 0};
-  for (std::size_t j = 0; j < integers; ++j) {
+  IntegerPoint point{form.lower, movingColumnOf(form), 0, 0};
+  for (std::size_t j = 0; j < form.cost.size(); ++j) {
     if (form.lower[j] > form.upper[j]) return;
   }
   for (;;) {
-    if (leaves(form, point)) visit(point);
+    const bool isLeft = leaves(form, point);
+    point.level[point.moving] = point.least;
+    if (isLeft) visit(point);
     std::size_t j = 0;
-    while (j < integers && point.level[j] >= form.upper[j]) {
+    while (j < form.cost.size() && (j == point.moving || point.level[j] >= form.upper[j])) {
       point.level[j] = form.lower[j];
       ++j;
     }
-    if (j == integers) return;
+    if (j == form.cost.size()) return;
     ++point.level[j];
   }
 }
 
 double bestOfEveryPoint(const lomu::LinearForm& form) {
   double best = kInf;
-  const double cost = form.cost.back();
   forEveryPoint(form, [&](const IntegerPoint& point) {
-    double objective = cost == 0 ? 0 : cost * (cost > 0 ? point.least : point.most);
-    for (std::size_t j = 0; j < point.level.size(); ++j) objective += form.cost[j] * point.level[j];
+    double objective = 0;
+    for (std::size_t j = 0; j < point.level.size(); ++j) {
+      const bool isHigh = j == point.moving && form.cost[j] < 0;
+      if (form.cost[j] != 0) objective += form.cost[j] * (isHigh ? point.most : point.level[j]);
+    }
     best = std::min(best, objective);
   });
   return best;

@@ -15,15 +15,17 @@ namespace ztbtest {
 // with coefficients that are whole or tenths. Integers have up to four values, most two.
 SmallModel randomSmallIntegers(unsigned seed);
 
-// The integers' levels with the interval that they leave the last column.
+// Levels of all columns with the interval that they leave the one that is no integer, whose level
+// here is the least of it.
 struct IntegerPoint {
   std::vector<double> level;
+  std::size_t moving;  // the one
   double least, most;
 };
 
-// Calls `visit` with each choice of integers within bounds that leaves the last column something
-// within bounds and rows, with a room of 1e-9. REQUIRES integers with finite bounds and one last
-// column that is none.
+// Calls `visit` with each choice of integers within bounds that leaves the other column something
+// within bounds and rows, with a room of 1e-9. REQUIRES columns that are integers with finite
+// bounds or stand still, but for one at most, and one that is no integer.
 void forEveryPoint(const lomu::LinearForm& form,
                    const std::function<void(const IntegerPoint&)>& visit);
 

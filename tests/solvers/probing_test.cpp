@@ -135,6 +135,26 @@ TEST_F(Probing, changesNeitherPointNorMarginalsNorBoundOfASolve) {
   EXPECT_NEAR(result.bound, 27.5, 1e-6);
 }
 
+// a + b = 1, and c = 5 a by two rows: b and c follow from a.
+TEST_F(Probing, findsIntegersThatFollowFromAnother) {
+  binaries(2);
+  model_.column(0, 0, 5, true);
+  model_.row({1, 1, 0}, 1, 1);
+  model_.row({-5, 0, 1}, 0, kInf);
+  model_.row({0, 5, 1}, -kInf, 5);
+  std::string reason;
+  ASSERT_TRUE(form_.take(model_.problem(), reason)) << reason;
+  Watch watch{SolverLimits{}};
+  std::vector<lomu::Tie> ties;
+  lomu::probeIntegers(form_, watch, 0, &ties);
+  ASSERT_EQ(ties.size(), 2U);
+  for (const lomu::Tie& tie : ties) {
+    EXPECT_EQ(tie.other, 0);
+    EXPECT_EQ(tie.offset, tie.column == 1 ? 1 : 0);
+    EXPECT_EQ(tie.factor, tie.column == 1 ? -1 : 5);
+  }
+}
+
 // Every choice of integers that bounds and rows allow is left, and what it leaves the last column.
 TEST_F(Probing, losesNoPoint) {
   constexpr unsigned kProblems = 3000;
@@ -149,7 +169,7 @@ TEST_F(Probing, losesNoPoint) {
     const bool isChanged = lomu::probeIntegers(form_, watch, 0);
     if (isChanged && (form_.lower != whole.lower || form_.upper != whole.upper)) ++changed;
     forEveryPoint(whole, [&](const IntegerPoint& point) {
-      for (std::size_t j = 0; j < point.level.size(); ++j) {
+      for (std::size_t j = 0; j + 1 < point.level.size(); ++j) {
         ASSERT_LE(form_.lower[j], point.level[j]) << j;
         ASSERT_GE(form_.upper[j], point.level[j]) << j;
       }

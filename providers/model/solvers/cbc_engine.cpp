@@ -15,6 +15,7 @@
 #include "providers/model/solvers/cover_cuts.h"
 #include "providers/model/solvers/cut_generator.h"
 #include "providers/model/solvers/probing.h"
+#include "providers/model/solvers/reduction.h"
 #include "providers/model/solvers/rounding_cuts.h"
 
 namespace lomu {
@@ -111,6 +112,15 @@ void settleDoubt(const LinearForm& form, OsiSolverInterface& solver) {
   clp->setWarmStart(nullptr);
 }
 
+// Whether a search of what a reduction leaves can be expected to take less: with little of the
+// problem gone it only goes another way.
+bool isWorthIt(const LinearForm& form, const Reduction& reduction) {
+  constexpr double kWorthIt = 0.1;
+  const auto entries = static_cast<double>(form.value.size());
+  const auto left = static_cast<double>(reduction.small().value.size());
+  return left <= (1 - kWorthIt) * entries;
+}
+
 Outcome outcomeOf(const CbcModel& model, const Watch& watch) {
   if (watch.stopped()) return watch.reason();
   if (model.isProvenOptimal() && model.bestSolution() != nullptr) return Outcome::optimal;
@@ -118,6 +128,15 @@ Outcome outcomeOf(const CbcModel& model, const Watch& watch) {
   if (model.isSecondsLimitReached()) return Outcome::timeLimit;
   if (model.status() == 1) return Outcome::iterationLimit;
   return Outcome::failed;
+}
+
+// Of a search that ended with an optimum: where a cutoff ended it, Cbc's own bound is still that of
+// the last node.
+double provenBound(const CbcModel& model, double relativeGap) {
+  const double objective = model.getObjValue();
+  const double told = model.getBestPossibleObjValue();
+  const double room = relativeGap * std::max(std::abs(objective), std::abs(told));
+  return std::min(objective, std::max(told, objective - room));
 }
 
 }  // namespace
@@ -158,17 +177,46 @@ void CbcEngine::searchIntegers(Watch& watch, SolverResult& result) {
     return;
   }
   result.startTaken = completeStart(watch, result);
-  LinearForm probed = form_;
-  const bool isProbed = probeIntegers(probed, watch);
-  search(probed, watch, result);
-  // That there is none is what the problem itself is to say.
-  if (isProbed && !result.hasPoint && !watch.mustStop() &&
-      (result.outcome == Outcome::infeasible || result.outcome == Outcome::failed)) {
-    search(form_, watch, result);
+  if (searchReduced(watch, result)) return;
+  if (watch.mustStop() && !result.startTaken) {
+    result.outcome = watch.reason();
+    return;
   }
+  const std::vector<double> point = search(form_, start_, watch, result);
+  result.hasPoint = !point.empty();
+  std::ranges::copy(point, result.level.begin());
 }
 
-void CbcEngine::search(const LinearForm& form, Watch& watch, SolverResult& result) {
+bool CbcEngine::searchReduced(Watch& watch, SolverResult& result) {
+  Reduction reduction(form_, result.startTaken, watch);
+  if (!reduction.run()) return false;
+  LinearForm probed = reduction.small();
+  std::vector<Tie> ties;
+  if (probeIntegers(probed, watch, 0, &ties) &&
+      !(reduction.take(probed, ties) && reduction.run())) {
+    return false;
+  }
+  const LinearForm& small = reduction.small();
+  std::vector<double> point;
+  if (small.columnCount == 1) {
+    point = {1};
+    result.outcome = Outcome::optimal;
+    result.bound = small.cost[0];
+  } else {
+    if (small.rowCount == 0 || watch.stopped() || !isWorthIt(form_, reduction)) return false;
+    point = search(small, result.startTaken ? reduction.part(start_) : start_, watch, result);
+  }
+  if (point.empty()) {
+    return result.outcome != Outcome::infeasible && result.outcome != Outcome::failed;
+  }
+  const std::vector<double> whole = reduction.whole(point.data());
+  result.hasPoint = true;
+  std::ranges::copy(whole, result.level.begin());
+  return true;
+}
+
+std::vector<double> CbcEngine::search(const LinearForm& form, const std::vector<double>& start,
+                                      Watch& watch, SolverResult& result) {
   CbcInterface interface(form);
   LinearStopHandler linearHandler(&watch);
   interface.getModelPtr()->passInEventHandler(&linearHandler);
@@ -194,17 +242,15 @@ void CbcEngine::search(const LinearForm& form, Watch& watch, SolverResult& resul
   if (!model.solver()->isProvenOptimal()) {
     result.outcome = watch.mustStop() ? watch.reason() : Outcome::failed;
     result.reason = "cbc found no best point of the linear problem";
-    result.hasPoint = result.startTaken && watch.stopped();
-    if (result.hasPoint) std::copy(start_.begin(), start_.end(), result.level.begin());
-    return;
+    return result.startTaken && watch.stopped() ? start : std::vector<double>();
   }
   double bound = model.solver()->getObjValue();
   const StopHandler handler(&watch, &bound);
   model.passInEventHandler(&handler);
   if (result.startTaken) {
     double cost = 0;
-    for (std::size_t j = 0; j < start_.size(); ++j) cost += form_.cost[j] * start_[j];
-    std::vector<double> point = start_;
+    for (std::size_t j = 0; j < start.size(); ++j) cost += form.cost[j] * start[j];
+    std::vector<double> point = start;
     point.resize(static_cast<std::size_t>(interface.getNumCols()));
     model.setBestSolution(point.data(), interface.getNumCols(), cost, true);
   }
@@ -213,15 +259,15 @@ void CbcEngine::search(const LinearForm& form, Watch& watch, SolverResult& resul
   result.iterations += model.getIterationCount();
   result.outcome = outcomeOf(model, watch);
   const double* best = model.bestSolution();
-  if (best == nullptr && result.startTaken) best = start_.data();
-  result.hasPoint = best != nullptr;
+  if (best == nullptr && result.startTaken) best = start.data();
   constexpr double kNoBound = 1e30;
-  if (result.outcome == Outcome::optimal) bound = model.getBestPossibleObjValue();
+  if (result.outcome == Outcome::optimal) bound = provenBound(model, watch.relativeGap());
   if (std::abs(bound) < kNoBound) result.bound = bound;
   if (result.outcome == Outcome::failed) {
     result.reason = "cbc gave up with status " + std::to_string(model.status());
   }
-  if (result.hasPoint) std::copy(best, best + form_.columnCount, result.level.begin());
+  return best == nullptr ? std::vector<double>()
+                         : std::vector<double>(best, best + form.columnCount);
 }
 
 }  // namespace lomu

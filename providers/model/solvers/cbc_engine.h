@@ -22,8 +22,12 @@ class CbcEngine : public IntegerEngine {
 
  private:
   bool completeStart(Watch& watch, SolverResult& result);
-  // Searches `form`, which is form_, or that with narrower bounds.
-  void search(const LinearForm& form, Watch& watch, SolverResult& result);
+  // Searches a form from `start`, where one was taken, and returns the best point or none.
+  std::vector<double> search(const LinearForm& form, const std::vector<double>& start, Watch& watch,
+                             SolverResult& result);
+  // Searches what a reduction leaves of the form. False where that is the form itself, or told no
+  // point: that there is none is what the whole problem is to say.
+  bool searchReduced(Watch& watch, SolverResult& result);
 
   LinearForm form_;
   ClpProgram program_;

@@ -34,6 +34,7 @@ class Prober {
   }
 
   std::vector<double> lower, upper;
+  std::vector<Tie> ties;
 
  private:
   // What a row can come to: finite parts, how many are infinite, and its largest term.
@@ -74,6 +75,7 @@ class Prober {
   std::vector<Interval> before_;  // bounds as they were, to be put back
   std::vector<int> rows_;         // that are to be looked at
   std::vector<char> isWaiting_;
+  std::vector<char> isTied_;
   double work_;
 };
 
@@ -86,6 +88,7 @@ Prober::Prober(const LinearForm& form, Watch& watch)
       columnOf_(form.value.size()),
       value_(form.value.size()),
       isWaiting_(at(form.rowCount)),
+      isTied_(at(form.columnCount)),
       work_(kWorkPerEntry * static_cast<double>(form.value.size())) {
   for (const int i : form.rowOf) ++rowStart_[at(i) + 1];
   for (std::size_t i = 1; i < rowStart_.size(); ++i) rowStart_[i] += rowStart_[i - 1];
@@ -230,7 +233,13 @@ bool Prober::probe(int j, bool& changed) {
     if (one.column == j || other == below.end() || other->column != one.column) continue;
     const double from = std::min(one.lower, other->lower);
     const double to = std::max(one.upper, other->upper);
-    if (form_.isInteger[at(one.column)] != 0) common.push_back({one.column, from, to});
+    if (form_.isInteger[at(one.column)] == 0) continue;
+    common.push_back({one.column, from, to});
+    if (one.lower != one.upper || other->lower != other->upper || from == to) continue;
+    const double factor = one.lower - other->lower;
+    if (isTied_[at(j)] == 0 && std::exchange(isTied_[at(one.column)], char{1}) == 0) {
+      ties.push_back({one.column, j, other->lower - factor * low, factor});
+    }
   }
   for (const Interval& one : common) {
     if (one.lower <= lower[at(one.column)] && one.upper >= upper[at(one.column)]) continue;
@@ -265,7 +274,7 @@ bool isNear(double implied, double own) {
 
 }  // namespace
 
-bool probeIntegers(LinearForm& form, Watch& watch, double share) {
+bool probeIntegers(LinearForm& form, Watch& watch, double share, std::vector<Tie>* ties) {
   Prober prober(form, watch);
   if (!prober.run()) return false;
   int movable = 0;
@@ -275,6 +284,7 @@ bool probeIntegers(LinearForm& form, Watch& watch, double share) {
     ++movable;
     if (prober.lower[j] == prober.upper[j]) ++still;
   }
+  if (ties != nullptr) *ties = std::move(prober.ties);
   if (movable == 0 || still < share * movable) return false;
   for (std::size_t j = 0; j < form.isInteger.size(); ++j) {
     if (form.isInteger[j] != 0) {
