@@ -1,5 +1,8 @@
 // Reads the records of a model's symbol out of the model.
 
+#include <algorithm>
+#include <array>
+#include <cstddef>
 #include <stdexcept>
 #include <string>
 
@@ -53,6 +56,48 @@ void readRow(void* pbi, int row, int rowType, double* values) {
   values[ZTB_UPPER] = upper;
 }
 
+// Records on their way into a symbol, some at a time. One whose key is not above that of the one
+// before goes in at once, so that a store that refuses it does so then.
+class RecordsToCome {
+ public:
+  // REQUIRES: the symbol's keys have room in a KeyBuffer.
+  explicit RecordsToCome(AbstractZTBSymbol& symbol)
+      : symbol_(symbol),
+        dim_(static_cast<std::size_t>(symbol.dim)),
+        slots_(static_cast<std::size_t>(dmap::slotCount(symbol.type))) {}
+
+  void add(const int* keys, const double* values) {
+    const bool ascends =
+        isFirst_ || std::lexicographical_compare(last_, last_ + dim_, keys, keys + dim_);
+    if (count_ == most) {
+      put();
+    }
+    last_ = std::copy_n(keys, dim_, keys_.data() + count_ * dim_) - dim_;
+    std::copy_n(values, slots_, values_.data() + count_ * slots_);
+    ++count_;
+    isFirst_ = false;
+    if (!ascends) {
+      put();
+    }
+  }
+  void put() {
+    symbol_.insertRecordsAtPosition(keys_.data(), values_.data(), static_cast<int>(count_));
+    count_ = 0;
+  }
+
+ private:
+  static constexpr std::size_t most = 32;
+
+  AbstractZTBSymbol& symbol_;
+  std::size_t dim_;
+  std::size_t slots_;
+  std::size_t count_ = 0;
+  bool isFirst_ = true;
+  const int* last_ = nullptr;  // the key of the last one, which stays when it is put
+  std::array<int, most* dmap::maxDimension> keys_ = {};
+  std::array<double, most* dmap::maxSlots> values_ = {};
+};
+
 }  // namespace
 
 void ZTB::LoadSymbolFromModel(AbstractZTBSymbol& symbol, void* rxfFile) {
@@ -71,6 +116,7 @@ void ZTB::LoadSymbolFromModel(AbstractZTBSymbol& symbol, void* rxfFile) {
   const int rowType = type == dictionaryEquation && !walk.atEnd()
                           ? peers::pbiGetEquTypeOne(pbi, walk.current())
                           : 0;
+  RecordsToCome records(symbol);
   for (; !walk.atEnd(); walk.next()) {
     double values[dmap::maxSlots] = {};
     if (type == dictionaryVariable) {
@@ -82,9 +128,10 @@ void ZTB::LoadSymbolFromModel(AbstractZTBSymbol& symbol, void* rxfFile) {
     if (rxfFile != nullptr) {
       peers::rxfDataWriteRaw(rxfFile, keys.data(), values);
     } else {
-      symbol.insertRecordAtPosition(keys.data(), values);
+      records.add(keys.data(), values);
     }
   }
+  records.put();
 }
 
 }  // namespace ztb

@@ -123,6 +123,11 @@ class AbstractZTBSymbol {
   virtual bool seekInSlice(dmap::IDMapIterator& position, const int* mask, bool forward) = 0;
   // `storeRecord` without a handle: whether the store took or had the record.
   virtual bool putRecord(const int* keys, const double* values, bool overwrite) = 0;
+  // `insertRecordAtPosition` for `count` records, the keys and the values of each behind those of
+  // the one before.
+  virtual void insertRecordsAtPosition(const int* keys, const double* values, int count) = 0;
+  // One slot of all records, in the store's order. REQUIRES: the records have that slot.
+  virtual void copySlot(std::size_t slot, double* to) = 0;
   // Inserts all records of a symbol on another store into this one, which is new.
   virtual void takeRecords(AbstractZTBSymbol& source) = 0;
   // Leaves the symbol without records, for others that take their place: whatever comes next is

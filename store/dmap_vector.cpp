@@ -202,6 +202,53 @@ void DMapVector::insertFollowing(const int* keys, const double* values, VectorIt
   hint = insertHint(keys, values, hint);
 }
 
+// Whether `insertFollowing` would append each of these records, of which there are some.
+bool DMapVector::allFollow(const int* keys, int count, const VectorIterator& hint) const {
+  if (width_ == 0 || count > std::numeric_limits<int>::max() - rowCount_) {
+    return false;
+  }
+  const int last = rowCount_ - 1;
+  if (last >= 0 && (hint.row() != last || compareKeys(keys, keysAt(last), width_) <= 0)) {
+    return false;
+  }
+  for (int k = 1; k < count; ++k, keys += width_) {
+    if (compareKeys(keys + width_, keys, width_) <= 0) {
+      return false;
+    }
+  }
+  return true;
+}
+
+void DMapVector::insertAllFollowing(const int* keys, const double* values, int count,
+                                    VectorIterator& hint) {
+  if (count == 0) {
+    return;
+  }
+  if (!allFollow(keys, count, hint)) {
+    for (int k = 0; k < count; ++k) {
+      insertFollowing(keys, values, hint);
+      keys += width_;
+      values += slots_;
+    }
+    return;
+  }
+  const int rows = rowCount_ + count;
+  if (rows > rowsOfMemory_) {
+    growMemory(static_cast<std::size_t>(rows));
+  }
+  if (rows > rowCapacity_) {
+    rowCapacity_ = rows;
+    keyArray_.setSize(static_cast<std::size_t>(rows) * width_);
+    valueArray_.setSize(static_cast<std::size_t>(rows) * slots_);
+  }
+  const auto first = static_cast<std::size_t>(rowCount_);
+  const auto added = static_cast<std::size_t>(count);
+  std::copy_n(keys, added * width_, keyArray_.data() + first * width_);
+  std::copy_n(values, added * slots_, valueArray_.data() + first * slots_);
+  rowCount_ = rows;
+  hint = at(rows - 1);
+}
+
 VectorIterator DMapVector::insertOrAssign(const VectorIterator& /*hint*/, const int* keys,
                                           const double* values) {
   if (dim_ == 0) {
@@ -330,6 +377,13 @@ HeldValues DMapVector::holdValues() {
 
 int DMapVector::indexOf(const VectorIterator& position) {
   return position.row() < rowCount_ ? position.row() : -1;
+}
+
+void DMapVector::copySlot(std::size_t slot, double* to) const {
+  const double* values = valueArray_.data() + slot;
+  for (int row = 0; row < size(); ++row, values += slots_) {
+    to[row] = *values;
+  }
 }
 
 VectorIterator DMapVector::iteratorAt(int index) {

@@ -42,6 +42,9 @@ class DMapVector final : public IDMap<VectorIterator> {
   VectorIterator insertHint(const int* keys, const double* values,
                             const VectorIterator& hint) override;
   void insertFollowing(const int* keys, const double* values, VectorIterator& hint) override;
+  // The same for `count` records, one after the other: where they ascend behind the last row, they
+  // are copied together.
+  void insertAllFollowing(const int* keys, const double* values, int count, VectorIterator& hint);
   // Overwrites the row where the lower bound stands, whatever its key; appends when that is `end`.
   VectorIterator insertOrAssign(const VectorIterator& hint, const int* keys,
                                 const double* values) override;
@@ -80,6 +83,8 @@ class DMapVector final : public IDMap<VectorIterator> {
 
   // The values of all records of a store with one slot, for somebody who drops them.
   [[nodiscard]] HeldValues holdValues();
+  // One slot of all records, in their order.
+  void copySlot(std::size_t slot, double* to) const;
   // Comes before any writing through a RecordView.
   void ownValues() { valueArray_.own(); }
 
@@ -112,6 +117,7 @@ class DMapVector final : public IDMap<VectorIterator> {
   void setScalar(const double* values);
   VectorIterator keepPresent(int row);
   [[nodiscard]] bool fitsBefore(int row, const int* keys) const;
+  [[nodiscard]] bool allFollow(const int* keys, int count, const VectorIterator& hint) const;
   template <class Order>
   [[nodiscard]] int boundRow(const Order& order) const;
   [[nodiscard]] bool ascends();

@@ -223,6 +223,30 @@ class ZTBSymbol final : public AbstractZTBSymbol {
     return !lastPosition_.isNull();
   }
 
+  void insertRecordsAtPosition(const int* keys, const double* values, int count) override {
+    if constexpr (requires { &Store::insertAllFollowing; }) {
+      store_.insertAllFollowing(keys, values, count, lastPosition_);
+    } else {
+      const int slots = dmap::slotCount(type);
+      for (int record = 0; record < count; ++record) {
+        store_.insertFollowing(keys, values, lastPosition_);
+        keys += dim;
+        values += slots;
+      }
+    }
+  }
+
+  void copySlot(std::size_t slot, double* to) override {
+    if constexpr (requires { store_.copySlot(slot, to); }) {
+      store_.copySlot(slot, to);
+    } else {
+      walk([&](const dmap::RecordView& record) {
+        *to++ = record.values[slot];
+        return true;
+      });
+    }
+  }
+
   void takeRecords(AbstractZTBSymbol& source) override {
     source.forEachRecord(
         [this](const int* keys, const double* values) { insertRecord(keys, values); });

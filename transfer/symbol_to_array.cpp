@@ -9,6 +9,7 @@
 #include "core/frame.h"
 #include "core/handles.h"
 #include "core/operations.h"
+#include "exchange/special_values.h"
 #include "transfer/domain_checks.h"
 
 namespace ztb {
@@ -120,8 +121,13 @@ int denseToDense(ZTB& db, void* cells, const int* vDim, void* sym, int field) {
   if (!selectField(db, *symbol, field)) {
     return failure;
   }
-  std::int64_t cell = 0;
-  symbol->forEachValue([&](const double* values) { cube.put(cell++, db.mapOut(values[field])); });
+  auto* const values = static_cast<double*>(cells);
+  symbol->copySlot(static_cast<std::size_t>(field), values);
+  for (std::int64_t cell = 0; cell < size; ++cell) {
+    if (!isOrdinary(values[cell])) {
+      values[cell] = db.mapOut(values[cell]);
+    }
+  }
   return success;
 }
 

@@ -177,6 +177,41 @@ TEST_F(Solution, isReadByEveryStoreInOrder) {
   }
 }
 
+// More records than go into a store at a time.
+TEST_F(Solution, ofManyColumnsIsReadWhole) {
+  for (const int store : {0, 1, 2}) {
+    SCOPED_TRACE(store);
+    model_.reset();
+    Lines expected;
+    for (int k = 1; k <= 100; ++k) {
+      const std::string label = "l" + std::to_string(1000 + k);
+      model_.addLabel(label.c_str());
+      expected.push_back(label + " : " + std::to_string(k) + " 0.5 0 inf 1");
+    }
+    symbol("many", 1, 5);
+    for (int k = 1; k <= 100; ++k) column({k}, {static_cast<double>(k), 0.5, 0, infinity, 1});
+    renew();
+    lib().c__ztbselectrecordstorage(db(), nullptr, store);
+    prepare();
+    EXPECT_EQ(expected, records("many"));
+  }
+}
+
+// A store that keeps what comes as it comes says so when the column is there, not later.
+TEST_F(Solution, thatDoesNotAscendEndsWhereTheVectorStoreRefusesIt) {
+  model_.reset();
+  for (const char* label : {"a", "b", "c", "d", "e"}) model_.addLabel(label);
+  symbol("mixed", 1, 5);
+  for (const int label : {1, 3, 4, 2, 5}) column({label}, {1, 0, 0, infinity, 1});
+  renew();
+  lib().c__ztbselectrecordstorage(db(), nullptr, 1);
+  prepare();
+  EXPECT_THROW(db().recordCount(db().find("mixed")), std::runtime_error);
+  EXPECT_EQ(
+      (Lines{"dict nmtColUels 0", "dict nmtColUels 1", "dict nmtColUels 2", "dict nmtColUels 3"}),
+      log("nmtColUels"));
+}
+
 TEST_F(Solution, ofASymbolMovedToAnotherStoreUnreadIsReadThere) {
   for (const int store : {1, 2}) {
     renew();

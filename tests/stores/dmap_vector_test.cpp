@@ -203,6 +203,66 @@ TEST(VectorStore, aSortedLoadByHintOfTheLastRowNeverWarns) {
   EXPECT_EQ("", output.text());
 }
 
+// Records of dimension 1 behind the last row, or behind no row, all at once.
+VectorIterator insertAll(Vector& vector, const std::vector<int>& keys, VectorIterator hint) {
+  std::vector<double> values;
+  for (const int key : keys) values.push_back(100.0 + key);
+  vector.store.insertAllFollowing(keys.data(), values.data(), static_cast<int>(keys.size()), hint);
+  return hint;
+}
+
+TEST(VectorStore, manyAscendingRecordsFollowAtOnce) {
+  Vector vector(1);
+  VectorIterator last = insertAll(vector, {2, 3, 7}, vector.store.end());
+  EXPECT_EQ(2, last.row());
+  last = insertAll(vector, {8}, last);
+  last = insertAll(vector, {}, last);
+  EXPECT_EQ(3, last.row());
+  EXPECT_EQ((Rows{{{2}, 102}, {{3}, 103}, {{7}, 107}, {{8}, 108}}), vector.rows());
+  vector.store.clear();
+  EXPECT_EQ(1, insertAll(vector, {1, 2}, vector.store.end()).row());
+  EXPECT_EQ((Rows{{{1}, 101}, {{2}, 102}}), vector.rows());
+}
+
+TEST(VectorStore, manyRecordsOfTwoPositionsAndFiveSlotsFollow) {
+  DMapVector variable(2, 2);
+  std::vector<int> keys;
+  std::vector<double> values;
+  for (int k = 0; k < 100; ++k) {
+    keys.insert(keys.end(), {k / 10 + 1, k % 10 + 1});
+    for (int slot = 0; slot < 5; ++slot) values.push_back(10 * k + slot);
+  }
+  VectorIterator hint = variable.end();
+  variable.insertAllFollowing(keys.data(), values.data(), 60, hint);
+  variable.insertAllFollowing(keys.data() + 120, values.data() + 300, 40, hint);
+  ASSERT_EQ(100, variable.size());
+  std::vector<double> third(100);
+  variable.copySlot(3, third.data());
+  for (int k = 0; k < 100; ++k) {
+    const dmap::RecordView record = variable.iteratorAt(k).get();
+    ASSERT_EQ((Key{k / 10 + 1, k % 10 + 1}), Key(record.keys, record.keys + 2));
+    ASSERT_EQ(10.0 * k + 4, record.values[4]);
+    ASSERT_EQ(10.0 * k + 3, third[static_cast<std::size_t>(k)]);
+  }
+}
+
+// As one after the other: a key of the hint's gets a second row, silently; what goes in between the
+// hint and the row before it is put there; what sorts elsewhere throws, behind those before it.
+TEST(VectorStore, manyRecordsThatDoNotAscendGoOneByOne) {
+  Vector vector(1, keysOver({1, 3, 5}));
+  StdoutCapture output;
+  const VectorIterator last = insertAll(vector, {6, 6, 7}, vector.store.iteratorAt(2));
+  EXPECT_EQ("", output.text());
+  EXPECT_EQ((Rows{{{1}, 1}, {{3}, 2}, {{5}, 3}, {{6}, 106}, {{6}, 106}, {{7}, 107}}),
+            vector.rows());
+  EXPECT_EQ(5, last.row());
+  EXPECT_THROW(insertAll(vector, {8, 2}, last), std::logic_error);
+  EXPECT_EQ(keysOver({1, 3, 5, 6, 6, 7, 8}), vector.keys());
+  insertAll(vector, {2}, vector.store.iteratorAt(1));
+  EXPECT_EQ(keysOver({1, 2, 3, 5, 6, 6, 7, 8}), vector.keys());
+  EXPECT_THROW(insertAll(vector, {4, 5}, vector.store.iteratorAt(7)), std::logic_error);
+}
+
 TEST(VectorStore, eraseMovesLaterRowsDown) {
   Vector vector(2, {{1, 1}, {2, 2}, {3, 3}});
   vector.store.erase(vector.store.iteratorAt(1));
