@@ -384,15 +384,22 @@ void Instance::takeResult(const SolverResult& result) {
   }
 
   // Levels of rows and marginals of columns come from the model itself, products included, so that
-  // every solver leaves the same for the same point.
+  // every solver leaves the same for the same point. A look at an optimum has worked them out for
+  // the solver's own problem, whose coefficients are ours where there are no products.
+  const bool areKnown = products_.empty() && !result.columnMarginal.empty();
   const double sign = maximize_ ? -1 : 1;
   for (std::size_t i = 1; i < rows_.size(); ++i) {
     const double marginal = sign * result.rowMarginal[i - 1] + 0.0;  // never -0
-    rows_[i] = {0, marginal, static_cast<int>(result.rowPosition[i - 1]), 0};
+    const double level = areKnown ? result.rowLevel[i - 1] : 0;
+    rows_[i] = {level, marginal, static_cast<int>(result.rowPosition[i - 1]), 0};
   }
   rows_[0] = {0, -1, static_cast<int>(Position::basic), 0};  // with this weight one sum serves all
-  takeColumns(result);
-  addProducts(result);
+  if (areKnown) {
+    takeKnownColumns(result);
+  } else {
+    takeColumns(result);
+    addProducts(result);
+  }
   takeCarriers();
   rows_[0].level -= rhs_[0];
   rows_[0].marginal = 0;
@@ -429,34 +436,47 @@ void Instance::takeBound(const SolverResult& result) {
   bound_ -= sign * std::max(0.0, cost - result.bound);
 }
 
+int Instance::conditionOf(std::size_t j, double level) const {
+  if (!outside(level, lowers()[j], uppers()[j])) return 0;
+  return mayBeZero(static_cast<int>(j)) && !outside(level, 0, 0) ? 0 : 2;
+}
+
 // The records of the columns, but for products, and what the columns add to the rows' levels. The
 // marginal of a column is the gradient of the objective less the rows' gradients times their
 // marginals; a basic column has none.
 void Instance::takeColumns(const SolverResult& result) {
-  const double* lower = lowers().data();
-  const double* upper = uppers().data();
-  // Of the solver's own problem, whose coefficients are ours where there are no products.
-  const bool areKnown = products_.empty() && !result.columnMarginal.empty();
   for (std::size_t j = 0; j < at(solverColumnCount()); ++j) {
     const double level = result.level[j];
     double marginal = 0;
     const std::size_t end = matrix_.start[j + 1];
-    for (std::size_t e = matrix_.start[j]; e < end && level != 0; ++e) {
-      rows_[at(matrix_.rowOf[e])].level += matrix_.value[e] * level;
-    }
-    if (areKnown) {
-      const double minimized = result.columnMarginal[j];
-      marginal = maximize_ ? 0 - minimized : minimized;  // never -0
-    } else {
-      for (std::size_t e = matrix_.start[j]; e < end; ++e) {
-        marginal -= rows_[at(matrix_.rowOf[e])].marginal * matrix_.value[e];
-      }
+    for (std::size_t e = matrix_.start[j]; e < end; ++e) {
+      SolutionRecord& row = rows_[at(matrix_.rowOf[e])];
+      if (level != 0) row.level += matrix_.value[e] * level;
+      marginal -= row.marginal * matrix_.value[e];
     }
     const Position position = result.position[j];
-    const bool isZero = mayBeZero(static_cast<int>(j)) && !outside(level, 0, 0);
     columns_[j] = {level, position == Position::basic ? 0 : marginal, static_cast<int>(position),
-                   isZero || !outside(level, lower[j], upper[j]) ? 0 : 2};
+                   conditionOf(j, level)};
   }
+}
+
+// The same where the marginals of the columns are known, and the rows' levels but for that of the
+// objective.
+void Instance::takeKnownColumns(const SolverResult& result) {
+  const double* const lower = lowers().data();
+  const double* const upper = uppers().data();
+  double objective = 0;
+  for (std::size_t j = 0; j < at(solverColumnCount()); ++j) {
+    const double level = result.level[j];
+    if (level != 0 && solverCost_[j] != 0) objective += solverCost_[j] * level;
+    const double minimized = result.columnMarginal[j];
+    const double marginal = maximize_ ? 0 - minimized : minimized;  // never -0
+    const Position position = result.position[j];
+    const bool isWithin = level >= lower[j] && level <= upper[j];
+    columns_[j] = {level, position == Position::basic ? 0 : marginal, static_cast<int>(position),
+                   isWithin ? 0 : conditionOf(j, level)};
+  }
+  rows_[0].level = maximize_ ? 0 - objective : objective;
 }
 
 // The change of the objective, as the model states it, per unit of a number that data give. Of a

@@ -173,7 +173,10 @@ class Instance {
   [[nodiscard]] double worthOf(const DrivenNumber& number) const;
   void takeCarriers();
   void takeCoefficients(bool linearized);
+  // 0 within the bounds that readers see, or at 0 where that is a place to be; else 2.
+  [[nodiscard]] int conditionOf(std::size_t j, double level) const;
   void takeColumns(const SolverResult& result);
+  void takeKnownColumns(const SolverResult& result);
   void takeBound(const SolverResult& result);
   void addProducts(const SolverResult& result);
 

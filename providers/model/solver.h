@@ -65,9 +65,10 @@ struct SolverResult {
   std::vector<Position> position;
   std::vector<double> rowMarginal;
   std::vector<Position> rowPosition;
-  // Of an optimum that was looked at for doubt, those of its columns in the minimized problem; else
-  // empty.
+  // Of an optimum that was looked at for doubt, the marginals of its columns in the minimized
+  // problem and what the linear terms of each row come to; else empty.
   std::vector<double> columnMarginal;
+  std::vector<double> rowLevel;
   // Proofs of claims, as ztb/solver.h has them; empty without one.
   std::vector<double> columnRay;
   std::vector<double> rowRay;
@@ -84,6 +85,7 @@ struct SolverResult {
     rowMarginal.assign(rows, 0.0);
     rowPosition.assign(rows, Position::basic);
     columnMarginal.clear();
+    rowLevel.clear();
     columnRay.clear();
     rowRay.clear();
     reason.clear();

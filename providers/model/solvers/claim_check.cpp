@@ -1,9 +1,13 @@
 #include "providers/model/solvers/claim_check.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <limits>
 #include <utility>
 
+#include "providers/model/at.h"
+#include "providers/model/solvers/column_blocks.h"
 #include "providers/model/solvers/linear_form.h"
 #include "providers/model/solvers/point_check.h"
 
@@ -144,6 +148,57 @@ bool fallsAlong(const SolverProblem& problem, const std::vector<double>& ray, do
   return cost.value < -kClaimTolerance * cost.largest;
 }
 
+// The passes of a look at an optimum, over the columns of a block.
+
+// Whether a level is farther out than this.
+bool reachesBeyond(const double* level, int begin, int end, double most) {
+  return marksIn(begin, end, [=](int j) { return std::abs(level[j]) > most ? 1.0 : 0.0; }) > 0;
+}
+
+// The marginals of columns: their costs less the weighted rows.
+void weighColumns(const SolverProblem& problem, const double* weights, int begin, int end,
+                  double* marginals) {
+  for (int j = begin; j < end; ++j) {
+    double marginal = problem.cost[j];
+    for (int e = problem.start[j]; e < problem.start[j + 1]; ++e) {
+      marginal -= weights[problem.rowOf[e]] * problem.value[e];
+    }
+    marginals[j] = marginal;
+  }
+}
+
+double sizeOfCosts(const SolverProblem& problem, const double* level, int begin, int end) {
+  std::array<double, kColumnsOfBlock> terms;
+  const double* const cost = problem.cost + begin;
+  level += begin;
+  const int count = end - begin;
+  for (int k = 0; k < count; ++k) terms[at(k)] = std::abs(cost[k] * level[k]);
+  return sumOfTerms(terms, count);
+}
+
+// By how much the columns could lower the objective, at their marginals.
+double roomOfColumns(const SolverProblem& problem, const double* level, const double* marginal,
+                     int begin, int end) {
+  std::array<double, kColumnsOfBlock> terms;
+  const double* const lower = problem.lower + begin;
+  const double* const upper = problem.upper + begin;
+  level += begin;
+  marginal += begin;
+  const int count = end - begin;
+  constexpr double kMost = std::numeric_limits<double>::max();
+  for (int k = 0; k < count; ++k) {
+    const double down = level[k] - lower[k];
+    const double up = upper[k] - level[k];
+    const double way = marginal[k] > 0 ? down : up;
+    const double size = std::abs(level[k]);
+    const double endless = size > 1 ? size : 1.0;
+    const double room = std::abs(marginal[k]) * (std::abs(way) <= kMost ? way : endless);
+    const double ofMoving = lower[k] == upper[k] ? 0.0 : room;
+    terms[at(k)] = marginal[k] == 0 ? 0.0 : ofMoving;
+  }
+  return sumOfTerms(terms, count);
+}
+
 }  // namespace
 
 bool provesInfeasible(const SolverProblem& problem, const std::vector<double>& rowRay) {
@@ -206,28 +261,26 @@ int endlessColumn(const SolverProblem& problem, const std::vector<double>& rowMa
 }
 
 std::string optimumDoubt(const SolverProblem& problem, SolverResult& result) {
-  result.columnMarginal.clear();
-  const int runaway = runawayColumn(problem, result.level);
-  if (runaway >= 0) {
-    return "column #" + std::to_string(runaway) + " is at " +
-           std::to_string(result.level[static_cast<std::size_t>(runaway)]);
-  }
+  result.columnMarginal.resize(result.level.size());
+  result.rowLevel.assign(result.rowMarginal.size(), 0.0);
   double gap = 0;
   double size = 1;
-  result.columnMarginal.resize(result.level.size());
-  for (int j = 0; j < problem.columnCount; ++j) {
-    const double level = result.level[static_cast<std::size_t>(j)];
-    const double lower = problem.lower[j];
-    const double upper = problem.upper[j];
-    size += std::abs(problem.cost[j] * level);
-    double marginal = problem.cost[j];
-    for (int e = problem.start[j]; e < problem.start[j + 1]; ++e) {
-      marginal -= result.rowMarginal[static_cast<std::size_t>(problem.rowOf[e])] * problem.value[e];
-    }
-    result.columnMarginal[static_cast<std::size_t>(j)] = marginal;
-    if (marginal == 0 || lower == upper) continue;
-    const double way = marginal > 0 ? level - lower : upper - level;
-    gap += std::abs(marginal) * (std::isfinite(way) ? way : std::max(1.0, std::abs(level)));
+  bool isFar = false;
+  forEachBlock(problem.columnCount, [&](int begin, int end) {
+    const double* const level = result.level.data();
+    isFar = reachesBeyond(level, begin, end, kFarBeyondSides) || isFar;
+    weighColumns(problem, result.rowMarginal.data(), begin, end, result.columnMarginal.data());
+    size += sizeOfCosts(problem, level, begin, end);
+    gap += roomOfColumns(problem, level, result.columnMarginal.data(), begin, end);
+    addLinearTerms(problem, level, begin, end, result.rowLevel.data());
+    return true;
+  });
+  const int runaway = isFar ? runawayColumn(problem, result.level) : -1;
+  if (runaway >= 0) {
+    result.columnMarginal.clear();
+    result.rowLevel.clear();
+    return "column #" + std::to_string(runaway) + " is at " +
+           std::to_string(result.level[static_cast<std::size_t>(runaway)]);
   }
   for (std::size_t i = 0; i < result.rowMarginal.size(); ++i) {
     const double marginal = result.rowMarginal[i];

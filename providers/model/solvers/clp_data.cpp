@@ -3,9 +3,12 @@
 #include <CoinPackedMatrix.hpp>
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <utility>
 
+#include "providers/model/at.h"
 #include "providers/model/solvers/clp_program.h"
+#include "providers/model/solvers/column_blocks.h"
 
 namespace lomu {
 
@@ -41,6 +44,35 @@ std::vector<double> ofPart(const std::vector<double>& values, const MovingPart& 
   return result;
 }
 
+// Bounds as they are to be, and as they were.
+struct Change {
+  const double* next;
+  const double* last;
+};
+
+// Whether the bounds of a block have other bits anywhere.
+bool mayDiffer(const Change& bounds, int begin, int end) {
+  return std::memcmp(bounds.next + begin, bounds.last + begin, at(end - begin) * sizeof(double)) !=
+         0;
+}
+
+// The places whose bounds differ; false when one of these is a NaN, as none was before. Most are as
+// they were.
+bool findChanges(const Change& lower, const Change& upper, int count, std::vector<int>& changed) {
+  changed.clear();
+  bool areNumbers = true;
+  forEachBlock(count, [&](int begin, int end) {
+    if (!mayDiffer(lower, begin, end) && !mayDiffer(upper, begin, end)) return true;
+    for (int k = begin; k < end; ++k) {
+      if (lower.next[k] == lower.last[k] && upper.next[k] == upper.last[k]) continue;
+      areNumbers = areNumbers && !std::isnan(lower.next[k]) && !std::isnan(upper.next[k]);
+      changed.push_back(k);
+    }
+    return areNumbers;
+  });
+  return areNumbers;
+}
+
 bool isAtABound(ClpSimplex::Status status) {
   return status == ClpSimplex::atLowerBound || status == ClpSimplex::atUpperBound ||
          status == ClpSimplex::isFixed;
@@ -55,6 +87,7 @@ void ClpProgram::load(LinearForm form) {
   handOver();
   method_ = Method::dual;
   isFresh_ = true;
+  boundsCross_ = form_.boundsCross();
   isWhole_ = true;
 }
 
@@ -66,6 +99,8 @@ void ClpProgram::handOver() {
   simplex_.loadProblem(packed(form_, part_), ofPart(form_.lower, part_).data(),
                        ofPart(form_.upper, part_).data(), ofPart(form_.cost, part_).data(),
                        part_.rowLower().data(), part_.rowUpper().data());
+  scaling_ = simplex_.scalingFlag();
+  lookAtScale();
   reuse_ = kLeaveWork;
 }
 
@@ -133,23 +168,22 @@ bool ClpProgram::setRows() {
 }
 
 bool ClpProgram::lookAtBounds(const Bounds& bounds) {
-  changedColumns_.clear();
-  for (int j = 0; j < form_.columnCount; ++j) {
-    const auto k = static_cast<std::size_t>(j);
-    if (bounds.lower[j] == form_.lower[k] && bounds.upper[j] == form_.upper[k]) continue;
-    if (std::isnan(bounds.lower[j]) || std::isnan(bounds.upper[j])) return false;
-    changedColumns_.push_back(j);
-  }
-  changedRows_.clear();
-  for (int i = 0; i < form_.rowCount; ++i) {
-    const auto k = static_cast<std::size_t>(i);
-    if (bounds.rowLower[i] == form_.rowLower[k] && bounds.rowUpper[i] == form_.rowUpper[k]) {
-      continue;
-    }
-    if (std::isnan(bounds.rowLower[i]) || std::isnan(bounds.rowUpper[i])) return false;
-    changedRows_.push_back(i);
-  }
-  return true;
+  return findChanges({bounds.lower, form_.lower.data()}, {bounds.upper, form_.upper.data()},
+                     form_.columnCount, changedColumns_) &&
+         findChanges({bounds.rowLower, form_.rowLower.data()},
+                     {bounds.rowUpper, form_.rowUpper.data()}, form_.rowCount, changedRows_);
+}
+
+bool ClpProgram::changedBoundsCross() const {
+  const auto crosses = [](double lower, double upper) {
+    return lower > upper || lower == HUGE_VAL || upper == -HUGE_VAL;
+  };
+  return std::ranges::any_of(
+             changedColumns_,
+             [&](int j) { return crosses(form_.lower[at(j)], form_.upper[at(j)]); }) ||
+         std::ranges::any_of(changedRows_, [&](int i) {
+           return crosses(form_.rowLower[at(i)], form_.rowUpper[at(i)]);
+         });
 }
 
 bool ClpProgram::takeBounds(const Bounds& bounds, bool shiftsChanged) {
@@ -187,6 +221,7 @@ bool ClpProgram::updateBounds(const SolverProblem& problem) {
   if (!lookAtBounds(bounds)) return false;
   isWhole_ = false;
   takeBounds(bounds, false);
+  boundsCross_ = boundsCross_ ? form_.boundsCross() : changedBoundsCross();
   method_ = Method::dual;
   isWhole_ = true;
   return true;
@@ -222,6 +257,8 @@ void ClpProgram::update(LinearForm& form) {
   }
   if (changes.entries) {
     simplex_.replaceMatrix(new ClpPackedMatrix(packed(form_, part_)), true);
+    simplex_.scaling(scaling_);
+    lookAtScale();
     reuse_ &= kLeaveWork;
   }
   const bool boundsChanged = takeBounds(bounds, changes.shifts);
@@ -230,6 +267,7 @@ void ClpProgram::update(LinearForm& form) {
     all.takeAll();
     handOverMore(all);
   }
+  boundsCross_ = form_.boundsCross();
   method_ = changes.cost && !changes.entries && !boundsChanged ? Method::primal : Method::dual;
   isWhole_ = true;
 }

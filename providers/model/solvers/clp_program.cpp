@@ -2,6 +2,7 @@
 
 #include <ClpDualRowSteepest.hpp>
 #include <ClpEventHandler.hpp>
+#include <ClpFactorization.hpp>
 #include <ClpSolve.hpp>
 #include <algorithm>
 #include <chrono>
@@ -9,6 +10,7 @@
 #include <memory>
 #include <utility>
 
+#include "providers/model/at.h"
 #include "providers/model/solvers/claim_check.h"
 
 namespace lomu {
@@ -74,12 +76,19 @@ class ClpStopHandler : public ClpEventHandler {
   Clock::time_point next_{};
 };
 
-Position positionOf(ClpSimplex::Status status, double level, double lower, double upper) {
-  if (status == ClpSimplex::basic) return Position::basic;
-  if (status == ClpSimplex::isFixed || lower == upper) return Position::atLower;
-  if (status == ClpSimplex::superBasic || status == ClpSimplex::isFree) return Position::superbasic;
+// Written without branches: which columns are basic follows no pattern.
+Position positionOf(unsigned char statusByte, double level, double lower, double upper) {
+  constexpr unsigned kStatus = 7;
+  const unsigned is = 1U << (statusByte & kStatus);
+  constexpr unsigned kBasic = 1U << ClpSimplex::basic;
+  constexpr unsigned kFixed = 1U << ClpSimplex::isFixed;
+  constexpr unsigned kBetween = 1U << ClpSimplex::superBasic | 1U << ClpSimplex::isFree;
   // Clp turns the side of a row's status in some of its interfaces, so the level tells it.
-  return std::abs(level - lower) <= std::abs(upper - level) ? Position::atLower : Position::atUpper;
+  const bool isLower = std::abs(level - lower) <= std::abs(upper - level);
+  Position position = isLower ? Position::atLower : Position::atUpper;
+  position = (is & kBetween) != 0 ? Position::superbasic : position;
+  position = ((is & kFixed) != 0) | (lower == upper) ? Position::atLower : position;
+  return (is & kBasic) != 0 ? Position::basic : position;
 }
 
 }  // namespace
@@ -145,8 +154,21 @@ bool ClpProgram::hasVertex() const {
   return basic == form_.rowCount;
 }
 
+// A coefficient whose size is away from 1 has Clp scale the problem, others do not; that it finds
+// out in each solve, unless it is told.
+void ClpProgram::lookAtScale() {
+  constexpr double kSmall = 0.5;
+  constexpr double kLarge = 2;
+  isScaled_ = std::ranges::any_of(form_.value, [](double value) {
+    return value != 0 && !(std::abs(value) >= kSmall && std::abs(value) <= kLarge);
+  });
+}
+
 void ClpProgram::runLive(Watch& watch) {
   simplex_.setSpecialOptions(simplex_.specialOptions() | kShortSteps);
+  // The memory of the factorization stays for the next one.
+  simplex_.factorization()->setPersistenceFlag(1);
+  if (!isScaled_) simplex_.scaling(0);
   // What a solve leaves is of use only when it ends well.
   run(simplex_, method_, watch, std::exchange(reuse_, kLeaveWork));
   if (simplex_.status() == 0) reuse_ = kUseWork;
@@ -289,27 +311,27 @@ void ClpProgram::leaveMarginals(SolverResult& result) const {
 }
 
 void ClpProgram::leavePoint(SolverResult& result) const {
-  const double* levels = simplex_.primalColumnSolution();
-  for (int j = 0; j < form_.columnCount; ++j) {
-    const auto k = static_cast<std::size_t>(j);
-    const int place = part_.place(j);
-    if (place == MovingPart::leftOut) {
-      result.level[k] = form_.lower[k];
-      result.position[k] = Position::atLower;
-      continue;
-    }
-    const double level = levels[place];
-    result.level[k] = std::max(form_.lower[k], std::min(form_.upper[k], level));
-    result.position[k] =
-        positionOf(simplex_.getColumnStatus(place), level, form_.lower[k], form_.upper[k]);
+  for (const int j : part_.leftOutColumns()) {
+    result.level[at(j)] = form_.lower[at(j)];
+    result.position[at(j)] = Position::atLower;
+  }
+  const double* const levels = simplex_.primalColumnSolution();
+  const unsigned char* const statuses = simplex_.statusArray();
+  for (std::size_t c = 0; c < part_.columns().size(); ++c) {
+    const std::size_t j = at(part_.columns()[c]);
+    const double level = levels[c];
+    const double lower = form_.lower[j];
+    const double upper = form_.upper[j];
+    result.level[j] = std::max(lower, std::min(upper, level));
+    result.position[j] = positionOf(statuses[c], level, lower, upper);
   }
   const double* activities = simplex_.primalRowSolution();
   const double* duals = simplex_.dualRowSolution();
-  for (int i = 0; i < form_.rowCount; ++i) {
-    const auto k = static_cast<std::size_t>(i);
-    result.rowPosition[k] = positionOf(simplex_.getRowStatus(i), activities[i], part_.rowLower()[k],
-                                       part_.rowUpper()[k]);
-    result.rowMarginal[k] = result.rowPosition[k] == Position::basic ? 0 : duals[i];
+  const unsigned char* const rowStatuses = statuses + part_.columns().size();
+  for (std::size_t i = 0; i < at(form_.rowCount); ++i) {
+    result.rowPosition[i] =
+        positionOf(rowStatuses[i], activities[i], part_.rowLower()[i], part_.rowUpper()[i]);
+    result.rowMarginal[i] = result.rowPosition[i] == Position::basic ? 0 : duals[i];
   }
 }
 

@@ -36,6 +36,8 @@ class ClpProgram {
   // problem.
   [[nodiscard]] bool isWhole() const { return isWhole_; }
   [[nodiscard]] const LinearForm& form() const { return form_; }
+  // That of the form.
+  [[nodiscard]] bool boundsCross() const { return boundsCross_; }
 
   // Fills `result` with what Clp finds; its point is within Clp's tolerance. REQUIRES isWhole and
   // bounds that do not cross.
@@ -77,12 +79,15 @@ class ClpProgram {
   bool lookAtBounds(const Bounds& bounds);
   // Takes them over. Whether any bound that Clp sees is another.
   bool takeBounds(const Bounds& bounds, bool shiftsChanged);
+  // Whether one of the bounds that changed crosses the other one.
+  [[nodiscard]] bool changedBoundsCross() const;
   [[nodiscard]] Changes changesTo(const LinearForm& form) const;
   // `reuse`: what Clp is to use of its last solve.
   void run(ClpSimplex& simplex, Method method, Watch& watch, int reuse);
   void runFresh(Watch& watch);
   // As many basic columns and rows as there are rows, and no other between its bounds.
   [[nodiscard]] bool hasVertex() const;
+  void lookAtScale();
   void runLive(Watch& watch);
   void runUnscaled(Watch& watch);
   void decideUnsolvable(Watch& watch, SolverResult& result);
@@ -103,6 +108,9 @@ class ClpProgram {
   MovingPart part_;  // what Clp sees of it
   bool isWhole_ = false;
   bool isFresh_ = true;                            // not solved yet
+  bool boundsCross_ = false;                       // those of the form
+  int scaling_ = 0;                                // Clp's way to scale, unless it is told
+  bool isScaled_ = true;                           // by Clp, in the solves after the first
   bool basisIsLost_ = false;                       // the next solve is as the first
   std::vector<int> changedColumns_, changedRows_;  // as lookAtBounds found them
   Method method_ = Method::dual;

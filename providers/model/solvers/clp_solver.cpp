@@ -54,7 +54,7 @@ void ClpSolver::solve(const SolverLimits& limits, SolverResult& result) {
   try {
     if (!program_.isWhole()) throw std::logic_error("the model was not handed over whole");
     hasRanges_ = false;
-    if (settleColumnByColumn(program_.form(), result)) return;
+    if (settleColumnByColumn(program_.form(), program_.boundsCross(), result)) return;
     Watch watch(limits);
     program_.solve(watch, result);
     confirmPoint(problem_, result);

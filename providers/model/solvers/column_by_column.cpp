@@ -24,9 +24,13 @@ Position positionAt(double level, double lower, double upper) {
 }  // namespace
 
 bool settleColumnByColumn(const LinearForm& form, SolverResult& result) {
+  return settleColumnByColumn(form, form.boundsCross(), result);
+}
+
+bool settleColumnByColumn(const LinearForm& form, bool boundsCross, SolverResult& result) {
   result.iterations = 0;
   result.hasPoint = false;
-  if (form.boundsCross()) {
+  if (boundsCross) {
     result.outcome = Outcome::infeasible;
     return true;
   }

@@ -10,6 +10,8 @@ namespace lomu {
 // True with the result when the bounds of a column or a row cross, or when no column is in a row;
 // false when it takes a solver.
 bool settleColumnByColumn(const LinearForm& form, SolverResult& result);
+// The same for a caller who knows whether bounds cross.
+bool settleColumnByColumn(const LinearForm& form, bool boundsCross, SolverResult& result);
 
 // Whether a row without any term, products included, has sides that 0 is not between.
 bool missesAnEmptyRow(const SolverProblem& problem);

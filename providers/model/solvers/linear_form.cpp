@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "providers/model/solvers/column_blocks.h"
+
 namespace lomu {
 
 namespace {
@@ -27,12 +29,21 @@ bool allFinite(const std::vector<double>& values) {
   return std::all_of(values.begin(), values.end(), [](double v) { return std::isfinite(v); });
 }
 
-bool cross(const std::vector<double>& lower, const std::vector<double>& upper) {
-  constexpr double kInfinite = std::numeric_limits<double>::infinity();
-  for (std::size_t k = 0; k < lower.size(); ++k) {
-    if (lower[k] > upper[k] || lower[k] == kInfinite || upper[k] == -kInfinite) return true;
-  }
-  return false;
+bool cross(const std::vector<double>& lowers, const std::vector<double>& uppers) {
+  const double* const lower = lowers.data();
+  const double* const upper = uppers.data();
+  bool found = false;
+  forEachBlock(static_cast<int>(lowers.size()), [&](int begin, int end) {
+    const double crossings = marksIn(begin, end, [=](int k) {
+      constexpr double kInfinite = std::numeric_limits<double>::infinity();
+      const double beyond = lower[k] > upper[k] ? 1.0 : 0.0;
+      const double endless = lower[k] == kInfinite ? 1.0 : 0.0;
+      return beyond + endless + (upper[k] == -kInfinite ? 1.0 : 0.0);
+    });
+    found = crossings > 0;
+    return !found;
+  });
+  return found;
 }
 
 }  // namespace

@@ -26,6 +26,8 @@ class MovingPart {
 
   // The form's number of each column of the part.
   [[nodiscard]] const std::vector<int>& columns() const { return columns_; }
+  // The form's numbers of the columns that are left out.
+  [[nodiscard]] const std::vector<int>& leftOutColumns() const { return others_; }
   // A column's number in the part, or leftOut.
   [[nodiscard]] int place(int column) const { return places_[static_cast<std::size_t>(column)]; }
   [[nodiscard]] const std::vector<double>& rowLower() const { return rowLower_; }
