@@ -38,6 +38,45 @@ def plan(tmp_path):
 SOLVERS = "the solvers are clp, cbc, glpk, ipopt and bonmin"
 
 
+FIELDS = ["level", "marginal", "lower", "upper", "scale"]
+
+
+def expect_nothing_of(solution, name, names, kind):
+    frame = solution[name]
+    assert list(frame.columns) == FIELDS and frame.shape == (0, 5)
+    assert (frame.dtypes == float).all() and list(frame.index.names) == names
+    assert solution.levels(name).shape == solution.marginals(name).shape == (0,)
+    symbol = solution.symbol(name)
+    assert isinstance(symbol, kind) and len(symbol) == 0 and symbol.dimension == len(names)
+
+
+def test_a_family_without_members_is_an_empty_frame():
+    model = ztb.Model()
+    food, none = ("food", ["a", "b"]), ("crop", [])
+    buy = model.variable("buy", food, upper=9)
+    spare = model.variable("Spare", none)
+    ship = model.variable("ship", [food, none])
+    model.rows("need", food, buy, lower=[1, 2])
+    model.rows("most", none, spare, upper=3)
+    model.minimize(buy * [1, 2] + spare + ship)
+    solution = model.solve()
+    assert solution.objective == pytest.approx(5)
+    expect_nothing_of(solution, "Spare", ["crop"], ztb.Variable)
+    expect_nothing_of(solution, "spare", ["crop"], ztb.Variable)
+    expect_nothing_of(solution, "ship", ["food", "crop"], ztb.Variable)
+    expect_nothing_of(solution, "most", ["crop"], ztb.Equation)
+    assert solution["buy"]["level"].to_dict() == {"a": 1, "b": 2}
+    with pytest.raises(ztb.NotFoundError):
+        solution["other"]
+
+
+def test_a_family_of_arrays_without_members_is_an_empty_frame():
+    model = ztb.Model.from_arrays(
+        [1, 2], np.eye(2), [1, 2], columns={"none": ("crop", []), "buy": ("food", ["a", "b"])}
+    )
+    expect_nothing_of(model.solve(), "none", ["crop"], ztb.Variable)
+
+
 # ---- opened ----
 
 

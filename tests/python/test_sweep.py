@@ -86,13 +86,18 @@ def test_what_is_wrong_is_told(file, scenarios, tmp_path):
 @pytest.mark.parametrize(
     "demand, place",
     [
-        (pd.Series([1.0, np.nan], index=TWO), "demand: row s2, x"),
+        (pd.Series([1.0, np.nan], index=TWO), "s2, record demand(x) holds NaN (row s2, x)"),
         (
             pd.DataFrame({"s": ["s1", "s2"], "to": ["x", "x"], "tons": [1, None]}, index=[7, 8]),
-            "demand: column tons: row 8",
+            "s2, record demand(x) holds NaN (column tons, row 8)",
         ),
-        ({("s1", "x"): np.nan, ("s2", "x"): 1.0}, "demand: row s1, x"),
-        (pd.Series([1, pd.NA], dtype="Int64", index=TWO), "demand: row s2, x"),
+        # The level of the scenarios is not the first.
+        (
+            pd.DataFrame({"to": ["x", "x"], "s": ["s1", "s2"], "tons": [1, None]}),
+            "s2, record demand(x) holds NaN (column tons, row 1)",
+        ),
+        ({("s1", "x"): np.nan, ("s2", "x"): 1.0}, "s1, record demand(x) holds NaN (row s1, x)"),
+        (pd.Series([1, pd.NA], dtype="Int64", index=TWO), "s2, record demand(x) holds NaN (row s2, x)"),
     ],
 )
 def test_a_missing_number_is_refused_ahead(file, tmp_path, demand, place):
@@ -101,8 +106,8 @@ def test_a_missing_number_is_refused_ahead(file, tmp_path, demand, place):
             file, {"demand": demand}, over="s", report="ship", drive=DRIVE[1:], out=tmp_path / "r.rxf"
         )
     assert str(told.value) == (
-        f"{place} holds NaN, a number is expected; what a scenario has no row for stays as the model "
-        "has it"
+        f"demand: scenario {place}, a number is expected; what a scenario has no row for stays as the "
+        "model has it"
     )
     assert not (tmp_path / "r.rxf").exists()
 

@@ -40,6 +40,9 @@ _MISSING = ("zero", "base", "keep")
 _SOLVERS = {1: "clp", 2: "cbc", 4: "ipopt", 5: "bonmin"}
 _BEST = (1, 2)
 _WITH_POINT = (1, 2, 6)
+#: The fields of a variable or equation.
+_FIELDS = 5
+
 _SUFFIX = _native.parameter_suffix
 #: Seconds that no solve takes, the most that its limit may be.
 _LONG = 1e10
@@ -71,6 +74,9 @@ class Model:
         self._statements: List[str] = []
         #: The names of the positions of variables and equations that were built, by folded names.
         self._positions: Dict[str, Tuple[str, ...]] = {}
+        #: Variables and equations without members, which the library knows nothing of: their names
+        #: and whether they are variables.
+        self._empty: Dict[str, Tuple[str, bool]] = {}
         self._spelling = families.Spelling()
 
     @classmethod
@@ -117,6 +123,7 @@ class Model:
         model._file = (path, model_data, records)
         model._statements = []
         model._positions = {}
+        model._empty = {}
         model._spelling = families.Spelling()
         return model
 
@@ -176,7 +183,8 @@ class Model:
             native.add_rows(name, positions, types[part], rhs[part], ranges[part])
         for names in (columns, rows):
             for name, over in names.items() if isinstance(names, Mapping) else ():
-                model._positions[_native.folded(name)] = tuple(families.frame_over(over).columns)
+                frame = families.frame_over(over)
+                model._know(name, tuple(frame.columns), len(frame), names is columns)
         numbers = np.flatnonzero(cost).astype(np.int32)
         native.add_terms(np.zeros(len(numbers), dtype=np.int32), numbers, cost[numbers])
         native.add_terms(at + np.int32(1), column, value)
@@ -211,7 +219,7 @@ class Model:
         first = self._native.add_columns(
             name, families.native_positions(frame), kinds, low, high
         )
-        self._positions[_native.folded(name)] = tuple(frame.columns)
+        self._know(name, tuple(frame.columns), len(frame), True)
         return Family(name, first, frame, self._native, self._spelling)
 
     def rows(
@@ -251,8 +259,14 @@ class Model:
         count = families.add_rows(
             self._native, name, over, expression, sides, self._spelling
         )
-        self._positions[_native.folded(name)] = tuple(positions)
+        self._know(name, tuple(positions), count, False)
         return count
+
+    def _know(self, name: str, positions: Tuple[str, ...], count: int, is_variable: bool) -> None:
+        """Keeps what the library does not know of a variable or equation that was added."""
+        self._positions[_native.folded(name)] = positions
+        if count == 0:
+            self._empty[_native.folded(name)] = name, is_variable
 
     def minimize(
         self, expression: Expression, *, name: str = "objective", constant: float = 0.0
@@ -530,11 +544,11 @@ class Solution:
 
     def levels(self, name: str) -> npt.NDArray[np.float64]:
         """The levels of a variable or equation, in the order of its records."""
-        return self.tie._native.field(name, 0)
+        return self.tie._field(name, 0)
 
     def marginals(self, name: str) -> npt.NDArray[np.float64]:
         """The marginals of a variable or equation, in the order of its records."""
-        return self.tie._native.field(name, 1)
+        return self.tie._field(name, 1)
 
     def __repr__(self) -> str:
         point = f"objective {self.objective:g}, " if self.has_point else ""
@@ -624,6 +638,11 @@ class Tie:
             # Symbols read the solution out of the model, and hold the database alone.
             self._database._source = self._native
             self._tied = True
+            for key, (name, is_variable) in self._model._empty.items():
+                if name in self._database:
+                    continue
+                add = self._database.add_variable if is_variable else self._database.add_equation
+                add(name, ["*"] * len(self._model._positions[key]))
 
     def __getitem__(self, name: str) -> Symbol[Any]:
         """The symbol of a name; of data that drive, the parameter that holds them."""
@@ -801,7 +820,18 @@ class Tie:
 
     def _fields(self, name: str) -> npt.NDArray[np.float64]:
         """All fields of the records of a variable or equation, a row for each field."""
+        if self._model._empty and self._has_no_members(name):
+            return np.zeros((_FIELDS, 0))
         return self._native.fields(name)
+
+    def _field(self, name: str, number: int) -> npt.NDArray[np.float64]:
+        """A field of them."""
+        if self._model._empty and self._has_no_members(name):
+            return np.zeros(0)
+        return self._native.field(name, number)
+
+    def _has_no_members(self, name: str) -> bool:
+        return _native.folded(name) in self._model._empty and not len(self._database[name])
 
     def _result_index(self, name: str) -> "pd.Index":
         """The labels of the records of a variable or equation, which never change."""

@@ -331,7 +331,7 @@ def _series_of(name: str, content: Any, over: str) -> "pd.Series[Any]":
     import pandas as pd
 
     if isinstance(content, pd.Series):
-        _expect_numbers(name, content)
+        _expect_numbers(name, content, content, over)
         return content
     if isinstance(content, pd.DataFrame):
         if over not in content.columns or len(content.columns) < 2:
@@ -340,11 +340,12 @@ def _series_of(name: str, content: Any, over: str) -> "pd.Series[Any]":
                 f"of numbers; this one has {', '.join(map(str, content.columns))}"
             )
         *labels, numbers = content.columns
-        _expect_numbers(f"{name}: column {numbers}", content[numbers])
-        return content.set_index(labels)[numbers]
+        series = content.set_index(labels)[numbers]
+        _expect_numbers(name, series, content[numbers], over, f"column {numbers}, ")
+        return series
     if isinstance(content, Mapping):
         series = pd.Series(content)
-        _expect_numbers(name, series)
+        _expect_numbers(name, series, series, over)
         return series
     raise TypeError(
         f"{name}: {type(content).__name__} is no data of scenarios, expected a series or a mapping "
@@ -352,17 +353,29 @@ def _series_of(name: str, content: Any, over: str) -> "pd.Series[Any]":
     )
 
 
-def _expect_numbers(where: str, series: "pd.Series[Any]") -> None:
-    """Refuses a missing number, with which no scenario can be solved, by its row."""
+def _expect_numbers(
+    name: str,
+    series: "pd.Series[Any]",
+    rows: "pd.Series[Any]",
+    over: str,
+    column: str = "",
+) -> None:
+    """Refuses a missing number, with which no scenario can be solved, by its scenario, its record,
+    and its row where it came from."""
     missing = series.isna().to_numpy()
     if not missing.any():
         return
-    row = series.index[int(missing.argmax())]
-    place = ", ".join(map(str, row)) if isinstance(row, tuple) else row
+    at = int(missing.argmax())
+    scenario, *record = _labels(_scenarios_first(series, over).index[at])
+    row = ", ".join(_labels(rows.index[at]))
     raise ValueError(
-        f"{where}: row {place} holds NaN, a number is expected; what a scenario has no row for stays "
-        "as the model has it"
+        f"{name}: scenario {scenario}, record {name}({', '.join(record)}) holds NaN ({column}row "
+        f"{row}), a number is expected; what a scenario has no row for stays as the model has it"
     )
+
+
+def _labels(row: Any) -> List[str]:
+    return [str(label) for label in (row if isinstance(row, tuple) else (row,))]
 
 
 def _in_order(index: "pd.Index", names: Sequence[str]) -> "pd.Index":
