@@ -155,7 +155,7 @@ class TXStrHashList {
       return outside(present->number);
     }
     buckets_.reserve(buckets_.size() == buckets_.capacity() ? 2 * buckets_.size() + 1 : 0);
-    Bucket* bucket = new (memory_.take(sizeof(Bucket) + length + 1))
+    auto* bucket = new (memory_.take(sizeof(Bucket) + length + 1))
         Bucket{nullptr, hashOfKey, count_, length, object};
     std::memcpy(bucket->text(), key, length);
     bucket->text()[length] = '\0';

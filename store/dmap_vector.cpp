@@ -335,7 +335,7 @@ VectorIterator DMapVector::find(const int* keys) {
 VectorIterator DMapVector::findInTurn(const int* keys) {
   const bool isTurn =
       turn_ < rowCount_ && std::equal(keys, keys + width_, keysAt(turn_)) && ascends();
-  const VectorIterator found = isTurn ? at(turn_) : find(keys);
+  VectorIterator found = isTurn ? at(turn_) : find(keys);
   turn_ = found.row() + 1;
   return found;
 }

@@ -25,7 +25,7 @@ TreeLink* treeOf(std::size_t count, int level, int lowest, TreeLink*& rest) {
   TreeLink* left = treeOf(before, level + 1, lowest, rest);
   TreeLink* node = rest;
   rest = node->right;
-  node->becomeNode(nullptr, level == lowest);
+  node->becomeNode(node, level == lowest);  // its parent comes to it
   node->left = left;
   if (left != nullptr) {
     left->setParent(node);
@@ -66,7 +66,7 @@ void NodeTree::linkBelow(TreeLink* node, TreeLink* parent, bool asLeft) {
 void NodeTree::putInPlace(TreeLink* node, TreeLink* other) {
   TreeLink* parent = node->parent();
   if (parent == &head_) {
-    head_.setParent(other);
+    head_.setParent(other != nullptr ? other : &head_);
   } else {
     childOf(parent, node == parent->left) = other;
   }

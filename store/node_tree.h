@@ -17,27 +17,24 @@ namespace ztb::dmap {
 // last node, or itself.
 class TreeLink {
  public:
-  [[nodiscard]] TreeLink* parent() const { return reinterpret_cast<TreeLink*>(up_ & ~flags); }
-  void setParent(TreeLink* parent) {
-    up_ = reinterpret_cast<std::uintptr_t>(parent) | (up_ & flags);
-  }
-  [[nodiscard]] bool isRed() const { return (up_ & red) != 0; }
-  void setRed(bool isRed) { up_ = (up_ & ~red) | (isRed ? red : 0); }
-  [[nodiscard]] bool isListed() const { return (up_ & listed) != 0; }
-  [[nodiscard]] bool isHead() const { return (up_ & head) != 0; }
+  // REQUIRES: a node of a tree, not of a list.
+  [[nodiscard]] TreeLink* parent() const { return reinterpret_cast<TreeLink*>(up_ - flagsOf()); }
+  void setParent(TreeLink* parent) { up_ = bytesOf(parent) + flagsOf(); }
+  [[nodiscard]] bool isRed() const { return (flagsOf() & red) != 0; }
+  void setRed(bool isRed) { up_ = up_ - (flagsOf() & red) + (isRed ? red : 0); }
+  [[nodiscard]] bool isListed() const { return (flagsOf() & listed) != 0; }
+  [[nodiscard]] bool isHead() const { return (flagsOf() & head) != 0; }
 
   void becomeHead() {
     left = right = this;
-    up_ = head;
+    up_ = bytesOf(this) + head;
   }
   void becomeListed(TreeLink* before, TreeLink* behind) {
     left = before;
     right = behind;
-    up_ = listed;
+    up_ = bytesOf(this) + listed;
   }
-  void becomeNode(TreeLink* parent, bool isRed) {
-    up_ = reinterpret_cast<std::uintptr_t>(parent) | (isRed ? red : 0);
-  }
+  void becomeNode(TreeLink* parent, bool isRed) { up_ = bytesOf(parent) + (isRed ? red : 0); }
 
   // The node behind this one, the head at the end.
   // REQUIRES: not the head.
@@ -106,8 +103,14 @@ class TreeLink {
   static constexpr std::uintptr_t head = 4;
   static constexpr std::uintptr_t flags = red | listed | head;
 
-  std::uintptr_t
-      up_;  // the parent and the flags; no node starts at an address that needs those bits
+  static char* bytesOf(TreeLink* node) { return reinterpret_cast<char*>(node); }
+  [[nodiscard]] std::uintptr_t flagsOf() const {
+    return reinterpret_cast<std::uintptr_t>(up_) & flags;
+  }
+
+  // As many bytes behind the parent, or this node, as the flags say, since no node starts at an
+  // address that needs those bits: a pointer still, of which compilers know where it points.
+  char* up_;
 };
 
 static_assert(alignof(TreeLink) >= 8);
@@ -123,12 +126,14 @@ class NodeTree {
   [[nodiscard]] TreeLink* last() { return head_.right; }
   [[nodiscard]] TreeLink* head() { return &head_; }
   [[nodiscard]] std::size_t size() const { return size_; }
-  // Null while the tree is empty or a list.
+  // Not while it is empty or a list.
+  [[nodiscard]] bool isTree() const { return head_.parent() != &head_; }
+  // REQUIRES: isTree.
   [[nodiscard]] TreeLink* root() const { return head_.parent(); }
 
   // Links a node behind all others.
   void linkLast(TreeLink* node) {
-    if (root() == nullptr) {
+    if (!isTree()) {
       node->becomeListed(head_.right, &head_);
       head_.right->right = node;
       head_.right = node;
@@ -146,7 +151,7 @@ class NodeTree {
   void unlink(TreeLink* node);
   // Makes a list a tree. REQUIRES: not empty.
   void settle() {
-    if (root() == nullptr) {
+    if (!isTree()) {
       makeTree();
     }
   }

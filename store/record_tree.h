@@ -56,7 +56,7 @@ class RecordTree {
     if (behind == 0) {
       return present(last, values, overwrite);
     }
-    if (tree_.root() == nullptr) {
+    if (!tree_.isTree()) {
       if (TreeLink* found = inList(hint, key)) {
         return present(found, values, overwrite);
       }
@@ -91,7 +91,7 @@ class RecordTree {
     if (last->isHead()) {
       return end();
     }
-    if (tree_.root() == nullptr) {
+    if (!tree_.isTree()) {
       // What arrives sorted is asked for in front of where it goes.
       const int behind = order(key, keyOfNode(last));
       if (behind >= 0) {
@@ -260,7 +260,7 @@ class RecordTree {
   // The first record not below a key that is above `node`: up to where the way back down may lie,
   // and down from there, which takes fewer steps the nearer it is.
   TreeLink* boundBehind(TreeLink* node, const int* key) {
-    if (tree_.root() == nullptr) {
+    if (!tree_.isTree()) {
       return lowerBound(key);
     }
     TreeLink* above = node->parent();

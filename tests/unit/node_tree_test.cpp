@@ -36,7 +36,7 @@ class NodeTreeTest : public testing::Test {
   }
 
   TreeLink* find(int number) {
-    TreeLink* node = tree_.root();
+    TreeLink* node = tree_.isTree() ? tree_.root() : nullptr;
     while (node != nullptr && numberOf(node) != number) {
       node = number < numberOf(node) ? node->left : node->right;
     }
@@ -44,7 +44,7 @@ class NodeTreeTest : public testing::Test {
   }
 
   void insert(int number) {
-    if (tree_.root() == nullptr) {
+    if (!tree_.isTree()) {
       tree_.linkLast(nodeOf(number));
       tree_.settle();
       return;
@@ -93,7 +93,7 @@ class NodeTreeTest : public testing::Test {
   }
   bool keepsTheRules() {
     TreeLink* root = tree_.root();
-    return root == nullptr || (!root->isRed() && blackHeight(root, tree_.head()) > 0);
+    return !tree_.isTree() || (!root->isRed() && blackHeight(root, tree_.head()) > 0);
   }
   static int depth(TreeLink* node) {
     return node == nullptr ? 0 : 1 + std::max(depth(node->left), depth(node->right));
@@ -113,7 +113,7 @@ class NodeTreeTest : public testing::Test {
 
 TEST_F(NodeTreeTest, NodesThatArriveInOrderAreAListUntilTheyAreSearched) {
   append(3);
-  EXPECT_EQ(tree_.root(), nullptr);
+  EXPECT_FALSE(tree_.isTree());
   EXPECT_EQ(forward(), (std::vector<int>{0, 1, 2}));
   EXPECT_EQ(backward(), (std::vector<int>{2, 1, 0}));
   tree_.settle();
@@ -151,7 +151,7 @@ TEST_F(NodeTreeTest, AnyNodeGoesFromAListWhichStaysOne) {
       node = node->next();
     }
     tree_.unlink(node);
-    EXPECT_EQ(tree_.root(), nullptr);
+    EXPECT_FALSE(tree_.isTree());
     expectIs(numbers);
   }
 }
@@ -164,7 +164,7 @@ TEST_F(NodeTreeTest, TheLastNodeLeavesItEmptyAndReadyForAListAgain) {
   EXPECT_TRUE(tree_.first()->isHead());
   EXPECT_TRUE(tree_.last()->isHead());
   append(2);
-  EXPECT_EQ(tree_.root(), nullptr);
+  EXPECT_FALSE(tree_.isTree());
   tree_.unlink(tree_.last());
   tree_.unlink(tree_.last());
   expectIs({});
