@@ -14,7 +14,6 @@
 #include <utility>
 
 #include "formats/excel/cell_range.h"
-#include "formats/excel/point_numbers.h"
 #include "formats/excel/xlsx_tables.h"
 #include "formats/file_name.h"
 #include "formats/tables/exact_text.h"
@@ -261,7 +260,7 @@ class XlsxWriter : public TableWriter {
 
   static constexpr std::size_t mostFrozen = 4;
 
-  PointNumbers pointNumbers_;
+  tool::PointNumbers pointNumbers_;
   std::string path_;
   std::string folder_;
   tool::NewFile published_;

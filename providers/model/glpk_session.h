@@ -10,6 +10,8 @@
 #include <functional>
 #include <string>
 
+#include "tools/text/point_numbers.h"
+
 namespace lomu {
 
 class GlpkSession {
@@ -36,6 +38,7 @@ class GlpkSession {
   static int keepMessage(void* session, const char* text);
   static void leave(void* session);
 
+  tool::PointNumbers pointNumbers_;  // on the thread of the session
   std::string messages_;
   std::jmp_buf exit_{};
 };

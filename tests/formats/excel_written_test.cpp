@@ -6,16 +6,16 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <clocale>
 #include <cmath>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
+#include <memory>
 #include <string>
 #include <ztb/ztb.hpp>
 
 #include "tests/formats/job.h"
+#include "tests/support/comma_language.h"
 
 namespace {
 
@@ -84,18 +84,9 @@ TEST(ExcelWritten, ReadsATableThatAnotherProgramChanged) {
   EXPECT_EQ(read.find("Curd")->level(), 0.25);
 }
 
-// A language of its own, since a machine may have no other: numbers have a comma.
 TEST(ExcelWritten, WritesNumbersWithAPointInALanguageWithCommas) {
   const ztbtest::TempFolder folder;
-  std::ofstream(folder.file("source")) << "LC_NUMERIC\ndecimal_point \",\"\nthousands_sep \"\"\n"
-                                          "grouping -1\nEND LC_NUMERIC\n";
-  // It tells of what the language lacks besides, by its exit code too.
-  static_cast<void>(std::system(("localedef -c -i " + folder.file("source") + " " +
-                                 folder.file("comma") + " >" + folder.file("told") + " 2>&1")
-                                    .c_str()));
-  setenv("LOCPATH", folder.file("").c_str(), 1);
-  ASSERT_NE(std::setlocale(LC_NUMERIC, "comma"), nullptr);
-  ASSERT_STREQ(std::localeconv()->decimal_point, ",");
+  auto language = std::make_unique<ztbtest::CommaLanguage>();
   ztb::Database database;
   database.addParameter("price", {"food"}).add("Milk").setLevel(1.5);
   const std::string target = folder.file("price.xlsx");
@@ -104,9 +95,8 @@ TEST(ExcelWritten, WritesNumbersWithAPointInALanguageWithCommas) {
   Job in({{"from", target}});
   EXPECT_TRUE(in.import(folder.file("back.rxf"))) << in.errors(folder);
   // What the program has set stays.
-  EXPECT_STREQ(std::localeconv()->decimal_point, ",");
-  std::setlocale(LC_NUMERIC, "C");
-  unsetenv("LOCPATH");
+  EXPECT_TRUE(ztbtest::CommaLanguage::isSet());
+  language.reset();
   const std::string command =
       "/usr/bin/python3 -c \"import openpyxl; s = openpyxl.load_workbook('" + target +
       "')['price']; assert s['B2'].value == 1.5, s['B2'].value; "

@@ -1,11 +1,12 @@
-// Numbers with a decimal point, whatever the program has set: libxlsxwriter prints them by
-// functions of C, which write a comma in many a language, and a workbook with one is damaged.
-#ifndef ZTB_FORMATS_EXCEL_POINT_NUMBERS_H_
-#define ZTB_FORMATS_EXCEL_POINT_NUMBERS_H_
+// Numbers with a decimal point, whatever the program has set, for libraries that print and read them
+// by functions of C, which have a comma in many a language: a workbook of libxlsxwriter with one is
+// damaged, and GLPK misses the point in numbers of a model.
+#ifndef ZTB_TOOLS_TEXT_POINT_NUMBERS_H_
+#define ZTB_TOOLS_TEXT_POINT_NUMBERS_H_
 
 #include <memory>
 
-namespace formats {
+namespace tool {
 
 // Holds for the thread that makes it and ends it, while it lives.
 class PointNumbers {
@@ -20,6 +21,6 @@ class PointNumbers {
   std::unique_ptr<Before> before_;
 };
 
-}  // namespace formats
+}  // namespace tool
 
-#endif  // ZTB_FORMATS_EXCEL_POINT_NUMBERS_H_
+#endif  // ZTB_TOOLS_TEXT_POINT_NUMBERS_H_

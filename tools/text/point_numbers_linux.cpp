@@ -2,9 +2,9 @@
 
 #include <new>
 
-#include "formats/excel/point_numbers.h"
+#include "tools/text/point_numbers.h"
 
-namespace formats {
+namespace tool {
 
 struct PointNumbers::Before {
   locale_t own;
@@ -26,4 +26,4 @@ PointNumbers::~PointNumbers() {
   freelocale(before_->own);
 }
 
-}  // namespace formats
+}  // namespace tool

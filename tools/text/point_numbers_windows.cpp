@@ -2,9 +2,9 @@
 
 #include <string>
 
-#include "formats/excel/point_numbers.h"
+#include "tools/text/point_numbers.h"
 
-namespace formats {
+namespace tool {
 
 struct PointNumbers::Before {
   int mode = 0;
@@ -22,4 +22,4 @@ PointNumbers::~PointNumbers() {
   _configthreadlocale(before_->mode);
 }
 
-}  // namespace formats
+}  // namespace tool
