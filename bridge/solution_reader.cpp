@@ -66,17 +66,23 @@ class RecordsToCome {
         dim_(static_cast<std::size_t>(symbol.dim)),
         slots_(static_cast<std::size_t>(dmap::slotCount(symbol.type))) {}
 
-  void add(const int* keys, const double* values) {
-    const bool ascends =
-        isFirst_ || std::lexicographical_compare(last_, last_ + dim_, keys, keys + dim_);
-    if (count_ == most) {
-      put();
+  // Where the values of the next one go, all zero now.
+  double* values() {
+    double* const place = values_.data() + count_ * slots_;
+    std::fill_n(place, dmap::maxSlots, 0.0);
+    return place;
+  }
+  void add(const int* keys) {
+    const bool ascends = isFirst_ || isAboveLast(keys);
+    // A loop: most keys are short, and a call would cost more than the copy.
+    int* const place = keys_.data() + count_ * dim_;
+    for (std::size_t d = 0; d < dim_; ++d) {
+      place[d] = keys[d];
     }
-    last_ = std::copy_n(keys, dim_, keys_.data() + count_ * dim_) - dim_;
-    std::copy_n(values, slots_, values_.data() + count_ * slots_);
-    ++count_;
+    last_ = place;
     isFirst_ = false;
-    if (!ascends) {
+    ++count_;
+    if (!ascends || count_ == most) {
       put();
     }
   }
@@ -87,6 +93,15 @@ class RecordsToCome {
 
  private:
   static constexpr std::size_t most = 32;
+
+  [[nodiscard]] bool isAboveLast(const int* keys) const {
+    for (std::size_t d = 0; d < dim_; ++d) {
+      if (keys[d] != last_[d]) {
+        return keys[d] > last_[d];
+      }
+    }
+    return false;
+  }
 
   AbstractZTBSymbol& symbol_;
   std::size_t dim_;
@@ -118,7 +133,7 @@ void ZTB::LoadSymbolFromModel(AbstractZTBSymbol& symbol, void* rxfFile) {
                           : 0;
   RecordsToCome records(symbol);
   for (; !walk.atEnd(); walk.next()) {
-    double values[dmap::maxSlots] = {};
+    double* const values = records.values();
     if (type == dictionaryVariable) {
       readColumn(pbi, walk.current(), values);
     } else {
@@ -128,7 +143,7 @@ void ZTB::LoadSymbolFromModel(AbstractZTBSymbol& symbol, void* rxfFile) {
     if (rxfFile != nullptr) {
       peers::rxfDataWriteRaw(rxfFile, keys.data(), values);
     } else {
-      records.add(keys.data(), values);
+      records.add(keys.data());
     }
   }
   records.put();

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <atomic>
+#include <bit>
 #include <cmath>
+#include <cstdint>
 #include <iterator>
 #include <map>
 #include <numeric>
@@ -465,18 +467,21 @@ void Instance::takeColumns(const SolverResult& result) {
 void Instance::takeKnownColumns(const SolverResult& result) {
   const double* const lower = lowers().data();
   const double* const upper = uppers().data();
-  double objective = 0;
+  // Without branches for what follows no pattern: which columns are basic.
+  const auto unlessBasic = [](double marginal, Position position) {
+    const std::uint64_t all = position == Position::basic ? 0 : ~std::uint64_t{0};
+    return std::bit_cast<double>(std::bit_cast<std::uint64_t>(marginal) & all);
+  };
   for (std::size_t j = 0; j < at(solverColumnCount()); ++j) {
     const double level = result.level[j];
-    if (level != 0 && solverCost_[j] != 0) objective += solverCost_[j] * level;
     const double minimized = result.columnMarginal[j];
     const double marginal = maximize_ ? 0 - minimized : minimized;  // never -0
     const Position position = result.position[j];
     const bool isWithin = level >= lower[j] && level <= upper[j];
-    columns_[j] = {level, position == Position::basic ? 0 : marginal, static_cast<int>(position),
+    columns_[j] = {level, unlessBasic(marginal, position), static_cast<int>(position),
                    isWithin ? 0 : conditionOf(j, level)};
   }
-  rows_[0].level = maximize_ ? 0 - objective : objective;
+  rows_[0].level = maximize_ ? 0 - result.cost : result.cost;
 }
 
 // The change of the objective, as the model states it, per unit of a number that data give. Of a

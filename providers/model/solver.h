@@ -66,9 +66,11 @@ struct SolverResult {
   std::vector<double> rowMarginal;
   std::vector<Position> rowPosition;
   // Of an optimum that was looked at for doubt, the marginals of its columns in the minimized
-  // problem and what the linear terms of each row come to; else empty.
+  // problem, what the linear terms of each row come to, else both empty, and what those of the costs
+  // do.
   std::vector<double> columnMarginal;
   std::vector<double> rowLevel;
+  double cost = 0;
   // Proofs of claims, as ztb/solver.h has them; empty without one.
   std::vector<double> columnRay;
   std::vector<double> rowRay;

@@ -97,6 +97,7 @@ TEST_F(ManyColumns, aLookAtAnOptimumLeavesMarginalsAndRows) {
   double sum = 0;
   for (int j = 0; j < kCount; j += 7) sum += j;
   EXPECT_EQ(result.rowLevel, (std::vector<double>{sum, 0}));  // 599 is no multiple of 7
+  EXPECT_EQ(result.cost, sum);
   std::vector<double> marginals;
   for (int j = 0; j < kCount; ++j) marginals.push_back(0.5 * (j % 7));
   marginals.front() -= 0.25 * 2;

@@ -263,6 +263,7 @@ int endlessColumn(const SolverProblem& problem, const std::vector<double>& rowMa
 std::string optimumDoubt(const SolverProblem& problem, SolverResult& result) {
   result.columnMarginal.resize(result.level.size());
   result.rowLevel.assign(result.rowMarginal.size(), 0.0);
+  result.cost = 0;
   double gap = 0;
   double size = 1;
   bool isFar = false;
@@ -272,7 +273,10 @@ std::string optimumDoubt(const SolverProblem& problem, SolverResult& result) {
     weighColumns(problem, result.rowMarginal.data(), begin, end, result.columnMarginal.data());
     size += sizeOfCosts(problem, level, begin, end);
     gap += roomOfColumns(problem, level, result.columnMarginal.data(), begin, end);
-    addLinearTerms(problem, level, begin, end, result.rowLevel.data());
+    forEachMoved(level, begin, end, [&](int j) {
+      if (problem.cost[j] != 0) result.cost += problem.cost[j] * level[j];
+      addLinearTerms(problem, j, level[j], result.rowLevel.data());
+    });
     return true;
   });
   const int runaway = isFar ? runawayColumn(problem, result.level) : -1;

@@ -44,7 +44,7 @@ int endlessColumn(const SolverProblem& problem, const std::vector<double>& rowMa
 
 // Empty when the marginals of the rows prove that no point is better than the levels, to 1e-6 of
 // the terms of the objective, and no column ran away; otherwise what speaks against it. Leaves the
-// marginals of the columns and the levels of the rows in the first case.
+// marginals of the columns, the levels of the rows and the cost in the first case.
 std::string optimumDoubt(const SolverProblem& problem, SolverResult& result);
 
 // Empty when the outcome of `result` may be believed; otherwise why not. A limit is no claim; of an

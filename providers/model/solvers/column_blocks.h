@@ -23,23 +23,23 @@ void forEachBlock(int columnCount, const Visit& visit) {
   }
 }
 
-// Adds to the rows what the linear terms of columns from `begin` to `end`, a block at most, come
-// to, in the order of the columns.
-inline void addLinearTerms(const SolverProblem& problem, const double* level, int begin, int end,
-                           double* rows) {
-  // Which columns are 0 follows no pattern that a processor could foresee.
+// Calls `visit` with each column from `begin` to `end`, a block at most, that is not at 0, in their
+// order. Which ones these are follows no pattern that a processor could foresee.
+template <class Visit>
+void forEachMoved(const double* level, int begin, int end, const Visit& visit) {
   std::array<int, kColumnsOfBlock> moved;
   std::size_t count = 0;
   for (int j = begin; j < end; ++j) {
     moved[count] = j;
     count += level[j] != 0 ? 1 : 0;
   }
-  for (std::size_t m = 0; m < count; ++m) {
-    const int j = moved[m];
-    const double at = level[j];
-    for (int e = problem.start[j]; e < problem.start[j + 1]; ++e) {
-      rows[problem.rowOf[e]] += problem.value[e] * at;
-    }
+  for (std::size_t m = 0; m < count; ++m) visit(moved[m]);
+}
+
+// Adds the linear terms of a column to the rows.
+inline void addLinearTerms(const SolverProblem& problem, int j, double level, double* rows) {
+  for (int e = problem.start[j]; e < problem.start[j + 1]; ++e) {
+    rows[problem.rowOf[e]] += problem.value[e] * level;
   }
 }
 

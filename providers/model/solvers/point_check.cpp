@@ -109,7 +109,8 @@ std::string violation(const SolverProblem& problem, const std::vector<double>& l
         found = columnViolation(problem, static_cast<std::size_t>(j), level[at(j)]);
       }
     }
-    addLinearTerms(problem, level.data(), begin, end, activity.data());
+    forEachMoved(level.data(), begin, end,
+                 [&](int j) { addLinearTerms(problem, j, level[at(j)], activity.data()); });
     return found.empty();
   });
   if (!found.empty()) return found;
