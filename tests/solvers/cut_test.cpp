@@ -149,6 +149,22 @@ TEST(Cuts, takeLotsByWhatSetsThemUp) {
   EXPECT_NEAR((5 * x - cuts[0].right) / (s + x), 5, 1e-6);
 }
 
+// 5 are needed at the end of two arcs in a row, f1 <= 10 y1 and f2 <= 10 y2, each half open for its
+// flow: both have to be open. The first is seen through the node between them alone.
+TEST(Cuts, followFlowsThroughArcsThatAreOpenByAPart) {
+  const Written written({0, 0, 0, 0}, {kEndless, kEndless, 1, 1}, {0, 0, 1, 1},
+                        {{1, -1, 0, 0}, {0, 1, 0, 0}, {1, 0, -10, 0}, {0, 1, 0, -10}},
+                        {0, 5, -kEndless, -kEndless}, {0, 5, 0, 0});
+  for (const int y : {2, 3}) {
+    bool isOpened = false;
+    for (const Cut& cut : written.cuts(lomu::findRoundingCuts, {5, 5, 0.5, 0.5})) {
+      isOpened |= cut.column == std::vector<int>{y} && cut.value[0] < 0 &&
+                  std::abs(cut.right / cut.value[0] - 1) < 1e-6;
+    }
+    EXPECT_TRUE(isOpened) << y;
+  }
+}
+
 // Of weights 3, 3, 3 and 5 in 8 not all of three 3s fit, and beside the 5 only one: x1 + x2 + x3 +
 // x4 <= 2, where x4 counts for 2 - 1.
 TEST(Cuts, countWhatIsOutsideOfACover) {

@@ -59,7 +59,7 @@ class LinearStopHandler : public ClpEventHandler {
   Watch* watch_;
 };
 
-// Cuts at the root, those by covers below it too where they prove useful, and two quick ways to a
+// Cuts at the root, ours below it too where they prove useful, and two quick ways to a
 // first solution. Of Coin's cuts Gomory's alone: its covers of knapsacks took the best point of a
 // known problem (lseu) away, and that of an assignment with a budget; covers of flows that of
 // plants with fixed costs; and CglMixedIntegerRounding2 those of six of three thousand small
@@ -73,13 +73,24 @@ void addHelp(const LinearForm& form, CbcModel& model) {
   model.addCutGenerator(&gomory, kAtRoot, "Gomory");
   const auto problem = std::make_shared<const CutProblem>(form);
   CutGenerator rounding(problem, findRoundingCuts);
-  model.addCutGenerator(&rounding, kAtRoot, "Rounding");
+  model.addCutGenerator(&rounding, kWhereUseful, "Rounding");
   CutGenerator covers(problem, findCoverCuts);
   model.addCutGenerator(&covers, kWhereUseful, "Covers");
   CbcRounding round(model);
   model.addHeuristic(&round);
   CbcHeuristicFPump pump(model);
   model.addHeuristic(&pump);
+}
+
+// Rounds of cuts at the root go on while they raise the bound by a thousandth, as in Cbc's program;
+// a node below it has one.
+void limitRounds(double bound, CbcModel& model) {
+  constexpr int kRoundsAtRoot = 100;
+  constexpr double kWorthARound = 1e-3;
+  constexpr double kEnough = 0.05;
+  model.setMaximumCutPassesAtRoot(kRoundsAtRoot);
+  model.setMaximumCutPasses(1);
+  model.setMinimumDrop(std::min(kEnough, kWorthARound * std::abs(bound) + 1e-4));
 }
 
 // More equalities than a few, and nothing else.
@@ -245,6 +256,7 @@ std::vector<double> CbcEngine::search(const LinearForm& form, const std::vector<
     return result.startTaken && watch.stopped() ? start : std::vector<double>();
   }
   double bound = model.solver()->getObjValue();
+  limitRounds(bound, model);
   const StopHandler handler(&watch, &bound);
   model.passInEventHandler(&handler);
   if (result.startTaken) {

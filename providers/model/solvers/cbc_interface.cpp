@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 #include <vector>
 
 #include "providers/model/solvers/clp_program.h"
@@ -25,6 +26,15 @@ CbcInterface::CbcInterface(const LinearForm& form) {
 
 OsiSolverInterface* CbcInterface::clone(bool copyData) const {
   return copyData ? new CbcInterface(*this) : new CbcInterface();
+}
+
+void CbcInterface::initialSolve() {
+  OsiClpSolverInterface::initialSolve();
+  isUnsolvable_ = isProvenPrimalInfeasible() || isProvenDualInfeasible();
+}
+
+void CbcInterface::resolve() {
+  if (!std::exchange(isUnsolvable_, false)) OsiClpSolverInterface::resolve();
 }
 
 int CbcInterface::tightenBounds(int lightweight) {

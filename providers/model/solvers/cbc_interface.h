@@ -20,6 +20,14 @@ class CbcInterface : public OsiClpSolverInterface {
   // Tightens bounds by rows that have a little room. By the rows as they are, those of integers
   // are rounded without any: 0.1 x <= 0.6 left x at most 5.
   int tightenBounds(int lightweight = 0) override;
+  // Cbc solves once more what the first solve found no best point of; where that proved that there
+  // is none, the dual method may then stop at 1e100, which an assertion of Clp's interface ends the
+  // process for.
+  void initialSolve() override;
+  void resolve() override;
+
+ private:
+  bool isUnsolvable_ = false;  // by the last first solve
 };
 
 }  // namespace lomu

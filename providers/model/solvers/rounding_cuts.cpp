@@ -50,11 +50,23 @@ class RowRounder {
     return problem_.norm(i) > 0 && slack_[at(i)] <= kTight * problem_.norm(i);
   }
 
+  // Of the row and its neighbours; if these give none, of its neighbours through the columns that
+  // stand at bounds of other columns' making, as flows on arcs that are open by a part.
   void roundFrom(int i) {
+    countsMoving_ = true;
     sum_.begin(i, activity_[at(i)]);
-    while (!roundSum() && sum_.parts().size() < kRowsInSum) {
-      if (!addRow()) return;
+    if (roundSum() || roundFurther()) return;
+    countsMoving_ = false;
+    sum_.begin(i, activity_[at(i)]);
+    roundFurther();
+  }
+
+  bool roundFurther() {
+    while (sum_.parts().size() < kRowsInSum) {
+      if (!addRow()) return false;
+      if (roundSum()) return true;
     }
+    return false;
   }
 
   // The cut of the sum that the point is furthest from.
@@ -101,6 +113,7 @@ class RowRounder {
   [[nodiscard]] double fromBounds(int j) const {
     const double level = point_[j];
     double away = std::min(level - problem_.lower[at(j)], problem_.upper[at(j)] - level);
+    if (!countsMoving_) return away;
     for (const MovingBound& bound : problem_.lowerBy[at(j)]) {
       away = std::min(away, level - bound.constant - bound.slope * point_[bound.column]);
     }
@@ -131,6 +144,7 @@ class RowRounder {
   const double* point_;
   std::vector<Cut>& cuts_;
   std::vector<double> activity_, slack_;
+  bool countsMoving_ = true;
   RoundingSum sum_;
   RoundedRow rounded_;
 };
