@@ -329,8 +329,9 @@ int ztbModelGetSize(ztbModel* model, ztbModelSize* size);
 int ztbModelGetFamily(ztbModel* model, int number, ztbModelFamily* family);
 
 /* Writes the model as a file that reads back as the same model, .lp or .mps by the ending. A file
- * that was there is replaced once the new one is whole. Refused: names that the format cannot hold.
- */
+ * that was there is replaced once the new one is whole. Names that the format cannot hold are
+ * changed, which a further note tells; comments in the file have them, so that ztbModelOpen gives
+ * the model its own names. Refused: numbers that the format cannot hold. */
 int ztbModelWrite(ztbModel* model, const char* file);
 
 /* 1 if the catalogue file can be read, else 0 with the file, the line and what is wrong with it. */

@@ -13,9 +13,6 @@
 
 namespace lomu {
 
-namespace {
-
-// Whether the text is a name wherever one may stand.
 bool isLpName(const std::string& name) {
   if (ztb::sameFolded(name, "free") || beginsLpKeyword(name)) return false;
   try {
@@ -27,15 +24,13 @@ bool isLpName(const std::string& name) {
   }
 }
 
+namespace {
+
 class LpWriter {
  public:
-  LpWriter(const ModelData& model, const std::string& file, TextTarget& out)
-      : model_(model), file_(file), out_(out) {}
+  LpWriter(const ModelData& model, TextTarget& out) : model_(model), out_(out) {}
 
   void write() {
-    for (const ColumnData& column : model_.columns) checkName(column.name);
-    for (const RowData& row : model_.rows) checkName(row.name);
-    for (const OrderedSet& set : model_.sets) checkName(set.name);
     sortTerms();
     out_ << (model_.maximize ? "Maximize\n" : "Minimize\n");
     writeObjective();
@@ -51,13 +46,6 @@ class LpWriter {
   }
 
  private:
-  void checkName(const std::string& name) const {
-    if (isLpName(name)) return;
-    throw ModelError(file_ + ": the name " + shown(name) +
-                     " cannot stand in an LP file, expected letters, digits and signs, none of "
-                     "the digits first, but no keyword; an MPS file may hold it");
-  }
-
   [[nodiscard]] const std::string& nameOfColumn(int column) const {
     return model_.columns[static_cast<std::size_t>(column)].name;
   }
@@ -206,7 +194,6 @@ class LpWriter {
   }
 
   const ModelData& model_;
-  const std::string& file_;
   TextTarget& out_;
   std::vector<std::vector<const Term*>> terms_;  // of each row
   std::vector<std::vector<const Product*>> products_;
@@ -214,8 +201,8 @@ class LpWriter {
 
 }  // namespace
 
-void writeLp(const ModelData& model, const std::string& file, TextTarget& out) {
-  LpWriter(model, file, out).write();
+void writeLp(const ModelData& model, TextTarget& out) {
+  LpWriter(model, out).write();
 }
 
 }  // namespace lomu

@@ -30,6 +30,7 @@ class ModelBuilder {
 
   [[nodiscard]] const ModelData& data() const { return data_; }
   // What symbols drive in it.
+  void note(std::string text) { data_.notes.push_back(std::move(text)); }
   [[nodiscard]] const DrivenNumbers& driven() const { return driven_; }
 
  private:

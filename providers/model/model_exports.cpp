@@ -495,7 +495,8 @@ MODEL_EXPORT int ztbModelWrite(ztbModel* model, const char* file) {
     if (model->builder.driven().carrierCount > 0) {
       throw ModelError("the model is driven by symbols and cannot be written any more");
     }
-    lomu::writeModelFile(model->builder.data(), file);
+    std::string note = lomu::writeModelFile(model->builder.data(), file);
+    if (!note.empty()) model->builder.note(std::move(note));
   });
 }
 

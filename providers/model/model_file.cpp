@@ -14,6 +14,7 @@
 #include "providers/model/model_error.h"
 #include "providers/model/mps_reader.h"
 #include "providers/model/text_source.h"
+#include "providers/model/written_names.h"
 
 namespace lomu {
 
@@ -115,7 +116,9 @@ ModelData readModelFile(const std::string& file, const std::string& dataFile,
                      dataFile + " was given");
   }
   try {
-    return read(kind, file, dataFile, fills);
+    ModelData model = read(kind, file, dataFile, fills);
+    if (kind != FileKind::mathProg) restoreNames(file, model);
+    return model;
   } catch (const std::system_error& error) {
     throw ModelError(file + ": " + error.what());
   }

@@ -1,6 +1,7 @@
 #include "providers/model/model_writer.h"
 
 #include <cmath>
+#include <optional>
 
 #include "providers/model/file_bounds.h"
 #include "providers/model/format_writers.h"
@@ -9,6 +10,7 @@
 #include "providers/model/number_text.h"
 #include "providers/model/text_source.h"
 #include "providers/model/text_target.h"
+#include "providers/model/written_names.h"
 
 namespace lomu {
 
@@ -48,19 +50,23 @@ void checkNumbers(const ModelData& model, const std::string& file) {
 
 }  // namespace
 
-void writeModelFile(const ModelData& model, const std::string& file) {
+std::string writeModelFile(const ModelData& model, const std::string& file) {
   const bool isLp = hasEnding(file, ".lp");
   if (!isLp && !hasEnding(file, ".mps")) {
     throw ModelError(file + ": unknown ending, expected .lp or .mps");
   }
   checkNumbers(model, file);
   TextTarget target(file);
+  const std::optional<WrittenNames> changed = writtenNames(model, isLp);
+  if (changed) target << changed->comments;
+  const ModelData& written = changed ? changed->model : model;
   if (isLp) {
-    writeLp(model, file, target);
+    writeLp(written, target);
   } else {
-    writeMps(model, file, target);
+    writeMps(written, file, target);
   }
   target.publish();
+  return changed ? file + ": " + changed->note : std::string();
 }
 
 }  // namespace lomu

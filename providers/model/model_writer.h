@@ -10,8 +10,9 @@
 namespace lomu {
 
 // Writes .lp and .mps files. A file that was there is replaced once the new one is whole. Throws
-// ModelError when the format cannot hold the model, or the file cannot be written.
-void writeModelFile(const ModelData& model, const std::string& file);
+// ModelError when the format cannot hold the model, or the file cannot be written. Gives a note on
+// the names that had to be changed; empty where none had.
+std::string writeModelFile(const ModelData& model, const std::string& file);
 
 }  // namespace lomu
 

@@ -12,14 +12,13 @@
 
 namespace lomu {
 
-namespace {
-
-// Whether the text is one field of free format, and no marker.
 bool isMpsName(const std::string& name) {
   const auto isPlain = [](char c) { return static_cast<unsigned char>(c) > ' ' && c != 0x7F; };
   return !name.empty() && name.size() <= kMaxFileName && name != "'MARKER'" &&
          std::all_of(name.begin(), name.end(), isPlain);
 }
+
+namespace {
 
 class MpsWriter {
  public:
@@ -27,9 +26,6 @@ class MpsWriter {
       : model_(model), file_(file), out_(out) {}
 
   void write() {
-    for (const ColumnData& column : model_.columns) checkName(column.name);
-    for (const RowData& row : model_.rows) checkName(row.name);
-    for (const OrderedSet& set : model_.sets) checkName(set.name);
     out_ << "NAME\n";
     if (model_.maximize) out_ << "OBJSENSE\n    MAX\n";
     writeRows();
@@ -43,14 +39,6 @@ class MpsWriter {
   }
 
  private:
-  void checkName(const std::string& name) const {
-    if (isMpsName(name)) return;
-    throw ModelError(
-        file_ + ": the name " + shown(name) +
-        " cannot stand in an MPS file, expected 1 to 255 characters without blanks; an "
-        "LP file may hold it");
-  }
-
   [[nodiscard]] const std::string& nameOfRow(std::size_t row) const {
     return model_.rows[row].name;
   }

@@ -33,7 +33,7 @@ TEST_F(CommaLanguageTest, MathProgHasPointsInNumbers) {
             "param p;\nvar x >= 0.25;\nminimize o: 1.5 * x;\ns.t. c: p * x >= 0.5;\nend;\n"),
       write("m.dat", "data;\nparam p := 2.75;\nend;\n"));
   EXPECT_EQ(rowText(model, "c"), "2.75 x >= 0.5");
-  EXPECT_EQ(rowText(model, 0), "min 1.5 x");
+  EXPECT_EQ(rowText(model, 0), "min 1.5 x + 0");
   EXPECT_EQ(model.columns[0].lower, 0.25);
   EXPECT_TRUE(ztbtest::CommaLanguage::isSet());
 }

@@ -374,7 +374,9 @@ class Model:
     def write(self, path: Path) -> None:
         """Writes the model as LP or MPS, by the ending: a file that reads back as the same model.
 
-        Before it is tied or solved. What the format cannot hold raises :class:`ztb.Error`.
+        Before it is tied or solved. Names that the format cannot hold are changed, which
+        :attr:`notes` tells, and comments in the file have them, so that :meth:`open` gives them
+        back. Numbers that it cannot hold raise :class:`ztb.Error`.
         """
         self._native.write(path)
 
