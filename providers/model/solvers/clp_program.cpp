@@ -87,7 +87,8 @@ Position positionOf(unsigned char statusByte, double level, double lower, double
   const bool isLower = std::abs(level - lower) <= std::abs(upper - level);
   Position position = isLower ? Position::atLower : Position::atUpper;
   position = (is & kBetween) != 0 ? Position::superbasic : position;
-  position = ((is & kFixed) != 0) | (lower == upper) ? Position::atLower : position;
+  const bool isFixed = ((is & kFixed) != 0) | (lower == upper);
+  position = isFixed ? Position::atLower : position;
   return (is & kBasic) != 0 ? Position::basic : position;
 }
 
