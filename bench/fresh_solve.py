@@ -137,6 +137,84 @@ def production(products, periods, seed):
     return Problem(rows, columns)
 
 
+def lots(products, periods, seed):
+    """How much of each product to make when, from stock or with a set-up, on one machine."""
+    r = random.Random(seed)
+    rows = [("E", r.randint(0, 40)) for _ in range(products * periods)]
+    rows += [("L", 0)] * (products * periods) + [("L", 30 * products + 60)] * periods
+    setups, flows = [], []
+    for p in range(products):
+        for t in range(periods):
+            here, link = p * periods + t, (products + p) * periods + t
+            machine = 2 * products * periods + t
+            setups.append((r.randint(40, 120), 1, {link: -120, machine: 10}))
+            flows.append((r.randint(1, 5), None, {here: 1, link: 1, machine: 1}))
+            kept = {here + 1: 1} if t + 1 < periods else {}
+            flows.append((r.randint(1, 3), None, {here: -1} | kept))
+    return Problem(rows, setups + flows, len(setups))
+
+
+def network(nodes, arcs, seed):
+    """Which arcs to open for flows between pairs of nodes, each arc at a price of its own."""
+    r = random.Random(seed)
+    pairs = {(i, (i + 1) % nodes) for i in range(nodes)}
+    while len(pairs) < arcs:
+        pairs.add(tuple(r.sample(range(nodes), 2)))
+    net = [0] * nodes
+    for _ in range(nodes // 2):
+        source, sink = r.sample(range(nodes), 2)
+        amount = r.randint(1, 12)
+        net[source] += amount
+        net[sink] -= amount
+    rows = [("E", n) for n in net] + [("L", 0)] * arcs
+    ordered = list(enumerate(sorted(pairs)))
+    opened = [(r.randint(10, 60), 1, {nodes + k: -40}) for k, _ in ordered]
+    flows = [(r.randint(1, 6), None, {i: 1, j: -1, nodes + k: 1}) for k, (i, j) in ordered]
+    return Problem(rows, opened + flows, arcs)
+
+
+def assignment(agents, jobs, seed):
+    """Jobs to agents that have room for some of them."""
+    r = random.Random(seed)
+    use = [[r.randint(5, 25) for _ in range(jobs)] for _ in range(agents)]
+    rows = [("E", 1)] * jobs + [("L", sum(u) * 4 // (5 * agents)) for u in use]
+    columns = [
+        (r.randint(10, 50), 1, {j: 1, jobs + a: use[a][j]})
+        for a in range(agents)
+        for j in range(jobs)
+    ]
+    return Problem(rows, columns, len(columns))
+
+
+def plants(units, hours, seed):
+    """Which power plants run when: least and most load, starts, two hours at least, reserve."""
+    r = random.Random(seed)
+    kinds = [(r.randint(20, 60), r.randint(80, 200)) for _ in range(units)]
+    full = sum(most for _, most in kinds)
+    load = [round(full * (0.45 + 0.2 * math.sin(t * math.pi / 12))) for t in range(hours)]
+    rows = [("E", need) for need in load] + [("G", math.ceil(1.1 * need)) for need in load]
+    on, starts, made = [], [], []
+    for least, most in kinds:
+        prices = r.randint(100, 500), r.randint(200, 900), r.randint(10, 40)
+        first = len(rows)
+        rows += [("L", 0)] * (4 * hours)  # of each hour: most, least, start, what a start holds on
+        for t in range(hours):
+            at = first + 4 * t
+            later = {at + 6: -1} if t + 1 < hours else {}
+            held = {at - 1: -1} if t else {}
+            running = {hours + t: most, at: -most, at + 1: least, at + 2: 1}
+            on.append((prices[0], 1, running | later | held))
+            begun = {at + 3: 1} if t + 1 < hours else {}
+            starts.append((prices[1], 1, {at + 2: -1} | begun))
+            made.append((prices[2], None, {t: 1, at: 1, at + 1: -1}))
+    return Problem(rows, on + starts + made, 2 * len(on))
+
+
+def relaxed(problem):
+    """The same without integers."""
+    return Problem(problem.rows, problem.columns)
+
+
 MADE = {
     "facility": lambda: facility(10, 30, 1),
     "knapsacks": lambda: knapsacks(5, 28, 3),
@@ -144,6 +222,11 @@ MADE = {
     "cover": lambda: cover(150, 400, 2),
     "transport": lambda: transport(60, 200, 6),
     "production": lambda: production(40, 40, 7),
+    "lots": lambda: lots(3, 7, 4),
+    "network": lambda: network(18, 60, 5),
+    "assignment": lambda: assignment(5, 24, 6),
+    "plants": lambda: plants(6, 24, 7),
+    "covered": lambda: relaxed(cover(400, 5000, 8)),
 }
 
 
