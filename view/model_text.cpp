@@ -2,7 +2,6 @@
 
 #include <cstdlib>
 #include <fstream>
-#include <sstream>
 #include <utility>
 
 #include "tools/files/scratch_folder.h"
@@ -11,8 +10,6 @@
 namespace view {
 
 namespace {
-
-constexpr double infinite = std::numeric_limits<double>::infinity();
 
 // The first place of a char that stands in no quotes; npos for none.
 std::size_t findUnquoted(std::string_view text, char wanted) {
@@ -34,43 +31,52 @@ double numberIn(const std::string& text) {
   return std::strtod(text.c_str(), nullptr);
 }
 
+std::string ownName(const std::unordered_map<std::string, std::string>& own,
+                    const std::string& name) {
+  const auto found = own.find(name);
+  return found == own.end() ? name : found->second;
+}
+
 }  // namespace
 
 ModelText::ModelText(ztb::Model& model) {
   const tool::ScratchFolder folder;
   try {
     model.write(folder.file("model.lp"));
-    readLp(folder.file("model.lp"));
-  } catch (const ztb::Error&) {
-    try {
-      model.write(folder.file("model.mps"));
-    } catch (const ztb::Error& error) {
-      throw tool::Failure(error.what());
-    }
-    readMps(folder.file("model.mps"));
+  } catch (const ztb::Error& error) {
+    throw tool::Failure(error.what());
   }
+  read(folder.file("model.lp"));
 }
 
-void ModelText::addRow(std::string name, RowSides sides) {
-  rows_.push_back(std::move(name));
-  sides_.push_back(sides);
+// "row _1st was 1st", "column ...": a name that cannot stand in LP, told ahead of all.
+void ModelText::takeChange(const std::string& told) {
+  constexpr std::string_view was = " was ";
+  const std::size_t begin = told.find(' ');
+  const std::size_t end = told.find(was);
+  if (begin == std::string::npos || end == std::string::npos || end < begin) return;
+  auto& own = told.starts_with("row ") ? ownRows_ : ownColumns_;
+  own.emplace(told.substr(begin + 1, end - begin - 1), told.substr(end + was.size()));
 }
 
 void ModelText::enter(std::size_t row, const std::string& column) {
   const auto [found, isNew] = columnNumbers_.try_emplace(column, columns_.size());
-  if (isNew) columns_.push_back(column);
+  if (isNew) columns_.push_back(ownName(ownColumns_, column));
   entries_.push_back({row, found->second});
 }
 
 // Each row begins with a line of its name, " cost:"; each term has a line, " + 2.5 buy", and so
 // has a product, " + 2 price * buy", behind a line with a bracket.
-void ModelText::readLp(const std::string& path) {
+void ModelText::read(const std::string& path) {
+  constexpr std::string_view change = "\\ ztb: ";
   std::ifstream file(path);
   for (std::string line; std::getline(file, line) && line != "Bounds";) {
     if (line.starts_with(" + ") || line.starts_with(" - ")) {
       takeTerm(line.substr(3));
     } else if (line.starts_with(' ')) {
       beginRow(line);
+    } else if (line.starts_with(change)) {
+      takeChange(line.substr(change.size()));
     }
   }
 }
@@ -79,7 +85,9 @@ void ModelText::readLp(const std::string& path) {
 void ModelText::beginRow(const std::string& line) {
   inProducts_ = false;
   const std::size_t colon = findUnquoted(line, ':');
-  addRow(line.substr(1, colon == std::string::npos ? colon : colon - 1), {});
+  const std::string name = line.substr(1, colon == std::string::npos ? colon : colon - 1);
+  rows_.push_back(ownName(ownRows_, name));
+  sides_.emplace_back();
   if (colon == std::string::npos) return;
   std::string rest = line.substr(colon + 1);
   // With two signs, or one at the end, the first has the lower side in front.
@@ -132,49 +140,6 @@ void ModelText::takeTerm(std::string term) {
     enter(row, name);
   }
   if (isLast) inProducts_ = false;
-}
-
-void ModelText::readMps(const std::string& path) {
-  std::ifstream file(path);
-  std::string section;
-  for (std::string line; std::getline(file, line);) {
-    if (!line.starts_with(' ')) {
-      section = line.substr(0, line.find(' '));
-    } else {
-      readMpsEntry(section, line);
-    }
-  }
-}
-
-void ModelText::readMpsEntry(const std::string& section, const std::string& line) {
-  std::istringstream words(line);
-  std::string first;
-  std::string second;
-  words >> first >> second;
-  std::string number;
-  words >> number;
-  const double value = numberIn(number);
-  if (section == "ROWS") {
-    rowNumbers_.emplace(second, rows_.size());
-    rowTypes_ += first;
-    RowSides sides;
-    if (first == "E" || first == "G") sides.lower = 0;
-    if (first == "E" || first == "L") sides.upper = 0;
-    addRow(second, sides);
-    return;
-  }
-  const auto found = rowNumbers_.find(second);
-  if (found == rowNumbers_.end()) return;
-  const std::size_t row = found->second;
-  if (section == "COLUMNS" && value != 0) {
-    enter(row, first);
-  } else if (section == "RHS" && rowTypes_[row] != 'N') {
-    if (sides_[row].lower != -infinite) sides_[row].lower = value;
-    if (sides_[row].upper != infinite) sides_[row].upper = value;
-  } else if (section == "RANGES") {
-    if (rowTypes_[row] == 'G') sides_[row].upper = sides_[row].lower + value;
-    if (rowTypes_[row] == 'L') sides_[row].lower = sides_[row].upper - value;
-  }
 }
 
 }  // namespace view

@@ -1,5 +1,4 @@
-// The rows and entries of a model, read from what it writes of itself: as LP, or as MPS where a
-// name cannot stand in LP.
+// The rows and entries of a model, read from the LP file that it writes of itself.
 #ifndef ZTB_VIEW_MODEL_TEXT_H_
 #define ZTB_VIEW_MODEL_TEXT_H_
 
@@ -38,13 +37,11 @@ class ModelText {
   [[nodiscard]] const std::vector<Entry>& entries() const { return entries_; }
 
  private:
-  void readLp(const std::string& path);
+  void read(const std::string& path);
+  void takeChange(const std::string& told);
   void beginRow(const std::string& line);
   void takeTerm(std::string term);
   void takeSide(std::string& text);
-  void readMps(const std::string& path);
-  void readMpsEntry(const std::string& section, const std::string& line);
-  void addRow(std::string name, RowSides sides);
   void enter(std::size_t row, const std::string& column);
 
   std::vector<std::string> rows_;
@@ -52,8 +49,8 @@ class ModelText {
   std::vector<std::string> columns_;
   std::vector<Entry> entries_;
   std::unordered_map<std::string, std::size_t> columnNumbers_;
-  std::unordered_map<std::string, std::size_t> rowNumbers_;  // of MPS
-  std::string rowTypes_;                                     // likewise
+  // The model's own names of those that LP could not hold.
+  std::unordered_map<std::string, std::string> ownRows_, ownColumns_;
   bool inProducts_ = false;
 };
 

@@ -149,11 +149,11 @@ TEST_F(ViewModelTest, KnowsBothSidesOfEachRow) {
   }
 }
 
-// A name that LP cannot hold, so that the model is read as MPS: at least 1, at most 8 and between 2
+// Names that LP cannot hold, of rows and a column: at least 1, at most 8 and between 2
 // and 6, of which x = 6 is the dearest.
-TEST_F(ViewModelTest, KnowsBothSidesOfRowsThatOnlyMpsHolds) {
+TEST_F(ViewModelTest, KnowsBothSidesOfRowsThatLpCannotName) {
   std::ofstream(path("odd.mps")) << "NAME odd\nROWS\n N cost\n G 1st\n L 2nd\n L 3rd\n E 4th\n"
-                                    "COLUMNS\n x cost -2 1st 1\n x 2nd 1 3rd 1\n y 4th 1\n"
+                                    "COLUMNS\n 2x cost -2 1st 1\n 2x 2nd 1 3rd 1\n y 4th 1\n"
                                     "RHS\n RHS 1st 1 2nd 8\n RHS 3rd 6 4th 5\n"
                                     "RANGES\n RNG 3rd 4\nENDATA\n";
   const Server server({path("odd.mps")});
