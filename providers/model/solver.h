@@ -66,8 +66,8 @@ struct SolverResult {
   std::vector<double> rowMarginal;
   std::vector<Position> rowPosition;
   // Of an optimum that was looked at for doubt, the marginals of its columns in the minimized
-  // problem, what the linear terms of each row come to, else both empty, and what those of the costs
-  // do.
+  // problem, what the linear terms of each row come to, else both empty, and what those of the
+  // costs do.
   std::vector<double> columnMarginal;
   std::vector<double> rowLevel;
   double cost = 0;

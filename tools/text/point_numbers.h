@@ -1,6 +1,6 @@
-// Numbers with a decimal point, whatever the program has set, for libraries that print and read them
-// by functions of C, which have a comma in many a language: a workbook of libxlsxwriter with one is
-// damaged, and GLPK misses the point in numbers of a model.
+// Numbers with a decimal point, whatever the program has set, for libraries that print and read
+// them by functions of C, which have a comma in many a language: a workbook of libxlsxwriter with
+// one is damaged, and GLPK misses the point in numbers of a model.
 #ifndef ZTB_TOOLS_TEXT_POINT_NUMBERS_H_
 #define ZTB_TOOLS_TEXT_POINT_NUMBERS_H_
 
