@@ -80,6 +80,17 @@ std::string exampleOf(const DictionarySymbol& family, const DriveStatement& stat
   return family.dimension == 0 ? text : text + ")";
 }
 
+// "; buy has: buy(x), buy(y)", the first elements of a family.
+std::string elementsText(const ModelData& data, const DictionarySymbol& family) {
+  std::vector<std::string> names;
+  for (const int element : family.elements) {
+    const bool isColumn = family.type == SymbolType::variable;
+    names.push_back(isColumn ? data.columns[at(element)].name : data.rows[at(element)].name);
+    if (names.size() > kMostListed) break;
+  }
+  return "; " + family.name + " has: " + listed(names);
+}
+
 std::uint64_t pairKey(int row, int column) {
   return static_cast<std::uint64_t>(static_cast<std::uint32_t>(row)) << 32U |
          static_cast<std::uint32_t>(column);
@@ -198,27 +209,40 @@ Driving::Family Driving::resolve(const DriveStatement& statement, const FamilyRe
                                 std::to_string(statement.positions.size()) +
                                 "; write which they are, as in " + exampleOf(symbol, statement)));
   }
-  const auto& labels = dictionary_.labels();
   for (std::size_t k = 0; k < family.positions.size(); ++k) {
     const FamilyPosition& position = family.positions[k];
-    if (position.kind != FamilyPosition::Kind::label) continue;
-    const auto found = std::find_if(labels.begin(), labels.end(), [&](const std::string& label) {
-      return ztb::sameFolded(label, position.label);
-    });
-    if (found == labels.end()) {
-      throw ModelError("the model has no label " + quoted(position.label) +
-                       ztb::suggestion(position.label, labels));
+    if (position.kind == FamilyPosition::Kind::label) {
+      family.labels[k] = labelAt(symbol, k, position.label);
     }
-    family.labels[k] = static_cast<int>(found - labels.begin()) + 1;
   }
   return family;
 }
 
+int Driving::labelAt(const DictionarySymbol& symbol, std::size_t position,
+                     const std::string& label) const {
+  std::unordered_set<int> seen;
+  std::vector<std::string> known;
+  for (const int element : symbol.elements) {
+    const int number = keysOf(symbol, element)[position];
+    if (!seen.insert(number).second) continue;
+    known.push_back(dictionary_.labels()[at(number) - 1]);
+    if (ztb::sameFolded(known.back(), label)) return number;
+  }
+  const std::string place =
+      symbol.dimension == 1 ? "" : " at position " + std::to_string(position + 1);
+  throw ModelError(symbol.name + " has no label " + quoted(label) + place +
+                   ztb::suggestion(label, known) + "; its labels " +
+                   (symbol.dimension == 1 ? "" : "there ") + "are: " + listed(known));
+}
+
+const int* Driving::keysOf(const DictionarySymbol& symbol, int element) const {
+  return symbol.type == SymbolType::variable ? dictionary_.columnPlace(element).keys
+                                             : dictionary_.rowPlace(element).keys;
+}
+
 std::optional<std::vector<int>> Driving::bind(const Family& family, int element,
                                               std::size_t positions) const {
-  const int* keys = family.symbol->type == SymbolType::variable
-                        ? dictionary_.columnPlace(element).keys
-                        : dictionary_.rowPlace(element).keys;
+  const int* keys = keysOf(*family.symbol, element);
   std::vector<int> bound(positions, 0);
   for (std::size_t k = 0; k < family.positions.size(); ++k) {
     const FamilyPosition& position = family.positions[k];
@@ -286,7 +310,8 @@ std::vector<Driving::Target> Driving::targets(const ModelData& data,
                                  family.symbol->elements,
                                  [&](int row) { return data.rows[at(row)].type == RowType::free; })
                          ? family.symbol->name + " has no right-hand side: its rows are free"
-                         : "nothing in the model fits it");
+                         : "nothing in the model fits it" + elementsText(data, *family.symbol) +
+                               (statement.row ? elementsText(data, *families[1].symbol) : ""));
   }
   readBases(data, found);
   return found;

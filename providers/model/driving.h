@@ -49,6 +49,10 @@ class Driving {
   [[nodiscard]] Family resolve(const DriveStatement& statement, const FamilyReference& reference,
                                SymbolType type) const;
   [[nodiscard]] std::vector<std::string> names(SymbolType type) const;
+  // The number of a label that a position of a family has. Throws with those that it has.
+  [[nodiscard]] int labelAt(const DictionarySymbol& symbol, std::size_t position,
+                            const std::string& label) const;
+  [[nodiscard]] const int* keysOf(const DictionarySymbol& symbol, int element) const;
   // The label numbers that an element gives to the symbol's positions, 0 to those that it does not
   // name; nothing where it does not fit.
   [[nodiscard]] std::optional<std::vector<int>> bind(const Family& family, int element,

@@ -411,7 +411,29 @@ TEST_F(DriveRefusal, TellsWhatTheModelHas) {
   EXPECT_EQ(refusal("d = rhs of cost"),
             "drive \"d = rhs of cost\": cost has no right-hand side: its rows are free");
   EXPECT_EQ(refusal("d = upper of buy('xx')"),
-            "drive \"d = upper of buy('xx')\": the model has no label 'xx', is x meant?");
+            "drive \"d = upper of buy('xx')\": buy has no label 'xx', is x meant?; its labels are: "
+            "x, y");
+}
+
+// Labels of the model that stand elsewhere in it, or not together.
+TEST_F(DriveRefusal, TellsWhichLabelsAFamilyHas) {
+  const int ship = model_.addColumn("ship(x,north)", 0, 1);
+  model_.addColumn("ship(y,south)", 0, 1);
+  model_.addTerm(0, ship, 1);
+  EXPECT_EQ(refusal("d = upper of buy('north')"),
+            "drive \"d = upper of buy('north')\": buy has no label 'north'; its labels are: x, y");
+  EXPECT_EQ(
+      refusal("d(i) = upper of ship(i, 'x')"),
+      "drive \"d(i) = upper of ship(i, 'x')\": ship has no label 'x' at position 2; its labels "
+      "there are: north, south");
+  EXPECT_EQ(refusal("d = upper of ship('x', 'south')"),
+            "drive \"d = upper of ship('x', 'south')\": nothing in the model fits it; ship has: "
+            "ship(x,north), ship(y,south)");
+  model_.addRow("meet(north)", ztbRowLessOrEqual, 1);
+  EXPECT_EQ(
+      refusal("d(i, j) = coefficient of ship(i, j) in meet(i)"),
+      "drive \"d(i, j) = coefficient of ship(i, j) in meet(i)\": nothing in the model fits it; "
+      "ship has: ship(x,north), ship(y,south); meet has: meet(north)");
 }
 
 TEST_F(DriveRefusal, TellsWhatTheStatementLacks) {
