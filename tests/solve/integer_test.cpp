@@ -10,6 +10,8 @@
 #include <regex>
 #include <sstream>
 #include <string>
+#include <tuple>
+#include <utility>
 #include <ztb/model.hpp>
 
 #include "tests/support/temp_folder.h"
@@ -130,6 +132,36 @@ TEST(MipStart, IsTakenWhenItsIntegersCanBeCompleted) {
     EXPECT_EQ(model.status(), ztbModelOptimal);
     EXPECT_NEAR(model.objective(), 3, 1e-9);
     EXPECT_EQ(model.startTaken(), level == 1) << "3 and 3 do not go in";
+  }
+}
+
+// min -4 x - 2 y + 6 z, x + y + 2 z >= 1, x to 5, y to 4, z to 1: 5, 4 and 0 make -28. A start that
+// is close to it leaves the costs of x and y no room, and those of z alone are multiples of 6.
+TEST(MipStart, IsNotTakenForTheBestSolution) {
+  ztb::Model model;
+  const int x = model.addColumn("take(x)", 0, 5, ztbColumnInteger);
+  const int y = model.addColumn("take(y)", 0, 4, ztbColumnInteger);
+  const int z = model.addColumn("take(z)", 0, 1, ztbColumnInteger);
+  const int row = model.addRow("some", ztbRowGreaterOrEqual, 1);
+  for (const auto& [column, cost, weight] :
+       {std::tuple{x, -4.0, 1.0}, {y, -2.0, 1.0}, {z, 6.0, 2.0}}) {
+    model.addTerm(0, column, cost);
+    model.addTerm(row, column, weight);
+  }
+  model.setOption("UseStart", "1");
+  ztb::Database database;
+  ztb::ModelTie tie(database, model);
+  ztb::Symbol start = database.addParameter("start", {"*"});
+  for (const auto& [levelOfX, levelOfY] :
+       {std::pair{5.0, 3.0}, {4.0, 4.0}, {5.0, 2.0}, {0.0, 1.0}}) {
+    start.merge("x").setLevel(levelOfX);
+    start.merge("y").setLevel(levelOfY);
+    start.merge("z").setLevel(0);
+    tie.update(database.symbol("take"), ztb::Action::level, start, ztb::Missing::keep);
+    tie.solve("cbc");
+    EXPECT_TRUE(model.startTaken());
+    EXPECT_EQ(model.status(), ztbModelOptimal);
+    EXPECT_NEAR(model.objective(), -28, 1e-9) << levelOfX << ' ' << levelOfY;
   }
 }
 

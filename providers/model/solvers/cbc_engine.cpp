@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cmath>
 #include <memory>
+#include <numeric>
 
 #include "providers/model/solvers/cbc_interface.h"
 #include "providers/model/solvers/claim_check.h"
@@ -80,6 +81,21 @@ void addHelp(const LinearForm& form, CbcModel& model) {
   model.addHeuristic(&round);
   CbcHeuristicFPump pump(model);
   model.addHeuristic(&pump);
+}
+
+double costOf(const LinearForm& form, const std::vector<double>& point) {
+  return std::inner_product(form.cost.begin(), form.cost.end(), point.begin(), 0.0);
+}
+
+// The start comes as what a heuristic finds. Given before the search, it let Cbc fix columns by
+// their costs at once, and take the costs of the others alone for what objectives differ by: the
+// best point was then too little better to count.
+void addStart(const LinearForm& form, const std::vector<double>& start, CbcModel& model) {
+  std::vector<double> point = start;
+  point.resize(static_cast<std::size_t>(model.getNumCols()));
+  CbcSerendipity heuristic(model);
+  heuristic.setInputSolution(point.data(), costOf(form, start));
+  model.addHeuristic(&heuristic, "Start", 0);
 }
 
 // Rounds of cuts at the root go on while they raise the bound by a thousandth, as in Cbc's program;
@@ -259,19 +275,16 @@ std::vector<double> CbcEngine::search(const LinearForm& form, const std::vector<
   limitRounds(bound, model);
   const StopHandler handler(&watch, &bound);
   model.passInEventHandler(&handler);
-  if (result.startTaken) {
-    double cost = 0;
-    for (std::size_t j = 0; j < start.size(); ++j) cost += form.cost[j] * start[j];
-    std::vector<double> point = start;
-    point.resize(static_cast<std::size_t>(interface.getNumCols()));
-    model.setBestSolution(point.data(), interface.getNumCols(), cost, true);
-  }
+  if (result.startTaken) addStart(form, start, model);
   model.branchAndBound();
 
   result.iterations += model.getIterationCount();
   result.outcome = outcomeOf(model, watch);
   const double* best = model.bestSolution();
-  if (best == nullptr && result.startTaken) best = start.data();
+  // A limit may come before the heuristics.
+  const bool startIsBetter =
+      result.startTaken && (best == nullptr || costOf(form, start) < model.getObjValue());
+  if (startIsBetter) best = start.data();
   constexpr double kNoBound = 1e30;
   if (result.outcome == Outcome::optimal) bound = provenBound(model, watch.relativeGap());
   if (std::abs(bound) < kNoBound) result.bound = bound;
