@@ -103,6 +103,31 @@ TEST_P(Integer, tellsWhereEqualitiesLeaveNothing) {
   EXPECT_EQ(solveFresh(GetParam(), model_).outcome, Outcome::infeasible);
 }
 
+// Coefficients from 0.00015 to 8570: Gomory's cuts took the best point, which glpsol finds, away
+// and left 15115.05.
+TEST_P(Integer, findsTheBestPointOfABadlyScaledProblem) {
+  model_.column(-0.000997483414132, 0, 100);
+  model_.column(-9.14987699129, 0, 10, true);
+  model_.column(-49.9878094997, 0, 100, true);
+  model_.column(5.01393422484, 0, 1, true);
+  model_.column(0.000656567736063, 0, 10000, true);
+  model_.column(974.848359358, 0, 100);
+  model_.column(-92.9218810052, 0, 1, true);
+  model_.column(-0.358438096009, 0, 10000, true);
+  model_.column(11.8013426196, 0, 1);
+  model_.column(0.0973666934296, 0, 1, true);
+  model_.row({0.084, -0.287, 0.834, 0, -0.111, 0, 0, 0, 0.803, 0}, 17.369, 17.569);
+  model_.row({0, -8060, 2880, 630, 0, 0, 2830, 0, 8570, 0}, 72600, kInf);
+  model_.row({9.8, -31.8, 42, 0, 0, 0, -45.4, 82.7, -27.7, -83.8}, 548216.2, 548236.2);
+  model_.row({4730, -6240, -2990, 0, 0, 0, 0, 0, 0, 4300}, 239030, kInf);
+  model_.row({0, 0, 0, -0.00821, 0, 0, -0.00668, 0, 0.00369, -0.00015}, 0, kInf);
+  model_.row({0, 0, -6.24, -5.33, 0, 0, -4.62, 2.7, -2.71, 0}, -kInf, 17557.92);
+  model_.row({0, -85.7, -73.8, 0, 0, -77, -48.7, 81.6, 0, 0}, -kInf, 529402.2);
+  const SolverResult result = solve();
+  EXPECT_EQ(result.outcome, Outcome::optimal);
+  EXPECT_NEAR(model_.objective(result.level), 14086.49245, 0.01);
+}
+
 // Five plants supply five customers, each pair at a fixed cost and a cost for each unit up to a
 // capacity. The optimum as the programs of Cbc and GLPK tell it.
 TEST_P(Integer, suppliesAtFixedCosts) {

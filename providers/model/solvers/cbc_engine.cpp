@@ -60,18 +60,32 @@ class LinearStopHandler : public ClpEventHandler {
   Watch* watch_;
 };
 
+// The largest coefficient beside the least.
+double spanOf(const LinearForm& form) {
+  double least = HUGE_VAL;
+  double most = 0;
+  for (const double value : form.value) {
+    if (value == 0) continue;
+    least = std::min(least, std::abs(value));
+    most = std::max(most, std::abs(value));
+  }
+  return most / least;
+}
+
 // Cuts at the root, ours below it too where they prove useful, and two quick ways to a
 // first solution. Of Coin's cuts Gomory's alone: its covers of knapsacks took the best point of a
 // known problem (lseu) away, and that of an assignment with a budget; covers of flows that of
 // plants with fixed costs; and CglMixedIntegerRounding2 those of six of three thousand small
 // problems with columns below 0. An assertion of CglProbing ended the process on some with
-// equalities. The other two are ours. At every node Gomory's and those by rounding took longer than
-// they saved.
+// equalities. The other two are ours. Gomory's, which are made of what the factorization has, took
+// the best point of a problem with coefficients from 0.00015 to 8570 away; they are used where the
+// largest is not that much more than the least.
 void addHelp(const LinearForm& form, CbcModel& model) {
   constexpr int kWhereUseful = -1;
   constexpr int kAtRoot = -99;
+  constexpr double kSpanForGomory = 1e6;
   CglGomory gomory;
-  model.addCutGenerator(&gomory, kAtRoot, "Gomory");
+  if (spanOf(form) <= kSpanForGomory) model.addCutGenerator(&gomory, kAtRoot, "Gomory");
   const auto problem = std::make_shared<const CutProblem>(form);
   CutGenerator rounding(problem, findRoundingCuts);
   model.addCutGenerator(&rounding, kWhereUseful, "Rounding");
