@@ -128,6 +128,36 @@ TEST_P(Integer, findsTheBestPointOfABadlyScaledProblem) {
   EXPECT_NEAR(model_.objective(result.level), 14086.49245, 0.01);
 }
 
+// Clp's short way of looking at branches took one with the best point, which glpsol finds,
+// for one without a point: 536.549 was told.
+TEST_P(Integer, looksAtBranchesAsAtOtherSteps) {
+  model_.column(0.266919114109, 0, 100, true);
+  model_.column(4.77523738219, 0, 1, true);
+  model_.column(37.6624228639, 0, 10, true);
+  model_.column(0.483785783145, 0, 100, true);
+  model_.column(-1.07255429985, 0, 1, true);
+  model_.column(-10.0398823919, 0, 1);
+  model_.column(0.935289163309, 0, 100, true);
+  model_.column(-5.01972148279, 0, 10);
+  model_.column(-4.03101023171, 0, 1);
+  model_.column(-1.39819115398, 0, 10, true);
+  model_.column(-27.2804690217, 0, 1, true);
+  model_.column(0.805299289054, 0, 10, true);
+  model_.column(67.303812219, 0, 10);
+  model_.row({12.4, -10.6, 0, -12.1, 0, 0, -3.99, 0, -18.4, 0, 0, 0, 0}, -899.172, -869.172);
+  model_.row({0, 0, 0, 0, 0, 0.502, -0.189, -0.332, 0.334, -0.273, 0, 0, -0.096}, -7.88744,
+             -7.08744);
+  model_.row({0, 0, 0, 8.32, -49.3, 0, 0, 56.9, -40.5, 63.3, 0, 39.4, -52.9}, 594.462, 766.462);
+  model_.row({-1.44, 0, 0, 0, 0.451, 0, 0, 0, 0, 1.67, 0, 2.75, 0}, 5.97, 6.35);
+  model_.row({2.55, -20.6, -22.7, 4.01, 0, 0, 0, 0, 0, 0, 0.395, 0, 0}, 164.58, 204.58);
+  model_.row({0, -53.2, -84.4, 0, 0, 0, 0, 0, 0, 0, -103, 0, 0}, -kInf, -491.4);
+  model_.row({0, 7.49, 0, 0, -7.71, 0, 0, 0, 0, 0, 1.44, 0, 0}, -kInf, 1.6);
+  model_.row({0.521, 0, -0.216, 0, 0.0907, 0, 0, 0, 0.372, -0.505, 0, 0.197, 0.312}, 8.908, 9.062);
+  const SolverResult result = solve();
+  EXPECT_EQ(result.outcome, Outcome::optimal);
+  EXPECT_NEAR(model_.objective(result.level), 457.1101937, 1e-4);
+}
+
 // Five plants supply five customers, each pair at a fixed cost and a cost for each unit up to a
 // capacity. The optimum as the programs of Cbc and GLPK tell it.
 TEST_P(Integer, suppliesAtFixedCosts) {

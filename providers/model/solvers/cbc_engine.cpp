@@ -72,21 +72,27 @@ double spanOf(const LinearForm& form) {
   return most / least;
 }
 
-// Cuts at the root, ours below it too where they prove useful, and two quick ways to a
-// first solution. Of Coin's cuts Gomory's alone: its covers of knapsacks took the best point of a
-// known problem (lseu) away, and that of an assignment with a budget; covers of flows that of
-// plants with fixed costs; and CglMixedIntegerRounding2 those of six of three thousand small
-// problems with columns below 0. An assertion of CglProbing ended the process on some with
-// equalities. The other two are ours. Gomory's, which are made of what the factorization has, took
-// the best point of a problem with coefficients from 0.00015 to 8570 away; they are used where the
-// largest is not that much more than the least.
+// Cuts of our own, below the root too where they prove useful, and two quick ways to a first
+// solution. None of Coin's cuts is without a fault: its covers of knapsacks took the best point of
+// a known problem (lseu) away, and that of an assignment with a budget; covers of flows that of
+// plants with fixed costs; CglMixedIntegerRounding2 those of six of three thousand small problems
+// with columns below 0; an assertion of CglProbing ended the process on some with equalities.
+// Gomory's, which are made of what the factorization has, took that of a problem with coefficients
+// from 0.00015 to 8570 away. They are used at the root where the largest is not that much more than
+// the least, and ours find nothing to cut at the best point of the linear problem: with ours beside
+// them they cost more than they save.
 void addHelp(const LinearForm& form, CbcModel& model) {
   constexpr int kWhereUseful = -1;
   constexpr int kAtRoot = -99;
   constexpr double kSpanForGomory = 1e6;
-  CglGomory gomory;
-  if (spanOf(form) <= kSpanForGomory) model.addCutGenerator(&gomory, kAtRoot, "Gomory");
   const auto problem = std::make_shared<const CutProblem>(form);
+  std::vector<Cut> cuts;
+  findRoundingCuts(*problem, model.solver()->getColSolution(), cuts);
+  findCoverCuts(*problem, model.solver()->getColSolution(), cuts);
+  CglGomory gomory;
+  if (cuts.empty() && spanOf(form) <= kSpanForGomory) {
+    model.addCutGenerator(&gomory, kAtRoot, "Gomory");
+  }
   CutGenerator rounding(problem, findRoundingCuts);
   model.addCutGenerator(&rounding, kWhereUseful, "Rounding");
   CutGenerator covers(problem, findCoverCuts);
@@ -271,7 +277,6 @@ std::vector<double> CbcEngine::search(const LinearForm& form, const std::vector<
   model.setAllowableGap(0);
   // A better solution counts however little it is better by.
   model.setCutoffIncrement(1e-9);
-  addHelp(form, model);
   // Where little is left to decide below a node, Clp tries all of it by itself, as in Cbc's
   // program: several knapsacks at once take a fifth of the time. Depths further from 0 take longer
   // again, and so does a large system of equalities.
@@ -286,6 +291,7 @@ std::vector<double> CbcEngine::search(const LinearForm& form, const std::vector<
     return result.startTaken && watch.stopped() ? start : std::vector<double>();
   }
   double bound = model.solver()->getObjValue();
+  addHelp(form, model);
   limitRounds(bound, model);
   const StopHandler handler(&watch, &bound);
   model.passInEventHandler(&handler);

@@ -25,6 +25,11 @@ class CbcInterface : public OsiClpSolverInterface {
   // process for.
   void initialSolve() override;
   void resolve() override;
+  // What strong branching asks for is solved as any other step. Clp's short way took a branch with
+  // the best point of a known problem for one without a point.
+  void markHotStart() override { OsiSolverInterface::markHotStart(); }
+  void solveFromHotStart() override { OsiSolverInterface::solveFromHotStart(); }
+  void unmarkHotStart() override { OsiSolverInterface::unmarkHotStart(); }
 
  private:
   bool isUnsolvable_ = false;  // by the last first solve
