@@ -1,7 +1,9 @@
 // Semi-continuous columns and special ordered sets: answers by hand, and by trying every choice.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <numeric>
 #include <random>
 #include <string>
 #include <vector>
@@ -42,6 +44,43 @@ class Sets : public testing::Test {
     std::string reason;
     EXPECT_TRUE(solver->load(problem(), reason)) << reason;
     return solveLive(*solver, model_);
+  }
+
+  void clear() {
+    model_ = SmallModel();
+    semiContinuous_.clear();
+    sets_.clear();
+    setColumns_.clear();
+    setWeights_.clear();
+  }
+  // All columns are semi-continuous (kind 0), or a set of this kind.
+  void limitChoices(int kind) {
+    std::vector<int> columns(model_.cost.size());
+    std::iota(columns.begin(), columns.end(), 0);
+    if (kind == 0) {
+      semiContinuous_.assign(columns.size(), 1);
+    } else {
+      addSet(kind, columns);
+    }
+  }
+  // The best objective over the columns that may differ from 0 together, by GLPK: infinite where no
+  // choice has a point, -infinite where one has no end.
+  double bestOfChoices(int kind) {
+    double best = kInf;
+    for (unsigned choice = 0; choice < 1U << model_.cost.size(); ++choice) {
+      const unsigned neighbours = choice & (choice << 1);
+      const int chosen = __builtin_popcount(choice);
+      if (kind == 1 && chosen > 1) continue;
+      if (kind == 2 && (chosen > 2 || (chosen == 2 && neighbours == 0))) continue;
+      SmallModel one = model_;
+      for (std::size_t j = 0; j < one.cost.size(); ++j) {
+        if ((choice >> j & 1U) == 0) one.lower[j] = one.upper[j] = 0;
+      }
+      const SolverResult result = solveFresh("glpk", one);
+      if (result.outcome == Outcome::unbounded) best = -kInf;
+      if (result.outcome == Outcome::optimal) best = std::min(best, one.objective(result.level));
+    }
+    return best;
   }
 
   SmallModel model_;
@@ -120,11 +159,7 @@ TEST_F(Sets, AreTheBestOfAllChoices) {
   for (int kind = 0; kind <= 2; ++kind) {
     for (int round = 0; round < 15; ++round) {
       SCOPED_TRACE(testing::Message() << "kind " << kind << " round " << round);
-      model_ = SmallModel();
-      semiContinuous_.clear();
-      sets_.clear();
-      setColumns_.clear();
-      setWeights_.clear();
+      clear();
       constexpr int kColumns = 5;
       for (int j = 0; j < kColumns; ++j) {
         const int low = kind == 0 ? between(1, 4) : between(-2, 0);
@@ -135,25 +170,8 @@ TEST_F(Sets, AreTheBestOfAllChoices) {
         for (int j = 0; j < kColumns; ++j) row.push_back(between(-3, 3));
         model_.row(row, i == 0 ? 1 : -kInf, between(2, 12));
       }
-      if (kind == 0) {
-        semiContinuous_.assign(kColumns, 1);
-      } else {
-        addSet(kind, {0, 1, 2, 3, 4});
-      }
-      double best = kInf;
-      for (unsigned choice = 0; choice < 1U << kColumns; ++choice) {
-        const unsigned neighbours = choice & (choice << 1);
-        const int chosen = __builtin_popcount(choice);
-        if (kind == 1 && chosen > 1) continue;
-        if (kind == 2 && (chosen > 2 || (chosen == 2 && neighbours == 0))) continue;
-        SmallModel one = model_;
-        for (int j = 0; j < kColumns; ++j) {
-          const auto k = static_cast<std::size_t>(j);
-          if ((choice >> j & 1U) == 0) one.lower[k] = one.upper[k] = 0;
-        }
-        const SolverResult result = solveFresh("glpk", one);
-        if (result.outcome == Outcome::optimal) best = std::min(best, one.objective(result.level));
-      }
+      limitChoices(kind);
+      const double best = bestOfChoices(kind);
       const SolverResult result = solve();
       if (std::isinf(best)) {
         EXPECT_EQ(result.outcome, Outcome::infeasible);
@@ -262,11 +280,7 @@ TEST_F(Sets, WithoutBoundsAreTheBestOfAllChoices) {
   for (int round = 0; round < 150; ++round) {
     const int kind = round % 3;
     SCOPED_TRACE(testing::Message() << "kind " << kind << " round " << round);
-    model_ = SmallModel();
-    semiContinuous_.clear();
-    sets_.clear();
-    setColumns_.clear();
-    setWeights_.clear();
+    clear();
     constexpr int kColumns = 5;
     for (int j = 0; j < kColumns; ++j) {
       const bool isEndless = between(0, 3) > 0;
@@ -278,26 +292,8 @@ TEST_F(Sets, WithoutBoundsAreTheBestOfAllChoices) {
       for (int j = 0; j < kColumns; ++j) row.push_back(between(-2, 4));
       model_.row(row, i == 3 ? -kInf : between(0, 3), i == 3 ? between(4, 20) : kInf);
     }
-    if (kind == 0) {
-      semiContinuous_.assign(kColumns, 1);
-    } else {
-      addSet(kind, {0, 1, 2, 3, 4});
-    }
-    double best = kInf;
-    for (unsigned choice = 0; choice < 1U << kColumns; ++choice) {
-      const unsigned neighbours = choice & (choice << 1);
-      const int chosen = __builtin_popcount(choice);
-      if (kind == 1 && chosen > 1) continue;
-      if (kind == 2 && (chosen > 2 || (chosen == 2 && neighbours == 0))) continue;
-      SmallModel one = model_;
-      for (int j = 0; j < kColumns; ++j) {
-        const auto k = static_cast<std::size_t>(j);
-        if ((choice >> j & 1U) == 0) one.lower[k] = one.upper[k] = 0;
-      }
-      const SolverResult result = solveFresh("glpk", one);
-      if (result.outcome == Outcome::unbounded) best = -kInf;
-      if (result.outcome == Outcome::optimal) best = std::min(best, one.objective(result.level));
-    }
+    limitChoices(kind);
+    const double best = bestOfChoices(kind);
     const SolverResult result = solve();
     if (std::isinf(best)) {
       endless += best < 0 ? 1 : 0;
