@@ -93,6 +93,21 @@ void PartIndex::take(const std::string& path, int first, int end, std::string_vi
   }
 }
 
+void PartIndex::takeResult(const std::string& path, std::string_view inputs) {
+  const ExchangeFile file(path);
+  for (const FileSymbol& symbol : file.symbols()) {
+    if (symbol.isAlias()) continue;
+    ztb::RxfRecords records(file.file(), file.file().symbol(symbol.number));
+    try {
+      while (records.next()) {
+      }
+    } catch (const ztb::Error& error) {
+      throw Failure(withFile(path, error.what()));
+    }
+  }
+  take(path, 0, scenarios_.count(), inputs);
+}
+
 PartIndex::Content PartIndex::read(const ExchangeFile& file, int first, int end) const {
   Content content;
   content.outcomes.resize(static_cast<std::size_t>(end - first));

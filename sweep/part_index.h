@@ -29,6 +29,9 @@ class PartIndex {
   // that failed, of those the last. Throws Failure when the file cannot be read, where it is from a
   // sweep with other inputs, and where it lacks one of the scenarios.
   void take(const std::string& file, int first, int end, std::string_view inputs);
+  // Takes a file with results of all scenarios, which may be all that there is and is then not read
+  // again: so its records are read as a whole, and damage throws Failure here.
+  void takeResult(const std::string& file, std::string_view inputs);
 
   // The text of sweep_inputs in a file; throws Failure if the file is no sweep's.
   static std::string inputsOf(const tool::ExchangeFile& file);

@@ -274,7 +274,7 @@ void SweepJob::stop() {
 void SweepJob::find(const std::string& folder, const std::string& result) {
   requireOpen();
   index_.emplace(*scenarios_, size_);
-  if (!result.empty()) index_->take(result, 0, scenarios_->count(), inputs_);
+  if (!result.empty()) index_->takeResult(result, inputs_);
   for (const Part& part : PartFolder(folder, key_).parts()) {
     try {
       index_->take(part.file, part.first, part.end, inputs_);

@@ -128,8 +128,8 @@ int ztbSweepSkip(ztbSweep* sweep, int scenario, const char* reason);
 void ztbSweepStop(ztbSweep* sweep);
 
 /* Looks for what there is: parts of this sweep in the folder, and `result`, unless null or empty, a
- * file that ztbSweepCollect made. Refused where a file cannot be read or lacks a scenario that it
- * is to have, and a result of another sweep. */
+ * file that ztbSweepCollect made, which is read as a whole. Refused where a file cannot be read or
+ * lacks a scenario that it is to have, and a result of another sweep. */
 int ztbSweepFind(ztbSweep* sweep, const char* folder, const char* result);
 
 /* What was found: of a chunk the scenarios without an outcome and those whose solve failed; of a

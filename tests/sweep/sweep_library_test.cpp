@@ -11,6 +11,7 @@
 #include <memory>
 #include <string>
 #include <vector>
+#include <ztb/rxf.hpp>
 #include <ztb/sweep.hpp>
 #include <ztb/ztb.hpp>
 
@@ -296,6 +297,27 @@ TEST_F(SweepLibraryTest, ADamagedPartIsAnError) {
   const std::string name = parts("parts").begin()->first;
   std::ofstream(path("parts/" + name)) << "no part";
   EXPECT_THAT(errorOf([&] { sweep.find(path("parts")); }), HasSubstr(name));
+}
+
+// The statuses are whole, so that no chunk is missing: levels that cannot be read are told.
+TEST_F(SweepLibraryTest, AResultWithDamagedLevelsIsAnError) {
+  makeScenarios(4);
+  ztb::Sweep sweep;
+  open(sweep, "4");
+  sweep.solve(path("parts"), 0);
+  sweep.publish(path("parts"));
+  sweep.find(path("parts"));
+  sweep.collect(path("out.rxf"));
+  sweep.remove(path("parts"));
+  const auto found = [&] { return errorOf([&] { sweep.find(path("parts"), path("out.rxf")); }); };
+  EXPECT_EQ(found(), "no error");
+  const ztb::RxfFile whole(path("out.rxf"));
+  ztb::RxfRecords levels(whole, whole.symbol("a_level"));
+  ASSERT_TRUE(levels.next());
+  std::fstream file(path("out.rxf"), std::ios::in | std::ios::out | std::ios::binary);
+  file.seekp(static_cast<std::streamoff>(levels.blockOffset()) + 40);
+  file.put('#').flush();
+  EXPECT_THAT(found(), HasSubstr("File is damaged: block 1 of 1 of symbol a_level in "));
 }
 
 TEST_F(SweepLibraryTest, APartHasTheScenariosThatItsNameTells) {
