@@ -167,7 +167,13 @@ class Collection {
     domains.front() = scenarios_.over();
     addSymbol(name, "", ZTB_PARAMETER, dimension, domains);
     Columns columns(output_, dimension);
-    for (const Run& run : runs()) copyRecords(run, name, dimension, columns);
+    for (const Run& run : runs()) {
+      try {
+        copyRecords(run, name, dimension, columns);
+      } catch (const Failure& error) {
+        throw Failure(std::string(error.what()) + kRemovePart, ZTB_ERROR_DAMAGED_FILE);
+      }
+    }
     columns.flush();
   }
 

@@ -30,6 +30,9 @@ inline constexpr const char* kObjective = "sweep_objective";
 inline constexpr const char* kReason = "sweep_reason";
 inline constexpr const char* kUnmatched = "sweep_unmatched";
 
+// What is said behind what is wrong with a part.
+inline constexpr const char* kRemovePart = "; remove this file, and what it held is solved again";
+
 struct Outcome {
   int status = 0;
   int solveStatus = 0;  // 0: there is no outcome

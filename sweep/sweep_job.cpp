@@ -279,9 +279,7 @@ void SweepJob::find(const std::string& folder, const std::string& result) {
     try {
       index_->take(part.file, part.first, part.end, inputs_);
     } catch (const std::exception& error) {
-      throw Failure(withFile(
-          part.file,
-          fmt::format("{}; remove this file, and what it held is solved again", error.what())));
+      throw Failure(withFile(part.file, std::string(error.what()) + kRemovePart));
     }
   }
 }

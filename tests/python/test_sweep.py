@@ -320,7 +320,8 @@ def test_a_terminal_shows_a_sweep_as_a_line(monkeypatch):
     view = ztb.SweepView()
     view(STATE)
     view.close()
-    assert terminal.getvalue() == f"\r\x1b[K{view}\n"
+    # Without wrapping, so that the whole line can be wiped where the terminal is narrow.
+    assert terminal.getvalue() == f"\r\x1b[K\x1b[?7l{view}\x1b[?7h\n"
     assert repr(view) == f"<ztb.SweepView: {view}>"
 
 

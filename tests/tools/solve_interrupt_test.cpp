@@ -151,6 +151,17 @@ TEST_F(ProgramTest, ATerminalIsToldHowFarASolveIs) {
       << terminal.text().substr(0, 400);
 }
 
+// A line that went on in the next one, where the terminal is narrow, would not be wiped.
+TEST_F(ProgramTest, ATerminalCutsTheLineThatTellsHowFarASolveIs) {
+  write("hard.lp", tooltest::knapsacks());
+  tooltest::Terminal terminal;
+  const BackgroundProgram run(path("."), {"solve", "hard.lp", "--solver", "cbc"}, terminal.path());
+  terminal.leaveToPrograms();
+  EXPECT_TRUE(
+      terminal.waitFor("\\r\x1b\\[K\x1b\\[\\?7lsolving with cbc: best [^\x1b\\r]*\x1b\\[\\?7h"))
+      << terminal.text().substr(0, 400);
+}
+
 // The line that tells how far it is makes room for what is printed while the run goes on.
 TEST_F(ProgramTest, OnATerminalResultsBeginWhereProgressWas) {
   write("hard.lp", tooltest::knapsacks());

@@ -2,8 +2,10 @@
 #include <gmock/gmock.h>
 
 #include <filesystem>
+#include <fstream>
 #include <string>
 #include <vector>
+#include <ztb/rxf.hpp>
 #include <ztb/ztb.hpp>
 
 #include "tests/tools/background_program.h"
@@ -13,6 +15,7 @@
 
 namespace {
 
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::StartsWith;
 using tooltest::BackgroundProgram;
@@ -129,6 +132,27 @@ TEST_F(SweepResumeTest, APlaceWhereNoFileCanBeIsToldBeforeAnythingIsSolved) {
   expectFails(1, "ztb: No such file: the folder does not exist: none/o.rxf\n",
               sweep({}, "none/o.rxf"));
   EXPECT_EQ(ztb(sweep({}, "")).status, 2);
+}
+
+// Its statuses are whole, so that it is kept at first.
+TEST_F(SweepResumeTest, APartWithDamagedLevelsIsToBeRemoved) {
+  leavePart(10);
+  const std::string part = path(onlyPart("out.rxf"));
+  {
+    const ztb::RxfFile whole(part);
+    ztb::RxfRecords levels(whole, whole.symbol("ship_level"));
+    ASSERT_TRUE(levels.next());
+    std::fstream file(part, std::ios::in | std::ios::out | std::ios::binary);
+    file.seekp(static_cast<std::streamoff>(levels.blockOffset()) + 40);
+    file.put('#').flush();
+  }
+  const Outcome outcome = ztb(sweep({"--report", "ship", "--resume"}));
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_THAT(outcome.errors, HasSubstr("File is damaged: block 1 of 1 of symbol ship_level in "));
+  EXPECT_THAT(outcome.errors, EndsWith("; remove this file, and what it held is solved again\n"));
+  std::filesystem::remove(part);
+  EXPECT_EQ(counts(ztbFine(sweep({"--report", "ship", "--resume"}))),
+            "10 scenarios, 5 of them kept: 10 optimal");
 }
 
 using SweepWithoutPlaceTest = EndlessSweepTest;

@@ -16,6 +16,10 @@ namespace {
 constexpr std::chrono::milliseconds beforeFirst{1000};
 constexpr std::chrono::milliseconds betweenDrawings{200};
 constexpr const char* wipeLine = "\r\x1b[K";
+// Between these a terminal cuts what does not fit into the line. What goes on in the next one would
+// not be wiped.
+constexpr const char* cutLines = "\x1b[?7l";
+constexpr const char* wrapLines = "\x1b[?7h";
 
 // Who holds it writes to the terminal.
 std::mutex screen;
@@ -117,7 +121,7 @@ std::string Progress::lineNow() const {
 }
 
 void Progress::draw() {
-  const std::string line = wipeLine + lineNow();
+  const std::string line = std::string(wipeLine) + cutLines + lineNow() + wrapLines;
   const std::lock_guard lock(screen);
   std::fputs(line.c_str(), stderr);
   std::fflush(stderr);

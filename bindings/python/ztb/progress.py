@@ -30,7 +30,8 @@ class SweepView:
             else:
                 self._handle.update(self)
         elif sys.stderr is not None and sys.stderr.isatty():
-            sys.stderr.write(f"\r\x1b[K{self}")
+            # Cut where it does not fit: what went on in the next line would not be wiped.
+            sys.stderr.write(f"\r\x1b[K\x1b[?7l{self}\x1b[?7h")
             sys.stderr.flush()
             self._drawn = True
 
