@@ -15,7 +15,6 @@
 
 namespace {
 
-using testing::EndsWith;
 using testing::HasSubstr;
 using testing::StartsWith;
 using tooltest::BackgroundProgram;
@@ -149,7 +148,7 @@ TEST_F(SweepResumeTest, APartWithDamagedLevelsIsToBeRemoved) {
   const Outcome outcome = ztb(sweep({"--report", "ship", "--resume"}));
   EXPECT_EQ(outcome.status, 1);
   EXPECT_THAT(outcome.errors, HasSubstr("File is damaged: block 1 of 1 of symbol ship_level in "));
-  EXPECT_THAT(outcome.errors, EndsWith("; remove this file, and what it held is solved again\n"));
+  EXPECT_THAT(outcome.errors, HasSubstr("; remove this file, and what it held is solved again; "));
   std::filesystem::remove(part);
   EXPECT_EQ(counts(ztbFine(sweep({"--report", "ship", "--resume"}))),
             "10 scenarios, 5 of them kept: 10 optimal");

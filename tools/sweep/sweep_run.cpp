@@ -188,7 +188,6 @@ void SweepRun::makeResult() {
   try {
     sweep_.collect(options_.out);
   } catch (const ztb::Error& error) {
-    if (error.kind() == ztb::ErrorKind::damagedFile) throw;
     throw Failure(fmt::format("{}; what was solved stays in {}: {} with another --out takes it",
                               error.what(), folder_, "--collect --parts " + folder_));
   }
