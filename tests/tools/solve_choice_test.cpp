@@ -2,6 +2,7 @@
 // refuses to write.
 #include <gmock/gmock.h>
 
+#include <filesystem>
 #include <string>
 #include <ztb/ztb.hpp>
 
@@ -92,6 +93,10 @@ TEST_F(SolveChoiceTest, RefusesToReplaceWhatItReads) {
   expectFails(2, "ztb: d.rxf: would be replaced by the results; name another --out\n",
               {"solve", "q.lp", "--data", "d.rxf", "--out", "d.rxf"});
   EXPECT_EQ(read("d.rxf"), data);
+  // The basis is read and written; neither file is there yet.
+  expectFails(2, "ztb: b.rxf: would be replaced by the results; name another --out\n",
+              {"solve", "q.lp", "--basis", "b.rxf", "--out", "b.rxf"});
+  EXPECT_FALSE(std::filesystem::exists(path("b.rxf")));
 }
 
 // The highest y at x = 3.5 on a line through (0, 0), (2, 5), (5, 4) and (9, 10).

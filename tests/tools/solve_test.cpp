@@ -247,7 +247,7 @@ TEST_F(SolveTest, NamesWhatIsWrong) {
               "there is rate, demand and ship\n",
               {"solve", "t.lp", "--set", "supply[a]=1"});
   expectFails(1,
-              "ztb: t.lp: --set \"rate[c]=1\": the model has no such element of rate_var(*); there "
+              "ztb: t.lp: --set \"rate[c]=1\": the model has no such element of rate(*); there "
               "is a and b\n",
               {"solve", "t.lp", "--set", "rate[c]=1"});
   expectFails(1,
@@ -255,7 +255,7 @@ TEST_F(SolveTest, NamesWhatIsWrong) {
               "is (a, x) and (b, x)\n",
               {"solve", "t.lp", "--set", "ship[a]=1"});
   expectFails(1,
-              "ztb: t.lp: --set \"rate=1\": the model has no such element of rate_var(*); there "
+              "ztb: t.lp: --set \"rate=1\": the model has no such element of rate(*); there "
               "is a and b\n",
               {"solve", "t.lp", "--set", "rate=1"});
   expectFails(2,

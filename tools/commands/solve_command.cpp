@@ -221,7 +221,8 @@ void run(const SolveOptions& options) {
   if ((options.csv || options.json) && options.table.digits != 0) {
     throw UsageError("--digits: goes with what people read; JSON and CSV have every number whole");
   }
-  refuseReplacing({options.model, options.modelData, options.data, options.start}, options.out);
+  refuseReplacing({options.model, options.modelData, options.data, options.start, options.basis},
+                  options.out);
   if (!options.out.empty() && options.out != "-") requirePlace(options.out);
   if (!options.basis.empty()) requirePlace(options.basis);
   keepFreedMemory();

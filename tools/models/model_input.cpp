@@ -48,11 +48,14 @@ std::vector<const char*> pointersTo(const std::vector<std::string>& labels) {
 }
 
 // A symbol of the model in messages, such as "buy(*)".
-std::string signature(const ztb::Symbol& symbol) {
-  if (symbol.dimension() == 0) return symbol.name().str();
+// As the user writes it: the columns that a parameter drives are known by its name.
+std::string signature(const ztb::Symbol& symbol, bool drives) {
+  std::string name = symbol.name().str();
+  if (drives) name.resize(name.size() - std::string_view(ztb::parameterSuffix).size());
+  if (symbol.dimension() == 0) return name;
   std::vector<std::string> names;
   for (const ztb::Domain& domain : symbol.domains()) names.push_back(domain.name.str());
-  return fmt::format("{}({})", symbol.name().view(), fmt::join(names, ", "));
+  return fmt::format("{}({})", name, fmt::join(names, ", "));
 }
 
 std::string keysText(const std::vector<const char*>& keys) {
@@ -251,10 +254,10 @@ void ModelInput::applySetting(const std::string& setting) {
   }
   std::vector<const char*> keys = pointersTo(element.labels);
   if (symbol->dimension() != static_cast<int>(keys.size()) || !symbol->find(ztb::Keys(keys))) {
-    throw Failure(
-        withFile(session_.file(), fmt::format("--set \"{}\": the model has no such element "
-                                              "of {}{}",
-                                              setting, signature(*symbol), elementsText(*symbol))));
+    throw Failure(withFile(
+        session_.file(), fmt::format("--set \"{}\": the model has no such element "
+                                     "of {}{}",
+                                     setting, signature(*symbol, drives), elementsText(*symbol))));
   }
   try {
     if (!drives) {

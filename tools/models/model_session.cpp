@@ -226,7 +226,10 @@ void requirePlace(const std::string& out) {
 void refuseReplacing(std::initializer_list<std::string> inputs, const std::string& out) {
   for (const std::string& input : inputs) {
     std::error_code error;
-    if (!input.empty() && std::filesystem::equivalent(pathOf(input), pathOf(out), error)) {
+    // By name where there is none yet, as of a basis that is to be written; "-" is two streams.
+    const bool isSame = (input == out && out != "-") ||
+                        std::filesystem::equivalent(pathOf(input), pathOf(out), error);
+    if (!input.empty() && isSame) {
       throw UsageError(
           fmt::format("{}: would be replaced by the results; name another --out", out));
     }
