@@ -445,6 +445,48 @@ def test_what_cannot_be_built_is_told(build, text):
     assert model.solve().objective == pytest.approx(2)
 
 
+def test_of_elements_some_of_which_are_refused_none_is_added(tmp_path):
+    pairs = pd.MultiIndex.from_tuples([("c", "1"), ("a", "1")], names=["i", "j"])
+    files = []
+    for refused in (False, True):
+        model = ztb.Model()
+        x = model.variable("x", [("i", ["a", "b"]), ("j", [1, 2])], upper=1)
+        total = model.variable("total")
+        model.rows("r", ("i", ["a"]), x, lower=1)
+        model.rows("all", None, x - total, equal=0)
+        if refused:
+            for build, text in (
+                (lambda: model.variable("x", pairs), r"column \"x\['a','1'\]\" stands twice"),
+                (lambda: model.variable("total"), 'column "total" stands twice'),
+                (lambda: model.variable("y", ("i", ["d", "e"]), lower=[0, np.nan]), "y.'e'.*no number"),
+                (lambda: model.variable("y", ("i", ["d", "e"]), upper=[0, -np.inf]), "y.'e'.*no point"),
+                (lambda: model.rows("r", ("k", ["b", "a"]), x, lower=1), r"row \"r\['a'\]\" stands twice"),
+                (lambda: model.rows("all", [], x, lower=1), 'row "all" stands twice'),
+            ):
+                with pytest.raises(ztb.Error, match=text):
+                    build()
+        # What is new can be added to what has the name.
+        model.variable("x", ("i", ["a"]))
+        model.variable("y", ("i", ["d", "e"]))
+        model.rows("r", ("i", ["b"]), x, lower=1)
+        model.minimize(x)
+        files.append(tmp_path / f"{refused}.lp")
+        model.write(files[-1])
+    assert files[0].read_text() == files[1].read_text()
+
+
+@pytest.mark.parametrize("label", ["", "  "])
+def test_blank_labels_are_none(label):
+    model = ztb.Model()
+    with pytest.raises(ValueError, match=f"a blank label is none: '{label}'"):
+        model.variable("x", ("i", ["a", label]))
+    x = model.variable("x", ("i", ["a"]))
+    with pytest.raises(ValueError, match=f"a blank label is none: '{label}'"):
+        model.rows("r", ("i", ["a", label]), x, lower=1)
+    with pytest.raises(ValueError, match=f"a blank label is none: '{label}'"):
+        ztb.Model.from_arrays([1], [[1]], columns={"x": ("i", [label])})
+
+
 def test_products_of_variables_are_no_expressions():
     x = ztb.Model().variable("x", ("i", ["a", "b"]))
     with pytest.raises(TypeError, match="a product of variables"):

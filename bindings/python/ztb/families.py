@@ -66,7 +66,11 @@ def _texts(values: Any, spelling: Spelling, add: bool = False) -> npt.NDArray[np
     if len(codes) and codes.min() < 0:
         raise ValueError(f"label {int(np.flatnonzero(codes < 0)[0])} is missing")
     texts = np.empty(len(distinct), dtype=object)
-    texts[:] = spelling.of([label_text(label) for label in distinct], add)
+    labels = [label_text(label) for label in distinct]
+    for label in labels if add else ():
+        if not label.strip(" "):
+            raise ValueError(f"a blank label is none: {label!r}")
+    texts[:] = spelling.of(labels, add)
     result: npt.NDArray[np.object_] = texts[codes]
     return result
 
@@ -131,6 +135,30 @@ def frame_over(over: Over, spelling: Optional[Spelling] = None) -> "pd.DataFrame
         row = int(np.flatnonzero(frame.duplicated())[0])
         raise ValueError(f"element {tuple(frame.iloc[row])} stands twice")
     return frame.reset_index(drop=True)
+
+
+class Elements:
+    """Elements of variables, or of rows, by the names of these, as far as they are in a model."""
+
+    def __init__(self) -> None:
+        self._frames: Dict[str, List["pd.DataFrame"]] = {}
+
+    def add(self, name: str, frame: "pd.DataFrame") -> None:
+        self._frames.setdefault(name, []).append(frame)
+
+    def first_known(self, name: str, frame: "pd.DataFrame") -> Optional[int]:
+        """The place of the first element that is there already."""
+        places = []
+        for known in self._frames.get(name, ()):
+            if len(known.columns) != len(frame.columns):
+                continue
+            if not len(frame.columns):
+                return 0
+            both = frame.assign(**{_ROW: np.arange(len(frame))}).merge(
+                known.set_axis(frame.columns, axis=1)
+            )
+            places += both[_ROW].tolist()
+        return min(places, default=None)
 
 
 def native_positions(frame: "pd.DataFrame") -> List[Tuple[List[Any], npt.NDArray[np.int32]]]:
@@ -387,6 +415,40 @@ class Family(Expression):
         return f"<ztb.Family {self.name}{positions} of {len(self)} columns>"
 
 
+def add_columns(
+    native: _native.Model,
+    name: str,
+    frame: "pd.DataFrame",
+    numbers: Sequence[npt.NDArray[Any]],
+    elements: Elements,
+) -> int:
+    """Adds columns, all or none; ``numbers`` are kinds, lower and upper bounds. Gives the first."""
+    _, low, high = numbers
+    wrong = np.flatnonzero(
+        np.isnan(low) | np.isnan(high) | (low == np.inf) | (high == -np.inf)
+    )
+    _refuse(native.add_columns, name, frame, numbers, elements, wrong)
+    first = native.add_columns(name, native_positions(frame), *numbers)
+    elements.add(name, frame)
+    return first
+
+
+def _refuse(
+    add: Any,
+    name: str,
+    frame: "pd.DataFrame",
+    numbers: Sequence[npt.NDArray[Any]],
+    elements: Elements,
+    wrong: Sequence[Any] = (),
+) -> None:
+    """Has the library refuse the first element that it would not take, before it takes others."""
+    known = elements.first_known(name, frame)
+    places = [int(place) for place in wrong[:1]] + ([] if known is None else [known])
+    if places:
+        one = slice(min(places), min(places) + 1)
+        add(name, native_positions(frame.iloc[one]), *(values[one] for values in numbers))
+
+
 def add_rows(
     native: _native.Model,
     name: str,
@@ -394,6 +456,7 @@ def add_rows(
     expression: Expression,
     sides: Any,
     spelling: Spelling,
+    elements: Elements,
 ) -> int:
     """Adds rows and their terms; ``sides`` gives types, right-hand sides and ranges for labels."""
     frame = frame_over(over, spelling)
@@ -402,7 +465,9 @@ def add_rows(
     # Terms are matched before anything is added, so that what is refused leaves no rows.
     rows[_ROW] = np.arange(len(rows))
     at, columns, values = _entries(native, expression, rows, name)
+    _refuse(native.add_rows, name, frame, (types, rhs, ranges), elements)
     first = native.add_rows(name, native_positions(frame), types, rhs, ranges)
+    elements.add(name, frame)
     native.add_terms(at + np.int32(first), columns, values)
     return len(frame)
 

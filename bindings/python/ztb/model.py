@@ -78,6 +78,9 @@ class Model:
         #: and whether they are variables.
         self._empty: Dict[str, Tuple[str, bool]] = {}
         self._spelling = families.Spelling()
+        #: What was built, which the library takes one by one and does not give back.
+        self._columns = families.Elements()
+        self._rows = families.Elements()
 
     @classmethod
     def open(
@@ -125,6 +128,8 @@ class Model:
         model._positions = {}
         model._empty = {}
         model._spelling = families.Spelling()
+        model._columns = families.Elements()
+        model._rows = families.Elements()
         return model
 
     @classmethod
@@ -216,9 +221,7 @@ class Model:
             families.aligned(lower, frame, f"lower bounds of {name}", self._spelling),
             families.aligned(upper, frame, f"upper bounds of {name}", self._spelling),
         )
-        first = self._native.add_columns(
-            name, families.native_positions(frame), kinds, low, high
-        )
+        first = families.add_columns(self._native, name, frame, (kinds, low, high), self._columns)
         self._know(name, tuple(frame.columns), len(frame), True)
         return Family(name, first, frame, self._native, self._spelling)
 
@@ -257,7 +260,7 @@ class Model:
             )
 
         count = families.add_rows(
-            self._native, name, over, expression, sides, self._spelling
+            self._native, name, over, expression, sides, self._spelling, self._rows
         )
         self._know(name, tuple(positions), count, False)
         return count
