@@ -1,6 +1,10 @@
 """What drives a model again and again: data whose labels were looked at before, and results as
 arrays and frames. The model is worked by hand."""
 
+import copy
+import gc
+import weakref
+
 import numpy as np
 import pandas as pd
 import pytest
@@ -43,6 +47,8 @@ def cost(tie):
         np.array([5.0, 0.0, 3.0])[::2],
         np.array([[5.0, 3.0]], order="F"),
         np.ma.array([5.0, 3.0], mask=[False, False]),
+        np.array([5.0, 3.0], dtype=">f8"),
+        np.frombuffer(b"-" + np.array([5.0, 3.0]).tobytes(), np.float64, offset=1),
     ],
 )
 def test_arrays_of_all_kinds_are_taken_in_their_order(tie, array):
@@ -64,6 +70,65 @@ def test_arrays_that_do_not_fit_are_refused(tie):
         tie["price"] = np.array([np.nan, 3.0])
     tie["price"] = np.array([5.0, 3.0])
     assert cost(tie) == pytest.approx(12)
+
+
+def test_an_array_may_be_written_over_when_it_was_taken(tie):
+    tie["price"] = 1
+    array = np.array([5.0, 3.0])
+    tie["price"] = array
+    array[:] = 1
+    with pytest.raises(ztb.Error, match=r"Bad value nan in price\(y\)"):
+        tie["price"] = np.array([1.0, np.nan])
+    assert dict(tie["price"]) == {("x",): 5, ("y",): 3}
+    assert cost(tie) == pytest.approx(12)
+
+
+def test_data_cannot_be_deleted(tie):
+    with pytest.raises(TypeError, match="the data of a model cannot be deleted"):
+        del tie["price"]
+    with pytest.raises(KeyError, match="rent drives nothing in the model"):
+        tie["rent"] = np.array([5.0, 3.0])
+    with pytest.raises(TypeError):
+        tie[["price"]] = np.array([5.0, 3.0])
+
+
+def test_what_a_step_gave_stays_after_the_next(tie):
+    tie["price"] = np.array([5.0, 3.0])
+    solution = tie.solve("clp")
+    levels, copied = solution.levels("buy"), copy.copy(solution)
+    levels[0] = 7  # the caller's own
+    tie["price"] = np.array([1.0, 3.0])
+    assert cost(tie) == pytest.approx(6)
+    np.testing.assert_array_equal(levels, [7, 4])
+    np.testing.assert_array_equal(solution.levels("buy"), [3, 1])  # those of the last solve
+    assert solution.objective == copied.objective == pytest.approx(12)
+    assert tie.solution.objective == pytest.approx(6)
+    with pytest.raises(ztb.NotFoundError, match="the model has no variable or equation sell"):
+        solution.levels("sell")
+
+
+def test_ties_end_when_nobody_holds_them(tmp_path):
+    path = tmp_path / "m.lp"
+    path.write_text(PLAN)
+    model = ztb.Model.open(path)
+    model.drive("price(food) = cost of buy")
+    tie = model.tie()
+    tie["price"] = np.array([5.0, 3.0])
+    solution, ended = tie.solve("clp"), weakref.ref(tie)
+    del model, tie
+    gc.collect()
+    assert solution.levels("buy").sum() == pytest.approx(4)
+    del solution
+    gc.collect()
+    assert ended() is None
+
+
+def test_what_a_step_passes_through_is_made_by_the_package_alone(tie):
+    with pytest.raises(TypeError, match="made by the package ztb alone"):
+        ztb.Solution()
+    for half in ztb.Tie.__new__(ztb.Tie), type(tie).__new__(type(tie)):
+        with pytest.raises(ValueError, match="__init__ was not called"):
+            half["price"] = np.array([5.0, 3.0])
 
 
 def test_other_labels_in_an_index_that_looks_alike_are_seen(tie):

@@ -2,6 +2,9 @@
 
 #include <pybind11/pybind11.h>
 
+#include <exception>
+#include <new>
+#include <stdexcept>
 #include <utility>
 #include <ztb/ztb.hpp>
 
@@ -39,6 +42,26 @@ void translateError(std::exception_ptr thrown) {
     std::rethrow_exception(std::move(thrown));
   } catch (const ztb::Error& error) {
     raise(classOf(error.kind()), error);
+  }
+}
+
+void setError(std::exception_ptr thrown) noexcept {
+  try {
+    try {
+      translateError(thrown);
+    } catch (py::error_already_set& error) {
+      error.restore();
+    } catch (const py::builtin_exception& error) {
+      error.set_error();
+    } catch (const std::bad_alloc&) {
+      PyErr_NoMemory();
+    } catch (const std::invalid_argument& error) {
+      PyErr_SetString(PyExc_ValueError, error.what());
+    } catch (const std::exception& error) {
+      PyErr_SetString(PyExc_RuntimeError, error.what());
+    }
+  } catch (...) {
+    PyErr_SetString(PyExc_RuntimeError, "the error has no text");
   }
 }
 

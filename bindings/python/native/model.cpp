@@ -89,8 +89,8 @@ void requireSameSize(const py::array& one, const py::array& other) {
 // What is asked now and then during a solve.
 class SolveWatch {
  public:
-  SolveWatch(const ztb::Model& model, Interruption& interruption, const py::object& progress,
-             double every)
+  // Without `progress`, nobody is told.
+  SolveWatch(const ztb::Model& model, Interruption& interruption, py::handle progress, double every)
       : model_(model),
         interruption_(interruption),
         progress_(progress),
@@ -107,7 +107,7 @@ class SolveWatch {
  private:
   bool ends() {
     if (ended_ || interruption_.asked()) return true;
-    if (progress_.is_none() || Clock::now() < next_) return false;
+    if (!progress_ || Clock::now() < next_) return false;
     const py::gil_scoped_acquire acquired;
     try {
       const double seconds = std::chrono::duration<double>(Clock::now() - start_).count();
@@ -123,7 +123,7 @@ class SolveWatch {
 
   const ztb::Model& model_;
   Interruption& interruption_;
-  const py::object& progress_;
+  py::handle progress_;
   Clock::duration every_;
   Clock::time_point start_ = Clock::now();
   Clock::time_point next_;
@@ -272,81 +272,68 @@ int Model::update(const Symbol& modelSymbol, int action, const Symbol& data, int
                     static_cast<ztb::Missing>(missing));
 }
 
-int Model::fix(const Symbol& columns, const Symbol& data, const Numbers& keys,
-               const Values& values) {
-  ztb::ModelTie& tie = requireTie();
-  const Use use(*connection_);
-  connection_->requireSame(*columns.connection());
-  connection_->requireSame(*data.connection());
-  if (keys.ndim() != 2 || keys.shape(1) != data.dimension() || values.size() != keys.shape(0)) {
-    throw py::value_error("rows of " + std::to_string(data.dimension()) +
-                          " label numbers and as many values are expected");
-  }
-  const double* const value = values.data();
-  const int* const key = keys.data();
-  clear(data);
-  Filling filling(data);
-  for (py::ssize_t row = 0; row < values.size(); ++row) {
-    filling.add(key + row * data.dimension(), {.values = value + row});
-  }
-  if (!filling.takesContent()) {
-    filling.writeContents(
-        [&](std::size_t place) { return ztb::detail::Content{.values = value + place}; });
-  }
-  return tie.update(columns.client(), ztb::Action::fix, data.client(), ztb::Missing::base);
-}
-
 int Model::updatedKind() {
   requireTie();
   const Use use(*connection_);
   return model().updatedKind();
 }
 
-py::tuple Model::solve(const py::str& solver, const py::object& progress, double every,
-                       const std::vector<std::pair<std::string, std::string>>& options,
-                       const std::optional<std::string>& timeLimit) {
+SolveResult Model::solve(py::handle solver, const SolveSettings& settings) {
   ztb::ModelTie& tie = requireTie();
   const std::string name = fromPython(solver);
   const Use use(*connection_);
-  for (const auto& [option, value] : options) model().setOption(option, value);
-  const TimeLimit limit(model(), timeLimit);
+  for (const auto& [option, value] : settings.options) model().setOption(option, value);
+  const TimeLimit limit(model(), settings.timeLimit);
   std::optional<SolveWatch> watch;
   runWithoutInterpreter([&](Interruption& interruption) {
-    watch.emplace(model(), interruption, progress, every);
+    watch.emplace(model(), interruption, settings.progress, settings.every);
     const Watched watched(model().handle(), *watch);
     tie.solve(name);
   });
   watch->raise();
-  return left();
+  return result();
 }
 
-py::tuple Model::left() {
-  return py::make_tuple(model().status(), model().solveStatus(), model().objective(),
-                        model().bound(), model().seconds(), model().processorSeconds(),
-                        model().iterations());
+SolveResult Model::result() {
+  return {.status = model().status(),
+          .solveStatus = model().solveStatus(),
+          .objective = model().objective(),
+          .bound = model().bound(),
+          .seconds = model().seconds(),
+          .processorSeconds = model().processorSeconds(),
+          .iterations = model().iterations()};
 }
 
-int Model::countOf(const std::string& symbol, int field) {
-  const int count = ztbModelGetField(model().handle(), symbol.c_str(), field, nullptr, 0);
+int Model::countOf(const std::string& symbol) {
+  const auto known = counts_.find(symbol);
+  if (known != counts_.end()) return known->second;
+  const int count = ztbModelGetField(model().handle(), symbol.c_str(), ZTB_LEVEL, nullptr, 0);
   if (count < 0) throw ztb::Error("ztbModelGetField", model().message(), ztb::ErrorKind::notFound);
-  return count;
+  return counts_[symbol] = count;
 }
 
-Values Model::field(const py::str& symbol, int number) {
+py::object Model::field(py::handle symbol, int number) {
   requireTie();
   const Use use(*connection_);
   const std::string name = fromPython(symbol);
-  const int count = countOf(name, number);
-  Values values(count);
-  ztbModelGetField(model().handle(), name.c_str(), number, values.mutable_data(), count);
-  return values;
+  const int count = countOf(name);
+  // As pybind11's own constructor, which takes three times as long.
+  const auto& numpy = py::detail::npy_api::get();
+  const std::array<Py_intptr_t, 1> shape{count};
+  auto array = py::reinterpret_steal<py::object>(
+      numpy.PyArray_NewFromDescr_(numpy.PyArray_Type_, py::dtype::of<double>().release().ptr(), 1,
+                                  shape.data(), nullptr, nullptr, 0, nullptr));
+  if (!array) throw py::error_already_set();
+  auto* const values = reinterpret_cast<double*>(py::detail::array_proxy(array.ptr())->data);
+  ztbModelGetField(model().handle(), name.c_str(), number, values, count);
+  return array;
 }
 
 Values Model::fields(const py::str& symbol) {
   requireTie();
   const Use use(*connection_);
   const std::string name = fromPython(symbol);
-  const int count = countOf(name, 0);
+  const int count = countOf(name);
   Values values({static_cast<py::ssize_t>(ztb::fieldCount), static_cast<py::ssize_t>(count)});
   for (int number = 0; number < static_cast<int>(ztb::fieldCount); ++number) {
     ztbModelGetField(model().handle(), name.c_str(), number, values.mutable_data(number, 0), count);
@@ -358,9 +345,8 @@ py::tuple Model::explain(double seconds) {
   requireTie();
   const Use use(*connection_);
   ztb::Model::Conflict conflict;
-  const py::none nobody;
   runWithoutInterpreter([&](Interruption& interruption) {
-    SolveWatch watch(model(), interruption, nobody, 0);
+    SolveWatch watch(model(), interruption, {}, 0);
     const Watched watched(model().handle(), watch);
     conflict = model().explain(seconds);
   });
@@ -375,9 +361,8 @@ py::tuple Model::ranging() {
   requireTie();
   const Use use(*connection_);
   ztb::Model::Ranging ranging;
-  const py::none nobody;
   runWithoutInterpreter([&](Interruption& interruption) {
-    SolveWatch watch(model(), interruption, nobody, 0);
+    SolveWatch watch(model(), interruption, {}, 0);
     const Watched watched(model().handle(), watch);
     ranging = model().ranging();
   });
@@ -392,6 +377,53 @@ py::tuple Model::ranging() {
     return result;
   };
   return py::make_tuple(listOf(ranging.costs), listOf(ranging.sides));
+}
+
+Driving::Driving(Model* model, const Symbol& columns, const Symbol& data, Numbers keys)
+    : model_(model), columns_(columns), data_(data), keys_(std::move(keys)) {
+  model_->requireTie();
+  model_->connection_->requireSame(*columns_.connection());
+  model_->connection_->requireSame(*data_.connection());
+  if (keys_.ndim() != 2 || keys_.shape(1) != data_.dimension()) {
+    throw py::value_error("rows of " + std::to_string(data_.dimension()) +
+                          " label numbers are expected");
+  }
+}
+
+int Driving::fix(const Numbers& keys, std::span<const double> values) {
+  if (keys.ndim() != 2 || keys.shape(1) != data_.dimension() ||
+      static_cast<py::ssize_t>(values.size()) != keys.shape(0)) {
+    throw py::value_error("rows of " + std::to_string(data_.dimension()) +
+                          " label numbers and as many values are expected");
+  }
+  model_->requireTie();
+  const Use use(*model_->connection_);
+  int left = 0;
+  try {
+    left = write(keys, values);
+  } catch (const ztb::Error&) {
+    write(fixedKeys_, fixed_);
+    throw;
+  }
+  fixedKeys_ = keys;
+  fixed_.assign(values.begin(), values.end());
+  return left;
+}
+
+int Driving::write(const Numbers& keys, std::span<const double> values) {
+  ztb::ModelTie& tie = model_->requireTie();
+  const int* const key = keys.data();
+  const std::size_t positions = static_cast<std::size_t>(data_.dimension());
+  clear(data_);
+  Filling filling(data_);
+  for (std::size_t row = 0; row < values.size(); ++row) {
+    filling.add(key + row * positions, {.values = &values[row]});
+  }
+  if (!filling.takesContent()) {
+    filling.writeContents(
+        [&](std::size_t place) { return ztb::detail::Content{.values = &values[place]}; });
+  }
+  return tie.update(columns_.client(), ztb::Action::fix, data_.client(), ztb::Missing::base);
 }
 
 namespace {
@@ -435,12 +467,6 @@ void bindModel(py::module_& module) {
       .def("notes", &Model::notes)
       .def("tie", &Model::tie)
       .def("update", &Model::update)
-      .def("fix", &Model::fix)
-      .def("solve", &Model::solve, py::arg("solver"), py::arg("progress"), py::arg("every"),
-           py::arg("options") = std::vector<std::pair<std::string, std::string>>(),
-           py::arg("time_limit") = py::none())
-      .def("left", &Model::left)
-      .def("field", &Model::field)
       .def("fields", &Model::fields)
       .def("explain", &Model::explain)
       .def("ranging", &Model::ranging)

@@ -4,8 +4,11 @@
 
 #include <pybind11/pybind11.h>
 
+#include <cstddef>
 #include <optional>
+#include <span>
 #include <string>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 #include <ztb/model.hpp>
@@ -16,6 +19,31 @@
 #include "bindings/python/native/symbol.h"
 
 namespace python {
+
+// What a solve left.
+struct SolveResult {
+  int status = 0;
+  int solveStatus = 0;
+  double objective = 0;
+  double bound = 0;
+  double seconds = 0;
+  double processorSeconds = 0;
+  double iterations = 0;
+};
+
+// How a solve is watched and what it is asked for.
+struct SolveSettings {
+  using Options = std::vector<std::pair<std::string, std::string>>;
+
+  // Unless null, called about every `every` seconds with those that passed, the objective of the
+  // best point so far and the bound; ends the solve when it raises, or gives False.
+  py::handle progress;
+  double every = 0;
+  // Names and texts, which are set before and stay.
+  Options options;
+  // The limit of this solve, where there is one.
+  std::optional<std::string> timeLimit;
+};
 
 // A model of the C++ wrapper, and the database that it is tied to once it is. After close() every
 // use fails with ztb::Error. The database, whose
@@ -56,23 +84,15 @@ class Model {
   void tie(const Database& database);
   // Writes the records of `data` into the model; the number of those that met nothing.
   int update(const Symbol& modelSymbol, int action, const Symbol& data, int missing);
-  // Replaces the records of parameter `data`, by rows of label numbers in ascending order, and
-  // fixes the columns `columns` at them, those without a record at what the model has. The number
-  // of the records that met nothing.
-  int fix(const Symbol& columns, const Symbol& data, const Numbers& keys, const Values& values);
-  // Solves without the interpreter's lock. A signal whose handler raises ends it. `progress`,
-  // unless None, is called about every `every` seconds with those that passed, the objective of the
-  // best point so far and the bound, and ends the solve when it raises, or gives False. `options`,
-  // names and texts, are set before and stay; a `timeLimit` that is not None is that of this solve.
-  // All of it is in one turn: another thread's solve of the model has neither. Gives what the solve
-  // left: status, solve status, objective, bound, seconds, processor seconds, iterations.
-  py::tuple solve(const py::str& solver, const py::object& progress, double every,
-                  const std::vector<std::pair<std::string, std::string>>& options,
-                  const std::optional<std::string>& timeLimit);
-  // The same of the last solve, which an exception of `progress` or Ctrl-C may have ended.
-  py::tuple left();
-  // A field of all records of a variable or equation, in their order.
-  Values field(const py::str& symbol, int number);
+  // Solves without the interpreter's lock, and gives what the solve left. A signal whose handler
+  // raises ends it. All of it is in one turn: another thread's solve of the model has none of the
+  // settings.
+  SolveResult solve(py::handle solver, const SolveSettings& settings);
+  // The same of the last solve, which an exception of the callback or Ctrl-C may have ended.
+  SolveResult result();
+  // A field of all records of a variable or equation, in their order, as a new array. Throws
+  // ztb::Error of the kind notFound where the model has none of the name.
+  py::object field(py::handle symbol, int number);
   // All fields, a row for each.
   Values fields(const py::str& symbol);
   // Why the last solve had no solution: whether that was shown to be irreducible, whether it is by
@@ -82,13 +102,44 @@ class Model {
   py::tuple ranging();
 
  private:
+  friend class Driving;
+
   ztb::Model& model();
   ztb::ModelTie& requireTie();
-  int countOf(const std::string& symbol, int field);
+  int countOf(const std::string& symbol);
 
   std::optional<ztb::Model> model_;
   Shared connection_;
   std::optional<ztb::ModelTie> tie_;
+  // Of the symbols that were asked for: the number of records, which stays once a model is tied.
+  std::unordered_map<std::string, int> counts_;
+};
+
+// The columns of a model that a symbol drives, and the parameter that holds its data.
+class Driving {
+ public:
+  // `keys` are the label numbers of the columns, a row for each, in ascending order. `model` has to
+  // be tied, and to stay where it is.
+  Driving(Model* model, const Symbol& columns, const Symbol& data, Numbers keys);
+
+  [[nodiscard]] const Numbers& keys() const { return keys_; }
+  [[nodiscard]] std::size_t count() const { return static_cast<std::size_t>(keys_.shape(0)); }
+
+  // Replaces the records of the data, by rows of label numbers in ascending order, and fixes the
+  // columns at them, those without a record at what the model has. The number of the records that
+  // met nothing. Where a value is refused, columns and data are as the last call left them.
+  int fix(const Numbers& keys, std::span<const double> values);
+
+ private:
+  int write(const Numbers& keys, std::span<const double> values);
+
+  Model* model_;
+  Symbol columns_;
+  Symbol data_;
+  Numbers keys_;
+  // What stands in the model.
+  Numbers fixedKeys_;
+  std::vector<double> fixed_;
 };
 
 // Adds the class to the module.

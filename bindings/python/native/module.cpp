@@ -12,6 +12,7 @@
 #include "bindings/python/native/database.h"
 #include "bindings/python/native/errors.h"
 #include "bindings/python/native/left_work.h"
+#include "bindings/python/native/live.h"
 #include "bindings/python/native/model.h"
 #include "bindings/python/native/sql.h"
 #include "bindings/python/native/strings.h"
@@ -34,6 +35,7 @@ PYBIND11_MODULE(_native, module) {
   python::bindNewLabels(module);
   python::bindDatabase(module);
   python::bindModel(module);
+  python::bindLive(module);
   python::bindSql(module);
   python::bindArrow(module);
   pybind11::module_::import("atexit").attr("register")(

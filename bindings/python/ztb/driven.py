@@ -189,7 +189,7 @@ def _same_index(one: "pd.Index", other: "pd.Index") -> bool:
     return bool(one.dtype == other.dtype and one.names == other.names and one.equals(other))
 
 
-class Driven:
+class Driven(_native.Drive):
     """The columns that a symbol drives, and the parameter that holds its data."""
 
     def __init__(
@@ -200,44 +200,32 @@ class Driven:
         data: Parameter,
         positions: Optional[Sequence[str]] = None,
     ) -> None:
-        self._model = model
+        #: The label numbers of the columns, in their order.
+        self.keys: Keys = columns.rows()[0]
+        super().__init__(model, columns, data._native, self.keys)
         self._name = name
         self.columns = columns
         self.data = data
         #: The names of its positions, where a statement gave them.
         self.positions = positions
         self._native = data._native
-        #: The label numbers of the columns, in their order.
-        self.keys: Keys = columns.rows()[0]
         self._count = len(self.keys)
         self._labels: Optional[_Labels] = None
-        #: What stands in the model.
-        self._fixed: Tuple[Keys, Numbers] = (self.keys[:0], np.empty(0))
 
     def set(self, data: Any) -> int:
         """Takes data of any kind; the number of records that meet nothing."""
         kind = type(data)
         if kind is np.ndarray:
             if data.dtype is _DOUBLE and data.size == self._count:
-                return self._fix(self.keys, data)
+                return self.fix(self.keys, data)
         elif self._labels is not None and kind is self._labels.kind:
             known = self._known(self._labels, data)
             if known is not None:
-                return self._fix(*known)
+                return self.fix(*known)
         fill(self.data, data, lambda: self.keys, self._name)
         self._remember(data)
         keys, table = self._native.rows()
-        return self._fix(keys, table[:, 0])
-
-    def _fix(self, keys: Keys, values: Numbers) -> int:
-        """Has the columns stand at values, or where they stood if one is refused."""
-        try:
-            left = self._model.fix(self.columns, self._native, keys, values)
-        except Error:
-            self._model.fix(self.columns, self._native, *self._fixed)
-            raise
-        self._fixed = keys, values.copy()
-        return left
+        return self.fix(keys, table[:, 0])
 
     def _known(self, labels: _Labels, data: Any) -> Optional[Tuple[Keys, Numbers]]:
         """Label numbers and values of data with labels that are known; None for others."""

@@ -39,7 +39,6 @@ _ACTIONS = ("fix", "upper", "lower", "bounds", "level", "marginal")
 _MISSING = ("zero", "base", "keep")
 _SOLVERS = {1: "clp", 2: "cbc", 4: "ipopt", 5: "bonmin"}
 _BEST = (1, 2)
-_WITH_POINT = (1, 2, 6)
 #: The fields of a variable or equation.
 _FIELDS = 5
 
@@ -471,66 +470,32 @@ class Conflict:
         return "\n".join(self.members)
 
 
-class Solution:
+class Solution(_native.Left):
     """What a solve left. Symbols, frames and arrays of the point are those of the last solve."""
 
-    __slots__ = ("_left", "solver", "tie")
+    __slots__ = ()
 
-    def __init__(self, left: _native.Left, solver: str, tie: "Tie") -> None:
-        self._left = left
-        #: The solver that was asked.
-        self.solver = solver
-        self.tie = tie
+    tie: "Tie"
 
     @property
     def status(self) -> str:
-        """What was found, such as ``"optimal"``."""
-        return _native.status_text(self._left[0])
+        """What the point is, such as ``"optimal"`` or ``"infeasible"``."""
+        return _native.status_text(self._status)
 
     @property
     def solve_status(self) -> str:
         """How the solve ended, such as ``"normal completion"``."""
-        return _native.solve_status_text(self._left[1])
-
-    @property
-    def has_point(self) -> bool:
-        """Whether there is a point: a best one, or one that a limit left."""
-        return self._left[0] in _WITH_POINT
+        return _native.solve_status_text(self._solve_status)
 
     @property
     def optimal(self) -> bool:
         """Whether the point is a best one."""
-        return self._left[0] in _BEST
-
-    @property
-    def objective(self) -> float:
-        """The objective of the point; NaN where there is none."""
-        return self._left[2] if self._left[0] in _WITH_POINT else np.nan
-
-    @property
-    def bound(self) -> float:
-        """What no objective can be better than, as far as the solve knows."""
-        return self._left[3]
+        return self._status in _BEST
 
     @property
     def gap(self) -> float:
         """The distance of objective and bound, as a share of the objective; NaN without either."""
         return _gap(self.objective, self.bound)
-
-    @property
-    def seconds(self) -> float:
-        """The time of the solve by the clock."""
-        return self._left[4]
-
-    @property
-    def processor_seconds(self) -> float:
-        """The time that the processor took for it."""
-        return self._left[5]
-
-    @property
-    def iterations(self) -> float:
-        """The solver's iterations."""
-        return self._left[6]
 
     def __getitem__(self, name: str) -> "pd.DataFrame":
         """The variable or equation of this name as a frame: level, marginal, lower, upper, scale."""
@@ -547,13 +512,8 @@ class Solution:
             raise KeyError(f"{name} is no variable or equation of the model")
         return found
 
-    def levels(self, name: str) -> npt.NDArray[np.float64]:
-        """The levels of a variable or equation, in the order of its records."""
-        return self.tie._field(name, 0)
-
-    def marginals(self, name: str) -> npt.NDArray[np.float64]:
-        """The marginals of a variable or equation, in the order of its records."""
-        return self.tie._field(name, 1)
+    def __copy__(self) -> "Solution":
+        return self
 
     def __repr__(self) -> str:
         point = f"objective {self.objective:g}, " if self.has_point else ""
@@ -587,7 +547,7 @@ def _named(index: "pd.Index", names: Optional[Sequence[str]]) -> "pd.Index":
     return index.set_names(list(names))
 
 
-class Tie:
+class Tie(_native.Steps):
     """A model tied to a database: data go in by name, solutions come out as symbols.
 
     ``tie["price"] = data`` takes a series or frame over labels, an array in the order of
@@ -605,12 +565,11 @@ class Tie:
         self._model = model
         self._native = model._native
         self._tied = False
-        #: What the last solve left, and its solver.
-        self._last: Optional[Tuple[_native.Left, str]] = None
         self._driven: Dict[str, Driven] = {}  # by the names that were used, in any case
         self._updates: Dict[str, Parameter] = {}
         self._indexes: Dict[str, "pd.Index"] = {}
         self._database = database
+        super().__init__(self._native, self._driven, Solution)
 
     @property
     def database(self) -> Database:
@@ -663,13 +622,9 @@ class Tie:
         index = frames.index_of(driven.columns, self._database, driven.keys)
         return _named(index, driven.positions)
 
-    def __setitem__(self, name: str, data: Any) -> None:
-        """Sets the data that drive the model. What has no record stays at what the model has."""
-        self.set(name, data)
-
     def set(self, name: str, data: Any) -> int:
-        """Sets data, as ``tie[name] = data``; gives the number of records that meet nothing in the
-        model."""
+        """Sets the data that drive the model, as ``tie[name] = data`` does. What has no record stays
+        at what the model has. Gives the number of records that meet nothing in the model."""
         driven = self._driven.get(name)
         if driven is None:
             driven = self._find(name)
@@ -730,7 +685,8 @@ class Tie:
             and every is _EVERY
             and self._tied
         ):
-            return self._solve(solver, None, every)
+            quickly: Solution = self._solve(solver)
+            return quickly
         if progress is not None and not callable(progress):
             raise TypeError(f"progress={progress!r} cannot be called")
         if every is not _EVERY and not (
@@ -748,30 +704,21 @@ class Tie:
         limit = None if time_limit is None else repr(min(float(time_limit), _LONG))
         name = solver or self._standard_solver()
         told = None if progress is None else lambda *state: progress(Progress(*state))
-        return self._solve(name, told, every, set_now, limit)
+        solution: Solution = self._solve(name, told, every, set_now, limit)
+        return solution
 
     @property
     def solution(self) -> Optional[Solution]:
         """What the last solve left, with its best point and bound, also one that Ctrl-C or an
         exception of ``progress`` ended; ``None`` before the first."""
-        return None if self._last is None else Solution(*self._last, self)
+        solution: Optional[Solution] = self._solution
+        return solution
 
     def __repr__(self) -> str:
         driven = ", ".join(dict.fromkeys(one.data.name for one in self._driven.values()))
         return f"<ztb.Tie of {self._model!r}{', driven by ' + driven if driven else ''}>"
 
     # ---- inside ----
-
-    def _solve(self, solver: str, *how: Any) -> Solution:
-        try:
-            left = self._native.solve(solver, *how)
-        except Error:
-            raise  # there was no solve that left something
-        except BaseException:
-            self._last = self._native.left(), solver
-            raise
-        self._last = left, solver
-        return Solution(left, solver, self)
 
     def _standard_solver(self) -> str:
         kind = self._native.updated_kind() if self._driven else self._native.kind()
@@ -829,11 +776,11 @@ class Tie:
             return np.zeros((_FIELDS, 0))
         return self._native.fields(name)
 
-    def _field(self, name: str, number: int) -> npt.NDArray[np.float64]:
-        """A field of them."""
-        if self._model._empty and self._has_no_members(name):
-            return np.zeros(0)
-        return self._native.field(name, number)
+    def _field_of_none(self, name: str, number: int) -> npt.NDArray[np.float64]:
+        """A field of what the model has no variable or equation for: one without members has an
+        empty one, and nothing else has any."""
+        field: npt.NDArray[np.float64] = self._fields(name)[number]
+        return field
 
     def _has_no_members(self, name: str) -> bool:
         return _native.folded(name) in self._model._empty and not len(self._database[name])
