@@ -439,7 +439,7 @@ def _refuse(
     frame: "pd.DataFrame",
     numbers: Sequence[npt.NDArray[Any]],
     elements: Elements,
-    wrong: Sequence[Any] = (),
+    wrong: Any = (),
 ) -> None:
     """Has the library refuse the first element that it would not take, before it takes others."""
     known = elements.first_known(name, frame)
