@@ -44,6 +44,8 @@ class ClpProgram {
   void solve(Watch& watch, SolverResult& result);
   // The ranges of the last solve; false unless it found an optimum.
   bool ranges(SolverRanges& ranges);
+  // Whether Clp looked at the scale of the coefficients in the last solve, and may have scaled.
+  [[nodiscard]] bool scales() const { return simplex_.scalingFlag() != 0; }
   // The next solve is to use nothing of the last one but its basis.
   void forgetWork();
 
