@@ -83,8 +83,8 @@ bool change(ztbModel* model, const Body& body) noexcept {
   });
 }
 
-void requireOpen(const ztbModel& model) {
-  if (model.model != nullptr) throw ModelError("the model is in use and cannot be built further");
+void requireOpen(const ztbModel& model, const std::string& what = "built further") {
+  if (model.model != nullptr) throw ModelError("the model is in use and cannot be " + what);
 }
 
 // A number that `add` gives, -1 when it throws.
@@ -109,7 +109,7 @@ int built(ztbModel* model, const Body& body) noexcept {
 }
 
 const lomu::ModelShape& shapeOf(ztbModel& model) {
-  requireOpen(model);
+  requireOpen(model, "described any more");
   if (model.shape == nullptr) {
     model.shape = std::make_unique<lomu::ModelShape>(model.builder.data());
   }
@@ -491,7 +491,7 @@ MODEL_EXPORT int ztbModelGetFamily(ztbModel* model, int number, ztbModelFamily* 
 MODEL_EXPORT int ztbModelWrite(ztbModel* model, const char* file) {
   return change(model, [&] {
     if (file == nullptr || *file == '\0') throw ModelError("no file to write was named");
-    requireOpen(*model);
+    requireOpen(*model, "written any more");
     if (model->builder.driven().carrierCount > 0) {
       throw ModelError("the model is driven by symbols and cannot be written any more");
     }

@@ -242,7 +242,9 @@ TEST_F(ModelC, TellsItsSizeAndFamilies) {
   EXPECT_EQ(size.families, 4) << "counted afresh when the model has changed";
   ASSERT_NE(ztbModelPbi(model_), nullptr);
   EXPECT_EQ(ztbModelGetSize(model_, &size), 0);
-  EXPECT_EQ(message(), "the model is in use and cannot be built further");
+  EXPECT_EQ(message(), "the model is in use and cannot be described any more");
+  EXPECT_EQ(ztbModelWrite(model_, "m.lp"), 0);
+  EXPECT_EQ(message(), "the model is in use and cannot be written any more");
 }
 
 TEST_F(ModelC, WritesAFileThatOpens) {
