@@ -85,7 +85,8 @@ typedef struct ztbModelFill {
 } ztbModelFill;
 
 /* As ztbModelOpen, with the records of `fills` in the place of the data that the model itself, or
- * its data file, has for sets and parameters of these names, letters in any case. Fills of other
+ * its data file, has for sets and parameters of these names, letters in any case where the model
+ * has one such name. Of an indexed set the first labels are those of the index. Fills of other
  * names, and all of them for other kinds of files, are not taken. Labels that are spelled as
  * numbers are numbers to the model. Refused: what the model computes itself, and values that are
  * not finite. */

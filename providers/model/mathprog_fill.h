@@ -7,13 +7,15 @@
 #include <span>
 #include <string>
 
+#include "providers/model/mathprog_text.h"
+
 namespace lomu {
 
 // The data file with which the model is to be read: its own data, or those of `dataFile` unless
 // that is empty, with the statements of the symbols that `fills` has in their place. Marks the
 // fills that the model takes; empty when it takes none. Throws ModelError.
-std::string filledData(const std::string& file, const std::string& dataFile,
-                       std::span<ztbModelFill> fills);
+MathProgData filledData(const std::string& file, const std::string& dataFile,
+                        std::span<ztbModelFill> fills);
 
 }  // namespace lomu
 

@@ -1,8 +1,11 @@
 #include "providers/model/mathprog_text.h"
 
 #include <algorithm>
+#include <charconv>
+#include <optional>
 
 #include "providers/model/lp_tokens.h"
+#include "providers/model/mathprog_table.h"
 #include "providers/model/model_error.h"
 
 namespace lomu {
@@ -46,6 +49,10 @@ std::vector<MathProgStatement> statementsOf(std::string_view text) {
       if (c != ' ' && c != '\t' && c != '\r' && c != '\n') statement.words.push_back(from(first));
     }
   }
+  if (!statement.words.empty()) {
+    statement.text = from(begin);
+    statements.push_back(std::move(statement));
+  }
   return statements;
 }
 
@@ -53,15 +60,42 @@ bool isOnly(const MathProgStatement& statement, std::string_view word) {
   return statement.words.size() == 1 && statement.words[0] == word;
 }
 
-// Whether the declaration assigns, outside of the brackets of its index.
-bool isComputed(const MathProgStatement& statement) {
+// The words of a declaration outside of all brackets, but for the keyword and the name.
+std::vector<std::string_view> attributesOf(const MathProgStatement& statement) {
+  std::vector<std::string_view> attributes;
   int depth = 0;
-  for (const std::string_view word : statement.words) {
-    if (word == "{" || word == "(" || word == "[") ++depth;
+  for (std::size_t k = 2; k < statement.words.size(); ++k) {
+    const std::string_view word = statement.words[k];
     if (word == "}" || word == ")" || word == "]") --depth;
-    if (depth == 0 && word == ":=") return true;
+    if (depth == 0) attributes.push_back(word);
+    if (word == "{" || word == "(" || word == "[") ++depth;
   }
-  return false;
+  return attributes;
+}
+
+// How many positions the elements of a set have: as it says, as the set has that it is within, or
+// one where it says nothing; 0 where it is within something else.
+int elementPositions(const std::vector<std::string_view>& attributes,
+                     const std::vector<MathProgSymbol>& known) {
+  const auto isName = [](std::string_view word) { return isWordChar(word.front()); };
+  for (std::size_t k = 0; k + 1 < attributes.size(); ++k) {
+    if (attributes[k] != "dimen") continue;
+    int positions = 0;
+    std::from_chars(attributes[k + 1].data(), attributes[k + 1].data() + attributes[k + 1].size(),
+                    positions);
+    return positions;
+  }
+  const auto within = std::find(attributes.begin(), attributes.end(), "within");
+  if (within == attributes.end()) return 1;
+  const auto name = within + 1;
+  if (name == attributes.end()) return 0;
+  // Behind it may stand a comma or another attribute, but nothing that makes another set of it.
+  const bool standsAlone =
+      name + 1 == attributes.end() || name[1] == "," || name[1] == ";" || name[1] == "default";
+  const auto set = std::find_if(known.begin(), known.end(), [&](const MathProgSymbol& symbol) {
+    return symbol.isSet && !symbol.isIndexed && symbol.name == *name;
+  });
+  return standsAlone && isName(*name) && set != known.end() ? set->elementPositions : 0;
 }
 
 }  // namespace
@@ -73,7 +107,13 @@ MathProgText::MathProgText(std::string_view text) : statements_(statementsOf(tex
     if (statement.words.size() < 2) continue;
     const bool isSet = statement.words[0] == "set";
     if (!isSet && statement.words[0] != "param") continue;
-    symbols_.push_back({std::string(statement.words[1]), isSet, isComputed(statement)});
+    const std::vector<std::string_view> attributes = attributesOf(statement);
+    const auto has = [&](std::string_view word) {
+      return std::find(attributes.begin(), attributes.end(), word) != attributes.end();
+    };
+    symbols_.push_back({std::string(statement.words[1]), isSet, has(":="),
+                        statement.words.size() > 2 && statement.words[2] == "{",
+                        isSet ? elementPositions(attributes, symbols_) : 0});
   }
   // The word "data" itself is no data.
   if (firstOfData_ < statements_.size() && isOnly(statements_[firstOfData_], "data")) {
@@ -90,30 +130,71 @@ std::vector<MathProgStatement> MathProgText::dataStatements(bool isDataFile) con
   return data;
 }
 
-std::string replacedData(const std::string& file, std::string_view text, bool isDataFile,
-                         const std::vector<std::string>& names, std::string_view added) {
-  const auto isReplaced = [&](std::string_view word) {
-    return std::find(names.begin(), names.end(), word) != names.end();
+MathProgData replacedData(const std::string& file, std::string_view text, bool isDataFile,
+                          const std::vector<MathProgFilled>& filled, std::string_view added) {
+  const auto find = [&](std::string_view word) {
+    return std::find_if(filled.begin(), filled.end(),
+                        [&](const MathProgFilled& one) { return one.name == word; });
   };
-  std::string data = "data;\n";
+  const auto isReplaced = [&](std::string_view word) { return find(word) != filled.end(); };
+  // Of places that ascend, so that no line is counted twice.
+  const char* counted = text.data();
+  std::size_t breaks = 0;
+  const auto lineOf = [&](const char* place) {
+    breaks += static_cast<std::size_t>(std::count(counted, place, '\n'));
+    counted = place;
+    return breaks + 1;
+  };
+  MathProgData data{"data;"};
+  std::size_t line = 1;
   for (const MathProgStatement& statement : MathProgText(text).dataStatements(isDataFile)) {
     const auto& words = statement.words;
-    const bool isNamed = words.size() > 1 && (words[0] == "set" || words[0] == "param") &&
-                         words[1] != ":" && words[1] != "default";
-    if (isNamed && isReplaced(words[1])) continue;
-    const auto end = std::find(words.begin(), words.end(), ":=");
-    const auto found = isNamed ? end : std::find_if(words.begin(), end, isReplaced);
-    if (found != end) {
-      throw ModelError(file + ": the data give " + shown(*found) +
-                           " in one table with others, so that it cannot be replaced; expected a "
-                           "statement of its own",
+    if (!statement.text.ends_with(';')) {
+      throw ModelError(file + ":" + std::to_string(lineOf(words[0].data())) +
+                           ": the data end within a statement, expected a semicolon behind it",
                        ZTB_ERROR_DAMAGED_FILE);
     }
-    data += statement.text;
-    data += '\n';
+    // Each line stays where it was, so that what is wrong is told with its line.
+    const std::size_t first = lineOf(statement.text.data());
+    const std::size_t last = lineOf(statement.text.data() + statement.text.size());
+    data.text.append(first - line, '\n');
+    line = last;
+    const bool isNamed = words.size() > 1 && (words[0] == "set" || words[0] == "param") &&
+                         words[1] != ":" && words[1] != "default";
+    if (isNamed) {
+      if (isReplaced(words[1])) {
+        data.text.append(last - first, '\n');
+      } else {
+        data.text += statement.text;
+      }
+      continue;
+    }
+    const auto end = std::find(words.begin(), words.end(), ":=");
+    const auto replaced = std::find_if(words.begin(), end, isReplaced);
+    if (replaced == end) {
+      data.text += statement.text;
+      continue;
+    }
+    const std::optional<MathProgTable> table = MathProgTable::of(statement.text);
+    const std::optional<std::string> left =
+        table ? table->without(isReplaced, find(*replaced)->labels) : std::nullopt;
+    if (!left) {
+      const auto at = first + static_cast<std::size_t>(
+                                  std::count(statement.text.data(), replaced->data(), '\n'));
+      throw ModelError(file + ":" + std::to_string(at) + ": the data give " + shown(*replaced) +
+                           " in one table with others, in which its values are not told from "
+                           "theirs by the " +
+                           std::to_string(find(*replaced)->labels) +
+                           " labels of the records that fill it; expected a statement of its own",
+                       ZTB_ERROR_DAMAGED_FILE);
+    }
+    data.text += *left;
   }
-  data += added;
-  return data + "end;\n";
+  data.text += '\n';
+  data.ownLines = line;
+  data.text += added;
+  data.text += "end;\n";
+  return data;
 }
 
 }  // namespace lomu

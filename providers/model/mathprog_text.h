@@ -15,9 +15,11 @@ struct MathProgSymbol {
   std::string name;
   bool isSet = false;
   bool isComputed = false;  // by the model itself, so that it takes no data
+  bool isIndexed = false;
+  int elementPositions = 0;  // of the elements of a set, as far as the declaration tells; else 0
 };
 
-// One statement of a section of data, with its semicolon.
+// One statement of a section of data, with its semicolon unless the text ends before.
 struct MathProgStatement {
   std::string_view text;
   std::vector<std::string_view> words;  // names, signs and numbers; labels in quotes are left out
@@ -39,10 +41,23 @@ class MathProgText {
   std::vector<MathProgSymbol> symbols_;
 };
 
-// The data of `text` without those statements that give data to one of `names`, and then `added`,
-// as a data file. Throws ModelError where one statement gives data to such a name and to others.
-std::string replacedData(const std::string& file, std::string_view text, bool isDataFile,
-                         const std::vector<std::string>& names, std::string_view added);
+// What is given data from elsewhere: its name, and the labels of a record.
+struct MathProgFilled {
+  std::string name;
+  int labels = 0;
+};
+
+// A data file that was put together.
+struct MathProgData {
+  std::string text;
+  std::size_t ownLines = 0;  // so many of its lines are as in the file that they come from
+};
+
+// The data of `text` without what they give to those that are filled, and then `added`, as a data
+// file. Throws ModelError where one statement gives data to such a name and to others in another
+// form than a plain table, and where the text ends within a statement.
+MathProgData replacedData(const std::string& file, std::string_view text, bool isDataFile,
+                          const std::vector<MathProgFilled>& filled, std::string_view added);
 
 }  // namespace lomu
 

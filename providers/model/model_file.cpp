@@ -57,7 +57,7 @@ std::string filledAt(std::string_view data, std::size_t line, std::span<const zt
     for (const std::string_view word : {"set ", "param "}) {
       if (!text.starts_with(word)) continue;
       name = text.substr(word.size());
-      name = name.substr(0, name.find(' '));
+      name = name.substr(0, name.find_first_of(" ["));
     }
   }
   for (const ztbModelFill& fill : fills) {
@@ -75,9 +75,9 @@ ModelData readFilled(const std::string& file, const std::string& dataFile,
                      std::span<ztbModelFill> fills) {
   checkNesting(file, readText(file));
   if (!dataFile.empty()) checkReadable(dataFile);
-  const std::string data = fills.empty() ? "" : filledData(file, dataFile, fills);
-  if (data.empty()) return readMathProg(file, dataFile);
-  const MemoryFile filled(data);
+  const MathProgData data = fills.empty() ? MathProgData{} : filledData(file, dataFile, fills);
+  if (data.text.empty()) return readMathProg(file, dataFile);
+  const MemoryFile filled(data.text);
   try {
     return readMathProg(file, filled.path());
   } catch (const ModelError& error) {
@@ -86,9 +86,15 @@ ModelData readFilled(const std::string& file, const std::string& dataFile,
     if (!text.starts_with(filled.path())) throw;
     const std::size_t place = text.find(": ", filled.path().size());
     const std::size_t line = std::strtoul(text.c_str() + filled.path().size() + 1, nullptr, 10);
-    throw ModelError(file + ": the data that fill " + filledAt(data, line, fills) + ": " +
-                         text.substr(place == std::string::npos ? 0 : place + 2),
-                     error.kind());
+    const std::string reason = text.substr(place == std::string::npos ? 0 : place + 2);
+    if (line <= data.ownLines) {
+      throw ModelError(
+          (dataFile.empty() ? file : dataFile) + ":" + std::to_string(line) + ": " + reason,
+          error.kind());
+    }
+    throw ModelError(
+        file + ": the data that fill " + filledAt(data.text, line, fills) + ": " + reason,
+        error.kind());
   }
 }
 

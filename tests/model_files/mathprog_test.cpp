@@ -174,12 +174,8 @@ TEST_F(MathProgFill, refusesWhatCannotBeFilled) {
                 "\":=\"",
             refusalOf(file, {set("I", labels)}));
   EXPECT_EQ(file +
-                ": the data give \"p\" in one table with others, so that it cannot be replaced; "
-                "expected a statement of its own",
-            refusalOf(file, {parameter("p", labels, values)}));
-  EXPECT_EQ(file +
-                ": parameter \"p\" is to be filled with a value that is no finite number, "
-                "expected one",
+                ": parameter \"p\" is to be filled with a value that is no finite number for "
+                "('a'), expected one",
             refusalOf(file, {parameter("p", labels, infinite)}));
   // In GLPK's words, with the line of the model where it met the value.
   const std::string other = write("n.mod", "param p{1..2};\nvar x;\nminimize o: p[1] * x;\nend;\n");
@@ -197,6 +193,116 @@ TEST_F(MathProgFill, refusesWhatCannotBeFilled) {
   EXPECT_EQ(wrong, refusalOf(fourth, {set("I", labels), parameter("a", labels, values),
                                       parameter("b", labels, values)})
                        .substr(0, wrong.size()));
+}
+
+// Tables of several parameters keep what is not filled: q is 5 and, by its default, 3; p is 1
+// and 2.
+TEST_F(MathProgFill, takesColumnsOfTablesAlone) {
+  const std::string model =
+      "set I; param p{I}; param q{I};\nvar x{i in I} >= p[i], <= q[i];\n"
+      "minimize o: sum{i in I} x[i];\ndata;\n";
+  const std::string table = "param default 3 : I : p, q := 'b ,''s', 1, 5 /* q, */ c 2 . ;\n";
+  const std::vector<const char*> own{"b ,'s", "c"};
+  const std::vector<const char*> others{"d", "e"};
+  const std::vector<double> values{4, 2.5};
+  const auto bounds = [&](const std::string& data, std::vector<ztbModelFill> fills) {
+    const auto read = lomu::readModelFile(write("m.mod", model + data + "end;\n"), "", fills);
+    std::string text;
+    for (const auto& column : read.columns) text += columnText(read, column.name) + "; ";
+    return text;
+  };
+  EXPECT_EQ("4 <= x['b ,''s'] <= 5; 2.5 <= x[c] <= 3; ",
+            bounds(table, {parameter("p", own, values)}));
+  EXPECT_EQ("1 <= x['b ,''s'] <= 4; 2 <= x[c] <= 2.5; ",
+            bounds(table, {parameter("q", own, values)}));
+  EXPECT_EQ("4 <= x['b ,''s'] <= 4; 2.5 <= x[c] <= 2.5; ",
+            bounds(table, {parameter("p", own, values), parameter("q", own, values)}));
+  EXPECT_EQ("4 <= x[d] <= 4; 2.5 <= x[e] <= 2.5; ",
+            bounds(table, {set("I", others), parameter("p", others, values),
+                           parameter("q", others, values)}));
+  // Of pairs, where nothing but the set is left.
+  const std::string pairs = write("p.mod",
+                                  "set L dimen 2; param p{L};\nvar x{(i,j) in L} >= p[i,j];\n"
+                                  "minimize o: sum{(i,j) in L} x[i,j];\ndata;\n"
+                                  "param : L : p := a 1 7, b 2 8;\nend;\n");
+  const std::vector<const char*> keys{"a", "1", "b", "2"};
+  std::vector<ztbModelFill> fills{parameter("p", keys, values)};
+  const auto read = lomu::readModelFile(pairs, "", fills);
+  EXPECT_EQ("4 <= x[a,1] <= inf", columnText(read, "x[a,1]"));
+  EXPECT_EQ("2.5 <= x[b,2] <= inf", columnText(read, "x[b,2]"));
+  // With two labels a record, 3 + 3 entries are no whole number of records of 4.
+  const std::string uneven = write("u.mod", model + table + "end;\n");
+  EXPECT_EQ(
+      uneven +
+          ":5: the data give \"p\" in one table with others, in which its values are not told "
+          "from theirs by the 2 labels of the records that fill it; expected a statement of "
+          "its own",
+      refusalOf(uneven, {parameter("p", keys, values)}));
+}
+
+// The labels of the index stand in front of those of the elements.
+TEST_F(MathProgFill, takesIndexedSets) {
+  const std::string text =
+      "set I; set near{I} within I, default {}; set way{i in I} dimen 2;\n"
+      "set both{I} within I cross I;\nvar x{i in I, j in near[i]} >= 0;\n"
+      "var y{i in I, (j, k) in way[i]} >= 0;\n"
+      "minimize o: sum{i in I, j in near[i]} x[i,j] + sum{i in I, (j, k) in way[i]} y[i,j,k];\n"
+      "data;\n"
+      "set I := a b c; set near[a] := c; set near[b] := c;\nend;\n";
+  const std::string file = write("m.mod", text);
+  const std::vector<const char*> near{"a", "b", "b", "a", "a", "a"};
+  const std::vector<const char*> way{"c", "p", "1", "a", "r", "3", "c", "q", "2", "b", "r", "4"};
+  std::vector<ztbModelFill> fills{set("near", near, 2), set("way", way, 3)};
+  const auto model = lomu::readModelFile(file, "", fills);
+  std::string names;
+  for (const auto& column : model.columns) names += column.name + " ";
+  EXPECT_EQ("x[a,b] x[a,a] x[b,a] y[a,r,3] y[b,r,4] y[c,p,1] y[c,q,2] ", names);
+  EXPECT_EQ(
+      file +
+          ": set \"way\" is indexed, with elements of 2 positions; expected data with more, for "
+          "the index in front, not with 2",
+      refusalOf(file, {set("way", near, 2)}));
+  EXPECT_EQ(
+      file +
+          ": set \"both\" is indexed and within others, so that nobody knows how many "
+          "positions its elements have; expected \"dimen\" with their number in its declaration",
+      refusalOf(file, {set("both", way, 3)}));
+}
+
+TEST_F(MathProgFill, takesTheNameAsTheModelSpellsIt) {
+  const std::string file = write("m.mod",
+                                 "param cc; param CC;\nvar x >= cc, <= CC;\nminimize o: x;\ndata;\n"
+                                 "param cc := 1; param CC := 2;\nend;\n");
+  const std::vector<double> value{5};
+  std::vector<ztbModelFill> fills{parameter("CC", {}, value)};
+  EXPECT_EQ("1 <= x <= 5", columnText(lomu::readModelFile(file, "", fills), "x"));
+  EXPECT_EQ(
+      file + ": \"Cc\" may fill \"cc\" and \"CC\", expected it as the model spells one of them",
+      refusalOf(file, {parameter("Cc", {}, value)}));
+}
+
+// What is wrong in the data that stay is told with its place; nothing of them gets lost.
+TEST_F(MathProgFill, tellsWhatIsWrongInTheDataThatStay) {
+  const std::string model = "set I;\nparam p{I};\nparam q{I} default 0;\nvar x;\nminimize o: x;\n";
+  const std::vector<const char*> labels{"a"};
+  const std::vector<double> values{1};
+  const std::vector<ztbModelFill> fills{parameter("p", labels, values)};
+  const std::string own =
+      write("m.mod", model + "data;\nset I := a;\nparam p :=\na 1;\n\nparam q := a z;\nend;\n");
+  EXPECT_EQ(own + ":11: q requires numeric data", refusalOf(own, fills));
+  const std::string cut = write("c.mod", model + "data;\nset I := a;\n\nparam q := a 3\n");
+  EXPECT_EQ(cut + ":9: the data end within a statement, expected a semicolon behind it",
+            refusalOf(cut, fills));
+  const std::string bare = write("b.mod", model + "end;\n");
+  const std::string data = write("b.dat", "# all\ndata;\nset I := a;\nparam r := a 3;\nend;\n");
+  std::string told;
+  try {
+    std::vector<ztbModelFill> taken = fills;
+    lomu::readModelFile(bare, data, taken);
+  } catch (const lomu::ModelError& error) {
+    told = error.what();
+  }
+  EXPECT_EQ(data + ":4: r not a parameter", told);
 }
 
 TEST_F(MathProg, modelWithoutObjective) {
