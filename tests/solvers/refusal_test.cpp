@@ -63,6 +63,25 @@ TEST(Refusal, numbersThatAreNone) {
   }
 }
 
+// An assertion of Clp would end the process.
+TEST(Refusal, costsThatClpDoesNotTake) {
+  SmallModel model;
+  model.column(1, 0, 5);
+  model.column(-9.9e24, 0, 5);
+  model.row({1, 1}, 0.5, kInf);
+  for (const char* solver : {"clp", "cbc"}) {
+    model.cost[1] = -9.9e24;
+    const auto taken = openSolver(solver);
+    std::string reason;
+    ASSERT_TRUE(taken->load(model.problem(), reason)) << reason;
+    model.cost[1] = -1e25;
+    EXPECT_FALSE(taken->update(model.problem()));
+    EXPECT_EQ(refusal(solver, model),
+              "the cost of column #1 has the size 1e+25, expected one below 1e25");
+  }
+  EXPECT_EQ(refusal("glpk", model), "taken");
+}
+
 TEST(Refusal, changesThatTheLoadedModelCannotTake) {
   for (const char* solver : {"clp", "glpk"}) {
     SmallModel model;

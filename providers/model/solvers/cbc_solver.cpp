@@ -21,6 +21,7 @@ bool CbcSolver::load(const SolverProblem& problem, std::string& reason) {
     reason = "cbc solves linear models: " + why;
     return false;
   }
+  if (!form.costsSuitClp(reason)) return false;
   if (withSets) form.choices = sets_.choices();
   problem_ = problem;
   form_ = std::move(form);

@@ -22,6 +22,7 @@ bool ClpSolver::load(const SolverProblem& problem, std::string& reason) {
     reason = "clp solves linear models without integers: the model has integer columns";
     return false;
   }
+  if (!form.costsSuitClp(reason)) return false;
   problem_ = {};
   program_.load(std::move(form));
   problem_ = problem;
@@ -45,6 +46,8 @@ bool ClpSolver::update(const SolverProblem& problem) {
   }
   std::string reason;
   if (!next_.take(problem, reason) || !next_.sameShape(program_.form())) return false;
+  // A fresh one refuses them with the reason.
+  if (!next_.costsSuitClp(reason)) return false;
   program_.update(next_);
   problem_ = problem;
   return true;

@@ -1,7 +1,9 @@
 #include "providers/model/solvers/linear_form.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <cstdio>
 
 #include "providers/model/solvers/column_blocks.h"
 
@@ -137,6 +139,18 @@ bool LinearForm::numbersAreSound(std::string& reason) const {
     return false;
   }
   return true;
+}
+
+bool LinearForm::costsSuitClp(std::string& reason) const {
+  constexpr double kTooLarge = 1e25;
+  const auto found =
+      std::ranges::find_if(cost, [](double one) { return std::abs(one) >= kTooLarge; });
+  if (found == cost.end()) return true;
+  std::array<char, 32> size{};
+  std::snprintf(size.data(), size.size(), "%g", std::abs(*found));
+  reason = "the cost of column #" + std::to_string(found - cost.begin()) + " has the size " +
+           size.data() + ", expected one below 1e25";
+  return false;
 }
 
 bool LinearForm::boundsCross() const {
