@@ -3,9 +3,14 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <span>
+#include <ztb/rxf.hpp>
 
 #include "tools/files/record_walk.h"
 #include "tools/text/failure.h"
+#include "tools/text/number_text.h"
 #include "tools/text/words.h"
 
 namespace sweep {
@@ -52,6 +57,17 @@ bool isOver(const ExchangeFile& file, const FileSymbol& parameter, const FileSym
   const FileDomain& domain = parameter.domains.front();
   return domain.set < 0 ? sameFolded(domain.name, set.name)
                         : file.resolved(file.symbolAt(domain.set)).number == set.number;
+}
+
+// Enters the next block that is not damaged; false behind the last.
+bool nextBlock(ztb::RxfRecords& records) {
+  for (;;) {
+    try {
+      return records.next();
+    } catch (const ztb::Error&) {
+      if (!records.skipDamage()) return false;
+    }
+  }
 }
 
 }  // namespace
@@ -107,6 +123,34 @@ void ScenarioFile::takeLabels(const std::string& over) {
   if (numbers_.empty()) {
     throw Failure(withFile(file_.path(),
                            fmt::format("no parameter has a record of {} to sweep over", over_)));
+  }
+}
+
+void ScenarioFile::requireNumbers() const {
+  constexpr double kUndefined = 1e300;  // as files hold `undef`
+  const auto isMissing = [](double value) { return std::isnan(value) || value == kUndefined; };
+  for (const FileSymbol* parameter : driving_) {
+    ztb::RxfRecords records(file_.file(), file_.file().symbol(parameter->number));
+    while (nextBlock(records)) {
+      const std::span<const double> values = records.values(0);
+      for (auto found = std::ranges::find_if(values, isMissing); found != values.end();
+           found = std::find_if(found + 1, values.end(), isMissing)) {
+        const auto place = static_cast<std::size_t>(found - values.begin());
+        const int number = records.keys(0)[place];
+        if (!std::ranges::binary_search(numbers_, number)) continue;
+        std::string record;
+        for (int position = 1; position < parameter->dimension; ++position) {
+          record += record.empty() ? "(" : ", ";
+          record += file_.label(records.keys(position)[place]);
+        }
+        throw Failure(withFile(
+            file_.path(),
+            fmt::format("scenario {}, record {}{}{} holds {}, a number is expected; what a "
+                        "scenario has no record for stays as the model has it",
+                        file_.label(number), parameter->name, record, record.empty() ? "" : ")",
+                        tool::NumberText(*found).view())));
+      }
+    }
   }
 }
 

@@ -38,6 +38,11 @@ class ScenarioFile {
   // The scenario with a label, in letters of any case.
   [[nodiscard]] std::optional<int> find(const std::string& label) const;
 
+  // Throws Failure with the first record of a scenario, in the parameters over the set, that holds
+  // `na` or `undef`, with which no model can be solved. Reads all blocks of these parameters but
+  // damaged ones, which are told to whoever needs them.
+  void requireNumbers() const;
+
   // The parameters whose first domain is the set, and all other parameters.
   [[nodiscard]] const std::vector<const tool::FileSymbol*>& driving() const { return driving_; }
   [[nodiscard]] const std::vector<const tool::FileSymbol*>& others() const { return others_; }

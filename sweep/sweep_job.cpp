@@ -97,6 +97,16 @@ void SweepJob::setOption(const std::string& name, const std::string& value) {
 }
 
 void SweepJob::open() {
+  openUnlooked();
+  try {
+    scenarios_->requireNumbers();
+  } catch (...) {
+    scenarios_.reset();
+    throw;
+  }
+}
+
+void SweepJob::openUnlooked() {
   if (isOpen()) throw Failure("the sweep is open already");
   std::string files = filesOf(options_);
   std::string inputs = inputsOf(options_);
@@ -166,7 +176,8 @@ void SweepJob::load(const std::string& folder) {
     setOption(line.substr(0, equals),
               equals < line.size() ? unwritten(line.substr(equals + 1)) : "");
   }
-  open();
+  // Who saved the options has looked at the records.
+  openUnlooked();
   if (PartFolder::saved(folder, key_) != saved.front()) {
     scenarios_.reset();
     throw Failure(withFile(saved.front(), "is of a sweep with other files: they have changed"));

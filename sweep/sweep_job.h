@@ -53,6 +53,8 @@ class SweepJob {
   [[nodiscard]] const char* label(int scenario) const;
 
  private:
+  // As open(), without a look at the records.
+  void openUnlooked();
   [[nodiscard]] int chunkSize() const;
   void requireOpen() const;
   void refuseReplacing(const std::string& out) const;

@@ -60,7 +60,9 @@ void ztbSweepFree(ztbSweep** sweep);
  *   time-limit   seconds that a solve may take */
 int ztbSweepOption(ztbSweep* sweep, const char* name, const char* value);
 
-/* Reads what there is to sweep over, and takes the checksums of all files. */
+/* Reads what there is to sweep over, and takes the checksums of all files. Refused: a record of a
+ * scenario, of a parameter over the set, that holds `na` or `undef`, with which nothing can be
+ * solved: "sc.rxf: scenario s2, record price(Milk) holds na, a number is expected; ...". */
 int ztbSweepOpen(ztbSweep* sweep);
 
 /* Leaves the options in a folder, which is made where there is none, with the names of files from

@@ -34,7 +34,7 @@ def diet(tmp_path_factory):
     with ztb.Database() as db:
         db.add_set("s").extend(labels)
         calories = pd.Series(3 + 0.5 * np.sin(np.arange(COUNT)), index=labels)
-        calories[BAD] = ztb.NA
+        calories[BAD] = 1e305
         calories.index = pd.MultiIndex.from_product([labels, ["calories_1000kcal"]])
         db.add_parameter("allowance", ["s", "*"]).from_pandas(calories)
         db.write(folder / "sc.rxf")

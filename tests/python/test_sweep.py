@@ -83,6 +83,26 @@ def test_what_is_wrong_is_told(file, scenarios, tmp_path):
         ztb.sweep(ztb.Model(), scenarios, over="s", data={})
 
 
+@pytest.mark.parametrize("value, word", [(ztb.NA, "na"), (ztb.UNDEF, "undef")])
+def test_a_missing_number_of_a_file_is_refused_ahead(file, tmp_path, value, word):
+    with ztb.Database() as db:
+        db.add_set("s").extend(["s1", "s2"])
+        db.add_parameter("demand", ["s", "*"])
+        db["demand"]["s1", "x"] = 1
+        db["demand"]["s2", "x"] = value
+        db.write(tmp_path / "sc.rxf")
+        for scenarios, name in (db, "scenarios.rxf"), (tmp_path / "sc.rxf", "sc.rxf"):
+            with pytest.raises(ztb.Error) as told:
+                ztb.sweep(
+                    file, scenarios, over="s", report="ship", drive=DRIVE[1:], out=tmp_path / "r.rxf"
+                )
+            assert (
+                f"{name}: scenario s2, record demand(x) holds {word}, a number is expected; what a "
+                "scenario has no record for stays as the model has it"
+            ) in str(told.value)
+    assert not (tmp_path / "r.rxf").exists()
+
+
 @pytest.mark.parametrize(
     "demand, place",
     [

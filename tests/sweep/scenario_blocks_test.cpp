@@ -4,6 +4,7 @@
 
 #include <array>
 #include <fstream>
+#include <limits>
 #include <string>
 #include <vector>
 #include <ztb/rxf.hpp>
@@ -103,6 +104,23 @@ TEST_F(ScenarioBlocksTest, TheFirstAndTheLastBlockMatterToTheirChunksAlone) {
   EXPECT_EQ(solved({0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11}), "xx..........");
   damage(7);
   EXPECT_EQ(solved({6, 3, 11, 0, 9, 1, 10, 4, 2, 8, 5, 7}), "xx.........x");
+}
+
+// What is missing in a block behind a damaged one is told ahead.
+TEST_F(ScenarioBlocksTest, MissingNumbersAreToldInAllBlocksThatAreWhole) {
+  ztb::Database database = ztb::Database::open(path("sc.rxf"));
+  database.symbol("most").find("s11", "i1")->setLevel(std::numeric_limits<double>::quiet_NaN());
+  database.write(path("sc.rxf"));
+  damage(0);
+  damage(3);
+  ztb::Sweep sweep;
+  sweep.option("model", path("m.lp")).option("scenarios", path("sc.rxf")).option("over", "s");
+  try {
+    sweep.open();
+    FAIL() << "nothing was told";
+  } catch (const ztb::Error& error) {
+    EXPECT_THAT(error.what(), HasSubstr("scenario s11, record most(i1) holds na, a number"));
+  }
 }
 
 TEST_F(ScenarioBlocksTest, SeveralDamagedBlocksAreAllPassed) {

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <limits>
 #include <map>
 #include <memory>
 #include <string>
@@ -286,6 +287,28 @@ TEST_F(SweepLibraryTest, WhatIsRefused) {
   sweep.solve(path("parts"), 1);
   EXPECT_EQ(errorOf([&] { sweep.solve(path("parts"), 0); }),
             "chunk 0 does not follow the one whose results are kept");
+}
+
+// Of scenarios that are there: a label outside the set is none. A file with others can be opened
+// instead.
+TEST_F(SweepLibraryTest, AMissingNumberIsRefusedAhead) {
+  makeScenarios(4);
+  ztb::Database database = ztb::Database::open(path("sc.rxf"));
+  ztb::Symbol wanted = database.symbol("wanted");
+  wanted.add("no scenario").setLevel(std::numeric_limits<double>::quiet_NaN());
+  database.write(path("outside.rxf"));
+  wanted.find("s2")->setLevel(std::numeric_limits<double>::quiet_NaN());
+  database.write(path("sc.rxf"));
+  ztb::Sweep sweep;
+  EXPECT_EQ(errorOf([&] { open(sweep); }),
+            path("sc.rxf") +
+                ": scenario s2, record wanted holds na, a number is expected; what a "
+                "scenario has no record for stays as the model has it");
+  EXPECT_EQ(sweep.scenarioCount(), 0);
+  EXPECT_EQ(ztbSweepOpen(sweep.handle()), 0);
+  EXPECT_THAT(ztbSweepMessage(sweep.handle()), HasSubstr("scenario s2, record wanted holds na"));
+  sweep.option("scenarios", path("outside.rxf")).open();
+  EXPECT_EQ(sweep.scenarioCount(), 4);
 }
 
 TEST_F(SweepLibraryTest, ADamagedPartIsAnError) {

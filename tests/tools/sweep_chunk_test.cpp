@@ -117,13 +117,13 @@ TEST_F(SweepChunkTest, WhatIsMissingIsToldByName) {
 }
 
 TEST_F(SweepChunkTest, AFailureIsToldWhenPartsArePutTogether) {
-  makeScenarios(10, 0, {{4, "na"}});
+  makeScenarios(10, 0, {{4, "1e305"}});
   const std::vector<std::string> one{"sweep", "m.lp",   "--scenarios", "sc.rxf",  "--over",
                                      "s",     "--part", "1/1",         "--parts", "parts"};
   EXPECT_EQ(ztb(one).status, 1);
   const Outcome outcome = collect("out.rxf");
   EXPECT_EQ(outcome.status, 1);
-  EXPECT_EQ(outcome.errors, "ztb: scenario sc4: failed: Bad value nan in demand(x)\n");
+  EXPECT_EQ(outcome.errors, "ztb: scenario sc4: failed: Bad value 1e+305 in demand(x)\n");
   expectObjectives("out.rxf", 10, 0, {4});
 }
 

@@ -220,15 +220,33 @@ TEST_F(SweepTest, AnInfeasibleScenarioIsReportedAndTheOthersKept) {
 }
 
 TEST_F(SweepTest, AScenarioThatCannotBeSolvedIsReportedAndTheOthersKept) {
-  makeScenarios(10, 0, {{4, "na"}, {7, "inf"}});
+  makeScenarios(10, 0, {{4, "1e305"}, {7, "inf"}});
   const Outcome outcome = ztb(sweep());
   EXPECT_EQ(outcome.status, 1);
-  EXPECT_THAT(outcome.errors, StartsWith("ztb: scenario sc4: failed: Bad value nan in demand(x)\n"
-                                         "ztb: scenario sc7: "));
+  EXPECT_THAT(outcome.errors,
+              StartsWith("ztb: scenario sc4: failed: Bad value 1e+305 in demand(x)\n"
+                         "ztb: scenario sc7: "));
   const ztb::Database out = ztb::Database::open(path("out.rxf"));
   EXPECT_EQ(out.symbol("sweep_status").find("sc4")->level(), 13);
   EXPECT_EQ(out.symbol("sweep_solve_status").find("sc4")->level(), 13);
   expectObjectives("out.rxf", 10, 0, {4, 7});
+}
+
+TEST_F(SweepTest, AMissingNumberIsRefusedAhead) {
+  makeScenarios(10, 0, {{4, "na"}, {7, "undef"}});
+  const auto refusal = [](const std::string& scenario, const std::string& value) {
+    return "ztb: sc.rxf: scenario " + scenario + ", record demand(x) holds " + value +
+           ", a number is expected; what a scenario has no record for stays as the model has it\n";
+  };
+  for (const char* jobs : {"1", "2"}) {
+    expectFails(1, refusal("sc4", "na"), sweep({"--jobs", jobs}));
+  }
+  expectFails(1, refusal("sc4", "na"),
+              {"sweep", "m.lp", "--scenarios", "sc.rxf", "--over", "s", "--part", "2/2", "--parts",
+               "parts"});
+  EXPECT_FALSE(exists("out.rxf") || exists("out.rxf.parts") || exists("parts"));
+  makeScenarios(10, 0, {{7, "undef"}});
+  expectFails(1, refusal("sc7", "undef"), sweep());
 }
 
 TEST_F(SweepTest, ShowsTheFirstTwentyScenariosWithoutASolution) {
