@@ -392,7 +392,7 @@ void Instance::takeResult(const SolverResult& result) {
   const double sign = maximize_ ? -1 : 1;
   for (std::size_t i = 1; i < rows_.size(); ++i) {
     const double marginal = sign * result.rowMarginal[i - 1] + 0.0;  // never -0
-    const double level = areKnown ? result.rowLevel[i - 1] : 0;
+    const double level = areKnown ? result.rowLevel[i - 1] + 0.0 : 0;
     rows_[i] = {level, marginal, static_cast<int>(result.rowPosition[i - 1]), 0};
   }
   rows_[0] = {0, -1, static_cast<int>(Position::basic), 0};  // with this weight one sum serves all
@@ -448,7 +448,7 @@ int Instance::conditionOf(std::size_t j, double level) const {
 // marginals; a basic column has none.
 void Instance::takeColumns(const SolverResult& result) {
   for (std::size_t j = 0; j < at(solverColumnCount()); ++j) {
-    const double level = result.level[j];
+    const double level = result.level[j] + 0.0;  // never -0
     double marginal = 0;
     const std::size_t end = matrix_.start[j + 1];
     for (std::size_t e = matrix_.start[j]; e < end; ++e) {
@@ -457,8 +457,8 @@ void Instance::takeColumns(const SolverResult& result) {
       marginal -= row.marginal * matrix_.value[e];
     }
     const Position position = result.position[j];
-    columns_[j] = {level, position == Position::basic ? 0 : marginal, static_cast<int>(position),
-                   conditionOf(j, level)};
+    columns_[j] = {level, position == Position::basic ? 0 : marginal + 0.0,
+                   static_cast<int>(position), conditionOf(j, level)};
   }
 }
 
@@ -473,15 +473,15 @@ void Instance::takeKnownColumns(const SolverResult& result) {
     return std::bit_cast<double>(std::bit_cast<std::uint64_t>(marginal) & all);
   };
   for (std::size_t j = 0; j < at(solverColumnCount()); ++j) {
-    const double level = result.level[j];
+    const double level = result.level[j] + 0.0;  // never -0
     const double minimized = result.columnMarginal[j];
-    const double marginal = maximize_ ? 0 - minimized : minimized;  // never -0
+    const double marginal = maximize_ ? 0 - minimized : minimized + 0.0;
     const Position position = result.position[j];
     const bool isWithin = level >= lower[j] && level <= upper[j];
     columns_[j] = {level, unlessBasic(marginal, position), static_cast<int>(position),
                    isWithin ? 0 : conditionOf(j, level)};
   }
-  rows_[0].level = maximize_ ? 0 - result.cost : result.cost;
+  rows_[0].level = maximize_ ? 0 - result.cost : result.cost + 0.0;
 }
 
 // The change of the objective, as the model states it, per unit of a number that data give. Of a

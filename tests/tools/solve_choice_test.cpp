@@ -99,6 +99,18 @@ TEST_F(SolveChoiceTest, RefusesToReplaceWhatItReads) {
   EXPECT_FALSE(std::filesystem::exists(path("b.rxf")));
 }
 
+// Rounding a level just below 0 gives -0.
+TEST_F(SolveChoiceTest, NothingIsMinusZero) {
+  write("z.lp",
+        "Maximize\n o: 2 b(1) - b(2) - i\nSubject To\n c: b(1) + b(2) + i <= 10\nGenerals\n i\n"
+        "Binaries\n b(1) b(2)\nEnd\n");
+  for (const char* solver : {"cbc", "glpk", "bonmin"}) {
+    EXPECT_EQ(ztbFine({"solve", "z.lp", "--solver", solver, "--show", "b", "--csv"}),
+              "label,level,marginal,lower,upper,scale\n1,1,2,0,1,1\n2,0,-1,0,1,1\n")
+        << solver;
+  }
+}
+
 // The highest y at x = 3.5 on a line through (0, 0), (2, 5), (5, 4) and (9, 10).
 TEST_F(SolveChoiceTest, OrderedSetsAreSolvedByCbc) {
   write("line.lp", R"(Maximize
