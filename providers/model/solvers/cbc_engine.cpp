@@ -13,6 +13,7 @@
 
 #include "providers/model/solvers/cbc_interface.h"
 #include "providers/model/solvers/claim_check.h"
+#include "providers/model/solvers/clique_rows.h"
 #include "providers/model/solvers/cover_cuts.h"
 #include "providers/model/solvers/cut_generator.h"
 #include "providers/model/solvers/probing.h"
@@ -81,11 +82,11 @@ double spanOf(const LinearForm& form) {
 // from 0.00015 to 8570 away. They are used at the root where the largest is not that much more than
 // the least, and ours find nothing to cut at the best point of the linear problem: with ours beside
 // them they cost more than they save.
-void addHelp(const LinearForm& form, CbcModel& model) {
+void addHelp(const LinearForm& form, const std::shared_ptr<const CutProblem>& problem,
+             CbcModel& model) {
   constexpr int kWhereUseful = -1;
   constexpr int kAtRoot = -99;
   constexpr double kSpanForGomory = 1e6;
-  const auto problem = std::make_shared<const CutProblem>(form);
   std::vector<Cut> cuts;
   findRoundingCuts(*problem, model.solver()->getColSolution(), cuts);
   findCoverCuts(*problem, model.solver()->getColSolution(), cuts);
@@ -262,8 +263,13 @@ bool CbcEngine::searchReduced(Watch& watch, SolverResult& result) {
   return true;
 }
 
-std::vector<double> CbcEngine::search(const LinearForm& form, const std::vector<double>& start,
+std::vector<double> CbcEngine::search(const LinearForm& given, const std::vector<double>& start,
                                       Watch& watch, SolverResult& result) {
+  auto problem = std::make_shared<const CutProblem>(given);
+  LinearForm merged;
+  const bool isMerged = mergeCliques(*problem, given, merged);
+  if (isMerged) problem = std::make_shared<const CutProblem>(merged);
+  const LinearForm& form = isMerged ? merged : given;
   CbcInterface interface(form);
   LinearStopHandler linearHandler(&watch);
   interface.getModelPtr()->passInEventHandler(&linearHandler);
@@ -291,7 +297,7 @@ std::vector<double> CbcEngine::search(const LinearForm& form, const std::vector<
     return result.startTaken && watch.stopped() ? start : std::vector<double>();
   }
   double bound = model.solver()->getObjValue();
-  addHelp(form, model);
+  addHelp(form, problem, model);
   limitRounds(bound, model);
   const StopHandler handler(&watch, &bound);
   model.passInEventHandler(&handler);

@@ -75,6 +75,7 @@ CutProblem::CutProblem(const LinearForm& form)
   }
   for (double& norm : norm_) norm = std::sqrt(norm);
   findMovingBounds();
+  conflicts = Conflicts(*this);
 }
 
 void CutProblem::findMovingBounds() {

@@ -5,6 +5,7 @@
 
 #include <vector>
 
+#include "providers/model/solvers/conflicts.h"
 #include "providers/model/solvers/linear_form.h"
 
 namespace lomu {
@@ -36,6 +37,7 @@ struct CutProblem {
   std::vector<double> rowLower, rowUpper;
   std::vector<std::vector<CutEntry>> row, column;          // zeros left out
   std::vector<std::vector<MovingBound>> lowerBy, upperBy;  // of columns that are no integers
+  Conflicts conflicts;
 
   explicit CutProblem(const LinearForm& form);
 
