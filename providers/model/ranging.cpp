@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <string>
 
 #include "providers/model/at.h"
@@ -23,6 +24,13 @@ void rangeBasicRow(const Instance& instance, int i, double level, double& lower,
   lower = std::isfinite(high) ? level + (rhs - high) : -kInfinity;
   upper = std::isfinite(low) ? level + (rhs - low) : kInfinity;
   if (instance.rowType(i) == RowType::equal) lower = upper = rhs;
+}
+
+// An end is what is added to the number itself. Where the two cancel but for the last bits of the
+// number, nothing of what is left is known, and 0 is meant.
+double endOf(double end, double number) {
+  constexpr double kLastBits = 8 * std::numeric_limits<double>::epsilon();
+  return std::abs(end) <= kLastBits * std::abs(number) ? 0 : end;
 }
 
 class RangeFinder {
@@ -74,9 +82,11 @@ class RangeFinder {
     ranging.rhsLower.assign(at(instance_.rowCount()), -kInfinity);
     ranging.rhsUpper.assign(at(instance_.rowCount()), kInfinity);
     for (std::size_t j = 0; j < columns; ++j) {
+      const double lower = endOf(costLower[j], problem_.cost[j]);
+      const double upper = endOf(costUpper[j], problem_.cost[j]);
       // A maximization was handed over with the signs turned.
-      ranging.costLower[j] = instance_.maximizes() ? 0 - costUpper[j] : costLower[j];
-      ranging.costUpper[j] = instance_.maximizes() ? 0 - costLower[j] : costUpper[j];
+      ranging.costLower[j] = instance_.maximizes() ? 0 - upper : lower;
+      ranging.costUpper[j] = instance_.maximizes() ? 0 - lower : upper;
     }
     for (int i = 1; i < instance_.rowCount(); ++i) {
       const std::size_t k = at(i - 1);
@@ -90,8 +100,8 @@ class RangeFinder {
       // What the solver saw of the row may be shifted.
       const double side =
           position == Position::atUpper ? problem_.rowUpper[k] : problem_.rowLower[k];
-      lower = rhsLower[k] + (instance_.rhs(i) - side);
-      upper = rhsUpper[k] + (instance_.rhs(i) - side);
+      lower = endOf(rhsLower[k] + (instance_.rhs(i) - side), instance_.rhs(i));
+      upper = endOf(rhsUpper[k] + (instance_.rhs(i) - side), instance_.rhs(i));
     }
     return ranging;
   }

@@ -6,6 +6,7 @@
 #include <limits>
 #include <string>
 #include <utility>
+#include <vector>
 #include <ztb/model.hpp>
 
 #include "tests/support/temp_folder.h"
@@ -79,6 +80,26 @@ TEST_P(RangingTest, TellsCostsAndRightHandSidesAsTheModelStatesThem) {
 
 // x at its lower bound while its cost is not negative, y at its upper one while it is not positive;
 // z is anywhere, so that its cost cannot move.
+// Costs of columns that stand at their rows may fall to 0; clp's own ends were some bits beside it.
+TEST_P(RangingTest, AnEndThatIsZeroIsExactly) {
+  ztb::Model model;
+  const std::vector<double> costs{1, 2, 3, 4, 5, 6.1, 7, 8, 9, 10.3};
+  for (std::size_t j = 0; j < costs.size(); ++j) {
+    const std::string label = "['" + std::to_string(j) + "']";
+    model.addTerm(0, model.addColumn("x" + label, 0, kInf), costs[j]);
+    model.addTerm(model.addRow("r" + label, ztbRowGreaterOrEqual, 0.1 + static_cast<double>(j)),
+                  static_cast<int>(j), 1);
+  }
+  model.solve(GetParam());
+  const ztb::Model::Ranging ranging = model.ranging();
+  ASSERT_EQ(ranging.costs.size(), costs.size());
+  for (const auto& cost : ranging.costs) {
+    EXPECT_EQ(cost.lower, 0);
+    EXPECT_EQ(cost.upper, kInf);
+  }
+  for (std::size_t i = 1; i < ranging.sides.size(); ++i) EXPECT_EQ(ranging.sides[i].lower, 0);
+}
+
 TEST_P(RangingTest, WithoutCoefficientsACostKeepsItsSign) {
   for (const bool maximize : {false, true}) {
     const double sign = maximize ? -1 : 1;
