@@ -25,8 +25,15 @@ extern "C" {
 
 typedef struct ztbModelRec ztbModel;
 
-/* Kinds of columns. */
-enum { ztbColumnContinuous = 0, ztbColumnInteger = 1, ztbColumnBinary = 2 };
+/* Kinds of columns. A semi-continuous one is 0 or within its bounds, and a semi-integer one an
+ * integer besides. */
+enum {
+  ztbColumnContinuous = 0,
+  ztbColumnInteger = 1,
+  ztbColumnBinary = 2,
+  ztbColumnSemiContinuous = 3,
+  ztbColumnSemiInteger = 4
+};
 
 /* Types of rows, with right-hand side r. */
 enum {
@@ -120,6 +127,12 @@ int ztbModelAddRow(ztbModel* model, const char* name, int type, double rhs, doub
  * Terms given twice add up. */
 int ztbModelAddTerm(ztbModel* model, int row, int column, double value);
 int ztbModelAddProduct(ztbModel* model, int row, int column1, int column2, double value);
+
+/* Adds a special ordered set of kind 1 or 2: of its columns, in ascending order of their weights,
+ * at most one, or two neighbours, are not 0. A set has at least one member; its columns are
+ * distinct, and so are their weights, which are finite. */
+int ztbModelAddSet(ztbModel* model, const char* name, int kind, int count, const int* columns,
+                   const double* weights);
 
 /* Says which numbers of the model a symbol drives, in a text such as
  *   price(food) = cost of buy

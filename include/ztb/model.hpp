@@ -94,6 +94,17 @@ class Model {
     check(ztbModelAddProduct(own(), row, column1, column2, value), "ztbModelAddProduct");
   }
 
+  // A special ordered set of kind 1 or 2; ztbModelAddSet tells of which columns and weights.
+  void addSet(const ZString& name, int kind, std::span<const int> columns,
+              std::span<const double> weights) {
+    if (columns.size() != weights.size()) {
+      throw Error("ztbModelAddSet", "a set has as many weights as columns");
+    }
+    check(ztbModelAddSet(own(), name.c_str(), kind, static_cast<int>(columns.size()),
+                         columns.data(), weights.data()),
+          "ztbModelAddSet");
+  }
+
   // Says which numbers of the model a symbol drives: "price(food) = cost of buy"; ztbModelDrive
   // tells all forms. Before the model is tied to a database.
   void drive(const ZString& statement) {

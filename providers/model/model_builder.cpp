@@ -1,10 +1,13 @@
 #include "providers/model/model_builder.h"
 
+#include <ztb/model.h>
+
 #include <cmath>
 #include <limits>
 #include <utility>
 #include <vector>
 
+#include "providers/model/distinct_members.h"
 #include "providers/model/model_error.h"
 
 namespace lomu {
@@ -85,11 +88,14 @@ void ModelBuilder::checkFreeRow(const std::string& name) const {
 int ModelBuilder::addColumn(const char* name, int kind, double lower, double upper) {
   requireUndriven();
   ColumnData column{checkedName(name, "a column"), ColumnKind::continuous, lower, upper};
-  if (kind < 0 || kind > static_cast<int>(ColumnKind::binary)) {
-    throw ModelError("column \"" + column.name + "\": the kind is 0, 1 or 2, not " +
+  if (kind < 0 || kind > ztbColumnSemiInteger) {
+    throw ModelError("column \"" + column.name + "\": the kind is from 0 to 4, not " +
                      std::to_string(kind));
   }
-  column.kind = static_cast<ColumnKind>(kind);
+  column.semiContinuous = kind == ztbColumnSemiContinuous || kind == ztbColumnSemiInteger;
+  column.kind = kind == ztbColumnSemiInteger ? ColumnKind::integer
+                : column.semiContinuous      ? ColumnKind::continuous
+                                             : static_cast<ColumnKind>(kind);
   checkBounds(column.name, lower, upper);
   if (column.kind == ColumnKind::binary && (lower < 0 || upper > 1)) {
     throw ModelError("column \"" + column.name +
@@ -116,6 +122,30 @@ int ModelBuilder::addRow(const char* name, int type, double rhs, double range) {
     throw ModelError("row \"" + row.name + "\" stands twice");
   }
   return append(data_.rows, std::move(row), rowNames_, "row");
+}
+
+void ModelBuilder::addSet(const char* name, int kind, std::span<const int> columns,
+                          std::span<const double> weights) {
+  requireUndriven();
+  OrderedSet set{checkedName(name, "a set"), kind, {}};
+  const std::string what = "set \"" + set.name + "\"";
+  if (kind != 1 && kind != 2) {
+    throw ModelError(what + ": the kind is 1 or 2, not " + std::to_string(kind));
+  }
+  if (columns.empty()) throw ModelError(what + " has no member, expected one at least");
+  DistinctMembers members;
+  for (std::size_t k = 0; k < columns.size(); ++k) {
+    checkColumn(columns[k]);
+    const std::string& column = data_.columns[static_cast<std::size_t>(columns[k])].name;
+    if (!std::isfinite(weights[k])) {
+      throw ModelError(what + ": the weight of \"" + column + "\" has to be a finite number");
+    }
+    if (!members.take(columns[k], weights[k])) {
+      throw ModelError(what + ": \"" + column + "\" or its weight stands twice");
+    }
+    set.members.push_back({columns[k], weights[k]});
+  }
+  data_.sets.push_back(std::move(set));
 }
 
 void ModelBuilder::addTerm(int row, int column, double value) {

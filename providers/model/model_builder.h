@@ -3,6 +3,7 @@
 #define ZTB_PROVIDERS_MODEL_MODEL_BUILDER_H_
 
 #include <memory>
+#include <span>
 #include <string>
 
 #include "providers/model/driving.h"
@@ -27,6 +28,9 @@ class ModelBuilder {
   // Makes a symbol drive numbers of the model, as Driving::add. From the first statement on nothing
   // else can be added.
   void drive(const char* statement);
+
+  void addSet(const char* name, int kind, std::span<const int> columns,
+              std::span<const double> weights);
 
   [[nodiscard]] const ModelData& data() const { return data_; }
   // What symbols drive in it.

@@ -200,6 +200,17 @@ MODEL_EXPORT int ztbModelAddRow(ztbModel* model, const char* name, int type, dou
   return added(model, [&](ModelBuilder& b) { return b.addRow(name, type, rhs, range); });
 }
 
+MODEL_EXPORT int ztbModelAddSet(ztbModel* model, const char* name, int kind, int count,
+                                const int* columns, const double* weights) {
+  return built(model, [&](ModelBuilder& b) {
+    if (count < 0 || (count > 0 && (columns == nullptr || weights == nullptr))) {
+      throw ModelError("a set has columns and weights, as many as are told");
+    }
+    const auto size = static_cast<std::size_t>(count);
+    b.addSet(name, kind, {columns, size}, {weights, size});
+  });
+}
+
 MODEL_EXPORT int ztbModelAddTerm(ztbModel* model, int row, int column, double value) {
   return built(model, [&](ModelBuilder& b) { b.addTerm(row, column, value); });
 }

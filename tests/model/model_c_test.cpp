@@ -40,6 +40,52 @@ TEST_F(ModelC, NumbersColumnsFromZeroAndRowsFromOne) {
   EXPECT_EQ(ztbModelPbi(model_), ztbModelPbi(model_));
 }
 
+// max 3 a + 2 b + c with a + b <= 4, where a is 0 or from 3 to 9 and b and c cannot both be used:
+// a = 4 and c = 5 give 17; a from 2.5 on, as an integer from 3 on, the same.
+TEST_F(ModelC, TakesSemiContinuousColumnsAndOrderedSets) {
+  ASSERT_EQ(ztbModelSetObjective(model_, "worth", 1, 0), 1);
+  ASSERT_EQ(ztbModelAddColumn(model_, "a", ztbColumnSemiContinuous, 3, 9), 0);
+  ASSERT_EQ(ztbModelAddColumn(model_, "b", ztbColumnContinuous, 0, 5), 1);
+  ASSERT_EQ(ztbModelAddColumn(model_, "c", ztbColumnSemiInteger, 4.5, 5.5), 2);
+  ASSERT_EQ(ztbModelAddRow(model_, "limit", ztbRowLessOrEqual, 4, 0), 1);
+  for (int j = 0; j < 3; ++j) ztbModelAddTerm(model_, 0, j, 3 - j);
+  for (int j = 0; j < 2; ++j) ztbModelAddTerm(model_, 1, j, 1);
+  const std::vector<int> columns{1, 2};
+  const std::vector<double> weights{1, 2};
+  ASSERT_EQ(ztbModelAddSet(model_, "one", 1, 2, columns.data(), weights.data()), 1) << message();
+  ztbModelSize size;
+  ASSERT_EQ(ztbModelGetSize(model_, &size), 1);
+  EXPECT_EQ(size.semiContinuous, 2);
+  EXPECT_EQ(size.sets, 1);
+  ASSERT_EQ(ztbModelSolve(model_, "cbc"), 1) << message();
+  EXPECT_NEAR(ztbModelObjective(model_), 17, 1e-9);
+}
+
+TEST_F(ModelC, RefusesSetsThatAreNone) {
+  ztbModelAddColumn(model_, "a", ztbColumnContinuous, 0, 1);
+  ztbModelAddColumn(model_, "b", ztbColumnContinuous, 0, 1);
+  const auto refusal = [&](int kind, const std::vector<int>& columns,
+                           const std::vector<double>& weights, const char* name = "s") {
+    EXPECT_EQ(ztbModelAddSet(model_, name, kind, static_cast<int>(columns.size()), columns.data(),
+                             weights.data()),
+              0);
+    return message();
+  };
+  EXPECT_EQ(refusal(3, {0, 1}, {1, 2}), "set \"s\": the kind is 1 or 2, not 3");
+  EXPECT_EQ(refusal(1, {}, {}), "set \"s\" has no member, expected one at least");
+  EXPECT_EQ(refusal(1, {0, 2}, {1, 2}), "there is no column 2, the model has 2");
+  EXPECT_EQ(refusal(1, {0, 1}, {1, kInf}),
+            "set \"s\": the weight of \"b\" has to be a finite number");
+  EXPECT_EQ(refusal(1, {0, 1}, {1, 1}), "set \"s\": \"b\" or its weight stands twice");
+  EXPECT_EQ(refusal(1, {0, 0}, {1, 2}), "set \"s\": \"a\" or its weight stands twice");
+  EXPECT_EQ(refusal(1, {0}, {1}, ""), "a set needs a name");
+  EXPECT_EQ(ztbModelAddSet(model_, "s", 1, 1, nullptr, nullptr), 0);
+  EXPECT_EQ(message(), "a set has columns and weights, as many as are told");
+  ztbModelSize size;
+  ASSERT_EQ(ztbModelGetSize(model_, &size), 1);
+  EXPECT_EQ(size.sets, 0);
+}
+
 TEST_F(ModelC, IsDrivenByStatements) {
   EXPECT_EQ(ztbModelAddColumn(model_, "buy[Milk]", ztbColumnContinuous, 0, kInf), 0);
   EXPECT_EQ(ztbModelAddRow(model_, "need", ztbRowGreaterOrEqual, 4, 0), 1);
@@ -79,8 +125,8 @@ TEST_F(ModelC, RefusesColumnsThatCannotBe) {
   EXPECT_EQ(ztbModelAddColumn(model_, "", 0, 0, 1), -1);
   EXPECT_EQ(message(), "a column needs a name");
   EXPECT_EQ(ztbModelAddColumn(model_, nullptr, 0, 0, 1), -1);
-  EXPECT_EQ(ztbModelAddColumn(model_, "x", 3, 0, 1), -1);
-  EXPECT_EQ(message(), "column \"x\": the kind is 0, 1 or 2, not 3");
+  EXPECT_EQ(ztbModelAddColumn(model_, "x", 5, 0, 1), -1);
+  EXPECT_EQ(message(), "column \"x\": the kind is from 0 to 4, not 5");
   EXPECT_EQ(ztbModelAddColumn(model_, "x", 0, std::nan(""), 1), -1);
   EXPECT_EQ(message(), "column \"x\": a bound is no number, or no point is within bounds");
   EXPECT_EQ(ztbModelAddColumn(model_, "x", 0, kInf, kInf), -1);

@@ -445,6 +445,71 @@ def test_what_cannot_be_built_is_told(build, text):
     assert model.solve().objective == pytest.approx(2)
 
 
+# max 3 a + 2 b + c with a + b <= 4, where a is 0 or from 3 to 9, and b and c cannot both be used:
+# a = 4 and c = 5, which is a whole number from 4.5 to 5.5, give 17; without the set b = 0 stays.
+def test_semi_continuous_columns_and_ordered_sets_of_arrays():
+    model = ztb.Model.from_arrays(
+        [3, 2, 1], [[1, 1, 0]], upper=4, bounds=([3, 0, 4.5], [9, 5, 5.5]),
+        kind=["semi-continuous", "continuous", "semi-integer"], sets=[(1, [1, 2])], maximize=True,
+    )
+    solution = model.solve()
+    assert (solution.solver, solution.status) == ("cbc", "optimal")
+    assert solution.objective == pytest.approx(17)
+    assert solution.levels("x").tolist() == [4, 0, 5]
+
+
+@pytest.mark.parametrize(
+    "given, error, text",
+    [
+        (5, TypeError, r"sets\[0\] is \(kind, columns\) or"),
+        ((3, [0]), ValueError, r"sets\[0\]: the kind of a set is 1 or 2, not 3"),
+        ((1, [0.5]), TypeError, "float64, whole numbers expected"),
+        ((1, [0, 1], [1]), ValueError, "1 weights for 2 columns"),
+        ((1, [0, 7]), ztb.Error, "there is no column 7"),
+        ((1, [0, 1], [2, 2]), ztb.Error, "or its weight stands twice"),
+    ],
+)
+def test_ordered_sets_that_are_none(given, error, text):
+    with pytest.raises(error, match=text):
+        ztb.Model.from_arrays([1, 1], [[1, 1]], sets=[given])
+
+
+# Of each plant one way at most: the best is worth 5 and 7. Of neighbours two: 5 + 4 and 7 + 3, where
+# the order of the weights makes b and c neighbours, and not of the labels.
+def test_ordered_sets_are_built_over_symbols(tmp_path):
+    worth = pd.Series(
+        [5.0, 1, 4, 7, 3, 6],
+        index=pd.MultiIndex.from_product([["p", "q's"], ["a", "b", "c"]], names=["plant", "way"]),
+    )
+    order = pd.Series([1.0, 3, 2, 1, 2, 3], index=worth.index)
+    for kind, weights, best in ((1, None, 12), (2, None, 6 + 10), (2, order, 9 + 10)):
+        model = ztb.Model()
+        use = model.variable("use", worth.index, upper=1)
+        members = use if weights is None else use * weights
+        assert model.sets("few", ("plant", ["p", "q's"]), members, kind=kind) == 2
+        model.rows("all", None, use, upper=10)
+        model.maximize(use * worth)
+        model.write(tmp_path / "m.lp")
+        assert model.solve().objective == pytest.approx(best)
+        assert ztb.Model.open(tmp_path / "m.lp").solve().objective == pytest.approx(best)
+
+
+def test_sets_over_symbols_are_refused_as_a_whole(tmp_path):
+    model = ztb.Model()
+    x = model.variable("x", ("i", ["a", "b"]))
+    for build, text in (
+        (lambda: model.sets("s", ("i", ["a", "c"]), x), r"the set of \('c',\) is empty"),
+        (lambda: model.sets("s", None, x * [1, 1]), "a weight stands twice in the set of"),
+        (lambda: model.sets("s", None, x + x), "a column stands twice in the set of"),
+        (lambda: model.sets("s", None, x, kind=3), "the kind of a set is 1 or 2, not 3"),
+    ):
+        with pytest.raises(ValueError, match=text):
+            build()
+    model.minimize(x)
+    model.write(tmp_path / "m.lp")
+    assert "SOS" not in (tmp_path / "m.lp").read_text()
+
+
 def test_of_elements_some_of_which_are_refused_none_is_added(tmp_path):
     pairs = pd.MultiIndex.from_tuples([("c", "1"), ("a", "1")], names=["i", "j"])
     files = []

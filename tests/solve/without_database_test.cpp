@@ -5,6 +5,7 @@
 
 #include <limits>
 #include <string>
+#include <vector>
 #include <ztb/model.hpp>
 
 namespace {
@@ -34,6 +35,24 @@ TEST(WithoutDatabase, TheSolverForTheKindOfModelSolves) {
     EXPECT_NEAR(model.values("x").at(0), 3, 1e-9);
     EXPECT_NEAR(model.values("y").at(0), 1, 1e-9);
   }
+}
+
+// max 5 a + b + 4 c, each 0 or 1: by the weights a and c are neighbours.
+TEST(WithoutDatabase, AnOrderedSetLeavesNeighbours) {
+  ztb::Model model;
+  model.setObjective("gain", true);
+  const std::vector<double> gains{5, 1, 4};
+  std::vector<int> columns;
+  for (const double gain : gains) {
+    const std::string name(1, static_cast<char>('a' + columns.size()));
+    columns.push_back(model.addColumn(name, 1, 1, ztbColumnSemiContinuous));
+    model.addTerm(0, columns.back(), gain);
+  }
+  model.addSet("near", 2, columns, std::vector<double>{1, 3, 2});
+  EXPECT_THROW(model.addSet("odd", 2, columns, std::vector<double>{1, 2}), ztb::Error);
+  EXPECT_THROW(model.addSet("odd", 3, columns, std::vector<double>{1, 3, 2}), ztb::Error);
+  EXPECT_GE(model.solve(), 0);
+  EXPECT_NEAR(model.objective(), 9, 1e-9);
 }
 
 TEST(WithoutDatabase, NamesAndKindsOfFailuresInC) {

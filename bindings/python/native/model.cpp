@@ -208,6 +208,20 @@ int Model::addRows(const py::object& name, const std::vector<Position>& position
   return first;
 }
 
+void Model::addSets(const py::object& name, const std::vector<Position>& positions, int count,
+                    int kind, const Numbers& sets, const Numbers& columns, const Values& weights) {
+  requireSameSize(sets, columns);
+  requireSameSize(sets, weights);
+  const FamilyNames names(name, positions, count);
+  const auto size = static_cast<std::size_t>(sets.size());
+  for (std::size_t first = 0, end = 0; first < size; first = end) {
+    const int set = sets.data()[first];
+    while (end < size && sets.data()[end] == set) ++end;
+    model().addSet(names.at(set), kind, {columns.data() + first, end - first},
+                   {weights.data() + first, end - first});
+  }
+}
+
 void Model::addTerms(const Numbers& rows, const Numbers& columns, const Values& values) {
   requireSameSize(rows, columns);
   requireSameSize(rows, values);
@@ -457,6 +471,7 @@ void bindModel(py::module_& module) {
   type.def("set_objective", &Model::setObjective)
       .def("add_columns", &Model::addColumns)
       .def("add_rows", &Model::addRows)
+      .def("add_sets", &Model::addSets)
       .def("add_terms", &Model::addTerms)
       .def("drive", &Model::drive)
       .def("option", &Model::option)

@@ -56,6 +56,10 @@ class Model {
   using Position = std::pair<py::list, Numbers>;
 
   void setObjective(const py::str& name, bool maximize, double constant);
+  // Adds special ordered sets of one kind, as many as `count`, each with a name as that of a
+  // column. Members are told by their set, in ascending order of these, column and weight.
+  void addSets(const py::object& name, const std::vector<Position>& positions, int count, int kind,
+               const Numbers& sets, const Numbers& columns, const Values& weights);
   // Add a family of columns or rows, one for each lower bound or right-hand side, and give the
   // number of the first. `name` is that of the family, or a list with a whole name for each.
   int addColumns(const py::object& name, const std::vector<Position>& positions,

@@ -113,6 +113,16 @@ class Model:
         rhs: npt.NDArray[np.float64],
         range: npt.NDArray[np.float64],
     ) -> int: ...
+    def add_sets(
+        self,
+        name: Union[str, List[str]],
+        positions: Sequence[Position],
+        count: int,
+        kind: int,
+        sets: npt.NDArray[np.int32],
+        columns: npt.NDArray[np.int32],
+        weights: npt.NDArray[np.float64],
+    ) -> None: ...
     def add_terms(
         self,
         rows: npt.NDArray[np.int32],

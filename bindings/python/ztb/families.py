@@ -472,6 +472,37 @@ def add_rows(
     return len(frame)
 
 
+def add_sets(
+    native: _native.Model,
+    name: str,
+    over: Over,
+    expression: Expression,
+    kind: int,
+    spelling: Spelling,
+) -> int:
+    """Adds special ordered sets, all or none."""
+    frame = frame_over(over, spelling)
+    rows = frame.copy(deep=False)
+    rows[_ROW] = np.arange(len(rows))
+    at, columns, values = _entries(native, expression, rows, name)
+    order = np.argsort(at, kind="stable")
+    at, columns, values = at[order], columns[order], values[order]
+    sizes = np.bincount(at, minlength=len(frame))
+    if len(sizes) and not sizes.all():
+        raise ValueError(f"{name}: the set of {tuple(frame.iloc[int(np.argmin(sizes))])} is empty")
+    if all(term.data is None for term in expression._terms):
+        values = np.arange(1.0, len(at) + 1)
+    members: List[Tuple[npt.NDArray[Any], str]] = [(columns, "a column"), (values, "a weight")]
+    for numbers, what in members:
+        by = np.lexsort((numbers, at))
+        twice = (at[by][1:] == at[by][:-1]) & (numbers[by][1:] == numbers[by][:-1])
+        if twice.any():
+            place = int(at[by][1:][int(np.argmax(twice))])
+            raise ValueError(f"{name}: {what} stands twice in the set of {tuple(frame.iloc[place])}")
+    native.add_sets(name, native_positions(frame), len(frame), kind, at, columns, values)
+    return len(frame)
+
+
 def objective_entries(
     native: _native.Model, expression: Expression
 ) -> Tuple[npt.NDArray[np.int32], npt.NDArray[np.int32], npt.NDArray[np.float64]]:

@@ -14,7 +14,9 @@ from .families import Over
 #: Names of columns or rows for arrays: of a family, of each, or families and what they run over.
 Names = Union[None, str, Sequence[str], Mapping[str, Over]]
 
-_KINDS = {"continuous": 0, "integer": 1, "binary": 2}
+_KINDS = {
+    "continuous": 0, "integer": 1, "binary": 2, "semi-continuous": 3, "semi-integer": 4,
+}
 _BINARY = _KINDS["binary"]
 _EQUAL, _GREATER, _LESS, _FREE = range(4)
 
@@ -104,7 +106,7 @@ def kinds(kind: Union[str, npt.ArrayLike], count: int) -> npt.NDArray[np.int32]:
     """Kinds by number, out of a word or number for each or for all."""
     given = np.asarray(kind)
     if given.dtype.kind not in "USOiu":
-        raise TypeError(f"kinds are words or numbers from 0 to 2, not of type {given.dtype}")
+        raise TypeError(f"kinds are words or numbers from 0 to 4, not of type {given.dtype}")
     if given.ndim > 1 or (given.ndim == 1 and len(given) != count):
         raise ValueError(f"kind: an array of {count} is expected, not of {given.shape}")
     known: Dict[Any, int] = dict(_KINDS)
@@ -148,6 +150,31 @@ def sides(
     types = np.where(has_lower & (lower == upper), _EQUAL, types)
     rhs = np.where(falling, upper, np.where(has_lower, lower, 0.0))
     return types.astype(np.int32), rhs, ranges
+
+
+def ordered_set(
+    number: int, given: Any, count: int
+) -> Tuple[int, npt.NDArray[np.int32], npt.NDArray[np.float64]]:
+    """Kind, columns and weights of a special ordered set that is (kind, columns) or (kind, columns,
+    weights)."""
+    if not isinstance(given, (tuple, list)) or len(given) not in (2, 3):
+        raise TypeError(f"sets[{number}] is (kind, columns) or (kind, columns, weights)")
+    what = f"sets[{number}]"
+    kind = set_kind(given[0], what)
+    columns = _places(given[1], what)
+    weights = np.arange(1.0, len(columns) + 1) if len(given) == 2 else np.atleast_1d(
+        arrays.floats(given[2], what)
+    )
+    if weights.shape != columns.shape:
+        raise ValueError(f"{what}: {weights.size} weights for {len(columns)} columns")
+    return kind, columns, weights
+
+
+def set_kind(kind: Any, what: str) -> int:
+    """The kind of special ordered sets."""
+    if isinstance(kind, bool) or kind not in (1, 2):
+        raise ValueError(f"{what}: the kind of a set is 1 or 2, not {kind!r}")
+    return int(kind)
 
 
 def named(names: Names, count: int, default: str, what: str) -> List[Tuple[Any, Any, slice]]:

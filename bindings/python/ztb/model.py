@@ -146,14 +146,19 @@ class Model:
         maximize: bool = False,
         constant: float = 0.0,
         objective: str = "objective",
+        sets: Sequence[Tuple[Any, ...]] = (),
     ) -> "Model":
         """The model min (or max) ``c x + constant`` with ``lower <= A x <= upper`` and ``bounds``
         on x.
 
         ``A`` is a scipy sparse matrix, a tuple ``(data, indices, indptr)`` of its CSR arrays, or a
         dense array. Numbers that hold for all may stand alone; ``None`` is no bound. ``kind`` is
-        ``"continuous"``, ``"integer"`` or ``"binary"``, or an array of these or of 0, 1 and 2 for
-        them; a binary column is from 0 to 1, whatever its bounds. ``columns`` and ``rows``
+        ``"continuous"``, ``"integer"``, ``"binary"``, ``"semi-continuous"`` (0 or within its
+        bounds) or ``"semi-integer"``, or an array of these or of 0 to 4 for them; a binary column
+        is from 0 to 1, whatever its bounds. ``sets`` are special ordered sets, ``(kind, columns)``
+        or ``(kind, columns, weights)``: of its columns, by their numbers, in the order in which
+        they stand or of ascending weights, at most one (kind 1) or two neighbours (kind 2) are not
+        0. ``columns`` and ``rows``
         name them: a family (``"buy"``, with labels ``"0"``, ``"1"``, ...), a name for each, or a
         mapping from families to what they run over, in the order of the numbers:
         ``{"buy": ("food", ["Milk", "Tofu"]), "spare": None}``. Without names they are ``x`` and
@@ -192,6 +197,12 @@ class Model:
         numbers = np.flatnonzero(cost).astype(np.int32)
         native.add_terms(np.zeros(len(numbers), dtype=np.int32), numbers, cost[numbers])
         native.add_terms(at + np.int32(1), column, value)
+        for number, given in enumerate(sets):
+            of_kind, members, weights = matrices.ordered_set(number, given, len(cost))
+            native.add_sets(
+                [f"set{number}"], [], 1, of_kind, np.zeros(len(members), dtype=np.int32), members,
+                weights,
+            )
         return model
 
     # ---- building ----
@@ -209,8 +220,9 @@ class Model:
 
         ``over`` is a set, an index with names, ``(name, labels)``, a list of such, or nothing for a
         single column. Bounds are numbers, or data over its positions, which are 0 where there is
-        no record, or arrays in its order. ``kind`` is ``"continuous"``, ``"integer"`` or
-        ``"binary"``; a binary variable is from 0 to 1.
+        no record, or arrays in its order. ``kind`` is ``"continuous"``, ``"integer"``,
+        ``"binary"``, ``"semi-continuous"`` or ``"semi-integer"``; a binary variable is from 0 to 1,
+        a semi-continuous one 0 or within its bounds, and a semi-integer one an integer besides.
         """
         _require_name(name, "variable")
         frame = families.frame_over(over, self._spelling)
@@ -263,6 +275,19 @@ class Model:
         )
         self._know(name, tuple(positions), count, False)
         return count
+
+    def sets(self, name: str, over: Over, expression: Expression, *, kind: int = 1) -> int:
+        """Adds a special ordered set for each element of ``over``: of its members at most one (kind
+        1), or two neighbours (kind 2), are not 0.
+
+        Members are the columns of the variables in the expression that have the labels of the
+        element: as they stand, or, of ``x * data``, by ascending numbers of the data. Gives the
+        number of sets.
+        """
+        _require_name(name, "set")
+        return families.add_sets(
+            self._native, name, over, expression, matrices.set_kind(kind, name), self._spelling
+        )
 
     def _know(self, name: str, positions: Tuple[str, ...], count: int, is_variable: bool) -> None:
         """Keeps what the library does not know of a variable or equation that was added."""
