@@ -287,6 +287,38 @@ def test_columns_of_labels_that_changed_places_are_seen(tmp_path):
     assert dict(tie["price"]) == {("x", "y"): 5, ("y", "x"): 3}
 
 
+def test_columns_that_changed_places_are_seen_when_the_labels_are_known(tmp_path):
+    path = tmp_path / "m.lp"
+    path.write_text(PLAN.replace("(x)", "(x,y)").replace("(y)", "(y,x)"))
+    model = ztb.Model.open(path)
+    model.drive("price(from, to) = cost of buy")
+    tie = model.tie()
+
+    def frame(first, second, heads=("from", "to", "price")):
+        # The numbers lie behind the labels, or in front of them, in the order of their insertion.
+        table = pd.DataFrame({"price": [5.0, 3.0]})
+        table.insert(0, first, ["x", "y"])
+        table.insert(0 if second == "from" else 1, second, ["y", "x"])
+        assert list(table.columns) == ["from", "to", "price"]
+        table.columns = list(heads)
+        return table
+
+    forth, back = {("x", "y"): 5, ("y", "x"): 3}, {("x", "y"): 3, ("y", "x"): 5}
+    for table, expected in [
+        (frame("from", "to"), forth),
+        (frame("to", "from"), back),
+        (frame("from", "to", ("to", "from", "price")), back),
+    ]:
+        for _ in range(3):
+            tie["price"] = frame("from", "to")
+            assert dict(tie["price"]) == forth
+        tie["price"] = table
+        assert dict(tie["price"]) == expected
+    tie["price"] = frame("from", "to")
+    with pytest.raises(ValueError, match="label columns are not all there: from, to"):
+        tie["price"] = frame("from", "to", ("a", "b", "c"))
+
+
 def test_columns_that_are_put_into_a_frame_are_seen(tie):
     label = tie.index("price").name
     frame = pd.DataFrame({label: ["y", "x"], "price": [3.0, 5.0]})

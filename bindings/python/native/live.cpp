@@ -15,6 +15,7 @@
 #include <ztb/model.hpp>
 
 #include "bindings/python/native/errors.h"
+#include "bindings/python/native/known_labels.h"
 #include "bindings/python/native/model.h"
 #include "bindings/python/native/strings.h"
 
@@ -66,21 +67,27 @@ PyObject* refuseNew(PyTypeObject* made, PyObject*, PyObject*) {
 
 // ---- Drive ------------------------------------------------------------------------------------
 
+struct DriveState {
+  Driving driving;
+  // Null until something was learnt.
+  std::shared_ptr<const KnownLabels> known;
+};
+
 struct Drive {
   PyObject base;
   PyObject* model;
   // Null until __init__ came to its end.
-  Driving* driving;
+  DriveState* state;
 };
 
 int initDrive(PyObject* self, PyObject* arguments, PyObject*) {
   return statusOf([&] {
     const auto [model, columns, data, keys] =
         py::cast<std::tuple<py::object, Symbol*, Symbol*, Numbers>>(py::handle(arguments));
-    auto driving = std::make_unique<Driving>(py::cast<Model*>(model), *columns, *data, keys);
     auto& drive = as<Drive>(self);
-    delete std::exchange(drive.driving, driving.release());
-    Py_XSETREF(drive.model, model.inc_ref().ptr());
+    if (drive.state != nullptr) throw py::value_error("Drive.__init__ was called before");
+    drive.state = new DriveState{Driving(py::cast<Model*>(model), *columns, *data, keys), nullptr};
+    drive.model = py::object(model).release().ptr();
     return 0;
   });
 }
@@ -88,7 +95,7 @@ int initDrive(PyObject* self, PyObject* arguments, PyObject*) {
 void freeDrive(PyObject* self) {
   auto& drive = as<Drive>(self);
   PyObject_GC_UnTrack(self);
-  delete std::exchange(drive.driving, nullptr);
+  delete std::exchange(drive.state, nullptr);
   Py_CLEAR(drive.model);
   freeObject(self);
 }
@@ -98,16 +105,16 @@ int visitDrive(PyObject* self, visitproc visit, void* arg) {
   return 0;
 }
 
-Driving& drivingOf(PyObject* self) {
-  Driving* const driving = as<Drive>(self).driving;
-  if (driving == nullptr) throw py::value_error("Drive.__init__ was not called");
-  return *driving;
+DriveState& stateOf(PyObject* self) {
+  DriveState* const state = as<Drive>(self).state;
+  if (state == nullptr) throw py::value_error("Drive.__init__ was not called");
+  return *state;
 }
 
 PyObject* fix(PyObject* self, PyObject* const* arguments, Py_ssize_t count) {
   return objectOf([&]() -> PyObject* {
     if (count != 2) throw py::type_error("keys and values are expected");
-    Driving& driving = drivingOf(self);
+    Driving& driving = stateOf(self).driving;
     const auto keys = py::cast<Numbers>(py::handle(arguments[0]));
     const auto values = py::cast<Values>(py::handle(arguments[1]));
     return PyLong_FromLong(
@@ -115,9 +122,22 @@ PyObject* fix(PyObject* self, PyObject* const* arguments, Py_ssize_t count) {
   });
 }
 
-std::array<PyMethodDef, 2> driveMethods{
+PyObject* learn(PyObject* self, PyObject* arguments) {
+  return objectOf([&]() -> PyObject* {
+    using Learnt =
+        std::tuple<py::type, std::optional<KnownLabels::Index>, std::optional<KnownLabels::Index>,
+                   std::vector<KnownLabels::Column>, std::optional<KnownLabels::Place>, Numbers,
+                   std::optional<py::array_t<py::ssize_t>>>;
+    stateOf(self).known = std::make_shared<const KnownLabels>(
+        std::make_from_tuple<KnownLabels>(py::cast<Learnt>(py::handle(arguments))));
+    Py_RETURN_NONE;
+  });
+}
+
+std::array<PyMethodDef, 3> driveMethods{
     {{"fix", reinterpret_cast<PyCFunction>(reinterpret_cast<void (*)()>(&fix)), METH_FASTCALL,
       nullptr},
+     {"learn", &learn, METH_VARARGS, nullptr},
      {nullptr, nullptr, 0, nullptr}}};
 
 PyTypeObject driveType{};
@@ -341,6 +361,24 @@ bool isPlain(const py::array& array, std::size_t count) {
          (array.flags() & asked) == asked && static_cast<std::size_t>(array.size()) == count;
 }
 
+// Whether data were set that are an array of the right length, or have labels that are known.
+bool setKnown(DriveState& drive, PyObject* data) {
+  Driving& driving = drive.driving;
+  if (Py_TYPE(data) == py::detail::npy_api::get().PyArray_Type_) {
+    const auto array = py::reinterpret_borrow<py::array>(data);
+    if (!isPlain(array, driving.count())) return false;
+    driving.fix(driving.keys(), {static_cast<const double*>(array.data()), driving.count()});
+    return true;
+  }
+  // Held, because pandas may let another thread run.
+  const std::shared_ptr<const KnownLabels> known = drive.known;
+  if (!known) return false;
+  const auto found = known->valuesOf(data);
+  if (!found) return false;
+  driving.fix(known->keys(), found->values);
+  return true;
+}
+
 // self[name] = data
 int setData(PyObject* self, PyObject* name, PyObject* data) {
   return statusOf([&] {
@@ -350,13 +388,8 @@ int setData(PyObject* self, PyObject* name, PyObject* data) {
     const auto drive = py::reinterpret_borrow<py::object>(
         PyUnicode_CheckExact(name) != 0 ? PyDict_GetItemWithError(steps.driven, name) : nullptr);
     if (drive && PyObject_TypeCheck(drive.ptr(), &driveType) != 0 &&
-        Py_TYPE(data) == py::detail::npy_api::get().PyArray_Type_) {
-      Driving& driving = drivingOf(drive.ptr());
-      const auto array = py::reinterpret_borrow<py::array>(data);
-      if (isPlain(array, driving.count())) {
-        driving.fix(driving.keys(), {static_cast<const double*>(array.data()), driving.count()});
-        return 0;
-      }
+        setKnown(stateOf(drive.ptr()), data)) {
+      return 0;
     }
     if (PyErr_Occurred() != nullptr) throw py::error_already_set();
     py::handle(self).attr("set")(py::handle(name), py::handle(data));

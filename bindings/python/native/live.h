@@ -19,9 +19,11 @@ namespace py = pybind11;
 //                                        ascending order, and fixes the columns at them; the number
 //                                        of records that met nothing. What is refused leaves the
 //                                        columns and the data as the last call left them.
+//     .learn(kind, ...)                  as KnownLabels: data with these labels are taken at once
 //   Steps(model, driven, solution_type)  `driven` is a dict of Drives by name
-//     [name] = data                      an array of doubles as long as a known Drive's keys goes
-//                                        in at once; all else is passed on to self.set(name, data)
+//     [name] = data                      an array of doubles as long as a known Drive's keys, and
+//                                        data with labels that it has learnt, go in at once; all
+//                                        else is passed on to self.set(name, data)
 //     ._solve(solver, ...)               Model::solve, and a new solution_type of what it left
 //     ._solution                         what the last solve left, or None
 //   Left                                 what a solve left: its numbers, and .levels(name) and

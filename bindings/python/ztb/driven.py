@@ -105,12 +105,39 @@ class _Labels:
         return self.place.array(data)
 
 
+    def look_at_places(self, data: Any) -> None:
+        """Has the places of columns be those of data that have these labels, and are as they were
+        made: pandas may have put the columns of the first ones together meanwhile."""
+        self.columns = [
+            (_Place(data, place.name), labels, dtype, held)
+            for place, labels, dtype, held in self.columns
+        ]
+        if self.place is not None:
+            self.place = _Place(data, self.place.name)
+
+    def learnt(self) -> Optional[Tuple[Any, ...]]:
+        """What the extension module is to know of them, to do the work of :meth:`values` where data
+        are kept in the same way; None for labels that are no objects."""
+        columns = []
+        for place, labels, dtype, held in self.columns:
+            if dtype is not _OBJECT or place.at is None:
+                return None
+            columns.append((place.at, labels, held))
+        index = None if self.columns else self.indexes.learnt
+        if self.place is None or self.heads is None:
+            return self.kind, index, None, columns, None
+        if self.place.at is None:
+            return None
+        return self.kind, index, self.heads.learnt, columns, self.place.at
+
+
 class _Place:
     """Where a frame has a column."""
 
-    __slots__ = ("_block", "_column", "_dtype", "_row")
+    __slots__ = ("_block", "_column", "_dtype", "_row", "name")
 
     def __init__(self, frame: "pd.DataFrame", name: Hashable) -> None:
+        self.name = name
         self._column = frame.columns.get_loc(name)
         self._dtype = _array(frame[name]).dtype
         #: In which array of the frame it lies, and in which of its rows; -1 where that is unknown.
@@ -119,6 +146,11 @@ class _Place:
             row = np.flatnonzero(block.mgr_locs.as_array == self._column)
             if len(row) == 1:
                 self._block, self._row = number, int(row[0])
+
+    @property
+    def at(self) -> Optional[Tuple[int, int, int]]:
+        """The number of the array, the row in it, and the number of the column."""
+        return None if self._block < 0 else (self._block, self._row, self._column)
 
     def array(self, frame: "pd.DataFrame") -> Any:
         """What the column holds in a frame with the same columns. Its array is taken from where it
@@ -153,6 +185,11 @@ class _Same:
         self._name = first.name
         if self._kind is pd.Index and first.dtype.kind == "O":
             self._bytes = first.values.tobytes()
+
+    @property
+    def learnt(self) -> Tuple["pd.Index", Optional[bytes]]:
+        """The first, and its objects as bytes where it has some."""
+        return self._first, self._bytes
 
     def holds(self, index: "pd.Index") -> bool:
         if id(index) in self._known:
@@ -235,11 +272,15 @@ class Driven(_native.Drive):
         if labels.keys is None:
             from . import frames
 
+            labels.look_at_places(data)
             numbers = frames.label_numbers(self._native, self.data._database, data)
             order = np.lexsort(numbers.T[::-1]) if numbers.shape[1] else np.arange(len(numbers))
             labels.keys = np.ascontiguousarray(numbers[order])
             if not np.array_equal(order, np.arange(len(order))):
                 labels.order = order
+            learnt = labels.learnt()
+            if learnt is not None:
+                self.learn(*learnt, labels.keys, labels.order)
         return labels.keys, values if labels.order is None else values[labels.order]
 
     def _remember(self, data: Any) -> None:
