@@ -20,7 +20,7 @@ extern "C" {
 #endif
 
 /* Grows with every change of this file that a library has to be built anew for. */
-enum { ztbSolverVersion = 5 };
+enum { ztbSolverVersion = 6 };
 
 /* In the place of a row. */
 enum { ztbSolverObjective = -1 };
@@ -72,6 +72,8 @@ typedef struct ztbSolverProblem {
   /* Shape, cost, values and products are those of any other problem with the same number; 0
    * promises nothing. */
   uint64_t coefficientsAsOf;
+  /* The same for shape and values alone. */
+  uint64_t matrixAsOf;
 } ztbSolverProblem;
 
 typedef struct ztbSolverLimits {

@@ -29,7 +29,7 @@ Trial::Trial(const SolverProblem& problem, const CatalogueRow& solver, const Sol
       solver_(SolverLibrary::makeSolver(solver.library)),
       limits_(limits),
       end_(end) {
-  problem_.coefficientsAsOf = kSameCoefficients;
+  problem_.coefficientsAsOf = problem_.matrixAsOf = kSameCoefficients;
 }
 
 const SolverProblem& Trial::problem() {

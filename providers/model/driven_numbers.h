@@ -5,6 +5,7 @@
 #ifndef ZTB_PROVIDERS_MODEL_DRIVEN_NUMBERS_H_
 #define ZTB_PROVIDERS_MODEL_DRIVEN_NUMBERS_H_
 
+#include <cstddef>
 #include <vector>
 
 namespace lomu {
@@ -18,6 +19,8 @@ struct DrivenNumber {
   int carrier;
   int row;     // of a right-hand side or coefficient
   int column;  // of a bound or coefficient
+  // Of a coefficient, its place in the matrix: the instance looks it up.
+  std::size_t entry = 0;
 };
 
 struct DrivenNumbers {

@@ -12,6 +12,10 @@ Environment::Environment() {
   options_.set("NameSysDir", platform::ownFolder());
 }
 
+bool Environment::hasLog() const {
+  return options_.number(OptionId::logScreen) != 0 || !options_.text(OptionId::logFile).empty();
+}
+
 void Environment::log(std::string_view text) const noexcept {
   std::string spelledOut;
   if (!ztb::isDisplayable(text)) {

@@ -29,6 +29,8 @@ class Environment {
   // and texts spelled out. A log file that cannot be written
   // is passed over: a solve does not fail for its log.
   void log(std::string_view text) const noexcept;
+  // Whether such a line goes anywhere.
+  [[nodiscard]] bool hasLog() const;
 
   // May be called from a signal handler.
   void terminate() { terminated_.store(true); }

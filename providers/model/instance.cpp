@@ -9,6 +9,7 @@
 #include <map>
 #include <numeric>
 #include <tuple>
+#include <utility>
 
 namespace lomu {
 
@@ -124,7 +125,10 @@ Instance::Instance(const ModelData& data, const DrivenNumbers& driven)
   std::stable_sort(
       driven_.begin(), driven_.end(),
       [](const DrivenNumber& a, const DrivenNumber& b) { return a.carrier < b.carrier; });
-  for (const DrivenNumber& number : driven_) {
+  for (DrivenNumber& number : driven_) {
+    if (number.kind == DrivenKind::coefficient) {
+      number.entry = matrix_.entry(number.row, number.column);
+    }
     ++drivenStart_[at(number.carrier - solverColumnCount()) + 1];
   }
   std::partial_sum(drivenStart_.begin(), drivenStart_.end(), drivenStart_.begin());
@@ -229,12 +233,11 @@ void Instance::drive(int carrier, double value) {
       rhs_[at(number.row)] = value;
       alternativeRhsOf_[at(number.row)] = value;
     } else if (number.kind == DrivenKind::coefficient) {
-      const std::size_t e = matrix_.entry(number.row, number.column);
-      if (matrix_.value[e] == value) continue;
-      matrix_.value[e] = value;
+      if (matrix_.value[number.entry] == value) continue;
+      matrix_.value[number.entry] = value;
       // The gradients, if there are any, are added anew before each solve.
-      linearized_[e] = value;
-      coefficientsChanged_ = true;
+      linearized_[number.entry] = value;
+      (number.row == 0 ? costsChanged_ : entriesChanged_) = true;
     } else {
       driveBound(number, value);
     }
@@ -310,22 +313,30 @@ void Instance::restoreView(void* view) {
   views_.erase(found);
 }
 
-// Without products the coefficients change by data alone.
-void Instance::takeCoefficients(bool linearized) {
-  if (products_.empty() && problem_.coefficientsAsOf != 0 && !coefficientsChanged_) return;
-  coefficientsChanged_ = false;
-  const std::vector<double>& values = linearized ? linearized_ : matrix_.value;
+void Instance::takeCosts(const std::vector<double>& values) {
   solverCost_.assign(at(solverColumnCount()), 0.0);
   for (std::size_t j = 0; j < solverCost_.size(); ++j) {
     const std::size_t first = matrix_.start[j];
     const bool hasCost = first < matrix_.start[j + 1] && matrix_.rowOf[first] == 0;
     if (hasCost) solverCost_[j] = maximize_ ? -values[first] : values[first];
   }
-  std::transform(solverEntryOf_.begin(), solverEntryOf_.end(), solverValue_.begin(),
-                 [&](std::size_t e) { return values[e]; });
+}
+
+// Without products the coefficients change by data alone.
+void Instance::takeCoefficients(bool linearized) {
+  const bool standStill = products_.empty() && problem_.coefficientsAsOf != 0;
+  const bool costs = std::exchange(costsChanged_, false) || !standStill;
+  const bool entries = std::exchange(entriesChanged_, false) || !standStill;
+  if (!costs && !entries) return;
   // Another number than that of any other state of any instance.
   static std::atomic<std::uint64_t> last{0};
   problem_.coefficientsAsOf = ++last;
+  const std::vector<double>& values = linearized ? linearized_ : matrix_.value;
+  if (costs) takeCosts(values);
+  if (!entries) return;
+  problem_.matrixAsOf = problem_.coefficientsAsOf;
+  std::transform(solverEntryOf_.begin(), solverEntryOf_.end(), solverValue_.begin(),
+                 [&](std::size_t e) { return values[e]; });
 }
 
 const SolverProblem& Instance::solverProblem() {

@@ -172,6 +172,7 @@ class Instance {
   void driveBound(const DrivenNumber& number, double value);
   [[nodiscard]] double worthOf(const DrivenNumber& number) const;
   void takeCarriers();
+  void takeCosts(const std::vector<double>& values);
   void takeCoefficients(bool linearized);
   // 0 within the bounds that readers see, or at 0 where that is a place to be; else 2.
   [[nodiscard]] int conditionOf(std::size_t j, double level) const;
@@ -198,7 +199,9 @@ class Instance {
   int carrierCount_;
   std::vector<DrivenNumber> driven_;      // by carrier
   std::vector<std::size_t> drivenStart_;  // of each carrier in driven_, and the end
-  bool coefficientsChanged_ = false;      // since the solver's were taken
+  // Since the solver's were taken: those of the objective, and the others.
+  bool costsChanged_ = false;
+  bool entriesChanged_ = false;
 
   double plusInfinity_ = kInfinity;
   double minusInfinity_ = -kInfinity;

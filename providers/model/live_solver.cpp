@@ -80,6 +80,20 @@ bool LiveSolver::update() {
          solver_.update(model_->instance.solverProblem());
 }
 
+void LiveSolver::logResult() const {
+  const Instance& instance = model_->instance;
+  // The objective of a solve without a point would be that of an older one.
+  std::array<char, 48> objective{};
+  if (result_.hasPoint) {
+    std::snprintf(objective.data(), objective.size(), ", objective %.15g", instance.row(0).level);
+  }
+  std::array<char, 160> line{};
+  std::snprintf(line.data(), line.size(), "%.40s: %s, %s%s, %.0f iterations", row_.name.c_str(),
+                modelStatusText(instance.modelStatus()), solveStatusText(instance.solveStatus()),
+                objective.data(), result_.iterations);
+  model_->environment->log(line.data());
+}
+
 void LiveSolver::solve(const SolverLimits& limits) {
   model_->requireUsableData();
   Instance& instance = model_->instance;
@@ -103,16 +117,7 @@ void LiveSolver::solve(const SolverLimits& limits) {
   model_->startTaken = !beganAtBasis && result_.startTaken;
   instance.beginAtBasis({});
 
-  // The objective of a solve without a point would be that of an older one.
-  std::array<char, 48> objective{};
-  if (result_.hasPoint) {
-    std::snprintf(objective.data(), objective.size(), ", objective %.15g", instance.row(0).level);
-  }
-  std::array<char, 160> line{};
-  std::snprintf(line.data(), line.size(), "%.40s: %s, %s%s, %.0f iterations", row_.name.c_str(),
-                modelStatusText(instance.modelStatus()), solveStatusText(instance.solveStatus()),
-                objective.data(), result_.iterations);
-  model_->environment->log(line.data());
+  if (model_->environment->hasLog()) logResult();
   if (result_.outcome == Outcome::failed) {
     throw ModelError("solver \"" + row_.name + "\" failed: " + withNames(*model_, result_.reason));
   }

@@ -30,6 +30,7 @@ class LiveSolver {
 
  private:
   [[nodiscard]] bool takes(const Instance& instance) const;
+  void logResult() const;
 
   CatalogueRow row_;
   CheckedSolver solver_;

@@ -55,12 +55,12 @@ std::string shortNumber(double number) {
   return {text.data(), end};
 }
 
-void checkNumber(const OptionInfo& option, std::string_view value) {
+double checkedNumber(const OptionInfo& option, std::string_view value) {
   double number = 0;
   const bool fine = parseNumber(value, number) && number >= option.smallest &&
                     number <= option.largest &&
                     (option.kind == OptionKind::real || number == std::floor(number));
-  if (fine) return;
+  if (fine) return number;
   throw ModelError("option " + quoted(option.name) + " takes a " +
                    (option.kind == OptionKind::whole ? "whole number" : "number") + " from " +
                    shortNumber(option.smallest) + " to " + shortNumber(option.largest) + ", not " +
@@ -76,18 +76,20 @@ const std::array<OptionInfo, kOptionCount>& optionTable() {
 Options::Options() {
   std::transform(kTable.begin(), kTable.end(), values_.begin(),
                  [](const OptionInfo& option) { return std::string(option.standard); });
+  for (std::size_t k = 0; k < kTable.size(); ++k) parseNumber(values_.at(k), numbers_.at(k));
 }
 
 void Options::set(std::string_view name, std::string_view value) {
   const std::size_t index = indexOf(name);
   const OptionInfo& option = kTable.at(index);
-  if (option.kind != OptionKind::text) checkNumber(option, value);
+  const double number = option.kind == OptionKind::text ? 0 : checkedNumber(option, value);
   if (value.size() > kMaxTextLength) {
     throw ModelError("the value of option " + quoted(option.name) + " has " +
                      std::to_string(value.size()) + " bytes, at most " +
                      std::to_string(kMaxTextLength) + " are allowed");
   }
   values_.at(index) = value;
+  numbers_.at(index) = number;
 }
 
 const std::string& Options::get(std::string_view name) const {
@@ -99,9 +101,7 @@ const std::string& Options::text(OptionId id) const {
 }
 
 double Options::number(OptionId id) const {
-  double number = 0;
-  parseNumber(text(id), number);
-  return number;
+  return numbers_.at(static_cast<std::size_t>(id));
 }
 
 }  // namespace lomu

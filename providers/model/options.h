@@ -46,6 +46,7 @@ class Options {
 
  private:
   std::array<std::string, kOptionCount> values_;
+  std::array<double, kOptionCount> numbers_{};  // of the values that are numbers
 };
 
 }  // namespace lomu

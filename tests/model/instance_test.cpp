@@ -10,6 +10,7 @@
 namespace {
 
 using lomu::ColumnKind;
+using lomu::DrivenKind;
 using lomu::Instance;
 using lomu::kInfinity;
 using lomu::ModelData;
@@ -122,6 +123,33 @@ TEST(Instance, TellsASolverWhenCoefficientsMayHaveChanged) {
   Instance withProducts(productModel());
   const auto before = withProducts.solverProblem().coefficientsAsOf;
   EXPECT_NE(withProducts.solverProblem().coefficientsAsOf, before);
+}
+
+// Of smallModel, one carrier is the cost of x, another the coefficient of x in sum.
+TEST(Instance, TellsCostsFromOtherCoefficientsThatAreDriven) {
+  ModelData data = smallModel();
+  const auto x = static_cast<int>(data.columns.size());
+  data.columns.push_back({"cost_var", ColumnKind::continuous, 0, 0});
+  data.columns.push_back({"entry_var", ColumnKind::continuous, 1, 1});
+  Instance instance(
+      data, {2, {{DrivenKind::coefficient, x, 0, 0}, {DrivenKind::coefficient, x + 1, 1, 0}}});
+  const SolverProblem& problem = instance.solverProblem();
+  const auto coefficients = problem.coefficientsAsOf;
+  const auto matrix = problem.matrixAsOf;
+  EXPECT_NE(matrix, 0U);
+  const auto drive = [&](int carrier, double value) {
+    instance.setAlternativeLower(carrier, value);
+    instance.setAlternativeUpper(carrier, value);
+    instance.solverProblem();
+  };
+  drive(x, 7);
+  EXPECT_EQ(problem.cost[0], -7);
+  EXPECT_NE(problem.coefficientsAsOf, coefficients);
+  EXPECT_EQ(problem.matrixAsOf, matrix);
+  drive(x + 1, 9);
+  EXPECT_EQ(problem.value[0], 9);
+  EXPECT_EQ(problem.cost[0], -7);
+  EXPECT_NE(problem.matrixAsOf, matrix);
 }
 
 TEST(Instance, ARangeMovesWithItsRightHandSide) {

@@ -214,7 +214,7 @@ TEST_F(Catalogues, ALibraryOfAnotherVersionIsRefusedWithBothNamed) {
           "/" ZTB_LIBRARY_NAME("plain_older") "\n");
     EXPECT_EQ(failure(model_, "older"),
               "solver older did not solve the model: " + libraries +
-                  "/" ZTB_LIBRARY_NAME("plain_older") " has version 4 of the interface to solvers, expected "
+                  "/" ZTB_LIBRARY_NAME("plain_older") " has version 5 of the interface to solvers, expected "
                   "version " +
                   std::to_string(ztbSolverVersion));
   }

@@ -115,7 +115,7 @@ void ChangingProblem::addRow(double lower, double upper) {
 void ChangingProblem::keep() {
   for (const char flag : now_.isInteger) now_.hasIntegers = now_.hasIntegers || flag != 0;
   first_ = now_;
-  coefficientsAsOf_ = nextNumber();
+  matrixAsOf_ = coefficientsAsOf_ = nextNumber();
 }
 
 double ChangingProblem::between(double low, double high) {
@@ -166,13 +166,13 @@ void ChangingProblem::changeBounds() {
 void ChangingProblem::changeValue() {
   const std::size_t e = below(now_.value.size());
   now_.value[e] = happens(6) ? 0 : first_.value[e] * between(0.5, 2);
-  coefficientsAsOf_ = nextNumber();
+  matrixAsOf_ = coefficientsAsOf_ = nextNumber();
 }
 
 void ChangingProblem::change() {
   if (happens(12)) {
     now_ = first_;
-    coefficientsAsOf_ = nextNumber();
+    matrixAsOf_ = coefficientsAsOf_ = nextNumber();
     return;
   }
   for (std::size_t times = 1 + below(4); times > 0; --times) {
@@ -195,6 +195,7 @@ void ChangingProblem::change() {
 lomu::SolverProblem ChangingProblem::problem() const {
   lomu::SolverProblem problem = now_.problem();
   problem.coefficientsAsOf = coefficientsAsOf_;
+  problem.matrixAsOf = matrixAsOf_;
   return problem;
 }
 

@@ -42,6 +42,7 @@ class ChangingProblem {
   lomu::LinearForm now_;
   lomu::LinearForm first_;
   std::uint64_t coefficientsAsOf_;
+  std::uint64_t matrixAsOf_;
 };
 
 }  // namespace ztbtest

@@ -90,10 +90,10 @@ TEST(SolverLibrary, InCAsksWhetherToEnd) {
 TEST(SolverLibrary, OfAnotherVersionIsRefused) {
   EXPECT_EQ(
       refusal(plainPath("plain_older")),
-      plainPath("plain_older") + " has version 4 of the interface to solvers, expected version 5");
+      plainPath("plain_older") + " has version 5 of the interface to solvers, expected version 6");
   EXPECT_EQ(
       refusal(plainPath("plain_newer")),
-      plainPath("plain_newer") + " has version 6 of the interface to solvers, expected version 5");
+      plainPath("plain_newer") + " has version 7 of the interface to solvers, expected version 6");
   EXPECT_TRUE(SolverLibrary::canOpen(plainPath("plain_newer"))) << "so that the reason is told";
 }
 

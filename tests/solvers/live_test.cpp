@@ -83,6 +83,28 @@ TEST_P(Live, takesCoefficientsOfAnotherNumber) {
   }
 }
 
+// The way of driven costs: the solver is told that the matrix is the same.
+TEST_P(Live, equalsAFreshSolveThroughCostsAndBoundsOfTheSameMatrix) {
+  for (unsigned seed = 1; seed <= 4; ++seed) {
+    RandomModel random(seed, 60, 25, 0.3);
+    random.standStill();
+    random.model.matrixAsOf = seed;
+    const auto live = openSolver(GetParam());
+    std::string reason;
+    ASSERT_TRUE(live->load(random.model.problem(), reason)) << reason;
+    for (std::size_t k = 0; k < 150; ++k) {
+      if (k % 3 != 0) {
+        for (std::size_t j = k % 7; j < 60; j += 7) random.model.cost[j] = 3.0 - (j * k) % 11;
+        random.model.coefficientsAsOf = k + 1;
+      }
+      if (k % 3 != 1) random.changeBounds();
+      if (k % 10 == 0) random.moveOneThatStood();
+      ASSERT_NO_FATAL_FAILURE(step(*live, random.model)) << "seed " << seed << " step " << k;
+    }
+  }
+  EXPECT_LT(liveIterations_, freshIterations_);
+}
+
 TEST_P(Live, equalsAFreshSolveWhereColumnsThatStoodStillMove) {
   for (unsigned seed = 1; seed <= 4; ++seed) {
     RandomModel random(seed, 60, 25, 0.3);

@@ -128,6 +128,29 @@ TEST(Refusal, changesOfBoundsThatTheLoadedModelCannotTake) {
   }
 }
 
+TEST(Refusal, costsOfTheSameMatrixThatAreNoNumbers) {
+  for (const char* solver : {"clp", "glpk"}) {
+    SmallModel model;
+    model.column(1, 0, 5);
+    model.column(2, 0, 5);
+    model.row({1, 1}, 3, kInf);
+    model.matrixAsOf = 1;
+    const auto live = openSolver(solver);
+    std::string reason;
+    ASSERT_TRUE(live->load(model.problem(), reason)) << reason;
+    EXPECT_EQ(model.objective(solveLive(*live, model).level), 3);
+    for (const double cost : {std::numeric_limits<double>::quiet_NaN(), kInf, -kInf}) {
+      ++model.coefficientsAsOf;
+      model.cost[1] = cost;
+      EXPECT_FALSE(live->update(model.problem())) << solver << ' ' << cost;
+    }
+    ++model.coefficientsAsOf;
+    model.cost[1] = 0.5;
+    EXPECT_TRUE(live->update(model.problem()));
+    EXPECT_EQ(model.objective(solveLive(*live, model).level), 1.5);
+  }
+}
+
 // Whatever is refused leaves the solver with what it had, and the next update is whole.
 TEST(Refusal, leavesNothingHalfDone) {
   for (const char* solver : {"clp", "glpk"}) {

@@ -51,6 +51,7 @@ const lomu::SolverProblem& SmallModel::problem() {
   lomu::setProducts(problem_, products);
   problem_.level = level.data();
   problem_.coefficientsAsOf = coefficientsAsOf;
+  problem_.matrixAsOf = matrixAsOf != 0 ? matrixAsOf : coefficientsAsOf;
   problem_.hasIntegers = std::ranges::count(isInteger, 0) != std::ssize(isInteger) ? 1 : 0;
   return problem_;
 }

@@ -22,6 +22,7 @@ struct SmallModel {
   std::vector<lomu::SolverProduct> products;
   std::vector<double> level;
   std::uint64_t coefficientsAsOf = 0;
+  std::uint64_t matrixAsOf = 0;  // 0: the number of the coefficients
 
   // Adds a column and returns its number.
   int column(double costOf, double lowerOf, double upperOf, bool integer = false);

@@ -216,13 +216,37 @@ bool ClpProgram::takeBounds(const Bounds& bounds, bool shiftsChanged) {
   return changed;
 }
 
-bool ClpProgram::updateBounds(const SolverProblem& problem) {
+bool ClpProgram::takeCosts(const double* costs) {
+  if (std::equal(form_.cost.begin(), form_.cost.end(), costs)) return false;
+  const bool seen =
+      std::ranges::any_of(part_.columns(), [&](int j) { return costs[j] != form_.cost[at(j)]; });
+  std::copy_n(costs, form_.cost.size(), form_.cost.begin());
+  if (!seen) return false;
+  simplex_.chgObjCoefficients(ofPart(form_.cost, part_).data());
+  reuse_ &= kUseFactorization;
+  return true;
+}
+
+// Other costs alone leave the point feasible, where the primal method begins; other bounds alone
+// leave the marginals so, where the dual method does.
+void ClpProgram::chooseMethod(bool costsChanged, bool boundsChanged) {
+  isMixed_ = costsChanged && boundsChanged;
+  const bool isPrimal = costsChanged && (!boundsChanged || stepsInPrimal_ > 0);
+  method_ = isPrimal ? Method::primal : Method::dual;
+}
+
+bool ClpProgram::update(const SolverProblem& problem, bool withCosts) {
   const Bounds bounds{problem.lower, problem.upper, problem.rowLower, problem.rowUpper};
+  const auto isFinite = [](double cost) { return std::isfinite(cost); };
+  if (withCosts && !std::all_of(problem.cost, problem.cost + problem.columnCount, isFinite)) {
+    return false;
+  }
   if (!lookAtBounds(bounds)) return false;
   isWhole_ = false;
-  takeBounds(bounds, false);
+  const bool costsChanged = withCosts && takeCosts(problem.cost);
+  const bool boundsChanged = takeBounds(bounds, false);
   boundsCross_ = boundsCross_ ? form_.boundsCross() : changedBoundsCross();
-  method_ = Method::dual;
+  chooseMethod(costsChanged, boundsChanged);
   isWhole_ = true;
   return true;
 }
@@ -232,13 +256,9 @@ ClpProgram::Changes ClpProgram::changesTo(const LinearForm& form) const {
   for (std::size_t j = 0; j < form.cost.size(); ++j) {
     const auto begin = form.value.begin() + form.start[j];
     const auto end = form.value.begin() + form.start[j + 1];
-    const bool entries = !std::equal(begin, end, form_.value.begin() + form_.start[j]);
-    if (part_.place(static_cast<int>(j)) == MovingPart::leftOut) {
-      changes.shifts = changes.shifts || entries;
-    } else {
-      changes.entries = changes.entries || entries;
-      changes.cost = changes.cost || form.cost[j] != form_.cost[j];
-    }
+    const bool differ = !std::equal(begin, end, form_.value.begin() + form_.start[j]);
+    const bool isLeftOut = part_.place(static_cast<int>(j)) == MovingPart::leftOut;
+    if (differ) (isLeftOut ? changes.shifts : changes.entries) = true;
   }
   return changes;
 }
@@ -249,12 +269,8 @@ void ClpProgram::update(LinearForm& form) {
                       form.rowUpper.data()};
   lookAtBounds(bounds);
   const Changes changes = changesTo(form);
-  form_.cost.swap(form.cost);
+  const bool costsChanged = takeCosts(form.cost.data());
   form_.value.swap(form.value);
-  if (changes.cost) {
-    simplex_.chgObjCoefficients(ofPart(form_.cost, part_).data());
-    reuse_ &= kUseFactorization;
-  }
   if (changes.entries) {
     simplex_.replaceMatrix(new ClpPackedMatrix(packed(form_, part_)), true);
     simplex_.scaling(scaling_);
@@ -268,7 +284,8 @@ void ClpProgram::update(LinearForm& form) {
     handOverMore(all);
   }
   boundsCross_ = form_.boundsCross();
-  method_ = changes.cost && !changes.entries && !boundsChanged ? Method::primal : Method::dual;
+  // Other coefficients leave neither of the two; the dual method takes them.
+  chooseMethod(costsChanged && !changes.entries, boundsChanged);
   isWhole_ = true;
 }
 

@@ -24,6 +24,11 @@ constexpr double kWeightsWearOut = 100;
 // As many as Clp's program makes.
 constexpr int kPresolvePasses = 5;
 
+// Where both costs and bounds change, either method may be the shorter way. The dual one gives up
+// where its basis fits the costs too badly, and ends in the primal one: so many steps begin with
+// the primal method then, before the dual one is tried again.
+constexpr int kStepsInPrimal = 31;
+
 // Options of Clp for a solve that begins at the last one's basis: the point of a few pivots is not
 // factorized anew, and a basis without infeasibilities is not looked at a second time (2048, 4096).
 // Point and marginals are checked here after each solve. The ray that proves a problem infeasible
@@ -172,6 +177,12 @@ void ClpProgram::runLive(Watch& watch) {
   if (!isScaled_) simplex_.scaling(0);
   // What a solve leaves is of use only when it ends well.
   run(simplex_, method_, watch, std::exchange(reuse_, kLeaveWork));
+  if (std::exchange(isMixed_, false)) {
+    const bool endedInPrimal = simplex_.algorithm() > 0;
+    stepsInPrimal_ = method_ == Method::primal ? stepsInPrimal_ - 1
+                     : endedInPrimal           ? kStepsInPrimal
+                                               : 0;
+  }
   if (simplex_.status() == 0) reuse_ = kUseWork;
 }
 

@@ -26,9 +26,9 @@ class ClpProgram {
   void load(LinearForm form);
   // Takes `form` over and leaves it without a meaning. REQUIRES isWhole and the same shape.
   void update(LinearForm& form);
-  // Takes the bounds over alone; false, with nothing taken, when one is a NaN. REQUIRES isWhole,
-  // that nothing else changed, and that no column is integer.
-  bool updateBounds(const SolverProblem& problem);
+  // Takes over bounds alone, or costs as well; false, with nothing taken, when one is a NaN, or a
+  // cost infinite. REQUIRES isWhole, that nothing else changed, and that no column is integer.
+  bool update(const SolverProblem& problem, bool withCosts);
   // Has the first solve begin with a basis, as ztb/solver.h has one; false when it does not fit.
   // REQUIRES that nothing was solved since load.
   bool begin(const std::int32_t* position, const std::int32_t* rowPosition);
@@ -65,9 +65,9 @@ class ClpProgram {
     const double* rowLower;
     const double* rowUpper;
   };
-  // What a form has that is not as before: of the columns that Clp sees, and of the others.
+  // Whether coefficients of rows are not as before: of the columns that Clp sees, and of the
+  // others.
   struct Changes {
-    bool cost = false;
     bool entries = false;
     bool shifts = false;
   };
@@ -79,11 +79,14 @@ class ClpProgram {
   bool setRows();  // whether any changed
   // Finds the columns and rows whose bounds changed; false when one of these is a NaN.
   bool lookAtBounds(const Bounds& bounds);
-  // Takes them over. Whether any bound that Clp sees is another.
+  // Takes them over. Whether any cost that Clp sees is another.
+  bool takeCosts(const double* costs);
+  // The same for the bounds.
   bool takeBounds(const Bounds& bounds, bool shiftsChanged);
   // Whether one of the bounds that changed crosses the other one.
   [[nodiscard]] bool changedBoundsCross() const;
   [[nodiscard]] Changes changesTo(const LinearForm& form) const;
+  void chooseMethod(bool costsChanged, bool boundsChanged);
   // `reuse`: what Clp is to use of its last solve.
   void run(ClpSimplex& simplex, Method method, Watch& watch, int reuse);
   void runFresh(Watch& watch);
@@ -116,6 +119,8 @@ class ClpProgram {
   bool basisIsLost_ = false;                       // the next solve is as the first
   std::vector<int> changedColumns_, changedRows_;  // as lookAtBounds found them
   Method method_ = Method::dual;
+  bool isMixed_ = false;   // costs and bounds are others than in the last solve
+  int stepsInPrimal_ = 0;  // so many more such solves begin with the primal method
   int reuse_ = 0;          // what the next run may use of the last one
   double iterations_ = 0;  // of the present solve, or of the last one between two
 };

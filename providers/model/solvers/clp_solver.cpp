@@ -32,15 +32,17 @@ bool ClpSolver::load(const SolverProblem& problem, std::string& reason) {
 }
 
 // Bounds decide what a product comes to.
-bool ClpSolver::onlyBoundsMayDiffer(const SolverProblem& problem) const {
-  return problem.coefficientsAsOf != 0 && problem.coefficientsAsOf == problem_.coefficientsAsOf &&
+bool ClpSolver::hasSameMatrix(const SolverProblem& problem) const {
+  return problem.matrixAsOf != 0 && problem.matrixAsOf == problem_.matrixAsOf &&
          problem.productCount == 0 && problem.hasIntegers == 0;
 }
 
 bool ClpSolver::update(const SolverProblem& problem) {
   if (!program_.isWhole()) return false;
-  if (onlyBoundsMayDiffer(problem)) {
-    if (!program_.updateBounds(problem)) return false;
+  if (hasSameMatrix(problem)) {
+    const bool hasSameCosts =
+        problem.coefficientsAsOf != 0 && problem.coefficientsAsOf == problem_.coefficientsAsOf;
+    if (!program_.update(problem, !hasSameCosts)) return false;
     problem_ = problem;
     return true;
   }

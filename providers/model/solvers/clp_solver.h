@@ -15,7 +15,7 @@ class ClpSolver : public Solver {
   bool ranges(SolverRanges& ranges) override;
 
  private:
-  [[nodiscard]] bool onlyBoundsMayDiffer(const SolverProblem& problem) const;
+  [[nodiscard]] bool hasSameMatrix(const SolverProblem& problem) const;
 
   SolverProblem problem_{};
   LinearForm next_;  // what an update fills, kept so that updates allocate nothing

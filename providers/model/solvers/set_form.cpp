@@ -58,6 +58,7 @@ void SetForm::take(const SolverProblem& problem) {
   problem_.setWeights = nullptr;
   // Values of the added rows move with the bounds.
   problem_.coefficientsAsOf = 0;
+  problem_.matrixAsOf = 0;
 }
 
 // lower * binary <= column <= upper * binary, by the column's bounds, which then take 0 in.
