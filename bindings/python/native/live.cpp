@@ -1,146 +1,22 @@
 #include "bindings/python/native/live.h"
 
-#include <pybind11/numpy.h>
 #include <pybind11/stl.h>
 
 #include <array>
-#include <exception>
 #include <limits>
-#include <memory>
-#include <new>
 #include <optional>
 #include <string>
 #include <utility>
-#include <vector>
 #include <ztb/model.hpp>
 
-#include "bindings/python/native/errors.h"
-#include "bindings/python/native/known_labels.h"
+#include "bindings/python/native/drive.h"
 #include "bindings/python/native/model.h"
+#include "bindings/python/native/plain_class.h"
 #include "bindings/python/native/strings.h"
 
 namespace python {
 
 namespace {
-
-// What `body` gives, an object or 0; nothing and -1 where it throws, with the error set.
-template <class Body>
-PyObject* objectOf(Body&& body) noexcept {
-  try {
-    return body();
-  } catch (...) {
-    setError(std::current_exception());
-    return nullptr;
-  }
-}
-template <class Body>
-int statusOf(Body&& body) noexcept {
-  try {
-    return body();
-  } catch (...) {
-    setError(std::current_exception());
-    return -1;
-  }
-}
-
-template <class Object>
-Object& as(PyObject* object) {
-  return *reinterpret_cast<Object*>(object);
-}
-
-// A reference to an object, or to None in place of one that was let go.
-PyObject* referenceTo(PyObject* object) {
-  PyObject* const there = object == nullptr ? Py_None : object;
-  Py_INCREF(there);
-  return there;
-}
-
-// Frees an object whose fields were let go.
-void freeObject(PyObject* self) {
-  Py_TYPE(self)->tp_free(self);
-}
-
-PyObject* refuseNew(PyTypeObject* made, PyObject*, PyObject*) {
-  PyErr_Format(PyExc_TypeError, "%s objects are made by the package ztb alone", made->tp_name);
-  return nullptr;
-}
-
-// ---- Drive ------------------------------------------------------------------------------------
-
-struct DriveState {
-  Driving driving;
-  // Null until something was learnt.
-  std::shared_ptr<const KnownLabels> known;
-};
-
-struct Drive {
-  PyObject base;
-  PyObject* model;
-  // Null until __init__ came to its end.
-  DriveState* state;
-};
-
-int initDrive(PyObject* self, PyObject* arguments, PyObject*) {
-  return statusOf([&] {
-    const auto [model, columns, data, keys] =
-        py::cast<std::tuple<py::object, Symbol*, Symbol*, Numbers>>(py::handle(arguments));
-    auto& drive = as<Drive>(self);
-    if (drive.state != nullptr) throw py::value_error("Drive.__init__ was called before");
-    drive.state = new DriveState{Driving(py::cast<Model*>(model), *columns, *data, keys), nullptr};
-    drive.model = py::object(model).release().ptr();
-    return 0;
-  });
-}
-
-void freeDrive(PyObject* self) {
-  auto& drive = as<Drive>(self);
-  PyObject_GC_UnTrack(self);
-  delete std::exchange(drive.state, nullptr);
-  Py_CLEAR(drive.model);
-  freeObject(self);
-}
-
-int visitDrive(PyObject* self, visitproc visit, void* arg) {
-  Py_VISIT(as<Drive>(self).model);
-  return 0;
-}
-
-DriveState& stateOf(PyObject* self) {
-  DriveState* const state = as<Drive>(self).state;
-  if (state == nullptr) throw py::value_error("Drive.__init__ was not called");
-  return *state;
-}
-
-PyObject* fix(PyObject* self, PyObject* const* arguments, Py_ssize_t count) {
-  return objectOf([&]() -> PyObject* {
-    if (count != 2) throw py::type_error("keys and values are expected");
-    Driving& driving = stateOf(self).driving;
-    const auto keys = py::cast<Numbers>(py::handle(arguments[0]));
-    const auto values = py::cast<Values>(py::handle(arguments[1]));
-    return PyLong_FromLong(
-        driving.fix(keys, {values.data(), static_cast<std::size_t>(values.size())}));
-  });
-}
-
-PyObject* learn(PyObject* self, PyObject* arguments) {
-  return objectOf([&]() -> PyObject* {
-    using Learnt =
-        std::tuple<py::type, std::optional<KnownLabels::Index>, std::optional<KnownLabels::Index>,
-                   std::vector<KnownLabels::Column>, std::optional<KnownLabels::Place>, Numbers,
-                   std::optional<py::array_t<py::ssize_t>>>;
-    stateOf(self).known = std::make_shared<const KnownLabels>(
-        std::make_from_tuple<KnownLabels>(py::cast<Learnt>(py::handle(arguments))));
-    Py_RETURN_NONE;
-  });
-}
-
-std::array<PyMethodDef, 3> driveMethods{
-    {{"fix", reinterpret_cast<PyCFunction>(reinterpret_cast<void (*)()>(&fix)), METH_FASTCALL,
-      nullptr},
-     {"learn", &learn, METH_VARARGS, nullptr},
-     {nullptr, nullptr, 0, nullptr}}};
-
-PyTypeObject driveType{};
 
 // ---- Left -------------------------------------------------------------------------------------
 
@@ -353,32 +229,6 @@ PyObject* solve(PyObject* self, PyObject* const* arguments, Py_ssize_t count) {
   });
 }
 
-// Whether the array is an ordinary one of so many doubles in order.
-bool isPlain(const py::array& array, std::size_t count) {
-  static PyObject* const doubles = py::dtype::of<double>().release().ptr();
-  constexpr int asked = int{py::array::c_style} | int{py::detail::npy_api::NPY_ARRAY_ALIGNED_};
-  return py::detail::array_proxy(array.ptr())->descr == doubles &&
-         (array.flags() & asked) == asked && static_cast<std::size_t>(array.size()) == count;
-}
-
-// Whether data were set that are an array of the right length, or have labels that are known.
-bool setKnown(DriveState& drive, PyObject* data) {
-  Driving& driving = drive.driving;
-  if (Py_TYPE(data) == py::detail::npy_api::get().PyArray_Type_) {
-    const auto array = py::reinterpret_borrow<py::array>(data);
-    if (!isPlain(array, driving.count())) return false;
-    driving.fix(driving.keys(), {static_cast<const double*>(array.data()), driving.count()});
-    return true;
-  }
-  // Held, because pandas may let another thread run.
-  const std::shared_ptr<const KnownLabels> known = drive.known;
-  if (!known) return false;
-  const auto found = known->valuesOf(data);
-  if (!found) return false;
-  driving.fix(known->keys(), found->values);
-  return true;
-}
-
 // self[name] = data
 int setData(PyObject* self, PyObject* name, PyObject* data) {
   return statusOf([&] {
@@ -387,10 +237,7 @@ int setData(PyObject* self, PyObject* name, PyObject* data) {
     // Held, because another thread may run while this one waits for its turn.
     const auto drive = py::reinterpret_borrow<py::object>(
         PyUnicode_CheckExact(name) != 0 ? PyDict_GetItemWithError(steps.driven, name) : nullptr);
-    if (drive && PyObject_TypeCheck(drive.ptr(), &driveType) != 0 &&
-        setKnown(stateOf(drive.ptr()), data)) {
-      return 0;
-    }
+    if (drive && setKnown(drive, data)) return 0;
     if (PyErr_Occurred() != nullptr) throw py::error_already_set();
     py::handle(self).attr("set")(py::handle(name), py::handle(data));
     return 0;
@@ -412,49 +259,19 @@ PyMappingMethods stepsMapping = {nullptr, nullptr, &setData};
 
 PyTypeObject stepsType{};
 
-// ---- all --------------------------------------------------------------------------------------
-
-struct Class {
-  PyTypeObject& type;
-  const char* name;
-  std::size_t size;
-  initproc init;
-  destructor free;
-  traverseproc visit;
-  inquiry clear;
-};
-
-void add(py::module_& module, const Class& made) {
-  PyTypeObject& type = made.type;
-  Py_SET_REFCNT(reinterpret_cast<PyObject*>(&type), 1);
-  type.tp_name = made.name;
-  type.tp_basicsize = static_cast<Py_ssize_t>(made.size);
-  type.tp_flags = Py_TPFLAGS_DEFAULT | Py_TPFLAGS_BASETYPE | Py_TPFLAGS_HAVE_GC;
-  type.tp_init = made.init;
-  type.tp_new = made.init == nullptr ? &refuseNew : &PyType_GenericNew;
-  type.tp_dealloc = made.free;
-  type.tp_traverse = made.visit;
-  type.tp_clear = made.clear;
-  if (PyType_Ready(&type) != 0) throw py::error_already_set();
-  const std::string name(made.name);
-  module.add_object(name.substr(name.rfind('.') + 1).c_str(), reinterpret_cast<PyObject*>(&type));
-}
-
 }  // namespace
 
 void bindLive(py::module_& module) {
-  driveType.tp_methods = driveMethods.data();
-  add(module, {driveType, "ztb._native.Drive", sizeof(Drive), &initDrive, &freeDrive, &visitDrive,
-               nullptr});
+  bindDrive(module);
   leftType.tp_methods = leftMethods.data();
   leftType.tp_getset = leftFields.data();
-  add(module,
-      {leftType, "ztb._native.Left", sizeof(Left), nullptr, &freeLeft, &visitLeft, &breakLeft});
+  addPlainClass(module, {leftType, "ztb._native.Left", sizeof(Left), nullptr, &freeLeft, &visitLeft,
+                         &breakLeft});
   stepsType.tp_methods = stepsMethods.data();
   stepsType.tp_getset = stepsFields.data();
   stepsType.tp_as_mapping = &stepsMapping;
-  add(module, {stepsType, "ztb._native.Steps", sizeof(Steps), &initSteps, &freeSteps, &visitSteps,
-               &breakSteps});
+  addPlainClass(module, {stepsType, "ztb._native.Steps", sizeof(Steps), &initSteps, &freeSteps,
+                         &visitSteps, &breakSteps});
 }
 
 }  // namespace python

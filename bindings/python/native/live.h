@@ -1,4 +1,4 @@
-// What a live step passes through: the base classes of ztb's Driven, Tie and Solution.
+// What a live step passes through: the base classes of ztb's Tie and Solution, and that of Driven.
 //
 // They are plain classes of the interpreter, not pybind11's: a step on a small model takes ten
 // microseconds, and each call through pybind11 or a method written in Python would add a fiftieth.
@@ -12,14 +12,8 @@ namespace python {
 
 namespace py = pybind11;
 
-// Adds the classes to the module.
+// Adds the classes to the module, with Drive.
 //
-//   Drive(model, columns, data, keys)    the columns that a symbol drives
-//     .fix(keys, values)                 replaces the records of `data` by rows of label numbers in
-//                                        ascending order, and fixes the columns at them; the number
-//                                        of records that met nothing. What is refused leaves the
-//                                        columns and the data as the last call left them.
-//     .learn(kind, ...)                  as KnownLabels: data with these labels are taken at once
 //   Steps(model, driven, solution_type)  `driven` is a dict of Drives by name
 //     [name] = data                      an array of doubles as long as a known Drive's keys, and
 //                                        data with labels that it has learnt, go in at once; all
