@@ -53,8 +53,10 @@ def test_an_array_comes_back_as_the_records_that_are_not_zero(diet):
 def test_arrays_of_any_layout_and_type_come_in(diet):
     holds = diet["holds"]
     source = np.arange(1, 7).reshape(2, 3)
+    # Doubles that begin at an odd address.
+    misaligned = np.frombuffer(b"-" + source.astype(float).tobytes(), offset=1).reshape(2, 3)
     for array in [source, np.asfortranarray(source), source[:, ::-1][:, ::-1], source.tolist(),
-                  source.astype(np.float32), source.astype(np.int8)]:
+                  source.astype(np.float32), source.astype(np.int8), misaligned]:
         holds.from_numpy(array)
         assert holds.to_numpy().tolist() == source.tolist()
 

@@ -16,9 +16,11 @@ namespace python {
 
 namespace py = pybind11;
 
-// Arrays as they come from Python: made contiguous and of the element type on the way in.
-using Numbers = py::array_t<int, py::array::c_style | py::array::forcecast>;
-using Values = py::array_t<double, py::array::c_style | py::array::forcecast>;
+// Arrays as they come from Python: made contiguous, aligned and of the element type on the way in.
+inline constexpr int kPlainArray =
+    py::array::c_style | py::array::forcecast | py::detail::npy_api::NPY_ARRAY_ALIGNED_;
+using Numbers = py::array_t<int, kPlainArray>;
+using Values = py::array_t<double, kPlainArray>;
 
 // A symbol of the C++ wrapper that keeps its database's memory alive. No member keeps a record
 // handle between two calls.
