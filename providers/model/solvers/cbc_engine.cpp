@@ -16,6 +16,7 @@
 #include "providers/model/solvers/clique_rows.h"
 #include "providers/model/solvers/cover_cuts.h"
 #include "providers/model/solvers/cut_generator.h"
+#include "providers/model/solvers/objective_step.h"
 #include "providers/model/solvers/probing.h"
 #include "providers/model/solvers/reduction.h"
 #include "providers/model/solvers/rounding_cuts.h"
@@ -281,8 +282,11 @@ std::vector<double> CbcEngine::search(const LinearForm& given, const std::vector
   model.setMaximumSeconds(watch.secondsLeft());
   model.setAllowableFractionGap(watch.relativeGap());
   model.setAllowableGap(0);
-  // A better solution counts however little it is better by.
-  model.setCutoffIncrement(1e-9);
+  // A better solution counts however little it is better by, and is so by a step where there is
+  // one.
+  constexpr double kLeastStep = 1e-9;
+  constexpr double kPartOfStep = 0.999;
+  model.setCutoffIncrement(std::max(kLeastStep, kPartOfStep * objectiveStep(form)));
   // Where little is left to decide below a node, Clp tries all of it by itself, as in Cbc's
   // program: several knapsacks at once take a fifth of the time. Depths further from 0 take longer
   // again, and so does a large system of equalities.
