@@ -19,6 +19,7 @@
 #include "providers/model/solvers/objective_step.h"
 #include "providers/model/solvers/probing.h"
 #include "providers/model/solvers/reduction.h"
+#include "providers/model/solvers/root_cuts.h"
 #include "providers/model/solvers/rounding_cuts.h"
 
 namespace lomu {
@@ -62,6 +63,24 @@ class LinearStopHandler : public ClpEventHandler {
   Watch* watch_;
 };
 
+// Gives Cbc the point that was found beside the cuts at the root.
+class PointOfRoot : public CbcHeuristic {
+ public:
+  PointOfRoot(CbcModel& model, std::shared_ptr<RootCuts> cuts)
+      : CbcHeuristic(model), cuts_(std::move(cuts)), columns_(model.getNumCols()) {}
+  [[nodiscard]] CbcHeuristic* clone() const override { return new PointOfRoot(*this); }
+  void resetModel(CbcModel*) override {}
+  bool shouldHeurRun(int) override { return true; }
+  int solution(double& objective, double* point) override {
+    const bool isWhole = model_ != nullptr && model_->getNumCols() == columns_;
+    return isWhole && cuts_->takePoint(objective, point) ? 1 : 0;
+  }
+
+ private:
+  std::shared_ptr<RootCuts> cuts_;
+  int columns_;
+};
+
 // The largest coefficient beside the least.
 double spanOf(const LinearForm& form) {
   double least = HUGE_VAL;
@@ -74,7 +93,7 @@ double spanOf(const LinearForm& form) {
   return most / least;
 }
 
-// Cuts of our own, below the root too where they prove useful, and two quick ways to a first
+// Cuts of our own, below the root too where they prove useful, and some quick ways to a first
 // solution. None of Coin's cuts is without a fault: its covers of knapsacks took the best point of
 // a known problem (lseu) away, and that of an assignment with a budget; covers of flows that of
 // plants with fixed costs; CglMixedIntegerRounding2 those of six of three thousand small problems
@@ -84,7 +103,7 @@ double spanOf(const LinearForm& form) {
 // the least, and ours find nothing to cut at the best point of the linear problem: with ours beside
 // them they cost more than they save.
 void addHelp(const LinearForm& form, const std::shared_ptr<const CutProblem>& problem,
-             CbcModel& model) {
+             const std::shared_ptr<RootCuts>& atRoot, CbcModel& model) {
   constexpr int kWhereUseful = -1;
   constexpr int kAtRoot = -99;
   constexpr double kSpanForGomory = 1e6;
@@ -95,14 +114,16 @@ void addHelp(const LinearForm& form, const std::shared_ptr<const CutProblem>& pr
   if (cuts.empty() && spanOf(form) <= kSpanForGomory) {
     model.addCutGenerator(&gomory, kAtRoot, "Gomory");
   }
-  CutGenerator rounding(problem, findRoundingCuts);
+  CutGenerator rounding(problem, findRoundingCuts, atRoot, 0);
   model.addCutGenerator(&rounding, kWhereUseful, "Rounding");
-  CutGenerator covers(problem, findCoverCuts);
+  CutGenerator covers(problem, findCoverCuts, atRoot, 1);
   model.addCutGenerator(&covers, kWhereUseful, "Covers");
   CbcRounding round(model);
   model.addHeuristic(&round);
   CbcHeuristicFPump pump(model);
   model.addHeuristic(&pump);
+  PointOfRoot found(model, atRoot);
+  model.addHeuristic(&found, "Root");
 }
 
 double costOf(const LinearForm& form, const std::vector<double>& point) {
@@ -301,14 +322,17 @@ std::vector<double> CbcEngine::search(const LinearForm& given, const std::vector
     return result.startTaken && watch.stopped() ? start : std::vector<double>();
   }
   double bound = model.solver()->getObjValue();
-  addHelp(form, problem, model);
+  const auto atRoot = std::make_shared<RootCuts>(
+      problem, std::vector<RootCuts::Find>{findRoundingCuts, findCoverCuts}, watch,
+      watch.iterationsLeft(result.iterations));
+  addHelp(form, problem, atRoot, model);
   limitRounds(bound, model);
   const StopHandler handler(&watch, &bound);
   model.passInEventHandler(&handler);
   if (result.startTaken) addStart(form, start, model);
   model.branchAndBound();
 
-  result.iterations += model.getIterationCount();
+  result.iterations += model.getIterationCount() + atRoot->iterations();
   result.outcome = outcomeOf(model, watch);
   const double* best = model.bestSolution();
   // A limit may come before the heuristics.

@@ -23,11 +23,21 @@ bool CutGenerator::isPartOf(const OsiSolverInterface& solver) const {
   return true;
 }
 
+std::vector<Cut> CutGenerator::cutsAt(const OsiSolverInterface& solver, bool inTree) const {
+  std::vector<Cut> found;
+  if (atRoot_ != nullptr) {
+    if (!inTree && !atRoot_->hasRun()) atRoot_->run(solver);
+    if (!atRoot_->areUseful()) return found;
+    found = atRoot_->take(way_);
+  }
+  if (found.empty()) find_(*problem_, solver.getColSolution(), found);
+  return found;
+}
+
 void CutGenerator::generateCuts(const OsiSolverInterface& solver, OsiCuts& cuts,
                                 const CglTreeInfo info) {
   if (!isPartOf(solver)) return;
-  std::vector<Cut> found;
-  find_(*problem_, solver.getColSolution(), found);
+  const std::vector<Cut> found = cutsAt(solver, info.inTree);
   // As Cbc asks its own: in the first rounds for all of the search, later for the node alone.
   const bool forAll =
       (info.options & 16) != 0 ||

@@ -3,20 +3,26 @@
 #define ZTB_PROVIDERS_MODEL_SOLVERS_CUT_GENERATOR_H_
 
 #include <CglCutGenerator.hpp>
+#include <cstddef>
 #include <memory>
 #include <vector>
 
 #include "providers/model/solvers/cut_problem.h"
+#include "providers/model/solvers/root_cuts.h"
 
 namespace lomu {
 
 class CutGenerator : public CglCutGenerator {
  public:
-  // Adds cuts that hold at every point of the problem and that `point` violates.
-  using Find = void (*)(const CutProblem& problem, const double* point, std::vector<Cut>& cuts);
+  using Find = RootCuts::Find;
 
   CutGenerator(std::shared_ptr<const CutProblem> problem, Find find)
       : problem_(std::move(problem)), find_(find) {}
+  // Begins with what `atRoot` finds, whose way `way` is the same, and finds nothing where that is
+  // of no use.
+  CutGenerator(std::shared_ptr<const CutProblem> problem, Find find,
+               std::shared_ptr<RootCuts> atRoot, std::size_t way)
+      : problem_(std::move(problem)), find_(find), atRoot_(std::move(atRoot)), way_(way) {}
 
   void generateCuts(const OsiSolverInterface& solver, OsiCuts& cuts,
                     const CglTreeInfo info) override;
@@ -24,9 +30,12 @@ class CutGenerator : public CglCutGenerator {
 
  private:
   [[nodiscard]] bool isPartOf(const OsiSolverInterface& solver) const;
+  [[nodiscard]] std::vector<Cut> cutsAt(const OsiSolverInterface& solver, bool inTree) const;
 
   std::shared_ptr<const CutProblem> problem_;
   Find find_;
+  std::shared_ptr<RootCuts> atRoot_;
+  std::size_t way_ = 0;
 };
 
 }  // namespace lomu
