@@ -38,5 +38,18 @@ TEST(GlpkPresolve, isNotThereWhereNumbersAreNotWhole) {
   EXPECT_GE(result.iterations, 2);
 }
 
+// x >= y + 1 and y >= x + 1 leave no point. Presolve would move the lower bounds on for ever where
+// nothing ends the two, and for hours where their upper bounds are far away.
+TEST(GlpkPresolve, isNotThereWhereItWouldNotEnd) {
+  for (const double upper : {kInf, 1e12}) {
+    SmallModel model;
+    model.column(1, 0, upper, true);
+    model.column(1, 0, upper, true);
+    model.row({1, -1}, 1, kInf);
+    model.row({-1, 1}, 1, kInf);
+    EXPECT_EQ(solveFresh("glpk", model).outcome, Outcome::infeasible) << upper;
+  }
+}
+
 }  // namespace
 }  // namespace ztbtest

@@ -136,8 +136,8 @@ void GlpkProgram::take(const LinearForm& form) {
                     form.sameShape(form_);
   indexes_.resize(at(form.rowCount) + 1);
   values_.resize(indexes_.size());
-  presolvesIntegers_ =
-      !keep && form.hasIntegers && form.rowCount <= kMostRowsPresolved && hasWholeNumbers(form);
+  presolvesIntegers_ = !keep && form.hasIntegers && form.rowCount <= kMostRowsPresolved &&
+                       hasWholeNumbers(form) && integersHaveEnds(form);
   Job job{this, keep ? Task::change : Task::build, nullptr, 0, 0, 0, nullptr};
   call(job);
   form_ = std::move(next_);

@@ -44,4 +44,13 @@ bool hasWholeNumbers(const LinearForm& form) {
          std::all_of(form.rowUpper.begin(), form.rowUpper.end(), isWholeOrNone);
 }
 
+bool integersHaveEnds(const LinearForm& form) {
+  constexpr double kMostNumbers = 1e4;
+  for (std::size_t j = 0; j < form.lower.size(); ++j) {
+    if (form.isInteger[j] == 0) continue;
+    if (!(form.upper[j] - form.lower[j] <= kMostNumbers)) return false;
+  }
+  return true;
+}
+
 }  // namespace lomu

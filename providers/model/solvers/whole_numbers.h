@@ -14,6 +14,11 @@ namespace lomu {
 // than 0.001.
 bool hasWholeNumbers(const LinearForm& form);
 
+// Whether the bounds of each integer leave it so few numbers that they soon cross where rows move
+// them by 1 again and again. Without such an end GLPK's presolve moves them for ever, and nothing
+// can stop it.
+bool integersHaveEnds(const LinearForm& form);
+
 }  // namespace lomu
 
 #endif  // ZTB_PROVIDERS_MODEL_SOLVERS_WHOLE_NUMBERS_H_
