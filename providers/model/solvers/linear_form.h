@@ -45,8 +45,8 @@ struct LinearForm {
     return columnCount == other.columnCount && rowCount == other.rowCount && start == other.start &&
            rowOf == other.rowOf && isInteger == other.isInteger;
   }
-  // Whether all costs are such as Clp takes, which ends the process over others in an assertion; the
-  // reason if not.
+  // Whether all costs are such as Clp takes, which ends the process over others in an assertion;
+  // the reason if not.
   [[nodiscard]] bool costsSuitClp(std::string& reason) const;
   // Whether some column or row has a lower bound above its upper one.
   [[nodiscard]] bool boundsCross() const;
